@@ -1,0 +1,26 @@
+# One static library for each folder of src/. Every library has an include root of its own, a folder in the build tree that
+# holds nothing but a link to the library's sources, so that `#include "grid/header.h"` compiles only where grid is linked.
+# A folder without sources yet is passed over.
+function(gridforge_layer layer)
+  cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
+  set(folder ${PROJECT_SOURCE_DIR}/src/${layer})
+  file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h)
+  list(FILTER sources EXCLUDE REGEX "/driver/main\\.cpp$")
+  if(NOT sources)
+    return()
+  endif()
+
+  set(root ${PROJECT_BINARY_DIR}/include/${layer})
+  file(MAKE_DIRECTORY ${root})
+  file(CREATE_LINK ${folder} ${root}/${layer} SYMBOLIC)
+
+  add_library(gridforge_${layer} STATIC ${sources})
+  set_target_properties(gridforge_${layer} PROPERTIES LINKER_LANGUAGE CXX)
+  target_include_directories(gridforge_${layer} PUBLIC ${root})
+  target_link_libraries(gridforge_${layer} PUBLIC gridforge_flags)
+  foreach(used IN LISTS ARG_USES)
+    if(TARGET gridforge_${used})
+      target_link_libraries(gridforge_${layer} PUBLIC gridforge_${used})
+    endif()
+  endforeach()
+endfunction()

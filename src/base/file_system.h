@@ -1,0 +1,30 @@
+// The boundary to the operating system's file names: the one place where "\" becomes the platform's separator.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+
+// The name as the operating system takes it.
+std::string systemName(std::string_view name);
+// Something stands under that name that is not a folder.
+bool fileExists(std::string_view name);
+// Last-write time in nanoseconds; none when it cannot be had.
+std::optional<std::int64_t> lastWriteTime(std::string_view name);
+
+enum class SearchEnd { done, noSuchFile, outOfMemory, invalidName };
+
+struct SearchResult {
+    SearchEnd end = SearchEnd::done;
+    std::vector<std::string> names; // without folder, ascending by byte value
+};
+
+// The names that match the last component of `pattern`, where "*" stands for any characters and "?" for one. Dot-files and
+// folders are found, "." and ".." are not.
+SearchResult searchFolder(std::string_view pattern);
+
+} // namespace gridforge

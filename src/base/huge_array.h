@@ -1,0 +1,71 @@
+// A large array of plain values, zero at first. Fresh memory is dear, so it is asked for in huge pages where the system has
+// them.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <type_traits>
+#include <utility>
+
+namespace gridforge {
+
+// Zeroed bytes, or nullptr when they cannot be had; released with the same size.
+void* takePages(std::size_t bytes);
+void releasePages(void* pages, std::size_t bytes);
+
+template <typename Value>
+class HugeArray {
+    static_assert(std::is_trivially_copyable_v<Value>);
+
+  public:
+    HugeArray() = default;
+    ~HugeArray() { release(); }
+    HugeArray(const HugeArray&) = delete;
+    HugeArray& operator=(const HugeArray&) = delete;
+    HugeArray(HugeArray&& other) noexcept
+        : values_(std::exchange(other.values_, nullptr)), size_(std::exchange(other.size_, 0))
+    {
+    }
+    HugeArray& operator=(HugeArray&& other) noexcept
+    {
+        std::swap(values_, other.values_);
+        std::swap(size_, other.size_);
+        return *this;
+    }
+
+    // Gives up what it held and takes `size` zeros; false, and empty, when the memory cannot be had.
+    [[nodiscard]] bool allocate(std::size_t size)
+    {
+        release();
+        if (size == 0) {
+            return true;
+        }
+        if (size > static_cast<std::size_t>(-1) / 2 / sizeof(Value)) {
+            return false;
+        }
+        values_ = static_cast<Value*>(takePages(size * sizeof(Value)));
+        size_ = values_ == nullptr ? 0 : size;
+        return values_ != nullptr;
+    }
+
+    void release()
+    {
+        if (values_ != nullptr) {
+            releasePages(values_, size_ * sizeof(Value));
+        }
+        values_ = nullptr;
+        size_ = 0;
+    }
+
+    std::size_t size() const { return size_; }
+    std::span<Value> all() { return {values_, size_}; }
+    std::span<const Value> all() const { return {values_, size_}; }
+    Value& operator[](std::size_t i) { return values_[i]; }
+    const Value& operator[](std::size_t i) const { return values_[i]; }
+
+  private:
+    Value* values_ = nullptr;
+    std::size_t size_ = 0;
+};
+
+} // namespace gridforge

@@ -1,0 +1,93 @@
+// Numbers out of text and into text. Reading is free-form: values end at blanks, tabs and commas, and reals are rounded
+// once, straight to the precision of their variable. Writing rounds the stored value correctly, exact ties to even.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+// --- Free-form reading -----------------------------------------------------------------------------------------------
+
+enum class FreeValue {
+    value,   // read into the target
+    empty,   // nothing between two commas: the target stays as it was
+    failure, // not a number of that kind
+    end      // no further value in the text
+};
+
+// Walks over the values of one text (one line: the caller brings the next when `end` is told and more is wanted).
+class FreeForm {
+  public:
+    explicit FreeForm(std::string_view text) : text_(text) {}
+
+    // Integers are an optional sign and digits, out of range is a failure. Reals take one point, an exponent with e or d,
+    // also NaN, Inf and Infinity; too large is a failure, too small the nearest value or 0.
+    FreeValue next(std::int32_t& target);
+    FreeValue next(std::int64_t& target);
+    FreeValue next(float& target);
+    FreeValue next(double& target);
+    // Text may stand in '...' or "..." (a doubled quote is one); it is cut at `width`.
+    FreeValue nextText(std::string& target, std::size_t width);
+
+  private:
+    enum class Token { found, empty, end };
+    Token nextToken(std::string_view& token);
+    void passSeparator();
+
+    std::string_view text_;
+    std::size_t at_ = 0;
+    bool started_ = false;
+};
+
+// One value from the head of a text; an empty value before a comma leaves the target and is no failure, an empty text is.
+bool readFree(std::string_view text, std::int32_t& target);
+bool readFree(std::string_view text, std::int64_t& target);
+bool readFree(std::string_view text, float& target);
+bool readFree(std::string_view text, double& target);
+
+// The whole of `token` as one number of free-form reading; false leaves the target alone.
+bool parseNumber(std::string_view token, std::int32_t& target);
+bool parseNumber(std::string_view token, std::int64_t& target);
+bool parseNumber(std::string_view token, float& target);
+bool parseNumber(std::string_view token, double& target);
+
+// readFree under the names of old: default width, 32 and 64 bits.
+bool CHECKINT(std::string_view text, std::int32_t& value);
+bool CHECKINT4(std::string_view text, std::int32_t& value);
+bool CHECKINT8(std::string_view text, std::int64_t& value);
+
+// --- Real to integer, held at the 32-bit limits; not-a-number gives 0 -----------------------------------------------
+
+std::int32_t truncateToInt(double value);
+std::int32_t roundToInt(double value); // halves away from zero
+std::int32_t ceilToInt(double value);
+std::int32_t floorToInt(double value);
+
+// --- Number to text --------------------------------------------------------------------------------------------------
+
+// Fixed notation with `decimals` decimals (the point always stands), no padding: "12.500", "12.", "-0.250", "NaN",
+// "Infinity". A leading zero is written.
+std::string fixedText(double value, int decimals);
+// The same right-justified in `width`. A leading zero goes where it alone makes the text too wide; what still does not fit
+// is a field of "*". Infinity is "Inf" in fields under 8.
+std::string realField(double value, int width, int decimals);
+// An integer right-justified in `width`, or a field of "*".
+std::string integerField(std::int64_t value, int width);
+
+std::string AINTEGER(std::int32_t value);
+std::string AINTEGER8(std::int64_t value);
+// At least `digits` digits, by leading zeros; for values from 0.
+std::string AINTEGERPREC0(std::int32_t value, std::int32_t digits);
+std::string AINTEGER8PREC0(std::int64_t value, std::int32_t digits);
+// Decimals by the size of the value, 6 below 0.01 down to 0 from 1000; trailing zeros cut, the point stays: "2.5", "3.".
+std::string AREAL(float value);
+// The same with 10 decimals below 1 down to 0 from 1e9.
+std::string AREAL8(double value);
+// `decimals` decimals in a field of 20, trailing zeros kept, left-justified.
+std::string AREALD(float value, std::int32_t decimals);
+std::string AREALD8(double value, std::int32_t decimals);
+
+} // namespace gridforge

@@ -1,0 +1,106 @@
+// Text without trailing blanks, and the small routines on it that the flag scan, the headers and the control files rest on.
+// Everything is literal and ASCII: only a to z change case. A routine that cuts says at which width.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+// Names and lines hold this many characters and are cut there without notice.
+inline constexpr std::size_t kNameWidth = 1000;
+inline constexpr std::size_t kLineWidth = 1000;
+// Width of the work space of the routines on long lines.
+inline constexpr std::size_t kWorkWidth = 100000;
+
+// --- Views of a text -------------------------------------------------------------------------------------------------
+
+std::string_view trimLeft(std::string_view text);  // without leading blanks; tabs are not blanks
+std::string_view trimRight(std::string_view text); // without trailing blanks
+std::string_view trim(std::string_view text);      // without either
+// The first `width` characters, without trailing blanks: how a text fits a field of that width.
+std::string cut(std::string_view text, std::size_t width);
+
+// --- Joining ---------------------------------------------------------------------------------------------------------
+
+inline void appendPart(std::string& out, std::string_view part) { out += part; }
+inline void appendPart(std::string& out, char part) { out += part; }
+template <std::integral Number>
+void appendPart(std::string& out, Number part)
+{
+    out += std::to_string(part);
+}
+
+// The parts as one text: texts and characters as they are, integers as plain digits.
+template <typename... Parts>
+std::string join(const Parts&... parts)
+{
+    std::string out;
+    (appendPart(out, parts), ...);
+    return out;
+}
+
+inline std::string quoted(std::string_view text) { return join('"', text, '"'); }
+
+// --- Comparing and finding -------------------------------------------------------------------------------------------
+
+// The same text but for quotes, tabs, leading and trailing blanks and case, within the first 1000 characters.
+bool ASAME(std::string_view a, std::string_view b);
+// ASAME with case counting.
+bool ASAMECS(std::string_view a, std::string_view b);
+// The key stands anywhere in the text, case ignored; trailing blanks of both do not count; a blank key is always found.
+bool FLAGEXISTS(std::string_view text, std::string_view key);
+// FLAGEXISTS; on a hit `rest` is the text from behind the key, as it stands, on a miss it is blank.
+bool FLAGEXISTSRET(std::string_view text, std::string_view key, std::string& rest);
+// Removes tabs in place; nothing is left?
+bool BLANK(std::string& text);
+// Left-trims in place and cuts at the first "#" or "!", in quotes too. True when that leaves nothing to read.
+bool COMMENTLINE(std::string& text);
+// Left-trims in place. True when the text is empty or begins with a digit, "-" or ".".
+bool NUMBERLINE(std::string& text);
+// Length without trailing blanks and zero bytes.
+std::int32_t LENSL(std::string_view text);
+// Left-trims in place. True when there is something and it is all digits.
+bool POSITIVEINTEGERNUMBER(std::string& text);
+
+// --- Changing text ---------------------------------------------------------------------------------------------------
+
+std::string TRIMF(std::string_view text); // without leading blanks
+std::string UPPERCASE(std::string_view text);
+std::string LOWERCASE(std::string_view text);
+std::string REMOVESPACES(std::string_view text);
+std::string REMOVETABS(std::string_view text);
+std::string SS256(std::string_view text);        // cut at 256
+std::string REMOVEQUOTES(std::string_view text); // without " and '
+std::string DOUBLEQUOTE(std::string_view text);  // each " doubled
+// Letters and digits; every other character becomes `replacement`, or goes when that is the zero byte. Nothing left: "X".
+std::string ALPHANUMERICONLY(std::string_view text, char replacement);
+// Letters, digits and "_" only. Nothing left: "X".
+std::string CLEANATTRIBUTENAME(std::string_view text);
+// The first occurrence of `find`, case ignored, becomes the trimmed `with`.
+std::string REPLACE(std::string_view text, std::string_view find, std::string_view with);
+// REPLACE until no occurrence is left. A `with` that holds `find` never ends: callers avoid that.
+std::string REPLACEALL(std::string_view text, std::string_view find, std::string_view with);
+// Moves the first blank-delimited word (blanks in quotes do not count) from `text` to `word`, its quotes removed.
+void SPLITFIRSTWORD(std::string& word, std::string& text);
+
+// --- Counting and fields ---------------------------------------------------------------------------------------------
+
+// Position from 1 of the first comma outside quotes, 0 when none. Quotes of either kind toggle; a doubled quote inside
+// quotes is one character.
+std::int32_t NEXTCOMMA(std::string_view text);
+// 0 for a blank text, otherwise one more than the separators in it.
+std::int32_t NUMBEROFSUBSTRINGS(std::string_view text, std::string_view separator);
+// The n-th field from 1, left-trimmed; blank when there are fewer. Separators longer than one character put the fields
+// off by the excess on both sides, as callers of old rely on.
+std::string SUBSTRING(std::string_view text, std::string_view separator, std::int32_t n);
+// How many numbers stand in the text, an empty field between commas counting as one; the negated count when a character
+// that belongs to no number is met.
+std::int32_t NUMBEROFNUMBERS(std::string_view text);
+// Days of a date YYYYMMDD since the start of 2000, by years of 365 days; -1 when it cannot be read.
+std::int32_t NUMBEROFDAYS(std::string_view date);
+
+} // namespace gridforge

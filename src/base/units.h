@@ -1,0 +1,89 @@
+// File units: small integer handles of open files, 0 meaning none. Opening is a dialogue on the console, so a missing file
+// or a locked output waits for the user; every write and close is checked, and a failure ends the run with a message.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+using Unit = std::int32_t;
+
+// Prepares the empty unit tables: free units are base + 1 to base + 1000.
+void startUnits(std::int32_t base);
+
+// Opens `name` on the first free unit through the console dialogue and stores the unit. `mode` is one of
+// "I ", "UI", "BI", "BE" (input), "O ", "F ", "UO", "BO", "BN" (replaced), "A ", "AB" (appended), "S ", "SB", "SE" (opened in
+// place) and "IO"; `type` is what the file is called when its name must be asked for. The name may change in the dialogue:
+// unitName tells the one opened.
+void OPENER(Unit& unit, std::string_view mode, std::string_view name, std::string_view type = "");
+// Closes the unit with its console line and sets it to 0; 0 and unknown units do nothing.
+void CLOSER(Unit& unit);
+// Closes every open unit, with or without the console line "Closing all file units...".
+void closeAllUnits(bool announce);
+
+const std::string& unitName(Unit unit);
+// 101 for .mif, 102 for .mid, 111 for .12da, else 0.
+std::int32_t unitKind(Unit unit);
+
+// --- Named units -----------------------------------------------------------------------------------------------------
+
+inline constexpr std::int32_t kNamedUnits = 8;
+void openNamed(std::int32_t entry, std::string_view mode, std::string_view type);
+void openNamedAs(std::int32_t entry, std::string_view name, std::string_view mode, std::string_view type);
+void openNamedWith(std::int32_t entry, std::string_view prefix, std::string_view suffix, std::string_view mode,
+                   std::string_view type);
+void openNamedInput(std::int32_t entry);
+void openNamedOutput(std::int32_t entry);
+bool NAMED(std::int32_t entry);
+std::string GETNAM(std::int32_t entry);
+Unit namedUnit(std::int32_t entry);
+
+// --- Reading text ----------------------------------------------------------------------------------------------------
+
+// True when nothing is left to read: right after the last line has been taken.
+bool atEnd(Unit unit);
+// The next line without its LF or CR LF, cut at `width` (the rest of a longer line is passed over) and without trailing
+// blanks. False at the end and on a failed read.
+bool readLine(Unit unit, std::string& line, std::size_t width = 1000);
+// The last line read is read again next. One step only.
+void stepBack(Unit unit);
+
+// --- Reading bytes ---------------------------------------------------------------------------------------------------
+
+// The bytes that stand ready in the unit's buffer; empty only at the end of the file.
+std::string_view readyBytes(Unit unit);
+// Keeps the ready bytes and reads on behind them: more than before, or the same when the file has ended or the buffer is
+// full (kReadAhead bytes).
+std::string_view moreBytes(Unit unit);
+void takeBytes(Unit unit, std::size_t count);
+inline constexpr std::size_t kReadAhead = std::size_t{1} << 20;
+// Fills `target`; false when the file ends before.
+bool readBytes(Unit unit, std::span<std::byte> target);
+std::int64_t fileSize(Unit unit);
+// Position from 0 of the next byte read or written.
+void seekTo(Unit unit, std::int64_t position);
+std::int64_t position(Unit unit);
+
+// --- Writing ---------------------------------------------------------------------------------------------------------
+
+void writeText(Unit unit, std::string_view text); // as it stands
+void writeLine(Unit unit, std::string_view line); // with CR LF
+void writeBytes(Unit unit, std::span<const std::byte> bytes);
+// Room for `count` bytes (at most kWriteRoom) in the unit's buffer, to be filled in place and told by wroteBytes.
+std::span<char> writeRoom(Unit unit, std::size_t count);
+void wroteBytes(Unit unit, std::size_t count);
+inline constexpr std::size_t kWriteRoom = std::size_t{1} << 20;
+// Ends the file at the position of the next byte.
+void truncateHere(Unit unit);
+
+// --- Save dates ------------------------------------------------------------------------------------------------------
+
+// Compares the last-write times of a pair of files that belong together, where `first` should not be newer than `second`.
+// `mustHold` asks for another try after the user has saved the file again; otherwise a newer `first` is only a warning.
+void checkSaveDate(std::string_view first, std::string_view second, Unit& firstUnit, Unit& secondUnit, bool mustHold);
+
+} // namespace gridforge

@@ -1,0 +1,34 @@
+// Headers of grids: read from .asc and .hdr files with the projection beside them, and written in fixed-width form.
+#pragma once
+
+#include "grid/grid.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace gridforge {
+
+// Reads the header of the grid `name`. Leaves the .asc open at its first line of cells, or the .hdr open. What cannot be
+// read or is not complete ends the run with its message.
+GridHeader readGridHeader(std::string_view name);
+
+// What the tolerant readers find in the head of an open text unit; what is not there keeps its default.
+struct AscHeaderText {
+    std::int32_t nrows = 0;
+    std::int32_t ncols = 0;
+    double xll = 0;
+    double yll = 0;
+    float cellsize = 0;
+    float null = kDefaultNull;
+    bool classified = false;
+    std::int32_t classes = 0;
+};
+AscHeaderText readAscHeaderText(Unit unit, std::string_view displayName);
+// Also knows classified grids: passes over their class table.
+AscHeaderText readAscHeaderClasses(Unit unit, std::string_view displayName);
+
+// Writes the first five header lines in fixed-width form; the caller writes the null.
+void writeAscHeaderText(Unit unit, std::string_view displayName, std::int32_t nrows, std::int32_t ncols, double xll,
+                        double yll, double cellsize);
+
+} // namespace gridforge

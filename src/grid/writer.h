@@ -1,0 +1,25 @@
+// The single writer of .asc and .flt grids, and the check that two grids cover the same lattice.
+#pragma once
+
+#include "grid/grid.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace gridforge {
+
+// Decimals of .asc cells where no setting says otherwise.
+inline constexpr std::int32_t kDefaultDecimals = 3;
+
+// Writes the grid `base` with the extension of `format` and, where `projectionText` is not blank, its .prj. Size, corner,
+// cell size and null are those of `header`; below 0 `decimals` counts as 3.
+void writeGrid(std::int32_t format, std::string_view base, const GridHeader& header, const Grid& cells,
+               std::string_view projectionText, std::int32_t decimals = kDefaultDecimals);
+
+// 0.01 in single precision, widened: what corners and cell sizes of the grids of one operation may differ by.
+inline constexpr double kGridTolerance = static_cast<double>(0.01F);
+
+// Reports each of size, corner and cell size in which the grids differ, and ends the run when one does.
+void compareGridDimensions(const GridHeader& first, const GridHeader& second, double tolerance = kGridTolerance);
+
+} // namespace gridforge

@@ -1,0 +1,19 @@
+// The two rules that name an output and choose its format.
+#pragma once
+
+#include "run/run_settings.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+// The base name, without extension, of the main output: the name given with -out, or that of `source` without extension
+// and with the operation's suffix.
+std::string outputNameRule(const RunSettings& settings, std::string_view source, std::string_view suffix);
+
+// The format wanted by -asc or -flt, or that of the first input grid.
+std::int32_t outputFormatRule(const RunSettings& settings, std::int32_t firstFormat);
+
+} // namespace gridforge

@@ -1,0 +1,52 @@
+#include "support/scratch_folder.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <system_error>
+
+namespace gridforge::test {
+
+ScratchFolder::ScratchFolder()
+{
+    std::string pattern = (std::filesystem::temp_directory_path() / "gridforge-test-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) {
+        ADD_FAILURE() << "no scratch folder: " << pattern;
+    }
+    path_ = pattern;
+}
+
+ScratchFolder::~ScratchFolder()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+void ScratchFolder::give(std::string_view name, std::string_view bytes) const
+{
+    const auto target = path_ / name;
+    std::filesystem::create_directories(target.parent_path());
+    std::ofstream out(target, std::ios::binary);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    if (!out.flush()) {
+        ADD_FAILURE() << "cannot write " << target;
+    }
+}
+
+bool ScratchFolder::has(std::string_view name) const
+{
+    return std::filesystem::exists(path_ / name);
+}
+
+std::string ScratchFolder::read(std::string_view name) const
+{
+    std::ifstream in(path_ / name, std::ios::binary);
+    if (!in) {
+        ADD_FAILURE() << "cannot read " << name;
+        return {};
+    }
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+} // namespace gridforge::test
