@@ -1,5 +1,5 @@
-// The ends of a run. Every one gives exit status 0, also after an error: a caller recognises failure by the console text.
-// Nothing else ends the process.
+// The ends of a run. Every one gives exit status 0, also after an error: a caller recognises failure by the console
+// text. Nothing else ends the process.
 #pragma once
 
 #include "base/console.h"
@@ -14,6 +14,10 @@ namespace gridforge {
 [[noreturn]] void endNow();
 // "Finished.", a pause unless in batch mode, the end.
 [[noreturn]] void endFinished(bool batch);
+
+// Called in place of the end of the process, for programs that outlive a run (fuzz targets); it must not return.
+using EndHandler = void (*)();
+void replaceProcessEnd(EndHandler handler);
 
 // A message of the parts and EXITS.
 template <typename... Parts>

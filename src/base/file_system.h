@@ -23,8 +23,8 @@ struct SearchResult {
     std::vector<std::string> names; // without folder, ascending by byte value
 };
 
-// The names that match the last component of `pattern`, where "*" stands for any characters and "?" for one. Dot-files and
-// folders are found, "." and ".." are not.
+// The names that match the last component of `pattern`, where "*" stands for any characters and "?" for one. Dot-files
+// and folders are found, "." and ".." are not.
 SearchResult searchFolder(std::string_view pattern);
 
 } // namespace gridforge

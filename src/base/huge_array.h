@@ -1,5 +1,5 @@
-// A large array of plain values, zero at first. Fresh memory is dear, so it is asked for in huge pages where the system has
-// them.
+// A large array of plain values, zero at first. Fresh memory is dear, so it is asked for in huge pages where the system
+// has them.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ template <typename Value>
 class HugeArray {
     static_assert(std::is_trivially_copyable_v<Value>);
 
-  public:
+public:
     HugeArray() = default;
     ~HugeArray() { release(); }
     HugeArray(const HugeArray&) = delete;
@@ -63,7 +63,7 @@ class HugeArray {
     Value& operator[](std::size_t i) { return values_[i]; }
     const Value& operator[](std::size_t i) const { return values_[i]; }
 
-  private:
+private:
     Value* values_ = nullptr;
     std::size_t size_ = 0;
 };

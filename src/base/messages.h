@@ -41,8 +41,8 @@ struct MessageRecord {
 // The record that a caller fills before DMESSAGE.
 MessageRecord& DMESSAGES();
 
-// Writes the message of the record behind `blankLines` empty lines (none when below 0) and clears the record. -2 and below
-// keep the text out of the log.
+// Writes the message of the record behind `blankLines` empty lines (none when below 0) and clears the record. -2 and
+// below keep the text out of the log.
 void DMESSAGE(std::int32_t blankLines);
 // DMESSAGE with a position, drawn in the message layer.
 void DMESSAGEXY(std::int32_t blankLines, double x, double y);

@@ -23,7 +23,8 @@ std::string FILEFOLDERPATH(std::string_view name);  // the folder with its last 
 std::string ADDFOLDER(std::string_view folder, std::string_view name);
 // Resolves "\..\" and "\.\" in the text. Names with "/" keep their dots; deliberate.
 std::string REMOVEDOTDOT(std::string_view name);
-// Rewrites the head of a drive ("C:\x" to "C Drive\x") or share ("\\s" to "URL\s") in place; true when the name is local.
+// Rewrites the head of a drive ("C:\x" to "C Drive\x") or share ("\\s" to "URL\s") in place; true when the name is
+// local.
 bool DRIVEANDURLNAME(std::string& name);
 // Left-trims and takes doubled separators together, but for those of a share name at the head.
 std::string CLEANPATH(std::string_view name);

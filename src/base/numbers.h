@@ -20,11 +20,11 @@ enum class FreeValue {
 
 // Walks over the values of one text (one line: the caller brings the next when `end` is told and more is wanted).
 class FreeForm {
-  public:
+public:
     explicit FreeForm(std::string_view text) : text_(text) {}
 
-    // Integers are an optional sign and digits, out of range is a failure. Reals take one point, an exponent with e or d,
-    // also NaN, Inf and Infinity; too large is a failure, too small the nearest value or 0.
+    // Integers are an optional sign and digits, out of range is a failure. Reals take one point, an exponent with e or
+    // d, also NaN, Inf and Infinity; too large is a failure, too small the nearest value or 0.
     FreeValue next(std::int32_t& target);
     FreeValue next(std::int64_t& target);
     FreeValue next(float& target);
@@ -32,7 +32,7 @@ class FreeForm {
     // Text may stand in '...' or "..." (a doubled quote is one); it is cut at `width`.
     FreeValue nextText(std::string& target, std::size_t width);
 
-  private:
+private:
     enum class Token { found, empty, end };
     Token nextToken(std::string_view& token);
     void passSeparator();
@@ -42,7 +42,8 @@ class FreeForm {
     bool started_ = false;
 };
 
-// One value from the head of a text; an empty value before a comma leaves the target and is no failure, an empty text is.
+// One value from the head of a text; an empty value before a comma leaves the target and is no failure, an empty text
+// is.
 bool readFree(std::string_view text, std::int32_t& target);
 bool readFree(std::string_view text, std::int64_t& target);
 bool readFree(std::string_view text, float& target);
@@ -71,8 +72,8 @@ std::int32_t floorToInt(double value);
 // Fixed notation with `decimals` decimals (the point always stands), no padding: "12.500", "12.", "-0.250", "NaN",
 // "Infinity". A leading zero is written.
 std::string fixedText(double value, int decimals);
-// The same right-justified in `width`. A leading zero goes where it alone makes the text too wide; what still does not fit
-// is a field of "*". Infinity is "Inf" in fields under 8.
+// The same right-justified in `width`. A leading zero goes where it alone makes the text too wide; what still does not
+// fit is a field of "*". Infinity is "Inf" in fields under 8.
 std::string realField(double value, int width, int decimals);
 // An integer right-justified in `width`, or a field of "*".
 std::string integerField(std::int64_t value, int width);
@@ -82,7 +83,8 @@ std::string AINTEGER8(std::int64_t value);
 // At least `digits` digits, by leading zeros; for values from 0.
 std::string AINTEGERPREC0(std::int32_t value, std::int32_t digits);
 std::string AINTEGER8PREC0(std::int64_t value, std::int32_t digits);
-// Decimals by the size of the value, 6 below 0.01 down to 0 from 1000; trailing zeros cut, the point stays: "2.5", "3.".
+// Decimals by the size of the value, 6 below 0.01 down to 0 from 1000; trailing zeros cut, the point stays: "2.5",
+// "3.".
 std::string AREAL(float value);
 // The same with 10 decimals below 1 down to 0 from 1e9.
 std::string AREAL8(double value);

@@ -1,5 +1,5 @@
-// Text without trailing blanks, and the small routines on it that the flag scan, the headers and the control files rest on.
-// Everything is literal and ASCII: only a to z change case. A routine that cuts says at which width.
+// Text without trailing blanks, and the small routines on it that the flag scan, the headers and the control files rest
+// on. Everything is literal and ASCII: only a to z change case. A routine that cuts says at which width.
 #pragma once
 
 #include <concepts>
@@ -26,8 +26,14 @@ std::string cut(std::string_view text, std::size_t width);
 
 // --- Joining ---------------------------------------------------------------------------------------------------------
 
-inline void appendPart(std::string& out, std::string_view part) { out += part; }
-inline void appendPart(std::string& out, char part) { out += part; }
+inline void appendPart(std::string& out, std::string_view part)
+{
+    out += part;
+}
+inline void appendPart(std::string& out, char part)
+{
+    out += part;
+}
 template <std::integral Number>
 void appendPart(std::string& out, Number part)
 {
@@ -43,7 +49,10 @@ std::string join(const Parts&... parts)
     return out;
 }
 
-inline std::string quoted(std::string_view text) { return join('"', text, '"'); }
+inline std::string quoted(std::string_view text)
+{
+    return join('"', text, '"');
+}
 
 // --- Comparing and finding -------------------------------------------------------------------------------------------
 
@@ -76,7 +85,8 @@ std::string REMOVETABS(std::string_view text);
 std::string SS256(std::string_view text);        // cut at 256
 std::string REMOVEQUOTES(std::string_view text); // without " and '
 std::string DOUBLEQUOTE(std::string_view text);  // each " doubled
-// Letters and digits; every other character becomes `replacement`, or goes when that is the zero byte. Nothing left: "X".
+// Letters and digits; every other character becomes `replacement`, or goes when that is the zero byte. Nothing left:
+// "X".
 std::string ALPHANUMERICONLY(std::string_view text, char replacement);
 // Letters, digits and "_" only. Nothing left: "X".
 std::string CLEANATTRIBUTENAME(std::string_view text);

@@ -1,5 +1,6 @@
-// File units: small integer handles of open files, 0 meaning none. Opening is a dialogue on the console, so a missing file
-// or a locked output waits for the user; every write and close is checked, and a failure ends the run with a message.
+// File units: small integer handles of open files, 0 meaning none. Opening is a dialogue on the console, so a missing
+// file or a locked output waits for the user; every write and close is checked, and a failure ends the run with a
+// message.
 #pragma once
 
 #include <cstddef>
@@ -16,9 +17,9 @@ using Unit = std::int32_t;
 void startUnits(std::int32_t base);
 
 // Opens `name` on the first free unit through the console dialogue and stores the unit. `mode` is one of
-// "I ", "UI", "BI", "BE" (input), "O ", "F ", "UO", "BO", "BN" (replaced), "A ", "AB" (appended), "S ", "SB", "SE" (opened in
-// place) and "IO"; `type` is what the file is called when its name must be asked for. The name may change in the dialogue:
-// unitName tells the one opened.
+// "I ", "UI", "BI", "BE" (input), "O ", "F ", "UO", "BO", "BN" (replaced), "A ", "AB" (appended), "S ", "SB", "SE"
+// (opened in place) and "IO"; `type` is what the file is called when its name must be asked for. The name may change in
+// the dialogue: unitName tells the one opened.
 void OPENER(Unit& unit, std::string_view mode, std::string_view name, std::string_view type = "");
 // Closes the unit with its console line and sets it to 0; 0 and unknown units do nothing.
 void CLOSER(Unit& unit);
@@ -56,8 +57,8 @@ void stepBack(Unit unit);
 
 // The bytes that stand ready in the unit's buffer; empty only at the end of the file.
 std::string_view readyBytes(Unit unit);
-// Keeps the ready bytes and reads on behind them: more than before, or the same when the file has ended or the buffer is
-// full (kReadAhead bytes).
+// Keeps the ready bytes and reads on behind them: more than before, or the same when the file has ended or the buffer
+// is full (kReadAhead bytes).
 std::string_view moreBytes(Unit unit);
 void takeBytes(Unit unit, std::size_t count);
 inline constexpr std::size_t kReadAhead = std::size_t{1} << 20;
@@ -79,11 +80,14 @@ void wroteBytes(Unit unit, std::size_t count);
 inline constexpr std::size_t kWriteRoom = std::size_t{1} << 20;
 // Ends the file at the position of the next byte.
 void truncateHere(Unit unit);
+// Tells the file system how many bytes will be written, so that it can lay them out at once. Only a hint.
+void reserveBytes(Unit unit, std::int64_t count);
 
 // --- Save dates ------------------------------------------------------------------------------------------------------
 
-// Compares the last-write times of a pair of files that belong together, where `first` should not be newer than `second`.
-// `mustHold` asks for another try after the user has saved the file again; otherwise a newer `first` is only a warning.
-void checkSaveDate(std::string_view first, std::string_view second, Unit& firstUnit, Unit& secondUnit, bool mustHold);
+// Compares the last-write times of a pair of files that belong together, where `first` should not be newer than
+// `second`. True when the run may go on: with `mustHold` a newer `first` closes both units, waits for the user to save
+// again and gives false, so that the caller opens afresh; otherwise it is only a warning.
+bool checkSaveDate(std::string_view first, std::string_view second, Unit& firstUnit, Unit& secondUnit, bool mustHold);
 
 } // namespace gridforge

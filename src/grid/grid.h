@@ -41,7 +41,7 @@ struct GridHeader {
 // files, north row first, each from west to east.
 template <typename Value>
 class CellArray {
-  public:
+public:
     // Takes nrows by ncols zeros; false when the memory cannot be had.
     [[nodiscard]] bool allocate(std::int32_t nrows, std::int32_t ncols)
     {
@@ -67,7 +67,7 @@ class CellArray {
     Value& operator()(std::int32_t row, std::int32_t column) { return values_[at(row, column)]; }
     const Value& operator()(std::int32_t row, std::int32_t column) const { return values_[at(row, column)]; }
 
-  private:
+private:
     std::size_t columns() const { return static_cast<std::size_t>(ncols_); }
     std::size_t rowStart(std::int32_t row) const
     {
@@ -87,8 +87,8 @@ class CellArray {
 
 using Grid = CellArray<float>;
 
-// Writes "Allocating <n>Kb memory for <purpose>" and takes an array of the header's size, zero at first; ends the run where
-// the memory cannot be had.
+// Writes "Allocating <n>Kb memory for <purpose>" and takes an array of the header's size, zero at first; ends the run
+// where the memory cannot be had.
 void allocateGrid(Grid& grid, const GridHeader& header, std::string_view purpose);
 // The Kb figure of such a line, in the 32-bit arithmetic of its digits.
 std::int32_t gridKilobytes(std::int32_t nrows, std::int32_t ncols);

@@ -8,8 +8,8 @@
 
 namespace gridforge {
 
-// Reads the header of the grid `name`. Leaves the .asc open at its first line of cells, or the .hdr open. What cannot be
-// read or is not complete ends the run with its message.
+// Reads the header of the grid `name`. Leaves the .asc open at its first line of cells, or the .hdr open. What cannot
+// be read or is not complete ends the run with its message.
 GridHeader readGridHeader(std::string_view name);
 
 // What the tolerant readers find in the head of an open text unit; what is not there keeps its default.

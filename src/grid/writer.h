@@ -11,8 +11,8 @@ namespace gridforge {
 // Decimals of .asc cells where no setting says otherwise.
 inline constexpr std::int32_t kDefaultDecimals = 3;
 
-// Writes the grid `base` with the extension of `format` and, where `projectionText` is not blank, its .prj. Size, corner,
-// cell size and null are those of `header`; below 0 `decimals` counts as 3.
+// Writes the grid `base` with the extension of `format` and, where `projectionText` is not blank, its .prj. Size,
+// corner, cell size and null are those of `header`; below 0 `decimals` counts as 3.
 void writeGrid(std::int32_t format, std::string_view base, const GridHeader& header, const Grid& cells,
                std::string_view projectionText, std::int32_t decimals = kDefaultDecimals);
 

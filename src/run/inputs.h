@@ -11,7 +11,7 @@ namespace gridforge {
 inline constexpr std::int32_t kMaxInputs = 2000;
 
 class InputFileList {
-  public:
+public:
     std::int32_t count() const { return static_cast<std::int32_t>(names_.size()); }
     const std::string& operator[](std::int32_t i) const
     {
@@ -22,7 +22,7 @@ class InputFileList {
     // The last input named the output, so it is no input.
     void dropLast() { names_.pop_back(); }
 
-  private:
+private:
     std::vector<std::string> names_;
 };
 

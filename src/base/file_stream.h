@@ -1,0 +1,78 @@
+// One open file behind a unit: a descriptor and a buffer that either reads ahead or collects what is written.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace gridforge {
+
+enum class Direction { in, out };
+
+class FileStream {
+public:
+    FileStream() = default;
+    FileStream(int descriptor, Direction direction, std::string name);
+    ~FileStream();
+    FileStream(FileStream&& other) noexcept;
+    FileStream& operator=(FileStream&& other) noexcept;
+    FileStream(const FileStream&) = delete;
+    FileStream& operator=(const FileStream&) = delete;
+
+    bool isOpen() const { return descriptor_ >= 0; }
+    const std::string& name() const { return name_; }
+    // The same file of the operating system as `name`, whatever the names?
+    bool isSameFile(std::string_view name) const;
+    // Writes what is buffered and closes; false when either fails.
+    [[nodiscard]] bool close();
+
+    // Reading. False and empty results mean the end of the file or a failed read.
+    bool atEnd();
+    bool readLine(std::string& line, std::size_t width);
+    void stepBack();
+    std::string_view ready();
+    std::string_view more();
+    void take(std::size_t count) { begin_ += count; }
+    bool readBytes(std::span<std::byte> target);
+
+    // Writing. False when the file could not be written.
+    [[nodiscard]] bool write(std::string_view bytes);
+    [[nodiscard]] bool room(std::size_t count);
+    std::span<char> roomLeft();
+    void wrote(std::size_t count) { end_ += count; }
+    [[nodiscard]] bool flush();
+    [[nodiscard]] bool truncateHere();
+    void reserve(std::int64_t count);
+
+    std::int64_t size() const;
+    std::int64_t position() const;
+    // An input that cannot be moved there reads as if it had ended.
+    [[nodiscard]] bool seek(std::int64_t position);
+
+private:
+    void takeBuffer();
+    bool fill(); // reads behind the buffered bytes; false when nothing came
+    bool writeOut(const char* bytes, std::size_t count);
+
+    int descriptor_ = -1;
+    Direction direction_ = Direction::in;
+    std::string name_;
+    std::unique_ptr<char[]> buffer_;
+    std::size_t capacity_ = 0;
+    std::size_t begin_ = 0;         // reading: next byte to take
+    std::size_t end_ = 0;           // end of the bytes in the buffer
+    std::int64_t bufferOffset_ = 0; // position in the file of the first byte of the buffer
+    std::int64_t lineStart_ = 0;    // position of the last line read
+    bool unreadable_ = false;       // a position could not be reached
+};
+
+// A descriptor for `name`, or -1.
+int openForReading(std::string_view name);
+enum class WriteStart { replace, append, inPlace };
+int openForWriting(std::string_view name, WriteStart start);
+
+} // namespace gridforge
