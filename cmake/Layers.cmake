@@ -15,6 +15,9 @@ function(gridforge_layer layer)
   file(CREATE_LINK ${folder} ${root}/${layer} SYMBOLIC)
 
   add_library(gridforge_${layer} STATIC ${sources})
+  # Users first: a static library must stand before those it draws from.
+  get_property(layers GLOBAL PROPERTY GRIDFORGE_LAYERS)
+  set_property(GLOBAL PROPERTY GRIDFORGE_LAYERS gridforge_${layer} ${layers})
   set_target_properties(gridforge_${layer} PROPERTIES LINKER_LANGUAGE CXX)
   target_include_directories(gridforge_${layer} PUBLIC ${root})
   target_link_libraries(gridforge_${layer} PUBLIC gridforge_flags)

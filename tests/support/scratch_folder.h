@@ -8,7 +8,7 @@
 namespace gridforge::test {
 
 class ScratchFolder {
-  public:
+public:
     ScratchFolder();
     ~ScratchFolder();
     ScratchFolder(const ScratchFolder&) = delete;
@@ -21,9 +21,12 @@ class ScratchFolder {
     bool has(std::string_view name) const;
     // The bytes of the file `name`; a test failure and "" where it cannot be read.
     std::string read(std::string_view name) const;
+    // Leaves the folder in place for a look.
+    void keep() { kept_ = true; }
 
-  private:
+private:
     std::filesystem::path path_;
+    bool kept_ = false;
 };
 
 } // namespace gridforge::test

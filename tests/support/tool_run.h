@@ -1,0 +1,114 @@
+// One run of the built tool in a fresh folder: what it is given, what it says, what it leaves. There is no shell in
+// between, so arguments may hold any byte. Where a test fails the command is shown; with GRIDFORGE_KEEP set the folder
+// stays, to repeat it there.
+#pragma once
+
+#include "support/grids.h"
+#include "support/scratch_folder.h"
+
+#include <chrono>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge::test {
+
+class ToolRun {
+public:
+    // Arguments separated by blanks. Note that a braced list of one is this one too.
+    explicit ToolRun(const char* arguments);
+    // Arguments as they are, blanks and odd bytes included.
+    explicit ToolRun(std::vector<std::string> arguments);
+    ~ToolRun();
+    ToolRun(const ToolRun&) = delete;
+    ToolRun& operator=(const ToolRun&) = delete;
+
+    // Before the run
+    // ------------------------------------------------------------------------------------------------------ Writes
+    // `bytes` as the file `name`, with its folders.
+    void give(std::string_view name, std::string_view bytes);
+    // A line of standard input, the line end added. Standard input ends behind the last one, at once where there is
+    // none.
+    void type(std::string_view line);
+    // The current folder of the run, below folder(); it is made. All other names stay relative to folder().
+    void workIn(std::string_view name);
+    // Another program in place of the tool.
+    void program(std::string path);
+
+    // The run
+    // -------------------------------------------------------------------------------------------------------------
+    // Runs to the end. A run that takes longer than `limit`, or is ended by a signal, fails the test.
+    void start(std::chrono::milliseconds limit = std::chrono::seconds(60));
+    // For runs that are meant not to end: stops the run after `time`. False where it ended by itself.
+    bool stillRunsAfter(std::chrono::milliseconds time);
+
+    // After the run
+    // -------------------------------------------------------------------------------------------------------
+    int status() const { return status_; }                  // the exit status; 128 + n where signal n ended the run
+    const std::string& console() const { return console_; } // standard output
+    const std::string& error() const { return error_; }     // standard error, which a good run leaves empty
+    double processorSeconds() const { return processorSeconds_; } // user and system time
+    std::vector<std::string> consoleLines() const;
+    // Does `line` stand on the console, as a whole line?
+    bool says(std::string_view line) const;
+
+    const std::filesystem::path& folder() const { return folder_.path(); }
+    bool has(std::string_view name) const;
+    std::string read(std::string_view name) const;
+    // The grid in the file `name` (.asc, or .flt with its .hdr).
+    WrittenGrid grid(std::string_view name) const;
+    // Names of the files that the run wrote or changed, in order; folders it made end in '/'.
+    std::vector<std::string> changedFiles() const;
+    // Those of changedFiles() that no has(), read(), grid() or expectFile() has asked for.
+    std::vector<std::string> otherFiles() const;
+    void expectFile(std::string_view name) const { known_.insert(std::string(name)); }
+
+    // The command, to repeat the run by hand.
+    std::string command() const;
+
+private:
+    struct FileState {
+        std::filesystem::file_time_type time;
+        std::string bytes;
+        bool operator==(const FileState&) const = default;
+    };
+    using Listing = std::map<std::string, FileState>;
+
+    Listing listing() const;
+    // True where the process ended by itself within `limit`; kills it otherwise.
+    bool runWithin(std::chrono::milliseconds limit);
+
+    ScratchFolder folder_;
+    std::string program_;
+    std::vector<std::string> arguments_;
+    std::string workFolder_;
+    std::string typed_;
+    Listing before_;
+    Listing after_;
+    mutable std::set<std::string> known_;
+    int status_ = -1;
+    double processorSeconds_ = 0;
+    std::string console_;
+    std::string error_;
+};
+
+// What the macros below ask.
+testing::AssertionResult consoleIs(const ToolRun& run, const std::vector<std::string>& lines);
+testing::AssertionResult consoleHolds(const ToolRun& run, const std::vector<std::string>& lines);
+testing::AssertionResult gridIs(const ToolRun& run, std::string_view name, const Cells& cells);
+testing::AssertionResult noOtherFiles(const ToolRun& run);
+
+} // namespace gridforge::test
+
+// The whole console is these lines, blank ones included: EXPECT_CONSOLE(run, {"first", "second"}).
+#define EXPECT_CONSOLE(run, ...) EXPECT_TRUE(::gridforge::test::consoleIs(run, __VA_ARGS__))
+// These lines stand on the console one right after the other: EXPECT_CONSOLE_HOLDS(run, {"a line", "the next"}).
+#define EXPECT_CONSOLE_HOLDS(run, ...) EXPECT_TRUE(::gridforge::test::consoleHolds(run, __VA_ARGS__))
+// The cells of a written grid, north row first: EXPECT_GRID(run, "max.asc", {{1, 2}, {3, kNull}}).
+#define EXPECT_GRID(run, name, ...) EXPECT_TRUE(::gridforge::test::gridIs(run, name, __VA_ARGS__))
+// The run left no file that the test has not asked for.
+#define EXPECT_NO_OTHER_FILES(run) EXPECT_TRUE(::gridforge::test::noOtherFiles(run))
