@@ -1,0 +1,46 @@
+// Loops over all cells with their progress on the console.
+#pragma once
+
+#include "base/console.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace gridforge {
+
+inline constexpr std::int32_t kProgressRows = 100;
+
+// A stretch of cells in the order of the files: the place of the first from 0, and how many.
+struct CellBlock {
+    std::size_t start = 0;
+    std::size_t count = 0;
+};
+
+// Writes the heading and walks over all cells from the south row to the north row, in blocks of rows between two
+// progress numbers: `work` is called with the CellBlock of each.
+template <typename Work>
+void overRows(std::string_view heading, std::int32_t nrows, std::int32_t ncols, Work&& work)
+{
+    sayOpen(heading);
+    const auto columns = static_cast<std::size_t>(ncols);
+    for (std::int32_t done = 0; done < nrows;) {
+        const std::int32_t rows = std::min(kProgressRows, nrows - done);
+        done += rows;
+        work(CellBlock{static_cast<std::size_t>(nrows - done) * columns, static_cast<std::size_t>(rows) * columns});
+        if (done % kProgressRows == 0) {
+            progress(done);
+        }
+    }
+    endLine();
+}
+
+// The cells of a block.
+template <typename Cells>
+auto cellsOf(Cells& grid, const CellBlock& block)
+{
+    return grid.cells().subspan(block.start, block.count);
+}
+
+} // namespace gridforge
