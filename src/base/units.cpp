@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 #include <vector>
 
 namespace gridforge {
@@ -22,6 +23,7 @@ constexpr std::size_t kGetNamWidth = 80;
 struct UnitEntry {
     FileStream stream;
     std::int32_t kind = 0;
+    WriteFailure writeFailure = nullptr;
     std::string storedName; // of a named entry, open or not
 };
 
@@ -60,15 +62,27 @@ FileStream& stream(Unit unit)
     return entry->stream;
 }
 
-[[noreturn]] void failWrite(const std::string& name)
+Unit unitOf(const UnitEntry& entry)
 {
-    fail("ERROR - Could not write to file: ", name);
+    const UnitTable& t = table();
+    if (&entry >= t.named.data() && &entry < t.named.data() + t.named.size()) {
+        return t.lastNamed - kNamedUnits + 1 + static_cast<std::int32_t>(&entry - t.named.data());
+    }
+    return t.base + 1 + static_cast<std::int32_t>(&entry - t.free.data());
+}
+
+[[noreturn]] void failWrite(UnitEntry& entry)
+{
+    if (const WriteFailure handler = std::exchange(entry.writeFailure, nullptr)) {
+        handler(unitOf(entry));
+    }
+    fail("ERROR - Could not write to file: ", entry.stream.name());
 }
 
 void requireWritten(bool written, Unit unit)
 {
     if (!written) {
-        failWrite(unitName(unit));
+        failWrite(*findEntry(unit));
     }
 }
 
@@ -76,8 +90,9 @@ void closeEntry(UnitEntry& entry)
 {
     entry.kind = 0;
     if (!entry.stream.close()) {
-        failWrite(entry.stream.name());
+        failWrite(entry);
     }
+    entry.writeFailure = nullptr;
 }
 
 template <typename Action>
@@ -438,6 +453,13 @@ void wroteBytes(Unit unit, std::size_t count)
 void truncateHere(Unit unit)
 {
     requireWritten(stream(unit).truncateHere(), unit);
+}
+
+void onWriteFailure(Unit unit, WriteFailure handler)
+{
+    if (UnitEntry* entry = findEntry(unit)) {
+        entry->writeFailure = handler;
+    }
 }
 
 void reserveBytes(Unit unit, std::int64_t count)

@@ -83,6 +83,11 @@ void truncateHere(Unit unit);
 // Tells the file system how many bytes will be written, so that it can lay them out at once. Only a hint.
 void reserveBytes(Unit unit, std::int64_t count);
 
+// What a failed write of this unit, also at its close, does in place of the usual message: another message and an end
+// of the run. It lasts until the unit is closed.
+using WriteFailure = void (*)(Unit unit);
+void onWriteFailure(Unit unit, WriteFailure handler);
+
 // --- Save dates ------------------------------------------------------------------------------------------------------
 
 // Compares the last-write times of a pair of files that belong together, where `first` should not be newer than
