@@ -1,0 +1,23 @@
+// Cells of an .asc grid into text, and the extremes that settle how wide its fields are. No input or output here.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace gridforge {
+
+// Writes each cell right-justified in fixed notation with `decimals` decimals, `width` characters a cell and nothing
+// between them, so `out` takes width * row.size() bytes. Values are rounded from the stored 32 bits, exact ties to
+// even; signs, leading zeros, NaN and what does not fit are as in realField.
+void formatAscRow(std::span<const float> row, std::int32_t width, std::int32_t decimals, char* out);
+
+struct Extremes {
+    float smallest = 0;
+    float largest = 0;
+    bool any = false; // false as long as no cell was a number: the extremes are 0
+};
+
+// The smallest and the largest of `cells` and of what `before` found in other cells; NaN takes no part.
+Extremes findExtremes(std::span<const float> cells, const Extremes& before = {});
+
+} // namespace gridforge
