@@ -137,6 +137,7 @@ bool FileStream::fill()
     }
     const ssize_t got = readSome(descriptor_, buffer_.get() + end_, capacity_ - end_);
     if (got <= 0) {
+        unreadable_ = got < 0;
         return false;
     }
     end_ += static_cast<std::size_t>(got);

@@ -32,6 +32,7 @@ public:
 
     // Reading. False and empty results mean the end of the file or a failed read.
     bool atEnd();
+    bool failed() const { return unreadable_; }
     bool readLine(std::string& line, std::size_t width);
     void stepBack();
     std::string_view ready();
@@ -67,7 +68,7 @@ private:
     std::size_t end_ = 0;           // end of the bytes in the buffer
     std::int64_t bufferOffset_ = 0; // position in the file of the first byte of the buffer
     std::int64_t lineStart_ = 0;    // position of the last line read
-    bool unreadable_ = false;       // a position could not be reached
+    bool unreadable_ = false;       // the system refused a read or a position
 };
 
 // A descriptor for `name`, or -1.

@@ -36,10 +36,11 @@ private:
     enum class Token { found, empty, end };
     Token nextToken(std::string_view& token);
     void passSeparator();
+    template <typename Number>
+    FreeValue nextNumber(Number& target);
 
     std::string_view text_;
     std::size_t at_ = 0;
-    bool started_ = false;
 };
 
 // One value from the head of a text; an empty value before a comma leaves the target and is no failure, an empty text

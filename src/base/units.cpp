@@ -380,6 +380,11 @@ bool readLine(Unit unit, std::string& line, std::size_t width)
     return stream(unit).readLine(line, width);
 }
 
+bool readFailed(Unit unit)
+{
+    return stream(unit).failed();
+}
+
 void stepBack(Unit unit)
 {
     stream(unit).stepBack();

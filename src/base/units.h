@@ -50,6 +50,8 @@ bool atEnd(Unit unit);
 // The next line without its LF or CR LF, cut at `width` (the rest of a longer line is passed over) and without trailing
 // blanks. False at the end and on a failed read.
 bool readLine(Unit unit, std::string& line, std::size_t width = 1000);
+// The system refused a read of the unit, which is otherwise like the end of its file.
+bool readFailed(Unit unit);
 // The last line read is read again next. One step only.
 void stepBack(Unit unit);
 
