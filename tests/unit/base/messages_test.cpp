@@ -88,7 +88,7 @@ TEST(Dmessage, WritesTheCsvListAndTheLog)
         MessageRecord& r = DMESSAGES();
         OPENER(r.messageCsvUnit, "O ", "list.csv");
         OPENER(r.messageLogUnit, "O ", "log.txt");
-        r.line = {"ERROR 12 - say \"x\"", "two", "three", ""};
+        r.line = {"ERROR 0012 - say \"x\"", "two", "three", ""};
         r.tag = {"t1", "", ""};
         DMESSAGE(1);
         report("no class");
@@ -96,9 +96,9 @@ TEST(Dmessage, WritesTheCsvListAndTheLog)
         DMESSAGE(-2);
     });
     EXPECT_EQ(folder.read("list.csv"),
-              " 0012, 1,-99999.000,-99999.000, \"ERROR 12 - say \"\"x\"\"  two  three\", \"t1\", \"\", \"\"\r\n"
+              " 0012, 1,-99999.000,-99999.000, \"ERROR 0012 - say \"\"x\"\"  two  three\", \"t1\", \"\", \"\"\r\n"
               " 0009, 2,-99999.000,-99999.000, \"WARNING 9\", \"\", \"\", \"\"\r\n");
-    EXPECT_EQ(folder.read("log.txt"), "\r\nERROR 12 - say \"x\"\r\ntwo\r\nthree\r\nt1\r\n\r\nno class\r\n");
+    EXPECT_EQ(folder.read("log.txt"), "\r\nERROR 0012 - say \"x\"\r\ntwo\r\nthree\r\nt1\r\n\r\nno class\r\n");
 }
 
 TEST(Dmessagexy, DrawsTheMessageInItsLayer)

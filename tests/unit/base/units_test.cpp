@@ -205,8 +205,7 @@ TEST(Opener, StopsAtThe1001stFile)
     });
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.status, 0);
-    const std::string lastLines = run.console.substr(run.console.size() - 45);
-    EXPECT_EQ(lastLines, "Opened File Unit:2000\nNo free file numbers.\n" + std::string()) << run.console.size();
+    EXPECT_TRUE(run.console.ends_with("\nOpened File Unit:2000\nNo free file numbers.\n"));
 }
 
 TEST(Opener, KnowsTheKindByTheExtension)
@@ -215,27 +214,16 @@ TEST(Opener, KnowsTheKindByTheExtension)
     for (const char* name : {"a.MIF", "a.mid", "a.12da", "a.txt"}) {
         folder.give(name, "");
     }
-    runInChild(folder, [] {
-        Unit unit = 0;
-        for (const char* name : {"a.MIF", "a.mid", "a.12da", "a.txt"}) {
-            OPENER(unit, "I ", name);
-            say("kind ", unitKind(unit));
-        }
-    });
     const ChildRun run = runInChild(folder, [] {
         Unit unit = 0;
-        OPENER(unit, "I ", "a.MIF");
-        say("kind ", unitKind(unit));
-        OPENER(unit, "I ", "a.mid");
-        say("kind ", unitKind(unit));
-        OPENER(unit, "I ", "a.12da");
-        say("kind ", unitKind(unit));
-        OPENER(unit, "I ", "a.txt");
-        say("kind ", unitKind(unit));
+        std::string kinds;
+        for (const char* name : {"a.MIF", "a.mid", "a.12da", "a.txt"}) {
+            OPENER(unit, "I ", name);
+            kinds += join(unitKind(unit), ' ');
+        }
+        say(kinds);
     });
-    for (const char* line : {"kind 101\n", "kind 102\n", "kind 111\n", "kind 0\n"}) {
-        EXPECT_NE(run.console.find(line), std::string::npos) << line;
-    }
+    EXPECT_TRUE(run.console.ends_with("\n101 102 111 0 \n")) << run.console;
 }
 
 TEST(Units, ReadsLinesCutAtTheirWidth)
@@ -370,7 +358,8 @@ TEST(Units, ARefusedReadIsAFailedOne)
         Unit unit = 0;
         OPENER(unit, "I ", "a.txt");
         std::string line;
-        say(readLine(unit, line) ? "read" : "not read", readFailed(unit) ? ", failed" : ", ended");
+        const bool read = readLine(unit, line);
+        say(read ? "read" : "not read", readFailed(unit) ? ", failed" : ", ended");
     });
     EXPECT_TRUE(run.console.ends_with("not read, failed\n")) << run.console;
 }

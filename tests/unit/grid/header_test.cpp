@@ -59,9 +59,11 @@ TEST(ReadGridHeader, TakesKeywordsInAnyOrderAndCase)
 
 TEST(ReadGridHeader, FindsTheKeyAnywhereInTheLine)
 {
-    EXPECT_EQ(headerOf("the ncols 3\nnrows 2 rows\nxllcorner,1\nyllcorner 2,9\ncellsize 1d0\n7\n"),
-              "External Grid Info: 2 rows by 3 columns with 1. cell size.\n"
-              "format 1 size 2x3 corner 1. 2. cell 1. null -9999. next <7>\n");
+    EXPECT_EQ(
+        headerOf(
+            "the ncols 3\nnrows 2 rows\nxllcorner,1\nyllcorner 2,9\ncellsize 1d0\n7\n" /* a comma first: no value */),
+        "External Grid Info: 2 rows by 3 columns with 1. cell size.\n"
+        "format 1 size 2x3 corner -99999. 2. cell 1. null -9999. next <7>\n");
 }
 
 TEST(ReadGridHeader, ACentreMovesByAWholeCell)
