@@ -1,4 +1,25 @@
-int main()
+// The entry of the tool.
+#include "base/ends.h"
+#include "driver/run_tool.h"
+
+#include <csignal>
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+int main(int argc, char** argv)
 {
-    return 0;
+    // A console that nobody reads any more must not stop a run from writing its files.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        gridforge::runTool({argv + (argc > 0 ? 1 : 0), argv + argc});
+    } catch (const std::bad_alloc&) {
+        gridforge::failMemory();
+    } catch (const std::length_error&) { // more than a vector or a text can ever hold
+        gridforge::failMemory();
+    } catch (const std::exception&) {
+        gridforge::shouldNotBeHere("main");
+    }
 }

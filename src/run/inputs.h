@@ -29,4 +29,7 @@ private:
 // Proves each name by the directory search, wildcards and plain names alike; a name that gives no file ends the run.
 InputFileList expandInputs(const std::vector<std::string>& rawInputList);
 
+// Ends the run of more than kMaxInputs names, typed or found.
+[[noreturn]] void failTooManyInputs();
+
 } // namespace gridforge

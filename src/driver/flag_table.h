@@ -1,0 +1,66 @@
+// Every flag of the command line as data: how it is matched, what value it takes, what it stores and how the manual
+// describes it.
+#pragma once
+
+#include "driver/command_line.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+enum class SpanTest { contains, same }; // FLAGEXISTS, ASAME
+enum class FlagKind { operation, option };
+enum class FlagValue {
+    none,
+    next,      // the whole next argument
+    gluedReal, // a number right behind the key
+    gluedInteger,
+    statistic // a word or rank anywhere behind the mark
+};
+// When a flag counts as the operation of the run.
+enum class Counting { never, atFlag, atValue, afterScan };
+
+struct FlagDocs {
+    std::string_view description; // one line
+    std::string_view valueName = {};
+    std::string_view defaultText = {}; // where it is not off, 0 or blank
+};
+
+// What is said and tested around the reading of a glued number.
+struct GluedChecks {
+    // Lines for an argument that ends with its key; the argument in quotes joins the last one. Blank: no such test.
+    std::array<std::string_view, 2> missing = {};
+    std::string_view notice = {}; // said before the number is read
+    // True for a number that is refused: the run ends with `refusal` at once, without a pause.
+    bool (*refused)(const RunSettings&) = nullptr;
+    std::string_view refusal = {};
+};
+
+struct FlagRow {
+    std::string_view key; // without mark
+    std::size_t span;     // characters behind the mark in which the key is looked for
+    SpanTest test;
+    FlagKind kind;
+    FlagValue value;
+    Counting counting;
+    FlagDocs docs;
+    void (*atFlag)(RunSettings&) = nullptr;
+    // False when `text` is not a number of the flag's kind. An empty number before a comma leaves the setting.
+    bool (*storeValue)(CommandLine&, const std::string& text) = nullptr;
+    GluedChecks checks = {};
+};
+
+// In matching order: the first row that matches is the flag.
+std::span<const FlagRow> flagTable();
+
+// "-", "/" or the en dash of Windows-1252 as the first character.
+bool hasFlagMark(std::string_view argument);
+// The row of an argument that begins with a mark; nullptr when there is none.
+const FlagRow* findFlag(std::string_view argument);
+
+} // namespace gridforge

@@ -1,0 +1,71 @@
+#include "driver/operations.h"
+
+#include "base/ends.h"
+
+#include <algorithm>
+#include <array>
+
+namespace gridforge {
+
+namespace {
+
+using S = RunSettings;
+
+// The order counts only where validation lets a pair through: "-count -cd" is a count.
+// clang-format off
+constexpr std::array<OperationRow, 25> kOperations = {{
+    {"max",       [](const S& s) { return s.max || s.min; },   nullptr},
+    {"conv",      [](const S& s) { return s.conv; },           nullptr},
+    {"nc",        [](const S& s) { return s.nc; },             nullptr},
+    {"dif",       [](const S& s) { return s.dif; },            nullptr},
+    {"cd",        [](const S& s) { return s.cd && !s.count; }, nullptr},
+    {"trans_m",   [](const S& s) { return s.trans; },          nullptr},
+    {"fe",        [](const S& s) { return s.fe; },             nullptr},
+    {"fuzzy",     [](const S& s) { return s.fuzzy; },          nullptr},
+    {"count",     [](const S& s) { return s.count; },          nullptr},
+    {"resize",    [](const S& s) { return s.resize; },         nullptr},
+    {"classify",  [](const S& s) { return s.classify; },       nullptr},
+    {"histogram", [](const S& s) { return s.histogram; },      nullptr},
+    {"cp",        [](const S& s) { return s.cp; },             nullptr},
+    {"lp",        [](const S& s) { return s.lp; },             nullptr},
+    {"brkline",   [](const S& s) { return s.brkline; },        nullptr},
+    {"xs",        [](const S& s) { return s.xs; },             nullptr},
+    {"nbc",       [](const S& s) { return s.nbc; },            nullptr},
+    {"na",        [](const S& s) { return s.na; },             nullptr},
+    {"multiply",  [](const S& s) { return s.multiply; },       nullptr},
+    {"xyz",       [](const S& s) { return s.xyz; },            nullptr},
+    {"trim",      [](const S& s) { return s.trim; },           nullptr},
+    {"damages",   [](const S& s) { return s.damages; },        nullptr},
+    {"rf",        [](const S& s) { return s.rf; },             nullptr},
+    {"remap",     [](const S& s) { return s.remap; },          nullptr},
+    {"stat",      [](const S& s) { return s.stat; },           nullptr},
+}};
+// clang-format on
+
+} // namespace
+
+std::span<const OperationRow> operationTable()
+{
+    return kOperations;
+}
+
+const OperationRow* selectOperation(const RunSettings& settings)
+{
+    const auto found =
+        std::ranges::find_if(kOperations, [&](const OperationRow& row) { return row.selected(settings); });
+    return found == kOperations.end() ? nullptr : &*found;
+}
+
+void runOperation(const RunSettings& settings, const InputFileList& inputs)
+{
+    const OperationRow* operation = selectOperation(settings);
+    if (operation == nullptr) {
+        return;
+    }
+    if (operation->run == nullptr) {
+        fail("ERROR - Operation not available in this build: -", operation->name);
+    }
+    operation->run(settings, inputs);
+}
+
+} // namespace gridforge

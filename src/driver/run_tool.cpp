@@ -1,0 +1,42 @@
+#include "driver/run_tool.h"
+
+#include "base/ends.h"
+#include "base/units.h"
+#include "driver/operations.h"
+#include "driver/scan.h"
+#include "driver/usage.h"
+#include "driver/validate.h"
+
+#include <string_view>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::string_view kBanner = "Build 2020-10-AA";
+constexpr std::int32_t kUnitBase = 1000;
+
+// The tables that live as long as the process.
+void startTables()
+{
+    startUnits(kUnitBase);
+}
+
+} // namespace
+
+void runTool(const std::vector<std::string>& arguments)
+{
+    startTables();
+    say(kBanner);
+    if (arguments.empty()) {
+        showUsage();
+    }
+
+    CommandLine line = scanArguments(arguments);
+    validate(line);
+    const InputFileList inputs = expandInputs(line.rawInputList);
+    runOperation(line.settings, inputs);
+    endFinished(line.settings.batch);
+}
+
+} // namespace gridforge

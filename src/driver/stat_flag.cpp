@@ -1,0 +1,69 @@
+#include "driver/stat_flag.h"
+
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "base/text.h"
+
+#include <array>
+#include <string_view>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::string_view kRank = "Rank";
+
+struct StatisticRow {
+    std::string_view key;
+    bool RunSettings::*setting;
+};
+
+// In order: the first key that stands in the argument is meant.
+constexpr std::array<StatisticRow, 6> kStatistics = {{{"All", &RunSettings::statAll},
+                                                      {"Mean", &RunSettings::statMean},
+                                                      {"Median", &RunSettings::statMedian},
+                                                      {"Min", &RunSettings::statMin},
+                                                      {"Max", &RunSettings::statMax},
+                                                      {"Frac", &RunSettings::statFrac}}};
+
+// The key was found whatever its case, but its rank only stands behind the exact spelling; without that the text begins
+// at the fourth character, which is no number. Deliberate: -statrank5 is refused.
+std::string rankText(const std::string& argument)
+{
+    constexpr std::size_t kFourthCharacter = 3;
+    const std::size_t at = argument.find(kRank);
+    return argument.substr(at == std::string::npos ? kFourthCharacter : at + kRank.size());
+}
+
+void addRank(RunSettings& settings, const std::string& text)
+{
+    std::int32_t rank = 0;
+    if (FLAGEXISTS(text, "All")) {
+        settings.statRankAll = true;
+    } else if (CHECKINT(text, rank)) {
+        settings.statRanks.push_back(rank);
+        say("Adding Rank: ", rank);
+    } else {
+        refuse("ERROR - Reading \"-statRank\" should be followed by \"All\" or integer rank instead: ", quoted(text));
+    }
+}
+
+} // namespace
+
+void addStatistic(RunSettings& settings, const std::string& argument)
+{
+    if (FLAGEXISTS(argument, kRank)) {
+        addRank(settings, rankText(argument));
+        return;
+    }
+    for (const StatisticRow& row : kStatistics) {
+        if (FLAGEXISTS(argument, row.key)) {
+            settings.*row.setting = true;
+            return;
+        }
+    }
+    refuse("ERROR - Expecting  one of \"All\", \"Mean\", \"Median\", \"Min\", \"Max\", \"Frac\", \"Rank<>\". Found: ",
+           quoted(argument));
+}
+
+} // namespace gridforge

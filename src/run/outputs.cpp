@@ -1,0 +1,33 @@
+#include "run/outputs.h"
+
+#include "base/console.h"
+#include "base/names.h"
+#include "base/text.h"
+#include "grid/grid.h"
+
+namespace gridforge {
+
+std::string outputNameRule(const RunSettings& settings, std::string_view source, std::string_view suffix)
+{
+    if (settings.outputNameGiven) {
+        say("Using output file name specified with -out switch: ", quoted(settings.outputName));
+        return settings.outputName;
+    }
+    return cut(join(FILENAMEPATH(source), suffix), kNameWidth);
+}
+
+std::int32_t outputFormatRule(const RunSettings& settings, std::int32_t firstFormat)
+{
+    if (!settings.formatSpecified) {
+        say("Setting output format based on input grids.  To set use -asc or -flt.");
+        return firstFormat;
+    }
+    if (settings.ascWanted) {
+        say("Using output format .asc as specified.");
+        return kFormatAsc;
+    }
+    say("Using output format .flt as specified.");
+    return kFormatFlt;
+}
+
+} // namespace gridforge
