@@ -110,9 +110,8 @@ using enum FlagValue;
 using enum Counting;
 
 // Longer keys stand ahead of the keys that are their prefixes, and "b" behind all that begin with it: the order is part
-// of what each flag means. The spans of "change" and "check" are one longer than their keys, so "--change" is
-// "-change".
-// "-nowetdry" and "-change" count as operations though they are options of "-dif"; the validation relies on it.
+// of what each flag means. The spans of "change" and "check" are one longer than their keys, so "--change" is "-change"
+// too. "-nowetdry" and "-change" count as operations though they are options of "-dif"; the validation relies on it.
 // clang-format off
 constexpr std::array<FlagRow, 58> kFlags = {{
     {"max",        3,  contains, operation, none,         atFlag,    {"highest value of each cell over the input grids, with its source grid"},

@@ -107,6 +107,8 @@ struct RunSettings {
     std::string demGrid;
     std::string extentGrid;
     std::vector<std::string> materialGrids; // -mat
+
+    friend bool operator==(const RunSettings&, const RunSettings&) = default;
 };
 
 } // namespace gridforge

@@ -1,0 +1,210 @@
+#include "driver/flag_table.h"
+
+#include "base/text.h"
+
+#include <gtest/gtest.h>
+#include <string>
+
+namespace gridforge {
+namespace {
+
+using enum SpanTest;
+using enum FlagKind;
+using enum FlagValue;
+using enum Counting;
+
+struct Expected {
+    std::string_view key;
+    std::size_t span;
+    SpanTest test;
+    FlagKind kind;
+    FlagValue value;
+    Counting counting;
+};
+
+// The flags in their order, typed a second time from the manual and not from the table.
+const std::vector<Expected> kExpected = {
+    {"max", 3, contains, operation, none, atFlag},
+    {"min", 3, contains, operation, none, atFlag},
+    {"dif", 3, contains, operation, none, atFlag},
+    {"src", 3, contains, option, none, never},
+    {"brkline", 7, same, operation, next, atFlag},
+    {"cd", 2, contains, operation, gluedReal, atFlag},
+    {"out", 3, same, option, next, never},
+    {"resize", 6, same, operation, gluedInteger, atFlag},
+    {"trans_m", 7, same, operation, gluedReal, afterScan},
+    {"trans_c", 7, same, operation, gluedReal, afterScan},
+    {"rm_max", 6, same, option, none, never},
+    {"rm_min", 6, same, option, none, never},
+    {"rm_avg", 6, same, option, none, never},
+    {"classify", 8, same, operation, next, atFlag},
+    {"RGB", 3, same, option, none, never},
+    {"count", 5, same, operation, none, atFlag},
+    {"fe", 2, same, operation, none, atFlag},
+    {"nowetdry", 8, contains, option, none, atFlag},
+    {"change", 7, contains, option, none, atFlag},
+    {"check", 6, contains, option, none, never},
+    {"xyz", 3, contains, operation, none, atFlag},
+    {"fuzzy", 5, contains, operation, none, atFlag},
+    {"asc", 3, contains, option, none, never},
+    {"flt", 3, contains, option, none, never},
+    {"conv", 4, contains, operation, none, atFlag},
+    {"multiply", 8, contains, operation, none, atFlag},
+    {"histogram", 9, contains, operation, next, atFlag},
+    {"grc", 3, contains, option, none, never},
+    {"xs", 2, contains, operation, next, atFlag},
+    {"nbc", 3, contains, operation, next, atFlag},
+    {"branch", 6, contains, option, next, never},
+    {"remap", 5, contains, operation, none, atFlag},
+    {"na", 2, contains, operation, next, atFlag},
+    {"mat", 3, contains, option, next, never},
+    {"cpsd", 4, contains, option, gluedReal, never},
+    {"cpmm", 4, contains, option, gluedReal, never},
+    {"lpmd", 4, contains, option, gluedReal, never},
+    {"lp", 2, same, operation, next, atFlag},
+    {"config", 6, contains, option, next, never},
+    {"cp", 2, contains, operation, next, atFlag},
+    {"trim", 4, contains, operation, next, atFlag},
+    {"nc_comp", 7, contains, option, gluedInteger, never},
+    {"nc_shuffle", 10, contains, option, gluedInteger, never},
+    {"nc_part", 7, contains, option, gluedInteger, never},
+    {"idw_npt", 7, contains, option, gluedInteger, never},
+    {"tin", 3, contains, option, none, never},
+    {"wl", 2, contains, option, next, never},
+    {"dem", 3, contains, option, next, never},
+    {"ext", 3, contains, option, next, never},
+    {"fb", 2, contains, option, gluedReal, never},
+    {"bd", 2, contains, option, gluedReal, never},
+    {"nc", 2, contains, operation, none, atFlag},
+    {"default_n", 9, contains, option, gluedReal, never},
+    {"damages", 7, contains, operation, next, atValue},
+    {"b", 1, contains, option, none, never},
+    {"rf", 2, contains, operation, next, atValue},
+    {"stat", 4, contains, operation, statistic, afterScan},
+    {"decimal", 7, contains, option, gluedInteger, never},
+};
+
+std::string_view keyOf(const FlagRow* row)
+{
+    return row == nullptr ? "<none>" : row->key;
+}
+
+// The key of the flag that the argument is taken for.
+std::string_view found(const std::string& argument)
+{
+    return keyOf(findFlag(argument));
+}
+
+std::string withMark(std::string_view key)
+{
+    return join('-', key);
+}
+
+TEST(FlagTable, HasEveryFlagInItsOrder)
+{
+    ASSERT_EQ(flagTable().size(), 58U);
+    ASSERT_EQ(kExpected.size(), 58U);
+    for (std::size_t i = 0; i < kExpected.size(); ++i) {
+        const FlagRow& row = flagTable()[i];
+        const Expected& want = kExpected[i];
+        EXPECT_EQ(row.key, want.key);
+        EXPECT_EQ(row.span, want.span) << want.key;
+        EXPECT_EQ(row.test, want.test) << want.key;
+        EXPECT_EQ(row.kind, want.kind) << want.key;
+        EXPECT_EQ(row.value, want.value) << want.key;
+        EXPECT_EQ(row.counting, want.counting) << want.key;
+    }
+}
+
+TEST(FlagTable, NoKeyIsShadowedByAnEarlierRow)
+{
+    for (const FlagRow& row : flagTable()) {
+        EXPECT_EQ(findFlag(withMark(row.key)), &row) << row.key << " is taken for " << found(withMark(row.key));
+    }
+}
+
+TEST(FlagTable, CaseDoesNotCount)
+{
+    for (const FlagRow& row : flagTable()) {
+        EXPECT_EQ(found(withMark(UPPERCASE(row.key))), row.key);
+        EXPECT_EQ(found(withMark(LOWERCASE(row.key))), row.key);
+    }
+}
+
+TEST(FlagTable, ThreeMarksMeanTheSame)
+{
+    for (const FlagRow& row : flagTable()) {
+        for (const char mark : {'-', '/', '\x96'}) {
+            const std::string argument = join(mark, row.key);
+            EXPECT_TRUE(hasFlagMark(argument));
+            EXPECT_EQ(found(argument), row.key);
+        }
+    }
+}
+
+TEST(FlagTable, OtherFirstCharactersAreNoMark)
+{
+    EXPECT_FALSE(hasFlagMark(""));
+    EXPECT_FALSE(hasFlagMark("max"));
+    EXPECT_FALSE(hasFlagMark(" -max"));
+    EXPECT_FALSE(hasFlagMark("+max"));
+    EXPECT_FALSE(hasFlagMark("\\max"));
+    EXPECT_FALSE(hasFlagMark("\xE2\x80\x93max")); // an en dash in UTF-8 is three other bytes
+}
+
+TEST(FlagTable, KeyIsFoundAtTheHeadOfALongerWord)
+{
+    for (const FlagRow& row : flagTable()) {
+        EXPECT_EQ(found(withMark(row.key) + "zz 9"), row.key);
+    }
+    EXPECT_EQ(found("-maxima"), "max");
+    EXPECT_EQ(found("-OUTPUT"), "out");
+    EXPECT_EQ(found("-bye"), "b");
+    EXPECT_EQ(found("-batch"), "b");
+    EXPECT_EQ(found("-cps"), "cp");
+    EXPECT_EQ(found("-nc_com"), "nc");
+    EXPECT_EQ(found("-lpm"), "lp");
+    EXPECT_EQ(found("-brklin"), "b");
+    EXPECT_EQ(found("-counter"), "count");
+}
+
+TEST(FlagTable, KeyCutShortIsNotThatFlag)
+{
+    for (const FlagRow& row : flagTable()) {
+        const std::string argument = withMark(row.key.substr(0, row.key.size() - 1));
+        EXPECT_NE(findFlag(argument), &row) << argument;
+    }
+}
+
+TEST(FlagTable, OnlyChangeAndCheckAllowACharacterAhead)
+{
+    for (const FlagRow& row : flagTable()) {
+        const bool allowed = row.key == "change" || row.key == "check";
+        EXPECT_EQ(findFlag(join("-~", row.key)) == &row, allowed) << row.key;
+        EXPECT_NE(findFlag(join("-~~", row.key)), &row) << row.key;
+    }
+    EXPECT_EQ(found("--change"), "change");
+    EXPECT_EQ(found("-bcheck"), "check");
+    EXPECT_EQ(found("--max"), "<none>");
+}
+
+TEST(FlagTable, UnknownWordsAreNoFlag)
+{
+    for (const std::string argument : {"-", "/", "-h", "/?", "-9999", "--", "-ma", "-~max", "-\"out", "-o ut"}) {
+        EXPECT_EQ(found(argument), "<none>") << argument;
+    }
+}
+
+TEST(FlagTable, EveryRowIsDescribedAndStoresSomething)
+{
+    for (const FlagRow& row : flagTable()) {
+        EXPECT_FALSE(row.docs.description.empty()) << row.key;
+        EXPECT_EQ(row.docs.description.find('\n'), std::string_view::npos) << row.key;
+        EXPECT_EQ(row.docs.valueName.empty(), row.value == none) << row.key;
+        EXPECT_TRUE(row.atFlag != nullptr || row.storeValue != nullptr) << row.key;
+        EXPECT_EQ(row.storeValue != nullptr, row.value != none && row.value != statistic) << row.key;
+    }
+}
+
+} // namespace
+} // namespace gridforge

@@ -1,0 +1,280 @@
+#include "driver/scan.h"
+
+#include "base/console.h"
+#include "driver/flag_table.h"
+
+#include <cmath>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <set>
+
+namespace gridforge {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Arguments = std::vector<std::string>;
+
+struct FlagCase {
+    Arguments arguments;
+    std::function<void(RunSettings&)> sets; // on top of the defaults; nothing else may change
+    std::int32_t operations = 0;
+    Arguments inputs = {};
+};
+
+void nothing(RunSettings&) {}
+
+// Every flag, those with a value with a good one.
+const std::vector<FlagCase> kFlagCases = {
+    {{"-max"}, [](RunSettings& s) { s.max = true; }, 1},
+    {{"-min"}, [](RunSettings& s) { s.min = true; }, 1},
+    {{"-dif"}, [](RunSettings& s) { s.dif = true; }, 1},
+    {{"-src"}, [](RunSettings& s) { s.src = true; }},
+    {{"-brkline", "l.shp"}, [](RunSettings& s) { s.brkline = true, s.brklineLayer = "l.shp"; }, 1},
+    {{"-cd0.5"}, [](RunSettings& s) { s.cd = true, s.cutoff = 0.5F; }, 1},
+    {{"-out", "new"}, [](RunSettings& s) { s.outputNameGiven = true, s.outputName = "new"; }},
+    {{"-resize4"}, [](RunSettings& s) { s.resize = true, s.resizeFactor = 4; }, 1},
+    {{"-trans_m0.25"}, [](RunSettings& s) { s.trans = true, s.transformM = 0.25F; }},
+    {{"-trans_c-10"}, [](RunSettings& s) { s.trans = true, s.transformC = -10.0F; }},
+    {{"-rm_max"}, [](RunSettings& s) { s.resizeMethod = ResizeMethod::maximum; }},
+    {{"-rm_min"}, [](RunSettings& s) { s.resizeMethod = ResizeMethod::minimum; }},
+    {{"-rm_max", "-rm_avg"}, nothing},
+    {{"-classify", "c.csv"}, [](RunSettings& s) { s.classify = true, s.classFile = "c.csv"; }, 1},
+    {{"-RGB"}, [](RunSettings& s) { s.rgb = true; }},
+    {{"-count"}, [](RunSettings& s) { s.count = true; }, 1},
+    {{"-fe"}, [](RunSettings& s) { s.fe = true; }, 1},
+    {{"-nowetdry"}, [](RunSettings& s) { s.nowetdry = true; }, 1},
+    {{"-change"}, [](RunSettings& s) { s.change = true; }, 1},
+    {{"-check"}, [](RunSettings& s) { s.check = true; }},
+    {{"-xyz"}, [](RunSettings& s) { s.xyz = true; }, 1},
+    {{"-fuzzy"}, [](RunSettings& s) { s.fuzzy = true; }, 1},
+    {{"-asc"}, [](RunSettings& s) { s.formatSpecified = true, s.ascWanted = true; }},
+    {{"-flt"}, [](RunSettings& s) { s.formatSpecified = true, s.fltWanted = true; }},
+    {{"-conv"}, [](RunSettings& s) { s.conv = true; }, 1},
+    {{"-multiply"}, [](RunSettings& s) { s.multiply = true; }, 1},
+    {{"-histogram", "c.csv"}, [](RunSettings& s) { s.histogram = true, s.classFile = "c.csv"; }, 1},
+    {{"-grc"}, [](RunSettings& s) { s.grc = true; }},
+    {{"-xs", "l.mif"}, [](RunSettings& s) { s.xs = true, s.xsLayer = "l.mif"; }, 1},
+    {{"-nbc", "n.nbc"}, [](RunSettings& s) { s.nbc = true; }, 1, {"n.nbc"}},
+    {{"-branch", "l.mif"}, [](RunSettings& s) { s.branchLayer = "l.mif"; }},
+    {{"-remap"}, [](RunSettings& s) { s.remap = true, s.interpolation = 3; }, 1},
+    {{"-na", "l.mif"}, [](RunSettings& s) { s.na = true, s.naLayer = "l.mif"; }, 1},
+    {{"-mat", "m1", "-mat", "m2"},
+     [](RunSettings& s) {
+         s.materialGrids = {"m1", "m2"};
+     }},
+    {{"-cpsd500"}, [](RunSettings& s) { s.cpSearchDistance = 500.0F; }},
+    {{"-cpmm1e3"}, [](RunSettings& s) { s.cpmm = true, s.cpMinMaxDistance = 1000.0F; }},
+    {{"-lpmd2.5"}, [](RunSettings& s) { s.lpDistance = 2.5F; }},
+    {{"-lp", "l.mif"}, [](RunSettings& s) { s.lp = true, s.lpLayer = "l.mif"; }, 1},
+    {{"-config", "c"}, [](RunSettings& s) { s.configFile = "c"; }},
+    {{"-cp", "l.mif"}, [](RunSettings& s) { s.cp = true, s.cpLayer = "l.mif"; }, 1},
+    {{"-trim", "l.mif"}, [](RunSettings& s) { s.trim = true, s.trimLayer = "l.mif"; }, 1},
+    {{"-nc_comp9"}, [](RunSettings& s) { s.ncCompression = 9; }},
+    {{"-nc_shuffle0"}, [](RunSettings& s) { s.ncShuffle = false; }},
+    {{"-nc_shuffle0", "-nc_shuffle-2"}, nothing},
+    {{"-nc_part7"}, [](RunSettings& s) { s.ncPart = true; }},
+    {{"-nc_part1", "-nc_part0"}, nothing},
+    {{"-idw_npt12"}, [](RunSettings& s) { s.interpolation = 2, s.idwPoints = 12; }},
+    {{"-tin"}, [](RunSettings& s) { s.interpolation = 3; }},
+    {{"-wl", "w.asc"}, [](RunSettings& s) { s.waterLevelGrid = "w.asc"; }, 0, {"w.asc"}},
+    {{"-dem", "d.asc"}, [](RunSettings& s) { s.demGrid = "d.asc"; }},
+    {{"-ext", "e.asc"}, [](RunSettings& s) { s.extentGrid = "e.asc"; }},
+    {{"-fb0.5"}, [](RunSettings& s) { s.interpolation = 2, s.freeboard = 0.5F; }},
+    {{"-bd20"}, [](RunSettings& s) { s.interpolation = 2, s.bufferGiven = true, s.bufferDistance = 20.0F; }},
+    {{"-nc"}, [](RunSettings& s) { s.nc = true; }, 1},
+    {{"-default_n0.5"}, [](RunSettings& s) { s.defaultNGiven = true, s.defaultN = 0.5F; }},
+    {{"-damages", "d.dmg"}, [](RunSettings& s) { s.damages = true; }, 1, {"d.dmg"}},
+    {{"-damages"}, [](RunSettings& s) { s.damages = true; }}, // counts with its value only
+    {{"-b"}, [](RunSettings& s) { s.batch = true; }},
+    {{"-rf", "r.txt"}, [](RunSettings& s) { s.rf = true; }, 1, {"r.txt"}},
+    {{"-rf"}, [](RunSettings& s) { s.rf = true; }},
+    {{"-nbc"}, [](RunSettings& s) { s.nbc = true; }, 1}, // counts at the flag
+    {{"-statMean"}, [](RunSettings& s) { s.stat = true, s.statMean = true; }},
+    {{"-decimal5"}, [](RunSettings& s) { s.decimals = 5; }},
+};
+
+TEST(Scan, EachFlagSetsItsSettingsAndNoOthers)
+{
+    std::set<std::string_view> tried;
+    for (const FlagCase& flag : kFlagCases) {
+        RunSettings expected;
+        flag.sets(expected);
+        const CommandLine line = scanArguments(flag.arguments);
+        EXPECT_EQ(line.settings, expected) << flag.arguments[0];
+        EXPECT_EQ(line.operations, flag.operations) << flag.arguments[0];
+        EXPECT_EQ(line.rawInputList, flag.inputs) << flag.arguments[0];
+        tried.insert(findFlag(flag.arguments[0])->key);
+    }
+    EXPECT_EQ(tried.size(), flagTable().size()) << "a flag has no case here";
+}
+
+TEST(Scan, DefaultsAreThoseOfARunWithoutFlags)
+{
+    const RunSettings settings = scanArguments({"a.asc"}).settings;
+    EXPECT_EQ(settings.transformM, 1.0F);
+    EXPECT_EQ(settings.transformC, 0.0F);
+    EXPECT_EQ(settings.cutoff, 0.0F);
+    EXPECT_EQ(settings.ncCompression, 1);
+    EXPECT_TRUE(settings.ncShuffle);
+    EXPECT_FALSE(settings.ncPart);
+    EXPECT_EQ(settings.cpSearchDistance, 1000.0F);
+    EXPECT_EQ(settings.cpMinMaxDistance, 100.0F);
+    EXPECT_EQ(settings.lpDistance, 100.0F);
+    EXPECT_EQ(settings.resizeMethod, ResizeMethod::average);
+    EXPECT_EQ(settings.decimals, 3);
+    EXPECT_EQ(settings.interpolation, 0);
+    EXPECT_EQ(settings.freeboard, 0.0F);
+    EXPECT_EQ(settings.bufferDistance, 0.0F);
+    EXPECT_EQ(settings.idwPoints, 0);
+    EXPECT_EQ(settings.pointToleranceX, 0.5F);
+    EXPECT_EQ(settings.pointToleranceY, 0.5F);
+    EXPECT_TRUE(settings.longProfileOutput);
+}
+
+TEST(Scan, PlainArgumentsKeepTheirOrder)
+{
+    EXPECT_THAT(scanArguments({"b", "-max", "a", "b", " -min", ""}).rawInputList,
+                ElementsAre("b", "a", "b", " -min", ""));
+}
+
+TEST(Scan, ValueIsTakenWholeEvenIfItLooksLikeAFlag)
+{
+    const CommandLine line = scanArguments({"-out", "-max", "-min"});
+    EXPECT_EQ(line.settings.outputName, "-max");
+    EXPECT_FALSE(line.settings.max);
+    EXPECT_TRUE(line.settings.min);
+    EXPECT_EQ(scanArguments({"-dem", "a b  "}).settings.demGrid, "a b");
+    EXPECT_EQ(scanArguments({"-dem", " a"}).settings.demGrid, " a");
+}
+
+TEST(Scan, ValueStillAwaitedAtTheEndStaysBlank)
+{
+    const CommandLine line = scanArguments({"-max", "-out"});
+    EXPECT_TRUE(line.settings.outputNameGiven);
+    EXPECT_EQ(line.settings.outputName, "");
+    EXPECT_THAT(scanArguments({"-mat"}).settings.materialGrids, IsEmpty());
+    EXPECT_THAT(scanArguments({"-wl"}).rawInputList, IsEmpty());
+}
+
+TEST(Scan, ArgumentsAndValuesAreCutAt1000Characters)
+{
+    const std::string name = std::string(1000, 'n');
+    const CommandLine line = scanArguments({name + "x", "-out", std::string(999, 'o') + "xyz"});
+    EXPECT_THAT(line.rawInputList, ElementsAre(name));
+    EXPECT_EQ(line.settings.outputName, std::string(999, 'o') + "x");
+}
+
+TEST(Scan, WaterLevelGridTakesThePlaceOfTheFirstInput)
+{
+    EXPECT_THAT(scanArguments({"-wl", "w", "a", "b"}).rawInputList, ElementsAre("w", "a", "b"));
+    EXPECT_THAT(scanArguments({"a", "-wl", "w"}).rawInputList, ElementsAre("w", ""));
+    EXPECT_THAT(scanArguments({"a", "b", "-wl", "w", "c"}).rawInputList, ElementsAre("w", "b", "", "c"));
+    EXPECT_THAT(scanArguments({"-wl", "v", "-wl", "w"}).rawInputList, ElementsAre("w", ""));
+}
+
+TEST(Scan, ControlFilesJoinTheInputs)
+{
+    EXPECT_THAT(scanArguments({"a", "-nbc", "n", "-damages", "d", "-rf", "r", "b"}).rawInputList,
+                ElementsAre("a", "n", "d", "r", "b"));
+}
+
+TEST(Scan, EachOperationFlagCountsAsOftenAsItStands)
+{
+    EXPECT_EQ(scanArguments({"-max", "-max", "-cd1", "-cd2"}).operations, 4);
+    EXPECT_EQ(scanArguments({"-trans_m2", "-trans_c3", "-statMin", "-statMax"}).operations, 0);
+    EXPECT_EQ(scanArguments({"-damages", "a", "-damages", "b"}).operations, 2);
+}
+
+TEST(Scan, LastResizeMethodWins)
+{
+    EXPECT_EQ(scanArguments({"-rm_max", "-rm_min"}).settings.resizeMethod, ResizeMethod::minimum);
+    EXPECT_EQ(scanArguments({"-rm_min", "-rm_max"}).settings.resizeMethod, ResizeMethod::maximum);
+    EXPECT_EQ(scanArguments({"-rm_min", "-rm_avg"}).settings.resizeMethod, ResizeMethod::average);
+}
+
+TEST(Scan, InterpolationFollowsTheOrderOfFlags)
+{
+    EXPECT_EQ(scanArguments({"-idw_npt12", "-remap"}).settings.interpolation, kInterpolateTin);
+    EXPECT_EQ(scanArguments({"-remap", "-idw_npt12"}).settings.interpolation, kInterpolateIdw);
+    EXPECT_EQ(scanArguments({"-remap", "-fb1", "-tin"}).settings.interpolation, kInterpolateTin);
+    EXPECT_EQ(scanArguments({"-tin", "-bd1"}).settings.interpolation, kInterpolateIdw);
+}
+
+TEST(Scan, GluedNumbersAreReadFreeForm)
+{
+    EXPECT_EQ(scanArguments({"-CD0.1"}).settings.cutoff, 0.1F);
+    EXPECT_EQ(scanArguments({"-cd10"}).settings.cutoff, 10.0F);
+    EXPECT_EQ(scanArguments({"-cd1e-3"}).settings.cutoff, 1.0e-3F);
+    EXPECT_EQ(scanArguments({"-cd1d2"}).settings.cutoff, 100.0F);
+    EXPECT_EQ(scanArguments({"-cd 0.5"}).settings.cutoff, 0.5F); // one argument with a blank inside
+    EXPECT_EQ(scanArguments({"-cd0.5 x"}).settings.cutoff, 0.5F);
+    EXPECT_EQ(scanArguments({"-cd0.5", "-cd,"}).settings.cutoff, 0.5F); // an empty value leaves what was there
+    EXPECT_TRUE(std::isnan(scanArguments({"-cdNaN"}).settings.cutoff));
+    EXPECT_EQ(scanArguments({"-resize+3"}).settings.resizeFactor, 3);
+    EXPECT_EQ(scanArguments({"-decimal-1"}).settings.decimals, -1);
+    EXPECT_EQ(scanArguments({"-nc_shuffle,"}).settings.ncShuffle, true);
+}
+
+TEST(Scan, SmallestNumbersThatAreNotRefused)
+{
+    EXPECT_EQ(scanArguments({"-fb0"}).settings.freeboard, 0.0F);
+    EXPECT_EQ(scanArguments({"-fb-0"}).settings.freeboard, 0.0F);
+    EXPECT_EQ(scanArguments({"-bd0.0010001"}).settings.bufferDistance, 0.0010001F);
+}
+
+TEST(Scan, StatisticsAddUp)
+{
+    RunSettings expected;
+    expected.stat = true;
+    expected.statMean = true;
+    expected.statMin = true;
+    expected.statFrac = true;
+    expected.statRanks = {3, 1, 3};
+    EXPECT_EQ(scanArguments({"-statMean", "-statRank3", "-statMin", "-statRank1", "-statFrac", "-statRank3"}).settings,
+              expected);
+}
+
+struct StatisticCase {
+    std::string argument;
+    bool RunSettings::*setting;
+};
+
+TEST(Scan, StatisticKeyMayStandAnywhereInAnyCase)
+{
+    const std::vector<StatisticCase> cases = {
+        {"-statAll", &RunSettings::statAll},          {"-statMean", &RunSettings::statMean},
+        {"-statMedian", &RunSettings::statMedian},    {"-statMin", &RunSettings::statMin},
+        {"-statMax", &RunSettings::statMax},          {"-statFrac", &RunSettings::statFrac},
+        {"-STATMEDIAN", &RunSettings::statMedian},    {"/stat_of_the_mean", &RunSettings::statMean},
+        {"-statRankAll", &RunSettings::statRankAll},  {"-statMinMean", &RunSettings::statMean}, // the order of keys
+        {"-statFracMax", &RunSettings::statMax},      {"-statSmall", &RunSettings::statAll},
+        {"-statRank_all", &RunSettings::statRankAll}, {"-statrankall", &RunSettings::statRankAll}};
+    for (const StatisticCase& c : cases) {
+        RunSettings expected;
+        expected.stat = true;
+        expected.*c.setting = true;
+        EXPECT_EQ(scanArguments({c.argument}).settings, expected) << c.argument;
+    }
+}
+
+TEST(Scan, RankStandsBehindTheExactWord)
+{
+    EXPECT_THAT(scanArguments({"-statRank12"}).settings.statRanks, ElementsAre(12));
+    EXPECT_THAT(scanArguments({"-statRANKRank6"}).settings.statRanks, ElementsAre(6));
+    EXPECT_THAT(scanArguments({"-stat Rank -4"}).settings.statRanks, ElementsAre(-4));
+}
+
+TEST(Scan, AsManyNamesAsTheListHolds)
+{
+    EXPECT_EQ(scanArguments(Arguments(2000, "a")).rawInputList.size(), 2000U);
+    Arguments materials;
+    for (int i = 0; i < 2001; ++i) {
+        materials.insert(materials.end(), {"-mat", "m"});
+    }
+    EXPECT_EQ(scanArguments(materials).settings.materialGrids.size(), 2001U); // has no limit
+}
+
+} // namespace
+} // namespace gridforge

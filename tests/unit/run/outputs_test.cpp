@@ -1,0 +1,85 @@
+#include "run/outputs.h"
+
+#include "base/console.h"
+
+#include <gtest/gtest.h>
+
+namespace gridforge {
+namespace {
+
+// What the console is told while `call` runs.
+template <typename Call>
+std::string consoleOf(const Call& call)
+{
+    flushConsole();
+    testing::internal::CaptureStdout();
+    call();
+    flushConsole();
+    return testing::internal::GetCapturedStdout();
+}
+
+std::string nameOf(std::string_view source, std::string_view suffix)
+{
+    return outputNameRule(RunSettings{}, source, suffix);
+}
+
+TEST(OutputNameRule, SourceWithoutExtensionAndTheSuffix)
+{
+    EXPECT_EQ(nameOf("a.asc", "(max)"), "a(max)");
+    EXPECT_EQ(nameOf("d/e.x\\a.b.flt", "(max)"), "d/e.x\\a.b(max)");
+}
+
+TEST(OutputNameRule, DotInAFolderIsNoExtension)
+{
+    EXPECT_EQ(nameOf("d.x/grid", "(max)"), "d.x/grid(max)");
+    EXPECT_EQ(nameOf("d.x\\grid", "(max)"), "d.x\\grid(max)");
+}
+
+TEST(OutputNameRule, IsCutAt1000Characters)
+{
+    EXPECT_EQ(nameOf(std::string(998, 'a'), "(max)"), std::string(998, 'a') + "(m");
+}
+
+TEST(OutputNameRule, GivenNameStandsAsItIs)
+{
+    RunSettings settings;
+    settings.outputNameGiven = true;
+    settings.outputName = "result.txt";
+    std::string name;
+    EXPECT_EQ(consoleOf([&] { name = outputNameRule(settings, "a.asc", "(max)"); }),
+              "Using output file name specified with -out switch: \"result.txt\"\n");
+    EXPECT_EQ(name, "result.txt");
+}
+
+TEST(OutputNameRule, SaysNothingOfANameOfItsOwn)
+{
+    EXPECT_EQ(consoleOf([] { nameOf("a.asc", "x"); }), "");
+}
+
+struct FormatCase {
+    bool specified;
+    bool asc;
+    std::int32_t first;
+    std::int32_t expected;
+    std::string line;
+};
+
+TEST(OutputFormatRule, AsSpecifiedOrAsTheFirstGrid)
+{
+    const std::string byInputs = "Setting output format based on input grids.  To set use -asc or -flt.\n";
+    const std::vector<FormatCase> cases = {{true, true, 2, 1, "Using output format .asc as specified.\n"},
+                                           {true, false, 1, 2, "Using output format .flt as specified.\n"},
+                                           {false, false, 1, 1, byInputs},
+                                           {false, false, 2, 2, byInputs}};
+    for (const FormatCase& c : cases) {
+        RunSettings settings;
+        settings.formatSpecified = c.specified;
+        settings.ascWanted = c.asc;
+        std::int32_t format = 0;
+        EXPECT_EQ(consoleOf([&] { format = outputFormatRule(settings, c.first); }), c.line);
+        EXPECT_EQ(format, c.expected);
+    }
+}
+
+} // namespace
+} // namespace gridforge
