@@ -186,14 +186,25 @@ Lines matchLines(int count)
     return lines;
 }
 
-TEST(InputsCli, Accepts2000MatchesAndRefusesTheNext)
-{
-    InputRun run({"f/*.asc"});
-    for (int i = 1; i <= 2000; ++i) {
-        run.give(matchName(i), "");
+// A run on folder f with that many files.
+struct MatchRun : InputRun {
+    explicit MatchRun(int count) : InputRun({"f/*.asc"})
+    {
+        for (int i = 1; i <= count; ++i) {
+            give(matchName(i), "");
+        }
     }
+};
+
+TEST(InputsCli, Accepts2000Matches)
+{
+    MatchRun run(2000);
     expectRun(run, finished(matchLines(2000)));
-    run.give(matchName(2001), "");
+}
+
+TEST(InputsCli, Match2001EndsTheRunWithTheMessageThatSays100)
+{
+    MatchRun run(2001);
     Lines lines = matchLines(2001);
     lines.push_back(kTooMany);
     expectRun(run, failed(lines));

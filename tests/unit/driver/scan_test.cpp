@@ -106,6 +106,9 @@ TEST(Scan, EachFlagSetsItsSettingsAndNoOthers)
         EXPECT_EQ(line.operations, flag.operations) << flag.arguments[0];
         EXPECT_EQ(line.rawInputList, flag.inputs) << flag.arguments[0];
         tried.insert(findFlag(flag.arguments[0])->key);
+        if (flag.arguments.back()[0] == '-') {
+            tried.insert(findFlag(flag.arguments.back())->key);
+        }
     }
     EXPECT_EQ(tried.size(), flagTable().size()) << "a flag has no case here";
 }
