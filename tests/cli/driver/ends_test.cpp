@@ -1,5 +1,5 @@
 // The ends of a run and their pauses, with standard input open and closed.
-#include "cli/driver/driver_consoles.h"
+#include "support/driver_consoles.h"
 
 #include <csignal>
 #include <fstream>

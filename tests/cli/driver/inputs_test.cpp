@@ -1,5 +1,5 @@
 // The search that turns the names as typed into the input files.
-#include "cli/driver/driver_consoles.h"
+#include "support/driver_consoles.h"
 
 #include <filesystem>
 #include <unistd.h>

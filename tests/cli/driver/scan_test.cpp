@@ -1,5 +1,5 @@
 // Messages of the flag scan.
-#include "cli/driver/driver_consoles.h"
+#include "support/driver_consoles.h"
 
 namespace gridforge::test {
 namespace {

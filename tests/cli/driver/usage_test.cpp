@@ -1,5 +1,5 @@
 // The usage screen against its text, which lies beside this file.
-#include "cli/driver/driver_consoles.h"
+#include "support/driver_consoles.h"
 
 #include <fstream>
 

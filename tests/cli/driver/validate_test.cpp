@@ -1,6 +1,6 @@
 // Messages of the validation, in their order. "-change" alone passes as an operation and runs none, so what follows the
 // validation is short.
-#include "cli/driver/driver_consoles.h"
+#include "support/driver_consoles.h"
 
 namespace gridforge::test {
 namespace {

@@ -16,6 +16,14 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Arguments = std::vector<std::string>;
 
+// What the scan says leaves the console at once, so that later tests start with an empty one.
+CommandLine scanned(const Arguments& arguments)
+{
+    CommandLine line = scanArguments(arguments);
+    flushConsole();
+    return line;
+}
+
 struct FlagCase {
     Arguments arguments;
     std::function<void(RunSettings&)> sets; // on top of the defaults; nothing else may change
@@ -101,7 +109,7 @@ TEST(Scan, EachFlagSetsItsSettingsAndNoOthers)
     for (const FlagCase& flag : kFlagCases) {
         RunSettings expected;
         flag.sets(expected);
-        const CommandLine line = scanArguments(flag.arguments);
+        const CommandLine line = scanned(flag.arguments);
         EXPECT_EQ(line.settings, expected) << flag.arguments[0];
         EXPECT_EQ(line.operations, flag.operations) << flag.arguments[0];
         EXPECT_EQ(line.rawInputList, flag.inputs) << flag.arguments[0];
@@ -115,7 +123,7 @@ TEST(Scan, EachFlagSetsItsSettingsAndNoOthers)
 
 TEST(Scan, DefaultsAreThoseOfARunWithoutFlags)
 {
-    const RunSettings settings = scanArguments({"a.asc"}).settings;
+    const RunSettings settings = scanned({"a.asc"}).settings;
     EXPECT_EQ(settings.transformM, 1.0F);
     EXPECT_EQ(settings.transformC, 0.0F);
     EXPECT_EQ(settings.cutoff, 0.0F);
@@ -138,93 +146,92 @@ TEST(Scan, DefaultsAreThoseOfARunWithoutFlags)
 
 TEST(Scan, PlainArgumentsKeepTheirOrder)
 {
-    EXPECT_THAT(scanArguments({"b", "-max", "a", "b", " -min", ""}).rawInputList,
-                ElementsAre("b", "a", "b", " -min", ""));
+    EXPECT_THAT(scanned({"b", "-max", "a", "b", " -min", ""}).rawInputList, ElementsAre("b", "a", "b", " -min", ""));
 }
 
 TEST(Scan, ValueIsTakenWholeEvenIfItLooksLikeAFlag)
 {
-    const CommandLine line = scanArguments({"-out", "-max", "-min"});
+    const CommandLine line = scanned({"-out", "-max", "-min"});
     EXPECT_EQ(line.settings.outputName, "-max");
     EXPECT_FALSE(line.settings.max);
     EXPECT_TRUE(line.settings.min);
-    EXPECT_EQ(scanArguments({"-dem", "a b  "}).settings.demGrid, "a b");
-    EXPECT_EQ(scanArguments({"-dem", " a"}).settings.demGrid, " a");
+    EXPECT_EQ(scanned({"-dem", "a b  "}).settings.demGrid, "a b");
+    EXPECT_EQ(scanned({"-dem", " a"}).settings.demGrid, " a");
 }
 
 TEST(Scan, ValueStillAwaitedAtTheEndStaysBlank)
 {
-    const CommandLine line = scanArguments({"-max", "-out"});
+    const CommandLine line = scanned({"-max", "-out"});
     EXPECT_TRUE(line.settings.outputNameGiven);
     EXPECT_EQ(line.settings.outputName, "");
-    EXPECT_THAT(scanArguments({"-mat"}).settings.materialGrids, IsEmpty());
-    EXPECT_THAT(scanArguments({"-wl"}).rawInputList, IsEmpty());
+    EXPECT_THAT(scanned({"-mat"}).settings.materialGrids, IsEmpty());
+    EXPECT_THAT(scanned({"-wl"}).rawInputList, IsEmpty());
 }
 
 TEST(Scan, ArgumentsAndValuesAreCutAt1000Characters)
 {
     const std::string name = std::string(1000, 'n');
-    const CommandLine line = scanArguments({name + "x", "-out", std::string(999, 'o') + "xyz"});
+    const CommandLine line = scanned({name + "x", "-out", std::string(999, 'o') + "xyz"});
     EXPECT_THAT(line.rawInputList, ElementsAre(name));
     EXPECT_EQ(line.settings.outputName, std::string(999, 'o') + "x");
 }
 
 TEST(Scan, WaterLevelGridTakesThePlaceOfTheFirstInput)
 {
-    EXPECT_THAT(scanArguments({"-wl", "w", "a", "b"}).rawInputList, ElementsAre("w", "a", "b"));
-    EXPECT_THAT(scanArguments({"a", "-wl", "w"}).rawInputList, ElementsAre("w", ""));
-    EXPECT_THAT(scanArguments({"a", "b", "-wl", "w", "c"}).rawInputList, ElementsAre("w", "b", "", "c"));
-    EXPECT_THAT(scanArguments({"-wl", "v", "-wl", "w"}).rawInputList, ElementsAre("w", ""));
+    EXPECT_THAT(scanned({"-wl", "w", "a", "b"}).rawInputList, ElementsAre("w", "a", "b"));
+    EXPECT_THAT(scanned({"a", "-wl", "w"}).rawInputList, ElementsAre("w", ""));
+    EXPECT_THAT(scanned({"a", "b", "-wl", "w", "c"}).rawInputList, ElementsAre("w", "b", "", "c"));
+    EXPECT_THAT(scanned({"-wl", "v", "-wl", "w"}).rawInputList, ElementsAre("w", ""));
 }
 
 TEST(Scan, ControlFilesJoinTheInputs)
 {
-    EXPECT_THAT(scanArguments({"a", "-nbc", "n", "-damages", "d", "-rf", "r", "b"}).rawInputList,
+    EXPECT_THAT(scanned({"a", "-nbc", "n", "-damages", "d", "-rf", "r", "b"}).rawInputList,
                 ElementsAre("a", "n", "d", "r", "b"));
 }
 
 TEST(Scan, EachOperationFlagCountsAsOftenAsItStands)
 {
-    EXPECT_EQ(scanArguments({"-max", "-max", "-cd1", "-cd2"}).operations, 4);
-    EXPECT_EQ(scanArguments({"-trans_m2", "-trans_c3", "-statMin", "-statMax"}).operations, 0);
-    EXPECT_EQ(scanArguments({"-damages", "a", "-damages", "b"}).operations, 2);
+    EXPECT_EQ(scanned({"-max", "-max", "-cd1", "-cd2"}).operations, 4);
+    EXPECT_EQ(scanned({"-trans_m2", "-trans_c3", "-statMin", "-statMax"}).operations, 0);
+    EXPECT_EQ(scanned({"-damages", "a", "-damages", "b"}).operations, 2);
 }
 
 TEST(Scan, LastResizeMethodWins)
 {
-    EXPECT_EQ(scanArguments({"-rm_max", "-rm_min"}).settings.resizeMethod, ResizeMethod::minimum);
-    EXPECT_EQ(scanArguments({"-rm_min", "-rm_max"}).settings.resizeMethod, ResizeMethod::maximum);
-    EXPECT_EQ(scanArguments({"-rm_min", "-rm_avg"}).settings.resizeMethod, ResizeMethod::average);
+    EXPECT_EQ(scanned({"-rm_max", "-rm_min"}).settings.resizeMethod, ResizeMethod::minimum);
+    EXPECT_EQ(scanned({"-rm_min", "-rm_max"}).settings.resizeMethod, ResizeMethod::maximum);
+    EXPECT_EQ(scanned({"-rm_min", "-rm_avg"}).settings.resizeMethod, ResizeMethod::average);
 }
 
 TEST(Scan, InterpolationFollowsTheOrderOfFlags)
 {
-    EXPECT_EQ(scanArguments({"-idw_npt12", "-remap"}).settings.interpolation, kInterpolateTin);
-    EXPECT_EQ(scanArguments({"-remap", "-idw_npt12"}).settings.interpolation, kInterpolateIdw);
-    EXPECT_EQ(scanArguments({"-remap", "-fb1", "-tin"}).settings.interpolation, kInterpolateTin);
-    EXPECT_EQ(scanArguments({"-tin", "-bd1"}).settings.interpolation, kInterpolateIdw);
+    EXPECT_EQ(scanned({"-idw_npt12", "-remap"}).settings.interpolation, kInterpolateTin);
+    EXPECT_EQ(scanned({"-remap", "-idw_npt12"}).settings.interpolation, kInterpolateIdw);
+    EXPECT_EQ(scanned({"-remap", "-fb1", "-tin"}).settings.interpolation, kInterpolateTin);
+    EXPECT_EQ(scanned({"-tin", "-bd1"}).settings.interpolation, kInterpolateIdw);
 }
 
 TEST(Scan, GluedNumbersAreReadFreeForm)
 {
-    EXPECT_EQ(scanArguments({"-CD0.1"}).settings.cutoff, 0.1F);
-    EXPECT_EQ(scanArguments({"-cd10"}).settings.cutoff, 10.0F);
-    EXPECT_EQ(scanArguments({"-cd1e-3"}).settings.cutoff, 1.0e-3F);
-    EXPECT_EQ(scanArguments({"-cd1d2"}).settings.cutoff, 100.0F);
-    EXPECT_EQ(scanArguments({"-cd 0.5"}).settings.cutoff, 0.5F); // one argument with a blank inside
-    EXPECT_EQ(scanArguments({"-cd0.5 x"}).settings.cutoff, 0.5F);
-    EXPECT_EQ(scanArguments({"-cd0.5", "-cd,"}).settings.cutoff, 0.5F); // an empty value leaves what was there
-    EXPECT_TRUE(std::isnan(scanArguments({"-cdNaN"}).settings.cutoff));
-    EXPECT_EQ(scanArguments({"-resize+3"}).settings.resizeFactor, 3);
-    EXPECT_EQ(scanArguments({"-decimal-1"}).settings.decimals, -1);
-    EXPECT_EQ(scanArguments({"-nc_shuffle,"}).settings.ncShuffle, true);
+    EXPECT_EQ(scanned({"-CD0.1"}).settings.cutoff, 0.1F);
+    EXPECT_EQ(scanned({"-cd10"}).settings.cutoff, 10.0F);
+    EXPECT_EQ(scanned({"-cd1e-3"}).settings.cutoff, 1.0e-3F);
+    EXPECT_EQ(scanned({"-cd1d2"}).settings.cutoff, 100.0F);
+    EXPECT_EQ(scanned({"-cd 0.5"}).settings.cutoff, 0.5F); // one argument with a blank inside
+    EXPECT_EQ(scanned({"-cd0.5 x"}).settings.cutoff, 0.5F);
+    EXPECT_EQ(scanned({"-cd0.5", "-cd,"}).settings.cutoff, 0.5F); // an empty value leaves what was there
+    EXPECT_TRUE(std::isnan(scanned({"-cdNaN"}).settings.cutoff));
+    EXPECT_EQ(scanned({"-resize+3"}).settings.resizeFactor, 3);
+    EXPECT_EQ(scanned({"-decimal-1"}).settings.decimals, -1);
+    EXPECT_EQ(scanned({"-nc_shuffle,"}).settings.ncShuffle, true);
 }
 
 TEST(Scan, SmallestNumbersThatAreNotRefused)
 {
-    EXPECT_EQ(scanArguments({"-fb0"}).settings.freeboard, 0.0F);
-    EXPECT_EQ(scanArguments({"-fb-0"}).settings.freeboard, 0.0F);
-    EXPECT_EQ(scanArguments({"-bd0.0010001"}).settings.bufferDistance, 0.0010001F);
+    EXPECT_EQ(scanned({"-fb0"}).settings.freeboard, 0.0F);
+    EXPECT_EQ(scanned({"-fb-0"}).settings.freeboard, 0.0F);
+    EXPECT_EQ(scanned({"-bd0.0010001"}).settings.bufferDistance, 0.0010001F);
 }
 
 TEST(Scan, StatisticsAddUp)
@@ -235,7 +242,7 @@ TEST(Scan, StatisticsAddUp)
     expected.statMin = true;
     expected.statFrac = true;
     expected.statRanks = {3, 1, 3};
-    EXPECT_EQ(scanArguments({"-statMean", "-statRank3", "-statMin", "-statRank1", "-statFrac", "-statRank3"}).settings,
+    EXPECT_EQ(scanned({"-statMean", "-statRank3", "-statMin", "-statRank1", "-statFrac", "-statRank3"}).settings,
               expected);
 }
 
@@ -258,25 +265,25 @@ TEST(Scan, StatisticKeyMayStandAnywhereInAnyCase)
         RunSettings expected;
         expected.stat = true;
         expected.*c.setting = true;
-        EXPECT_EQ(scanArguments({c.argument}).settings, expected) << c.argument;
+        EXPECT_EQ(scanned({c.argument}).settings, expected) << c.argument;
     }
 }
 
 TEST(Scan, RankStandsBehindTheExactWord)
 {
-    EXPECT_THAT(scanArguments({"-statRank12"}).settings.statRanks, ElementsAre(12));
-    EXPECT_THAT(scanArguments({"-statRANKRank6"}).settings.statRanks, ElementsAre(6));
-    EXPECT_THAT(scanArguments({"-stat Rank -4"}).settings.statRanks, ElementsAre(-4));
+    EXPECT_THAT(scanned({"-statRank12"}).settings.statRanks, ElementsAre(12));
+    EXPECT_THAT(scanned({"-statRANKRank6"}).settings.statRanks, ElementsAre(6));
+    EXPECT_THAT(scanned({"-stat Rank -4"}).settings.statRanks, ElementsAre(-4));
 }
 
 TEST(Scan, AsManyNamesAsTheListHolds)
 {
-    EXPECT_EQ(scanArguments(Arguments(2000, "a")).rawInputList.size(), 2000U);
+    EXPECT_EQ(scanned(Arguments(2000, "a")).rawInputList.size(), 2000U);
     Arguments materials;
     for (int i = 0; i < 2001; ++i) {
         materials.insert(materials.end(), {"-mat", "m"});
     }
-    EXPECT_EQ(scanArguments(materials).settings.materialGrids.size(), 2001U); // has no limit
+    EXPECT_EQ(scanned(materials).settings.materialGrids.size(), 2001U); // has no limit
 }
 
 } // namespace
