@@ -1,6 +1,8 @@
 #include "driver/operations.h"
 
 #include "base/ends.h"
+#include "ops/conv.h"
+#include "ops/max_min.h"
 
 #include <algorithm>
 #include <array>
@@ -14,8 +16,8 @@ using S = RunSettings;
 // The order counts only where validation lets a pair through: "-count -cd" is a count.
 // clang-format off
 constexpr std::array<OperationRow, 25> kOperations = {{
-    {"max",       [](const S& s) { return s.max || s.min; },   nullptr},
-    {"conv",      [](const S& s) { return s.conv; },           nullptr},
+    {"max",       [](const S& s) { return s.max || s.min; },   runMaxMin},
+    {"conv",      [](const S& s) { return s.conv; },           runConv},
     {"nc",        [](const S& s) { return s.nc; },             nullptr},
     {"dif",       [](const S& s) { return s.dif; },            nullptr},
     {"cd",        [](const S& s) { return s.cd && !s.count; }, nullptr},

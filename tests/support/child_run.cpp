@@ -42,6 +42,9 @@ ChildRun runInChild(const ScratchFolder& folder, const std::function<void()>& co
     const std::string in = (talk.path() / "input").string();
     const std::string out = (talk.path() / "console").string();
     const std::string err = (talk.path() / "errors").string();
+    // What this process has not written yet must not be written by the child as well.
+    endLine();
+    flushConsole();
     std::fflush(nullptr);
     const pid_t child = fork();
     if (child < 0) {

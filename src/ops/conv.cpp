@@ -1,0 +1,66 @@
+// Each grid is converted by itself, so grids of different size may stand in one call.
+#include "ops/conv.h"
+
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "grid/header.h"
+#include "grid/reader.h"
+#include "grid/writer.h"
+#include "run/outputs.h"
+
+namespace gridforge {
+
+namespace {
+
+// The direction alone decides; -asc and -flt only forbid to convert a grid to the format that it has.
+std::int32_t convertedFormat(const RunSettings& settings, std::int32_t format)
+{
+    if (format == kFormatAsc) {
+        if (settings.formatSpecified && settings.ascWanted) {
+            fail("ERROR - Input grid is .asc format and \"-asc\" specified.");
+        }
+        say("Converting .asc to .flt...");
+        return kFormatFlt;
+    }
+    if (settings.formatSpecified && settings.fltWanted) {
+        fail("ERROR - Input grid is .flt format and \"-flt\" specified.");
+    }
+    say("Converting .flt to .asc...");
+    return kFormatAsc;
+}
+
+void convert(const RunSettings& settings, const std::string& name)
+{
+    GridHeader header = readGridHeader(name);
+    Grid cells;
+    allocateGrid(cells, header, "external grid...");
+    readGridCells(name, header, cells);
+
+    const std::int32_t format = convertedFormat(settings, header.format);
+    const std::string base = outputNameRule(settings, name, "");
+    writeGrid(format, base, header, cells, header.projectionText, settings.decimals);
+
+    say("Deallocating memory...");
+    cells.release();
+    say("   Done.");
+}
+
+} // namespace
+
+void runConv(const RunSettings& settings, const InputFileList& inputs)
+{
+    constexpr int kIndexColumns = 3;
+
+    say("Converting grid formats.");
+    if (inputs.count() > 1 && settings.outputNameGiven) {
+        // The run goes on all the same, and the last grid stays; deliberate.
+        say("ERROR - Cannot use \"-out\" option when converting multiple grids.");
+    }
+    say("Processing ", AINTEGER(inputs.count()), " input grids.");
+    for (std::int32_t i = 1; i <= inputs.count(); ++i) {
+        say("Proecsing File:", integerField(i, kIndexColumns), ": ", inputs[i]);
+        convert(settings, inputs[i]);
+    }
+}
+
+} // namespace gridforge

@@ -1,0 +1,316 @@
+#include "support/tool_run.h"
+
+namespace gridforge::test {
+namespace {
+
+TEST(ConvCli, TurnsTextIntoBinaryBesideTheInput)
+{
+    ToolRun run("-conv d/a.asc");
+    run.give("d/a.asc", ascGrid({{21, 22, 23}, {11, kNull, 13}}, {.xll = 100.5, .yll = -20, .cellsize = 2}));
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
+                         "Checking for wildcards in filenames...",
+                         "Input File  1: d/a.asc",
+                         "   File  1: d/a.asc",
+                         "Converting grid formats.",
+                         "Processing 1 input grids.",
+                         "Proecsing File:  1: d/a.asc",
+                         "Trying to open file d/a.asc...OK.",
+                         "Opened File Unit:1001",
+                         "External Grid Info: 2 rows by 3 columns with 2. cell size.",
+                         "Allocating 0Kb memory for external grid...",
+                         "Reading ASCII grid...",
+                         "",
+                         "...Closed File Unit:1001",
+                         "Converting .asc to .flt...",
+                         "Trying to open file d/a.hdr...OK.  File Unit:1001",
+                         "...Closed File Unit:1001",
+                         "Trying to open file d/a.flt...OK.  File Unit:1001",
+                         "Writing FLT grid...",
+                         "Finished writing FLT grid.",
+                         "...Closed File Unit:1001",
+                         "Deallocating memory...",
+                         "   Done.",
+                         "Finished.",
+                         "Enter command<CR> or <CR> to continue."});
+    EXPECT_EQ(run.read("d/a.flt"), fltCells({{21, 22, 23}, {11, kNull, 13}}));
+    EXPECT_EQ(run.read("d/a.hdr"), "ncols 3\r\nnrows 2\r\nxllcorner 100.5\r\nyllcorner -20.\r\ncellsize 2.\r\n"
+                                   "NODATA_value -9999.0\r\nbyteorder LSBFIRST\r\n");
+    EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(ConvCli, TurnsBinaryIntoText)
+{
+    ToolRun run("-conv a.flt");
+    run.give("a.flt", fltCells({{12.5, kNull, 12.25}, {0.0625, -0.0001, 99999}}));
+    run.give("a.hdr", hdr(3, 2));
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Opened File Unit:1001", "External Grid Info: 2 rows by 3 columns with 1. cell size.",
+                               "Allocating 0Kb memory for external grid...", "...Closed File Unit:1001",
+                               "Trying to open file a.flt...OK.", "Opened File Unit:1001", "...Closed File Unit:1001",
+                               "Converting .flt to .asc...", "Trying to open file a.asc...OK.  File Unit:1001",
+                               "Writing ASC grid...", "Finished writing ASC grid.", "...Closed File Unit:1001",
+                               "Deallocating memory...", "   Done.", "Finished."});
+    // The largest magnitude 99999 is `99999.`, six characters, so fields are 3 + 6 + 2 = 11 wide. 0.0625 is a tie: to even.
+    EXPECT_EQ(run.read("a.asc"), "ncols 3\r\nnrows 2\r\nxllcorner 0.\r\nyllcorner 0.\r\ncellsize 1.\r\n"
+                                 "NODATA_value -9999.0\r\n"
+                                 "     12.500  -9999.000     12.250\r\n"
+                                 "      0.062     -0.000  99999.000\r\n");
+    EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(ConvCli, NoDecimalsKeepThePoint)
+{
+    ToolRun run("-conv -decimal0 a.flt");
+    run.give("a.flt", fltCells({{12, kNull, 0.5, 1.5}}));
+    run.give("a.hdr", hdr(4, 1));
+    run.start();
+    EXPECT_TRUE(run.read("a.asc").ends_with("NODATA_value -9999.0\r\n    12. -9999.     0.     2.\r\n"));
+}
+
+TEST(ConvCli, ConvertsGridsOfAnySizeInOneRun)
+{
+    ToolRun run("-b -conv a.flt b.asc");
+    run.give("a.flt", fltCells({{1, 2}}));
+    run.give("a.hdr", hdr(2, 1, {.xll = 5, .null = -1}));
+    run.give("b.asc", ascGrid({{1}, {2}, {3}}, {.cellsize = 4}));
+    run.start();
+    EXPECT_TRUE(run.says("Processing 2 input grids."));
+    EXPECT_TRUE(run.says("Proecsing File:  2: b.asc"));
+    EXPECT_EQ(run.grid("a.asc").xll, 5);
+    EXPECT_EQ(run.grid("a.asc").null, -1);
+    EXPECT_EQ(run.grid("b.flt").cellsize, 4);
+    EXPECT_GRID(run, "a.asc", {{1, 2}});
+    EXPECT_GRID(run, "b.flt", {{1}, {2}, {3}});
+    EXPECT_EQ(run.read("b.hdr").substr(0, 16), "ncols 1\r\nnrows 3");
+    EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(ConvCli, OneOutputNameForSeveralGridsKeepsTheLast)
+{
+    ToolRun run("-conv -out o a.flt b.flt");
+    run.give("a.flt", fltCells({{1}}));
+    run.give("a.hdr", hdr(1, 1));
+    run.give("b.flt", fltCells({{2}}));
+    run.give("b.hdr", hdr(1, 1));
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Converting grid formats.",
+                               "ERROR - Cannot use \"-out\" option when converting multiple grids.",
+                               "Processing 2 input grids."});
+    EXPECT_TRUE(run.says("Using output file name specified with -out switch: \"o\""));
+    EXPECT_GRID(run, "o.asc", {{2}});
+    EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(ConvCli, TheFormatOfTheInputIsRefusedAsFormatOfTheOutput)
+{
+    for (const char* arguments : {"-conv -asc a.asc", "-conv a.asc -out b.asc"}) {
+        ToolRun run(arguments);
+        run.give("a.asc", ascGrid({{1}}));
+        run.start();
+        EXPECT_CONSOLE_HOLDS(run,
+                             {"...Closed File Unit:1001", "ERROR - Input grid is .asc format and \"-asc\" specified.",
+                              "", "Press Enter to Close"});
+        EXPECT_NO_OTHER_FILES(run);
+    }
+    ToolRun run("-conv a.flt -flt");
+    run.give("a.flt", fltCells({{1}}));
+    run.give("a.hdr", hdr(1, 1));
+    run.start();
+    EXPECT_TRUE(run.says("ERROR - Input grid is .flt format and \"-flt\" specified."));
+    EXPECT_NO_OTHER_FILES(run);
+
+    ToolRun good("-conv a.flt -asc");
+    good.give("a.flt", fltCells({{1}}));
+    good.give("a.hdr", hdr(1, 1));
+    good.start();
+    EXPECT_GRID(good, "a.asc", {{1}});
+}
+
+TEST(ConvCli, ThereAndBackGivesTheSameCells)
+{
+    const Cells cells = {{0.125, -3.5, kNull}, {1000.875, 1e-3, 0}};
+    ToolRun there("-conv a.asc");
+    there.give("a.asc", ascGrid(cells));
+    there.start();
+    ToolRun back("-conv a.flt");
+    back.give("a.flt", there.read("a.flt"));
+    back.give("a.hdr", there.read("a.hdr"));
+    back.start();
+    EXPECT_GRID(back, "a.asc", cells);
+}
+
+TEST(ConvCli, ACentredHeaderIsWrittenAsItsCorner)
+{
+    ToolRun run("-conv a.asc");
+    run.give("a.asc", "ncols 1\nnrows 1\nxllcenter 100\nyllcenter 50.5\ncellsize 2\n7\n");
+    run.start();
+    EXPECT_TRUE(run.read("a.hdr").starts_with("ncols 1\r\nnrows 1\r\nxllcorner 98.\r\nyllcorner 48.5\r\n"));
+}
+
+TEST(ConvCli, ACellSizeShowsItsSinglePrecision)
+{
+    ToolRun run("-conv a.asc");
+    run.give("a.asc", ascGrid({{7}}, {.cellsize = 0.1}));
+    run.start();
+    EXPECT_NE(run.read("a.hdr").find("cellsize 0.1000000015\r\n"), std::string::npos);
+}
+
+TEST(ConvCli, AGridOfNullsOnlyIsWrittenInFull)
+{
+    ToolRun run("-conv a.flt");
+    run.give("a.flt", fltCells({{kNull, kNull}, {kNull, kNull}}));
+    run.give("a.hdr", hdr(2, 2));
+    run.start();
+    EXPECT_TRUE(run.read("a.asc").ends_with("-9999.0\r\n -9999.000 -9999.000\r\n -9999.000 -9999.000\r\n"));
+}
+
+TEST(ConvCli, TheProjectionGoesBesideTheOutput)
+{
+    ToolRun run("-conv d/a.asc");
+    run.give("d/a.asc", ascGrid({{7}}));
+    run.give("a.prj", "PROJCS[\"x\"]\n");
+    run.start();
+    EXPECT_EQ(run.read("d/a.prj"), "PROJCS[\"x\"]\r\n");
+}
+
+TEST(ConvCli, WithoutProjectionAnOlderOneStays)
+{
+    ToolRun run("-conv d/a.asc");
+    run.give("d/a.asc", ascGrid({{7}}));
+    run.give("d/a.prj", "PROJCS[\"old\"]\n");
+    run.start();
+    EXPECT_EQ(run.changedFiles(), (std::vector<std::string>{"d/a.flt", "d/a.hdr"}));
+}
+
+// --- Cells that cannot be read ---------------------------------------------------------------------------------------
+
+const std::string kHead = "ncols 3\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\n";
+const char* const kBadCells =
+    "ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.";
+
+TEST(ConvCli, RefusesTextCellsThatAreShortOrBad)
+{
+    for (const char* cells :
+         {"1 2 3\n4 5\n", "1 2 3 4 5 6\n", "1 2 3\n4 5 x\n", "1 2 3\n4 5 0x6\n", "1 2 3\n4 5 6/\n", "1 2 3\n2*4 6\n",
+          "1 2 3\n4 '5' 6\n", "1 2 3\n4 5 1e99\n", "1 2 3\n4 5 1.5.5\n", "", "\n\n", "1 2 3\n4 5 # 6\n"}) {
+        ToolRun run("-conv a.asc");
+        run.give("a.asc", kHead + cells + (*cells == '\0' ? " " : ""));
+        run.start();
+        EXPECT_EQ(run.status(), 0);
+        EXPECT_CONSOLE_HOLDS(run, {"Reading ASCII grid...", "", kBadCells, "", "Press Enter to Close"}) << cells;
+        EXPECT_NO_OTHER_FILES(run);
+    }
+}
+
+TEST(ConvCli, ReadsFreeFormCells)
+{
+    ToolRun run("-conv a.asc");
+    run.give("a.asc", kHead + "1,2\n3 the rest of the row's last line\n\t-4.5e0 , +5.d1\r\n,\n");
+    run.start();
+    // The last value is empty, so its cell keeps the 0 of fresh memory.
+    EXPECT_EQ(run.read("a.flt"), fltCells({{1, 2, 3}, {-4.5, 50, 0}}));
+}
+
+TEST(ConvCli, RefusesBinaryCellsThatAreShort)
+{
+    for (const std::size_t missing : {1U, 4U, 24U}) {
+        const std::string bytes = fltCells({{1, 2, 3}, {4, 5, 6}});
+        ToolRun run("-conv a.flt");
+        run.give("a.flt", bytes.substr(0, bytes.size() - missing));
+        run.give("a.hdr", hdr(3, 2));
+        run.start();
+        EXPECT_CONSOLE_HOLDS(run, {"Opened File Unit:1001", "", kBadCells, "", "Press Enter to Close"});
+        EXPECT_NO_OTHER_FILES(run);
+    }
+}
+
+TEST(ConvCli, DoesNotLookBehindTheLastCell)
+{
+    ToolRun run("-conv a.flt");
+    run.give("a.flt", fltCells({{1, 2, 3}}) + "more");
+    run.give("a.hdr", hdr(3, 1));
+    run.start();
+    EXPECT_GRID(run, "a.asc", {{1, 2, 3}});
+}
+
+TEST(ConvCli, AGridTooLargeForMemoryEndsTheRun)
+{
+    ToolRun run("-conv a.flt");
+    run.give("a.flt", "");
+    run.give("a.hdr", hdr(2147483647, 2147483647));
+    run.start();
+    EXPECT_CONSOLE_HOLDS(
+        run, {"Allocating 0Kb memory for external grid...", "ERROR - Could not allocate enough memory (RAM)."});
+    EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(ConvCli, AMissingHdrAsksForAnother)
+{
+    ToolRun run("-conv a.flt");
+    run.give("a.flt", fltCells({{1, 2}}));
+    run.give("b.hdr", hdr(2, 1));
+    run.type("b.hdr");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file a.hdr...", "CHECK 0008 - \"a.hdr\" cannot be found",
+                               "Check file exists and press enter or enter another file name: ",
+                               "Trying to open file b.hdr...OK.", "Opened File Unit:1001"});
+    EXPECT_GRID(run, "a.asc", {{1, 2}});
+}
+
+TEST(ConvCli, ALineOf100MbIsReadInPieces)
+{
+    ToolRun run("-conv a.asc");
+    std::string text = "ncols 3\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n1 2";
+    text.append(100 << 20, ' ');
+    text += "3\n";
+    run.give("a.asc", text);
+    run.start();
+    EXPECT_EQ(run.read("a.flt"), fltCells({{1, 2, 3}}));
+}
+
+// --- Outputs that cannot be written ----------------------------------------------------------------------------------
+
+TEST(ConvCli, AFullDiskIsNeverSilent)
+{
+    ToolRun run("-conv a.asc");
+    run.give("a.asc", ascGrid({{1, 2}}));
+    std::filesystem::create_symlink("/dev/full", run.folder() / "a.flt");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(
+        run, {"Finished writing FLT grid.", "ERROR - Could not write to file: a.flt", "", "Press Enter to Close"});
+
+    ToolRun text("-conv a.flt");
+    text.give("a.flt", fltCells({{1, 2}}));
+    text.give("a.hdr", hdr(2, 1));
+    std::filesystem::create_symlink("/dev/full", text.folder() / "a.asc");
+    text.start();
+    EXPECT_CONSOLE_HOLDS(
+        text, {"Finished writing ASC grid.", "ERROR - Could not write to file: a.asc", "", "Press Enter to Close"});
+}
+
+TEST(ConvCli, AMissingOutputFolderWaitsForTheUser)
+{
+    ToolRun run("-conv a.asc -out no/b");
+    run.give("a.asc", ascGrid({{1, 2}}));
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file no/b.hdr...Can't Open", "", "Can't open: no/b.hdr", "",
+                               "Another application or user maybe using it,", "   or the file's folder does not exist.",
+                               "If so, close the file or create file path.", "Press Enter to Continue", "",
+                               "Press Enter to Close"});
+}
+
+TEST(ConvCli, MoreDecimalsThanAFieldHoldsAreRefused)
+{
+    ToolRun run("-conv -decimal2147483647 a.flt");
+    run.give("a.flt", fltCells({{1, 2}}));
+    run.give("a.hdr", hdr(2, 1));
+    run.start();
+    EXPECT_TRUE(run.says("ERROR - Number of decimal places exceeds maximum: 1000000"));
+    EXPECT_NO_OTHER_FILES(run);
+}
+
+} // namespace
+} // namespace gridforge::test
