@@ -6,9 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,12 +23,6 @@ void redirect(const std::string& name, int flags, int target)
         _exit(EXIT_FAILURE);
     }
     close(descriptor);
-}
-
-std::string readAll(const std::filesystem::path& name)
-{
-    std::ifstream in(name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 } // namespace
@@ -67,8 +59,8 @@ ChildRun runInChild(const ScratchFolder& folder, const std::function<void()>& co
     int state = 0;
     waitpid(child, &state, 0);
     ChildRun run;
-    run.console = readAll(out);
-    run.errors = readAll(err);
+    run.console = readWhole(out);
+    run.errors = readWhole(err);
     if (WIFEXITED(state)) {
         run.ended = WEXITSTATUS(state) != kCodeReturned;
         run.status = run.ended ? WEXITSTATUS(state) : 0;

@@ -3,10 +3,21 @@
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <system_error>
 
 namespace gridforge::test {
+
+std::string readWhole(const std::filesystem::path& name)
+{
+    std::ifstream in(name, std::ios::binary | std::ios::ate);
+    if (!in) {
+        return {};
+    }
+    std::string bytes(static_cast<std::size_t>(in.tellg()), '\0');
+    in.seekg(0);
+    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return bytes;
+}
 
 ScratchFolder::ScratchFolder()
 {
@@ -49,7 +60,7 @@ std::string ScratchFolder::read(std::string_view name) const
         ADD_FAILURE() << "cannot read " << name;
         return {};
     }
-    return {std::istreambuf_iterator<char>(in), {}};
+    return readWhole(path_ / name);
 }
 
 } // namespace gridforge::test

@@ -7,6 +7,9 @@
 
 namespace gridforge::test {
 
+// All bytes of a file in one read; "" where it cannot be read.
+std::string readWhole(const std::filesystem::path& name);
+
 class ScratchFolder {
 public:
     ScratchFolder();

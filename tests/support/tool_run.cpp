@@ -336,8 +336,7 @@ ToolRun::Listing ToolRun::listing() const
         if (entry.is_directory()) {
             files[name + "/"] = {};
         } else if (entry.is_regular_file()) {
-            std::ifstream in(entry.path(), std::ios::binary);
-            files[name] = {entry.last_write_time(), {std::istreambuf_iterator<char>(in), {}}};
+            files[name] = {entry.last_write_time(), readWhole(entry.path())};
         } else {
             files[name] = {};
         }
