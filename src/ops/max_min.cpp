@@ -56,6 +56,38 @@ void takeMinimum(std::span<const float> current, float null, float source, std::
               [null](float cell, float kept) { return (cell != null) & ((kept == null) | (cell < kept)); });
 }
 
+namespace {
+
+// One grid that is taken.
+struct Taken {
+    std::span<const float> cells;
+    float null;
+    float source;
+};
+
+void takeExtremes(const Taken& taken, bool maximum, std::span<float> extreme, std::span<float> sources)
+{
+    const auto take = maximum ? takeMaximum : takeMinimum;
+    take(taken.cells, taken.null, taken.source, extreme, sources);
+}
+
+// Fills what is kept with the null and takes the first grid, in pieces that stay in the cache: two passes over large arrays
+// cost more than one.
+void startExtremes(const Taken& first, bool maximum, float null, std::span<float> extreme, std::span<float> sources)
+{
+    constexpr std::size_t kPiece = 8192;
+    for (std::size_t start = 0; start < extreme.size(); start += kPiece) {
+        const std::size_t count = std::min(kPiece, extreme.size() - start);
+        const auto kept = extreme.subspan(start, count);
+        const auto from = sources.empty() ? sources : sources.subspan(start, count);
+        std::ranges::fill(kept, null);
+        std::ranges::fill(from, null);
+        takeExtremes({first.cells.subspan(start, count), first.null, first.source}, maximum, kept, from);
+    }
+}
+
+} // namespace
+
 void runMaxMin(const RunSettings& settings, const InputFileList& inputs)
 {
     const bool maximum = settings.max;
@@ -73,17 +105,18 @@ void runMaxMin(const RunSettings& settings, const InputFileList& inputs)
     if (!settings.src) {
         allocateGrid(sources, first, "storing maximums / minimum source data...");
     }
-    std::ranges::fill(extreme.cells(), first.null);
-    std::ranges::fill(sources.cells(), first.null);
-
     std::string projectionText;
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         say("Processing: ", inputs[i]);
         const GridHeader header = loadInput(inputs, i, first, current);
         projectionText = header.projectionText;
         say(maximum ? "Comparing maximums..." : "Comparing minimums...");
-        const auto take = maximum ? takeMaximum : takeMinimum;
-        take(current.cells(), header.null, static_cast<float>(i), extreme.cells(), sources.cells());
+        const Taken taken{current.cells(), header.null, static_cast<float>(i)};
+        if (i == 1) {
+            startExtremes(taken, maximum, first.null, extreme.cells(), sources.cells());
+        } else {
+            takeExtremes(taken, maximum, extreme.cells(), sources.cells());
+        }
         say("   Done.");
     }
 
