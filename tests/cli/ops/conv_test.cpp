@@ -271,6 +271,62 @@ TEST(ConvCli, ALineOf100MbIsReadInPieces)
     EXPECT_EQ(run.read("a.flt"), fltCells({{1, 2, 3}}));
 }
 
+// --- Files that are no grid ------------------------------------------------------------------------------------------
+
+TEST(ConvCli, AnEmptyFileAndAHeaderAloneAreRefused)
+{
+    for (const auto& [text, line] : std::vector<std::pair<std::string, std::string>>{
+             {"", "Line = "}, {"ncols 3\nnrows 2", "Line = nrows 2"}, {kHead, "Line = cellsize 1"}}) {
+        ToolRun run("-conv a.asc");
+        run.give("a.asc", text);
+        run.start();
+        EXPECT_CONSOLE_HOLDS(run, {"Opened File Unit:1001", "", "ERROR 2334 - Reading Grid file header information.",
+                                   line, "", "Press Enter to Close"});
+        EXPECT_NO_OTHER_FILES(run);
+    }
+}
+
+TEST(ConvCli, AFolderIsAskedForAsAMissingFile)
+{
+    ToolRun run("-conv d");
+    run.give("d/x", "");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file d...", "CHECK 0008 - \"d\" cannot be found",
+                               "Check file exists and press enter or enter another file name: ", "",
+                               "Press Enter to Close"});
+}
+
+TEST(ConvCli, AFileThatTheSystemRefusesToReadIsRefused)
+{
+    ToolRun run("-conv a.asc");
+    std::filesystem::create_symlink("/proc/self/mem", run.folder() / "a.asc");
+    run.start();
+    EXPECT_TRUE(run.says("ERROR 2334 - Reading Grid file header information."));
+
+    ToolRun cells("-conv a.flt");
+    cells.give("a.hdr", hdr(2, 1));
+    std::filesystem::create_symlink("/proc/self/mem", cells.folder() / "a.flt");
+    cells.start();
+    EXPECT_TRUE(cells.says(kBadCells));
+}
+
+TEST(ConvCli, ALastLineWithoutItsEndCounts)
+{
+    ToolRun run("-conv a.asc");
+    run.give("a.asc", kHead + "1 2 3\r\n4 5 6");
+    run.start();
+    EXPECT_EQ(run.read("a.flt"), fltCells({{1, 2, 3}, {4, 5, 6}}));
+}
+
+TEST(ConvCli, ACellSizeThatIsNoNumberGoesThrough)
+{
+    ToolRun run("-conv a.asc");
+    run.give("a.asc", "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize NaN\n5\n");
+    run.start();
+    EXPECT_EQ(run.read("a.hdr"), "ncols 1\r\nnrows 1\r\nxllcorner 0.\r\nyllcorner 0.\r\ncellsize NaN\r\n"
+                                 "NODATA_value -9999.0\r\nbyteorder LSBFIRST\r\n");
+}
+
 // --- Outputs that cannot be written ----------------------------------------------------------------------------------
 
 TEST(ConvCli, AFullDiskIsNeverSilent)
