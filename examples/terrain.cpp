@@ -169,7 +169,8 @@ Flow findFlow(const Field& ground, const std::vector<bool>& isRiver)
         }
     }
     while (!open.empty()) {
-        const auto [level, node] = open.top();
+        const double level = open.top().first;
+        const std::int32_t node = open.top().second;
         open.pop();
         const auto at = static_cast<std::size_t>(node);
         if (done[at]) {
