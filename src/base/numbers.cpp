@@ -362,7 +362,8 @@ std::string rightJustified(std::string text, int width)
     if (text.size() > columns) {
         return std::string(columns, '*');
     }
-    return std::string(columns - text.size(), ' ') + text;
+    text.insert(0, columns - text.size(), ' ');
+    return text;
 }
 
 } // namespace

@@ -200,7 +200,7 @@ __attribute__((target("avx2"))) void formatAvx2(std::span<const float> row, std:
         const __m256d scaled = _mm256_mul_pd(_mm256_andnot_pd(signBit, _mm256_cvtps_pd(values)), power);
         if (_mm256_movemask_pd(_mm256_cmp_pd(scaled, largest, _CMP_LE_OQ)) != 0xF) {
             formatPlain(row.subspan(i, 4), width, decimals, out);
-            out += 4 * width;
+            out += std::ptrdiff_t{4} * width;
             continue;
         }
         const __m256i digits = eightDigits(_mm256_cvtepu32_epi64(_mm256_cvtpd_epi32(scaled)));
