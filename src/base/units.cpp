@@ -499,7 +499,7 @@ bool checkSaveDate(std::string_view first, std::string_view second, Unit& firstU
     }
     CLOSER(firstUnit);
     CLOSER(secondUnit);
-    pause("Re-export mif file and press Enter, or close window.");
+    pauseForRetry("Re-export mif file and press Enter, or close window.");
     return false;
 }
 
