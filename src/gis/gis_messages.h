@@ -34,7 +34,12 @@ template <typename... Lines>
     EXITS();
 }
 
-// A line to the console and, where gisInitialise was given one, to the log.
+// A line to the console and, where there is one, to the log.
 void gisSay(std::string_view line);
+// The unit of that log, 0 or below for none.
+void gisSetLog(Unit unit);
+
+// "Should not be here <place> - please contact ..." and EXITS.
+[[noreturn]] void gisMisuse(std::string_view place);
 
 } // namespace gridforge

@@ -159,8 +159,8 @@ struct GisOutputAttributes {
 // The vertices of the object that is written next. Regions need their closing vertex.
 struct GisOutputCoordinates {
     std::int32_t np = 0;
-    std::vector<double> x;
-    std::vector<double> y;
+    std::vector<double> x = std::vector<double>(3); // a line and a text take their places whatever np says
+    std::vector<double> y = std::vector<double>(3);
 
     void clear() { np = 0; }
     // One more vertex; above 100000 the run ends.

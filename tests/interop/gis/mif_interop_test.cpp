@@ -1,0 +1,117 @@
+#include "support/ogr.h"
+#include "support/read_layer.h"
+#include "support/scratch_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace gridforge::test {
+namespace {
+
+using testing::ElementsAre;
+
+class MifInterop : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!haveOgr()) {
+            GTEST_SKIP() << "OGR is not installed";
+        }
+    }
+    std::string at(const char* name) const { return (folder.path() / name).string(); }
+
+    ScratchFolder folder;
+};
+
+struct Vertex {
+    double x;
+    double y;
+};
+
+void writeObject(std::int32_t id, bool GisO::*kind, std::vector<std::int32_t> parts,
+                 const std::vector<Vertex>& vertices, const char* record)
+{
+    GisO gisO;
+    gisO.*kind = true;
+    gisO.nr = static_cast<std::int32_t>(parts.size());
+    gisO.ir = std::move(parts);
+    gisOutputCoordinates().clear();
+    for (const Vertex& v : vertices) {
+        gisOutputCoordinates().add(v.x, v.y);
+    }
+    gisWriteObject(id, gisO);
+    gisDataLine() = record;
+    gisWriteRecord(id, gisO);
+}
+
+TEST_F(MifInterop, OgrReadsWhatIsWritten)
+{
+    startUnits(1000);
+    gisInitialise(-1, "", "", "");
+    gisCoordSysLine() = "CoordSys NonEarth Units \"m\" Bounds (-1000000, -1000000) (1000000, 1000000)";
+    gisOutputAttributes().clear();
+    gisOutputAttributes().add("Name", "Char", 20);
+    gisOutputAttributes().add("Val", "Float");
+    gisOutputAttributes().add("N", "Integer");
+    std::int32_t id = gisOpenLayer(at("out.mif"), "", "O ");
+    gisWriteHeader(id);
+    gisLayer(id).mifLayer.style1 = "    Symbol (37,255,12)";
+    writeObject(id, &GisO::point, {1}, {{1.5, -2.25}}, "\"a, b\",0.5,1");
+    gisLayer(id).mifLayer.style1 = "    Pen (1,59,0)";
+    writeObject(id, &GisO::line, {1}, {{1, 2}, {3, 4}}, "\"line\",1.5,2");
+    writeObject(id, &GisO::pline, {1}, {{1, 2}, {3, 4}, {5, 7}}, "\"pline\",2.5,3");
+    writeObject(id, &GisO::plineMultiple, {1, 3}, {{1, 2}, {3, 4}, {6, 6}, {7, 9}}, "\"multi\",3.5,4");
+    writeObject(id, &GisO::region, {1}, {{0, 0}, {10, 0}, {10, 6}, {0, 0}}, "\"region\",4.5,5");
+    writeObject(id, &GisO::region, {1, 6}, {{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {1, 1}, {2, 1}, {2, 2}, {1, 1}},
+                "\"hole\",5.5,6");
+    writeObject(id, &GisO::none, {1}, {}, "\"none\",6.5,7");
+    gisCloseLayer(id);
+
+    const auto features = ogrFeatures(at("out.mif"));
+    ASSERT_EQ(features.size(), 7U);
+    EXPECT_EQ(features[0].kind, "POINT");
+    EXPECT_THAT(features[0].numbers, ElementsAre(1.5, -2.25));
+    EXPECT_THAT(features[0].values, ElementsAre("a, b", "0.5", "1"));
+    EXPECT_EQ(features[1].kind, "LINESTRING");
+    EXPECT_THAT(features[1].numbers, ElementsAre(1, 2, 3, 4));
+    EXPECT_EQ(features[2].kind, "LINESTRING");
+    EXPECT_THAT(features[2].numbers, ElementsAre(1, 2, 3, 4, 5, 7));
+    EXPECT_EQ(features[3].kind, "MULTILINESTRING");
+    EXPECT_THAT(features[3].numbers, ElementsAre(1, 2, 3, 4, 6, 6, 7, 9));
+    EXPECT_EQ(features[4].kind, "POLYGON");
+    EXPECT_THAT(features[4].numbers, ElementsAre(0, 0, 10, 0, 10, 6, 0, 0));
+    EXPECT_EQ(features[5].kind, "POLYGON");
+    EXPECT_THAT(features[5].numbers, ElementsAre(0, 0, 9, 0, 9, 9, 0, 9, 0, 0, 1, 1, 2, 1, 2, 2, 1, 1));
+    EXPECT_EQ(features[6].kind, "");
+    EXPECT_THAT(features[6].values, ElementsAre("none", "6.5", "7"));
+}
+
+TEST_F(MifInterop, WhatOgrWritesIsRead)
+{
+    folder.give("in.csv", "id,WKT\n"
+                          "1,POINT (293000.125 6178000.5)\n"
+                          "2,\"LINESTRING (1 2,3.5 4.25)\"\n"
+                          "3,\"LINESTRING (1 2,3 4,5 7,-8 9)\"\n"
+                          "4,\"POLYGON ((0 0,10 0,10 6,0 0),(5 1,6 1,6 2,5 1))\"\n"
+                          "5,\"MULTILINESTRING ((1 1,2 2),(3 3,4 4))\"\n");
+    ASSERT_TRUE(ogrConvert("-f 'MapInfo File' -dsco FORMAT=MIF -oo GEOM_POSSIBLE_NAMES=WKT -oo KEEP_GEOM_COLUMNS=NO '" +
+                           at("out.mif") + "' '" + at("in.csv") + "'"));
+    const auto objects = readLayer(at("out.mif"));
+    ASSERT_EQ(objects.size(), 5U);
+    EXPECT_TRUE(objects[0].gisO.point);
+    EXPECT_THAT(objects[0].numbers, ElementsAre(293000.125, 6178000.5));
+    EXPECT_TRUE(objects[1].gisO.line);
+    EXPECT_THAT(objects[1].numbers, ElementsAre(1, 2, 3.5, 4.25));
+    EXPECT_TRUE(objects[2].gisO.pline);
+    EXPECT_THAT(objects[2].numbers, ElementsAre(1, 2, 3, 4, 5, 7, -8, 9));
+    EXPECT_TRUE(objects[3].gisO.region);
+    EXPECT_EQ(objects[3].gisO.nr, 2);
+    EXPECT_THAT(objects[3].numbers, ElementsAre(0, 0, 10, 0, 10, 6, 0, 0, 5, 1, 6, 1, 6, 2, 5, 1));
+    EXPECT_TRUE(objects[4].gisO.plineMultiple);
+    EXPECT_EQ(objects[4].gisO.nSections, 2);
+    EXPECT_THAT(objects[4].numbers, ElementsAre(1, 1, 2, 2)); // the first section
+    EXPECT_EQ(objects[4].record, "\"5\"");
+}
+
+} // namespace
+} // namespace gridforge::test

@@ -1,0 +1,31 @@
+// Small layers for tests, made by a few lines that share nothing with the tool.
+#pragma once
+
+#include "support/scratch_folder.h"
+
+#include <string>
+#include <string_view>
+
+namespace gridforge::test {
+
+// The text of a .mif with the columns Name and Val and the objects in `body`.
+inline std::string mifText(std::string_view body)
+{
+    return "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\nColumns 2\n"
+           "  Name Char(30)\n  Val Float\nData\n\n" +
+           std::string(body);
+}
+
+// <name>.mif and <name>.mid, which gets `records` lines "r1",1 and so on.
+inline void giveMif(const ScratchFolder& folder, const std::string& name, std::string_view body, int records = 1)
+{
+    folder.give(name + ".mif", mifText(body));
+    std::string mid;
+    for (int i = 1; i <= records; ++i) {
+        const std::string number = std::to_string(i);
+        mid += "\"r" + number + "\"," + number + "\n";
+    }
+    folder.give(name + ".mid", mid);
+}
+
+} // namespace gridforge::test

@@ -1,0 +1,709 @@
+#include "gis/mif_reader.h"
+
+#include "base/console.h"
+#include "gis/layers.h"
+#include "support/child_run.h"
+#include "support/layer_files.h"
+
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace gridforge::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+// One object as it comes out of the read loop.
+struct ReadObject {
+    GisO gisO;
+    std::string record;
+    std::vector<double> x;
+    std::vector<double> y;
+    double xc = 0;
+    double yc = 0;
+    float angle = 0;
+    float length = 0;
+};
+
+class MifReading : public testing::Test {
+protected:
+    MifReading()
+    {
+        startUnits(1000);
+        gisInitialise(-1, "", "", "");
+    }
+    ~MifReading() override { closeAllUnits(false); }
+
+    // All objects of a .mif with this body, by the loop of the operations.
+    std::vector<ReadObject> read(std::string_view body, int records, std::int32_t maxVertices = 1000)
+    {
+        giveMif(folder, "l", body, records);
+        std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
+        gisReadHeader(id);
+        std::vector<ReadObject> objects;
+        GisCoordinates c;
+        while (!gisLayer(id).layerEnd) {
+            ReadObject object;
+            if (!gisObjectType(id, object.gisO)) {
+                continue;
+            }
+            gisReadRecord(id, object.gisO, object.record);
+            gisReadObject(id, object.gisO, c, maxVertices);
+            object.x.assign(c.x.begin(), c.x.begin() + c.np);
+            object.y.assign(c.y.begin(), c.y.begin() + c.np);
+            object.xc = c.xc;
+            object.yc = c.yc;
+            object.angle = c.angle;
+            object.length = c.length;
+            objects.push_back(object);
+        }
+        gisCloseLayer(id);
+        return objects;
+    }
+
+    // The console of a run over such a layer, which ends by a message.
+    std::string endOf(std::string_view body, int records = 1, std::int32_t maxVertices = 1000, bool coordinates = true)
+    {
+        giveMif(folder, "l", body, records);
+        return endOfFile(maxVertices, coordinates);
+    }
+
+    std::string endOfFile(std::int32_t maxVertices = 1000, bool coordinates = true)
+    {
+        const ChildRun run = runInChild(folder, [&] {
+            gisInitialise(-1, "", "", "");
+            std::int32_t id = gisOpenLayer("l.mif", "", "I ");
+            gisReadHeader(id);
+            GisO gisO;
+            GisCoordinates c;
+            std::string record;
+            while (!gisLayer(id).layerEnd) {
+                if (gisObjectType(id, gisO)) {
+                    gisReadRecord(id, gisO, record);
+                    gisReadObject(id, gisO, c, maxVertices, coordinates);
+                }
+            }
+        });
+        EXPECT_TRUE(run.ended) << run.console;
+        return run.console;
+    }
+
+    ScratchFolder folder;
+};
+
+// --- Header ----------------------------------------------------------------------------------------------------------
+
+TEST_F(MifReading, SplitsADefinitionAtTheFirstBlank)
+{
+    std::string name;
+    std::string type;
+    mifSplitDefinition("  Name Char(12)", name, type, 32);
+    EXPECT_EQ(name, "Name");
+    EXPECT_EQ(type, "Char(12)");
+    mifSplitDefinition("Area  Char (50)", name, type, 32);
+    EXPECT_EQ(name, "Area");
+    EXPECT_EQ(type, "Char (50)");
+    mifSplitDefinition("Lonely", name, type, 32);
+    EXPECT_EQ(name, "Lonely");
+    EXPECT_EQ(type, "");
+    mifSplitDefinition(std::string(40, 'n') + " " + std::string(30, 't'), name, type, 32);
+    EXPECT_EQ(name, std::string(32, 'n'));
+    EXPECT_EQ(type, std::string(24, 't'));
+}
+
+TEST_F(MifReading, HeaderWordsMayStandAnywhereInTheirLineAndInAnyCase)
+{
+    folder.give("l.mif", "the columns 1\nother\nData_Type Integer\n my dAtA follows\nPoint 1 2\n");
+    folder.give("l.mid", "a\n");
+    // "columns" is found in the first line, but the count is read from its eighth character on: "mns 1".
+    EXPECT_THAT(endOfFile(), HasSubstr("\n\nERROR 0314 - Could not read number of attributes in .mif file\n"));
+    folder.give("l.mif", "cOLUMNS 1\n  Data_Type Integer\n my dAtA follows\nColumns 7\nPoint 1 x\n");
+    EXPECT_THAT(endOfFile(), HasSubstr("1 MIF Fields: Name [#/Type]: Data_Type [1/Integer]  \n\nERROR 0308"));
+}
+
+TEST_F(MifReading, BadHeadersEndTheRun)
+{
+    folder.give("l.mid", "a\n");
+    const auto endOfHeader = [&](std::string_view text) {
+        folder.give("l.mif", text);
+        return endOfFile();
+    };
+    EXPECT_THAT(endOfHeader(""),
+                HasSubstr("\n\nERROR 0315 - Could not find start of attribute definitions in .mif file\n"));
+    EXPECT_THAT(endOfHeader("Version 300\nData\n"), HasSubstr("ERROR 0315 - "));
+    EXPECT_THAT(endOfHeader("Columns\n"),
+                HasSubstr("\n\nERROR 0314 - Could not read number of attributes in .mif file\n"));
+    EXPECT_THAT(endOfHeader("Columns 99999999999\n"), HasSubstr("ERROR 0314 - "));
+    EXPECT_THAT(endOfHeader("Columns 0\nData\n"),
+                HasSubstr("\n\nERROR 0319 - No attributes specified in .mif file.\n"));
+    EXPECT_THAT(endOfHeader("Columns -2\nData\n"), HasSubstr("ERROR 0319 - "));
+    EXPECT_THAT(endOfHeader("Columns 2\n  A Float\n"),
+                HasSubstr("\n\nERROR 0316 - Could not read attribute definitions in .mif file\n"));
+    EXPECT_THAT(endOfHeader("Columns 1\n  A Float\nPoint 1 2\n"),
+                HasSubstr("\n\nERROR 0313 - Could not find start of \"Data\" block in .mif file.\n"));
+}
+
+TEST_F(MifReading, ColumnsPastTheLimitEndTheRun)
+{
+    folder.give("l.mid", "a\n");
+    std::string columns;
+    for (int i = 1; i <= 256; ++i) {
+        columns += " c" + std::to_string(i) + " Float\n";
+    }
+    folder.give("l.mif", "Columns 256\n" + columns + "Data\nPoint 1 x\n");
+    EXPECT_THAT(endOfFile(), HasSubstr("c256 [256/Float]  \n\nERROR 0308"));
+    folder.give("l.mif", "Columns 257\n" + columns + " d Float\nData\nPoint 1 x\n");
+    EXPECT_THAT(endOfFile(), HasSubstr("\n\nERROR - Number of attributes in .mif file exceeds maximum: 256\n"));
+    folder.give("l.mif", "Columns 2147483647\n");
+    EXPECT_THAT(endOfFile(), HasSubstr("\n\nERROR - Number of attributes in .mif file exceeds maximum: 256\n"));
+}
+
+// --- Kinds -----------------------------------------------------------------------------------------------------------
+
+TEST_F(MifReading, KnowsEachKeyword)
+{
+    const std::vector<std::pair<std::string, bool GisO::*>> kinds = {
+        {"POINT", &GisO::point},
+        {"PLINE MULTIPLE", &GisO::plineMultiple},
+        {"PLINE", &GisO::pline},
+        {"LINE", &GisO::line},
+        {"REGION", &GisO::region},
+        {"MULTIPOINT", &GisO::multipoint},
+        {"NONE", &GisO::none},
+        {"RECT", &GisO::rect},
+        {"ROUNDRECT", &GisO::roundRect},
+        {"TEXT", &GisO::text},
+        {"ARC", &GisO::arc},
+        {"ELLIPSE", &GisO::ellipse},
+    };
+    for (const auto& [keyword, flag] : kinds) {
+        for (const char* form : {"%", "   %", "\t%", " \t %"}) {
+            std::string line = form;
+            std::string mixed = keyword;
+            mixed[1] = static_cast<char>(mixed[1] - 'A' + 'a');
+            line.replace(line.find('%'), 1, mixed);
+            folder.give("o.txt", "    Pen (1,2,0)\nBrush (2,16777215)\n\nCenter 1 2\n3 4\n" + line + " 7 rest\nnext\n");
+            Unit unit = 0;
+            OPENER(unit, "I ", (folder.path() / "o.txt").string());
+            GisO gisO;
+            std::string found;
+            std::string rest;
+            ASSERT_TRUE(mifObjectType(unit, found, rest, gisO)) << line;
+            EXPECT_TRUE(gisO.*flag) << line;
+            EXPECT_EQ(gisO.name, keyword);
+            EXPECT_EQ(rest, " 7 rest");
+            int flags = 0;
+            for (const auto& [otherKeyword, other] : kinds) {
+                flags += gisO.*other ? 1 : 0;
+            }
+            EXPECT_EQ(flags, 1) << line;
+            EXPECT_FALSE(mifObjectType(unit, found, rest, gisO));
+            EXPECT_TRUE(atEnd(unit));
+            CLOSER(unit);
+        }
+    }
+}
+
+TEST_F(MifReading, WordsNeedNoBlankBehindThem)
+{
+    folder.give("o.txt", "Points\nLineString 5\nRegions\n");
+    Unit unit = 0;
+    OPENER(unit, "I ", (folder.path() / "o.txt").string());
+    GisO gisO;
+    std::string line;
+    std::string rest;
+    EXPECT_TRUE(mifObjectType(unit, line, rest, gisO) && gisO.point);
+    EXPECT_EQ(rest, "s");
+    gisO.clear();
+    EXPECT_TRUE(mifObjectType(unit, line, rest, gisO) && gisO.line);
+    EXPECT_EQ(rest, "String 5");
+    gisO.clear();
+    EXPECT_TRUE(mifObjectType(unit, line, rest, gisO) && gisO.region);
+}
+
+TEST_F(MifReading, CollectionsEndTheRun)
+{
+    EXPECT_THAT(endOf("Collection 2\n"), HasSubstr("\n\nERROR 0303 - MIF \"Collection\" objects not supported.  Delete "
+                                                   "or disaggregate object.\n"));
+}
+
+TEST_F(MifReading, RegionsOf10000RingsPassAndOfOneMoreEndTheRun)
+{
+    std::string body = "Region 10000\n";
+    for (int i = 0; i < 10000; ++i) {
+        body += "0\n";
+    }
+    const auto objects = read(body, 1, 100000);
+    ASSERT_EQ(objects.size(), 1U);
+    EXPECT_EQ(objects[0].gisO.nr, 10000);
+    EXPECT_EQ(objects[0].x.size(), 10000U);
+    EXPECT_THAT(endOf("  REGION 10001\n1\n"),
+                HasSubstr("\n\nERROR 0304 - Exceeded maximum number of polygons in region below of 10000\n"
+                          "  REGION 10001\n"));
+}
+
+TEST_F(MifReading, CountsThatCannotBeReadStayOne)
+{
+    folder.give("o.txt", "Region x\nPline Multiple\nMultiPoint 4\n");
+    Unit unit = 0;
+    OPENER(unit, "I ", (folder.path() / "o.txt").string());
+    GisO gisO;
+    std::string line;
+    std::string rest;
+    gisO.clear();
+    ASSERT_TRUE(mifObjectType(unit, line, rest, gisO));
+    EXPECT_EQ(gisO.nr, 1);
+    gisO.clear();
+    ASSERT_TRUE(mifObjectType(unit, line, rest, gisO));
+    EXPECT_EQ(gisO.nSections, 1);
+    gisO.clear();
+    ASSERT_TRUE(mifObjectType(unit, line, rest, gisO));
+    EXPECT_EQ(gisO.nSections, 4);
+}
+
+// --- Coordinates -----------------------------------------------------------------------------------------------------
+
+TEST_F(MifReading, PointsStandOnTheirLineOrTheNext)
+{
+    const auto objects = read("point 1.5 -2\nPoint\n  3,4e2\nPOINT5,6\n", 3);
+    ASSERT_EQ(objects.size(), 3U);
+    EXPECT_THAT(objects[0].x, ElementsAre(1.5));
+    EXPECT_THAT(objects[0].y, ElementsAre(-2));
+    EXPECT_EQ(objects[0].xc, 1.5);
+    EXPECT_EQ(objects[0].yc, -2);
+    EXPECT_EQ(objects[0].angle, 0);
+    EXPECT_EQ(objects[0].length, 0);
+    EXPECT_TRUE(objects[0].gisO.haveCoordinates);
+    EXPECT_EQ(objects[0].record, "\"r1\",1");
+    EXPECT_EQ(objects[1].x[0], 3);
+    EXPECT_EQ(objects[1].y[0], 400);
+    EXPECT_EQ(objects[2].x[0], 5);
+    EXPECT_EQ(objects[2].record, "\"r3\",3");
+}
+
+TEST_F(MifReading, APointFillsTwoSlots)
+{
+    giveMif(folder, "l", "Point 1 2\n");
+    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
+    gisReadHeader(id);
+    GisO gisO;
+    GisCoordinates c;
+    gisObjectType(id, gisO);
+    gisReadObject(id, gisO, c, 2);
+    EXPECT_EQ(c.np, 1);
+    EXPECT_EQ(c.x[1], 1);
+    EXPECT_EQ(c.y[1], 2);
+    gisCloseLayer(id);
+}
+
+TEST_F(MifReading, AMultipointGivesItsFirstPoint)
+{
+    const auto objects = read("MultiPoint 3\n1 2\n3 4\n5 6\nPoint 7 8\n", 2);
+    ASSERT_EQ(objects.size(), 2U);
+    EXPECT_EQ(objects[0].gisO.nSections, 3);
+    EXPECT_THAT(objects[0].x, ElementsAre(1));
+    EXPECT_EQ(objects[1].x[0], 7);
+}
+
+TEST_F(MifReading, LinesAndRectanglesAreTwoVertices)
+{
+    const auto objects = read("Line 1 2 4 6\nRect 0 0 10 20\nRoundRect 2 2 4 2\n", 3);
+    ASSERT_EQ(objects.size(), 3U);
+    EXPECT_THAT(objects[0].x, ElementsAre(1, 4));
+    EXPECT_THAT(objects[0].y, ElementsAre(2, 6));
+    EXPECT_EQ(objects[0].xc, 2.5);
+    EXPECT_EQ(objects[0].yc, 4);
+    EXPECT_EQ(objects[0].length, 5.0F); // 3, 4, 5
+    EXPECT_EQ(objects[0].angle, static_cast<float>(std::atan2(4.0, 3.0) * 180.0 / std::acos(-1.0)));
+    EXPECT_TRUE(objects[1].gisO.rect);
+    EXPECT_THAT(objects[1].x, ElementsAre(0, 10));
+    EXPECT_EQ(objects[1].yc, 10);
+    EXPECT_TRUE(objects[2].gisO.roundRect);
+    EXPECT_EQ(objects[2].angle, 0);
+    EXPECT_EQ(objects[2].length, 2);
+}
+
+TEST_F(MifReading, EllipsesAndArcsHaveNoVertices)
+{
+    const auto objects = read("Point 1 1\nEllipse 0 0 1 1\nArc 0 0 1 1\n 0 90\nNone\nText \"a\"\n 1 2 3 4\n", 5);
+    ASSERT_EQ(objects.size(), 5U);
+    EXPECT_TRUE(objects[1].gisO.ellipse);
+    EXPECT_TRUE(objects[1].x.empty());
+    EXPECT_FALSE(objects[1].gisO.haveCoordinates);
+    EXPECT_TRUE(objects[2].gisO.arc);
+    EXPECT_TRUE(objects[3].gisO.none);
+    EXPECT_TRUE(objects[4].gisO.text);
+    EXPECT_EQ(objects[4].record, "\"r5\",5");
+}
+
+TEST_F(MifReading, PolylinesHaveTheirCentreAtHalfOfTheirLength)
+{
+    // 4 east, then 6 north: half of the length, 5, lies 1 up the second segment.
+    const auto objects = read("\tPline 3\n0 0\n4 0\n4,6\n    Pen (1,2,0)\npline 2\n1 1\n1 1\n", 2);
+    ASSERT_EQ(objects.size(), 2U);
+    EXPECT_TRUE(objects[0].gisO.pline);
+    EXPECT_THAT(objects[0].x, ElementsAre(0, 4, 4));
+    EXPECT_THAT(objects[0].y, ElementsAre(0, 0, 6));
+    EXPECT_EQ(objects[0].length, 10);
+    EXPECT_EQ(objects[0].xc, 4);
+    EXPECT_NEAR(objects[0].yc, 1, 1e-6);
+    EXPECT_EQ(objects[0].angle, 90);
+    EXPECT_EQ(objects[1].length, 0);
+    EXPECT_TRUE(std::isnan(objects[1].xc)); // no length, no middle
+}
+
+TEST_F(MifReading, AVertexAtHalfOfTheLengthBelongsToTheSegmentBeforeIt)
+{
+    const auto objects = read("Pline 3\n0 0\n5 0\n5 5\n", 1);
+    ASSERT_EQ(objects.size(), 1U);
+    EXPECT_EQ(objects[0].xc, 5);
+    EXPECT_EQ(objects[0].yc, 0);
+    EXPECT_EQ(objects[0].angle, 0);
+}
+
+TEST_F(MifReading, PolylinesOfFewerThanTwoVerticesDoNoHarm)
+{
+    const auto objects = read("Pline 1\n3 4\nPline 0\n", 2);
+    ASSERT_EQ(objects.size(), 2U);
+    EXPECT_THAT(objects[0].x, ElementsAre(3));
+    EXPECT_EQ(objects[0].length, 0);
+}
+
+TEST_F(MifReading, OfAMultiplePolylineTheFirstSectionIsRead)
+{
+    const auto objects = read("Pline Multiple 2\n  2\n1 2\n3 4\n  3\n5 6\n7 8\n9 9\n    Pen (1,2,0)\nPoint 7 7\n", 2);
+    ASSERT_EQ(objects.size(), 2U);
+    EXPECT_TRUE(objects[0].gisO.plineMultiple);
+    EXPECT_FALSE(objects[0].gisO.pline);
+    EXPECT_EQ(objects[0].gisO.nSections, 2);
+    EXPECT_THAT(objects[0].x, ElementsAre(1, 3));
+    EXPECT_EQ(objects[1].x[0], 7);
+}
+
+TEST_F(MifReading, ARegionRepeatsItsSecondVertexBehindItsLast)
+{
+    const auto objects = read("Region  1\n  5\n0 0\n10 0\n10 6\n0 6\n0 0\n    Pen (1,2,0)\n    Brush (1,0)\n", 1);
+    ASSERT_EQ(objects.size(), 1U);
+    EXPECT_TRUE(objects[0].gisO.region);
+    EXPECT_EQ(objects[0].gisO.nr, 1);
+    EXPECT_EQ(objects[0].gisO.ir[0], 5);
+    EXPECT_THAT(objects[0].x, ElementsAre(0, 10, 10, 0, 0, 10));
+    EXPECT_THAT(objects[0].y, ElementsAre(0, 0, 6, 6, 0, 0));
+    EXPECT_EQ(objects[0].xc, 5); // the mean of the four corners
+    EXPECT_EQ(objects[0].yc, 3);
+}
+
+TEST_F(MifReading, EachRingOfARegionHasItsSlot)
+{
+    const auto objects = read("Region  2\n  5\n0 0\n10 0\n10 6\n0 6\n0 0\n 4\n1 1\n2 1\n2 2\n1 1\n", 1);
+    ASSERT_EQ(objects.size(), 1U);
+    EXPECT_EQ(objects[0].gisO.nr, 2);
+    EXPECT_EQ(objects[0].gisO.ir[0], 5);
+    EXPECT_EQ(objects[0].gisO.ir[1], 10);
+    EXPECT_THAT(objects[0].x, ElementsAre(0, 10, 10, 0, 0, 10, 1, 2, 2, 1, 2));
+    // The mean runs over all but the last two: 5 of the first ring, its slot, and 3 of the second.
+    EXPECT_DOUBLE_EQ(objects[0].xc, (0 + 10 + 10 + 0 + 0 + 10 + 1 + 2 + 2) / 9.0);
+    EXPECT_DOUBLE_EQ(objects[0].yc, (0 + 0 + 6 + 6 + 0 + 0 + 1 + 1 + 2) / 9.0);
+}
+
+TEST_F(MifReading, OnlyTheLastRegionTakesItsCentreFromTheFile)
+{
+    const std::string square = "Region 1\n5\n0 0\n10 0\n10 6\n0 6\n0 0\n    Pen (1,2,0)\n    Center 7 8\n";
+    const auto objects = read(square + square, 2);
+    ASSERT_EQ(objects.size(), 2U);
+    EXPECT_EQ(objects[0].xc, 5);
+    EXPECT_EQ(objects[0].yc, 3);
+    EXPECT_EQ(objects[1].xc, 7);
+    EXPECT_EQ(objects[1].yc, 8);
+}
+
+TEST_F(MifReading, ACentreWithAnythingBehindItHasNoEffect)
+{
+    const auto objects = read("Region 1\n5\n0 0\n10 0\n10 6\n0 6\n0 0\nCenter 7 8\n    Pen (1,2,0)\n", 1);
+    ASSERT_EQ(objects.size(), 1U);
+    EXPECT_EQ(objects[0].xc, 5);
+}
+
+TEST_F(MifReading, LowerCaseAndCrLfReadTheSame)
+{
+    const auto objects = read("region 1\r\n4\r\n0 0\r\n3 0\r\n3 3\r\n0 0\r\npline 2\r\n1 1\r\n2 2", 2);
+    ASSERT_EQ(objects.size(), 2U);
+    EXPECT_THAT(objects[0].x, ElementsAre(0, 3, 3, 0, 3));
+    EXPECT_THAT(objects[1].y, ElementsAre(1, 2));
+}
+
+TEST_F(MifReading, ObjectsThatAreNotReadArePassedOver)
+{
+    giveMif(folder, "l", "Pline 2\n1 1\n2 2\nRegion 1\n4\n0 0\n3 0\n3 3\n0 0\nPoint 8 9\n", 3);
+    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
+    gisReadHeader(id);
+    GisO gisO;
+    GisCoordinates c;
+    std::string record;
+    while (!gisLayer(id).layerEnd) {
+        if (gisObjectType(id, gisO)) {
+            gisReadRecord(id, gisO, record);
+            if (gisO.point) {
+                gisReadObject(id, gisO, c, 2);
+            }
+        }
+    }
+    EXPECT_EQ(c.x[0], 8);
+    EXPECT_EQ(record, "\"r3\",3");
+    gisCloseLayer(id);
+}
+
+TEST_F(MifReading, WithoutCoordinatesOnlyTheFirstVertexIsRead)
+{
+    giveMif(folder, "l", "Pline 3\n1 2\nx\ny\nRegion 1\n4\n5 6\nx\nx\nx\nPoint 8 9\n", 3);
+    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
+    gisReadHeader(id);
+    GisO gisO;
+    GisCoordinates c;
+    gisObjectType(id, gisO);
+    gisReadObject(id, gisO, c, 2, false); // three vertices, but none is stored past the first
+    EXPECT_EQ(c.np, 3);
+    EXPECT_EQ(c.x[0], 1);
+    gisObjectType(id, gisO);
+    ASSERT_TRUE(gisO.region);
+    gisReadObject(id, gisO, c, 2, false);
+    EXPECT_EQ(c.np, 5);
+    EXPECT_EQ(gisO.ir[0], 4);
+    EXPECT_EQ(c.x[0], 5);
+    gisObjectType(id, gisO);
+    EXPECT_TRUE(gisO.point);
+    gisCloseLayer(id);
+}
+
+TEST_F(MifReading, WithoutCoordinatesFurtherRingsPassOverTooManyLines)
+{
+    // Ring 1: one vertex and lines 2 to 4. Ring 2: np is 10, so lines 2 to 9 go although the ring has 4.
+    std::string body = "Region 2\n4\n0 0\n1\n2\n3\n4\n";
+    for (int i = 2; i <= 9; ++i) {
+        body += "skipped\n";
+    }
+    giveMif(folder, "l", body + "Point 8 9\n", 2);
+    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
+    gisReadHeader(id);
+    GisO gisO;
+    GisCoordinates c;
+    gisObjectType(id, gisO);
+    gisReadObject(id, gisO, c, 2, false);
+    EXPECT_EQ(c.np, 10);
+    gisObjectType(id, gisO);
+    EXPECT_TRUE(gisO.point);
+    gisCloseLayer(id);
+}
+
+// --- What cannot be read ---------------------------------------------------------------------------------------------
+
+TEST_F(MifReading, NumbersThatCannotBeReadEndTheRun)
+{
+    const std::string message = "\n\nERROR 0308 - Reading .mif file.  Check file format is not corrupted.\n";
+    for (const char* body :
+         {"Point 1 x\n", "Points 3 4\n", "Line 1 2 3 z\n", "Pline x\n1 1\n", "Pline 3.0\n1 1\n", "Pline 2\n1 1\n1 b\n",
+          "Pline Multiple 1\n x\n", "Region 1\n 4.5\n", "Region 1\n4\n1 1\n1 (\n", "LineString 5\n",
+          "Pline 99999999999\n", "Pline -5\n", "Pline Multiple 2\n-1\n", "Point 1 1e999\n",
+          "Region 1\n4\n0 0\n1 0\n1 1\n0 0\nCenter a b\n"}) {
+        EXPECT_THAT(endOf(body), HasSubstr(message)) << body;
+    }
+}
+
+TEST_F(MifReading, WhatIsMissingEndsTheRun)
+{
+    const std::string message = "\n\nERROR 0309 - Unexpected end of .mif file encountered.\n";
+    for (const char* body : {"Point\n", "Point 1\n", "Point\n12.3\n", "MultiPoint 2\n", "Line\n", "Line 5.3 4.2 17.1\n",
+                             "Pline\n3\n5.3 4.2\n17.1 12.9\n28.7 11.3\n", "Pline 2\n1 1\n", "Pline 2\n1 1\n2\n3 3\n",
+                             "Pline Multiple 1\n", "Pline Multiple 1\n\n1 1\n", "Region 1\n", "Region 1\n5\n1 1\n",
+                             "Region 2\n4\n0 0\n1 0\n1 1\n0 0\n", "Region 1\n4\n0 0\n1 0\n1 1\n0 0\nCenter\n"}) {
+        EXPECT_THAT(endOf(body), HasSubstr(message)) << body;
+    }
+    EXPECT_THAT(endOf("Pline 900000000\n1 1\n2 2\n", 1, 1000, false), HasSubstr(message));
+    EXPECT_THAT(endOf("Region 1\n 900000000\n1 1\n2 2\n", 1, 1000, false), HasSubstr(message));
+}
+
+TEST_F(MifReading, RegionsNeedFiveSlots)
+{
+    const std::string message = "\n\nERROR 0318 - Less than 5 points for Region object in mif file.\n";
+    EXPECT_THAT(endOf("Region 1\n3\n1 2\n3 4\n1 2\n"), HasSubstr(message));
+    EXPECT_THAT(endOf("Region 0\n"), HasSubstr(message));
+    EXPECT_THAT(endOf("Region -7\n"), HasSubstr(message));
+    EXPECT_THAT(endOf("Region 1\n0\n"), HasSubstr(message));
+    EXPECT_THAT(endOf("Region 1\n-2147483648\n"), HasSubstr(message));
+    EXPECT_THAT(endOf("Region 2\n-9\n20\n1 1\n"), HasSubstr(message));
+    EXPECT_EQ(read("Region 1\n4\n0 0\n1 0\n1 1\n0 0\n", 1).size(), 1U);
+}
+
+TEST_F(MifReading, VerticesPastTheLimitEndTheRun)
+{
+    const auto message = [](const std::string& requested, const std::string& limit) {
+        return "\n\nERROR 0310 - Exceeded number of allowable nodes in a single polyline or region.\n"
+               "             Requested" +
+               requested + "        Limit" + limit + "\n";
+    };
+    EXPECT_THAT(endOf("Pline 4\n1 1\n", 1, 3), HasSubstr(message("       4", "       3")));
+    EXPECT_THAT(endOf("Pline 3\n1 1\n", 1, 3), HasSubstr("ERROR 0309"));
+    EXPECT_THAT(endOf("Pline 2147483647\n1 1\n", 1, 1000000), HasSubstr(message("********", " 1000000")));
+    EXPECT_THAT(endOf("Region 1\n4\n", 1, 4), HasSubstr(message("       5", "       4")));
+    EXPECT_THAT(endOf("Region 2\n4\n0 0\n1 0\n1 1\n0 0\n2147483647\n", 1, 10),
+                HasSubstr(message("********", "      10")));
+    EXPECT_THAT(endOf("Region 2\n2147483646\n", 1, 10, false), HasSubstr(message("********", "********")));
+}
+
+TEST_F(MifReading, ARecordThatIsMissingEndsTheRun)
+{
+    EXPECT_THAT(endOf("Point 1 2\n", 0),
+                HasSubstr("\n\nERROR 0254 - Failed to read object attribute data record for a POINT object in GIS "
+                          "layer.\n"));
+    // The end of the .mid also ends the loop, but reading the coordinates asks the .mif again.
+    EXPECT_THAT(endOf("Pline 2\n1 1\n2 2\nRegion 1\n1\n", 1), HasSubstr("for a REGION object in GIS layer.\n"));
+}
+
+TEST_F(MifReading, MoreRecordsThanObjectsDoNoHarm)
+{
+    EXPECT_EQ(read("Point 1 2\nPoint 3 4\n", 5).size(), 2U);
+}
+
+TEST_F(MifReading, AnObjectWithoutKindEndsTheRun)
+{
+    giveMif(folder, "l", "Point 1 2\n");
+    const ChildRun run = runInChild(folder, [] {
+        gisInitialise(-1, "", "", "");
+        std::int32_t id = gisOpenLayer("l.mif", "", "I ");
+        gisReadHeader(id);
+        GisO gisO;
+        GisCoordinates c;
+        gisO.name = "STRANGE";
+        gisReadObject(id, gisO, c, 10);
+    });
+    EXPECT_THAT(run.console,
+                HasSubstr("\n\nERROR 0253 - Failed to read coordinates for a STRANGE object in GIS layer.\n"));
+}
+
+TEST_F(MifReading, LinesAreCutAt1000Characters)
+{
+    giveMif(folder, "l", "Point " + std::string(990, ' ') + "12 34\n", 0);
+    folder.give("l.mid", std::string(1005, 'a') + "\n");
+    // "Point ", 990 blanks and the first four characters: "12 3".
+    const ChildRun run = runInChild(folder, [] {
+        gisInitialise(-1, "", "", "");
+        std::int32_t id = gisOpenLayer("l.mif", "", "I ");
+        gisReadHeader(id);
+        GisO gisO;
+        GisCoordinates c;
+        std::string record;
+        gisObjectType(id, gisO);
+        gisReadRecord(id, gisO, record);
+        gisReadObject(id, gisO, c, 10);
+        say("x ", static_cast<int>(c.x[0]), " y ", static_cast<int>(c.y[0]), " record ", record.size());
+    });
+    EXPECT_THAT(run.console, HasSubstr("x 12 y 3 record 1000\n"));
+}
+
+// --- Small entry points ----------------------------------------------------------------------------------------------
+
+TEST_F(MifReading, GoesBackToTheBeginning)
+{
+    giveMif(folder, "l", "Point 1 2\nPoint 3 4\n", 3);
+    const ChildRun run = runInChild(folder, [] {
+        gisInitialise(-1, "", "", "");
+        std::int32_t id = gisOpenLayer("l.mif", "", "I ");
+        gisReadHeader(id);
+        GisO gisO;
+        GisCoordinates c;
+        std::string record;
+        for (int round = 0; round < 2; ++round) {
+            gisObjectType(id, gisO);
+            gisReadRecord(id, gisO, record);
+            gisReadObject(id, gisO, c, 10);
+            say("x ", static_cast<int>(c.x[0]), " ", record);
+            gisGotoBeginningOfData(id);
+            say("end ", gisLayer(id).layerEnd ? 1 : 0, " records ", gisNumberRecords(id));
+        }
+        std::int32_t count = 0;
+        const bool found = gisGotoBeginningOfAttributes(id, count);
+        const GisOutputAttribute definition = gisReadAttributeDefinition(id);
+        say("found ", found ? 1 : 0, " ", count, " ", definition.name, "/", definition.type);
+    });
+    EXPECT_THAT(run.console, HasSubstr("x 1 \"r1\",1\nRewinding GIS Layer 1...\nend 0 records 3\n"
+                                       "x 1 \"r1\",1\nRewinding GIS Layer 1...\nend 0 records 3\n"
+                                       "found 1 2 Name/Char(30)\n"));
+}
+
+TEST_F(MifReading, GoingBackSeesOnly100CharactersOfALine)
+{
+    const std::string far(100, ' ');
+    folder.give("l.mif", far + "Columns\nColumns 1\n  A Float\n" + far + "Data\nPoint 1 2\n");
+    folder.give("l.mid", "1\n");
+    const ChildRun run = runInChild(folder, [] {
+        gisInitialise(-1, "", "", "");
+        std::int32_t id = gisOpenLayer("l.mif", "", "I ");
+        std::int32_t count = 0;
+        say("found ", gisGotoBeginningOfAttributes(id, count) ? 1 : 0, " ", count);
+        gisGotoBeginningOfData(id);
+    });
+    EXPECT_THAT(run.console, HasSubstr("found 1 1\nRewinding GIS Layer 1...\n\nERROR 0313 - Could not find start of "
+                                       "\"Data\" block in .mif file.\n"));
+}
+
+TEST_F(MifReading, AttributesThatAreNotFoundAreWarnedOf)
+{
+    folder.give("l.mid", "1\n");
+    const auto consoleFor = [&](std::string_view text) {
+        folder.give("l.mif", text);
+        return runInChild(folder,
+                          [] {
+                              gisInitialise(-1, "", "", "");
+                              std::int32_t id = gisOpenLayer("l.mif", "", "I ");
+                              std::int32_t count = 0;
+                              say("found ", gisGotoBeginningOfAttributes(id, count) ? 1 : 0);
+                          })
+            .console;
+    };
+    EXPECT_THAT(consoleFor("Version 300\n"),
+                HasSubstr("\n\nWARNING 0315 - Problems finding start of attribute definitions in .mif file\n"
+                          "Press Enter to Continue\nfound 0\n"));
+    EXPECT_THAT(consoleFor("Columns x\n"),
+                HasSubstr("\n\nWARNING 0314 - Problems reading number of attributes in .mif file\n"
+                          "Press Enter to Continue\nfound 0\n"));
+}
+
+TEST_F(MifReading, CopiesAHeader)
+{
+    giveMif(folder, "l", "");
+    const auto copy = [] {
+        Unit in = 0;
+        Unit out = 0;
+        OPENER(in, "I ", "l.mif");
+        OPENER(out, "O ", "copy.mif");
+        mifCopyHeader(in, out);
+    };
+    EXPECT_THAT(runInChild(folder, copy).console, HasSubstr("Copying header info from file unit 1001 to 1002...\n"));
+    EXPECT_EQ(folder.read("copy.mif"),
+              "Version 300\r\nCharset \"WindowsLatin1\"\r\nDelimiter \",\"\r\nCoordSys NonEarth Units \"m\"\r\n");
+    folder.give("l.mif", "Version 300\n");
+    EXPECT_THAT(runInChild(folder, copy).console,
+                HasSubstr("\n\nERROR 0302 - End of File encountered (mifCopyHeader)\n"));
+}
+
+TEST_F(MifReading, FindsACoordSysLineOrTakesTheDefault)
+{
+    giveMif(folder, "l", "");
+    folder.give("none.mif", "Version 300\n");
+    const auto consoleFor = [&](const char* name) {
+        return runInChild(folder, [&] { say("line ", mifReadCoordSysLine(name)); }).console;
+    };
+    EXPECT_THAT(consoleFor("  l.mif"), HasSubstr("\nline CoordSys NonEarth Units \"m\"\n"));
+    const std::string otherwise =
+        "\nPress Enter to Continue\nline CoordSys NonEarth Units \"m\" Bounds(-9999999, -9999999) (9999999, 9999999)\n";
+    EXPECT_EQ(consoleFor(" gone.mif"), "\nWARNING 0307 - No MapInfo Projection or mif header file gone.mif found.\n"
+                                       "               Non-Earth Coordinates will be used.  [mifReadCoordSysLine]" +
+                                           otherwise);
+    EXPECT_THAT(consoleFor("none.mif"),
+                HasSubstr("\n\nWARNING 0312 - Problems finding CoordSys line in .mif file" + otherwise));
+}
+
+} // namespace
+} // namespace gridforge::test
