@@ -3,6 +3,7 @@
 #include "base/ends.h"
 #include "ops/conv.h"
 #include "ops/max_min.h"
+#include "sampling/trim.h"
 
 #include <algorithm>
 #include <array>
@@ -36,7 +37,7 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"na",        [](const S& s) { return s.na; },             nullptr},
     {"multiply",  [](const S& s) { return s.multiply; },       nullptr},
     {"xyz",       [](const S& s) { return s.xyz; },            nullptr},
-    {"trim",      [](const S& s) { return s.trim; },           nullptr},
+    {"trim",      [](const S& s) { return s.trim; },           runTrim},
     {"damages",   [](const S& s) { return s.damages; },        nullptr},
     {"rf",        [](const S& s) { return s.rf; },             nullptr},
     {"remap",     [](const S& s) { return s.remap; },          nullptr},
