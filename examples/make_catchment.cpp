@@ -18,7 +18,6 @@ namespace {
 
 constexpr double kXll = 293000;
 constexpr double kYll = 6178000;
-constexpr int kLatticeColumns = 320;
 constexpr int kCoarse = 5;        // cells of the fine level to a side of a coarse one
 constexpr double kDrySkin = 0.02; // thinner water than this counts as dry
 
@@ -31,12 +30,14 @@ constexpr const char* kUsage = R"(usage: gridforge_make_catchment [options]
   --format F     asc, flt or both (both)
   --only KIND    ground, depth, level or velocity (all four)
   --event NAME   one storm, such as 1pct_6h (all six)
+  --detail N     nodes of the made ground from west to east (320); fewer are quicker
 )";
 
 struct Options {
     Place place{480, 360, kXll, kYll, 5};
     std::string folder = ".";
     std::uint64_t seed = 1;
+    int detail = 320;
     std::string format = "both";
     std::string only;
     std::string event;
@@ -70,6 +71,8 @@ std::optional<Options> readOptions(int count, char** words)
             options.folder = value;
         } else if (key == "--seed") {
             options.seed = std::strtoull(value, nullptr, 10);
+        } else if (key == "--detail") {
+            options.detail = std::atoi(value);
         } else if (key == "--format") {
             options.format = value;
         } else if (key == "--only") {
@@ -81,7 +84,8 @@ std::optional<Options> readOptions(int count, char** words)
         }
     }
     const bool goodFormat = options.format == "asc" || options.format == "flt" || options.format == "both";
-    const bool goodPlace = options.place.columns > 0 && options.place.rows > 0 && options.place.cellsize > 0;
+    const bool goodPlace = options.place.columns > 0 && options.place.rows > 0 && options.place.cellsize > 0 &&
+                           options.detail >= 20 && options.detail <= 5000;
     return count % 2 == 1 && goodFormat && goodPlace ? std::optional(options) : std::nullopt;
 }
 
@@ -258,8 +262,8 @@ bool make(const Options& options)
     const bool asFlt = options.format != "asc";
     const double shape = static_cast<double>(options.place.rows) / static_cast<double>(options.place.columns);
     const int latticeRows =
-        static_cast<int>(std::clamp(std::round(kLatticeColumns * shape), 80.0, 2.0 * kLatticeColumns));
-    const Valley valley = makeValley(kLatticeColumns, latticeRows, options.seed);
+        static_cast<int>(std::clamp(std::round(options.detail * shape), 0.25 * options.detail, 2.0 * options.detail));
+    const Valley valley = makeValley(options.detail, latticeRows, options.seed);
 
     std::filesystem::create_directories(options.folder);
     bool good = true;
