@@ -1,8 +1,6 @@
-#include "base/ends.h"
 #include "base/geometry.h"
-#include "base/product.h"
+#include "base/region_walk.h"
 
-#include <algorithm>
 #include <cassert>
 #include <cmath>
 
@@ -31,19 +29,6 @@ template <typename Real>
 bool segmentsMeet(Real x1, Real y1, Real x2, Real y2, Real x3, Real y3, Real x4, Real y4)
 {
     return sameSide(x1, y1, x2, y2, x3, y3, x4, y4) <= 0 && sameSide(x3, y3, x4, y4, x1, y1, x2, y2) <= 0;
-}
-
-// The y of the nearest vertex ahead of vertex `first`, going back round the ring first..last, that is not at py; py
-// when there is none, which makes no crossing.
-template <typename Real>
-Real yAhead(std::span<const Real> y, std::size_t first, std::size_t last, Real py)
-{
-    for (std::size_t i = last; i > first; --i) {
-        if (y[i] != py) {
-            return y[i];
-        }
-    }
-    return py;
 }
 
 template <typename Real>
@@ -77,26 +62,16 @@ bool inside(Real px, Real py, std::span<const Real> x, std::span<const Real> y, 
     assert(np >= 0 && x.size() >= static_cast<std::size_t>(np) && y.size() >= static_cast<std::size_t>(np));
     assert(nr >= 0 && ir.size() >= static_cast<std::size_t>(nr));
     Crossings<Real> crossings{px, py, xmin - Real{10}};
-    const std::int64_t last = std::int64_t{np} - 1; // the last edge starts there
-    std::int64_t i = 1;
-    for (std::int32_t ring = 0; i < last; ++ring) {
-        if (ring >= nr) {
-            fail("Invalid number of polygons in region sent to inside_polygon routine [", routine, "] - contact ",
-                 kSupportContact);
+    const bool complete = walkRings(np, ir, nr, [&](std::size_t second, std::size_t end) {
+        if (y[second - 1] == py) {
+            crossings.previousY = yAheadOfSecond(y, second, end);
         }
-        // The walk starts at the ring's second vertex and ends on the edge from its closing vertex to that one. A ring
-        // whose end lies behind its second vertex or past the last edge runs on to the last edge.
-        const std::int64_t second = i + 1;
-        const std::int64_t told = ir[static_cast<std::size_t>(ring)];
-        const std::int64_t end = told >= second && told <= last ? told : last;
-        const auto at = [](std::int64_t vertex) { return static_cast<std::size_t>(vertex - 1); };
-        if (y[at(second)] == py) {
-            crossings.previousY = yAhead(y, at(second), at(end), py);
+        for (std::size_t i = second; i <= end; ++i) {
+            crossings.take(x[i - 1], y[i - 1], x[i], y[i]);
         }
-        for (i = second; i <= end; ++i) {
-            crossings.take(x[at(i)], y[at(i)], x[at(i + 1)], y[at(i + 1)]);
-        }
-        i = end + 2;
+    });
+    if (!complete) {
+        failRegionRings(routine);
     }
     return crossings.odd;
 }

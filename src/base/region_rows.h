@@ -1,0 +1,42 @@
+// A region made ready for many points: rows of cells, or points one by one, are tested with the bits of
+// INSIDE_POLYGON_8, at the price of the edges that a row meets.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace gridforge {
+
+struct RegionEdge {
+    double x1 = 0;
+    double y1 = 0;
+    double x2 = 0;
+    double y2 = 0;
+    double yAhead = 0; // of the nearest vertex ahead of vertex 1 that is not at y1
+};
+
+// What prepareRegion makes. May be used for one region after another: its memory stays.
+struct PreparedRegion {
+    std::vector<RegionEdge> edges; // but for level ones, by their lower y
+    std::vector<double> highestY;  // over the part of `edges` that a place is the middle of
+    std::vector<double> levels;    // the y of all edge ends, rising
+    double rayStart = 0;
+    bool ordinary = false; // the coordinates leave room for all products in single precision
+    bool complete = false; // the rings do not end before the vertices
+};
+
+// Takes the region as INSIDE_POLYGON_8 does. Costs n log n of its vertices.
+void prepareRegion(std::span<const double> x, std::span<const double> y, std::int32_t np, double xmin,
+                   std::span<const std::int32_t> ir, std::int32_t nr, PreparedRegion& region);
+
+// INSIDE_POLYGON_8 for one point.
+bool insideRegion(const PreparedRegion& region, double px, double py);
+
+// INSIDE_POLYGON_8 for the points of a row at py: inside[i] becomes 1 or 0 for px[i]. The px must not fall; the spans are
+// of one length.
+void insideRegionRow(const PreparedRegion& region, double py, std::span<const double> px,
+                     std::span<std::uint8_t> inside);
+
+} // namespace gridforge
