@@ -1,0 +1,151 @@
+#include "grid/writer.h"
+
+#include "base/console.h"
+#include "support/child_run.h"
+
+#include <gtest/gtest.h>
+
+namespace gridforge {
+namespace {
+
+using test::ChildRun;
+using test::runInChild;
+using test::ScratchFolder;
+
+GridHeader headerOf(std::int32_t nrows, std::int32_t ncols)
+{
+    GridHeader header;
+    header.nrows = nrows;
+    header.ncols = ncols;
+    header.xll = 293000.5;
+    header.yll = -12.25;
+    header.cellsize = 2.0F;
+    header.cellsize8 = 2.0;
+    return header;
+}
+
+TEST(WriteGrid, KnowsTwoFormatsOnly)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] { writeGrid(3, "a", headerOf(1, 1), Grid(), ""); });
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.console,
+              "Should not be here [grid_format] - please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n");
+}
+
+TEST(WriteGrid, FieldsAreAsWideAsTheLargestMagnitudeNeeds)
+{
+    const ScratchFolder folder;
+    const auto widthWith = [&](float cell) {
+        runInChild(folder, [cell] {
+            Grid cells;
+            ASSERT_TRUE(cells.allocate(1, 2));
+            cells(1, 1) = cell;
+            writeGrid(kFormatAsc, "a", headerOf(1, 2), cells, "");
+        });
+        const std::string text = folder.read("a.asc");
+        const std::size_t last = text.rfind('\n', text.size() - 2);
+        return (text.size() - last - 3) / 2;
+    };
+    EXPECT_EQ(widthWith(0.25F), 7U);       // `0.`, 3 decimals, sign and blank: 2 + 3 + 2
+    EXPECT_EQ(widthWith(-9999.0F), 10U);   // `9999.`
+    EXPECT_EQ(widthWith(9999.5F), 11U);    // rounds to `10000.`
+    EXPECT_EQ(widthWith(123456.7F), 12U);  // `123457.`
+    EXPECT_EQ(widthWith(-123456.7F), 12U); // the smallest counts by its magnitude
+}
+
+TEST(WriteGrid, NegativeDecimalsCountAsThree)
+{
+    const ScratchFolder folder;
+    runInChild(folder, [] {
+        Grid cells;
+        ASSERT_TRUE(cells.allocate(1, 1));
+        writeGrid(kFormatAsc, "a", headerOf(1, 1), cells, "", -1);
+    });
+    EXPECT_EQ(folder.read("a.asc"), "ncols 1\r\nnrows 1\r\nxllcorner 293000.5\r\nyllcorner -12.25\r\ncellsize 2.\r\n"
+                                    "NODATA_value -9999.0\r\n  0.000\r\n");
+}
+
+TEST(WriteGrid, ARowLongerThanTheBufferIsOneLine)
+{
+    constexpr std::int32_t kColumns = 400'000; // 7 characters each: more than two buffers
+    const ScratchFolder folder;
+    runInChild(folder, [] {
+        Grid cells;
+        ASSERT_TRUE(cells.allocate(2, kColumns));
+        for (std::int32_t column = 1; column <= kColumns; ++column) {
+            cells(2, column) = static_cast<float>(column % 10);
+            cells(1, column) = static_cast<float>(column % 7);
+        }
+        writeGrid(kFormatAsc, "a", headerOf(2, kColumns), cells, "");
+    });
+    std::string expected;
+    for (const std::int32_t divisor : {10, 7}) {
+        for (std::int32_t column = 1; column <= kColumns; ++column) {
+            expected += "  " + std::to_string(column % divisor) + ".000";
+        }
+        expected += "\r\n";
+    }
+    const std::string text = folder.read("a.asc");
+    EXPECT_TRUE(text.ends_with("-9999.0\r\n" + expected));
+}
+
+TEST(WriteGrid, TheProjectionIsOneLineBesideTheGrid)
+{
+    const ScratchFolder folder;
+    folder.give("d/old.prj", "stays");
+    const ChildRun run = runInChild(folder, [] {
+        Grid cells;
+        ASSERT_TRUE(cells.allocate(1, 1));
+        writeGrid(kFormatFlt, "d\\a", headerOf(1, 1), cells, "PROJCS[\"x\"]  ");
+        writeGrid(kFormatFlt, "d\\old", headerOf(1, 1), cells, "   ");
+    });
+    EXPECT_EQ(folder.read("d/a.prj"), "PROJCS[\"x\"]\r\n");
+    EXPECT_EQ(folder.read("d/old.prj"), "stays");
+    EXPECT_EQ(folder.read("d/a.flt"), std::string(4, '\0'));
+}
+
+// --- Comparison of geometry ------------------------------------------------------------------------------------------
+
+std::string comparison(const GridHeader& first, const GridHeader& second)
+{
+    const ScratchFolder folder;
+    return runInChild(folder, [&] { compareGridDimensions(first, second); }).console;
+}
+
+const std::string kClosing =
+    "ERROR - dimensions of grids do not match (see above for details).\n\nPress Enter to Close\n";
+
+TEST(CompareGridDimensions, ReportsEachDifference)
+{
+    const GridHeader first = headerOf(3, 4);
+    GridHeader second = first;
+    second.nrows = 5;
+    second.ncols = 6;
+    second.xll += 1;
+    second.yll += 0.5;
+    second.cellsize8 = 2.5;
+    EXPECT_EQ(comparison(first, first), "");
+    EXPECT_EQ(comparison(first, second),
+              "ERROR - number of rows for input grids do not match. Rows = 3 and 5\n"
+              "ERROR - number of columns for input grids do not match. Columns = 4 and 6\n"
+              "ERROR - x coordinates of input grids do not match. xll = 293000.5 and 293001.5\n"
+              "ERROR - y coordinates of input grids do not match. yll = -12.25 and -11.75\n"
+              "ERROR - cell size of input grids do not match. cell sizes = 2. and 2.5\n" +
+                  kClosing);
+}
+
+TEST(CompareGridDimensions, ADifferenceOfExactlyTheTolerancePasses)
+{
+    GridHeader first = headerOf(1, 1);
+    first.xll = 0;
+    GridHeader second = first;
+    second.xll = 0.009999999776482582; // 0.01 in single precision
+    EXPECT_EQ(comparison(first, second), "");
+    second.xll = 0.0099999997764826;
+    EXPECT_EQ(comparison(first, second),
+              "ERROR - x coordinates of input grids do not match. xll = 0. and 0.0099999998\n" + kClosing);
+}
+
+} // namespace
+} // namespace gridforge
