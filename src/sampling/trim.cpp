@@ -3,10 +3,10 @@
 
 #include "base/console.h"
 #include "base/ends.h"
-#include "base/geometry.h"
 #include "base/names.h"
 #include "base/numbers.h"
 #include "base/product.h"
+#include "base/region_rows.h"
 #include "base/text.h"
 #include "gis/layers.h"
 #include "gis/projection.h"
@@ -175,6 +175,26 @@ std::int32_t outputFormat(const RunSettings& settings)
 
 // --- The kernel ------------------------------------------------------------------------------------------------------
 
+namespace {
+
+// The y of the north side of a row.
+double cornerNorth(std::int32_t row, const GridHeader& header)
+{
+    return header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8;
+}
+
+// The x of the east sides of the window's columns.
+std::vector<double> cornersEast(const TrimWindow& window, const GridHeader& header)
+{
+    std::vector<double> x;
+    for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
+        x.push_back(header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8);
+    }
+    return x;
+}
+
+} // namespace
+
 TrimWindow trimWindow(const TrimRegion& region, const GridHeader& header)
 {
     const double dx = header.cellsize8;
@@ -187,16 +207,16 @@ void copyInside(const TrimRegion& region, const GridHeader& header, const Grid& 
 {
     const auto np = static_cast<std::int32_t>(region.x.size());
     const std::array<std::int32_t, 1> ir = {np - 1};
+    PreparedRegion prepared;
+    prepareRegion(region.x, region.y, np, region.xmin, ir, 1, prepared);
+    const std::vector<double> x = cornersEast(window, header);
+    std::vector<std::uint8_t> inside(x.size());
     for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
-        const double y = header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8;
-        const auto source = cells.row(row);
+        insideRegionRow(prepared, cornerNorth(row, header), x, inside);
+        const auto source = cells.row(row).subspan(static_cast<std::size_t>(window.firstColumn - 1), x.size());
         const auto target = output.row(row - window.firstRow + 1);
-        for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-            const double x = header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8;
-            if (INSIDE_POLYGON_8(x, y, region.x, region.y, np, region.xmin, ir, 1)) {
-                target[static_cast<std::size_t>(column - window.firstColumn)] =
-                    source[static_cast<std::size_t>(column - 1)];
-            }
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            target[i] = inside[i] != 0 ? source[i] : target[i];
         }
     }
 }

@@ -1,0 +1,121 @@
+#include "sampling/trim.h"
+
+#include "base/geometry.h"
+
+#include <algorithm>
+#include <array>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+
+namespace gridforge::test {
+namespace {
+
+TrimRegion regionOf(std::vector<double> x, std::vector<double> y)
+{
+    x.push_back(x[0]);
+    y.push_back(y[0]);
+    x.push_back(x[1]);
+    y.push_back(y[1]);
+    TrimRegion region;
+    region.xmin = *std::ranges::min_element(x);
+    region.xmax = *std::ranges::max_element(x);
+    region.ymin = *std::ranges::min_element(y);
+    region.ymax = *std::ranges::max_element(y);
+    region.x = std::move(x);
+    region.y = std::move(y);
+    return region;
+}
+
+GridHeader headerOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
+{
+    GridHeader header;
+    header.nrows = nrows;
+    header.ncols = ncols;
+    header.xll = xll;
+    header.yll = yll;
+    header.cellsize = cellsize;
+    header.cellsize8 = static_cast<double>(cellsize);
+    return header;
+}
+
+TEST(TrimWindow, TruncatesBothBounds)
+{
+    const GridHeader header = headerOf(10, 10, 100, 200, 2);
+    const TrimWindow w = trimWindow(regionOf({103, 107.9, 105}, {204, 205, 209}), header);
+    EXPECT_EQ(w.firstColumn, 1); // 3 / 2
+    EXPECT_EQ(w.lastColumn, 4);  // 7.9 / 2 + 1
+    EXPECT_EQ(w.firstRow, 2);    // 4 / 2
+    EXPECT_EQ(w.lastRow, 5);     // 9 / 2 + 1
+}
+
+TEST(TrimWindow, LeftOfTheGridTruncatesTowardsZero)
+{
+    const TrimWindow w = trimWindow(regionOf({-1.5, 0.5, 0.5}, {-0.5, -2.5, 0.5}), headerOf(10, 10, 0, 0, 1));
+    EXPECT_EQ(w.firstColumn, -1);
+    EXPECT_EQ(w.lastColumn, 1);
+    EXPECT_EQ(w.firstRow, -2);
+    EXPECT_EQ(w.lastRow, 1);
+}
+
+TEST(TrimWindow, FarCoordinatesStayInTheIntegers)
+{
+    const TrimWindow w = trimWindow(regionOf({-1e300, 1e300, 0}, {-1e300, 1e300, 0}), headerOf(10, 10, 0, 0, 1));
+    EXPECT_EQ(w.firstColumn, std::numeric_limits<std::int32_t>::min());
+    EXPECT_EQ(w.lastColumn, std::numeric_limits<std::int32_t>::max());
+}
+
+// The plain twin of the kernel: each cell by itself.
+void copyInsidePlainly(const TrimRegion& region, const GridHeader& header, const Grid& cells, const TrimWindow& w,
+                       Grid& output)
+{
+    const auto np = static_cast<std::int32_t>(region.x.size());
+    const std::array<std::int32_t, 1> ir = {np - 1};
+    for (std::int32_t row = w.firstRow; row <= w.lastRow; ++row) {
+        for (std::int32_t column = w.firstColumn; column <= w.lastColumn; ++column) {
+            const double x = header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8;
+            const double y = header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8;
+            if (INSIDE_POLYGON_8(x, y, region.x, region.y, np, region.xmin, ir, 1)) {
+                output(row - w.firstRow + 1, column - w.firstColumn + 1) = cells(row, column);
+            }
+        }
+    }
+}
+
+TEST(CopyInside, GivesTheCellsOfThePlainLoop)
+{
+    std::mt19937 random(11);
+    const auto upTo = [&](int n) { return static_cast<double>(random() % static_cast<unsigned>(n)); };
+    for (int round = 0; round < 400; ++round) {
+        const bool large = round % 2 == 0;
+        const GridHeader header =
+            headerOf(30, 40, large ? 293000.25 : 0, large ? 6178000.5 : 0, round % 3 == 0 ? 0.7F : 1.0F);
+        Grid cells;
+        ASSERT_TRUE(cells.allocate(header.nrows, header.ncols));
+        for (float& cell : cells.cells()) {
+            cell = static_cast<float>(upTo(1000));
+        }
+        std::vector<double> x;
+        std::vector<double> y;
+        for (int k = 0; k < 3 + round % 12; ++k) { // steps of a half meet corners, edges and each other
+            x.push_back(header.xll + upTo(50) * 0.5);
+            y.push_back(header.yll + upTo(40) * 0.5);
+        }
+        const TrimRegion region = regionOf(x, y);
+        TrimWindow w = trimWindow(region, header);
+        w = {std::max(w.firstRow, 1), std::min(w.lastRow, header.nrows), std::max(w.firstColumn, 1),
+             std::min(w.lastColumn, header.ncols)};
+        Grid fast;
+        Grid plain;
+        ASSERT_TRUE(fast.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));
+        ASSERT_TRUE(plain.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));
+        std::ranges::fill(fast.cells(), -1.0F);
+        std::ranges::fill(plain.cells(), -1.0F);
+        copyInside(region, header, cells, w, fast);
+        copyInsidePlainly(region, header, cells, w, plain);
+        ASSERT_TRUE(std::ranges::equal(fast.cells(), plain.cells())) << round;
+    }
+}
+
+} // namespace
+} // namespace gridforge::test
