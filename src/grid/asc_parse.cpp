@@ -12,8 +12,8 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
+#if defined(__x86_64__)
+#include <immintrin.h>
 #endif
 
 namespace gridforge {
@@ -36,16 +36,17 @@ bool isDigit(char c)
 
 // A double that lies at most 4 of its last places off the true value rounds to the same float as that value, unless a
 // midpoint of two floats is so near. In the last 29 bits, which a float drops, a midpoint reads 1 0000...
-inline bool roundsSafely(double value)
+constexpr std::int64_t kDroppedBits = (std::int64_t{1} << 29) - 1;
+constexpr std::int64_t kMidpoint = std::int64_t{1} << 28;
+constexpr std::int64_t kRoundingMargin = 4;
+
+bool roundsSafely(double value)
 {
-    constexpr std::uint64_t kDropped = (std::uint64_t{1} << 29) - 1;
-    constexpr std::uint64_t kMidpoint = std::uint64_t{1} << 28;
-    constexpr std::uint64_t kMargin = 4;
-    const auto bits = std::bit_cast<std::uint64_t>(value);
-    return ((bits + kMargin - kMidpoint) & kDropped) > 2 * kMargin;
+    const auto bits = std::bit_cast<std::int64_t>(value);
+    return ((bits + kRoundingMargin - kMidpoint) & kDroppedBits) > 2 * kRoundingMargin;
 }
 
-inline float withSign(float magnitude, bool negative)
+float withSign(float magnitude, bool negative)
 {
     return std::bit_cast<float>(std::bit_cast<std::uint32_t>(magnitude) | (negative ? 0x80000000U : 0U));
 }
@@ -151,147 +152,280 @@ AscRow step(AscRowState& state, Cursor& text, std::span<float> row)
     return AscRow::done;
 }
 
-#if defined(__SSE2__)
+#if defined(__x86_64__)
 
-constexpr std::ptrdiff_t kBlock = 64;
-constexpr std::ptrdiff_t kLane = 16;
+constexpr std::size_t kBlock = 64;
+constexpr std::size_t kLane = 16;
+constexpr std::size_t kBatch = 1024; // values found before they are converted: few enough to stay in the nearest cache
+
+// The values of a piece of text: where they end, in bytes from its start, and how long they are.
+struct ValueIndex {
+    std::size_t count = 0;
+    std::array<std::uint32_t, kBatch + kBlock> ends; // a block may go past the batch
+    std::array<std::uint32_t, kBatch + kBlock> lengths;
+};
 
 // For each byte of a block a bit.
 struct BlockBits {
-    std::uint64_t values = 0; // all that is no separator
-    std::uint64_t commas = 0;
-    std::uint64_t breaks = 0; // commas and line ends
+    std::uint64_t values; // all that is no separator
+    std::uint64_t commas;
+    std::uint64_t breaks; // commas and line ends
 };
 
-inline BlockBits classify(const char* block)
+__attribute__((target("avx2,bmi"))) inline BlockBits classify(const char* block)
 {
-    BlockBits bits;
-    for (int i = 0; i < 4; ++i) {
-        const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block + i * kLane));
-        const __m128i comma = _mm_cmpeq_epi8(text, _mm_set1_epi8(','));
-        const __m128i lineBreak = _mm_or_si128(comma, _mm_cmpeq_epi8(text, _mm_set1_epi8('\n')));
-        const __m128i blank = _mm_or_si128(
-            _mm_cmpeq_epi8(text, _mm_set1_epi8(' ')),
-            _mm_or_si128(_mm_cmpeq_epi8(text, _mm_set1_epi8('\t')), _mm_cmpeq_epi8(text, _mm_set1_epi8('\r'))));
-        const auto at = [i](__m128i mask) {
-            return std::uint64_t{static_cast<std::uint16_t>(_mm_movemask_epi8(mask))} << (i * kLane);
-        };
-        bits.commas |= at(comma);
-        bits.breaks |= at(lineBreak);
-        bits.values |= at(_mm_or_si128(blank, lineBreak));
+    BlockBits bits = {};
+    for (unsigned i = 0; i < 2; ++i) {
+        const __m256i text = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(block + 32 * i));
+        const __m256i comma = _mm256_cmpeq_epi8(text, _mm256_set1_epi8(','));
+        const __m256i lineBreak = _mm256_or_si256(comma, _mm256_cmpeq_epi8(text, _mm256_set1_epi8('\n')));
+        const __m256i tab = _mm256_or_si256(_mm256_cmpeq_epi8(text, _mm256_set1_epi8('\t')),
+                                            _mm256_cmpeq_epi8(text, _mm256_set1_epi8('\r')));
+        const __m256i blank = _mm256_or_si256(_mm256_cmpeq_epi8(text, _mm256_set1_epi8(' ')), tab);
+        const __m256i separator = _mm256_or_si256(blank, lineBreak);
+        bits.commas |= std::uint64_t{static_cast<std::uint32_t>(_mm256_movemask_epi8(comma))} << (32 * i);
+        bits.breaks |= std::uint64_t{static_cast<std::uint32_t>(_mm256_movemask_epi8(lineBreak))} << (32 * i);
+        bits.values |= std::uint64_t{static_cast<std::uint32_t>(~_mm256_movemask_epi8(separator))} << (32 * i);
     }
-    bits.values = ~bits.values;
     return bits;
+}
+
+// Eight at once without looking how many there are, because a loop whose end cannot be foreseen costs more than that.
+__attribute__((target("avx2,bmi"))) inline void addToIndex(ValueIndex& index, std::uint64_t starts, std::uint64_t ends,
+                                                           std::uint32_t block)
+{
+    std::uint32_t* end = index.ends.data() + index.count;
+    std::uint32_t* length = index.lengths.data() + index.count;
+    index.count += static_cast<std::size_t>(std::popcount(ends));
+    do {
+        for (int i = 0; i < 8; ++i) {
+            const auto endBit = static_cast<std::uint32_t>(_tzcnt_u64(ends));
+            *end++ = block + endBit;
+            *length++ = endBit - static_cast<std::uint32_t>(_tzcnt_u64(starts));
+            starts = _blsr_u64(starts);
+            ends = _blsr_u64(ends);
+        }
+    } while (ends != 0);
+}
+
+// Finds values in whole blocks of `text` until `most` are found, or an empty value stands ahead, or a value that is longer
+// than a block, or the text ends. Returns how far it came.
+__attribute__((target("avx2,bmi"))) std::size_t findValues(std::string_view text, std::size_t most, bool& afterValue,
+                                                           ValueIndex& index)
+{
+    index.count = 0;
+    std::size_t at = 0;
+    while (text.size() - at >= kBlock && index.count < most) {
+        const BlockBits bits = classify(text.data() + at);
+        const std::uint64_t behindValue = bits.values << 1;
+        const std::uint64_t emptyAhead = bits.commas & ~behindValue;
+        const std::uint64_t plain = emptyAhead == 0 ? ~std::uint64_t{0} : (emptyAhead & (~emptyAhead + 1)) - 1;
+        const std::uint64_t starts = bits.values & ~behindValue & plain;
+        const std::uint64_t ends = ~bits.values & behindValue & plain;
+        addToIndex(index, starts, ends, static_cast<std::uint32_t>(at));
+
+        // Whichever comes last, the end of a value or a break, which may be at that end.
+        const std::uint64_t breaks = bits.breaks & plain;
+        if ((ends | breaks) != 0) {
+            afterValue = (ends & ~breaks) > breaks;
+        }
+        // A value that goes on behind the block is left to the next one, which begins with it.
+        const bool cut = emptyAhead == 0 && bits.values >> (kBlock - 1) != 0;
+        const int advance = cut ? 63 - std::countl_zero(starts) : std::countr_one(plain);
+        at += static_cast<std::size_t>(advance);
+        if (emptyAhead != 0 || advance == 0) {
+            break;
+        }
+    }
+    if (index.count >= most) {
+        index.count = most;
+        at = index.ends[most - 1];
+        afterValue = true;
+    }
+    return at;
 }
 
 // Slid along, these give masks of the last n bytes.
 alignas(16) constexpr auto kLastBytes = [] {
-    std::array<std::uint8_t, 32> mask{};
-    std::fill(mask.begin() + 16, mask.end(), std::uint8_t{0xFF});
+    std::array<std::uint8_t, 1 + 2 * kLane> mask{};
+    std::fill(mask.begin() + 1 + kLane, mask.end(), std::uint8_t{0xFF});
     return mask;
 }();
 
-// [i] masks the bytes up to the point at byte i; [16], no point, none.
-alignas(16) constexpr auto kUpToPoint = [] {
-    std::array<std::array<std::uint8_t, 16>, 17> masks{};
-    for (std::size_t i = 0; i < 16; ++i) {
-        std::fill_n(masks[i].begin(), i + 1, std::uint8_t{0xFF});
+// [i] moves the bytes before the point at byte i up by one, over it; [16] is for no point.
+alignas(16) constexpr auto kOverPoint = [] {
+    std::array<std::array<std::uint8_t, kLane>, kLane + 1> moves{};
+    for (std::size_t i = 0; i <= kLane; ++i) {
+        for (std::size_t k = 0; k < kLane; ++k) {
+            const bool moved = i < kLane && k <= i;
+            moves[i][k] = moved ? (k == 0 ? 0x80 : static_cast<std::uint8_t>(k - 1)) : static_cast<std::uint8_t>(k);
+        }
     }
-    return masks;
+    return moves;
 }();
 
 // [i] is what 16 digits with the point at byte i are to be divided by.
 constexpr auto kPointPowers = [] {
-    std::array<double, 17> powers{};
-    for (std::size_t i = 0; i < 16; ++i) {
-        powers[i] = kPowers[15 - i];
+    std::array<double, kLane + 1> powers{};
+    for (std::size_t i = 0; i < kLane; ++i) {
+        powers[i] = kPowers[kLane - 1 - i];
     }
-    powers[16] = 1;
+    powers[kLane] = 1;
     return powers;
 }();
 
-// 16 decimal digits, one a byte with the first digit first, as a number.
-inline std::uint64_t digitsToNumber(__m128i digits)
+__attribute__((target("avx2,bmi"))) inline __m256i loadPair(const void* low, const void* high)
 {
-    const __m128i tens = _mm_mullo_epi16(_mm_and_si128(digits, _mm_set1_epi16(0xFF)), _mm_set1_epi16(10));
-    const __m128i twos = _mm_add_epi16(tens, _mm_srli_epi16(digits, 8));
-    const __m128i fours = _mm_madd_epi16(twos, _mm_set1_epi32(1 << 16 | 100));
-    const __m128i eights = _mm_madd_epi16(_mm_packs_epi32(fours, fours), _mm_set1_epi32(1 << 16 | 10000));
-    const auto halves = static_cast<std::uint64_t>(_mm_cvtsi128_si64(eights));
-    return (halves & 0xFFFFFFFF) * 100000000 + (halves >> 32);
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(low))),
+                                   _mm_loadu_si128(static_cast<const __m128i*>(high)), 1);
 }
 
-// A plain decimal of at most 16 characters behind its sign. Looks at the 16 bytes before `end`. False for all else.
-inline bool parseShort(const char* first, const char* end, float& cell)
+// Two values at the ends of two lanes: digits without sign and point, and what has been found in their place.
+struct DigitPair {
+    __m256i digits;
+    __m256i minus;    // not 0 in the lane of a negative value
+    __m256i anyDigit; // 0 in a lane without a digit
+    std::size_t points[2];
+};
+
+__attribute__((target("avx2,bmi"))) inline DigitPair digitPair(const char* end0, std::size_t length0, const char* end1,
+                                                               std::size_t length1)
 {
-    const bool negative = *first == '-';
-    first += negative || *first == '+' ? 1 : 0;
-    const std::ptrdiff_t length = end - first;
-    if (length > kLane) {
+    const std::uint8_t* const mask0 = kLastBytes.data() + 1 + length0;
+    const std::uint8_t* const mask1 = kLastBytes.data() + 1 + length1;
+    const __m256i value = loadPair(mask0, mask1);
+    const __m256i behindFirst = loadPair(mask0 - 1, mask1 - 1);
+    const __m256i text =
+        _mm256_and_si256(_mm256_sub_epi8(loadPair(end0 - kLane, end1 - kLane), _mm256_set1_epi8('0')), value);
+
+    DigitPair pair;
+    pair.minus = _mm256_andnot_si256(behindFirst, _mm256_cmpeq_epi8(text, _mm256_set1_epi8('-' - '0')));
+    const __m256i point = _mm256_cmpeq_epi8(text, _mm256_set1_epi8('.' - '0'));
+    pair.anyDigit = _mm256_andnot_si256(_mm256_or_si256(pair.minus, point), value);
+    const auto points = static_cast<std::uint32_t>(_mm256_movemask_epi8(point));
+    pair.points[0] = _tzcnt_u32(points | 0x10000U);
+    pair.points[1] = _tzcnt_u32(points >> 16 | 0x10000U);
+    // A second point stays, and is no digit.
+    pair.digits = _mm256_shuffle_epi8(_mm256_andnot_si256(pair.minus, text),
+                                      loadPair(kOverPoint[pair.points[0]].data(), kOverPoint[pair.points[1]].data()));
+    return pair;
+}
+
+// The numbers of 16 digits each, in the order low of `a`, low of `b`, high of `a`, high of `b`.
+__attribute__((target("avx2,bmi"))) inline __m256d digitsToNumbers(__m256i a, __m256i b)
+{
+    const __m256i tens = _mm256_set1_epi16(1 << 8 | 10);
+    const __m256i hundreds = _mm256_set1_epi32(1 << 16 | 100);
+    const __m256i foursA = _mm256_madd_epi16(_mm256_maddubs_epi16(a, tens), hundreds);
+    const __m256i foursB = _mm256_madd_epi16(_mm256_maddubs_epi16(b, tens), hundreds);
+    const __m256i eights = _mm256_madd_epi16(_mm256_packus_epi32(foursA, foursB), _mm256_set1_epi32(1 << 16 | 10000));
+    // 32 bits under the exponent of 2^52 are a double already, but for the 2^52.
+    const __m256d big = _mm256_set1_pd(0x1p52);
+    const __m256i high = _mm256_blend_epi32(eights, _mm256_castpd_si256(big), 0xAA);
+    const __m256i low = _mm256_or_si256(_mm256_srli_epi64(eights, 32), _mm256_castpd_si256(big));
+    return _mm256_add_pd(_mm256_mul_pd(_mm256_sub_pd(_mm256_castsi256_pd(high), big), _mm256_set1_pd(1e8)),
+                         _mm256_sub_pd(_mm256_castsi256_pd(low), big));
+}
+
+// True for lanes of 64 bits that are not 0, of two vectors in the order of digitsToNumbers.
+__attribute__((target("avx2,bmi"))) inline __m256i isZero(__m256i a, __m256i b)
+{
+    return _mm256_cmpeq_epi64(_mm256_packs_epi16(a, b), _mm256_setzero_si256());
+}
+
+// Four plain decimals of at most 16 characters. Looks at the 16 bytes before each end. False when one is something else.
+__attribute__((target("avx2,bmi"))) inline bool convertFour(const char* text, const std::uint32_t* ends,
+                                                            const std::uint32_t* lengths, float* cells)
+{
+    if (std::max(std::max(lengths[0], lengths[1]), std::max(lengths[2], lengths[3])) > kLane) {
         return false;
     }
-    __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(end - kLane));
-    text = _mm_sub_epi8(text, _mm_set1_epi8('0'));
-    text = _mm_and_si128(text, _mm_loadu_si128(reinterpret_cast<const __m128i*>(kLastBytes.data() + length)));
+    const DigitPair a = digitPair(text + ends[0], lengths[0], text + ends[2], lengths[2]);
+    const DigitPair b = digitPair(text + ends[1], lengths[1], text + ends[3], lengths[3]);
 
-    // The bytes before the point move up by one, over it. A second point would be left and is no digit.
-    const __m128i points = _mm_cmpeq_epi8(text, _mm_set1_epi8('.' - '0'));
-    const auto point =
-        static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(_mm_movemask_epi8(points)) | 0x10000U));
-    const __m128i before = _mm_load_si128(reinterpret_cast<const __m128i*>(kUpToPoint[point].data()));
-    const __m128i digits = _mm_or_si128(_mm_and_si128(before, _mm_slli_si128(text, 1)), _mm_andnot_si128(before, text));
-    const __m128i overNine = _mm_subs_epu8(digits, _mm_set1_epi8(9));
-    const bool allDigits = _mm_movemask_epi8(_mm_cmpeq_epi8(overNine, _mm_setzero_si128())) == 0xFFFF;
-    const bool anyDigit = length > (point == 16 ? 0 : 1);
+    const __m256d power = _mm256_setr_pd(kPointPowers[a.points[0]], kPointPowers[b.points[0]],
+                                         kPointPowers[a.points[1]], kPointPowers[b.points[1]]);
+    const __m256d magnitude = _mm256_div_pd(digitsToNumbers(a.digits, b.digits), power);
+    const __m256d sign = _mm256_andnot_pd(_mm256_castsi256_pd(isZero(a.minus, b.minus)), _mm256_set1_pd(-0.0));
+    _mm_storeu_ps(cells, _mm256_cvtpd_ps(_mm256_or_pd(magnitude, sign)));
 
-    const double value = static_cast<double>(static_cast<std::int64_t>(digitsToNumber(digits))) / kPointPowers[point];
-    cell = withSign(static_cast<float>(value), negative);
-    return allDigits && anyDigit && roundsSafely(value);
+    const __m256i overNine = _mm256_or_si256(_mm256_subs_epu8(a.digits, _mm256_set1_epi8(9)),
+                                             _mm256_subs_epu8(b.digits, _mm256_set1_epi8(9)));
+    const __m256i distance = _mm256_and_si256(
+        _mm256_add_epi64(_mm256_castpd_si256(magnitude), _mm256_set1_epi64x(kRoundingMargin - kMidpoint)),
+        _mm256_set1_epi64x(kDroppedBits));
+    const __m256i unsafe = _mm256_cmpgt_epi64(_mm256_set1_epi64x(2 * kRoundingMargin + 1), distance);
+    const __m256i bad = _mm256_or_si256(_mm256_or_si256(overNine, unsafe), isZero(a.anyDigit, b.anyDigit));
+    return _mm256_testz_si256(bad, bad) != 0;
 }
 
-// Whole blocks, as long as they hold nothing but values and their separators. Stops before an empty value, a value
-// longer than a block, and where less than a block is left. False when a value is no number.
-bool parseBlocks(AscRowState& state, Cursor& text, const char* windowStart, std::span<float> row)
+// Values `first` to `first + count` of the index, at most four, into cells. False when one is no number.
+__attribute__((target("avx2,bmi"))) inline bool convertSome(const char* text, const ValueIndex& index,
+                                                            std::size_t first, std::size_t count, float* cells)
 {
-    while (text.end - text.at >= kBlock) {
-        const BlockBits bits = classify(text.at);
-        const std::uint64_t behindValue = bits.values << 1;
-        const std::uint64_t emptyAhead = bits.commas & ~behindValue;
-        const std::uint64_t plain = emptyAhead == 0 ? ~std::uint64_t{0} : (emptyAhead & (~emptyAhead + 1)) - 1;
-        std::uint64_t starts = bits.values & ~behindValue;
-        std::uint64_t ends = ~bits.values & behindValue & plain;
-
-        int lastEnd = 0;
-        while (ends != 0) {
-            const char* const first = text.at + std::countr_zero(starts);
-            lastEnd = std::countr_zero(ends);
-            const char* const end = text.at + lastEnd;
-            float& cell = row[state.filled];
-            if (end - windowStart < kLane || !parseShort(first, end, cell)) {
-                if (!parseCell({first, end}, cell)) {
-                    return false;
-                }
-            }
-            state.afterValue = true;
-            if (++state.filled == row.size()) {
-                text.at = end;
-                return true;
-            }
-            starts &= starts - 1;
-            ends &= ends - 1;
-        }
-
-        const std::uint64_t passed = (starts & plain) != 0 ? (starts & (~starts + 1)) - 1 : plain;
-        if ((bits.breaks & passed) >> lastEnd != 0) {
-            state.afterValue = false;
-        }
-        const int advance = std::countr_one(passed);
-        text.at += advance;
-        if (emptyAhead != 0 || advance == 0) {
-            return true;
+    if (convertFour(text, index.ends.data() + first, index.lengths.data() + first, cells)) {
+        return true;
+    }
+    for (std::size_t i = first; i < first + count; ++i) {
+        if (!parseCell({text + index.ends[i] - index.lengths[i], index.lengths[i]}, cells[i - first])) {
+            return false;
         }
     }
     return true;
+}
+
+// The indexed values of `text` into as many cells. False when one is no number.
+__attribute__((target("avx2,bmi"))) bool convertValues(const char* text, ValueIndex& index, std::span<float> cells)
+{
+    std::size_t i = 0;
+    for (; i + 4 <= index.count; i += 4) {
+        if (!convertSome(text, index, i, 4, cells.data() + i)) {
+            return false;
+        }
+    }
+    if (i == index.count) {
+        return true;
+    }
+    // The last four are filled up with the last value.
+    const std::size_t count = index.count - i;
+    std::fill_n(index.ends.begin() + static_cast<std::ptrdiff_t>(index.count), 3, index.ends[index.count - 1]);
+    std::fill_n(index.lengths.begin() + static_cast<std::ptrdiff_t>(index.count), 3, index.lengths[index.count - 1]);
+    std::array<float, 4> four;
+    const bool good = convertSome(text, index, i, count, four.data());
+    std::copy_n(four.begin(), count, cells.begin() + static_cast<std::ptrdiff_t>(i));
+    return good;
+}
+
+// Values out of whole blocks, as far as there is nothing but values and their separators. False when one is no number.
+__attribute__((target("avx2,bmi"))) bool parseBlocks(AscRowState& state, Cursor& text, const char* windowStart,
+                                                     std::span<float> row)
+{
+    ValueIndex index;
+    while (static_cast<std::size_t>(text.end - text.at) >= kBlock && state.filled < row.size()) {
+        // At the head of a window the lanes would reach before it, so the first block is copied.
+        std::array<char, kLane + kBlock> head;
+        std::string_view piece(text.at, static_cast<std::size_t>(text.end - text.at));
+        if (text.at - windowStart < static_cast<std::ptrdiff_t>(kLane)) {
+            std::memcpy(head.data() + kLane, text.at, kBlock);
+            piece = {head.data() + kLane, kBlock};
+        }
+        const std::size_t most = std::min(row.size() - state.filled, kBatch);
+        const std::size_t advance = findValues(piece, most, state.afterValue, index);
+        if (index.count > 0 && !convertValues(piece.data(), index, row.subspan(state.filled, index.count))) {
+            return false;
+        }
+        state.filled += index.count;
+        text.at += advance;
+        if (advance == 0) {
+            break;
+        }
+    }
+    return true;
+}
+
+bool hasBlocks()
+{
+    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi");
 }
 
 #else
@@ -299,6 +433,11 @@ bool parseBlocks(AscRowState& state, Cursor& text, const char* windowStart, std:
 bool parseBlocks(AscRowState&, Cursor&, const char*, std::span<float>)
 {
     return true;
+}
+
+bool hasBlocks()
+{
+    return false;
 }
 
 #endif
@@ -309,9 +448,10 @@ AscRow parseAscRow(AscRowState& state, std::string_view window, bool lastWindow,
                    std::span<float> row)
 {
     Cursor text{window.data(), window.data() + window.size(), lastWindow};
+    const bool blocks = hasBlocks();
     consumed = 0;
     while (state.filled < row.size()) {
-        if (!parseBlocks(state, text, window.data(), row)) {
+        if (blocks && !parseBlocks(state, text, window.data(), row)) {
             return AscRow::failure;
         }
         if (state.filled == row.size()) {
