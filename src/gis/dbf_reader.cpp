@@ -1,0 +1,180 @@
+#include "gis/dbf_reader.h"
+
+#include "base/text.h"
+#include "gis/byte_order.h"
+#include "gis/gis_messages.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::size_t kHeaderBytes = 32;
+constexpr std::size_t kRestOfName = 10;
+constexpr std::size_t kRestOfField = 15; // the decimals are among them, and are of no use to a reader of text
+constexpr unsigned char kEndOfFields = 13;
+constexpr unsigned char kEndOfTable = 26;
+
+void need(const DbfTable& dbf, std::span<std::byte> bytes, std::string_view refused, std::string_view ended)
+{
+    if (!readBytes(dbf.dbfUnit, bytes)) {
+        gisFail(readFailed(dbf.dbfUnit) ? refused : ended);
+    }
+}
+
+void needHeader(const DbfTable& dbf, std::span<std::byte> bytes)
+{
+    need(dbf, bytes, "ERROR 0403 - Reading .dbf file header.",
+         "ERROR 0404 - End of .dbf file encountered whilst reading header.");
+}
+
+[[noreturn]] void failRecord(const DbfTable& dbf)
+{
+    gisFail(readFailed(dbf.dbfUnit) ? "ERROR 0407 - Reading .dbf record."
+                                    : "ERROR 0408 - End of .dbf file encountered whilst reading record.");
+}
+
+// --- Header ----------------------------------------------------------------------------------------------------------
+
+void readField(DbfTable& dbf, std::byte first)
+{
+    std::array<std::byte, 1 + kRestOfName> name = {first};
+    needHeader(dbf, std::span(name).subspan(1));
+    if (dbf.nFields >= kMaxDbfFields) {
+        gisFail("ERROR 0401 - Exceeded maximum number of dbf Fields.");
+    }
+    const auto field = static_cast<std::size_t>(dbf.nFields);
+    ++dbf.nFields;
+    dbf.fieldName[field] =
+        cut(CLEANATTRIBUTENAME({reinterpret_cast<const char*>(name.data()), name.size()}), kDbfNameWidth);
+
+    std::array<std::byte, 6> typeAndLength; // with an address of no use in between
+    needHeader(dbf, typeAndLength);
+    dbf.fieldType[field] = static_cast<char>(typeAndLength[0]);
+    const auto length = std::to_integer<std::int32_t>(typeAndLength[5]);
+    if (length < 1) {
+        gisFail(join("ERROR 0402 - dbf field length of ", length, " is outside allowable range of 1 to 255."));
+    }
+    dbf.fieldLength[field] = length;
+    dbf.recordLength += length;
+
+    std::array<std::byte, kRestOfField> rest;
+    needHeader(dbf, rest);
+}
+
+void tellFields(const DbfTable& dbf)
+{
+    std::string line = join(dbf.nFields, " DBF Fields (Name [#/Type/Length]): ");
+    for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
+        line += join(dbf.fieldName[i], " [", i + 1, "/", dbf.fieldType[i], "/", dbf.fieldLength[i], "]  ");
+    }
+    gisSay(line);
+}
+
+// --- Records ---------------------------------------------------------------------------------------------------------
+
+// The next `count` bytes, which stay readable up to the next read. A record is far shorter than the unit reads ahead.
+std::string_view needRecordBytes(const DbfTable& dbf, std::size_t count)
+{
+    std::string_view bytes = readyBytes(dbf.dbfUnit);
+    while (bytes.size() < count) {
+        const std::size_t before = bytes.size();
+        bytes = moreBytes(dbf.dbfUnit);
+        if (bytes.size() == before) {
+            failRecord(dbf);
+        }
+    }
+    takeBytes(dbf.dbfUnit, count);
+    return bytes.substr(0, count);
+}
+
+void append(std::string& line, std::string_view part, std::size_t width)
+{
+    line += part.substr(0, width - line.size());
+    if (line.size() == width) {
+        line.resize(trimRight(line).size());
+    }
+}
+
+void readValues(DbfTable& dbf, std::string& line, std::size_t width)
+{
+    ++dbf.currentRecord;
+    std::string_view record = needRecordBytes(dbf, static_cast<std::size_t>(dbf.recordLength));
+    for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
+        const auto length = static_cast<std::size_t>(dbf.fieldLength[i]);
+        const std::string_view value = record.substr(0, length);
+        record.remove_prefix(length);
+        if (dbf.fieldType[i] == 'C' || dbf.fieldType[i] == 'c') {
+            append(line, "\"", width);
+            append(line, trimRight(value), width);
+            append(line, "\"", width);
+        } else {
+            // A number that did not fit its field stands there as asterisks.
+            append(line, value.front() == '*' ? "0" : trimRight(value), width);
+        }
+        if (i + 1 < static_cast<std::size_t>(dbf.nFields)) {
+            append(line, ",", width);
+        }
+    }
+}
+
+void endTable(const DbfTable& dbf)
+{
+    if (dbf.currentRecord != dbf.nRecords) {
+        gisWarn("WARNING 0405 - Insufficient number of records found in .dbf file.",
+                join("               Found ", dbf.currentRecord, ", expecting ", dbf.nRecords, "."));
+    }
+}
+
+} // namespace
+
+void dbfReadHeader(DbfTable& dbf)
+{
+    seekTo(dbf.dbfUnit, 0);
+    std::array<std::byte, kHeaderBytes> head;
+    needHeader(dbf, head);
+    dbf.nRecords = fromBytes<std::int32_t>(&head[4]);
+    gisSay(join("DBF file contains ", dbf.nRecords, " records."));
+    dbf.nFields = 0;
+    dbf.recordLength = 0;
+    for (;;) {
+        std::array<std::byte, 1> first;
+        needHeader(dbf, first);
+        if (std::to_integer<unsigned char>(first[0]) == kEndOfFields) {
+            break;
+        }
+        readField(dbf, first[0]);
+    }
+    if (dbf.nFields == 0) {
+        gisFail("ERROR 0319 - No attributes specified in .dbf file.");
+    }
+    tellFields(dbf);
+}
+
+void dbfReadRecord(DbfTable& dbf, bool& endOfData, std::string& line, std::size_t width)
+{
+    line.clear();
+    endOfData = false;
+    for (;;) {
+        const char mark = needRecordBytes(dbf, 1).front();
+        const auto code = static_cast<unsigned char>(mark);
+        if (mark == '*') { // a deleted record
+            needRecordBytes(dbf, static_cast<std::size_t>(dbf.recordLength));
+        } else if (mark == '\0' || mark == ' ') {
+            readValues(dbf, line, width);
+            return;
+        } else if (code == kEndOfTable) {
+            endTable(dbf);
+            endOfData = true;
+            return;
+        } else {
+            gisFail("ERROR 0406 - Unrecognised record identifier found in .dbf file.",
+                    join("Character = ", mark, " [", std::int32_t{code}, "]"), join("Data line thus far = ", line));
+        }
+    }
+}
+
+} // namespace gridforge

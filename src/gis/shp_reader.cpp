@@ -1,0 +1,337 @@
+#include "gis/shp_reader.h"
+
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "base/product.h"
+#include "base/text.h"
+#include "gis/byte_order.h"
+#include "gis/dbf_reader.h"
+#include "gis/gis_messages.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::size_t kHeaderBytes = 100;
+constexpr std::size_t kBoxBytes = 32;
+constexpr std::size_t kVertexBytes = 16;
+constexpr std::size_t kVerticesAtOnce = 512;
+constexpr int kMessageColumns = 8;
+
+constexpr std::int32_t kNull = 0;
+constexpr std::int32_t kPoint = 1;
+constexpr std::int32_t kPolyline = 3;
+constexpr std::int32_t kPolygon = 5;
+constexpr std::int32_t kMultiPoint = 8;
+
+std::string_view shapeName(std::int32_t type)
+{
+    switch (type) {
+    case 0: return "Null Shape";
+    case 1: return "Point";
+    case 3: return "Polyline";
+    case 5: return "Polygon";
+    case 8: return "MultiPoint";
+    case 11: return "PointZ";
+    case 13: return "PolyLineZ";
+    case 15: return "PolygonZ";
+    case 18: return "MultiPointZ";
+    case 21: return "PointM";
+    case 23: return "PolyLineM";
+    case 25: return "PolygonM";
+    case 28: return "MultiPointM";
+    case 31: return "MultiPatch";
+    default: return "Unknown";
+    }
+}
+
+// The two messages of a read that fails: the system refused it, or the file ended.
+struct ReadMessages {
+    std::string_view refused;
+    std::string_view ended;
+};
+constexpr ReadMessages kHeaderMessages = {"ERROR 0427 - Reading .shp file header.",
+                                          "ERROR 0428 - End of .shp file encountered whilst reading header."};
+constexpr ReadMessages kTypeMessages = {"ERROR 0424 - Reading .shp file object type.",
+                                        "ERROR 0425 - End of .shp file encountered whilst reading object type."};
+constexpr ReadMessages kCoordinateMessages = {
+    "ERROR 0429 - Reading .shp file object coordinates.",
+    "ERROR 0430 - End of .shp file encountered whilst reading object coordinates."};
+
+void need(Unit unit, std::span<std::byte> bytes, const ReadMessages& messages)
+{
+    if (!readBytes(unit, bytes)) {
+        gisFail(readFailed(unit) ? messages.refused : messages.ended);
+    }
+}
+
+std::int32_t needInteger(Unit unit, const ReadMessages& messages)
+{
+    std::array<std::byte, sizeof(std::int32_t)> bytes;
+    need(unit, bytes, messages);
+    return fromBytes<std::int32_t>(bytes.data());
+}
+
+void needBox(Unit unit, const ReadMessages& messages)
+{
+    std::array<std::byte, kBoxBytes> bytes;
+    need(unit, bytes, messages);
+}
+
+// The next `count` integers into the start of `ir`, which has the room.
+void needParts(Unit unit, std::int32_t count, std::vector<std::int32_t>& ir, const ReadMessages& messages)
+{
+    for (std::int32_t k = 0; k < count; ++k) {
+        ir[static_cast<std::size_t>(k)] = needInteger(unit, messages);
+    }
+}
+
+void roomForParts(GisO& gisO, std::int32_t count)
+{
+    gisO.ir.resize(std::max(gisO.ir.size(), static_cast<std::size_t>(count)));
+}
+
+void requireNotNegative(const ShpFile& shp, std::string_view what, std::int32_t count)
+{
+    if (count < 0) {
+        fail("ERROR - Number of ", what, " is below 0 in .shp file: ", unitName(shp.shpUnit), "  Number: ", count);
+    }
+}
+
+// The part from start to end of an object's points.
+void requirePart(const ShpFile& shp, std::int64_t start, std::int64_t end, std::int64_t points)
+{
+    if (start < 0 || end < start || end > points) {
+        fail("ERROR - Parts of an object do not rise within its points in .shp file: ", unitName(shp.shpUnit),
+             "  Points: ", points);
+    }
+}
+
+void requireRoom(std::int64_t np, std::int32_t maxVertices)
+{
+    if (np > maxVertices) {
+        gisFail("ERROR 0310 - Exceeded number of allowable nodes in a single .shp polyline or region.",
+                join("             Requested", integerField(np, kMessageColumns), "        Limit",
+                     integerField(maxVertices, kMessageColumns)));
+    }
+}
+
+// --- Vertices --------------------------------------------------------------------------------------------------------
+
+// Reads `count` vertices piece by piece and tells `take` each one's number from 0, x and y.
+template <typename Take>
+void needVertices(Unit unit, std::int64_t count, const Take& take)
+{
+    std::array<std::byte, kVerticesAtOnce * kVertexBytes> bytes;
+    for (std::int64_t done = 0; done < count;) {
+        const std::int64_t now = std::min(count - done, static_cast<std::int64_t>(kVerticesAtOnce));
+        const auto piece = std::span(bytes).first(static_cast<std::size_t>(now) * kVertexBytes);
+        need(unit, piece, kCoordinateMessages);
+        for (std::int64_t i = 0; i < now; ++i) {
+            const std::byte* const at = piece.data() + static_cast<std::size_t>(i) * kVertexBytes;
+            take(static_cast<std::size_t>(done + i), fromBytes<double>(at), fromBytes<double>(at + sizeof(double)));
+        }
+        done += now;
+    }
+}
+
+void readVertices(Unit unit, std::size_t offset, std::int64_t count, GisCoordinates& c)
+{
+    needVertices(unit, count, [&](std::size_t i, double x, double y) {
+        c.x[offset + i] = x;
+        c.y[offset + i] = y;
+    });
+}
+
+void dropVertices(Unit unit, std::int64_t count)
+{
+    needVertices(unit, count, [](std::size_t, double, double) {});
+}
+
+void readPoint(Unit unit, GisCoordinates& c)
+{
+    c.np = 1;
+    c.reserve(1);
+    readVertices(unit, 0, 1, c);
+}
+
+void readPart(ShpFile& shp, GisO& gisO, GisCoordinates& c, std::int32_t maxVertices, bool readCoordinates)
+{
+    if (gisO.nr >= gisO.nSections) {
+        fail("ERROR - More parts read than a polyline has in .shp file: ", unitName(shp.shpUnit),
+             "  Parts: ", gisO.nSections);
+    }
+    const auto part = static_cast<std::size_t>(gisO.nr);
+    ++gisO.nr;
+    requirePart(shp, gisO.ir[part], gisO.ir[part + 1], gisO.ir[static_cast<std::size_t>(gisO.nSections)]);
+    c.np = gisO.ir[part + 1] - gisO.ir[part];
+    if (!readCoordinates) {
+        dropVertices(shp.shpUnit, c.np);
+        return;
+    }
+    requireRoom(c.np, maxVertices);
+    c.reserve(c.np);
+    readVertices(shp.shpUnit, 0, c.np, c);
+}
+
+// Turns the part starts of the file into ring ends, with the slot behind each ring that repeats its second vertex. A ring
+// of fewer than two vertices has none, and its slot stays as it was.
+void readRings(const ShpFile& shp, GisO& gisO, std::int32_t points, GisCoordinates& c)
+{
+    const auto rings = static_cast<std::size_t>(gisO.nr);
+    gisO.ir[rings] = points;
+    for (std::size_t k = 0; k < rings; ++k) {
+        requirePart(shp, gisO.ir[k], gisO.ir[k + 1], points);
+    }
+    c.reserve(gisO.nr + points + 1);
+    c.np = 0;
+    for (std::size_t k = 0; k < rings; ++k) {
+        const std::int32_t count = gisO.ir[k + 1] - gisO.ir[k];
+        const auto offset = static_cast<std::size_t>(c.np);
+        readVertices(shp.shpUnit, offset, count, c);
+        c.np += count + 1;
+        const auto slot = static_cast<std::size_t>(c.np - 1);
+        c.x[slot] = c.x[offset + 1];
+        c.y[slot] = c.y[offset + 1];
+        gisO.ir[k] = c.np - 1;
+    }
+}
+
+void readRegion(const ShpFile& shp, GisO& gisO, GisCoordinates& c, std::int32_t maxVertices, bool readCoordinates)
+{
+    c.np = needInteger(shp.shpUnit, kCoordinateMessages);
+    requireNotNegative(shp, "points of a region", c.np);
+    roomForParts(gisO, gisO.nr + 1);
+    needParts(shp.shpUnit, gisO.nr, gisO.ir, kCoordinateMessages);
+    if (!readCoordinates) {
+        dropVertices(shp.shpUnit, c.np);
+        return;
+    }
+    requireRoom(std::int64_t{gisO.nr} + c.np, maxVertices);
+    readRings(shp, gisO, c.np, c);
+}
+
+// --- Heads of records ------------------------------------------------------------------------------------------------
+
+void readPolylineHead(const ShpFile& shp, GisO& gisO)
+{
+    needBox(shp.shpUnit, kTypeMessages);
+    gisO.nSections = needInteger(shp.shpUnit, kTypeMessages);
+    gisO.pline = gisO.nSections == 1;
+    gisO.plineMultiple = gisO.nSections > 1;
+    if (gisO.nSections >= kMaxParts) {
+        gisFail("ERROR 0421 - Exceeded maximum number of parts in a .shp polyline.  Limit is 10000");
+    }
+    requireNotNegative(shp, "parts of a polyline", gisO.nSections);
+    const std::int32_t points = needInteger(shp.shpUnit, kTypeMessages);
+    roomForParts(gisO, gisO.nSections + 1);
+    needParts(shp.shpUnit, gisO.nSections, gisO.ir, kTypeMessages);
+    gisO.ir[static_cast<std::size_t>(gisO.nSections)] = points;
+}
+
+void readPolygonHead(const ShpFile& shp, GisO& gisO)
+{
+    gisO.region = true;
+    needBox(shp.shpUnit, kTypeMessages);
+    gisO.nr = needInteger(shp.shpUnit, kTypeMessages);
+    if (gisO.nr >= kMaxParts) {
+        gisFail("ERROR 0422 - Exceeded maximum number of regions within a .shp region.  Limit is 10000");
+    }
+    requireNotNegative(shp, "rings of a region", gisO.nr);
+}
+
+} // namespace
+
+// --- Headers ---------------------------------------------------------------------------------------------------------
+
+ShpFileHeader shpReadFileHeader(Unit unit)
+{
+    std::array<std::byte, kHeaderBytes> bytes;
+    seekTo(unit, 0);
+    need(unit, bytes, kHeaderMessages);
+    const auto word = [&](std::size_t at) { return fromBytes<std::int32_t>(&bytes[at]); };
+    const auto real = [&](std::size_t at) { return fromBytes<double>(&bytes[at]); };
+    ShpFileHeader header;
+    header.code = fromBytes<std::int32_t, std::endian::big>(bytes.data());
+    header.length = fromBytes<std::int32_t, std::endian::big>(&bytes[24]);
+    header.version = word(28);
+    header.type = word(32);
+    header.xmin = real(36);
+    header.ymin = real(44);
+    header.xmax = real(52);
+    header.ymax = real(60);
+    return header;
+}
+
+void shpReadHeader(Layer& layer)
+{
+    ShpFile& shp = layer.shpFiles[0];
+    DbfTable& dbf = layer.dbfTable[0];
+    if (shp.shpUnitBE > 0) {
+        const ShpFileHeader header = shpReadFileHeader(shp.shpUnitBE);
+        shp.fileCode = header.code;
+        shp.fileLength = header.length;
+        gisSay(join("Shapefile Code: ", shp.fileCode, "  Length: ", shp.fileLength));
+    }
+    if (shp.shpUnit > 0) {
+        const ShpFileHeader header = shpReadFileHeader(shp.shpUnit);
+        shp.version = header.version;
+        shp.shapeType = header.type;
+        shp.xmin = header.xmin;
+        shp.ymin = header.ymin;
+        shp.xmax = header.xmax;
+        shp.ymax = header.ymax;
+        gisSay(join("Shapefile Version: ", shp.version, "  Type: ", shp.shapeType));
+    }
+    CLOSER(shp.shpUnitBE);
+    dbfReadHeader(dbf);
+    dbf.currentRecord = 0;
+}
+
+// --- Objects ---------------------------------------------------------------------------------------------------------
+
+bool shpObjectType(ShpFile& shp, GisO& gisO)
+{
+    std::array<std::byte, 2 * sizeof(std::int32_t)> head; // record number and length, of no use to a reader in order
+    need(shp.shpUnit, head, kTypeMessages);
+    shp.recordShapeType = needInteger(shp.shpUnit, kTypeMessages);
+    gisO.nr = 0;
+    switch (shp.recordShapeType) {
+    case kNull: gisO.none = true; break;
+    case kPoint: gisO.point = true; break;
+    case kPolyline: readPolylineHead(shp, gisO); break;
+    case kPolygon: readPolygonHead(shp, gisO); break;
+    case kMultiPoint:
+        gisO.multipoint = true;
+        needBox(shp.shpUnit, kTypeMessages);
+        gisO.nSections = needInteger(shp.shpUnit, kTypeMessages);
+        break;
+    default:
+        gisFail(join("ERROR 0423 - Unsupported .shp object type ", shapeName(shp.recordShapeType), " [",
+                     shp.recordShapeType, "]"));
+    }
+    gisO.name = shapeName(shp.recordShapeType);
+    return true;
+}
+
+bool shpReadObject(ShpFile& shp, GisO& gisO, GisCoordinates& coordinates, std::int32_t maxVertices,
+                   bool readCoordinates)
+{
+    gisO.haveCoordinates = false;
+    switch (shp.recordShapeType) {
+    case kNull: break;
+    case kPoint:
+    case kMultiPoint: readPoint(shp.shpUnit, coordinates); break; // further points stay unread, as they always have
+    case kPolyline: readPart(shp, gisO, coordinates, maxVertices, readCoordinates); break;
+    case kPolygon: readRegion(shp, gisO, coordinates, maxVertices, readCoordinates); break;
+    default: gisFail(join("Should not be here [shpReadObject].  Please contact ", kSupportContact, "."));
+    }
+    gisO.haveCoordinates = true;
+    return true;
+}
+
+} // namespace gridforge

@@ -1,0 +1,377 @@
+#include "gis/shp_writer.h"
+
+#include "gis/dbf_writer.h"
+#include "gis/layers.h"
+#include "support/child_run.h"
+#include "support/shp_bytes.h"
+
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <sys/resource.h>
+
+namespace gridforge::test {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::SizeIs;
+
+constexpr double kMost = std::numeric_limits<double>::max();
+
+struct Vertex {
+    double x;
+    double y;
+};
+
+void setVertices(const std::vector<Vertex>& vertices)
+{
+    gisOutputCoordinates().clear();
+    for (const Vertex& v : vertices) {
+        gisOutputCoordinates().add(v.x, v.y);
+    }
+}
+
+// An object of one kind and its record; the parts are their first vertices.
+void write(std::int32_t id, bool GisO::*kind, const std::vector<Vertex>& vertices,
+           std::vector<std::int32_t> parts = {1}, const char* record = "a,1")
+{
+    GisO gisO;
+    gisO.*kind = true;
+    gisO.nr = static_cast<std::int32_t>(parts.size());
+    gisO.ir = std::move(parts);
+    setVertices(vertices);
+    gisWriteObject(id, gisO);
+    gisDataLine() = record;
+    gisWriteRecord(id, gisO);
+}
+
+std::int32_t open(const char* name, const char* letters)
+{
+    gisInitialise(-1, "", "", "");
+    gisPrjLine() = "PROJCS[\"p\"]";
+    gisOutputAttributes().clear();
+    gisOutputAttributes().add("Name", "Char", 3);
+    gisOutputAttributes().add("N", "Integer");
+    const std::int32_t id = gisOpenLayer(name, letters, "O ");
+    gisWriteHeader(id);
+    return id;
+}
+
+// Writes a layer of the letters by `body`; the console of it.
+std::string writeLayer(
+    const ScratchFolder& folder, const char* letters,
+    const std::function<void(std::int32_t)>& body = [](std::int32_t) {})
+{
+    const ChildRun run = runInChild(folder, [&] {
+        std::int32_t id = open("l.shp", letters);
+        body(id);
+        gisCloseLayer(id);
+    });
+    EXPECT_EQ(run.errors, "");
+    return run.console;
+}
+
+// The header of a .shp or .shx of this size, by its words and box.
+std::string header(std::size_t bytes, std::int32_t type, const std::vector<double>& box)
+{
+    return big(9994) + std::string(20, '\0') + big(static_cast<std::int32_t>(bytes / 2)) + little(1000) + little(type) +
+           reals(box) + std::string(32, '\0');
+}
+
+TEST(ShpWriter, PointsHaveTheirBytes)
+{
+    const ScratchFolder folder;
+    writeLayer(folder, "P", [](std::int32_t id) {
+        write(id, &GisO::point, {{1.5, -2}});
+        write(id, &GisO::text, {{3, 4}});
+        write(id, &GisO::multipoint, {{0, 9}, {5, 1}});
+    });
+    const std::string first = big(1) + big(10) + little(1) + reals({1.5, -2});
+    const std::string second = big(2) + big(10) + little(1) + reals({3, 4});
+    const std::string third = big(3) + big(36) + little(8) + reals({0, 1, 5, 9}) + little(2) + reals({0, 9, 5, 1});
+    const std::string body = first + second + third;
+    EXPECT_EQ(folder.read("l_P.shp"), header(100 + body.size(), 1, {0, -2, 5, 9}) + body);
+    EXPECT_EQ(folder.read("l_P.shx"),
+              header(124, 1, {0, -2, 5, 9}) + big(50) + big(10) + big(64) + big(10) + big(78) + big(36));
+    EXPECT_EQ(folder.read("l_P.prj"), "PROJCS[\"p\"]\r\n");
+}
+
+TEST(ShpWriter, LinesHaveTheirBytes)
+{
+    const ScratchFolder folder;
+    writeLayer(folder, "L", [](std::int32_t id) {
+        write(id, &GisO::line, {{1, 2}, {3, 1}});
+        write(id, &GisO::plineMultiple, {{1, 2}, {3, 4}, {6, 6}, {7, 9}, {8, 8}}, {1, 3});
+    });
+    const std::string first = big(1) + big(2 + 22 + 16) + little(3) + reals({1, 1, 3, 2}) + little(1) + little(2) +
+                              little(0) + reals({1, 2, 3, 1});
+    const std::string second = big(2) + big(4 + 22 + 40) + little(3) + reals({1, 2, 8, 9}) + little(2) + little(5) +
+                               little(0) + little(2) + reals({1, 2, 3, 4, 6, 6, 7, 9, 8, 8});
+    EXPECT_EQ(folder.read("l_L.shp"), header(100 + first.size() + second.size(), 3, {1, 1, 8, 9}) + first + second);
+    EXPECT_EQ(folder.read("l_L.shx"), header(116, 3, {1, 1, 8, 9}) + big(50) + big(40) + big(94) + big(66));
+}
+
+TEST(ShpWriter, RegionsHaveTheirBytes)
+{
+    const ScratchFolder folder;
+    writeLayer(folder, "R", [](std::int32_t id) {
+        write(id, &GisO::region, {{0, 0}, {9, 0}, {9, 9}, {0, 0}, {5, 1}, {6, 1}, {6, 2}, {5, 1}}, {1, 5});
+    });
+    const std::string body = big(1) + big(4 + 22 + 64) + little(5) + reals({0, 0, 9, 9}) + little(2) + little(8) +
+                             little(0) + little(4) + reals({0, 0, 9, 0, 9, 9, 0, 0, 5, 1, 6, 1, 6, 2, 5, 1});
+    EXPECT_EQ(folder.read("l_R.shp"), header(100 + body.size(), 5, {0, 0, 9, 9}) + body);
+}
+
+TEST(ShpWriter, AnObjectWithoutShapeGoesToEveryOpenSet)
+{
+    const ScratchFolder folder;
+    writeLayer(folder, "PR", [](std::int32_t id) { write(id, &GisO::none, {}); });
+    const std::string body = big(1) + big(2) + little(0);
+    const std::vector<double> noBox = {9.000000135427196e+29, 9.000000135427196e+29, -9.000000135427196e+29,
+                                       -9.000000135427196e+29};
+    EXPECT_EQ(folder.read("l_P.shp"), header(112, 1, noBox) + body);
+    EXPECT_EQ(folder.read("l_R.shp"), header(112, 5, noBox) + body);
+    EXPECT_EQ(folder.read("l_P.shx"), header(108, 1, noBox) + big(50) + big(2));
+    EXPECT_FALSE(folder.has("l_L.shp"));
+    EXPECT_EQ(folder.read("l_R.dbf").substr(4, 4), little(1));
+}
+
+TEST(ShpWriter, ABoxWithoutVerticesIsLeftAsItStarts)
+{
+    const ScratchFolder folder;
+    writeLayer(folder, "L", [](std::int32_t id) { write(id, &GisO::pline, {}); });
+    EXPECT_EQ(
+        folder.read("l_L.shp"),
+        header(156, 3, {9.000000135427196e+29, 9.000000135427196e+29, -9.000000135427196e+29, -9.000000135427196e+29}) +
+            big(1) + big(24) + little(3) + reals({kMost, kMost, -kMost, -kMost}) + little(1) + little(0) + little(0));
+}
+
+TEST(ShpWriter, ALayerWithoutObjectsKeepsItsFirstHeaders)
+{
+    const ScratchFolder folder;
+    const std::string console = writeLayer(folder, "PL");
+    for (const char* name : {"l_P", "l_L"}) {
+        const std::int32_t type = name[2] == 'P' ? 1 : 3;
+        EXPECT_EQ(folder.read(std::string(name) + ".shp"), header(100, type, {0, 0, -1, -1}));
+        EXPECT_EQ(folder.read(std::string(name) + ".shx"), header(100, type, {0, 0, -1, -1}));
+        EXPECT_EQ(folder.read(std::string(name) + ".dbf").substr(4, 4), little(0));
+    }
+}
+
+TEST(ShpWriter, EndsItsFilesWhereItsDataEnd)
+{
+    const ScratchFolder folder;
+    for (const char* name : {"l_P.shp", "l_P.shx", "l_P.dbf", "l_P.prj"}) {
+        folder.give(name, std::string(5000, 'x'));
+    }
+    writeLayer(folder, "P", [](std::int32_t id) { write(id, &GisO::point, {{1, 2}}); });
+    EXPECT_THAT(folder.read("l_P.shp"), SizeIs(128));
+    EXPECT_THAT(folder.read("l_P.shx"), SizeIs(108));
+    EXPECT_THAT(folder.read("l_P.dbf"), SizeIs(32 + 2 * 32 + 1 + 12 + 1));
+    writeLayer(folder, "P");
+    EXPECT_THAT(folder.read("l_P.shp"), SizeIs(100));
+    EXPECT_THAT(folder.read("l_P.shx"), SizeIs(100));
+}
+
+TEST(ShpWriter, ClosesTheTableFirst)
+{
+    const ScratchFolder folder;
+    const std::string console = writeLayer(folder, "P", [](std::int32_t id) { write(id, &GisO::point, {{1, 2}}); });
+    EXPECT_EQ(console, "Opening GIS Layer: l.shp\n"
+                       "GIS Layer assigned ID of 1\n"
+                       "Trying to open file l_P.shp...OK.  File Unit:1001\n"
+                       "Trying to open file l_P.shp...OK.  File Unit:1002\n"
+                       "Trying to open file l_P.shx...OK.  File Unit:1003\n"
+                       "Trying to open file l_P.shx...OK.  File Unit:1004\n"
+                       "Trying to open file l_P.prj...OK.  File Unit:1005\n"
+                       "Trying to open file l_P.dbf...OK.  File Unit:1006\n"
+                       "...Closed File Unit:1005\n"
+                       "...Closed File Unit:1003\n"
+                       "Closing GIS Layer 1 [l.shp]...\n"
+                       "...Closed File Unit:1006\n"
+                       "...Closed File Unit:1001\n"
+                       "...Closed File Unit:1002\n"
+                       "...Closed File Unit:1004\n");
+    // Without objects all but the table are left to the layer's close.
+    EXPECT_THAT(writeLayer(folder, "P"), EndsWith("Closing GIS Layer 1 [l.shp]...\n"
+                                                  "...Closed File Unit:1006\n"
+                                                  "...Closed File Unit:1001\n"
+                                                  "...Closed File Unit:1002\n"
+                                                  "...Closed File Unit:1004\n"));
+}
+
+TEST(ShpWriter, ABlankProjectionIsAnEmptyLine)
+{
+    const ScratchFolder folder;
+    runInChild(folder, [] {
+        gisInitialise(-1, "", "", "");
+        gisOutputAttributes().add("N", "Integer");
+        std::int32_t id = gisOpenLayer("l.shp", "P", "O ");
+        gisWriteHeader(id);
+        gisCloseLayer(id);
+    });
+    EXPECT_EQ(folder.read("l_P.prj"), "\r\n");
+}
+
+TEST(ShpWriter, ALongLineIsWrittenInPieces)
+{
+    const ScratchFolder folder;
+    constexpr int kVertices = 100000;
+    writeLayer(folder, "L", [](std::int32_t id) {
+        std::vector<Vertex> vertices;
+        for (int i = 0; i < kVertices; ++i) {
+            vertices.push_back({i * 0.5, -i * 1.0});
+        }
+        write(id, &GisO::pline, vertices);
+    });
+    const std::string bytes = folder.read("l_L.shp");
+    ASSERT_EQ(bytes.size(), 100U + 8 + 48 + 16 * kVertices);
+    for (const int i : {0, 4095, 4096, 77777, kVertices - 1}) {
+        EXPECT_EQ(bytes.substr(156 + 16 * static_cast<std::size_t>(i), 16), reals({i * 0.5, -i * 1.0}));
+    }
+}
+
+// --- Refusals --------------------------------------------------------------------------------------------------------
+
+// What the run says last, when `code` ends it.
+std::string lastWords(const ScratchFolder& folder, const std::function<void()>& code)
+{
+    const ChildRun run = runInChild(folder, code);
+    EXPECT_TRUE(run.ended) << run.console;
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "");
+    return run.console;
+}
+
+std::string ending(const std::string& message)
+{
+    return "\n" + message + "\n\nPress Enter to Close\n";
+}
+
+TEST(ShpWriter, RefusesKindsThatHaveNoPlace)
+{
+    const ScratchFolder folder;
+    EXPECT_THAT(lastWords(folder,
+                          [] {
+                              write(open("l.shp", "P"), &GisO::ellipse, {{1, 1}});
+                          }),
+                EndsWith(ending("Should not be here [gisWriteObject-shp].  Please contact SUPPORT_CONTACT.")));
+    EXPECT_THAT(lastWords(folder,
+                          [] {
+                              const std::int32_t id = open("l.shp", "P");
+                              GisO gisO;
+                              gisO.rect = true;
+                              gisWriteRecord(id, gisO);
+                          }),
+                EndsWith(ending("Should not be here [gisWriteRecord-dbf].  Please contact SUPPORT_CONTACT.")));
+    EXPECT_THAT(lastWords(folder,
+                          [] {
+                              ShpFile& shp = gisLayer(open("l.shp", "P")).shpFiles[0];
+                              GisO gisO;
+                              gisO.arc = true;
+                              shpWriteObject(gisO, shp, gisOutputCoordinates());
+                          }),
+                EndsWith(ending("ERROR 0350 - Trying to write a SHP object that is not yet supported.  Please contact "
+                                "SUPPORT_CONTACT.")));
+}
+
+TEST(ShpWriter, RefusesAKindTheLayerWasNotOpenedFor)
+{
+    const ScratchFolder folder;
+    const std::string message = ending("Should not be here [shpnotopen] - please contact SUPPORT_CONTACT.");
+    EXPECT_THAT(lastWords(folder,
+                          [] {
+                              write(open("l.shp", "PL"), &GisO::region, {{0, 0}, {1, 0}, {1, 1}, {0, 0}});
+                          }),
+                EndsWith(message));
+    EXPECT_THAT(lastWords(folder,
+                          [] {
+                              ShpFile none;
+                              shpWriteFileHeader(none, none.shpUnit, none.shpUnitBE);
+                          }),
+                EndsWith(message));
+}
+
+TEST(ShpWriter, RefusesAFileOfTooManyWords)
+{
+    const ScratchFolder folder;
+    EXPECT_THAT(lastWords(folder,
+                          [] {
+                              const std::int32_t id = open("l.shp", "P");
+                              gisLayer(id).shpFiles[0].shxOffset = 2147483647 - 14;
+                              write(id, &GisO::point, {{1, 1}}); // the last that fits
+                              write(id, &GisO::point, {{1, 1}});
+                          }),
+                EndsWith("ERROR - Size of .shp file exceeds maximum of 2147483647 words of 16 bits: l_P.shp\n\nPress "
+                         "Enter to Close\n"));
+}
+
+// --- Files that cannot be written ------------------------------------------------------------------------------------
+
+// Files may have no more than this many bytes; more is refused by the system, as on a full disk. The console of the run is
+// a file too, and needs a part of them.
+void limitFiles(std::size_t bytes)
+{
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit = {bytes, bytes};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+TEST(ShpWriter, TellsAHeaderThatCannotBeWritten)
+{
+    const ScratchFolder folder;
+    for (const char* name : {"l_P.shp", "l_P.shx"}) {
+        std::filesystem::remove(folder.path() / name);
+        std::filesystem::create_symlink("/dev/full", folder.path() / name);
+        EXPECT_THAT(lastWords(folder, [] { open("l.shp", "P"); }),
+                    EndsWith(ending("ERROR 0437 - Writing .shp file header.")));
+        std::filesystem::remove(folder.path() / name);
+    }
+    std::filesystem::remove(folder.path() / "l_P.dbf");
+    std::filesystem::create_symlink("/dev/full", folder.path() / "l_P.dbf");
+    EXPECT_THAT(lastWords(folder, [] { open("l.shp", "P"); }),
+                EndsWith(ending("ERROR 0413 - Writing .dbf file header.")));
+}
+
+TEST(ShpWriter, TellsObjectsAndRecordsThatCannotBeWritten)
+{
+    const ScratchFolder folder;
+    EXPECT_THAT(lastWords(folder,
+                          [] {
+                              std::int32_t id = open("l.shp", "L");
+                              limitFiles(20000);
+                              write(id, &GisO::pline, std::vector<Vertex>(2000));
+                              gisCloseLayer(id);
+                          }),
+                EndsWith(ending("ERROR 0439 - Writing .shp file object coordinates.")));
+
+    // The table is 32 + 2 * 32 + 1 bytes and 12 for each record, and then one to close it.
+    constexpr int kRecords = 2000;
+    constexpr std::size_t kTableBytes = 97 + 12 * kRecords;
+    const auto writeNulls = [](bool large, std::size_t limit) {
+        std::int32_t id = open("l.shp", "P");
+        GisO gisO;
+        gisO.none = true;
+        for (int i = 0; i < kRecords; ++i) {
+            gisWriteObject(id, gisO);
+            large ? gisWriteRecordLarge(id, gisO) : gisWriteRecord(id, gisO);
+        }
+        limitFiles(limit);
+        gisCloseLayer(id);
+    };
+    // The .shp is too long as well, and says so behind the table.
+    const std::string closing = "Closing GIS Layer 1 [l.shp]...\n\n";
+    EXPECT_THAT(lastWords(folder, [&] { writeNulls(false, kTableBytes - 1); }),
+                HasSubstr(closing + "ERROR 0417 - Writing .dbf record.\n"));
+    EXPECT_THAT(lastWords(folder, [&] { writeNulls(true, kTableBytes - 1); }),
+                HasSubstr(closing + "ERROR 0417 - Writing large .dbf record.\n"));
+    EXPECT_THAT(lastWords(folder, [&] { writeNulls(false, kTableBytes); }),
+                HasSubstr(closing + "ERROR 0413 - Rewriting .dbf file header with final information.\n"));
+}
+
+} // namespace
+} // namespace gridforge::test
