@@ -356,14 +356,21 @@ std::int32_t floorToInt(double value)
 
 namespace {
 
-std::string rightJustified(std::string text, int width)
+// What stands in place of a value that does not fit.
+std::string fullField(int width)
+{
+    return std::string(static_cast<std::size_t>(std::max(width, 0)), '*');
+}
+
+std::string rightJustified(std::string_view text, int width)
 {
     const auto columns = static_cast<std::size_t>(std::max(width, 0));
     if (text.size() > columns) {
-        return std::string(columns, '*');
+        return fullField(width);
     }
-    text.insert(0, columns - text.size(), ' ');
-    return text;
+    std::string field(columns - text.size(), ' ');
+    field += text;
+    return field;
 }
 
 } // namespace
@@ -376,14 +383,18 @@ std::string fixedText(double value, int decimals)
     if (std::isinf(value)) {
         return value < 0 ? "-Infinity" : "Infinity";
     }
-    decimals = std::max(decimals, 0);
-    constexpr std::size_t kLongestWhole = 320; // sign, 309 digits, point
-    std::string text(kLongestWhole + static_cast<std::size_t>(decimals), '\0');
+    constexpr int kMostWhole = 309;     // digits before the point
+    constexpr int kMostDecimals = 1074; // all further decimals of any double are zeros
+    const int shown = std::clamp(decimals, 0, kMostDecimals);
+    std::array<char, kMostWhole + kMostDecimals + 2> buffer; // sign and point
     const auto [end, error] =
-        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, decimals);
-    text.resize(static_cast<std::size_t>(end - text.data()));
-    if (decimals == 0) {
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, shown);
+    std::string text(buffer.data(), end);
+    if (shown == 0) {
         text += '.';
+    }
+    if (decimals > shown) {
+        text.append(static_cast<std::size_t>(decimals - shown), '0');
     }
     return text;
 }
@@ -391,17 +402,20 @@ std::string fixedText(double value, int decimals)
 std::string realField(double value, int width, int decimals)
 {
     constexpr int kShortField = 8;
+    if (std::isfinite(value) && decimals >= width) {
+        return fullField(width); // no room for the point; spares the text of absurdly many decimals
+    }
     std::string text = fixedText(value, decimals);
     if (std::isinf(value) && width < kShortField) {
         text = value < 0 ? "-Inf" : "Inf";
     }
-    if (static_cast<int>(text.size()) == width + 1) {
+    if (static_cast<int>(text.size()) - 1 == width) {
         const std::size_t zero = text[0] == '-' ? 1 : 0;
-        if (text.substr(zero, 2) == "0." && text.size() > zero + 2) {
+        if (text.compare(zero, 2, "0.") == 0 && text.size() > zero + 2) {
             text.erase(zero, 1);
         }
     }
-    return rightJustified(std::move(text), width);
+    return rightJustified(text, width);
 }
 
 std::string integerField(std::int64_t value, int width)

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 
 namespace gridforge {
 
 namespace {
 
-constexpr std::string_view kQuotes = "\"'";
 constexpr std::string_view kCommentMarks = "#!";
 
 char upper(char c)
@@ -34,7 +34,7 @@ bool isLetter(char c)
 
 bool isQuote(char c)
 {
-    return kQuotes.find(c) != std::string_view::npos;
+    return c == '"' || c == '\'';
 }
 
 std::string_view head(std::string_view text, std::size_t width)
@@ -63,11 +63,69 @@ std::string without(std::string_view text, Drop drop)
     return result;
 }
 
-// What of a text counts when it is compared with another.
-std::string comparable(std::string_view text)
+// Place of the first `wanted` outside quotes; npos when it is not there. Either kind of quote toggles, whichever kind
+// opened; a doubled quote toggles twice and so counts as one character inside.
+std::size_t findOutsideQuotes(std::string_view text, char wanted)
 {
-    const std::string bare = without(head(text, kNameWidth), [](char c) { return isQuote(c) || c == '\t'; });
-    return std::string(trim(bare));
+    bool inQuotes = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (isQuote(text[at])) {
+            inQuotes = !inQuotes;
+        } else if (text[at] == wanted && !inQuotes) {
+            return at;
+        }
+    }
+    return std::string_view::npos;
+}
+
+bool isUnseen(char c)
+{
+    return isQuote(c) || c == '\t';
+}
+
+// What of a text counts when it is compared with another, but for quotes and tabs inside it.
+std::string_view comparable(std::string_view text)
+{
+    const auto isPadding = [](char c) { return c == ' ' || isUnseen(c); };
+    text = head(text, kNameWidth);
+    while (!text.empty() && isPadding(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && isPadding(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+// Compares in place, as it is done for every field of a line.
+template <typename Fold>
+bool isSame(std::string_view a, std::string_view b, Fold fold)
+{
+    a = comparable(a);
+    b = comparable(b);
+    auto left = a.begin();
+    auto right = b.begin();
+    while (true) {
+        left = std::find_if_not(left, a.end(), isUnseen);
+        right = std::find_if_not(right, b.end(), isUnseen);
+        if (left == a.end() || right == b.end()) {
+            return left == a.end() && right == b.end();
+        }
+        if (fold(*left++) != fold(*right++)) {
+            return false;
+        }
+    }
+}
+
+// What of a text fits the work space.
+std::string_view content(std::string_view text)
+{
+    return trimRight(head(text, kWorkWidth));
+}
+
+void trimLeftInPlace(std::string& text)
+{
+    text.erase(0, text.size() - trimLeft(text).size());
 }
 
 } // namespace
@@ -96,23 +154,23 @@ std::string cut(std::string_view text, std::size_t width)
 
 bool ASAME(std::string_view a, std::string_view b)
 {
-    return UPPERCASE(comparable(a)) == UPPERCASE(comparable(b));
+    return isSame(a, b, upper);
 }
 
 bool ASAMECS(std::string_view a, std::string_view b)
 {
-    return comparable(a) == comparable(b);
+    return isSame(a, b, std::identity{});
 }
 
 bool FLAGEXISTS(std::string_view text, std::string_view key)
 {
-    return findIgnoringCase(trimRight(text), trimRight(key)) != std::string_view::npos;
+    return findIgnoringCase(content(text), content(key)) != std::string_view::npos;
 }
 
 bool FLAGEXISTSRET(std::string_view text, std::string_view key, std::string& rest)
 {
-    const std::string_view wanted = trimRight(key);
-    const std::size_t at = findIgnoringCase(trimRight(text), wanted);
+    const std::string_view wanted = content(key);
+    const std::size_t at = findIgnoringCase(content(text), wanted);
     if (at == std::string_view::npos) {
         rest.clear();
         return false;
@@ -129,7 +187,7 @@ bool BLANK(std::string& text)
 
 bool COMMENTLINE(std::string& text)
 {
-    text = TRIMF(text);
+    trimLeftInPlace(text);
     const bool nothing = text.empty() || kCommentMarks.find(text[0]) != std::string_view::npos;
     text.erase(std::min(text.find_first_of(kCommentMarks), text.size()));
     return nothing;
@@ -137,7 +195,7 @@ bool COMMENTLINE(std::string& text)
 
 bool NUMBERLINE(std::string& text)
 {
-    text = TRIMF(text);
+    trimLeftInPlace(text);
     return text.empty() || isDigit(text[0]) || text[0] == '-' || text[0] == '.';
 }
 
@@ -149,9 +207,9 @@ std::int32_t LENSL(std::string_view text)
 
 bool POSITIVEINTEGERNUMBER(std::string& text)
 {
-    text = TRIMF(text);
-    const std::string_view content = trimRight(text);
-    return !content.empty() && std::ranges::all_of(content, isDigit);
+    trimLeftInPlace(text);
+    const std::string_view digits = trimRight(text);
+    return !digits.empty() && std::ranges::all_of(digits, isDigit);
 }
 
 // --- Changing text ---------------------------------------------------------------------------------------------------
@@ -216,7 +274,8 @@ std::string ALPHANUMERICONLY(std::string_view text, char replacement)
             result += replacement;
         }
     }
-    return result.empty() ? "X" : result;
+    // Blanks alone are an empty text too.
+    return trimRight(result).empty() ? "X" : result;
 }
 
 std::string CLEANATTRIBUTENAME(std::string_view text)
@@ -242,14 +301,14 @@ bool replaceFirst(std::string& text, std::string_view find, std::string_view wit
 
 std::string REPLACE(std::string_view text, std::string_view find, std::string_view with)
 {
-    std::string result(text);
+    std::string result(content(text));
     replaceFirst(result, trimRight(find), trimRight(with));
-    return result;
+    return cut(result, kWorkWidth);
 }
 
 std::string REPLACEALL(std::string_view text, std::string_view find, std::string_view with)
 {
-    std::string result(text);
+    std::string result(content(text));
     while (replaceFirst(result, trimRight(find), trimRight(with))) {
         result = cut(result, kWorkWidth);
     }
@@ -258,53 +317,29 @@ std::string REPLACEALL(std::string_view text, std::string_view find, std::string
 
 void SPLITFIRSTWORD(std::string& word, std::string& text)
 {
-    const std::string rest = TRIMF(text);
-    bool inQuotes = false;
-    std::size_t at = 0;
-    for (; at < rest.size() && (inQuotes || rest[at] != ' '); ++at) {
-        if (!isQuote(rest[at])) {
-            continue;
-        }
-        if (inQuotes && at + 1 < rest.size() && isQuote(rest[at + 1])) {
-            ++at;
-        } else {
-            inQuotes = !inQuotes;
-        }
-    }
-    at = std::min(at, rest.size());
-    word = REMOVEQUOTES(std::string_view(rest).substr(0, at));
-    text = TRIMF(std::string_view(rest).substr(at));
+    const std::string_view rest = trim(text);
+    const std::size_t end = std::min(findOutsideQuotes(rest, ' '), rest.size());
+    word = REMOVEQUOTES(rest.substr(0, end));
+    text = TRIMF(rest.substr(end));
 }
 
 // --- Counting and fields ---------------------------------------------------------------------------------------------
 
 std::int32_t NEXTCOMMA(std::string_view text)
 {
-    bool inQuotes = false;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (isQuote(text[at])) {
-            if (inQuotes && at + 1 < text.size() && isQuote(text[at + 1])) {
-                ++at;
-            } else {
-                inQuotes = !inQuotes;
-            }
-        } else if (text[at] == ',' && !inQuotes) {
-            return static_cast<std::int32_t>(at + 1);
-        }
-    }
-    return 0;
+    return static_cast<std::int32_t>(findOutsideQuotes(text, ',') + 1);
 }
 
 std::int32_t NUMBEROFSUBSTRINGS(std::string_view text, std::string_view separator)
 {
-    const std::string_view content = trimRight(text);
-    if (content.empty()) {
+    const std::string_view whole = content(text);
+    if (whole.empty()) {
         return 0;
     }
     std::int32_t count = 1;
     if (!separator.empty()) {
-        for (std::size_t at = content.find(separator); at != std::string_view::npos;
-             at = content.find(separator, at + separator.size())) {
+        for (std::size_t at = whole.find(separator); at != std::string_view::npos;
+             at = whole.find(separator, at + separator.size())) {
             ++count;
         }
     }
@@ -338,7 +373,7 @@ std::int32_t NUMBEROFNUMBERS(std::string_view text)
     std::int32_t count = 0;
     bool inNumber = false;
     bool behindComma = false;
-    for (const char c : trimRight(text)) {
+    for (const char c : content(text)) {
         if (isDigit(c) || c == '-' || c == '.' || c == 'e' || c == 'E') {
             if (!inNumber) {
                 ++count;
@@ -348,9 +383,7 @@ std::int32_t NUMBEROFNUMBERS(std::string_view text)
         } else if (c == '!' || c == '#') {
             return count;
         } else if (c == ' ' || c == '\t') {
-            if (!behindComma) {
-                inNumber = false;
-            }
+            inNumber = false; // behind a comma it is so already
         } else if (c == ',') {
             if (!inNumber && behindComma) {
                 ++count; // an empty field is a number
