@@ -3,6 +3,8 @@
 #include "base/ends.h"
 #include "ops/conv.h"
 #include "ops/max_min.h"
+#include "sampling/cp.h"
+#include "sampling/lp.h"
 #include "sampling/trim.h"
 
 #include <algorithm>
@@ -29,8 +31,8 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"resize",    [](const S& s) { return s.resize; },         nullptr},
     {"classify",  [](const S& s) { return s.classify; },       nullptr},
     {"histogram", [](const S& s) { return s.histogram; },      nullptr},
-    {"cp",        [](const S& s) { return s.cp; },             nullptr},
-    {"lp",        [](const S& s) { return s.lp; },             nullptr},
+    {"cp",        [](const S& s) { return s.cp; },             runCalibrationPoints},
+    {"lp",        [](const S& s) { return s.lp; },             runLongProfile},
     {"brkline",   [](const S& s) { return s.brkline; },        nullptr},
     {"xs",        [](const S& s) { return s.xs; },             nullptr},
     {"nbc",       [](const S& s) { return s.nbc; },            nullptr},

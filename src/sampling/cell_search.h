@@ -1,0 +1,44 @@
+// Searches of the cells around a point: the nearest one with a value, and the lowest and highest. A cell counts where its
+// north-east corner lies inside the search polygon and it is not null.
+#pragma once
+
+#include "grid/grid.h"
+#include "sampling/cell_window.h"
+#include "sampling/search_polygon.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace gridforge {
+
+// What a search starts from: distances and levels are below it, or it is not beaten.
+inline constexpr float kNoValue = 99999.0F;
+
+struct FoundCell {
+    float value = 0;
+    float distance = 0; // from the point to the corner
+    double x = 0;       // the corner
+    double y = 0;
+};
+
+// The square of the area searched around a point.
+struct CellSearch {
+    double x = 0;
+    double y = 0;
+    SearchPolygon polygon;
+    CellWindow window;
+};
+CellSearch searchAround(const GridHeader& header, double x, double y, float diameter);
+
+// The nearest cell, of equally near ones the first by rows from the south, each from the west. The window must lie within
+// the grid. Goes outwards from the point, so it costs what lies nearer than the cell found.
+std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const Grid& cells);
+
+struct FoundExtremes {
+    std::optional<FoundCell> lowest;
+    std::optional<FoundCell> highest;
+};
+// The first of the lowest and the first of the highest cells in the same order.
+FoundExtremes extremeCells(const CellSearch& search, const GridHeader& header, const Grid& cells);
+
+} // namespace gridforge

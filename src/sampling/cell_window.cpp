@@ -1,0 +1,25 @@
+#include "sampling/cell_window.h"
+
+#include "base/numbers.h"
+
+namespace gridforge {
+
+CellWindow searchWindow(const GridHeader& header, double x, double y, float diameter)
+{
+    const auto radius = static_cast<double>(0.5F * diameter);
+    const double dx = header.cellsize8;
+    CellWindow window;
+    window.firstColumn = truncateToInt(((x - radius) - header.xll) / dx);
+    window.lastColumn = ceilToInt(((x + radius) - header.xll) / dx);
+    window.firstRow = truncateToInt(((y - radius) - header.yll) / dx);
+    window.lastRow = ceilToInt(((y + radius) - header.yll) / dx);
+    return window;
+}
+
+bool isWithinGrid(const CellWindow& window, const GridHeader& header)
+{
+    return window.firstRow > 0 && window.firstColumn > 0 && window.lastRow <= header.nrows &&
+           window.lastColumn <= header.ncols;
+}
+
+} // namespace gridforge

@@ -1,0 +1,45 @@
+// Windows of cells around what is sampled, and the place of a cell as the sampling operations see it.
+#pragma once
+
+#include "grid/grid.h"
+
+#include <cstdint>
+
+namespace gridforge {
+
+// Rows and columns from 1, both ends included; it may reach over the grid, and is empty where a first is above its last.
+struct CellWindow {
+    std::int32_t firstRow = 1;
+    std::int32_t lastRow = 0;
+    std::int32_t firstColumn = 1;
+    std::int32_t lastColumn = 0;
+};
+
+// The window of a search circle. Rows are divided by the one cell size too: cells are square.
+CellWindow searchWindow(const GridHeader& header, double x, double y, float diameter);
+
+// No row or column of the window lies outside the grid.
+bool isWithinGrid(const CellWindow& window, const GridHeader& header);
+
+// The north-east corner of a cell, where the searches of -cp and the region tests see it. The index goes through single
+// precision.
+inline double cornerX(const GridHeader& header, std::int32_t column)
+{
+    return header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8;
+}
+inline double cornerY(const GridHeader& header, std::int32_t row)
+{
+    return header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8;
+}
+
+// The centre of a cell by an index that goes through single precision, unlike GridHeader::x and y.
+inline double centreX(const GridHeader& header, std::int32_t column)
+{
+    return cornerX(header, column) - 0.5 * header.cellsize8;
+}
+inline double centreY(const GridHeader& header, std::int32_t row)
+{
+    return cornerY(header, row) - 0.5 * header.cellsize8;
+}
+
+} // namespace gridforge

@@ -1,0 +1,26 @@
+// The symbols of calibration points by their difference, read from the file of -config.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace gridforge {
+
+inline constexpr std::int32_t kMaxThresholds = 100;
+
+struct SymbolThreshold {
+    float upTo = 0; // the greatest difference that takes this symbol
+    std::int32_t shape = 0;
+    std::int32_t colour = 0;
+    std::int32_t size = 0;
+};
+
+// A heading line, then one threshold a line, not falling. Fewer than two, more than 100 and what cannot be read end the
+// run.
+std::vector<SymbolThreshold> readSymbolThresholds(const std::string& name);
+
+// The symbol of the first threshold that the difference does not exceed; blank, with a warning, above all of them.
+std::string symbolStyle(const std::vector<SymbolThreshold>& thresholds, float difference);
+
+} // namespace gridforge

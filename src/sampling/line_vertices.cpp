@@ -1,0 +1,85 @@
+#include "sampling/line_vertices.h"
+
+#include "base/ends.h"
+#include "base/geometry.h"
+#include "base/numbers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace gridforge {
+
+namespace {
+
+// How many vertices go into the segment from vertex i - 1 to vertex i.
+std::int64_t insertedBefore(const GisCoordinates& read, std::size_t i, float spacing)
+{
+    const float length = DISTANCE_8(read.x[i - 1], read.y[i - 1], read.x[i], read.y[i]);
+    if (!(length > spacing)) {
+        return 0;
+    }
+    return std::max(truncateToInt(static_cast<double>(std::floor(length / spacing))), 0);
+}
+
+void requireCount(std::int64_t count)
+{
+    constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+    if (count >= kMax) {
+        fail("ERROR - Number of vertices in polyline exceeds maximum: ", kMax);
+    }
+}
+
+} // namespace
+
+LineVertices insertVertices(const GisCoordinates& read, float spacing)
+{
+    const auto np = static_cast<std::size_t>(std::max(read.np, 0));
+    auto count = static_cast<std::int64_t>(np);
+    for (std::size_t i = 1; i < np; ++i) {
+        count += insertedBefore(read, i, spacing);
+        requireCount(count);
+    }
+
+    LineVertices line;
+    line.x.reserve(static_cast<std::size_t>(count));
+    line.y.reserve(static_cast<std::size_t>(count));
+    const auto add = [&](double x, double y) {
+        line.x.push_back(x);
+        line.y.push_back(y);
+    };
+    for (std::size_t i = 1; i < np; ++i) {
+        const std::int64_t inserted = insertedBefore(read, i, spacing);
+        const double x = read.x[i - 1];
+        const double y = read.y[i - 1];
+        add(x, y);
+        for (std::int64_t q = 1; q <= inserted; ++q) {
+            const double share = static_cast<double>(q) / static_cast<double>(inserted + 1);
+            add(x + (read.x[i] - x) * share, y + (read.y[i] - y) * share);
+        }
+    }
+    if (np > 0) {
+        add(read.x[np - 1], read.y[np - 1]);
+    }
+    return line;
+}
+
+float distanceBefore(const LineVertices& line, std::size_t i)
+{
+    return DISTANCE_8(line.x[i - 1], line.y[i - 1], line.x[i], line.y[i]);
+}
+
+float lineAngle(const LineVertices& line, std::size_t i)
+{
+    const std::size_t from = i > 0 ? i - 1 : 0;
+    const std::size_t to = std::min(i + 1, line.count() - 1);
+    return static_cast<float>(atan2d(line.y[to] - line.y[from], line.x[to] - line.x[from]));
+}
+
+float perpendicularAngle(float angle)
+{
+    const float perpendicular = angle + 90.0F;
+    return perpendicular > 360.0F ? perpendicular - 360.0F : perpendicular;
+}
+
+} // namespace gridforge

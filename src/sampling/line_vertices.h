@@ -1,0 +1,35 @@
+// Vertices along a line: their insertion at a spacing, chainages, and the direction across the line at each of them.
+#pragma once
+
+#include "gis/records.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace gridforge {
+
+struct LineVertices {
+    std::vector<double> x;
+    std::vector<double> y;
+
+    std::size_t count() const { return x.size(); }
+};
+
+// The vertices of a line as read, with floor(d / spacing) more put evenly into each segment of a length d above the
+// spacing. A count past the 32-bit range, as from a spacing of 0, ends the run.
+LineVertices insertVertices(const GisCoordinates& read, float spacing);
+
+// What neighbouring vertices are apart at least, or the direction of the line there is doubtful.
+inline constexpr float kDuplicateDistance = 0.0001F;
+
+// DISTANCE_8 from vertex i - 1 to vertex i, counted from 0.
+float distanceBefore(const LineVertices& line, std::size_t i);
+
+// The direction of the line at vertex i in degrees: that of its segment at the ends, of the chord between its neighbours
+// elsewhere; 0 for a single vertex.
+float lineAngle(const LineVertices& line, std::size_t i);
+// Square to it on the left side.
+float perpendicularAngle(float angle);
+
+} // namespace gridforge

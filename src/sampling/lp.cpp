@@ -1,0 +1,284 @@
+// Long profile: at vertices along a line, the lowest cell across it and the highest cell to each side.
+#include "sampling/lp.h"
+
+#include "base/console.h"
+#include "base/names.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "gis/layers.h"
+#include "sampling/line_vertices.h"
+#include "sampling/sampled_layer.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+
+namespace {
+
+constexpr float kNoLowest = 99999.0F;
+constexpr float kNoHighest = -99999.0F;
+constexpr std::int32_t kTextWidth = 250; // of the check layer
+constexpr float kBothSides = 0.5F;
+constexpr float kOneSide = 1.0F;
+
+} // namespace
+
+// --- The kernels -----------------------------------------------------------------------------------------------------
+
+FoundSample lowestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range)
+{
+    FoundSample found{kNoLowest, 0, 0};
+    const SampleRange inGrid = samplesInGrid(line, header, range);
+    for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
+        const SampleCell cell = sampleCell(line, header, k);
+        const float value = cells(cell.row, cell.column);
+        if (value != header.null && value < found.value) {
+            found = {value, sampleCellX(header, cell.column), sampleCellY(header, cell.row)};
+        }
+    }
+    return found;
+}
+
+FoundSample highestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range)
+{
+    FoundSample found{kNoHighest, 0, 0};
+    const SampleRange inGrid = samplesInGrid(line, header, range);
+    for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
+        const SampleCell cell = sampleCell(line, header, k);
+        const float value = cells(cell.row, cell.column);
+        if (value != header.null && value > found.value) {
+            found = {value, line.sampleX(k), line.sampleY(k)};
+        }
+    }
+    return found;
+}
+
+namespace {
+
+// --- The profile of a line -------------------------------------------------------------------------------------------
+
+struct ProfileVertex {
+    float chainage = 0;
+    float perpendicular = 0; // degrees
+    FoundSample invert;
+    FoundSample leftBank;
+    FoundSample rightBank;
+};
+
+struct Profile {
+    std::string label;
+    LineVertices line;
+    std::vector<ProfileVertex> vertices;
+};
+
+std::string chainageField(float chainage, int decimals)
+{
+    constexpr int kWidth = 12;
+    return realField(static_cast<double>(chainage), kWidth, decimals);
+}
+
+// The record of an object of the check layer.
+std::string checkRecord(float value, std::string_view type, const Profile& profile, float chainage)
+{
+    constexpr int kWidth = 9;
+    constexpr int kDecimals = 3;
+    return join(realField(static_cast<double>(value), kWidth, kDecimals), ",", quoted(type), ",", quoted(profile.label),
+                ",", chainageField(chainage, kDecimals));
+}
+
+void placeVertices(Profile& profile)
+{
+    say("Pre process line information...");
+    const std::size_t count = profile.line.count();
+    for (std::size_t i = 0; i < count; ++i) {
+        ProfileVertex& vertex = profile.vertices[i];
+        vertex.perpendicular = perpendicularAngle(lineAngle(profile.line, i));
+        if (i == 0) {
+            continue;
+        }
+        const float before = profile.vertices[i - 1].chainage;
+        const float distance = distanceBefore(profile.line, i);
+        vertex.chainage = static_cast<float>(static_cast<double>(before) + static_cast<double>(distance));
+        if (i + 1 < count && distance < kDuplicateDistance) {
+            say("WARNING - Duplicate Vertices along line.  This may cause issues with determining angles.");
+            say("  Profile: ", profile.label, " Chainage: ", AREAL(before), " Calculated Distance: ", AREAL(distance));
+        }
+    }
+    say("   Done.");
+}
+
+struct Terrain {
+    GridHeader header;
+    Grid cells;
+};
+
+void sampleVertices(Profile& profile, float searchDistance, const Terrain& terrain, std::int32_t checkID)
+{
+    say("Extracting elevations...");
+    const GridHeader& header = terrain.header;
+    const std::int32_t half = samplesToSide(header, searchDistance, kBothSides);
+    const std::int32_t full = samplesToSide(header, searchDistance, kOneSide);
+    for (std::size_t i = 0; i < profile.line.count(); ++i) {
+        ProfileVertex& vertex = profile.vertices[i];
+        const AcrossLine across = acrossLine(header, profile.line.x[i], profile.line.y[i], vertex.perpendicular);
+        const auto drawSearch = [&](std::int32_t from, std::int32_t to, std::string_view type) {
+            if (checkID > 0) {
+                writeSegment(checkID, across.sampleX(from), across.sampleY(from), across.sampleX(to),
+                             across.sampleY(to), checkRecord(kNoLowest, type, profile, vertex.chainage));
+            }
+        };
+        drawSearch(-half, half, "Invert");
+        vertex.invert = lowestSample(across, header, terrain.cells, {-half, half});
+        // Nothing stops the search for a bank at the first high point.
+        drawSearch(0, full, "Left Bank");
+        vertex.leftBank = highestSample(across, header, terrain.cells, {0, full});
+        drawSearch(0, -full, "Right Bank");
+        vertex.rightBank = highestSample(across, header, terrain.cells, {-full, 0});
+    }
+}
+
+void writeProfile(const std::string& name, const Profile& profile)
+{
+    constexpr int kChainageDecimals = 2;
+    constexpr int kWidth = 8;
+    constexpr int kDecimals = 3;
+    const auto level = [](const FoundSample& sample) {
+        return realField(static_cast<double>(sample.value), kWidth, kDecimals);
+    };
+    Unit unit = 0;
+    OPENER(unit, "O ", name);
+    writeLine(unit, "\"Chainage\",\"Invert\",\"Left Bank\",\"Right Bank\"");
+    for (const ProfileVertex& vertex : profile.vertices) {
+        writeLine(unit, join(chainageField(vertex.chainage, kChainageDecimals), ",", level(vertex.invert), ",",
+                             level(vertex.leftBank), ",", level(vertex.rightBank)));
+    }
+    CLOSER(unit);
+}
+
+// The cells found, as points. Their last style stays with the layer, for the search lines of the next profile too.
+void writeFoundPoints(std::int32_t checkID, const Profile& profile)
+{
+    const auto write = [&](const FoundSample& sample, std::string_view style, std::string_view type, float chainage) {
+        setStyle(checkID, style);
+        writePoint(checkID, sample.x, sample.y, checkRecord(sample.value, type, profile, chainage));
+    };
+    for (const ProfileVertex& vertex : profile.vertices) {
+        write(vertex.invert, "    Symbol (37,255,12)", "Invert", vertex.chainage);
+    }
+    for (const ProfileVertex& vertex : profile.vertices) {
+        write(vertex.leftBank, "    Symbol (36,16711680,12)", "Left Bank", vertex.chainage);
+        write(vertex.rightBank, "    Symbol (36,15774720,12)", "Right Bank", vertex.chainage);
+    }
+}
+
+// --- Names and the check layer ---------------------------------------------------------------------------------------
+
+void defineCheckAttributes()
+{
+    GisOutputAttributes& attributes = gisOutputAttributes();
+    attributes.clear();
+    attributes.add("Elevation", "Float");
+    attributes.add("Type", "Char", kTextWidth);
+    attributes.add("Label", "Char", kTextWidth);
+    attributes.add("Chainage", "Float");
+}
+
+std::string checkLayerName(const RunSettings& settings)
+{
+    const std::string extension = FILEEXT(settings.lpLayer);
+    if (!settings.outputNameGiven) {
+        return FILENAMEPATH(settings.lpLayer) + "_LP_check" + extension;
+    }
+    std::string name = settings.outputName;
+    const std::string given = FILEEXT(name);
+    if (given != ".mif" && given != ".shp") {
+        name += extension;
+        say("   Appending file extension - revised file: ", name);
+    }
+    return name;
+}
+
+std::int32_t openCheckLayer(const RunSettings& settings)
+{
+    const std::int32_t checkID = gisOpenLayer(checkLayerName(settings), "PL", "O ");
+    defineCheckAttributes();
+    gisWriteHeader(checkID);
+    return checkID;
+}
+
+std::string readLabel(const std::string& dataLine)
+{
+    std::string label;
+    const FreeValue got = FreeForm(dataLine).nextText(label, kLineWidth);
+    if (got == FreeValue::failure || got == FreeValue::end) {
+        failDataLine(dataLine);
+    }
+    return label;
+}
+
+// The line with its vertices inserted.
+Profile prepareProfile(std::string label, const GisCoordinates& read, float spacing)
+{
+    Profile profile;
+    say("Inserting vertices...");
+    profile.line = insertVertices(read, spacing);
+    say("   Done.");
+    say("Allocate memory for processing of LP line: ", label);
+    profile.label = std::move(label);
+    profile.vertices.resize(profile.line.count());
+    say("   Done.");
+    return profile;
+}
+
+} // namespace
+
+// --- The run ---------------------------------------------------------------------------------------------------------
+
+void runLongProfile(const RunSettings& settings, const InputFileList& inputs)
+{
+    say("Processing long profile extract.");
+    say("Using a spacing along the line of ", AREAL(settings.lpDistance));
+    say("   Use -lpmd<distance> input argument to modify.");
+    say("Using search distance of ", AREAL(settings.cpSearchDistance));
+    say("   Use -cpsd<distance> input argument to modify.");
+    say("Long Profile input file: ", settings.lpLayer);
+    std::int32_t inputID = openSampledLayer(settings.lpLayer);
+    std::int32_t checkID = 0;
+    if (settings.check) {
+        checkID = openCheckLayer(settings);
+    } else if (settings.outputNameGiven) {
+        say("Using specified output file: ", settings.outputName);
+    }
+    const std::string base = FILENAMEPATH(settings.outputNameGiven ? settings.outputName : settings.lpLayer);
+    Terrain terrain;
+    terrain.header = loadSampledGrid(inputs[1], terrain.cells);
+
+    say("Searching for Lines and Polylines...");
+    GisCoordinates read;
+    std::int32_t lines = 0;
+    forEachObject(inputID, [&](GisO& gisO, const std::string& dataLine) {
+        if (!isLineObject(gisO)) {
+            return;
+        }
+        gisReadObject(inputID, gisO, read, kMaxSampledVertices);
+        std::string label = readLabel(dataLine);
+        say("Polyline ", ++lines, " with ", read.np, " nodes...");
+        Profile profile = prepareProfile(std::move(label), read, settings.lpDistance);
+        placeVertices(profile);
+        sampleVertices(profile, settings.cpSearchDistance, terrain, checkID);
+        writeProfile(join(base, "_", profile.label, ".csv"), profile);
+        if (checkID > 0) {
+            writeFoundPoints(checkID, profile);
+        }
+        say("Deallocation of temporary memory.");
+        say("   Done.");
+    });
+    gisCloseLayer(inputID);
+    if (checkID > 0) {
+        gisCloseLayer(checkID);
+    }
+}
+
+} // namespace gridforge

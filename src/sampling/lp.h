@@ -1,0 +1,25 @@
+// -lp: invert and banks along the lines of a layer.
+#pragma once
+
+#include "grid/grid.h"
+#include "run/inputs.h"
+#include "run/run_settings.h"
+#include "sampling/across_line.h"
+
+namespace gridforge {
+
+struct FoundSample {
+    float value = 0;
+    double x = 0; // stays 0 where no cell was found
+    double y = 0;
+};
+
+// The lowest cell of the samples, 99999.0 where there is none, at the place of its cell.
+FoundSample lowestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range);
+// The highest one, -99999.0 where there is none, at the place of its sample.
+FoundSample highestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells,
+                          const SampleRange& range);
+
+void runLongProfile(const RunSettings& settings, const InputFileList& inputs);
+
+} // namespace gridforge

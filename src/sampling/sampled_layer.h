@@ -1,0 +1,48 @@
+// What every operation does with its input layer, its one grid and its output layers.
+#pragma once
+
+#include "gis/layers.h"
+#include "grid/grid.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+// Vertices of a line or region as read.
+inline constexpr std::int32_t kMaxSampledVertices = 1000000;
+
+// Takes the projection of the layer for the outputs, opens it and reads its header.
+std::int32_t openSampledLayer(const std::string& name);
+
+// Calls `work` with the object and its data line for each object of the layer. Coordinates are left to `work`.
+template <typename Work>
+void forEachObject(std::int32_t gisID, Work&& work)
+{
+    GisO gisO;
+    std::string dataLine;
+    while (!gisLayer(gisID).layerEnd) {
+        if (!gisObjectType(gisID, gisO)) {
+            continue;
+        }
+        gisReadRecord(gisID, gisO, dataLine);
+        work(gisO, dataLine);
+    }
+}
+
+// True for a line or polyline; a polyline of several parts ends the run.
+bool isLineObject(const GisO& gisO);
+
+// Ends the run over a data line that cannot be read.
+[[noreturn]] void failDataLine(std::string_view dataLine);
+
+// "Loading grid data..." to "   Done.": header and cells of the grid, whose file is closed then.
+GridHeader loadSampledGrid(const std::string& name, Grid& cells);
+
+// One object with its record. The style is the layer's.
+void writePoint(std::int32_t gisID, double x, double y, std::string_view dataLine);
+void writeSegment(std::int32_t gisID, double x1, double y1, double x2, double y2, std::string_view dataLine);
+void setStyle(std::int32_t gisID, std::string_view style);
+
+} // namespace gridforge

@@ -1,0 +1,35 @@
+#include "sampling/search_polygon.h"
+
+#include "base/geometry.h"
+
+#include <algorithm>
+
+namespace gridforge {
+
+SearchPolygon searchPolygon(double x, double y, float diameter)
+{
+    SearchPolygon polygon;
+    const float radius = 0.5F * diameter;
+    for (std::size_t k = 0; k < kSearchSides; ++k) {
+        // Offsets are single precision, as are the angles: only their sum with the point is not.
+        const float angle = (static_cast<float>(k) / 12.0F) * 360.0F;
+        const float offsetX = radius * static_cast<float>(cosd(static_cast<double>(angle)));
+        const float offsetY = radius * static_cast<float>(sind(static_cast<double>(angle)));
+        polygon.x[k] = x + static_cast<double>(offsetX);
+        polygon.y[k] = y + static_cast<double>(offsetY);
+    }
+    for (std::size_t k = 0; k < 2; ++k) {
+        polygon.x[kSearchSides + k] = polygon.x[k];
+        polygon.y[kSearchSides + k] = polygon.y[k];
+    }
+    polygon.xmin = *std::ranges::min_element(polygon.x);
+    return polygon;
+}
+
+bool insideSearchPolygon(const SearchPolygon& polygon, double px, double py)
+{
+    static constexpr std::array<std::int32_t, 1> kRingEnd = {kSearchSides + 1};
+    return INSIDE_POLYGON_8(px, py, polygon.x, polygon.y, kSearchSides + 2, polygon.xmin, kRingEnd, 1);
+}
+
+} // namespace gridforge

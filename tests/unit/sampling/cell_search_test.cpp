@@ -1,0 +1,231 @@
+#include "sampling/cell_search.h"
+
+#include "base/geometry.h"
+
+#include <array>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace gridforge::test {
+namespace {
+
+constexpr float kNullCell = -9999.0F;
+
+// --- The plain forms: every cell of the window, row by row from the south --------------------------------------------
+
+std::optional<FoundCell> plainNearest(const CellSearch& s, const GridHeader& h, const Grid& cells)
+{
+    std::optional<FoundCell> best;
+    float distance = 99999.0F;
+    for (std::int32_t r = s.window.firstRow; r <= s.window.lastRow; ++r) {
+        for (std::int32_t c = s.window.firstColumn; c <= s.window.lastColumn; ++c) {
+            const double x = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8;
+            const double y = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8;
+            if (!insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
+                continue;
+            }
+            const float d = DISTANCE_8(s.x, s.y, x, y);
+            if (d < distance) {
+                distance = d;
+                best = FoundCell{cells(r, c), d, x, y};
+            }
+        }
+    }
+    return best;
+}
+
+FoundExtremes plainExtremes(const CellSearch& s, const GridHeader& h, const Grid& cells)
+{
+    FoundExtremes found;
+    float low = 99999.0F;
+    float high = -99999.0F;
+    for (std::int32_t r = s.window.firstRow; r <= s.window.lastRow; ++r) {
+        for (std::int32_t c = s.window.firstColumn; c <= s.window.lastColumn; ++c) {
+            const double x = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8;
+            const double y = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8;
+            if (!insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
+                continue;
+            }
+            if (cells(r, c) < low) {
+                low = cells(r, c);
+                found.lowest = FoundCell{low, DISTANCE_8(s.x, s.y, x, y), x, y};
+            }
+            if (cells(r, c) > high) {
+                high = cells(r, c);
+                found.highest = FoundCell{high, DISTANCE_8(s.x, s.y, x, y), x, y};
+            }
+        }
+    }
+    return found;
+}
+
+void expectSame(const std::optional<FoundCell>& found, const std::optional<FoundCell>& wanted)
+{
+    ASSERT_EQ(found.has_value(), wanted.has_value());
+    if (found) {
+        EXPECT_EQ(found->value, wanted->value);
+        EXPECT_EQ(found->distance, wanted->distance);
+        EXPECT_EQ(found->x, wanted->x);
+        EXPECT_EQ(found->y, wanted->y);
+    }
+}
+
+// --- Random grids and points -----------------------------------------------------------------------------------------
+
+struct Made {
+    GridHeader header;
+    Grid cells;
+};
+
+// Cells get numbers of their own but for a few equal ones; `nulls` of 100 are null.
+void make(Made& made, std::mt19937& random, int nulls)
+{
+    std::uniform_int_distribution<int> size(1, 150);
+    std::uniform_int_distribution<int> hundred(0, 99);
+    GridHeader& h = made.header;
+    h.nrows = size(random);
+    h.ncols = size(random);
+    h.null = kNullCell;
+    const bool far = hundred(random) < 50;
+    h.xll = far ? 499403.841857712 : 0;
+    h.yll = far ? 6173739.2532704433 : 0;
+    h.cellsize = std::array{1.0F, 0.99993681F, 2.5F, 100.0F}[static_cast<std::size_t>(hundred(random)) % 4];
+    h.cellsize8 = static_cast<double>(h.cellsize);
+    ASSERT_TRUE(made.cells.allocate(h.nrows, h.ncols));
+    float number = 0;
+    for (float& cell : made.cells.cells()) {
+        number += 1;
+        cell = hundred(random) < nulls ? kNullCell : hundred(random) < 20 ? 7.0F : number;
+    }
+}
+
+// A point anywhere, or on a corner or the middle of a cell, where many cells are equally near.
+double placeOn(double origin, double cellsize, std::int32_t count, std::mt19937& random)
+{
+    std::uniform_real_distribution<double> anywhere(-1, static_cast<double>(count) + 1);
+    const double cell = anywhere(random);
+    switch (random() % 3) {
+    case 0: return origin + cell * cellsize;
+    case 1: return origin + std::floor(cell) * cellsize;
+    default: return origin + (std::floor(cell) + 0.5) * cellsize;
+    }
+}
+
+TEST(CellSearch, FindsWhatThePlainLoopsFind)
+{
+    std::mt19937 random(20240611);
+    std::uniform_real_distribution<float> share(0, 120);
+    int searched = 0;
+    int found = 0;
+    for (int grid = 0; grid < 300; ++grid) {
+        Made made;
+        make(made, random, std::array{0, 50, 95, 99, 100}[static_cast<std::size_t>(grid) % 5]);
+        const GridHeader& h = made.header;
+        for (int point = 0; point < 30; ++point) {
+            const double x = placeOn(h.xll, h.cellsize8, h.ncols, random);
+            const double y = placeOn(h.yll, h.cellsize8, h.nrows, random);
+            const CellSearch search = searchAround(h, x, y, share(random) * h.cellsize);
+            if (!isWithinGrid(search.window, h)) {
+                continue;
+            }
+            ++searched;
+            const auto wanted = plainNearest(search, h, made.cells);
+            found += wanted ? 1 : 0;
+            expectSame(nearestCell(search, h, made.cells), wanted);
+            const FoundExtremes extremes = extremeCells(search, h, made.cells);
+            const FoundExtremes plain = plainExtremes(search, h, made.cells);
+            expectSame(extremes.lowest, plain.lowest);
+            expectSame(extremes.highest, plain.highest);
+            ASSERT_FALSE(testing::Test::HasFailure()) << "grid " << grid << ", point " << point;
+        }
+    }
+    EXPECT_GT(searched, 1000);
+    EXPECT_GT(found, 300);
+    EXPECT_LT(found, searched);
+}
+
+// A grid of `rows` by `columns` cells of 1, each 10 row + column, with its corner in the origin.
+void numbered(Made& made, std::int32_t rows, std::int32_t columns)
+{
+    made.header.nrows = rows;
+    made.header.ncols = columns;
+    made.header.xll = 0;
+    made.header.yll = 0;
+    made.header.cellsize = 1.0F;
+    made.header.cellsize8 = 1.0;
+    ASSERT_TRUE(made.cells.allocate(rows, columns));
+    for (std::int32_t r = 1; r <= rows; ++r) {
+        for (std::int32_t c = 1; c <= columns; ++c) {
+            made.cells(r, c) = static_cast<float>(10 * r + c);
+        }
+    }
+}
+
+TEST(NearestCell, OfEquallyNearOnesTakesTheFirstFromTheSouthWest)
+{
+    Made made;
+    numbered(made, 9, 9);
+    const CellSearch search = searchAround(made.header, 4.5, 4.5, 6.0F);
+    EXPECT_EQ(nearestCell(search, made.header, made.cells)->value, 44); // corners (4, 4), (5, 4), (4, 5), (5, 5)
+    made.cells(4, 4) = kNullCell;
+    EXPECT_EQ(nearestCell(search, made.header, made.cells)->value, 45);
+    made.cells(4, 5) = kNullCell;
+    EXPECT_EQ(nearestCell(search, made.header, made.cells)->value, 54);
+    made.cells(5, 4) = kNullCell;
+    EXPECT_EQ(nearestCell(search, made.header, made.cells)->value, 55);
+}
+
+TEST(NearestCell, MeasuresToTheNorthEastCorner)
+{
+    Made made;
+    numbered(made, 9, 9);
+    const auto found = nearestCell(searchAround(made.header, 4.3, 4.4, 4.0F), made.header, made.cells);
+    EXPECT_EQ(found->value, 44); // the cell (5, 5) holds the point, but its corner is further
+    EXPECT_FLOAT_EQ(found->distance, 0.5F);
+    EXPECT_EQ(found->x, 4);
+    EXPECT_EQ(found->y, 4);
+}
+
+TEST(NearestCell, FindsNothingBeyondThePolygonOrInAnEmptyWindow)
+{
+    Made made;
+    numbered(made, 9, 9);
+    EXPECT_FALSE(nearestCell(searchAround(made.header, 4.5, 4.5, 1.0F), made.header, made.cells)); // corners 0.71 away
+    EXPECT_FALSE(nearestCell(searchAround(made.header, 4.5, 4.5, -4.0F), made.header, made.cells));
+}
+
+TEST(NearestCell, FindsNothingAt99999OrFurther)
+{
+    Made made;
+    numbered(made, 9, 9);
+    made.header.cellsize = 100000.0F;
+    made.header.cellsize8 = 100000.0;
+    for (float& cell : made.cells.cells()) {
+        cell = kNullCell;
+    }
+    made.cells(5, 5) = 55; // its corner is (500000, 500000)
+    const auto from = [&](double distance) {
+        return nearestCell(searchAround(made.header, 500000 - distance, 500000, 300000.0F), made.header, made.cells);
+    };
+    EXPECT_FALSE(from(99999));
+    ASSERT_TRUE(from(99998));
+    EXPECT_EQ(from(99998)->distance, 99998.0F);
+}
+
+TEST(ExtremeCells, KeepTheFirstOfEqualOnes)
+{
+    Made made;
+    numbered(made, 9, 9);
+    for (float& cell : made.cells.cells()) {
+        cell = 3;
+    }
+    const FoundExtremes found = extremeCells(searchAround(made.header, 4.5, 4.5, 2.0F), made.header, made.cells);
+    EXPECT_EQ(found.lowest->x, 4);
+    EXPECT_EQ(found.lowest->y, 4);
+    EXPECT_EQ(found.highest->x, 4);
+    EXPECT_EQ(found.highest->y, 4);
+}
+
+} // namespace
+} // namespace gridforge::test

@@ -1,0 +1,82 @@
+#include "sampling/line_vertices.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <vector>
+
+namespace gridforge::test {
+namespace {
+
+using testing::ElementsAre;
+
+GisCoordinates lineOf(std::vector<double> x, std::vector<double> y)
+{
+    GisCoordinates read;
+    read.np = static_cast<std::int32_t>(x.size());
+    read.x = std::move(x);
+    read.y = std::move(y);
+    read.reserve(read.np);
+    return read;
+}
+
+TEST(InsertVertices, ASegmentOfExactlyTheSpacingGetsNone)
+{
+    const LineVertices line = insertVertices(lineOf({0, 10}, {5, 5}), 10.0F);
+    EXPECT_THAT(line.x, ElementsAre(0, 10));
+    EXPECT_THAT(line.y, ElementsAre(5, 5));
+}
+
+TEST(InsertVertices, ASegmentOfTwoAndAHalfSpacingsGetsTwo)
+{
+    const LineVertices line = insertVertices(lineOf({0, 0}, {0, 25}), 10.0F);
+    EXPECT_THAT(line.y, ElementsAre(0, 25 * (1.0 / 3.0), 25 * (2.0 / 3.0), 25));
+}
+
+TEST(InsertVertices, EachSegmentIsDividedByItself)
+{
+    const LineVertices line = insertVertices(lineOf({0, 12, 15, 27}, {0, 0, 4, 4}), 6.0F);
+    EXPECT_THAT(line.x, ElementsAre(0, 4, 8, 12, 15, 19, 23, 27)); // 12 is twice the spacing: two more, so thirds
+    EXPECT_THAT(line.y, ElementsAre(0, 0, 0, 0, 4, 4, 4, 4));
+}
+
+TEST(InsertVertices, ANegativeOrMissingSpacingInsertsNothing)
+{
+    EXPECT_EQ(insertVertices(lineOf({0, 12}, {0, 0}), -1.0F).count(), 2U);
+    EXPECT_EQ(insertVertices(lineOf({0, 12}, {0, 0}), std::numeric_limits<float>::quiet_NaN()).count(), 2U);
+    EXPECT_EQ(insertVertices(lineOf({3, 3}, {4, 4}), 0.0F).count(), 2U); // no length, so nothing to divide
+}
+
+TEST(InsertVertices, TakesLinesOfOneVertexAndNone)
+{
+    EXPECT_THAT(insertVertices(lineOf({3}, {4}), 1.0F).x, ElementsAre(3));
+    EXPECT_EQ(insertVertices(GisCoordinates{}, 1.0F).count(), 0U);
+}
+
+TEST(LineAngle, EndsFollowTheirSegmentAndVerticesBetweenTheirNeighbours)
+{
+    const LineVertices line{{0, 2, 2}, {0, 0, 2}};
+    EXPECT_EQ(lineAngle(line, 0), 0.0F);
+    EXPECT_EQ(lineAngle(line, 1), 45.0F);
+    EXPECT_EQ(lineAngle(line, 2), 90.0F);
+}
+
+TEST(LineAngle, ALineOfOneSegmentHasOneAngle)
+{
+    const LineVertices line{{0, -3}, {0, 0}};
+    EXPECT_EQ(lineAngle(line, 0), 180.0F);
+    EXPECT_EQ(lineAngle(line, 1), 180.0F);
+    EXPECT_EQ(lineAngle({{5}, {7}}, 0), 0.0F);
+}
+
+TEST(PerpendicularAngle, IsA90DegreesTurnToTheLeft)
+{
+    EXPECT_EQ(perpendicularAngle(0.0F), 90.0F);
+    EXPECT_EQ(perpendicularAngle(180.0F), 270.0F);
+    EXPECT_EQ(perpendicularAngle(-135.0F), -45.0F);
+    EXPECT_EQ(perpendicularAngle(271.0F), 1.0F);
+    EXPECT_EQ(perpendicularAngle(270.0F), 360.0F);
+}
+
+} // namespace
+} // namespace gridforge::test
