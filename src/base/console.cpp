@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <optional>
+#include <poll.h>
 #include <unistd.h>
 
 namespace gridforge {
@@ -38,6 +39,17 @@ void flushIfDue()
     }
 }
 
+// The call is worth another try: a signal came in between, or a stream that does not block was not ready, which is waited for.
+bool mayTryAgain(int stream, short event)
+{
+    if (errno == EAGAIN || errno == EWOULDBLOCK) {
+        constexpr int kForever = -1;
+        pollfd waited{stream, event, 0};
+        return poll(&waited, 1, kForever) > 0 || errno == EINTR;
+    }
+    return errno == EINTR;
+}
+
 std::optional<char> nextInputByte()
 {
     Console& c = console();
@@ -45,7 +57,7 @@ std::optional<char> nextInputByte()
         ssize_t got = 0;
         do {
             got = read(STDIN_FILENO, c.input.data(), c.input.size());
-        } while (got < 0 && errno == EINTR);
+        } while (got < 0 && mayTryAgain(STDIN_FILENO, POLLIN));
         if (got <= 0) {
             return std::nullopt;
         }
@@ -116,7 +128,7 @@ void flushConsole()
     std::size_t written = 0;
     while (written < output.size()) {
         const ssize_t count = write(STDOUT_FILENO, output.data() + written, output.size() - written);
-        if (count < 0 && errno == EINTR) {
+        if (count < 0 && mayTryAgain(STDOUT_FILENO, POLLOUT)) {
             continue;
         }
         if (count <= 0) {

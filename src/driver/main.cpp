@@ -4,13 +4,31 @@
 
 #include <csignal>
 #include <exception>
+#include <fcntl.h>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <unistd.h>
 #include <vector>
+
+namespace {
+
+// A standard stream that the caller has closed would lend its number to the first file of the run, and the console's text
+// would go into that file.
+void keepStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) == -1) {
+            [[maybe_unused]] const int null = open("/dev/null", stream == STDIN_FILENO ? O_RDONLY : O_WRONLY);
+        }
+    }
+}
+
+} // namespace
 
 int main(int argc, char** argv)
 {
+    keepStandardStreams();
     // A console that nobody reads any more must not stop a run from writing its files.
     std::signal(SIGPIPE, SIG_IGN);
     try {

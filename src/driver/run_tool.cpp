@@ -1,11 +1,13 @@
 #include "driver/run_tool.h"
 
 #include "base/ends.h"
+#include "base/product.h"
 #include "base/units.h"
 #include "driver/operations.h"
 #include "driver/scan.h"
 #include "driver/usage.h"
 #include "driver/validate.h"
+#include "gis/layers.h"
 
 #include <string_view>
 
@@ -19,7 +21,9 @@ constexpr std::int32_t kUnitBase = 1000;
 // The tables that live as long as the process.
 void startTables()
 {
+    constexpr std::int32_t kNoLog = -1;
     startUnits(kUnitBase);
+    gisInitialise(kNoLog, kToolName, "", "");
 }
 
 } // namespace

@@ -79,13 +79,14 @@ void checkOutputName(RunSettings& settings)
     }
     say("Checking specified output name: ", settings.outputName, " includes file extension...");
     const std::string extension = FILEEXT(settings.outputName);
+    const std::string bare = settings.outputName.substr(0, settings.outputName.size() - extension.size());
     if (extension == ".asc") {
-        settings.outputName = FILENAMEPATH(settings.outputName);
+        settings.outputName = bare;
         say("Output file extension is .asc, setting output format to -asc.");
         settings.formatSpecified = true;
         settings.ascWanted = true;
     } else if (extension == ".flt") {
-        settings.outputName = FILENAMEPATH(settings.outputName);
+        settings.outputName = bare;
         say("Output file extension is .flt, setting output format to -flt.");
         settings.formatSpecified = true;
         settings.fltWanted = true;

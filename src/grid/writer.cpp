@@ -92,7 +92,7 @@ void writeGrid(std::int32_t format, std::string_view base, const GridHeader& hea
     if (format != kFormatAsc && format != kFormatFlt) {
         shouldNotBeHere("grid_format");
     }
-    if (decimals > kMaxDecimals) {
+    if (format == kFormatAsc && decimals > kMaxDecimals) {
         fail("ERROR - Number of decimal places exceeds maximum: ", kMaxDecimals);
     }
     Unit unit = 0;

@@ -128,5 +128,17 @@ TEST(Ends, StandardOutputThatIsClosedDoesNotStopTheRun)
     EXPECT_CONSOLE(run, {"0"});
 }
 
+// A closed stream must not lend its number to a file of the run.
+TEST(Ends, StreamsThatAreClosedKeepTheConsoleOutOfTheFiles)
+{
+    StagedRun run(
+        "for i in $(seq 1000 1400); do printf 'ncols 1\\nnrows 1\\nxllcorner 0\\nyllcorner 0\\ncellsize 1\\n7\\n' "
+        ">g$i.asc; done; $TOOL -conv g*.asc >&- <&-; cat g*.hdr | sort | uniq -c");
+    run.start(60s);
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_CONSOLE(run, {"    401 NODATA_value -9999.0\r", "    401 byteorder LSBFIRST\r", "    401 cellsize 1.\r",
+                         "    401 ncols 1\r", "    401 nrows 1\r", "    401 xllcorner 0.\r", "    401 yllcorner 0.\r"});
+}
+
 } // namespace
 } // namespace gridforge::test

@@ -176,6 +176,28 @@ TEST(ConvCli, TheProjectionGoesBesideTheOutput)
     EXPECT_EQ(run.read("d/a.prj"), "PROJCS[\"x\"]\r\n");
 }
 
+TEST(ConvCli, AProjectionFileWithoutProjcsGivesNone)
+{
+    ToolRun run("-conv d/a.asc");
+    run.give("d/a.asc", ascGrid({{7}}));
+    run.give("a.prj", "GEOGCS[]\n");
+    run.start();
+    EXPECT_TRUE(run.says("WARNING - Unable to find PROJCS line in a.prj"));
+    EXPECT_EQ(run.changedFiles(), (std::vector<std::string>{"d/a.flt", "d/a.hdr"}));
+}
+
+// The null is held in a field of 20, so a null of that size is written as a full field.
+TEST(ConvCli, ANullThatIsTooWideForItsFieldIsAFieldOfStars)
+{
+    ToolRun run("-conv -decimal1 a.flt");
+    run.give("a.flt", fltCells({{1, -3.4028234663852886e38}}));
+    run.give("a.hdr", hdr(2, 1, {.null = -3.4028234663852886e38}));
+    run.start();
+    // `***...` of 20 characters, 1 decimal and 2: fields of 23.
+    EXPECT_TRUE(run.read("a.asc").ends_with("NODATA_value " + std::string(20, '*') + "\r\n" + std::string(20, ' ') +
+                                            "1.0" + std::string(23, '*') + "\r\n"));
+}
+
 TEST(ConvCli, WithoutProjectionAnOlderOneStays)
 {
     ToolRun run("-conv d/a.asc");
@@ -366,6 +388,11 @@ TEST(ConvCli, MoreDecimalsThanAFieldHoldsAreRefused)
     run.start();
     EXPECT_TRUE(run.says("ERROR - Number of decimal places exceeds maximum: 1000000"));
     EXPECT_NO_OTHER_FILES(run);
+
+    ToolRun binary("-conv -decimal2147483647 a.asc"); // which has no decimals
+    binary.give("a.asc", ascGrid({{1, 2}}));
+    binary.start();
+    EXPECT_GRID(binary, "a.flt", {{1, 2}});
 }
 
 } // namespace

@@ -1,0 +1,36 @@
+// Reads a text grid, header and cells, or, behind a zero byte, the .hdr and cells of a binary one.
+#include "fuzz_run.h"
+#include "grid/header.h"
+#include "grid/reader.h"
+
+namespace {
+
+void readGrid(const std::string& name)
+{
+    using namespace gridforge;
+    constexpr std::size_t kMostCells = 1 << 20;
+    try {
+        fuzz::prepare();
+        GridHeader header = readGridHeader(fuzz::folder() + name);
+        Grid cells;
+        if (header.cells() <= kMostCells && cells.allocate(header.nrows, header.ncols)) {
+            readGridCells(fuzz::folder() + name, header, cells);
+        }
+    } catch (const fuzz::EndOfRun&) {
+    }
+    closeAllUnits(false);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace gridforge::fuzz;
+    const auto [text, binary] = split({reinterpret_cast<const char*>(data), size}, std::string_view("\0", 1));
+    give("g.asc", text);
+    readGrid("g.asc");
+    give("g.hdr", text);
+    give("g.flt", binary);
+    readGrid("g.flt");
+    return 0;
+}
