@@ -1,0 +1,459 @@
+#include "gis/shp_reader.h"
+
+#include "base/console.h"
+#include "base/numbers.h"
+#include "gis/layers.h"
+#include "support/child_run.h"
+#include "support/shp_bytes.h"
+
+#include <array>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <random>
+#include <sys/resource.h>
+
+namespace gridforge::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+const std::string kNullRecord = little(0);
+const std::vector<double> kTwoRings = {0, 0, 9, 0, 9, 9, 0, 0, 5, 1, 6, 1, 6, 2, 5, 2, 5, 1};
+
+// A layer of the test's own process, opened and with its header read.
+class ShpReading : public testing::Test {
+protected:
+    void open(std::int32_t type, const std::vector<std::string>& records)
+    {
+        giveShp(folder, "l", type, records);
+        startUnits(1000);
+        gisInitialise(-1, "", "", "");
+        id = gisOpenLayer((folder.path() / "l.shp").string(), "", "I ");
+        gisReadHeader(id);
+    }
+    void TearDown() override
+    {
+        if (id > 0) {
+            gisCloseLayer(id);
+        }
+    }
+    // The next object's kind, and its coordinates unless told otherwise.
+    void next(bool coordinates = true)
+    {
+        ASSERT_TRUE(gisObjectType(id, gisO));
+        gisReadObject(id, gisO, c, 1000, coordinates);
+    }
+    std::vector<double> vertices() const
+    {
+        std::vector<double> numbers;
+        for (std::size_t i = 0; i < static_cast<std::size_t>(c.np); ++i) {
+            numbers.insert(numbers.end(), {c.x[i], c.y[i]});
+        }
+        return numbers;
+    }
+
+    ScratchFolder folder;
+    std::int32_t id = 0;
+    GisO gisO;
+    GisCoordinates c;
+};
+
+TEST_F(ShpReading, APoint)
+{
+    open(1, {pointRecord(1.5, -2.25), pointRecord(3, 4)});
+    next();
+    EXPECT_TRUE(gisO.point);
+    EXPECT_EQ(gisO.name, "Point");
+    EXPECT_TRUE(gisO.haveCoordinates);
+    EXPECT_THAT(vertices(), ElementsAre(1.5, -2.25));
+    EXPECT_EQ(c.x[1], 1.5);
+    EXPECT_EQ(c.xc, 1.5);
+    EXPECT_FALSE(gisLayer(id).layerEnd);
+    next();
+    EXPECT_THAT(vertices(), ElementsAre(3, 4));
+    EXPECT_TRUE(gisLayer(id).layerEnd);
+}
+
+TEST_F(ShpReading, APolyline)
+{
+    open(3, {partsRecord(3, {0}, {0, 0, 3, 4, 3, 10})});
+    next();
+    EXPECT_TRUE(gisO.pline);
+    EXPECT_FALSE(gisO.plineMultiple);
+    EXPECT_EQ(gisO.name, "Polyline");
+    EXPECT_EQ(gisO.nr, 1);
+    EXPECT_THAT(vertices(), ElementsAre(0, 0, 3, 4, 3, 10));
+    EXPECT_EQ(c.length, 11.0F);
+    EXPECT_EQ(c.xc, 3.0);
+    EXPECT_NEAR(c.yc, 4.5, 1e-6); // half of 11 is 0.5 behind the second vertex
+}
+
+TEST_F(ShpReading, APolylineOfTwoPartsGivesOnePartACall)
+{
+    open(3, {partsRecord(3, {0, 2}, {0, 0, 3, 4, 10, 10, 11, 11, 12, 12}), partsRecord(3, {0}, {7, 7, 8, 8})});
+    next();
+    EXPECT_TRUE(gisO.plineMultiple);
+    EXPECT_FALSE(gisO.pline);
+    EXPECT_EQ(gisO.nSections, 2);
+    EXPECT_EQ(gisO.nr, 1);
+    EXPECT_THAT(vertices(), ElementsAre(0, 0, 3, 4));
+    gisReadObject(id, gisO, c, 1000);
+    EXPECT_EQ(gisO.nr, 2);
+    EXPECT_THAT(vertices(), ElementsAre(10, 10, 11, 11, 12, 12));
+    next();
+    EXPECT_TRUE(gisO.pline);
+    EXPECT_THAT(vertices(), ElementsAre(7, 7, 8, 8));
+}
+
+// Each ring is followed by its second vertex once more, which ir does not count.
+TEST_F(ShpReading, ARegionInTheLayoutOfRings)
+{
+    open(5, {partsRecord(5, {0, 4}, kTwoRings)});
+    next();
+    EXPECT_TRUE(gisO.region);
+    EXPECT_EQ(gisO.name, "Polygon");
+    EXPECT_EQ(gisO.nr, 2);
+    EXPECT_EQ(c.np, 4 + 1 + 5 + 1);
+    EXPECT_EQ(gisO.ir[0], 4);
+    EXPECT_EQ(gisO.ir[1], 10);
+    EXPECT_THAT(vertices(), ElementsAre(0, 0, 9, 0, 9, 9, 0, 0, 9, 0, 5, 1, 6, 1, 6, 2, 5, 2, 5, 1, 6, 1));
+}
+
+TEST_F(ShpReading, ARingOfFewVertices)
+{
+    open(5, {partsRecord(5, {0, 0, 1}, {4, 5, 6, 7, 8, 9})});
+    next();
+    EXPECT_EQ(gisO.nr, 3);
+    // No vertex and its slot, one and its slot, two and theirs. Slots without a second vertex hold what was there.
+    EXPECT_EQ(c.np, 1 + 2 + 3);
+    EXPECT_EQ(gisO.ir[0], 0);
+    EXPECT_EQ(gisO.ir[1], 2);
+    EXPECT_EQ(gisO.ir[2], 5);
+    EXPECT_EQ(c.x[1], 4);
+    EXPECT_EQ(c.x[3], 6);
+    EXPECT_EQ(c.x[4], 8);
+    EXPECT_EQ(c.x[5], 8);
+}
+
+TEST_F(ShpReading, ANullShapeHasNoCoordinates)
+{
+    open(1, {kNullRecord, pointRecord(3, 4)});
+    next();
+    EXPECT_TRUE(gisO.none);
+    EXPECT_EQ(gisO.name, "Null Shape");
+    next();
+    EXPECT_TRUE(gisO.point);
+}
+
+TEST_F(ShpReading, AMultipointGivesItsFirstPoint)
+{
+    open(8, {little(8) + reals({0, 0, 0, 0}) + little(2) + reals({5, 6, 7, 8})});
+    next();
+    EXPECT_TRUE(gisO.multipoint);
+    EXPECT_EQ(gisO.name, "MultiPoint");
+    EXPECT_EQ(gisO.nSections, 2);
+    EXPECT_THAT(vertices(), ElementsAre(5, 6));
+}
+
+TEST_F(ShpReading, WithoutCoordinatesTheObjectIsPassedOver)
+{
+    std::vector<double> many(2000);
+    open(3, {partsRecord(3, {0}, many), partsRecord(3, {0}, {1, 2, 3, 4})});
+    next(false);
+    EXPECT_EQ(c.np, 1000);
+    next();
+    EXPECT_THAT(vertices(), ElementsAre(1, 2, 3, 4));
+}
+
+TEST_F(ShpReading, WithoutCoordinatesARegionKeepsTheCountOfTheFile)
+{
+    open(5, {partsRecord(5, {0, 4}, kTwoRings), partsRecord(5, {0}, {0, 0, 1, 0, 1, 1, 0, 0})});
+    next(false);
+    EXPECT_EQ(c.np, 9);
+    EXPECT_EQ(gisO.ir[1], 4);
+    next();
+    EXPECT_EQ(c.np, 5);
+}
+
+TEST_F(ShpReading, GoesBackToTheBeginning)
+{
+    open(1, {pointRecord(1, 2), pointRecord(3, 4)});
+    next();
+    next();
+    gisGotoBeginningOfData(id);
+    std::string line;
+    gisReadRecord(id, gisO, line);
+    EXPECT_EQ(line, "\"r1\"");
+    next();
+    EXPECT_THAT(vertices(), ElementsAre(1, 2));
+}
+
+TEST_F(ShpReading, KeepsTheHeader)
+{
+    giveShp(folder, "l", 1, {pointRecord(1, 2)});
+    std::string bytes = folder.read("l.shp");
+    bytes.replace(28, 4, little(77));
+    bytes.replace(36, 32, reals({1, 2, 3, 4}));
+    folder.give("l.shp", bytes);
+    const ChildRun run = runInChild(folder, [] {
+        gisInitialise(-1, "", "", "");
+        const std::int32_t gisID = gisOpenLayer("l.shp", "", "I ");
+        gisReadHeader(gisID);
+        const ShpFile& shp = gisLayer(gisID).shpFiles[0];
+        say(shp.fileCode, " ", shp.fileLength, " ", shp.version, " ", shp.shapeType);
+        say(AREAL8(shp.xmin), AREAL8(shp.ymin), AREAL8(shp.xmax), AREAL8(shp.ymax));
+    });
+    EXPECT_THAT(run.console, EndsWith("Shapefile Code: 9994  Length: 64\n"
+                                      "Shapefile Version: 77  Type: 1\n"
+                                      "...Closed File Unit:1002\n"
+                                      "DBF file contains 1 records.\n"
+                                      "1 DBF Fields (Name [#/Type/Length]): NAME [1/C/3]  \n"
+                                      "9994 64 77 1\n"
+                                      "1.2.3.4.\n"));
+}
+
+// --- What ends the run -----------------------------------------------------------------------------------------------
+
+// Reads a layer to its end and says how many objects it had.
+void readAll(bool coordinates, std::int32_t maxVertices = 1000)
+{
+    gisInitialise(-1, "", "", "");
+    std::int32_t gisID = gisOpenLayer("l.shp", "", "I ");
+    gisReadHeader(gisID);
+    GisO gisO;
+    GisCoordinates c;
+    int objects = 0;
+    while (!gisLayer(gisID).layerEnd) {
+        gisObjectType(gisID, gisO);
+        gisReadObject(gisID, gisO, c, maxVertices, coordinates);
+        ++objects;
+    }
+    gisCloseLayer(gisID);
+    say("objects ", objects);
+}
+
+// The last lines of the console where reading these records ends the run.
+std::string endOf(const std::vector<std::string>& records, bool coordinates = true, std::int32_t maxVertices = 1000)
+{
+    const ScratchFolder folder;
+    giveShp(folder, "l", 1, records);
+    const ChildRun run = runInChild(folder, [&] { readAll(coordinates, maxVertices); });
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "");
+    const std::size_t header = run.console.find("NAME [1/C/3]  \n");
+    return run.console.substr(header + 15);
+}
+
+std::string ending(const std::string& message)
+{
+    return "\n" + message + "\n\nPress Enter to Close\n";
+}
+
+TEST(ShpReadingEnds, OnShapesThatAreNotSupported)
+{
+    EXPECT_EQ(endOf({pointRecord(1, 2), little(11) + reals({1, 2, 3, 4})}),
+              ending("ERROR 0423 - Unsupported .shp object type PointZ [11]"));
+    const std::vector<std::pair<std::int32_t, std::string>> names = {
+        {13, "PolyLineZ"}, {15, "PolygonZ"},    {18, "MultiPointZ"},    {21, "PointM"}, {23, "PolyLineM"},
+        {25, "PolygonM"},  {28, "MultiPointM"}, {31, "MultiPatch"},     {2, "Unknown"}, {32, "Unknown"},
+        {33, "Unknown"},   {-1, "Unknown"},     {2147483647, "Unknown"}};
+    for (const auto& [type, name] : names) {
+        EXPECT_EQ(endOf({little(type) + reals({1, 2})}),
+                  ending("ERROR 0423 - Unsupported .shp object type " + name + " [" + std::to_string(type) + "]"));
+    }
+}
+
+TEST(ShpReadingEnds, OnTooManyPartsAndRings)
+{
+    const std::string box = reals({0, 0, 0, 0});
+    for (const std::int32_t count : {10000, 2147483647}) {
+        EXPECT_EQ(endOf({little(3) + box + little(count) + little(5)}),
+                  ending("ERROR 0421 - Exceeded maximum number of parts in a .shp polyline.  Limit is 10000"));
+        EXPECT_EQ(endOf({little(5) + box + little(count) + little(5)}),
+                  ending("ERROR 0422 - Exceeded maximum number of regions within a .shp region.  Limit is 10000"));
+    }
+    // One less passes here, and the file turns out to be too short for it.
+    EXPECT_EQ(endOf({little(3) + box + little(9999) + little(5)}),
+              ending("ERROR 0425 - End of .shp file encountered whilst reading object type."));
+    EXPECT_EQ(endOf({little(5) + box + little(9999) + little(5)}),
+              ending("ERROR 0430 - End of .shp file encountered whilst reading object coordinates."));
+}
+
+TEST(ShpReadingEnds, OnTooManyVertices)
+{
+    const std::string words = "ERROR 0310 - Exceeded number of allowable nodes in a single .shp polyline or region.\n"
+                              "             Requested       6        Limit       5";
+    EXPECT_EQ(endOf({partsRecord(3, {0}, std::vector<double>(12))}, true, 5), ending(words));
+    // Rings count their slots: 4 vertices and 2 rings.
+    EXPECT_EQ(endOf({partsRecord(5, {0, 2}, std::vector<double>(8))}, true, 5), ending(words));
+    EXPECT_EQ(endOf({partsRecord(5, {0}, {}).substr(0, 40) + little(2147483647) + little(0)}, true, 1000000),
+              ending("ERROR 0310 - Exceeded number of allowable nodes in a single .shp polyline or region.\n"
+                     "             Requested********        Limit 1000000"));
+}
+
+TEST(ShpReadingEnds, OnPartsThatDoNotRise)
+{
+    const std::vector<double> four(8);
+    const auto words = [](int points) {
+        return "ERROR - Parts of an object do not rise within its points in .shp file: l.shp  Points: " +
+               std::to_string(points) + "\n\nPress Enter to Close\n";
+    };
+    const std::vector<std::vector<std::int32_t>> tables = {
+        {0, 3, 2}, {0, 5}, {-1, 2}, {0, -2147483647 - 1}, {2147483647, 0}, {0, 2147483647}};
+    for (const auto& starts : tables) {
+        EXPECT_EQ(endOf({partsRecord(5, starts, four)}), words(4));
+    }
+    EXPECT_EQ(endOf({partsRecord(3, {3, 2}, four)}), words(4));
+    EXPECT_EQ(endOf({partsRecord(3, {5}, four)}), words(4));
+    EXPECT_EQ(endOf({partsRecord(3, {-5}, four)}, false), words(4));
+    std::string negative = partsRecord(3, {0}, {});
+    negative.replace(40, 4, little(-7));
+    EXPECT_EQ(endOf({negative}), words(-7));
+}
+
+TEST(ShpReadingEnds, OnCountsBelowZero)
+{
+    const std::string box = reals({0, 0, 0, 0});
+    EXPECT_EQ(endOf({little(3) + box + little(-1) + little(5)}),
+              "ERROR - Number of parts of a polyline is below 0 in .shp file: l.shp  Number: -1\n\n"
+              "Press Enter to Close\n");
+    EXPECT_EQ(endOf({little(5) + box + little(-2147483647 - 1) + little(5)}),
+              "ERROR - Number of rings of a region is below 0 in .shp file: l.shp  Number: -2147483648\n\n"
+              "Press Enter to Close\n");
+    EXPECT_EQ(endOf({little(5) + box + little(1) + little(-5) + little(0)}),
+              "ERROR - Number of points of a region is below 0 in .shp file: l.shp  Number: -5\n\n"
+              "Press Enter to Close\n");
+}
+
+TEST(ShpReadingEnds, OnMorePartsReadThanThereAre)
+{
+    EXPECT_EQ(endOf({little(3) + reals({0, 0, 0, 0}) + little(0) + little(0)}),
+              "ERROR - More parts read than a polyline has in .shp file: l.shp  Parts: 0\n\nPress Enter to Close\n");
+}
+
+TEST(ShpReadingEnds, OnAFileWithoutRecords)
+{
+    EXPECT_EQ(endOf({}), ending("ERROR 0425 - End of .shp file encountered whilst reading object type."));
+}
+
+TEST(ShpReadingEnds, OnAShapeTypeThatIsNone)
+{
+    const ScratchFolder folder;
+    giveShp(folder, "l", 1, {pointRecord(1, 2)});
+    const ChildRun run = runInChild(folder, [] {
+        ShpFile shp;
+        shp.recordShapeType = 11;
+        GisO gisO;
+        GisCoordinates c;
+        shpReadObject(shp, gisO, c, 10, true);
+    });
+    EXPECT_EQ(run.console, ending("Should not be here [shpReadObject].  Please contact SUPPORT_CONTACT."));
+}
+
+// The memory of a process opens like a file and refuses to be read at its start.
+TEST(ShpReadingEnds, OnAReadThatTheSystemRefuses)
+{
+    const ScratchFolder folder;
+    const auto consoleOf = [&](const std::function<void(ShpFile&, GisO&)>& code) {
+        return runInChild(folder,
+                          [&] {
+                              ShpFile shp;
+                              OPENER(shp.shpUnit, "BI", "/proc/self/mem");
+                              GisO gisO;
+                              code(shp, gisO);
+                          })
+            .console;
+    };
+    EXPECT_THAT(consoleOf([](ShpFile& shp, GisO&) { shpReadFileHeader(shp.shpUnit); }),
+                EndsWith(ending("ERROR 0427 - Reading .shp file header.")));
+    EXPECT_THAT(consoleOf([](ShpFile& shp, GisO& gisO) { shpObjectType(shp, gisO); }),
+                EndsWith(ending("ERROR 0424 - Reading .shp file object type.")));
+    EXPECT_THAT(consoleOf([](ShpFile& shp, GisO& gisO) {
+                    GisCoordinates c;
+                    shp.recordShapeType = 1;
+                    shpReadObject(shp, gisO, c, 10, true);
+                }),
+                EndsWith(ending("ERROR 0429 - Reading .shp file object coordinates.")));
+}
+
+TEST(ShpReadingEnds, WhereverTheFileIsCut)
+{
+    const ScratchFolder folder;
+    giveShp(folder, "l", 5,
+            {kNullRecord, pointRecord(1, 2), partsRecord(3, {0}, {1, 1, 2, 2}), partsRecord(5, {0, 4}, kTwoRings)});
+    const std::string whole = folder.read("l.shp");
+    // Each record: 8 bytes of head, its type, and what counts as the object's type; then coordinates.
+    const std::vector<std::pair<std::size_t, std::size_t>> typeAndEnd = {
+        {12, 12}, {12, 28}, {12 + 32 + 8 + 4, 88}, {12 + 32 + 4, 8 + 4 + 32 + 8 + 8 + 18 * 8}};
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        std::string want;
+        if (size < 100) {
+            want = "ERROR 0428 - End of .shp file encountered whilst reading header.";
+        } else {
+            std::size_t start = 100;
+            for (const auto& [type, end] : typeAndEnd) {
+                if (size < start + end && size > start) {
+                    want = size < start + type
+                               ? "ERROR 0425 - End of .shp file encountered whilst reading object type."
+                               : "ERROR 0430 - End of .shp file encountered whilst reading object coordinates.";
+                }
+                start += end;
+            }
+        }
+        if (size == 100) {
+            want = "ERROR 0425 - End of .shp file encountered whilst reading object type.";
+        }
+        folder.give("l.shp", whole.substr(0, size));
+        const ChildRun run = runInChild(folder, [&] { readAll(size % 2 == 0); });
+        ASSERT_EQ(run.status, 0) << size;
+        ASSERT_EQ(run.ended, !want.empty()) << size << run.console;
+        if (run.ended) {
+            ASSERT_THAT(run.console, EndsWith(ending(want))) << size;
+        }
+    }
+}
+
+// Whatever the bytes, the run ends by itself: with the whole layer read, or with a message.
+TEST(ShpReadingEnds, OnBytesChangedAtRandom)
+{
+    const ScratchFolder folder;
+    std::mt19937 random(1);
+    const auto upTo = [&](std::size_t most) { return std::uniform_int_distribution<std::size_t>(0, most)(random); };
+    giveShp(folder, "l", 5,
+            {kNullRecord, pointRecord(1, 2), partsRecord(3, {0, 2}, {1, 1, 2, 2, 3, 3, 4, 4}),
+             partsRecord(5, {0, 4}, kTwoRings)});
+    const std::string shp = folder.read("l.shp");
+    const std::string dbf = folder.read("l.dbf");
+    for (int round = 0; round < 100; ++round) {
+        std::string bytes = shp;
+        std::string table = dbf;
+        for (std::size_t change = upTo(3) + 1; change > 0; --change) {
+            // Counts, starts and types are whole words: mostly these are changed.
+            bytes.replace(100 + upTo(bytes.size() - 104), 4,
+                          little(std::array<std::int32_t, 6>{-1, 0, 1, 9999, 1000000, 2147483647}[upTo(5)]));
+            if (round % 3 == 0) {
+                table[upTo(table.size() - 1)] = static_cast<char>(upTo(255));
+            }
+        }
+        folder.give("l.shp", bytes);
+        folder.give("l.dbf", table);
+        const ChildRun run = runInChild(folder, [&] {
+            const rlimit memory = {std::size_t{1} << 30, std::size_t{1} << 30};
+            setrlimit(RLIMIT_DATA, &memory);
+            readAll(round % 2 == 0, 1000000);
+        });
+        ASSERT_EQ(run.status, 0) << run.console;
+        ASSERT_EQ(run.errors, "");
+        ASSERT_THAT(run.console, HasSubstr(run.ended ? "\n\nPress Enter to Close\n" : "\nobjects "));
+        if (run.ended) {
+            ASSERT_THAT(run.console, HasSubstr("\nERROR "));
+        }
+    }
+}
+
+} // namespace
+} // namespace gridforge::test
