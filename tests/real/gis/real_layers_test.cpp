@@ -44,9 +44,9 @@ void compare(const std::vector<LayerObject>& objects, const std::vector<OgrFeatu
     }
 }
 
-TEST(RealLayers, MifLayersReadAsOgrReadsThem)
+void compareAll(std::string_view extension)
 {
-    const auto found = layers(".mif");
+    const auto found = layers(extension);
     if (found.empty() || !haveOgr()) {
         GTEST_SKIP() << "no data or no OGR";
     }
@@ -54,6 +54,51 @@ TEST(RealLayers, MifLayersReadAsOgrReadsThem)
     for (const auto& layer : found) {
         SCOPED_TRACE(layer.string());
         compare(readLayer(layer.string()), ogrFeatures(layer.string()));
+    }
+}
+
+TEST(RealLayers, MifLayersReadAsOgrReadsThem)
+{
+    compareAll(".mif");
+}
+
+TEST(RealLayers, ShpLayersReadAsOgrReadsThem)
+{
+    compareAll(".shp");
+}
+
+// Layers that are there in both families hold the same objects; only the kind of a straight line may differ.
+TEST(RealLayers, BothFamiliesReadTheSame)
+{
+    int pairs = 0;
+    for (auto layer : layers(".shp")) {
+        const auto shp = readLayer(layer.string());
+        if (!std::filesystem::exists(layer.replace_extension(".mif"))) {
+            continue;
+        }
+        SCOPED_TRACE(layer.string());
+        ++pairs;
+        const auto mif = readLayer(layer.string());
+        ASSERT_EQ(shp.size(), mif.size());
+        for (std::size_t i = 0; i < shp.size(); ++i) {
+            SCOPED_TRACE(i);
+            EXPECT_EQ(shp[i].gisO.region, mif[i].gisO.region);
+            EXPECT_EQ(shp[i].gisO.point, mif[i].gisO.point);
+            EXPECT_EQ(shp[i].gisO.plineMultiple, mif[i].gisO.plineMultiple);
+            EXPECT_EQ(shp[i].gisO.pline, mif[i].gisO.pline || mif[i].gisO.line);
+            ASSERT_EQ(shp[i].numbers.size(), mif[i].numbers.size());
+            // Rings may begin at another vertex and run the other way round, so their numbers are compared in order.
+            auto a = shp[i].numbers;
+            auto b = mif[i].numbers;
+            std::ranges::sort(a);
+            std::ranges::sort(b);
+            for (std::size_t k = 0; k < a.size(); ++k) {
+                ASSERT_NEAR(a[k], b[k], shp[i].gisO.region ? 1.0 : 1e-5) << k;
+            }
+        }
+    }
+    if (pairs == 0) {
+        GTEST_SKIP() << "no data";
     }
 }
 
