@@ -28,18 +28,28 @@ bool near(double a, double b)
     return std::abs(a - b) <= 1e-12 * std::max(std::abs(a), std::abs(b)) + 1e-9;
 }
 
-// Objects against what OGR reads; of a line of several parts only the first is read.
-void compare(const std::vector<LayerObject>& objects, const std::vector<OgrFeature>& features)
+std::vector<double> distinct(std::vector<double> numbers)
+{
+    std::ranges::sort(numbers);
+    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+    return numbers;
+}
+
+// Objects against what OGR reads; of a line of several parts in a .mif only the first is read.
+void compare(const std::vector<LayerObject>& objects, const std::vector<OgrFeature>& features,
+             std::string_view extension)
 {
     ASSERT_EQ(objects.size(), features.size());
     for (std::size_t i = 0; i < objects.size(); ++i) {
         SCOPED_TRACE(i);
-        if (!objects[i].gisO.plineMultiple) {
+        if (!objects[i].gisO.plineMultiple || extension == ".shp") {
             ASSERT_EQ(objects[i].numbers.size(), features[i].numbers.size());
         }
-        for (std::size_t k = 0; k < objects[i].numbers.size(); ++k) {
-            ASSERT_TRUE(near(objects[i].numbers[k], features[i].numbers[k]))
-                << k << ": " << objects[i].numbers[k] << " and " << features[i].numbers[k];
+        const bool manyRings = objects[i].gisO.region && objects[i].gisO.nr > 1; // OGR puts them in an order of its own
+        const auto ours = manyRings ? distinct(objects[i].numbers) : objects[i].numbers;
+        const auto theirs = manyRings ? distinct(features[i].numbers) : features[i].numbers;
+        for (std::size_t k = 0; k < ours.size(); ++k) {
+            ASSERT_TRUE(near(ours[k], theirs[k])) << k << ": " << ours[k] << " and " << theirs[k];
         }
     }
 }
@@ -53,7 +63,7 @@ void compareAll(std::string_view extension)
     EXPECT_GE(found.size(), 10U);
     for (const auto& layer : found) {
         SCOPED_TRACE(layer.string());
-        compare(readLayer(layer.string()), ogrFeatures(layer.string()));
+        compare(readLayer(layer.string()), ogrFeatures(layer.string()), extension);
     }
 }
 
@@ -87,13 +97,12 @@ TEST(RealLayers, BothFamiliesReadTheSame)
             EXPECT_EQ(shp[i].gisO.plineMultiple, mif[i].gisO.plineMultiple);
             EXPECT_EQ(shp[i].gisO.pline, mif[i].gisO.pline || mif[i].gisO.line);
             ASSERT_EQ(shp[i].numbers.size(), mif[i].numbers.size());
-            // Rings may begin at another vertex and run the other way round, so their numbers are compared in order.
-            auto a = shp[i].numbers;
-            auto b = mif[i].numbers;
-            std::ranges::sort(a);
-            std::ranges::sort(b);
+            // Rings may begin at another vertex and run the other way round.
+            const auto a = distinct(shp[i].numbers);
+            const auto b = distinct(mif[i].numbers);
+            ASSERT_EQ(a.size(), b.size());
             for (std::size_t k = 0; k < a.size(); ++k) {
-                ASSERT_NEAR(a[k], b[k], shp[i].gisO.region ? 1.0 : 1e-5) << k;
+                ASSERT_NEAR(a[k], b[k], 1e-5) << k;
             }
         }
     }
