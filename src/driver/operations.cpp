@@ -3,6 +3,7 @@
 #include "base/ends.h"
 #include "ops/conv.h"
 #include "ops/max_min.h"
+#include "remap/remap.h"
 #include "sampling/cp.h"
 #include "sampling/lp.h"
 #include "sampling/trim.h"
@@ -42,7 +43,7 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"trim",      [](const S& s) { return s.trim; },           runTrim},
     {"damages",   [](const S& s) { return s.damages; },        nullptr},
     {"rf",        [](const S& s) { return s.rf; },             nullptr},
-    {"remap",     [](const S& s) { return s.remap; },          nullptr},
+    {"remap",     [](const S& s) { return s.remap; },          runRemap},
     {"stat",      [](const S& s) { return s.stat; },           nullptr},
 }};
 // clang-format on

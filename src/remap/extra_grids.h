@@ -1,0 +1,21 @@
+// Kernels for the grids that are carried to the fine terrain without interpolation.
+#pragma once
+
+#include "grid/grid.h"
+#include "remap/places.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace gridforge {
+
+// One fine row of values by the nearest coarse cell, null in the outer half cells and outside.
+void takeNearestCorners(const Grid& coarse, const std::vector<QuadPlace>& columns, const QuadPlace& row, float null,
+                        std::span<float> values);
+
+// Values become null where there is no depth. The test is against 0 and not against null: with a positive null value
+// nothing is cut; deliberate.
+void cutToDepths(std::span<const float> depths, float null, std::span<float> values);
+
+} // namespace gridforge

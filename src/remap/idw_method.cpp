@@ -1,0 +1,132 @@
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "remap/growth.h"
+#include "remap/idw.h"
+#include "remap/progress.h"
+#include "remap/remap_run.h"
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+#include <thread>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::int32_t kDefaultIterations = 1000;
+constexpr std::int32_t kReportIterations = 100;
+
+// The search has no end where the wet cells do not suffice. It waits without using the processor.
+[[noreturn]] void searchWithoutEnd()
+{
+    say("WARNING - Fewer wet cells within reach than IDW points, the search does not end. Press Ctrl+C to stop.");
+    flushConsole();
+    for (;;) {
+        std::this_thread::sleep_for(std::chrono::hours(24));
+    }
+}
+
+std::int32_t announcePoints(std::int32_t points)
+{
+    if (points <= 0) {
+        say("Max number of points for IDW interpolation not specified, defaulting to ", kDefaultIdwPoints);
+        return kDefaultIdwPoints;
+    }
+    say("Using specified number of points for IDW interpolation of ", points);
+    return points;
+}
+
+void extendCoarseLevels(RemapRun& run, std::int32_t points)
+{
+    std::ranges::fill(run.workGrid.cells(), run.null());
+    say("Beginning IDW interpolation, this may take a while.");
+    extendByIdw(run, points);
+    writeCoarse(run, run.settings.waterLevelGrid, "_h_IDW", run.workGrid);
+}
+
+void interpolateToTerrain(RemapRun& run)
+{
+    const CoarseLevels coarse = run.coarseLevels();
+    const IdwPlaces places = idwPlaces(coarse, columnAxis(run.terrain), rowAxis(run.terrain));
+    eachRow("Interpolating IDW results to DEM - Row:", run.terrain.nrows, kFineProgress, [&](std::int32_t row) {
+        interpolateIdwRow(coarse, places, row, run.demGrid.row(row), run.levelGrid.row(row), run.cellState.row(row));
+    });
+}
+
+std::int32_t iterationLimit(const RemapRun& run)
+{
+    if (!run.settings.bufferGiven) {
+        return kDefaultIterations;
+    }
+    const std::int32_t steps = truncateToInt(static_cast<double>(run.settings.bufferDistance) / run.terrain.cellsize8);
+    return steps == std::numeric_limits<std::int32_t>::max() ? steps : steps + 1;
+}
+
+// The levels of the cells wet so far, in spite of the name that they are written under.
+void reportIteration(RemapRun& run, std::int32_t iteration)
+{
+    eachRow("", run.terrain.nrows, kFineProgress, [&](std::int32_t row) {
+        std::ranges::copy(run.levelGrid.row(row), run.depthGrid.row(row).begin());
+        dropDryLevels(run.cellState.row(row), run.null(), run.depthGrid.row(row));
+    });
+    writeFine(run, run.settings.waterLevelGrid, join("_d2_iter", iteration), run.depthGrid);
+}
+
+void extendOutward(RemapRun& run)
+{
+    const std::int32_t limit = iterationLimit(run);
+    say("Extending extent outward, maximum number of iterations: ", limit);
+    GrowthFront front;
+    std::int64_t extra = 1;
+    for (std::int32_t k = 1; k <= limit && extra > 0; ++k) {
+        extra = growWetArea(front, run.cellState, run.levelGrid, run.demGrid, run.terrain.null);
+        if (k % kReportIterations == 0) {
+            reportIteration(run, k);
+        }
+        say("Iteration ", k, " extra wet cells ", extra);
+    }
+}
+
+void calculateDepths(RemapRun& run)
+{
+    eachRow("Calculating depths based on interpolated levels - Row:", run.terrain.nrows, kFineProgress,
+            [&](std::int32_t row) {
+                depthsOfWetCells(run.demGrid.row(row), run.cellState.row(row), run.levelGrid.row(row), run.null(),
+                                 run.depthGrid.row(row));
+            });
+}
+
+} // namespace
+
+void extendByIdw(RemapRun& run, std::int32_t points)
+{
+    WetIndex wet;
+    if (!indexWetCells(run.wetFlags, wet)) {
+        failMemory();
+    }
+    ListedCells listed;
+    say("Total rows: ", run.coarse.nrows);
+    eachRow("Processing row:", run.coarse.nrows, kCoarseProgress, [&](std::int32_t row) {
+        if (!extendByIdwRow(row, points, wet, run.extentFlags, run.wlGrid, listed, run.workGrid)) {
+            searchWithoutEnd();
+        }
+    });
+    say("   Done.");
+}
+
+void runIdwMethod(RemapRun& run)
+{
+    const std::int32_t points = announcePoints(run.settings.idwPoints);
+    startCellStates(run);
+    extendCoarseLevels(run, points);
+    interpolateToTerrain(run);
+    extendOutward(run);
+    dropDryLevels(run.cellState.cells(), run.null(), run.levelGrid.cells());
+    writeFine(run, run.settings.waterLevelGrid, "_remap_h", run.levelGrid);
+    calculateDepths(run);
+    writeFine(run, run.settings.waterLevelGrid, "_remap_d", run.depthGrid);
+}
+
+} // namespace gridforge

@@ -1,0 +1,57 @@
+#include "remap/places.h"
+
+#include "base/numbers.h"
+
+#include <cmath>
+
+namespace gridforge {
+
+Axis columnAxis(const GridHeader& header)
+{
+    return {header.xll, header.cellsize8, header.ncols};
+}
+
+Axis rowAxis(const GridHeader& header)
+{
+    return {header.yll, header.cellsize8, header.nrows};
+}
+
+std::vector<QuadPlace> placesInQuads(const Axis& fine, const Axis& coarse)
+{
+    std::vector<QuadPlace> places(static_cast<std::size_t>(fine.count));
+    std::int32_t i = 0;
+    for (QuadPlace& place : places) {
+        place.centre = fine.centre(++i);
+        const std::int32_t base =
+            truncateToInt(((place.centre - coarse.origin) + 0.5 * coarse.cellsize) / coarse.cellsize);
+        if (base < 1 || base > coarse.count - 1) {
+            continue;
+        }
+        place.base = base;
+        place.nearest = (place.centre - coarse.centre(base)) / coarse.cellsize > 0.5 ? base + 1 : base;
+    }
+    return places;
+}
+
+std::vector<CellPlace> placesInCells(const Axis& fine, const Axis& coarse)
+{
+    std::vector<CellPlace> places(static_cast<std::size_t>(fine.count));
+    std::int32_t i = 0;
+    for (CellPlace& place : places) {
+        const double centre = fine.centre(++i);
+        const std::int32_t cell = roundToInt(((centre - coarse.origin) + 0.5 * coarse.cellsize) / coarse.cellsize);
+        if (cell < 1 || cell > coarse.count) {
+            continue;
+        }
+        place.cell = cell;
+        place.offset = centre - coarse.centre(cell);
+    }
+    return places;
+}
+
+bool isNearCell(const CellPlace& column, const CellPlace& row, double cellsize)
+{
+    return std::sqrt(column.offset * column.offset + row.offset * row.offset) <= cellsize;
+}
+
+} // namespace gridforge

@@ -1,0 +1,199 @@
+#include "remap/remap.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/names.h"
+#include "base/numbers.h"
+#include "grid/header.h"
+#include "grid/reader.h"
+#include "grid/writer.h"
+#include "remap/remap_run.h"
+#include "run/outputs.h"
+
+#include <algorithm>
+
+namespace gridforge {
+
+namespace {
+
+// A freeboard up to this is added, but not announced.
+constexpr float kAnnouncedFreeboard = 0.001F;
+// Reach of the flags of the TIN method: past the eight neighbours, short of the next.
+constexpr double kTinReach = 1.5;
+
+// The figures wrap at 32 bits on purpose: they are only printed.
+std::int32_t flagKilobytes(const GridHeader& header)
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(header.nrows) *
+                                     static_cast<std::uint32_t>(header.ncols)) /
+           1000;
+}
+
+std::int32_t pairKilobytes(const GridHeader& header)
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(header.ncols) * 2U *
+                                     static_cast<std::uint32_t>(header.nrows) * 4U) /
+           1000;
+}
+
+void allocateFlags(CellFlags& flags, const GridHeader& header, std::string_view purpose)
+{
+    say("Allocating ", AINTEGER(flagKilobytes(header)), "Kb memory for ", purpose);
+    if (!flags.allocate(header.nrows, header.ncols)) {
+        failMemory();
+    }
+}
+
+// Gives the number of the first extra grid in the list.
+std::int32_t announceInputs(const RunSettings& settings, const InputFileList& inputs)
+{
+    std::int32_t firstExtra = 1;
+    if (settings.waterLevelGrid.empty()) {
+        say("ERROR - Water level grid is required."); // and on: the read that follows fails
+    } else {
+        say("   Water Level Grid: ", settings.waterLevelGrid);
+        firstExtra = 2;
+    }
+    if (settings.demGrid.empty()) {
+        fail("ERROR - DEM grid is required.");
+    }
+    say("   High Res DEM:     ", settings.demGrid);
+    if (!settings.extentGrid.empty()) {
+        say("   Max Extent Grid:  ", settings.extentGrid);
+    }
+    say("   Number of grids to remap without interporation:  ", AINTEGER(inputs.count() - firstExtra + 1));
+    for (std::int32_t i = firstExtra; i <= inputs.count(); ++i) {
+        say("   ", inputs[i]);
+    }
+    if (settings.freeboard > kAnnouncedFreeboard) {
+        say("Adding user specified freeboard of: ", AREAL(settings.freeboard));
+    }
+    return firstExtra;
+}
+
+void loadWaterLevels(RemapRun& run)
+{
+    const std::string& name = run.settings.waterLevelGrid;
+    run.coarse = readGridHeader(name);
+    allocateGrid(run.wlGrid, run.coarse, "storing water levels...");
+    say("Reading WL data");
+    readGridCells(name, run.coarse, run.wlGrid);
+
+    allocateFlags(run.wetFlags, run.coarse, "mod wet/dry flags");
+    say("Adding freeboard and setting wet/dry flags for modelled grid...");
+    flagWetAndAddFreeboard(run.wlGrid.cells(), run.null(), run.settings.freeboard, run.wetFlags.cells());
+    say("   Done.");
+
+    allocateFlags(run.extentFlags, run.coarse, "maximum extent flags");
+    allocateGrid(run.workGrid, run.coarse, "working array...");
+}
+
+void flagBuffer(RemapRun& run, float buffer)
+{
+    const ExtentCounts counts = bufferExtent(run.wetFlags, run.coarse.cellsize, buffer, run.extentFlags);
+    say("Found ", integerField(counts.wet, 12), " wet cells in input grid and added ",
+        integerField(counts.buffered, 12), " buffered cells.");
+}
+
+void flagExtentGrid(RemapRun& run)
+{
+    const std::string& name = run.settings.extentGrid;
+    GridHeader extent = readGridHeader(name);
+    say("Checking water level and maximum extent grids match...");
+    compareGridDimensions(run.coarse, extent);
+    say("    Done.");
+    say("Reading max extent data");
+    readGridCells(name, extent, run.workGrid);
+    say("Setting maximum extent flags based on maximum modelled grid...");
+    flagValues(run.workGrid.cells(), extent.null, run.extentFlags.cells());
+    say("   Done.");
+}
+
+void setExtentFlags(RemapRun& run)
+{
+    const RunSettings& settings = run.settings;
+    if (settings.interpolation == kInterpolateTin) {
+        const auto buffer = static_cast<float>(kTinReach * run.coarse.cellsize8);
+        say("Setting extent flags for tin interporation ", AREAL(buffer));
+        flagBuffer(run, buffer);
+    } else if (!settings.extentGrid.empty()) {
+        flagExtentGrid(run);
+    } else if (settings.bufferGiven) {
+        say("Setting maximum extent flags based on buffer distance of ", AREAL(settings.bufferDistance));
+        flagBuffer(run, settings.bufferDistance);
+    } else {
+        say("WARNING - Maximum extent not limited by buffer distance or specified extent, processing may be slow.");
+        pauseForEnter();
+        std::ranges::fill(run.extentFlags.cells(), std::uint8_t{1});
+    }
+}
+
+void loadTerrain(RemapRun& run)
+{
+    const std::string& name = run.settings.demGrid;
+    say("Reading DEM header...");
+    run.terrain = readGridHeader(name);
+    run.projectionText = run.terrain.projectionText;
+    allocateGrid(run.demGrid, run.terrain, "storing DEM.");
+    say("Reading DEM data");
+    readGridCells(name, run.terrain, run.demGrid);
+
+    say("Allocating ", AINTEGER(pairKilobytes(run.terrain)), "Kb memory for processing");
+    if (!run.levelGrid.allocate(run.terrain.nrows, run.terrain.ncols) ||
+        !run.depthGrid.allocate(run.terrain.nrows, run.terrain.ncols)) {
+        failMemory();
+    }
+}
+
+void runMethod(RemapRun& run)
+{
+    switch (run.settings.interpolation) {
+    case kInterpolateNearest: runNearestMethod(run); break;
+    case kInterpolateIdw: runIdwMethod(run); break;
+    case kInterpolateTin: runTinMethod(run); break;
+    default: fail("ERROR - Incorrect Remap method");
+    }
+}
+
+} // namespace
+
+void writeFine(const RemapRun& run, std::string_view source, std::string_view suffix, const Grid& cells)
+{
+    GridHeader header = run.terrain;
+    header.null = run.null();
+    writeGrid(run.format, join(FILENAMEPATH(source), suffix), header, cells, run.projectionText, run.settings.decimals);
+}
+
+void writeCoarse(const RemapRun& run, std::string_view source, std::string_view suffix, const Grid& cells)
+{
+    writeGrid(run.format, join(FILENAMEPATH(source), suffix), run.coarse, cells, run.projectionText,
+              run.settings.decimals);
+}
+
+void startCellStates(RemapRun& run)
+{
+    if (!run.cellState.allocate(run.terrain.nrows, run.terrain.ncols)) {
+        failMemory();
+    }
+    if (const CellState start = startState(run.null()); start != CellState::untouched) {
+        std::ranges::fill(run.cellState.cells(), start);
+    }
+}
+
+void runRemap(const RunSettings& settings, const InputFileList& inputs)
+{
+    say("Processing -remap option.");
+    const std::int32_t firstExtra = announceInputs(settings, inputs);
+
+    RemapRun run(settings);
+    loadWaterLevels(run);
+    setExtentFlags(run);
+    loadTerrain(run);
+    run.format = outputFormatRule(settings, run.coarse.format);
+    runMethod(run);
+
+    say("");
+    remapExtraGrids(run, inputs, firstExtra);
+}
+
+} // namespace gridforge

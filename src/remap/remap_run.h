@@ -1,0 +1,64 @@
+// What the steps of a remap share: its grids, and the methods that make the fine ones from the coarse ones.
+#pragma once
+
+#include "grid/grid.h"
+#include "remap/cell_state.h"
+#include "remap/extent_flags.h"
+#include "remap/tin.h"
+#include "run/inputs.h"
+#include "run/run_settings.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+struct RemapRun {
+    explicit RemapRun(const RunSettings& given) : settings(given) {}
+
+    const RunSettings& settings;
+
+    // Coarse
+    GridHeader coarse; // of the water level grid
+    Grid wlGrid;       // later each extra grid
+    CellFlags wetFlags;
+    CellFlags extentFlags;
+    Grid workGrid; // levels after the extension; before that the extent grid
+
+    // Fine
+    GridHeader terrain; // its null is the terrain's own
+    Grid demGrid;
+    Grid levelGrid;
+    Grid depthGrid;
+    CellStates cellState;
+
+    std::int32_t format = kFormatAsc; // of all outputs
+    std::string projectionText;       // of the grid whose header was read last, which that of the outputs is
+
+    float null() const { return coarse.null; }
+    CoarseLevels coarseLevels() const
+    {
+        return {columnAxis(coarse), rowAxis(coarse), wlGrid, workGrid, null(), settings.freeboard};
+    }
+};
+
+// Writes beside the grid `source`: its name without extension, and the suffix.
+void writeFine(const RemapRun& run, std::string_view source, std::string_view suffix, const Grid& cells);
+void writeCoarse(const RemapRun& run, std::string_view source, std::string_view suffix, const Grid& cells);
+
+// Takes the state of every fine cell, at its start.
+void startCellStates(RemapRun& run);
+
+// Levels of the coarse lattice after the extension by `points` nearest wet cells, into workGrid. A search that cannot
+// find them says so and waits for the user to stop the run.
+void extendByIdw(RemapRun& run, std::int32_t points);
+
+void runNearestMethod(RemapRun& run);
+void runIdwMethod(RemapRun& run);
+void runTinMethod(RemapRun& run);
+
+// The grids of the list from the entry `first` on, by nearest cell and cut to the wet extent.
+void remapExtraGrids(RemapRun& run, const InputFileList& inputs, std::int32_t first);
+
+} // namespace gridforge

@@ -1,0 +1,83 @@
+// The TIN method: the coarse level one cell past its wet edge, the level in four triangles to each quad of coarse
+// centres, and the depth on the fine terrain.
+#pragma once
+
+#include "base/triangle.h"
+#include "remap/cell_state.h"
+#include "remap/extent_flags.h"
+#include "remap/places.h"
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace gridforge {
+
+// The level of a dry cell from the wet ones among its eight neighbours, by inverse distance to the power `exponent`.
+// There must be one.
+float idwOneCell(std::int32_t row, std::int32_t column, const CellFlags& wetFlags, const Grid& levels, float exponent);
+
+// One row of levels after the extension by one cell: wet cells keep theirs, flagged ones take idwOneCell, the rest is
+// left.
+void extendOneCellRow(std::int32_t row, const CellFlags& wetFlags, const CellFlags& extentFlags, const Grid& levels,
+                      Grid& extended);
+
+// A level must stand above null and freeboard by more than this for its cell to make fine cells wet.
+inline constexpr float kWetAboveNull = 0.1F;
+
+// The coarse grids of an interpolation and their lattice. `levels` are those of the model, `extended` has the cells
+// past the edge.
+struct CoarseLevels {
+    Axis columns;
+    Axis rows;
+    const Grid& levels;
+    const Grid& extended;
+    float null = kDefaultNull;
+    float freeboard = 0;
+
+    float wetThreshold() const { return (null + freeboard) + kWetAboveNull; }
+};
+
+// The quad between the centres of the coarse cells (row, column) and (row + 1, column + 1), cut into four triangles by
+// its diagonals, ready for the fine cells in it.
+struct PreparedQuad {
+    TrianglePoint southWest;
+    TrianglePoint northWest;
+    TrianglePoint northEast;
+    TrianglePoint southEast;
+    std::array<PreparedTriangle, 4> triangles; // west, north, east, south
+};
+PreparedQuad prepareQuad(const CoarseLevels& coarse, std::int32_t row, std::int32_t column);
+
+// The triangle under the point. On the diagonal from south-west to north-east it is the east or south one; on the other
+// diagonal the north one above the first diagonal and the south one below it.
+const PreparedTriangle& triangleUnder(const PreparedQuad& quad, const TrianglePoint& point);
+
+// The walk over the fine rows: where they and the columns fall, and the quads of the coarse row that it is in.
+struct TinWalk {
+    // Fine columns from `first` to before `last`, counted from 0, that lie in the same coarse column.
+    struct Run {
+        std::int32_t base = 0;
+        std::size_t first = 0;
+        std::size_t last = 0;
+    };
+    std::vector<QuadPlace> columns;
+    std::vector<QuadPlace> rows;
+    std::vector<Run> runs;
+    std::int32_t coarseRow = 0;
+    std::vector<PreparedQuad> quads; // of that coarse row, one a run
+};
+TinWalk startTinWalk(const CoarseLevels& coarse, const Axis& fineColumns, const Axis& fineRows);
+
+// Levels and states of one fine row; rows in the same coarse row should follow each other. `states` holds the start
+// state on entry. The level of a cell that does not turn out wet is null: no later step would look at another.
+void interpolateTinRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t fineRow, std::span<float> levels,
+                       std::span<CellState> states);
+
+// Depths of one row: level less ground where the cell is wet and the level not below the ground, else null, and then
+// the level becomes null too.
+void depthsWhereWet(std::span<const float> ground, std::span<const CellState> states, float null,
+                    std::span<float> levels, std::span<float> depths);
+
+} // namespace gridforge
