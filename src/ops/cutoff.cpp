@@ -1,0 +1,102 @@
+#include "ops/cutoff.h"
+
+#include "base/ends.h"
+#include "base/names.h"
+#include "base/numbers.h"
+#include "grid/header.h"
+#include "grid/writer.h"
+#include "ops/two_grids.h"
+#include "run/load.h"
+#include "run/outputs.h"
+#include "run/rows.h"
+
+#include <cassert>
+#include <string>
+
+namespace gridforge {
+
+void keepFrom(std::span<const float> cells, float cutoff, float null, std::span<float> output)
+{
+    assert(cells.size() == output.size());
+    const float* const in = cells.data();
+    float* const out = output.data();
+    for (std::size_t i = 0; i < output.size(); ++i) {
+        out[i] = in[i] >= cutoff ? in[i] : null;
+    }
+}
+
+void filterFrom(std::span<const float> test, float cutoff, std::span<const float> values, float valuesNull, float null,
+                std::span<float> output)
+{
+    assert(test.size() == output.size() && values.size() == output.size());
+    const float* const tested = test.data();
+    const float* const in = values.data();
+    float* const out = output.data();
+    for (std::size_t i = 0; i < output.size(); ++i) {
+        out[i] = (tested[i] >= cutoff) & (in[i] != valuesNull) ? in[i] : null;
+    }
+}
+
+namespace {
+
+void settleInputs(RunSettings& settings, InputFileList& inputs)
+{
+    if (inputs.count() > 1) {
+        say("More than one input file specified, using ", quoted(inputs[1]), " for setting cutoff depth / threshold.");
+    }
+    if (inputs.count() > 3) {
+        fail("ERROR - More than three files specified with the cutoff depth option.");
+    }
+    if (inputs.count() == 3) {
+        takeThirdAsOutput(settings, inputs);
+    }
+}
+
+std::string ruledName(const InputFileList& inputs, float cutoff)
+{
+    const bool filters = inputs.count() == 2;
+    return join(FILENAMEPATH(inputs[inputs.count()]), filters ? "_filtered" : "_cd", AREAL(cutoff));
+}
+
+} // namespace
+
+void runCutoff(const RunSettings& givenSettings, const InputFileList& givenInputs)
+{
+    RunSettings settings = givenSettings;
+    InputFileList inputs = givenInputs;
+    say("Processing cutoff option.");
+    settleInputs(settings, inputs);
+    const bool filters = inputs.count() == 2;
+
+    GridHeader first = readGridHeader(inputs[1]);
+    Grid grid1;
+    Grid output;
+    allocateGrid(grid1, first, "storing grid 1...");
+    allocateGrid(output, first, "storing output grid...");
+    readAnnounced(inputs[1], first, grid1);
+
+    GridHeader last = first;
+    Grid grid2;
+    if (filters) {
+        allocateGrid(grid2, first, "storing grid 2...");
+        last = readFurtherHeader(inputs[2], first);
+        readAnnounced(inputs[2], last, grid2);
+    }
+
+    overRows("Processing Row:", first.nrows, first.ncols, [&](const CellBlock& block) {
+        if (filters) {
+            filterFrom(cellsOf(grid1, block), settings.cutoff, cellsOf(grid2, block), last.null, first.null,
+                       cellsOf(output, block));
+        } else {
+            keepFrom(cellsOf(grid1, block), settings.cutoff, first.null, cellsOf(output, block));
+        }
+    });
+    say("   Done.");
+
+    const std::string base = specifiedNameOr(settings, ruledName(inputs, settings.cutoff));
+    const std::int32_t format = outputFormatRule(settings, first.format);
+    say("Writing output to: ", base);
+    writeGrid(format, base, first, output, last.projectionText, settings.decimals);
+}
+
+} // namespace gridforge

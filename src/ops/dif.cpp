@@ -1,0 +1,139 @@
+#include "ops/dif.h"
+
+#include "base/ends.h"
+#include "base/names.h"
+#include "grid/header.h"
+#include "grid/writer.h"
+#include "run/load.h"
+#include "run/outputs.h"
+#include "run/rows.h"
+
+#include <cassert>
+#include <string>
+
+namespace gridforge {
+
+// The kernels take each difference before they choose, and join conditions by & and |: so the loops have no branches
+// and vectorise.
+
+void subtractActive(const DifGrid& first, const DifGrid& second, std::span<float> difference)
+{
+    assert(first.cells.size() == difference.size() && second.cells.size() == difference.size());
+    const float* const a = first.cells.data();
+    const float* const b = second.cells.data();
+    float* const out = difference.data();
+    const float nullA = first.null;
+    const float nullB = second.null;
+    for (std::size_t i = 0; i < difference.size(); ++i) {
+        const float less = a[i] - b[i];
+        out[i] = (a[i] != nullA) & (b[i] != nullB) ? less : nullA;
+    }
+}
+
+void subtractChange(const DifGrid& first, const DifGrid& second, std::span<float> difference)
+{
+    assert(first.cells.size() == difference.size() && second.cells.size() == difference.size());
+    const float* const a = first.cells.data();
+    const float* const b = second.cells.data();
+    float* const out = difference.data();
+    const float nullA = first.null;
+    const float nullB = second.null;
+    for (std::size_t i = 0; i < difference.size(); ++i) {
+        const bool activeA = a[i] != nullA;
+        const bool activeB = b[i] != nullB;
+        const float less = a[i] - b[i];
+        const float fall = 0.0F - b[i];
+        const float alone = activeA ? a[i] : nullA;
+        const float withB = activeA ? less : fall;
+        out[i] = activeB ? withB : alone;
+    }
+}
+
+void subtractWetDry(const DifGrid& first, const DifGrid& second, std::span<float> difference, std::span<float> wetDry)
+{
+    assert(first.cells.size() == difference.size() && second.cells.size() == difference.size());
+    assert(wetDry.size() == difference.size());
+    const float* const a = first.cells.data();
+    const float* const b = second.cells.data();
+    float* const out = difference.data();
+    float* const classes = wetDry.data();
+    const float nullA = first.null;
+    const float nullB = second.null;
+    for (std::size_t i = 0; i < difference.size(); ++i) {
+        const bool activeA = a[i] != nullA;
+        const bool activeB = b[i] != nullB;
+        const float less = a[i] - b[i];
+        const float onlyOne = activeA ? kOnlyFirstActive : kOnlySecondActive;
+        out[i] = activeA & activeB ? less : nullA;
+        classes[i] = activeA != activeB ? onlyOne : nullA;
+    }
+}
+
+namespace {
+
+void checkInputs(const InputFileList& inputs)
+{
+    if (inputs.count() < 2) {
+        refuse("ERROR - Must specify at least two grid files for -dif options.");
+    }
+    if (inputs.count() > 3) {
+        refuse("ERROR - A maximum of three grids are used for -dif options.");
+    }
+}
+
+// Only wildcards leave a third input, and it then names the output.
+std::string outputBase(const RunSettings& settings, const InputFileList& inputs)
+{
+    if (!settings.outputNameGiven && inputs.count() == 3) {
+        return FILENAMEPATH(inputs[3]);
+    }
+    return outputNameRule(settings, inputs[1], join(" - ", FILENAME(inputs[2])));
+}
+
+} // namespace
+
+void runDif(const RunSettings& settings, const InputFileList& inputs)
+{
+    say("Processing \"-dif\" option.");
+    checkInputs(inputs);
+
+    GridHeader first = readGridHeader(inputs[1]);
+    Grid grid1;
+    Grid grid2;
+    Grid difference;
+    Grid wetDry;
+    allocateGrid(grid1, first, "storing grid 1...");
+    allocateGrid(grid2, first, "storing grid 2...");
+    allocateGrid(difference, first, "storing difference grid...");
+    allocateGrid(wetDry, first, "storing wet/dry grid...");
+    readAnnounced(inputs[1], first, grid1);
+    GridHeader second = readFurtherHeader(inputs[2], first);
+    readAnnounced(inputs[2], second, grid2);
+
+    say("Processing difference calculations...");
+    const bool writesWetDry = !settings.nowetdry && !settings.change;
+    overRows("Processing row:", first.nrows, first.ncols, [&](const CellBlock& block) {
+        const DifGrid a{cellsOf(grid1, block), first.null};
+        const DifGrid b{cellsOf(grid2, block), second.null};
+        if (settings.nowetdry) {
+            subtractActive(a, b, cellsOf(difference, block));
+        } else if (settings.change) {
+            subtractChange(a, b, cellsOf(difference, block));
+        } else {
+            subtractWetDry(a, b, cellsOf(difference, block), cellsOf(wetDry, block));
+        }
+    });
+    say("Done processing differences.");
+
+    const std::string base = outputBase(settings, inputs);
+    const std::int32_t format = outputFormatRule(settings, first.format);
+    say("Writing difference values to: ", base);
+    writeGrid(format, base, first, difference, second.projectionText, settings.decimals);
+    if (writesWetDry) {
+        say("Writing wet/dry file to: ", base, "_wd");
+        writeGrid(format, base + "_wd", first, wetDry, second.projectionText, settings.decimals);
+    }
+    say("");
+}
+
+} // namespace gridforge

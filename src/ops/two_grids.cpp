@@ -1,0 +1,27 @@
+#include "ops/two_grids.h"
+
+#include "base/console.h"
+
+#include <cassert>
+
+namespace gridforge {
+
+void takeThirdAsOutput(RunSettings& settings, InputFileList& inputs)
+{
+    assert(inputs.count() == 3);
+    say("   Using third filename as output: ", quoted(inputs[3]), '.');
+    settings.outputName = inputs[3];
+    settings.outputNameGiven = true;
+    inputs.dropLast();
+}
+
+std::string specifiedNameOr(const RunSettings& settings, std::string_view ruled)
+{
+    if (!settings.outputNameGiven) {
+        return std::string(ruled);
+    }
+    say("Using specified output file name: ", quoted(settings.outputName));
+    return settings.outputName;
+}
+
+} // namespace gridforge

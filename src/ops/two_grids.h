@@ -1,0 +1,19 @@
+// What the operations on one grid or a pair share: a third name for the output, and how that is announced.
+#pragma once
+
+#include "run/inputs.h"
+#include "run/run_settings.h"
+
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+// Announces input 3 as the output name and takes it off the list. The name keeps its extension, so the written file has
+// it twice ("c.asc.asc"); deliberate, as is that the file must exist to have come through the expansion.
+void takeThirdAsOutput(RunSettings& settings, InputFileList& inputs);
+
+// The output name given, announced, or else `ruled`.
+std::string specifiedNameOr(const RunSettings& settings, std::string_view ruled);
+
+} // namespace gridforge

@@ -1,0 +1,59 @@
+// Cells for the tests of kernels: random values with ties, nulls and what lies next to them.
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace gridforge::test {
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+// Small whole and broken numbers, many of them equal, and every few cells `null` or a neighbour of it.
+inline std::vector<float> tiedCells(std::size_t count, float null, std::uint32_t seed)
+{
+    std::mt19937 random(seed);
+    std::vector<float> cells(count);
+    for (float& cell : cells) {
+        const auto kind = random() % 12;
+        const float number = static_cast<float>(random() % 9) - 3.0F;
+        cell = kind < 2    ? null
+               : kind == 2 ? std::nextafter(null, 1.0e30F)
+               : kind == 3 ? std::nextafter(null, -1.0e30F)
+               : kind == 4 ? null + 0.01F
+               : kind == 5 ? number * 0.3F
+                           : number;
+    }
+    return cells;
+}
+
+// The same with cells that are no number, infinite or very large among them.
+inline std::vector<float> oddCells(std::size_t count, float null, std::uint32_t seed)
+{
+    constexpr float kOdd[] = {kNaN, kInfinity, -kInfinity, 9.0e29F, 1.0e30F, 8.9e29F, -0.0F, 0.0F};
+    std::mt19937 random(seed + 1);
+    std::vector<float> cells = tiedCells(count, null, seed);
+    for (float& cell : cells) {
+        if (random() % 5 == 0) {
+            cell = kOdd[random() % 8];
+        }
+    }
+    return cells;
+}
+
+// Values by their bits, so that equal means the same and not a number equals itself.
+inline std::vector<std::uint32_t> bitsOf(const std::vector<float>& values)
+{
+    std::vector<std::uint32_t> bits;
+    for (const float value : values) {
+        bits.push_back(value != value ? 0x7FC00000U : std::bit_cast<std::uint32_t>(value));
+    }
+    return bits;
+}
+
+} // namespace gridforge::test
