@@ -1,0 +1,109 @@
+#include "ops/class_table.h"
+
+#include "base/control_lines.h"
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "base/units.h"
+
+#include <algorithm>
+#include <cassert>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::size_t kNameColumns = 100;
+
+ClassRow colouredRow(const std::string& line)
+{
+    constexpr float kNoLimit = -9999.0F;
+    const std::string lower = LOWERCASE(line);
+    ClassRow row;
+    row.limit = EXTRACTREAL(line, lower, "Value", 1, kNoLimit);
+    row.name = cut(EXTRACTSTRING(line, lower, "Name", 2), kNameColumns);
+    row.red = EXTRACTINTEGER(line, lower, "Red", 3, 0);
+    row.green = EXTRACTINTEGER(line, lower, "Green", 4, 0);
+    row.blue = EXTRACTINTEGER(line, lower, "Blue", 5, 0);
+    return row;
+}
+
+bool isRead(FreeValue found)
+{
+    return found == FreeValue::value || found == FreeValue::empty;
+}
+
+ClassRow plainRow(const std::string& line)
+{
+    ClassRow row;
+    FreeForm values(line);
+    if (!isRead(values.next(row.limit)) || !isRead(values.nextText(row.name, kNameColumns))) {
+        say("ERROR - Reading following line in classes file:");
+        fail(line);
+    }
+    return row;
+}
+
+std::string nextLine(Unit unit)
+{
+    std::string line;
+    if (!atEnd(unit) && !readLine(unit, line)) {
+        say("ERROR - Reading following line in classes file:");
+        fail(line);
+    }
+    return line;
+}
+
+} // namespace
+
+ClassTable readClassTable(std::string_view file, bool coloured, const ClassWords& words)
+{
+    say(words.from, file);
+    say(words.maximum, kMaxClasses);
+    Unit unit = 0;
+    OPENER(unit, "I ", file);
+    say("Skipping first line: ", nextLine(unit));
+
+    ClassTable table;
+    while (!atEnd(unit)) {
+        const std::string line = nextLine(unit);
+        if (table.size() == static_cast<std::size_t>(kMaxClasses)) {
+            fail(words.tooMany);
+        }
+        table.push_back(coloured ? colouredRow(line) : plainRow(line));
+    }
+    say(words.found, table.size());
+    CLOSER(unit);
+    if (table.size() < 2) {
+        fail(words.tooFew);
+    }
+    return table;
+}
+
+std::vector<float> risingLimits(const ClassTable& table)
+{
+    std::vector<float> limits;
+    limits.reserve(table.size());
+    for (const ClassRow& row : table) {
+        const bool rises = limits.empty() || limits.back() != limits.back() || row.limit > limits.back();
+        limits.push_back(rises ? row.limit : limits.back());
+    }
+    return limits;
+}
+
+void findClasses(std::span<const float> cells, std::span<const float> limits, std::span<std::int32_t> numbers)
+{
+    assert(cells.size() == numbers.size());
+    const float* const in = cells.data();
+    std::int32_t* const number = numbers.data();
+    const std::size_t count = cells.size();
+    std::ranges::fill(numbers, 1);
+    // Counting the limits that a cell passes does without branches, and the loop over cells vectorises. A cell that is
+    // not a number passes them all.
+    for (const float limit : limits) {
+        for (std::size_t i = 0; i < count; ++i) {
+            number[i] += in[i] <= limit ? 0 : 1;
+        }
+    }
+}
+
+} // namespace gridforge

@@ -1,0 +1,44 @@
+// The table of classes that -classify and -histogram read, and the search for a value's class in it.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+
+inline constexpr std::int32_t kMaxClasses = 100;
+
+struct ClassRow {
+    float limit = 0; // upper, inclusive
+    std::string name;
+    std::int32_t red = 0;
+    std::int32_t green = 0;
+    std::int32_t blue = 0;
+};
+using ClassTable = std::vector<ClassRow>;
+
+// What an operation says while it reads its table.
+struct ClassWords {
+    std::string_view from;
+    std::string_view maximum;
+    std::string_view tooMany;
+    std::string_view found;
+    std::string_view tooFew;
+};
+
+// Reads a heading and then rows of limit and name, and with `coloured` red, green and blue, up to kMaxClasses. A row
+// that cannot be read, a row too many and less than two rows end the run. The order of the limits is not looked at.
+ClassTable readClassTable(std::string_view file, bool coloured, const ClassWords& words);
+
+// The limits in a form that never falls, with the same class for every value: a limit that lies below an earlier one,
+// or is not a number, is never the first that a value reaches.
+std::vector<float> risingLimits(const ClassTable& table);
+
+// The class of each cell: the number from 1 of the first limit that the cell does not exceed, or one more than there
+// are limits. `limits` are as risingLimits gives them; `numbers` is as long as `cells`.
+void findClasses(std::span<const float> cells, std::span<const float> limits, std::span<std::int32_t> numbers);
+
+} // namespace gridforge

@@ -1,0 +1,207 @@
+#include "ops/classify.h"
+
+#include "base/ends.h"
+#include "base/names.h"
+#include "base/numbers.h"
+#include "base/units.h"
+#include "grid/header.h"
+#include "grid/reader.h"
+#include "grid/writer.h"
+#include "ops/class_table.h"
+#include "run/outputs.h"
+#include "run/rows.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <string>
+
+namespace gridforge {
+
+namespace {
+
+constexpr ClassWords kWords{
+    .from = "Getting classifications from: ",
+    .maximum = "Maximum number of classes: ",
+    .tooMany = "ERROR - Number of classes exceeds maximum.",
+    .found = "Number of classes found: ",
+    .tooFew = "ERROR - Less than two classes found.",
+};
+
+constexpr std::size_t kNumberWidth = 4;
+
+// The text of each class number in a classified grid: 0 stands for null.
+class NumberTexts {
+public:
+    NumberTexts()
+    {
+        for (std::size_t i = 0; i < texts_.size(); ++i) {
+            const std::string text = integerField(static_cast<std::int64_t>(i), static_cast<int>(kNumberWidth));
+            std::ranges::copy(text, texts_[i].begin());
+        }
+    }
+    const std::array<char, kNumberWidth>& operator[](std::int32_t number) const
+    {
+        return texts_[static_cast<std::size_t>(number)];
+    }
+
+private:
+    std::array<std::array<char, kNumberWidth>, kMaxClasses + 2> texts_{};
+};
+
+} // namespace
+
+void classifyCells(std::span<const float> cells, float null, std::span<const float> limits, std::span<float> output)
+{
+    assert(cells.size() == output.size());
+    constexpr std::size_t kStretch = 1024;
+    std::array<std::int32_t, kStretch> numbers;
+    for (std::size_t from = 0; from < cells.size(); from += kStretch) {
+        const std::size_t count = std::min(kStretch, cells.size() - from);
+        findClasses(cells.subspan(from, count), limits, std::span(numbers).first(count));
+        const float* const in = cells.data() + from;
+        float* const out = output.data() + from;
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto number = static_cast<float>(numbers[i]);
+            out[i] = in[i] != null ? number : null;
+        }
+    }
+}
+
+namespace {
+
+void checkOrder(const ClassTable& table)
+{
+    for (std::size_t i = 1; i < table.size(); ++i) {
+        if (!(table[i].limit >= table[i - 1].limit)) {
+            fail("ERROR - Classes not in increasing order.");
+        }
+    }
+}
+
+// Shades of red, the darker the lower the class.
+void shadeClasses(ClassTable& table)
+{
+    constexpr std::int32_t kSteps = 1000;
+    constexpr double kFullRed = 255.0;
+    const auto classes = static_cast<std::int32_t>(table.size()) + 1;
+    std::int32_t i = 0;
+    for (ClassRow& row : table) {
+        ++i;
+        const std::int32_t share = (i * kSteps) / classes;
+        row.red = truncateToInt((static_cast<double>(share) * kFullRed) / static_cast<double>(kSteps));
+        row.green = 0;
+        row.blue = 0;
+    }
+}
+
+std::string classLine(std::size_t number, const ClassRow& row)
+{
+    constexpr int kIndexWidth = 3;
+    constexpr int kColourWidth = 4;
+    return join(integerField(static_cast<std::int64_t>(number), kIndexWidth), ' ', quoted(trim(row.name)), ' ',
+                integerField(row.red, kColourWidth), integerField(row.green, kColourWidth),
+                integerField(row.blue, kColourWidth));
+}
+
+void writeClassLines(Unit unit, const ClassTable& table)
+{
+    constexpr int kCountWidth = 3;
+    const std::size_t above = table.size() + 1;
+    writeLine(unit, join("nClasses", integerField(static_cast<std::int64_t>(above), kCountWidth)));
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        writeLine(unit, classLine(i + 1, table[i]));
+    }
+    writeLine(unit, classLine(above, {.limit = 0, .name = "Above", .red = 255, .green = 0, .blue = 0}));
+}
+
+// The numbers come from the classified cells, so a class whose number is the grid's null is written 0 too; deliberate.
+void writeNumbers(Unit unit, std::span<const float> cells, float null, const NumberTexts& texts)
+{
+    constexpr std::size_t kPiece = kWriteRoom / kNumberWidth;
+    for (std::size_t from = 0; from < cells.size(); from += kPiece) {
+        const std::size_t count = std::min(kPiece, cells.size() - from);
+        const std::span<char> room = writeRoom(unit, count * kNumberWidth);
+        char* at = room.data();
+        for (const float cell : cells.subspan(from, count)) {
+            at = std::ranges::copy(texts[cell == null ? 0 : static_cast<std::int32_t>(cell)], at).out;
+        }
+        wroteBytes(unit, count * kNumberWidth);
+    }
+    writeLine(unit, "");
+}
+
+void writeClassifiedAsc(const std::string& name, const GridHeader& header, const Grid& classes, const ClassTable& table)
+{
+    say("Writting .asc in classified format.");
+    Unit unit = 0;
+    OPENER(unit, "O ", name);
+    writeAscHeaderText(unit, name, header.nrows, header.ncols, header.xll, header.yll, header.cellsize8);
+    writeClassLines(unit, table);
+    say("Allocating ", gridKilobytes(header.nrows, header.ncols), "Kb memory for conversion to integer grid...");
+    const NumberTexts texts;
+    for (std::int32_t row = header.nrows; row >= 1; --row) {
+        writeNumbers(unit, classes.row(row), header.null, texts);
+        if (row % kProgressRows == 0) {
+            progress(row);
+        }
+    }
+    endLine();
+    CLOSER(unit);
+}
+
+std::string withAsc(const std::string& name)
+{
+    return FILEEXT(name) == ".asc" ? name : name + ".asc";
+}
+
+} // namespace
+
+void runClassify(const RunSettings& givenSettings, const InputFileList& inputs)
+{
+    RunSettings settings = givenSettings;
+    say("Classifying  grid.");
+    if (inputs.count() > 1) {
+        fail("ERROR - Only a single grid file accepted for \"-classify\" option.");
+    }
+    if (settings.rgb && !settings.grc) {
+        say("WARNING - Must specify \"-grc\" to get classified .asc grid.");
+        // So the output is a .flt unless -asc is given too; deliberate.
+        settings.formatSpecified = true;
+    }
+
+    say("Loading grid data...");
+    GridHeader header = readGridHeader(inputs[1]);
+    Grid input;
+    Grid output;
+    allocateGrid(input, header, "storing input grid...");
+    allocateGrid(output, header, "storing output grid...");
+    say("Reading data...");
+    readGridCells(inputs[1], header, input);
+    say("   Done.");
+
+    ClassTable table = readClassTable(settings.classFile, settings.rgb, kWords);
+    checkOrder(table);
+    const std::vector<float> limits = risingLimits(table);
+    overRows("Processing Row:", header.nrows, header.ncols, [&](const CellBlock& block) {
+        classifyCells(cellsOf(input, block), header.null, limits, cellsOf(output, block));
+    });
+    say("   Done.");
+
+    const std::string base = outputNameRule(settings, inputs[1], "_classified");
+    const std::int32_t format = outputFormatRule(settings, header.format);
+    if (!settings.grc) {
+        say("Writing clssified grid to: ", base);
+        writeGrid(format, base, header, output, header.projectionText, settings.decimals);
+        return;
+    }
+    if (format != kFormatAsc) {
+        fail("ERROR - \"-grc\" option only valid, if outputting to a .asc grid.");
+    }
+    if (!settings.rgb) {
+        shadeClasses(table);
+    }
+    writeClassifiedAsc(withAsc(base), header, output, table);
+}
+
+} // namespace gridforge
