@@ -1,0 +1,11 @@
+// -stat...: minimum, maximum, mean, median, ranks and fraction wet of each cell over 2 to 10 grids.
+#pragma once
+
+#include "run/inputs.h"
+#include "run/run_settings.h"
+
+namespace gridforge {
+
+void runStat(const RunSettings& settings, const InputFileList& inputs);
+
+} // namespace gridforge
