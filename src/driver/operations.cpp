@@ -1,8 +1,18 @@
 #include "driver/operations.h"
 
 #include "base/ends.h"
+#include "ops/classify.h"
 #include "ops/conv.h"
+#include "ops/count.h"
+#include "ops/cutoff.h"
+#include "ops/dif.h"
+#include "ops/flood_extent.h"
+#include "ops/fuzzy.h"
+#include "ops/histogram.h"
 #include "ops/max_min.h"
+#include "ops/resize.h"
+#include "ops/stat.h"
+#include "ops/transform.h"
 #include "remap/remap.h"
 #include "sampling/cp.h"
 #include "sampling/lp.h"
@@ -23,28 +33,28 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"max",       [](const S& s) { return s.max || s.min; },   runMaxMin},
     {"conv",      [](const S& s) { return s.conv; },           runConv},
     {"nc",        [](const S& s) { return s.nc; },             nullptr},
-    {"dif",       [](const S& s) { return s.dif; },            nullptr},
-    {"cd",        [](const S& s) { return s.cd && !s.count; }, nullptr},
-    {"trans_m",   [](const S& s) { return s.trans; },          nullptr},
-    {"fe",        [](const S& s) { return s.fe; },             nullptr},
-    {"fuzzy",     [](const S& s) { return s.fuzzy; },          nullptr},
-    {"count",     [](const S& s) { return s.count; },          nullptr},
-    {"resize",    [](const S& s) { return s.resize; },         nullptr},
-    {"classify",  [](const S& s) { return s.classify; },       nullptr},
-    {"histogram", [](const S& s) { return s.histogram; },      nullptr},
+    {"dif",       [](const S& s) { return s.dif; },            runDif},
+    {"cd",        [](const S& s) { return s.cd && !s.count; }, runCutoff},
+    {"trans_m",   [](const S& s) { return s.trans; },          runTransform},
+    {"fe",        [](const S& s) { return s.fe; },             runFloodExtent},
+    {"fuzzy",     [](const S& s) { return s.fuzzy; },          runFuzzy},
+    {"count",     [](const S& s) { return s.count; },          runCount},
+    {"resize",    [](const S& s) { return s.resize; },         runResize},
+    {"classify",  [](const S& s) { return s.classify; },       runClassify},
+    {"histogram", [](const S& s) { return s.histogram; },      runHistogram},
     {"cp",        [](const S& s) { return s.cp; },             runCalibrationPoints},
     {"lp",        [](const S& s) { return s.lp; },             runLongProfile},
     {"brkline",   [](const S& s) { return s.brkline; },        nullptr},
     {"xs",        [](const S& s) { return s.xs; },             nullptr},
     {"nbc",       [](const S& s) { return s.nbc; },            nullptr},
     {"na",        [](const S& s) { return s.na; },             nullptr},
-    {"multiply",  [](const S& s) { return s.multiply; },       nullptr},
+    {"multiply",  [](const S& s) { return s.multiply; },       runMultiply},
     {"xyz",       [](const S& s) { return s.xyz; },            nullptr},
     {"trim",      [](const S& s) { return s.trim; },           runTrim},
     {"damages",   [](const S& s) { return s.damages; },        nullptr},
     {"rf",        [](const S& s) { return s.rf; },             nullptr},
     {"remap",     [](const S& s) { return s.remap; },          runRemap},
-    {"stat",      [](const S& s) { return s.stat; },           nullptr},
+    {"stat",      [](const S& s) { return s.stat; },           runStat},
 }};
 // clang-format on
 
