@@ -33,7 +33,7 @@ void filterFrom(std::span<const float> test, float cutoff, std::span<const float
     const float* const in = values.data();
     float* const out = output.data();
     for (std::size_t i = 0; i < output.size(); ++i) {
-        out[i] = (tested[i] >= cutoff) & (in[i] != valuesNull) ? in[i] : null;
+        out[i] = ((tested[i] >= cutoff) & (in[i] != valuesNull)) ? in[i] : null;
     }
 }
 

@@ -26,7 +26,7 @@ void subtractActive(const DifGrid& first, const DifGrid& second, std::span<float
     const float nullB = second.null;
     for (std::size_t i = 0; i < difference.size(); ++i) {
         const float less = a[i] - b[i];
-        out[i] = (a[i] != nullA) & (b[i] != nullB) ? less : nullA;
+        out[i] = ((a[i] != nullA) & (b[i] != nullB)) ? less : nullA;
     }
 }
 
@@ -64,7 +64,7 @@ void subtractWetDry(const DifGrid& first, const DifGrid& second, std::span<float
         const bool activeB = b[i] != nullB;
         const float less = a[i] - b[i];
         const float onlyOne = activeA ? kOnlyFirstActive : kOnlySecondActive;
-        out[i] = activeA & activeB ? less : nullA;
+        out[i] = (activeA & activeB) ? less : nullA;
         classes[i] = activeA != activeB ? onlyOne : nullA;
     }
 }

@@ -19,7 +19,7 @@ void markWet(std::span<const float> cells, float null, std::span<float> output)
     const float* const in = cells.data();
     float* const out = output.data();
     for (std::size_t i = 0; i < output.size(); ++i) {
-        out[i] = (in[i] == null) | (std::fabs(in[i]) < kWetFrom) ? null : 1.0F;
+        out[i] = ((in[i] == null) | (std::fabs(in[i]) < kWetFrom)) ? null : 1.0F;
     }
 }
 

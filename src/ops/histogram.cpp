@@ -41,7 +41,7 @@ std::int32_t countPast(std::span<const float> cells, float null, float limit)
 {
     std::int32_t found = 0;
     for (const float cell : cells) {
-        found += (cell != null) & !(cell <= limit) ? 1 : 0;
+        found += ((cell != null) & !(cell <= limit)) ? 1 : 0;
     }
     return found;
 }

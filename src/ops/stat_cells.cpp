@@ -335,7 +335,9 @@ void findMinimum(CellStack grids, float null, std::span<float> values, std::span
         countDry(stretch, dryLimit(null), holds);
         findBest(stretch, null, best, bestSources, [](float cell, float kept) { return cell >= kept; });
         for (std::size_t i = 0; i < count; ++i) {
-            holds[i] = (holds[i] == 0) & (bestSources[i] != kNoSource) ? 1 : 0;
+            const bool noneDry = holds[i] == 0;
+            const bool found = bestSources[i] != kNoSource;
+            holds[i] = (noneDry & found) ? 1 : 0;
         }
         writeWhere(count, holds.data(), null, best.data(), values.data() + from);
         writeWhere(count, holds.data(), null, bestSources.data(), sources.data() + from);
@@ -397,7 +399,9 @@ void findFraction(CellStack grids, float null, std::span<float> values)
         float* const out = values.data() + from;
         for (std::size_t i = 0; i < count; ++i) {
             const float fraction = static_cast<float>(wet[i]) / n;
-            out[i] = (dry[i] != 0) & (wet[i] == 0) ? out[i] : fraction;
+            const bool someDry = dry[i] != 0;
+            const bool noneWet = wet[i] == 0;
+            out[i] = (someDry & noneWet) ? out[i] : fraction;
         }
     });
 }

@@ -37,7 +37,7 @@ void multiplyCells(std::span<const float> first, float firstNull, std::span<cons
     float* const out = output.data();
     for (std::size_t i = 0; i < output.size(); ++i) {
         const float product = a[i] * b[i];
-        out[i] = (a[i] != firstNull) & (b[i] != secondNull) ? product : firstNull;
+        out[i] = ((a[i] != firstNull) & (b[i] != secondNull)) ? product : firstNull;
     }
 }
 
