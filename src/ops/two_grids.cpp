@@ -1,6 +1,7 @@
 #include "ops/two_grids.h"
 
 #include "base/console.h"
+#include "base/text.h"
 
 #include <cassert>
 
@@ -18,7 +19,7 @@ void takeThirdAsOutput(RunSettings& settings, InputFileList& inputs)
 std::string specifiedNameOr(const RunSettings& settings, std::string_view ruled)
 {
     if (!settings.outputNameGiven) {
-        return std::string(ruled);
+        return cut(ruled, kNameWidth);
     }
     say("Using specified output file name: ", quoted(settings.outputName));
     return settings.outputName;

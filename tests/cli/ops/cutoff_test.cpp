@@ -154,5 +154,15 @@ TEST(CutoffCli, WithCountTheCountRuns)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(CutoffCli, TheProjectionIsTheLastGrids)
+{
+    ToolRun run("-cd1 a.asc b.asc");
+    run.give("a.asc", ascGrid({{5}}));
+    run.give("b.asc", ascGrid({{3}}));
+    run.give("b.prj", "PROJCS[\"second\"]\n");
+    run.start();
+    EXPECT_EQ(run.read("b_filtered1..prj"), "PROJCS[\"second\"]\r\n");
+}
+
 } // namespace
 } // namespace gridforge::test

@@ -157,5 +157,17 @@ TEST(ResizeCli, RefusesAFactorBelowOne)
     }
 }
 
+TEST(ResizeCli, AGridTooLargeForMemoryEndsTheRun)
+{
+    ToolRun run("-resize2 a.flt");
+    run.give("a.flt", "");
+    run.give("a.hdr", hdr(2147483647, 1800000000));
+    run.start();
+    // 2147483647 x 1800000000 x 4, of which 32 bits are 1389934592.
+    EXPECT_CONSOLE_HOLDS(run, joined({{"Allocating 1389934Kb memory for storing input grid..."},
+                                      errorEnd("ERROR - Could not allocate enough memory (RAM).")}));
+    EXPECT_NO_OTHER_FILES(run);
+}
+
 } // namespace
 } // namespace gridforge::test

@@ -368,5 +368,40 @@ TEST(StatCli, TheMemoryFiguresAreInMillionsOfBytes)
     EXPECT_TRUE(run.says("Allocating 2 Mb of memory for storing ranked grids."));
 }
 
+TEST(StatCli, GridsTooLargeForMemoryEndTheRunAndTheFigureWraps)
+{
+    ToolRun run("-statMin a.flt b.flt");
+    for (const char* name : {"a", "b"}) {
+        run.give(std::string(name) + ".flt", "");
+        run.give(std::string(name) + ".hdr", hdr(2147483647, 1800000000));
+    }
+    run.start();
+    // 2147483647 x 1800000000 x 2 x 4, of which 32 bits are -1515098112.
+    EXPECT_CONSOLE_HOLDS(run, joined({{"Allocating -1515 Mb of memory for storing all grids."},
+                                      errorEnd("ERROR - Could not allocate enough memory (RAM).")}));
+    EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(StatCli, TheProjectionIsTheLastGrids)
+{
+    ToolRun run("-statMin a.asc b.asc");
+    run.give("a.asc", ascGrid({{5}}));
+    run.give("b.asc", ascGrid({{3}}));
+    run.give("a.prj", "PROJCS[\"first\"]\n");
+    run.give("b.prj", "PROJCS[\"second\"]\n");
+    run.start();
+    EXPECT_EQ(run.read("a_Min_Val.prj"), "PROJCS[\"second\"]\r\n");
+    EXPECT_EQ(run.read("a_Min_Src.prj"), "PROJCS[\"second\"]\r\n");
+}
+
+TEST(StatCli, RankAllReplacesRanksGivenBehindItToo)
+{
+    ToolRun run("-statRankAll -statRank7 a.asc b.asc c.asc");
+    giveThree(run);
+    run.start();
+    EXPECT_GRID(run, "a_Rank3_Val.asc", {{3, 8, kNull, 5}});
+    EXPECT_FALSE(run.says("ERROR - Unable to process rank 7 as only 3 input grids."));
+}
+
 } // namespace
 } // namespace gridforge::test

@@ -172,5 +172,15 @@ TEST(MultiplyCli, ASecondGridOfAnotherSizeEndsTheRun)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(MultiplyCli, TheProjectionIsTheLastGrids)
+{
+    ToolRun run("-multiply a.asc b.asc");
+    run.give("a.asc", ascGrid({{5}}));
+    run.give("b.asc", ascGrid({{3}}));
+    run.give("b.prj", "PROJCS[\"second\"]\n");
+    run.start();
+    EXPECT_EQ(run.read("a_mlt_b.prj"), "PROJCS[\"second\"]\r\n");
+}
+
 } // namespace
 } // namespace gridforge::test
