@@ -410,7 +410,7 @@ void mifCopyHeader(Unit unitIn, Unit unitOut)
 
 std::string mifReadCoordSysLine(std::string_view fileName)
 {
-    const std::string unprojected = "CoordSys NonEarth Units \"m\" Bounds(-9999999, -9999999) (9999999, 9999999)";
+    std::string unprojected = "CoordSys NonEarth Units \"m\" Bounds(-9999999, -9999999) (9999999, 9999999)";
     const std::string name = TRIMF(fileName);
     if (!fileExists(name)) {
         gisWarn(join("WARNING 0307 - No MapInfo Projection or mif header file ", name, " found."),

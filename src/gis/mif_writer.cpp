@@ -22,19 +22,19 @@ constexpr std::size_t kRoom = 256; // more than any line of fields
 // realField in place: millions of coordinates pass here.
 void putField(char*& out, double value, int decimals)
 {
-    std::array<char, 2 * kFieldWidth> digits;
+    std::array<char, std::size_t{2} * kFieldWidth> digits;
     const auto [end, error] =
         std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, decimals);
     const auto length = static_cast<std::size_t>(end - digits.data());
-    constexpr auto width = static_cast<std::size_t>(kFieldWidth);
-    if (error == std::errc() && length <= width && std::isfinite(value)) {
-        std::memset(out, ' ', width - length);
-        std::memcpy(out + width - length, digits.data(), length);
+    constexpr auto kWidth = static_cast<std::size_t>(kFieldWidth);
+    if (error == std::errc() && length <= kWidth && std::isfinite(value)) {
+        std::memset(out, ' ', kWidth - length);
+        std::memcpy(out + kWidth - length, digits.data(), length);
     } else {
         const std::string field = realField(value, kFieldWidth, decimals);
-        std::memcpy(out, field.data(), std::min(field.size(), width));
+        std::memcpy(out, field.data(), std::min(field.size(), kWidth));
     }
-    out += width;
+    out += kWidth;
 }
 
 // One line: `head`, then x and y of each vertex from number `first` to `last`.

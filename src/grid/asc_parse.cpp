@@ -176,7 +176,7 @@ __attribute__((target("avx2,bmi"))) inline BlockBits classify(const char* block)
 {
     BlockBits bits = {};
     for (unsigned i = 0; i < 2; ++i) {
-        const __m256i text = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(block + 32 * i));
+        const __m256i text = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(block + std::size_t{32} * i));
         const __m256i comma = _mm256_cmpeq_epi8(text, _mm256_set1_epi8(','));
         const __m256i lineBreak = _mm256_or_si256(comma, _mm256_cmpeq_epi8(text, _mm256_set1_epi8('\n')));
         const __m256i tab = _mm256_or_si256(_mm256_cmpeq_epi8(text, _mm256_set1_epi8('\t')),
