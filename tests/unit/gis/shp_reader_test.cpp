@@ -417,13 +417,21 @@ TEST(ShpReadingEnds, WhereverTheFileIsCut)
     }
 }
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+constexpr bool kSanitized = __has_feature(address_sanitizer);
+#else
+constexpr bool kSanitized = false;
+#endif
+
 // A gigabyte is far more than a layer needs. Sanitizers need more for themselves.
 void limitMemory()
 {
-#ifndef __SANITIZE_ADDRESS__
-    const rlimit memory = {std::size_t{1} << 30, std::size_t{1} << 30};
-    setrlimit(RLIMIT_DATA, &memory);
-#endif
+    if (!kSanitized) {
+        const rlimit memory = {std::size_t{1} << 30, std::size_t{1} << 30};
+        setrlimit(RLIMIT_DATA, &memory);
+    }
 }
 
 // Whatever the bytes, the run ends by itself: with the whole layer read, or with a message.
