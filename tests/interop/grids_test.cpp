@@ -1,5 +1,6 @@
 // GDAL reads the grids that the tool writes, and the tool reads those that GDAL writes.
 #include "support/gdal.h"
+#include "support/paths.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -114,7 +115,7 @@ TEST_F(GridsWithGdal, ReadsTheMaximumOfTheSampleStorms)
 {
     ToolRun run("-b -max depth_1pct_1h.asc depth_1pct_6h.asc depth_1pct_24h.asc -out top -flt");
     ToolRun maker({"--columns", "61", "--rows", "47", "--detail", "60", "--only", "depth", "--out", run.folder()});
-    maker.program(GRIDFORGE_CATCHMENT);
+    maker.program(catchmentMakerPath());
     maker.start();
     ASSERT_EQ(maker.status(), 0) << maker.error();
     run.start();

@@ -1,4 +1,5 @@
 // Conversion and extremes on real grids, checked by a second reading of the files in a few lines.
+#include "support/paths.h"
 #include "support/tool_run.h"
 
 #include <bit>
@@ -13,7 +14,7 @@
 namespace gridforge::test {
 namespace {
 
-const std::filesystem::path kData = GRIDFORGE_DATA_DIR;
+const std::filesystem::path kData = dataFolder();
 
 #define SKIP_WITHOUT_REAL_DATA()                                                                                       \
     if (!std::filesystem::is_directory(kData)) {                                                                       \

@@ -1,4 +1,5 @@
 #include "support/tool_run.h"
+#include "support/paths.h"
 
 #include <algorithm>
 #include <array>
@@ -204,7 +205,7 @@ std::string listed(const std::vector<std::string>& lines)
 
 ToolRun::ToolRun(const char* arguments) : ToolRun(splitAtBlanks(arguments)) {}
 
-ToolRun::ToolRun(std::vector<std::string> arguments) : program_(GRIDFORGE_TOOL), arguments_(std::move(arguments)) {}
+ToolRun::ToolRun(std::vector<std::string> arguments) : program_(toolPath()), arguments_(std::move(arguments)) {}
 
 ToolRun::~ToolRun()
 {

@@ -1,5 +1,6 @@
 // The ends of a run and their pauses, with standard input open and closed.
 #include "support/driver_consoles.h"
+#include "support/paths.h"
 
 #include <csignal>
 #include <fstream>
@@ -12,7 +13,7 @@ using namespace std::chrono_literals;
 // The tool behind a shell that sets the stage: `$TOOL` stands for it.
 struct StagedRun : ToolRun {
     explicit StagedRun(const std::string& script)
-        : ToolRun(std::vector<std::string>{"-c", "TOOL='" GRIDFORGE_TOOL "'; " + script})
+        : ToolRun(std::vector<std::string>{"-c", "TOOL='" + toolPath() + "'; " + script})
     {
         program("/bin/sh");
         give("a.asc", ascGrid({{1}}));

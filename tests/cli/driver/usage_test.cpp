@@ -1,5 +1,6 @@
 // The usage screen against its text, which lies beside this file.
 #include "support/driver_consoles.h"
+#include "support/paths.h"
 
 #include <fstream>
 
@@ -8,7 +9,7 @@ namespace {
 
 std::vector<std::string> usageLines()
 {
-    std::ifstream file(GRIDFORGE_SOURCE_DIR "/tests/cli/driver/usage.txt");
+    std::ifstream file(sourceFolder() + "/tests/cli/driver/usage.txt");
     std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) {
         lines.push_back(line);

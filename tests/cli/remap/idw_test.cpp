@@ -1,5 +1,6 @@
 #include "cli/remap/remap_grids.h"
 
+#include "support/paths.h"
 #include <chrono>
 
 namespace gridforge::test {
@@ -173,7 +174,7 @@ const std::string kUnlimited =
 TEST(RemapIdwCli, WithoutALimitItWaitsForEnterInBatchModeToo)
 {
     ToolRun run(
-        {"-c", "mkfifo in && exec <>in && exec '" GRIDFORGE_TOOL "' -b -remap -idw_npt1 -wl wl.asc -dem dem.asc"});
+        {"-c", "mkfifo in && exec <>in && exec '" + toolPath() + "' -b -remap -idw_npt1 -wl wl.asc -dem dem.asc"});
     run.program("/bin/sh");
     giveStrip(run);
     EXPECT_TRUE(run.stillRunsAfter(500ms));

@@ -1,4 +1,5 @@
 #include "support/ogr.h"
+#include "support/paths.h"
 #include "support/read_layer.h"
 
 #include <algorithm>
@@ -11,8 +12,8 @@ namespace {
 std::vector<std::filesystem::path> layers(std::string_view extension)
 {
     std::vector<std::filesystem::path> found;
-    if (std::filesystem::exists(GRIDFORGE_DATA_DIR)) {
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(GRIDFORGE_DATA_DIR)) {
+    if (std::filesystem::exists(dataFolder())) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(dataFolder())) {
             // A record of this one runs over two lines, which no reader of lines can know.
             if (entry.path().extension() == extension && entry.path().stem() != "multilinemid") {
                 found.push_back(entry.path());

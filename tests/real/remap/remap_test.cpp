@@ -1,4 +1,5 @@
 // Remaps of real terrains, where they are there.
+#include "support/paths.h"
 #include "support/tool_run.h"
 
 #include <algorithm>
@@ -35,7 +36,7 @@ struct RemapReal : testing::TestWithParam<Place> {
         terrain = fileText(data() / "dem.asc");
         levels = fileText(data() / GetParam().coarse);
     }
-    static fs::path data() { return fs::path(GRIDFORGE_DATA_DIR) / GetParam().name; }
+    static fs::path data() { return fs::path(dataFolder()) / GetParam().name; }
 
     void give(ToolRun& run) const
     {

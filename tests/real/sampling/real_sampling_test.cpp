@@ -1,4 +1,5 @@
 // Flood marks and a creek on real terrain, checked by a few plain lines over the cells.
+#include "support/paths.h"
 #include "support/tool_run.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@
 namespace gridforge::test {
 namespace {
 
-const std::filesystem::path kFolder = std::filesystem::path(GRIDFORGE_DATA_DIR) / "merewether";
+const std::filesystem::path kFolder = std::filesystem::path(dataFolder()) / "merewether";
 
 std::string bytesOf(const std::string& name)
 {

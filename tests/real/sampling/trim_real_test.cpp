@@ -1,4 +1,5 @@
 #include "support/ogr.h"
+#include "support/paths.h"
 #include "support/tool_run.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@
 namespace gridforge::test {
 namespace {
 
-const std::string kFolder = std::string(GRIDFORGE_DATA_DIR) + "/bayou/";
+const std::string kFolder = dataFolder() + "/bayou/";
 
 std::string bytesOf(const std::string& name)
 {

@@ -9,12 +9,14 @@
 #include <string>
 #include <vector>
 
+#include "support/paths.h"
+
 namespace gridforge::test {
 namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kSource = GRIDFORGE_SOURCE_DIR;
+const fs::path kSource = sourceFolder();
 
 // Each folder of src/ and the folders it may include from, besides itself: the picture in docs/architecture.md.
 const std::map<std::string, std::set<std::string>> kMayInclude{

@@ -1,0 +1,22 @@
+#include "support/paths.h"
+
+namespace gridforge::test {
+
+std::string toolPath()
+{
+    return GRIDFORGE_TOOL;
+}
+std::string catchmentMakerPath()
+{
+    return GRIDFORGE_CATCHMENT;
+}
+std::string sourceFolder()
+{
+    return GRIDFORGE_SOURCE_DIR;
+}
+std::string dataFolder()
+{
+    return GRIDFORGE_DATA_DIR;
+}
+
+} // namespace gridforge::test

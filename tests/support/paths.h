@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+namespace gridforge::test {
+
+// Where the build has put what tests run and read. Only the support library is compiled with these paths.
+
+std::string toolPath();           // the program under test
+std::string catchmentMakerPath(); // the program that makes the sample catchment
+std::string sourceFolder();       // the root of the source tree
+std::string dataFolder();         // real grids and layers; may not exist
+
+} // namespace gridforge::test
