@@ -1,0 +1,14 @@
+// The one way in which statuses of the NetCDF library are looked at.
+#pragma once
+
+#include <string_view>
+
+namespace gridforge {
+
+// Passes where `status` is 0; otherwise names the call and the library's reason and ends the run.
+void checkNetcdf(int status, std::string_view call);
+
+// The version of the library that the program runs with.
+void printNetcdfVersion();
+
+} // namespace gridforge

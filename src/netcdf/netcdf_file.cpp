@@ -1,0 +1,97 @@
+#include "netcdf/netcdf_file.h"
+
+#include "base/file_system.h"
+#include "netcdf/check_netcdf.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <cstring>
+#include <string>
+
+namespace gridforge {
+
+namespace {
+
+// The library takes some names for more than a file: "c:/x" for a drive, "http://x" for a server. A name that begins at a
+// folder and has no doubled separator is always a file, and for the system it is the same one.
+std::string libraryName(std::string_view name)
+{
+    std::string local = systemName(name);
+    const auto doubled = std::ranges::unique(local, [](char a, char b) { return a == '/' && b == '/'; });
+    local.erase(doubled.begin(), doubled.end());
+    return local.starts_with('/') ? local : "./" + local;
+}
+
+std::size_t fromZero(std::int32_t position)
+{
+    assert(position >= 1);
+    return static_cast<std::size_t>(position - 1);
+}
+
+} // namespace
+
+int createNetcdf(std::string_view name, int mode, std::string_view call)
+{
+    int file = 0;
+    checkNetcdf(nc_create(libraryName(name).c_str(), mode, &file), call);
+    return file;
+}
+
+void putNetcdfTexts(int file, int variable, std::span<const NetcdfText> texts, std::string_view call)
+{
+    for (const NetcdfText& text : texts) {
+        checkNetcdf(nc_put_att_text(file, variable, text.name, std::strlen(text.value), text.value), call);
+    }
+}
+
+int defineNetcdfDimension(int file, const char* name, std::size_t length, std::string_view call)
+{
+    int dimension = 0;
+    checkNetcdf(nc_def_dim(file, name, length, &dimension), call);
+    return dimension;
+}
+
+int defineNetcdfVariable(int file, const NetcdfVariable& variable, std::string_view call)
+{
+    int id = 0;
+    checkNetcdf(nc_def_var(file, variable.name, variable.type, static_cast<int>(variable.dimensions.size()),
+                           variable.dimensions.data(), &id),
+                call);
+    return id;
+}
+
+void defineNetcdfFill(int file, int variable, float null, std::string_view call)
+{
+    checkNetcdf(nc_def_var_fill(file, variable, NC_FILL, &null), call);
+}
+
+void putNetcdfValues(int file, int variable, std::span<const double> values, std::string_view call)
+{
+    const std::size_t start = 0;
+    const std::size_t count = values.size();
+    checkNetcdf(nc_put_vara_double(file, variable, &start, &count, values.data()), call);
+}
+
+void putNetcdfTime(int file, int variable, std::int32_t position, double time, std::string_view call)
+{
+    const std::size_t index = fromZero(position);
+    checkNetcdf(nc_put_var1_double(file, variable, &index, &time), call);
+}
+
+void putNetcdfRow(int file, int variable, std::int32_t position, std::int32_t row, std::span<const float> cells,
+                  std::string_view call)
+{
+    const std::array<std::size_t, 3> start{fromZero(position), fromZero(row), 0};
+    const std::array<std::size_t, 3> count{1, 1, cells.size()};
+    checkNetcdf(nc_put_vara_float(file, variable, start.data(), count.data(), cells.data()), call);
+}
+
+void putNetcdfRow(int file, int variable, std::int32_t row, std::span<const float> cells, std::string_view call)
+{
+    const std::array<std::size_t, 2> start{fromZero(row), 0};
+    const std::array<std::size_t, 2> count{1, cells.size()};
+    checkNetcdf(nc_put_vara_float(file, variable, start.data(), count.data(), cells.data()), call);
+}
+
+} // namespace gridforge

@@ -1,0 +1,66 @@
+#include "netcdf/check_netcdf.h"
+
+#include "support/child_run.h"
+
+#include <cerrno>
+#include <gtest/gtest.h>
+#include <netcdf.h>
+#include <regex>
+#include <string>
+
+namespace gridforge {
+namespace {
+
+using test::ChildRun;
+using test::runInChild;
+using test::ScratchFolder;
+
+TEST(CheckNetcdf, NothingIsSaidOfSuccess)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] { checkNetcdf(NC_NOERR, "nf90_create"); });
+    EXPECT_FALSE(run.ended);
+    EXPECT_EQ(run.console, "");
+}
+
+TEST(CheckNetcdf, AFailureNamesTheCallAndTheReasonAndEndsTheRun)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] { checkNetcdf(NC_EBADDIM, "nf90_def_dim(x)"); });
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_def_dim(x)\n"
+                           "Netcdf error message: NetCDF: Invalid dimension ID or name\n"
+                           "\nPress Enter to Close\n");
+    EXPECT_EQ(run.errors, "");
+}
+
+TEST(CheckNetcdf, AStatusOfTheSystemHasTheSystemsWords)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] { checkNetcdf(ENOSPC, "nf90_close"); });
+    EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_close\nNetcdf error message: No space left on device\n"
+                           "\nPress Enter to Close\n");
+}
+
+TEST(CheckNetcdf, ALongReasonIsCutAtEightyCharacters)
+{
+    const std::string reason = nc_strerror(NC_ECANTEXTEND);
+    ASSERT_GT(reason.size(), 80U) << "another text of the library is needed here";
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] { checkNetcdf(NC_ECANTEXTEND, "nf90_close"); });
+    EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_close\nNetcdf error message: " + reason.substr(0, 80) +
+                               "\n\nPress Enter to Close\n");
+}
+
+TEST(PrintNetcdfVersion, GivesTheLibrarysOwnText)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] { printNetcdfVersion(); });
+    EXPECT_FALSE(run.ended);
+    EXPECT_TRUE(std::regex_match(run.console, std::regex("Checking netcdf version: \n[0-9]+\\.[0-9]+.{0,76}\n")))
+        << run.console;
+}
+
+} // namespace
+} // namespace gridforge

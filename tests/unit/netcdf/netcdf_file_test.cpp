@@ -1,0 +1,137 @@
+#include "netcdf/netcdf_file.h"
+
+#include "netcdf/check_netcdf.h"
+#include "support/child_run.h"
+
+#include <array>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace gridforge {
+namespace {
+
+using test::ChildRun;
+using test::runInChild;
+using test::ScratchFolder;
+using testing::ElementsAre;
+
+std::string readText(int file, int variable, const char* name)
+{
+    std::size_t length = 0;
+    EXPECT_EQ(nc_inq_attlen(file, variable, name, &length), NC_NOERR) << name;
+    std::string text(length, ' ');
+    EXPECT_EQ(nc_get_att_text(file, variable, name, text.data()), NC_NOERR) << name;
+    return text;
+}
+
+template <typename Value>
+std::vector<Value> readValues(int file, int variable, std::size_t count)
+{
+    std::vector<Value> values(count);
+    EXPECT_EQ(nc_get_var(file, variable, values.data()), NC_NOERR);
+    return values;
+}
+
+struct Made {
+    int time = -1;
+    int x = -1;
+    int series = -1;
+    int total = -1;
+};
+
+// Two rows by three columns; of the second position and of the second row of the total one row is written.
+Made writeSmall(const std::string& name, int mode)
+{
+    Made made;
+    const int file = createNetcdf(name, mode, "nf90_create");
+    const int x = defineNetcdfDimension(file, "x", 3, "nf90_def_dim(x)");
+    const int y = defineNetcdfDimension(file, "y", 2, "nf90_def_dim(y)");
+    const int time = defineNetcdfDimension(file, "time", NC_UNLIMITED, "nf90_def_dim(time)");
+    putNetcdfTexts(file, NC_GLOBAL, std::array<NetcdfText, 2>{{{"title", "A title"}, {"comment", ""}}}, "nf90_put_att");
+
+    made.time = defineNetcdfVariable(file, {"time", NC_DOUBLE, {&time, 1}}, "nf90_def_var(time)");
+    made.x = defineNetcdfVariable(file, {"x", NC_DOUBLE, {&x, 1}}, "nf90_def_var(x)");
+    putNetcdfTexts(file, made.x, std::array<NetcdfText, 1>{{{"units", "m"}}}, "nf90_put_att");
+    const std::array<int, 3> all{time, y, x};
+    made.series = defineNetcdfVariable(file, {"depth", NC_FLOAT, all}, "nf90_def_var(data)");
+    defineNetcdfFill(file, made.series, -999.0F, "nf90_def_var_fill(data)");
+    made.total = defineNetcdfVariable(file, {"total", NC_FLOAT, std::span(all).last(2)}, "nf90_def_var(data)");
+    defineNetcdfFill(file, made.total, -999.0F, "nf90_def_var_fill(data)");
+    checkNetcdf(nc_enddef(file), "nf90_enddef");
+
+    putNetcdfValues(file, made.x, std::vector<double>{0.5, 1.5, 2.5}, "nf90_put_var (x)");
+    putNetcdfTime(file, made.time, 1, 0.25, "nf90_put_var (time)");
+    putNetcdfTime(file, made.time, 2, 0.75, "nf90_put_var (time)");
+    putNetcdfRow(file, made.series, 1, 1, std::vector<float>{111, 112, 113}, "nf90_put_var (rg)"); // time, row, column
+    putNetcdfRow(file, made.series, 1, 2, std::vector<float>{121, 122, 123}, "nf90_put_var (rg)");
+    putNetcdfRow(file, made.series, 2, 2, std::vector<float>{221, 222, 223}, "nf90_put_var (rg)");
+    putNetcdfRow(file, made.total, 2, std::vector<float>{21, 22, 23}, "nf90_put_var (rg2)");
+    checkNetcdf(nc_close(file), "nf90_close");
+    return made;
+}
+
+TEST(NetcdfFile, WritesBothFormsAsTheLibraryReadsThem)
+{
+    for (const int mode : {NC_CLOBBER, NC_NETCDF4}) {
+        const ScratchFolder folder;
+        const std::string name = (folder.path() / "a.nc").string();
+        const Made made = writeSmall(name, mode);
+
+        int file = 0;
+        ASSERT_EQ(nc_open(name.c_str(), NC_NOWRITE, &file), NC_NOERR);
+        int form = 0;
+        EXPECT_EQ(nc_inq_format(file, &form), NC_NOERR);
+        EXPECT_EQ(form, mode == NC_NETCDF4 ? NC_FORMAT_NETCDF4 : NC_FORMAT_CLASSIC);
+        EXPECT_EQ(readText(file, NC_GLOBAL, "title"), "A title");
+        EXPECT_EQ(readText(file, NC_GLOBAL, "comment"), "");
+        EXPECT_EQ(readText(file, made.x, "units"), "m");
+        EXPECT_THAT(readValues<double>(file, made.time, 2), ElementsAre(0.25, 0.75));
+        EXPECT_THAT(readValues<double>(file, made.x, 3), ElementsAre(0.5, 1.5, 2.5));
+        EXPECT_THAT(readValues<float>(file, made.series, 12),
+                    ElementsAre(111, 112, 113, 121, 122, 123, -999, -999, -999, 221, 222, 223));
+        EXPECT_THAT(readValues<float>(file, made.total, 6), ElementsAre(-999, -999, -999, 21, 22, 23));
+        nc_close(file);
+    }
+}
+
+TEST(NetcdfFile, BothSeparatorsLeadToTheFolder)
+{
+    const ScratchFolder folder;
+    folder.give("sub/keep", "");
+    const ChildRun run = runInChild(folder, [] { nc_close(createNetcdf("sub\\a.nc", NC_NETCDF4, "nf90_create")); });
+    EXPECT_FALSE(run.ended) << run.console;
+    EXPECT_TRUE(folder.has("sub/a.nc"));
+}
+
+TEST(NetcdfFile, NamesThatLookLikeADriveOrAServerAreFiles)
+{
+    const ScratchFolder folder;
+    folder.give("c:/keep", "");
+    folder.give("http:/host/keep", "");
+    const ChildRun run = runInChild(folder, [] {
+        nc_close(createNetcdf("c:/a.nc", NC_NETCDF4, "nf90_create"));
+        nc_close(createNetcdf("http://host/a.nc", NC_NETCDF4, "nf90_create"));
+        nc_close(createNetcdf("b.nc#mode=zarr", NC_NETCDF4, "nf90_create"));
+    });
+    EXPECT_FALSE(run.ended) << run.console;
+    EXPECT_TRUE(folder.has("c:/a.nc"));
+    EXPECT_TRUE(folder.has("http:/host/a.nc"));
+    EXPECT_TRUE(folder.has("b.nc#mode=zarr"));
+}
+
+TEST(NetcdfFile, AFileThatCannotBeMadeEndsTheRun)
+{
+    const ScratchFolder folder;
+    folder.give("folder.nc/keep", "");
+    for (const char* name : {"none/a.nc", "folder.nc"}) {
+        const ChildRun run = runInChild(folder, [name] { createNetcdf(name, NC_NETCDF4, "nf90_create"); });
+        EXPECT_TRUE(run.ended);
+        EXPECT_EQ(run.console.find("ERROR - With nectdf call nf90_create\nNetcdf error message: "), 0U) << run.console;
+        EXPECT_EQ(run.errors, "");
+    }
+}
+
+} // namespace
+} // namespace gridforge
