@@ -6,6 +6,7 @@
 #include "base/names.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "gis/layer_objects.h"
 #include "gis/layers.h"
 #include "grid/grid.h"
 #include "sampling/cell_search.h"

@@ -5,6 +5,7 @@
 #include "base/names.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "gis/layer_objects.h"
 #include "gis/layers.h"
 #include "sampling/line_vertices.h"
 #include "sampling/sampled_layer.h"

@@ -25,11 +25,6 @@ bool isLineObject(const GisO& gisO)
     return gisO.line || gisO.pline;
 }
 
-void failDataLine(std::string_view dataLine)
-{
-    fail("ERROR - Extracting attribute data for GIS object.  Data: ", dataLine);
-}
-
 GridHeader loadSampledGrid(const std::string& name, Grid& cells)
 {
     say("Loading grid data...");

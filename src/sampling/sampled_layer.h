@@ -16,26 +16,8 @@ inline constexpr std::int32_t kMaxSampledVertices = 1000000;
 // Takes the projection of the layer for the outputs, opens it and reads its header.
 std::int32_t openSampledLayer(const std::string& name);
 
-// Calls `work` with the object and its data line for each object of the layer. Coordinates are left to `work`.
-template <typename Work>
-void forEachObject(std::int32_t gisID, Work&& work)
-{
-    GisO gisO;
-    std::string dataLine;
-    while (!gisLayer(gisID).layerEnd) {
-        if (!gisObjectType(gisID, gisO)) {
-            continue;
-        }
-        gisReadRecord(gisID, gisO, dataLine);
-        work(gisO, dataLine);
-    }
-}
-
 // True for a line or polyline; a polyline of several parts ends the run.
 bool isLineObject(const GisO& gisO);
-
-// Ends the run over a data line that cannot be read.
-[[noreturn]] void failDataLine(std::string_view dataLine);
 
 // "Loading grid data..." to "   Done.": header and cells of the grid, whose file is closed then.
 GridHeader loadSampledGrid(const std::string& name, Grid& cells);

@@ -8,6 +8,7 @@
 #include "base/product.h"
 #include "base/region_rows.h"
 #include "base/text.h"
+#include "gis/layer_objects.h"
 #include "gis/layers.h"
 #include "gis/projection.h"
 #include "grid/header.h"
@@ -34,7 +35,7 @@ std::string regionName(const std::string& dataLine)
     std::string name;
     const FreeValue got = FreeForm(dataLine).nextText(name, kRegionNameWidth);
     if (got == FreeValue::failure || got == FreeValue::end) {
-        fail("ERROR - Extracting attribute data for GIS object.  Data: ", dataLine);
+        failDataLine(dataLine);
     }
     return name;
 }
@@ -81,18 +82,12 @@ std::vector<TrimRegion> readRegions(const std::string& layerName)
     regions.reserve(kMaxRegions);
     say("   Done.");
     say("Searching for region objects...");
-    GisO gisO;
     GisCoordinates read;
-    std::string dataLine;
-    while (!gisLayer(gisID).layerEnd) {
-        if (!gisObjectType(gisID, gisO)) {
-            continue;
-        }
-        gisReadRecord(gisID, gisO, dataLine);
+    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
         if (gisO.region) {
             readRegion(gisID, gisO, dataLine, read, regions);
         }
-    }
+    });
     gisCloseLayer(gisID);
     return regions;
 }
