@@ -24,6 +24,9 @@ void forEachObject(std::int32_t gisID, Work&& work)
     }
 }
 
+// True for a line or polyline; a polyline of several parts ends the run.
+bool isLineObject(const GisO& gisO);
+
 // Ends the run over a data line that cannot be read.
 [[noreturn]] void failDataLine(std::string_view dataLine);
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "grid/grid.h"
-#include "sampling/cell_window.h"
+#include "run/cell_window.h"
 #include "sampling/search_polygon.h"
 
 #include <cstdint>

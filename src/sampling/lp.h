@@ -2,9 +2,9 @@
 #pragma once
 
 #include "grid/grid.h"
+#include "run/across_line.h"
 #include "run/inputs.h"
 #include "run/run_settings.h"
-#include "sampling/across_line.h"
 
 namespace gridforge {
 

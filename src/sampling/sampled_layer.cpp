@@ -1,7 +1,6 @@
 #include "sampling/sampled_layer.h"
 
 #include "base/console.h"
-#include "base/ends.h"
 #include "base/text.h"
 #include "gis/projection.h"
 #include "grid/header.h"
@@ -15,14 +14,6 @@ std::int32_t openSampledLayer(const std::string& name)
     const std::int32_t gisID = gisOpenLayer(name, "", "I ");
     gisReadHeader(gisID);
     return gisID;
-}
-
-bool isLineObject(const GisO& gisO)
-{
-    if (gisO.plineMultiple) {
-        fail("ERROR - Combined polylines not yet supported.  Please disaggregate.");
-    }
-    return gisO.line || gisO.pline;
 }
 
 GridHeader loadSampledGrid(const std::string& name, Grid& cells)

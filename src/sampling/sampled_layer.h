@@ -16,9 +16,6 @@ inline constexpr std::int32_t kMaxSampledVertices = 1000000;
 // Takes the projection of the layer for the outputs, opens it and reads its header.
 std::int32_t openSampledLayer(const std::string& name);
 
-// True for a line or polyline; a polyline of several parts ends the run.
-bool isLineObject(const GisO& gisO);
-
 // "Loading grid data..." to "   Done.": header and cells of the grid, whose file is closed then.
 GridHeader loadSampledGrid(const std::string& name, Grid& cells);
 

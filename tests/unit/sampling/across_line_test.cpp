@@ -1,4 +1,4 @@
-#include "sampling/across_line.h"
+#include "run/across_line.h"
 
 #include "sampling/lp.h"
 

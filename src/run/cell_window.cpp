@@ -1,4 +1,4 @@
-#include "sampling/cell_window.h"
+#include "run/cell_window.h"
 
 #include "base/numbers.h"
 

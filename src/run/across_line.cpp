@@ -1,4 +1,4 @@
-#include "sampling/across_line.h"
+#include "run/across_line.h"
 
 #include "base/geometry.h"
 #include "base/numbers.h"

@@ -1,4 +1,4 @@
-#include "sampling/cell_window.h"
+#include "run/cell_window.h"
 
 #include <gtest/gtest.h>
 #include <limits>
