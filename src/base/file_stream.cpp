@@ -144,19 +144,25 @@ bool FileStream::fill()
     return true;
 }
 
+bool FileStream::hasByte()
+{
+    return begin_ != end_ || fill();
+}
+
 bool FileStream::atEnd()
 {
-    return begin_ == end_ && !fill();
+    return !hasByte() && !unreadable_;
 }
 
 bool FileStream::readLine(std::string& line, std::size_t width)
 {
     line.clear();
     lineStart_ = position();
-    if (atEnd()) {
+    if (!hasByte()) {
         return false;
     }
-    for (bool ended = false; !ended && !atEnd();) {
+    bool ended = false;
+    while (!ended && hasByte()) {
         const std::string_view bytes = ready();
         const std::size_t newline = bytes.find('\n');
         ended = newline != std::string_view::npos;
@@ -169,7 +175,7 @@ bool FileStream::readLine(std::string& line, std::size_t width)
         line.pop_back();
     }
     line.resize(trimRight(std::string_view(line).substr(0, width)).size());
-    return true;
+    return ended || !unreadable_; // half a line is none
 }
 
 void FileStream::stepBack()
@@ -202,7 +208,7 @@ bool FileStream::readBytes(std::span<std::byte> target)
     if (target.size() < kBufferSize) {
         // Records of a few bytes come out of the buffer.
         while (!target.empty()) {
-            if (atEnd()) {
+            if (!hasByte()) {
                 return false;
             }
             const std::size_t count = std::min(end_ - begin_, target.size());
@@ -221,6 +227,7 @@ bool FileStream::readBytes(std::span<std::byte> target)
         }
         const ssize_t got = readSome(descriptor_, reinterpret_cast<char*>(target.data()), target.size());
         if (got <= 0) {
+            unreadable_ = got < 0;
             return false;
         }
         bufferOffset_ += got;
@@ -316,7 +323,7 @@ bool FileStream::seek(std::int64_t position)
     }
     const bool moved = position >= 0 && lseek(descriptor_, position, SEEK_SET) == position;
     if (direction_ == Direction::in && !moved) {
-        unreadable_ = true; // nothing is left to read, as behind the end of a file cut short
+        unreadable_ = true;
     }
     bufferOffset_ = position;
     begin_ = 0;

@@ -30,7 +30,7 @@ public:
     // Writes what is buffered and closes; false when either fails.
     [[nodiscard]] bool close();
 
-    // Reading. False and empty results mean the end of the file or a failed read.
+    // Reading. False and empty results mean the end of the file or a failed read; a failed read is no end.
     bool atEnd();
     bool failed() const { return unreadable_; }
     bool readLine(std::string& line, std::size_t width);
@@ -51,12 +51,13 @@ public:
 
     std::int64_t size() const;
     std::int64_t position() const;
-    // An input that cannot be moved there reads as if it had ended.
+    // An input that cannot be moved there fails its next read.
     [[nodiscard]] bool seek(std::int64_t position);
 
 private:
     void takeBuffer();
-    bool fill(); // reads behind the buffered bytes; false when nothing came
+    bool hasByte(); // to take; reads on where the buffer is used up
+    bool fill();    // reads behind the buffered bytes; false when nothing came
     bool writeOut(const char* bytes, std::size_t count);
 
     int descriptor_ = -1;

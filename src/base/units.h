@@ -45,12 +45,13 @@ Unit namedUnit(std::int32_t entry);
 
 // --- Reading text ----------------------------------------------------------------------------------------------------
 
-// True when nothing is left to read: right after the last line has been taken.
+// True when nothing is left to read: right after the last line has been taken. Not where the system refused a read: the
+// next one tells of that.
 bool atEnd(Unit unit);
 // The next line without its LF or CR LF, cut at `width` (the rest of a longer line is passed over) and without trailing
 // blanks. False at the end and on a failed read.
 bool readLine(Unit unit, std::string& line, std::size_t width = 1000);
-// The system refused a read of the unit, which is otherwise like the end of its file.
+// The system refused a read of the unit. Nothing more can be read from it.
 bool readFailed(Unit unit);
 // The last line read is read again next. One step only.
 void stepBack(Unit unit);

@@ -176,6 +176,10 @@ void putValue(std::string_view value, std::size_t length, bool isText, char* fie
 
 void writeRecord(DbfTable& dbf, std::string_view line, std::string_view place)
 {
+    if (dbf.currentRecord == INT32_MAX) {
+        gisFail(
+            join("ERROR 0419 - Exceeded dbf limit of 2,147,483,647 records.  Please contact ", kSupportContact, "."));
+    }
     ++dbf.currentRecord;
     splitLine(dbf, line, place);
     const std::size_t bytes = 1 + static_cast<std::size_t>(dbf.recordLength);

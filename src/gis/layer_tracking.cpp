@@ -8,6 +8,7 @@
 #include "gis/gis_messages.h"
 #include "gis/layer_table.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -93,17 +94,16 @@ std::int32_t trackLayer(std::string_view fileName, std::int32_t gisID)
             return static_cast<std::int32_t>(i + 1);
         }
     }
-    if (list.count + 1 >= kMaxTrackedLayers) {
-        list.count = kMaxTrackedLayers;
+    const std::string extension = FILEEXT(full);
+    list.count = std::min(list.count + 1, kMaxTrackedLayers);
+    if (list.count == kMaxTrackedLayers) {
         gisWarn("WARNING 0317 - Exceeded limit of input GIS layers that can be tracked (layer referencing may not be "
                 "complete).");
-        return list.count;
-    }
-    ++list.count;
-    list.names.push_back(base);
-    const std::string extension = FILEEXT(full);
-    if (list.workspaceUnit > 0) {
-        writeWorkspaceLine(list.workspaceUnit, base, extension);
+    } else {
+        list.names.push_back(base);
+        if (list.workspaceUnit > 0) {
+            writeWorkspaceLine(list.workspaceUnit, base, extension);
+        }
     }
     if (list.mifUnit > 0) {
         writeLine(list.mifUnit, "none");

@@ -168,7 +168,8 @@ bool mifObjectType(Unit unit, std::string& line, std::string& rest, GisO& gisO)
     std::string_view tail;
     while (!found && !atEnd(unit)) {
         if (!readLine(unit, line)) {
-            gisFail("ERROR 0321 - Reading .mif file object type.");
+            gisFail(readFailed(unit) ? "ERROR 0321 - Reading .mif file object type."
+                                     : "ERROR 0322 - End of .mif file encountered whilst reading object type.");
         }
         const std::string_view text = line;
         tail = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
@@ -233,7 +234,7 @@ void needVertex(std::string_view text, double& x, double& y)
 void needLine(MifLayer& mif)
 {
     if (!readLine(mif.mifUnit, mif.line)) {
-        failEnd();
+        readFailed(mif.mifUnit) ? failRead() : failEnd();
     }
 }
 

@@ -71,12 +71,14 @@ void writeSections(Unit unit, const GisO& gisO, const GisOutputCoordinates& c)
 
 void writeStyles(const MifLayer& mif)
 {
-    if (mif.style1.empty()) {
+    const std::string first = cut(mif.style1, kStyleWidth);
+    const std::string second = cut(mif.style2, kStyleWidth);
+    if (first.empty()) {
         return;
     }
-    writeLine(mif.mifUnit, cut(mif.style1, kStyleWidth));
-    if (!mif.style2.empty()) {
-        writeLine(mif.mifUnit, cut(mif.style2, kStyleWidth));
+    writeLine(mif.mifUnit, first);
+    if (!second.empty()) {
+        writeLine(mif.mifUnit, second);
     }
 }
 

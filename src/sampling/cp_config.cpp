@@ -23,14 +23,19 @@ bool take(FreeForm& values, Number& target)
     return got == FreeValue::value || got == FreeValue::empty;
 }
 
+[[noreturn]] void failLine(const std::string& line)
+{
+    say("ERROR - Reading following line in classes file:");
+    fail(line);
+}
+
 SymbolThreshold parseThreshold(const std::string& line)
 {
     SymbolThreshold threshold;
     FreeForm values(line);
     if (!take(values, threshold.upTo) || !take(values, threshold.shape) || !take(values, threshold.colour) ||
         !take(values, threshold.size)) {
-        say("ERROR - Reading following line in classes file:");
-        fail(line);
+        failLine(line);
     }
     return threshold;
 }
@@ -50,7 +55,10 @@ std::vector<SymbolThreshold> readSymbolThresholds(const std::string& name)
     say("Skipping first line: ", line);
 
     std::vector<SymbolThreshold> thresholds;
-    while (!atEnd(unit) && readLine(unit, line)) {
+    while (!atEnd(unit)) {
+        if (!readLine(unit, line)) {
+            failLine(line);
+        }
         if (thresholds.size() == kMaxThresholds) {
             fail("ERROR - Number of lines in CP config file exceeds maximum.");
         }

@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace gridforge {
 
@@ -40,16 +41,21 @@ std::string regionName(const std::string& dataLine)
     return name;
 }
 
+// A polygon of a Shapefile may have no vertices at all: its box then reaches nowhere.
 TrimRegion regionFrom(const GisCoordinates& read)
 {
-    const auto count = static_cast<std::ptrdiff_t>(read.np);
+    const auto count = static_cast<std::size_t>(read.np);
     TrimRegion region;
-    region.x.assign(read.x.begin(), read.x.begin() + count);
-    region.y.assign(read.y.begin(), read.y.begin() + count);
-    region.xmin = *std::min_element(region.x.begin(), region.x.end());
-    region.xmax = *std::max_element(region.x.begin(), region.x.end());
-    region.ymin = *std::min_element(region.y.begin(), region.y.end());
-    region.ymax = *std::max_element(region.y.begin(), region.y.end());
+    region.xmin = region.ymin = std::numeric_limits<double>::max();
+    region.xmax = region.ymax = std::numeric_limits<double>::lowest();
+    for (std::size_t i = 0; i < count; ++i) {
+        region.x.push_back(read.x[i]);
+        region.y.push_back(read.y[i]);
+        region.xmin = std::min(region.xmin, read.x[i]);
+        region.xmax = std::max(region.xmax, read.x[i]);
+        region.ymin = std::min(region.ymin, read.y[i]);
+        region.ymax = std::max(region.ymax, read.y[i]);
+    }
     return region;
 }
 

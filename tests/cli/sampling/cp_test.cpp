@@ -1,6 +1,7 @@
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
 
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -385,6 +386,17 @@ TEST(CpCli, ConfigThresholdsMustNotFall)
     ToolRun run("-b -cp p.mif -config c.csv dem.asc");
     configEnd(run, "heading\n1,35,0,12\n0.5,35,0,12\n");
     EXPECT_TRUE(run.says("ERROR - Thresholds in CP config file not in increasing order."));
+}
+
+// The memory of a process opens like a file and refuses to be read at its start.
+TEST(CpCli, AConfigFileThatTheSystemRefusesToReadEndsTheRun)
+{
+    ToolRun run("-b -cp p.mif -config c.csv dem.asc");
+    giveMarks(run, "Point 4.3 4.4\n", "40,a\n");
+    std::filesystem::create_symlink("/proc/self/mem", run.folder() / "c.csv");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Skipping first line: ", "ERROR - Reading following line in classes file:", "", "",
+                               "Press Enter to Close"});
 }
 
 // --- Shapefiles ------------------------------------------------------------------------------------------------------

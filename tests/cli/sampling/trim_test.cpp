@@ -1,4 +1,5 @@
 #include "support/layer_files.h"
+#include "support/shp_bytes.h"
 #include "support/tool_run.h"
 
 #include <gmock/gmock.h>
@@ -370,6 +371,81 @@ TEST(TrimCli, TheNameIsTheFirstFreeFormValueCutAt250)
     EXPECT_TRUE(
         run.says("WARNING - Region does not overlap grid, no output written, region name: " + std::string(250, 'k')));
     EXPECT_THAT(run.changedFiles(), ElementsAre("12.50_a.asc", "_a.asc"));
+}
+
+// --- Shapefiles ------------------------------------------------------------------------------------------------------
+
+const std::string kNullRecord = little(0);
+
+// l.shp of these records, with names of ten characters.
+void giveShpLayer(ToolRun& run, const std::vector<std::string>& records, const std::vector<std::string>& names)
+{
+    constexpr std::size_t kWidth = 10;
+    run.give("l.shp", shpBytes(5, records));
+    run.give("l.prj", "PROJCS[\"p\"]\n");
+    std::string dbf = dbfHeader(static_cast<std::int32_t>(names.size()), {{"NAME", 'C', kWidth}});
+    for (std::string name : names) {
+        name.resize(kWidth, ' ');
+        dbf += " " + name;
+    }
+    run.give("l.dbf", dbf + '\x1A');
+}
+
+// The ring of kFirst, against the clock as in the .mif.
+const std::string kFirstRecord = partsRecord(5, {0}, {1.5, 1.5, 4.5, 1.5, 4.5, 3.5, 1.5, 3.5, 1.5, 1.5});
+
+TEST(TrimCli, AShapefileCutsLikeAMif)
+{
+    ToolRun run("-b -trim l.shp dem.asc");
+    run.give("dem.asc", ascGrid(numbered(6, 8)));
+    giveShpLayer(run, {kNullRecord, kFirstRecord}, {"none", "north east"});
+    run.start();
+    EXPECT_CONSOLE_HOLDS(
+        run, {"Shapefile Code: 9994  Length: 124", "Shapefile Version: 1000  Type: 5", "...Closed File Unit:1002",
+              "DBF file contains 2 records.", "1 DBF Fields (Name [#/Type/Length]): NAME [1/C/10]  ",
+              "Allocating memory for storing GIS regions...", "   Done.", "Searching for region objects...",
+              "Region 1 with 6 nodes...", "Closing GIS Layer 1 [l.shp]..."});
+    EXPECT_GRID(run, "north east_dem.asc", {{n, n, n, n, n}, {n, 32, 33, 34, n}, {n, 22, 23, 24, n}, {n, n, n, n, n}});
+    EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(TrimCli, APolygonOfTwoRingsEndsTheRun)
+{
+    ToolRun run("-trim l.shp a.asc");
+    run.give("a.asc", ascGrid(numbered(6, 8)));
+    giveShpLayer(run, {partsRecord(5, {0, 4}, {0, 0, 1, 0, 1, 1, 0, 0, 2, 2, 3, 2, 3, 3, 2, 2})}, {"one"});
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run,
+                         {"ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.", "",
+                          "Press Enter to Close"});
+}
+
+TEST(TrimCli, APolygonHoldsAHundredVerticesWithItsSlot)
+{
+    const auto ring = [](std::size_t vertices) { return partsRecord(5, {0}, std::vector<double>(2 * vertices, 2.5)); };
+    ToolRun fits("-b -trim l.shp a.asc");
+    fits.give("a.asc", ascGrid(numbered(6, 8)));
+    giveShpLayer(fits, {ring(99)}, {"one"});
+    fits.start();
+    EXPECT_TRUE(fits.says("Region 1 with 100 nodes..."));
+
+    ToolRun tooMany("-trim l.shp a.asc");
+    tooMany.give("a.asc", ascGrid(numbered(6, 8)));
+    giveShpLayer(tooMany, {ring(100)}, {"one"});
+    tooMany.start();
+    EXPECT_CONSOLE_HOLDS(tooMany, {"ERROR - Region objects contains too many vertices.  Please contact SUPPORT_CONTACT",
+                                   "   Maximum vertices in a single region:100", "", "Press Enter to Close"});
+}
+
+TEST(TrimCli, APolygonWithoutVerticesOverlapsNothing)
+{
+    ToolRun run("-b -trim l.shp a.asc");
+    run.give("a.asc", ascGrid(numbered(6, 8)));
+    giveShpLayer(run, {partsRecord(5, {}, {}), kFirstRecord}, {"empty", "one"});
+    run.start();
+    EXPECT_TRUE(run.says("Region 1 with 0 nodes..."));
+    EXPECT_TRUE(run.says("WARNING - Region does not overlap grid, no output written, region name: empty"));
+    EXPECT_THAT(run.changedFiles(), ElementsAre("one_a.asc"));
 }
 
 TEST(TrimCli, AMissingProjectionEndsTheRun)

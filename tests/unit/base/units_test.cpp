@@ -358,10 +358,12 @@ TEST(Units, ARefusedReadIsAFailedOne)
         Unit unit = 0;
         OPENER(unit, "I ", "a.txt");
         std::string line;
+        const bool readable = !atEnd(unit);
         const bool read = readLine(unit, line);
-        say(read ? "read" : "not read", readFailed(unit) ? ", failed" : ", ended");
+        say(readable ? "goes on, " : "at its end, ", read ? "read" : "not read",
+            readFailed(unit) ? ", failed" : ", ended");
     });
-    EXPECT_TRUE(run.console.ends_with("not read, failed\n")) << run.console;
+    EXPECT_TRUE(run.console.ends_with("goes on, not read, failed\n")) << run.console;
 }
 
 // --- Named units -----------------------------------------------------------------------------------------------------

@@ -362,6 +362,25 @@ TEST(DbfWriting, RefusesFieldsThatAreNone)
                 EndsWith(ending("Should not be here [i2u: i4 outside range] - please contact SUPPORT_CONTACT.")));
 }
 
+TEST(DbfWriting, RefusesMoreRecordsThanTheHeaderCanCount)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        GisOutputAttributes attributes;
+        attributes.add("A", "Char", 3);
+        DbfTable dbf;
+        OPENER(dbf.dbfUnit, "BO", "t.dbf");
+        dbfWriteHeader(attributes, dbf);
+        dbf.currentRecord = 2147483646;
+        dbfdataline(dbf, "abc");
+        say("count ", dbf.currentRecord);
+        dbfdataline(dbf, "abc");
+    });
+    EXPECT_THAT(run.console,
+                EndsWith("count 2147483647\n" + ending("ERROR 0419 - Exceeded dbf limit of 2,147,483,647 records.  "
+                                                       "Please contact SUPPORT_CONTACT.")));
+}
+
 TEST(UnsignedWords, KeepTheirBits)
 {
     EXPECT_EQ(i1u(0), 0);

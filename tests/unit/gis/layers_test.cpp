@@ -7,6 +7,7 @@
 #include "support/child_run.h"
 #include "support/layer_files.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -507,17 +508,19 @@ TEST(TrackedLayers, StandInWorkspaceAndLayer)
 TEST(TrackedLayers, PastTheLimitThereIsAWarning)
 {
     const ScratchFolder folder;
-    for (int i = 1; i <= 1000; ++i) {
+    for (int i = 1; i <= 1001; ++i) {
         folder.give("t" + std::to_string(i) + ".csv", "1\n");
     }
     const std::string console = consoleOf(folder, [] {
-        for (int i = 1; i <= 1000; ++i) {
+        gisInitialise(-1, "", "w", "in");
+        for (int i = 1; i <= 1001; ++i) {
             std::int32_t id = gisOpenLayer("t" + std::to_string(i) + ".csv", "", "I ", true);
             if (i >= 999) {
                 say("number ", gisLayer(id).layerTrackId);
             }
             gisCloseLayer(id);
         }
+        gisCloseTracking();
     });
     const std::string warning = "WARNING 0317 - Exceeded limit of input GIS layers that can be tracked (layer "
                                 "referencing may not be complete).\n";
@@ -525,7 +528,16 @@ TEST(TrackedLayers, PastTheLimitThereIsAWarning)
     ASSERT_NE(at, std::string::npos);
     EXPECT_LT(console.find("number 999\n"), at);
     EXPECT_GT(console.find("number 1000\n"), at);
-    EXPECT_EQ(console.find(warning, at + 1), std::string::npos);
+    // The count stays, so each further layer is the last one again: not stored, but told in the list of what was read.
+    const std::size_t again = console.find(warning, at + 1);
+    ASSERT_NE(again, std::string::npos);
+    EXPECT_NE(console.find("number 1000\n", again), std::string::npos);
+    const std::string workspace = folder.read("w.wor");
+    EXPECT_EQ(std::count(workspace.begin(), workspace.end(), '\n'), 4 + 999);
+    const std::string records = folder.read("in_input_layers.mid");
+    EXPECT_EQ(std::count(records.begin(), records.end(), '\n'), 1001);
+    EXPECT_THAT(records, testing::EndsWith("t1001.csv\"\r\n"));
+    EXPECT_EQ(records.rfind(" 1000,    1, "), records.rfind(" 1000"));
 }
 
 // --- Projection and save-date checks ---------------------------------------------------------------------------------
@@ -711,6 +723,19 @@ TEST(GetProjection, EndsTheRunWithoutOne)
                 HasSubstr("Using e.mif for setting projection.\nERROR - Unable to find CoordSys line in e.mif\n"));
     EXPECT_THAT(endOf(folder, [&] { get("e.tab"); }),
                 HasSubstr("ERROR - Unable to determine gis file type, expecting .mif or .shp. File: e.tab\n"));
+}
+
+TEST(GetProjection, EndsTheRunOnAReadThatTheSystemRefuses)
+{
+    const ScratchFolder folder;
+    std::filesystem::create_symlink("/proc/self/mem", folder.path() / "l.prj");
+    EXPECT_THAT(endOf(folder,
+                      [] {
+                          Projections p;
+                          get_projection("l.shp", p.mif, p.shp);
+                      }),
+                testing::EndsWith("Using l.prj for setting projection.\n"
+                                  "ERROR - Reading following line in projection file:\n\n\nPress Enter to Close\n"));
 }
 
 // --- Words of control files ------------------------------------------------------------------------------------------

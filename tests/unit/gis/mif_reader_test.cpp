@@ -6,6 +6,7 @@
 #include "support/layer_files.h"
 
 #include <cmath>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -522,6 +523,52 @@ TEST_F(MifReading, WhatIsMissingEndsTheRun)
     }
     EXPECT_THAT(endOf("Pline 900000000\n1 1\n2 2\n", 1, 1000, false), HasSubstr(message));
     EXPECT_THAT(endOf("Region 1\n 900000000\n1 1\n2 2\n", 1, 1000, false), HasSubstr(message));
+}
+
+// The memory of a process opens like a file and refuses to be read at its start.
+TEST_F(MifReading, AReadThatTheSystemRefusesIsNoEndOfTheFile)
+{
+    const auto consoleOf = [&](const std::function<void(Unit)>& code) {
+        return runInChild(folder,
+                          [&] {
+                              Unit unit = 0;
+                              OPENER(unit, "I ", "/proc/self/mem");
+                              code(unit);
+                          })
+            .console;
+    };
+    const auto ending = [](const std::string& message) {
+        return testing::EndsWith("\n\n" + message + "\n\nPress Enter to Close\n");
+    };
+    EXPECT_THAT(consoleOf([](Unit unit) {
+                    GisO gisO;
+                    std::string line;
+                    std::string rest;
+                    mifObjectType(unit, line, rest, gisO);
+                }),
+                ending("ERROR 0321 - Reading .mif file object type."));
+    EXPECT_THAT(consoleOf([](Unit unit) {
+                    MifLayer mif;
+                    mif.mifUnit = unit;
+                    GisO gisO;
+                    gisO.point = true;
+                    GisCoordinates c;
+                    bool needCentre = true;
+                    mifReadObject(mif, gisO, c, 10, needCentre, true);
+                }),
+                ending("ERROR 0308 - Reading .mif file.  Check file format is not corrupted."));
+    EXPECT_THAT(consoleOf([](Unit unit) {
+                    MifLayer mif;
+                    mif.mifUnit = unit;
+                    mifReadHeader(mif);
+                }),
+                ending("ERROR 0315 - Could not find start of attribute definitions in .mif file"));
+    EXPECT_THAT(consoleOf([](Unit unit) {
+                    Unit out = 0;
+                    OPENER(out, "O ", "copy.mif");
+                    mifCopyHeader(unit, out);
+                }),
+                ending("ERROR 0301 - Reading data (mifCopyHeader)"));
 }
 
 TEST_F(MifReading, RegionsNeedFiveSlots)

@@ -188,11 +188,12 @@ TEST_F(MifWriting, StylesFollowEachObjectButNone)
                   GisO point;
                   point.point = true;
                   vertices({{1, 2}});
+                  gisLayer(id).mifLayer.style1 = "   ";
                   gisLayer(id).mifLayer.style2 = "Second alone";
                   gisWriteObject(id, point);
                   gisLayer(id).mifLayer.style1 = "    Symbol (37,255,12)";
                   gisWriteObject(id, point);
-                  gisLayer(id).mifLayer.style2.clear();
+                  gisLayer(id).mifLayer.style2 = " ";
                   gisWriteObject(id, point);
                   GisO none;
                   none.none = true;

@@ -215,6 +215,28 @@ TEST_F(ShpReading, KeepsTheHeader)
                                       "1.2.3.4.\n"));
 }
 
+TEST_F(ShpReading, HasNoDefinitionsToGoBackTo)
+{
+    giveShp(folder, "l", 1, {pointRecord(1, 2)});
+    const auto consoleOf = [&](const std::function<void(std::int32_t)>& code) {
+        return runInChild(folder,
+                          [&] {
+                              gisInitialise(-1, "", "", "");
+                              code(gisOpenLayer("l.shp", "", "I "));
+                          })
+            .console;
+    };
+    EXPECT_THAT(consoleOf([](std::int32_t gisID) {
+                    std::int32_t count = 0;
+                    gisGotoBeginningOfAttributes(gisID, count);
+                }),
+                EndsWith("\nShould not be here [gisGotoBeginningOfAttributes] - please contact SUPPORT_CONTACT.\n"
+                         "\nPress Enter to Close\n"));
+    EXPECT_THAT(consoleOf([](std::int32_t gisID) { gisReadAttributeDefinition(gisID); }),
+                EndsWith("\nShould not be here [gisReadAttributeDefinition] - please contact SUPPORT_CONTACT.\n"
+                         "\nPress Enter to Close\n"));
+}
+
 // --- What ends the run -----------------------------------------------------------------------------------------------
 
 // Reads a layer to its end and says how many objects it had.
