@@ -218,7 +218,8 @@ bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& nam
         say("  Unrecognised file type ", mode, " file ", name);
         return false;
     }
-    for (bool askFirst = name.empty();; askFirst = true) {
+    bool askFirst = name.empty();
+    for (;;) {
         if (askFirst) {
             askName(name, type);
         }
@@ -228,6 +229,7 @@ bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& nam
             const int descriptor = fileExists(name) ? openForReading(name) : -1;
             if (descriptor < 0) {
                 say("CHECK 0008 - ", quoted(name), " cannot be found");
+                askFirst = true;
                 continue;
             }
             entry.stream = FileStream(descriptor, how->direction, name);
@@ -235,6 +237,7 @@ bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& nam
             say("Opened File Unit:", integerField(unit, kUnitWidth));
         } else {
             if (how->replaces && !releaseOpenFile(name)) {
+                askFirst = false; // there is a name, so it is tried again until the user lets go of the file
                 continue;
             }
             entry.stream = FileStream(openOutput(name, how->start), how->direction, name);

@@ -187,10 +187,18 @@ TEST(Opener, AsksBeforeItTakesAFileThatIsOpen)
     EXPECT_EQ(yes.console, head + "OK.  File Unit:1002\n");
     EXPECT_EQ(folder.read("a.txt"), "second");
 
-    const ChildRun no = runInChild(folder, openTwice, "n\nb.txt\n");
-    EXPECT_EQ(no.console, head + "Check file exists and press enter or enter another file name: \n"
-                                 "Trying to open file b.txt...OK.  File Unit:1002\n");
-    EXPECT_EQ(folder.read("b.txt"), "second");
+    // Any other answer tries the same name again.
+    const std::string again = "Trying to open file a.txt...\n"
+                              "\n"
+                              "a.txt is already open, close it? \n";
+    const ChildRun no = runInChild(folder, openTwice, "n\nb.txt\nY\n");
+    EXPECT_EQ(no.console, head + again + again + "OK.  File Unit:1002\n");
+    EXPECT_EQ(folder.read("a.txt"), "second");
+    EXPECT_FALSE(folder.has("b.txt"));
+
+    const ChildRun never = runInChild(folder, openTwice, "n\n");
+    EXPECT_TRUE(never.ended);
+    EXPECT_EQ(never.console, head + again + "\nPress Enter to Close\n");
 }
 
 TEST(Opener, StopsAtThe1001stFile)
