@@ -1,6 +1,7 @@
 #include "driver/operations.h"
 
 #include "base/ends.h"
+#include "damages/damages.h"
 #include "ops/classify.h"
 #include "ops/conv.h"
 #include "ops/count.h"
@@ -51,7 +52,7 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"multiply",  [](const S& s) { return s.multiply; },       runMultiply},
     {"xyz",       [](const S& s) { return s.xyz; },            nullptr},
     {"trim",      [](const S& s) { return s.trim; },           runTrim},
-    {"damages",   [](const S& s) { return s.damages; },        nullptr},
+    {"damages",   [](const S& s) { return s.damages; },        runDamages},
     {"rf",        [](const S& s) { return s.rf; },             nullptr},
     {"remap",     [](const S& s) { return s.remap; },          runRemap},
     {"stat",      [](const S& s) { return s.stat; },           runStat},

@@ -1,0 +1,158 @@
+#include "damages/buildings.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "gis/layer_objects.h"
+#include "gis/layers.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::int32_t kMaxReadVertices = 1000000;
+constexpr std::int32_t kPointVertices = 2;
+constexpr float kLeastMultiplier = 0.0001F;
+
+// --- Curves by name --------------------------------------------------------------------------------------------------
+
+// The first curve of a name, from 1. Names are compared in full once only, as layers repeat a few of them.
+class CurveFinder {
+public:
+    explicit CurveFinder(std::span<const DmgCurve> curves) : curves_(curves) {}
+
+    std::int32_t find(const std::string& name)
+    {
+        const auto known = found_.find(name);
+        if (known != found_.end()) {
+            return known->second;
+        }
+        const auto curve =
+            std::ranges::find_if(curves_, [&name](const DmgCurve& candidate) { return ASAME(candidate.name, name); });
+        if (curve == curves_.end()) {
+            fail("ERROR - Unable to find ", name, " in damage curves.");
+        }
+        const auto index = static_cast<std::int32_t>(curve - curves_.begin()) + 1;
+        found_.emplace(name, index);
+        return index;
+    }
+
+private:
+    std::span<const DmgCurve> curves_;
+    std::unordered_map<std::string, std::int32_t> found_;
+};
+
+// --- Objects ---------------------------------------------------------------------------------------------------------
+
+DmgBuilding& addBuilding(const DmgLimits& limits, std::vector<DmgBuilding>& buildings)
+{
+    if (static_cast<std::int64_t>(buildings.size()) >= limits.buildings) {
+        say("ERROR - Number of buildings exceeds maximum: ", limits.buildings);
+        fail("   This can be specified with Maximum Buildings == ", limits.buildings, " in the .dmg file.");
+    }
+    return buildings.emplace_back();
+}
+
+void takeVertices(const GisCoordinates& read, DmgBuilding& building)
+{
+    const auto count = static_cast<std::ptrdiff_t>(read.np);
+    building.vertices = read.np;
+    building.x.assign(read.x.begin(), read.x.begin() + count);
+    building.y.assign(read.y.begin(), read.y.begin() + count);
+}
+
+// A region of a broken .shp may have no vertex; its extent stays 0.
+void takeExtent(DmgBuilding& building)
+{
+    if (building.vertices == 0) {
+        return;
+    }
+    const auto [west, east] = std::minmax_element(building.x.begin(), building.x.end());
+    const auto [south, north] = std::minmax_element(building.y.begin(), building.y.end());
+    building.xmin = *west;
+    building.xmax = *east;
+    building.ymin = *south;
+    building.ymax = *north;
+}
+
+void readPolygon(std::int32_t gisID, GisO& gisO, const DmgLimits& limits, GisCoordinates& read,
+                 std::vector<DmgBuilding>& buildings)
+{
+    if (gisO.nr > 1) {
+        fail("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.");
+    }
+    gisReadObject(gisID, gisO, read, kMaxReadVertices);
+    if (read.np > limits.vertices) {
+        say("ERROR - Region objects contains too many vertices. Maximum vertices in a single region:", limits.vertices);
+        fail("   This can be specified with Maximum Vertices == ", limits.vertices, " in the .dmg file.");
+    }
+    DmgBuilding& building = addBuilding(limits, buildings);
+    say("Building ", buildings.size(), " is a polygon with ", read.np, " nodes.");
+    building.type = kPolygonBuilding;
+    takeVertices(read, building);
+    takeExtent(building);
+}
+
+void readPoint(std::int32_t gisID, GisO& gisO, const DmgLimits& limits, GisCoordinates& read,
+               std::vector<DmgBuilding>& buildings)
+{
+    gisReadObject(gisID, gisO, read, kPointVertices);
+    DmgBuilding& building = addBuilding(limits, buildings);
+    say("Building ", buildings.size(), " is a point.");
+    building.type = kPointBuilding;
+    takeVertices(read, building);
+}
+
+// --- Attributes ------------------------------------------------------------------------------------------------------
+
+bool isTaken(FreeValue got)
+{
+    return got == FreeValue::value || got == FreeValue::empty;
+}
+
+// Curve name, identifier, floor level, multiplier. An empty value leaves blank or 0; the multiplier may be empty behind
+// the last comma of the line too, as tables leave it that give none.
+void takeAttributes(const std::string& dataLine, CurveFinder& curves, DmgBuilding& building)
+{
+    const std::string line = dataLine.ends_with(',') ? dataLine + ',' : dataLine;
+    FreeForm values(line);
+    std::string curveName;
+    if (!isTaken(values.nextText(curveName, kPropertyWidth)) ||
+        !isTaken(values.nextText(building.Prop_ID, kPropertyWidth)) || !isTaken(values.next(building.FFL)) ||
+        !isTaken(values.next(building.multiplier))) {
+        failDataLine(dataLine);
+    }
+    building.multiplier = building.multiplier > kLeastMultiplier ? building.multiplier : 1.0F;
+    building.curve = curves.find(curveName);
+}
+
+} // namespace
+
+void dmg_read_buildings(const std::string& layerName, const DmgLimits& limits, std::span<const DmgCurve> curves,
+                        std::vector<DmgBuilding>& buildings)
+{
+    say("Read building data from GIS...");
+    std::int32_t gisID = gisOpenLayer(layerName, "", "I ");
+    gisReadHeader(gisID);
+    CurveFinder finder(curves);
+    GisCoordinates read;
+    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
+        if (gisO.region) {
+            readPolygon(gisID, gisO, limits, read, buildings);
+        } else if (gisO.point) {
+            readPoint(gisID, gisO, limits, read, buildings);
+        } else {
+            say("WARNING - Object is not a point or region, skipping.");
+            return;
+        }
+        takeAttributes(dataLine, finder, buildings.back());
+    });
+    say(" Finished reading building data.");
+    gisCloseLayer(gisID);
+}
+
+} // namespace gridforge

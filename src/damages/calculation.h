@@ -1,0 +1,69 @@
+// Damages of all buildings on results grids, one grid in memory at a time.
+#pragma once
+
+#include "base/region_rows.h"
+#include "damages/records.h"
+#include "grid/grid.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace gridforge {
+
+// The results grids from the most frequent event to the rarest; of equal probabilities the first listed goes first.
+// None above -9999 ends the run.
+std::vector<DmgRes> sortByFrequency(std::span<const DmgRes> listed);
+
+// --- Levels of buildings on one grid ---------------------------------------------------------------------------------
+
+struct SampledGrid {
+    GridHeader header;
+    Grid cells;
+    std::vector<double> columnX; // of each column, where polygons see it
+};
+
+// The places of the columns, from the header.
+std::vector<double> columnPlaces(const GridHeader& header);
+
+// The cell at a point building, as the nearest whole number of cell sizes from the corner of the grid, which is the
+// north-east corner of the cell. False, and a warning, outside of the grid.
+bool pointLevel(const DmgBuilding& building, const SampledGrid& grid, float& level);
+
+// Rows and columns about a polygon's extent, both ends included; it may reach over the grid.
+struct BuildingWindow {
+    std::int64_t firstRow = 1;
+    std::int64_t lastRow = 0;
+    std::int64_t firstColumn = 1;
+    std::int64_t lastColumn = 0;
+};
+BuildingWindow buildingWindow(const DmgBuilding& building, const GridHeader& header);
+
+// The cells that count for a polygon. Levels of -999 or less never come into the maximum.
+struct InsideCells {
+    float maximum = -999.0F;
+    float sum = 0;
+    std::int64_t count = 0;
+};
+
+// Work space that goes from polygon to polygon.
+struct PolygonTest {
+    PreparedRegion region;
+    std::vector<std::uint8_t> inside;
+};
+
+// Sums up the cells of the window, whose first row and column lie in the grid, that are inside the polygon and not null,
+// rows from the south and each from the west. Beyond the grid there are none. Costs a row of the window what the edges
+// that meet it cost.
+InsideCells cellsInside(const DmgBuilding& building, const BuildingWindow& window, const SampledGrid& grid,
+                        PolygonTest& test);
+
+// --- The calculation -------------------------------------------------------------------------------------------------
+
+// Reads grid `iResult`, from 1, and fills that damage of every building. `level` goes from call to call, 0 at first: a
+// polygon whose window begins outside of the grid leaves it, and so takes the level of the building before it.
+void dmg_calc_res(std::span<DmgBuilding> buildings, std::span<const DmgCurve> curves, std::span<const DmgRes> results,
+                  std::int32_t iResult, std::int32_t method, float& level);
+
+} // namespace gridforge

@@ -1,0 +1,101 @@
+#include "damages/curves.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "base/units.h"
+
+#include <algorithm>
+#include <cassert>
+#include <functional>
+#include <limits>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::size_t kFewestPoints = 2;
+
+// An empty value between commas leaves its 0.
+bool take(FreeForm& values, float& target)
+{
+    const FreeValue got = values.next(target);
+    return got == FreeValue::value || got == FreeValue::empty;
+}
+
+[[noreturn]] void failLine(const std::string& line)
+{
+    say("ERROR - Reading following line in damages curve file:");
+    fail(line);
+}
+
+void readPoint(const std::string& line, DmgCurve& curve)
+{
+    float depth = 0;
+    float damage = 0;
+    FreeForm values(line);
+    if (!take(values, depth) || !take(values, damage)) {
+        failLine(line);
+    }
+    curve.depth.push_back(depth);
+    curve.damage.push_back(damage);
+}
+
+// Not-a-number rises above nothing, and nothing above it.
+bool risesStrictly(const std::vector<float>& depths)
+{
+    return std::adjacent_find(depths.begin(), depths.end(), std::not_fn(std::less<>())) == depths.end();
+}
+
+} // namespace
+
+void dmg_read_curve(const std::string& fileName, std::int32_t maxPoints, DmgCurve& curve)
+{
+    say("Getting damages Curve...");
+    Unit unit = 0;
+    OPENER(unit, "I ", fileName);
+    std::string line;
+    readLine(unit, line); // the heading
+    std::int32_t count = 0;
+    while (!atEnd(unit)) {
+        if (!readLine(unit, line)) {
+            failLine(line);
+        }
+        if (count == maxPoints) {
+            fail("ERROR - Number of bins exceeds maximum.");
+        }
+        ++count;
+        readPoint(line, curve);
+    }
+    CLOSER(unit);
+    say("Number of points in damage curve found: ", count);
+    if (curve.depth.size() < kFewestPoints) {
+        fail("ERROR - Less than 2 points in damages curve.");
+    }
+    if (!risesStrictly(curve.depth)) {
+        fail("ERROR - Depth values in damages curve not increasing.");
+    }
+}
+
+float dmg_curve_lookup(std::span<const float> depths, std::span<const float> damages, float depth)
+{
+    assert(depths.size() == damages.size() && depths.size() >= kFewestPoints);
+    if (depth <= depths.front()) {
+        return damages.front(); // a dry building too: no zero is forced
+    }
+    if (depth >= depths.back()) {
+        say("Depth exceeds highest value in curve.");
+        return damages.back();
+    }
+    const auto above = std::upper_bound(depths.begin(), depths.end(), depth);
+    if (above == depths.end()) {
+        return std::numeric_limits<float>::quiet_NaN(); // the depth is not a number
+    }
+    const auto k = static_cast<std::size_t>(above - depths.begin());
+    const float a = depth - depths[k - 1];
+    const float b = depths[k] - depths[k - 1];
+    const float c = damages[k] - damages[k - 1];
+    return damages[k - 1] + (a / b) * c;
+}
+
+} // namespace gridforge

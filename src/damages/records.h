@@ -1,0 +1,60 @@
+// The records of the damage calculation: depth-damage curves, buildings and results grids.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace gridforge {
+
+inline constexpr std::size_t kCurveNameWidth = 100;
+inline constexpr std::size_t kPropertyWidth = 100; // type and identifier of a property
+
+// The maxima of a run, which its control file may change. They are limits only: memory is taken as it is filled.
+struct DmgLimits {
+    std::int32_t buildings = 1000;
+    std::int32_t vertices = 100; // of one building
+    std::int32_t curves = 100;
+    std::int32_t curvePoints = 100; // of one curve
+    std::int32_t results = 25;
+};
+
+// Damage by depth above the floor, as many values of each.
+struct DmgCurve {
+    std::string name;
+    std::vector<float> depth; // rising strictly
+    std::vector<float> damage;
+};
+
+inline constexpr std::int32_t kPointBuilding = 1;
+inline constexpr std::int32_t kPolygonBuilding = 2;
+
+struct DmgBuilding {
+    std::int32_t type = 0;
+    std::int32_t vertices = 0; // 1 of a point; of a polygon as read, with the closing vertex and the slot behind it
+    std::int32_t curve = 0;    // from 1
+    std::string Prop_ID;
+    float FFL = 0; // floor level
+    float multiplier = 0;
+    std::vector<double> x;
+    std::vector<double> y;
+    double xmin = 0; // the extent is that of polygons only
+    double xmax = 0;
+    double ymin = 0;
+    double ymax = 0;
+    std::vector<float> damage; // by results grid, in the order of the calculation
+    float AAD = 0;             // average annual damage: nothing computes it, the outputs show 0; deliberate
+};
+
+// A results grid and its annual exceedance probability in percent.
+struct DmgRes {
+    std::string file;
+    float AEP = 0;
+};
+
+// How the level of a polygon is made of the cells in it.
+inline constexpr std::int32_t kInspectMax = 1;
+inline constexpr std::int32_t kInspectAvg = 2;
+
+} // namespace gridforge
