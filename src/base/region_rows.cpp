@@ -143,7 +143,7 @@ private:
     float ofRow_;
 };
 
-// The places of a row where the number of crossings turns from even to odd or back.
+// The places of a row where the number of crossings turns from even to odd or back, as flags of the row.
 class Turns {
 public:
     explicit Turns(std::span<std::uint8_t> row) : row_(row) { std::fill(row.begin(), row.end(), std::uint8_t{0}); }
@@ -182,8 +182,47 @@ private:
     bool any_ = false;
 };
 
+// The same as a list, held in the `from` of the runs that come out of it.
+class TurnList {
+public:
+    explicit TurnList(std::vector<RowRun>& runs) : runs_(runs) { runs.clear(); }
+
+    void add(std::size_t from, std::size_t to)
+    {
+        if (from < to) {
+            runs_.push_back({from, 0});
+            runs_.push_back({to, 0});
+        }
+    }
+
+    // Turns into runs: two turns at one place undo each other, so what is left goes in pairs.
+    void resolve()
+    {
+        std::sort(runs_.begin(), runs_.end(), [](const RowRun& a, const RowRun& b) { return a.from < b.from; });
+        std::size_t runs = 0;
+        bool open = false;
+        for (const RowRun turn : runs_) {
+            const std::size_t place = turn.from;
+            if (open) {
+                runs_[runs].to = place;
+                runs += runs_[runs].size() > 0 ? 1 : 0;
+            } else if (runs > 0 && runs_[runs - 1].to == place) {
+                --runs; // goes on where the last run ended
+            } else {
+                runs_[runs].from = place;
+            }
+            open = !open;
+        }
+        runs_.resize(runs);
+    }
+
+private:
+    std::vector<RowRun>& runs_;
+};
+
 // Adds the places among the first `count` that the edge counts for.
-void addMeeting(const EdgeOnRow& edge, std::span<const double> px, std::size_t count, Turns& turns)
+template <typename Turning>
+void addMeeting(const EdgeOnRow& edge, std::span<const double> px, std::size_t count, Turning& turns)
 {
     if (count == 0) {
         return;
@@ -200,7 +239,8 @@ void addMeeting(const EdgeOnRow& edge, std::span<const double> px, std::size_t c
     first ? turns.add(0, place) : turns.add(place, count);
 }
 
-void addEdge(const RegionEdge& edge, double rayStart, double py, std::span<const double> px, Turns& turns)
+template <typename Turning>
+void addEdge(const RegionEdge& edge, double rayStart, double py, std::span<const double> px, Turning& turns)
 {
     if (edge.y2 == py) {
         return;
@@ -215,6 +255,32 @@ void addEdge(const RegionEdge& edge, double rayStart, double py, std::span<const
         turns.add(behind, px.size());
     }
     addMeeting(onRow, px, behind, turns);
+}
+
+// No place of the row needs a test by itself: the row begins beyond the start of the ray, and far enough.
+bool isSafeRow(const PreparedRegion& region, double py, std::span<const double> px)
+{
+    return px.front() > region.rayStart && isSafe(region.rayStart, px.front(), nearestLevel(region, py));
+}
+
+// The rows that the edges tell about; all others are tested point by point.
+bool isOrdinaryRow(const PreparedRegion& region, double py, std::span<const double> px)
+{
+    return region.ordinary && isOrdinary(py) && isOrdinary(px.front()) && isOrdinary(px.back());
+}
+
+void runsOfFlags(std::span<const std::uint8_t> inside, std::vector<RowRun>& runs)
+{
+    runs.clear();
+    for (std::size_t i = 0; i < inside.size(); ++i) {
+        if (inside[i] == 0) {
+            continue;
+        }
+        if (runs.empty() || runs.back().to != i) {
+            runs.push_back({i, i});
+        }
+        runs.back().to = i + 1;
+    }
 }
 
 // The places around the start of the ray where isSafe does not hold, point by point.
@@ -285,7 +351,7 @@ void insideRegionRow(const PreparedRegion& region, double py, std::span<const do
     if (!region.complete) {
         failRegionRings(2);
     }
-    if (!region.ordinary || !isOrdinary(py) || !isOrdinary(px.front()) || !isOrdinary(px.back())) {
+    if (!isOrdinaryRow(region, py, px)) {
         std::transform(px.begin(), px.end(), inside.begin(),
                        [&](double x) -> std::uint8_t { return insideByAllEdges(region, x, py) ? 1 : 0; });
         return;
@@ -295,6 +361,28 @@ void insideRegionRow(const PreparedRegion& region, double py, std::span<const do
                [&](const RegionEdge& edge) { addEdge(edge, region.rayStart, py, px, turns); });
     turns.resolve();
     mendUnsafe(region, py, px, nearestLevel(region, py), inside);
+}
+
+void insideRegionRuns(const PreparedRegion& region, double py, std::span<const double> px, std::vector<RowRun>& runs)
+{
+    assert(std::is_sorted(px.begin(), px.end()));
+    runs.clear();
+    if (px.empty()) {
+        return;
+    }
+    if (!region.complete) {
+        failRegionRings(2);
+    }
+    if (!isOrdinaryRow(region, py, px) || !isSafeRow(region, py, px)) {
+        std::vector<std::uint8_t> inside(px.size());
+        insideRegionRow(region, py, px, inside);
+        runsOfFlags(inside, runs);
+        return;
+    }
+    TurnList turns(runs);
+    forEdgesAt(region, py, 0, region.edges.size(),
+               [&](const RegionEdge& edge) { addEdge(edge, region.rayStart, py, px, turns); });
+    turns.resolve();
 }
 
 } // namespace gridforge

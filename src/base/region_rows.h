@@ -34,8 +34,19 @@ void prepareRegion(std::span<const double> x, std::span<const double> y, std::in
 // INSIDE_POLYGON_8 for one point.
 bool insideRegion(const PreparedRegion& region, double px, double py);
 
-// INSIDE_POLYGON_8 for the points of a row at py: inside[i] becomes 1 or 0 for px[i]. The px must not fall; the spans are
-// of one length.
+// Places of a row from `from` to before `to`.
+struct RowRun {
+    std::size_t from = 0;
+    std::size_t to = 0;
+
+    std::size_t size() const { return to - from; }
+};
+
+// INSIDE_POLYGON_8 for the points of a row at py: `runs` becomes the runs of the places inside, rising and apart from each
+// other. The px must not fall. Costs the edges and runs of the row, not its places.
+void insideRegionRuns(const PreparedRegion& region, double py, std::span<const double> px, std::vector<RowRun>& runs);
+
+// The same by flags: inside[i] becomes 1 or 0 for px[i]. The spans are of one length.
 void insideRegionRow(const PreparedRegion& region, double py, std::span<const double> px,
                      std::span<std::uint8_t> inside);
 

@@ -1,8 +1,10 @@
 // The read loop over the objects of a layer, as operations run it.
 #pragma once
 
+#include "base/numbers.h"
 #include "gis/layers.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -27,7 +29,26 @@ void forEachObject(std::int32_t gisID, Work&& work)
 // True for a line or polyline; a polyline of several parts ends the run.
 bool isLineObject(const GisO& gisO);
 
+// True for a region; one of several rings ends the run.
+bool isRegionObject(const GisO& gisO);
+
 // Ends the run over a data line that cannot be read.
 [[noreturn]] void failDataLine(std::string_view dataLine);
+
+// Takes the values of a data line one after another. An empty one leaves its target; one that is not there or cannot be
+// read ends the run. The line must stay.
+class RecordValues {
+public:
+    explicit RecordValues(std::string_view dataLine) : dataLine_(dataLine), values_(dataLine) {}
+
+    void take(float& target) { require(values_.next(target)); }
+    void take(std::string& target, std::size_t width) { require(values_.nextText(target, width)); }
+
+private:
+    void require(FreeValue got) const;
+
+    std::string_view dataLine_;
+    FreeForm values_;
+};
 
 } // namespace gridforge

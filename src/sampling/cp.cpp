@@ -166,26 +166,18 @@ struct CalibrationPoint {
     float maximum = -kNoValue;
 };
 
-bool isTaken(FreeValue got)
-{
-    return got == FreeValue::value || got == FreeValue::empty;
-}
-
 CalibrationPoint parsePoint(const std::string& dataLine, std::int32_t attributes)
 {
     if (attributes < kLabelledAttributes) {
         fail("ERROR - Expecting at least 2 GIS attirbutes for input calibration point layer.");
     }
     CalibrationPoint point;
-    FreeForm values(dataLine);
-    if (!isTaken(values.next(point.observed)) || !isTaken(values.nextText(point.label, kLineWidth))) {
-        failDataLine(dataLine);
-    }
+    RecordValues values(dataLine);
+    values.take(point.observed);
+    values.take(point.label, kLineWidth);
     if (attributes > kLabelledAttributes) {
         point.modelled = 0;
-        if (!isTaken(values.next(point.modelled))) {
-            failDataLine(dataLine);
-        }
+        values.take(point.modelled);
     }
     return point;
 }
@@ -200,8 +192,8 @@ struct LastFound {
 
 class PointSampler {
 public:
-    PointSampler(const RunSettings& settings, const GridHeader& header, const Grid& cells, std::int32_t connections)
-        : settings_(settings), header_(header), cells_(cells), connections_(connections)
+    PointSampler(const RunSettings& settings, const Terrain& terrain, std::int32_t connections)
+        : settings_(settings), header_(terrain.header), cells_(terrain.cells), connections_(connections)
     {
     }
 
@@ -296,12 +288,11 @@ void runCalibrationPoints(const RunSettings& settings, const InputFileList& inpu
     std::int32_t inputID = openSampledLayer(settings.cpLayer);
     defineResultAttributes(inputID, settings.cpmm);
     Outputs outputs = openOutputs(settleNames(settings), settings.cpmm);
-    Grid cells;
-    const GridHeader header = loadSampledGrid(inputs[1], cells);
+    const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for Points...");
     const std::int32_t attributes = gisNumberAttributes(inputID);
-    PointSampler sampler(settings, header, cells, outputs.connections);
+    PointSampler sampler(settings, terrain, outputs.connections);
     GisCoordinates read;
     forEachObject(inputID, [&](GisO& gisO, const std::string& dataLine) {
         if (!gisO.point) {

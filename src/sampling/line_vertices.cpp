@@ -1,12 +1,12 @@
 #include "sampling/line_vertices.h"
 
+#include "base/console.h"
 #include "base/ends.h"
 #include "base/geometry.h"
 #include "base/numbers.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace gridforge {
 
@@ -22,23 +22,23 @@ std::int64_t insertedBefore(const GisCoordinates& read, std::size_t i, float spa
     return std::max(truncateToInt(static_cast<double>(std::floor(length / spacing))), 0);
 }
 
-void requireCount(std::int64_t count)
+void requireCount(std::int64_t count, std::int32_t most)
 {
-    constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
-    if (count >= kMax) {
-        fail("ERROR - Number of vertices in polyline exceeds maximum: ", kMax);
+    if (count > most) {
+        fail("ERROR - Number of vertices in polyline exceeds maximum: ", most);
     }
 }
 
 } // namespace
 
-LineVertices insertVertices(const GisCoordinates& read, float spacing)
+LineVertices insertVertices(const GisCoordinates& read, float spacing, std::int32_t most)
 {
     const auto np = static_cast<std::size_t>(std::max(read.np, 0));
     auto count = static_cast<std::int64_t>(np);
+    requireCount(count, most);
     for (std::size_t i = 1; i < np; ++i) {
         count += insertedBefore(read, i, spacing);
-        requireCount(count);
+        requireCount(count, most);
     }
 
     LineVertices line;
@@ -67,6 +67,17 @@ LineVertices insertVertices(const GisCoordinates& read, float spacing)
 float distanceBefore(const LineVertices& line, std::size_t i)
 {
     return DISTANCE_8(line.x[i - 1], line.y[i - 1], line.x[i], line.y[i]);
+}
+
+bool isDuplicate(const LineVertices& line, std::size_t i)
+{
+    constexpr float kNearest = 0.0001F;
+    return i > 0 && i + 1 < line.count() && distanceBefore(line, i) < kNearest;
+}
+
+void sayDuplicate()
+{
+    say("WARNING - Duplicate Vertices along line.  This may cause issues with determining angles.");
 }
 
 float lineAngle(const LineVertices& line, std::size_t i)

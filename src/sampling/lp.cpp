@@ -102,18 +102,13 @@ void placeVertices(Profile& profile)
         const float before = profile.vertices[i - 1].chainage;
         const float distance = distanceBefore(profile.line, i);
         vertex.chainage = static_cast<float>(static_cast<double>(before) + static_cast<double>(distance));
-        if (i + 1 < count && distance < kDuplicateDistance) {
-            say("WARNING - Duplicate Vertices along line.  This may cause issues with determining angles.");
+        if (isDuplicate(profile.line, i)) {
+            sayDuplicate();
             say("  Profile: ", profile.label, " Chainage: ", AREAL(before), " Calculated Distance: ", AREAL(distance));
         }
     }
     say("   Done.");
 }
-
-struct Terrain {
-    GridHeader header;
-    Grid cells;
-};
 
 void sampleVertices(Profile& profile, float searchDistance, const Terrain& terrain, std::int32_t checkID)
 {
@@ -212,10 +207,7 @@ std::int32_t openCheckLayer(const RunSettings& settings)
 std::string readLabel(const std::string& dataLine)
 {
     std::string label;
-    const FreeValue got = FreeForm(dataLine).nextText(label, kLineWidth);
-    if (got == FreeValue::failure || got == FreeValue::end) {
-        failDataLine(dataLine);
-    }
+    RecordValues(dataLine).take(label, kLineWidth);
     return label;
 }
 
@@ -253,8 +245,7 @@ void runLongProfile(const RunSettings& settings, const InputFileList& inputs)
         say("Using specified output file: ", settings.outputName);
     }
     const std::string base = FILENAMEPATH(settings.outputNameGiven ? settings.outputName : settings.lpLayer);
-    Terrain terrain;
-    terrain.header = loadSampledGrid(inputs[1], terrain.cells);
+    const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for Lines and Polylines...");
     GisCoordinates read;

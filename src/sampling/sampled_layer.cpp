@@ -1,6 +1,7 @@
 #include "sampling/sampled_layer.h"
 
 #include "base/console.h"
+#include "base/ends.h"
 #include "base/text.h"
 #include "gis/projection.h"
 #include "grid/header.h"
@@ -16,15 +17,40 @@ std::int32_t openSampledLayer(const std::string& name)
     return gisID;
 }
 
-GridHeader loadSampledGrid(const std::string& name, Grid& cells)
+void requireOneGrid(const InputFileList& inputs)
+{
+    if (inputs.count() > 1) {
+        fail("ERROR - Only one input grid file supported.");
+    }
+}
+
+namespace {
+
+Terrain readTerrainSaying(const std::string& name, std::string_view beforeCells)
+{
+    Terrain terrain;
+    terrain.header = readGridHeader(name);
+    allocateGrid(terrain.cells, terrain.header, "storing input grid...");
+    if (!beforeCells.empty()) {
+        say(beforeCells);
+    }
+    readGridCells(name, terrain.header, terrain.cells);
+    return terrain;
+}
+
+} // namespace
+
+Terrain readTerrain(const std::string& name)
+{
+    return readTerrainSaying(name, "");
+}
+
+Terrain loadTerrain(const std::string& name)
 {
     say("Loading grid data...");
-    GridHeader header = readGridHeader(name);
-    allocateGrid(cells, header, "storing input grid...");
-    say("Reading data...");
-    readGridCells(name, header, cells);
+    Terrain terrain = readTerrainSaying(name, "Reading data...");
     say("   Done.");
-    return header;
+    return terrain;
 }
 
 namespace {
@@ -54,6 +80,28 @@ void writeSegment(std::int32_t gisID, double x1, double y1, double x2, double y2
     gisOutputCoordinates().add(x2, y2);
     GisO gisO;
     gisO.line = true;
+    writeWithRecord(gisID, gisO, dataLine);
+}
+
+void writePolyline(std::int32_t gisID, const LineVertices& line, std::string_view dataLine)
+{
+    gisOutputCoordinates().clear();
+    for (std::size_t i = 0; i < line.count(); ++i) {
+        gisOutputCoordinates().add(line.x[i], line.y[i]);
+    }
+    GisO gisO;
+    gisO.pline = true;
+    writeWithRecord(gisID, gisO, dataLine);
+}
+
+void writeRegion(std::int32_t gisID, const SearchPolygon& polygon, std::string_view dataLine)
+{
+    gisOutputCoordinates().clear();
+    for (std::size_t i = 0; i <= kSearchSides; ++i) {
+        gisOutputCoordinates().add(polygon.x[i], polygon.y[i]);
+    }
+    GisO gisO;
+    gisO.region = true;
     writeWithRecord(gisID, gisO, dataLine);
 }
 

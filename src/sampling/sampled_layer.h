@@ -3,6 +3,9 @@
 
 #include "gis/layers.h"
 #include "grid/grid.h"
+#include "run/inputs.h"
+#include "sampling/line_vertices.h"
+#include "sampling/search_polygon.h"
 
 #include <cstdint>
 #include <string>
@@ -16,12 +19,23 @@ inline constexpr std::int32_t kMaxSampledVertices = 1000000;
 // Takes the projection of the layer for the outputs, opens it and reads its header.
 std::int32_t openSampledLayer(const std::string& name);
 
-// "Loading grid data..." to "   Done.": header and cells of the grid, whose file is closed then.
-GridHeader loadSampledGrid(const std::string& name, Grid& cells);
+// Ends the run when there is more than one input grid.
+void requireOneGrid(const InputFileList& inputs);
+
+struct Terrain {
+    GridHeader header;
+    Grid cells;
+};
+// Header and cells of the grid, whose file is closed then.
+Terrain readTerrain(const std::string& name);
+// The same from "Loading grid data..." to "   Done.".
+Terrain loadTerrain(const std::string& name);
 
 // One object with its record. The style is the layer's.
 void writePoint(std::int32_t gisID, double x, double y, std::string_view dataLine);
 void writeSegment(std::int32_t gisID, double x1, double y1, double x2, double y2, std::string_view dataLine);
+void writePolyline(std::int32_t gisID, const LineVertices& line, std::string_view dataLine);
+void writeRegion(std::int32_t gisID, const SearchPolygon& polygon, std::string_view dataLine);
 void setStyle(std::int32_t gisID, std::string_view style);
 
 } // namespace gridforge

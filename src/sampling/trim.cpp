@@ -6,18 +6,18 @@
 #include "base/names.h"
 #include "base/numbers.h"
 #include "base/product.h"
-#include "base/region_rows.h"
 #include "base/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
-#include "gis/projection.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
+#include "sampling/sampled_layer.h"
 
 #include <algorithm>
-#include <array>
-#include <limits>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace gridforge {
 
@@ -25,47 +25,27 @@ namespace {
 
 constexpr std::size_t kMaxRegions = 100;
 constexpr std::int32_t kMaxRegionVertices = 100;
-constexpr std::int32_t kMaxReadVertices = 1000000;
 constexpr std::size_t kRegionNameWidth = 250;
 constexpr int kFileColumns = 3;
 
 // --- The regions -----------------------------------------------------------------------------------------------------
 
+struct TrimRegion {
+    std::string name;
+    SampledRegion region;
+};
+
 std::string regionName(const std::string& dataLine)
 {
     std::string name;
-    const FreeValue got = FreeForm(dataLine).nextText(name, kRegionNameWidth);
-    if (got == FreeValue::failure || got == FreeValue::end) {
-        failDataLine(dataLine);
-    }
+    RecordValues(dataLine).take(name, kRegionNameWidth);
     return name;
-}
-
-// A polygon of a Shapefile may have no vertices at all: its box then reaches nowhere.
-TrimRegion regionFrom(const GisCoordinates& read)
-{
-    const auto count = static_cast<std::size_t>(read.np);
-    TrimRegion region;
-    region.xmin = region.ymin = std::numeric_limits<double>::max();
-    region.xmax = region.ymax = std::numeric_limits<double>::lowest();
-    for (std::size_t i = 0; i < count; ++i) {
-        region.x.push_back(read.x[i]);
-        region.y.push_back(read.y[i]);
-        region.xmin = std::min(region.xmin, read.x[i]);
-        region.xmax = std::max(region.xmax, read.x[i]);
-        region.ymin = std::min(region.ymin, read.y[i]);
-        region.ymax = std::max(region.ymax, read.y[i]);
-    }
-    return region;
 }
 
 void readRegion(std::int32_t gisID, GisO& gisO, const std::string& dataLine, GisCoordinates& read,
                 std::vector<TrimRegion>& regions)
 {
-    if (gisO.nr > 1) {
-        fail("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.");
-    }
-    gisReadObject(gisID, gisO, read, kMaxReadVertices);
+    gisReadObject(gisID, gisO, read, kMaxSampledVertices);
     if (read.np > kMaxRegionVertices) {
         say("ERROR - Region objects contains too many vertices.  Please contact ", kSupportContact);
         fail("   Maximum vertices in a single region:", kMaxRegionVertices);
@@ -74,15 +54,12 @@ void readRegion(std::int32_t gisID, GisO& gisO, const std::string& dataLine, Gis
         fail("ERROR - Number of regions exceeds maximum: ", kMaxRegions);
     }
     say("Region ", regions.size() + 1, " with ", read.np, " nodes...");
-    regions.push_back(regionFrom(read));
-    regions.back().name = regionName(dataLine);
+    regions.push_back({regionName(dataLine), sampledRegion(read)});
 }
 
 std::vector<TrimRegion> readRegions(const std::string& layerName)
 {
-    get_projection(layerName, gisCoordSysLine(), gisPrjLine());
-    std::int32_t gisID = gisOpenLayer(layerName, "", "I ");
-    gisReadHeader(gisID);
+    std::int32_t gisID = openSampledLayer(layerName);
     say("Allocating memory for storing GIS regions...");
     std::vector<TrimRegion> regions;
     regions.reserve(kMaxRegions);
@@ -90,7 +67,7 @@ std::vector<TrimRegion> readRegions(const std::string& layerName)
     say("Searching for region objects...");
     GisCoordinates read;
     forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
-        if (gisO.region) {
+        if (isRegionObject(gisO)) {
             readRegion(gisID, gisO, dataLine, read, regions);
         }
     });
@@ -100,26 +77,30 @@ std::vector<TrimRegion> readRegions(const std::string& layerName)
 
 // --- The window ------------------------------------------------------------------------------------------------------
 
-void reportOverhang(const TrimWindow& w, const GridHeader& header, const TrimRegion& region,
+void reportOverhang(const CellWindow& w, const GridHeader& header, const std::string& region,
                     const std::string& gridName)
 {
     // Named as it is, the test finds the regions that overhang both ends of an axis; batch files rely on its stop.
     if ((w.firstRow <= 0 && w.lastRow > header.nrows) || (w.firstColumn <= 0 && w.lastColumn > header.ncols)) {
-        say("ERROR - Entire region is outside of grid, region name: ", region.name);
+        say("ERROR - Entire region is outside of grid, region name: ", region);
         fail("    Grid Name: ", gridName);
     }
     if (w.firstRow <= 0 || w.lastRow > header.nrows || w.firstColumn <= 0 || w.lastColumn > header.ncols) {
-        say("WARNING - Part of region extends outside of grid, region name: ", region.name);
+        say("WARNING - Part of region extends outside of grid, region name: ", region);
     }
 }
 
-TrimWindow clamped(const TrimWindow& w, const GridHeader& header)
+CellWindow clamped(const CellWindow& w, const GridHeader& header)
 {
-    return {std::max(w.firstRow, 1), std::min(w.lastRow, header.nrows), std::max(w.firstColumn, 1),
-            std::min(w.lastColumn, header.ncols)};
+    CellWindow window;
+    window.firstRow = std::max(w.firstRow, 1);
+    window.lastRow = std::min(w.lastRow, header.nrows);
+    window.firstColumn = std::max(w.firstColumn, 1);
+    window.lastColumn = std::min(w.lastColumn, header.ncols);
+    return window;
 }
 
-GridHeader windowHeader(const TrimWindow& w, const GridHeader& header)
+GridHeader windowHeader(const CellWindow& w, const GridHeader& header)
 {
     GridHeader output = header;
     output.nrows = w.lastRow - w.firstRow + 1;
@@ -176,50 +157,17 @@ std::int32_t outputFormat(const RunSettings& settings)
 
 // --- The kernel ------------------------------------------------------------------------------------------------------
 
-namespace {
-
-// The y of the north side of a row.
-double cornerNorth(std::int32_t row, const GridHeader& header)
-{
-    return header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8;
-}
-
-// The x of the east sides of the window's columns.
-std::vector<double> cornersEast(const TrimWindow& window, const GridHeader& header)
-{
-    std::vector<double> x;
-    for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-        x.push_back(header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8);
-    }
-    return x;
-}
-
-} // namespace
-
-TrimWindow trimWindow(const TrimRegion& region, const GridHeader& header)
-{
-    const double dx = header.cellsize8;
-    return {truncateToInt((region.ymin - header.yll) / dx), truncateToInt((region.ymax - header.yll) / dx + 1.0),
-            truncateToInt((region.xmin - header.xll) / dx), truncateToInt((region.xmax - header.xll) / dx + 1.0)};
-}
-
-void copyInside(const TrimRegion& region, const GridHeader& header, const Grid& cells, const TrimWindow& window,
+void copyInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& window,
                 Grid& output)
 {
-    const auto np = static_cast<std::int32_t>(region.x.size());
-    const std::array<std::int32_t, 1> ir = {np - 1};
-    PreparedRegion prepared;
-    prepareRegion(region.x, region.y, np, region.xmin, ir, 1, prepared);
-    const std::vector<double> x = cornersEast(window, header);
-    std::vector<std::uint8_t> inside(x.size());
-    for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
-        insideRegionRow(prepared, cornerNorth(row, header), x, inside);
-        const auto source = cells.row(row).subspan(static_cast<std::size_t>(window.firstColumn - 1), x.size());
-        const auto target = output.row(row - window.firstRow + 1);
-        for (std::size_t i = 0; i < x.size(); ++i) {
-            target[i] = inside[i] != 0 ? source[i] : target[i];
-        }
-    }
+    InsideWalk walk;
+    prepareWalk(region, walk);
+    forEachInsideRun(header, window, CellPlace::northEastCorner, walk,
+                     [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                         const auto target = output.row(row - window.firstRow + 1);
+                         std::ranges::copy(cellsOfRun(cells, row, first, count),
+                                           target.begin() + (first - window.firstColumn));
+                     });
 }
 
 // --- The run ---------------------------------------------------------------------------------------------------------
@@ -238,12 +186,12 @@ void runTrim(const RunSettings& settings, const InputFileList& inputs)
         allocateGrid(cells, header, "external grid...");
         readGridCells(gridName, header, cells);
 
-        for (const TrimRegion& region : regions) {
-            const TrimWindow wanted = trimWindow(region, header);
-            reportOverhang(wanted, header, region, gridName);
-            const TrimWindow window = clamped(wanted, header);
+        for (const auto& [name, region] : regions) {
+            const CellWindow wanted = regionWindow(region, header);
+            reportOverhang(wanted, header, name, gridName);
+            const CellWindow window = clamped(wanted, header);
             if (window.firstRow > window.lastRow || window.firstColumn > window.lastColumn) {
-                say("WARNING - Region does not overlap grid, no output written, region name: ", region.name);
+                say("WARNING - Region does not overlap grid, no output written, region name: ", name);
                 continue;
             }
             const GridHeader outputHeader = windowHeader(window, header);
@@ -252,11 +200,11 @@ void runTrim(const RunSettings& settings, const InputFileList& inputs)
             std::ranges::fill(output.cells(), header.null);
             copyInside(region, header, cells, window, output);
 
-            const std::string name =
-                outputName(settings, FILENAMEPATH(gridName), region.name, inputs.count() > 1, regions.size() > 1);
+            const std::string target =
+                outputName(settings, FILENAMEPATH(gridName), name, inputs.count() > 1, regions.size() > 1);
             const std::int32_t format = outputFormat(settings);
-            say("Writing output to: ", name);
-            writeGrid(format, name, outputHeader, output, header.projectionText, settings.decimals);
+            say("Writing output to: ", target);
+            writeGrid(format, target, outputHeader, output, header.projectionText, settings.decimals);
         }
     }
 }

@@ -55,19 +55,40 @@ PreparedRegion prepared(const Rings& rings)
     return region;
 }
 
-// Both prepared forms give what the plain one gives, at every px of every row.
+// The places of the runs as flags; runs that touch or fall are shown as 9.
+std::vector<std::uint8_t> flagsOf(const std::vector<RowRun>& runs, std::size_t places)
+{
+    std::vector<std::uint8_t> flags(places, 0);
+    std::size_t least = 0;
+    for (const RowRun& run : runs) {
+        const bool apart = run.from >= least && run.from < run.to && run.to <= places;
+        if (!apart) {
+            return std::vector<std::uint8_t>(places, 9);
+        }
+        std::fill(flags.begin() + static_cast<std::ptrdiff_t>(run.from),
+                  flags.begin() + static_cast<std::ptrdiff_t>(run.to), std::uint8_t{1});
+        least = run.to + 1;
+    }
+    return flags;
+}
+
+// The prepared forms give what the plain one gives, at every px of every row.
 testing::AssertionResult agrees(const Rings& rings, const std::vector<double>& rows, const std::vector<double>& px)
 {
     const PreparedRegion region = prepared(rings);
     std::vector<std::uint8_t> flags(px.size(), 7);
+    std::vector<RowRun> runs;
     for (const double py : rows) {
         insideRegionRow(region, py, px, flags);
+        insideRegionRuns(region, py, px, runs);
+        const std::vector<std::uint8_t> inRuns = flagsOf(runs, px.size());
         for (std::size_t i = 0; i < px.size(); ++i) {
             const int want = plain(rings, px[i], py) ? 1 : 0;
             const int alone = insideRegion(region, px[i], py) ? 1 : 0;
-            if (flags[i] != want || alone != want) {
-                return testing::AssertionFailure() << "at " << px[i] << ", " << py << ": plain " << want << ", row "
-                                                   << int{flags[i]} << ", point " << alone;
+            if (flags[i] != want || inRuns[i] != want || alone != want) {
+                return testing::AssertionFailure()
+                       << "at " << px[i] << ", " << py << ": plain " << want << ", row " << int{flags[i]} << ", runs "
+                       << int{inRuns[i]} << ", point " << alone;
             }
         }
     }
@@ -283,6 +304,15 @@ TEST(RegionRows, TellInsideFromOutside)
     insideRegionRow(region, 11, std::vector<double>{-1, 1, 3, 5, 7, 9, 11}, flags);
     EXPECT_THAT(flags, testing::Each(0));
     insideRegionRow(region, 5, {}, {});
+    std::vector<RowRun> runs(1);
+    insideRegionRuns(region, 5, std::vector<double>{-1, 1, 3, 5, 7, 9, 11}, runs);
+    ASSERT_EQ(runs.size(), 2U);
+    EXPECT_EQ(runs[0].from, 1U);
+    EXPECT_EQ(runs[0].to, 3U);
+    EXPECT_EQ(runs[1].from, 4U);
+    EXPECT_EQ(runs[1].size(), 2U);
+    insideRegionRuns(region, 5, {}, runs);
+    EXPECT_TRUE(runs.empty());
 }
 
 TEST(RegionRows, ServeOneRegionAfterAnother)
@@ -312,10 +342,13 @@ TEST(RegionRows, EndTheRunWhereThePlainRoutineDoes)
     // Making it ready ends nothing: with no point to test the plain routine is not asked either.
     const PreparedRegion region = prepared(rings);
     std::vector<std::uint8_t> flag(1);
+    std::vector<RowRun> runs;
     insideRegionRow(region, 1, {}, {});
+    insideRegionRuns(region, 1, {}, runs);
     for (const std::function<void()>& ask :
          {std::function<void()>([&] { insideRegion(region, 1, 1); }),
-          std::function<void()>([&] { insideRegionRow(region, 1, std::vector<double>{1}, flag); })}) {
+          std::function<void()>([&] { insideRegionRow(region, 1, std::vector<double>{1}, flag); }),
+          std::function<void()>([&] { insideRegionRuns(region, 1, std::vector<double>{1}, runs); })}) {
         const auto run = test::runInChild(folder, ask);
         EXPECT_TRUE(run.ended);
         EXPECT_EQ(run.status, 0);

@@ -5,26 +5,20 @@
 #include <algorithm>
 #include <array>
 #include <gtest/gtest.h>
-#include <limits>
 #include <random>
 
 namespace gridforge::test {
 namespace {
 
-TrimRegion regionOf(std::vector<double> x, std::vector<double> y)
+SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& y)
 {
-    x.push_back(x[0]);
-    y.push_back(y[0]);
-    x.push_back(x[1]);
-    y.push_back(y[1]);
-    TrimRegion region;
-    region.xmin = *std::ranges::min_element(x);
-    region.xmax = *std::ranges::max_element(x);
-    region.ymin = *std::ranges::min_element(y);
-    region.ymax = *std::ranges::max_element(y);
-    region.x = std::move(x);
-    region.y = std::move(y);
-    return region;
+    GisCoordinates read;
+    for (std::size_t i = 0; i < x.size() + 2; ++i) {
+        read.reserve(++read.np);
+        read.x[i] = x[i % x.size()];
+        read.y[i] = y[i % y.size()];
+    }
+    return sampledRegion(read);
 }
 
 GridHeader headerOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
@@ -39,34 +33,8 @@ GridHeader headerOf(std::int32_t nrows, std::int32_t ncols, double xll, double y
     return header;
 }
 
-TEST(TrimWindow, TruncatesBothBounds)
-{
-    const GridHeader header = headerOf(10, 10, 100, 200, 2);
-    const TrimWindow w = trimWindow(regionOf({103, 107.9, 105}, {204, 205, 209}), header);
-    EXPECT_EQ(w.firstColumn, 1); // 3 / 2
-    EXPECT_EQ(w.lastColumn, 4);  // 7.9 / 2 + 1
-    EXPECT_EQ(w.firstRow, 2);    // 4 / 2
-    EXPECT_EQ(w.lastRow, 5);     // 9 / 2 + 1
-}
-
-TEST(TrimWindow, LeftOfTheGridTruncatesTowardsZero)
-{
-    const TrimWindow w = trimWindow(regionOf({-1.5, 0.5, 0.5}, {-0.5, -2.5, 0.5}), headerOf(10, 10, 0, 0, 1));
-    EXPECT_EQ(w.firstColumn, -1);
-    EXPECT_EQ(w.lastColumn, 1);
-    EXPECT_EQ(w.firstRow, -2);
-    EXPECT_EQ(w.lastRow, 1);
-}
-
-TEST(TrimWindow, FarCoordinatesStayInTheIntegers)
-{
-    const TrimWindow w = trimWindow(regionOf({-1e300, 1e300, 0}, {-1e300, 1e300, 0}), headerOf(10, 10, 0, 0, 1));
-    EXPECT_EQ(w.firstColumn, std::numeric_limits<std::int32_t>::min());
-    EXPECT_EQ(w.lastColumn, std::numeric_limits<std::int32_t>::max());
-}
-
 // The plain twin of the kernel: each cell by itself.
-void copyInsidePlainly(const TrimRegion& region, const GridHeader& header, const Grid& cells, const TrimWindow& w,
+void copyInsidePlainly(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& w,
                        Grid& output)
 {
     const auto np = static_cast<std::int32_t>(region.x.size());
@@ -101,10 +69,12 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
             x.push_back(header.xll + upTo(50) * 0.5);
             y.push_back(header.yll + upTo(40) * 0.5);
         }
-        const TrimRegion region = regionOf(x, y);
-        TrimWindow w = trimWindow(region, header);
-        w = {std::max(w.firstRow, 1), std::min(w.lastRow, header.nrows), std::max(w.firstColumn, 1),
-             std::min(w.lastColumn, header.ncols)};
+        const SampledRegion region = regionOf(x, y);
+        CellWindow w = regionWindow(region, header);
+        w.firstRow = std::max(w.firstRow, 1);
+        w.lastRow = std::min(w.lastRow, header.nrows);
+        w.firstColumn = std::max(w.firstColumn, 1);
+        w.lastColumn = std::min(w.lastColumn, header.ncols);
         Grid fast;
         Grid plain;
         ASSERT_TRUE(fast.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));

@@ -1,0 +1,66 @@
+#include "sampling/inside_cells.h"
+
+#include "base/numbers.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace gridforge {
+
+SampledRegion sampledRegion(const GisCoordinates& read, double farthest)
+{
+    const auto count = static_cast<std::ptrdiff_t>(read.np);
+    SampledRegion region;
+    region.x.assign(read.x.begin(), read.x.begin() + count);
+    region.y.assign(read.y.begin(), read.y.begin() + count);
+    region.xmin = region.ymin = farthest;
+    region.xmax = region.ymax = -farthest;
+    for (std::size_t i = 0; i < region.x.size(); ++i) {
+        region.xmin = std::min(region.xmin, region.x[i]);
+        region.xmax = std::max(region.xmax, region.x[i]);
+        region.ymin = std::min(region.ymin, region.y[i]);
+        region.ymax = std::max(region.ymax, region.y[i]);
+    }
+    return region;
+}
+
+CellWindow regionWindow(const SampledRegion& region, const GridHeader& header)
+{
+    const double dx = header.cellsize8;
+    CellWindow window;
+    window.firstRow = truncateToInt((region.ymin - header.yll) / dx);
+    window.lastRow = truncateToInt((region.ymax - header.yll) / dx + 1.0);
+    window.firstColumn = truncateToInt((region.xmin - header.xll) / dx);
+    window.lastColumn = truncateToInt((region.xmax - header.xll) / dx + 1.0);
+    return window;
+}
+
+void prepareWalk(const SampledRegion& region, InsideWalk& walk)
+{
+    const auto np = static_cast<std::int32_t>(region.x.size());
+    const std::array<std::int32_t, 1> ir = {np - 1};
+    prepareRegion(region.x, region.y, np, region.xmin, ir, 1, walk.region);
+}
+
+void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk)
+{
+    static constexpr std::array<std::int32_t, 1> kRingEnd = {kSearchSides + 1};
+    prepareRegion(polygon.x, polygon.y, kSearchSides + 2, polygon.xmin, kRingEnd, 1, walk.region);
+}
+
+void placeColumns(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk)
+{
+    walk.x.clear();
+    for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
+        walk.x.push_back(place == CellPlace::centre ? centreX(header, column) : cornerX(header, column));
+    }
+}
+
+void walkRow(const GridHeader& header, std::int32_t row, CellPlace place, InsideWalk& walk)
+{
+    const double y = place == CellPlace::centre ? centreY(header, row) : cornerY(header, row);
+    insideRegionRuns(walk.region, y, walk.x, walk.runs);
+}
+
+} // namespace gridforge

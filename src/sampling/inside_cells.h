@@ -1,0 +1,71 @@
+// The cells of a window that lie inside a region, as runs of columns.
+#pragma once
+
+#include "base/region_rows.h"
+#include "gis/records.h"
+#include "grid/grid.h"
+#include "run/cell_window.h"
+#include "sampling/search_polygon.h"
+
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace gridforge {
+
+// A region of one ring in the layout of GisCoordinates: the closing vertex and, behind it, the second one again.
+struct SampledRegion {
+    std::vector<double> x;
+    std::vector<double> y;
+    double xmin = 0;
+    double xmax = 0;
+    double ymin = 0;
+    double ymax = 0;
+};
+
+// The region as read. Its bounds are sought from `farthest` down and from its negative up, and stay there for a polygon of
+// a Shapefile that has no vertices at all.
+SampledRegion sampledRegion(const GisCoordinates& read, double farthest = std::numeric_limits<double>::infinity());
+
+// From the cell whose north-east corner lies at or before the lower bounds to the cell past the upper ones. It may reach
+// over the grid, and beside it.
+CellWindow regionWindow(const SampledRegion& region, const GridHeader& header);
+
+// Where a cell is seen.
+enum class CellPlace { northEastCorner, centre };
+
+// A region being walked over. May be used for one region after another: its memory stays.
+struct InsideWalk {
+    PreparedRegion region;
+    std::vector<double> x; // of the cells of a row
+    std::vector<RowRun> runs;
+};
+void prepareWalk(const SampledRegion& region, InsideWalk& walk);
+void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk);
+
+// Takes the places of the window's columns; `runs` of walkRow count from its first column.
+void placeColumns(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk);
+void walkRow(const GridHeader& header, std::int32_t row, CellPlace place, InsideWalk& walk);
+
+// Calls take(row, first column, columns) for each run of cells inside: rows from the south, runs from the west. The window
+// lies within the grid.
+template <typename Take>
+void forEachInsideRun(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk,
+                      const Take& take)
+{
+    placeColumns(header, window, place, walk);
+    for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
+        walkRow(header, row, place, walk);
+        for (const RowRun& run : walk.runs) {
+            take(row, window.firstColumn + static_cast<std::int32_t>(run.from), static_cast<std::int32_t>(run.size()));
+        }
+    }
+}
+
+// The cells of such a run.
+inline std::span<const float> cellsOfRun(const Grid& cells, std::int32_t row, std::int32_t first, std::int32_t count)
+{
+    return cells.row(row).subspan(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(count));
+}
+
+} // namespace gridforge

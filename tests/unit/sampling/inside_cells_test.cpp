@@ -1,0 +1,180 @@
+#include "sampling/inside_cells.h"
+
+#include "base/geometry.h"
+
+#include <array>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+
+namespace gridforge::test {
+namespace {
+
+using testing::ElementsAre;
+
+GridHeader headerOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
+{
+    GridHeader header;
+    header.nrows = nrows;
+    header.ncols = ncols;
+    header.xll = xll;
+    header.yll = yll;
+    header.cellsize = cellsize;
+    header.cellsize8 = static_cast<double>(cellsize);
+    return header;
+}
+
+// A ring of open vertices as a reader gives it.
+GisCoordinates ringOf(const std::vector<double>& x, const std::vector<double>& y)
+{
+    GisCoordinates read;
+    for (std::size_t i = 0; i < x.size() + 2; ++i) {
+        read.reserve(++read.np);
+        read.x[i] = x[i % x.size()];
+        read.y[i] = y[i % y.size()];
+    }
+    return read;
+}
+
+TEST(SampledRegion, TakesTheVerticesAsReadAndTheirBounds)
+{
+    GisCoordinates read = ringOf({3, 7, 5}, {4, 5, 9});
+    read.reserve(20); // what lies behind the vertices does not count
+    read.x[7] = 1e6;
+    const SampledRegion region = sampledRegion(read);
+    EXPECT_THAT(region.x, ElementsAre(3, 7, 5, 3, 7));
+    EXPECT_THAT(region.y, ElementsAre(4, 5, 9, 4, 5));
+    EXPECT_EQ(region.xmin, 3);
+    EXPECT_EQ(region.xmax, 7);
+    EXPECT_EQ(region.ymin, 4);
+    EXPECT_EQ(region.ymax, 9);
+}
+
+TEST(SampledRegion, BoundsStartFromWhereTheyAreTold)
+{
+    const SampledRegion region = sampledRegion(ringOf({30, 70, 50}, {-40, -50, -90}), 20);
+    EXPECT_EQ(region.xmin, 20);
+    EXPECT_EQ(region.xmax, 70);
+    EXPECT_EQ(region.ymin, -90);
+    EXPECT_EQ(region.ymax, -20);
+}
+
+TEST(RegionWindow, TruncatesBothBounds)
+{
+    const GridHeader header = headerOf(10, 10, 100, 200, 2);
+    const CellWindow w = regionWindow(sampledRegion(ringOf({103, 107.9, 105}, {204, 205, 209})), header);
+    EXPECT_EQ(w.firstColumn, 1); // 3 / 2
+    EXPECT_EQ(w.lastColumn, 4);  // 7.9 / 2 + 1
+    EXPECT_EQ(w.firstRow, 2);    // 4 / 2
+    EXPECT_EQ(w.lastRow, 5);     // 9 / 2 + 1
+}
+
+TEST(RegionWindow, LeftOfTheGridTruncatesTowardsZero)
+{
+    const CellWindow w =
+        regionWindow(sampledRegion(ringOf({-1.5, 0.5, 0.5}, {-0.5, -2.5, 0.5})), headerOf(10, 10, 0, 0, 1));
+    EXPECT_EQ(w.firstColumn, -1);
+    EXPECT_EQ(w.lastColumn, 1);
+    EXPECT_EQ(w.firstRow, -2);
+    EXPECT_EQ(w.lastRow, 1);
+}
+
+TEST(RegionWindow, FarCoordinatesStayInTheIntegers)
+{
+    const CellWindow w =
+        regionWindow(sampledRegion(ringOf({-1e300, 1e300, 0}, {-1e300, 1e300, 0})), headerOf(10, 10, 0, 0, 1));
+    EXPECT_EQ(w.firstColumn, std::numeric_limits<std::int32_t>::min());
+    EXPECT_EQ(w.lastColumn, std::numeric_limits<std::int32_t>::max());
+}
+
+struct CellRun {
+    std::int32_t row;
+    std::int32_t first;
+    std::int32_t count;
+    bool operator==(const CellRun&) const = default;
+};
+
+std::vector<CellRun> runsOf(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk)
+{
+    std::vector<CellRun> runs;
+    forEachInsideRun(header, window, place, walk, [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+        runs.push_back({row, first, count});
+    });
+    return runs;
+}
+
+TEST(InsideRuns, GoByRowsFromTheSouthAndFromTheWest)
+{
+    //   y          a U: two prongs above row 3
+    //   6  #  #    (the corners of columns 2 and 6)
+    //   3  ####
+    const SampledRegion region =
+        sampledRegion(ringOf({1.5, 6.5, 6.5, 5.5, 5.5, 2.5, 2.5, 1.5}, {1.5, 1.5, 6.5, 6.5, 3.5, 3.5, 6.5, 6.5}));
+    const GridHeader header = headerOf(9, 9, 0, 0, 1);
+    InsideWalk walk;
+    prepareWalk(region, walk);
+    EXPECT_THAT(runsOf(header, regionWindow(region, header), CellPlace::northEastCorner, walk),
+                ElementsAre(CellRun{2, 2, 5}, CellRun{3, 2, 5}, CellRun{4, 2, 1}, CellRun{4, 6, 1}, CellRun{5, 2, 1},
+                            CellRun{5, 6, 1}, CellRun{6, 2, 1}, CellRun{6, 6, 1}));
+    // The centres of a grid that starts at 0.25 lie at 1.75 to 5.75 in columns 2 to 6, those of row 3 at 2.5.
+    CellWindow one;
+    one.firstRow = one.lastRow = 3;
+    one.firstColumn = 1;
+    one.lastColumn = 9;
+    EXPECT_THAT(runsOf(headerOf(9, 9, 0.25, 0, 1), one, CellPlace::centre, walk), ElementsAre(CellRun{3, 2, 5}));
+}
+
+TEST(InsideRuns, AgreeWithThePlainTestOfEachCell)
+{
+    std::mt19937 random(5);
+    const auto upTo = [&](int n) { return static_cast<double>(random() % static_cast<unsigned>(n)); };
+    std::size_t inside = 0;
+    InsideWalk walk;
+    for (int round = 0; round < 400; ++round) {
+        const bool large = round % 2 == 0;
+        const GridHeader header =
+            headerOf(30, 40, large ? 293000.25 : 0, large ? 6178000.5 : 0, round % 3 == 0 ? 0.7F : 1.0F);
+        CellWindow window;
+        window.firstRow = 1 + static_cast<std::int32_t>(upTo(4));
+        window.firstColumn = 1 + static_cast<std::int32_t>(upTo(4));
+        window.lastRow = header.nrows;
+        window.lastColumn = header.ncols;
+        const CellPlace place = round % 5 < 2 ? CellPlace::centre : CellPlace::northEastCorner;
+        std::vector<double> x;
+        std::vector<double> y;
+        for (int k = 0; k < 3 + round % 12; ++k) { // steps of a half meet corners, edges and each other
+            x.push_back(header.xll + upTo(70) * 0.5);
+            y.push_back(header.yll + upTo(50) * 0.5);
+        }
+        const SampledRegion region = sampledRegion(ringOf(x, y));
+        const SearchPolygon circle = searchPolygon(x[0], y[0], static_cast<float>(upTo(30)));
+        const bool round12 = round % 7 == 0;
+        round12 ? prepareWalk(circle, walk) : prepareWalk(region, walk);
+        std::vector<CellRun> wanted;
+        for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
+            for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
+                const double half = place == CellPlace::centre ? 0.5 * header.cellsize8 : 0;
+                const double px =
+                    header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8 - half;
+                const double py = header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8 - half;
+                const auto np = static_cast<std::int32_t>(region.x.size());
+                const std::array<std::int32_t, 1> ir = {np - 1};
+                if (round12 ? !insideSearchPolygon(circle, px, py)
+                            : !INSIDE_POLYGON_8(px, py, region.x, region.y, np, region.xmin, ir, 1)) {
+                    continue;
+                }
+                ++inside;
+                if (wanted.empty() || wanted.back().row != row || wanted.back().first + wanted.back().count != column) {
+                    wanted.push_back({row, column, 0});
+                }
+                ++wanted.back().count;
+            }
+        }
+        ASSERT_EQ(runsOf(header, window, place, walk), wanted) << round;
+    }
+    EXPECT_GT(inside, 10000U);
+}
+
+} // namespace
+} // namespace gridforge::test
