@@ -8,11 +8,15 @@
 #include <string_view>
 #include <vector>
 
+// The record under the name by which programs outside share it.
+extern "C" {
+constinit gridforge::MessageRecord DMESSAGES;
+}
+
 namespace gridforge {
 
 namespace {
 
-constexpr std::size_t kPrefixWidth = 4;
 constexpr std::size_t kNumberColumns = 6;
 constexpr std::size_t kCsvTextWidth = 1000;
 constexpr std::size_t kRuleLength = 80;
@@ -41,7 +45,7 @@ void countMessage(MessageRecord& record)
 {
     std::string_view word;
     record.id = 0;
-    record.messageClass = classOf(record.line[0], word);
+    record.messageClass = classOf(record.line[0].view(), word);
     switch (record.messageClass) {
     case kError: ++record.errorCount; break;
     case kWarning: ++record.warningCount; break;
@@ -49,7 +53,7 @@ void countMessage(MessageRecord& record)
     default: break;
     }
     if (record.messageClass != kNone) {
-        const std::string_view columns = std::string_view(record.line[0]).substr(word.size()).substr(0, kNumberColumns);
+        const std::string_view columns = record.line[0].view().substr(word.size()).substr(0, kNumberColumns);
         if (!parseNumber(trim(columns), record.id)) {
             record.id = 0;
         }
@@ -73,9 +77,9 @@ void writeCsv(const MessageRecord& record)
     line += join(digits, ',', integerField(record.messageClass, kClassColumns), ',',
                  realField(record.x, kPlaceColumns, kPlaceDecimals), ',',
                  realField(record.y, kPlaceColumns, kPlaceDecimals));
-    line += csvText(join(record.line[0], "  ", record.line[1], "  ", record.line[2]));
-    for (const std::string& tag : record.tag) {
-        line += csvText(tag);
+    line += csvText(join(record.line[0].view(), "  ", record.line[1].view(), "  ", record.line[2].view()));
+    for (const auto& tag : record.tag) {
+        line += csvText(tag.view());
     }
     writeLine(record.messageCsvUnit, line);
 }
@@ -83,9 +87,9 @@ void writeCsv(const MessageRecord& record)
 std::string joinTags(const MessageRecord& record)
 {
     std::string all;
-    for (const std::string& tag : record.tag) {
+    for (const auto& tag : record.tag) {
         if (!tag.empty()) {
-            all += all.empty() ? tag : join("; ", tag);
+            all += join(all.empty() ? "" : "; ", tag.view());
         }
     }
     return cut(all, kMessageWidth);
@@ -95,16 +99,16 @@ std::string joinTags(const MessageRecord& record)
 std::vector<std::string> messageLines(const MessageRecord& record)
 {
     std::vector<std::string> lines;
-    lines.push_back(record.prefix.empty() ? record.line[0]
-                                          : join(cut(record.prefix, kPrefixWidth), ' ', record.line[0]));
+    const std::string_view first = record.line[0].view();
+    lines.push_back(record.prefix.empty() ? std::string(first) : join(record.prefix.view(), ' ', first));
     for (std::size_t i = 1; i < record.line.size(); ++i) {
         if (record.line[i].empty()) {
             continue;
         }
-        if (record.messageInline) {
-            lines[0] += join("  ", record.line[i]);
+        if (record.messageInline != 0) {
+            lines[0] += join("  ", record.line[i].view());
         } else {
-            lines.push_back(record.line[i]);
+            lines.emplace_back(record.line[i].view());
         }
     }
     return lines;
@@ -140,14 +144,14 @@ void drawMessage(const MessageRecord& record, const LayerStyle& style, double x,
     std::string text;
     std::string attributes;
     int lines = 0;
-    for (const std::string& line : record.line) {
+    for (const auto& line : record.line) {
         if (line.empty()) {
             continue;
         }
         ++lines;
-        const std::string doubled = DOUBLEQUOTE(line);
+        const std::string doubled = DOUBLEQUOTE(line.view());
         if (lines > 1) {
-            text += record.messageInline ? "  " : "\\n";
+            text += record.messageInline != 0 ? "  " : "\\n";
         }
         text += doubled;
         attributes += join('"', doubled, "  ");
@@ -172,8 +176,7 @@ void drawMessage(const MessageRecord& record, const LayerStyle& style, double x,
 
 MessageRecord& DMESSAGES()
 {
-    static MessageRecord record;
-    return record;
+    return ::DMESSAGES;
 }
 
 void DMESSAGE(std::int32_t blankLines)
@@ -206,7 +209,7 @@ void DMESSAGEXY(std::int32_t blankLines, double x, double y)
     MessageRecord& record = DMESSAGES();
     record.prefix = "XY:";
     std::string_view word;
-    const MessageClass messageClass = classOf(record.line[0], word);
+    const MessageClass messageClass = classOf(record.line[0].view(), word);
     switch (messageClass) {
     case kError: ++record.xyErrorCount; break;
     case kWarning: ++record.xyWarningCount; break;
@@ -225,7 +228,7 @@ void DMESSAGECLEAR()
     MessageRecord& record = DMESSAGES();
     record.x = kNoMessagePlace;
     record.y = kNoMessagePlace;
-    record.messageInline = false;
+    record.messageInline = 0;
     record.line.fill({});
     record.prefix.clear();
     record.tag.fill({});

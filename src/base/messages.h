@@ -2,28 +2,32 @@
 // message layer.
 #pragma once
 
+#include "base/padded_text.h"
 #include "base/text.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
-#include <string>
 
 namespace gridforge {
 
 inline constexpr double kNoMessagePlace = -99999.0;
 inline constexpr std::size_t kMessageWidth = 10000;
+inline constexpr std::size_t kPrefixWidth = 4;
 
+// Programs outside share this record by its layout, so its members stay in this order, fields of text are padded and a
+// logical is an integer.
 struct MessageRecord {
     double x = kNoMessagePlace;
     double y = kNoMessagePlace;
-    bool messageInline = false; // lines 2 to 4 follow line 1 on its console line
+    std::int32_t messageInline = 0; // not 0: lines 2 to 4 follow line 1 on its console line
     std::int32_t messageLogUnit = 0;
     std::int32_t mifUnit = 0;
     std::int32_t midUnit = 0;
     std::int32_t checkMifUnit = 0;
     std::int32_t checkMidUnit = 0;
-    std::array<std::string, 4> line;
-    std::string prefix; // ahead of line 1, at most 4 characters
+    std::array<PaddedText<kMessageWidth>, 4> line;
+    PaddedText<kPrefixWidth> prefix; // ahead of line 1
     double labelDx = 0;
     double labelDy = 0;
     std::int32_t errorCount = 0;
@@ -34,7 +38,7 @@ struct MessageRecord {
     std::int32_t xyCheckCount = 0;
     std::int32_t id = 0;
     std::int32_t messageClass = 0; // 1 ERROR, 2 WARNING, 3 CHECK, 4 UNSTABLE, 0 none
-    std::array<std::string, 3> tag;
+    std::array<PaddedText<kMessageWidth>, 3> tag;
     std::int32_t messageCsvUnit = 0;
 };
 

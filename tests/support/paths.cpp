@@ -10,6 +10,10 @@ std::string catchmentMakerPath()
 {
     return GRIDFORGE_CATCHMENT;
 }
+std::string preloadedPath()
+{
+    return GRIDFORGE_PRELOADED;
+}
 std::string sourceFolder()
 {
     return GRIDFORGE_SOURCE_DIR;

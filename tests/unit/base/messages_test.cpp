@@ -4,7 +4,10 @@
 #include "base/units.h"
 #include "support/child_run.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <initializer_list>
+#include <string_view>
 
 namespace gridforge {
 namespace {
@@ -16,6 +19,13 @@ std::string consoleOf(const std::function<void()>& code)
 {
     const ScratchFolder folder;
     return runInChild(folder, code).console;
+}
+
+// Fields of text, from the first on.
+template <typename Fields>
+void fill(Fields& fields, std::initializer_list<std::string_view> texts)
+{
+    std::ranges::copy(texts, fields.begin());
 }
 
 void sayCounts()
@@ -64,16 +74,16 @@ TEST(Dmessage, CountsByTheWordAtItsHead)
 
 TEST(Dmessage, JoinsLinesTagsAndPrefix)
 {
-    const auto fill = [] {
+    const auto fillAll = [] {
         MessageRecord& r = DMESSAGES();
-        r.line = {"one", "two", "", "lost"};
-        r.tag = {"a", "", "b"};
+        fill(r.line, {"one", "two", "", "lost"});
+        fill(r.tag, {"a", "", "b"});
         r.prefix = "XY:";
     };
     EXPECT_EQ(consoleOf([&] {
-                  fill();
+                  fillAll();
                   DMESSAGE(0);
-                  fill();
+                  fillAll();
                   DMESSAGES().messageInline = true;
                   DMESSAGE(0);
                   DMESSAGE(0); // the record is clear again
@@ -88,8 +98,8 @@ TEST(Dmessage, WritesTheCsvListAndTheLog)
         MessageRecord& r = DMESSAGES();
         OPENER(r.messageCsvUnit, "O ", "list.csv");
         OPENER(r.messageLogUnit, "O ", "log.txt");
-        r.line = {"ERROR 0012 - say \"x\"", "two", "three", ""};
-        r.tag = {"t1", "", ""};
+        fill(r.line, {"ERROR 0012 - say \"x\"", "two", "three", ""});
+        fill(r.tag, {"t1", "", ""});
         DMESSAGE(1);
         report("no class");
         r.line[0] = "WARNING 9";
@@ -112,7 +122,7 @@ TEST(Dmessagexy, DrawsTheMessageInItsLayer)
         OPENER(r.checkMidUnit, "O ", "c.mid");
         r.labelDx = 2;
         r.labelDy = 4;
-        r.line = {"ERROR 0001 - \"q\"", "two", "", ""};
+        fill(r.line, {"ERROR 0001 - \"q\"", "two", "", ""});
         DMESSAGEXY(-1, 10, 20);
         r.line[0] = "CHECK 1";
         r.line[1] = "in";

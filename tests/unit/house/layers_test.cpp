@@ -32,6 +32,7 @@ const std::map<std::string, std::set<std::string>> kMayInclude{
     {"damages", {"base", "grid", "gis", "run"}},
     {"rainfall", {"base", "grid", "gis", "run", "netcdf"}},
     {"driver", {"base", "grid", "gis", "run", "ops", "sampling", "remap", "netcdf", "network", "damages", "rainfall"}},
+    {"exports", {"base", "grid", "gis"}},
 };
 
 // The quoted name of an #include "..." line, "" for any other line.
