@@ -1,0 +1,60 @@
+// Which cells of a lattice a region or a segment passes over, in grid axes: u along the columns and v along the rows, cell
+// n from (n - 1) x size to n x size.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace gridforge {
+
+struct LatticeCell {
+    std::int32_t row = 0; // from 1, in the south
+    std::int32_t column = 0;
+
+    bool operator==(const LatticeCell&) const = default;
+};
+
+// The cell that holds a place. Below the axes cells are numbered from 0 down.
+LatticeCell latticeCell(float u, float v, float size);
+
+// Cells of a lattice, both ends included.
+struct LatticeWindow {
+    std::int32_t firstRow = 1;
+    std::int32_t lastRow = 0;
+    std::int32_t firstColumn = 1;
+    std::int32_t lastColumn = 0;
+
+    bool empty() const { return firstRow > lastRow || firstColumn > lastColumn; }
+    std::size_t columns() const { return static_cast<std::size_t>(std::int64_t{lastColumn} - firstColumn + 1); }
+    std::size_t cells() const
+    {
+        return empty() ? 0 : static_cast<std::size_t>(std::int64_t{lastRow} - firstRow + 1) * columns();
+    }
+};
+
+// The cells within the bounds of the points, held between `margin` and the lattice's size less it.
+LatticeWindow boundsWindow(std::span<const float> u, std::span<const float> v, float size, std::int32_t rows,
+                           std::int32_t columns, std::int32_t margin);
+
+// Marks the cells of the window that a region passes over on the middle line of their row: flags[i] becomes 1 or 0, row
+// by row from the south. The region is laid out as for INSIDE_POLYGON; a ring that enters and leaves within one cell
+// leaves that cell out. Gives the count of marked cells. `flags` has the window's cells.
+std::int64_t grid_inside_polygon(std::span<const float> u, std::span<const float> v, std::int32_t np,
+                                 std::span<const std::int32_t> ir, std::int32_t nr, float size,
+                                 const LatticeWindow& window, std::span<std::uint8_t> flags);
+
+// The cells that the segment from point 1 to point 2 passes through, in its order, behind what `cells` holds; through a
+// corner it steps across. More than `limit` cells end the run.
+void gridline(float u1, float v1, float u2, float v2, float size, std::int32_t limit, std::vector<LatticeCell>& cells);
+
+// A straight walk over whole cells: the longer axis takes a full cell a step, the other its share.
+struct StraightWalk {
+    float rowStep = 0;
+    float columnStep = 0;
+    std::int64_t steps = 0;
+};
+StraightWalk straightWalk(const LatticeCell& from, const LatticeCell& to);
+
+} // namespace gridforge
