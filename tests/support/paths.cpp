@@ -14,6 +14,10 @@ std::string preloadedPath()
 {
     return GRIDFORGE_PRELOADED;
 }
+std::string manualFolder()
+{
+    return GRIDFORGE_MANUAL_DIR;
+}
 std::string sourceFolder()
 {
     return GRIDFORGE_SOURCE_DIR;

@@ -1,8 +1,10 @@
 #include "driver/flag_table.h"
 
+#include "base/numbers.h"
 #include "base/text.h"
 
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
 
 namespace gridforge {
@@ -204,6 +206,37 @@ TEST(FlagTable, EveryRowIsDescribedAndStoresSomething)
         EXPECT_TRUE(row.atFlag != nullptr || row.storeValue != nullptr) << row.key;
         EXPECT_EQ(row.storeValue != nullptr, row.value != none && row.value != statistic) << row.key;
     }
+}
+
+// The manual tells the defaults from the table; they stand a second time where the settings start.
+TEST(FlagTable, DefaultsAreThoseOfFreshSettings)
+{
+    const RunSettings fresh;
+    const auto text = [](float value) { return fixedText(static_cast<double>(value), 1); };
+    const std::map<std::string_view, std::string> numbers = {
+        {"cd", text(fresh.cutoff)},
+        {"trans_m", text(fresh.transformM)},
+        {"trans_c", text(fresh.transformC)},
+        {"cpsd", text(fresh.cpSearchDistance)},
+        {"cpmm", text(fresh.cpMinMaxDistance)},
+        {"lpmd", text(fresh.lpDistance)},
+        {"nc_comp", AINTEGER(fresh.ncCompression)},
+        {"nc_shuffle", AINTEGER(fresh.ncShuffle ? 1 : 0)},
+        {"nc_part", AINTEGER(fresh.ncPart ? 1 : 0)},
+        {"fb", text(fresh.freeboard)},
+        {"bd", text(fresh.bufferDistance)},
+        {"decimal", AINTEGER(fresh.decimals)},
+        {"idw_npt", "12"}, // of the remap
+        {"resize", ""},    // without default: the operation needs them
+        {"default_n", ""},
+    };
+    for (const FlagRow& row : flagTable()) {
+        if (row.value == gluedReal || row.value == gluedInteger) {
+            ASSERT_TRUE(numbers.contains(row.key)) << row.key;
+            EXPECT_EQ(row.docs.defaultText, numbers.at(row.key)) << row.key;
+        }
+    }
+    EXPECT_EQ(fresh.resizeMethod, ResizeMethod::average);
 }
 
 } // namespace

@@ -1,0 +1,18 @@
+# What an installation holds, and the Debian package of it. The manual and the examples tell their own files.
+install(TARGETS gridforge RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/include/gridforge/gridforge.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/gridforge)
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/operations docs/formats DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "${GRIDFORGE_SUPPORT_CONTACT} <gridforge@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_DESCRIPTION
+  "Works on the result grids of two-dimensional flood models: maxima and statistics over many runs, differences, levels on a
+finer terrain, profiles and sections, damages, rainfall grids. Reads and writes .asc, .flt, .mif, Shapefiles and NetCDF.")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+include(CPack)

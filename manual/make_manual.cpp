@@ -1,0 +1,296 @@
+// Writes the manual page (gridforge.1) and the completion of the shell (gridforge.bash) into a folder, both from the table
+// of flags that the scan uses, so that neither can tell of other flags than the tool knows.
+#include "base/text.h"
+#include "driver/flag_table.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+namespace {
+
+constexpr std::string_view kRankWithValue = "Rank<n>";
+
+bool isGlued(const FlagRow& row)
+{
+    return row.value == FlagValue::gluedReal || row.value == FlagValue::gluedInteger;
+}
+
+// --- The manual page -------------------------------------------------------------------------------------------------
+
+constexpr std::string_view kHead = R"(.SH NAME
+gridforge \- batch raster tool for two-dimensional flood models
+.SH SYNOPSIS
+.B gridforge
+.RB [ \-b ]
+.I operation
+.RI [ option " ...]"
+.RI [ grid " ...]"
+.SH DESCRIPTION
+.B gridforge
+performs one operation on the grids of a two-dimensional flood model, writes its results beside the inputs, and ends.
+Grids are read and written as
+.I .asc
+(text) and
+.I .flt
+(binary, with a
+.I .hdr
+beside it), layers as
+.IR .mif / .mid
+and as Shapefiles, series of grids as NetCDF.
+Without any argument it shows a short text of usage.
+.PP
+Arguments are read from left to right.
+One that begins with
+.B \-
+or
+.B /
+is a flag, and every other one is the name of an input.
+Case does not count in flags, and letters behind a flag's name are passed over:
+.B \-maximum
+is
+.BR \-max .
+A value that is shown joined to its flag, as in
+.BI \-cd value\fR,
+stands right behind it without a blank; a value that is shown apart is the next argument, whatever it looks like.
+.PP
+Exactly one flag of those under
+.B OPERATIONS
+must be given; only
+.B \-count
+may go with
+.BR \-cd ,
+.B \-trans_m
+with
+.BR \-trans_c ,
+and
+.B \-stat
+flags with each other.
+.PP
+Names of inputs may hold
+.B *
+and
+.B ?
+in their last part.
+Both \e and / separate folders.
+At most 2000 files are taken.
+)";
+
+constexpr std::string_view kTail = R"(.SH OUTPUTS
+The main output has the name that
+.B \-out
+gives, and otherwise that of the first input with a suffix of the operation; it lies beside the first input.
+Other outputs take the same name with suffixes of their own.
+Grids are written in the format of the first input unless
+.BR \-asc ,
+.B \-flt
+or the extension of the name behind
+.B \-out
+tell another.
+Cells without a value hold the null of the first grid.
+.PP
+All messages go to standard output; standard error stays empty.
+.SH EXIT STATUS
+Always 0, also after an error.
+Messages that end a run begin with
+.BR ERROR ,
+and scripts look for that word, or for the outputs.
+After most errors the tool waits for Enter, also with
+.BR \-b ;
+at the end of standard input it does not wait.
+.SH EXAMPLES
+The highest depth of each cell over many runs, and the run that it came from:
+.PP
+.RS
+.EX
+gridforge \-b \-max results/depth_*.flt \-out depth_max.flt
+.EE
+.RE
+.PP
+The change of levels by a project, where both runs are wet:
+.PP
+.RS
+.EX
+gridforge \-b \-dif after_h.asc before_h.asc \-out change.asc
+.EE
+.RE
+.PP
+A coarse water level on a finer terrain:
+.PP
+.RS
+.EX
+gridforge \-b \-remap \-wl level.asc \-dem terrain.asc
+.EE
+.RE
+.SH SEE ALSO
+The pages on each operation and on the formats of files come with the tool, in the folder
+.I operations
+of its documentation.
+Programs in C that are loaded into the tool find its routines in
+.IR gridforge/gridforge.h .
+)";
+
+// Text as roff takes it: a minus that stays one when copied, and no character that means something else.
+std::string roff(std::string_view text)
+{
+    std::string result;
+    for (const char c : text) {
+        if (c == '-') {
+            result += "\\-";
+        } else if (c == '\\') {
+            result += "\\e";
+        } else {
+            result += c;
+        }
+    }
+    return result.starts_with('.') || result.starts_with('\'') ? join("\\&", result) : result;
+}
+
+// Values are off, none or the default that the table names.
+std::string defaultOf(const FlagRow& row)
+{
+    if (!row.docs.defaultText.empty()) {
+        return std::string(row.docs.defaultText);
+    }
+    return row.value == FlagValue::none ? "off" : "none";
+}
+
+std::string kindOfValue(const FlagRow& row)
+{
+    switch (row.value) {
+    case FlagValue::gluedReal: return "a number";
+    case FlagValue::gluedInteger: return "a whole number";
+    case FlagValue::next: return "the next argument";
+    default: return {};
+    }
+}
+
+void writeFlag(std::ostream& page, const FlagRow& row)
+{
+    const std::string name = roff(join('-', row.key));
+    const std::string value = roff(row.docs.valueName);
+    page << ".TP\n";
+    if (row.value == FlagValue::none) {
+        page << ".B " << name << '\n';
+    } else {
+        page << ".BI " << name << (isGlued(row) || row.value == FlagValue::statistic ? " " : " \" ") << value
+             << (row.value == FlagValue::next ? "\"" : "") << '\n';
+    }
+    std::string description(row.docs.description);
+    description[0] = UPPERCASE(description.substr(0, 1))[0];
+    page << roff(description) << ".\n";
+    const std::string kind = kindOfValue(row);
+    page << (kind.empty() ? "Default: " : join("Value: ", kind, ". Default: ")) << roff(defaultOf(row)) << ".\n";
+}
+
+void writePage(std::ostream& page)
+{
+    page << ".\\\" Made from the table of flags.\n.TH GRIDFORGE 1 \"\" \"gridforge " << GRIDFORGE_VERSION
+         << "\" \"User Commands\"\n"
+         << kHead;
+    for (const FlagKind kind : {FlagKind::operation, FlagKind::option}) {
+        page << (kind == FlagKind::operation ? ".SH OPERATIONS\n" : ".SH OPTIONS\n");
+        for (const FlagRow& row : flagTable()) {
+            if (row.kind == kind) {
+                writeFlag(page, row);
+            }
+        }
+    }
+    page << kTail;
+}
+
+// --- The completion of the shell -------------------------------------------------------------------------------------
+
+constexpr std::string_view kCompletion = R"(
+_gridforge() {
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    if [[ $current == -* && " $nextFlags " != *" $previous "* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$plainFlags $nextFlags $gluedFlags" -- "$current")
+        if [[ ${#COMPREPLY[@]} == 1 && " $gluedFlags " == *" ${COMPREPLY[0]} "* ]]; then
+            compopt -o nospace 2> /dev/null # the value follows at once
+        fi
+    else
+        compopt -o filenames 2> /dev/null
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    fi
+}
+complete -F _gridforge gridforge
+)";
+
+// The flags of the -stat family are one row of the table, their words its value.
+void addStatistics(const FlagRow& row, std::vector<std::string>& plain, std::vector<std::string>& glued)
+{
+    const std::string words(row.docs.valueName);
+    for (std::int32_t n = 1; n <= NUMBEROFSUBSTRINGS(words, "|"); ++n) {
+        const std::string word = SUBSTRING(words, "|", n);
+        if (word == kRankWithValue) {
+            glued.push_back(join('-', row.key, "Rank"));
+        } else {
+            plain.push_back(join('-', row.key, word));
+        }
+    }
+}
+
+void writeList(std::ostream& file, std::string_view name, const std::vector<std::string>& flags)
+{
+    file << "    local " << name << "=\"";
+    for (std::size_t i = 0; i < flags.size(); ++i) {
+        file << (i == 0 ? "" : " ") << flags[i];
+    }
+    file << "\"\n";
+}
+
+void writeCompletion(std::ostream& file)
+{
+    std::vector<std::string> plain;
+    std::vector<std::string> next;
+    std::vector<std::string> glued;
+    for (const FlagRow& row : flagTable()) {
+        const std::string flag = join('-', row.key);
+        switch (row.value) {
+        case FlagValue::none: plain.push_back(flag); break;
+        case FlagValue::next: next.push_back(flag); break;
+        case FlagValue::statistic: addStatistics(row, plain, glued); break;
+        default: glued.push_back(flag); break;
+        }
+    }
+    // The lists stand inside the routine, so that the shell of the user holds no other name.
+    std::string text(kCompletion);
+    const std::size_t body = text.find("{\n") + 2;
+    file << "# Completion for gridforge, made from its table of flags." << text.substr(0, body);
+    writeList(file, "plainFlags", plain);
+    writeList(file, "nextFlags", next);
+    writeList(file, "gluedFlags", glued);
+    file << text.substr(body);
+}
+
+bool writeFile(const std::string& name, void (*write)(std::ostream&))
+{
+    std::ofstream file(name, std::ios::binary);
+    write(file);
+    file.close();
+    if (!file) {
+        std::cerr << "gridforge_make_manual: cannot write " << name << '\n';
+    }
+    return !file.fail();
+}
+
+} // namespace
+} // namespace gridforge
+
+int main(int count, char** words)
+{
+    if (count != 2) {
+        std::cerr << "usage: gridforge_make_manual FOLDER\n";
+        return 2;
+    }
+    const std::string folder = words[1];
+    const bool written = gridforge::writeFile(folder + "/gridforge.1", gridforge::writePage) &&
+                         gridforge::writeFile(folder + "/gridforge.bash", gridforge::writeCompletion);
+    return written ? 0 : 1;
+}

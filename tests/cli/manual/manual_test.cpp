@@ -1,0 +1,156 @@
+// The manual page and the completion of the shell that the build makes.
+#include "base/text.h"
+#include "driver/flag_table.h"
+#include "support/paths.h"
+#include "support/tool_run.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::UnorderedElementsAre;
+
+const std::string kPage = manualFolder() + "/gridforge.1";
+const std::string kGroff = "/usr/bin/groff";
+
+// The page as a terminal shows it, without bold and italics, on lines that hold each paragraph whole.
+std::string rendered()
+{
+    ToolRun run(std::vector<std::string>{"-man", "-Tascii", "-ww", "-rLL=1000n", "-rHY=0", "-P-cbou", kPage});
+    run.program(kGroff);
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "") << "warnings of groff";
+    return run.console();
+}
+
+// The paragraph of a flag: what stands indented under its heading, or behind it on its line.
+std::string paragraphOf(const std::string& page, const std::string& heading)
+{
+    std::size_t at = page.find("\n       " + heading);
+    while (at != std::string::npos) {
+        const char next = page[at + 8 + heading.size()];
+        if (next == '\n' || next == ' ') {
+            const std::size_t end = page.find("\n\n", at + 1);
+            return page.substr(at, end - at);
+        }
+        at = page.find("\n       " + heading, at + 1);
+    }
+    return {};
+}
+
+bool isGlued(const FlagRow& row)
+{
+    return row.value == FlagValue::gluedReal || row.value == FlagValue::gluedInteger;
+}
+
+class ManualPage : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!std::filesystem::exists(kGroff)) {
+            GTEST_SKIP() << "no groff here";
+        }
+    }
+};
+
+TEST_F(ManualPage, RendersWithoutWarnings)
+{
+    const std::string page = rendered();
+    for (const std::string_view heading : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPERATIONS", "OPTIONS", "OUTPUTS",
+                                           "EXIT STATUS", "EXAMPLES", "SEE ALSO"}) {
+        EXPECT_THAT(page, HasSubstr(join("\n", heading, "\n")));
+    }
+    EXPECT_THAT(page, HasSubstr("gridforge - batch raster tool for two-dimensional flood models"));
+}
+
+TEST_F(ManualPage, TellsEveryFlagWithItsValueAndDefault)
+{
+    const std::string page = rendered();
+    for (const FlagRow& row : flagTable()) {
+        const std::string value(row.docs.valueName);
+        const std::string heading =
+            join('-', row.key, isGlued(row) || row.value == FlagValue::statistic || value.empty() ? "" : " ", value);
+        const std::string paragraph = paragraphOf(page, heading);
+        EXPECT_THAT(paragraph, HasSubstr(std::string(row.docs.description.substr(1)) + ".")) << heading;
+        const std::string nothing = row.value == FlagValue::none ? "off" : "none";
+        EXPECT_THAT(
+            paragraph,
+            HasSubstr("Default: " + (row.docs.defaultText.empty() ? nothing : std::string(row.docs.defaultText)) + "."))
+            << heading;
+        EXPECT_EQ(paragraph.find("Value: a number.") != std::string::npos, row.value == FlagValue::gluedReal);
+        EXPECT_EQ(paragraph.find("Value: a whole number.") != std::string::npos, row.value == FlagValue::gluedInteger);
+        EXPECT_EQ(paragraph.find("Value: the next argument.") != std::string::npos, row.value == FlagValue::next);
+    }
+}
+
+TEST_F(ManualPage, KeepsOperationsApartFromOptions)
+{
+    const std::string page = rendered();
+    const std::size_t options = page.find("\nOPTIONS\n");
+    for (const FlagRow& row : flagTable()) {
+        const std::string paragraph =
+            paragraphOf(page, join('-', row.key, row.docs.valueName.empty() ? "" : " ", row.docs.valueName));
+        if (!paragraph.empty()) {
+            EXPECT_EQ(page.find(paragraph) < options, row.kind == FlagKind::operation) << row.key;
+        }
+    }
+}
+
+// --- The completion --------------------------------------------------------------------------------------------------
+
+// What the shell would offer for the last of `words`, in a folder with the files a.asc and b.mif.
+std::vector<std::string> offers(std::string_view words)
+{
+    const std::string script = join(". \"$0\" && COMP_WORDS=(", words,
+                                    ") && COMP_CWORD=$((${#COMP_WORDS[@]} - 1)) && _gridforge && "
+                                    "printf '%s\\n' \"${COMPREPLY[@]}\"");
+    ToolRun run(std::vector<std::string>{"--norc", "-c", script, manualFolder() + "/gridforge.bash"});
+    run.program("/bin/bash");
+    run.give("a.asc", "");
+    run.give("b.mif", "");
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "");
+    return run.consoleLines();
+}
+
+TEST(Completion, OffersEveryFlag)
+{
+    const std::vector<std::string> all = offers("gridforge -");
+    for (const FlagRow& row : flagTable()) {
+        if (row.value != FlagValue::statistic) {
+            EXPECT_THAT(all, Contains(join('-', row.key)));
+        }
+    }
+    EXPECT_THAT(offers("gridforge -stat"), UnorderedElementsAre("-statAll", "-statMean", "-statMedian", "-statMin",
+                                                                "-statMax", "-statFrac", "-statRank", "-statRankAll"));
+    EXPECT_THAT(all, Not(Contains("-stat")));
+}
+
+TEST(Completion, OffersFlagsByTheirHead)
+{
+    EXPECT_THAT(offers("gridforge -b -tra"), UnorderedElementsAre("-trans_m", "-trans_c"));
+    EXPECT_THAT(offers("gridforge -ma"), UnorderedElementsAre("-max", "-mat"));
+}
+
+TEST(Completion, OffersFilesWhereANameIsDue)
+{
+    EXPECT_THAT(offers("gridforge -max a"), ElementsAre("a.asc"));
+    EXPECT_THAT(offers("gridforge -trim b"), ElementsAre("b.mif"));
+    EXPECT_THAT(offers("gridforge -trim -"), ElementsAre("")); // the value, though it looks like a flag
+}
+
+} // namespace
+} // namespace gridforge::test

@@ -1,0 +1,254 @@
+// What the documents say of each other and of the tool's tables.
+#include "base/text.h"
+#include "driver/flag_table.h"
+#include "driver/operations.h"
+#include "support/paths.h"
+#include "support/scratch_folder.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSource = sourceFolder();
+const fs::path kPages = kSource / "docs/operations";
+
+std::vector<fs::path> documents()
+{
+    std::vector<fs::path> files;
+    for (const auto& entry : fs::directory_iterator(kSource)) {
+        if (entry.path().extension() == ".md") {
+            files.push_back(entry.path());
+        }
+    }
+    for (const char* folder : {"docs", "examples"}) {
+        for (const auto& entry : fs::recursive_directory_iterator(kSource / folder)) {
+            if (entry.path().extension() == ".md") {
+                files.push_back(entry.path());
+            }
+        }
+    }
+    return files;
+}
+
+std::vector<std::string> matches(const std::string& text, const std::string& pattern)
+{
+    const std::regex expression(pattern, std::regex::ECMAScript | std::regex::multiline);
+    std::vector<std::string> found;
+    for (auto match = std::sregex_iterator(text.begin(), text.end(), expression); match != std::sregex_iterator();
+         ++match) {
+        found.push_back((*match)[1].str());
+    }
+    return found;
+}
+
+// What stands between fences is no link and no heading.
+std::string withoutListings(const std::string& text)
+{
+    return std::regex_replace(text, std::regex("```[^]*?```"), "");
+}
+
+std::vector<std::string> linksIn(const std::string& text)
+{
+    return matches(withoutListings(text), R"(\]\(([^)\s]+)\))");
+}
+
+// The name by which a link reaches a heading.
+std::string anchorOf(const std::string& heading)
+{
+    std::string anchor;
+    for (const char c : heading) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (std::isalnum(byte) != 0 || c == '-' || c == '_') {
+            anchor += static_cast<char>(std::tolower(byte));
+        } else if (c == ' ') {
+            anchor += '-';
+        }
+    }
+    return anchor;
+}
+
+std::set<std::string> anchorsIn(const std::string& text)
+{
+    std::set<std::string> anchors;
+    for (const std::string& heading : matches(withoutListings(text), "^#+ +(.*)$")) {
+        anchors.insert(anchorOf(heading));
+    }
+    return anchors;
+}
+
+// What is wrong with a link that stands in `document`; "" where nothing is.
+std::string objection(const fs::path& document, const std::string& link)
+{
+    if (link.find("://") != std::string::npos) {
+        return {};
+    }
+    const std::size_t mark = link.find('#');
+    const std::string name = link.substr(0, mark);
+    const fs::path target = name.empty() ? document : document.parent_path() / name;
+    if (!fs::exists(target)) {
+        return "leads nowhere";
+    }
+    if (!target.lexically_normal().string().starts_with(kSource.lexically_normal().string())) {
+        return "leads out of the tree";
+    }
+    if (mark != std::string::npos && !anchorsIn(readWhole(target)).contains(link.substr(mark + 1))) {
+        return "leads to no heading of its page";
+    }
+    return {};
+}
+
+TEST(Docs, LinksLeadSomewhere)
+{
+    std::size_t links = 0;
+    for (const fs::path& document : documents()) {
+        for (const std::string& link : linksIn(readWhole(document))) {
+            ++links;
+            EXPECT_EQ(objection(document, link), "") << document << ": " << link;
+        }
+    }
+    EXPECT_GT(links, 20U) << "hardly any link was found: does the reading of the pages still work?";
+}
+
+TEST(Docs, ALinkThatLeadsNowhereIsSeen)
+{
+    EXPECT_EQ(linksIn("a [b](c.md) ![d](e.png)\n```\n[f](g.md)\n```\n[h](#i)"),
+              (std::vector<std::string>{"c.md", "e.png", "#i"}));
+    const fs::path readme = kSource / "README.md";
+    EXPECT_EQ(objection(readme, "docs/building.md"), "");
+    EXPECT_EQ(objection(readme, "docs/building.md#tests-by-hand"), "");
+    EXPECT_EQ(objection(readme, "docs/building.md#test-by-foot"), "leads to no heading of its page");
+    EXPECT_EQ(objection(readme, "docs/bilding.md"), "leads nowhere");
+    EXPECT_EQ(objection(readme, "../shared"),
+              fs::exists(kSource / "../shared") ? "leads out of the tree" : "leads nowhere");
+    EXPECT_EQ(objection(readme, "https://example.org/x"), "");
+}
+
+// --- Pages on operations ---------------------------------------------------------------------------------------------
+
+struct IndexLine {
+    std::set<std::string> flags; // as `-max`, `-stat...`
+    std::string page;
+};
+
+std::vector<IndexLine> index()
+{
+    std::vector<IndexLine> lines;
+    const std::string text = readWhole(kPages / "README.md");
+    for (const std::string& line : matches(text, R"(^\| (`-.*)$)")) {
+        const std::vector<std::string> flags = matches(line.substr(0, line.find('|')), "`([^`]+)`");
+        const std::vector<std::string> pages = linksIn(line);
+        lines.push_back({{flags.begin(), flags.end()}, pages.empty() ? "" : pages.front()});
+    }
+    return lines;
+}
+
+// The page that the index names for a flag; "" for none.
+std::string pageOf(const std::vector<IndexLine>& lines, std::string_view flag)
+{
+    for (const IndexLine& line : lines) {
+        if (line.flags.contains(join('-', flag)) || line.flags.contains(join('-', flag, "..."))) {
+            return line.page;
+        }
+    }
+    return {};
+}
+
+// Letters before and behind would make it another flag; a value may follow.
+bool tells(const std::string& page, std::string_view flag)
+{
+    const std::string wanted = join("`-", flag);
+    for (std::size_t at = page.find(wanted); at != std::string::npos; at = page.find(wanted, at + 1)) {
+        const auto next = static_cast<unsigned char>(page[at + wanted.size()]);
+        if (std::isalnum(next) == 0 && next != '_') {
+            return true;
+        }
+    }
+    return false;
+}
+
+TEST(OperationPages, EveryOperationHasOneInTheHouseSkeleton)
+{
+    const std::vector<IndexLine> lines = index();
+    ASSERT_GT(lines.size(), 10U);
+    for (const OperationRow& row : operationTable()) {
+        if (row.run == nullptr) {
+            continue;
+        }
+        const std::string name = pageOf(lines, row.name);
+        ASSERT_NE(name, "") << "-" << row.name << " is not in the index";
+        const std::string page = readWhole(kPages / name);
+        ASSERT_FALSE(page.empty()) << name;
+        EXPECT_EQ(page.rfind("# ", 0), 0U) << name;
+        std::size_t before = 0;
+        for (const char* heading :
+             {"Usage", "What it does", "Flags", "Missing cells and edges", "Messages", "Memory", "Examples"}) {
+            const std::size_t at = page.find(join("\n## ", heading, "\n"));
+            EXPECT_NE(at, std::string::npos) << name << " has no " << heading;
+            EXPECT_GT(at, before) << name << ": " << heading << " stands too early";
+            before = at;
+        }
+    }
+}
+
+TEST(OperationPages, EveryFlagOfAnOperationIsInTheIndex)
+{
+    const std::vector<IndexLine> lines = index();
+    for (const FlagRow& flag : flagTable()) {
+        const auto names = [&](const OperationRow& row) { return row.name == flag.key && row.run == nullptr; };
+        if (flag.kind == FlagKind::operation && std::ranges::none_of(operationTable(), names)) {
+            EXPECT_NE(pageOf(lines, flag.key), "") << flag.key;
+        }
+    }
+}
+
+TEST(OperationPages, TheIndexNamesFlagsAndPagesThatExist)
+{
+    std::set<std::string> pages = {"README.md"};
+    for (const IndexLine& line : index()) {
+        pages.insert(line.page);
+        for (const std::string& flag : line.flags) {
+            const FlagRow* row = findFlag(flag);
+            ASSERT_NE(row, nullptr) << flag;
+            EXPECT_TRUE(flag == join('-', row->key) || flag == join('-', row->key, "...")) << flag;
+        }
+    }
+    std::set<std::string> files;
+    for (const auto& entry : fs::directory_iterator(kPages)) {
+        files.insert(entry.path().filename().string());
+    }
+    EXPECT_EQ(pages, files);
+}
+
+// Options are told on the page of their operation or, where they hold for all, on the index.
+TEST(OperationPages, TellEveryFlag)
+{
+    const bool complete =
+        std::ranges::none_of(operationTable(), [](const OperationRow& row) { return row.run == nullptr; });
+    if (!complete) {
+        GTEST_SKIP() << "operations are still to come";
+    }
+    std::string all;
+    for (const auto& entry : fs::directory_iterator(kPages)) {
+        all += readWhole(entry.path());
+    }
+    for (const FlagRow& row : flagTable()) {
+        EXPECT_TRUE(row.value == FlagValue::statistic ? all.find("`-statMean") != std::string::npos
+                                                      : tells(all, row.key))
+            << "-" << row.key << " is on no page";
+    }
+}
+
+} // namespace
+} // namespace gridforge::test
