@@ -18,6 +18,7 @@
 #include "sampling/cp.h"
 #include "sampling/lp.h"
 #include "sampling/trim.h"
+#include "sampling/xyz.h"
 
 #include <algorithm>
 #include <array>
@@ -50,7 +51,7 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"nbc",       [](const S& s) { return s.nbc; },            nullptr},
     {"na",        [](const S& s) { return s.na; },             nullptr},
     {"multiply",  [](const S& s) { return s.multiply; },       runMultiply},
-    {"xyz",       [](const S& s) { return s.xyz; },            nullptr},
+    {"xyz",       [](const S& s) { return s.xyz; },            runXyz},
     {"trim",      [](const S& s) { return s.trim; },           runTrim},
     {"damages",   [](const S& s) { return s.damages; },        runDamages},
     {"rf",        [](const S& s) { return s.rf; },             nullptr},

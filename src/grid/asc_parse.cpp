@@ -3,6 +3,7 @@
 // parseNumber.
 #include "grid/asc_parse.h"
 
+#include "base/decimal_lanes.h"
 #include "base/numbers.h"
 
 #include <algorithm>
@@ -32,18 +33,6 @@ bool isSeparator(char c)
 bool isDigit(char c)
 {
     return c >= '0' && c <= '9';
-}
-
-// A double that lies at most 4 of its last places off the true value rounds to the same float as that value, unless a
-// midpoint of two floats is so near. In the last 29 bits, which a float drops, a midpoint reads 1 0000...
-constexpr std::int64_t kDroppedBits = (std::int64_t{1} << 29) - 1;
-constexpr std::int64_t kMidpoint = std::int64_t{1} << 28;
-constexpr std::int64_t kRoundingMargin = 4;
-
-bool roundsSafely(double value)
-{
-    const auto bits = std::bit_cast<std::int64_t>(value);
-    return ((bits + kRoundingMargin - kMidpoint) & kDroppedBits) > 2 * kRoundingMargin;
 }
 
 float withSign(float magnitude, bool negative)
@@ -155,7 +144,6 @@ AscRow step(AscRowState& state, Cursor& text, std::span<float> row)
 #if defined(__x86_64__)
 
 constexpr std::size_t kBlock = 64;
-constexpr std::size_t kLane = 16;
 constexpr std::size_t kBatch = 1024; // values found before they are converted: few enough to stay in the nearest cache
 
 // The values of a piece of text: where they end, in bytes from its start, and how long they are.
@@ -245,94 +233,6 @@ __attribute__((target("avx2,bmi"))) std::size_t findValues(std::string_view text
     return at;
 }
 
-// Slid along, these give masks of the last n bytes.
-alignas(16) constexpr auto kLastBytes = [] {
-    std::array<std::uint8_t, 1 + 2 * kLane> mask{};
-    std::fill(mask.begin() + 1 + kLane, mask.end(), std::uint8_t{0xFF});
-    return mask;
-}();
-
-// [i] moves the bytes before the point at byte i up by one, over it; [16] is for no point.
-alignas(16) constexpr auto kOverPoint = [] {
-    std::array<std::array<std::uint8_t, kLane>, kLane + 1> moves{};
-    for (std::size_t i = 0; i <= kLane; ++i) {
-        for (std::size_t k = 0; k < kLane; ++k) {
-            const bool moved = i < kLane && k <= i;
-            moves[i][k] = moved ? (k == 0 ? 0x80 : static_cast<std::uint8_t>(k - 1)) : static_cast<std::uint8_t>(k);
-        }
-    }
-    return moves;
-}();
-
-// [i] is what 16 digits with the point at byte i are to be divided by.
-constexpr auto kPointPowers = [] {
-    std::array<double, kLane + 1> powers{};
-    for (std::size_t i = 0; i < kLane; ++i) {
-        powers[i] = kPowers[kLane - 1 - i];
-    }
-    powers[kLane] = 1;
-    return powers;
-}();
-
-__attribute__((target("avx2,bmi"))) inline __m256i loadPair(const void* low, const void* high)
-{
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(low))),
-                                   _mm_loadu_si128(static_cast<const __m128i*>(high)), 1);
-}
-
-// Two values at the ends of two lanes: digits without sign and point, and what has been found in their place.
-struct DigitPair {
-    __m256i digits;
-    __m256i minus;    // not 0 in the lane of a negative value
-    __m256i anyDigit; // 0 in a lane without a digit
-    std::size_t points[2];
-};
-
-__attribute__((target("avx2,bmi"))) inline DigitPair digitPair(const char* end0, std::size_t length0, const char* end1,
-                                                               std::size_t length1)
-{
-    const std::uint8_t* const mask0 = kLastBytes.data() + 1 + length0;
-    const std::uint8_t* const mask1 = kLastBytes.data() + 1 + length1;
-    const __m256i value = loadPair(mask0, mask1);
-    const __m256i behindFirst = loadPair(mask0 - 1, mask1 - 1);
-    const __m256i text =
-        _mm256_and_si256(_mm256_sub_epi8(loadPair(end0 - kLane, end1 - kLane), _mm256_set1_epi8('0')), value);
-
-    DigitPair pair;
-    pair.minus = _mm256_andnot_si256(behindFirst, _mm256_cmpeq_epi8(text, _mm256_set1_epi8('-' - '0')));
-    const __m256i point = _mm256_cmpeq_epi8(text, _mm256_set1_epi8('.' - '0'));
-    pair.anyDigit = _mm256_andnot_si256(_mm256_or_si256(pair.minus, point), value);
-    const auto points = static_cast<std::uint32_t>(_mm256_movemask_epi8(point));
-    pair.points[0] = _tzcnt_u32(points | 0x10000U);
-    pair.points[1] = _tzcnt_u32(points >> 16 | 0x10000U);
-    // A second point stays, and is no digit.
-    pair.digits = _mm256_shuffle_epi8(_mm256_andnot_si256(pair.minus, text),
-                                      loadPair(kOverPoint[pair.points[0]].data(), kOverPoint[pair.points[1]].data()));
-    return pair;
-}
-
-// The numbers of 16 digits each, in the order low of `a`, low of `b`, high of `a`, high of `b`.
-__attribute__((target("avx2,bmi"))) inline __m256d digitsToNumbers(__m256i a, __m256i b)
-{
-    const __m256i tens = _mm256_set1_epi16(1 << 8 | 10);
-    const __m256i hundreds = _mm256_set1_epi32(1 << 16 | 100);
-    const __m256i foursA = _mm256_madd_epi16(_mm256_maddubs_epi16(a, tens), hundreds);
-    const __m256i foursB = _mm256_madd_epi16(_mm256_maddubs_epi16(b, tens), hundreds);
-    const __m256i eights = _mm256_madd_epi16(_mm256_packus_epi32(foursA, foursB), _mm256_set1_epi32(1 << 16 | 10000));
-    // 32 bits under the exponent of 2^52 are a double already, but for the 2^52.
-    const __m256d big = _mm256_set1_pd(0x1p52);
-    const __m256i high = _mm256_blend_epi32(eights, _mm256_castpd_si256(big), 0xAA);
-    const __m256i low = _mm256_or_si256(_mm256_srli_epi64(eights, 32), _mm256_castpd_si256(big));
-    return _mm256_add_pd(_mm256_mul_pd(_mm256_sub_pd(_mm256_castsi256_pd(high), big), _mm256_set1_pd(1e8)),
-                         _mm256_sub_pd(_mm256_castsi256_pd(low), big));
-}
-
-// True for lanes of 64 bits that are not 0, of two vectors in the order of digitsToNumbers.
-__attribute__((target("avx2,bmi"))) inline __m256i isZero(__m256i a, __m256i b)
-{
-    return _mm256_cmpeq_epi64(_mm256_packs_epi16(a, b), _mm256_setzero_si256());
-}
-
 // Four plain decimals of at most 16 characters. Looks at the 16 bytes before each end. False when one is something else.
 __attribute__((target("avx2,bmi"))) inline bool convertFour(const char* text, const std::uint32_t* ends,
                                                             const std::uint32_t* lengths, float* cells)
@@ -340,23 +240,9 @@ __attribute__((target("avx2,bmi"))) inline bool convertFour(const char* text, co
     if (std::max(std::max(lengths[0], lengths[1]), std::max(lengths[2], lengths[3])) > kLane) {
         return false;
     }
-    const DigitPair a = digitPair(text + ends[0], lengths[0], text + ends[2], lengths[2]);
-    const DigitPair b = digitPair(text + ends[1], lengths[1], text + ends[3], lengths[3]);
-
-    const __m256d power = _mm256_setr_pd(kPointPowers[a.points[0]], kPointPowers[b.points[0]],
-                                         kPointPowers[a.points[1]], kPointPowers[b.points[1]]);
-    const __m256d magnitude = _mm256_div_pd(digitsToNumbers(a.digits, b.digits), power);
-    const __m256d sign = _mm256_andnot_pd(_mm256_castsi256_pd(isZero(a.minus, b.minus)), _mm256_set1_pd(-0.0));
-    _mm_storeu_ps(cells, _mm256_cvtpd_ps(_mm256_or_pd(magnitude, sign)));
-
-    const __m256i overNine = _mm256_or_si256(_mm256_subs_epu8(a.digits, _mm256_set1_epi8(9)),
-                                             _mm256_subs_epu8(b.digits, _mm256_set1_epi8(9)));
-    const __m256i distance = _mm256_and_si256(
-        _mm256_add_epi64(_mm256_castpd_si256(magnitude), _mm256_set1_epi64x(kRoundingMargin - kMidpoint)),
-        _mm256_set1_epi64x(kDroppedBits));
-    const __m256i unsafe = _mm256_cmpgt_epi64(_mm256_set1_epi64x(2 * kRoundingMargin + 1), distance);
-    const __m256i bad = _mm256_or_si256(_mm256_or_si256(overNine, unsafe), isZero(a.anyDigit, b.anyDigit));
-    return _mm256_testz_si256(bad, bad) != 0;
+    return storeFloats(decimalQuad({text + ends[0], text + ends[1], text + ends[2], text + ends[3]},
+                                   {lengths[0], lengths[1], lengths[2], lengths[3]}),
+                       cells);
 }
 
 // Values `first` to `first + count` of the index, at most four, into cells. False when one is no number.
@@ -425,7 +311,7 @@ __attribute__((target("avx2,bmi"))) bool parseBlocks(AscRowState& state, Cursor&
 
 bool hasBlocks()
 {
-    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi");
+    return hasDecimalLanes();
 }
 
 #else

@@ -16,18 +16,36 @@ std::string outputNameRule(const RunSettings& settings, std::string_view source,
     return cut(join(FILENAMEPATH(source), suffix), kNameWidth);
 }
 
-std::int32_t outputFormatRule(const RunSettings& settings, std::int32_t firstFormat)
+namespace {
+
+std::int32_t specifiedFormat(const RunSettings& settings)
 {
-    if (!settings.formatSpecified) {
-        say("Setting output format based on input grids.  To set use -asc or -flt.");
-        return firstFormat;
-    }
     if (settings.ascWanted) {
         say("Using output format .asc as specified.");
         return kFormatAsc;
     }
     say("Using output format .flt as specified.");
     return kFormatFlt;
+}
+
+} // namespace
+
+std::int32_t outputFormatRule(const RunSettings& settings, std::int32_t firstFormat)
+{
+    if (settings.formatSpecified) {
+        return specifiedFormat(settings);
+    }
+    say("Setting output format based on input grids.  To set use -asc or -flt.");
+    return firstFormat;
+}
+
+std::int32_t ascUnlessSpecified(const RunSettings& settings)
+{
+    if (settings.formatSpecified) {
+        return specifiedFormat(settings);
+    }
+    say("Setting output grid to .asc by default.  To set use -asc or -flt.");
+    return kFormatAsc;
 }
 
 } // namespace gridforge

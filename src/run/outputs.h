@@ -1,4 +1,4 @@
-// The two rules that name an output and choose its format.
+// The rules that name an output and choose its format.
 #pragma once
 
 #include "run/run_settings.h"
@@ -15,5 +15,7 @@ std::string outputNameRule(const RunSettings& settings, std::string_view source,
 
 // The format wanted by -asc or -flt, or that of the first input grid.
 std::int32_t outputFormatRule(const RunSettings& settings, std::int32_t firstFormat);
+// The format wanted by -asc or -flt, or .asc whatever the inputs are.
+std::int32_t ascUnlessSpecified(const RunSettings& settings);
 
 } // namespace gridforge

@@ -12,6 +12,7 @@
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
+#include "run/outputs.h"
 #include "sampling/sampled_layer.h"
 
 #include <algorithm>
@@ -138,21 +139,6 @@ std::string outputName(const RunSettings& settings, const std::string& grid, con
     return out;
 }
 
-// The default is .asc whatever the inputs are.
-std::int32_t outputFormat(const RunSettings& settings)
-{
-    if (!settings.formatSpecified) {
-        say("Setting output grid to .asc by default.  To set use -asc or -flt.");
-        return kFormatAsc;
-    }
-    if (settings.ascWanted) {
-        say("Using output format .asc as specified.");
-        return kFormatAsc;
-    }
-    say("Using output format .flt as specified.");
-    return kFormatFlt;
-}
-
 } // namespace
 
 // --- The kernel ------------------------------------------------------------------------------------------------------
@@ -202,7 +188,7 @@ void runTrim(const RunSettings& settings, const InputFileList& inputs)
 
             const std::string target =
                 outputName(settings, FILENAMEPATH(gridName), name, inputs.count() > 1, regions.size() > 1);
-            const std::int32_t format = outputFormat(settings);
+            const std::int32_t format = ascUnlessSpecified(settings);
             say("Writing output to: ", target);
             writeGrid(format, target, outputHeader, output, header.projectionText, settings.decimals);
         }

@@ -1,0 +1,239 @@
+// -xyz turns a text file of points on a lattice into a grid.
+#include "sampling/xyz.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/names.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "base/units.h"
+#include "grid/writer.h"
+#include "run/outputs.h"
+#include "sampling/xyz_parse.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+// --- The kernels -----------------------------------------------------------------------------------------------------
+
+PointExtents findExtents(std::span<const double> x, std::span<const double> y, float toleranceX, float toleranceY)
+{
+    assert(x.size() == y.size());
+
+    PointExtents extents;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        extents.xmin = std::min(extents.xmin, x[i]);
+        extents.xmax = std::max(extents.xmax, x[i]);
+        extents.ymin = std::min(extents.ymin, y[i]);
+        extents.ymax = std::max(extents.ymax, y[i]);
+        const double a = std::abs(x[i] - x[0]);
+        if (a > static_cast<double>(toleranceX)) {
+            extents.dx = static_cast<float>(std::min(static_cast<double>(extents.dx), a));
+        }
+        const double b = std::abs(y[i] - y[0]);
+        if (b > static_cast<double>(toleranceY)) {
+            extents.dy = static_cast<float>(std::min(static_cast<double>(extents.dy), b));
+        }
+    }
+    return extents;
+}
+
+namespace {
+
+// Never more than that of the upper right point, for which the grid has been made. A ratio that comes just below a
+// whole number is cut down to the number before: deliberate, outputs rely on it.
+std::int32_t spacings(double distance, double spacing)
+{
+    const double ratio = distance / spacing;
+    return ratio > 0 ? static_cast<std::int32_t>(ratio) : 0;
+}
+
+} // namespace
+
+void sortIntoCells(std::span<const double> x, std::span<const double> y, std::span<const float> z,
+                   const PointExtents& extents, Grid& cells)
+{
+    assert(x.size() == y.size() && x.size() == z.size());
+
+    const auto dx = static_cast<double>(extents.dx);
+    const auto dy = static_cast<double>(extents.dy);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const std::int32_t column = spacings(x[i] - extents.xmin, dx) + 1;
+        const std::int32_t row = spacings(y[i] - extents.ymin, dy) + 1;
+        cells(row, column) = z[i];
+    }
+}
+
+namespace {
+
+// --- The points ------------------------------------------------------------------------------------------------------
+
+[[noreturn]] void failLine(std::string_view line)
+{
+    say("ERROR - Reading following line in classes file:");
+    fail(line);
+}
+
+std::size_t countLines(Unit unit)
+{
+    std::size_t lines = 0;
+    bool cutShort = false; // a last line without a line end
+    for (std::string_view bytes = readyBytes(unit); !bytes.empty(); bytes = readyBytes(unit)) {
+        lines += countLineEnds(bytes);
+        cutShort = bytes.back() != '\n';
+        takeBytes(unit, bytes.size());
+    }
+    if (readFailed(unit)) {
+        failLine("");
+    }
+    return lines + (cutShort ? 1 : 0);
+}
+
+PointList allocatePoints(std::size_t count)
+{
+    PointList points;
+    if (!points.x.allocate(count) || !points.y.allocate(count) || !points.z.allocate(count)) {
+        failMemory();
+    }
+    return points;
+}
+
+void readPoints(Unit unit, PointList& points)
+{
+    const std::span<double> x = points.x.all();
+    const std::span<double> y = points.y.all();
+    const std::span<float> z = points.z.all();
+    std::string line;
+    for (std::size_t i = 0; i < x.size();) {
+        const PlainPoints plain = parsePlainPoints(readyBytes(unit), x.subspan(i), y.subspan(i), z.subspan(i));
+        takeBytes(unit, plain.bytes);
+        i += plain.count;
+        const std::size_t groupEnd = std::min(i + kPointGroup, x.size());
+        for (; i < groupEnd; ++i) {
+            if (!readLine(unit, line) || !parsePoint(line, x[i], y[i], z[i])) {
+                failLine(line);
+            }
+        }
+    }
+}
+
+PointList readPointFile(const std::string& name)
+{
+    say("Opening input .xyz file: ", name);
+    say("Scanning to determine size...");
+    Unit unit = 0;
+    OPENER(unit, "I ", name);
+    const std::size_t count = countLines(unit);
+    say("   Done.");
+    say("Total number of points: ", count);
+    say("Allocating memory for processing of input...");
+    PointList points = allocatePoints(count);
+    say("   Done.");
+    say("Rewinding input file...");
+    seekTo(unit, 0);
+    say("   Done.");
+    readPoints(unit, points);
+    say("   Done.");
+    CLOSER(unit);
+    return points;
+}
+
+// --- The grid --------------------------------------------------------------------------------------------------------
+
+void reportExtents(const PointExtents& extents)
+{
+    say("X Minimum: ", AREAL8(extents.xmin));
+    say("X Maximum: ", AREAL8(extents.xmax));
+    say("Y Minimum: ", AREAL8(extents.ymin));
+    say("Y Maximum: ", AREAL8(extents.ymax));
+    say("dx:        ", AREAL(extents.dx));
+    say("dy:        ", AREAL(extents.dy));
+}
+
+void requireSquareCells(const PointExtents& extents)
+{
+    constexpr float kMost = 0.5F;
+    // One-sided, and meant to be: a dy above dx by any amount passes.
+    if (extents.dx - extents.dy > kMost) {
+        fail("ERROR - Detected dx and dy not the same.");
+    }
+}
+
+// The grid's header, announced by the number of its rows and columns less one.
+GridHeader gridHeader(const PointExtents& extents)
+{
+    constexpr float kPointNull = -999.0F;
+
+    GridHeader header;
+    const std::int32_t r = truncateToInt((extents.ymax - extents.ymin) / static_cast<double>(extents.dy));
+    const std::int32_t c = truncateToInt((extents.xmax - extents.xmin) / static_cast<double>(extents.dx));
+    say("number rows: ", r);
+    say("number cols: ", c);
+    const bool inRange = r >= 0 && c >= 0 && std::max(r, c) < std::numeric_limits<std::int32_t>::max();
+    header.nrows = inRange ? r + 1 : 0; // without points, or with such far off, there is no grid
+    header.ncols = inRange ? c + 1 : 0;
+    header.cellsize = extents.dx;
+    header.cellsize8 = static_cast<double>(extents.dx);
+    header.xll = extents.xmin - 0.5 * header.cellsize8;
+    header.yll = extents.ymin - 0.5 * header.cellsize8;
+    header.null = kPointNull;
+    return header;
+}
+
+Grid allocateCells(const GridHeader& header)
+{
+    say("Allocating memory for output grid...");
+    Grid cells;
+    if (header.nrows == 0 || !cells.allocate(header.nrows, header.ncols)) {
+        failMemory();
+    }
+    say("   Done.");
+    return cells;
+}
+
+std::string outputName(const RunSettings& settings, const std::string& input)
+{
+    if (settings.outputNameGiven) {
+        say("Using specified output file name: ", quoted(settings.outputName));
+        return settings.outputName;
+    }
+    return cut(join(FILENAMEPATH(input), "_xyz_to_grid"), kNameWidth);
+}
+
+} // namespace
+
+// --- The run ---------------------------------------------------------------------------------------------------------
+
+void runXyz(const RunSettings& settings, const InputFileList& inputs)
+{
+    say("Processing \"-xyz\" option.");
+    const PointList points = readPointFile(inputs[1]);
+
+    say("Determing extents...");
+    const PointExtents extents =
+        findExtents(points.x.all(), points.y.all(), settings.pointToleranceX, settings.pointToleranceY);
+    say("   Done");
+    reportExtents(extents);
+    requireSquareCells(extents);
+
+    const GridHeader header = gridHeader(extents);
+    Grid cells = allocateCells(header);
+    say("Initialising grids...");
+    std::ranges::fill(cells.cells(), header.null);
+    say("Sorting data into grid...");
+    sortIntoCells(points.x.all(), points.y.all(), points.z.all(), extents, cells);
+    say("   Done");
+
+    const std::string name = outputName(settings, inputs[1]);
+    const std::int32_t format = ascUnlessSpecified(settings);
+    say("Writing output to: ", name);
+    writeGrid(format, name, header, cells, header.projectionText, settings.decimals);
+}
+
+} // namespace gridforge

@@ -1,0 +1,40 @@
+// -xyz: a grid out of a text file of points, its spacing found from the points themselves.
+#pragma once
+
+#include "base/huge_array.h"
+#include "grid/grid.h"
+#include "run/inputs.h"
+#include "run/run_settings.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace gridforge {
+
+// Points in the order of their file.
+struct PointList {
+    HugeArray<double> x;
+    HugeArray<double> y;
+    HugeArray<float> z;
+};
+
+struct PointExtents {
+    double xmin = 9.0e+29;
+    double xmax = -9.0e+29;
+    double ymin = 9.0e+29;
+    double ymax = -9.0e+29;
+    float dx = 9999.0F; // the smallest separation from the first point above the tolerance
+    float dy = 9999.0F;
+};
+
+PointExtents findExtents(std::span<const double> x, std::span<const double> y, float toleranceX, float toleranceY);
+
+// Each point gives its z to the cell that its distance from the lower left point, in whole spacings, leads to; the last
+// one in a cell counts. The grid reaches to the cell of the upper right point or beyond. Not-a-number counts as no distance.
+void sortIntoCells(std::span<const double> x, std::span<const double> y, std::span<const float> z,
+                   const PointExtents& extents, Grid& cells);
+
+void runXyz(const RunSettings& settings, const InputFileList& inputs);
+
+} // namespace gridforge
