@@ -18,8 +18,8 @@ namespace {
 std::string libraryName(std::string_view name)
 {
     std::string local = systemName(name);
-    const auto doubled = std::ranges::unique(local, [](char a, char b) { return a == '/' && b == '/'; });
-    local.erase(doubled.begin(), doubled.end());
+    const auto bothSeparate = [](char a, char b) { return a == '/' && b == '/'; };
+    local.erase(std::unique(local.begin(), local.end(), bothSeparate), local.end());
     return local.starts_with('/') ? local : "./" + local;
 }
 
