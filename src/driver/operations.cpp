@@ -14,6 +14,7 @@
 #include "ops/resize.h"
 #include "ops/stat.h"
 #include "ops/transform.h"
+#include "rainfall/rainfall.h"
 #include "remap/remap.h"
 #include "sampling/cp.h"
 #include "sampling/lp.h"
@@ -54,7 +55,7 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"xyz",       [](const S& s) { return s.xyz; },            runXyz},
     {"trim",      [](const S& s) { return s.trim; },           runTrim},
     {"damages",   [](const S& s) { return s.damages; },        runDamages},
-    {"rf",        [](const S& s) { return s.rf; },             nullptr},
+    {"rf",        [](const S& s) { return s.rf; },             runRainfall},
     {"remap",     [](const S& s) { return s.remap; },          runRemap},
     {"stat",      [](const S& s) { return s.stat; },           runStat},
 }};

@@ -1,0 +1,66 @@
+// The rainfall control file: what it sets, and its passes that read settings, hyetographs and points.
+#pragma once
+
+#include "base/control_lines.h"
+#include "base/text.h"
+#include "base/units.h"
+#include "grid/grid.h"
+#include "rainfall/hyetographs.h"
+#include "rainfall/points.h"
+
+#include <cstdint>
+#include <string>
+
+namespace gridforge {
+
+// Beside the formats of grids.
+inline constexpr std::int32_t kFormatNc = 3;
+
+enum class RfMethod { none, polygon, tin, idw };
+
+struct RfSettings {
+    float cell = 0.0F;
+    float sizeX = 0.0F;
+    float sizeY = 0.0F;
+    std::int32_t rows = 0;    // N
+    std::int32_t columns = 0; // M
+    double xOrigin = 0.0;
+    double yOrigin = 0.0;
+    std::int32_t format = kFormatAsc;
+    RfMethod method = RfMethod::none;
+    std::int32_t idwMaxPoints = 0; // 0: all
+    float idwMaxDistance = -99.0F; // below 0.001: no limit
+    float idwExponent = 2.0F;
+};
+
+struct ControlLine {
+    std::string text;
+    std::string command; // as it stands before the "=="
+    std::string value;   // trimmed
+};
+
+// Calls `work` with each line of the open control file that has content.
+template <typename Work>
+void forEachCommand(Unit unit, Work&& work)
+{
+    ControlLine line;
+    std::string right;
+    while (!atEnd(unit)) {
+        if (READLINE(unit, line.text, kLineWidth)) {
+            CHECKLINE(line.text, "*", "==", 0, right, line.command);
+            line.value = trim(right);
+            work(line);
+        }
+    }
+}
+
+// The first pass: how many locations and how many points of a hyetograph there may be. What is not set stays.
+void rf_scan_limits(const std::string& controlFile, std::int32_t& maxLocations, std::int32_t& maxPoints);
+
+// The second pass: settings, hyetographs and points. An unknown command ends the run.
+RfSettings readRfCommands(const std::string& controlFile, RfHyetographs& hyetographs, RfPoints& points);
+
+// Rows, columns, corner, cell size and null of the rainfall grids; a size that does not make a grid ends the run.
+GridHeader settleRfGrid(const RfSettings& settings);
+
+} // namespace gridforge

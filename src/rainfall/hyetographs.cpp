@@ -1,0 +1,144 @@
+#include "rainfall/hyetographs.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "base/units.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace gridforge {
+
+namespace {
+
+constexpr float kTimeTolerance = 0.001F;
+
+[[noreturn]] void failLine(const std::string& line)
+{
+    say("ERROR - Reading following line in rainfall hyetograph:");
+    fail(line);
+}
+
+bool isRead(FreeValue found)
+{
+    return found == FreeValue::value || found == FreeValue::empty;
+}
+
+std::string nextLine(Unit unit)
+{
+    std::string line;
+    if (!readLine(unit, line, kLineWidth)) {
+        failLine(line);
+    }
+    return line;
+}
+
+void appendStep(const std::string& line, RfHyetograph& hyetograph)
+{
+    float time = 0;
+    float depth = 0;
+    FreeForm values(line);
+    if (!isRead(values.next(time)) || !isRead(values.next(depth))) {
+        failLine(line);
+    }
+    hyetograph.time.push_back(time);
+    hyetograph.depth.push_back(depth);
+}
+
+void requireRisingTimes(const std::vector<float>& time)
+{
+    const auto stays =
+        std::adjacent_find(time.begin(), time.end(), [](float before, float after) { return !(after > before); });
+    if (stays != time.end()) {
+        fail("ERROR - Time values in rainfall hyetograph not in ascending order.");
+    }
+}
+
+void requireTimesOf(const RfHyetograph& first, const RfHyetograph& other)
+{
+    const auto sayMismatch = [&] {
+        say("ERROR - Rainfall times in hyteographs do not match. Names: ", first.name, " and ", other.name);
+    };
+    if (first.time.size() != other.time.size()) {
+        sayMismatch();
+        EXITS();
+    }
+    for (std::size_t i = 0; i < first.time.size(); ++i) {
+        if (std::abs(first.time[i] - other.time[i]) > kTimeTolerance) {
+            sayMismatch();
+            fail("    Times for timestep ", i + 1, " are ", AREAL(first.time[i]), " and ", AREAL(other.time[i]));
+        }
+    }
+}
+
+} // namespace
+
+void failTooManyLocations(std::int32_t maximum)
+{
+    say("ERROR - Number of rainfall locations exceeds maximum: ", maximum);
+    fail("   Please specify with \"Maximum RF Locations == \"");
+}
+
+void addHyetograph(const std::string& name, RfHyetographs& hyetographs)
+{
+    if (hyetographs.count() >= hyetographs.maxLocations) {
+        failTooManyLocations(hyetographs.maxLocations);
+    }
+    RfHyetograph hyetograph;
+    hyetograph.name = cut(name, kRfNameWidth);
+    hyetographs.records.push_back(std::move(hyetograph));
+}
+
+void rf_read_hyetograph(const std::string& fileName, RfHyetographs& hyetographs)
+{
+    say("Getting rainfall hyetograph...");
+    Unit unit = 0;
+    OPENER(unit, "I ", fileName);
+    if (!atEnd(unit)) {
+        nextLine(unit); // the heading
+    }
+    RfHyetograph& hyetograph = hyetographs.records.back();
+    std::int32_t count = 0;
+    while (!atEnd(unit)) {
+        const std::string line = nextLine(unit);
+        if (count >= hyetographs.maxPoints) {
+            say("ERROR - Number of data points in hyetogprah exceeds maximum.");
+            fail("   Please specify with \"Maximum Points in Hyetograph == \"");
+        }
+        appendStep(line, hyetograph);
+        ++count;
+    }
+    CLOSER(unit);
+    // Users know these two texts from the damage curves; they stay as they are.
+    say("Number of points in damage curve found: ", count);
+    if (count < 2) {
+        fail("ERROR - Less than 2 points in damages curve.");
+    }
+    requireRisingTimes(hyetograph.time);
+}
+
+void requireSameTimes(const RfHyetographs& hyetographs)
+{
+    say("Checking rainfall hyetographs have consistent times.");
+    // A single hyetograph is refused like none; deliberate, control files repeat their one gauge.
+    if (hyetographs.count() <= 1) {
+        fail("ERROR - No rainfall hyetogrpahs specified.");
+    }
+    for (const RfHyetograph& hyetograph : hyetographs.records) {
+        requireTimesOf(hyetographs.records.front(), hyetograph);
+    }
+    say("   OK.");
+}
+
+std::int32_t findHyetograph(const std::string& name, const RfHyetographs& hyetographs)
+{
+    const auto& records = hyetographs.records;
+    const auto found =
+        std::ranges::find_if(records, [&name](const RfHyetograph& hyetograph) { return ASAME(hyetograph.name, name); });
+    return found == records.end() ? 0 : static_cast<std::int32_t>(found - records.begin()) + 1;
+}
+
+} // namespace gridforge

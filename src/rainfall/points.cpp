@@ -1,0 +1,86 @@
+#include "rainfall/points.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "gis/layer_objects.h"
+#include "gis/layers.h"
+
+#include <utility>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::int32_t kMaxPointVertices = 100;
+constexpr float kLeastFactor = 0.001F;
+
+void mendFactor(std::string_view factorName, const std::string& name, float& factor)
+{
+    if (factor < kLeastFactor) {
+        say("WARNING - ", factorName, " rainfall factor of 0 set to 1. RF Name: ", name);
+        factor = 1.0F;
+    }
+}
+
+void readPoint(std::int32_t gisID, GisO& gisO, const std::string& dataLine, GisCoordinates& read, RfPoints& points)
+{
+    gisReadObject(gisID, gisO, read, kMaxPointVertices);
+    if (points.count() >= points.maxLocations) {
+        failTooManyLocations(points.maxLocations);
+    }
+    RfPoint point;
+    point.x = read.xc;
+    point.y = read.yc;
+    point.record = parseRfRecord(dataLine);
+    mendFactors(point.record);
+    points.records.push_back(std::move(point));
+}
+
+} // namespace
+
+RfRecord parseRfRecord(std::string_view dataLine)
+{
+    RfRecord record;
+    RecordValues values(dataLine);
+    values.take(record.name, kRfNameWidth);
+    values.take(record.f1);
+    values.take(record.f2);
+    return record;
+}
+
+void mendFactors(RfRecord& record)
+{
+    mendFactor("F1", record.name, record.f1);
+    mendFactor("F2", record.name, record.f2);
+}
+
+void rf_read_points(const std::string& layerName, RfPoints& points)
+{
+    say("Read rainfall points data from GIS file: ", layerName);
+    std::int32_t gisID = gisOpenLayer(layerName, "", "I ");
+    gisReadHeader(gisID);
+    GisCoordinates read;
+    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
+        if (gisO.point) {
+            readPoint(gisID, gisO, dataLine, read, points);
+        } else {
+            say("WARNING - Object is not a point and is being skipped.");
+        }
+    });
+    say(" Finished reading rainfall points.");
+    gisCloseLayer(gisID);
+}
+
+void rf_match_points(const RfHyetographs& hyetographs, RfPoints& points)
+{
+    say("Finding hyetographs for points.");
+    for (RfPoint& point : points.records) {
+        point.hyetograph = findHyetograph(point.record.name, hyetographs);
+        if (point.hyetograph == 0) {
+            fail("ERROR - Could not find rainfall hyetogpraph with name: ", point.record.name);
+        }
+    }
+    say("   Done");
+}
+
+} // namespace gridforge

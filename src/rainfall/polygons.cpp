@@ -1,0 +1,202 @@
+#include "rainfall/polygons.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "base/region_rows.h"
+#include "base/units.h"
+#include "gis/layer_objects.h"
+#include "gis/layers.h"
+#include "grid/writer.h"
+#include "rainfall/control_file.h"
+#include "rainfall/single_rings.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace gridforge {
+
+// --- The kernel ------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// Rows or columns from 1, both ends included; empty where `from` is greater.
+struct CellRange {
+    std::int32_t from = 1;
+    std::int32_t to = 0;
+};
+
+CellRange rangeOf(double low, double high, double origin, const GridHeader& grid, std::int32_t cells)
+{
+    const std::int64_t from = std::int64_t{truncateToInt((low - origin) / grid.cellsize8)} - 1;
+    const std::int64_t to = std::int64_t{truncateToInt((high - origin) / grid.cellsize8)} + 1;
+    return {static_cast<std::int32_t>(std::max<std::int64_t>(1, from)),
+            static_cast<std::int32_t>(std::min<std::int64_t>(cells, to))};
+}
+
+// The centre of a cell along one axis. The products are single precision on purpose: which cells a region takes
+// rests on their rounding.
+double centreAlong(double origin, std::int32_t cell, float size)
+{
+    return origin + static_cast<double>(static_cast<float>(cell) * size) - static_cast<double>(0.5F * size);
+}
+
+PreparedRegion prepared(const RfRegion& region, double xOrigin)
+{
+    const auto np = static_cast<std::int32_t>(region.x.size());
+    const std::array<std::int32_t, 1> ir = {np - 1};
+    PreparedRegion result;
+    prepareRegion(region.x, region.y, np, std::min(region.xmin, xOrigin), ir, 1, result);
+    return result;
+}
+
+// How many of the places had a hyetograph before.
+std::int64_t paintRun(std::int32_t hyetograph, float factor, std::span<std::int32_t> index, std::span<float> factors)
+{
+    const auto shared = std::ranges::count_if(index, [](std::int32_t before) { return before > 0; });
+    std::ranges::fill(index, hyetograph);
+    std::ranges::fill(factors, factor);
+    return shared;
+}
+
+} // namespace
+
+RfRegion rfRegion(std::span<const double> x, std::span<const double> y)
+{
+    RfRegion region{x, y, 0, 0, 0, 0};
+    if (!x.empty()) {
+        const auto [xmin, xmax] = std::ranges::minmax(x);
+        const auto [ymin, ymax] = std::ranges::minmax(y);
+        region = {x, y, xmin, xmax, ymin, ymax};
+    }
+    return region;
+}
+
+std::int64_t paintRegion(const RfRegion& region, const GridHeader& grid, std::int32_t hyetograph, float factor,
+                         RfPolygonTables& tables)
+{
+    const CellRange columns = rangeOf(region.xmin, region.xmax, grid.xll, grid, grid.ncols);
+    const CellRange rows = rangeOf(region.ymin, region.ymax, grid.yll, grid, grid.nrows);
+    if (columns.from > columns.to || rows.from > rows.to) {
+        return 0;
+    }
+    const PreparedRegion ready = prepared(region, grid.xll);
+    const auto first = static_cast<std::size_t>(columns.from - 1);
+    std::vector<double> x(static_cast<std::size_t>(columns.to - columns.from) + 1);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        x[i] = centreAlong(grid.xll, columns.from + static_cast<std::int32_t>(i), grid.cellsize);
+    }
+    std::vector<RowRun> runs;
+    std::int64_t shared = 0;
+    for (std::int32_t row = rows.from; row <= rows.to; ++row) {
+        insideRegionRuns(ready, centreAlong(grid.yll, row, grid.cellsize), x, runs);
+        for (const RowRun& run : runs) {
+            shared += paintRun(hyetograph, factor, tables.index.row(row).subspan(first + run.from, run.size()),
+                               tables.factor.row(row).subspan(first + run.from, run.size()));
+        }
+    }
+    return shared;
+}
+
+// --- The pass over the control file ----------------------------------------------------------------------------------
+
+namespace {
+
+// The last point inside gives name and factors.
+RfRecord recordOfPointInside(const RfRegion& region, double xOrigin, const RfPoints& points)
+{
+    const PreparedRegion ready = prepared(region, xOrigin);
+    RfRecord record;
+    std::int32_t count = 0;
+    for (const RfPoint& point : points.records) {
+        if (!insideRegion(ready, point.x, point.y)) {
+            continue;
+        }
+        if (++count > 1) {
+            say("WARNING - More than one rainfall point inside region.");
+        }
+        record = point.record;
+    }
+    if (count == 0) {
+        fail("ERROR - No rainfall points inside region.");
+    }
+    if (record.name.empty()) {
+        fail("ERROR - No Rainfall name for polygon / point.");
+    }
+    return record;
+}
+
+RfRecord recordOfRegion(const std::string& dataLine, const RfRegion& region, double xOrigin, const RfPoints& points)
+{
+    RfRecord record = parseRfRecord(dataLine);
+    if (record.name.empty()) {
+        return recordOfPointInside(region, xOrigin, points);
+    }
+    mendFactors(record);
+    return record;
+}
+
+// Where no hyetograph has the name, `number` stays that of the region before; deliberate, control files of old run on.
+void matchRegion(const std::string& name, const RfHyetographs& hyetographs, std::int32_t& number)
+{
+    const std::int32_t found = findHyetograph(name, hyetographs);
+    if (found == 0) {
+        say("ERROR - Could not find rainfall hyetogpraph with name: ", name);
+        return;
+    }
+    number = found;
+}
+
+void writeTables(const GridHeader& grid, const RfPolygonTables& tables)
+{
+    constexpr std::int32_t kDecimals = 3;
+    Grid numbers;
+    if (!numbers.allocate(grid.nrows, grid.ncols)) {
+        failMemory();
+    }
+    std::ranges::transform(tables.index.cells(), numbers.cells().begin(),
+                           [](std::int32_t number) { return static_cast<float>(number); });
+    writeGrid(kFormatAsc, "rf_index", grid, numbers, grid.projectionText, kDecimals);
+    writeGrid(kFormatAsc, "rf_fac", grid, tables.factor, grid.projectionText, kDecimals);
+}
+
+} // namespace
+
+void allocateTables(const GridHeader& grid, RfPolygonTables& tables)
+{
+    if (!tables.index.allocate(grid.nrows, grid.ncols) || !tables.factor.allocate(grid.nrows, grid.ncols)) {
+        failMemory();
+    }
+    std::ranges::fill(tables.index.cells(), truncateToInt(static_cast<double>(grid.null)));
+    std::ranges::fill(tables.factor.cells(), grid.null);
+}
+
+void rf_set_polygons(const std::string& controlFile, const RfPoints& points, const RfHyetographs& hyetographs,
+                     const GridHeader& grid, RfPolygonTables& tables)
+{
+    say("Searching rainfall control file for polygons: ", controlFile);
+    Unit unit = 0;
+    OPENER(unit, "I ", controlFile);
+    std::int32_t number = 0;
+    forEachCommand(unit, [&](const ControlLine& line) {
+        if (!FLAGEXISTS(line.command, "Read GIS RF Polygon")) {
+            return;
+        }
+        forEachRing(line.value, [&](const GisCoordinates& read, const std::string& dataLine) {
+            const auto count = static_cast<std::size_t>(read.np);
+            const RfRegion region = rfRegion(std::span(read.x).first(count), std::span(read.y).first(count));
+            const RfRecord record = recordOfRegion(dataLine, region, grid.xll, points);
+            matchRegion(record.name, hyetographs, number);
+            const std::int64_t shared = paintRegion(region, grid, number, record.f1 * record.f2, tables);
+            for (std::int64_t i = 0; i < shared; ++i) {
+                say("WARNING - Overlapping rainfall areas.");
+            }
+        });
+    });
+    writeTables(grid, tables);
+    say(" Finished reading rainfall polygons.");
+    CLOSER(unit);
+}
+
+} // namespace gridforge

@@ -1,0 +1,222 @@
+#include "rainfall/rainfall.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/names.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "base/units.h"
+#include "grid/writer.h"
+#include "rainfall/control_file.h"
+#include "rainfall/hyetographs.h"
+#include "rainfall/idw.h"
+#include "rainfall/points.h"
+#include "rainfall/polygons.h"
+#include "rainfall/rainfall_nc.h"
+#include "rainfall/steps.h"
+#include "rainfall/triangles.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace gridforge {
+
+namespace {
+
+// --- What a run holds ------------------------------------------------------------------------------------------------
+
+struct Rainfall {
+    std::string controlFile;
+    RfSettings settings;
+    RfHyetographs hyetographs;
+    RfPoints points;
+    GridHeader grid;
+    RfGrids grids;
+    std::int32_t decimals = kDefaultDecimals;
+};
+
+// Works out one time step from what a method has prepared.
+using StepRoutine = std::function<void(std::size_t step)>;
+
+// The figure of a memory line: `bytes` for each cell, in 64 bits.
+void sayMemory(const GridHeader& grid, std::uint64_t bytes)
+{
+    say("Memory required: ", static_cast<std::int64_t>(grid.cells() * bytes) / 1000, "kB");
+}
+
+void allocateGrids(Rainfall& rain)
+{
+    constexpr std::uint64_t kBytes = 8;
+    say("Allocating memory for rainfall depth and cumulative rainfall depth..");
+    sayMemory(rain.grid, kBytes);
+    if (!rain.grids.step.allocate(rain.grid.nrows, rain.grid.ncols) ||
+        !rain.grids.cumulative.allocate(rain.grid.nrows, rain.grid.ncols)) {
+        failMemory();
+    }
+    say("   Done.");
+}
+
+// --- The methods -----------------------------------------------------------------------------------------------------
+
+StepRoutine preparePolygons(Rainfall& rain, RfPolygonTables& tables)
+{
+    constexpr std::uint64_t kBytes = 8;
+    say("Using rainfall polygons.");
+    say("Allocating memory for polygons.");
+    sayMemory(rain.grid, kBytes);
+    allocateTables(rain.grid, tables);
+    say("   Done.");
+    rf_set_polygons(rain.controlFile, rain.points, rain.hyetographs, rain.grid, tables);
+    return [&](std::size_t step) { rf_step_polygon(rain.hyetographs, step, tables, rain.grid.null, rain.grids); };
+}
+
+void writeTriangleNumbers(Rainfall& rain, const RfTinTables& tables)
+{
+    std::ranges::transform(tables.triangle.cells(), rain.grids.step.cells().begin(),
+                           [](std::int32_t number) { return static_cast<float>(number); });
+    writeGrid(kFormatAsc, "rf_giit", rain.grid, rain.grids.step, rain.grid.projectionText, rain.decimals);
+}
+
+StepRoutine prepareTin(Rainfall& rain, RfTinTables& tables)
+{
+    constexpr std::uint64_t kBytes = 20; // with the work array of the crossings
+    constexpr std::int32_t kTinBytes = kMaxRfTriangles * 12 + kMaxRfTinPoints * 24;
+    say("Using rainfall TIN interpolation.");
+    say("Allocating memory for tin interpolation factors.");
+    sayMemory(rain.grid, kBytes);
+    allocateTables(rain.grid, tables);
+    say("   Done.");
+    say("Allocating memory for storing tin.");
+    say("Memory required: ", kTinBytes / 1000, "kB");
+    say("   Done.");
+    rf_match_points(rain.hyetographs, rain.points);
+    const std::vector<RfTriangle> triangles = rf_read_triangles(rain.controlFile, rain.points);
+    const RfTinPoints tinPoints = rfTinPoints(rain.points);
+    rf_tin_factors(triangles, tinPoints, rain.grid, tables);
+    say("   Done.");
+    writeTriangleNumbers(rain, tables);
+    return [&rain, &tables, triangles, tinPoints](std::size_t step) {
+        rf_step_tin(rain.hyetographs, rain.points, step, triangles, tinPoints, tables, rain.grid.null, rain.grids);
+    };
+}
+
+StepRoutine prepareIdw(Rainfall& rain, RfIdwTables& tables)
+{
+    say("Using rainfall IDW interpolation.");
+    const RfIdwMethod method = settleIdwMethod(rain.settings, rain.points.count(), rain.hyetographs.count());
+    say("Allocating memory for IDW interpolation factors.");
+    allocateTables(rain.grid, method, rain.points.count(), tables);
+    say("   Done.");
+    rf_match_points(rain.hyetographs, rain.points);
+    rf_idw_weights(rain.grid, rain.points, tables);
+    return [&](std::size_t step) { rf_step_idw(rain.hyetographs, rain.points, step, tables, rain.grids); };
+}
+
+// --- The outputs -----------------------------------------------------------------------------------------------------
+
+struct Outputs {
+    std::string base;
+    Unit index = 0;
+    RfNcRecord nc;
+};
+
+Outputs openOutputs(const Rainfall& rain)
+{
+    Outputs outputs;
+    outputs.base = FILENAMEPATH(rain.controlFile);
+    OPENER(outputs.index, "O ", join(outputs.base, "_index.csv"));
+    if (rain.settings.format == kFormatNc) {
+        rf_nc_init(join(outputs.base, ".nc"), outputs.nc, rain.grid);
+    }
+    return outputs;
+}
+
+void writeStep(const Rainfall& rain, const Outputs& outputs, std::size_t step, float time)
+{
+    constexpr int kTimeDecimals = 3;
+    if (rain.settings.format == kFormatNc) {
+        putStep(outputs.nc, static_cast<std::int32_t>(step) + 1, time, rain.grids.step);
+        return;
+    }
+    const std::string name = join(outputs.base, "_t", AREAL(time));
+    const std::string extension = rain.settings.format == kFormatAsc ? ".asc" : ".flt";
+    writeLine(outputs.index, join(fixedText(static_cast<double>(time), kTimeDecimals), ",", name, extension));
+    writeGrid(rain.settings.format, name, rain.grid, rain.grids.step, rain.grid.projectionText, rain.decimals);
+}
+
+void writeTotal(const Rainfall& rain, Outputs& outputs)
+{
+    CLOSER(outputs.index);
+    if (rain.settings.format == kFormatNc) {
+        putTotal(outputs.nc, rain.grids.cumulative);
+        closeRainfallNc(outputs.nc);
+        return;
+    }
+    writeGrid(rain.settings.format, join(outputs.base, "_total"), rain.grid, rain.grids.cumulative,
+              rain.grid.projectionText, rain.decimals);
+}
+
+// --- The control file ------------------------------------------------------------------------------------------------
+
+constexpr std::int32_t kDefaultLocations = 100;
+constexpr std::int32_t kDefaultPoints = 100;
+
+void readControlFile(Rainfall& rain)
+{
+    std::int32_t maxLocations = kDefaultLocations;
+    std::int32_t maxPoints = kDefaultPoints;
+    rf_scan_limits(rain.controlFile, maxLocations, maxPoints);
+    // Records are taken as they come: a large maximum costs nothing.
+    say("Allocating memory for rainfall curves...");
+    rain.hyetographs.maxLocations = maxLocations;
+    rain.hyetographs.maxPoints = maxPoints;
+    rain.points.maxLocations = maxLocations;
+    say("   Done");
+    rain.settings = readRfCommands(rain.controlFile, rain.hyetographs, rain.points);
+}
+
+} // namespace
+
+// --- The run ---------------------------------------------------------------------------------------------------------
+
+void runRainfall(const RunSettings& settings, const InputFileList& inputs)
+{
+    say("Rainfall interpolation to grid.");
+    if (inputs.count() > 1) {
+        fail("ERROR - Only one rainfall control file can be specified.");
+    }
+    Rainfall rain;
+    rain.controlFile = inputs[1];
+    rain.decimals = settings.decimals;
+    say("Rainfall control file: ", rain.controlFile);
+    readControlFile(rain);
+    requireSameTimes(rain.hyetographs);
+    rain.grid = settleRfGrid(rain.settings);
+    allocateGrids(rain);
+
+    Outputs outputs = openOutputs(rain);
+    RfPolygonTables polygons;
+    RfTinTables tin;
+    RfIdwTables idw;
+    StepRoutine runStep;
+    switch (rain.settings.method) {
+    case RfMethod::none: break; // the control file does not pass without one
+    case RfMethod::polygon: runStep = preparePolygons(rain, polygons); break;
+    case RfMethod::tin: runStep = prepareTin(rain, tin); break;
+    case RfMethod::idw: runStep = prepareIdw(rain, idw); break;
+    }
+
+    const std::vector<float>& times = rain.hyetographs.records.front().time;
+    for (std::size_t step = 0; step < times.size(); ++step) {
+        say("Processing time: ", AREAL(times[step]));
+        runStep(step);
+        writeStep(rain, outputs, step, times[step]);
+    }
+    writeTotal(rain, outputs);
+}
+
+} // namespace gridforge

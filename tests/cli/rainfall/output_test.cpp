@@ -1,0 +1,120 @@
+// What a run writes, in each format, and where.
+#include "support/ops_consoles.h"
+#include "support/rainfall_files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netcdf.h>
+#include <string>
+
+namespace gridforge::test {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr double n = -999;
+
+const std::string kCase =
+    kRainfallGrid + kTwoHyetographs + "RF Interpolation Method == Poly\nRead GIS RF Polygon == areas.mif\n";
+
+void giveCase(ToolRun& run, const std::string& more)
+{
+    giveRainfall(run, kCase + more);
+    giveRainfallLayer(run, "areas", mifRectangle("110", "200", "130", "220"), "b,1,1\n");
+}
+
+TEST(RainfallOutputCli, BinaryGrids)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveCase(run, "RF Grid Format == flt\n");
+    run.start();
+    EXPECT_GRID(run, "rain_t0..flt", {{n, 10, 10}, {n, 10, 10}});
+    EXPECT_GRID(run, "rain_t0.5.flt", {{n, 20, 20}, {n, 20, 20}});
+    EXPECT_GRID(run, "rain_total.flt", {{0, 30, 30}, {0, 30, 30}});
+    EXPECT_EQ(run.read("rain_index.csv"), "0.000,rain_t0..flt\r\n0.500,rain_t0.5.flt\r\n");
+    // The tables stay text.
+    EXPECT_THAT(run.otherFiles(), ElementsAre("rf_fac.asc", "rf_index.asc"));
+}
+
+TEST(RainfallOutputCli, StandsBesideTheControlFileButForTheTables)
+{
+    ToolRun run("-b -rf in/v1.2/rain.rfc");
+    giveCase(run, "");
+    run.give("in/v1.2/rain.rfc", kCase);
+    run.start();
+    EXPECT_EQ(run.read("in/v1.2/rain_index.csv"), "0.000,in/v1.2/rain_t0..asc\r\n0.500,in/v1.2/rain_t0.5.asc\r\n");
+    EXPECT_THAT(run.changedFiles(),
+                ElementsAre("in/v1.2/rain_index.csv", "in/v1.2/rain_t0..asc", "in/v1.2/rain_t0.5.asc",
+                            "in/v1.2/rain_total.asc", "rf_fac.asc", "rf_index.asc"));
+}
+
+TEST(RainfallOutputCli, NamesStepsByTheTimeAsNumbersArePrinted)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveCase(run, "");
+    run.give("a.csv", "t\n-1.5,1\n0.001,1\n12.3456,1\n1000,1\n1e9,1\n");
+    run.give("b.csv", "t\n-1.5,1\n0.001,1\n12.3456,1\n1000,1\n1e9,1\n");
+    run.start();
+    EXPECT_THAT(run.read("rain_index.csv"),
+                "-1.500,rain_t-1.5.asc\r\n0.001,rain_t0.001.asc\r\n12.346,rain_t12.35.asc\r\n"
+                "1000.000,rain_t1000..asc\r\n1000000000.000,rain_t1000000000..asc\r\n");
+    EXPECT_TRUE(run.has("rain_t12.35.asc"));
+    EXPECT_TRUE(run.has("rain_t1000000000..asc"));
+}
+
+TEST(RainfallOutputCli, NetcdfHasNoGridsBesideIt)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveCase(run, "RF Grid Format == NC\n");
+    run.start();
+    EXPECT_EQ(run.error(), "");
+    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file rain_index.csv...OK.  File Unit:1001",
+                               "Opening output .nc file: rain.nc", "Created NETCDF file \"rain.nc\"",
+                               "Finished initialising netcdf file.", "Using rainfall polygons."});
+    EXPECT_CONSOLE_HOLDS(run, {"Processing time: 0.", "Processing time: 0.5", "...Closed File Unit:1001", "Finished."});
+    EXPECT_EQ(run.read("rain_index.csv"), "");
+    EXPECT_THAT(run.changedFiles(), ElementsAre("rain.nc", "rain_index.csv", "rf_fac.asc", "rf_index.asc"));
+}
+
+TEST(RainfallOutputCli, NetcdfThatCannotBeCreatedEndsTheRun)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveCase(run, "RF Grid Format == NC\n");
+    run.give("rain.nc/in_the_way", ""); // a folder with the name of the output
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_CONSOLE_HOLDS(run, {"Opening output .nc file: rain.nc", "ERROR - With nectdf call nf90_create",
+                               "Netcdf error message: Is a directory", "", "Press Enter to Close"});
+}
+
+TEST(RainfallOutputCli, NetcdfWithoutColumnsIsRefusedByTheLibrary)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveCase(run, "RF Grid Format == NC\nRF GRID Size (X,Y) == 20, 2\n");
+    run.start();
+    // A length of 0 makes the first dimension the unlimited one, and there is only one of that.
+    EXPECT_CONSOLE_HOLDS(run, {"Created NETCDF file \"rain.nc\"", "ERROR - With nectdf call nf90_def_dim(time)",
+                               std::string("Netcdf error message: ") + nc_strerror(NC_EUNLIMIT)});
+}
+
+TEST(RainfallOutputCli, AnIndexThatCannotBeOpenedEndsWithTheDialogue)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveCase(run, "");
+    run.give("rain_index.csv/in_the_way", "");
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_TRUE(run.says("Press Enter to Close"));
+    EXPECT_FALSE(run.has("rf_index.asc"));
+}
+
+TEST(RainfallOutputCli, ARunWithoutBatchWaitsAtTheEnd)
+{
+    ToolRun run("-rf rain.rfc");
+    giveCase(run, "");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, normalEnd());
+}
+
+} // namespace
+} // namespace gridforge::test

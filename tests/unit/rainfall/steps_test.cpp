@@ -1,0 +1,108 @@
+#include "rainfall/steps.h"
+
+#include "unit/rainfall/plain_rainfall.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace gridforge::test {
+namespace {
+
+class RainfallSteps : public testing::Test {
+protected:
+    RainfallSteps() : grid(rainfallGrid(13, 17, 100, 200, 10.0F))
+    {
+        for (int h = 0; h < 7; ++h) {
+            RfHyetograph hyetograph;
+            for (int t = 0; t < 3; ++t) {
+                hyetograph.time.push_back(static_cast<float>(t));
+                hyetograph.depth.push_back(some() * 30.0F);
+            }
+            hyetographs.records.push_back(hyetograph);
+        }
+        for (int p = 0; p < 5; ++p) {
+            RfPoint point;
+            point.record = {"", 0.2F + some(), 0.2F + some()};
+            point.x = 100.0 + static_cast<double>(some()) * 170;
+            point.y = 200.0 + static_cast<double>(some()) * 130;
+            point.hyetograph = 1 + static_cast<std::int32_t>(random() % 7);
+            points.records.push_back(point);
+        }
+        for (RfGrids* grids : {&fast, &plain}) {
+            EXPECT_TRUE(grids->step.allocate(grid.nrows, grid.ncols));
+            EXPECT_TRUE(grids->cumulative.allocate(grid.nrows, grid.ncols));
+        }
+        std::ranges::fill(fast.step.cells(), 77.0F); // what a step before has left
+    }
+
+    float some() { return static_cast<float>(random() % 10007) / 10007.0F; }
+
+    void expectSame(std::size_t step)
+    {
+        EXPECT_TRUE(sameCellBits(fast.step, plain.step)) << step;
+        EXPECT_TRUE(sameCellBits(fast.cumulative, plain.cumulative)) << step;
+    }
+
+    std::mt19937 random{3};
+    GridHeader grid;
+    RfHyetographs hyetographs;
+    RfPoints points;
+    RfGrids fast;
+    RfGrids plain;
+};
+
+TEST_F(RainfallSteps, OfPolygonsAreThoseOfThePlainLoop)
+{
+    RfPolygonTables tables;
+    allocateTables(grid, tables);
+    for (std::size_t i = 0; i < grid.cells(); ++i) {
+        const std::int32_t index = static_cast<std::int32_t>(random() % 9) - 1;
+        tables.index.cells()[i] = index < 0 ? -999 : index; // 0 too
+        tables.factor.cells()[i] = some() * 2.0F;
+    }
+    for (std::size_t step = 0; step < 3; ++step) {
+        rf_step_polygon(hyetographs, step, tables, -999.0F, fast);
+        stepPolygonPlainly(hyetographs, step, tables, plain);
+        expectSame(step);
+    }
+}
+
+TEST_F(RainfallSteps, OfTrianglesAreThoseOfThePlainLoop)
+{
+    const std::vector<RfTriangle> triangles{{1, 2, 3}, {3, 4, 5}, {5, 1, 1}};
+    const RfTinPoints tinPoints = rfTinPoints(points);
+    RfTinTables tables;
+    allocateTables(grid, tables);
+    for (std::size_t i = 0; i < grid.cells(); ++i) {
+        tables.triangle.cells()[i] = static_cast<std::int32_t>(random() % 4);
+        tables.ratioA.cells()[i] = some();
+        tables.ratioB.cells()[i] = some();
+    }
+    for (std::size_t step = 0; step < 3; ++step) {
+        rf_step_tin(hyetographs, points, step, triangles, tinPoints, tables, -999.0F, fast);
+        stepTinPlainly(hyetographs, points, step, triangles, tables, plain);
+        expectSame(step);
+    }
+}
+
+TEST_F(RainfallSteps, OfDistancesAreThoseOfThePlainLoop)
+{
+    for (const RfIdwMethod& method : {RfIdwMethod{true, 5, -99.0F, 2.0F}, RfIdwMethod{true, 7, 60.0F, 2.0F},
+                                      RfIdwMethod{false, 3, -99.0F, 1.5F}, RfIdwMethod{false, 4, 60.0F, 2.0F}}) {
+        for (RfGrids* grids : {&fast, &plain}) {
+            std::ranges::fill(grids->cumulative.cells(), 0.0F);
+        }
+        RfIdwTables tables;
+        allocateTables(grid, method, points.count(), tables);
+        rf_idw_weights(grid, points, tables);
+        const PlainIdw plainTables = weighPlainly(grid, points, method);
+        for (std::size_t step = 0; step < 3; ++step) {
+            rf_step_idw(hyetographs, points, step, tables, fast);
+            stepIdwPlainly(hyetographs, points, step, plainTables, method.useAll, plain);
+            expectSame(step);
+        }
+    }
+}
+
+} // namespace
+} // namespace gridforge::test
