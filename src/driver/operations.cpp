@@ -2,6 +2,8 @@
 
 #include "base/ends.h"
 #include "damages/damages.h"
+#include "network/nbc.h"
+#include "network/xs.h"
 #include "ops/classify.h"
 #include "ops/conv.h"
 #include "ops/count.h"
@@ -48,8 +50,8 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"cp",        [](const S& s) { return s.cp; },             runCalibrationPoints},
     {"lp",        [](const S& s) { return s.lp; },             runLongProfile},
     {"brkline",   [](const S& s) { return s.brkline; },        nullptr},
-    {"xs",        [](const S& s) { return s.xs; },             nullptr},
-    {"nbc",       [](const S& s) { return s.nbc; },            nullptr},
+    {"xs",        [](const S& s) { return s.xs; },             runXs},
+    {"nbc",       [](const S& s) { return s.nbc; },            runNbc},
     {"na",        [](const S& s) { return s.na; },             nullptr},
     {"multiply",  [](const S& s) { return s.multiply; },       runMultiply},
     {"xyz",       [](const S& s) { return s.xyz; },            runXyz},

@@ -1,0 +1,103 @@
+#include "network/flc.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "base/region_rows.h"
+#include "base/text.h"
+#include "gis/layer_objects.h"
+#include "gis/layers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::int32_t kMaxReadVertices = 1000000;
+constexpr float kLeastValue = 0.0001F;
+
+float valueOf(const std::string& dataLine)
+{
+    float value = 0;
+    if (!readFree(dataLine, value)) {
+        say("ERROR - Reading following line in 1d_FLC file:");
+        fail(dataLine);
+    }
+    return value;
+}
+
+void prepare(const GisO& gisO, const GisCoordinates& read, PreparedRegion& region)
+{
+    const std::span<const double> x(read.x.data(), static_cast<std::size_t>(read.np));
+    const std::span<const double> y(read.y.data(), static_cast<std::size_t>(read.np));
+    const double xmin = x.empty() ? 0.0 : *std::ranges::min_element(x);
+    prepareRegion(x, y, read.np, xmin, gisO.ir, gisO.nr, region);
+}
+
+// The places of the lines that start in the region; a line without vertices starts at 0, 0.
+std::vector<std::size_t> linesFrom(const PreparedRegion& region, const NbcLines& lines)
+{
+    std::vector<std::size_t> found;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const bool empty = lines[i].x.empty();
+        if (insideRegion(region, empty ? 0.0 : lines[i].x.front(), empty ? 0.0 : lines[i].y.front())) {
+            found.push_back(i);
+        }
+    }
+    return found;
+}
+
+void addLoss(float value, const std::vector<std::size_t>& starting, NbcLines& lines)
+{
+    float share = 0;
+    if (value > kLeastValue) {
+        share = value / static_cast<float>(starting.size());
+    } else if (value < -kLeastValue) {
+        share = std::abs(value);
+    } else {
+        fail("ERROR - No FLC value specified on region.");
+    }
+    for (const std::size_t i : starting) {
+        lines[i].formLoss += share;
+    }
+}
+
+} // namespace
+
+void nbc_read_flc(const std::string& fileName, NbcLines& lines)
+{
+    say("Opening FLC file ", fileName);
+    std::int32_t gisID = gisOpenLayer(fileName, "", "I ");
+    gisReadHeader(gisID);
+    say("Loading FLC polygons from from ", fileName);
+    say("Searching for region objects...");
+    GisCoordinates read;
+    PreparedRegion region;
+    std::int32_t regions = 0;
+    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
+        if (!gisO.region) {
+            return;
+        }
+        if (gisO.nr > 1) {
+            fail("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.");
+        }
+        gisReadObject(gisID, gisO, read, kMaxReadVertices);
+        say("Region ", ++regions, " with ", read.np, " nodes...");
+        const float value = valueOf(dataLine);
+        prepare(gisO, read, region);
+        const std::vector<std::size_t> starting = linesFrom(region, lines);
+        if (starting.empty()) {
+            say("WARNING - No network lines start within region object.");
+            say("  XY of first polygon vertex is: ", AREAL8(read.x[0]), ", ", AREAL8(read.y[0]));
+        }
+        addLoss(value, starting, lines);
+    });
+    gisCloseLayer(gisID);
+}
+
+} // namespace gridforge

@@ -1,0 +1,254 @@
+#include "network/nbc.h"
+
+#include "base/console.h"
+#include "base/control_lines.h"
+#include "base/ends.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "base/units.h"
+#include "gis/layers.h"
+#include "gis/projection.h"
+#include "network/extract.h"
+#include "network/flc.h"
+#include "network/insert_vertices.h"
+#include "network/match.h"
+#include "network/read_layers.h"
+#include "network/records.h"
+#include "network/split.h"
+#include "network/write_nwk.h"
+#include "network/write_xs.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+
+namespace {
+
+// What the control file has set and read so far.
+struct Build {
+    NbcSections sections;
+    NbcBranches branches;
+    NbcConnectors connectors;
+    std::vector<std::string> flcFiles;
+    std::int32_t gisInputs = 0;
+
+    bool materials = false;
+    bool bendiness = false;
+    bool writeXs = true;
+    bool writeNwk = true;
+    bool writeCheck = false;
+    std::string outputNwk; // blank: a layer for each branch layer
+    std::string outputXs;
+    float bufferDistance = 0; // without further use
+    float flcPerUnitLength = 0;
+};
+
+// A command line of the file; the value is left-trimmed.
+struct ControlLine {
+    std::string whole;
+    std::string command;
+    std::string value;
+};
+
+float readReal(const ControlLine& line)
+{
+    float value = 0;
+    if (!readFree(line.value, value)) {
+        say("ERROR - Reading following line in .nbc file:");
+        fail(line.whole);
+    }
+    return value;
+}
+
+// --- Commands that read layers ---------------------------------------------------------------------------------------
+
+// The outputs take the projection of the first layer.
+void countGisInput(const std::string& layerName, Build& build)
+{
+    if (++build.gisInputs == 1) {
+        get_projection(layerName, gisCoordSysLine(), gisPrjLine());
+    } else {
+        say("Projection check not yet implemented.");
+    }
+}
+
+void readBranches(const ControlLine& line, Build& build)
+{
+    countGisInput(line.value, build);
+    nbc_read_branches(line.value, build.branches, build.connectors);
+}
+
+void readSections(const ControlLine& line, Build& build)
+{
+    countGisInput(line.value, build);
+    nbc_read_sections(line.value, build.sections);
+}
+
+void keepFlcFile(const ControlLine& line, Build& build)
+{
+    if (build.flcFiles.size() == static_cast<std::size_t>(kMaxFlcFiles)) {
+        fail("ERROR - More than ", kMaxFlcFiles, " FLC files specified.");
+    }
+    build.flcFiles.push_back(line.value);
+}
+
+// --- Commands on the points of the sections --------------------------------------------------------------------------
+
+void requireSections(const Build& build)
+{
+    if (build.sections.all.empty()) {
+        fail("ERROR - Set XS used before any cross-sections have been read.");
+    }
+}
+
+void setSpacing(const ControlLine& line, Build& build)
+{
+    requireSections(build);
+    const float spacing = readReal(line);
+    say("nbc>> - Read default xs vertex spacing of ", AREAL(spacing));
+    nbc_insert_vertices(build.sections, spacing, {});
+}
+
+void setMaterial(const ControlLine& line, Build& build)
+{
+    build.materials = true;
+    requireSections(build);
+    const float material = readReal(line);
+    say("nbc>> - Setting material value for all ", build.sections.all.size(), " sections to ", AREAL(material));
+    for (NbcSection& section : build.sections.all) {
+        std::ranges::fill(section.pointMaterial, material);
+    }
+    say("   Done.");
+}
+
+void setElevation(const ControlLine& line, Build& build)
+{
+    requireSections(build);
+    const float elevation = readReal(line);
+    say("nbc>> - Setting elevations for all ", build.sections.all.size(), " sections to ", AREAL(elevation));
+    for (NbcSection& section : build.sections.all) {
+        std::ranges::fill(section.pointZ, elevation);
+    }
+    say("   Done.");
+}
+
+void readElevations(const ControlLine& line, Build& build)
+{
+    nbc_read_grid(line.value, build.sections, PointValue::elevation);
+}
+
+void readMaterials(const ControlLine& line, Build& build)
+{
+    build.materials = true;
+    nbc_read_grid(line.value, build.sections, PointValue::material);
+}
+
+// --- The control file ------------------------------------------------------------------------------------------------
+
+struct Command {
+    std::string_view key; // stands anywhere in the command
+    void (*run)(const ControlLine& line, Build& build);
+};
+
+// In the order in which they are tried.
+constexpr std::array<Command, 19> kCommands = {{
+    {"Read GIS Branch", readBranches},
+    {"Read MI Branch", readBranches},
+    {"Read GIS XS", readSections},
+    {"Read MI XS", readSections},
+    {"Read GIS FLC", keepFlcFile},
+    {"Read MI FLC", keepFlcFile},
+    {"Set XS dx", setSpacing},
+    {"Set XS Mat", setMaterial},
+    {"Set XS Z", setElevation},
+    {"Read Grid Z", readElevations},
+    {"Read Grid Mat", readMaterials},
+    {"Branch Bendiness",
+     [](const ControlLine& line, Build& build) { build.bendiness = build.bendiness || ASAME(line.value, "On"); }},
+    {"Write XS",
+     [](const ControlLine& line, Build& build) { build.writeXs = build.writeXs && !ASAME(line.value, "Off"); }},
+    {"Write NWK",
+     [](const ControlLine& line, Build& build) { build.writeNwk = build.writeNwk && !ASAME(line.value, "Off"); }},
+    {"Output Nwk", [](const ControlLine& line, Build& build) { build.outputNwk = line.value; }},
+    {"Output XS", [](const ControlLine& line, Build& build) { build.outputXs = line.value; }},
+    {"Set XS Buffer Distance", [](const ControlLine& line, Build& build) { build.bufferDistance = readReal(line); }},
+    {"FLC per Unit Length", [](const ControlLine& line, Build& build) { build.flcPerUnitLength = readReal(line); }},
+    {"Write Check",
+     [](const ControlLine& line, Build& build) { build.writeCheck = build.writeCheck || ASAME(line.value, "On"); }},
+}};
+
+// Commands that nobody knows are passed over without a word.
+void runCommand(const ControlLine& line, Build& build)
+{
+    const auto* const found =
+        std::ranges::find_if(kCommands, [&](const Command& command) { return FLAGEXISTS(line.command, command.key); });
+    if (found != kCommands.end()) {
+        found->run(line, build);
+    }
+}
+
+void readControlFile(const std::string& name, Build& build)
+{
+    say("Opening input .nbc file: ", name);
+    Unit unit = 0;
+    OPENER(unit, "I ", name);
+    ControlLine line;
+    while (!atEnd(unit)) {
+        if (READLINE(unit, line.whole) && CHECKLINE(line.whole, "*", "==", 0, line.value, line.command)) {
+            line.value = trim(line.value);
+            runCommand(line, build);
+        }
+    }
+    CLOSER(unit);
+}
+
+void writeSections(const std::string& controlFile, Build& build)
+{
+    nbc_match_sections(build.branches, build.sections);
+    nbc_write_xs(build.sections, build.materials, build.writeXs, !build.outputXs.empty(), build.outputXs);
+    if (build.writeXs) {
+        nbc_write_csv(build.sections, build.materials);
+    }
+    if (build.writeCheck) {
+        nbc_write_check(build.sections, build.materials, cut(controlFile + "_check.mif", kNameWidth));
+    }
+}
+
+void writeNetwork(Build& build)
+{
+    NbcLines lines = createLines(build.branches, build.connectors);
+    for (const std::string& flcFile : build.flcFiles) {
+        nbc_read_flc(flcFile, lines);
+    }
+    // No length enters, in spite of the command's name: readers of the layer take the value as it stands.
+    if (build.flcPerUnitLength > 0.0F) {
+        for (NbcLine& line : lines) {
+            line.exitLoss = build.flcPerUnitLength;
+        }
+    }
+    if (build.writeNwk) {
+        nbc_write_nwk(lines, build.branches, build.bendiness, !build.outputNwk.empty(), build.outputNwk);
+    }
+}
+
+} // namespace
+
+void runNbc(const RunSettings& /*settings*/, const InputFileList& inputs)
+{
+    say("Processing .nbc File... ");
+    if (inputs.count() > 1) {
+        fail("ERROR - Only one .nbc file can be specified.");
+    }
+    Build build;
+    build.sections = createSections();
+    build.branches = createBranches();
+    readControlFile(inputs[1], build);
+    writeSections(inputs[1], build);
+    writeNetwork(build);
+}
+
+} // namespace gridforge

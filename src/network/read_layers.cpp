@@ -1,0 +1,289 @@
+#include "network/read_layers.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/geometry.h"
+#include "base/names.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "gis/layer_objects.h"
+#include "gis/layers.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::int32_t kMaxReadVertices = 1000000;
+constexpr std::int32_t kPlainBranchAttributes = 4;
+constexpr std::int32_t kTabAttributes = 12;
+constexpr float kLeastRoughness = 0.0001F;
+constexpr std::size_t kFlagTextWidth = 12;
+constexpr std::size_t kMethodWidth = 20;
+
+std::int32_t openLayer(const std::string& name)
+{
+    const std::int32_t gisID = gisOpenLayer(name, "", "I ");
+    gisReadHeader(gisID);
+    return gisID;
+}
+
+// --- Attribute lines -------------------------------------------------------------------------------------------------
+
+// The values of a line in their order. An empty one leaves its target; the first that cannot be read spoils the rest.
+class AttributeLine {
+public:
+    explicit AttributeLine(std::string_view line) : values_(line) {}
+
+    AttributeLine& text(std::string& target, std::size_t width)
+    {
+        target.clear();
+        return note(good_ ? values_.nextText(target, width) : FreeValue::end);
+    }
+    AttributeLine& real(float& target)
+    {
+        target = 0;
+        return note(good_ ? values_.next(target) : FreeValue::end);
+    }
+    bool isGood() const { return good_; }
+
+private:
+    AttributeLine& note(FreeValue got)
+    {
+        good_ = good_ && (got == FreeValue::value || got == FreeValue::empty);
+        return *this;
+    }
+
+    FreeForm values_;
+    bool good_ = true;
+};
+
+struct BranchAttributes {
+    std::string name;
+    float roughness = 0;
+    std::string flag;
+    float formLoss = 0;
+    std::string type;
+};
+
+BranchAttributes parseBranch(const std::string& dataLine, bool withType)
+{
+    BranchAttributes read;
+    AttributeLine line(dataLine);
+    line.text(read.name, kLineWidth).real(read.roughness).text(read.flag, 1).real(read.formLoss);
+    if (withType) {
+        line.text(read.type, kTypeWidth);
+    }
+    if (!line.isGood()) {
+        failDataLine(dataLine);
+    }
+    if (trim(read.type).empty()) {
+        read.type = "S";
+    }
+    return read;
+}
+
+bool isOneOf(std::string_view text, std::string_view letter1, std::string_view letter2)
+{
+    return ASAME(text, letter1) || ASAME(text, letter2);
+}
+
+bool parseCutLine(const std::string& dataLine, NbcSection& section)
+{
+    std::string split;
+    std::string extract;
+    AttributeLine line(dataLine);
+    line.text(section.source, kSourceWidth).real(section.distance);
+    line.text(split, kFlagTextWidth).text(extract, kFlagTextWidth);
+    line.text(section.extractionMethod, kMethodWidth).text(section.bufferMethod, kMethodWidth);
+    line.real(section.bufferDistance);
+    // Only the single letters count: "False" stays true. Deliberate, layers of old hold such words.
+    section.split = !isOneOf(split, "N", "F");
+    section.extract = !isOneOf(extract, "N", "F");
+    return line.isGood();
+}
+
+// The skew behind these values is not read.
+bool parseTabLine(const std::string& dataLine, NbcSection& section)
+{
+    AttributeLine line(dataLine);
+    line.text(section.source, kSourceWidth).text(section.type, kSectionTypeWidth);
+    line.text(section.flags, kSectionFlagsWidth);
+    for (std::string& column : section.column) {
+        line.text(column, kColumnWidth);
+    }
+    line.real(section.distance).real(section.zMaximum);
+    return line.isGood();
+}
+
+// --- Vertices --------------------------------------------------------------------------------------------------------
+
+void copyVertices(const GisCoordinates& read, std::vector<double>& x, std::vector<double>& y)
+{
+    const auto count = static_cast<std::ptrdiff_t>(std::max(read.np, 0));
+    x.assign(read.x.begin(), read.x.begin() + count);
+    y.assign(read.y.begin(), read.y.begin() + count);
+}
+
+void requirePolyline(const GisCoordinates& read)
+{
+    if (read.np > kMaxPolylineVertices) {
+        fail("ERROR - Number of vertices in polyline exceeds maximum: ", kMaxPolylineVertices);
+    }
+}
+
+// --- Branches --------------------------------------------------------------------------------------------------------
+
+void addConnector(const GisCoordinates& read, std::int32_t layer, NbcConnectors& connectors)
+{
+    if (connectors.size() == static_cast<std::size_t>(kMaxConnectors)) {
+        fail("ERROR - More than the allowed number of x connectors.  Maximmum: ", kMaxConnectors);
+    }
+    if (read.np > kMaxConnectorVertices) {
+        fail("ERROR - Number of vertices in x connector exceeds maximum: ", kMaxConnectorVertices);
+    }
+    NbcConnector& connector = connectors.emplace_back();
+    connector.layer = layer;
+    copyVertices(read, connector.x, connector.y);
+    say("Polyline ", connectors.size(), " is an \"x\" connector.");
+}
+
+void addBranch(const BranchAttributes& attributes, const GisCoordinates& read, NbcBranches& branches)
+{
+    if (branches.all.size() == static_cast<std::size_t>(kMaxBranches)) {
+        fail("ERROR - More than the allowed number of branches.  Maximmum branches: ", kMaxBranches);
+    }
+    NbcBranch& branch = branches.all.emplace_back();
+    branch.name = cut(attributes.name, kBranchNameWidth);
+    branch.roughness = attributes.roughness;
+    if (branch.roughness < kLeastRoughness) {
+        branch.roughness = 1.0F;
+        say("WARNING - Branch Roughness less than or equal to 0 setting to 1.");
+    }
+    branch.flag = isOneOf(attributes.flag, "F", "N") ? 'F' : 'T';
+    branch.formLoss = attributes.formLoss;
+    branch.type = attributes.type;
+    requirePolyline(read);
+    copyVertices(read, branch.x, branch.y);
+    branch.layer = static_cast<std::int32_t>(branches.layerNames.size());
+    branches.mostVertices = std::max(branches.mostVertices, branch.vertices());
+    say("Polyline ", branches.all.size(), " with name ", quoted(branch.name));
+}
+
+void measure(NbcBranches& branches)
+{
+    say("Extracting distances for branches...");
+    for (NbcBranch& branch : branches.all) {
+        branch.chainage.assign(branch.x.size(), 0.0F);
+        for (std::size_t v = 1; v < branch.x.size(); ++v) {
+            branch.chainage[v] =
+                branch.chainage[v - 1] + DISTANCE_8(branch.x[v - 1], branch.y[v - 1], branch.x[v], branch.y[v]);
+        }
+    }
+    say("    Done.");
+    say("Extracting extents...");
+    for (NbcBranch& branch : branches.all) {
+        branch.extent = extentOf(branch.x, branch.y);
+    }
+    say("    Done.");
+}
+
+void announceCutLines()
+{
+    say("Less than 12 attributes, expecting cut lines with the following attribute:");
+    say("    Name - Optional name for output file");
+    say("    Distance - Optional distance along the line for sampling from grids");
+    say("    Split_TF - True / False for splitting branch, set to false for centre sections");
+    say("    Extract_TF- True / False for extracting section, set to false to skip");
+    say("    Extraction_Method - min, max or average");
+    say("    Buffer_Method - Optional method for extracting values from grid: point {default}, buffer and "
+        "perpendicular");
+    say("    Buffer_Dist - Distance for use with buffer or perpendicular options.");
+}
+
+} // namespace
+
+NbcSections createSections()
+{
+    say("Initialising cross-section array...");
+    say("   Done.");
+    return {};
+}
+
+NbcBranches createBranches()
+{
+    say("Initialising branches...");
+    say("   Done.");
+    return {};
+}
+
+void nbc_read_branches(const std::string& layerName, NbcBranches& branches, NbcConnectors& connectors)
+{
+    branches.layerNames.push_back(layerName);
+    const auto layer = static_cast<std::int32_t>(branches.layerNames.size());
+    say("Getting Branches from ", layerName);
+    std::int32_t gisID = openLayer(layerName);
+    const bool withType = gisNumberAttributes(gisID) > kPlainBranchAttributes;
+    if (withType) {
+        say("More than four attributes - assuming 5th attribute is channel type.");
+        say("  This cahouls be a character attribute with a maximum of 4 characters.");
+    }
+    say("Searching for Lines and Polylines...");
+    GisCoordinates read;
+    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
+        if (!isLineObject(gisO)) {
+            return;
+        }
+        gisReadObject(gisID, gisO, read, kMaxReadVertices);
+        const BranchAttributes attributes = parseBranch(dataLine, withType);
+        if (ASAME(attributes.name, "x")) {
+            addConnector(read, layer, connectors);
+        } else {
+            addBranch(attributes, read, branches);
+        }
+    });
+    gisCloseLayer(gisID);
+    measure(branches);
+}
+
+void nbc_read_sections(const std::string& layerName, NbcSections& sections)
+{
+    sections.layerNames.push_back(layerName);
+    sections.csvFolders.push_back(FILEFOLDERPATH(layerName));
+    say("Opening cross-section file ", layerName);
+    std::int32_t gisID = openLayer(layerName);
+    const bool isTab = gisNumberAttributes(gisID) >= kTabAttributes;
+    if (isTab) {
+        say("Found 12 or more attributes, expecting GIS layer to be in 1d_tab format.");
+    } else {
+        announceCutLines();
+    }
+    say("Loading cross-sections from ", layerName);
+    say("Searching for Lines and Polylines...");
+    GisCoordinates read;
+    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
+        if (!isLineObject(gisO)) {
+            return;
+        }
+        gisReadObject(gisID, gisO, read, kMaxReadVertices);
+        if (sections.all.size() == static_cast<std::size_t>(kMaxSections)) {
+            fail("ERROR - More than the allowed number of sections of: ", kMaxSections);
+        }
+        NbcSection& section = sections.all.emplace_back();
+        if (!(isTab ? parseTabLine(dataLine, section) : parseCutLine(dataLine, section))) {
+            say("ERROR - Reading following line in 1d_xs file:");
+            fail(dataLine);
+        }
+        requirePolyline(read);
+        copyVertices(read, section.x, section.y);
+        section.extent = extentOf(section.x, section.y);
+        section.layer = static_cast<std::int32_t>(sections.layerNames.size());
+    });
+    say("Found ", sections.all.size(), " cross-sections.");
+    gisCloseLayer(gisID);
+}
+
+} // namespace gridforge

@@ -1,0 +1,247 @@
+#include "network/write_xs.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/geometry.h"
+#include "base/names.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "base/units.h"
+#include "gis/layers.h"
+#include "network/layer_names.h"
+#include "network/layer_output.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::string_view kCsvFolder = "csv\\";
+constexpr std::string_view kCsvExtension = ".csv";
+
+// --- The name of a section's table -----------------------------------------------------------------------------------
+
+void addExtension(NbcSection& section)
+{
+    const std::string& source = section.source;
+    const std::size_t tail = source.size() - std::min(source.size(), kCsvExtension.size());
+    if (!ASAME(source.substr(tail), kCsvExtension)) {
+        section.source = cut(source + std::string(kCsvExtension), kSourceWidth);
+    }
+}
+
+// Gives a section without a source one after the branch that it meets; false where there is none.
+bool settleSource(NbcSection& section)
+{
+    constexpr std::int32_t kDecimals = 3;
+    if (trim(section.source).empty()) {
+        if (!section.snapped && !section.intersected) {
+            return false;
+        }
+        section.source =
+            cut(join(kCsvFolder, section.branchName, "_", AREALD(section.chainage, kDecimals), kCsvExtension),
+                kSourceWidth);
+    }
+    addExtension(section);
+    return true;
+}
+
+void reportNoSource(std::size_t place, std::string_view indent)
+{
+    say("ERROR - Cross-section must either have a source specified or cross a branch.");
+    say(indent, "Cross-section number  = ", place + 1);
+}
+
+// --- The layer -------------------------------------------------------------------------------------------------------
+
+void defineAttributes()
+{
+    GisOutputAttributes& attributes = gisOutputAttributes();
+    attributes.clear();
+    attributes.add("Source", "Char", kSourceWidth);
+    attributes.add("Type", "Char", kSectionTypeWidth);
+    attributes.add("Flags", "Char", kSectionFlagsWidth);
+    for (int i = 1; i <= 6; ++i) {
+        attributes.add(join("Column_", i), "Char", kColumnWidth);
+    }
+    attributes.add("Z_Increment", "Float");
+    attributes.add("Z_Maximum", "Float");
+    attributes.add("Skew", "Float");
+}
+
+std::string recordOf(const NbcSection& section)
+{
+    constexpr double kSkew = 0;
+    std::string record = join(quoted(section.source), ",", quoted(section.type), ",", quoted(section.flags), ",");
+    for (const std::string& column : section.column) {
+        record += join(quoted(column), ",");
+    }
+    return record + join(threeDecimals(static_cast<double>(section.distance)), ",",
+                         threeDecimals(static_cast<double>(section.zMaximum)), ",", threeDecimals(kSkew));
+}
+
+// A section that crosses a branch has the crossing among its vertices.
+void writeSection(std::int32_t gisID, const NbcSection& section)
+{
+    std::vector<double> x = section.x;
+    std::vector<double> y = section.y;
+    if (section.intersected) {
+        const auto before = static_cast<std::ptrdiff_t>(section.sectionVertex - 1);
+        x.insert(x.begin() + before, section.meetingX);
+        y.insert(y.begin() + before, section.meetingY);
+    }
+    writePolylineObject(gisID, x, y, recordOf(section));
+}
+
+// The extracted sections that `belongs` picks, to a layer or, without a name, to none. Sections without a name for their
+// table are all told before they end the run.
+template <typename Belongs>
+void writeLayer(NbcSections& sections, const std::string* name, Belongs belongs)
+{
+    defineAttributes();
+    std::int32_t gisID = name != nullptr ? openOutputLayer(*name, "L") : 0;
+    bool errors = false;
+    for (std::size_t i = 0; i < sections.all.size(); ++i) {
+        NbcSection& section = sections.all[i];
+        if (!section.extract || !belongs(section)) {
+            continue;
+        }
+        if (!settleSource(section)) {
+            reportNoSource(i, "    ");
+            errors = true;
+        } else if (gisID > 0) {
+            writeSection(gisID, section);
+        }
+    }
+    if (errors) {
+        fail("ERRORs found - See above for further information.");
+    }
+    if (gisID > 0) {
+        gisCloseLayer(gisID);
+    }
+}
+
+// --- The table -------------------------------------------------------------------------------------------------------
+
+std::string materialText(float material, MaterialNumber number)
+{
+    const auto value = static_cast<double>(material);
+    return AINTEGER(number == MaterialNumber::rounded ? roundToInt(value) : truncateToInt(value));
+}
+
+std::string valueAt(const std::vector<float>& values, std::size_t i)
+{
+    return threeDecimals(i < values.size() ? static_cast<double>(values[i]) : 0.0);
+}
+
+} // namespace
+
+void nbc_write_xs_single(NbcSections& sections, const std::string& name)
+{
+    say("Writing 1d_xs file.");
+    defineAttributes();
+    std::int32_t gisID = openOutputLayer(name, "L");
+    for (std::size_t i = 0; i < sections.all.size(); ++i) {
+        NbcSection& section = sections.all[i];
+        if (!section.extract) {
+            continue;
+        }
+        if (!settleSource(section)) {
+            reportNoSource(i, "");
+            EXITS();
+        }
+        writeSection(gisID, section);
+    }
+    gisCloseLayer(gisID);
+    say("Finished writing 1d_xs file.");
+}
+
+void nbc_write_xs(NbcSections& sections, bool materials, bool writeFlag, bool outputGiven,
+                  const std::string& outputName)
+{
+    if (materials) {
+        for (NbcSection& section : sections.all) {
+            section.flags = "M";
+        }
+    }
+    if (outputGiven) {
+        say("Using user-specified output file: ", outputName);
+        for (std::string& folder : sections.csvFolders) {
+            folder = FILEFOLDERPATH(outputName);
+        }
+        writeLayer(sections, writeFlag ? &outputName : nullptr, [](const NbcSection&) { return true; });
+    } else {
+        say("Writing ", sections.layerNames.size(), ", 1d_xs files.");
+        for (std::size_t k = 0; k < sections.layerNames.size(); ++k) {
+            const std::string name = xsLayerName(sections.layerNames[k]);
+            const auto layer = static_cast<std::int32_t>(k + 1);
+            writeLayer(sections, writeFlag ? &name : nullptr,
+                       [layer](const NbcSection& section) { return section.layer == layer; });
+        }
+    }
+    say("Finished writing 1d_xs files.");
+}
+
+void writeSectionTable(const std::string& name, const NbcSection& section, bool materials, MaterialNumber number)
+{
+    Unit unit = 0;
+    OPENER(unit, "O ", name);
+    say("Writing cross-section data to: ", name);
+    writeLine(unit, materials ? "\"Chainage\",\"Z\",\"Mat\"" : "\"Chainage\",\"Z\"");
+    double chainage = 0;
+    // A section without points has a first row all the same.
+    const std::size_t rows = std::max(section.pointX.size(), std::size_t{1});
+    for (std::size_t i = 0; i < rows; ++i) {
+        if (i > 0) {
+            chainage += static_cast<double>(
+                DISTANCE_8(section.pointX[i - 1], section.pointY[i - 1], section.pointX[i], section.pointY[i]));
+        }
+        std::string row = join(threeDecimals(chainage), ",", valueAt(section.pointZ, i));
+        if (materials) {
+            const float material = i < section.pointMaterial.size() ? section.pointMaterial[i] : 0.0F;
+            row += join(",", materialText(material, number));
+        }
+        writeLine(unit, row);
+    }
+    CLOSER(unit);
+}
+
+void nbc_write_csv(const NbcSections& sections, bool materials)
+{
+    for (const NbcSection& section : sections.all) {
+        if (section.extract) {
+            const std::string& folder = sections.csvFolders[static_cast<std::size_t>(section.layer - 1)];
+            writeSectionTable(cut(folder + section.source, kNameWidth), section, materials, MaterialNumber::rounded);
+        }
+    }
+}
+
+void nbc_write_check(const NbcSections& sections, bool materials, const std::string& name)
+{
+    say("Writing GIS check file.");
+    GisOutputAttributes& attributes = gisOutputAttributes();
+    attributes.clear();
+    attributes.add("Source", "Char", kSourceWidth);
+    attributes.add("Z", "Float");
+    if (materials) {
+        attributes.add("Mat", "Integer");
+    }
+    std::int32_t gisID = openOutputLayer(name, "P");
+    for (const NbcSection& section : sections.all) {
+        for (std::size_t i = 0; i < section.pointX.size(); ++i) {
+            std::string record = join(quoted(section.source), ",", valueAt(section.pointZ, i));
+            if (materials) {
+                record += join(",", materialText(section.pointMaterial[i], MaterialNumber::rounded));
+            }
+            writePointObject(gisID, section.pointX[i], section.pointY[i], record);
+        }
+    }
+    gisCloseLayer(gisID);
+    say("Finished writing check file.");
+}
+
+} // namespace gridforge

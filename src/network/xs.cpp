@@ -1,0 +1,113 @@
+#include "network/xs.h"
+
+#include "base/console.h"
+#include "base/ends.h"
+#include "base/names.h"
+#include "base/units.h"
+#include "gis/layers.h"
+#include "gis/projection.h"
+#include "grid/header.h"
+#include "network/extract.h"
+#include "network/insert_vertices.h"
+#include "network/layer_names.h"
+#include "network/match.h"
+#include "network/read_layers.h"
+#include "network/records.h"
+#include "network/split.h"
+#include "network/write_nwk.h"
+#include "network/write_xs.h"
+
+#include <optional>
+#include <string>
+
+namespace gridforge {
+
+namespace {
+
+void buildNetwork(const std::string& branchLayer, NbcSections& sections)
+{
+    NbcBranches branches = createBranches();
+    NbcConnectors connectors;
+    nbc_read_branches(branchLayer, branches, connectors);
+    nbc_match_sections(branches, sections);
+    const NbcLines lines = createLines(branches, connectors);
+    nbc_write_nwk_single(lines, nwkLayerName(branchLayer));
+}
+
+void describeSections(bool materials, NbcSections& sections)
+{
+    for (NbcSection& section : sections.all) {
+        section.type = "XZ";
+        if (materials) {
+            section.flags = "M";
+        }
+    }
+}
+
+// Puts points along the sections, a cell of the first grid apart.
+void placePoints(const RunSettings& settings, const std::string& firstGrid, NbcSections& sections)
+{
+    say("Loading header information from 1st elevation grid...");
+    GridHeader header = readGridHeader(firstGrid);
+    CLOSER(header.unit);
+    nbc_insert_vertices(sections, header.cellsize,
+                        settings.defaultNGiven ? std::optional(settings.defaultN) : std::nullopt);
+}
+
+void sampleGrid(const std::string& name, std::string_view purpose, PointValue target, NbcSections& sections)
+{
+    Grid cells;
+    const GridHeader header = readSectionGrid(name, purpose, cells);
+    say("Extracting sections from grid...");
+    samplePoints(header, cells, target, sections);
+    say("   Done");
+    say("Deallocating grid memory...");
+    cells.release();
+    say("   Done");
+}
+
+void checkMaterialsFile(const std::string& name)
+{
+    const std::string extension = FILEEXT(name);
+    if (extension == ".mif") {
+        fail("ERROR - Vector materials not yet supported...");
+    }
+    if (extension != ".flt" && extension != ".asc") {
+        say("WARNING - Unable to determine extension of file: ", name);
+        say("   Assuming .asc grid.");
+    }
+}
+
+} // namespace
+
+void runXs(const RunSettings& settings, const InputFileList& inputs)
+{
+    const bool materials = !settings.materialGrids.empty();
+    say("Processing -xs option... ");
+    get_projection(settings.xsLayer, gisCoordSysLine(), gisPrjLine());
+    NbcSections sections = createSections();
+    nbc_read_sections(settings.xsLayer, sections);
+    if (!settings.branchLayer.empty()) {
+        buildNetwork(settings.branchLayer, sections);
+    }
+    describeSections(materials, sections);
+    nbc_write_xs_single(sections, xsLayerName(settings.xsLayer));
+
+    placePoints(settings, inputs[1], sections);
+    for (std::int32_t i = 1; i <= inputs.count(); ++i) {
+        say("Loading elevation grid data...");
+        sampleGrid(inputs[i], "storing elevation grid...", PointValue::elevation, sections);
+    }
+    for (const std::string& name : settings.materialGrids) {
+        checkMaterialsFile(name);
+        say("Loading materials grid data...");
+        sampleGrid(name, "storing materials grid...", PointValue::material, sections);
+    }
+    for (const NbcSection& section : sections.all) {
+        if (section.extract) {
+            writeSectionTable(section.source, section, materials, MaterialNumber::truncated);
+        }
+    }
+}
+
+} // namespace gridforge
