@@ -15,7 +15,8 @@ namespace gridforge {
 // "Finished.", a pause unless in batch mode, the end.
 [[noreturn]] void endFinished(bool batch);
 
-// Called in place of the end of the process, for programs that outlive a run (fuzz targets); it must not return.
+// Called in place of the end of the process, for programs that outlive a run (fuzz targets) and for what cannot be cleaned
+// up; it must not return.
 using EndHandler = void (*)();
 void replaceProcessEnd(EndHandler handler);
 

@@ -31,6 +31,8 @@ int main(int argc, char** argv)
     keepStandardStreams();
     // A console that nobody reads any more must not stop a run from writing its files.
     std::signal(SIGPIPE, SIG_IGN);
+    // A file that grows past a limit of the system is a write that fails, and says so.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         gridforge::runTool({argv + (argc > 0 ? 1 : 0), argv + argc});
     } catch (const std::bad_alloc&) {

@@ -2,6 +2,7 @@
 
 #include "base/ends.h"
 #include "damages/damages.h"
+#include "netcdf/nc.h"
 #include "network/nbc.h"
 #include "network/xs.h"
 #include "ops/classify.h"
@@ -37,7 +38,7 @@ using S = RunSettings;
 constexpr std::array<OperationRow, 25> kOperations = {{
     {"max",       [](const S& s) { return s.max || s.min; },   runMaxMin},
     {"conv",      [](const S& s) { return s.conv; },           runConv},
-    {"nc",        [](const S& s) { return s.nc; },             nullptr},
+    {"nc",        [](const S& s) { return s.nc; },             runNc},
     {"dif",       [](const S& s) { return s.dif; },            runDif},
     {"cd",        [](const S& s) { return s.cd && !s.count; }, runCutoff},
     {"trans_m",   [](const S& s) { return s.trans; },          runTransform},

@@ -3,6 +3,8 @@
 #include "base/ends.h"
 #include "base/numbers.h"
 
+#include <algorithm>
+
 namespace gridforge {
 
 std::int32_t gridKilobytes(std::int32_t nrows, std::int32_t ncols)
@@ -15,7 +17,9 @@ std::int32_t gridKilobytes(std::int32_t nrows, std::int32_t ncols)
 void allocateGrid(Grid& grid, const GridHeader& header, std::string_view purpose)
 {
     say("Allocating ", AINTEGER(gridKilobytes(header.nrows, header.ncols)), "Kb memory for ", purpose);
-    if (!grid.allocate(header.nrows, header.ncols)) {
+    if (grid.nrows() == header.nrows && grid.ncols() == header.ncols) {
+        std::ranges::fill(grid.cells(), 0.0F); // cheaper than fresh memory
+    } else if (!grid.allocate(header.nrows, header.ncols)) {
         failMemory();
     }
 }

@@ -88,7 +88,7 @@ private:
 using Grid = CellArray<float>;
 
 // Writes "Allocating <n>Kb memory for <purpose>" and takes an array of the header's size, zero at first; ends the run
-// where the memory cannot be had.
+// where the memory cannot be had. An array of that size already is kept, and zero again.
 void allocateGrid(Grid& grid, const GridHeader& header, std::string_view purpose);
 // The Kb figure of such a line, in the 32-bit arithmetic of its digits.
 std::int32_t gridKilobytes(std::int32_t nrows, std::int32_t ncols);

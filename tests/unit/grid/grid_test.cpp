@@ -71,6 +71,28 @@ TEST(AllocateGrid, SaysWhatItTakesAndEndsWithoutMemory)
                            "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
 }
 
+TEST(AllocateGrid, AnArrayOfTheSameSizeIsClearedAndKept)
+{
+    const test::ScratchFolder folder;
+    const auto run = test::runInChild(folder, [] {
+        GridHeader header;
+        header.nrows = 2;
+        header.ncols = 3;
+        Grid grid;
+        allocateGrid(grid, header, "a...");
+        const float* const cells = grid.cells().data();
+        grid(2, 3) = 5;
+        allocateGrid(grid, header, "a...");
+        say(cells == grid.cells().data() ? "kept " : "other ", grid(2, 3) == 0 ? "zero" : "not zero");
+        header.nrows = 3;
+        header.ncols = 2; // as many cells in another shape
+        allocateGrid(grid, header, "a...");
+        say(grid.nrows(), 'x', grid.ncols());
+    });
+    const std::string line = "Allocating 0Kb memory for a...\n";
+    EXPECT_EQ(run.console, line + line + "kept zero\n" + line + "3x2\n");
+}
+
 TEST(GridHeader, TellsTheCentresOfCells)
 {
     GridHeader header;
