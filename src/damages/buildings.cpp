@@ -82,9 +82,6 @@ void takeExtent(DmgBuilding& building)
 void readPolygon(std::int32_t gisID, GisO& gisO, const DmgLimits& limits, GisCoordinates& read,
                  std::vector<DmgBuilding>& buildings)
 {
-    if (gisO.nr > 1) {
-        fail("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.");
-    }
     gisReadObject(gisID, gisO, read, kMaxReadVertices);
     if (read.np > limits.vertices) {
         say("ERROR - Region objects contains too many vertices. Maximum vertices in a single region:", limits.vertices);
@@ -141,7 +138,7 @@ void dmg_read_buildings(const std::string& layerName, const DmgLimits& limits, s
     CurveFinder finder(curves);
     GisCoordinates read;
     forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
-        if (gisO.region) {
+        if (isRegionObject(gisO)) {
             readPolygon(gisID, gisO, limits, read, buildings);
         } else if (gisO.point) {
             readPoint(gisID, gisO, limits, read, buildings);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <functional>
 #include <iterator>
 
@@ -66,13 +67,7 @@ std::vector<DmgRes> sortByFrequency(std::span<const DmgRes> listed)
 
 namespace {
 
-// A row or column goes through single precision on its way to a coordinate. Cells are square: y takes the same size.
-double place(double origin, std::int64_t index, double dx)
-{
-    return origin + static_cast<double>(static_cast<float>(index)) * dx;
-}
-
-bool isWithin(std::int64_t index, std::int32_t count)
+bool isWithin(std::int32_t index, std::int32_t count)
 {
     return index > 0 && index <= count;
 }
@@ -83,8 +78,8 @@ std::vector<double> columnPlaces(const GridHeader& header)
 {
     std::vector<double> x;
     x.reserve(static_cast<std::size_t>(header.ncols));
-    for (std::int64_t column = 1; column <= header.ncols; ++column) {
-        x.push_back(place(header.xll, column, header.cellsize8));
+    for (std::int32_t column = 1; column <= header.ncols; ++column) {
+        x.push_back(cornerX(header, column));
     }
     return x;
 }
@@ -102,13 +97,17 @@ bool pointLevel(const DmgBuilding& building, const SampledGrid& grid, float& lev
     return true;
 }
 
-BuildingWindow buildingWindow(const DmgBuilding& building, const GridHeader& header)
+CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header)
 {
-    const auto cell = [&header](double coordinate, double origin) {
-        return std::int64_t{truncateToInt((coordinate - origin) / header.cellsize8)};
+    const auto cell = [&header](double coordinate, double origin, double margin) {
+        return truncateToInt(std::trunc((coordinate - origin) / header.cellsize8) + margin);
     };
-    return {cell(building.ymin, header.yll) - 1, cell(building.ymax, header.yll) + 1,
-            cell(building.xmin, header.xll) - 1, cell(building.xmax, header.xll) + 1};
+    CellWindow window;
+    window.firstRow = cell(building.ymin, header.yll, -1);
+    window.lastRow = cell(building.ymax, header.yll, 1);
+    window.firstColumn = cell(building.xmin, header.xll, -1);
+    window.lastColumn = cell(building.xmax, header.xll, 1);
+    return window;
 }
 
 namespace {
@@ -119,26 +118,25 @@ void prepare(const DmgBuilding& building, PreparedRegion& region)
     prepareRegion(building.x, building.y, building.vertices, building.xmin, ir, 1, region);
 }
 
-void addRow(std::span<const float> values, std::span<const std::uint8_t> inside, float null, InsideCells& cells)
+void addRun(std::span<const float> values, float null, InsideCells& cells)
 {
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        if (inside[i] == 0 || values[i] == null) {
-            continue;
+    for (const float value : values) {
+        if (value != null) {
+            cells.maximum = value > cells.maximum ? value : cells.maximum;
+            cells.sum += value;
+            ++cells.count;
         }
-        cells.maximum = values[i] > cells.maximum ? values[i] : cells.maximum;
-        cells.sum += values[i];
-        ++cells.count;
     }
 }
 
 } // namespace
 
-InsideCells cellsInside(const DmgBuilding& building, const BuildingWindow& window, const SampledGrid& grid,
+InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, const SampledGrid& grid,
                         PolygonTest& test)
 {
     const GridHeader& header = grid.header;
-    const std::int64_t lastRow = std::min<std::int64_t>(window.lastRow, header.nrows);
-    const std::int64_t lastColumn = std::min<std::int64_t>(window.lastColumn, header.ncols);
+    const std::int32_t lastRow = std::min(window.lastRow, header.nrows);
+    const std::int32_t lastColumn = std::min(window.lastColumn, header.ncols);
     InsideCells cells;
     if (lastColumn < window.firstColumn) {
         return cells;
@@ -147,10 +145,12 @@ InsideCells cellsInside(const DmgBuilding& building, const BuildingWindow& windo
     const auto columns = static_cast<std::size_t>(lastColumn - window.firstColumn + 1);
     const std::span<const double> x = std::span(grid.columnX).subspan(first, columns);
     prepare(building, test.region);
-    test.inside.resize(columns);
-    for (std::int64_t row = window.firstRow; row <= lastRow; ++row) {
-        insideRegionRow(test.region, place(header.yll, row, header.cellsize8), x, test.inside);
-        addRow(grid.cells.row(static_cast<std::int32_t>(row)).subspan(first, columns), test.inside, header.null, cells);
+    for (std::int32_t row = window.firstRow; row <= lastRow; ++row) {
+        insideRegionRuns(test.region, cornerY(header, row), x, test.runs);
+        const std::span<const float> values = grid.cells.row(row).subspan(first, columns);
+        for (const RowRun& run : test.runs) {
+            addRun(values.subspan(run.from, run.size()), header.null, cells);
+        }
     }
     return cells;
 }
@@ -191,7 +191,7 @@ private:
     void findPolygon(const DmgBuilding& building, float& level)
     {
         const GridHeader& header = grid_.header;
-        const BuildingWindow window = buildingWindow(building, header);
+        const CellWindow window = buildingWindow(building, header);
         if (!isWithin(window.firstRow, header.nrows) || !isWithin(window.firstColumn, header.ncols)) {
             say("WARNING - Polygon partially or fully outside of results grid.");
             pauseForEnter(); // in batch too

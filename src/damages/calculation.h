@@ -4,6 +4,7 @@
 #include "base/region_rows.h"
 #include "damages/records.h"
 #include "grid/grid.h"
+#include "run/cell_window.h"
 
 #include <cstdint>
 #include <span>
@@ -31,14 +32,8 @@ std::vector<double> columnPlaces(const GridHeader& header);
 // north-east corner of the cell. False, and a warning, outside of the grid.
 bool pointLevel(const DmgBuilding& building, const SampledGrid& grid, float& level);
 
-// Rows and columns about a polygon's extent, both ends included; it may reach over the grid.
-struct BuildingWindow {
-    std::int64_t firstRow = 1;
-    std::int64_t lastRow = 0;
-    std::int64_t firstColumn = 1;
-    std::int64_t lastColumn = 0;
-};
-BuildingWindow buildingWindow(const DmgBuilding& building, const GridHeader& header);
+// Rows and columns about a polygon's extent, with a cell of margin on each side; it may reach over the grid.
+CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header);
 
 // The cells that count for a polygon. Levels of -999 or less never come into the maximum.
 struct InsideCells {
@@ -50,13 +45,12 @@ struct InsideCells {
 // Work space that goes from polygon to polygon.
 struct PolygonTest {
     PreparedRegion region;
-    std::vector<std::uint8_t> inside;
+    std::vector<RowRun> runs;
 };
 
 // Sums up the cells of the window, whose first row and column lie in the grid, that are inside the polygon and not null,
-// rows from the south and each from the west. Beyond the grid there are none. Costs a row of the window what the edges
-// that meet it cost.
-InsideCells cellsInside(const DmgBuilding& building, const BuildingWindow& window, const SampledGrid& grid,
+// rows from the south and each from the west. Beyond the grid there are none. A row costs its edges and the cells inside.
+InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, const SampledGrid& grid,
                         PolygonTest& test);
 
 // --- The calculation -------------------------------------------------------------------------------------------------

@@ -125,7 +125,7 @@ SampledGrid gridOf(std::int32_t nrows, std::int32_t ncols, double xll, double yl
 TEST(BuildingWindow, HasACellOfMarginOnEachSide)
 {
     const SampledGrid grid = gridOf(10, 10, 100, 200, 2);
-    const BuildingWindow w = buildingWindow(polygon({103, 107.9, 105}, {204, 205, 209}), grid.header);
+    const CellWindow w = buildingWindow(polygon({103, 107.9, 105}, {204, 205, 209}), grid.header);
     EXPECT_EQ(w.firstColumn, 0); // trunc(3 / 2) - 1
     EXPECT_EQ(w.lastColumn, 4);  // trunc(7.9 / 2) + 1
     EXPECT_EQ(w.firstRow, 1);    // trunc(4 / 2) - 1
@@ -135,29 +135,29 @@ TEST(BuildingWindow, HasACellOfMarginOnEachSide)
 TEST(BuildingWindow, TruncatesTowardsZeroAndStaysInTheIntegers)
 {
     const SampledGrid grid = gridOf(10, 10, 0, 0, 1);
-    const BuildingWindow near = buildingWindow(polygon({-0.9, 0.5, 0.5}, {-1.9, 0.5, 0.5}), grid.header);
+    const CellWindow near = buildingWindow(polygon({-0.9, 0.5, 0.5}, {-1.9, 0.5, 0.5}), grid.header);
     EXPECT_EQ(near.firstColumn, -1);
     EXPECT_EQ(near.firstRow, -2);
-    const BuildingWindow far = buildingWindow(polygon({-1e300, 1e300, 0}, {-1e300, 1e300, 0}), grid.header);
-    EXPECT_EQ(far.firstColumn, std::int64_t{std::numeric_limits<std::int32_t>::min()} - 1);
-    EXPECT_EQ(far.lastColumn, std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1);
+    const CellWindow far = buildingWindow(polygon({-1e300, 1e300, 0}, {-1e300, 1e300, 0}), grid.header);
+    EXPECT_EQ(far.firstColumn, std::numeric_limits<std::int32_t>::min());
+    EXPECT_EQ(far.lastColumn, std::numeric_limits<std::int32_t>::max());
 }
 
 // The plain twin of the kernel: every vertex for every cell.
-InsideCells cellsInsidePlainly(const DmgBuilding& building, const BuildingWindow& window, const SampledGrid& grid)
+InsideCells cellsInsidePlainly(const DmgBuilding& building, const CellWindow& window, const SampledGrid& grid)
 {
     const GridHeader& header = grid.header;
     const std::array<std::int32_t, 1> ir = {building.vertices - 1};
     InsideCells cells;
-    for (std::int64_t row = window.firstRow; row <= window.lastRow; ++row) {
-        for (std::int64_t column = window.firstColumn; column <= window.lastColumn; ++column) {
+    for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
+        for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
             const double y = header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8;
             const double x = header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8;
             if (row > header.nrows || column > header.ncols ||
                 !INSIDE_POLYGON_8(x, y, building.x, building.y, building.vertices, building.xmin, ir, 1)) {
                 continue;
             }
-            const float value = grid.cells(static_cast<std::int32_t>(row), static_cast<std::int32_t>(column));
+            const float value = grid.cells(row, column);
             if (value != header.null) {
                 cells.maximum = std::max(cells.maximum, value);
                 cells.sum = cells.sum + value;
@@ -208,7 +208,7 @@ TEST(CellsInside, GivesTheBitsOfThePlainTest)
         fillLevels(grid, random);
         for (int round = 0; round < 400; ++round) {
             const DmgBuilding building = anyPolygon(grid.header, random);
-            const BuildingWindow window = buildingWindow(building, grid.header);
+            const CellWindow window = buildingWindow(building, grid.header);
             if (window.firstRow < 1 || window.firstColumn < 1 || window.firstRow > 31 || window.firstColumn > 42) {
                 continue;
             }
