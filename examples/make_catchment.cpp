@@ -1,4 +1,5 @@
-// Makes the sample catchment: a river valley that is nowhere, its ground, and what six storms leave in it.
+// Makes the sample catchment: a river valley that is nowhere, its ground, what six storms leave in it, and its buildings.
+#include "buildings.h"
 #include "grid_files.h"
 #include "terrain.h"
 
@@ -28,7 +29,7 @@ constexpr const char* kUsage = R"(usage: gridforge_make_catchment [options]
   --out FOLDER   where the grids go (.)
   --seed N       another number, another valley (1)
   --format F     asc, flt or both (both)
-  --only KIND    ground, depth, level or velocity (all four)
+  --only KIND    ground, depth, level, velocity or buildings (all of them)
   --event NAME   one storm, such as 1pct_6h (all six)
   --detail N     nodes of the made ground from west to east (320); fewer are quicker
 )";
@@ -256,6 +257,15 @@ bool writeStorm(const Options& options, const Valley& valley, const Storm& storm
     return depthsGood && levelsGood && speedsGood;
 }
 
+bool writeBuildings(const Options& options, const Valley& valley)
+{
+    const auto level = [&valley](const Storm& storm) {
+        return floodLevel(valley, {storm.size, storm.criticalArea * mainRiverArea(valley)});
+    };
+    return writeBuildings(options.folder + "/buildings", options.place, valley.ground, level(kStorms[3]),
+                          level(kStorms[5]), options.seed);
+}
+
 bool make(const Options& options)
 {
     const bool asAsc = options.format != "flt";
@@ -270,8 +280,12 @@ bool make(const Options& options)
     if (options.only.empty() || options.only == "ground") {
         good = writeGround(options, valley, options.folder + "/ground", asAsc, asFlt);
     }
+    if (options.only.empty() || options.only == "buildings") {
+        good = writeBuildings(options, valley) && good;
+    }
     for (const Storm& storm : kStorms) {
-        if (options.only != "ground" && (options.event.empty() || options.event == storm.name)) {
+        if (options.only != "ground" && options.only != "buildings" &&
+            (options.event.empty() || options.event == storm.name)) {
             good = writeStorm(options, valley, storm, asAsc, asFlt) && good;
         }
     }
