@@ -138,7 +138,7 @@ const std::vector<Case> kChanges = {
 TEST(ExportedChanges, FillTheResultPaddedOrCut)
 {
     for (const Case& change : kChanges) {
-        for (const std::size_t width : {0, 1, 3, 20}) {
+        for (const std::size_t width : {0U, 1U, 3U, 20U}) {
             EXPECT_EQ(textOf(width, change.routine, change.text), field(change.result, width)) << change.name;
         }
     }
