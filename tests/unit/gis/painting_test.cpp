@@ -3,6 +3,7 @@
 #include "base/console.h"
 #include "support/child_run.h"
 #include "support/layer_files.h"
+#include "support/sanitizers.h"
 #include "support/shp_bytes.h"
 
 #include <gmock/gmock.h>
@@ -136,6 +137,9 @@ TEST(PaintCells, AValueThatCannotBeReadEndsTheRun)
 
 TEST(PaintCells, AWindowThatMemoryCannotHoldEndsTheRun)
 {
+    if (kSanitized) {
+        GTEST_SKIP() << "the sanitizer ends the process over such a size";
+    }
     const ScratchFolder folder;
     giveLayer(folder, "Region 1\n5\n0 0\n4e9 0\n4e9 4e9\n0 4e9\n0 0\n", "1\n");
     const ChildRun run = runInChild(folder, [] {

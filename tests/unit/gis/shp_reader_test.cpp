@@ -4,6 +4,7 @@
 #include "base/numbers.h"
 #include "gis/layers.h"
 #include "support/child_run.h"
+#include "support/sanitizers.h"
 #include "support/shp_bytes.h"
 
 #include <array>
@@ -438,14 +439,6 @@ TEST(ShpReadingEnds, WhereverTheFileIsCut)
         }
     }
 }
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-constexpr bool kSanitized = __has_feature(address_sanitizer);
-#else
-constexpr bool kSanitized = false;
-#endif
 
 // A gigabyte is far more than a layer needs. Sanitizers need more for themselves.
 void limitMemory()

@@ -1,0 +1,14 @@
+// Whether the tests run under a sanitizer that needs memory of its own, and refuses absurd sizes in its own way.
+#pragma once
+
+namespace gridforge::test {
+
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kSanitized = true;
+#elif defined(__has_feature)
+inline constexpr bool kSanitized = __has_feature(address_sanitizer);
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
+} // namespace gridforge::test
