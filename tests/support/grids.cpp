@@ -90,6 +90,18 @@ std::vector<double> numbersOf(std::string_view line)
 
 } // namespace
 
+Cells rowColumnCells()
+{
+    Cells cells;
+    for (int row = 9; row >= 1; --row) {
+        cells.emplace_back();
+        for (int column = 1; column <= 9; ++column) {
+            cells.back().push_back(10 * row + column);
+        }
+    }
+    return cells;
+}
+
 std::string ascGrid(const Cells& cells, const GridOptions& options)
 {
     std::string text = headerLines(columnsOf(cells), static_cast<std::int64_t>(cells.size()), options);

@@ -13,6 +13,9 @@ using Cells = std::vector<std::vector<double>>;
 
 constexpr double kNull = -9999;
 
+// Nine rows of nine cells that tell their place: cell (row, column) from the south-west is 10 row + column.
+Cells rowColumnCells();
+
 struct GridOptions {
     double xll = 0;
     double yll = 0;

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace gridforge::test {
 
@@ -14,6 +15,26 @@ inline std::string mifText(std::string_view body)
     return "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\nColumns 2\n"
            "  Name Char(30)\n  Val Float\nData\n\n" +
            std::string(body);
+}
+
+// The head of a .mif with these columns, as "Name Char(30)", up to where its objects follow.
+inline std::string mifHeader(const std::vector<std::string>& columns)
+{
+    std::string text =
+        "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\nColumns " +
+        std::to_string(columns.size()) + "\n";
+    for (const std::string& column : columns) {
+        text += "  " + column + "\n";
+    }
+    return text + "Data\n\n";
+}
+
+// The lines of a written .mif behind its "Data" line and the empty line that follows.
+inline std::string mifObjects(std::string_view mif)
+{
+    constexpr std::string_view kData = "Data\r\n\r\n";
+    const std::size_t data = mif.find(kData);
+    return data == std::string_view::npos ? "no data" : std::string(mif.substr(data + kData.size()));
 }
 
 // <name>.mif and <name>.mid, which gets `records` lines "r1",1 and so on.

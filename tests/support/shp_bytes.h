@@ -90,6 +90,24 @@ inline std::string dbfHeader(std::int32_t records, const std::vector<DbfColumn>&
     return bytes + '\r';
 }
 
+// The columns of a written .dbf as "NAME C 7" and, behind them, its records as they stand, the deletion byte first.
+inline std::vector<std::string> tableOf(const std::string& bytes)
+{
+    std::vector<std::string> table;
+    std::size_t at = 32;
+    std::size_t width = 1;
+    for (; at < bytes.size() && bytes[at] != '\r'; at += 32) {
+        const auto length = static_cast<unsigned char>(bytes[at + 16]);
+        table.push_back(bytes.substr(at, 11).c_str() + std::string(" ") + bytes[at + 11] + " " +
+                        std::to_string(length));
+        width += length;
+    }
+    for (++at; at + width < bytes.size(); at += width) {
+        table.push_back(bytes.substr(at, width));
+    }
+    return table;
+}
+
 // <name>.shp of these records and <name>.dbf with the column NAME of three characters: "r1 ", "r2 " and so on.
 inline void giveShp(const ScratchFolder& folder, const std::string& name, std::int32_t type,
                     const std::vector<std::string>& records)

@@ -1,3 +1,4 @@
+#include "support/layer_files.h"
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
 
@@ -12,47 +13,16 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-// Cell (row, column) from the south-west is 10 row + column. A search sees it at its north-east corner, (column, row).
-Cells numbered()
-{
-    Cells cells;
-    for (int row = 9; row >= 1; --row) {
-        cells.emplace_back();
-        for (int column = 1; column <= 9; ++column) {
-            cells.back().push_back(10 * row + column);
-        }
-    }
-    return cells;
-}
-
-std::string mifHeader(const std::vector<std::string>& columns)
-{
-    std::string text =
-        "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\nColumns " +
-        std::to_string(columns.size()) + "\n";
-    for (const std::string& column : columns) {
-        text += "  " + column + "\n";
-    }
-    return text + "Data\n\n";
-}
-
 const std::vector<std::string> kTwoColumns = {"Obs Float", "Mark Char(20)"};
 const std::vector<std::string> kThreeColumns = {"Obs Float", "Mark Char(20)", "Model Float"};
 
+// A search sees cell (row, column) at its north-east corner, (column, row).
 void giveMarks(ToolRun& run, const std::string& objects, const std::string& records,
                const std::vector<std::string>& columns = kTwoColumns)
 {
-    run.give("dem.asc", ascGrid(numbered()));
+    run.give("dem.asc", ascGrid(rowColumnCells()));
     run.give("p.mif", mifHeader(columns) + objects);
     run.give("p.mid", records);
-}
-
-// The lines of a .mif behind its "Data" line and the empty line that follows.
-std::string objectsOf(const ToolRun& run, std::string_view name)
-{
-    const std::string text = run.read(name);
-    const std::size_t data = text.find("Data\r\n\r\n");
-    return data == std::string::npos ? "no data" : text.substr(data + 8);
 }
 
 constexpr std::string_view kHeading = "\"Label\",\"Observed\",\"Modelled\",\"Difference\",\"Distance\"\r\n";
@@ -146,12 +116,13 @@ TEST(CpCli, ACircleOverTheEdgeGivesNoValueAndALineFromAnEarlierPlace)
     EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"a\",    1.000,99999.000,99999.000,99999.000\r\n"
                                                          "\"b\",    2.000,   44.000,   42.000,    0.500\r\n"
                                                          "\"c\",    3.000,99999.000,99999.000,99999.000\r\n");
-    EXPECT_EQ(objectsOf(run, "p_Cn.mif"), "Line         0.000000        0.000000        1.500000        5.000000\r\n"
-                                          "Pen (1,59,0)\r\n"
-                                          "Line         4.000000        4.000000        4.300000        4.400000\r\n"
-                                          "Pen (1,59,0)\r\n"
-                                          "Line         4.000000        4.000000        5.000000        8.500000\r\n"
-                                          "Pen (1,59,0)\r\n");
+    EXPECT_EQ(mifObjects(run.read("p_Cn.mif")),
+              "Line         0.000000        0.000000        1.500000        5.000000\r\n"
+              "Pen (1,59,0)\r\n"
+              "Line         4.000000        4.000000        4.300000        4.400000\r\n"
+              "Pen (1,59,0)\r\n"
+              "Line         4.000000        4.000000        5.000000        8.500000\r\n"
+              "Pen (1,59,0)\r\n");
     EXPECT_EQ(run.read("p_Cn.mid"), "99999.000,\"Closest\"\r\n    0.500,\"Closest\"\r\n99999.000,\"Closest\"\r\n");
 }
 
@@ -176,7 +147,7 @@ TEST(CpCli, NullCellsAreNotFound)
 {
     ToolRun run("-b -cp p.mif -cpsd4 dem.asc");
     giveMarks(run, "Point 4.5 4.5\n", "40,a\n");
-    Cells cells = numbered();
+    Cells cells = rowColumnCells();
     cells[9 - 4][4 - 1] = kNull; // row 4, column 4
     cells[9 - 4][5 - 1] = kNull;
     run.give("dem.asc", ascGrid(cells));
@@ -216,12 +187,13 @@ TEST(CpCli, CpmmAddsTheLowestAndTheHighestCell)
     EXPECT_THAT(run.read("p_Res.mif"),
                 HasSubstr("Columns 7\r\n  Obs Float\r\n  Mark Char(20)\r\n  Modelled Float\r\n  Difference Float\r\n"
                           "  Distance Float\r\n  CP_min Float\r\n  CP_max Float\r\nData\r\n"));
-    EXPECT_EQ(objectsOf(run, "p_Cn.mif"), "Line         4.000000        4.000000        4.300000        4.400000\r\n"
-                                          "Pen (1,59,0)\r\n"
-                                          "Line         4.000000        2.000000        4.300000        4.400000\r\n"
-                                          "Pen (1,59,0)\r\n"
-                                          "Line         6.000000        6.000000        4.300000        4.400000\r\n"
-                                          "Pen (1,59,0)\r\n");
+    EXPECT_EQ(mifObjects(run.read("p_Cn.mif")),
+              "Line         4.000000        4.000000        4.300000        4.400000\r\n"
+              "Pen (1,59,0)\r\n"
+              "Line         4.000000        2.000000        4.300000        4.400000\r\n"
+              "Pen (1,59,0)\r\n"
+              "Line         6.000000        6.000000        4.300000        4.400000\r\n"
+              "Pen (1,59,0)\r\n");
     // (4, 2) is 0.3 and 2.4 away: 2.419. (6, 6) is 1.7 and 1.6 away: 2.335.
     EXPECT_EQ(run.read("p_Cn.mid"), "    0.500,\"Closest\"\r\n    2.419\"Min\"\r\n    2.335,\"Max\"\r\n");
     EXPECT_NO_OTHER_FILES(run);
@@ -235,7 +207,7 @@ TEST(CpCli, CpmmOffTheGridWritesStalePlaces)
     // The window of 4 starts in column 0.2: nothing either. The distance of a maximum stays with its place.
     EXPECT_THAT(run.read("p.csv"), HasSubstr("\"a\",   40.000,99999.000,99999.000,99999.000,99999.000,*********\r\n"));
     EXPECT_THAT(run.read("p.csv"), HasSubstr("\"c\",   40.000,99999.000,99999.000,99999.000,99999.000,*********\r\n"));
-    const std::string lines = objectsOf(run, "p_Cn.mif");
+    const std::string lines = mifObjects(run.read("p_Cn.mif"));
     EXPECT_THAT(lines, HasSubstr("Line         0.000000        0.000000        2.200000        5.000000\r\n"));
     EXPECT_THAT(lines, HasSubstr("Line         4.000000        2.000000        2.200000        5.000000\r\n"));
     EXPECT_THAT(lines, HasSubstr("Line         6.000000        6.000000        2.200000        5.000000\r\n"));
@@ -268,7 +240,7 @@ TEST(CpCli, ALayerWithoutPointsGivesEmptyOutputs)
     run.start();
     EXPECT_TRUE(run.says("Finished."));
     EXPECT_EQ(run.read("p.csv"), kHeading);
-    EXPECT_EQ(objectsOf(run, "p_Res.mif"), "");
+    EXPECT_EQ(mifObjects(run.read("p_Res.mif")), "");
     EXPECT_EQ(run.read("p_Cn.mid"), "");
 }
 
@@ -327,10 +299,10 @@ TEST(CpCli, ConfigGivesASymbolByTheDifference)
     EXPECT_CONSOLE_HOLDS(run,
                          {"Searching for Points...", "Warning above difference is above highest value in config file.",
                           "Closing GIS Layer 1 [p.mif]..."});
-    EXPECT_EQ(objectsOf(run, "p_Res.mif"), "Point         4.300000        4.400000\r\nSymbol (34,0,8)\r\n"
-                                           "Point         4.300000        4.400000\r\nSymbol (35,255,12)\r\n"
-                                           "Point         4.300000        4.400000\r\n"
-                                           "Point         4.300000        4.400000\r\nSymbol (35,255,12)\r\n");
+    EXPECT_EQ(mifObjects(run.read("p_Res.mif")), "Point         4.300000        4.400000\r\nSymbol (34,0,8)\r\n"
+                                                 "Point         4.300000        4.400000\r\nSymbol (35,255,12)\r\n"
+                                                 "Point         4.300000        4.400000\r\n"
+                                                 "Point         4.300000        4.400000\r\nSymbol (35,255,12)\r\n");
 }
 
 // The last lines of a run over the config file `text`.
@@ -405,7 +377,7 @@ TEST(CpCli, AConfigFileThatTheSystemRefusesToReadEndsTheRun)
 void giveShpMarks(ToolRun& run, const std::vector<std::string>& points, const std::vector<DbfColumn>& columns,
                   const std::vector<std::string>& records)
 {
-    run.give("dem.asc", ascGrid(numbered()));
+    run.give("dem.asc", ascGrid(rowColumnCells()));
     run.give("p.shp", shpBytes(1, points));
     std::string table = dbfHeader(static_cast<std::int32_t>(records.size()), columns);
     for (const std::string& record : records) {
@@ -413,25 +385,6 @@ void giveShpMarks(ToolRun& run, const std::vector<std::string>& points, const st
     }
     run.give("p.dbf", table + '\x1A');
     run.give("p.prj", "PROJCS[\"Test\"]\n");
-}
-
-// The columns of a .dbf as "NAME C 7" and, behind them, its records as they stand.
-std::vector<std::string> tableOf(const ToolRun& run, std::string_view name)
-{
-    const std::string bytes = run.read(name);
-    std::vector<std::string> table;
-    std::size_t at = 32;
-    std::size_t width = 1;
-    for (; at < bytes.size() && bytes[at] != '\r'; at += 32) {
-        const auto length = static_cast<unsigned char>(bytes[at + 16]);
-        table.push_back(bytes.substr(at, 11).c_str() + std::string(" ") + bytes[at + 11] + " " +
-                        std::to_string(length));
-        width += length;
-    }
-    for (++at; at + width < bytes.size(); at += width) {
-        table.push_back(bytes.substr(at, width));
-    }
-    return table;
 }
 
 TEST(CpCli, AShapefileGivesShapefiles)
@@ -444,11 +397,11 @@ TEST(CpCli, AShapefileGivesShapefiles)
     EXPECT_TRUE(run.says("Finished."));
     EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"left\",   40.500,   44.000,    3.500,    0.500\r\n"
                                                          "\"bridge\",   57.000,   56.000,   -1.000,    0.250\r\n");
-    EXPECT_THAT(tableOf(run, "p_Res_P.dbf"),
+    EXPECT_THAT(tableOf(run.read("p_Res_P.dbf")),
                 ElementsAre("OBS N 16", "MARK C 7", "Modelled N 16", "Difference N 16", "Distance N 16",
                             "           40.500left             44.000           3.500           0.500",
                             "           57.000bridge           56.000          -1.000           0.250"));
-    EXPECT_THAT(tableOf(run, "p_Cn_L.dbf"),
+    EXPECT_THAT(tableOf(run.read("p_Cn_L.dbf")),
                 ElementsAre("distance N 16", "cp_type C 20", "            0.500Closest             ",
                             "            0.250Closest             "));
     EXPECT_EQ(run.read("p_Res_P.shp").substr(100),
@@ -466,7 +419,7 @@ TEST(CpCli, ColumnsOfATableAreFloatsOrTexts)
         ToolRun run("-b -cp p.shp -cpsd4 dem.asc");
         giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{"OBS", 'F', 4}, {"MARK", type, 8}}, {"  40      11"});
         run.start();
-        const auto table = tableOf(run, "p_Res_P.dbf");
+        const auto table = tableOf(run.read("p_Res_P.dbf"));
         ASSERT_GT(table.size(), 2U);
         EXPECT_EQ(table[0], "OBS N 16");
         EXPECT_EQ(table[1], kept);
@@ -487,7 +440,7 @@ TEST(CpCli, TheMinimumOfATableStandsInOneFieldWithItsWord)
     giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{"OBS", 'N', 4}, {"MARK", 'C', 4}}, {"  40a   "});
     run.start();
     // Without a comma it is one value; the field without value keeps the one of the record before.
-    EXPECT_THAT(tableOf(run, "p_Cn_L.dbf"),
+    EXPECT_THAT(tableOf(run.read("p_Cn_L.dbf")),
                 ElementsAre("distance N 16", "cp_type C 20", "            0.500Closest             ",
                             "       2.419\"Min\"Closest             ", "            2.335Max                 "));
 }

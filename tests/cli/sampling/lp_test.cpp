@@ -1,3 +1,4 @@
+#include "support/layer_files.h"
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
 
@@ -25,26 +26,15 @@ Cells valley()
     return cells;
 }
 
-constexpr std::string_view kHead =
-    "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\n"
-    "Columns 1\n  Label Char(20)\nData\n\n";
-
 void giveLines(ToolRun& run, const std::string& objects, const std::string& records)
 {
     run.give("dem.asc", ascGrid(valley()));
-    run.give("l.mif", std::string(kHead) + objects);
+    run.give("l.mif", mifHeader({"Label Char(20)"}) + objects);
     run.give("l.mid", records);
 }
 
 const std::string kMain = "Pline 2\n2 5\n8 5\n    Pen (1,2,0)\n";
 constexpr std::string_view kCsvHead = "\"Chainage\",\"Invert\",\"Left Bank\",\"Right Bank\"\r\n";
-
-std::string objectsOf(const ToolRun& run, std::string_view name)
-{
-    const std::string text = run.read(name);
-    const std::size_t data = text.find("Data\r\n\r\n");
-    return data == std::string::npos ? "no data" : text.substr(data + 8);
-}
 
 TEST(LpCli, WritesInvertAndBanksAlongALine)
 {
@@ -169,7 +159,7 @@ TEST(LpCli, ASearchOffTheGridFindsNothingAndLeavesItsPlacesAtZero)
     run.start();
     EXPECT_EQ(run.read("l_far.csv"), std::string(kCsvHead) + "        0.00,********,********,********\r\n"
                                                              "        6.00,********,********,********\r\n");
-    const std::string objects = objectsOf(run, "l_LP_check.mif");
+    const std::string objects = mifObjects(run.read("l_LP_check.mif"));
     EXPECT_THAT(objects, HasSubstr("Point         0.000000        0.000000\r\n    Symbol (37,255,12)\r\n"));
     EXPECT_THAT(objects, HasSubstr("Point         0.000000        0.000000\r\n    Symbol (36,16711680,12)\r\n"));
     EXPECT_THAT(objects, HasSubstr("Point         0.000000        0.000000\r\n    Symbol (36,15774720,12)\r\n"));
@@ -197,7 +187,7 @@ TEST(LpCli, TheFirstOfEqualCellsCounts)
     giveLines(run, "Pline 2\n2 5\n4 5\n", "m\n");
     run.give("dem.asc", ascGrid(Cells(9, std::vector<double>(9, 7))));
     run.start();
-    const std::string objects = objectsOf(run, "l_LP_check.mif");
+    const std::string objects = mifObjects(run.read("l_LP_check.mif"));
     // The invert search starts 3 cells to the right, the left bank's on the line, the right bank's 5 cells away (row 0 is
     // off the grid).
     EXPECT_THAT(objects, HasSubstr("Point         1.500000        1.500000\r\n    Symbol (37,255,12)\r\n"));
@@ -244,7 +234,7 @@ TEST(LpCli, SearchLinesOfALaterPolylineCarryTheLastSymbol)
     ToolRun run("-b -lp l.mif -cpsd4 -check dem.asc");
     giveLines(run, kMain + kMain, "one\ntwo\n");
     run.start();
-    const std::string objects = objectsOf(run, "l_LP_check.mif");
+    const std::string objects = mifObjects(run.read("l_LP_check.mif"));
     EXPECT_THAT(objects, StartsWith("Line         2.000000        2.000000        2.000000        8.000000\r\nLine "));
     EXPECT_THAT(objects, HasSubstr("Line         2.000000        2.000000        2.000000        8.000000\r\n"
                                    "    Symbol (36,15774720,12)\r\n"));
