@@ -19,8 +19,10 @@
 #include "ops/transform.h"
 #include "rainfall/rainfall.h"
 #include "remap/remap.h"
+#include "sampling/brkline.h"
 #include "sampling/cp.h"
 #include "sampling/lp.h"
+#include "sampling/na.h"
 #include "sampling/trim.h"
 #include "sampling/xyz.h"
 
@@ -50,10 +52,10 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"histogram", [](const S& s) { return s.histogram; },      runHistogram},
     {"cp",        [](const S& s) { return s.cp; },             runCalibrationPoints},
     {"lp",        [](const S& s) { return s.lp; },             runLongProfile},
-    {"brkline",   [](const S& s) { return s.brkline; },        nullptr},
+    {"brkline",   [](const S& s) { return s.brkline; },        runBreaklines},
     {"xs",        [](const S& s) { return s.xs; },             runXs},
     {"nbc",       [](const S& s) { return s.nbc; },            runNbc},
-    {"na",        [](const S& s) { return s.na; },             nullptr},
+    {"na",        [](const S& s) { return s.na; },             runNodalArea},
     {"multiply",  [](const S& s) { return s.multiply; },       runMultiply},
     {"xyz",       [](const S& s) { return s.xyz; },            runXyz},
     {"trim",      [](const S& s) { return s.trim; },           runTrim},

@@ -9,19 +9,6 @@
 namespace gridforge::test {
 namespace {
 
-// Cell (row, column) from the south-west is 10 row + column.
-std::string terrain()
-{
-    Cells cells;
-    for (int row = 9; row >= 1; --row) {
-        cells.emplace_back();
-        for (int column = 1; column <= 9; ++column) {
-            cells.back().push_back(10 * row + column);
-        }
-    }
-    return ascGrid(cells);
-}
-
 std::string mif(const std::string& columns, const std::string& objects)
 {
     return "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\" Bounds (0, 0) (100, "
@@ -82,7 +69,7 @@ protected:
 TEST_P(SamplingInterop, CalibrationPointsAndConnections)
 {
     ToolRun run({"-b", "-cp", "p" + kind(), "-cpsd4", "dem.asc"});
-    run.give("dem.asc", terrain());
+    run.give("dem.asc", ascGrid(rowColumnCells()));
     giveLayer(run, "p", kind(), mif("2\n  Obs Float\n  Mark Char(20)\n", "Point 4.3 4.4\nPoint 6 5.25\n"),
               "40.5,\"left bank\"\n57,\"bridge, old\"\n");
     run.start();
@@ -99,7 +86,7 @@ TEST_P(SamplingInterop, CalibrationPointsAndConnections)
 TEST_P(SamplingInterop, LongProfileCheckLayers)
 {
     ToolRun run({"-b", "-lp", "l" + kind(), "-lpmd100", "-cpsd4", "-check", "dem.asc"});
-    run.give("dem.asc", terrain());
+    run.give("dem.asc", ascGrid(rowColumnCells()));
     giveLayer(run, "l", kind(), mif("1\n  Label Char(20)\n", "Pline 2\n2 5\n8 5\n"), "\"main\"\n");
     run.start();
     ASSERT_TRUE(run.has("l_main.csv")) << run.console();
@@ -115,6 +102,98 @@ TEST_P(SamplingInterop, LongProfileCheckLayers)
     expectFeature(features[6], "POINT", {1.5, 1.5}, {"22", "Invert", "main", "0"});
     expectFeature(features[10], "POINT", {8, 9}, {"98", "Left Bank", "main", "6"});
     expectFeature(features[11], "POINT", {8, 5}, {"58", "Right Bank", "main", "6"});
+}
+
+// The features of one kind: those of a set of a Shapefile layer, or picked from a .mif.
+std::vector<OgrFeature> ofKind(std::vector<OgrFeature> features, const std::string& kind)
+{
+    std::erase_if(features, [&](const OgrFeature& feature) { return feature.kind != kind; });
+    return features;
+}
+
+TEST_P(SamplingInterop, BreaklinesAndTheirCheckLayer)
+{
+    ToolRun run({"-b", "-brkline", "b" + kind(), "-check", "dem.asc"});
+    run.give("dem.asc", ascGrid(rowColumnCells()));
+    giveLayer(run, "b", kind(),
+              mif("4\n  Z Float\n  dZ Float\n  Width Float\n  Options Char(20)\n",
+                  "Pline 2\n4 5\n6 5\nPline 2\n4.5 4.5\n5.5 4.5\n"),
+              "7,1,4,\"Max Perp\"\n7,5,3.8,\"Min\"\n");
+    run.start();
+    // The first line is twice its dZ, so two vertices go in. Searches across it reach 3 cells to each side, to row 8.
+    const auto points = ofKind(ogrFeatures(file(run, "b_brkline", "_P")), "POINT");
+    ASSERT_EQ(points.size(), 6U) << run.console();
+    const double third = 2 / 3.0;
+    expectFeature(points[0], "POINT", {4, 5}, {"84", "0", "0", "Max Perp"});
+    expectFeature(points[1], "POINT", {4 + third, 5}, {"85", "0", "0", "Max Perp"});
+    expectFeature(points[2], "POINT", {6 - third, 5}, {"85", "0", "0", "Max Perp"});
+    expectFeature(points[3], "POINT", {6, 5}, {"86", "0", "0", "Max Perp"});
+    // Circles of nine cells around the centres of the cells (5, 5) and (5, 6).
+    expectFeature(points[4], "POINT", {4.5, 4.5}, {"44", "0", "0", "Min"});
+    expectFeature(points[5], "POINT", {5.5, 4.5}, {"45", "0", "0", "Min"});
+    const auto lines = ofKind(ogrFeatures(file(run, "b_brkline", "_L")), "LINESTRING");
+    ASSERT_EQ(lines.size(), 2U);
+    expectFeature(lines[0], "LINESTRING", {4, 5, 4 + third, 5, 6 - third, 5, 6, 5}, {"99999", "0", "4", "Max Perp"});
+    expectFeature(lines[1], "LINESTRING", {4.5, 4.5, 5.5, 4.5}, {"99999", "0", "3.8", "Min"});
+
+    if (kind() == ".mif") {
+        return; // the quotation mark behind its counts keeps OGR from reading that check layer to its end
+    }
+    const auto found = ogrFeatures(file(run, "b_check", "_P"));
+    ASSERT_EQ(found.size(), 6U);
+    expectFeature(found[0], "POINT", {3.5, 7.5}, {"84", "1", "Max Perp"});
+    expectFeature(found[4], "POINT", {3.5, 3.5}, {"44", "1", "Min"});
+    expectFeature(found[5], "POINT", {4.5, 3.5}, {"45", "1", "Min"});
+    const auto searches = ogrFeatures(file(run, "b_check", "_L"));
+    ASSERT_EQ(searches.size(), 4U);
+    expectFeature(searches[3], "LINESTRING", {6, 2, 6, 8}, {"99999", "-99", "Max Perp"});
+    EXPECT_EQ(ogrFeatures(file(run, "b_check", "_R")).size(), 2U);
+}
+
+TEST_P(SamplingInterop, CirclesOfABreakline)
+{
+    ToolRun run({"-b", "-brkline", "b" + kind(), "-check", "dem.asc"});
+    run.give("dem.asc", ascGrid(rowColumnCells()));
+    giveLayer(run, "b", kind(),
+              mif("4\n  Z Float\n  dZ Float\n  Width Float\n  Options Char(20)\n", "Pline 2\n4.5 4.5\n5.5 4.5\n"),
+              "7,5,3.8,\"all\"\n");
+    run.start();
+    const auto circles = ogrFeatures(file(run, "b_check", "_R"));
+    ASSERT_EQ(circles.size(), 2U) << run.console();
+    std::vector<double> ring; // clockwise or not: as written
+    for (int k = 0; k <= 12; ++k) {
+        const double angle = 3.14159265358979 / 6 * k;
+        ring.push_back(5.5 + 1.9 * std::cos(angle));
+        ring.push_back(4.5 + 1.9 * std::sin(angle));
+    }
+    EXPECT_EQ(circles[1].kind, "POLYGON");
+    ASSERT_EQ(circles[1].numbers.size(), ring.size());
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+        EXPECT_NEAR(circles[1].numbers[i], ring[i], 1e-6);
+    }
+    ASSERT_EQ(circles[1].values.size(), 3U);
+    EXPECT_EQ(std::stod(circles[1].values[0]), 56);
+    EXPECT_EQ(std::stod(circles[1].values[1]), 9);
+    EXPECT_EQ(circles[1].values[2], "all");
+}
+
+TEST_P(SamplingInterop, NodalAreasOfRegionsMadeElsewhere)
+{
+    ToolRun run({"-b", "-na", "n" + kind(), "dem.asc"});
+    run.give("dem.asc", ascGrid(rowColumnCells()));
+    giveLayer(
+        run, "n", kind(),
+        mif("12\n  ID Char(20)\n  A Char(2)\n  B Char(8)\n  C Char(20)\n  D Char(20)\n  E Char(20)\n  F Char(20)\n"
+            "  G Char(20)\n  H Char(20)\n  I Float\n  J Float\n  Skew Float\n",
+            "Region 1\n5\n1.5 1.5\n1.5 3.5\n3.5 3.5\n3.5 1.5\n1.5 1.5\n"),
+        "\"pond.csv\",\"S\",\"Node\",\"a\",\"b\",\"c\",\"d\",\"e\",\"f\",0,0,32.95\n");
+    run.start();
+    // Cells 22, 23, 32 and 33; the user's minimum leaves but 33 above the first height.
+    EXPECT_TRUE(run.says("Found 4 DEM values within region.")) << run.console();
+    EXPECT_EQ(run.read("pond.csv"), "\"Height\",\"Area\"\r\n"
+                                    "  32.951,               3.000\r\n"
+                                    "  33.000,               4.000\r\n"
+                                    "  33.100,               4.000\r\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(Families, SamplingInterop, testing::Values(".mif", ".shp"),
