@@ -51,6 +51,7 @@ One that begins with
 or
 .B /
 is a flag, and every other one is the name of an input.
+So an input cannot be named from the root of the file system: go to its folder, or name it from the current one.
 Case does not count in flags, and letters behind a flag's name are passed over:
 .B \-maximum
 is
