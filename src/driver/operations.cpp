@@ -1,6 +1,5 @@
 #include "driver/operations.h"
 
-#include "base/ends.h"
 #include "damages/damages.h"
 #include "netcdf/nc.h"
 #include "network/nbc.h"
@@ -83,13 +82,9 @@ const OperationRow* selectOperation(const RunSettings& settings)
 void runOperation(const RunSettings& settings, const InputFileList& inputs)
 {
     const OperationRow* operation = selectOperation(settings);
-    if (operation == nullptr) {
-        return;
+    if (operation != nullptr) {
+        operation->run(settings, inputs);
     }
-    if (operation->run == nullptr) {
-        fail("ERROR - Operation not available in this build: -", operation->name);
-    }
-    operation->run(settings, inputs);
 }
 
 } // namespace gridforge

@@ -12,7 +12,7 @@ namespace gridforge {
 struct OperationRow {
     std::string_view name; // the flag that asks for it
     bool (*selected)(const RunSettings&);
-    void (*run)(const RunSettings&, const InputFileList&); // nullptr: not in this build
+    void (*run)(const RunSettings&, const InputFileList&);
 };
 
 std::span<const OperationRow> operationTable();

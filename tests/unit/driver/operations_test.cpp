@@ -82,6 +82,7 @@ TEST(Operations, EachIsNamedByAnOperationFlag)
         const FlagRow* flag = findFlag("-" + std::string(row.name));
         ASSERT_NE(flag, nullptr) << row.name;
         EXPECT_EQ(flag->key, row.name);
+        EXPECT_NE(row.run, nullptr) << row.name;
         EXPECT_EQ(flag->kind, FlagKind::operation);
     }
 }

@@ -5,11 +5,9 @@
 #include "support/paths.h"
 #include "support/scratch_folder.h"
 
-#include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <map>
 #include <regex>
 #include <set>
 #include <string>
@@ -171,7 +169,7 @@ bool tells(const std::string& page, std::string_view flag)
     const std::string wanted = join("`-", flag);
     for (std::size_t at = page.find(wanted); at != std::string::npos; at = page.find(wanted, at + 1)) {
         const auto next = static_cast<unsigned char>(page[at + wanted.size()]);
-        if (std::isalnum(next) == 0 && next != '_') {
+        if (std::isalpha(next) == 0 && next != '_') {
             return true;
         }
     }
@@ -183,9 +181,6 @@ TEST(OperationPages, EveryOperationHasOneInTheHouseSkeleton)
     const std::vector<IndexLine> lines = index();
     ASSERT_GT(lines.size(), 10U);
     for (const OperationRow& row : operationTable()) {
-        if (row.run == nullptr) {
-            continue;
-        }
         const std::string name = pageOf(lines, row.name);
         ASSERT_NE(name, "") << "-" << row.name << " is not in the index";
         const std::string page = readWhole(kPages / name);
@@ -206,8 +201,7 @@ TEST(OperationPages, EveryFlagOfAnOperationIsInTheIndex)
 {
     const std::vector<IndexLine> lines = index();
     for (const FlagRow& flag : flagTable()) {
-        const auto names = [&](const OperationRow& row) { return row.name == flag.key && row.run == nullptr; };
-        if (flag.kind == FlagKind::operation && std::ranges::none_of(operationTable(), names)) {
+        if (flag.kind == FlagKind::operation) {
             EXPECT_NE(pageOf(lines, flag.key), "") << flag.key;
         }
     }
@@ -234,11 +228,6 @@ TEST(OperationPages, TheIndexNamesFlagsAndPagesThatExist)
 // Options are told on the page of their operation or, where they hold for all, on the index.
 TEST(OperationPages, TellEveryFlag)
 {
-    const bool complete =
-        std::ranges::none_of(operationTable(), [](const OperationRow& row) { return row.run == nullptr; });
-    if (!complete) {
-        GTEST_SKIP() << "operations are still to come";
-    }
     std::string all;
     for (const auto& entry : fs::directory_iterator(kPages)) {
         all += readWhole(entry.path());
