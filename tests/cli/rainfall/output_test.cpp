@@ -2,6 +2,7 @@
 #include "support/ops_consoles.h"
 #include "support/rainfall_files.h"
 
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netcdf.h>
@@ -85,6 +86,16 @@ TEST(RainfallOutputCli, NetcdfThatCannotBeCreatedEndsTheRun)
     EXPECT_EQ(run.status(), 0);
     EXPECT_CONSOLE_HOLDS(run, {"Opening output .nc file: rain.nc", "ERROR - With nectdf call nf90_create",
                                "Netcdf error message: Is a directory", "", "Press Enter to Close"});
+}
+
+TEST(RainfallOutputCli, NetcdfThatFindsNoRoomEndsTheRun)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveCase(run, "RF Grid Format == NC\n");
+    std::filesystem::create_symlink("/dev/full", run.folder() / "rain.nc");
+    run.start();
+    EXPECT_TRUE(run.says("Netcdf error message: No space left on device"));
+    EXPECT_FALSE(run.says("Finished."));
 }
 
 TEST(RainfallOutputCli, NetcdfWithoutColumnsIsRefusedByTheLibrary)
