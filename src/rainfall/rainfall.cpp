@@ -20,6 +20,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -53,7 +54,10 @@ void allocateGrids(Rainfall& rain)
     constexpr std::uint64_t kBytes = 8;
     say("Allocating memory for rainfall depth and cumulative rainfall depth..");
     sayMemory(rain.grid, kBytes);
-    if (!rain.grids.step.allocate(rain.grid.nrows, rain.grid.ncols) ||
+    // A count at the limit stands for one past it.
+    constexpr std::int32_t kEndless = std::numeric_limits<std::int32_t>::max();
+    if (rain.grid.nrows == kEndless || rain.grid.ncols == kEndless ||
+        !rain.grids.step.allocate(rain.grid.nrows, rain.grid.ncols) ||
         !rain.grids.cumulative.allocate(rain.grid.nrows, rain.grid.ncols)) {
         failMemory();
     }

@@ -124,29 +124,35 @@ std::int64_t crossingColumn(double x1, double y1, double x2, double y2, double l
     return std::int64_t{truncateToInt(x / size)} + 1;
 }
 
-// The columns of one row where an edge is crossed; pairs in one column cancel out.
+// The columns of one row where an edge is crossed, which are three at most; two in one column cancel out.
 class Crossings {
 public:
+    Crossings() { columns_.fill(kNone); }
+
     void add(std::int32_t column)
     {
-        const auto end = columns_.begin() + count_;
-        const auto same = std::find(columns_.begin(), end, column);
-        if (same != end) {
-            std::copy(same + 1, end, same);
-            --count_;
+        const auto same = std::ranges::find(columns_, column);
+        if (same != columns_.end()) {
+            *same = kNone;
         } else {
-            columns_[static_cast<std::size_t>(count_++)] = column;
+            *std::ranges::find(columns_, kNone) = column;
         }
     }
-    std::span<std::int32_t> sorted()
+
+    // Calls `work` with the first column of each stretch inside and the one behind it: in from the first crossing, out
+    // from the second on, in again from the third on, up to `end`.
+    template <typename Work>
+    void forStretches(std::int32_t end, Work&& work)
     {
-        std::sort(columns_.begin(), columns_.begin() + count_);
-        return std::span(columns_).first(static_cast<std::size_t>(count_));
+        std::ranges::sort(columns_);
+        for (std::size_t i = 0; i < columns_.size() && columns_[i] != kNone; i += 2) {
+            work(columns_[i], std::min(columns_[i + 1], end));
+        }
     }
 
 private:
-    std::array<std::int32_t, 3> columns_{};
-    std::ptrdiff_t count_ = 0;
+    static constexpr std::int32_t kNone = std::numeric_limits<std::int32_t>::max();
+    std::array<std::int32_t, 4> columns_{};
 };
 
 } // namespace
@@ -195,14 +201,11 @@ void paintTriangle(std::int32_t number, const RfCorners& corners, const GridHead
                 crossings.add(static_cast<std::int32_t>(std::max<std::int64_t>(column, columns.from)));
             }
         }
-        // In from the first crossing, out from the second on, in again from the third on.
-        const std::span<const std::int32_t> turns = crossings.sorted();
-        for (std::size_t i = 0; i < turns.size(); i += 2) {
-            const std::int32_t end = i + 1 < turns.size() ? turns[i + 1] : columns.to + 1;
-            for (std::int32_t column = turns[i]; column < end; ++column) {
+        crossings.forStretches(columns.to + 1, [&](std::int32_t from, std::int32_t end) {
+            for (std::int32_t column = from; column < end; ++column) {
                 rf_cell_factors(row, column, number, corners, grid, tables);
             }
-        }
+        });
     }
 }
 

@@ -311,6 +311,10 @@ TEST(RainfallControlCli, RefusesGridsThatNoMemoryHolds)
                    "Allocating memory for rainfall depth and cumulative rainfall depth..",
                    "Memory required: -34359738kB", // 8 (2^31 - 1)^2 is 8 - 2^35 in 64 bits
                    "ERROR - Could not allocate enough memory (RAM)."});
+    expectRefusal(kNoGrid + "RF GRID Cell Size == 1\nRF GRID Size (X,Y) == 3e9, 2\n",
+                  {"Rainfall Grid Dimensions (N,M): 2147483647,2",
+                   "Allocating memory for rainfall depth and cumulative rainfall depth..",
+                   "Memory required: 34359738kB", "ERROR - Could not allocate enough memory (RAM)."});
     expectRefusal(kNoGrid + "RF GRID Cell Size == 1\nRF GRID Size (X,Y) == 1e9, 1e9\n",
                   {"Rainfall Grid Dimensions (N,M): 1000000000,1000000000",
                    "Allocating memory for rainfall depth and cumulative rainfall depth..",
