@@ -219,6 +219,15 @@ void SET_SUB_GRID_AREA(const float* u, const float* v, int32_t n, float size, in
                        int32_t* iLow, int32_t* jLow, int32_t* iHigh, int32_t* jHigh, float* umin, float* umax,
                        float* vmin, float* vmax);
 
+/* Marks the cells of a window that a region passes over on the middle line of their row: `flags` has a byte for each
+ * cell, row by row from the south, and gets 1 or 0. The region is laid out as for INSIDE_POLYGON; the window includes
+ * both its ends. Gives the count of marked cells. */
+int64_t grid_inside_polygon(const float* u, const float* v, int32_t np, const int32_t* ir, int32_t nr, float size,
+                            int32_t firstRow, int32_t lastRow, int32_t firstColumn, int32_t lastColumn, uint8_t* flags);
+/* The cells that the segment from point 1 to point 2 passes through, in its order, into arrays of `limit`; gives their
+ * count. More cells end the run. */
+int32_t gridline(float u1, float v1, float u2, float v2, float size, int32_t limit, int32_t* rows, int32_t* columns);
+
 /* --- Messages ------------------------------------------------------------------------------------------------------- */
 
 #define GRIDFORGE_MESSAGE_WIDTH 10000

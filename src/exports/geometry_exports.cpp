@@ -1,5 +1,6 @@
 // The plane under its plain names.
 #include "base/geometry.h"
+#include "base/lattice_cells.h"
 #include "exports/boundary.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <cstdint>
 #include <gridforge/gridforge.h>
 #include <span>
+#include <vector>
 
 using gridforge::answer;
 
@@ -212,5 +214,30 @@ void SET_SUB_GRID_AREA(const float* u, const float* v, std::int32_t n, float siz
     *umax = area.umax;
     *vmin = area.vmin;
     *vmax = area.vmax;
+}
+
+std::int64_t grid_inside_polygon(const float* u, const float* v, std::int32_t np, const std::int32_t* ir,
+                                 std::int32_t nr, float size, std::int32_t firstRow, std::int32_t lastRow,
+                                 std::int32_t firstColumn, std::int32_t lastColumn, std::uint8_t* flags)
+{
+    return answer([&] {
+        const gridforge::LatticeWindow window{firstRow, lastRow, firstColumn, lastColumn};
+        return gridforge::grid_inside_polygon(array(u, np), array(v, np), np, array(ir, nr), nr, size, window,
+                                              {flags, window.cells()});
+    });
+}
+
+std::int32_t gridline(float u1, float v1, float u2, float v2, float size, std::int32_t limit, std::int32_t* rows,
+                      std::int32_t* columns)
+{
+    return answer([&] {
+        std::vector<gridforge::LatticeCell> cells;
+        gridforge::gridline(u1, v1, u2, v2, size, limit, cells);
+        for (const gridforge::LatticeCell& cell : cells) {
+            *rows++ = cell.row;
+            *columns++ = cell.column;
+        }
+        return static_cast<std::int32_t>(cells.size());
+    });
 }
 }

@@ -1,3 +1,5 @@
+#include "support/child_run.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -158,6 +160,41 @@ TEST(ExportedAxes, ShiftAndWindow)
     // Rows by v: -1 is below the first, 12 in the second. Columns by u: 5 in the first, 25 past the second and last.
     EXPECT_THAT(cells, ElementsAre(0, 1, 2, 2));
     EXPECT_THAT(bounds, ElementsAre(5.0F, 25.0F, -1.0F, 12.0F));
+}
+
+TEST(ExportedCells, OfARegionAndOfASegment)
+{
+    // From (2.5, 2) to (7.5, 6) over cells of 2: columns 2 to 4 and rows 2 and 3 of a window of 5 by 4.
+    const std::array<float, 6> u = {2.5F, 7.5F, 7.5F, 2.5F, 2.5F, 7.5F};
+    const std::array<float, 6> v = {2, 2, 6, 6, 2, 2};
+    const std::array<std::int32_t, 1> ends = {5};
+    std::array<std::uint8_t, 20> flags{};
+    flags.fill(9);
+    EXPECT_EQ(::grid_inside_polygon(u.data(), v.data(), 6, ends.data(), 1, 2, 1, 4, 1, 5, flags.data()), 6);
+    EXPECT_THAT(flags, ElementsAre(0, 0, 0, 0, 0, //
+                                   0, 1, 1, 1, 0, //
+                                   0, 1, 1, 1, 0, //
+                                   0, 0, 0, 0, 0));
+    EXPECT_EQ(::grid_inside_polygon(u.data(), v.data(), 6, ends.data(), 1, 2, 2, 1, 1, 5, nullptr), 0); // no window
+
+    std::array<std::int32_t, 4> rows{};
+    std::array<std::int32_t, 4> columns{};
+    EXPECT_EQ(::gridline(1, 1, 5, 1, 2, 4, rows.data(), columns.data()), 3);
+    EXPECT_THAT(rows, ElementsAre(1, 1, 1, 0));
+    EXPECT_THAT(columns, ElementsAre(1, 2, 3, 0));
+}
+
+TEST(ExportedCells, MoreThanTheLimitEndTheRun)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        std::int32_t row = 0;
+        std::int32_t column = 0;
+        ::gridline(1, 1, 5, 1, 2, 1, &row, &column);
+    });
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.console, "SORRY - Exceeded limit of 1 HX cells per HX polyline segment.  Contact "
+                           "SUPPORT_CONTACT.\n\nPress Enter to Close\n");
 }
 
 } // namespace
