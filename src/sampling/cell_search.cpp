@@ -165,38 +165,4 @@ std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader&
     return nearest.result();
 }
 
-FoundExtremes extremeCells(const CellSearch& search, const GridHeader& header, const Grid& cells)
-{
-    const CellWindow& window = search.window;
-    assert(isWithinGrid(window, header));
-    FoundExtremes found;
-    float lowest = kNoValue;
-    float highest = -kNoValue;
-    for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
-        const double y = cornerY(header, row);
-        const auto rowCells = cells.row(row);
-        for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-            const float value = rowCells[static_cast<std::size_t>(column - 1)];
-            // The polygon comes last: few cells are extremes, and its test is dear.
-            if (value == header.null || !(value < lowest || value > highest)) {
-                continue;
-            }
-            const double x = cornerX(header, column);
-            if (!insideSearchPolygon(search.polygon, x, y)) {
-                continue;
-            }
-            const FoundCell cell{value, cornerDistance(search, x, y), x, y};
-            if (value < lowest) {
-                lowest = value;
-                found.lowest = cell;
-            }
-            if (value > highest) {
-                highest = value;
-                found.highest = cell;
-            }
-        }
-    }
-    return found;
-}
-
 } // namespace gridforge

@@ -1,5 +1,5 @@
-// Searches of the cells around a point: the nearest one with a value, and the lowest and highest. A cell counts where its
-// north-east corner lies inside the search polygon and it is not null.
+// The search of the cells around a point for the nearest one with a value. A cell counts where its north-east corner lies
+// inside the search polygon and it is not null.
 #pragma once
 
 #include "grid/grid.h"
@@ -33,12 +33,5 @@ CellSearch searchAround(const GridHeader& header, double x, double y, float diam
 // The nearest cell, of equally near ones the first by rows from the south, each from the west. The window must lie within
 // the grid. Goes outwards from the point, so it costs what lies nearer than the cell found.
 std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const Grid& cells);
-
-struct FoundExtremes {
-    std::optional<FoundCell> lowest;
-    std::optional<FoundCell> highest;
-};
-// The first of the lowest and the first of the highest cells in the same order.
-FoundExtremes extremeCells(const CellSearch& search, const GridHeader& header, const Grid& cells);
 
 } // namespace gridforge

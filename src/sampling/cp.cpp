@@ -9,6 +9,7 @@
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
 #include "grid/grid.h"
+#include "sampling/cell_extremes.h"
 #include "sampling/cell_search.h"
 #include "sampling/cp_config.h"
 #include "sampling/sampled_layer.h"
@@ -193,7 +194,8 @@ struct LastFound {
 class PointSampler {
 public:
     PointSampler(const RunSettings& settings, const Terrain& terrain, std::int32_t connections)
-        : settings_(settings), header_(terrain.header), cells_(terrain.cells), connections_(connections)
+        : settings_(settings), header_(terrain.header), cells_(terrain.cells), connections_(connections),
+          extremes_(terrain.header, terrain.cells)
     {
     }
 
@@ -230,7 +232,7 @@ private:
     {
         const CellSearch search = searchAround(header_, point.x, point.y, settings_.cpMinMaxDistance);
         if (isSearchable(search)) {
-            const FoundExtremes found = extremeCells(search, header_, cells_);
+            const FoundExtremes found = extremes_.find(search);
             if (found.lowest) {
                 last_.lowest = *found.lowest;
                 point.minimum = found.lowest->value;
@@ -255,6 +257,7 @@ private:
     const GridHeader& header_;
     const Grid& cells_;
     std::int32_t connections_;
+    ExtremeSearch extremes_;
     LastFound last_;
 };
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr float kNullCell = -9999.0F;
 
-// --- The plain forms: every cell of the window, row by row from the south --------------------------------------------
+// --- The plain form: every cell of the window, row by row from the south --------------------------------------------
 
 std::optional<FoundCell> plainNearest(const CellSearch& s, const GridHeader& h, const Grid& cells)
 {
@@ -33,31 +33,6 @@ std::optional<FoundCell> plainNearest(const CellSearch& s, const GridHeader& h, 
         }
     }
     return best;
-}
-
-FoundExtremes plainExtremes(const CellSearch& s, const GridHeader& h, const Grid& cells)
-{
-    FoundExtremes found;
-    float low = 99999.0F;
-    float high = -99999.0F;
-    for (std::int32_t r = s.window.firstRow; r <= s.window.lastRow; ++r) {
-        for (std::int32_t c = s.window.firstColumn; c <= s.window.lastColumn; ++c) {
-            const double x = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8;
-            const double y = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8;
-            if (!insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
-                continue;
-            }
-            if (cells(r, c) < low) {
-                low = cells(r, c);
-                found.lowest = FoundCell{low, DISTANCE_8(s.x, s.y, x, y), x, y};
-            }
-            if (cells(r, c) > high) {
-                high = cells(r, c);
-                found.highest = FoundCell{high, DISTANCE_8(s.x, s.y, x, y), x, y};
-            }
-        }
-    }
-    return found;
 }
 
 void expectSame(const std::optional<FoundCell>& found, const std::optional<FoundCell>& wanted)
@@ -112,7 +87,7 @@ double placeOn(double origin, double cellsize, std::int32_t count, std::mt19937&
     }
 }
 
-TEST(CellSearch, FindsWhatThePlainLoopsFind)
+TEST(CellSearch, FindsWhatThePlainLoopFinds)
 {
     std::mt19937 random(20240611);
     std::uniform_real_distribution<float> share(0, 120);
@@ -133,10 +108,6 @@ TEST(CellSearch, FindsWhatThePlainLoopsFind)
             const auto wanted = plainNearest(search, h, made.cells);
             found += wanted ? 1 : 0;
             expectSame(nearestCell(search, h, made.cells), wanted);
-            const FoundExtremes extremes = extremeCells(search, h, made.cells);
-            const FoundExtremes plain = plainExtremes(search, h, made.cells);
-            expectSame(extremes.lowest, plain.lowest);
-            expectSame(extremes.highest, plain.highest);
             ASSERT_FALSE(testing::Test::HasFailure()) << "grid " << grid << ", point " << point;
         }
     }
@@ -211,20 +182,6 @@ TEST(NearestCell, FindsNothingAt99999OrFurther)
     EXPECT_FALSE(from(99999));
     ASSERT_TRUE(from(99998));
     EXPECT_EQ(from(99998)->distance, 99998.0F);
-}
-
-TEST(ExtremeCells, KeepTheFirstOfEqualOnes)
-{
-    Made made;
-    numbered(made, 9, 9);
-    for (float& cell : made.cells.cells()) {
-        cell = 3;
-    }
-    const FoundExtremes found = extremeCells(searchAround(made.header, 4.5, 4.5, 2.0F), made.header, made.cells);
-    EXPECT_EQ(found.lowest->x, 4);
-    EXPECT_EQ(found.lowest->y, 4);
-    EXPECT_EQ(found.highest->x, 4);
-    EXPECT_EQ(found.highest->y, 4);
 }
 
 } // namespace

@@ -1,0 +1,81 @@
+// The lowest and the highest cell around points, for many points of one grid.
+#pragma once
+
+#include "grid/grid.h"
+#include "sampling/cell_search.h"
+#include "sampling/inside_cells.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace gridforge {
+
+struct FoundExtremes {
+    std::optional<FoundCell> lowest;
+    std::optional<FoundCell> highest;
+};
+
+// Remembers the extremes of tiles of cells. A tile is looked through when a search reaches it for the first time; later
+// ones cost the tiles of their window and the rows that may hold something lower or higher than what the tiles tell.
+class ExtremeSearch {
+public:
+    // The grid must stay.
+    ExtremeSearch(const GridHeader& header, const Grid& cells) : header_(header), cells_(cells) {}
+
+    // Of the cells that nearestCell looks at the first of the lowest and the first of the highest, by rows from the south,
+    // each from the west; cells of 99999 or more are no lowest, those of -99999 or less no highest ones. The window must
+    // lie within the grid.
+    FoundExtremes find(const CellSearch& search);
+
+private:
+    struct Range {
+        float low = kNoValue;
+        float high = -kNoValue;
+    };
+    struct Tile {
+        bool known = false;
+        Range range;
+        std::int32_t lowRow = 0;
+        std::int32_t lowColumn = 0;
+        std::int32_t highRow = 0;
+        std::int32_t highColumn = 0;
+    };
+    // Tiles of a window, counted from 0, both ends included.
+    struct TileWindow {
+        std::int32_t firstRow = 0;
+        std::int32_t lastRow = 0;
+        std::int32_t firstColumn = 0;
+        std::int32_t lastColumn = 0;
+    };
+    // What is found so far: only cells beyond the range are of interest.
+    struct Extremes {
+        Range range;
+        std::int32_t lowRow = 0; // 0: none
+        std::int32_t lowColumn = 0;
+        std::int32_t highRow = 0;
+        std::int32_t highColumn = 0;
+    };
+
+    static Range rangeOf(std::span<const float> cells, float null);
+    static bool mayHold(const Range& cells, const Range& found);
+    Tile& tile(std::int32_t tileRow, std::int32_t tileColumn);
+    std::span<Range> rowPieces(std::int32_t row, const TileWindow& tiles);
+    void lookThrough(std::int32_t tileRow, std::int32_t tileColumn);
+    void know(const TileWindow& tiles);
+    Range rangeToBeat(const CellSearch& search, const TileWindow& tiles);
+    bool tilesMayHold(std::int32_t tileRow, const TileWindow& tiles, const Range& found);
+    void searchRow(const CellSearch& search, std::int32_t row, const TileWindow& tiles, Extremes& found);
+    void searchCells(std::int32_t row, std::int32_t first, std::int32_t last, Extremes& found) const;
+    FoundCell foundCell(const CellSearch& search, std::int32_t row, std::int32_t column) const;
+
+    const GridHeader& header_;
+    const Grid& cells_;
+    std::int32_t tilesAcross_ = 0; // 0 before the first search
+    std::vector<Range> pieces_;    // of each row, by its tile columns
+    std::vector<Tile> tiles_;
+    InsideWalk walk_;
+};
+
+} // namespace gridforge

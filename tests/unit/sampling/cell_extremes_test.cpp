@@ -1,0 +1,186 @@
+#include "sampling/cell_extremes.h"
+
+#include "base/geometry.h"
+
+#include <array>
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+
+namespace gridforge::test {
+namespace {
+
+constexpr float kNullCell = -9999.0F;
+
+// The plain form: every cell of the window, row by row from the south.
+FoundExtremes plainExtremes(const CellSearch& s, const GridHeader& h, const Grid& cells)
+{
+    FoundExtremes found;
+    float low = 99999.0F;
+    float high = -99999.0F;
+    for (std::int32_t r = s.window.firstRow; r <= s.window.lastRow; ++r) {
+        for (std::int32_t c = s.window.firstColumn; c <= s.window.lastColumn; ++c) {
+            const double x = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8;
+            const double y = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8;
+            if (!insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
+                continue;
+            }
+            if (cells(r, c) < low) {
+                low = cells(r, c);
+                found.lowest = FoundCell{low, DISTANCE_8(s.x, s.y, x, y), x, y};
+            }
+            if (cells(r, c) > high) {
+                high = cells(r, c);
+                found.highest = FoundCell{high, DISTANCE_8(s.x, s.y, x, y), x, y};
+            }
+        }
+    }
+    return found;
+}
+
+void expectSame(const std::optional<FoundCell>& found, const std::optional<FoundCell>& wanted)
+{
+    ASSERT_EQ(found.has_value(), wanted.has_value());
+    if (found) {
+        EXPECT_EQ(found->value, wanted->value);
+        EXPECT_EQ(std::signbit(found->value), std::signbit(wanted->value)); // of zeros
+        EXPECT_EQ(found->distance, wanted->distance);
+        EXPECT_EQ(found->x, wanted->x);
+        EXPECT_EQ(found->y, wanted->y);
+    }
+}
+
+struct Made {
+    GridHeader header;
+    Grid cells;
+};
+
+void setLattice(Made& made, std::int32_t rows, std::int32_t columns, bool far, float cellsize)
+{
+    GridHeader& h = made.header;
+    h.nrows = rows;
+    h.ncols = columns;
+    h.null = kNullCell;
+    h.xll = far ? 499403.841857712 : 0;
+    h.yll = far ? 6173739.2532704433 : 0;
+    h.cellsize = cellsize;
+    h.cellsize8 = static_cast<double>(cellsize);
+    ASSERT_TRUE(made.cells.allocate(rows, columns));
+}
+
+// Surfaces on which one pass after another has to look into rows: slopes, a hill, a bowl, steps of equal cells, noise,
+// and cells of no ordinary value.
+float surface(int kind, double x, double y, std::mt19937& random)
+{
+    const auto noise = [&] { return static_cast<float>(random() % 1000) * 0.01F; };
+    switch (kind) {
+    case 0: return static_cast<float>(x + 2 * y);
+    case 1: return static_cast<float>(-y);
+    case 2: return static_cast<float>(-std::hypot(x - 100, y - 90));
+    case 3: return static_cast<float>(std::hypot(x - 100, y - 90));
+    case 4: return static_cast<float>(std::floor(x / 40) - std::floor(y / 30));
+    case 5: return 7.0F;
+    case 6: return noise();
+    default: {
+        constexpr std::array<float, 8> kOdd = {0.0F,
+                                               -0.0F,
+                                               std::numeric_limits<float>::quiet_NaN(),
+                                               std::numeric_limits<float>::infinity(),
+                                               -std::numeric_limits<float>::infinity(),
+                                               99999.0F,
+                                               -99999.0F,
+                                               1e-45F};
+        return random() % 50 == 0 ? kOdd[random() % kOdd.size()] : std::floor(noise());
+    }
+    }
+}
+
+// A point anywhere, or on a corner or the middle of a cell.
+double placeOn(double origin, double cellsize, std::int32_t count, std::mt19937& random)
+{
+    std::uniform_real_distribution<double> anywhere(-1, static_cast<double>(count) + 1);
+    const double cell = anywhere(random);
+    switch (random() % 3) {
+    case 0: return origin + cell * cellsize;
+    case 1: return origin + std::floor(cell) * cellsize;
+    default: return origin + (std::floor(cell) + 0.5) * cellsize;
+    }
+}
+
+TEST(CellExtremes, AreThoseOfThePlainLoop)
+{
+    std::mt19937 random(20240611);
+    int searched = 0;
+    int found = 0;
+    for (int grid = 0; grid < 160; ++grid) {
+        Made made;
+        const auto size = [&] {
+            return static_cast<std::int32_t>(grid % 4 == 0 ? 1 + random() % 70 : 60 + random() % 220);
+        };
+        setLattice(made, size(), size(), random() % 2 == 0,
+                   std::array{1.0F, 0.99993681F, 2.5F, 100.0F}[static_cast<std::size_t>(grid / 8) % 4]);
+        const GridHeader& h = made.header;
+        const auto nulls = std::array{0U, 10U, 50U, 99U, 100U}[static_cast<std::size_t>(grid) % 5];
+        for (std::int32_t r = 1; r <= h.nrows; ++r) {
+            for (std::int32_t c = 1; c <= h.ncols; ++c) {
+                made.cells(r, c) = random() % 100 < nulls ? kNullCell : surface(grid % 8, c, r, random);
+            }
+        }
+        ExtremeSearch extremes(h, made.cells);
+        std::uniform_real_distribution<float> share(0, static_cast<float>(std::min(h.nrows, h.ncols)));
+        for (int point = 0; point < 20; ++point) {
+            const double x = placeOn(h.xll, h.cellsize8, h.ncols, random);
+            const double y = placeOn(h.yll, h.cellsize8, h.nrows, random);
+            const CellSearch search = searchAround(h, x, y, share(random) * h.cellsize);
+            if (!isWithinGrid(search.window, h)) {
+                continue;
+            }
+            const FoundExtremes wanted = plainExtremes(search, h, made.cells);
+            const FoundExtremes got = extremes.find(search);
+            expectSame(got.lowest, wanted.lowest);
+            expectSame(got.highest, wanted.highest);
+            ASSERT_FALSE(testing::Test::HasFailure()) << "grid " << grid << ", point " << point;
+            ++searched;
+            found += wanted.lowest ? 1 : 0;
+        }
+    }
+    EXPECT_GT(searched, 800);
+    EXPECT_GT(found, 500);
+    EXPECT_LT(found, searched);
+}
+
+TEST(CellExtremes, KeepTheFirstOfEqualOnes)
+{
+    Made made;
+    setLattice(made, 200, 200, false, 1.0F);
+    for (float& cell : made.cells.cells()) {
+        cell = 3;
+    }
+    ExtremeSearch extremes(made.header, made.cells);
+    const FoundExtremes near = extremes.find(searchAround(made.header, 4.5, 4.5, 2.0F));
+    EXPECT_EQ(near.lowest->x, 4);
+    EXPECT_EQ(near.lowest->y, 4);
+    EXPECT_EQ(near.highest->x, 4);
+    EXPECT_EQ(near.highest->y, 4);
+    // Over many tiles: the southern vertex of the polygon is at 50.5, and half a unit above it the sides are 0.5 / tan 15 =
+    // 1.87 to each side, from 98.63 on.
+    const FoundExtremes wide = extremes.find(searchAround(made.header, 100.5, 100.5, 100.0F));
+    EXPECT_EQ(wide.lowest->y, 51);
+    EXPECT_EQ(wide.lowest->x, 99);
+    EXPECT_EQ(wide.highest->x, 99);
+}
+
+TEST(CellExtremes, OfAnEmptyWindowAreNone)
+{
+    Made made;
+    setLattice(made, 9, 9, false, 1.0F);
+    ExtremeSearch extremes(made.header, made.cells);
+    const FoundExtremes found = extremes.find(searchAround(made.header, 4.5, 4.5, -4.0F));
+    EXPECT_FALSE(found.lowest);
+    EXPECT_FALSE(found.highest);
+}
+
+} // namespace
+} // namespace gridforge::test
