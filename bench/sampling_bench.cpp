@@ -9,9 +9,11 @@
 #include "sampling/lp.h"
 #include "sampling/na.h"
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -75,13 +77,33 @@ void nearest(benchmark::State& state)
 {
     const Made& m = made();
     for (auto _ : state) {
+        EmptyTiles tiles(m.header, m.cells);
         for (std::size_t i = 0; i < kPoints; ++i) {
-            benchmark::DoNotOptimize(nearestCell(searchOf(i, state.range(0)), m.header, m.cells));
+            benchmark::DoNotOptimize(nearestCell(searchOf(i, state.range(0)), m.header, m.cells, tiles));
         }
     }
     state.SetItemsProcessed(state.iterations() * kPoints);
 }
 BENCHMARK(nearest)->Arg(20)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+// On a grid of nulls.
+void nearestOfNothing(benchmark::State& state)
+{
+    const Made& m = made();
+    Grid dry;
+    if (!dry.allocate(kSide, kSide)) {
+        std::abort();
+    }
+    std::ranges::fill(dry.cells(), m.header.null);
+    for (auto _ : state) {
+        EmptyTiles tiles(m.header, dry);
+        for (std::size_t i = 0; i < kPoints; ++i) {
+            benchmark::DoNotOptimize(nearestCell(searchOf(i, state.range(0)), m.header, dry, tiles));
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * kPoints);
+}
+BENCHMARK(nearestOfNothing)->Arg(20)->Arg(1000)->Unit(benchmark::kMillisecond);
 
 // Every cell of the window, the polygon asked last.
 FoundExtremes plainExtremes(const CellSearch& search, const GridHeader& header, const Grid& cells)

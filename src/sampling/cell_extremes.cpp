@@ -1,6 +1,7 @@
 #include "sampling/cell_extremes.h"
 
 #include "base/geometry.h"
+#include "sampling/cell_tiles.h"
 
 #include <algorithm>
 #include <array>
@@ -11,13 +12,6 @@
 namespace gridforge {
 
 namespace {
-
-constexpr std::int32_t kTile = 64; // rows and columns
-
-std::int32_t tileOf(std::int32_t rowOrColumn)
-{
-    return (rowOrColumn - 1) / kTile;
-}
 
 bool isInWindow(const CellWindow& window, std::int32_t row, std::int32_t column)
 {
@@ -75,14 +69,14 @@ void ExtremeSearch::lookThrough(std::int32_t tileRow, std::int32_t tileColumn)
 {
     Tile& tile = this->tile(tileRow, tileColumn);
     const TileWindow alone = {tileRow, tileRow, tileColumn, tileColumn};
-    const std::int32_t first = tileColumn * kTile + 1;
-    const std::int32_t last = std::min(first + (kTile - 1), header_.ncols);
-    const std::int32_t lastRow = std::min((tileRow + 1) * kTile, header_.nrows);
+    const std::int32_t first = firstOfTile(tileColumn);
+    const std::int32_t last = std::min(first + (kTileSide - 1), header_.ncols);
+    const std::int32_t lastRow = std::min(firstOfTile(tileRow) + (kTileSide - 1), header_.nrows);
     const auto columnOf = [&](std::int32_t row, float value) {
         const auto cells = cellsOfRun(cells_, row, first, last - first + 1);
         return first + static_cast<std::int32_t>(std::ranges::find(cells, value) - cells.begin());
     };
-    for (std::int32_t row = tileRow * kTile + 1; row <= lastRow; ++row) {
+    for (std::int32_t row = firstOfTile(tileRow); row <= lastRow; ++row) {
         const Range piece = rangeOf(cellsOfRun(cells_, row, first, last - first + 1), header_.null);
         rowPieces(row, alone).front() = piece;
         if (piece.low < tile.range.low) {
@@ -180,7 +174,7 @@ void ExtremeSearch::searchRow(const CellSearch& search, std::int32_t row, const 
         const std::int32_t last = search.window.firstColumn + static_cast<std::int32_t>(run.to) - 1;
         for (std::int32_t first = search.window.firstColumn + static_cast<std::int32_t>(run.from); first <= last;) {
             const std::int32_t tileColumn = tileOf(first);
-            const std::int32_t lastOfPiece = std::min((tileColumn + 1) * kTile, last);
+            const std::int32_t lastOfPiece = std::min(firstOfTile(tileColumn) + (kTileSide - 1), last);
             if (mayHold(pieces[static_cast<std::size_t>(tileColumn - tiles.firstColumn)], found.range)) {
                 searchCells(row, first, lastOfPiece, found);
             }
@@ -215,8 +209,8 @@ FoundExtremes ExtremeSearch::find(const CellSearch& search)
         if (!tilesMayHold(tileRow, tiles, found.range)) {
             continue;
         }
-        const std::int32_t lastRow = std::min((tileRow + 1) * kTile, window.lastRow);
-        for (std::int32_t row = std::max(tileRow * kTile + 1, window.firstRow); row <= lastRow; ++row) {
+        const std::int32_t lastRow = std::min(firstOfTile(tileRow) + (kTileSide - 1), window.lastRow);
+        for (std::int32_t row = std::max(firstOfTile(tileRow), window.firstRow); row <= lastRow; ++row) {
             searchRow(search, row, tiles, found);
         }
     }

@@ -16,9 +16,6 @@ CellSearch searchAround(const GridHeader& header, double x, double y, float diam
 
 namespace {
 
-// Cells that are looked over for nulls in one go.
-constexpr std::int64_t kPiece = 64;
-
 float cornerDistance(const CellSearch& search, double cornerX, double cornerY)
 {
     return DISTANCE_8(search.x, search.y, cornerX, cornerY);
@@ -42,21 +39,18 @@ std::int32_t firstNotBelow(std::int32_t first, std::int32_t last, double target,
     return static_cast<std::int32_t>(low);
 }
 
-bool allNull(std::span<const float> cells, float null)
-{
-    int values = 0;
-    for (const float cell : cells) {
-        values |= static_cast<int>(cell != null);
-    }
-    return values == 0;
-}
+// The row of tiles that was asked for last.
+struct TileRowMemory {
+    std::int32_t tileRow = -1;
+    bool empty = false;
+};
 
 // The best cell so far. Rows and columns come in the order of their distance, so equally near cells are told apart by
 // their place.
 class NearestSearch {
 public:
-    NearestSearch(const CellSearch& search, const GridHeader& header, const Grid& cells)
-        : search_(search), header_(header), cells_(cells)
+    NearestSearch(const CellSearch& search, const GridHeader& header, const Grid& cells, EmptyTiles& tiles)
+        : search_(search), header_(header), cells_(cells), tiles_(tiles)
     {
     }
 
@@ -71,38 +65,51 @@ public:
         y_ = cornerY(header_, row);
         rowCells_ = cells_.row(row);
         const CellWindow& window = search_.window;
-        for (std::int64_t from = split; from <= window.lastColumn && !isBeyond(distanceOf(from)); from += kPiece) {
-            const std::int64_t to = std::min<std::int64_t>(window.lastColumn, from + (kPiece - 1));
+        for (std::int32_t from = split; from <= window.lastColumn && !isBeyond(distanceOf(from));) {
+            const std::int32_t to = std::min(window.lastColumn, firstOfTile(tileOf(from)) + (kTileSide - 1));
             if (hasValues(from, to)) {
-                for (std::int64_t column = from; column <= to; ++column) {
-                    consider(static_cast<std::int32_t>(column));
+                for (std::int32_t column = from; column <= to; ++column) {
+                    consider(column);
                 }
             }
+            from = to + 1;
         }
-        for (std::int64_t from = std::int64_t{split} - 1; from >= window.firstColumn && !isBeyond(distanceOf(from));
-             from -= kPiece) {
-            const std::int64_t to = std::max<std::int64_t>(window.firstColumn, from - (kPiece - 1));
+        for (std::int32_t from = split - 1; from >= window.firstColumn && !isBeyond(distanceOf(from));) {
+            const std::int32_t to = std::max(window.firstColumn, firstOfTile(tileOf(from)));
             if (hasValues(to, from)) {
-                for (std::int64_t column = from; column >= to; --column) {
-                    consider(static_cast<std::int32_t>(column));
+                for (std::int32_t column = from; column >= to; --column) {
+                    consider(column);
                 }
             }
+            from = to - 1;
         }
+    }
+
+    // No tile that the row crosses within the window holds a value.
+    bool isEmptyRow(std::int32_t row, TileRowMemory& memory)
+    {
+        if (memory.tileRow != tileOf(row)) {
+            memory.tileRow = tileOf(row);
+            memory.empty = true;
+            for (std::int32_t column = tileOf(search_.window.firstColumn);
+                 memory.empty && column <= tileOf(search_.window.lastColumn); ++column) {
+                memory.empty = tiles_.isEmpty(memory.tileRow, column);
+            }
+        }
+        return memory.empty;
     }
 
     std::optional<FoundCell> result() const { return found_ ? std::optional(best_) : std::nullopt; }
 
 private:
-    float distanceOf(std::int64_t column) const
-    {
-        return cornerDistance(search_, cornerX(header_, static_cast<std::int32_t>(column)), y_);
-    }
+    float distanceOf(std::int32_t column) const { return cornerDistance(search_, cornerX(header_, column), y_); }
 
-    bool hasValues(std::int64_t first, std::int64_t last) const
+    // Of columns in one tile.
+    bool hasValues(std::int32_t first, std::int32_t last) const
     {
-        return !allNull(
-            rowCells_.subspan(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(last - first + 1)),
-            header_.null);
+        const auto piece =
+            rowCells_.subspan(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(last - first + 1));
+        return !tiles_.isEmpty(tileOf(row_), tileOf(first)) && !allNull(piece, header_.null);
     }
 
     void consider(std::int32_t column)
@@ -126,6 +133,7 @@ private:
     const CellSearch& search_;
     const GridHeader& header_;
     const Grid& cells_;
+    EmptyTiles& tiles_;
     FoundCell best_{0, kNoValue, 0, 0};
     std::int32_t bestRow_ = 0;
     std::int32_t bestColumn_ = 0;
@@ -137,7 +145,8 @@ private:
 
 } // namespace
 
-std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const Grid& cells)
+std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const Grid& cells,
+                                     EmptyTiles& tiles)
 {
     const CellWindow& window = search.window;
     assert(isWithinGrid(window, header));
@@ -152,7 +161,9 @@ std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader&
 
     // No cell of a row is nearer than the row: single-precision distances keep the order of their parts.
     const auto rowDistance = [&](std::int32_t row) { return cornerDistance(search, search.x, cornerY(header, row)); };
-    NearestSearch nearest(search, header, cells);
+    NearestSearch nearest(search, header, cells, tiles);
+    TileRowMemory northTiles;
+    TileRowMemory southTiles;
     while (north <= window.lastRow || south >= window.firstRow) {
         const bool goNorth =
             south < window.firstRow || (north <= window.lastRow && rowDistance(north) < rowDistance(south));
@@ -160,7 +171,9 @@ std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader&
         if (nearest.isBeyond(rowDistance(row))) {
             break;
         }
-        nearest.searchRow(row, split);
+        if (!nearest.isEmptyRow(row, goNorth ? northTiles : southTiles)) {
+            nearest.searchRow(row, split);
+        }
     }
     return nearest.result();
 }

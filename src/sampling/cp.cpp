@@ -11,6 +11,7 @@
 #include "grid/grid.h"
 #include "sampling/cell_extremes.h"
 #include "sampling/cell_search.h"
+#include "sampling/cell_tiles.h"
 #include "sampling/cp_config.h"
 #include "sampling/sampled_layer.h"
 
@@ -195,7 +196,7 @@ class PointSampler {
 public:
     PointSampler(const RunSettings& settings, const Terrain& terrain, std::int32_t connections)
         : settings_(settings), header_(terrain.header), cells_(terrain.cells), connections_(connections),
-          extremes_(terrain.header, terrain.cells)
+          emptyTiles_(terrain.header, terrain.cells), extremes_(terrain.header, terrain.cells)
     {
     }
 
@@ -219,7 +220,8 @@ private:
     void sampleNearest(CalibrationPoint& point)
     {
         const CellSearch search = searchAround(header_, point.x, point.y, settings_.cpSearchDistance);
-        if (const auto found = isSearchable(search) ? nearestCell(search, header_, cells_) : std::nullopt) {
+        if (const auto found =
+                isSearchable(search) ? nearestCell(search, header_, cells_, emptyTiles_) : std::nullopt) {
             last_.nearest = *found;
             point.modelled = found->value;
             point.distance = found->distance;
@@ -257,6 +259,7 @@ private:
     const GridHeader& header_;
     const Grid& cells_;
     std::int32_t connections_;
+    EmptyTiles emptyTiles_;
     ExtremeSearch extremes_;
     LastFound last_;
 };

@@ -2,6 +2,7 @@
 
 #include "base/geometry.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -56,7 +57,7 @@ struct Made {
 // Cells get numbers of their own but for a few equal ones; `nulls` of 100 are null.
 void make(Made& made, std::mt19937& random, int nulls)
 {
-    std::uniform_int_distribution<int> size(1, 150);
+    std::uniform_int_distribution<int> size(1, 200);
     std::uniform_int_distribution<int> hundred(0, 99);
     GridHeader& h = made.header;
     h.nrows = size(random);
@@ -72,6 +73,16 @@ void make(Made& made, std::mt19937& random, int nulls)
     for (float& cell : made.cells.cells()) {
         number += 1;
         cell = hundred(random) < nulls ? kNullCell : hundred(random) < 20 ? 7.0F : number;
+    }
+    // Whole blocks of nulls, as dry land.
+    for (int block = hundred(random) % 4; block > 0; --block) {
+        const std::int32_t row = size(random);
+        const std::int32_t column = size(random);
+        for (std::int32_t r = row; r <= std::min(row + 90, h.nrows); ++r) {
+            for (std::int32_t c = column; c <= std::min(column + 90, h.ncols); ++c) {
+                made.cells(r, c) = kNullCell;
+            }
+        }
     }
 }
 
@@ -97,6 +108,7 @@ TEST(CellSearch, FindsWhatThePlainLoopFinds)
         Made made;
         make(made, random, std::array{0, 50, 95, 99, 100}[static_cast<std::size_t>(grid) % 5]);
         const GridHeader& h = made.header;
+        EmptyTiles tiles(h, made.cells);
         for (int point = 0; point < 30; ++point) {
             const double x = placeOn(h.xll, h.cellsize8, h.ncols, random);
             const double y = placeOn(h.yll, h.cellsize8, h.nrows, random);
@@ -107,7 +119,7 @@ TEST(CellSearch, FindsWhatThePlainLoopFinds)
             ++searched;
             const auto wanted = plainNearest(search, h, made.cells);
             found += wanted ? 1 : 0;
-            expectSame(nearestCell(search, h, made.cells), wanted);
+            expectSame(nearestCell(search, h, made.cells, tiles), wanted);
             ASSERT_FALSE(testing::Test::HasFailure()) << "grid " << grid << ", point " << point;
         }
     }
@@ -133,25 +145,32 @@ void numbered(Made& made, std::int32_t rows, std::int32_t columns)
     }
 }
 
+// By tiles of which nothing is known yet.
+std::optional<FoundCell> nearest(const Made& made, const CellSearch& search)
+{
+    EmptyTiles tiles(made.header, made.cells);
+    return nearestCell(search, made.header, made.cells, tiles);
+}
+
 TEST(NearestCell, OfEquallyNearOnesTakesTheFirstFromTheSouthWest)
 {
     Made made;
     numbered(made, 9, 9);
     const CellSearch search = searchAround(made.header, 4.5, 4.5, 6.0F);
-    EXPECT_EQ(nearestCell(search, made.header, made.cells)->value, 44); // corners (4, 4), (5, 4), (4, 5), (5, 5)
+    EXPECT_EQ(nearest(made, search)->value, 44); // corners (4, 4), (5, 4), (4, 5), (5, 5)
     made.cells(4, 4) = kNullCell;
-    EXPECT_EQ(nearestCell(search, made.header, made.cells)->value, 45);
+    EXPECT_EQ(nearest(made, search)->value, 45);
     made.cells(4, 5) = kNullCell;
-    EXPECT_EQ(nearestCell(search, made.header, made.cells)->value, 54);
+    EXPECT_EQ(nearest(made, search)->value, 54);
     made.cells(5, 4) = kNullCell;
-    EXPECT_EQ(nearestCell(search, made.header, made.cells)->value, 55);
+    EXPECT_EQ(nearest(made, search)->value, 55);
 }
 
 TEST(NearestCell, MeasuresToTheNorthEastCorner)
 {
     Made made;
     numbered(made, 9, 9);
-    const auto found = nearestCell(searchAround(made.header, 4.3, 4.4, 4.0F), made.header, made.cells);
+    const auto found = nearest(made, searchAround(made.header, 4.3, 4.4, 4.0F));
     EXPECT_EQ(found->value, 44); // the cell (5, 5) holds the point, but its corner is further
     EXPECT_FLOAT_EQ(found->distance, 0.5F);
     EXPECT_EQ(found->x, 4);
@@ -162,8 +181,8 @@ TEST(NearestCell, FindsNothingBeyondThePolygonOrInAnEmptyWindow)
 {
     Made made;
     numbered(made, 9, 9);
-    EXPECT_FALSE(nearestCell(searchAround(made.header, 4.5, 4.5, 1.0F), made.header, made.cells)); // corners 0.71 away
-    EXPECT_FALSE(nearestCell(searchAround(made.header, 4.5, 4.5, -4.0F), made.header, made.cells));
+    EXPECT_FALSE(nearest(made, searchAround(made.header, 4.5, 4.5, 1.0F))); // corners 0.71 away
+    EXPECT_FALSE(nearest(made, searchAround(made.header, 4.5, 4.5, -4.0F)));
 }
 
 TEST(NearestCell, FindsNothingAt99999OrFurther)
@@ -177,7 +196,7 @@ TEST(NearestCell, FindsNothingAt99999OrFurther)
     }
     made.cells(5, 5) = 55; // its corner is (500000, 500000)
     const auto from = [&](double distance) {
-        return nearestCell(searchAround(made.header, 500000 - distance, 500000, 300000.0F), made.header, made.cells);
+        return nearest(made, searchAround(made.header, 500000 - distance, 500000, 300000.0F));
     };
     EXPECT_FALSE(from(99999));
     ASSERT_TRUE(from(99998));

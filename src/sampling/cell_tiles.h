@@ -1,0 +1,47 @@
+// Square tiles of the cells of a grid, what is known of them serving one search after another.
+#pragma once
+
+#include "grid/grid.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace gridforge {
+
+inline constexpr std::int32_t kTileSide = 64; // rows and columns
+
+// The row or column of tiles, from 0, of a row or column of cells.
+inline std::int32_t tileOf(std::int32_t rowOrColumn)
+{
+    return (rowOrColumn - 1) / kTileSide;
+}
+
+inline std::int32_t firstOfTile(std::int32_t tile)
+{
+    return tile * kTileSide + 1;
+}
+
+// Which tiles hold nothing but null. A tile is looked through when it is asked for the first time.
+class EmptyTiles {
+public:
+    // The grid must stay.
+    EmptyTiles(const GridHeader& header, const Grid& cells) : header_(header), cells_(cells) {}
+
+    bool isEmpty(std::int32_t tileRow, std::int32_t tileColumn);
+
+private:
+    enum class State : std::uint8_t { unknown, empty, filled };
+
+    bool holdsNulls(std::int32_t tileRow, std::int32_t tileColumn) const;
+
+    const GridHeader& header_;
+    const Grid& cells_;
+    std::vector<State> states_; // none before the first question
+};
+
+// True where all of the cells are null.
+bool allNull(std::span<const float> cells, float null);
+
+} // namespace gridforge
