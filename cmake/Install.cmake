@@ -1,8 +1,9 @@
 # What an installation holds, and the Debian package of it. The manual and the examples tell their own files.
 install(TARGETS gridforge RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${PROJECT_SOURCE_DIR}/include/gridforge/gridforge.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/gridforge)
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs/operations docs/formats DESTINATION ${CMAKE_INSTALL_DOCDIR})
+# As they lie in the tree, so that their links hold.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN "*.py" EXCLUDE)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "${GRIDFORGE_SUPPORT_CONTACT} <gridforge@localhost>")

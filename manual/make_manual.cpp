@@ -129,8 +129,10 @@ gridforge \-b \-remap \-wl level.asc \-dem terrain.asc
 .EE
 .RE
 .SH SEE ALSO
-The pages on each operation and on the formats of files come with the tool, in the folder
-.I operations
+The pages on each operation and on the formats of files come with the tool, in
+.I docs/operations
+and
+.I docs/formats
 of its documentation.
 Programs in C that are loaded into the tool find its routines in
 .IR gridforge/gridforge.h .

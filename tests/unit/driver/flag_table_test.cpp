@@ -226,9 +226,9 @@ TEST(FlagTable, DefaultsAreThoseOfFreshSettings)
         {"fb", text(fresh.freeboard)},
         {"bd", text(fresh.bufferDistance)},
         {"decimal", AINTEGER(fresh.decimals)},
-        {"idw_npt", "12"}, // of the remap
-        {"resize", ""},    // without default: the operation needs them
-        {"default_n", ""},
+        {"idw_npt", "12"},      // of the remap
+        {"default_n", "-9999"}, // of the sections
+        {"resize", ""},         // without default: the operation needs it
     };
     for (const FlagRow& row : flagTable()) {
         if (row.value == gluedReal || row.value == gluedInteger) {

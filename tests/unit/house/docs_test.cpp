@@ -119,6 +119,24 @@ TEST(Docs, LinksLeadSomewhere)
     EXPECT_GT(links, 20U) << "hardly any link was found: does the reading of the pages still work?";
 }
 
+TEST(Docs, EveryPageIsReachedFromAnother)
+{
+    std::set<fs::path> reached;
+    for (const fs::path& document : documents()) {
+        for (const std::string& link : linksIn(readWhole(document))) {
+            const fs::path target = (document.parent_path() / link.substr(0, link.find('#'))).lexically_normal();
+            if (target != document.lexically_normal()) {
+                reached.insert(target);
+            }
+        }
+    }
+    for (const fs::path& document : documents()) {
+        const fs::path page = document.lexically_normal();
+        const bool stands = page.parent_path() == kSource.lexically_normal();
+        EXPECT_TRUE(stands || reached.contains(page)) << page << " is linked from nowhere";
+    }
+}
+
 TEST(Docs, ALinkThatLeadsNowhereIsSeen)
 {
     EXPECT_EQ(linksIn("a [b](c.md) ![d](e.png)\n```\n[f](g.md)\n```\n[h](#i)"),
