@@ -516,6 +516,18 @@ TEST(NbcCli, ASectionSnapsToOneBranchAndCrossesAnother)
     EXPECT_EQ(objectsOf(run, "1d_xs_a.mif"), writtenPline({5, 6, 5, 10, 5, 10, 5, 14}));
 }
 
+TEST(NbcCli, TakesTheOldWordsForItsLayersInAnyCase)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_br_a", kBranchColumns, pline({0, 10, 20, 10}), "\"along\",1,\"T\",0\n");
+    giveLayer(run, "1d_cut_a", kCutColumns, pline({5, 6, 5, 14}), "\"\",-1,\"T\",\"T\",\"\",\"\",0\n");
+    run.give("csv/.keep", "");
+    run.give("net.nbc", "Read MI Branch == 1d_br_a.mif\nread mi xs == 1d_cut_a.mif\n");
+    run.start();
+    EXPECT_EQ(run.read("1d_xs_a.mid"), xsRecord("csv\\along_5.000.csv", "", "", "-1.000"));
+    EXPECT_TRUE(run.has("1d_nwk_a.mif"));
+}
+
 TEST(NbcCli, OnlyTheFirstSegmentOfASectionCrosses)
 {
     // The second segment meets the branch between its vertices, which nobody looks at.
