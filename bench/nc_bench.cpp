@@ -1,16 +1,15 @@
 // A series of grids into NetCDF by whole runs of -nc, beside a loop that does no more than hand the same cells to the library:
 // what packing and writing them costs at the least. Files are compared before anything is timed.
-#include "base/console.h"
 #include "grid/grid.h"
 #include "grid/writer.h"
 #include "netcdf/nc.h"
+#include "quiet_console.h"
 
 #include <array>
 #include <benchmark/benchmark.h>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <netcdf.h>
 #include <random>
@@ -26,30 +25,6 @@ constexpr std::int32_t kColumns = 5000;
 constexpr std::int32_t kGrids = 3;
 constexpr std::size_t kCells = std::size_t{kRows} * kColumns;
 
-// The console goes nowhere while this lives.
-class Hush {
-public:
-    Hush() : console_(dup(STDOUT_FILENO))
-    {
-        flushConsole();
-        std::fflush(stdout);
-        const int nowhere = open("/dev/null", O_WRONLY);
-        dup2(nowhere, STDOUT_FILENO);
-        close(nowhere);
-    }
-    ~Hush()
-    {
-        flushConsole();
-        dup2(console_, STDOUT_FILENO);
-        close(console_);
-    }
-    Hush(const Hush&) = delete;
-    Hush& operator=(const Hush&) = delete;
-
-private:
-    int console_;
-};
-
 // Grids in a folder of their own: a rough water surface in three valleys out of five, nothing in the others.
 struct Inputs {
     std::filesystem::path folder;
@@ -59,7 +34,7 @@ struct Inputs {
 
     Inputs() : folder(std::filesystem::temp_directory_path() / ("nc_bench_" + std::to_string(getpid())))
     {
-        const Hush hush;
+        const QuietConsole quiet;
         std::filesystem::create_directory(folder);
         settings.nc = true;
         settings.outputNameGiven = true;
@@ -108,7 +83,7 @@ const Inputs& inputs()
 
 void run(bool byRows)
 {
-    const Hush hush;
+    const QuietConsole quiet;
     RunSettings settings = inputs().settings;
     settings.ncPart = byRows;
     runNc(settings, inputs().names);
