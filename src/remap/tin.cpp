@@ -14,17 +14,10 @@ float sideOf(const TrianglePoint& a, const TrianglePoint& b, const TrianglePoint
     return static_cast<float>((b.x - a.x) * (point.y - a.y) - (point.x - a.x) * (b.y - a.y));
 }
 
-bool isWetAt(const CoarseLevels& coarse, std::int32_t row, std::int32_t column)
+// In single precision and in this order. A null corner is not treated apart: it enters as its number.
+float meanOfCorners(float southWest, float northWest, float northEast, float southEast)
 {
-    return coarse.levels(row, column) > coarse.wetThreshold();
-}
-
-void prepareCoarseRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t base)
-{
-    walk.coarseRow = base;
-    for (std::size_t i = 0; i < walk.runs.size(); ++i) {
-        walk.quads[i] = prepareQuad(coarse, base, walk.runs[i].base);
-    }
+    return 0.25F * (((southWest + northWest) + northEast) + southEast);
 }
 
 } // namespace
@@ -74,12 +67,11 @@ PreparedQuad prepareQuad(const CoarseLevels& coarse, std::int32_t row, std::int3
     const TrianglePoint southEast{x + dx, y};
     const TrianglePoint centre{x + 0.5 * dx, y + 0.5 * dy};
 
-    // A null corner is not treated apart: it enters the mean as its number.
     const float valueSouthWest = coarse.extended(row, column);
     const float valueNorthWest = coarse.extended(row + 1, column);
     const float valueNorthEast = coarse.extended(row + 1, column + 1);
     const float valueSouthEast = coarse.extended(row, column + 1);
-    const float valueCentre = 0.25F * (((valueSouthWest + valueNorthWest) + valueNorthEast) + valueSouthEast);
+    const float valueCentre = meanOfCorners(valueSouthWest, valueNorthWest, valueNorthEast, valueSouthEast);
 
     return {southWest,
             northWest,
@@ -101,22 +93,97 @@ const PreparedTriangle& triangleUnder(const PreparedQuad& quad, const TrianglePo
     return quad.triangles[side > 0 ? east : south];
 }
 
+// --- The walk over the fine rows --------------------------------------------------------------------------------------
+
+namespace {
+
+void placeColumns(const Axis& coarse, TinWalk& walk)
+{
+    const std::size_t count = walk.columns.size();
+    for (auto* const line :
+         {&walk.lattice.x, &walk.lattice.west, &walk.lattice.east, &walk.lattice.apex, &walk.lattice.edgeLength}) {
+        line->resize(count);
+    }
+    for (std::size_t c = walk.first; c < walk.last; ++c) {
+        const double west = coarse.centre(walk.columns[c].base);
+        const double east = west + coarse.cellsize;
+        walk.lattice.x[c] = walk.columns[c].centre;
+        walk.lattice.west[c] = west;
+        walk.lattice.east[c] = east;
+        walk.lattice.apex[c] = west + 0.5 * coarse.cellsize;
+        walk.lattice.edgeLength[c] = triangleDistance({west, 0}, {east, 0});
+        walk.isFlat = walk.isFlat || !(east > west);
+    }
+}
+
+void takeQuadRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t base)
+{
+    if (walk.quadRow == base) {
+        return;
+    }
+    walk.quadRow = base;
+    walk.lines.south = coarse.rows.centre(base);
+    walk.lines.north = walk.lines.south + coarse.rows.cellsize;
+    walk.lines.apex = walk.lines.south + 0.5 * coarse.rows.cellsize;
+    walk.lines.edgeLength = triangleDistance({0, walk.lines.south}, {0, walk.lines.north});
+
+    const std::span<const float> south = coarse.extended.row(base);
+    const std::span<const float> north = coarse.extended.row(base + 1);
+    for (std::size_t c = walk.first; c < walk.last; ++c) {
+        const auto east = static_cast<std::size_t>(walk.columns[c].base);
+        const std::size_t west = east - 1;
+        walk.values.southWest[c] = south[west];
+        walk.values.northWest[c] = north[west];
+        walk.values.northEast[c] = north[east];
+        walk.values.southEast[c] = south[east];
+        walk.values.apex[c] = meanOfCorners(south[west], north[west], north[east], south[east]);
+    }
+}
+
+void takeWetRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t nearest)
+{
+    if (walk.wetRow == nearest) {
+        return;
+    }
+    walk.wetRow = nearest;
+    const float threshold = coarse.wetThreshold();
+    const std::span<const float> levels = coarse.levels.row(nearest);
+    for (std::size_t c = walk.first; c < walk.last; ++c) {
+        const auto column = static_cast<std::size_t>(walk.columns[c].nearest - 1);
+        walk.wet[c] = static_cast<std::uint8_t>(levels[column] > threshold);
+    }
+}
+
+// Triangle by triangle, where quads have no width and their edges so no slope of 0.
+void interpolateFlat(const CoarseLevels& coarse, const TinWalk& walk, const QuadPlace& row, std::size_t first,
+                     std::size_t last, std::span<float> levels)
+{
+    for (std::size_t c = first; c < last; ++c) {
+        const TrianglePoint point{walk.columns[c].centre, row.centre};
+        const PreparedQuad quad = prepareQuad(coarse, row.base, walk.columns[c].base);
+        levels[c] = interpolatePrepared(point, triangleUnder(quad, point));
+    }
+}
+
+} // namespace
+
 TinWalk startTinWalk(const CoarseLevels& coarse, const Axis& fineColumns, const Axis& fineRows)
 {
     TinWalk walk;
     walk.columns = placesInQuads(fineColumns, coarse.columns);
     walk.rows = placesInQuads(fineRows, coarse.rows);
-    for (std::size_t c = 0; c < walk.columns.size(); ++c) {
-        const std::int32_t base = walk.columns[c].base;
-        if (base == 0) {
-            continue;
-        }
-        if (walk.runs.empty() || walk.runs.back().base != base) {
-            walk.runs.push_back({base, c, c});
-        }
-        walk.runs.back().last = c + 1;
+    const auto isInside = [](const QuadPlace& place) { return place.base != 0; };
+    const auto begin = walk.columns.begin();
+    const auto first = std::ranges::find_if(walk.columns, isInside);
+    walk.first = static_cast<std::size_t>(first - begin);
+    walk.last = static_cast<std::size_t>(std::find_if_not(first, walk.columns.end(), isInside) - begin);
+
+    placeColumns(coarse.columns, walk);
+    for (auto* const line : {&walk.values.southWest, &walk.values.northWest, &walk.values.northEast,
+                             &walk.values.southEast, &walk.values.apex}) {
+        line->resize(walk.columns.size());
     }
-    walk.quads.resize(walk.runs.size());
+    walk.wet.resize(walk.columns.size());
     return walk;
 }
 
@@ -125,37 +192,37 @@ void interpolateTinRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t f
 {
     assert(levels.size() == walk.columns.size() && states.size() == walk.columns.size());
     std::ranges::fill(levels, coarse.null);
-    const QuadPlace& rowPlace = walk.rows[static_cast<std::size_t>(fineRow - 1)];
-    if (rowPlace.base == 0) {
+    const QuadPlace& row = walk.rows[static_cast<std::size_t>(fineRow - 1)];
+    if (row.base == 0) {
         return;
     }
-    if (rowPlace.base != walk.coarseRow) {
-        prepareCoarseRow(coarse, walk, rowPlace.base);
+    takeQuadRow(coarse, walk, row.base);
+    takeWetRow(coarse, walk, row.nearest);
+    for (std::size_t c = walk.first; c < walk.last; ++c) {
+        states[c] = walk.wet[c] != 0 ? CellState::wet : states[c];
     }
-    for (std::size_t i = 0; i < walk.runs.size(); ++i) {
-        const TinWalk::Run& run = walk.runs[i];
-        const bool wetWest = isWetAt(coarse, rowPlace.nearest, run.base);
-        const bool wetEast = isWetAt(coarse, rowPlace.nearest, run.base + 1);
-        for (std::size_t c = run.first; c < run.last; ++c) {
-            const QuadPlace& columnPlace = walk.columns[c];
-            if (columnPlace.nearest == run.base ? wetWest : wetEast) {
-                states[c] = CellState::wet;
-            }
-            if (states[c] == CellState::wet) {
-                const TrianglePoint point{columnPlace.centre, rowPlace.centre};
-                levels[c] = interpolatePrepared(point, triangleUnder(walk.quads[i], point));
-            }
+    const auto end = states.begin() + static_cast<std::ptrdiff_t>(walk.last);
+    for (auto at = states.begin() + static_cast<std::ptrdiff_t>(walk.first); at != end;) {
+        const auto from = std::find(at, end, CellState::wet);
+        at = std::find_if(from, end, [](CellState state) { return state != CellState::wet; });
+        const auto first = static_cast<std::size_t>(from - states.begin());
+        const auto last = static_cast<std::size_t>(at - states.begin());
+        if (walk.isFlat) {
+            interpolateFlat(coarse, walk, row, first, last, levels);
+        } else {
+            interpolateTinStretch(walk.lattice, walk.lines, walk.values, row.centre, first, last,
+                                  levels.data() + first);
         }
     }
 }
 
-void depthsWhereWet(std::span<const float> ground, std::span<const CellState> states, float null,
-                    std::span<float> levels, std::span<float> depths)
+void depthsWhereWet(std::span<const CellState> states, float null, std::span<float> levels, std::span<float> ground)
 {
-    assert(ground.size() == states.size() && levels.size() == states.size() && depths.size() == states.size());
+    assert(ground.size() == states.size() && levels.size() == states.size());
     for (std::size_t i = 0; i < states.size(); ++i) {
-        const bool wet = states[i] == CellState::wet && levels[i] >= ground[i];
-        depths[i] = wet ? levels[i] - ground[i] : null;
+        const float depth = levels[i] - ground[i];
+        const bool wet = (states[i] == CellState::wet) & (levels[i] >= ground[i]);
+        ground[i] = wet ? depth : null;
         levels[i] = wet ? levels[i] : null;
     }
 }

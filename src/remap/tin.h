@@ -6,8 +6,10 @@
 #include "remap/cell_state.h"
 #include "remap/extent_flags.h"
 #include "remap/places.h"
+#include "remap/tin_row.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -54,19 +56,20 @@ PreparedQuad prepareQuad(const CoarseLevels& coarse, std::int32_t row, std::int3
 // diagonal the north one above the first diagonal and the south one below it.
 const PreparedTriangle& triangleUnder(const PreparedQuad& quad, const TrianglePoint& point);
 
-// The walk over the fine rows: where they and the columns fall, and the quads of the coarse row that it is in.
+// The walk over the fine rows: where they and the columns fall, and what belongs to the coarse row that it is in.
 struct TinWalk {
-    // Fine columns from `first` to before `last`, counted from 0, that lie in the same coarse column.
-    struct Run {
-        std::int32_t base = 0;
-        std::size_t first = 0;
-        std::size_t last = 0;
-    };
     std::vector<QuadPlace> columns;
     std::vector<QuadPlace> rows;
-    std::vector<Run> runs;
-    std::int32_t coarseRow = 0;
-    std::vector<PreparedQuad> quads; // of that coarse row, one a run
+    std::size_t first = 0; // fine columns from here to before `last` lie in quads
+    std::size_t last = 0;
+    bool isFlat = false; // a quad has no width in double precision: far coordinates, small cells
+
+    TinColumns lattice;
+    std::int32_t quadRow = 0; // coarse row that these are of
+    TinLines lines;
+    TinValues values;
+    std::int32_t wetRow = 0; // and these, for each fine column
+    std::vector<std::uint8_t> wet;
 };
 TinWalk startTinWalk(const CoarseLevels& coarse, const Axis& fineColumns, const Axis& fineRows);
 
@@ -75,9 +78,8 @@ TinWalk startTinWalk(const CoarseLevels& coarse, const Axis& fineColumns, const 
 void interpolateTinRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t fineRow, std::span<float> levels,
                        std::span<CellState> states);
 
-// Depths of one row: level less ground where the cell is wet and the level not below the ground, else null, and then
-// the level becomes null too.
-void depthsWhereWet(std::span<const float> ground, std::span<const CellState> states, float null,
-                    std::span<float> levels, std::span<float> depths);
+// The ground becomes the depth: level less ground where the cell is wet and the level not below the ground, else null, and
+// then the level becomes null too.
+void depthsWhereWet(std::span<const CellState> states, float null, std::span<float> levels, std::span<float> ground);
 
 } // namespace gridforge

@@ -3,6 +3,8 @@
 #include "remap/remap_run.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace gridforge {
 
@@ -18,34 +20,36 @@ void extendByOneCell(RemapRun& run)
     say("   Done.");
 }
 
+// Depths are settled with the levels, row by row while both are at hand, and take the place of the ground: passing over the
+// whole terrain once more, and memory that is touched for the first time, cost more than the interpolation.
 void interpolate(RemapRun& run)
 {
     say("Beginning TIN interpolation.");
     say("Total rows: ", run.terrain.nrows);
     const CoarseLevels coarse = run.coarseLevels();
     TinWalk walk = startTinWalk(coarse, columnAxis(run.terrain), rowAxis(run.terrain));
+    std::vector<CellState> states(static_cast<std::size_t>(run.terrain.ncols));
     eachRow("Processing row:", run.terrain.nrows, kFineProgress, [&](std::int32_t row) {
-        interpolateTinRow(coarse, walk, row, run.levelGrid.row(row), run.cellState.row(row));
+        std::ranges::fill(states, startState(run.null()));
+        interpolateTinRow(coarse, walk, row, run.levelGrid.row(row), states);
+        depthsWhereWet(states, run.null(), run.levelGrid.row(row), run.demGrid.row(row));
     });
+    std::swap(run.demGrid, run.depthGrid);
 }
 
-void calculateDepths(RemapRun& run)
+void announceDepths(const RemapRun& run)
 {
     eachRow("Calculating depths based on interpolated levels - Row:", run.terrain.nrows, kFineProgress,
-            [&](std::int32_t row) {
-                depthsWhereWet(run.demGrid.row(row), run.cellState.row(row), run.null(), run.levelGrid.row(row),
-                               run.depthGrid.row(row));
-            });
+            [](std::int32_t) {});
 }
 
 } // namespace
 
 void runTinMethod(RemapRun& run)
 {
-    startCellStates(run);
     extendByOneCell(run);
     interpolate(run);
-    calculateDepths(run);
+    announceDepths(run);
     writeFine(run, run.settings.waterLevelGrid, "_remap_h", run.levelGrid);
     writeFine(run, run.settings.waterLevelGrid, "_remap_d", run.depthGrid);
 }
