@@ -17,9 +17,10 @@ namespace {
 
 constexpr std::size_t kExtensionWidth = 10;
 
-void sayAllocated(std::string_view purpose)
+// The memory is taken as it is filled; the lines stay as users know them.
+void sayAllocated(std::string_view announcement)
 {
-    say("Allocating memory for ", purpose);
+    say(announcement);
     say("   Done");
 }
 
@@ -85,14 +86,14 @@ void runDamages(const RunSettings& settings, const InputFileList& inputs)
     }
     DmgLimits limits;
     dmg_scan_limits(inputs[1], limits);
-    sayAllocated("damage curves...");
+    sayAllocated("Allocating memory for damage curves...");
     const DmgControl control = readDamagesFile(inputs[1], limits);
     say("Debug - dmg_curve_%ncurve: ", control.curves.size());
     say("Debug - dmg_res_%nRes: ", 0); // none are in the sorted list yet
-    sayAllocated("GIS data...");
+    sayAllocated("Allocating memory for GIS data...");
     std::vector<DmgBuilding> dmg_building = readAllBuildings(control, limits);
     say("Total number of grid files to read: ", 0); // a count that nothing keeps; the line stays as users know it
-    sayAllocated("damage curves...");
+    sayAllocated("Allocating memory for damage curves...");
 
     const std::vector<DmgRes> dmg_res = sortResults(control.results);
     calculate(control, dmg_res, dmg_building);

@@ -181,6 +181,20 @@ TEST(DamagesCli, WithoutResultsOnlyTheFixedAttributesAreWritten)
                                                      "  AAD Float\r\n"));
 }
 
+TEST(DamagesCli, GridsMayBeBinaryAndLieOnLatticesOfTheirOwn)
+{
+    ToolRun run("-b -damages c.dmg");
+    giveDamageFiles(run, pointMif("12", "21"), "\"House\",\"A\",0,1\n");
+    run.give("c.dmg", "Read GIS Building == h.mif\nRead Curve House == house.csv\n"
+                      "Read Result % 2 == sub\\fine.flt\nRead Result % 1 == coarse.asc\n");
+    run.give("sub/fine.flt", fltCells({{21, 22}, {11, 12.5}}));
+    run.give("sub/fine.hdr", hdr(2, 2, {.xll = 10, .yll = 20}));
+    run.give("coarse.asc", ascGrid({{30}}, {.xll = 2, .yll = 11, .cellsize = 10}));
+    run.start();
+    EXPECT_THAT(run.read("h_Damages.csv"), HasSubstr("\"House\",\"A\",0.,1.,1250.,3000.,0.\r\n"));
+    EXPECT_TRUE(run.says("Grid 1 is: sub\\fine.flt"));
+}
+
 TEST(DamagesCli, ALayerWithoutObjectsIsNoError)
 {
     ToolRun run("-b -damages c.dmg");
@@ -283,6 +297,16 @@ TEST(DamagesCli, AGridThatIsCutShortEndsTheRun)
     run.give("wl.asc", levels(6, 8).substr(0, 120));
     run.start();
     EXPECT_TRUE(run.says("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS."));
+    EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(DamagesCli, AGridThatDoesNotFitIntoMemoryEndsTheRun)
+{
+    ToolRun run("-damages c.dmg");
+    giveDamageFiles(run, kTwoBuildings, kTwoRecords);
+    run.give("wl.asc", "ncols 200000000\nnrows 100000000\nxllcorner 0\nyllcorner 0\ncellsize 1\n1 2 3\n");
+    run.start();
+    EXPECT_TRUE(run.says("ERROR - Could not allocate enough memory (RAM)."));
     EXPECT_NO_OTHER_FILES(run);
 }
 
