@@ -142,7 +142,7 @@ InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, c
         return cells;
     }
     const auto first = static_cast<std::size_t>(window.firstColumn - 1);
-    const auto columns = static_cast<std::size_t>(lastColumn - window.firstColumn + 1);
+    const std::size_t columns = static_cast<std::size_t>(lastColumn) - first;
     const std::span<const double> x = std::span(grid.columnX).subspan(first, columns);
     prepare(building, test.region);
     for (std::int32_t row = window.firstRow; row <= lastRow; ++row) {
