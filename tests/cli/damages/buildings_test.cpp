@@ -10,7 +10,6 @@ namespace gridforge::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 const std::string kWarning = "WARNING - Polygon partially or fully outside of results grid.";
 const std::string kEnter = "Enter command<CR> or <CR> to continue.";

@@ -31,12 +31,12 @@ struct ControlRun {
 
 void expectEnd(const std::string& control, const std::vector<std::string>& message)
 {
-    ControlRun control_(control);
-    control_.run.start();
+    ControlRun ended(control);
+    ended.run.start();
     std::vector<std::string> end = message;
     end.insert(end.end(), {"", "Press Enter to Close"});
-    EXPECT_CONSOLE_HOLDS(control_.run, end);
-    EXPECT_NO_OTHER_FILES(control_.run);
+    EXPECT_CONSOLE_HOLDS(ended.run, end);
+    EXPECT_NO_OTHER_FILES(ended.run);
 }
 
 const std::string kLayer = "Read GIS Building == h.mif\n";

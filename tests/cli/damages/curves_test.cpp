@@ -9,7 +9,6 @@ namespace gridforge::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 // One point building at the cell with the level 12, floor level 2: the depth is 10.
 struct CurveRun {
