@@ -1,5 +1,5 @@
 // Whole layers written and read: a million points, a hundred thousand polygons.
-#include "gis/layers.h"
+#include "support/bench_layers.h"
 
 #include "base/console.h"
 
@@ -15,7 +15,6 @@ namespace {
 
 constexpr int kPoints = 1'000'000;
 constexpr int kPolygons = 100'000;
-constexpr int kRingVertices = 21;
 
 const std::string& folder()
 {
@@ -50,78 +49,14 @@ private:
     int kept_;
 };
 
-void start()
-{
-    startUnits(1000);
-    gisInitialise(-1, "", "", "");
-    gisPrjLine() = "PROJCS[\"bench\"]";
-    gisCoordSysLine() = "CoordSys NonEarth Units \"m\" Bounds (0, 0) (2000000, 2000000)";
-    gisOutputAttributes().clear();
-    gisOutputAttributes().add("Name", "Char", 20);
-    gisOutputAttributes().add("Val", "Float");
-}
-
-std::int32_t openOutput(const std::string& name, const char* letters)
-{
-    start();
-    const std::int32_t gisID = gisOpenLayer(folder() + name, letters, "O ");
-    gisWriteHeader(gisID);
-    return gisID;
-}
-
 void writePoints(const std::string& name)
 {
-    std::int32_t gisID = openOutput(name, "P");
-    GisO gisO;
-    gisO.point = true;
-    for (int i = 0; i < kPoints; ++i) {
-        gisOutputCoordinates().clear();
-        gisOutputCoordinates().add(293000.0 + i * 0.37, 6178000.0 + (i % 1000) * 1.13);
-        gisWriteObject(gisID, gisO);
-        gisDataLine() = "\"point\",12.5";
-        gisWriteRecord(gisID, gisO);
-    }
-    gisCloseLayer(gisID);
+    bench::writePoints(folder() + name, kPoints);
 }
 
 void writePolygons(const std::string& name)
 {
-    std::int32_t gisID = openOutput(name, "R");
-    GisO gisO;
-    gisO.region = true;
-    for (int i = 0; i < kPolygons; ++i) {
-        const double x = 293000.0 + i % 300 * 30.0;
-        const double y = 6178000.0 + i / 300 * 30.0;
-        gisOutputCoordinates().clear();
-        for (int k = 0; k < kRingVertices - 1; ++k) {
-            gisOutputCoordinates().add(x + (k < 10 ? k : 20 - k) * 1.01, y + (k < 10 ? 0.0 : 10.0) + k * 0.013);
-        }
-        gisOutputCoordinates().add(x, y);
-        gisWriteObject(gisID, gisO);
-        gisDataLine() = "\"region\",12.5";
-        gisWriteRecord(gisID, gisO);
-    }
-    gisCloseLayer(gisID);
-}
-
-double readLayer(const std::string& name)
-{
-    start();
-    std::int32_t gisID = gisOpenLayer(folder() + name, "", "I ");
-    gisReadHeader(gisID);
-    GisO gisO;
-    GisCoordinates c;
-    std::string line;
-    double sum = 0;
-    while (!gisLayer(gisID).layerEnd) {
-        if (gisObjectType(gisID, gisO)) {
-            gisReadRecord(gisID, gisO, line);
-            gisReadObject(gisID, gisO, c, 1000000);
-            sum += c.xc;
-        }
-    }
-    gisCloseLayer(gisID);
-    return sum;
+    bench::writePolygons(folder() + name, kPolygons);
 }
 
 void writeLayer(benchmark::State& state, void (*write)(const std::string&), const char* name)
@@ -137,7 +72,7 @@ void readBack(benchmark::State& state, void (*write)(const std::string&), const 
     const Silence silence;
     write(output);
     for (auto _ : state) {
-        benchmark::DoNotOptimize(readLayer(input));
+        benchmark::DoNotOptimize(bench::readLayer(folder() + input));
     }
 }
 
