@@ -83,6 +83,24 @@ std::vector<OgrFeature> ogrFeatures(const std::string& fileName)
     return features;
 }
 
+std::vector<std::string> ogrFields(const std::string& fileName)
+{
+    int status = 0;
+    std::istringstream lines(outputOf("ogrinfo -ro -al -so '" + fileName + "' 2>&1", status));
+    EXPECT_EQ(status, 0) << fileName;
+    std::vector<std::string> fields;
+    std::string line;
+    while (std::getline(lines, line)) {
+        const std::size_t colon = line.find(": ");
+        const bool named = colon != std::string::npos && line.find(' ') > colon && line.ends_with(".0)");
+        const bool real = colon != std::string::npos && line.find(": Real (") == colon;
+        if (named || real) {
+            fields.push_back(line);
+        }
+    }
+    return fields;
+}
+
 bool ogrConvert(const std::string& arguments)
 {
     int status = 0;

@@ -20,6 +20,9 @@ struct OgrFeature {
 // The features of a layer file; a test failure where OGR cannot read it.
 std::vector<OgrFeature> ogrFeatures(const std::string& fileName);
 
+// The attributes of a layer file as OGR lists them: "Name: String (20.0)".
+std::vector<std::string> ogrFields(const std::string& fileName);
+
 // Runs `ogr2ogr <arguments>`; false where it fails.
 bool ogrConvert(const std::string& arguments);
 

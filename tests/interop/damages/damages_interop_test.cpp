@@ -1,6 +1,6 @@
 // Damages as OGR reads them, in both families and beside the table; buildings as OGR writes them.
 #include "support/damages_files.h"
-#include "support/ogr.h"
+#include "support/ogr_test.h"
 #include "support/paths.h"
 #include "support/tool_run.h"
 
@@ -63,15 +63,7 @@ struct Families {
     std::string output;
 };
 
-class DamagesInterop : public testing::TestWithParam<Families> {
-protected:
-    void SetUp() override
-    {
-        if (!haveOgr()) {
-            GTEST_SKIP() << "no OGR";
-        }
-    }
-};
+class DamagesInterop : public OgrWitness<testing::TestWithParam<Families>> {};
 
 // Two points with a polygon between them, so that the order of the table is not that of the two files of a .shp.
 TEST_P(DamagesInterop, LayerAndTableTellTheSame)
@@ -141,12 +133,11 @@ INSTANTIATE_TEST_SUITE_P(Both, DamagesInterop,
                          testing::Values(Families{".mif", ".mif"}, Families{".mif", ".shp"}, Families{".shp", ".shp"},
                                          Families{".shp", ".mif"}));
 
+class DamagesInteropEmpty : public OgrWitness<> {};
+
 // A multiplier that OGR leaves empty is none, in both families.
-TEST(DamagesInteropEmpty, AMultiplierWithoutValueIsNone)
+TEST_F(DamagesInteropEmpty, AMultiplierWithoutValueIsNone)
 {
-    if (!haveOgr()) {
-        GTEST_SKIP() << "no OGR";
-    }
     for (const std::string kind : {".shp", ".mif"}) {
         ToolRun run("-b -damages c.dmg");
         giveDamageFiles(run, "", "");

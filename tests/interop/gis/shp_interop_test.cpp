@@ -1,7 +1,7 @@
 #include "gis/layers.h"
-#include "support/ogr.h"
+#include "support/ogr_test.h"
 #include "support/read_layer.h"
-#include "support/scratch_folder.h"
+#include "support/write_layer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,47 +11,7 @@ namespace {
 
 using testing::ElementsAre;
 
-class ShpInterop : public testing::Test {
-protected:
-    void SetUp() override
-    {
-        if (!haveOgr()) {
-            GTEST_SKIP() << "OGR is not installed";
-        }
-    }
-    std::string at(const char* name) const { return (folder.path() / name).string(); }
-    // Converts the WKT of these rows, columns id,name,level,WKT, to the Shapefile `name`.
-    void ogrWrites(const char* name, const std::string& rows, const std::string& options = "")
-    {
-        folder.give("in.csv", "id,name,level,WKT\n" + rows);
-        ASSERT_TRUE(ogrConvert("-f 'ESRI Shapefile' -oo AUTODETECT_TYPE=YES -oo GEOM_POSSIBLE_NAMES=WKT -oo "
-                               "KEEP_GEOM_COLUMNS=NO -a_srs EPSG:28355 " +
-                               options + " '" + at(name) + "' '" + at("in.csv") + "'"));
-    }
-
-    ScratchFolder folder;
-};
-
-struct Vertex {
-    double x;
-    double y;
-};
-
-void writeObject(std::int32_t id, bool GisO::*kind, std::vector<std::int32_t> parts,
-                 const std::vector<Vertex>& vertices, const char* record)
-{
-    GisO gisO;
-    gisO.*kind = true;
-    gisO.nr = static_cast<std::int32_t>(parts.size());
-    gisO.ir = std::move(parts);
-    gisOutputCoordinates().clear();
-    for (const Vertex& v : vertices) {
-        gisOutputCoordinates().add(v.x, v.y);
-    }
-    gisWriteObject(id, gisO);
-    gisDataLine() = record;
-    gisWriteRecord(id, gisO);
-}
+class ShpInterop : public OgrTest<> {};
 
 TEST_F(ShpInterop, OgrReadsWhatIsWritten)
 {
@@ -110,7 +70,7 @@ TEST_F(ShpInterop, OgrFindsRecordsByTheIndex)
     gisWriteHeader(id);
     for (int i = 1; i <= 50; ++i) {
         std::vector<Vertex> vertices(static_cast<std::size_t>(i) + 1, {i * 1.0, i * 2.0});
-        writeObject(id, &GisO::pline, {1}, vertices, std::to_string(i).c_str());
+        writeObject(id, &GisO::pline, {1}, vertices, std::to_string(i));
     }
     gisCloseLayer(id);
     ASSERT_TRUE(ogrConvert("-f CSV -fid 36 -lco GEOMETRY=AS_WKT '" + at("one.csv") + "' '" + at("out_L.shp") + "'"));
@@ -122,7 +82,8 @@ TEST_F(ShpInterop, OgrFindsRecordsByTheIndex)
 
 TEST_F(ShpInterop, PointsThatOgrWritesAreRead)
 {
-    ogrWrites("p.shp", "1,\"a, b\",2.5,POINT (293000.125 6178000.5)\n2,,-3,POINT (1 2)\n");
+    ogrWrites("p.shp", "id,name,level,WKT\n"
+                       "1,\"a, b\",2.5,POINT (293000.125 6178000.5)\n2,,-3,POINT (1 2)\n");
     const auto objects = readLayer(at("p.shp"));
     ASSERT_EQ(objects.size(), 2U);
     EXPECT_TRUE(objects[0].gisO.point);
@@ -133,7 +94,8 @@ TEST_F(ShpInterop, PointsThatOgrWritesAreRead)
 
 TEST_F(ShpInterop, LinesThatOgrWritesAreRead)
 {
-    ogrWrites("l.shp", "1,x,1.5,\"LINESTRING (1 2,3.5 4.25)\"\n"
+    ogrWrites("l.shp", "id,name,level,WKT\n"
+                       "1,x,1.5,\"LINESTRING (1 2,3.5 4.25)\"\n"
                        "2,y,1.5,\"LINESTRING (1 2,3 4,5 7,-8 9)\"\n");
     const auto objects = readLayer(at("l.shp"));
     ASSERT_EQ(objects.size(), 2U);
@@ -144,7 +106,8 @@ TEST_F(ShpInterop, LinesThatOgrWritesAreRead)
 
 TEST_F(ShpInterop, PolygonsThatOgrWritesAreRead)
 {
-    ogrWrites("r.shp", "1,x,1.5,\"POLYGON ((0 0,0 6,10 6,0 0),(5 4,6 5,5 5,5 4))\"\n"
+    ogrWrites("r.shp", "id,name,level,WKT\n"
+                       "1,x,1.5,\"POLYGON ((0 0,0 6,10 6,0 0),(5 4,6 5,5 5,5 4))\"\n"
                        "2,y,1.5,\"MULTIPOLYGON (((20 0,20 6,30 6,20 0)),((40 0,40 6,50 6,40 0)))\"\n");
     const auto objects = readLayer(at("r.shp"));
     ASSERT_EQ(objects.size(), 2U);

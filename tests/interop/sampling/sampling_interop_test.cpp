@@ -1,5 +1,5 @@
 // Layers of the sampling operations as OGR reads them, in both families.
-#include "support/ogr.h"
+#include "support/ogr_test.h"
 #include "support/tool_run.h"
 
 #include <cmath>
@@ -50,14 +50,8 @@ void expectFeature(const OgrFeature& feature, const std::string& kind, const std
     }
 }
 
-class SamplingInterop : public testing::TestWithParam<const char*> {
+class SamplingInterop : public OgrWitness<testing::TestWithParam<const char*>> {
 protected:
-    void SetUp() override
-    {
-        if (!haveOgr()) {
-            GTEST_SKIP() << "no OGR";
-        }
-    }
     std::string kind() const { return GetParam(); }
     // A file set of a layer: <name>_P.shp or <name>.mif.
     std::string file(const ToolRun& run, const std::string& name, const std::string& family) const

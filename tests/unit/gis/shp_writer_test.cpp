@@ -4,6 +4,7 @@
 #include "gis/layers.h"
 #include "support/child_run.h"
 #include "support/shp_bytes.h"
+#include "support/write_layer.h"
 
 #include <csignal>
 #include <filesystem>
@@ -22,31 +23,11 @@ using testing::SizeIs;
 
 constexpr double kMost = std::numeric_limits<double>::max();
 
-struct Vertex {
-    double x;
-    double y;
-};
-
-void setVertices(const std::vector<Vertex>& vertices)
-{
-    gisOutputCoordinates().clear();
-    for (const Vertex& v : vertices) {
-        gisOutputCoordinates().add(v.x, v.y);
-    }
-}
-
 // An object of one kind and its record; the parts are their first vertices.
 void write(std::int32_t id, bool GisO::*kind, const std::vector<Vertex>& vertices,
            std::vector<std::int32_t> parts = {1}, const char* record = "a,1")
 {
-    GisO gisO;
-    gisO.*kind = true;
-    gisO.nr = static_cast<std::int32_t>(parts.size());
-    gisO.ir = std::move(parts);
-    setVertices(vertices);
-    gisWriteObject(id, gisO);
-    gisDataLine() = record;
-    gisWriteRecord(id, gisO);
+    writeObject(id, kind, std::move(parts), vertices, record);
 }
 
 std::int32_t open(const char* name, const char* letters)
