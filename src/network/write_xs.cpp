@@ -50,10 +50,10 @@ bool settleSource(NbcSection& section)
     return true;
 }
 
-void reportNoSource(std::size_t place, std::string_view indent)
+void reportNoSource(std::size_t place, std::string_view label)
 {
     say("ERROR - Cross-section must either have a source specified or cross a branch.");
-    say(indent, "Cross-section number  = ", place + 1);
+    say(label, place + 1);
 }
 
 // --- The layer -------------------------------------------------------------------------------------------------------
@@ -111,7 +111,7 @@ void writeLayer(NbcSections& sections, const std::string* name, Belongs belongs)
             continue;
         }
         if (!settleSource(section)) {
-            reportNoSource(i, "    ");
+            reportNoSource(i, "    Cross-section number  = ");
             errors = true;
         } else if (gisID > 0) {
             writeSection(gisID, section);
@@ -151,7 +151,7 @@ void nbc_write_xs_single(NbcSections& sections, const std::string& name)
             continue;
         }
         if (!settleSource(section)) {
-            reportNoSource(i, "");
+            reportNoSource(i, "Cross-section number  = ");
             EXITS();
         }
         writeSection(gisID, section);
