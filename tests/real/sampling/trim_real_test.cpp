@@ -1,5 +1,6 @@
 #include "support/ogr.h"
 #include "support/paths.h"
+#include "support/plain_region.h"
 #include "support/tool_run.h"
 
 #include <algorithm>
@@ -17,33 +18,6 @@ std::string bytesOf(const std::string& name)
 {
     std::ifstream in(name, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
-}
-
-// Even-odd crossings in double, and whether the point is too near to an edge for that to be the last word.
-struct Verdict {
-    bool inside = false;
-    bool near = false;
-};
-
-Verdict verdict(const std::vector<double>& ring, double x, double y)
-{
-    Verdict v;
-    for (std::size_t i = 0; i + 3 < ring.size(); i += 2) {
-        const double x1 = ring[i];
-        const double y1 = ring[i + 1];
-        const double x2 = ring[i + 2];
-        const double y2 = ring[i + 3];
-        const double length = std::hypot(x2 - x1, y2 - y1);
-        if (length > 0) {
-            const double along = ((x - x1) * (x2 - x1) + (y - y1) * (y2 - y1)) / length;
-            const double across = std::abs((x - x1) * (y2 - y1) - (y - y1) * (x2 - x1)) / length;
-            v.near = v.near || (across < 0.01 && along > -0.01 && along < length + 0.01);
-        }
-        if ((y1 > y) != (y2 > y) && x < x1 + (y - y1) / (y2 - y1) * (x2 - x1)) {
-            v.inside = !v.inside;
-        }
-    }
-    return v;
 }
 
 // The smallest and largest of every second number from `first` on.
