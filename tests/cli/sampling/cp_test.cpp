@@ -434,6 +434,16 @@ TEST(CpCli, TheFirstColumnOfATableMustBeANumber)
     EXPECT_CONSOLE_HOLDS(run, {"ERROR - 1st GIS attribute is not a float type.", "   Attribute 1 type: Char"});
 }
 
+TEST(CpCli, ATableWithoutColumnsIsRefusedByItsReader)
+{
+    ToolRun run("-b -cp p.shp dem.asc");
+    giveShpMarks(run, {pointRecord(4.3, 4.4)}, {}, {""});
+    run.start();
+    EXPECT_TRUE(run.says("ERROR 0319 - No attributes specified in .dbf file."));
+    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_NO_OTHER_FILES(run);
+}
+
 TEST(CpCli, TheMinimumOfATableStandsInOneFieldWithItsWord)
 {
     ToolRun run("-b -cp p.shp -cpsd4 -cpmm5 dem.asc");
