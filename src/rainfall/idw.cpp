@@ -117,7 +117,9 @@ public:
         near_.clear();
         away_.clear();
         for (const RfPoint& point : points_.records) {
-            away_.push_back(std::hypot(point.x - x, point.y - y));
+            const double dx = point.x - x;
+            const double dy = point.y - y;
+            away_.push_back(std::sqrt(dx * dx + dy * dy));
         }
         // Without an order among the distances there is no short way.
         isPlain_ = std::ranges::any_of(away_, [](double distance) { return !std::isfinite(distance); });

@@ -14,10 +14,10 @@ namespace {
 constexpr std::int32_t kMaxPointVertices = 100;
 constexpr float kLeastFactor = 0.001F;
 
-void mendFactor(std::string_view factorName, const std::string& name, float& factor)
+void mendFactor(std::string_view warning, const std::string& name, float& factor)
 {
     if (factor < kLeastFactor) {
-        say("WARNING - ", factorName, " rainfall factor of 0 set to 1. RF Name: ", name);
+        say(warning, name);
         factor = 1.0F;
     }
 }
@@ -50,8 +50,8 @@ RfRecord parseRfRecord(std::string_view dataLine)
 
 void mendFactors(RfRecord& record)
 {
-    mendFactor("F1", record.name, record.f1);
-    mendFactor("F2", record.name, record.f2);
+    mendFactor("WARNING - F1 rainfall factor of 0 set to 1. RF Name: ", record.name, record.f1);
+    mendFactor("WARNING - F2 rainfall factor of 0 set to 1. RF Name: ", record.name, record.f2);
 }
 
 void rf_read_points(const std::string& layerName, RfPoints& points)

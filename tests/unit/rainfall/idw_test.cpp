@@ -1,8 +1,10 @@
 #include "rainfall/idw.h"
 
 #include "support/child_run.h"
+#include "support/memory_limit.h"
 #include "unit/rainfall/plain_rainfall.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -122,6 +124,25 @@ TEST_F(IdwWeights, OfAllPointsAreThoseOfThePlainLoop)
         method.exponent = round % 7 == 0 ? 3.25F : 2.0F;
         expectPlain(weighed(grid, points, method), weighPlainly(grid, points, method), grid, round);
     }
+}
+
+TEST(IdwMemory, DistancesThatCannotBeHadEndTheRun)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        const GridHeader grid = rainfallGrid(1, 1, 0, 0, 1.0F);
+        RfPoints points;
+        points.records.resize(2000000); // 8 MB of distances
+        RfIdwTables tables;
+        allocateTables(grid, {false, 1, -99.0F, 2.0F}, points.count(), tables);
+        limitMemory(4);
+        rf_idw_weights(grid, points, tables);
+    });
+    if (!canLimitMemory()) {
+        GTEST_SKIP() << "the sanitizer's memory cannot be limited";
+    }
+    EXPECT_TRUE(run.ended);
+    EXPECT_THAT(run.console, testing::HasSubstr("\nERROR - Allocating RAM for storing IDW distances\n"));
 }
 
 TEST(IdwMethod, SettlesWhichPointsAreUsed)

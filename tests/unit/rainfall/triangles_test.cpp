@@ -1,6 +1,7 @@
 #include "rainfall/triangles.h"
 
 #include "support/child_run.h"
+#include "support/memory_limit.h"
 #include "unit/rainfall/plain_rainfall.h"
 
 #include <gmock/gmock.h>
@@ -105,6 +106,23 @@ TEST(CellFactors, EndTheRunOutsideTheGrid)
         EXPECT_THAT(run.console,
                     testing::HasSubstr("Should not be here [nn>gin or mm>gim] - please contact SUPPORT_CONTACT.\n"));
     }
+}
+
+TEST(ReadTriangles, DistancesThatCannotBeHadEndTheRun)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        RfPoints points;
+        points.records.resize(2000000); // 8 MB of distances
+        limitMemory(4);
+        rf_read_triangles("none.rfc", points);
+    });
+    if (!canLimitMemory()) {
+        GTEST_SKIP() << "the sanitizer's memory cannot be limited";
+    }
+    EXPECT_TRUE(run.ended);
+    EXPECT_THAT(run.console,
+                testing::HasSubstr("Allocating array for storing distances.\nCould not allocate memory.\n"));
 }
 
 TEST(TinFactors, CountsTheTenThousandthTriangleOnItsLine)
