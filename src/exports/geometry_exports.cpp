@@ -14,11 +14,17 @@ using gridforge::answer;
 
 namespace {
 
-// The caller's array of `count` values; none for a count below 0.
+// A count below 0 is none.
+std::int32_t held(std::int32_t count)
+{
+    return std::max(count, 0);
+}
+
+// The caller's array of `count` values.
 template <typename Value>
 std::span<Value> array(Value* values, std::int32_t count)
 {
-    return {values, static_cast<std::size_t>(std::max(count, 0))};
+    return {values, static_cast<std::size_t>(held(count))};
 }
 
 template <typename Value>
@@ -128,7 +134,8 @@ std::int32_t INSIDE_POLYGON(float px, float py, const float* x, const float* y, 
                             const std::int32_t* ir, std::int32_t nr)
 {
     return answer([&] {
-        return logical(gridforge::INSIDE_POLYGON(px, py, array(x, np), array(y, np), np, xmin, array(ir, nr), nr));
+        return logical(
+            gridforge::INSIDE_POLYGON(px, py, array(x, np), array(y, np), held(np), xmin, array(ir, nr), held(nr)));
     });
 }
 
@@ -136,7 +143,8 @@ std::int32_t INSIDE_POLYGON_8(double px, double py, const double* x, const doubl
                               const std::int32_t* ir, std::int32_t nr)
 {
     return answer([&] {
-        return logical(gridforge::INSIDE_POLYGON_8(px, py, array(x, np), array(y, np), np, xmin, array(ir, nr), nr));
+        return logical(
+            gridforge::INSIDE_POLYGON_8(px, py, array(x, np), array(y, np), held(np), xmin, array(ir, nr), held(nr)));
     });
 }
 
@@ -222,8 +230,8 @@ std::int64_t grid_inside_polygon(const float* u, const float* v, std::int32_t np
 {
     return answer([&] {
         const gridforge::LatticeWindow window{firstRow, lastRow, firstColumn, lastColumn};
-        return gridforge::grid_inside_polygon(array(u, np), array(v, np), np, array(ir, nr), nr, size, window,
-                                              {flags, window.cells()});
+        return gridforge::grid_inside_polygon(array(u, np), array(v, np), held(np), array(ir, nr), held(nr), size,
+                                              window, {flags, window.cells()});
     });
 }
 

@@ -72,6 +72,7 @@ TEST(ExportedRegions, InsideCountsRings)
     EXPECT_EQ(::INSIDE_POLYGON_8(0.5, 0.5, kX.data(), kY.data(), 12, 0, kEnds.data(), 2), 1);
     EXPECT_EQ(::INSIDE_POLYGON_8(2, 2, kX.data(), kY.data(), 12, 0, kEnds.data(), 2), 0);
     EXPECT_EQ(::INSIDE_POLYGON_8(2, 2, kX.data(), kY.data(), 6, 0, kEnds.data(), 1), 1);
+    EXPECT_EQ(::INSIDE_POLYGON_8(2, 2, kX.data(), kY.data(), -1, 0, kEnds.data(), -1), 0);
     std::array<float, 12> x{};
     std::array<float, 12> y{};
     std::transform(kX.begin(), kX.end(), x.begin(), [](double v) { return static_cast<float>(v); });
