@@ -3,6 +3,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace gridforge::test {
 namespace {
@@ -334,6 +337,25 @@ TEST(NbcCli, BendinessAddsLengthsAndDividesAClosedLineByZero)
     // 3 + 4 along, 5 between the ends. Around: 5 + 5 + the square root of 50.
     EXPECT_THAT(run.read("1d_nwk_a.mid"), HasSubstr(",0.000,7.000,5.000,1.400\r\n"));
     EXPECT_THAT(run.read("1d_nwk_a.mid"), HasSubstr(",0.000,17.071,0.000,Infinity\r\n"));
+}
+
+TEST(NbcCli, FlagsOfBranchesAreFForFAndN)
+{
+    ToolRun run("-b -nbc net.nbc");
+    std::string objects;
+    std::string records;
+    std::string expected;
+    for (const char* flag : {"F", "N", "f", "n", "T", "Y", "", "False", "no"}) {
+        objects += "Line 0 0 1 1\n";
+        records += "\"a\",1,\"" + std::string(flag) + "\",0\n";
+        const bool isF = *flag != '\0' && std::string_view("FNfn").find(*flag) != std::string_view::npos;
+        expected += nwkRecord("a", "S", isF ? "F" : "T", "1.000", "0.000");
+    }
+    giveLayer(run, "1d_br_a", kBranchColumns, objects, records);
+    run.give("net.nbc", "Read GIS Branch == 1d_br_a.mif\n");
+    run.start();
+    // The flag is one character wide: of a word the first letter counts.
+    EXPECT_EQ(run.read("1d_nwk_a.mid"), expected);
 }
 
 // --- Several layers --------------------------------------------------------------------------------------------------
