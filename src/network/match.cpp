@@ -157,14 +157,14 @@ bool mayBeNear(const Extent& a, const Extent& b)
 // The first branch vertex, and then the first section vertex, that are near each other. The first vertex of a section is
 // never tried: sections start off the branch, and results rest on it.
 std::optional<Meeting> findSnap(const NbcBranch& branch, const SearchedBranch& searched, const NbcSection& section,
-                                const SearchedSection& searchedSection)
+                                const SearchedSection& wanted)
 {
     std::optional<Meeting> found;
-    const auto mayHoldVertices = [&](const Extent& block) { return mayBeNear(block, searchedSection.behindFirst); };
+    const auto mayHoldVertices = [&](const Extent& block) { return mayBeNear(block, wanted.behindFirst); };
     searched.vertices.search(mayHoldVertices, [&](std::size_t v) {
         const Extent vertex = vertexExtent(branch.x, branch.y, v);
         const auto mayHoldVertex = [&](const Extent& block) { return mayBeNear(block, vertex); };
-        return searchedSection.vertices.search(mayHoldVertex, [&](std::size_t w) {
+        return wanted.vertices.search(mayHoldVertex, [&](std::size_t w) {
             if (w == 0 || !isNear(branch.x[v], branch.y[v], section.x[w], section.y[w])) {
                 return false;
             }

@@ -280,6 +280,30 @@ TEST(NbcMessages, AGridThatMemoryCannotHold)
     expectEnd(run, {"ERROR - Could not allocate enough memory (RAM)."});
 }
 
+TEST(NbcMessages, OddVerticesDoNoHarm)
+{
+    // One vertex, places that are none, and places far away: nothing meets, points stay without elevations.
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_br_a", kBranchColumns, "Pline 1\n5 5\nPline 3\nnan 5\n5 inf\n-1e300 1e300\nPline 2\n5 5\n5 5\n",
+              "\"one\",1,\"T\",0\n\"odd\",1,\"T\",0\n\"no length\",1,\"T\",0\n");
+    giveLayer(run, "1d_cut_a", kCutColumns,
+              "Pline 1\n5 5\nPline 2\nnan nan\n5 nan\nPline 2\n1e300 5\n-1e300 5\nLine inf 0 -inf 0\n",
+              "\"a\",-1,\"T\",\"T\",\"\",\"Perp\",1e30\n\"b\",-1,\"T\",\"T\",\"\",\"Buffer\",1e30\n"
+              "\"c\",-1,\"T\",\"T\",\"\",\"Perp\",nan\n\"d\",-1,\"T\",\"T\",\"\",\"Buffer\",-3\n");
+    run.give("dem.asc", ascGrid(sectionTerrain(9, 9)));
+    runNbcFile(run, "Read GIS Branch == 1d_br_a.mif\nRead GIS XS == 1d_cut_a.mif\nSet XS dx == 1\n"
+                    "Read Grid Z == dem.asc\nBranch Bendiness == On\n");
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_TRUE(run.says("Finished.")) << run.console();
+    // Along the one point the steps of Perp go north, over the whole grid: rows 1 to 9 of column 5, 5.05 in the mean.
+    EXPECT_EQ(run.read("a.csv"), "\"Chainage\",\"Z\"\r\n0.000,5.050\r\n");
+    EXPECT_THAT(run.read("b.csv"), HasSubstr("0.000,-9999.000\r\nNaN,-9999.000\r\n"));
+    EXPECT_THAT(run.read("c.csv"), HasSubstr("0.000,-9999.000\r\nInfinity,-9999.000\r\n"));
+    EXPECT_TRUE(run.has("d.csv"));
+    EXPECT_THAT(run.read("1d_nwk_a.mid"), HasSubstr("\"no length\""));
+}
+
 // --- -xs -------------------------------------------------------------------------------------------------------------
 
 TEST(XsMessages, ASectionWithNeitherNameNorBranchEndsTheRunAtOnce)
