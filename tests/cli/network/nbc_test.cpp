@@ -515,6 +515,23 @@ TEST(NbcCli, SectionsSnappedToTheStartAloneCanLeaveNoLine)
     EXPECT_EQ(run.read("1d_nwk_a.mid"), "");
 }
 
+TEST(NbcCli, TheDrawingOfThePageHolds)
+{
+    ToolRun run("-b -nbc net.nbc");
+    runBranch(run, "Main", {0, 10, 10, 10, 20, 10, 30, 10, 40, 10, 50, 10},
+              pline({0, 6, 0, 10, 0, 14}) + crossingsAt({5}) + pline({20, 6, 20, 10, 20, 14}) + crossingsAt({25}) +
+                  pline({50, 6, 50, 10, 50, 14}),
+              5);
+    EXPECT_EQ(run.read("1d_nwk_a.mid"), nwkRecord("Main_00000", "S", "T", "1.000", "0.150") +
+                                            nwkRecord("Main_00005", "S", "T", "1.000", "0.150") +
+                                            nwkRecord("Main_00020", "S", "T", "1.000", "0.150") +
+                                            nwkRecord("Main_00050", "S", "T", "1.000", "0.150"));
+    EXPECT_EQ(objectsOf(run, "1d_nwk_a.mif"), writtenPline({0, 10, 5, 10}, kChannelPen) +
+                                                  writtenPline({5, 10, 10, 10, 20, 10}, kChannelPen) +
+                                                  writtenPline({20, 10, 25, 10}, kChannelPen) +
+                                                  writtenPline({25, 10, 30, 10, 40, 10, 50, 10}, kChannelPen));
+}
+
 TEST(NbcCli, LongNamesLoseTheTailOfTheId)
 {
     ToolRun run("-b -nbc net.nbc");
