@@ -62,7 +62,7 @@ std::span<ExtremeSearch::Range> ExtremeSearch::rowPieces(std::int32_t row, const
 {
     const std::size_t start = static_cast<std::size_t>(row - 1) * static_cast<std::size_t>(tilesAcross_) +
                               static_cast<std::size_t>(tiles.firstColumn);
-    return std::span(pieces_).subspan(start, static_cast<std::size_t>(tiles.lastColumn - tiles.firstColumn + 1));
+    return std::span(pieces_).subspan(start, static_cast<std::size_t>(tiles.lastColumn - tiles.firstColumn) + 1);
 }
 
 void ExtremeSearch::lookThrough(std::int32_t tileRow, std::int32_t tileColumn)

@@ -271,6 +271,22 @@ TEST(NaCli, ARegionOverTheEdgeEndsTheRun)
     }
 }
 
+TEST(NaCli, CoordinatesThatAreNowhereAreOutsideOrDoNotBound)
+{
+    for (const char* far : {"1e300 2", "2 -1e300", "1e10 1e10"}) {
+        ToolRun run("-b -na n.mif dem.asc");
+        giveRegions(run, "Region 1\n4\n2 2\n4 2\n" + std::string(far) + "\n2 2\n", node("pond"), terrain(kGentle));
+        run.start();
+        EXPECT_TRUE(run.says("ERROR - Region is outside of DEM.")) << far;
+    }
+    ToolRun run("-b -na n.mif dem.asc");
+    giveRegions(run, "Region 1\n6\n1.5 1.5\n4.5 1.5\nNaN NaN\n4.5 4.5\n1.5 4.5\n1.5 1.5\n", node("pond"),
+                terrain(kGentle));
+    run.start();
+    EXPECT_TRUE(run.says("Region 1 with 7 nodes..."));
+    EXPECT_EQ(run.status(), 0);
+}
+
 TEST(NaCli, ARegionOfSeveralRingsEndsTheRun)
 {
     ToolRun run("-b -na n.mif dem.asc");

@@ -464,6 +464,47 @@ TEST(RealSampling, NodalAreasCountTheGroundBelowEachHeight)
     EXPECT_EQ(tables[0], tables[1]);
 }
 
+TEST(RealSampling, NodalAreasByTheBayouAreThoseOfTheirRegions)
+{
+    const std::filesystem::path bayou = std::filesystem::path(dataFolder()) / "bayou";
+    if (!std::filesystem::exists(bayou)) {
+        GTEST_SKIP() << "no data";
+    }
+    const std::string layer = readWhole(bayou / "regions.mif");
+    const std::size_t columns = layer.find("Columns");
+    std::size_t region = layer.find("Region");
+    for (const char* name : {"middle", "west"}) { // the third reaches over the edge
+        const std::size_t next = layer.find("Region", region + 1);
+        const std::string object = layer.substr(region, next - region);
+        region = next;
+        ToolRun run("-b -na n.mif dem.asc");
+        run.give("dem.asc", readWhole(bayou / "dem.asc"));
+        std::string head = layer.substr(0, columns) + "Columns 12\n";
+        for (int i = 0; i < 12; ++i) {
+            head += "  c" + std::to_string(i) + (i < 9 ? " Char(50)\n" : " Float\n");
+        }
+        run.give("n.mif", head + "Data\n\n" + object);
+        run.give("n.mid", std::string(name) + ",a,b,c,d,e,f,g,h,0,0,0\n");
+        run.start();
+        const auto rows = tableOf(run, name);
+        ASSERT_GT(rows.size(), 20U) << run.console();
+        // By the trapezoids below its edges; the cells that an edge crosses may count or not.
+        const auto ring = verticesIn(object, "Region ");
+        double area = 0;
+        double outline = 0;
+        for (std::size_t i = 0; i + 1 < ring.size(); ++i) {
+            area += (ring[i + 1][0] - ring[i][0]) * (ring[i + 1][1] + ring[i][1] - 2 * ring[0][1]) / 2;
+            outline += std::hypot(ring[i + 1][0] - ring[i][0], ring[i + 1][1] - ring[i][1]);
+        }
+        EXPECT_NEAR(rows.back()[1], std::abs(area), outline * 3) << name;
+        EXPECT_GT(std::abs(area), outline * 30);
+        for (std::size_t i = 1; i < rows.size(); ++i) {
+            EXPECT_GT(rows[i][0], rows[i - 1][0]);
+            EXPECT_GE(rows[i][1], rows[i - 1][1]);
+        }
+    }
+}
+
 // A layer given in both families gives the same tables.
 TEST(RealSampling, BothFamiliesGiveTheSameTables)
 {
