@@ -213,7 +213,7 @@ TEST(BrklineCli, AWidthOfOneAndAHalfCellsSearchesACircle)
         giveLines(run, "Line 4 4 4 4\n", "0,1," + width + ",\"\"\n");
         run.give("dem.asc", ascGrid(rowColumnCells(), {.cellsize = cellsize}));
         run.start();
-        return run.read("b_check.mid") != "";
+        return !run.read("b_check.mid").empty();
     };
     EXPECT_TRUE(circles("1.5", 1));
     EXPECT_FALSE(circles("1.4999", 1));

@@ -12,11 +12,15 @@ namespace gridforge::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 const std::vector<std::string> kColumns = {"ID Char(50)", "A Char(2)",  "B Char(8)",  "C Char(20)",
                                            "D Char(20)",  "E Char(20)", "F Char(20)", "G Char(20)",
                                            "H Char(20)",  "I Float",    "J Float",    "Skew Float"};
+
+constexpr std::string_view kFields =
+    "12 MIF Fields: Name [#/Type]: ID [1/Char(50)]  A [2/Char(2)]  B [3/Char(8)]  C [4/Char(20)]  D "
+    "[5/Char(20)]  E [6/Char(20)]  F [7/Char(20)]  G [8/Char(20)]  H [9/Char(20)]  I [10/Float]  J "
+    "[11/Float]  Skew [12/Float]  ";
 
 // The record of a node with this identifier and user minimum.
 std::string node(const std::string& identifier, const std::string& skew = "0")
@@ -53,49 +57,46 @@ TEST(NaCli, WritesATableOfHeightsAndAreas)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run,
-                   {"Build 2020-10-AA",
-                    "Checking for wildcards in filenames...",
-                    "Input File  1: dem.asc",
-                    "   File  1: dem.asc",
-                    "Processing -na option... ",
-                    "Getting Projection...",
-                    "Trying to open file n.mif...OK.",
-                    "Opened File Unit:1001",
-                    "Using n.mif for setting projection.",
-                    "mif Projection: CoordSys NonEarth Units \"m\"",
-                    "...Closed File Unit:1001",
-                    "Opening GIS Layer: n.mif",
-                    "GIS Layer assigned ID of 1",
-                    "Trying to open file n.mif...OK.",
-                    "Opened File Unit:1001",
-                    "Trying to open file n.mid...OK.",
-                    "Opened File Unit:1002",
-                    "12 MIF Fields: Name [#/Type]: ID [1/Char(50)]  A [2/Char(2)]  B [3/Char(8)]  C [4/Char(20)]  D "
-                    "[5/Char(20)]  E [6/Char(20)]  F [7/Char(20)]  G [8/Char(20)]  H [9/Char(20)]  I [10/Float]  J "
-                    "[11/Float]  Skew [12/Float]  ",
-                    "Loading grid data...",
-                    "Trying to open file dem.asc...OK.",
-                    "Opened File Unit:1003",
-                    "External Grid Info: 9 rows by 9 columns with 1. cell size.",
-                    "Allocating 0Kb memory for storing input grid...",
-                    "Reading data...",
-                    "Reading ASCII grid...",
-                    "",
-                    "...Closed File Unit:1003",
-                    "   Done.",
-                    "Searching for region objects...",
-                    "Region 1 with 6 nodes...",
-                    "Found 9 DEM values within region.",
-                    "Elevations range from 1. to 1.25",
-                    "Writing nodal-area data to: pond.csv",
-                    "Trying to open file pond.csv...OK.  File Unit:1003",
-                    "...Closed File Unit:1003",
-                    "Closing GIS Layer 1 [n.mif]...",
-                    "...Closed File Unit:1001",
-                    "...Closed File Unit:1002",
-                    "Finished.",
-                    "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
+                         "Checking for wildcards in filenames...",
+                         "Input File  1: dem.asc",
+                         "   File  1: dem.asc",
+                         "Processing -na option... ",
+                         "Getting Projection...",
+                         "Trying to open file n.mif...OK.",
+                         "Opened File Unit:1001",
+                         "Using n.mif for setting projection.",
+                         "mif Projection: CoordSys NonEarth Units \"m\"",
+                         "...Closed File Unit:1001",
+                         "Opening GIS Layer: n.mif",
+                         "GIS Layer assigned ID of 1",
+                         "Trying to open file n.mif...OK.",
+                         "Opened File Unit:1001",
+                         "Trying to open file n.mid...OK.",
+                         "Opened File Unit:1002",
+                         std::string(kFields),
+                         "Loading grid data...",
+                         "Trying to open file dem.asc...OK.",
+                         "Opened File Unit:1003",
+                         "External Grid Info: 9 rows by 9 columns with 1. cell size.",
+                         "Allocating 0Kb memory for storing input grid...",
+                         "Reading data...",
+                         "Reading ASCII grid...",
+                         "",
+                         "...Closed File Unit:1003",
+                         "   Done.",
+                         "Searching for region objects...",
+                         "Region 1 with 6 nodes...",
+                         "Found 9 DEM values within region.",
+                         "Elevations range from 1. to 1.25",
+                         "Writing nodal-area data to: pond.csv",
+                         "Trying to open file pond.csv...OK.  File Unit:1003",
+                         "...Closed File Unit:1003",
+                         "Closing GIS Layer 1 [n.mif]...",
+                         "...Closed File Unit:1001",
+                         "...Closed File Unit:1002",
+                         "Finished.",
+                         "Enter command<CR> or <CR> to continue."});
     // A millimetre above 1.0 lie two cells, at the tenth above four, then three more, then the two of 1.25.
     EXPECT_EQ(run.read("pond.csv"), "\"Height\",\"Area\"\r\n"
                                     "   1.001,               2.000\r\n"

@@ -481,7 +481,7 @@ TEST(RealSampling, NodalAreasByTheBayouAreThoseOfTheirRegions)
         run.give("dem.asc", readWhole(bayou / "dem.asc"));
         std::string head = layer.substr(0, columns) + "Columns 12\n";
         for (int i = 0; i < 12; ++i) {
-            head += "  c" + std::to_string(i) + (i < 9 ? " Char(50)\n" : " Float\n");
+            head.append("  c").append(std::to_string(i)).append(i < 9 ? " Char(50)\n" : " Float\n");
         }
         run.give("n.mif", head + "Data\n\n" + object);
         run.give("n.mid", std::string(name) + ",a,b,c,d,e,f,g,h,0,0,0\n");
