@@ -194,12 +194,13 @@ void dropDryLevels(std::span<const CellState> states, float null, std::span<floa
     }
 }
 
-void depthsOfWetCells(std::span<const float> ground, std::span<const CellState> states, std::span<const float> levels,
-                      float null, std::span<float> depths)
+void depthsOfWetCells(std::span<const CellState> states, std::span<const float> levels, float null,
+                      std::span<float> ground)
 {
-    assert(ground.size() == states.size() && levels.size() == states.size() && depths.size() == states.size());
+    assert(ground.size() == states.size() && levels.size() == states.size());
     for (std::size_t i = 0; i < states.size(); ++i) {
-        depths[i] = states[i] == CellState::wet && levels[i] >= ground[i] ? levels[i] - ground[i] : null;
+        const bool wet = states[i] == CellState::wet && levels[i] >= ground[i];
+        ground[i] = wet ? levels[i] - ground[i] : null;
     }
 }
 

@@ -60,8 +60,8 @@ void interpolateIdwRow(const CoarseLevels& coarse, const IdwPlaces& places, std:
 // The level of cells that are not wet becomes null.
 void dropDryLevels(std::span<const CellState> states, float null, std::span<float> levels);
 
-// Level less ground where the cell is wet and the level not below the ground, else null.
-void depthsOfWetCells(std::span<const float> ground, std::span<const CellState> states, std::span<const float> levels,
-                      float null, std::span<float> depths);
+// The ground becomes the depth: level less ground where the cell is wet and the level not below the ground, else null.
+void depthsOfWetCells(std::span<const CellState> states, std::span<const float> levels, float null,
+                      std::span<float> ground);
 
 } // namespace gridforge

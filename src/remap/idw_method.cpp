@@ -10,6 +10,7 @@
 #include <chrono>
 #include <limits>
 #include <thread>
+#include <utility>
 
 namespace gridforge {
 
@@ -89,13 +90,14 @@ void extendOutward(RemapRun& run)
     }
 }
 
+// Depths take the place of the ground, so a grid of memory is never touched unless an iteration was reported.
 void calculateDepths(RemapRun& run)
 {
     eachRow("Calculating depths based on interpolated levels - Row:", run.terrain.nrows, kFineProgress,
             [&](std::int32_t row) {
-                depthsOfWetCells(run.demGrid.row(row), run.cellState.row(row), run.levelGrid.row(row), run.null(),
-                                 run.depthGrid.row(row));
+                depthsOfWetCells(run.cellState.row(row), run.levelGrid.row(row), run.null(), run.demGrid.row(row));
             });
+    std::swap(run.demGrid, run.depthGrid);
 }
 
 } // namespace

@@ -220,10 +220,12 @@ void depthsWhereWet(std::span<const CellState> states, float null, std::span<flo
 {
     assert(ground.size() == states.size() && levels.size() == states.size());
     for (std::size_t i = 0; i < states.size(); ++i) {
-        const float depth = levels[i] - ground[i];
-        const bool wet = (states[i] == CellState::wet) & (levels[i] >= ground[i]);
-        ground[i] = wet ? depth : null;
-        levels[i] = wet ? levels[i] : null;
+        const float level = levels[i];
+        const float floor = ground[i];
+        const bool isWet = states[i] == CellState::wet;
+        const bool stays = isWet && level >= floor;
+        ground[i] = stays ? level - floor : null;
+        levels[i] = stays ? level : null;
     }
 }
 

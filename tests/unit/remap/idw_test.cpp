@@ -125,9 +125,9 @@ TEST(DepthsOfWetCells, NeedAWetCellAndALevelNotBelowTheGround)
 {
     const std::vector<CellState> states = {CellState::wet, CellState::wet, CellState::wet, CellState::untouched,
                                            CellState::dry};
-    std::vector<float> depths(5);
-    depthsOfWetCells(std::vector<float>{1, 3, 4, 1, 1}, states, std::vector<float>{3, 3, 3, 3, 3}, kNull, depths);
-    EXPECT_EQ(depths, (std::vector<float>{2, 0, kNull, kNull, kNull}));
+    std::vector<float> ground = {1, 3, 4, 1, 1};
+    depthsOfWetCells(states, std::vector<float>{3, 3, 3, 3, 3}, kNull, ground);
+    EXPECT_EQ(ground, (std::vector<float>{2, 0, kNull, kNull, kNull}));
 
     std::vector<float> levels = {3, 3, 3, 3, 3};
     dropDryLevels(states, kNull, levels);
