@@ -44,7 +44,7 @@ constexpr std::int32_t kColumnsTogether = 16;
 void turnColumns(const Grid& grid, std::int32_t firstColumn, std::int32_t count, std::int32_t firstRow,
                  std::int32_t lastRow, float* out)
 {
-    const auto rows = static_cast<std::size_t>(lastRow - firstRow + 1);
+    const std::size_t rows = static_cast<std::size_t>(lastRow) - static_cast<std::size_t>(firstRow) + 1;
     const auto c = static_cast<std::size_t>(firstColumn - 1);
     for (std::int32_t row = firstRow; row <= lastRow; ++row, ++out) {
         const float* const cells = grid.row(row).data() + c;
