@@ -1,5 +1,8 @@
 #include "netcdf/nc.h"
 
+#include "support/child_run.h"
+#include "support/memory_limit.h"
+
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -122,6 +125,28 @@ TEST(RaiseMaximum, AgreesWithThePlainFormOnAnyBits)
         raiseMaximum(cells, null, maximum);
         ASSERT_EQ(std::memcmp(maximum.data(), plain.data(), plain.size() * sizeof(float)), 0);
     }
+}
+
+TEST(RunNc, AMaximumThatNoMemoryHoldsEndsTheRun)
+{
+    if (!test::canLimitMemory()) {
+        GTEST_SKIP() << "the sanitizer has taken its memory already";
+    }
+    const test::ScratchFolder folder;
+    folder.give("a.flt", "");
+    folder.give("a.hdr", "ncols 4000\nnrows 5000\nxllcorner 0\nyllcorner 0\ncellsize 1\nbyteorder LSBFIRST\n");
+    const test::ChildRun run = test::runInChild(folder, [] {
+        RunSettings settings;
+        settings.nc = true;
+        InputFileList inputs;
+        inputs.add("a.flt");
+        test::limitMemory(120); // enough for a grid of 80 MB and the library, not for another
+        runNc(settings, inputs);
+    });
+    EXPECT_TRUE(run.ended);
+    EXPECT_THAT(run.console, testing::EndsWith("Allocating 80000Kb memory for external grid...\n"
+                                               "ERROR - Could not allocate enough memory (RAM).\n"
+                                               "\nPress Enter to Close\n"));
 }
 
 } // namespace
