@@ -270,6 +270,9 @@ bool FileStream::write(std::string_view bytes)
     if (!room(bytes.size())) {
         return false;
     }
+    if (bytes.empty()) {
+        return true; // nothing may have no address, which is nothing to copy from
+    }
     std::memcpy(buffer_.get() + end_, bytes.data(), bytes.size());
     end_ += bytes.size();
     return true;

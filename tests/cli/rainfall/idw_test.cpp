@@ -1,6 +1,7 @@
 // The IDW method.
 #include "support/ops_consoles.h"
 #include "support/rainfall_files.h"
+#include "support/sanitizers.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
@@ -203,6 +204,9 @@ TEST(RainfallIdwCli, RefusesAPointWithoutAHyetograph)
 
 TEST(RainfallIdwCli, RefusesWeightsThatNoMemoryHolds)
 {
+    if (kSanitized) {
+        GTEST_SKIP() << "a sanitizer ends the program over sizes like these";
+    }
     // 40 million cells are had, a hundred thousand weights in each are not.
     ToolRun run("-b -rf rain.rfc");
     std::string points;
