@@ -1,3 +1,4 @@
+#include "support/sanitizers.h"
 #include "support/tool_run.h"
 
 #include <gmock/gmock.h>
@@ -214,6 +215,9 @@ TEST(XyzCli, AnEmptyFileLeavesTheStartValuesAndNoGrid)
 TEST(XyzCli, FarPointsEndTheRunForWantOfMemory)
 {
     for (const std::string far : {"1e9 1e9 3", "1e30 0 3", "inf 0 3", "0 -inf 3"}) {
+        if (kSanitized && far == "1e9 1e9 3") {
+            continue; // a size that ends the process before the run can
+        }
         ToolRun run("-xyz p.xyz");
         run.give("p.xyz", "0 0 1\n1 1 2\n" + far + "\n");
         run.start();
