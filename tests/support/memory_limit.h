@@ -1,6 +1,8 @@
 // A limit on the memory of a process that a test has started, so that an allocation fails at a known place.
 #pragma once
 
+#include "support/sanitizers.h"
+
 #include <cstddef>
 #include <fstream>
 #include <sys/resource.h>
@@ -8,7 +10,13 @@
 
 namespace gridforge::test {
 
-// From now on the process gets no more than this many megabytes. Not for sanitized runs, which have theirs before.
+// A sanitizer has taken its memory before any limit.
+constexpr bool canLimitMemory()
+{
+    return !kSanitized;
+}
+
+// From now on the process gets no more than this many megabytes.
 inline void limitMemory(std::size_t megabytes)
 {
     std::size_t pages = 0;

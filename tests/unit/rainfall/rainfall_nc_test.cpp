@@ -2,7 +2,6 @@
 
 #include "support/child_run.h"
 #include "support/memory_limit.h"
-#include "support/sanitizers.h"
 #include "unit/rainfall/plain_rainfall.h"
 
 #include <functional>
@@ -124,7 +123,7 @@ TEST(RainfallNc, AFailureNamesItsCall)
 
 TEST(RainfallNc, CoordinatesThatCannotBeHadEndTheRun)
 {
-    if (kSanitized) {
+    if (!canLimitMemory()) {
         GTEST_SKIP() << "a sanitizer has memory of its own";
     }
     const ScratchFolder folder;

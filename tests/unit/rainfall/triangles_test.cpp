@@ -2,7 +2,6 @@
 
 #include "support/child_run.h"
 #include "support/memory_limit.h"
-#include "support/sanitizers.h"
 #include "unit/rainfall/plain_rainfall.h"
 
 #include <gmock/gmock.h>
@@ -111,7 +110,7 @@ TEST(CellFactors, EndTheRunOutsideTheGrid)
 
 TEST(ReadTriangles, DistancesThatCannotBeHadEndTheRun)
 {
-    if (kSanitized) {
+    if (!canLimitMemory()) {
         GTEST_SKIP() << "a sanitizer has memory of its own";
     }
     const ScratchFolder folder;
