@@ -483,7 +483,7 @@ TEST(RealSampling, NodalAreasByTheBayouAreThoseOfTheirRegions)
         for (int i = 0; i < 12; ++i) {
             head.append("  c").append(std::to_string(i)).append(i < 9 ? " Char(50)\n" : " Float\n");
         }
-        run.give("n.mif", head + "Data\n\n" + object);
+        run.give("n.mif", head.append("Data\n\n").append(object));
         run.give("n.mid", std::string(name) + ",a,b,c,d,e,f,g,h,0,0,0\n");
         run.start();
         const auto rows = tableOf(run, name);
