@@ -413,6 +413,18 @@ TEST(NbcCli, WritesALayerForEachInputLayer)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(NbcCli, SourcesThatEndInTheExtensionStay)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_tab_a", kTabColumns, "Line 1 5 3 5\nLine 1 6 3 6\n",
+              "\"a.csv\",\"XZ\",,,,,,,,0,0,0\n\"b.CsV\",\"XZ\",,,,,,,,0,0,0\n");
+    run.give("net.nbc", "Read GIS XS == 1d_tab_a.mif\n");
+    run.start();
+    EXPECT_EQ(run.read("1d_xs_a.mid"), xsRecord("a.csv", "XZ", "", "0.000") + xsRecord("b.CsV", "XZ", "", "0.000"));
+    EXPECT_TRUE(run.has("a.csv"));
+    EXPECT_TRUE(run.has("b.CsV"));
+}
+
 TEST(NbcCli, OneOutputLayerTakesAll)
 {
     ToolRun run("-b -nbc net.nbc");

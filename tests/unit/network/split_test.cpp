@@ -84,6 +84,15 @@ TEST(SplitBranches, ABranchWithoutSectionsIsOneLine)
     EXPECT_THAT(lines[0].x, ElementsAre(0, 10, 20));
 }
 
+TEST(SplitBranches, AWholeBranchHasItsNameCutToTheId)
+{
+    NbcBranch branch = branchAlong({0, 10, 20}, {});
+    branch.name = "Upper tributary";
+    EXPECT_THAT(idsOf(linesOf(branch)), ElementsAre("Upper tribut"));
+    branch.name = "Twelve chars";
+    EXPECT_THAT(idsOf(linesOf(branch)), ElementsAre("Twelve chars"));
+}
+
 TEST(SplitBranches, OneSectionSplitsOnlyWhereItsVertexNumberPicksIt)
 {
     // At vertex 2, whose place in a list of one is empty: whole.
