@@ -46,10 +46,17 @@ void turnColumns(const Grid& grid, std::int32_t firstColumn, std::int32_t count,
 {
     const std::size_t rows = static_cast<std::size_t>(lastRow) - static_cast<std::size_t>(firstRow) + 1;
     const auto c = static_cast<std::size_t>(firstColumn - 1);
+    const auto columns = static_cast<std::size_t>(count);
     for (std::int32_t row = firstRow; row <= lastRow; ++row, ++out) {
         const float* const cells = grid.row(row).data() + c;
-        for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-            out[i * rows] = cells[i];
+        if (count == kColumnsTogether) { // known ahead, so the loop is unrolled
+            for (std::size_t i = 0; i < kColumnsTogether; ++i) {
+                out[i * rows] = cells[i];
+            }
+        } else {
+            for (std::size_t i = 0; i < columns; ++i) {
+                out[i * rows] = cells[i];
+            }
         }
     }
 }
