@@ -297,6 +297,24 @@ TEST(NbcCli, SwitchesHearOnlyTheirWord)
     EXPECT_THAT(run.read("1d_nwk_t.mif"), HasSubstr("Columns 20\r\n"));
 }
 
+TEST(NbcCli, SwitchesStayAsTheirWordLeftThem)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveDrawnNetwork(run);
+    run.give("net.nbc", kReadBoth + "Branch Bendiness == On\nBranch Bendiness == Off\nWrite Check == On\n"
+                                    "Write Check == Off\nWrite XS == Off\nWrite XS == On\n");
+    run.start();
+    EXPECT_THAT(run.read("1d_nwk_t.mif"), HasSubstr("Columns 23\r\n"));
+    EXPECT_TRUE(run.has("net.nbc_check.mif"));
+    EXPECT_FALSE(run.has("1d_xs_t.mif"));
+    ToolRun without("-b -nbc net.nbc");
+    giveDrawnNetwork(without);
+    without.give("net.nbc", kReadBoth + "Write NWK == Off\nWrite NWK == On\n");
+    without.start();
+    EXPECT_TRUE(without.has("1d_xs_t.mif"));
+    EXPECT_FALSE(without.has("1d_nwk_t.mif"));
+}
+
 TEST(NbcCli, WithoutSectionsOnlyTheirNamesAreSettled)
 {
     ToolRun run("-b -nbc net.nbc");
@@ -356,6 +374,59 @@ TEST(NbcCli, FlagsOfBranchesAreFForFAndN)
     run.start();
     // The flag is one character wide: of a word the first letter counts.
     EXPECT_EQ(run.read("1d_nwk_a.mid"), expected);
+}
+
+// --- Values of layers at their limits --------------------------------------------------------------------------------
+
+TEST(NbcCli, ARoughnessOfATenThousandthStays)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_br_a", kBranchColumns, pline({0, 0, 3, 0}) + pline({0, 1, 3, 1}),
+              "\"least\",0.0001,\"T\",0\n\"less\",0.00009,\"T\",0\n");
+    run.give("net.nbc", "Read GIS Branch == 1d_br_a.mif\n");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Polyline 1 with name \"least\"",
+                               "WARNING - Branch Roughness less than or equal to 0 setting to 1.",
+                               "Polyline 2 with name \"less\""});
+    EXPECT_EQ(run.read("1d_nwk_a.mid"),
+              nwkRecord("least", "S", "T", "0.000", "0.000") + nwkRecord("less", "S", "T", "1.000", "0.000"));
+}
+
+TEST(NbcCli, ElevenAttributesAreCutLines)
+{
+    std::vector<std::string> columns = kTabColumns;
+    columns.pop_back();
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_tab_a", columns, "Line 1 5 3 5\n", "\"a\",-1,\"T\",\"T\",\"\",\"\",0,8,9,10,11\n");
+    run.give("net.nbc", "Read GIS XS == 1d_tab_a.mif\n");
+    run.start();
+    EXPECT_TRUE(run.says("Less than 12 attributes, expecting cut lines with the following attribute:"));
+    EXPECT_EQ(run.read("1d_xs_a.mid"), xsRecord("a.csv", "", "", "-1.000"));
+}
+
+TEST(NbcCli, LongNamesOfBranchesAndSourcesAreCut)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_br_a", kBranchColumns, pline({0, 0, 9, 0}), "\"" + std::string(260, 'n') + "\",1,\"T\",0\n");
+    giveLayer(run, "1d_cut_a", kCutColumns, "Line 4 2 4 -2\n", "\"\",-1,\"T\",\"T\",\"\",\"\",0\n");
+    run.give("csv/.keep", "");
+    run.give("net.nbc", "Read GIS Branch == 1d_br_a.mif\nRead GIS XS == 1d_cut_a.mif\n");
+    run.start();
+    EXPECT_TRUE(run.says("Polyline 1 with name \"" + std::string(250, 'n') + "\""));
+    // No room is left for chainage and extension.
+    EXPECT_EQ(run.read("1d_xs_a.mid"), xsRecord("csv\\" + std::string(246, 'n'), "", "", "-1.000"));
+    EXPECT_TRUE(run.has("csv/" + std::string(246, 'n')));
+}
+
+TEST(NbcCli, ChainagesOfATableAddUpInDoublePrecision)
+{
+    // Single precision knows no whole number between 16777216 and 16777218.
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_cut_a", kCutColumns, pline({0, 1, 16777216, 1, 16777217, 1}),
+              "\"a\",-1,\"T\",\"T\",\"\",\"\",0\n");
+    run.give("net.nbc", "Read GIS XS == 1d_cut_a.mif\nSet XS dx == 1\nSet XS Z == 2\n");
+    run.start();
+    EXPECT_EQ(run.read("a.csv"), kHeading + "0.000,2.000\r\n16777216.000,2.000\r\n16777217.000,2.000\r\n");
 }
 
 // --- Several layers --------------------------------------------------------------------------------------------------
@@ -646,6 +717,35 @@ TEST(NbcCli, ARegionWithoutAValueEndsTheRunAfterItsWarning)
                                "  XY of first polygon vertex is: 15.5, 5.", "ERROR - No FLC value specified on region.",
                                "", "Press Enter to Close"});
     EXPECT_FALSE(run.has("1d_nwk_a.mif"));
+}
+
+TEST(NbcCli, ALossOfATenThousandthIsNone)
+{
+    for (const std::string value : {"0.0001", "-0.0001"}) {
+        ToolRun run("-b -nbc net.nbc");
+        runFlc(run, rectangle(5, 5, 15, 25), value + "\n");
+        EXPECT_CONSOLE_HOLDS(
+            run, {"Region 1 with 6 nodes...", "ERROR - No FLC value specified on region.", "", "Press Enter to Close"});
+    }
+    ToolRun run("-b -nbc net.nbc");
+    runFlc(run, rectangle(5, 5, 15, 15), "-0.00051\n");
+    EXPECT_EQ(run.read("1d_nwk_a.mid"), threeLosses("0.201", "0.000", "0.000"));
+}
+
+TEST(NbcCli, RegionsOfEachFileAreCountedAnew)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_br_a", kBranchColumns, pline({10, 10, 20, 10}) + pline({10, 20, 20, 20}),
+              "\"a\",1,\"T\",0\n\"b\",1,\"T\",0\n");
+    giveLayer(run, "one", {"FLC Float"}, rectangle(5, 5, 15, 15) + rectangle(5, 15, 15, 25), "0.5\n0.25\n");
+    giveLayer(run, "two", {"FLC Float"}, rectangle(5, 5, 15, 25), "1\n");
+    run.give("net.nbc", "Read GIS FLC == one.mif\nRead GIS Branch == 1d_br_a.mif\nRead GIS FLC == two.mif\n");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run,
+                         {"Region 1 with 6 nodes...", "Region 2 with 6 nodes...", "Closing GIS Layer 1 [one.mif]..."});
+    EXPECT_CONSOLE_HOLDS(run, {"Region 1 with 6 nodes...", "Closing GIS Layer 1 [two.mif]..."});
+    EXPECT_EQ(run.read("1d_nwk_a.mid"),
+              nwkRecord("a", "S", "T", "1.000", "1.000") + nwkRecord("b", "S", "T", "1.000", "0.750"));
 }
 
 TEST(NbcCli, ARegionOfTwoRingsEndsTheRun)

@@ -117,6 +117,19 @@ TEST(XsCli, MaterialsAreTruncatedAndDefaultToTheNumberGiven)
     EXPECT_EQ(run.read("1d_xs_a.mid"), xsRecord("a.csv", "XZ", "M", "1.000") + xsRecord("b.csv", "XZ", "M", "-1.000"));
 }
 
+TEST(XsCli, TypesOf1dTabLayersGiveWayButTheirFlagsOnlyToMaterials)
+{
+    for (const bool materials : {false, true}) {
+        ToolRun run(materials ? "-b -xs 1d_tab_a.mif -mat one.asc one.asc" : "-b -xs 1d_tab_a.mif one.asc");
+        giveLayer(run, "1d_tab_a", kTabColumns, "Line 2 1 4 1\n", "\"a.csv\",\"CS\",\"RN\",,,,,,,-1,0,0\n");
+        run.give("one.asc", ascGrid({{21, 22, 23, 24, 25}, {11, 12, 13, 14, 15}}));
+        run.start();
+        EXPECT_EQ(run.read("1d_xs_a.mid"), xsRecord("a.csv", "XZ", materials ? "M" : "RN", "-1.000"));
+        EXPECT_EQ(run.read("a.csv"), materials ? "\"Chainage\",\"Z\",\"Mat\"\r\n0.000,12.000,12\r\n2.000,14.000,14\r\n"
+                                               : "\"Chainage\",\"Z\"\r\n0.000,12.000\r\n2.000,14.000\r\n");
+    }
+}
+
 TEST(XsCli, LayersKeepTheTailOfTheirNames)
 {
     struct Names {

@@ -77,6 +77,12 @@ TEST(InsertVertices, StepsGoThroughSinglePrecision)
                 ElementsAre(2.0, DoubleEq(2 + static_cast<double>(static_cast<float>(wide - 2)) * 0.5), wide));
 }
 
+TEST(InsertVertices, TheNumberOfStepsIsOneOfSinglePrecision)
+{
+    // The single-precision 0.7 by 0.1 is 6.99999978, which single precision rounds to 7: seven points between the ends.
+    EXPECT_EQ(withPoints({0, 0.7}, {0, 0}, 0, 0.1F).points(), 2 + 7);
+}
+
 TEST(InsertVertices, OddSpacingsInsertNothing)
 {
     EXPECT_THAT(withPoints({0, 4}, {0, 0}, 0, -3).pointX, ElementsAre(0, 4));

@@ -341,6 +341,14 @@ TEST(MatchSections, SnapsWithinAThousandthOnBothAxes)
     EXPECT_FALSE(matchOne(branch, {{10, 5}, {10, 0.0011}, {9, -5}}).snapped);
 }
 
+TEST(MatchSections, TheThousandthIsASinglePrecisionOne)
+{
+    // It is 0.00100000004749..., a little more than in double precision.
+    const Vertices branch = {{0, 0}, {10, 0}};
+    EXPECT_TRUE(matchOne(branch, {{5, 5}, {0.00100000004, 0}, {5, -5}}).snapped);
+    EXPECT_FALSE(matchOne(branch, {{5, 5}, {0.00100000005, 0}, {5, -5}}).snapped);
+}
+
 TEST(MatchSections, TheFirstVertexOfASectionIsNeverTried)
 {
     const NbcSection section = matchOne({{0, 0}, {10, 0}, {20, 0}}, {{10, 0}, {10, 5}});

@@ -164,6 +164,9 @@ TEST(SplitBranches, LargeChainagesFillTheId)
     const NbcBranch bare = branchAlong({0, 99000, 99998}, {});
     EXPECT_THAT(idsOf(linesOf(branchAlong({0, 99000, 99998}, {crossAt(98765.9, 2), snapAt(bare, 2), crossAt(5, 2)}))),
                 ElementsAre("b_0", "b_00005", "b_98765", "b_99000"));
+    // The highest chainage that a section may have.
+    EXPECT_THAT(idsOf(linesOf(branchAlong({0, 99000, 99998}, {snapAt(bare, 3), crossAt(5, 2), crossAt(6, 2)}))),
+                ElementsAre("b_0", "b_00005", "b_99998"));
 }
 
 } // namespace
