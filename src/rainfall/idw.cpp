@@ -4,6 +4,7 @@
 #include "base/ends.h"
 #include "base/geometry.h"
 #include "base/numbers.h"
+#include "rainfall/memory_line.h"
 
 #include <algorithm>
 #include <bit>
@@ -261,10 +262,9 @@ RfIdwMethod settleIdwMethod(const RfSettings& settings, std::int32_t points, std
 
 void allocateTables(const GridHeader& grid, const RfIdwMethod& method, std::int32_t points, RfIdwTables& tables)
 {
-    const auto k = static_cast<std::uint64_t>(method.listLength);
-    // Of the weights as double and of all lists, as users know the figure; the sums wrap at 64 bits.
-    const std::uint64_t bytes = method.useAll ? grid.cells() * (1 + k) * 8 : grid.cells() * ((3 + k) + k * 2) * 4;
-    say("Memory required: ", static_cast<std::int64_t>(bytes) / 1000, "kB");
+    const auto k = static_cast<std::uint32_t>(method.listLength);
+    // Of the weights as double and of all lists, as users know the figure.
+    sayMethodMemory(grid, method.useAll ? (1U + k) * 8U : ((3U + k) + k * 2U) * 4U);
     tables.method = method;
     tables.points = points;
     const auto perCell = static_cast<std::size_t>(method.useAll ? points : method.listLength);

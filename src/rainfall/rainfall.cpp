@@ -10,6 +10,7 @@
 #include "rainfall/control_file.h"
 #include "rainfall/hyetographs.h"
 #include "rainfall/idw.h"
+#include "rainfall/memory_line.h"
 #include "rainfall/points.h"
 #include "rainfall/polygons.h"
 #include "rainfall/rainfall_nc.h"
@@ -43,17 +44,11 @@ struct Rainfall {
 // Works out one time step from what a method has prepared.
 using StepRoutine = std::function<void(std::size_t step)>;
 
-// The figure of a memory line: `bytes` for each cell, in 64 bits.
-void sayMemory(const GridHeader& grid, std::uint64_t bytes)
-{
-    say("Memory required: ", static_cast<std::int64_t>(grid.cells() * bytes) / 1000, "kB");
-}
-
 void allocateGrids(Rainfall& rain)
 {
     constexpr std::uint64_t kBytes = 8;
     say("Allocating memory for rainfall depth and cumulative rainfall depth..");
-    sayMemory(rain.grid, kBytes);
+    say("Memory required: ", static_cast<std::int64_t>(rain.grid.cells() * kBytes) / 1000, "kB");
     // A count at the limit stands for one past it.
     constexpr std::int32_t kEndless = std::numeric_limits<std::int32_t>::max();
     if (rain.grid.nrows == kEndless || rain.grid.ncols == kEndless ||
@@ -68,10 +63,10 @@ void allocateGrids(Rainfall& rain)
 
 StepRoutine preparePolygons(Rainfall& rain, RfPolygonTables& tables)
 {
-    constexpr std::uint64_t kBytes = 8;
+    constexpr std::uint32_t kBytes = 8;
     say("Using rainfall polygons.");
     say("Allocating memory for polygons.");
-    sayMemory(rain.grid, kBytes);
+    sayMethodMemory(rain.grid, kBytes);
     allocateTables(rain.grid, tables);
     say("   Done.");
     rf_set_polygons(rain.controlFile, rain.points, rain.hyetographs, rain.grid, tables);
@@ -87,11 +82,11 @@ void writeTriangleNumbers(Rainfall& rain, const RfTinTables& tables)
 
 StepRoutine prepareTin(Rainfall& rain, RfTinTables& tables)
 {
-    constexpr std::uint64_t kBytes = 20; // with the work array of the crossings
+    constexpr std::uint32_t kBytes = 20; // with the work array of the crossings
     constexpr std::int32_t kTinBytes = kMaxRfTriangles * 12 + kMaxRfTinPoints * 24;
     say("Using rainfall TIN interpolation.");
     say("Allocating memory for tin interpolation factors.");
-    sayMemory(rain.grid, kBytes);
+    sayMethodMemory(rain.grid, kBytes);
     allocateTables(rain.grid, tables);
     say("   Done.");
     say("Allocating memory for storing tin.");
