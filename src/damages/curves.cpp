@@ -61,7 +61,7 @@ void dmg_read_curve(const std::string& fileName, std::int32_t maxPoints, DmgCurv
         if (!readLine(unit, line)) {
             failLine(line);
         }
-        if (count == maxPoints) {
+        if (count >= maxPoints) {
             fail("ERROR - Number of bins exceeds maximum.");
         }
         ++count;

@@ -2,6 +2,7 @@
 #include "support/damages_files.h"
 #include "support/tool_run.h"
 
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -289,6 +290,16 @@ TEST(DamagesControl, ALayerWithoutAProjectionEndsTheRun)
     shp.run.start();
     EXPECT_CONSOLE_HOLDS(shp.run, {"Using h.prj for setting projection.", "...Closed File Unit:1002",
                                    "ERROR - Unable to find PROJCS line in h.prj", "", "Press Enter to Close"});
+}
+
+TEST(DamagesControl, AProjectionThatCannotBeReadEndsTheRun)
+{
+    ControlRun control("Read GIS Building == h.shp\n");
+    std::filesystem::create_symlink("/proc/self/mem", control.run.folder() / "h.prj");
+    control.run.start();
+    EXPECT_CONSOLE_HOLDS(control.run,
+                         {"Using h.prj for setting projection.",
+                          "ERROR - Reading following line in projection file:", "", "", "Press Enter to Close"});
 }
 
 } // namespace

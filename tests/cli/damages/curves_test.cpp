@@ -140,6 +140,14 @@ TEST(DamagesCurve, MorePointsThanTheLimitEndTheRun)
         curve += std::to_string(i) + "," + std::to_string(i) + "\n";
     }
     EXPECT_EQ(CurveRun(curve).damage(), "10.");
+    // A limit below 1 is past with the first point.
+    for (const char* limit : {"0", "-1"}) {
+        ToolRun run("-b -damages c.dmg");
+        giveDamageFiles(run, pointMif("2", "1"), "\"House\",\"A\",2,1\n");
+        run.give("c.dmg", std::string("Maximum Point in Curve == ") + limit + "\n" + kPlainControl);
+        run.start();
+        EXPECT_CONSOLE_HOLDS(run, {"ERROR - Number of bins exceeds maximum.", "", "Press Enter to Close"});
+    }
     // The line past the limit is not read for its values.
     expectEnd(curve + "nothing\n", {"Opened File Unit:1002", "ERROR - Number of bins exceeds maximum."});
 }
