@@ -34,8 +34,7 @@ void checkNetcdf(int status, std::string_view call)
 
 void printNetcdfVersion()
 {
-    say("Checking netcdf version: ");
-    say(cut(nc_inq_libvers(), kLibraryTextWidth));
+    say("Checking netcdf version: ", cut(nc_inq_libvers(), kLibraryTextWidth));
 }
 
 } // namespace gridforge

@@ -58,7 +58,7 @@ TEST(PrintNetcdfVersion, GivesTheLibrarysOwnText)
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] { printNetcdfVersion(); });
     EXPECT_FALSE(run.ended);
-    EXPECT_TRUE(std::regex_match(run.console, std::regex("Checking netcdf version: \n[0-9]+\\.[0-9]+.{0,76}\n")))
+    EXPECT_TRUE(std::regex_match(run.console, std::regex("Checking netcdf version: [0-9]+\\.[0-9]+.{0,76}\n")))
         << run.console;
 }
 
