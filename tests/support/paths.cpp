@@ -14,6 +14,10 @@ std::string preloadedPath()
 {
     return GRIDFORGE_PRELOADED;
 }
+std::string failingNetcdfPath()
+{
+    return GRIDFORGE_FAILING_NETCDF;
+}
 std::string manualFolder()
 {
     return GRIDFORGE_MANUAL_DIR;

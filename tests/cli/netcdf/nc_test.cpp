@@ -1,3 +1,4 @@
+#include "support/netcdf_failures.h"
 #include "support/ops_consoles.h"
 #include "support/paths.h"
 #include "support/read_netcdf.h"
@@ -487,6 +488,47 @@ TEST(NcCli, AGridThatNoMemoryHoldsEndsTheRun)
     // 4e12 bytes are 1385447424 in 32 bits.
     EXPECT_CONSOLE_HOLDS(run, joined({{"Allocating 1385447Kb memory for external grid..."},
                                       errorEnd("ERROR - Could not allocate enough memory (RAM).")}));
+}
+
+TEST(NcCli, EveryCallThatFailsIsNamed)
+{
+    const NetcdfFailure failures[] = {
+        {"nc_put_att_text 1", "nf90_put_att"}, // of the file
+        {"nc_put_att_text 6", "nf90_put_att"},
+        {"nc_def_dim 1", "nf90_def_dim"},
+        {"nc_def_dim 2", "nf90_def_dim"},
+        {"nc_def_dim 3", "nf90_def_dim"},
+        {"nc_def_var 1", "nf90_def_var(time)"},
+        {"nc_put_att_text 7", "nf90_put_att"},
+        {"nc_def_var 2", "nf90_def_var(y)"},
+        {"nc_put_att_text 11", "nf90_put_att"},
+        {"nc_def_var 3", "nf90_def_var(x)"},
+        {"nc_put_att_text 18", "nf90_put_att"},
+        {"nc_def_var 4", "nf90_def_var(data)"},
+        {"nc_def_var_fill 1", "nf90_def_var_fill(data)"},
+        {"nc_def_var 5", "nf90_def_var(data)"},
+        {"nc_def_var_fill 2", "nf90_def_var_fill(data)"},
+        {"nc_enddef 1", "nf90_enddef"},
+        {"nc_put_vara_double 1", "nf90_put_var (x)"},
+        {"nc_put_vara_double 2", "nf90_put_var (y)"},
+        {"nc_put_var1_double 1", "nf90_put_var (time)"},
+        {"nc_put_var1_double 2", "nf90_put_var (time)"},
+        {"nc_put_vara_float 1", "nf90_put_var (rg2)"},
+        {"nc_sync 1", "nf90_sync (rg)"},
+        {"nc_put_vara_float 3", "nf90_put_var (rg2)"}, // of the maximum
+        {"nc_sync 3", "nf90_sync (rg)"},
+        {"nc_close 1", "nf90_close"},
+    };
+    const auto expectNamed = [](const NetcdfFailure& failure, const char* part) {
+        ToolRun run(failingNetcdfArguments(failure, {"-nc", "a.asc", "b.asc", part}));
+        run.give("a.asc", ascGrid(kFirst));
+        run.give("b.asc", ascGrid(kSecond));
+        expectNetcdfFailure(run, failure);
+    };
+    for (const NetcdfFailure& failure : failures) {
+        expectNamed(failure, "-nc_part0");
+    }
+    expectNamed({"nc_put_vara_float 1", "nf90_put_var (rg)"}, "-nc_part1");
 }
 
 // A limit on the size of files stands for the full disk: 512-byte or 1024-byte units, as the shell counts.

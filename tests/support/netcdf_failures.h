@@ -1,0 +1,43 @@
+// Runs of the tool in which a chosen call of the NetCDF library fails.
+#pragma once
+
+#include "support/paths.h"
+#include "support/tool_run.h"
+
+#include <netcdf.h>
+#include <string>
+#include <vector>
+
+namespace gridforge::test {
+
+// A call of the library, as "nc_def_var 3" for its third one, and the name that the tool has for it.
+struct NetcdfFailure {
+    const char* call;
+    const char* name;
+};
+
+// Arguments of /usr/bin/env for a run of the tool with `arguments`, in which the call fails.
+inline std::vector<std::string> failingNetcdfArguments(const NetcdfFailure& failure, std::vector<std::string> arguments)
+{
+    std::vector<std::string> all = {"LD_PRELOAD=" + failingNetcdfPath(),
+                                    // The module comes ahead of the library of a sanitized tool.
+                                    "ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0",
+                                    std::string("GRIDFORGE_FAIL_NETCDF=") + failure.call, toolPath()};
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return all;
+}
+
+// Starts the run and expects that it ends with the name of the call.
+inline void expectNetcdfFailure(ToolRun& run, const NetcdfFailure& failure)
+{
+    run.program("/usr/bin/env");
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_CONSOLE_HOLDS(run,
+                         {std::string("ERROR - With nectdf call ") + failure.name,
+                          std::string("Netcdf error message: ") + nc_strerror(NC_EPERM), "", "Press Enter to Close"})
+        << failure.call;
+}
+
+} // namespace gridforge::test
