@@ -270,6 +270,22 @@ TEST(NbcMessages, SectionsWithNeitherNameNorBranchAreAllTold)
                     "    Cross-section number  = 3", "ERRORs found - See above for further information."});
 }
 
+TEST(NbcMessages, TheFirstLayerWithNamelessSectionsEndsTheRun)
+{
+    ToolRun run("-b -nbc net.nbc");
+    const std::string nameless = "\"\",-1,\"T\",\"T\",\"\",\"\",0\n";
+    giveLayer(run, "1d_cut_a", kCutColumns, kOneSection, kOneRecord);
+    giveLayer(run, "1d_cut_b", kCutColumns, kOneSection, nameless);
+    giveLayer(run, "1d_cut_c", kCutColumns, kOneSection, nameless);
+    runNbcFile(run, "Read GIS XS == 1d_cut_a.mif\nRead GIS XS == 1d_cut_b.mif\nRead GIS XS == 1d_cut_c.mif\n");
+    // Numbers run on from layer to layer.
+    expectEnd(run, {"ERROR - Cross-section must either have a source specified or cross a branch.",
+                    "    Cross-section number  = 2", "ERRORs found - See above for further information."});
+    EXPECT_FALSE(run.says("    Cross-section number  = 3"));
+    EXPECT_EQ(run.read("1d_xs_a.mid"), xsRecord("a.csv", "", "", "-1.000"));
+    EXPECT_FALSE(run.has("1d_xs_c.mif"));
+}
+
 TEST(NbcMessages, AGridThatMemoryCannotHold)
 {
     ToolRun run("-b -nbc net.nbc");

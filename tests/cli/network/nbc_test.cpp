@@ -392,6 +392,31 @@ TEST(NbcCli, ARoughnessOfATenThousandthStays)
               nwkRecord("least", "S", "T", "0.000", "0.000") + nwkRecord("less", "S", "T", "1.000", "0.000"));
 }
 
+TEST(NbcCli, FlagsAndTypesAreCutToTheirWidths)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_br_a", kTypedColumns,
+              pline({0, 0, 3, 0}) + pline({0, 1, 3, 1}) + pline({0, 2, 3, 2}) + pline({0, 3, 3, 3}),
+              "\"a\",1,\"False\",0,\"CIRCLE\"\n\"b\",1,\"No\",0,\"\"\n\"c\",1,\"True\",0,\"S\"\n"
+              "\"d\",1,\"\",0,\"SP\"\n");
+    run.give("net.nbc", "Read GIS Branch == 1d_br_a.mif\n");
+    run.start();
+    EXPECT_EQ(run.read("1d_nwk_a.mid"),
+              nwkRecord("a", "CIRC", "F", "1.000", "0.000") + nwkRecord("b", "S", "F", "1.000", "0.000") +
+                  nwkRecord("c", "S", "T", "1.000", "0.000") + nwkRecord("d", "SP", "T", "1.000", "0.000"));
+}
+
+TEST(NbcCli, OfTwoCommandsInALineTheFirstOfTheTableCounts)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveDrawnNetwork(run);
+    run.give("net.nbc", kReadBoth + "Output XS or Write XS == Off\n");
+    run.start();
+    EXPECT_TRUE(run.says("Writing 1, 1d_xs files."));
+    EXPECT_FALSE(run.has("1d_xs_t.mif"));
+    EXPECT_TRUE(run.says("Finished."));
+}
+
 TEST(NbcCli, ElevenAttributesAreCutLines)
 {
     std::vector<std::string> columns = kTabColumns;
@@ -730,6 +755,21 @@ TEST(NbcCli, ALossOfATenThousandthIsNone)
     ToolRun run("-b -nbc net.nbc");
     runFlc(run, rectangle(5, 5, 15, 15), "-0.00051\n");
     EXPECT_EQ(run.read("1d_nwk_a.mid"), threeLosses("0.201", "0.000", "0.000"));
+}
+
+TEST(NbcCli, ConnectorsTakeTheirShareOfALoss)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_br_a", kBranchColumns, pline({10, 12, 11, 12}) + pline({10, 10, 20, 10}),
+              "\"x\",1,\"T\",7\n\"a\",1,\"T\",0\n");
+    giveLayer(run, "flc", {"FLC Float"}, rectangle(5, 5, 15, 15), "0.5\n");
+    run.give("net.nbc", "Read GIS FLC == flc.mif\nRead GIS Branch == 1d_br_a.mif\n");
+    run.start();
+    EXPECT_EQ(run.read("1d_nwk_a.mid"),
+              nwkRecord("a", "S", "T", "1.000", "0.250") + nwkRecord("", "X", "F", "0.000", "0.250"));
+    // The projection is that of the branches: regions give none.
+    EXPECT_TRUE(run.says("Using 1d_br_a.mif for setting projection."));
+    EXPECT_FALSE(run.says("Projection check not yet implemented."));
 }
 
 TEST(NbcCli, RegionsOfEachFileAreCountedAnew)
