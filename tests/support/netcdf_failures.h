@@ -17,7 +17,8 @@ struct NetcdfFailure {
 };
 
 // Arguments of /usr/bin/env for a run of the tool with `arguments`, in which the call fails.
-inline std::vector<std::string> failingNetcdfArguments(const NetcdfFailure& failure, std::vector<std::string> arguments)
+inline std::vector<std::string> failingNetcdfArguments(const NetcdfFailure& failure,
+                                                       const std::vector<std::string>& arguments)
 {
     std::vector<std::string> all = {"LD_PRELOAD=" + failingNetcdfPath(),
                                     // The module comes ahead of the library of a sanitized tool.
