@@ -146,8 +146,7 @@ TEST(Docs, ALinkThatLeadsNowhereIsSeen)
     EXPECT_EQ(objection(readme, "docs/building.md#tests-by-hand"), "");
     EXPECT_EQ(objection(readme, "docs/building.md#test-by-foot"), "leads to no heading of its page");
     EXPECT_EQ(objection(readme, "docs/bilding.md"), "leads nowhere");
-    EXPECT_EQ(objection(readme, "../shared"),
-              fs::exists(kSource / "../shared") ? "leads out of the tree" : "leads nowhere");
+    EXPECT_EQ(objection(readme, ".."), "leads out of the tree");
     EXPECT_EQ(objection(readme, "https://example.org/x"), "");
 }
 
