@@ -171,8 +171,8 @@ GridHeader gridHeader(const PointExtents& extents)
     constexpr float kPointNull = -999.0F;
 
     GridHeader header;
-    const std::int32_t r = truncateToInt((extents.ymax - extents.ymin) / static_cast<double>(extents.dy));
-    const std::int32_t c = truncateToInt((extents.xmax - extents.xmin) / static_cast<double>(extents.dx));
+    const std::int32_t r = truncateToInt(std::abs(extents.ymax - extents.ymin) / static_cast<double>(extents.dy));
+    const std::int32_t c = truncateToInt(std::abs(extents.xmax - extents.xmin) / static_cast<double>(extents.dx));
     say("number rows: ", r);
     say("number cols: ", c);
     const bool inRange = r >= 0 && c >= 0 && std::max(r, c) < std::numeric_limits<std::int32_t>::max();

@@ -206,7 +206,7 @@ TEST(XyzCli, AnEmptyFileLeavesTheStartValuesAndNoGrid)
                                "Rewinding input file...", "   Done.", "   Done.", "...Closed File Unit:1001"});
     EXPECT_CONSOLE_HOLDS(run, {"X Minimum: ********************", "X Maximum: ********************",
                                "Y Minimum: ********************", "Y Maximum: ********************", "dx:        9999.",
-                               "dy:        9999.", "number rows: -2147483648", "number cols: -2147483648",
+                               "dy:        9999.", "number rows: 2147483647", "number cols: 2147483647",
                                "Allocating memory for output grid...",
                                "ERROR - Could not allocate enough memory (RAM).", "", "Press Enter to Close"});
     EXPECT_NO_OTHER_FILES(run);
