@@ -1,17 +1,15 @@
 // The library's own dump, Python's netCDF4 and GDAL read the series that the tool writes.
-#include "support/gdal.h"
+#include "support/grids.h"
+#include "support/netcdf_witness.h"
+#include "support/tool_run.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace gridforge::test {
 namespace {
 
-constexpr const char* kPython = "/usr/bin/python3";
 const Cells kFirst{{121, 122, kNull}, {111, 112.5, 113}};
 const Cells kSecond{{221, kNull, 223}, {kNull, 12, 13}};
 
@@ -23,27 +21,16 @@ void makeSeries(ToolRun& run)
     ASSERT_EQ(run.error(), "");
 }
 
-bool runs(const char* program, std::vector<std::string> arguments)
-{
-    ToolRun witness(std::move(arguments));
-    witness.program(program);
-    witness.start();
-    return witness.status() == 0;
-}
-
 TEST(NcWithNcdump, ShowsTheFileAsPromised)
 {
-    if (!std::filesystem::exists("/usr/bin/ncdump")) {
+    if (!hasNcdump()) {
         GTEST_SKIP() << "no ncdump (Debian: netcdf-bin)";
     }
     ToolRun run("-b -nc -nc_part1 a.asc b.asc");
     makeSeries(run);
-    ToolRun dump({"-s", (run.folder() / "a.nc").string()});
-    dump.program("/usr/bin/ncdump");
-    dump.start();
-    EXPECT_EQ(dump.status(), 0) << dump.error();
     // The versions of the libraries stand in this line alone.
-    const std::string shown = std::regex_replace(dump.console(), std::regex("\t\t:_NCProperties = .*\n"), "");
+    const std::string shown =
+        std::regex_replace(shownByNcdump(run, "a.nc"), std::regex("\t\t:_NCProperties = .*\n"), "");
     EXPECT_EQ(shown, R"cdl(netcdf a {
 dimensions:
 	x = 3 ;
@@ -128,12 +115,12 @@ data:
 
 TEST(NcWithPython, ReadsCellsAndDatesThroughTheConventions)
 {
-    if (!runs(kPython, {"-c", "import netCDF4"})) {
+    if (!pythonRuns("import netCDF4")) {
         GTEST_SKIP() << "no Python with netCDF4 (Debian: python3-netcdf4)";
     }
     ToolRun run("-b -nc -nc_part1 a.asc b.asc");
     makeSeries(run);
-    ToolRun python({"-c", R"(
+    const std::string printed = printedByPython(run, "a.nc", R"(
 import sys
 import netCDF4
 data = netCDF4.Dataset(sys.argv[1])
@@ -143,47 +130,27 @@ for moment in netCDF4.num2date(time[:], time.units):
 for cells in (data['data_temporal'][0], data['data_temporal'][1], data['data_max'][:]):
     for row in cells[::-1]:
         print(*('-' if cell is None else repr(cell) for cell in row.tolist()))
-)",
-                    (run.folder() / "a.nc").string()});
-    python.program(kPython);
-    python.start();
-    EXPECT_EQ(python.status(), 0) << python.error();
-    EXPECT_EQ(python.console(), "2011-03-01 11:00:00\n2011-03-01 12:00:00\n"
-                                "121.0 122.0 -\n111.0 112.5 113.0\n"
-                                "221.0 - 223.0\n- 12.0 13.0\n"
-                                "221.0 122.0 223.0\n111.0 112.5 113.0\n");
+)");
+    EXPECT_EQ(printed, "2011-03-01 11:00:00\n2011-03-01 12:00:00\n"
+                       "121.0 122.0 -\n111.0 112.5 113.0\n"
+                       "221.0 - 223.0\n- 12.0 13.0\n"
+                       "221.0 122.0 223.0\n111.0 112.5 113.0\n");
 }
 
 TEST(NcWithGdal, OpensTheMaximumAndEachGridOfTheSeries)
 {
-    if (!hasGdal() || !runs(kPython, {"-c", "from osgeo import gdal; assert gdal.GetDriverByName('netCDF')"})) {
+    if (!hasGdalNetcdf()) {
         GTEST_SKIP() << "no Python with GDAL and its NetCDF driver (Debian: python3-gdal)";
     }
     ToolRun run("-b -nc -nc_part1 a.asc b.asc");
     makeSeries(run);
-    ToolRun python({"-c", R"(
-import sys
-from osgeo import gdal
-gdal.UseExceptions()
-for variable in ('data_temporal', 'data_max'):
-    data = gdal.Open('NETCDF:"' + sys.argv[1] + '":' + variable)
-    print(variable, data.RasterCount, *(repr(v) for v in data.GetGeoTransform()))
-    for i in range(data.RasterCount):
-        band = data.GetRasterBand(i + 1)
-        print(band.GetNoDataValue())
-        for row in band.ReadAsArray():
-            print(*(repr(float(cell)) for cell in row))
-)",
-                    (run.folder() / "a.nc").string()});
-    python.program(kPython);
-    python.start();
-    EXPECT_EQ(python.status(), 0) << python.error();
     // Its origin is half a cell off: it takes the coordinates for centres, and they are the north-east corners.
-    EXPECT_EQ(python.console(), "data_temporal 2 105.0 10.0 0.0 225.0 0.0 -10.0\n"
-                                "-9999.0\n121.0 122.0 -9999.0\n111.0 112.5 113.0\n"
-                                "-9999.0\n221.0 -9999.0 223.0\n-9999.0 12.0 13.0\n"
-                                "data_max 1 105.0 10.0 0.0 225.0 0.0 -10.0\n"
-                                "-9999.0\n221.0 122.0 223.0\n111.0 112.5 113.0\n");
+    EXPECT_EQ(variablesByGdal(run, "a.nc", {"data_temporal", "data_max"}),
+              "data_temporal 2 105.0 10.0 0.0 225.0 0.0 -10.0\n"
+              "-9999.0 1\n121.0 122.0 -9999.0\n111.0 112.5 113.0\n"
+              "-9999.0 2\n221.0 -9999.0 223.0\n-9999.0 12.0 13.0\n"
+              "data_max 1 105.0 10.0 0.0 225.0 0.0 -10.0\n"
+              "-9999.0 None\n221.0 122.0 223.0\n111.0 112.5 113.0\n");
 }
 
 } // namespace

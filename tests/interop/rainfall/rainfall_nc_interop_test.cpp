@@ -1,15 +1,13 @@
 // The library's own dump and GDAL read the rainfall file that the tool writes.
 #include "support/gdal.h"
+#include "support/netcdf_witness.h"
 #include "support/rainfall_files.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 
 namespace gridforge::test {
 namespace {
-
-constexpr const char* kPython = "/usr/bin/python3";
 
 // One region over the two eastern columns.
 void makeRainfall(ToolRun& run)
@@ -24,16 +22,12 @@ void makeRainfall(ToolRun& run)
 
 TEST(RainfallWithNcdump, ShowsTheFileAsPromised)
 {
-    if (!std::filesystem::exists("/usr/bin/ncdump")) {
+    if (!hasNcdump()) {
         GTEST_SKIP() << "no ncdump (Debian: netcdf-bin)";
     }
     ToolRun run("-b -rf rain.rfc");
     makeRainfall(run);
-    ToolRun dump({"-s", (run.folder() / "rain.nc").string()});
-    dump.program("/usr/bin/ncdump");
-    dump.start();
-    EXPECT_EQ(dump.status(), 0) << dump.error();
-    EXPECT_EQ(dump.console(), R"cdl(netcdf rain {
+    EXPECT_EQ(shownByNcdump(run, "rain.nc"), R"cdl(netcdf rain {
 dimensions:
 	x = 3 ;
 	y = 2 ;
@@ -88,37 +82,18 @@ data:
 
 TEST(RainfallWithGdal, OpensTheStepsAndTheTotal)
 {
-    ToolRun driver({"-c", "from osgeo import gdal; import numpy; assert gdal.GetDriverByName('netCDF')"});
-    driver.program(kPython);
-    driver.start();
-    if (driver.status() != 0) {
+    if (!hasGdalNetcdf()) {
         GTEST_SKIP() << "no Python with GDAL and its NetCDF driver (Debian: python3-gdal)";
     }
     ToolRun run("-b -rf rain.rfc");
     makeRainfall(run);
-    ToolRun python({"-c", R"(
-import sys
-from osgeo import gdal
-gdal.UseExceptions()
-for variable in ('rainfall_depth', 'total_rainfall_depth'):
-    data = gdal.Open('NETCDF:"' + sys.argv[1] + '":' + variable)
-    print(variable, data.RasterCount, *(repr(v) for v in data.GetGeoTransform()))
-    for i in range(data.RasterCount):
-        band = data.GetRasterBand(i + 1)
-        print(band.GetNoDataValue(), band.GetMetadataItem('NETCDF_DIM_time'))
-        for row in band.ReadAsArray():
-            print(*(repr(float(cell)) for cell in row))
-)",
-                    (run.folder() / "rain.nc").string()});
-    python.program(kPython);
-    python.start();
-    EXPECT_EQ(python.status(), 0) << python.error();
     // The coordinates are cell centres, so the north-west corner stands where it should.
-    EXPECT_EQ(python.console(), "rainfall_depth 2 100.0 10.0 0.0 220.0 0.0 -10.0\n"
-                                "-999.0 0\n-999.0 -999.0 10.0\n-999.0 3.0 3.0\n"
-                                "-999.0 0.5\n-999.0 -999.0 20.0\n-999.0 6.0 6.0\n"
-                                "total_rainfall_depth 1 100.0 10.0 0.0 220.0 0.0 -10.0\n"
-                                "-999.0 None\n0.0 0.0 30.0\n0.0 9.0 9.0\n");
+    EXPECT_EQ(variablesByGdal(run, "rain.nc", {"rainfall_depth", "total_rainfall_depth"}),
+              "rainfall_depth 2 100.0 10.0 0.0 220.0 0.0 -10.0\n"
+              "-999.0 0\n-999.0 -999.0 10.0\n-999.0 3.0 3.0\n"
+              "-999.0 0.5\n-999.0 -999.0 20.0\n-999.0 6.0 6.0\n"
+              "total_rainfall_depth 1 100.0 10.0 0.0 220.0 0.0 -10.0\n"
+              "-999.0 None\n0.0 0.0 30.0\n0.0 9.0 9.0\n");
 }
 
 // The grids of a run as another program sees them.
