@@ -1,8 +1,8 @@
 // Levels of building polygons on a grid of 5000 by 5000 cells of 1 m: 20,000 outlines of 6 vertices and of 60, all over the
 // grid. Every cell of a window by the plain region test, and row by row by the prepared one; both give the same sums.
-#include "base/geometry.h"
 #include "damages/calculation.h"
 #include "damages/curves.h"
+#include "plane/geometry.h"
 
 #include <algorithm>
 #include <array>

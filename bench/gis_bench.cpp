@@ -1,7 +1,7 @@
 // Whole layers written and read: a million points, a hundred thousand polygons.
 #include "support/bench_layers.h"
 
-#include "base/console.h"
+#include "host/console.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdlib>

@@ -2,7 +2,7 @@
 //   layer_run points <count> <file> | layer_run polygons <count> <file> | layer_run read <file>
 #include "support/bench_layers.h"
 
-#include "base/console.h"
+#include "host/console.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,10 +1,10 @@
 // Matching of sections to branches: networks of 125 to 2000 branches of 20 vertices with five sections on each, and one
 // branch of up to 10000 vertices with as many sections. Time per vertex should stay about the same. The plain form, every
 // branch, vertex and segment, stands beside for the networks.
-#include "base/console.h"
-#include "base/geometry.h"
+#include "host/console.h"
 #include "network/match.h"
 #include "network/records.h"
+#include "plane/geometry.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>

@@ -1,7 +1,7 @@
 // Whole runs in a benchmark: the console goes nowhere while they last.
 #pragma once
 
-#include "base/console.h"
+#include "host/console.h"
 
 #include <cstdio>
 #include <fcntl.h>

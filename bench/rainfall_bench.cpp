@@ -1,6 +1,6 @@
 // The kernels of rainfall grids over a million cells: the weights of IDW by the nearest points, beside one search over all
 // points for each place of a list; triangles; and a time step by each method.
-#include "base/geometry.h"
+#include "plane/geometry.h"
 #include "rainfall/idw.h"
 #include "rainfall/polygons.h"
 #include "rainfall/steps.h"

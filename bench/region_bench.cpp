@@ -1,7 +1,7 @@
 // The region test over a window of 1000 by 1000 cells, for regions of 12 to 100,000 vertices: every cell by the plain
 // routine (on every 50th row, as it is slow), and row by row by the prepared region, its preparation counted in.
-#include "base/geometry.h"
-#include "base/region_rows.h"
+#include "plane/geometry.h"
+#include "plane/region_rows.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>

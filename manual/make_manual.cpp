@@ -1,6 +1,6 @@
 // Writes the manual page (gridforge.1) and the completion of the shell (gridforge.bash) into a folder, both from the table
 // of flags that the scan uses, so that neither can tell of other flags than the tool knows.
-#include "base/text.h"
+#include "core/text.h"
 #include "driver/flag_table.h"
 
 #include <algorithm>

@@ -1,11 +1,11 @@
 #include "damages/buildings.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
+#include "host/console.h"
+#include "host/ends.h"
 
 #include <algorithm>
 #include <unordered_map>

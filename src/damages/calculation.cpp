@@ -1,11 +1,11 @@
 #include "damages/calculation.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
 #include "damages/curves.h"
 #include "grid/header.h"
 #include "grid/reader.h"
+#include "host/console.h"
+#include "host/ends.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 // Damages of all buildings on results grids, one grid in memory at a time.
 #pragma once
 
-#include "base/region_rows.h"
 #include "damages/records.h"
 #include "grid/grid.h"
+#include "plane/region_rows.h"
 #include "run/cell_window.h"
 
 #include <cstdint>

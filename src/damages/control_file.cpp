@@ -1,14 +1,14 @@
 #include "damages/control_file.h"
 
-#include "base/console.h"
-#include "base/control_lines.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/text.h"
-#include "base/units.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "damages/curves.h"
 #include "gis/layers.h"
 #include "gis/projection.h"
+#include "host/console.h"
+#include "host/control_lines.h"
+#include "host/ends.h"
+#include "host/units.h"
 
 #include <algorithm>
 #include <array>

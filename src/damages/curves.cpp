@@ -1,9 +1,9 @@
 #include "damages/curves.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/units.h"
+#include "core/numbers.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "host/units.h"
 
 #include <algorithm>
 #include <cassert>

@@ -2,14 +2,14 @@
 // and writes the damage of each building by each grid.
 #include "damages/damages.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/names.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/text.h"
 #include "damages/buildings.h"
 #include "damages/calculation.h"
 #include "damages/control_file.h"
 #include "damages/output.h"
+#include "host/console.h"
+#include "host/ends.h"
 
 namespace gridforge {
 

@@ -1,11 +1,11 @@
 #include "damages/output.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/text.h"
-#include "base/units.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layers.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "host/units.h"
 
 namespace gridforge {
 

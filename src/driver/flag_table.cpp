@@ -1,7 +1,7 @@
 #include "driver/flag_table.h"
 
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "run/inputs.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // The entry of the tool.
-#include "base/ends.h"
 #include "driver/run_tool.h"
+#include "host/ends.h"
 
 #include <csignal>
 #include <exception>

@@ -1,13 +1,13 @@
 #include "driver/run_tool.h"
 
-#include "base/ends.h"
-#include "base/product.h"
-#include "base/units.h"
+#include "core/product.h"
 #include "driver/operations.h"
 #include "driver/scan.h"
 #include "driver/usage.h"
 #include "driver/validate.h"
 #include "gis/layers.h"
+#include "host/ends.h"
+#include "host/units.h"
 
 #include <string_view>
 

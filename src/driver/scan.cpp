@@ -1,10 +1,10 @@
 #include "driver/scan.h"
 
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/stat_flag.h"
+#include "host/ends.h"
 
 namespace gridforge {
 

@@ -1,8 +1,8 @@
 #include "driver/stat_flag.h"
 
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "host/ends.h"
 
 #include <array>
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "driver/usage.h"
 
-#include "base/ends.h"
-#include "base/product.h"
+#include "core/product.h"
+#include "host/ends.h"
 
 #include <array>
 

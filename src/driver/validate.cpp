@@ -1,8 +1,8 @@
 #include "driver/validate.h"
 
-#include "base/ends.h"
-#include "base/names.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/text.h"
+#include "host/ends.h"
 
 namespace gridforge {
 

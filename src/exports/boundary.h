@@ -1,8 +1,8 @@
 // What all exported routines share: text as callers outside hold it, and no exception that leaves.
 #pragma once
 
-#include "base/ends.h"
-#include "base/text.h"
+#include "core/text.h"
+#include "host/ends.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // The plane under its plain names.
-#include "base/geometry.h"
-#include "base/lattice_cells.h"
 #include "exports/boundary.h"
+#include "plane/geometry.h"
+#include "plane/lattice_cells.h"
 
 #include <algorithm>
 #include <cstddef>

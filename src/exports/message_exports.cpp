@@ -1,8 +1,8 @@
 // Messages, and lines and fields of control files, under their plain names. The record DMESSAGES itself stands with the
 // routines that fill it.
-#include "base/control_lines.h"
-#include "base/messages.h"
 #include "exports/boundary.h"
+#include "host/control_lines.h"
+#include "host/messages.h"
 
 #include <cstddef>
 #include <cstdint>

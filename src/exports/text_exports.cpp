@@ -1,7 +1,7 @@
 // Text, numbers as text, and file names under their plain names.
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "exports/boundary.h"
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "gis/dbf_reader.h"
 
-#include "base/text.h"
+#include "core/text.h"
 #include "gis/byte_order.h"
 #include "gis/gis_messages.h"
 

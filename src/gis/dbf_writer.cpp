@@ -1,8 +1,8 @@
 #include "gis/dbf_writer.h"
 
-#include "base/numbers.h"
-#include "base/product.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/product.h"
+#include "core/text.h"
 #include "gis/byte_order.h"
 #include "gis/gis_messages.h"
 

@@ -1,8 +1,8 @@
 #include "gis/gis_messages.h"
 
-#include "base/console.h"
-#include "base/product.h"
-#include "base/text.h"
+#include "core/product.h"
+#include "core/text.h"
+#include "host/console.h"
 
 namespace gridforge {
 

@@ -2,8 +2,8 @@
 // shows the older lines behind its own; deliberate.
 #pragma once
 
-#include "base/ends.h"
-#include "base/units.h"
+#include "host/ends.h"
+#include "host/units.h"
 
 #include <array>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "gis/layer_objects.h"
 
-#include "base/ends.h"
+#include "host/ends.h"
 
 namespace gridforge {
 

@@ -1,7 +1,7 @@
 // The read loop over the objects of a layer, as operations run it.
 #pragma once
 
-#include "base/numbers.h"
+#include "core/numbers.h"
 #include "gis/layers.h"
 
 #include <cstddef>

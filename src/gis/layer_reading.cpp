@@ -1,12 +1,12 @@
-#include "base/console.h"
-#include "base/geometry.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/dbf_reader.h"
 #include "gis/gis_messages.h"
 #include "gis/layer_table.h"
 #include "gis/mif_reader.h"
 #include "gis/shp_reader.h"
+#include "host/console.h"
+#include "plane/geometry.h"
 
 #include <algorithm>
 

@@ -1,12 +1,12 @@
 #include "gis/layer_tracking.h"
 
-#include "base/file_system.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/text.h"
-#include "base/units.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/gis_messages.h"
 #include "gis/layer_table.h"
+#include "host/file_system.h"
+#include "host/units.h"
 
 #include <algorithm>
 #include <filesystem>

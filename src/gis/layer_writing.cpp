@@ -1,12 +1,12 @@
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/product.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/product.h"
+#include "core/text.h"
 #include "gis/gis_messages.h"
 #include "gis/layer_table.h"
 #include "gis/mif_writer.h"
 #include "gis/shp_writer.h"
+#include "host/console.h"
+#include "host/ends.h"
 
 #include <algorithm>
 

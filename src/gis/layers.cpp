@@ -1,12 +1,12 @@
 #include "gis/layers.h"
 
-#include "base/console.h"
-#include "base/names.h"
-#include "base/product.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/product.h"
+#include "core/text.h"
 #include "gis/gis_messages.h"
 #include "gis/layer_table.h"
 #include "gis/layer_tracking.h"
+#include "host/console.h"
 
 #include <deque>
 

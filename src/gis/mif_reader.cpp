@@ -1,10 +1,10 @@
 #include "gis/mif_reader.h"
 
-#include "base/console.h"
-#include "base/file_system.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/gis_messages.h"
+#include "host/console.h"
+#include "host/file_system.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,14 +1,14 @@
 #include "gis/painting.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/geometry.h"
-#include "base/huge_array.h"
-#include "base/lattice_cells.h"
-#include "base/messages.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/huge_array.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layer_objects.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "host/messages.h"
+#include "plane/geometry.h"
+#include "plane/lattice_cells.h"
 
 #include <algorithm>
 #include <span>

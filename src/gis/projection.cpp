@@ -1,11 +1,11 @@
 #include "gis/projection.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/file_system.h"
-#include "base/names.h"
-#include "base/text.h"
-#include "base/units.h"
+#include "core/names.h"
+#include "core/text.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "host/file_system.h"
+#include "host/units.h"
 
 namespace gridforge {
 

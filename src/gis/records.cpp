@@ -1,7 +1,7 @@
 #include "gis/records.h"
 
-#include "base/ends.h"
-#include "base/text.h"
+#include "core/text.h"
+#include "host/ends.h"
 
 #include <algorithm>
 

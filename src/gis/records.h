@@ -3,7 +3,7 @@
 // vertex 1 is x[0].
 #pragma once
 
-#include "base/units.h"
+#include "host/units.h"
 
 #include <array>
 #include <cstdint>

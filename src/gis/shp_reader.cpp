@@ -1,12 +1,12 @@
 #include "gis/shp_reader.h"
 
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/product.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/product.h"
+#include "core/text.h"
 #include "gis/byte_order.h"
 #include "gis/dbf_reader.h"
 #include "gis/gis_messages.h"
+#include "host/ends.h"
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,11 @@
 #include "gis/shp_writer.h"
 
-#include "base/ends.h"
-#include "base/product.h"
-#include "base/text.h"
+#include "core/product.h"
+#include "core/text.h"
 #include "gis/byte_order.h"
 #include "gis/dbf_writer.h"
 #include "gis/gis_messages.h"
+#include "host/ends.h"
 
 #include <algorithm>
 #include <array>

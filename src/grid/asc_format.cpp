@@ -3,7 +3,7 @@
 // realField.
 #include "grid/asc_format.h"
 
-#include "base/numbers.h"
+#include "core/numbers.h"
 
 #include <algorithm>
 #include <array>

@@ -3,8 +3,8 @@
 // parseNumber.
 #include "grid/asc_parse.h"
 
-#include "base/decimal_lanes.h"
-#include "base/numbers.h"
+#include "core/decimal_lanes.h"
+#include "core/numbers.h"
 
 #include <algorithm>
 #include <array>

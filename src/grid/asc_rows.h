@@ -1,7 +1,7 @@
 // Rows of .asc cells from an open text unit.
 #pragma once
 
-#include "base/units.h"
+#include "host/units.h"
 
 #include <span>
 

@@ -1,7 +1,7 @@
 #include "grid/grid.h"
 
-#include "base/ends.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
+#include "host/ends.h"
 
 #include <algorithm>
 

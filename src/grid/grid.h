@@ -1,8 +1,8 @@
 // The record that describes a grid and the cells of one. This is the one place that knows how rows lie in memory.
 #pragma once
 
-#include "base/huge_array.h"
-#include "base/units.h"
+#include "core/huge_array.h"
+#include "host/units.h"
 
 #include <cassert>
 #include <cstddef>

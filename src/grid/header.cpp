@@ -1,11 +1,11 @@
 #include "grid/header.h"
 
-#include "base/ends.h"
-#include "base/file_system.h"
-#include "base/messages.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "host/ends.h"
+#include "host/file_system.h"
+#include "host/messages.h"
 
 namespace gridforge {
 

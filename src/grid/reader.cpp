@@ -1,8 +1,8 @@
 #include "grid/reader.h"
 
-#include "base/ends.h"
-#include "base/messages.h"
 #include "grid/asc_rows.h"
+#include "host/ends.h"
+#include "host/messages.h"
 
 #include <bit>
 

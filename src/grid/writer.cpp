@@ -1,9 +1,9 @@
 #include "grid/writer.h"
 
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "grid/asc_format.h"
+#include "host/ends.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "netcdf/check_netcdf.h"
 
-#include "base/ends.h"
+#include "host/ends.h"
 
 #include <cstddef>
 #include <cstdlib>

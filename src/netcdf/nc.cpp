@@ -1,10 +1,10 @@
 #include "netcdf/nc.h"
 
-#include "base/ends.h"
-#include "base/names.h"
-#include "base/product.h"
+#include "core/names.h"
+#include "core/product.h"
 #include "grid/header.h"
 #include "grid/reader.h"
+#include "host/ends.h"
 #include "netcdf/check_netcdf.h"
 #include "netcdf/netcdf_file.h"
 #include "run/load.h"

@@ -1,6 +1,6 @@
 #include "netcdf/netcdf_file.h"
 
-#include "base/file_system.h"
+#include "host/file_system.h"
 #include "netcdf/check_netcdf.h"
 
 #include <algorithm>

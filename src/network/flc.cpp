@@ -1,12 +1,12 @@
 #include "network/flc.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/region_rows.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "plane/region_rows.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "network/layer_names.h"
 
-#include "base/names.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/text.h"
 
 #include <initializer_list>
 

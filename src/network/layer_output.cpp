@@ -1,7 +1,7 @@
 #include "network/layer_output.h"
 
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layers.h"
 
 #include <cstddef>

@@ -1,9 +1,9 @@
 #include "network/match.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/geometry.h"
+#include "host/console.h"
+#include "host/ends.h"
 #include "network/extent_tree.h"
+#include "plane/geometry.h"
 
 #include <algorithm>
 #include <cmath>

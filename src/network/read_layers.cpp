@@ -1,13 +1,13 @@
 #include "network/read_layers.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/geometry.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "plane/geometry.h"
 
 #include <algorithm>
 #include <cstddef>

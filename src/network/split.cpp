@@ -1,9 +1,9 @@
 #include "network/split.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "host/console.h"
+#include "host/ends.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,11 +1,11 @@
 #include "network/write_nwk.h"
 
-#include "base/console.h"
-#include "base/geometry.h"
-#include "base/text.h"
+#include "core/text.h"
 #include "gis/layers.h"
+#include "host/console.h"
 #include "network/layer_names.h"
 #include "network/layer_output.h"
+#include "plane/geometry.h"
 
 #include <cstddef>
 #include <string_view>

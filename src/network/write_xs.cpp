@@ -1,15 +1,15 @@
 #include "network/write_xs.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/geometry.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/text.h"
-#include "base/units.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layers.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "host/units.h"
 #include "network/layer_names.h"
 #include "network/layer_output.h"
+#include "plane/geometry.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,9 +1,9 @@
 #include "ops/class_table.h"
 
-#include "base/control_lines.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/units.h"
+#include "core/numbers.h"
+#include "host/control_lines.h"
+#include "host/ends.h"
+#include "host/units.h"
 
 #include <algorithm>
 #include <cassert>

@@ -1,11 +1,11 @@
 // Each grid is converted by itself, so grids of different size may stand in one call.
 #include "ops/conv.h"
 
-#include "base/ends.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
+#include "host/ends.h"
 #include "run/outputs.h"
 
 namespace gridforge {

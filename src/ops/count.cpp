@@ -1,11 +1,11 @@
 #include "ops/count.h"
 
-#include "base/console.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/units.h"
+#include "core/names.h"
+#include "core/numbers.h"
 #include "grid/header.h"
 #include "grid/reader.h"
+#include "host/console.h"
+#include "host/units.h"
 #include "run/rows.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #include "ops/cutoff.h"
 
-#include "base/ends.h"
-#include "base/names.h"
-#include "base/numbers.h"
+#include "core/names.h"
+#include "core/numbers.h"
 #include "grid/header.h"
 #include "grid/writer.h"
+#include "host/ends.h"
 #include "ops/two_grids.h"
 #include "run/load.h"
 #include "run/outputs.h"

@@ -1,9 +1,9 @@
 #include "ops/dif.h"
 
-#include "base/ends.h"
-#include "base/names.h"
+#include "core/names.h"
 #include "grid/header.h"
 #include "grid/writer.h"
+#include "host/ends.h"
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"

@@ -1,9 +1,9 @@
 #include "ops/flood_extent.h"
 
-#include "base/console.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
+#include "host/console.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 

@@ -1,8 +1,8 @@
 #include "ops/fuzzy.h"
 
-#include "base/console.h"
 #include "grid/header.h"
 #include "grid/writer.h"
+#include "host/console.h"
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"

@@ -1,11 +1,11 @@
 #include "ops/histogram.h"
 
-#include "base/ends.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/units.h"
+#include "core/names.h"
+#include "core/numbers.h"
 #include "grid/header.h"
 #include "grid/reader.h"
+#include "host/ends.h"
+#include "host/units.h"
 #include "ops/class_table.h"
 #include "run/rows.h"
 

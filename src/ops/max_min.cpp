@@ -1,9 +1,9 @@
 #include "ops/max_min.h"
 
-#include "base/console.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
 #include "grid/header.h"
 #include "grid/writer.h"
+#include "host/console.h"
 #include "run/legend.h"
 #include "run/load.h"
 #include "run/outputs.h"

@@ -1,10 +1,10 @@
 #include "ops/resize.h"
 
-#include "base/ends.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
+#include "host/ends.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 

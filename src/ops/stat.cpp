@@ -1,9 +1,9 @@
 #include "ops/stat.h"
 
-#include "base/ends.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
+#include "host/ends.h"
 #include "ops/stat_cells.h"
 #include "run/legend.h"
 #include "run/load.h"

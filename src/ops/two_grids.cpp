@@ -1,7 +1,7 @@
 #include "ops/two_grids.h"
 
-#include "base/console.h"
-#include "base/text.h"
+#include "core/text.h"
+#include "host/console.h"
 
 #include <cassert>
 

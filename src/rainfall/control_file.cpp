@@ -1,8 +1,8 @@
 #include "rainfall/control_file.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
+#include "host/console.h"
+#include "host/ends.h"
 
 #include <string_view>
 

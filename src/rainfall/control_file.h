@@ -1,10 +1,10 @@
 // The rainfall control file: what it sets, and its passes that read settings, hyetographs and points.
 #pragma once
 
-#include "base/control_lines.h"
-#include "base/text.h"
-#include "base/units.h"
+#include "core/text.h"
 #include "grid/grid.h"
+#include "host/control_lines.h"
+#include "host/units.h"
 #include "rainfall/hyetographs.h"
 #include "rainfall/points.h"
 

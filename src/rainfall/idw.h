@@ -1,7 +1,7 @@
 // The IDW method: each cell takes the weights of all points, or of those nearest to it.
 #pragma once
 
-#include "base/huge_array.h"
+#include "core/huge_array.h"
 #include "grid/grid.h"
 #include "rainfall/control_file.h"
 #include "rainfall/points.h"

@@ -1,8 +1,8 @@
 // The memory lines of the methods.
 #pragma once
 
-#include "base/console.h"
 #include "grid/grid.h"
+#include "host/console.h"
 
 #include <cstdint>
 

@@ -1,13 +1,13 @@
 #include "rainfall/polygons.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/region_rows.h"
-#include "base/units.h"
+#include "core/numbers.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
 #include "grid/writer.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "host/units.h"
+#include "plane/region_rows.h"
 #include "rainfall/control_file.h"
 #include "rainfall/single_rings.h"
 

@@ -1,9 +1,9 @@
 #include "rainfall/rainfall_nc.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/huge_array.h"
-#include "base/text.h"
+#include "core/huge_array.h"
+#include "core/text.h"
+#include "host/console.h"
+#include "host/ends.h"
 #include "netcdf/check_netcdf.h"
 #include "netcdf/netcdf_file.h"
 

@@ -1,9 +1,9 @@
 #include "rainfall/single_rings.h"
 
-#include "base/console.h"
-#include "base/ends.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
+#include "host/console.h"
+#include "host/ends.h"
 
 namespace gridforge {
 

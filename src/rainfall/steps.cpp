@@ -1,6 +1,6 @@
 #include "rainfall/steps.h"
 
-#include "base/console.h"
+#include "host/console.h"
 
 #include <algorithm>
 #include <cassert>

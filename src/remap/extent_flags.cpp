@@ -1,6 +1,6 @@
 #include "remap/extent_flags.h"
 
-#include "base/numbers.h"
+#include "core/numbers.h"
 
 #include <algorithm>
 #include <cassert>

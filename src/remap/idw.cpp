@@ -1,6 +1,6 @@
 #include "remap/idw.h"
 
-#include "base/numbers.h"
+#include "core/numbers.h"
 
 #include <algorithm>
 #include <cassert>

@@ -1,4 +1,4 @@
-#include "base/console.h"
+#include "host/console.h"
 #include "remap/nearest.h"
 #include "remap/progress.h"
 #include "remap/remap_run.h"

@@ -1,6 +1,6 @@
 #include "remap/places.h"
 
-#include "base/numbers.h"
+#include "core/numbers.h"
 
 #include <cmath>
 

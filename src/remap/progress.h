@@ -1,7 +1,7 @@
 // Loops over rows with their progress on the console.
 #pragma once
 
-#include "base/console.h"
+#include "host/console.h"
 
 #include <algorithm>
 #include <cstdint>

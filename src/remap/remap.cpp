@@ -1,12 +1,12 @@
 #include "remap/remap.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/names.h"
-#include "base/numbers.h"
+#include "core/names.h"
+#include "core/numbers.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
+#include "host/console.h"
+#include "host/ends.h"
 #include "remap/remap_run.h"
 #include "run/outputs.h"
 

@@ -2,7 +2,7 @@
 // centres, and the depth on the fine terrain.
 #pragma once
 
-#include "base/triangle.h"
+#include "plane/triangle.h"
 #include "remap/cell_state.h"
 #include "remap/extent_flags.h"
 #include "remap/places.h"

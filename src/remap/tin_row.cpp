@@ -1,6 +1,6 @@
 #include "remap/tin_row.h"
 
-#include "base/triangle.h"
+#include "plane/triangle.h"
 
 #include <algorithm>
 #include <array>

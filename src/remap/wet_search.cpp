@@ -3,7 +3,7 @@
 // at the end of a side; of cells at one distance the earliest listed is nearest.
 #include "remap/wet_search.h"
 
-#include "base/numbers.h"
+#include "core/numbers.h"
 
 #include <algorithm>
 #include <cassert>

@@ -1,6 +1,6 @@
 #include "run/cell_window.h"
 
-#include "base/numbers.h"
+#include "core/numbers.h"
 
 namespace gridforge {
 

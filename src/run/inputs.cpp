@@ -1,11 +1,11 @@
 #include "run/inputs.h"
 
-#include "base/ends.h"
-#include "base/file_system.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/product.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/product.h"
+#include "core/text.h"
+#include "host/ends.h"
+#include "host/file_system.h"
 
 namespace gridforge {
 

@@ -1,7 +1,7 @@
 #include "run/legend.h"
 
-#include "base/console.h"
-#include "base/units.h"
+#include "host/console.h"
+#include "host/units.h"
 
 namespace gridforge {
 

@@ -1,9 +1,9 @@
 #include "run/load.h"
 
-#include "base/console.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
+#include "host/console.h"
 
 namespace gridforge {
 

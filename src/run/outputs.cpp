@@ -1,9 +1,9 @@
 #include "run/outputs.h"
 
-#include "base/console.h"
-#include "base/names.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/text.h"
 #include "grid/grid.h"
+#include "host/console.h"
 
 namespace gridforge {
 

@@ -1,12 +1,12 @@
 // Breaklines: vertices are put along each line, and each takes a ground elevation by the width and options of its line.
 #include "sampling/brkline.h"
 
-#include "base/console.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
+#include "host/console.h"
 #include "sampling/ground_level.h"
 #include "sampling/line_vertices.h"
 #include "sampling/sampled_layer.h"

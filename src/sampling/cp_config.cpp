@@ -1,10 +1,10 @@
 #include "sampling/cp_config.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/text.h"
-#include "base/units.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "host/units.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,7 +1,7 @@
 #include "sampling/ground_level.h"
 
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 
 #include <cmath>
 #include <limits>

@@ -1,6 +1,6 @@
 #include "sampling/inside_cells.h"
 
-#include "base/numbers.h"
+#include "core/numbers.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 // The cells of a window that lie inside a region, as runs of columns.
 #pragma once
 
-#include "base/region_rows.h"
 #include "gis/records.h"
 #include "grid/grid.h"
+#include "plane/region_rows.h"
 #include "run/cell_window.h"
 #include "sampling/search_polygon.h"
 

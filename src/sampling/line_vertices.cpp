@@ -1,9 +1,9 @@
 #include "sampling/line_vertices.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/geometry.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "plane/geometry.h"
 
 #include <algorithm>
 #include <cmath>

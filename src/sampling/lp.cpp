@@ -1,12 +1,12 @@
 // Long profile: at vertices along a line, the lowest cell across it and the highest cell to each side.
 #include "sampling/lp.h"
 
-#include "base/console.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
+#include "host/console.h"
 #include "sampling/line_vertices.h"
 #include "sampling/sampled_layer.h"
 

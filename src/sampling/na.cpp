@@ -1,13 +1,13 @@
 // Nodal areas: for each region of a layer a table of heights and of the area of the terrain below them.
 #include "sampling/na.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/numbers.h"
-#include "base/text.h"
-#include "base/units.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "host/units.h"
 #include "sampling/sampled_layer.h"
 
 #include <algorithm>

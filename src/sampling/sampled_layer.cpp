@@ -1,11 +1,11 @@
 #include "sampling/sampled_layer.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/text.h"
+#include "core/text.h"
 #include "gis/projection.h"
 #include "grid/header.h"
 #include "grid/reader.h"
+#include "host/console.h"
+#include "host/ends.h"
 
 namespace gridforge {
 

@@ -1,6 +1,6 @@
 #include "sampling/search_polygon.h"
 
-#include "base/geometry.h"
+#include "plane/geometry.h"
 
 #include <algorithm>
 

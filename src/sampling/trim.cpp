@@ -1,17 +1,17 @@
 // -trim cuts the window of a region out of a grid and empties the cells outside the region.
 #include "sampling/trim.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/product.h"
-#include "base/text.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/product.h"
+#include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
+#include "host/console.h"
+#include "host/ends.h"
 #include "run/outputs.h"
 #include "sampling/sampled_layer.h"
 

@@ -1,13 +1,13 @@
 // -xyz turns a text file of points on a lattice into a grid.
 #include "sampling/xyz.h"
 
-#include "base/console.h"
-#include "base/ends.h"
-#include "base/names.h"
-#include "base/numbers.h"
-#include "base/text.h"
-#include "base/units.h"
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "grid/writer.h"
+#include "host/console.h"
+#include "host/ends.h"
+#include "host/units.h"
 #include "run/outputs.h"
 #include "sampling/xyz_parse.h"
 

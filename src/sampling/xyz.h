@@ -1,7 +1,7 @@
 // -xyz: a grid out of a text file of points, its spacing found from the points themselves.
 #pragma once
 
-#include "base/huge_array.h"
+#include "core/huge_array.h"
 #include "grid/grid.h"
 #include "run/inputs.h"
 #include "run/run_settings.h"

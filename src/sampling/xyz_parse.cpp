@@ -1,8 +1,8 @@
 // The lines of four points are found by bit masks, and their values become numbers four x, four y and four z at a time.
 #include "sampling/xyz_parse.h"
 
-#include "base/decimal_lanes.h"
-#include "base/numbers.h"
+#include "core/decimal_lanes.h"
+#include "core/numbers.h"
 
 #include <algorithm>
 #include <array>

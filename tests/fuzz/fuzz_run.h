@@ -1,9 +1,9 @@
 // What the fuzz targets share: files of the input's bytes in memory, and runs that end without ending the process.
 #pragma once
 
-#include "base/ends.h"
-#include "base/units.h"
 #include "gis/layers.h"
+#include "host/ends.h"
+#include "host/units.h"
 
 #include <cstdint>
 #include <cstdlib>

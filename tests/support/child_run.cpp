@@ -1,7 +1,7 @@
 #include "support/child_run.h"
 
-#include "base/console.h"
-#include "base/units.h"
+#include "host/console.h"
+#include "host/units.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // The manual page and the completion of the shell that the build makes.
-#include "base/text.h"
+#include "core/text.h"
 #include "driver/flag_table.h"
 #include "support/paths.h"
 #include "support/tool_run.h"

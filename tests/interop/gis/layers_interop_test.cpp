@@ -1,9 +1,9 @@
 // Both families of layers side by side with OGR: what it writes is read, what is written it reads, and what goes through it
 // from one family to the other comes back as it was.
-#include "base/console.h"
-#include "base/numbers.h"
-#include "base/text.h"
+#include "core/numbers.h"
+#include "core/text.h"
 #include "gis/layers.h"
+#include "host/console.h"
 #include "support/child_run.h"
 #include "support/ogr_test.h"
 #include "support/read_layer.h"

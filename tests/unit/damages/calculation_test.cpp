@@ -1,9 +1,9 @@
 #include "damages/calculation.h"
 
-#include "base/console.h"
-#include "base/geometry.h"
 #include "damages/output.h"
 #include "gis/layers.h"
+#include "host/console.h"
+#include "plane/geometry.h"
 #include "support/child_run.h"
 
 #include <algorithm>

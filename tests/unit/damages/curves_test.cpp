@@ -1,6 +1,6 @@
 #include "damages/curves.h"
 
-#include "base/console.h"
+#include "host/console.h"
 #include "support/child_run.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "driver/scan.h"
 
-#include "base/console.h"
 #include "driver/flag_table.h"
+#include "host/console.h"
 
 #include <cmath>
 #include <functional>

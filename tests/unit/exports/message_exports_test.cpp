@@ -1,6 +1,6 @@
-#include "base/messages.h"
-#include "base/units.h"
 #include "exports/boundary.h"
+#include "host/messages.h"
+#include "host/units.h"
 #include "support/child_run.h"
 #include "support/exported_calls.h"
 

@@ -1,7 +1,7 @@
-#include "base/console.h"
 #include "gis/dbf_reader.h"
 #include "gis/dbf_writer.h"
 #include "gis/layers.h"
+#include "host/console.h"
 #include "support/child_run.h"
 #include "support/shp_bytes.h"
 

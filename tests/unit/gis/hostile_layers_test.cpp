@@ -1,7 +1,7 @@
 // Layers that are cut short, damaged or absurd: every run ends by itself, in bounded memory.
 #include "gis/layers.h"
 
-#include "base/console.h"
+#include "host/console.h"
 #include "support/child_run.h"
 #include "support/layer_files.h"
 

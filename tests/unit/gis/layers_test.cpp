@@ -1,9 +1,9 @@
 #include "gis/layers.h"
 
-#include "base/console.h"
-#include "base/messages.h"
 #include "gis/gis_messages.h"
 #include "gis/projection.h"
+#include "host/console.h"
+#include "host/messages.h"
 #include "support/child_run.h"
 #include "support/layer_files.h"
 

@@ -1,7 +1,7 @@
 #include "gis/mif_writer.h"
 
-#include "base/console.h"
 #include "gis/layers.h"
+#include "host/console.h"
 #include "support/child_run.h"
 #include "support/layer_files.h"
 

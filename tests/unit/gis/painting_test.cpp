@@ -1,6 +1,6 @@
 #include "gis/painting.h"
 
-#include "base/console.h"
+#include "host/console.h"
 #include "support/child_run.h"
 #include "support/layer_files.h"
 #include "support/sanitizers.h"

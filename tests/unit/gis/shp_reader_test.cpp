@@ -1,8 +1,8 @@
 #include "gis/shp_reader.h"
 
-#include "base/console.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
 #include "gis/layers.h"
+#include "host/console.h"
 #include "support/child_run.h"
 #include "support/sanitizers.h"
 #include "support/shp_bytes.h"

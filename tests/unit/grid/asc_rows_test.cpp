@@ -1,7 +1,7 @@
 #include "grid/asc_rows.h"
 
-#include "base/console.h"
-#include "base/units.h"
+#include "host/console.h"
+#include "host/units.h"
 #include "support/child_run.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "grid/header.h"
 
-#include "base/console.h"
-#include "base/text.h"
+#include "core/text.h"
+#include "host/console.h"
 #include "support/child_run.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "grid/writer.h"
 
-#include "base/console.h"
+#include "host/console.h"
 #include "support/child_run.h"
 
 #include <gtest/gtest.h>

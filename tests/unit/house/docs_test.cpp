@@ -1,5 +1,5 @@
 // What the documents say of each other and of the tool's tables.
-#include "base/text.h"
+#include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
 #include "support/paths.h"

@@ -1,7 +1,7 @@
 #include "network/extract.h"
 
-#include "base/geometry.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
+#include "plane/geometry.h"
 
 #include <algorithm>
 #include <array>

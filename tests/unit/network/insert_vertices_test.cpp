@@ -1,6 +1,6 @@
 #include "network/insert_vertices.h"
 
-#include "base/console.h"
+#include "host/console.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "network/match.h"
 
-#include "base/console.h"
-#include "base/geometry.h"
+#include "host/console.h"
 #include "network/extent_tree.h"
 #include "network/records.h"
+#include "plane/geometry.h"
 #include "support/child_run.h"
 
 #include <array>

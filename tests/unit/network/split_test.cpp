@@ -1,6 +1,6 @@
 #include "network/split.h"
 
-#include "base/console.h"
+#include "host/console.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>

@@ -1,8 +1,8 @@
 // The methods of rainfall in their plain form, cell by cell: what the kernels are compared with.
 #pragma once
 
-#include "base/geometry.h"
-#include "base/numbers.h"
+#include "core/numbers.h"
+#include "plane/geometry.h"
 #include "rainfall/idw.h"
 #include "rainfall/points.h"
 #include "rainfall/polygons.h"

@@ -1,7 +1,7 @@
 // Runs of the operation with settings that no flag makes.
 #include "remap/remap.h"
 
-#include "base/console.h"
+#include "host/console.h"
 #include "support/child_run.h"
 #include "support/grids.h"
 

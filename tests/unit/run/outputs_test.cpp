@@ -1,6 +1,6 @@
 #include "run/outputs.h"
 
-#include "base/console.h"
+#include "host/console.h"
 
 #include <gtest/gtest.h>
 

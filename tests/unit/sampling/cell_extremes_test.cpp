@@ -1,6 +1,6 @@
 #include "sampling/cell_extremes.h"
 
-#include "base/geometry.h"
+#include "plane/geometry.h"
 
 #include <array>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "sampling/inside_cells.h"
 
-#include "base/geometry.h"
+#include "plane/geometry.h"
 
 #include <array>
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "sampling/na.h"
 
-#include "base/geometry.h"
+#include "plane/geometry.h"
 
 #include <algorithm>
 #include <array>

@@ -1,0 +1,171 @@
+#include "host/console.h"
+
+#include "core/numbers.h"
+#include "host/ends.h"
+
+#include <array>
+#include <cerrno>
+#include <optional>
+#include <poll.h>
+#include <unistd.h>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::size_t kFlushAt = std::size_t{1} << 16;
+constexpr int kProgressWidth = 8;
+
+struct Console {
+    std::string output;
+    bool lineOpen = false;
+    bool terminal = isatty(STDOUT_FILENO) == 1;
+    std::array<char, 4096> input{};
+    std::size_t inputAt = 0;
+    std::size_t inputEnd = 0;
+};
+
+Console& console()
+{
+    static Console theConsole;
+    return theConsole;
+}
+
+// A person who watches sees each line at once; a file or pipe gets large pieces.
+void flushIfDue()
+{
+    if (console().terminal || console().output.size() >= kFlushAt) {
+        flushConsole();
+    }
+}
+
+// The call is worth another try: a signal came in between, or a stream that does not block was not ready, which is waited for.
+bool mayTryAgain(int stream, short event)
+{
+    if (errno == EAGAIN || errno == EWOULDBLOCK) {
+        constexpr int kForever = -1;
+        pollfd waited{stream, event, 0};
+        return poll(&waited, 1, kForever) > 0 || errno == EINTR;
+    }
+    return errno == EINTR;
+}
+
+std::optional<char> nextInputByte()
+{
+    Console& c = console();
+    if (c.inputAt == c.inputEnd) {
+        ssize_t got = 0;
+        do {
+            got = read(STDIN_FILENO, c.input.data(), c.input.size());
+        } while (got < 0 && mayTryAgain(STDIN_FILENO, POLLIN));
+        if (got <= 0) {
+            return std::nullopt;
+        }
+        c.inputAt = 0;
+        c.inputEnd = static_cast<std::size_t>(got);
+    }
+    return c.input[c.inputAt++];
+}
+
+// A line of standard input, cut at 1000 characters; none at its end.
+std::optional<std::string> readInput()
+{
+    flushConsole();
+    std::string line;
+    bool any = false;
+    while (const auto byte = nextInputByte()) {
+        any = true;
+        if (*byte == '\n') {
+            break;
+        }
+        if (line.size() <= kLineWidth) {
+            line += *byte;
+        }
+    }
+    if (!any) {
+        return std::nullopt;
+    }
+    if (line.ends_with('\r')) {
+        line.pop_back();
+    }
+    return cut(line, kLineWidth);
+}
+
+} // namespace
+
+void consoleLine(std::string_view text)
+{
+    endLine();
+    console().output += text;
+    console().output += '\n';
+    flushIfDue();
+}
+
+void consoleOpen(std::string_view text)
+{
+    console().output += text;
+    console().lineOpen = true;
+    flushIfDue();
+}
+
+void endLine()
+{
+    if (console().lineOpen) {
+        console().output += '\n';
+        console().lineOpen = false;
+        flushIfDue();
+    }
+}
+
+void progress(std::int32_t number)
+{
+    consoleOpen(integerField(number, kProgressWidth));
+}
+
+void flushConsole()
+{
+    std::string& output = console().output;
+    std::size_t written = 0;
+    while (written < output.size()) {
+        const ssize_t count = write(STDOUT_FILENO, output.data() + written, output.size() - written);
+        if (count < 0 && mayTryAgain(STDOUT_FILENO, POLLOUT)) {
+            continue;
+        }
+        if (count <= 0) {
+            break; // nobody reads the console any more; the run goes on for its files
+        }
+        written += static_cast<std::size_t>(count);
+    }
+    output.clear();
+}
+
+void pause(std::string_view prompt)
+{
+    consoleLine(prompt);
+    readInput();
+}
+
+void pauseForEnter()
+{
+    pause("Enter command<CR> or <CR> to continue.");
+}
+
+std::string ask(std::string_view question)
+{
+    consoleLine(question);
+    auto answer = readInput();
+    if (!answer) {
+        EXITS();
+    }
+    return *std::move(answer);
+}
+
+void pauseForRetry(std::string_view prompt)
+{
+    consoleLine(prompt);
+    if (!readInput()) {
+        EXITS();
+    }
+}
+
+} // namespace gridforge

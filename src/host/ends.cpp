@@ -1,0 +1,75 @@
+#include "host/ends.h"
+
+#include "core/product.h"
+#include "host/units.h"
+
+#include <cstdlib>
+
+namespace gridforge {
+
+namespace {
+
+EndHandler& endHandler()
+{
+    static EndHandler handler = nullptr;
+    return handler;
+}
+
+// What is still buffered goes to its file first: an end of the run is no reason to lose output.
+[[noreturn]] void endProcess()
+{
+    closeAllUnits(false);
+    flushConsole();
+    if (endHandler() != nullptr) {
+        endHandler()();
+    }
+    std::exit(EXIT_SUCCESS);
+}
+
+} // namespace
+
+void replaceProcessEnd(EndHandler handler)
+{
+    endHandler() = handler;
+}
+
+void EXITS()
+{
+    closeAllUnits(false);
+    say("");
+    pause("Press Enter to Close");
+    endProcess();
+}
+
+void pauseExit()
+{
+    pauseForEnter();
+    endProcess();
+}
+
+void endNow()
+{
+    endProcess();
+}
+
+void endFinished(bool batch)
+{
+    closeAllUnits(false);
+    say("Finished.");
+    if (!batch) {
+        pauseForEnter();
+    }
+    endProcess();
+}
+
+void shouldNotBeHere(std::string_view place)
+{
+    fail("Should not be here [", place, "] - please contact ", kSupportContact, ".");
+}
+
+void failMemory()
+{
+    fail("ERROR - Could not allocate enough memory (RAM).");
+}
+
+} // namespace gridforge

@@ -1,0 +1,44 @@
+// The ends of a run. Every one gives exit status 0, also after an error: a caller recognises failure by the console
+// text. Nothing else ends the process.
+#pragma once
+
+#include "host/console.h"
+
+namespace gridforge {
+
+// Closes all open units, waits for Enter and ends: the end of most errors.
+[[noreturn]] void EXITS();
+// Waits for Enter and ends; files are left to the process end.
+[[noreturn]] void pauseExit();
+// Ends at once, without a pause.
+[[noreturn]] void endNow();
+// "Finished.", a pause unless in batch mode, the end.
+[[noreturn]] void endFinished(bool batch);
+
+// Called in place of the end of the process, for programs that outlive a run (fuzz targets) and for what cannot be cleaned
+// up; it must not return.
+using EndHandler = void (*)();
+void replaceProcessEnd(EndHandler handler);
+
+// A message of the parts and EXITS.
+template <typename... Parts>
+[[noreturn]] void fail(const Parts&... parts)
+{
+    say(parts...);
+    EXITS();
+}
+
+// A message of the parts and pauseExit.
+template <typename... Parts>
+[[noreturn]] void refuse(const Parts&... parts)
+{
+    say(parts...);
+    pauseExit();
+}
+
+// "Should not be here [place] - please contact ...", for states that must not occur, and EXITS.
+[[noreturn]] void shouldNotBeHere(std::string_view place);
+// An allocation that cannot be had, and EXITS.
+[[noreturn]] void failMemory();
+
+} // namespace gridforge

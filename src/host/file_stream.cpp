@@ -1,0 +1,337 @@
+#include "host/file_stream.h"
+
+#include "core/text.h"
+#include "host/file_system.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{1} << 20;
+// The system reads and writes at most this much in one call.
+constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
+constexpr mode_t kNewFileMode = 0666;
+
+// A run mostly has one file open after the other, so a buffer whose pages are there already is kept for the next one.
+std::unique_ptr<char[]>& spareBuffer()
+{
+    static std::unique_ptr<char[]> spare;
+    return spare;
+}
+
+ssize_t readSome(int descriptor, char* target, std::size_t count)
+{
+    ssize_t got = 0;
+    do {
+        got = ::read(descriptor, target, std::min(count, kMostAtOnce));
+    } while (got < 0 && errno == EINTR);
+    return got;
+}
+
+} // namespace
+
+int openForReading(std::string_view name)
+{
+    const int descriptor = open(systemName(name).c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor >= 0) {
+        posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
+    }
+    return descriptor;
+}
+
+int openForWriting(std::string_view name, WriteStart start)
+{
+    int flags = O_CREAT | O_CLOEXEC;
+    switch (start) {
+    case WriteStart::replace: flags |= O_WRONLY | O_TRUNC; break;
+    case WriteStart::append: flags |= O_WRONLY | O_APPEND; break;
+    case WriteStart::inPlace: flags |= O_RDWR; break;
+    }
+    return open(systemName(name).c_str(), flags, kNewFileMode);
+}
+
+FileStream::FileStream(int descriptor, Direction direction, std::string name)
+    : descriptor_(descriptor), direction_(direction), name_(std::move(name))
+{
+}
+
+FileStream::~FileStream()
+{
+    [[maybe_unused]] const bool closed = close();
+}
+
+FileStream::FileStream(FileStream&& other) noexcept
+{
+    *this = std::move(other);
+}
+
+FileStream& FileStream::operator=(FileStream&& other) noexcept
+{
+    std::swap(descriptor_, other.descriptor_);
+    std::swap(direction_, other.direction_);
+    std::swap(name_, other.name_);
+    std::swap(buffer_, other.buffer_);
+    std::swap(capacity_, other.capacity_);
+    std::swap(begin_, other.begin_);
+    std::swap(end_, other.end_);
+    std::swap(bufferOffset_, other.bufferOffset_);
+    std::swap(lineStart_, other.lineStart_);
+    std::swap(unreadable_, other.unreadable_);
+    return *this;
+}
+
+bool FileStream::isSameFile(std::string_view name) const
+{
+    struct stat mine = {};
+    struct stat other = {};
+    return isOpen() && fstat(descriptor_, &mine) == 0 && stat(systemName(name).c_str(), &other) == 0 &&
+           mine.st_dev == other.st_dev && mine.st_ino == other.st_ino;
+}
+
+bool FileStream::close()
+{
+    if (!isOpen()) {
+        return true;
+    }
+    bool good = direction_ == Direction::in || flush();
+    if (::close(descriptor_) != 0 && errno != EINTR) {
+        good = good && direction_ == Direction::in;
+    }
+    descriptor_ = -1;
+    if (capacity_ == kBufferSize) {
+        spareBuffer() = std::move(buffer_);
+    }
+    buffer_.reset();
+    capacity_ = 0;
+    return good;
+}
+
+void FileStream::takeBuffer()
+{
+    if (capacity_ == 0) {
+        buffer_ = spareBuffer() ? std::move(spareBuffer()) : std::make_unique_for_overwrite<char[]>(kBufferSize);
+        capacity_ = kBufferSize;
+    }
+}
+
+// --- Reading ---------------------------------------------------------------------------------------------------------
+
+bool FileStream::fill()
+{
+    takeBuffer();
+    if (begin_ > 0) {
+        std::memmove(buffer_.get(), buffer_.get() + begin_, end_ - begin_);
+        bufferOffset_ += static_cast<std::int64_t>(begin_);
+        end_ -= begin_;
+        begin_ = 0;
+    }
+    if (end_ == capacity_ || unreadable_) {
+        return false;
+    }
+    const ssize_t got = readSome(descriptor_, buffer_.get() + end_, capacity_ - end_);
+    if (got <= 0) {
+        unreadable_ = got < 0;
+        return false;
+    }
+    end_ += static_cast<std::size_t>(got);
+    return true;
+}
+
+bool FileStream::hasByte()
+{
+    return begin_ != end_ || fill();
+}
+
+bool FileStream::atEnd()
+{
+    return !hasByte() && !unreadable_;
+}
+
+bool FileStream::readLine(std::string& line, std::size_t width)
+{
+    line.clear();
+    lineStart_ = position();
+    if (!hasByte()) {
+        return false;
+    }
+    bool ended = false;
+    while (!ended && hasByte()) {
+        const std::string_view bytes = ready();
+        const std::size_t newline = bytes.find('\n');
+        ended = newline != std::string_view::npos;
+        const std::string_view piece = ended ? bytes.substr(0, newline) : bytes;
+        // One character more than the width, so that a CR behind a full line is seen as such.
+        line += piece.substr(0, width + 1 - std::min(line.size(), width + 1));
+        take(piece.size() + (ended ? 1 : 0));
+    }
+    if (line.ends_with('\r')) {
+        line.pop_back();
+    }
+    line.resize(trimRight(std::string_view(line).substr(0, width)).size());
+    return ended || !unreadable_; // half a line is none
+}
+
+void FileStream::stepBack()
+{
+    [[maybe_unused]] const bool found = seek(lineStart_); // what cannot be read again shows at the next read
+}
+
+std::string_view FileStream::ready()
+{
+    if (begin_ == end_) {
+        fill();
+    }
+    return {buffer_.get() + begin_, end_ - begin_};
+}
+
+std::string_view FileStream::more()
+{
+    fill();
+    return {buffer_.get() + begin_, end_ - begin_};
+}
+
+bool FileStream::readBytes(std::span<std::byte> target)
+{
+    const std::size_t buffered = std::min(end_ - begin_, target.size());
+    if (buffered > 0) {
+        std::memcpy(target.data(), buffer_.get() + begin_, buffered);
+        begin_ += buffered;
+        target = target.subspan(buffered);
+    }
+    if (target.size() < kBufferSize) {
+        // Records of a few bytes come out of the buffer.
+        while (!target.empty()) {
+            if (!hasByte()) {
+                return false;
+            }
+            const std::size_t count = std::min(end_ - begin_, target.size());
+            std::memcpy(target.data(), buffer_.get() + begin_, count);
+            begin_ += count;
+            target = target.subspan(count);
+        }
+        return true;
+    }
+    bufferOffset_ += static_cast<std::int64_t>(end_);
+    begin_ = 0;
+    end_ = 0;
+    while (!target.empty()) {
+        if (unreadable_) {
+            return false;
+        }
+        const ssize_t got = readSome(descriptor_, reinterpret_cast<char*>(target.data()), target.size());
+        if (got <= 0) {
+            unreadable_ = got < 0;
+            return false;
+        }
+        bufferOffset_ += got;
+        target = target.subspan(static_cast<std::size_t>(got));
+    }
+    return true;
+}
+
+// --- Writing ---------------------------------------------------------------------------------------------------------
+
+bool FileStream::writeOut(const char* bytes, std::size_t count)
+{
+    while (count > 0) {
+        const ssize_t written = ::write(descriptor_, bytes, std::min(count, kMostAtOnce));
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        bytes += written;
+        count -= static_cast<std::size_t>(written);
+        bufferOffset_ += written;
+    }
+    return true;
+}
+
+bool FileStream::flush()
+{
+    // What could not be written once is given up, so that the end of the run does not stumble over it again.
+    const std::size_t count = std::exchange(end_, 0);
+    return count == 0 || writeOut(buffer_.get(), count);
+}
+
+bool FileStream::write(std::string_view bytes)
+{
+    if (bytes.size() >= kBufferSize) {
+        return flush() && writeOut(bytes.data(), bytes.size());
+    }
+    if (!room(bytes.size())) {
+        return false;
+    }
+    if (bytes.empty()) {
+        return true; // nothing may have no address, which is nothing to copy from
+    }
+    std::memcpy(buffer_.get() + end_, bytes.data(), bytes.size());
+    end_ += bytes.size();
+    return true;
+}
+
+bool FileStream::room(std::size_t count)
+{
+    takeBuffer();
+    return capacity_ - end_ >= count || flush();
+}
+
+std::span<char> FileStream::roomLeft()
+{
+    return {buffer_.get() + end_, capacity_ - end_};
+}
+
+bool FileStream::truncateHere()
+{
+    return flush() && ftruncate(descriptor_, bufferOffset_) == 0;
+}
+
+void FileStream::reserve([[maybe_unused]] std::int64_t count)
+{
+#ifdef __linux__
+    [[maybe_unused]] const int ignored = fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, position(), count);
+#endif
+}
+
+// --- Both ------------------------------------------------------------------------------------------------------------
+
+std::int64_t FileStream::size() const
+{
+    struct stat status = {};
+    return fstat(descriptor_, &status) == 0 ? std::int64_t{status.st_size} : 0;
+}
+
+std::int64_t FileStream::position() const
+{
+    return bufferOffset_ + static_cast<std::int64_t>(direction_ == Direction::in ? begin_ : end_);
+}
+
+bool FileStream::seek(std::int64_t position)
+{
+    if (direction_ == Direction::out) {
+        if (!flush()) {
+            return false;
+        }
+    } else if (position >= bufferOffset_ && position <= bufferOffset_ + static_cast<std::int64_t>(end_)) {
+        begin_ = static_cast<std::size_t>(position - bufferOffset_);
+        return true;
+    }
+    const bool moved = position >= 0 && lseek(descriptor_, position, SEEK_SET) == position;
+    if (direction_ == Direction::in && !moved) {
+        unreadable_ = true;
+    }
+    bufferOffset_ = position;
+    begin_ = 0;
+    end_ = 0;
+    return moved || direction_ == Direction::in;
+}
+
+} // namespace gridforge

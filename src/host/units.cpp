@@ -1,0 +1,509 @@
+#include "host/units.h"
+
+#include "core/names.h"
+#include "core/numbers.h"
+#include "core/product.h"
+#include "host/ends.h"
+#include "host/file_stream.h"
+#include "host/file_system.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::int32_t kFreeUnits = 1000;
+constexpr int kUnitWidth = 4;
+constexpr std::size_t kGetNamWidth = 80;
+
+struct UnitEntry {
+    FileStream stream;
+    std::int32_t kind = 0;
+    WriteFailure writeFailure = nullptr;
+    std::string storedName; // of a named entry, open or not
+};
+
+struct UnitTable {
+    std::int32_t base = kFreeUnits;
+    std::int32_t lastNamed = kFreeUnits;
+    std::array<UnitEntry, kNamedUnits> named;
+    std::vector<UnitEntry> free;
+};
+
+UnitTable& table()
+{
+    static UnitTable theTable;
+    return theTable;
+}
+
+UnitEntry* findEntry(Unit unit)
+{
+    UnitTable& t = table();
+    const std::int32_t firstNamed = t.lastNamed - kNamedUnits + 1;
+    if (unit >= firstNamed && unit <= t.lastNamed) {
+        return &t.named[static_cast<std::size_t>(unit - firstNamed)];
+    }
+    if (unit > t.base && unit - t.base <= static_cast<std::int32_t>(t.free.size())) {
+        return &t.free[static_cast<std::size_t>(unit - t.base - 1)];
+    }
+    return nullptr;
+}
+
+FileStream& stream(Unit unit)
+{
+    UnitEntry* entry = findEntry(unit);
+    if (entry == nullptr || !entry->stream.isOpen()) {
+        shouldNotBeHere("file unit");
+    }
+    return entry->stream;
+}
+
+Unit unitOf(const UnitEntry& entry)
+{
+    const UnitTable& t = table();
+    if (&entry >= t.named.data() && &entry < t.named.data() + t.named.size()) {
+        return t.lastNamed - kNamedUnits + 1 + static_cast<std::int32_t>(&entry - t.named.data());
+    }
+    return t.base + 1 + static_cast<std::int32_t>(&entry - t.free.data());
+}
+
+[[noreturn]] void failWrite(UnitEntry& entry)
+{
+    if (const WriteFailure handler = std::exchange(entry.writeFailure, nullptr)) {
+        handler(unitOf(entry));
+    }
+    fail("ERROR - Could not write to file: ", entry.stream.name());
+}
+
+void requireWritten(bool written, Unit unit)
+{
+    if (!written) {
+        failWrite(*findEntry(unit));
+    }
+}
+
+void closeEntry(UnitEntry& entry)
+{
+    entry.kind = 0;
+    if (!entry.stream.close()) {
+        failWrite(entry);
+    }
+    entry.writeFailure = nullptr;
+}
+
+template <typename Action>
+void forEachOpen(Action action)
+{
+    for (UnitEntry& entry : table().named) {
+        if (entry.stream.isOpen()) {
+            action(entry);
+        }
+    }
+    for (UnitEntry& entry : table().free) {
+        if (entry.stream.isOpen()) {
+            action(entry);
+        }
+    }
+}
+
+// --- The opening dialogue --------------------------------------------------------------------------------------------
+
+struct OpenMode {
+    std::string_view letters;
+    Direction direction;
+    WriteStart start;
+    bool replaces; // asks before it takes a file that is open already
+};
+
+constexpr std::array<OpenMode, 15> kOpenModes = {{
+    {"I", Direction::in, WriteStart::inPlace, false},
+    {"UI", Direction::in, WriteStart::inPlace, false},
+    {"BI", Direction::in, WriteStart::inPlace, false},
+    {"BE", Direction::in, WriteStart::inPlace, false},
+    {"O", Direction::out, WriteStart::replace, true},
+    {"F", Direction::out, WriteStart::replace, true},
+    {"UO", Direction::out, WriteStart::replace, true},
+    {"BO", Direction::out, WriteStart::replace, true},
+    {"BN", Direction::out, WriteStart::replace, true},
+    {"A", Direction::out, WriteStart::append, false},
+    {"AB", Direction::out, WriteStart::append, false},
+    {"S", Direction::out, WriteStart::inPlace, false},
+    {"SB", Direction::out, WriteStart::inPlace, false},
+    {"SE", Direction::out, WriteStart::inPlace, false},
+    {"IO", Direction::out, WriteStart::inPlace, false},
+}};
+
+const OpenMode* findMode(std::string_view mode)
+{
+    const auto* const found = std::find_if(kOpenModes.begin(), kOpenModes.end(),
+                                           [&](const OpenMode& m) { return m.letters == trimRight(mode); });
+    return found == kOpenModes.end() ? nullptr : found;
+}
+
+std::int32_t kindOf(std::string_view name)
+{
+    const std::string extension = FILEEXT(name);
+    if (extension == ".mif") {
+        return 101;
+    }
+    if (extension == ".mid") {
+        return 102;
+    }
+    return extension == ".12da" ? 111 : 0;
+}
+
+void askName(std::string& name, std::string_view type)
+{
+    do {
+        const std::string answer = trimRight(type).empty()
+                                       ? ask("Check file exists and press enter or enter another file name: ")
+                                       : ask(join("What is the ", trimRight(type), " file name? "));
+        if (trim(answer).empty()) {
+            say("No file name entered.  Trying file again...");
+        } else {
+            name = TRIMF(answer);
+        }
+    } while (name.empty());
+}
+
+// False when the file is open already and is to stay so.
+bool releaseOpenFile(const std::string& name)
+{
+    bool released = true;
+    forEachOpen([&](UnitEntry& entry) {
+        if (released && entry.stream.isSameFile(name)) {
+            endLine();
+            say("");
+            const std::string answer = ask(join(name, " is already open, close it? "));
+            released = answer == "Y" || answer == "y";
+            if (released) {
+                closeEntry(entry);
+            }
+        }
+    });
+    return released;
+}
+
+int openOutput(const std::string& name, WriteStart start)
+{
+    for (bool first = true;; first = false) {
+        const int descriptor = openForWriting(name, start);
+        if (descriptor >= 0) {
+            return descriptor;
+        }
+        if (first) {
+            sayOn("Can't Open");
+        } else {
+            say("Can't Open");
+        }
+        say("");
+        say("Can't open: ", name);
+        say("");
+        say("Another application or user maybe using it,");
+        say("   or the file's folder does not exist.");
+        say("If so, close the file or create file path.");
+        pauseForRetry("Press Enter to Continue");
+    }
+}
+
+// Opens through the dialogue on the entry of `unit`; the name is the one opened in the end. False for an unknown mode.
+bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& name, std::string_view type)
+{
+    const OpenMode* how = findMode(mode);
+    if (how == nullptr) {
+        say("  Unrecognised file type ", mode, " file ", name);
+        return false;
+    }
+    bool askFirst = name.empty();
+    for (;;) {
+        if (askFirst) {
+            askName(name, type);
+        }
+        name = CLEANPATH(name);
+        sayOpen("Trying to open file ", name, "...");
+        if (how->direction == Direction::in) {
+            const int descriptor = fileExists(name) ? openForReading(name) : -1;
+            if (descriptor < 0) {
+                say("CHECK 0008 - ", quoted(name), " cannot be found");
+                askFirst = true;
+                continue;
+            }
+            entry.stream = FileStream(descriptor, how->direction, name);
+            sayOn("OK.");
+            say("Opened File Unit:", integerField(unit, kUnitWidth));
+        } else {
+            if (how->replaces && !releaseOpenFile(name)) {
+                askFirst = false; // there is a name, so it is tried again until the user lets go of the file
+                continue;
+            }
+            entry.stream = FileStream(openOutput(name, how->start), how->direction, name);
+            sayOn("OK.  File Unit:", integerField(unit, kUnitWidth));
+        }
+        entry.kind = kindOf(name);
+        return true;
+    }
+}
+
+UnitEntry& namedEntry(std::int32_t entry, std::string_view routine)
+{
+    if (entry < 1 || entry > kNamedUnits) {
+        say(routine);
+        endNow();
+    }
+    return table().named[static_cast<std::size_t>(entry - 1)];
+}
+
+} // namespace
+
+void startUnits(std::int32_t base)
+{
+    closeAllUnits(false);
+    table() = UnitTable();
+    table().base = base;
+    table().lastNamed = std::max(base, 9);
+}
+
+void OPENER(Unit& unit, std::string_view mode, std::string_view name, std::string_view type)
+{
+    std::string opened = cut(name, kNameWidth);
+    if (opened.empty()) {
+        say("Empty filename specified.  Bailing out.  Please contact ", kSupportContact, ".");
+        pause("Press Enter to Close");
+        endNow();
+    }
+    auto& free = table().free;
+    auto entry = std::find_if(free.begin(), free.end(), [](const UnitEntry& e) { return !e.stream.isOpen(); });
+    if (entry == free.end()) {
+        if (free.size() >= static_cast<std::size_t>(kFreeUnits)) {
+            say("No free file numbers.");
+            endNow();
+        }
+        free.emplace_back();
+        entry = free.end() - 1;
+    }
+    const Unit number = table().base + 1 + static_cast<std::int32_t>(entry - free.begin());
+    unit = openOn(*entry, number, mode, opened, type) ? number : 0;
+}
+
+void CLOSER(Unit& unit)
+{
+    UnitEntry* entry = findEntry(unit);
+    if (entry == nullptr || !entry->stream.isOpen()) {
+        return;
+    }
+    closeEntry(*entry);
+    say("...Closed File Unit:", integerField(unit, kUnitWidth));
+    unit = 0;
+}
+
+void closeAllUnits(bool announce)
+{
+    if (announce) {
+        say("Closing all file units...");
+    }
+    forEachOpen(closeEntry);
+}
+
+const std::string& unitName(Unit unit)
+{
+    static const std::string none;
+    const UnitEntry* entry = findEntry(unit);
+    return entry == nullptr ? none : entry->stream.name();
+}
+
+std::int32_t unitKind(Unit unit)
+{
+    const UnitEntry* entry = findEntry(unit);
+    return entry == nullptr ? 0 : entry->kind;
+}
+
+// --- Named units -----------------------------------------------------------------------------------------------------
+
+void openNamed(std::int32_t entry, std::string_view mode, std::string_view type)
+{
+    UnitEntry& named = namedEntry(entry, "Incorrect file number - OPENER");
+    if (named.stream.isOpen()) {
+        say("File already opened - OPENER");
+        endNow();
+    }
+    openOn(named, namedUnit(entry), mode, named.storedName, type);
+}
+
+void openNamedAs(std::int32_t entry, std::string_view name, std::string_view mode, std::string_view type)
+{
+    namedEntry(entry, "Incorrect file number - OPENER").storedName = cut(name, kNameWidth);
+    openNamed(entry, mode, type);
+}
+
+void openNamedWith(std::int32_t entry, std::string_view prefix, std::string_view suffix, std::string_view mode,
+                   std::string_view type)
+{
+    const std::string stored = namedEntry(entry, "Incorrect file number - OPENER").storedName;
+    openNamedAs(entry, join(trimRight(prefix), stored, suffix), mode, type);
+}
+
+void openNamedInput(std::int32_t entry)
+{
+    openNamed(entry, "I ", "input");
+}
+
+void openNamedOutput(std::int32_t entry)
+{
+    openNamed(entry, "F ", "output");
+}
+
+bool NAMED(std::int32_t entry)
+{
+    return !namedEntry(entry, "Invalid file number - NAMED").storedName.empty();
+}
+
+std::string GETNAM(std::int32_t entry)
+{
+    return cut(namedEntry(entry, "Invalid file number - GETNAM").storedName, kGetNamWidth);
+}
+
+Unit namedUnit(std::int32_t entry)
+{
+    return table().lastNamed - kNamedUnits + entry;
+}
+
+// --- Reading ---------------------------------------------------------------------------------------------------------
+
+bool atEnd(Unit unit)
+{
+    return stream(unit).atEnd();
+}
+
+bool readLine(Unit unit, std::string& line, std::size_t width)
+{
+    return stream(unit).readLine(line, width);
+}
+
+bool readFailed(Unit unit)
+{
+    return stream(unit).failed();
+}
+
+void stepBack(Unit unit)
+{
+    stream(unit).stepBack();
+}
+
+std::string_view readyBytes(Unit unit)
+{
+    return stream(unit).ready();
+}
+
+std::string_view moreBytes(Unit unit)
+{
+    return stream(unit).more();
+}
+
+void takeBytes(Unit unit, std::size_t count)
+{
+    stream(unit).take(count);
+}
+
+bool readBytes(Unit unit, std::span<std::byte> target)
+{
+    return stream(unit).readBytes(target);
+}
+
+std::int64_t fileSize(Unit unit)
+{
+    return stream(unit).size();
+}
+
+void seekTo(Unit unit, std::int64_t position)
+{
+    requireWritten(stream(unit).seek(position), unit);
+}
+
+std::int64_t position(Unit unit)
+{
+    return stream(unit).position();
+}
+
+// --- Writing ---------------------------------------------------------------------------------------------------------
+
+void writeText(Unit unit, std::string_view text)
+{
+    requireWritten(stream(unit).write(text), unit);
+}
+
+void writeLine(Unit unit, std::string_view line)
+{
+    FileStream& out = stream(unit);
+    requireWritten(out.write(line) && out.write("\r\n"), unit);
+}
+
+void writeBytes(Unit unit, std::span<const std::byte> bytes)
+{
+    writeText(unit, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
+
+std::span<char> writeRoom(Unit unit, std::size_t count)
+{
+    FileStream& out = stream(unit);
+    requireWritten(out.room(count), unit);
+    return out.roomLeft();
+}
+
+void wroteBytes(Unit unit, std::size_t count)
+{
+    stream(unit).wrote(count);
+}
+
+void truncateHere(Unit unit)
+{
+    requireWritten(stream(unit).truncateHere(), unit);
+}
+
+void onWriteFailure(Unit unit, WriteFailure handler)
+{
+    if (UnitEntry* entry = findEntry(unit)) {
+        entry->writeFailure = handler;
+    }
+}
+
+void reserveBytes(Unit unit, std::int64_t count)
+{
+    stream(unit).reserve(count);
+}
+
+// --- Save dates ------------------------------------------------------------------------------------------------------
+
+bool checkSaveDate(std::string_view first, std::string_view second, Unit& firstUnit, Unit& secondUnit, bool mustHold)
+{
+    const std::string_view code = mustHold ? "ERROR 0004" : "WARNING 0004";
+    sayOpen("Checking save date is later than that of ", first, "...");
+    const auto firstTime = lastWriteTime(first);
+    const auto secondTime = lastWriteTime(second);
+    if (!firstTime || !secondTime) {
+        sayOn("NOT OK");
+        say(code, " - Could not access save date of ", first, " to check with ", second);
+        if (mustHold) {
+            fail("NOTE - If using KESTOR.exe, use CHECK MI SAVE DATE == WARNING or OFF to suppress check");
+        }
+        return true;
+    }
+    if (*firstTime <= *secondTime) {
+        sayOn("OK");
+        return true;
+    }
+    sayOn("NOT OK");
+    say(code, " - Save date of ", quoted(first), " file is later than that of ", quoted(second));
+    if (!mustHold) {
+        return true;
+    }
+    CLOSER(firstUnit);
+    CLOSER(secondUnit);
+    pauseForRetry("Re-export mif file and press Enter, or close window.");
+    return false;
+}
+
+} // namespace gridforge

@@ -1,0 +1,53 @@
+// How the region test walks the rings of a region, for its plain form and its prepared one.
+#pragma once
+
+#include "core/product.h"
+#include "host/ends.h"
+
+#include <cstdint>
+#include <span>
+
+namespace gridforge {
+
+// Tells `ring(second, end)` for each ring, vertices counted from 1: its edges start at the vertices from its second to its
+// closing one, and the last of them ends in the slot behind. A ring whose end does not lie between its second vertex and
+// the last edge runs on to the last edge. False when the rings end before the vertices.
+template <typename Ring>
+bool walkRings(std::int32_t np, std::span<const std::int32_t> ir, std::int32_t nr, const Ring& ring)
+{
+    const std::int64_t last = std::int64_t{np} - 1;
+    std::int64_t i = 1;
+    for (std::int32_t k = 0; i < last; ++k) {
+        if (k >= nr) {
+            return false;
+        }
+        const std::int64_t second = i + 1;
+        const std::int64_t told = ir[static_cast<std::size_t>(k)];
+        const std::int64_t end = told >= second && told <= last ? told : last;
+        ring(static_cast<std::size_t>(second), static_cast<std::size_t>(end));
+        i = end + 2;
+    }
+    return true;
+}
+
+// The y of the nearest vertex ahead of vertex `second`, going back from `end`, that is not at the y of `second` itself; that
+// y when there is none.
+template <typename Real>
+Real yAheadOfSecond(std::span<const Real> y, std::size_t second, std::size_t end)
+{
+    const Real own = y[second - 1];
+    for (std::size_t i = end; i > second; --i) {
+        if (y[i - 1] != own) {
+            return y[i - 1];
+        }
+    }
+    return own;
+}
+
+[[noreturn]] inline void failRegionRings(int routine)
+{
+    fail("Invalid number of polygons in region sent to inside_polygon routine [", routine, "] - contact ",
+         kSupportContact);
+}
+
+} // namespace gridforge

@@ -1,0 +1,700 @@
+#include "core/numbers.h"
+
+#include "core/text.h"
+
+#include <array>
+#include <cfloat>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+
+namespace gridforge {
+namespace {
+
+constexpr float kInfF = std::numeric_limits<float>::infinity();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr std::int32_t kMaxInt = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kMinInt = std::numeric_limits<std::int32_t>::min();
+
+std::string times(std::size_t count, char c)
+{
+    return std::string(count, c);
+}
+
+// --- Free-form reading: how values are told apart --------------------------------------------------------------------
+
+// The values of a text read as 32-bit integers, "_" for an empty one and "!" for a failure.
+std::string walk(std::string_view text)
+{
+    FreeForm values(text);
+    std::string told;
+    while (true) {
+        std::int32_t value = -77;
+        const FreeValue result = values.next(value);
+        switch (result) {
+        case FreeValue::value: told += std::to_string(value); break;
+        case FreeValue::empty: told += "_"; break;
+        case FreeValue::failure: told += "!"; break;
+        case FreeValue::end: return told;
+        }
+        if (result != FreeValue::value) {
+            EXPECT_EQ(value, -77) << "the target must stay";
+        }
+        told += ' ';
+    }
+}
+
+TEST(FreeFormValues, EndAtBlanksTabsAndCommas)
+{
+    EXPECT_EQ(walk("1 2\t3,4"), "1 2 3 4 ");
+    EXPECT_EQ(walk("  1 \t 2  "), "1 2 ");
+    EXPECT_EQ(walk("1 , 2\t,\t3"), "1 2 3 ");
+    EXPECT_EQ(walk(""), "");
+    EXPECT_EQ(walk(" \t "), "");
+}
+
+TEST(FreeFormValues, MayBeEmptyBetweenCommas)
+{
+    EXPECT_EQ(walk("1,,3"), "1 _ 3 ");
+    EXPECT_EQ(walk("1, ,3"), "1 _ 3 ");
+    EXPECT_EQ(walk("1 , , , 4"), "1 _ _ 4 ");
+    EXPECT_EQ(walk(",5"), "_ 5 ");
+    EXPECT_EQ(walk(" ,, 5"), "_ _ 5 ");
+}
+
+TEST(FreeFormValues, ACommaAtTheEndIsOnlyASeparator)
+{
+    EXPECT_EQ(walk("1,"), "1 ");
+    EXPECT_EQ(walk("1, "), "1 ");
+    EXPECT_EQ(walk("1,,"), "1 _ ");
+    EXPECT_EQ(walk(","), "_ ");
+}
+
+TEST(FreeFormValues, GoOnBehindAFailure)
+{
+    EXPECT_EQ(walk("1 x,3"), "1 ! 3 ");
+    EXPECT_EQ(walk("1;2 3"), "! 3 ");
+}
+
+TEST(FreeFormValues, EndStaysTheEnd)
+{
+    FreeForm values("1");
+    std::int32_t value = 0;
+    EXPECT_EQ(values.next(value), FreeValue::value);
+    EXPECT_EQ(values.next(value), FreeValue::end);
+    EXPECT_EQ(values.next(value), FreeValue::end);
+}
+
+TEST(FreeFormValues, MayBeOfEveryKindInOneText)
+{
+    FreeForm values("7 5000000000 0.1 0.1 'a b',x");
+    std::int32_t narrow = 0;
+    std::int64_t wide = 0;
+    float single = 0;
+    double real = 0;
+    std::string quotedText;
+    std::string plain;
+    EXPECT_EQ(values.next(narrow), FreeValue::value);
+    EXPECT_EQ(values.next(wide), FreeValue::value);
+    EXPECT_EQ(values.next(single), FreeValue::value);
+    EXPECT_EQ(values.next(real), FreeValue::value);
+    EXPECT_EQ(values.nextText(quotedText, 100), FreeValue::value);
+    EXPECT_EQ(values.nextText(plain, 100), FreeValue::value);
+    EXPECT_EQ(narrow, 7);
+    EXPECT_EQ(wide, 5000000000);
+    EXPECT_EQ(single, 0.1F);
+    EXPECT_EQ(real, 0.1);
+    EXPECT_EQ(quotedText, "a b");
+    EXPECT_EQ(plain, "x");
+}
+
+// --- Text values -----------------------------------------------------------------------------------------------------
+
+// The text values, each in <>, with the same signs for the others.
+std::string walkTexts(std::string_view text, std::size_t width = 100)
+{
+    FreeForm values(text);
+    std::string told;
+    while (true) {
+        std::string value = "kept";
+        const FreeValue result = values.nextText(value, width);
+        switch (result) {
+        case FreeValue::value: told += join('<', value, '>'); break;
+        case FreeValue::empty: told += "_"; break;
+        case FreeValue::failure: told += "!"; break;
+        case FreeValue::end: return told;
+        }
+        if (result != FreeValue::value) {
+            EXPECT_EQ(value, "kept");
+        }
+    }
+}
+
+TEST(FreeFormText, EndsAtABlankOrComma)
+{
+    EXPECT_EQ(walkTexts("one two,three\tfour"), "<one><two><three><four>");
+    EXPECT_EQ(walkTexts("a,,b,"), "<a>_<b>");
+    EXPECT_EQ(walkTexts(R"(C:\x\y.asc x/y;z)"), R"(<C:\x\y.asc><x/y;z>)");
+    EXPECT_EQ(walkTexts("Bob's 1\"2"), "<Bob's><1\"2>") << "quotes count at the head only";
+}
+
+TEST(FreeFormText, MayStandInQuotes)
+{
+    EXPECT_EQ(walkTexts(R"('a, b' "c 'd'",e)"), "<a, b><c 'd'><e>");
+    EXPECT_EQ(walkTexts(R"('it''s' "say ""so""")"), R"(<it's><say "so">)");
+    EXPECT_EQ(walkTexts(R"('' , "" ,x)"), "<><><x>");
+    EXPECT_EQ(walkTexts("'a''' ''''"), "<a'><'>");
+}
+
+TEST(FreeFormText, AnOpenQuoteIsAFailure)
+{
+    EXPECT_EQ(walkTexts("a 'b c"), "<a>!");
+    EXPECT_EQ(walkTexts("'"), "!");
+    EXPECT_EQ(walkTexts("'a''"), "!");
+}
+
+TEST(FreeFormText, IsCutAtTheWidth)
+{
+    EXPECT_EQ(walkTexts("abcdef ab 'ab  cd'", 4), "<abcd><ab><ab>");
+}
+
+// --- Integers --------------------------------------------------------------------------------------------------------
+
+TEST(ParseInteger, TakesASignAndDigits)
+{
+    const auto read = [](std::string_view text) {
+        std::int32_t value = -77;
+        return parseNumber(text, value) ? value : -99;
+    };
+    EXPECT_EQ(read("0"), 0);
+    EXPECT_EQ(read("-0"), 0);
+    EXPECT_EQ(read("+12"), 12);
+    EXPECT_EQ(read("-12"), -12);
+    EXPECT_EQ(read("0000000000000000000007"), 7);
+    EXPECT_EQ(read("2147483647"), kMaxInt);
+    EXPECT_EQ(read("-2147483648"), kMinInt);
+}
+
+TEST(ParseInteger, RefusesAllElse)
+{
+    for (const char* const text :
+         {"",    "+",   "-",    "--1",   "+-1",        "-+1",         "1.",
+          "1.5", "1e3", "0x10", "1a",    "a1",         " 1",          "1 ",
+          "2*5", "1/",  "'1'",  "\"1\"", "2147483648", "-2147483649", "99999999999999999999999",
+          "T",   "1,2"}) {
+        std::int32_t value = -77;
+        EXPECT_FALSE(parseNumber(text, value)) << text;
+        EXPECT_EQ(value, -77) << text;
+    }
+}
+
+TEST(ParseInteger, Has64BitsInAWideTarget)
+{
+    std::int64_t value = 0;
+    EXPECT_TRUE(parseNumber("-9223372036854775808", value));
+    EXPECT_EQ(value, std::numeric_limits<std::int64_t>::min());
+    EXPECT_TRUE(parseNumber("+9223372036854775807", value));
+    EXPECT_EQ(value, std::numeric_limits<std::int64_t>::max());
+    EXPECT_FALSE(parseNumber("9223372036854775808", value));
+    EXPECT_EQ(value, std::numeric_limits<std::int64_t>::max());
+}
+
+// --- Reals -----------------------------------------------------------------------------------------------------------
+
+template <typename Real>
+Real realOf(std::string_view text)
+{
+    Real value = -77;
+    EXPECT_TRUE(parseNumber(text, value)) << text.substr(0, 40);
+    return value;
+}
+
+TEST(ParseReal, TakesPointsAndExponents)
+{
+    EXPECT_EQ(realOf<double>("1"), 1.0);
+    EXPECT_EQ(realOf<double>("+1.5"), 1.5);
+    EXPECT_EQ(realOf<double>("-.5"), -0.5);
+    EXPECT_EQ(realOf<double>("5."), 5.0);
+    EXPECT_EQ(realOf<double>("5.e1"), 50.0);
+    EXPECT_EQ(realOf<double>(".5E+2"), 50.0);
+    EXPECT_EQ(realOf<double>("15d-1"), 1.5);
+    EXPECT_EQ(realOf<double>("-15D+001"), -150.0);
+    EXPECT_EQ(realOf<float>("2.5d2"), 250.0F);
+    EXPECT_EQ(realOf<float>("1e5"), 100000.0F);
+}
+
+TEST(ParseReal, KeepsTheSignOfZero)
+{
+    EXPECT_TRUE(std::signbit(realOf<float>("-0.0")));
+    EXPECT_FALSE(std::signbit(realOf<float>("+0.0")));
+    EXPECT_EQ(realOf<float>("-0.0"), 0.0F);
+}
+
+TEST(ParseReal, TakesNanAndInfinityInAnyCase)
+{
+    EXPECT_TRUE(std::isnan(realOf<float>("NaN")));
+    EXPECT_TRUE(std::isnan(realOf<double>("-nan")));
+    EXPECT_TRUE(std::isnan(realOf<double>("+NAN")));
+    EXPECT_EQ(realOf<float>("inf"), kInfF);
+    EXPECT_EQ(realOf<float>("-Inf"), -kInfF);
+    EXPECT_EQ(realOf<double>("+INFINITY"), kInf);
+    EXPECT_EQ(realOf<double>("-infinity"), -kInf);
+}
+
+TEST(ParseReal, RefusesAllElse)
+{
+    for (const char* const text :
+         {"",      "+",     "-",     ".",      "-.",    "e5",    ".e5",   "1e",  "1e+", "1d-",   "1.2.3",
+          "1..2",  "--1",   "+-1",   "-+1",    "1-",    "1.5+3", "1.5-3", "1f",  "1q5", "0x1",   "0x1p3",
+          "1e5.5", "1e5e5", "nan()", "nan(1)", "nanx",  "infin", "1 2",   " 1",  "1 ",  "2*5",   "1/",
+          "1;",    "'1'",   "\"1\"", "1,5",    "1_000", "1'000", "in",    "na",  "T",   "1e--5", "1e 5",
+          "1e+-5", "\t1",   "1\r",   "-+inf",  "++inf", "- 1",   "1.e",   "1.d+"}) {
+        float single = -77;
+        double real = -77;
+        EXPECT_FALSE(parseNumber(text, single)) << text;
+        EXPECT_FALSE(parseNumber(text, real)) << text;
+        EXPECT_EQ(single, -77.0F) << text;
+        EXPECT_EQ(real, -77.0) << text;
+    }
+    float value = -77;
+    EXPECT_FALSE(parseNumber(std::string_view("1\0", 2), value));
+}
+
+TEST(ParseReal, RoundsOnceToThePrecisionOfItsTarget)
+{
+    // Just above the middle of 1 and the next float: through a double it would fall on the middle and go down to 1.
+    const float next = std::nextafter(1.0F, 2.0F);
+    EXPECT_EQ(realOf<float>("1.00000005960464477539062500000000000000001"), next);
+    EXPECT_EQ(realOf<float>("1.000000059604644775390625"), 1.0F) << "an exact tie goes to even";
+    EXPECT_EQ(realOf<float>("1.000000178813934326171875"), 1.0F + 2 * FLT_EPSILON) << "here even is above";
+    EXPECT_EQ(realOf<float>("16777217"), 16777216.0F);
+    EXPECT_EQ(realOf<float>("16777219"), 16777220.0F);
+    EXPECT_EQ(realOf<float>("-1.00000005960464477539062500000000000000001"), -next);
+}
+
+TEST(ParseReal, TooLargeIsAFailure)
+{
+    // The middle of the largest float, 2^128 - 2^104, and 2^128.
+    const std::string middle = "340282356779733661637539395458142568448";
+    EXPECT_EQ(realOf<float>("340282356779733661637539395458142568447.9"), FLT_MAX);
+    EXPECT_EQ(realOf<double>("1.7976931348623157e308"), DBL_MAX);
+    float single = -77;
+    double real = -77;
+    for (const std::string& text : {middle, std::string("1e39"), std::string("-1d39"), std::string("3.5e+38")}) {
+        EXPECT_FALSE(parseNumber(text, single)) << text;
+        EXPECT_TRUE(parseNumber(text, real)) << text << ": within range of a double";
+    }
+    for (const std::string& text : {std::string("1e309"), std::string("-1.8D308"), "1e" + times(400, '9'),
+                                    times(400, '9'), "0." + times(5000, '0') + "1e" + times(300, '9')}) {
+        EXPECT_FALSE(parseNumber(text, real)) << text.substr(0, 40);
+    }
+    EXPECT_EQ(single, -77.0F);
+}
+
+TEST(ParseReal, TooSmallIsTheNearestValueOrZero)
+{
+    EXPECT_EQ(realOf<float>("1e-45"), FLT_TRUE_MIN);
+    EXPECT_EQ(realOf<float>("0.8e-45"), FLT_TRUE_MIN) << "nearer to the smallest than to 0";
+    EXPECT_EQ(realOf<float>("0.7e-45"), 0.0F);
+    EXPECT_EQ(realOf<float>("1e-40"), std::strtof("1e-40", nullptr));
+    EXPECT_EQ(realOf<float>("1e-50"), 0.0F);
+    EXPECT_EQ(realOf<double>("4e-324"), DBL_TRUE_MIN);
+    EXPECT_EQ(realOf<double>("2e-324"), 0.0);
+    EXPECT_TRUE(std::signbit(realOf<float>("-1e-50"))) << "0 keeps the sign";
+    EXPECT_TRUE(std::signbit(realOf<double>("-1d-" + times(300, '9'))));
+}
+
+TEST(ParseReal, TakesAnyNumberOfDigits)
+{
+    EXPECT_EQ(realOf<double>("0." + times(5000, '0') + "1e5001"), 1.0);
+    EXPECT_EQ(realOf<double>("1" + times(5000, '0') + "d-5000"), 1.0);
+    EXPECT_EQ(realOf<float>(times(5000, '0') + "1.5"), 1.5F);
+    EXPECT_EQ(realOf<float>("1.5" + times(5000, '0')), 1.5F);
+    EXPECT_EQ(realOf<double>("0e" + times(300, '9')), 0.0);
+    EXPECT_EQ(realOf<double>("0.0e-" + times(300, '9')), 0.0);
+    EXPECT_EQ(realOf<double>("1e" + times(300, '0') + "1"), 10.0);
+    EXPECT_EQ(realOf<float>("1.000000059604644775390625" + times(3000, '0') + "1"), std::nextafter(1.0F, 2.0F))
+        << "the last of three thousand digits lifts it off the tie";
+}
+
+TEST(ParseReal, AgreesWithTheCLibraryOnRandomDigits)
+{
+    std::mt19937 random(1); // NOLINT: the same numbers in every run
+    std::uniform_int_distribution<int> digit('0', '9');
+    std::uniform_int_distribution<int> length(1, 25);
+    std::uniform_int_distribution<int> exponent(-60, 45);
+    for (int i = 0; i < 20000; ++i) {
+        std::string text = i % 2 == 0 ? "-" : "";
+        for (int n = length(random); n > 0; --n) {
+            text += static_cast<char>(digit(random));
+        }
+        text += '.';
+        for (int n = length(random); n > 0; --n) {
+            text += static_cast<char>(digit(random));
+        }
+        text += "e" + std::to_string(exponent(random));
+        const float single = std::strtof(text.c_str(), nullptr);
+        float read = -77;
+        ASSERT_EQ(parseNumber(text, read), std::isfinite(single)) << text;
+        ASSERT_EQ(read, std::isfinite(single) ? single : -77.0F) << text;
+        ASSERT_EQ(realOf<double>(text), std::strtod(text.c_str(), nullptr)) << text;
+    }
+}
+
+// --- First values ----------------------------------------------------------------------------------------------------
+
+TEST(ReadFree, TakesTheFirstValue)
+{
+    float value = -77;
+    EXPECT_TRUE(readFree("  2.5 m", value));
+    EXPECT_EQ(value, 2.5F);
+    EXPECT_TRUE(readFree("3,x", value));
+    EXPECT_EQ(value, 3.0F);
+    double real = -77;
+    EXPECT_TRUE(readFree("1d0", real));
+    EXPECT_EQ(real, 1.0);
+}
+
+TEST(ReadFree, AnEmptyValueLeavesTheTarget)
+{
+    std::int32_t value = -77;
+    EXPECT_TRUE(readFree(",5", value));
+    EXPECT_EQ(value, -77);
+}
+
+TEST(ReadFree, AnEmptyTextAndAFailureAreFalse)
+{
+    std::int32_t narrow = -77;
+    std::int64_t wide = -77;
+    float single = -77;
+    double real = -77;
+    for (const char* const text : {"", "  \t ", "x 5", "5x", "'5'", "2*5", "5;"}) {
+        EXPECT_FALSE(readFree(text, narrow)) << text;
+        EXPECT_FALSE(readFree(text, wide)) << text;
+        EXPECT_FALSE(readFree(text, single)) << text;
+        EXPECT_FALSE(readFree(text, real)) << text;
+    }
+    EXPECT_EQ(narrow, -77);
+    EXPECT_EQ(wide, -77);
+    EXPECT_EQ(single, -77.0F);
+    EXPECT_EQ(real, -77.0);
+}
+
+TEST(Checkint, ReadsAnIntegerOfItsWidth)
+{
+    std::int32_t value = -77;
+    EXPECT_TRUE(CHECKINT(" 12 ", value));
+    EXPECT_EQ(value, 12);
+    EXPECT_TRUE(CHECKINT4("-2147483648", value));
+    EXPECT_EQ(value, kMinInt);
+    std::int64_t wide = -77;
+    EXPECT_TRUE(CHECKINT8("2147483648", wide));
+    EXPECT_EQ(wide, 2147483648);
+}
+
+TEST(Checkint, IsFalseOnAnyFailure)
+{
+    for (const char* const text : {"", " ", "1.5", "12a", "9223372036854775808"}) {
+        std::int32_t value = -77;
+        std::int64_t wide = -77;
+        EXPECT_FALSE(CHECKINT(text, value)) << text;
+        EXPECT_FALSE(CHECKINT4(text, value)) << text;
+        EXPECT_FALSE(CHECKINT8(text, wide)) << text;
+        EXPECT_EQ(value, -77);
+        EXPECT_EQ(wide, -77);
+    }
+    std::int32_t value = -77;
+    EXPECT_FALSE(CHECKINT("2147483648", value));
+    EXPECT_FALSE(CHECKINT4("2147483648", value));
+}
+
+// --- Real to integer -------------------------------------------------------------------------------------------------
+
+TEST(RealToInteger, GoesTheWayOfItsName)
+{
+    EXPECT_EQ(truncateToInt(2.9), 2);
+    EXPECT_EQ(truncateToInt(-2.9), -2);
+    EXPECT_EQ(roundToInt(2.5), 3);
+    EXPECT_EQ(roundToInt(-2.5), -3) << "halves go away from zero";
+    EXPECT_EQ(roundToInt(3.5), 4);
+    EXPECT_EQ(roundToInt(2.4999999999999996), 2);
+    EXPECT_EQ(roundToInt(0.49999999999999994), 0) << "adding a half would give 1";
+    EXPECT_EQ(ceilToInt(2.1), 3);
+    EXPECT_EQ(ceilToInt(-2.9), -2);
+    EXPECT_EQ(floorToInt(2.9), 2);
+    EXPECT_EQ(floorToInt(-2.1), -3);
+}
+
+TEST(RealToInteger, HoldsAtTheLimits)
+{
+    for (const auto toInt : {truncateToInt, roundToInt, ceilToInt, floorToInt}) {
+        EXPECT_EQ(toInt(1e10), kMaxInt);
+        EXPECT_EQ(toInt(-1e10), kMinInt);
+        EXPECT_EQ(toInt(kInf), kMaxInt);
+        EXPECT_EQ(toInt(-kInf), kMinInt);
+        EXPECT_EQ(toInt(kNan), 0);
+        EXPECT_EQ(toInt(2147483647.0), kMaxInt);
+        EXPECT_EQ(toInt(-2147483648.0), kMinInt);
+        EXPECT_EQ(toInt(2147483648.0), kMaxInt);
+        EXPECT_EQ(toInt(-2147483649.0), kMinInt);
+        EXPECT_EQ(toInt(2147483646.0), kMaxInt - 1);
+    }
+    EXPECT_EQ(truncateToInt(2147483646.9), kMaxInt - 1);
+    EXPECT_EQ(ceilToInt(2147483646.1), kMaxInt);
+}
+
+// --- Fixed notation --------------------------------------------------------------------------------------------------
+
+TEST(FixedText, AlwaysHasItsPoint)
+{
+    EXPECT_EQ(fixedText(12.5, 3), "12.500");
+    EXPECT_EQ(fixedText(12.0, 0), "12.");
+    EXPECT_EQ(fixedText(0.0, 0), "0.");
+    EXPECT_EQ(fixedText(-0.25, 3), "-0.250");
+    EXPECT_EQ(fixedText(12.0, -3), "12.");
+}
+
+TEST(FixedText, RoundsTheStoredValueWithTiesToEven)
+{
+    EXPECT_EQ(fixedText(0.125, 2), "0.12");
+    EXPECT_EQ(fixedText(0.375, 2), "0.38");
+    EXPECT_EQ(fixedText(0.5, 0), "0.");
+    EXPECT_EQ(fixedText(1.5, 0), "2.");
+    EXPECT_EQ(fixedText(2.5, 0), "2.");
+    EXPECT_EQ(fixedText(-2.5, 0), "-2.");
+    EXPECT_EQ(fixedText(0.135, 2), "0.14") << "stored a little above";
+    EXPECT_EQ(fixedText(1.005, 2), "1.00") << "stored a little below";
+    EXPECT_EQ(fixedText(999.9996, 3), "1000.000");
+}
+
+TEST(FixedText, ShowsAWidenedFloatExactly)
+{
+    EXPECT_EQ(fixedText(static_cast<double>(0.1F), 27), "0.100000001490116119384765625");
+    EXPECT_EQ(fixedText(static_cast<double>(0.1F), 3), "0.100");
+}
+
+TEST(FixedText, KeepsTheSignOfWhatRoundsToNothing)
+{
+    EXPECT_EQ(fixedText(-0.0001, 3), "-0.000");
+    EXPECT_EQ(fixedText(-0.0, 1), "-0.0");
+}
+
+TEST(FixedText, NamesWhatIsNoNumber)
+{
+    EXPECT_EQ(fixedText(kNan, 3), "NaN");
+    EXPECT_EQ(fixedText(-kNan, 3), "NaN");
+    EXPECT_EQ(fixedText(kInf, 3), "Infinity");
+    EXPECT_EQ(fixedText(-kInf, 0), "-Infinity");
+}
+
+TEST(FixedText, HoldsTheLargestAndTheSmallest)
+{
+    const std::string largest = fixedText(-DBL_MAX, 300);
+    EXPECT_EQ(largest.size(), 1 + 309 + 1 + 300U);
+    EXPECT_EQ(largest.substr(0, 18), "-17976931348623157");
+    EXPECT_EQ(largest.substr(310), "." + times(300, '0'));
+
+    // 2^-1074 has its first digit at place 324 and its last, a 5, at place 1074.
+    const std::string smallest = fixedText(DBL_TRUE_MIN, 1100);
+    EXPECT_EQ(smallest.substr(0, 2 + 323 + 6), "0." + times(323, '0') + "494065");
+    EXPECT_EQ(smallest.substr(2 + 1073), "5" + times(26, '0'));
+    EXPECT_EQ(fixedText(DBL_TRUE_MIN, 324), "0." + times(323, '0') + "5");
+}
+
+TEST(FixedText, AgreesWithTheCLibraryOnRandomValues)
+{
+    std::mt19937_64 random(2); // NOLINT: the same numbers in every run
+    std::uniform_real_distribution<double> exponent(-12, 20);
+    for (int i = 0; i < 20000; ++i) {
+        const double size = std::pow(10.0, exponent(random));
+        const double value = i % 2 == 0 ? size : -static_cast<double>(static_cast<float>(size));
+        const int decimals = i % 13 + 1;
+        std::array<char, 100> witness{};
+        std::snprintf(witness.data(), witness.size(), "%.*f", decimals, value);
+        ASSERT_EQ(fixedText(value, decimals), witness.data());
+    }
+}
+
+// --- Fields ----------------------------------------------------------------------------------------------------------
+
+TEST(RealField, IsRightJustified)
+{
+    EXPECT_EQ(realField(12.5, 8, 2), "   12.50");
+    EXPECT_EQ(realField(12.5, 5, 2), "12.50");
+    EXPECT_EQ(realField(kNan, 8, 2), "     NaN");
+    EXPECT_EQ(realField(0.5, 6, 0), "    0.");
+}
+
+TEST(RealField, IsFilledByWhatDoesNotFit)
+{
+    EXPECT_EQ(realField(12.5, 4, 2), "****");
+    EXPECT_EQ(realField(-99.96, 5, 1), "*****") << "-100.0 after rounding";
+    EXPECT_EQ(realField(kNan, 2, 0), "**");
+    EXPECT_EQ(realField(1.0, 3, 3), "***");
+    EXPECT_EQ(realField(1.0, 3, kMaxInt), "***");
+    EXPECT_EQ(realField(1.0, 0, 3), "");
+    EXPECT_EQ(realField(1.0, -1, 3), "");
+}
+
+TEST(RealField, GivesALeadingZeroUpOnlyWhereItAloneIsTooMuch)
+{
+    EXPECT_EQ(realField(0.5, 5, 3), "0.500");
+    EXPECT_EQ(realField(0.5, 4, 3), ".500");
+    EXPECT_EQ(realField(-0.5, 5, 3), "-.500");
+    EXPECT_EQ(realField(-0.5, 4, 3), "****");
+    EXPECT_EQ(realField(0.5, 3, 3), "***");
+    EXPECT_EQ(realField(10.5, 4, 3), "****");
+    EXPECT_EQ(realField(-0.0, 3, 1), "-.0");
+    EXPECT_EQ(realField(0.0, 1, 0), "*") << "a point alone is no number";
+}
+
+TEST(RealField, ShortensInfinityInAFieldUnder8)
+{
+    EXPECT_EQ(realField(kInf, 8, 2), "Infinity");
+    EXPECT_EQ(realField(kInf, 7, 2), "    Inf");
+    EXPECT_EQ(realField(-kInf, 9, 2), "-Infinity");
+    EXPECT_EQ(realField(-kInf, 7, 2), "   -Inf");
+    EXPECT_EQ(realField(-kInf, 3, 2), "***");
+    EXPECT_EQ(realField(kInf, 3, 9), "Inf");
+}
+
+TEST(IntegerField, IsRightJustifiedOrFilled)
+{
+    EXPECT_EQ(integerField(100, 8), "     100");
+    EXPECT_EQ(integerField(-100, 4), "-100");
+    EXPECT_EQ(integerField(-100, 3), "***");
+    EXPECT_EQ(integerField(0, 0), "");
+    EXPECT_EQ(integerField(5, -2), "");
+    EXPECT_EQ(integerField(std::numeric_limits<std::int64_t>::min(), 21), " -9223372036854775808");
+}
+
+// --- Numbers as texts ------------------------------------------------------------------------------------------------
+
+TEST(Ainteger, IsPlainDigits)
+{
+    EXPECT_EQ(AINTEGER(0), "0");
+    EXPECT_EQ(AINTEGER(-12), "-12");
+    EXPECT_EQ(AINTEGER(kMinInt), "-2147483648");
+    EXPECT_EQ(AINTEGER8(std::numeric_limits<std::int64_t>::min()), "-9223372036854775808") << "fills the field of 20";
+}
+
+TEST(Aintegerprec0, HasAtLeastTheDigits)
+{
+    EXPECT_EQ(AINTEGERPREC0(7, 4), "0007");
+    EXPECT_EQ(AINTEGERPREC0(12345, 4), "12345");
+    EXPECT_EQ(AINTEGERPREC0(0, 2), "00");
+    EXPECT_EQ(AINTEGERPREC0(7, 0), "7");
+    EXPECT_EQ(AINTEGERPREC0(7, -1), "7");
+    EXPECT_EQ(AINTEGERPREC0(7, 20), times(19, '0') + "7");
+    EXPECT_EQ(AINTEGERPREC0(7, 21), times(19, '0') + "7") << "the field is 20 wide";
+    EXPECT_EQ(AINTEGER8PREC0(5000000000, 12), "005000000000");
+}
+
+TEST(Areal, TakesItsDecimalsFromTheMagnitude)
+{
+    // Values with more digits than are shown: 6, 5, 4, 3, 2, 1 and 0 decimals.
+    EXPECT_EQ(AREAL(0.0012345678F), "0.001235");
+    EXPECT_EQ(AREAL(0.012345678F), "0.01235");
+    EXPECT_EQ(AREAL(0.12345678F), "0.1235");
+    EXPECT_EQ(AREAL(1.2345678F), "1.235");
+    EXPECT_EQ(AREAL(12.345678F), "12.35");
+    EXPECT_EQ(AREAL(123.45678F), "123.5");
+    EXPECT_EQ(AREAL(1234.5678F), "1235.");
+    EXPECT_EQ(AREAL(-0.0012345678F), "-0.001235") << "the sign does not count";
+    EXPECT_EQ(AREAL(-123.45678F), "-123.5");
+}
+
+TEST(Areal, ChangesItsDecimalsAtTheSteps)
+{
+    EXPECT_EQ(AREAL(0.01F), "0.01");
+    EXPECT_EQ(AREAL(std::nextafter(10.0F, 0.0F)), "10.") << "9.999999 to 3 decimals";
+    EXPECT_EQ(AREAL(9.9994F), "9.999");
+    EXPECT_EQ(AREAL(10.0046F), "10.");
+    EXPECT_EQ(AREAL(1000.4F), "1000.");
+    EXPECT_EQ(AREAL(999.94F), "999.9");
+}
+
+TEST(Areal, CutsTrailingZerosUpToThePoint)
+{
+    EXPECT_EQ(AREAL(0.0F), "0.");
+    EXPECT_EQ(AREAL(2.5F), "2.5");
+    EXPECT_EQ(AREAL(2.50F), "2.5");
+    EXPECT_EQ(AREAL(3.0F), "3.");
+    EXPECT_EQ(AREAL(-9999.0F), "-9999.");
+    EXPECT_EQ(AREAL(12345.0F), "12345.");
+    EXPECT_EQ(AREAL(12000.0F), "12000.");
+    EXPECT_EQ(AREAL(100.0F), "100.");
+    EXPECT_EQ(AREAL(-0.0F), "-0.");
+    EXPECT_EQ(AREAL(1e-9F), "0.");
+}
+
+TEST(Areal, FillsTheFieldOf20)
+{
+    EXPECT_EQ(AREAL(1e18F), "999999984306749440.") << "19 characters of the stored value";
+    EXPECT_EQ(AREAL(9e18F), "9000000202358128640.");
+    EXPECT_EQ(AREAL(-9e18F), times(20, '*'));
+    EXPECT_EQ(AREAL(FLT_MAX), times(20, '*'));
+    EXPECT_EQ(AREAL(kInfF), "Infinity");
+    EXPECT_EQ(AREAL(-kInfF), "-Infinity");
+    EXPECT_EQ(AREAL(std::numeric_limits<float>::quiet_NaN()), "NaN");
+}
+
+TEST(Areal8, TakesItsDecimalsFromTheMagnitude)
+{
+    EXPECT_EQ(AREAL8(0.01234567890123), "0.0123456789");
+    EXPECT_EQ(AREAL8(0.12345678912345), "0.1234567891");
+    EXPECT_EQ(AREAL8(1.23456789123456), "1.234567891");
+    EXPECT_EQ(AREAL8(12.3456789123456), "12.34567891");
+    EXPECT_EQ(AREAL8(123.456789123456), "123.4567891");
+    EXPECT_EQ(AREAL8(1234.56789123456), "1234.567891");
+    EXPECT_EQ(AREAL8(12345.6789123456), "12345.67891");
+    EXPECT_EQ(AREAL8(123456.789123456), "123456.7891");
+    EXPECT_EQ(AREAL8(1234567.89123456), "1234567.891");
+    EXPECT_EQ(AREAL8(12345678.9123456), "12345678.91");
+    EXPECT_EQ(AREAL8(123456789.123456), "123456789.1");
+    EXPECT_EQ(AREAL8(1234567891.23456), "1234567891.");
+    EXPECT_EQ(AREAL8(-1234567.89123456), "-1234567.891");
+}
+
+TEST(Areal8, CutsTrailingZerosUpToThePoint)
+{
+    EXPECT_EQ(AREAL8(0.0), "0.");
+    EXPECT_EQ(AREAL8(0.5), "0.5");
+    EXPECT_EQ(AREAL8(500000.0), "500000.");
+    EXPECT_EQ(AREAL8(1e10), "10000000000.");
+    EXPECT_EQ(AREAL8(1e20), times(20, '*'));
+    EXPECT_EQ(AREAL8(1e18), "1000000000000000000.");
+    EXPECT_EQ(AREAL8(kNan), "NaN");
+}
+
+TEST(Areald, KeepsTrailingZeros)
+{
+    EXPECT_EQ(AREALD(2.5F, 3), "2.500");
+    EXPECT_EQ(AREALD(-2.5F, 0), "-2.");
+    EXPECT_EQ(AREALD(2.0F, 1), "2.0");
+    EXPECT_EQ(AREALD(2.5F, -4), "2.");
+    EXPECT_EQ(AREALD(0.1F, 12), "0.100000001490") << "the single value as stored";
+    EXPECT_EQ(AREALD8(0.1, 12), "0.100000000000");
+    EXPECT_EQ(AREALD8(-0.001, 2), "-0.00");
+}
+
+TEST(Areald, HasAFieldOf20)
+{
+    EXPECT_EQ(AREALD(0.5F, 18), "0.5" + times(17, '0'));
+    EXPECT_EQ(AREALD(0.5F, 19), ".5" + times(18, '0')) << "the leading zero goes";
+    EXPECT_EQ(AREALD(-0.5F, 18), "-.5" + times(17, '0'));
+    EXPECT_EQ(AREALD(0.5F, 20), times(20, '*'));
+    EXPECT_EQ(AREALD(1.5F, 19), times(20, '*'));
+    EXPECT_EQ(AREALD8(1e18, 1), times(20, '*'));
+    EXPECT_EQ(AREALD8(0.5, 300), times(20, '*'));
+    EXPECT_EQ(AREALD8(0.5, kMaxInt), times(20, '*'));
+    EXPECT_EQ(AREALD8(kInf, kMaxInt), "Infinity");
+}
+
+} // namespace
+} // namespace gridforge

@@ -1,0 +1,465 @@
+#include "host/units.h"
+
+#include "host/ends.h"
+#include "support/child_run.h"
+
+#include <array>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <utime.h>
+#include <vector>
+
+namespace gridforge {
+namespace {
+
+using test::ChildRun;
+using test::runInChild;
+using test::ScratchFolder;
+
+const std::string kExits = "\nPress Enter to Close\n";
+
+TEST(Opener, ReadsAnInputAndTellsItsUnit)
+{
+    ScratchFolder folder;
+    folder.give("a.txt", "one\r\ntwo\nthree");
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.txt");
+        std::string line;
+        while (readLine(unit, line)) {
+            say("<", line, ">", atEnd(unit) ? " end" : "");
+        }
+        CLOSER(unit);
+        say("unit is ", unit);
+        CLOSER(unit); // a closed unit's variable is 0, so this does nothing
+    });
+    EXPECT_EQ(run.console, "Trying to open file a.txt...OK.\n"
+                           "Opened File Unit:1001\n"
+                           "<one>\n<two>\n<three> end\n"
+                           "...Closed File Unit:1001\n"
+                           "unit is 0\n");
+}
+
+TEST(Opener, WritesLinesWithCrLf)
+{
+    ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "O ", "b.txt");
+        writeLine(unit, "first");
+        writeText(unit, "second");
+        CLOSER(unit);
+    });
+    EXPECT_EQ(run.console, "Trying to open file b.txt...OK.  File Unit:1001\n...Closed File Unit:1001\n");
+    EXPECT_EQ(folder.read("b.txt"), "first\r\nsecond");
+}
+
+TEST(Opener, AppendsAndOpensInPlace)
+{
+    ScratchFolder folder;
+    folder.give("a.txt", "12345");
+    folder.give("s.bin", "12345");
+    runInChild(folder, [] {
+        Unit a = 0;
+        Unit s = 0;
+        OPENER(a, "A ", "a.txt");
+        writeText(a, "67");
+        OPENER(s, "SB", "s.bin");
+        writeText(s, "ab");
+        seekTo(s, 3);
+        writeText(s, "c");
+        truncateHere(s);
+    });
+    EXPECT_EQ(folder.read("a.txt"), "1234567");
+    EXPECT_EQ(folder.read("s.bin"), "ab3c");
+}
+
+TEST(Opener, AsksForAnotherNameOfAMissingInput)
+{
+    ScratchFolder folder;
+    folder.give("b.txt", "x");
+    const ChildRun run = runInChild(
+        folder,
+        [] {
+            Unit unit = 0;
+            OPENER(unit, "I ", "a.txt");
+            say(unitName(unit));
+        },
+        "\n   b.txt\n");
+    EXPECT_FALSE(run.ended);
+    EXPECT_EQ(run.console, "Trying to open file a.txt...\n"
+                           "CHECK 0008 - \"a.txt\" cannot be found\n"
+                           "Check file exists and press enter or enter another file name: \n"
+                           "No file name entered.  Trying file again...\n"
+                           "Trying to open file a.txt...\n"
+                           "CHECK 0008 - \"a.txt\" cannot be found\n"
+                           "Check file exists and press enter or enter another file name: \n"
+                           "Trying to open file b.txt...OK.\n"
+                           "Opened File Unit:1001\n"
+                           "b.txt\n");
+}
+
+TEST(Opener, AsksByTheTypeOfTheFile)
+{
+    ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.txt", "input");
+    });
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.console, "Trying to open file a.txt...\n"
+                           "CHECK 0008 - \"a.txt\" cannot be found\n"
+                           "What is the input file name? \n" +
+                               kExits);
+}
+
+TEST(Opener, TakesAFolderForAMissingInput)
+{
+    ScratchFolder folder;
+    folder.give("d/x", "");
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "d");
+    });
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.console, "Trying to open file d...\n"
+                           "CHECK 0008 - \"d\" cannot be found\n"
+                           "Check file exists and press enter or enter another file name: \n" +
+                               kExits);
+}
+
+TEST(Opener, WaitsWhereAnOutputCannotBeOpened)
+{
+    const std::string block = "\n"
+                              "Can't open: no\\x.txt\n"
+                              "\n"
+                              "Another application or user maybe using it,\n"
+                              "   or the file's folder does not exist.\n"
+                              "If so, close the file or create file path.\n"
+                              "Press Enter to Continue\n";
+    ScratchFolder folder;
+    const ChildRun run = runInChild(
+        folder,
+        [] {
+            Unit unit = 0;
+            OPENER(unit, "O ", "no\\x.txt");
+        },
+        "\n");
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.console, "Trying to open file no\\x.txt...Can't Open\n" + block + "Can't Open\n" + block + kExits);
+}
+
+TEST(Opener, RefusesABlankNameAndAnUnknownMode)
+{
+    ScratchFolder folder;
+    const ChildRun blank = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "   ");
+    });
+    EXPECT_TRUE(blank.ended);
+    EXPECT_EQ(blank.console,
+              "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT.\nPress Enter to Close\n");
+
+    const ChildRun mode = runInChild(folder, [] {
+        Unit unit = 7;
+        OPENER(unit, "XX", "a.txt");
+        say(unit);
+    });
+    EXPECT_EQ(mode.console, "  Unrecognised file type XX file a.txt\n0\n");
+}
+
+TEST(Opener, AsksBeforeItTakesAFileThatIsOpen)
+{
+    const auto openTwice = [] {
+        Unit first = 0;
+        Unit second = 0;
+        OPENER(first, "O ", "a.txt");
+        OPENER(second, "O ", "a.txt");
+        writeText(second, "second");
+    };
+    const std::string head = "Trying to open file a.txt...OK.  File Unit:1001\n"
+                             "Trying to open file a.txt...\n"
+                             "\n"
+                             "a.txt is already open, close it? \n";
+    ScratchFolder folder;
+    const ChildRun yes = runInChild(folder, openTwice, "y\n");
+    EXPECT_EQ(yes.console, head + "OK.  File Unit:1002\n");
+    EXPECT_EQ(folder.read("a.txt"), "second");
+
+    // Any other answer tries the same name again.
+    const std::string again = "Trying to open file a.txt...\n"
+                              "\n"
+                              "a.txt is already open, close it? \n";
+    const ChildRun no = runInChild(folder, openTwice, "n\nb.txt\nY\n");
+    EXPECT_EQ(no.console, head + again + again + "OK.  File Unit:1002\n");
+    EXPECT_EQ(folder.read("a.txt"), "second");
+    EXPECT_FALSE(folder.has("b.txt"));
+
+    const ChildRun never = runInChild(folder, openTwice, "n\n");
+    EXPECT_TRUE(never.ended);
+    EXPECT_EQ(never.console, head + again + "\nPress Enter to Close\n");
+}
+
+TEST(Opener, StopsAtThe1001stFile)
+{
+    ScratchFolder folder;
+    folder.give("a", "");
+    const ChildRun run = runInChild(folder, [] {
+        std::array<Unit, 1001> units{};
+        for (Unit& unit : units) {
+            OPENER(unit, "I ", "a");
+        }
+    });
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(run.console.ends_with("\nOpened File Unit:2000\nNo free file numbers.\n"));
+}
+
+TEST(Opener, KnowsTheKindByTheExtension)
+{
+    ScratchFolder folder;
+    for (const char* name : {"a.MIF", "a.mid", "a.12da", "a.txt"}) {
+        folder.give(name, "");
+    }
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        std::string kinds;
+        for (const char* name : {"a.MIF", "a.mid", "a.12da", "a.txt"}) {
+            OPENER(unit, "I ", name);
+            kinds += join(unitKind(unit), ' ');
+        }
+        say(kinds);
+    });
+    EXPECT_TRUE(run.console.ends_with("\n101 102 111 0 \n")) << run.console;
+}
+
+TEST(Units, ReadsLinesCutAtTheirWidth)
+{
+    ScratchFolder folder;
+    folder.give("a.txt", "12345\r\n123456\r\n12   \n" + std::string(3 << 20, 'x') + "\nlast\n");
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.txt");
+        std::string line;
+        while (readLine(unit, line, 5)) {
+            say("<", line, ">");
+        }
+    });
+    EXPECT_EQ(run.console, "Trying to open file a.txt...OK.\nOpened File Unit:1001\n"
+                           "<12345>\n<12345>\n<12>\n<xxxxx>\n<last>\n");
+}
+
+TEST(Units, StepsBackOneLineHoweverLong)
+{
+    ScratchFolder folder;
+    folder.give("a.txt", "head\n" + std::string(3 << 20, 'x') + "\nlast\n");
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.txt");
+        std::string line;
+        readLine(unit, line);
+        stepBack(unit);
+        readLine(unit, line);
+        say(line);
+        readLine(unit, line, 3);
+        stepBack(unit);
+        readLine(unit, line, 4);
+        say(line);
+        readLine(unit, line);
+        say(line);
+    });
+    EXPECT_EQ(run.console, "Trying to open file a.txt...OK.\nOpened File Unit:1001\nhead\nxxxx\nlast\n");
+}
+
+TEST(Units, ReadsBytesAcrossTheBuffer)
+{
+    ScratchFolder folder;
+    std::string bytes;
+    for (int i = 0; i < 3'000'000; ++i) {
+        bytes += static_cast<char>(i % 251);
+    }
+    folder.give("a.bin", bytes);
+    const ChildRun run = runInChild(folder, [&] {
+        Unit unit = 0;
+        OPENER(unit, "BI", "a.bin");
+        std::array<std::byte, 10> head{};
+        std::vector<std::byte> body(2'900'000);
+        std::vector<std::byte> tail(100'000);
+        const bool good = readBytes(unit, head) && readBytes(unit, body);
+        say(good ? "good" : "bad", " at ", position(unit), " of ", fileSize(unit));
+        say(std::memcmp(body.data(), bytes.data() + 10, body.size()) == 0 ? "same" : "other");
+        say(readBytes(unit, tail) ? "too much" : "short");
+        seekTo(unit, 251);
+        readBytes(unit, head);
+        say(static_cast<int>(head[1]));
+    });
+    EXPECT_EQ(run.console, "Trying to open file a.bin...OK.\nOpened File Unit:1001\n"
+                           "good at 2900010 of 3000000\nsame\nshort\n1\n");
+}
+
+TEST(Units, AFullDiskEndsTheRunWithAMessage)
+{
+    ScratchFolder folder;
+    std::filesystem::create_symlink("/dev/full", folder.path() / "full.txt");
+    const ChildRun atClose = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "O ", "full.txt");
+        writeLine(unit, "x");
+        CLOSER(unit);
+        say("not reached");
+    });
+    EXPECT_TRUE(atClose.ended);
+    EXPECT_EQ(atClose.console, "Trying to open file full.txt...OK.  File Unit:1001\n"
+                               "ERROR - Could not write to file: full.txt\n" +
+                                   kExits);
+
+    const ChildRun atWrite = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "O ", "full.txt");
+        writeText(unit, std::string(3 << 20, 'x'));
+        say("not reached");
+    });
+    EXPECT_EQ(atWrite.console, atClose.console);
+
+    const ChildRun atTheEnd = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "O ", "full.txt");
+        writeText(unit, "x");
+        endFinished(true);
+    });
+    EXPECT_EQ(atTheEnd.console, atClose.console);
+}
+
+TEST(Units, ExitsClosesAllOutputsBeforeItWaits)
+{
+    ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        Unit a = 0;
+        Unit b = 0;
+        Unit c = 0;
+        OPENER(a, "O ", "a");
+        OPENER(b, "O ", "b");
+        OPENER(c, "O ", "c");
+        writeText(a, "1");
+        writeText(b, "2");
+        writeText(c, "3");
+        fail("ERROR - so it is");
+    });
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(run.console.ends_with("ERROR - so it is\n" + kExits)) << run.console;
+    EXPECT_EQ(folder.read("a") + folder.read("b") + folder.read("c"), "123");
+}
+
+TEST(Units, CloseAllSaysSo)
+{
+    ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] { closeAllUnits(true); });
+    EXPECT_EQ(run.console, "Closing all file units...\n");
+}
+
+TEST(Units, ARefusedReadIsAFailedOne)
+{
+    ScratchFolder folder;
+    std::filesystem::create_symlink("/proc/self/mem", folder.path() / "a.txt");
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.txt");
+        std::string line;
+        const bool readable = !atEnd(unit);
+        const bool read = readLine(unit, line);
+        say(readable ? "goes on, " : "at its end, ", read ? "read" : "not read",
+            readFailed(unit) ? ", failed" : ", ended");
+    });
+    EXPECT_TRUE(run.console.ends_with("goes on, not read, failed\n")) << run.console;
+}
+
+// --- Named units -----------------------------------------------------------------------------------------------------
+
+TEST(NamedUnits, OpenTheirStoredNameOnTheUnitsBelowTheBase)
+{
+    ScratchFolder folder;
+    folder.give("in.txt", "x");
+    const ChildRun run = runInChild(
+        folder,
+        [] {
+            openNamedAs(1, "in.txt", "I ", "input");
+            openNamedAs(8, "run", "O ", "output");
+            openNamedWith(2, "p_", "_s", "O ", "output");
+            say(NAMED(1) ? "named" : "not named", ' ', NAMED(3) ? "named" : "not named", ' ', GETNAM(8));
+        },
+        "q\n");
+    EXPECT_EQ(run.console, "Trying to open file in.txt...OK.\nOpened File Unit: 993\n"
+                           "Trying to open file run...OK.  File Unit:1000\n"
+                           "Trying to open file p__s...OK.  File Unit: 994\n"
+                           "named not named run\n");
+}
+
+TEST(NamedUnits, AskForANameThatTheyDoNotHave)
+{
+    ScratchFolder folder;
+    const ChildRun run = runInChild(
+        folder, [] { openNamedOutput(3); }, "\nout.txt\n");
+    EXPECT_EQ(run.console, "What is the output file name? \n"
+                           "No file name entered.  Trying file again...\n"
+                           "What is the output file name? \n"
+                           "Trying to open file out.txt...OK.  File Unit: 995\n");
+}
+
+TEST(NamedUnits, StopOnBadNumbersAndOnOpenEntries)
+{
+    ScratchFolder folder;
+    EXPECT_EQ(runInChild(folder, [] { openNamedInput(9); }).console, "Incorrect file number - OPENER\n");
+    EXPECT_EQ(runInChild(folder, [] { NAMED(9); }).console, "Invalid file number - NAMED\n");
+    EXPECT_EQ(runInChild(folder, [] { GETNAM(0); }).console, "Invalid file number - GETNAM\n");
+    const ChildRun twice = runInChild(folder, [] {
+        openNamedAs(1, "a", "O ", "output");
+        openNamedAs(1, "a", "O ", "output");
+    });
+    EXPECT_TRUE(twice.ended);
+    EXPECT_TRUE(twice.console.ends_with("File already opened - OPENER\n"));
+}
+
+// --- Save dates ------------------------------------------------------------------------------------------------------
+
+void setSaveDate(const ScratchFolder& folder, const char* name, time_t date)
+{
+    const utimbuf times = {date, date};
+    utime((folder.path() / name).c_str(), &times);
+}
+
+TEST(SaveDate, OfTheFirstMustNotBeLater)
+{
+    ScratchFolder folder;
+    folder.give("a.mif", "");
+    folder.give("a.tab", "");
+    setSaveDate(folder, "a.mif", 1000);
+    setSaveDate(folder, "a.tab", 1000);
+    const auto check = [](bool mustHold) {
+        return [mustHold] {
+            Unit a = 0;
+            Unit b = 0;
+            say(checkSaveDate("a.mif", "a.tab", a, b, mustHold) ? "goes on" : "again");
+        };
+    };
+    const std::string head = "Checking save date is later than that of a.mif...";
+    EXPECT_EQ(runInChild(folder, check(true)).console, head + "OK\ngoes on\n");
+
+    setSaveDate(folder, "a.mif", 1001);
+    const std::string later = " - Save date of \"a.mif\" file is later than that of \"a.tab\"\n";
+    EXPECT_EQ(runInChild(folder, check(false)).console, head + "NOT OK\nWARNING 0004" + later + "goes on\n");
+    const std::string again = "Re-export mif file and press Enter, or close window.\n";
+    EXPECT_EQ(runInChild(folder, check(true), "\n").console, head + "NOT OK\nERROR 0004" + later + again + "again\n");
+    // Nobody is there to save it again, so the check must not go round for ever.
+    EXPECT_EQ(runInChild(folder, check(true)).console, head + "NOT OK\nERROR 0004" + later + again + kExits);
+
+    std::filesystem::remove(folder.path() / "a.tab");
+    const std::string unknown = " - Could not access save date of a.mif to check with a.tab\n";
+    EXPECT_EQ(runInChild(folder, check(false)).console, head + "NOT OK\nWARNING 0004" + unknown + "goes on\n");
+    EXPECT_EQ(runInChild(folder, check(true)).console,
+              head + "NOT OK\nERROR 0004" + unknown +
+                  "NOTE - If using KESTOR.exe, use CHECK MI SAVE DATE == WARNING or OFF to suppress check\n" + kExits);
+}
+
+} // namespace
+} // namespace gridforge
