@@ -104,6 +104,19 @@ std::vector<Corner> outlineOf(Corner middle, double length, double width, bool c
     return corners;
 }
 
+// Of a ring that runs against the clock, seen from its first corner so that far coordinates cost no digits.
+double areaOf(const std::vector<Corner>& corners)
+{
+    const Corner& first = corners.front();
+    double twice = 0;
+    for (std::size_t i = 2; i < corners.size(); ++i) {
+        const Corner& from = corners[i - 1];
+        const Corner& to = corners[i];
+        twice += (from.x - first.x) * (to.y - first.y) - (to.x - first.x) * (from.y - first.y);
+    }
+    return twice / 2;
+}
+
 } // namespace
 
 bool writeBuildings(const std::string& base, const Place& place, const Field& ground, const Field& frequent,
@@ -132,13 +145,15 @@ bool writeBuildings(const std::string& base, const Place& place, const Field& gr
                 height > valueAt(rare, place, at) + kFreeOfFlood || between(0, 1) < 0.5) {
                 continue;
             }
+            double multiplier = 0; // stands for 1
             if (known) {
-                files.outline(outlineOf(at, length, width, cut, turn));
+                const std::vector<Corner> corners = outlineOf(at, length, width, cut, turn);
+                files.outline(corners);
+                multiplier = areaOf(corners) / kStandardArea;
             } else {
                 files.point(at);
             }
-            files.record(shop ? "Commercial" : "Residential", shop ? 'C' : 'R', floor,
-                         known ? length * width / kStandardArea : 0);
+            files.record(shop ? "Commercial" : "Residential", shop ? 'C' : 'R', floor, multiplier);
         }
     }
     return files.close();

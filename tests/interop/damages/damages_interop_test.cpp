@@ -158,6 +158,30 @@ TEST_F(DamagesInteropEmpty, AMultiplierWithoutValueIsNone)
     }
 }
 
+// Of a ring given as x, y, x, y and closed.
+double ringArea(const std::vector<double>& numbers)
+{
+    double twice = 0;
+    for (std::size_t i = 0; i + 3 < numbers.size(); i += 2) {
+        twice += (numbers[i + 2] - numbers[i]) * (numbers[i + 1] + numbers[i + 3] - 2 * numbers[1]);
+    }
+    return std::abs(twice / 2);
+}
+
+// The curves of the example are those of 150 square metres.
+void expectMultipliersByArea(const std::vector<OgrFeature>& buildings)
+{
+    std::size_t polygons = 0;
+    for (const OgrFeature& building : buildings) {
+        if (building.kind == "POLYGON") {
+            ++polygons;
+            EXPECT_NEAR(std::strtod(building.values.at(3).c_str(), nullptr), ringArea(building.numbers) / 150, 0.0051)
+                << building.values.at(1);
+        }
+    }
+    EXPECT_GT(polygons, 0U);
+}
+
 // The example as the demo runs it, on a smaller valley.
 TEST(DamagesInteropExample, RunsOnTheSampleCatchment)
 {
@@ -191,7 +215,9 @@ TEST(DamagesInteropExample, RunsOnTheSampleCatchment)
     }
     EXPECT_TRUE(any);
     if (haveOgr()) {
-        EXPECT_EQ(ogrFeatures(maker.folder().string() + "/buildings.mif").size(), rows.size());
+        const auto buildings = ogrFeatures(maker.folder().string() + "/buildings.mif");
+        EXPECT_EQ(buildings.size(), rows.size());
+        expectMultipliersByArea(buildings);
         const auto features = ogrFeatures(run.folder().string() + "/buildings_Damages.mif");
         ASSERT_EQ(features.size(), rows.size());
         for (std::size_t i = 0; i < rows.size(); ++i) {
