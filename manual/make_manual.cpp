@@ -52,13 +52,16 @@ or
 .B /
 is a flag, and every other one is the name of an input.
 So an input cannot be named from the root of the file system: go to its folder, or name it from the current one.
-Case does not count in flags, and letters behind a flag's name are passed over:
+Case does not count in flags, and letters after a flag's name are ignored:
 .B \-maximum
 is
 .BR \-max .
 A value that is shown joined to its flag, as in
 .BI \-cd value\fR,
-stands right behind it without a blank; a value that is shown apart is the next argument, whatever it looks like.
+follows it without a blank; a value that is shown apart is the next argument, whatever it looks like.
+With a blank before its value a joined flag ends the run, mostly with a message about row 0 of an
+.I .asc
+file.
 .PP
 Exactly one flag of those under
 .B OPERATIONS
@@ -80,6 +83,7 @@ and
 in their last part.
 Both \e and / separate folders.
 At most 2000 files are taken.
+A pattern also finds the outputs of an earlier run, so write outputs to another folder or under a name that it does not match.
 )";
 
 constexpr std::string_view kTail = R"(.SH OUTPUTS
@@ -87,23 +91,49 @@ The main output has the name that
 .B \-out
 gives, and otherwise that of the first input with a suffix of the operation; it lies beside the first input.
 Other outputs take the same name with suffixes of their own.
+A file that is there already is replaced without a question.
 Grids are written in the format of the first input unless
 .BR \-asc ,
 .B \-flt
-or the extension of the name behind
+or the extension of the name after
 .B \-out
-tell another.
+says otherwise.
 Cells without a value hold the null of the first grid.
 .PP
 All messages go to standard output; standard error stays empty.
 .SH EXIT STATUS
 Always 0, also after an error.
-Messages that end a run begin with
-.BR ERROR ,
-and scripts look for that word, or for the outputs.
+The last line of a run that reached its end is
+.BR Finished. ;
+with
+.BR \-b ,
+nothing follows it.
+Scripts test for this line.
+A failing run need not write a line that begins with
+.BR ERROR :
+a missing layer or table gives
+.BR "CHECK 0008" ,
+a missing folder of an output
+.BR "Can't open" .
+And a few runs write a line
+.B ERROR
+or
+.B WARNING
+and go on, so look for both words before results are used.
+.PP
 After most errors the tool waits for Enter, also with
 .BR \-b ;
-at the end of standard input it does not wait.
+for a missing file it asks for another name.
+At the end of standard input it ends instead.
+In a shell loop that reads a list, a run whose standard input is open reads the rest of that list.
+So scripts close standard input:
+.PP
+.RS
+.EX
+gridforge \-b \-conv depth.flt < /dev/null > depth.log
+tail \-n 1 depth.log | grep \-qxF Finished. || echo failed, see depth.log
+.EE
+.RE
 .SH EXAMPLES
 The highest depth of each cell over many runs, and the run that it came from:
 .PP

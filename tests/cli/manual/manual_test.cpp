@@ -95,6 +95,34 @@ TEST_F(ManualPage, TellsEveryFlagWithItsValueAndDefault)
     }
 }
 
+// What scripts are told to look for is what runs end with.
+TEST_F(ManualPage, NamesTheLastLineOfAGoodRun)
+{
+    ToolRun good("-b -conv a.asc");
+    good.give("a.asc", ascGrid({{1}}));
+    good.start();
+    ASSERT_FALSE(good.consoleLines().empty());
+    const std::string page = rendered();
+    EXPECT_THAT(page,
+                HasSubstr(join("The last line of a run that reached its end is ", good.consoleLines().back(), ";")));
+    EXPECT_THAT(page, HasSubstr(join("grep -qxF ", good.consoleLines().back(), " ||")));
+
+    ToolRun missing("-b -cp none.mif a.asc");
+    missing.give("a.asc", ascGrid({{1}}));
+    missing.start();
+    EXPECT_THAT(missing.console(), HasSubstr("\nCHECK 0008 - "));
+    ToolRun elsewhere("-b -conv a.asc -out none/b");
+    elsewhere.give("a.asc", ascGrid({{1}}));
+    elsewhere.start();
+    EXPECT_THAT(elsewhere.console(), HasSubstr("\nCan't open: "));
+    for (const ToolRun* run : {&missing, &elsewhere}) {
+        EXPECT_THAT(run->console(), Not(HasSubstr("ERROR")));
+        EXPECT_THAT(run->console(), Not(HasSubstr("Finished.")));
+    }
+    EXPECT_THAT(page, HasSubstr("CHECK 0008"));
+    EXPECT_THAT(page, HasSubstr("Can't open"));
+}
+
 TEST_F(ManualPage, KeepsOperationsApartFromOptions)
 {
     const std::string page = rendered();
