@@ -176,6 +176,16 @@ TEST(ConvCli, TheProjectionGoesBesideTheOutput)
     EXPECT_EQ(run.read("d/a.prj"), "PROJCS[\"x\"]\r\n");
 }
 
+// Only the line with PROJCS is kept, also where the output's file is that of the input.
+TEST(ConvCli, AProjectionOfSeveralLinesBecomesItsFirst)
+{
+    ToolRun run("-conv a.asc");
+    run.give("a.asc", ascGrid({{7}}));
+    run.give("a.prj", "PROJCS[\"x\",\n  GEOGCS[\"y\"],\n  UNIT[\"m\",1]]\n");
+    run.start();
+    EXPECT_EQ(run.read("a.prj"), "PROJCS[\"x\",\r\n");
+}
+
 TEST(ConvCli, AProjectionFileWithoutProjcsGivesNone)
 {
     ToolRun run("-conv d/a.asc");
@@ -184,6 +194,16 @@ TEST(ConvCli, AProjectionFileWithoutProjcsGivesNone)
     run.start();
     EXPECT_TRUE(run.says("WARNING - Unable to find PROJCS line in a.prj"));
     EXPECT_EQ(run.changedFiles(), (std::vector<std::string>{"d/a.flt", "d/a.hdr"}));
+}
+
+// The cells keep it, so they are null no more when they are read again.
+TEST(ConvCli, TheHeaderHoldsOneDecimalOfTheNull)
+{
+    ToolRun run("-conv a.asc");
+    run.give("a.asc", ascGrid({{1, -9999.25}}, {.null = -9999.25}));
+    run.start();
+    EXPECT_NE(run.read("a.hdr").find("NODATA_value -9999.2\r\n"), std::string::npos);
+    EXPECT_EQ(run.read("a.flt"), fltCells({{1, -9999.25}}));
 }
 
 // The null is held in a field of 20, so a null of that size is written as a full field.

@@ -19,6 +19,18 @@ TEST(RemapRefusals, TheWaterLevelGridIsRequiredButTheReadFails)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+// The name behind -wl takes the first place in the list, and a place without a name is left.
+TEST(RemapRefusals, AGridNamedBeforeTheWaterLevelsEndsTheRun)
+{
+    ToolRun run("-remap a.asc -wl wl.asc -dem dem.asc");
+    givePlane(run);
+    run.give("a.asc", coarseGrid(planeLevels()));
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Input File  1: wl.asc", "   File  1: wl.asc", "Input File  2: ",
+                               "ERROR - No valid file found for input: ", "", "Press Enter to Close"});
+    EXPECT_NO_OTHER_FILES(run);
+}
+
 TEST(RemapRefusals, TheTerrainIsRequired)
 {
     ToolRun run("-remap -wl wl.asc");

@@ -126,6 +126,22 @@ TEST(CpCli, ACircleOverTheEdgeGivesNoValueAndALineFromAnEarlierPlace)
     EXPECT_EQ(run.read("p_Cn.mid"), "99999.000,\"Closest\"\r\n    0.500,\"Closest\"\r\n99999.000,\"Closest\"\r\n");
 }
 
+// Of a grid from 0 to 9 with cells of 1: a whole cell is free in the west and south, the other edges may be touched.
+TEST(CpCli, ACircleNeedsACellInTheWestAndSouthAndMayTouchTheOtherEdges)
+{
+    ToolRun run("-b -cp p.mif -cpsd4 dem.asc");
+    giveMarks(run,
+              "Point 3 5\nPoint 2.99 5\nPoint 5 3\nPoint 5 2.99\nPoint 7 5\nPoint 7.01 5\nPoint 5 7\nPoint 5 7.01\n",
+              "0,west\n0,w\n0,south\n0,s\n0,east\n0,e\n0,north\n0,n\n");
+    run.start();
+    const std::string none = ",    0.000,99999.000,99999.000,99999.000\r\n";
+    EXPECT_EQ(run.read("p.csv"), std::string(kHeading) +                                                   //
+                                     "\"west\",    0.000,   53.000,   53.000,    0.000\r\n\"w\"" + none +  //
+                                     "\"south\",    0.000,   35.000,   35.000,    0.000\r\n\"s\"" + none + //
+                                     "\"east\",    0.000,   57.000,   57.000,    0.000\r\n\"e\"" + none +  //
+                                     "\"north\",    0.000,   75.000,   75.000,    0.000\r\n\"n\"" + none);
+}
+
 TEST(CpCli, TheDefaultSearchDistanceIs1000)
 {
     ToolRun run("-b -cp p.mif dem.asc");

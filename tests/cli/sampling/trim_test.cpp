@@ -109,6 +109,25 @@ TEST(TrimCli, CornersOnTheWestSideAreInsideAndOnTheOthersOutside)
     EXPECT_GRID(run, "a_dem.asc", {{n, n, n, n, n}, {n, n, n, n, n}, {22, 23, 24, n, n}, {n, n, n, n, n}});
 }
 
+// The cure that the pages give: what counts is the north-east corner, so a grid moved by half a cell to the south-west shows
+// its centres there.
+TEST(TrimCli, AGridMovedHalfACellIsCutByItsCentres)
+{
+    ToolRun run("-b -trim l.mif corner.asc moved.asc centre.asc");
+    run.give("corner.asc", ascGrid(numbered(4, 4), {.cellsize = 10}));
+    run.give("moved.asc", ascGrid(numbered(4, 4), {.xll = -5, .yll = -5, .cellsize = 10}));
+    run.give("centre.asc", "ncols 4\nnrows 4\nxllcenter 5\nyllcenter 5\ncellsize 10\nNODATA_value -9999\n"
+                           "41 42 43 44\n31 32 33 34\n21 22 23 24\n11 12 13 14\n");
+    giveLayer(run, square(12, 12, 38, 38), "a\n");
+    run.start();
+    EXPECT_GRID(run, "a_corner.asc", {{n, n, n, n}, {n, 32, 33, n}, {n, 22, 23, n}, {n, n, n, n}});
+    for (const char* name : {"a_moved.asc", "a_centre.asc"}) { // centres at 15, 25 and 35
+        EXPECT_GRID(run, name, {{n, 42, 43, 44}, {n, 32, 33, 34}, {n, 22, 23, 24}, {n, n, n, n}});
+        EXPECT_EQ(run.grid(name).xll, -5) << name;
+        EXPECT_EQ(run.grid(name).yll, -5) << name;
+    }
+}
+
 TEST(TrimCli, NullCellsStayNullAndTheNullIsTheGrids)
 {
     ToolRun run("-b -trim l.mif dem.asc");
