@@ -71,7 +71,7 @@ void prepared(benchmark::State& state)
     std::vector<std::uint8_t> inside(kCells);
     PreparedRegion region;
     for (auto _ : state) {
-        prepareRegion(star_.x, star_.y, star_.np(), star_.xmin, star_.ir, 1, region);
+        prepareRing(star_.x, star_.y, star_.xmin, region);
         for (int row = 0; row < kCells; ++row) {
             insideRegionRow(region, row, px, inside);
             benchmark::DoNotOptimize(inside.data());

@@ -8,7 +8,6 @@
 #include "host/ends.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <functional>
 #include <iterator>
@@ -114,8 +113,8 @@ namespace {
 
 void prepare(const DmgBuilding& building, PreparedRegion& region)
 {
-    const std::array<std::int32_t, 1> ir = {building.vertices - 1};
-    prepareRegion(building.x, building.y, building.vertices, building.xmin, ir, 1, region);
+    const auto vertices = static_cast<std::size_t>(building.vertices);
+    prepareRing(std::span(building.x).first(vertices), std::span(building.y).first(vertices), building.xmin, region);
 }
 
 void addRun(std::span<const float> values, float null, InsideCells& cells)

@@ -1,5 +1,6 @@
 // The plane under its plain names.
 #include "exports/boundary.h"
+#include "gis/plane_ends.h"
 #include "plane/geometry.h"
 #include "plane/lattice_cells.h"
 
@@ -36,6 +37,13 @@ std::span<const Value, 3> corners(const Value* values)
 std::int32_t logical(bool value)
 {
     return static_cast<std::int32_t>(value);
+}
+
+void requireRings(std::int32_t np, const std::int32_t* ir, std::int32_t nr, int form)
+{
+    if (!gridforge::isWholeRegion(held(np), array(ir, nr), held(nr))) {
+        gridforge::failRings("inside_polygon", form);
+    }
 }
 
 void put(const gridforge::HydraulicParameters& part, float* area, float* width, float* perimeter)
@@ -134,6 +142,7 @@ std::int32_t INSIDE_POLYGON(float px, float py, const float* x, const float* y, 
                             const std::int32_t* ir, std::int32_t nr)
 {
     return answer([&] {
+        requireRings(np, ir, nr, 1);
         return logical(
             gridforge::INSIDE_POLYGON(px, py, array(x, np), array(y, np), held(np), xmin, array(ir, nr), held(nr)));
     });
@@ -143,6 +152,7 @@ std::int32_t INSIDE_POLYGON_8(double px, double py, const double* x, const doubl
                               const std::int32_t* ir, std::int32_t nr)
 {
     return answer([&] {
+        requireRings(np, ir, nr, 2);
         return logical(
             gridforge::INSIDE_POLYGON_8(px, py, array(x, np), array(y, np), held(np), xmin, array(ir, nr), held(nr)));
     });
@@ -230,8 +240,12 @@ std::int64_t grid_inside_polygon(const float* u, const float* v, std::int32_t np
 {
     return answer([&] {
         const gridforge::LatticeWindow window{firstRow, lastRow, firstColumn, lastColumn};
-        return gridforge::grid_inside_polygon(array(u, np), array(v, np), held(np), array(ir, nr), held(nr), size,
-                                              window, {flags, window.cells()});
+        const auto count = gridforge::grid_inside_polygon(array(u, np), array(v, np), held(np), array(ir, nr), held(nr),
+                                                          size, window, {flags, window.cells()});
+        if (!count) {
+            gridforge::failRings("grid_inside_polygon", 1);
+        }
+        return *count;
     });
 }
 
@@ -240,7 +254,7 @@ std::int32_t gridline(float u1, float v1, float u2, float v2, float size, std::i
 {
     return answer([&] {
         std::vector<gridforge::LatticeCell> cells;
-        gridforge::gridline(u1, v1, u2, v2, size, limit, cells);
+        gridforge::requireGridline(gridforge::gridline(u1, v1, u2, v2, size, limit, cells), limit);
         for (const gridforge::LatticeCell& cell : cells) {
             *rows++ = cell.row;
             *columns++ = cell.column;

@@ -4,6 +4,7 @@
 #include "core/numbers.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
+#include "gis/plane_ends.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/messages.h"
@@ -11,6 +12,7 @@
 #include "plane/lattice_cells.h"
 
 #include <algorithm>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -58,8 +60,11 @@ struct Painter {
         if (!inside.allocate(window.cells())) {
             fail("ERROR - Could not allocate memory (RAM) for Inside Region == Method B.");
         }
-        const std::int64_t count =
+        const std::optional<std::int64_t> count =
             grid_inside_polygon(u, v, read.np, gisO.ir, gisO.nr, lattice.size, window, inside.all());
+        if (!count) {
+            failRings("grid_inside_polygon", 1);
+        }
         std::size_t place = 0;
         for (std::int32_t row = window.firstRow; row <= window.lastRow && !window.empty(); ++row) {
             for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
@@ -68,7 +73,7 @@ struct Painter {
                 }
             }
         }
-        return count;
+        return *count;
     }
 
     // A point, or the cells along a line. The cell of a vertex that two segments share is counted once.
@@ -80,7 +85,8 @@ struct Painter {
         for (std::size_t i = 0; i < std::max(last, std::size_t{1}) && !u.empty(); ++i) {
             const std::size_t next = std::min(i + 1, last);
             cells.clear();
-            gridline(u[i], v[i], u[next], v[next], lattice.size, kMaxSegmentCells, cells);
+            requireGridline(gridline(u[i], v[i], u[next], v[next], lattice.size, kMaxSegmentCells, cells),
+                            kMaxSegmentCells);
             for (const LatticeCell& cell : cells) {
                 if (isOnGrid(cell) && cell != before) {
                     values(cell.row, cell.column) = value;

@@ -157,8 +157,7 @@ SampleRing ringAround(double x, double y, float diameter)
 
 void prepareRing(const SampleRing& ring, PreparedRegion& prepared)
 {
-    static constexpr std::array<std::int32_t, 1> kRingEnd = {kRingSides + 1};
-    prepareRegion(ring.x, ring.y, kRingSides + 2, *std::ranges::min_element(ring.x), kRingEnd, 1, prepared);
+    prepareRing(ring.x, ring.y, *std::ranges::min_element(ring.x), prepared);
 }
 
 // Goes through the cells around one point after another; its memory stays.

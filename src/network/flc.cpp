@@ -4,6 +4,7 @@
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
+#include "gis/plane_ends.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "plane/region_rows.h"
@@ -31,12 +32,12 @@ float valueOf(const std::string& dataLine)
     return value;
 }
 
-void prepare(const GisO& gisO, const GisCoordinates& read, PreparedRegion& region)
+bool prepare(const GisO& gisO, const GisCoordinates& read, PreparedRegion& region)
 {
     const std::span<const double> x(read.x.data(), static_cast<std::size_t>(read.np));
     const std::span<const double> y(read.y.data(), static_cast<std::size_t>(read.np));
     const double xmin = x.empty() ? 0.0 : *std::ranges::min_element(x);
-    prepareRegion(x, y, read.np, xmin, gisO.ir, gisO.nr, region);
+    return prepareRegion(x, y, read.np, xmin, gisO.ir, gisO.nr, region);
 }
 
 // The places of the lines that start in the region; a line without vertices starts at 0, 0.
@@ -89,7 +90,9 @@ void nbc_read_flc(const std::string& fileName, NbcLines& lines)
         gisReadObject(gisID, gisO, read, kMaxReadVertices);
         say("Region ", ++regions, " with ", read.np, " nodes...");
         const float value = valueOf(dataLine);
-        prepare(gisO, read, region);
+        if (!prepare(gisO, read, region) && !lines.empty()) {
+            failRings("inside_polygon", 2);
+        }
         const std::vector<std::size_t> starting = linesFrom(region, lines);
         if (starting.empty()) {
             say("WARNING - No network lines start within region object.");

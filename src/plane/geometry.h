@@ -60,13 +60,16 @@ float VECTOR_MAGNITUDE(float u, float v);
 
 // The point lies inside the region: an odd number of edges crosses the ray from (xmin - 10, py) to it. The region has
 // `np` vertices in `nr` rings; ring k ends at vertex ir[k-1] (counted from 1), its closing vertex, and the slot behind
-// that repeats the ring's second vertex and belongs to np. `xmin` is the least x of the vertices, or less. Rings that
-// end before the vertices do end the run. A ring that starts with a run of vertices at py is judged from the vertex in
-// front of that run.
+// that repeats the ring's second vertex and belongs to np. `xmin` is the least x of the vertices, or less. Vertices after
+// the last ring do not count; isWholeRegion reports them. A ring that starts with a run of vertices at py is judged from
+// the vertex in front of that run.
 bool INSIDE_POLYGON(float px, float py, std::span<const float> x, std::span<const float> y, std::int32_t np, float xmin,
                     std::span<const std::int32_t> ir, std::int32_t nr);
 bool INSIDE_POLYGON_8(double px, double py, std::span<const double> x, std::span<const double> y, std::int32_t np,
                       double xmin, std::span<const std::int32_t> ir, std::int32_t nr);
+
+// False when the rings end before the vertices.
+bool isWholeRegion(std::int32_t np, std::span<const std::int32_t> ir, std::int32_t nr);
 
 // The area of one ring, without repeated vertices or with its closing one.
 float POLYGON_AREA(std::span<const double> x, std::span<const double> y);

@@ -57,12 +57,12 @@ struct Crossings {
 
 template <typename Real>
 bool inside(Real px, Real py, std::span<const Real> x, std::span<const Real> y, std::int32_t np, Real xmin,
-            std::span<const std::int32_t> ir, std::int32_t nr, int routine)
+            std::span<const std::int32_t> ir, std::int32_t nr)
 {
     assert(np >= 0 && x.size() >= static_cast<std::size_t>(np) && y.size() >= static_cast<std::size_t>(np));
     assert(nr >= 0 && ir.size() >= static_cast<std::size_t>(nr));
     Crossings<Real> crossings{px, py, xmin - Real{10}};
-    const bool complete = walkRings(np, ir, nr, [&](std::size_t second, std::size_t end) {
+    walkRings(np, ir, nr, [&](std::size_t second, std::size_t end) {
         if (y[second - 1] == py) {
             crossings.previousY = yAheadOfSecond(y, second, end);
         }
@@ -70,9 +70,6 @@ bool inside(Real px, Real py, std::span<const Real> x, std::span<const Real> y, 
             crossings.take(x[i - 1], y[i - 1], x[i], y[i]);
         }
     });
-    if (!complete) {
-        failRegionRings(routine);
-    }
     return crossings.odd;
 }
 
@@ -101,13 +98,18 @@ bool INTERSECT_LINE_8(double x1, double y1, double x2, double y2, double x3, dou
 bool INSIDE_POLYGON(float px, float py, std::span<const float> x, std::span<const float> y, std::int32_t np, float xmin,
                     std::span<const std::int32_t> ir, std::int32_t nr)
 {
-    return inside(px, py, x, y, np, xmin, ir, nr, 1);
+    return inside(px, py, x, y, np, xmin, ir, nr);
 }
 
 bool INSIDE_POLYGON_8(double px, double py, std::span<const double> x, std::span<const double> y, std::int32_t np,
                       double xmin, std::span<const std::int32_t> ir, std::int32_t nr)
 {
-    return inside(px, py, x, y, np, xmin, ir, nr, 2);
+    return inside(px, py, x, y, np, xmin, ir, nr);
+}
+
+bool isWholeRegion(std::int32_t np, std::span<const std::int32_t> ir, std::int32_t nr)
+{
+    return walkRings(np, ir, nr, [](std::size_t, std::size_t) {});
 }
 
 float POLYGON_AREA(std::span<const double> x, std::span<const double> y)

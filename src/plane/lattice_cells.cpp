@@ -1,8 +1,6 @@
 #include "plane/lattice_cells.h"
 
 #include "core/numbers.h"
-#include "core/product.h"
-#include "host/ends.h"
 #include "plane/geometry.h"
 #include "plane/region_walk.h"
 
@@ -91,9 +89,9 @@ LatticeWindow boundsWindow(std::span<const float> u, std::span<const float> v, f
             std::min(area.jHigh, columns - less)};
 }
 
-std::int64_t grid_inside_polygon(std::span<const float> u, std::span<const float> v, std::int32_t np,
-                                 std::span<const std::int32_t> ir, std::int32_t nr, float size,
-                                 const LatticeWindow& window, std::span<std::uint8_t> flags)
+std::optional<std::int64_t> grid_inside_polygon(std::span<const float> u, std::span<const float> v, std::int32_t np,
+                                                std::span<const std::int32_t> ir, std::int32_t nr, float size,
+                                                const LatticeWindow& window, std::span<std::uint8_t> flags)
 {
     assert(flags.size() == window.cells());
     std::ranges::fill(flags, std::uint8_t{0});
@@ -108,8 +106,7 @@ std::int64_t grid_inside_polygon(std::span<const float> u, std::span<const float
         }
     });
     if (!complete) {
-        fail("Invalid number of polygons in region sent to grid_inside_polygon routine [1] - contact ",
-             kSupportContact);
+        return std::nullopt;
     }
     std::int64_t count = 0;
     for (std::size_t start = 0; start < flags.size(); start += window.columns()) {
@@ -144,10 +141,11 @@ struct WalkAxis {
 
 } // namespace
 
-void gridline(float u1, float v1, float u2, float v2, float size, std::int32_t limit, std::vector<LatticeCell>& cells)
+GridlineEnd gridline(float u1, float v1, float u2, float v2, float size, std::int32_t limit,
+                     std::vector<LatticeCell>& cells)
 {
     if (!std::isfinite(u1) || !std::isfinite(v1) || !std::isfinite(u2) || !std::isfinite(v2)) {
-        fail("should not be here - gridline - intersection point - contact ", kSupportContact);
+        return GridlineEnd::noPlace;
     }
     const LatticeCell start = latticeCell(u1, v1, size);
     const LatticeCell end = latticeCell(u2, v2, size);
@@ -155,12 +153,11 @@ void gridline(float u1, float v1, float u2, float v2, float size, std::int32_t l
     WalkAxis v{double{v1}, double{v2}, double{size}, start.row, end.row};
     for (std::int32_t count = 1;; ++count) {
         if (count > limit) {
-            fail("SORRY - Exceeded limit of ", limit, " HX cells per HX polyline segment.  Contact ", kSupportContact,
-                 ".");
+            return GridlineEnd::pastLimit;
         }
         cells.push_back({v.cell, u.cell});
         if (u.done() && v.done()) {
-            return;
+            return GridlineEnd::done;
         }
         const double uSide = u.nextSide();
         const double vSide = v.nextSide();

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -40,14 +41,22 @@ LatticeWindow boundsWindow(std::span<const float> u, std::span<const float> v, f
 
 // Marks the cells of the window that a region passes over on the middle line of their row: flags[i] becomes 1 or 0, row
 // by row from the south. The region is laid out as for INSIDE_POLYGON; a ring that enters and leaves within one cell
-// leaves that cell out. Gives the count of marked cells. `flags` has the window's cells.
-std::int64_t grid_inside_polygon(std::span<const float> u, std::span<const float> v, std::int32_t np,
-                                 std::span<const std::int32_t> ir, std::int32_t nr, float size,
-                                 const LatticeWindow& window, std::span<std::uint8_t> flags);
+// leaves that cell out. `flags` has the window's cells. Returns the count of marked cells; nothing if the rings end before
+// the vertices and the window is not empty.
+std::optional<std::int64_t> grid_inside_polygon(std::span<const float> u, std::span<const float> v, std::int32_t np,
+                                                std::span<const std::int32_t> ir, std::int32_t nr, float size,
+                                                const LatticeWindow& window, std::span<std::uint8_t> flags);
 
-// The cells that the segment from point 1 to point 2 passes through, in its order, behind what `cells` holds; through a
-// corner it steps across. More than `limit` cells end the run.
-void gridline(float u1, float v1, float u2, float v2, float size, std::int32_t limit, std::vector<LatticeCell>& cells);
+enum class GridlineEnd {
+    done,
+    noPlace,   // a coordinate is not finite
+    pastLimit, // the segment passes through more than `limit` cells; `cells` holds the first of them
+};
+
+// Appends to `cells` those that the segment from point 1 to point 2 passes through, in its order; through a corner it
+// steps across.
+[[nodiscard]] GridlineEnd gridline(float u1, float v1, float u2, float v2, float size, std::int32_t limit,
+                                   std::vector<LatticeCell>& cells);
 
 // A straight walk over whole cells: the longer axis takes a full cell a step, the other its share.
 struct StraightWalk {

@@ -4,6 +4,7 @@
 #include "plane/region_walk.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <cmath>
 #include <limits>
@@ -297,13 +298,13 @@ void mendUnsafe(const PreparedRegion& region, double py, std::span<const double>
 
 } // namespace
 
-void prepareRegion(std::span<const double> x, std::span<const double> y, std::int32_t np, double xmin,
+bool prepareRegion(std::span<const double> x, std::span<const double> y, std::int32_t np, double xmin,
                    std::span<const std::int32_t> ir, std::int32_t nr, PreparedRegion& region)
 {
     region.edges.clear();
     region.levels.clear();
     region.rayStart = xmin - 10.0;
-    region.complete =
+    const bool whole =
         walkRings(np, ir, nr, [&](std::size_t second, std::size_t end) { takeRing(x, y, second, end, region); });
 
     region.ordinary =
@@ -312,7 +313,7 @@ void prepareRegion(std::span<const double> x, std::span<const double> y, std::in
             return isOrdinary(edge.x1) && isOrdinary(edge.y1) && isOrdinary(edge.x2) && isOrdinary(edge.y2);
         });
     if (!region.ordinary) {
-        return; // among others not-a-number, which has no order
+        return whole; // among others not-a-number, which has no order
     }
     std::sort(region.edges.begin(), region.edges.end(),
               [](const RegionEdge& a, const RegionEdge& b) { return lowerY(a) < lowerY(b); });
@@ -324,13 +325,19 @@ void prepareRegion(std::span<const double> x, std::span<const double> y, std::in
     }
     std::sort(region.levels.begin(), region.levels.end());
     region.levels.erase(std::unique(region.levels.begin(), region.levels.end()), region.levels.end());
+    return whole;
+}
+
+void prepareRing(std::span<const double> x, std::span<const double> y, double xmin, PreparedRegion& region)
+{
+    const auto np = static_cast<std::int32_t>(x.size());
+    const std::array<std::int32_t, 1> ir = {np - 1};
+    [[maybe_unused]] const bool whole = prepareRegion(x, y, np, xmin, ir, 1, region);
+    assert(whole);
 }
 
 bool insideRegion(const PreparedRegion& region, double px, double py)
 {
-    if (!region.complete) {
-        failRegionRings(2);
-    }
     if (!region.ordinary || !isOrdinary(px) || !isOrdinary(py) ||
         !isSafe(region.rayStart, px, nearestLevel(region, py))) {
         return insideByAllEdges(region, px, py);
@@ -347,9 +354,6 @@ void insideRegionRow(const PreparedRegion& region, double py, std::span<const do
     assert(inside.size() == px.size() && std::is_sorted(px.begin(), px.end()));
     if (px.empty()) {
         return;
-    }
-    if (!region.complete) {
-        failRegionRings(2);
     }
     if (!isOrdinaryRow(region, py, px)) {
         std::transform(px.begin(), px.end(), inside.begin(),
@@ -369,9 +373,6 @@ void insideRegionRuns(const PreparedRegion& region, double py, std::span<const d
     runs.clear();
     if (px.empty()) {
         return;
-    }
-    if (!region.complete) {
-        failRegionRings(2);
     }
     if (!isOrdinaryRow(region, py, px) || !isSafeRow(region, py, px)) {
         std::vector<std::uint8_t> inside(px.size());

@@ -24,12 +24,15 @@ struct PreparedRegion {
     std::vector<double> levels;    // the y of all edge ends, rising
     double rayStart = 0;
     bool ordinary = false; // the coordinates leave room for all products in single precision
-    bool complete = false; // the rings do not end before the vertices
 };
 
-// Takes the region as INSIDE_POLYGON_8 does. Costs n log n of its vertices.
-void prepareRegion(std::span<const double> x, std::span<const double> y, std::int32_t np, double xmin,
-                   std::span<const std::int32_t> ir, std::int32_t nr, PreparedRegion& region);
+// Takes the region as INSIDE_POLYGON_8 does. Costs n log n of its vertices. False when its rings end before its vertices:
+// the vertices after the last ring do not count.
+[[nodiscard]] bool prepareRegion(std::span<const double> x, std::span<const double> y, std::int32_t np, double xmin,
+                                 std::span<const std::int32_t> ir, std::int32_t nr, PreparedRegion& region);
+
+// A region of a single ring: its vertices, the closing one and a repetition of the second.
+void prepareRing(std::span<const double> x, std::span<const double> y, double xmin, PreparedRegion& region);
 
 // INSIDE_POLYGON_8 for one point.
 bool insideRegion(const PreparedRegion& region, double px, double py);

@@ -1,15 +1,12 @@
 // How the region test walks the rings of a region, for its plain form and its prepared one.
 #pragma once
 
-#include "core/product.h"
-#include "host/ends.h"
-
 #include <cstdint>
 #include <span>
 
 namespace gridforge {
 
-// Tells `ring(second, end)` for each ring, vertices counted from 1: its edges start at the vertices from its second to its
+// Calls `ring(second, end)` for each ring, vertices counted from 1: its edges start at the vertices from its second to its
 // closing one, and the last of them ends in the slot behind. A ring whose end does not lie between its second vertex and
 // the last edge runs on to the last edge. False when the rings end before the vertices.
 template <typename Ring>
@@ -42,12 +39,6 @@ Real yAheadOfSecond(std::span<const Real> y, std::size_t second, std::size_t end
         }
     }
     return own;
-}
-
-[[noreturn]] inline void failRegionRings(int routine)
-{
-    fail("Invalid number of polygons in region sent to inside_polygon routine [", routine, "] - contact ",
-         kSupportContact);
 }
 
 } // namespace gridforge

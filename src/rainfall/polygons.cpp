@@ -12,7 +12,6 @@
 #include "rainfall/single_rings.h"
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 namespace gridforge {
@@ -44,10 +43,8 @@ double centreAlong(double origin, std::int32_t cell, float size)
 
 PreparedRegion prepared(const RfRegion& region, double xOrigin)
 {
-    const auto np = static_cast<std::int32_t>(region.x.size());
-    const std::array<std::int32_t, 1> ir = {np - 1};
     PreparedRegion result;
-    prepareRegion(region.x, region.y, np, std::min(region.xmin, xOrigin), ir, 1, result);
+    prepareRing(region.x, region.y, std::min(region.xmin, xOrigin), result);
     return result;
 }
 

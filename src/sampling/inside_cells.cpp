@@ -3,7 +3,6 @@
 #include "core/numbers.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 namespace gridforge {
@@ -38,15 +37,12 @@ CellWindow regionWindow(const SampledRegion& region, const GridHeader& header)
 
 void prepareWalk(const SampledRegion& region, InsideWalk& walk)
 {
-    const auto np = static_cast<std::int32_t>(region.x.size());
-    const std::array<std::int32_t, 1> ir = {np - 1};
-    prepareRegion(region.x, region.y, np, region.xmin, ir, 1, walk.region);
+    prepareRing(region.x, region.y, region.xmin, walk.region);
 }
 
 void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk)
 {
-    static constexpr std::array<std::int32_t, 1> kRingEnd = {kSearchSides + 1};
-    prepareRegion(polygon.x, polygon.y, kSearchSides + 2, polygon.xmin, kRingEnd, 1, walk.region);
+    prepareRing(polygon.x, polygon.y, polygon.xmin, walk.region);
 }
 
 void placeColumns(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk)

@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gridforge/gridforge.h>
 #include <gtest/gtest.h>
+#include <limits>
 #include <numbers>
+#include <string>
 
 namespace gridforge::test {
 namespace {
@@ -79,6 +82,28 @@ TEST(ExportedRegions, InsideCountsRings)
     std::transform(kY.begin(), kY.end(), y.begin(), [](double v) { return static_cast<float>(v); });
     EXPECT_EQ(::INSIDE_POLYGON(0.5F, 0.5F, x.data(), y.data(), 12, 0, kEnds.data(), 2), 1);
     EXPECT_EQ(::INSIDE_POLYGON(5, 2, x.data(), y.data(), 12, 0, kEnds.data(), 2), 0);
+}
+
+TEST(ExportedRegions, RingsThatEndBeforeTheVerticesEndTheRun)
+{
+    const ScratchFolder folder;
+    const std::array<float, 12> x{};
+    std::array<std::uint8_t, 20> flags{};
+    const auto consoleOf = [&](const std::function<void()>& call) {
+        const ChildRun run = runInChild(folder, call);
+        EXPECT_TRUE(run.ended);
+        EXPECT_EQ(run.status, 0);
+        return run.console;
+    };
+    const std::string start = "Invalid number of polygons in region sent to ";
+    const std::string rest = " - contact SUPPORT_CONTACT\n\nPress Enter to Close\n";
+    EXPECT_EQ(consoleOf([&] { ::INSIDE_POLYGON(5, 5, x.data(), x.data(), 12, 0, kEnds.data(), 1); }),
+              start + "inside_polygon routine [1]" + rest);
+    EXPECT_EQ(consoleOf([&] { ::INSIDE_POLYGON_8(5, 5, kX.data(), kY.data(), 12, 0, kEnds.data(), 1); }),
+              start + "inside_polygon routine [2]" + rest);
+    EXPECT_EQ(
+        consoleOf([&] { ::grid_inside_polygon(x.data(), x.data(), 12, kEnds.data(), 1, 2, 1, 4, 1, 5, flags.data()); }),
+        start + "grid_inside_polygon routine [1]" + rest);
 }
 
 TEST(ExportedRegions, Area)
@@ -196,6 +221,19 @@ TEST(ExportedCells, MoreThanTheLimitEndTheRun)
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.console, "SORRY - Exceeded limit of 1 HX cells per HX polyline segment.  Contact "
                            "SUPPORT_CONTACT.\n\nPress Enter to Close\n");
+}
+
+TEST(ExportedCells, PlacesThatAreNoneEndTheRun)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        std::int32_t row = 0;
+        std::int32_t column = 0;
+        ::gridline(1, 1, std::numeric_limits<float>::infinity(), 1, 2, 5, &row, &column);
+    });
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.console,
+              "should not be here - gridline - intersection point - contact SUPPORT_CONTACT\n\nPress Enter to Close\n");
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "plane/geometry.h"
 
-#include "support/child_run.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -13,10 +11,6 @@
 
 namespace gridforge {
 namespace {
-
-using test::runInChild;
-using test::ScratchFolder;
-using testing::StartsWith;
 
 using Single3 = std::array<float, 3>;
 using Double3 = std::array<double, 3>;
@@ -397,28 +391,14 @@ TEST(InsidePolygon, StaysWithinTheVerticesWhateverTheRingEnds)
     }
 }
 
-TEST(InsidePolygon, EndsTheRunWhenTheRingsEndBeforeTheVertices)
+TEST(InsidePolygon, RingsThatEndBeforeTheVerticesAreReported)
 {
-    const ScratchFolder folder;
-    const std::vector<double> x = {0, 10, 10, 0, 0, 10, 4, 6, 6, 4, 4, 6};
-    const std::vector<double> y = {0, 0, 10, 10, 0, 0, 4, 4, 6, 6, 4, 4};
-    const std::vector<std::int32_t> ir = {5};
-    const std::vector<float> xs(x.begin(), x.end());
-    const std::vector<float> ys(y.begin(), y.end());
-
-    const auto single = runInChild(folder, [&] { INSIDE_POLYGON(5, 5, xs, ys, 12, 0, ir, 1); });
-    EXPECT_TRUE(single.ended);
-    EXPECT_EQ(single.status, 0);
-    EXPECT_THAT(single.console,
-                StartsWith("Invalid number of polygons in region sent to inside_polygon routine [1] - contact "
-                           "SUPPORT_CONTACT\n"));
-
-    const auto twice = runInChild(folder, [&] { INSIDE_POLYGON_8(5, 5, x, y, 12, 0, ir, 1); });
-    EXPECT_TRUE(twice.ended);
-    EXPECT_EQ(twice.status, 0);
-    EXPECT_THAT(twice.console,
-                StartsWith("Invalid number of polygons in region sent to inside_polygon routine [2] - contact "
-                           "SUPPORT_CONTACT\n"));
+    const std::vector<std::int32_t> ir = {5, 11};
+    EXPECT_TRUE(isWholeRegion(12, ir, 2));
+    EXPECT_FALSE(isWholeRegion(12, ir, 1));
+    EXPECT_FALSE(isWholeRegion(12, ir, 0));
+    EXPECT_TRUE(isWholeRegion(6, ir, 1));
+    EXPECT_TRUE(isWholeRegion(0, {}, 0));
 }
 
 TEST(PolygonArea, IsThatOfTheRingEitherWayRound)

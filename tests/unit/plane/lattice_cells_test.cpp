@@ -1,7 +1,5 @@
 #include "plane/lattice_cells.h"
 
-#include "support/child_run.h"
-
 #include <algorithm>
 #include <cmath>
 #include <gmock/gmock.h>
@@ -49,7 +47,7 @@ std::string marks(const Region& region, std::int32_t rows, std::int32_t columns,
 {
     const LatticeWindow window = boundsWindow(region.u, region.v, 2, rows, columns, margin);
     std::vector<std::uint8_t> flags(window.cells(), 7);
-    count = grid_inside_polygon(region.u, region.v, region.np(), region.ir, region.nr(), 2, window, flags);
+    count = grid_inside_polygon(region.u, region.v, region.np(), region.ir, region.nr(), 2, window, flags).value();
     std::string text;
     for (std::int32_t row = rows; row >= 1; --row) {
         for (std::int32_t column = 1; column <= columns; ++column) {
@@ -122,18 +120,14 @@ TEST(GridInsidePolygon, WhatLiesBeforeTheWindowCountsOnItsFirstCell)
     EXPECT_EQ(count, 6);
 }
 
-TEST(GridInsidePolygon, RingsThatEndTooEarlyEndTheRun)
+TEST(GridInsidePolygon, RingsThatEndBeforeTheVerticesAreReported)
 {
-    const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] {
-        Region region = rectangle(0, 0, 9, 9);
-        region.add({{1, 1}, {2, 1}, {2, 2}, {1, 1}});
-        region.ir.pop_back();
-        std::int64_t count = 0;
-        marks(region, 5, 5, count);
-    });
-    EXPECT_EQ(run.console, "Invalid number of polygons in region sent to grid_inside_polygon routine [1] - contact "
-                           "SUPPORT_CONTACT\n\nPress Enter to Close\n");
+    Region region = rectangle(0, 0, 9, 9);
+    region.add({{1, 1}, {2, 1}, {2, 2}, {1, 1}});
+    const LatticeWindow window{1, 5, 1, 5};
+    std::vector<std::uint8_t> flags(window.cells());
+    EXPECT_TRUE(grid_inside_polygon(region.u, region.v, region.np(), region.ir, 2, 2, window, flags).has_value());
+    EXPECT_EQ(grid_inside_polygon(region.u, region.v, region.np(), region.ir, 1, 2, window, flags), std::nullopt);
 }
 
 TEST(GridInsidePolygon, IsThatOfCountingForEachCell)
@@ -194,7 +188,7 @@ TEST(GridInsidePolygon, IsThatOfCountingForEachCell)
 std::vector<LatticeCell> line(float u1, float v1, float u2, float v2)
 {
     std::vector<LatticeCell> cells;
-    gridline(u1, v1, u2, v2, 2, 1000, cells);
+    EXPECT_EQ(gridline(u1, v1, u2, v2, 2, 1000, cells), GridlineEnd::done);
     return cells;
 }
 
@@ -257,27 +251,26 @@ TEST(Gridline, EachCellTouchesTheSegmentAndTheNextCell)
     }
 }
 
-TEST(Gridline, MoreCellsThanTheLimitEndTheRun)
+TEST(Gridline, MoreCellsThanTheLimitAreReported)
 {
-    const ScratchFolder folder;
     std::vector<LatticeCell> cells;
-    gridline(1, 1, 9, 1, 2, 5, cells);
+    EXPECT_EQ(gridline(1, 1, 9, 1, 2, 5, cells), GridlineEnd::done);
     EXPECT_EQ(cells.size(), 5U);
     for (const float far : {11.0F, 1e30F}) {
-        const ChildRun run = runInChild(folder, [&] { gridline(1, 1, far, 1, 2, 5, cells); });
-        EXPECT_EQ(run.console, "SORRY - Exceeded limit of 5 HX cells per HX polyline segment.  Contact "
-                               "SUPPORT_CONTACT.\n\nPress Enter to Close\n");
+        cells.clear();
+        EXPECT_EQ(gridline(1, 1, far, 1, 2, 5, cells), GridlineEnd::pastLimit);
+        EXPECT_EQ(cells.size(), 5U);
     }
 }
 
-TEST(Gridline, PlacesThatAreNoneEndTheRun)
+TEST(Gridline, PlacesThatAreNoneAreReported)
 {
-    const ScratchFolder folder;
+    std::vector<LatticeCell> cells;
     for (const float none : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity()}) {
-        const ChildRun run = runInChild(folder, [&] { line(1, 1, none, 1); });
-        EXPECT_EQ(run.console, "should not be here - gridline - intersection point - contact SUPPORT_CONTACT\n\nPress "
-                               "Enter to Close\n");
+        EXPECT_EQ(gridline(1, 1, none, 1, 2, 5, cells), GridlineEnd::noPlace);
+        EXPECT_EQ(gridline(none, 1, 1, 1, 2, 5, cells), GridlineEnd::noPlace);
     }
+    EXPECT_TRUE(cells.empty());
 }
 
 TEST(StraightWalk, TakesAFullCellAlongTheLongerAxis)

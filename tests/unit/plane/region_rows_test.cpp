@@ -1,13 +1,11 @@
 #include "plane/region_rows.h"
 
 #include "plane/geometry.h"
-#include "support/child_run.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
@@ -51,7 +49,7 @@ bool plain(const Rings& rings, double px, double py)
 PreparedRegion prepared(const Rings& rings)
 {
     PreparedRegion region;
-    prepareRegion(rings.x, rings.y, rings.np(), rings.xmin, rings.ir, rings.nr(), region);
+    EXPECT_TRUE(prepareRegion(rings.x, rings.y, rings.np(), rings.xmin, rings.ir, rings.nr(), region));
     return region;
 }
 
@@ -323,37 +321,24 @@ TEST(RegionRows, ServeOneRegionAfterAnother)
     small.add({{2, 2}, {3, 2}, {3, 3}});
     PreparedRegion region = prepared(large);
     EXPECT_TRUE(insideRegion(region, 5, 5));
-    prepareRegion(small.x, small.y, small.np(), small.xmin, small.ir, small.nr(), region);
+    prepareRing(small.x, small.y, small.xmin, region);
     EXPECT_FALSE(insideRegion(region, 5, 5));
     EXPECT_TRUE(insideRegion(region, 2.75, 2.5));
-    prepareRegion({}, {}, 0, 0, {}, 0, region);
+    EXPECT_TRUE(prepareRegion({}, {}, 0, 0, {}, 0, region));
     EXPECT_FALSE(insideRegion(region, 2.75, 2.5));
 }
 
-TEST(RegionRows, EndTheRunWhereThePlainRoutineDoes)
+TEST(RegionRows, RingsThatEndBeforeTheVerticesAreReported)
 {
-    const test::ScratchFolder folder;
     Rings rings;
     rings.add({{0, 0}, {10, 0}, {10, 10}});
     rings.add({{4, 4}, {4, 6}, {6, 6}});
     rings.ir.pop_back();
-    const std::string message = "Invalid number of polygons in region sent to inside_polygon routine [2] - contact "
-                                "SUPPORT_CONTACT\n";
-    // Making it ready ends nothing: with no point to test the plain routine is not asked either.
-    const PreparedRegion region = prepared(rings);
-    std::vector<std::uint8_t> flag(1);
-    std::vector<RowRun> runs;
-    insideRegionRow(region, 1, {}, {});
-    insideRegionRuns(region, 1, {}, runs);
-    for (const std::function<void()>& ask :
-         {std::function<void()>([&] { insideRegion(region, 1, 1); }),
-          std::function<void()>([&] { insideRegionRow(region, 1, std::vector<double>{1}, flag); }),
-          std::function<void()>([&] { insideRegionRuns(region, 1, std::vector<double>{1}, runs); })}) {
-        const auto run = test::runInChild(folder, ask);
-        EXPECT_TRUE(run.ended);
-        EXPECT_EQ(run.status, 0);
-        EXPECT_THAT(run.console, testing::StartsWith(message));
-    }
+    PreparedRegion region;
+    EXPECT_FALSE(prepareRegion(rings.x, rings.y, rings.np(), rings.xmin, rings.ir, rings.nr(), region));
+    // The vertices after the last ring do not count: at (7, 5) the first ring alone has the point inside.
+    EXPECT_TRUE(insideRegion(region, 7, 5));
+    EXPECT_FALSE(insideRegion(region, 3, 5));
 }
 
 } // namespace
