@@ -5,14 +5,12 @@
 #include "host/ends.h"
 #include "host/messages.h"
 
-#include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace gridforge {
 
 namespace {
-
-constexpr auto kNone = std::string_view::npos;
 
 [[noreturn]] void endOfReading(std::string_view message, Unit unit)
 {
@@ -21,82 +19,15 @@ constexpr auto kNone = std::string_view::npos;
     EXITS();
 }
 
-// Comma field `column` from 1, quotes not honoured; nothing when there are fewer.
-std::optional<std::string_view> commaField(std::string_view text, std::int32_t column)
-{
-    if (column < 1) {
-        return std::nullopt;
-    }
-    for (std::int32_t passed = 1; passed < column; ++passed) {
-        const std::size_t comma = text.find(',');
-        if (comma == kNone) {
-            return std::nullopt;
-        }
-        text.remove_prefix(comma + 1);
-    }
-    return text.substr(0, text.find(','));
-}
-
-// The text up to the next comma outside quotes.
-std::string_view upToComma(std::string_view text)
-{
-    const auto comma = static_cast<std::size_t>(NEXTCOMMA(text));
-    return comma == 0 ? text : text.substr(0, comma - 1);
-}
-
-std::string bareValue(std::string_view value)
-{
-    return std::string(trim(REMOVEQUOTES(value)));
-}
-
-// Comma field `column` outside quotes; blank when there are fewer.
-std::string columnValue(std::string_view line, std::int32_t column)
-{
-    if (column <= 0) {
-        return {};
-    }
-    for (std::int32_t passed = 1; passed < column; ++passed) {
-        const auto comma = static_cast<std::size_t>(NEXTCOMMA(line));
-        if (comma == 0) {
-            return {};
-        }
-        line.remove_prefix(comma);
-    }
-    return bareValue(upToComma(line));
-}
-
-// What stands in the line behind the key; nothing when the key is not there. The key is searched with all blanks of its work
-// space, so no line shorter than that holds it; deliberate, control files rely on the columns.
-std::optional<std::string_view> behindKey(std::string_view line, std::string_view lowerLine, std::string_view key)
-{
-    if (lowerLine.size() < kWorkWidth) {
-        return std::nullopt;
-    }
-    std::string padded = LOWERCASE(key);
-    padded.resize(kWorkWidth, ' ');
-    const std::size_t at = lowerLine.find(padded);
-    if (at == kNone) {
-        return std::nullopt;
-    }
-    return line.substr(std::min(at + padded.size(), line.size()));
-}
-
-enum class ValueEnd { atComma, atLineEnd };
-
 std::string extract(std::string_view line, std::string_view lowerLine, std::string_view key, std::int32_t column,
                     ValueEnd end)
 {
-    const std::optional<std::string_view> rest = behindKey(line, lowerLine, key);
-    if (!rest) {
-        return columnValue(line, column);
-    }
-    const std::size_t sign = rest->find('=');
-    if (sign == kNone) {
+    std::optional<std::string> value = keyOrColumnValue(line, lowerLine, key, column, end);
+    if (!value) {
         report("ERROR 0203 - No \"=\" sign found after keyword \"", trimRight(key), "\".");
         EXITS();
     }
-    const std::string_view value = rest->substr(sign + 1);
-    return bareValue(end == ValueEnd::atComma ? upToComma(value) : value);
+    return *std::move(value);
 }
 
 template <typename Number>
@@ -127,54 +58,6 @@ bool READLINE(Unit unit, std::string& text, std::size_t width)
     const bool nothing = COMMENTLINE(text);
     text.resize(trimRight(text).size()); // what stood between the content and its comment
     return !nothing;
-}
-
-bool CHECKLINE(std::string_view line, std::string_view key, std::string_view separator, std::int32_t splitColumn,
-               std::string& right, std::string& left)
-{
-    separator = trimRight(separator);
-    const auto column = static_cast<std::size_t>(std::max(splitColumn, 0));
-    const std::size_t at = separator.empty() ? kNone : line.find(separator);
-    const bool found = at != kNone;
-
-    // `line` may be a view of either result.
-    std::string before;
-    std::string behind;
-    if (found) {
-        before = line.substr(0, at);
-        behind = line.substr(at + separator.size());
-    } else if (column == 0 && !separator.empty()) {
-        before = line;
-    } else {
-        before = line.substr(0, column);
-        behind = line.substr(std::min(column, line.size()));
-    }
-    left = std::move(before);
-    right = std::move(behind);
-
-    const bool isCommand = key == "*" || FLAGEXISTS(left, key);
-    const bool hasContent = !trimRight(left).empty() || (!found && column == 0);
-    return isCommand && hasContent;
-}
-
-std::int32_t CSVCOLUMN(std::string_view text, std::string_view name, std::int32_t fallback)
-{
-    std::int32_t column = 1;
-    for (std::size_t comma = 0; comma != kNone; ++column) {
-        comma = text.find(',');
-        if (ASAME(text.substr(0, comma), name)) {
-            return column;
-        }
-        text.remove_prefix(comma == kNone ? text.size() : comma + 1);
-    }
-    return fallback;
-}
-
-bool CSVVALUE(std::string_view text, std::int32_t column, float& value)
-{
-    value = 0;
-    const std::optional<std::string_view> field = commaField(text, column);
-    return field && parseNumber(trim(*field), value);
 }
 
 std::string EXTRACTSTRING(std::string_view line, std::string_view lowerLine, std::string_view key, std::int32_t column)

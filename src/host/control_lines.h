@@ -1,6 +1,7 @@
-// Lines and fields of control files and small tables.
+// Lines of control files, and those of their fields that end the run where they cannot be read.
 #pragma once
 
+#include "core/control_fields.h"
 #include "host/units.h"
 
 #include <cstdint>
@@ -13,19 +14,9 @@ namespace gridforge {
 // file end the run: callers test atEnd first.
 bool READLINE(Unit unit, std::string& text, std::size_t width = 1000);
 
-// Splits a control line at `separator` into `left` and `right`, neither trimmed; without a separator in the line at
-// `splitColumn` (0: all is left). True when `left` holds the key ("*": any) and is not blank.
-bool CHECKLINE(std::string_view line, std::string_view key, std::string_view separator, std::int32_t splitColumn,
-               std::string& right, std::string& left);
-
-// The number from 1 of the comma field that is ASAME with `name`, or `fallback`. Quotes do not count.
-std::int32_t CSVCOLUMN(std::string_view text, std::string_view name, std::int32_t fallback);
-// The real in comma field `column`; 0.0 and false when there is none that can be read.
-bool CSVVALUE(std::string_view text, std::int32_t column, float& value);
-
 // The value of `key = value` in the line, or of comma field `column` outside quotes, without quotes. The key is
-// searched in its padded work space, so with lines of 1000 characters the column decides; deliberate, the callers rely
-// on it.
+// searched in its padded work space, so with lines of 1000 characters the column decides, on purpose: the callers rely
+// on it. A key without "=" ends the run.
 std::string EXTRACTSTRING(std::string_view line, std::string_view lowerLine, std::string_view key, std::int32_t column);
 // The same with the rest of the line as the value of a key.
 std::string EXTRACTSTRINGREM(std::string_view line, std::string_view lowerLine, std::string_view key,

@@ -1,0 +1,146 @@
+#include "core/control_fields.h"
+
+#include "core/text.h"
+
+#include <gtest/gtest.h>
+#include <initializer_list>
+#include <string>
+#include <utility>
+
+namespace gridforge {
+namespace {
+
+// --- CHECKLINE -------------------------------------------------------------------------------------------------------
+
+struct Split {
+    bool command;
+    std::string left;
+    std::string right;
+    bool operator==(const Split&) const = default;
+};
+
+void PrintTo(const Split& split, std::ostream* out)
+{
+    *out << split.command << " <" << split.left << "> <" << split.right << ">";
+}
+
+Split splitOf(std::string_view line, std::string_view key = "*",
+              std::string_view separator = "==", std::int32_t splitColumn = 0)
+{
+    Split split{false, "stale", "stale"};
+    split.command = CHECKLINE(line, key, separator, splitColumn, split.right, split.left);
+    return split;
+}
+
+TEST(Checkline, LeavesBothSidesUntrimmedAndTheirCase)
+{
+    EXPECT_EQ(splitOf("Read GIS X == file.mif"), (Split{true, "Read GIS X ", " file.mif"}));
+    EXPECT_EQ(splitOf("a==b==c"), (Split{true, "a", "b==c"}));
+    EXPECT_EQ(splitOf("a==="), (Split{true, "a", "="}));
+}
+
+TEST(Checkline, WithoutSeparatorAllIsLeft)
+{
+    EXPECT_EQ(splitOf("Read GIS X = file.mif"), (Split{true, "Read GIS X = file.mif", ""}));
+    EXPECT_EQ(splitOf(""), (Split{true, "", ""}));
+}
+
+TEST(Checkline, ABlankCommandBeforeASeparatorIsNone)
+{
+    EXPECT_EQ(splitOf("== value"), (Split{false, "", " value"}));
+    EXPECT_EQ(splitOf("  == value"), (Split{false, "  ", " value"}));
+}
+
+TEST(Checkline, SplitsAtTheColumnWhereTheSeparatorIsMissing)
+{
+    EXPECT_EQ(splitOf("abcdef", "*", "==", 4), (Split{true, "abcd", "ef"}));
+    EXPECT_EQ(splitOf("abc", "*", "==", 4), (Split{true, "abc", ""}));
+    EXPECT_EQ(splitOf("a==cdef", "*", "==", 4), (Split{true, "a", "cdef"}));
+    EXPECT_EQ(splitOf("    ef", "*", "==", 4), (Split{false, "    ", "ef"}));
+}
+
+TEST(Checkline, ABlankSeparatorSplitsAtTheColumnAlone)
+{
+    EXPECT_EQ(splitOf("a==cdef", "*", " ", 2), (Split{true, "a=", "=cdef"}));
+    EXPECT_EQ(splitOf("a == b", "*", "", 0), (Split{true, "", "a == b"}));
+}
+
+TEST(Checkline, WantsTheKeyOnTheLeft)
+{
+    EXPECT_TRUE(splitOf("Spread GIS == b", "read").command);
+    EXPECT_FALSE(splitOf("GIS == Read", "read").command);
+    EXPECT_TRUE(splitOf("read", "READ ").command);
+    // Split all the same.
+    EXPECT_EQ(splitOf("a == b", "read"), (Split{false, "a ", " b"}));
+}
+
+TEST(Checkline, MaySplitALineIntoItself)
+{
+    std::string line = "Read Grid == a much longer value than any short text holds";
+    std::string value;
+    EXPECT_TRUE(CHECKLINE(line, "*", "==", 0, value, line));
+    EXPECT_EQ(line, "Read Grid ");
+    EXPECT_EQ(value, " a much longer value than any short text holds");
+}
+
+// --- Fields of tables ------------------------------------------------------------------------------------------------
+
+TEST(Csvcolumn, FindsTheFirstFieldOfThatName)
+{
+    EXPECT_EQ(CSVCOLUMN("Id, \"Depth\" ,Loss,depth", "DEPTH", -1), 2);
+    EXPECT_EQ(CSVCOLUMN("Id,Depth,Loss", "Loss", -1), 3);
+    EXPECT_EQ(CSVCOLUMN("Id,Depth,Loss", "Id", -1), 1);
+}
+
+TEST(Csvcolumn, GivesTheFallbackAtTheEnd)
+{
+    EXPECT_EQ(CSVCOLUMN("Id,Depth", "Los", 7), 7);
+    EXPECT_EQ(CSVCOLUMN("", "Loss", 0), 0);
+    EXPECT_EQ(CSVCOLUMN("Id,", "", 9), 2) << "the empty field behind the last comma is a field";
+}
+
+TEST(Csvcolumn, HonoursNoQuotes)
+{
+    EXPECT_EQ(CSVCOLUMN("\"a,b\",c", "b", 9), 2);
+    EXPECT_EQ(CSVCOLUMN("\"a,b\",c", "c", 9), 3);
+}
+
+TEST(Csvvalue, ReadsTheFieldOfAColumn)
+{
+    float value = -1;
+    EXPECT_TRUE(CSVVALUE("1, 2.5 ,3e2", 1, value));
+    EXPECT_EQ(value, 1.0F);
+    EXPECT_TRUE(CSVVALUE("1, 2.5 ,3e2", 2, value));
+    EXPECT_EQ(value, 2.5F);
+    EXPECT_TRUE(CSVVALUE("1, 2.5 ,3e2", 3, value));
+    EXPECT_EQ(value, 300.0F) << "no implied decimals";
+}
+
+TEST(Csvvalue, WithoutAValueGivesZeroAndFalse)
+{
+    for (const auto& [text, column] : std::initializer_list<std::pair<const char*, int>>{
+             {"1,2", 3}, {"1,,3", 2}, {"1, ,3", 2}, {"1,2,", 3}, {"1,x,3", 2}, {"1,2 m,3", 2}, {"", 1}, {"1,2", 0}}) {
+        float value = -1;
+        EXPECT_FALSE(CSVVALUE(text, column, value)) << text;
+        EXPECT_EQ(value, 0.0F) << text;
+    }
+}
+
+// --- Values by key or column -----------------------------------------------------------------------------------------
+
+TEST(KeyOrColumnValue, AKeyWithoutItsSignIsReported)
+{
+    std::string line = "Key";
+    line.resize(kWorkWidth, ' ');
+    const auto value = [&](std::string_view rest, ValueEnd end) {
+        const std::string whole = line + std::string(rest);
+        return keyOrColumnValue(whole, LOWERCASE(whole), "key", 1, end);
+    };
+    EXPECT_EQ(value(" 5, 6", ValueEnd::atComma), std::nullopt);
+    EXPECT_EQ(value("= 5, 6", ValueEnd::atComma), "5");
+    EXPECT_EQ(value("= 5, 6", ValueEnd::atLineEnd), "5, 6");
+    EXPECT_EQ(keyOrColumnValue("a, b", "a, b", "key", 2, ValueEnd::atComma), "b");
+}
+
+} // namespace
+} // namespace gridforge
