@@ -106,7 +106,7 @@ void compareShpProjection(Unit& prjUnit, const std::string& prjName)
 void openShpForInput(const std::string& shpName, ShpFile& shp)
 {
     const std::string prjName = FILENAMEPATH(shpName) + ".prj";
-    if (!gisChecks().shpProjection.empty() && fileExists(prjName)) {
+    if (!gisChecks().shpProjection.empty() && inputExists(prjName)) {
         compareShpProjection(shp.prjUnit, prjName);
     }
     OPENER(shp.shpUnit, "BI", shpName);
@@ -145,7 +145,7 @@ bool openShpFile(std::string_view name, std::string_view letter, DbfTable& dbf, 
             shpName = join(FILENAMEPATH(name), "_", letter, ".shp");
         }
         if (isInput(mode)) {
-            if (!letter.empty() && !fileExists(shpName)) {
+            if (!letter.empty() && !inputExists(shpName)) {
                 return false;
             }
             openShpForInput(shpName, shp);

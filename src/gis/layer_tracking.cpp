@@ -46,7 +46,7 @@ void writeWorkspaceLine(Unit unit, std::string_view base, std::string_view exten
 {
     if (!extension.starts_with(".mi")) {
         writeLine(unit, join("! Non-MapInfo .tab Layer ", gridforge::quoted(join(base, extension))));
-    } else if (fileExists(join(base, kTabExtension))) {
+    } else if (inputExists(join(base, kTabExtension))) {
         writeLine(unit, join("Open Table ", gridforge::quoted(join(base, kTabExtension))));
     } else {
         writeLine(unit, join("! .mif/.mid Layer with no .tab Layer ", gridforge::quoted(join(base, extension))));

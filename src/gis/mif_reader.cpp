@@ -413,7 +413,7 @@ std::string mifReadCoordSysLine(std::string_view fileName)
 {
     std::string unprojected = "CoordSys NonEarth Units \"m\" Bounds(-9999999, -9999999) (9999999, 9999999)";
     const std::string name = TRIMF(fileName);
-    if (!fileExists(name)) {
+    if (!inputExists(name)) {
         gisWarn(join("WARNING 0307 - No MapInfo Projection or mif header file ", name, " found."),
                 "               Non-Earth Coordinates will be used.  [mifReadCoordSysLine]");
         pause("Press Enter to Continue");

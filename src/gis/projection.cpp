@@ -41,7 +41,7 @@ void get_projection(std::string_view gisFile, std::string& mifProjection, std::s
     Unit unit = 0;
     if (extension == ".shp") {
         const std::string prjName = FILENAMEPATH(gisFile) + ".prj";
-        if (!fileExists(prjName)) {
+        if (!inputExists(prjName)) {
             fail("ERROR - Projection file does not exist in folder: ", prjName);
         }
         const bool found = findProjectionLine(prjName, "PROJCS", "shp Projection: ", shpProjection, unit);

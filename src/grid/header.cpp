@@ -17,7 +17,7 @@ constexpr int kMaxKeywordLines = 100;
 std::string readProjection(std::string_view gridName)
 {
     const std::string name = FILENAME(gridName) + ".prj";
-    if (!fileExists(name)) {
+    if (!inputExists(name)) {
         return {};
     }
     Unit unit = 0;

@@ -1,11 +1,12 @@
 #include "host/file_system.h"
 
+#include "host/folder_names.h"
+
 #include <algorithm>
 #include <cerrno>
-#include <dirent.h>
-#include <memory>
 #include <new>
 #include <sys/stat.h>
+#include <utility>
 
 namespace gridforge {
 
@@ -35,10 +36,6 @@ bool matches(std::string_view name, std::string_view pattern)
     return pattern.substr(p).find_first_not_of('*') == std::string_view::npos;
 }
 
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-
 SearchEnd folderError(int error)
 {
     switch (error) {
@@ -51,28 +48,56 @@ SearchEnd folderError(int error)
 SearchResult listFolder(const std::string& folder, std::string_view pattern)
 {
     SearchResult result;
-    const std::unique_ptr<DIR, CloseFolder> open(opendir(folder.c_str()));
-    if (!open) {
-        result.end = folderError(errno);
-        return result;
+    if (const int error = readFolder(folder, result.names); error != 0) {
+        return {folderError(error), {}};
     }
-    errno = 0;
-    while (const dirent* entry = readdir(open.get())) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != ".." && matches(name, pattern)) {
-            result.names.emplace_back(name);
-        }
-        errno = 0;
-    }
-    if (errno != 0) {
-        result.end = folderError(errno);
-        return result;
-    }
+    std::erase_if(result.names, [&](const std::string& name) { return !matches(name, pattern); });
     std::sort(result.names.begin(), result.names.end());
     if (result.names.empty()) {
         result.end = SearchEnd::noSuchFile;
     }
     return result;
+}
+
+bool isFile(const std::string& name)
+{
+    struct stat status = {};
+    return stat(name.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+// A name of the system split at its last separator, which the folder keeps; without one the folder is empty.
+struct SplitName {
+    std::string folder;
+    std::string_view last;
+};
+
+SplitName splitName(const std::string& name)
+{
+    const std::size_t start = name.rfind('/') + 1; // 0 without a separator
+    return {name.substr(0, start), std::string_view(name).substr(start)};
+}
+
+std::string folderToOpen(const std::string& folder)
+{
+    return folder.empty() ? "." : folder;
+}
+
+// The only file that differs from the name in letter case; nothing if there is none, or more than one.
+std::optional<std::string> findInOtherCase(const SplitName& name)
+{
+    static FolderNames folderNames;
+    std::optional<std::string> found;
+    for (const std::string& last : folderNames.inAnyCase(folderToOpen(name.folder), name.last)) {
+        std::string candidate = name.folder + last;
+        if (!isFile(candidate)) {
+            continue;
+        }
+        if (found) {
+            return std::nullopt;
+        }
+        found = std::move(candidate);
+    }
+    return found;
 }
 
 // A name without wildcards is asked for directly: listing a large folder for each of many inputs would cost their
@@ -98,16 +123,25 @@ std::string systemName(std::string_view name)
     return result;
 }
 
-bool fileExists(std::string_view name)
+std::optional<std::string> findInput(std::string_view name)
 {
-    struct stat status = {};
-    return stat(systemName(name).c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+    std::string own = systemName(name);
+    if (isFile(own)) {
+        return own;
+    }
+    return findInOtherCase(splitName(own));
+}
+
+bool inputExists(std::string_view name)
+{
+    return findInput(name).has_value();
 }
 
 std::optional<std::int64_t> lastWriteTime(std::string_view name)
 {
+    const std::optional<std::string> input = findInput(name);
     struct stat status = {};
-    if (stat(systemName(name).c_str(), &status) != 0) {
+    if (!input || stat(input->c_str(), &status) != 0) {
         return std::nullopt;
     }
     constexpr std::int64_t kNanoseconds = 1'000'000'000;
@@ -118,14 +152,11 @@ SearchResult searchFolder(std::string_view pattern)
 {
     try {
         const std::string name = systemName(pattern);
-        const std::size_t separator = name.rfind('/');
-        const std::string folder = separator == std::string::npos ? "." : name.substr(0, separator + 1);
-        const std::string_view last =
-            separator == std::string::npos ? std::string_view(name) : std::string_view(name).substr(separator + 1);
+        const auto [folder, last] = splitName(name);
         if (last.find_first_of("*?") == std::string_view::npos) {
             return findPlain(name, last);
         }
-        return listFolder(folder, last);
+        return listFolder(folderToOpen(folder), last);
     } catch (const std::bad_alloc&) {
         return {SearchEnd::outOfMemory, {}};
     }

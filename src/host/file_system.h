@@ -11,9 +11,12 @@ namespace gridforge {
 
 // The name as the operating system takes it.
 std::string systemName(std::string_view name);
-// Something stands under that name that is not a folder.
-bool fileExists(std::string_view name);
-// Last-write time in nanoseconds; none when it cannot be had.
+// The name that the system opens the input `name` by: its own or, where no file has that name, the name of the only file
+// in its folder that differs in the case of ASCII letters alone, so that names from systems that ignore case work here.
+// Nothing if there is no such file or more than one. A folder is no file.
+std::optional<std::string> findInput(std::string_view name);
+bool inputExists(std::string_view name);
+// Last-write time of an input in nanoseconds; none when it cannot be had.
 std::optional<std::int64_t> lastWriteTime(std::string_view name);
 
 enum class SearchEnd { done, noSuchFile, outOfMemory, invalidName };

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -226,7 +227,8 @@ bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& nam
         name = CLEANPATH(name);
         sayOpen("Trying to open file ", name, "...");
         if (how->direction == Direction::in) {
-            const int descriptor = fileExists(name) ? openForReading(name) : -1;
+            const std::optional<std::string> input = findInput(name);
+            const int descriptor = input ? openForReading(*input) : -1;
             if (descriptor < 0) {
                 say("CHECK 0008 - ", quoted(name), " cannot be found");
                 askFirst = true;

@@ -246,6 +246,31 @@ TEST(OpenLayer, AnInputShapefileWithALetterOpensThatSet)
                 HasSubstr("Trying to open file l_P.dbf...OK.\nOpened File Unit:1003\nid 1\n"));
 }
 
+TEST(OpenLayer, ASetWithALetterIsFoundInOtherCase)
+{
+    const ScratchFolder folder;
+    folder.give("L_p.SHP", "");
+    folder.give("L_P.DBF", "");
+    folder.give("L_P.PRJ", "PROJCS[\"Utm 56\"]\n");
+    EXPECT_THAT(consoleOf(folder,
+                          [] {
+                              gisChecks().shpProjection = "UTM 55"; // so that the .prj is asked for
+                              say("id ", gisOpenLayer("l.shp", "P", "I "));
+                          }),
+                HasSubstr("Trying to open file l_P.prj...OK.\n"
+                          "Opened File Unit:1001\n"
+                          "...Closed File Unit:1001\n"
+                          "\nWARNING 0305 - Projection of .shp file is different to that specified by the SHP "
+                          "Projection == command.\n"
+                          "Trying to open file l_P.shp...OK.\n"
+                          "Opened File Unit:1001\n"
+                          "Trying to open file l_P.shp...OK.\n"
+                          "Opened File Unit:1002\n"
+                          "Trying to open file l_P.dbf...OK.\n"
+                          "Opened File Unit:1003\n"
+                          "id 1\n"));
+}
+
 TEST(OpenLayer, AMissingShapefileWithoutLetterIsLeftToTheDialogue)
 {
     const ScratchFolder folder;

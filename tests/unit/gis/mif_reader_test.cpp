@@ -743,6 +743,7 @@ TEST_F(MifReading, FindsACoordSysLineOrTakesTheDefault)
         return runInChild(folder, [&] { say("line ", mifReadCoordSysLine(name)); }).console;
     };
     EXPECT_THAT(consoleFor("  l.mif"), HasSubstr("\nline CoordSys NonEarth Units \"m\"\n"));
+    EXPECT_THAT(consoleFor("L.Mif"), HasSubstr("\nline CoordSys NonEarth Units \"m\"\n")); // found in other case
     const std::string otherwise =
         "\nPress Enter to Continue\nline CoordSys NonEarth Units \"m\" Bounds(-9999999, -9999999) (9999999, 9999999)\n";
     EXPECT_EQ(consoleFor(" gone.mif"), "\nWARNING 0307 - No MapInfo Projection or mif header file gone.mif found.\n"

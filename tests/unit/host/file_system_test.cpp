@@ -71,14 +71,95 @@ TEST_F(SearchFolder, PatternsOfManyStarsEnd)
     EXPECT_EQ(search(pattern + "*").names.size(), 1U);
 }
 
-TEST(FileExists, IsNoFolder)
+class FindInput : public SearchFolder {
+protected:
+    // The name found for `asked`, both as seen from the folder; "" for none.
+    std::string found(std::string_view asked) const
+    {
+        const auto name = findInput(in(asked));
+        EXPECT_EQ(inputExists(in(asked)), name.has_value());
+        return name ? name->substr(in("").size()) : "";
+    }
+};
+
+TEST_F(FindInput, TakesItsOwnNameFirst)
+{
+    for (const char* name : {"a.asc", "A.asc", "a.ASC"}) {
+        folder_.give(name, "");
+    }
+    EXPECT_EQ(found("a.asc"), "a.asc");
+    EXPECT_EQ(found("A.asc"), "A.asc");
+}
+
+TEST_F(FindInput, TakesTheOneFileInOtherCase)
+{
+    folder_.give("Sub/Depth_1%.ASC", "");
+    EXPECT_EQ(found("Sub\\dEPTH_1%.asc"), "Sub/Depth_1%.ASC");
+    EXPECT_EQ(found("Sub/Depth_1%.as"), "");
+    EXPECT_EQ(found("Sub/Depth_1%.asc2"), "");
+    EXPECT_EQ(found("Sub/?epth_1%.asc"), "");
+}
+
+TEST_F(FindInput, TakesNoneOfTwo)
+{
+    folder_.give("A.asc", "");
+    folder_.give("a.ASC", "");
+    EXPECT_EQ(found("a.asc"), "");
+}
+
+TEST_F(FindInput, LooksAtTheCaseOfTheLastPartOnly)
+{
+    folder_.give("Sub/a.asc", "");
+    EXPECT_EQ(found("sub/a.asc"), "");
+    EXPECT_EQ(found("none/a.asc"), "");
+    EXPECT_EQ(found("Sub/a.asc/"), "");
+    EXPECT_EQ(found("Sub/a.asc/x"), "");
+}
+
+TEST_F(FindInput, KnowsTheLettersOfAsciiOnly)
+{
+    folder_.give("\xC3\x84.asc", ""); // a capital with a diaeresis; the small one has A4
+    folder_.give("x[.asc", "");
+    EXPECT_EQ(found("\xC3\xA4.asc"), "");
+    EXPECT_EQ(found("x{.asc"), "");
+}
+
+TEST_F(FindInput, TakesNoFolder)
+{
+    folder_.give("D/x", "");
+    EXPECT_EQ(found("D"), "");
+    EXPECT_EQ(found("d"), "");
+    folder_.give("E/x", "");
+    folder_.give("e", "");
+    folder_.give("f/x", "");
+    folder_.give("F", "");
+    EXPECT_EQ(found("E"), "e");
+    EXPECT_EQ(found("f"), "F");
+}
+
+TEST_F(FindInput, FollowsLinks)
+{
+    folder_.give("target", "");
+    std::filesystem::create_symlink("target", folder_.path() / "LINK");
+    std::filesystem::create_symlink("nowhere", folder_.path() / "Link");
+    EXPECT_EQ(found("link"), "LINK");
+    EXPECT_EQ(found("Link"), "LINK");
+}
+
+TEST_F(FindInput, LeavesTheDirectorySearchExact)
+{
+    folder_.give("A.asc", "");
+    EXPECT_EQ(search("a.asc").end, SearchEnd::noSuchFile);
+    EXPECT_EQ(search("a*").end, SearchEnd::noSuchFile);
+}
+
+TEST(LastWriteTime, IsThatOfAnInput)
 {
     const test::ScratchFolder folder;
     folder.give("d/x", "");
-    EXPECT_TRUE(fileExists((folder.path() / "d\\x").string()));
-    EXPECT_FALSE(fileExists((folder.path() / "d").string()));
-    EXPECT_FALSE(fileExists((folder.path() / "e").string()));
     EXPECT_TRUE(lastWriteTime((folder.path() / "d\\x").string()).has_value());
+    EXPECT_EQ(lastWriteTime((folder.path() / "d/X").string()), lastWriteTime((folder.path() / "d/x").string()));
+    EXPECT_FALSE(lastWriteTime((folder.path() / "d").string()).has_value());
     EXPECT_FALSE(lastWriteTime((folder.path() / "e").string()).has_value());
 }
 

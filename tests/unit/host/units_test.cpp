@@ -100,6 +100,39 @@ TEST(Opener, AsksForAnotherNameOfAMissingInput)
                            "b.txt\n");
 }
 
+TEST(Opener, FindsAnInputInOtherCaseAndKeepsTheNameAskedFor)
+{
+    ScratchFolder folder;
+    folder.give("A.TXT", "capitals");
+    for (const char* mode : {"I ", "UI", "BI", "BE"}) {
+        const ChildRun run = runInChild(folder, [mode] {
+            Unit unit = 0;
+            OPENER(unit, mode, "a.txt");
+            std::string line;
+            readLine(unit, line);
+            say(unitName(unit), " holds ", line);
+        });
+        EXPECT_EQ(run.console, "Trying to open file a.txt...OK.\nOpened File Unit:1001\na.txt holds capitals\n")
+            << mode;
+    }
+}
+
+TEST(Opener, WritesAnOutputUnderItsOwnName)
+{
+    ScratchFolder folder;
+    folder.give("A.TXT", "capitals");
+    for (const char* mode : {"O ", "A ", "S ", "IO"}) {
+        runInChild(folder, [mode] {
+            Unit unit = 0;
+            OPENER(unit, mode, "a.txt");
+            writeText(unit, "small");
+        });
+        EXPECT_EQ(folder.read("a.txt"), "small") << mode;
+        std::filesystem::remove(folder.path() / "a.txt");
+    }
+    EXPECT_EQ(folder.read("A.TXT"), "capitals");
+}
+
 TEST(Opener, AsksByTheTypeOfTheFile)
 {
     ScratchFolder folder;

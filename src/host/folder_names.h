@@ -1,0 +1,43 @@
+// The names in a folder.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <unordered_map>
+#include <vector>
+
+namespace gridforge {
+
+// Adds all names in `folder`, except "." and "..", in no order. 0, or the error number of the system.
+int readFolder(const std::string& folder, std::vector<std::string>& names);
+
+// Finds names regardless of letter case. The listing of the folder asked about last is kept as long as the folder does
+// not change: a run may ask for thousands of files that are missing from one large folder.
+class FolderNames {
+public:
+    // A listing is kept only if the folder had not changed for `settled` before it was made. Time stamps are coarse, so a
+    // change soon after another one may not show in them.
+    explicit FolderNames(std::chrono::nanoseconds settled = std::chrono::seconds(3)) : settled_(settled) {}
+
+    // The names in `folder` that equal `name` except in the case of ASCII letters. None if the folder cannot be read.
+    std::vector<std::string> inAnyCase(const std::string& folder, std::string_view name);
+
+private:
+    struct State {
+        dev_t device;
+        ino_t file;
+        std::chrono::nanoseconds lastChange;
+        bool operator==(const State&) const = default;
+    };
+    static std::optional<State> stateOf(const std::string& folder);
+    void list(const std::string& folder);
+
+    std::chrono::nanoseconds settled_;
+    std::optional<State> listed_; // of the folder at its listing; empty if the listing must not be used again
+    std::unordered_multimap<std::string, std::string> names_; // by their form in small letters
+};
+
+} // namespace gridforge
