@@ -1,5 +1,6 @@
 #include "support/tool_run.h"
 #include "support/paths.h"
+#include "support/record_run.h"
 
 #include <algorithm>
 #include <array>
@@ -242,7 +243,7 @@ void ToolRun::program(std::string path)
 
 void ToolRun::start(std::chrono::milliseconds limit)
 {
-    if (!runWithin(limit)) {
+    if (!runWithin(limit, true)) {
         ADD_FAILURE() << "no end within " << limit.count() << " ms: " << command();
     } else if (status_ >= 128) {
         ADD_FAILURE() << "ended by signal " << status_ - 128 << ": " << command() << '\n' << error_;
@@ -251,11 +252,12 @@ void ToolRun::start(std::chrono::milliseconds limit)
 
 bool ToolRun::stillRunsAfter(std::chrono::milliseconds time)
 {
-    return !runWithin(time);
+    return !runWithin(time, false);
 }
 
-bool ToolRun::runWithin(std::chrono::milliseconds limit)
+bool ToolRun::runWithin(std::chrono::milliseconds limit, bool ends)
 {
+    recordRun({folder(), workFolder_, program_, arguments_, typed_, ends});
     before_ = listing();
 
     Pipe console;

@@ -1,6 +1,6 @@
 // One run of the built tool in a fresh folder: what it is given, what it says, what it leaves. There is no shell in
 // between, so arguments may hold any byte. Where a test fails the command is shown; with GRIDFORGE_KEEP set the folder
-// stays, to repeat it there.
+// stays, to repeat it there. With GRIDFORGE_RECORD set each run is recorded: see record_run.h.
 #pragma once
 
 #include "support/grids.h"
@@ -79,8 +79,8 @@ private:
     using Listing = std::map<std::string, FileState>;
 
     Listing listing() const;
-    // True where the process ended by itself within `limit`; kills it otherwise.
-    bool runWithin(std::chrono::milliseconds limit);
+    // True where the process ended by itself within `limit`; kills it otherwise. `ends`: the test expects an end.
+    bool runWithin(std::chrono::milliseconds limit, bool ends);
 
     ScratchFolder folder_;
     std::string program_;

@@ -1,0 +1,100 @@
+#include "support/record_run.h"
+
+#include "support/paths.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string_view>
+#include <system_error>
+
+namespace gridforge::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool runsTool(const RecordedRun& run)
+{
+    const std::string tool = toolPath();
+    return run.program == tool || std::any_of(run.arguments.begin(), run.arguments.end(), [&](const std::string& word) {
+               return word.find(tool) != std::string::npos;
+           });
+}
+
+// Why a run cannot be repeated with another executable; "" where it can. The words of /usr/bin/env can be read, those of a
+// shell cannot.
+std::string obstacle(const RecordedRun& run)
+{
+    if (!run.ends) {
+        return "stopped by its test";
+    }
+    if (run.program != toolPath() && run.program != "/usr/bin/env") {
+        return "started by another program";
+    }
+    return "";
+}
+
+// The running test and a number: a test may start many runs.
+std::string nextName()
+{
+    static std::string lastTest;
+    static int runs = 0;
+    const testing::TestInfo* info = testing::UnitTest::GetInstance()->current_test_info();
+    std::string test = info == nullptr ? "none" : std::string(info->test_suite_name()) + "." + info->name();
+    std::replace(test.begin(), test.end(), '/', '_');
+    runs = test == lastTest ? runs + 1 : 1;
+    lastTest = test;
+    return test + "-" + std::to_string(runs);
+}
+
+void writeField(std::ofstream& out, std::string_view key, std::string_view value)
+{
+    out << key << '=' << value << '\0';
+}
+
+// Links stay links. Whatever is neither file, folder nor link cannot be kept.
+bool copyGiven(const fs::path& from, const fs::path& to)
+{
+    std::error_code failure;
+    fs::copy(from, to, fs::copy_options::recursive | fs::copy_options::copy_symlinks, failure);
+    return !failure;
+}
+
+} // namespace
+
+void recordRun(const RecordedRun& run)
+{
+    const char* const root = std::getenv("GRIDFORGE_RECORD");
+    if (root != nullptr && runsTool(run)) {
+        recordRun(run, fs::path(root) / nextName());
+    }
+}
+
+void recordRun(const RecordedRun& run, const fs::path& into)
+{
+    fs::create_directories(into);
+    std::string reason = obstacle(run);
+    if (reason.empty() && !copyGiven(run.folder, into / "given")) {
+        reason = "its files cannot be copied";
+        std::error_code ignored;
+        fs::remove_all(into / "given", ignored);
+    }
+    std::ofstream out(into / "run", std::ios::binary);
+    if (!reason.empty()) {
+        writeField(out, "left out", reason);
+    }
+    writeField(out, "tool", toolPath());
+    writeField(out, "folder", run.folder.string());
+    writeField(out, "work folder", run.workFolder);
+    writeField(out, "program", run.program);
+    for (const std::string& argument : run.arguments) {
+        writeField(out, "argument", argument);
+    }
+    writeField(out, "input", run.input);
+    if (!out.flush()) {
+        ADD_FAILURE() << "the run cannot be recorded in " << into;
+    }
+}
+
+} // namespace gridforge::test

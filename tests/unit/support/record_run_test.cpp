@@ -1,0 +1,100 @@
+// What is kept of a run, so that it can be repeated.
+#include "support/record_run.h"
+
+#include "support/paths.h"
+#include "support/scratch_folder.h"
+#include "support/tool_run.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace gridforge::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::StartsWith;
+
+std::vector<std::string> fieldsOf(const ScratchFolder& folder)
+{
+    std::vector<std::string> fields;
+    const std::string text = folder.read("record/run");
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = text.find('\0', at);
+        fields.push_back(text.substr(at, end - at));
+        at = end + 1;
+    }
+    return fields;
+}
+
+RecordedRun someRun(const ScratchFolder& folder)
+{
+    folder.give("files/sub/a.asc", "cells\n");
+    return {folder.path() / "files", "sub", toolPath(), {"-conv", "a b", "\xFF"}, "y\n\n"};
+}
+
+TEST(RecordRun, KeepsArgumentsInputAndFolder)
+{
+    const ScratchFolder folder;
+    recordRun(someRun(folder), folder.path() / "record");
+    EXPECT_THAT(fieldsOf(folder),
+                ElementsAre("tool=" + toolPath(), "folder=" + (folder.path() / "files").string(), "work folder=sub",
+                            "program=" + toolPath(), "argument=-conv", "argument=a b", "argument=\xFF", "input=y\n\n"));
+    EXPECT_EQ(folder.read("record/given/sub/a.asc"), "cells\n");
+}
+
+TEST(RecordRun, KeepsLinksAndPermissions)
+{
+    const ScratchFolder folder;
+    const RecordedRun run = someRun(folder);
+    const auto given = folder.path() / "record/given";
+    std::filesystem::create_symlink("/dev/full", run.folder / "full.asc");
+    chmod((run.folder / "sub/a.asc").c_str(), 0400);
+    recordRun(run, folder.path() / "record");
+    EXPECT_EQ(std::filesystem::read_symlink(given / "full.asc"), "/dev/full");
+    EXPECT_EQ(std::filesystem::status(given / "sub/a.asc").permissions(), std::filesystem::perms::owner_read);
+}
+
+TEST(RecordRun, SaysWhatCannotBeRepeated)
+{
+    const auto reasonFor = [](const std::function<void(RecordedRun&)>& change) {
+        const ScratchFolder folder;
+        RecordedRun run = someRun(folder);
+        change(run);
+        recordRun(run, folder.path() / "record");
+        EXPECT_FALSE(folder.has("record/given"));
+        return fieldsOf(folder).front();
+    };
+    EXPECT_EQ(reasonFor([](RecordedRun& run) { run.ends = false; }), "left out=stopped by its test");
+    EXPECT_EQ(reasonFor([](RecordedRun& run) { run.program = "/bin/sh"; }), "left out=started by another program");
+    EXPECT_EQ(reasonFor([](RecordedRun& run) { mkfifo((run.folder / "in").c_str(), 0600); }),
+              "left out=its files cannot be copied");
+}
+
+TEST(RecordRun, EveryRunOfATestLeavesAFolderWhereTheVariableNamesOne)
+{
+    const ScratchFolder folder;
+    setenv("GRIDFORGE_RECORD", folder.path().c_str(), 1);
+    for (int i = 0; i < 2; ++i) {
+        ToolRun run("-conv missing.asc");
+        run.start();
+    }
+    ToolRun other("text");
+    other.program("/bin/echo");
+    other.start();
+    unsetenv("GRIDFORGE_RECORD");
+
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+        names.push_back(entry.path().filename());
+    }
+    std::sort(names.begin(), names.end());
+    const std::string test = "RecordRun.EveryRunOfATestLeavesAFolderWhereTheVariableNamesOne-";
+    EXPECT_THAT(names, ElementsAre(test + "1", test + "2"));
+}
+
+} // namespace
+} // namespace gridforge::test
