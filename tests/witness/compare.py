@@ -1,0 +1,139 @@
+"""What two runs of the same input differ in."""
+import os
+import re
+import stat
+
+# Bytes that may differ, by extension of the file. Nothing else is set aside.
+SET_ASIDE = {".dbf": (1, 4, b"\x03")}  # the day of writing: the two runs may lie on both sides of midnight
+
+# Two runs of one executable differ by up to 4 %, 500 KB: what lies where changes from run to run.
+MEMORY_SHARE = 0.10
+MEMORY_KB = 1024
+SHOWN = 160
+
+
+class Outcome:
+    """How a run ended: `end` is that of the runner, `folder` holds what the run left."""
+
+    def __init__(self, end, peak_kb, processor_ms, console, error, folder):
+        self.end = end
+        self.peak_kb = peak_kb
+        self.processor_ms = processor_ms
+        self.console = console
+        self.error = error
+        self.folder = folder
+
+
+class Difference:
+    """`kind` is equal for differences of one cause, as far as can be told; `detail` is the place."""
+
+    def __init__(self, kind, detail):
+        self.kind = kind
+        self.detail = detail
+
+
+def listing(folder):
+    """Names below a folder with their status."""
+    found = {}
+
+    def walk(below):
+        for entry in os.scandir(os.path.join(folder, below)):
+            name = os.path.join(below, entry.name)
+            found[name] = entry.stat(follow_symlinks=False)
+            if entry.is_dir(follow_symlinks=False):
+                walk(name)
+
+    walk("")
+    return found
+
+
+def read(path):
+    """The bytes of a file."""
+    with open(path, "rb") as source:
+        return source.read()
+
+
+def without_set_aside(name, data):
+    """The bytes that must be equal."""
+    start, end, first = SET_ASIDE.get(os.path.splitext(name)[1].lower(), (0, 0, b""))
+    return data[:start] + b"\0" * (end - start) + data[end:] if start and data.startswith(first) and len(data) >= end else data
+
+
+def shown(data):
+    """A piece of a text or of bytes in a line."""
+    return repr(data[:SHOWN])[1:]
+
+
+def generic(text):
+    """A text without its numbers."""
+    return re.sub(r"\d+", "#", text)[:100]
+
+
+def first_difference(a, b):
+    """The first position at which two texts of bytes differ."""
+    size = min(len(a), len(b))
+    if a[:size] == b[:size]:
+        return size
+    low, high = 0, size
+    while high - low > 1:
+        middle = (low + high) // 2
+        if a[low:middle] == b[low:middle]:
+            low = middle
+        else:
+            high = middle
+    return low
+
+
+def compare_console(title, a, b):
+    """The first line that differs."""
+    if a == b:
+        return []
+    one, two = a.split(b"\n"), b.split(b"\n")
+    at = next((i for i, (x, y) in enumerate(zip(one, two)) if x != y), min(len(one), len(two)))
+    x, y = (shown(lines[at]) if at < len(lines) else "<end>" for lines in (one, two))
+    return [Difference("%s: %s | %s" % (title, generic(x), generic(y)), "line %d: %s | %s" % (at + 1, x, y))]
+
+
+def compare_bytes(name, path_a, path_b):
+    """The first byte that differs."""
+    a, b = read(path_a), read(path_b)
+    if a == b or without_set_aside(name, a) == without_set_aside(name, b):
+        return []
+    at = first_difference(without_set_aside(name, a), without_set_aside(name, b))
+    detail = "%s: %d and %d bytes, first at %d: %s | %s" % (name, len(a), len(b), at, shown(a[at:at + 24]), shown(b[at:at + 24]))
+    return [Difference("bytes of %s" % (os.path.splitext(name)[1].lower() or "a file"), detail)]
+
+
+def compare_files(folder_a, folder_b):
+    """Names, kinds, permissions, bytes."""
+    a, b = listing(folder_a), listing(folder_b)
+    found = [Difference("only %s leaves %s" % (who, os.path.splitext(name)[1].lower() or "a file"), name)
+             for who, names in (("the reference", a.keys() - b.keys()), ("the new one", b.keys() - a.keys()))
+             for name in sorted(names)]
+    for name in sorted(a.keys() & b.keys()):
+        if a[name].st_mode != b[name].st_mode:
+            found.append(Difference("mode", "%s: %s | %s" % (name, stat.filemode(a[name].st_mode), stat.filemode(b[name].st_mode))))
+        elif stat.S_ISREG(a[name].st_mode):
+            found += compare_bytes(name, os.path.join(folder_a, name), os.path.join(folder_b, name))
+        elif stat.S_ISLNK(a[name].st_mode) and os.readlink(os.path.join(folder_a, name)) != os.readlink(os.path.join(folder_b, name)):
+            found.append(Difference("link", name))
+    return found
+
+
+def more_memory(a, b):
+    """Whether the second needs clearly more memory than the first."""
+    return b.peak_kb > a.peak_kb * (1 + MEMORY_SHARE) + MEMORY_KB
+
+
+def compare(a, b):
+    """All that the run of the reference and that of the new executable differ in, except memory."""
+    if a.end == "overtime" or b.end == "overtime":
+        # Where a run was stopped is chance; what it said until then is not.
+        size = min(len(a.console), len(b.console))
+        return compare_console("console", a.console[:size], b.console[:size])
+    found = []
+    if a.end != b.end:
+        found.append(Difference("end: %s | %s" % (a.end, b.end), shown(b.error)))
+    found += compare_console("console", a.console, b.console)
+    found += compare_console("standard error", a.error, b.error)
+    return found + compare_files(a.folder, b.folder)
