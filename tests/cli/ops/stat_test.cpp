@@ -313,7 +313,7 @@ TEST(StatCli, AGridOfAnotherShapeEndsTheRun)
     EXPECT_NO_OTHER_FILES(run);
 }
 
-TEST(StatCli, APositiveNullSortsByItsSize)
+TEST(StatCli, ANullAmongTheDataSortsByItsSize)
 {
     ToolRun run("-statRankAll a.asc b.asc");
     run.give("a.asc", ascGrid({{99, 3}}, {.null = 99, .lineEnd = "\n"}));
@@ -322,6 +322,21 @@ TEST(StatCli, APositiveNullSortsByItsSize)
     EXPECT_GRID(run, "a_Rank1_Val.asc", {{99, 99}}); // nothing above the null in the second cell
     EXPECT_GRID(run, "a_Rank1_Src.asc", {{1, 99}});
     EXPECT_GRID(run, "a_Rank2_Val.asc", {{100, 99}});
+}
+
+TEST(StatCli, ANullAboveTheDataBlanksEveryStatistic)
+{
+    const GridOptions nullAbove{.null = 9999, .lineEnd = "\n"};
+    ToolRun run("-statAll -statRankAll a.asc b.asc");
+    run.give("a.asc", ascGrid({{5, 9999}}, nullAbove));
+    run.give("b.asc", ascGrid({{1, 4}}, nullAbove));
+    run.start();
+    for (const std::string name : {"Min_Val", "Min_Src", "Max_Val", "Max_Src", "Median_Val", "Median_Src", "Mean_Val",
+                                   "Mean_Src", "Frac_Wet", "Rank1_Val", "Rank1_Src"}) {
+        EXPECT_GRID(run, "a_" + name + ".asc", {{9999, 9999}});
+    }
+    EXPECT_TRUE(run.has("a_Src_legend.csv"));
+    EXPECT_NO_OTHER_FILES(run);
 }
 
 TEST(StatCli, OutAndFormatHoldForAllOutputs)

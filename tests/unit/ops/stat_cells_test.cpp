@@ -104,14 +104,31 @@ TEST(FindRanks, NullsTakePartInTheOrder)
     EXPECT_THAT(ranked(kThree, 3).sources, ElementsAre(1, 1, kNullA, 3));
 }
 
-TEST(FindRanks, APositiveNullTakesTheHighestRanks)
+TEST(FindRanks, ANullAmongTheDataTakesTheRankOfItsSize)
+{
+    const float null = 100.0F;
+    const Stack stack{{{20000, 5}, {null, 300}, {5, null}}};
+    EXPECT_THAT(ranked(stack, 1, null).values, ElementsAre(5, 5));
+    EXPECT_THAT(ranked(stack, 2, null).values, ElementsAre(null, null));
+    EXPECT_THAT(ranked(stack, 2, null).sources, ElementsAre(2, 3));
+    EXPECT_THAT(ranked(stack, 3, null).values, ElementsAre(20000, 300));
+}
+
+TEST(StatCells, ANullAboveTheDataBlanksEveryStatistic)
 {
     const float null = 9999.0F;
-    const Stack stack{{{5, 20000}, {null, 1}}};
-    // A cell counts as dry where nothing is above the null: here all but the 20000.
-    EXPECT_THAT(ranked(stack, 1, null).values, ElementsAre(null, 1));
-    EXPECT_THAT(ranked(stack, 2, null).values, ElementsAre(null, 20000));
-    EXPECT_THAT(ranked(stack, 1, null).sources, ElementsAre(null, 2));
+    const Stack stack{{{5, null, 7}, {1, 4, 7}, {3, 2, 7}}}; // without a null too: no value reaches above it
+    for (const Find find : {findMinimum, findMaximum, findMean}) {
+        EXPECT_THAT(found(find, stack, null).values, testing::Each(null));
+        EXPECT_THAT(found(find, stack, null).sources, testing::Each(null));
+    }
+    for (const std::int32_t rank : {1, 2, 3}) {
+        EXPECT_THAT(ranked(stack, rank, null).values, testing::Each(null));
+        EXPECT_THAT(ranked(stack, rank, null).sources, testing::Each(null));
+    }
+    std::vector<float> fraction(3, null);
+    findFraction(stack.spans(), null, fraction);
+    EXPECT_THAT(fraction, testing::Each(null));
 }
 
 TEST(FindFraction, CountsWhatIsAboveTheNull)
