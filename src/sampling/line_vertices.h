@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 namespace gridforge {
@@ -19,8 +18,7 @@ struct LineVertices {
 
 // The vertices of a line as read, with floor(d / spacing) more put evenly into each segment of a length d above the
 // spacing. More than `most` in all, as from a spacing of 0, end the run.
-LineVertices insertVertices(const GisCoordinates& read, float spacing,
-                            std::int32_t most = std::numeric_limits<std::int32_t>::max());
+LineVertices insertVertices(const GisCoordinates& read, float spacing, std::int32_t most);
 
 // DISTANCE_8 from vertex i - 1 to vertex i, counted from 0.
 float distanceBefore(const LineVertices& line, std::size_t i);

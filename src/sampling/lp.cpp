@@ -23,6 +23,7 @@ constexpr float kNoHighest = -99999.0F;
 constexpr std::int32_t kTextWidth = 250; // of the check layer
 constexpr float kBothSides = 0.5F;
 constexpr float kOneSide = 1.0F;
+constexpr std::int32_t kMaxProfileVertices = 10000000;
 
 } // namespace
 
@@ -216,7 +217,7 @@ Profile prepareProfile(std::string label, const GisCoordinates& read, float spac
 {
     Profile profile;
     say("Inserting vertices...");
-    profile.line = insertVertices(read, spacing);
+    profile.line = insertVertices(read, spacing, kMaxProfileVertices);
     say("   Done.");
     say("Allocate memory for processing of LP line: ", label);
     profile.label = std::move(label);

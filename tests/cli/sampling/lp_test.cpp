@@ -259,13 +259,18 @@ TEST(LpCli, ALineWithoutLabelEndsTheRun)
     EXPECT_FALSE(run.says("Finished."));
 }
 
-TEST(LpCli, ASpacingOfNothingEndsTheRun)
+TEST(LpCli, MoreThanTenMillionVerticesEndTheRun)
 {
-    ToolRun run("-b -lp l.mif -lpmd0 dem.asc");
-    giveLines(run, kMain, "m\n");
-    run.start();
-    EXPECT_CONSOLE_HOLDS(
-        run, {"Inserting vertices...", "ERROR - Number of vertices in polyline exceeds maximum: 2147483647"});
+    // A spacing of nothing divides by it. 6 in steps of 6e-7 is ten million steps.
+    for (const std::string spacing : {"0", "0.0000006"}) {
+        ToolRun run(("-lp l.mif -lpmd" + spacing + " dem.asc").c_str());
+        giveLines(run, kMain, "m\n");
+        run.start();
+        EXPECT_CONSOLE_HOLDS(run, {"Polyline 1 with 2 nodes...", "Inserting vertices...",
+                                   "ERROR - Number of vertices in polyline exceeds maximum: 10000000", "",
+                                   "Press Enter to Close"});
+        EXPECT_NO_OTHER_FILES(run);
+    }
 }
 
 TEST(LpCli, AVastSearchDistanceEndsSoon)

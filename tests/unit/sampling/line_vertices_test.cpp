@@ -1,5 +1,7 @@
 #include "sampling/line_vertices.h"
 
+#include "support/child_run.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
@@ -9,6 +11,8 @@ namespace gridforge::test {
 namespace {
 
 using testing::ElementsAre;
+
+constexpr std::int32_t kEnough = 100;
 
 GisCoordinates lineOf(std::vector<double> x, std::vector<double> y)
 {
@@ -22,35 +26,44 @@ GisCoordinates lineOf(std::vector<double> x, std::vector<double> y)
 
 TEST(InsertVertices, ASegmentOfExactlyTheSpacingGetsNone)
 {
-    const LineVertices line = insertVertices(lineOf({0, 10}, {5, 5}), 10.0F);
+    const LineVertices line = insertVertices(lineOf({0, 10}, {5, 5}), 10.0F, kEnough);
     EXPECT_THAT(line.x, ElementsAre(0, 10));
     EXPECT_THAT(line.y, ElementsAre(5, 5));
 }
 
 TEST(InsertVertices, ASegmentOfTwoAndAHalfSpacingsGetsTwo)
 {
-    const LineVertices line = insertVertices(lineOf({0, 0}, {0, 25}), 10.0F);
+    const LineVertices line = insertVertices(lineOf({0, 0}, {0, 25}), 10.0F, kEnough);
     EXPECT_THAT(line.y, ElementsAre(0, 25 * (1.0 / 3.0), 25 * (2.0 / 3.0), 25));
 }
 
 TEST(InsertVertices, EachSegmentIsDividedByItself)
 {
-    const LineVertices line = insertVertices(lineOf({0, 12, 15, 27}, {0, 0, 4, 4}), 6.0F);
+    const LineVertices line = insertVertices(lineOf({0, 12, 15, 27}, {0, 0, 4, 4}), 6.0F, kEnough);
     EXPECT_THAT(line.x, ElementsAre(0, 4, 8, 12, 15, 19, 23, 27)); // 12 is twice the spacing: two more, so thirds
     EXPECT_THAT(line.y, ElementsAre(0, 0, 0, 0, 4, 4, 4, 4));
 }
 
 TEST(InsertVertices, ANegativeOrMissingSpacingInsertsNothing)
 {
-    EXPECT_EQ(insertVertices(lineOf({0, 12}, {0, 0}), -1.0F).count(), 2U);
-    EXPECT_EQ(insertVertices(lineOf({0, 12}, {0, 0}), std::numeric_limits<float>::quiet_NaN()).count(), 2U);
-    EXPECT_EQ(insertVertices(lineOf({3, 3}, {4, 4}), 0.0F).count(), 2U); // no length, so nothing to divide
+    EXPECT_EQ(insertVertices(lineOf({0, 12}, {0, 0}), -1.0F, kEnough).count(), 2U);
+    EXPECT_EQ(insertVertices(lineOf({0, 12}, {0, 0}), std::numeric_limits<float>::quiet_NaN(), kEnough).count(), 2U);
+    EXPECT_EQ(insertVertices(lineOf({3, 3}, {4, 4}), 0.0F, kEnough).count(), 2U); // no length, so nothing to divide
 }
 
 TEST(InsertVertices, TakesLinesOfOneVertexAndNone)
 {
-    EXPECT_THAT(insertVertices(lineOf({3}, {4}), 1.0F).x, ElementsAre(3));
-    EXPECT_EQ(insertVertices(GisCoordinates{}, 1.0F).count(), 0U);
+    EXPECT_THAT(insertVertices(lineOf({3}, {4}), 1.0F, kEnough).x, ElementsAre(3));
+    EXPECT_EQ(insertVertices(GisCoordinates{}, 1.0F, kEnough).count(), 0U);
+}
+
+TEST(InsertVertices, AsManyVerticesAsAllowedPassAndOneMoreEndsTheRun)
+{
+    const GisCoordinates line = lineOf({0, 12, 15}, {0, 0, 4});
+    EXPECT_EQ(insertVertices(line, 6.0F, 5).count(), 5U); // two go into the segment of 12
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [&line] { insertVertices(line, 6.0F, 4); });
+    EXPECT_EQ(run.console, "ERROR - Number of vertices in polyline exceeds maximum: 4\n\nPress Enter to Close\n");
 }
 
 TEST(LineAngle, EndsFollowTheirSegmentAndVerticesBetweenTheirNeighbours)
