@@ -150,6 +150,23 @@ bool gisObjectType(std::int32_t gisID, GisO& gisO)
     return found;
 }
 
+namespace {
+
+// A .mid that ends first does not end a .mif: an object without a record must be reported.
+bool mifEnds(const MifLayer& mif)
+{
+    return atEnd(mif.mifUnit > 0 ? mif.mifUnit : mif.midUnit);
+}
+
+// A null shape has no coordinates, so the .shp can end with its type.
+bool shpEnds(const Layer& layer)
+{
+    const Unit shpUnit = layer.shpFiles[0].shpUnit;
+    return atEnd(layer.dbfTable[0].dbfUnit) || (shpUnit > 0 && atEnd(shpUnit));
+}
+
+} // namespace
+
 void gisReadRecord(std::int32_t gisID, const GisO& gisO, std::string& line, std::size_t width)
 {
     Layer& slot = requireLayer(gisID, "gisReadRecord");
@@ -159,11 +176,11 @@ void gisReadRecord(std::int32_t gisID, const GisO& gisO, std::string& line, std:
             gisFail(join("ERROR 0254 - Failed to read object attribute data record for a ", gisO.name,
                          " object in GIS layer."));
         }
-        slot.layerEnd = atEnd(slot.mifLayer.midUnit);
+        slot.layerEnd = mifEnds(slot.mifLayer);
     } else if (slot.layerFormat == kLayerShp) {
-        DbfTable& dbf = slot.dbfTable[0];
-        dbfReadRecord(dbf, slot.layerEnd, line, width);
-        slot.layerEnd = slot.layerEnd || atEnd(dbf.dbfUnit);
+        bool tableEnded = false;
+        dbfReadRecord(slot.dbfTable[0], tableEnded, line, width);
+        slot.layerEnd = tableEnded || shpEnds(slot);
     } else {
         unknownFormat("gisReadRecord");
     }

@@ -604,8 +604,23 @@ TEST_F(MifReading, ARecordThatIsMissingEndsTheRun)
     EXPECT_THAT(endOf("Point 1 2\n", 0),
                 HasSubstr("\n\nERROR 0254 - Failed to read object attribute data record for a POINT object in GIS "
                           "layer.\n"));
-    // The end of the .mid also ends the loop, but reading the coordinates asks the .mif again.
     EXPECT_THAT(endOf("Pline 2\n1 1\n2 2\nRegion 1\n1\n", 1), HasSubstr("for a REGION object in GIS layer.\n"));
+}
+
+TEST_F(MifReading, TheEndOfTheMidAloneDoesNotEndTheLayer)
+{
+    giveMif(folder, "l", "Pline 2\n1 1\n2 2\nPoint 3 4\n", 1);
+    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
+    gisReadHeader(id);
+    GisO gisO;
+    std::string record;
+    ASSERT_TRUE(gisObjectType(id, gisO));
+    gisReadRecord(id, gisO, record);
+    EXPECT_FALSE(gisLayer(id).layerEnd); // and the coordinates are skipped
+    ASSERT_TRUE(gisObjectType(id, gisO));
+    EXPECT_TRUE(gisO.point);
+    EXPECT_TRUE(gisLayer(id).layerEnd);
+    gisCloseLayer(id);
 }
 
 TEST_F(MifReading, MoreRecordsThanObjectsDoNoHarm)

@@ -78,6 +78,32 @@ TEST_F(ShpReading, APoint)
     EXPECT_TRUE(gisLayer(id).layerEnd);
 }
 
+TEST_F(ShpReading, ANullShapeAtTheEndEndsTheLayerWithItsRecord)
+{
+    open(1, {little(0), pointRecord(3, 4), little(0)});
+    std::string record;
+    std::vector<bool> ends; // after each record
+    for (int i = 0; i < 3; ++i) {
+        ASSERT_TRUE(gisObjectType(id, gisO));
+        gisReadRecord(id, gisO, record);
+        ends.push_back(gisLayer(id).layerEnd);
+        if (gisO.point) {
+            gisReadObject(id, gisO, c, 1000);
+        }
+    }
+    EXPECT_THAT(ends, ElementsAre(false, false, true));
+    EXPECT_EQ(record, "\"r3\"");
+}
+
+TEST_F(ShpReading, CoordinatesOfASkippedObjectAreStillLeftToRead)
+{
+    open(1, {pointRecord(3, 4)});
+    std::string record;
+    ASSERT_TRUE(gisObjectType(id, gisO));
+    gisReadRecord(id, gisO, record);
+    EXPECT_FALSE(gisLayer(id).layerEnd);
+}
+
 TEST_F(ShpReading, APolyline)
 {
     open(3, {partsRecord(3, {0}, {0, 0, 3, 4, 3, 10})});
