@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "gis/gis_messages.h"
 #include "gis/layer_table.h"
+#include "gis/mif_reader.h"
 #include "gis/mif_writer.h"
 #include "gis/shp_writer.h"
 #include "host/console.h"
@@ -16,27 +17,30 @@ namespace {
 
 constexpr int kNumberColumns = 5;
 
-// What a record was being written for, in case its file turns out to be full.
-std::string& recordObjectName()
-{
-    static std::string name;
-    return name;
-}
-
 void failObject(Unit)
 {
     gisFail("ERROR 0439 - Writing .mif file object coordinates.");
 }
 
-void failRecord(Unit)
+// Of the layer whose .mid this is: a run writes several layers in turn.
+const std::string& lastObjectOf(Unit midUnit)
 {
-    gisFail(
-        join("ERROR 0254 - Failed to write attribute data record for a ", recordObjectName(), " object in GIS layer."));
+    std::int32_t gisID = 1;
+    while (gisID < kMaxLayers && gisLayer(gisID).mifLayer.midUnit != midUnit) {
+        ++gisID;
+    }
+    return gisLayer(gisID).mifLayer.lastObject;
 }
 
-void failLargeRecord(Unit)
+void failRecord(Unit midUnit)
 {
-    gisFail(join("ERROR 0254 - Failed to write large attribute data record for a ", recordObjectName(),
+    gisFail(join("ERROR 0254 - Failed to write attribute data record for a ", lastObjectOf(midUnit),
+                 " object in GIS layer."));
+}
+
+void failLargeRecord(Unit midUnit)
+{
+    gisFail(join("ERROR 0254 - Failed to write large attribute data record for a ", lastObjectOf(midUnit),
                  " object in GIS layer."));
 }
 
@@ -78,7 +82,7 @@ void writeRecord(std::int32_t gisID, const GisO& gisO, std::string_view line, st
 {
     Layer& slot = requireLayer(gisID, routine);
     if (slot.layerFormat == kLayerMif) {
-        recordObjectName() = gisO.name;
+        slot.mifLayer.lastObject = mifObjectKeyword(gisO);
         onWriteFailure(slot.mifLayer.midUnit, large ? failLargeRecord : failRecord);
         writeLine(slot.mifLayer.midUnit, trimRight(line.substr(0, large ? kLargeDataLineWidth : kDataLineWidth)));
     } else if (slot.layerFormat == kLayerShp) {

@@ -161,6 +161,14 @@ bool mifKeyword(std::string_view word, std::string_view keyword)
     return word.starts_with(keyword);
 }
 
+std::string_view mifObjectKeyword(const GisO& gisO)
+{
+    const auto* const found = std::ranges::find_if(kObjectKeywords, [&](const ObjectKeyword& candidate) {
+        return candidate.flag != nullptr && gisO.*candidate.flag;
+    });
+    return found == kObjectKeywords.end() ? std::string_view(gisO.name) : found->keyword;
+}
+
 bool mifObjectType(Unit unit, std::string& line, std::string& rest, GisO& gisO)
 {
     bool found = false;

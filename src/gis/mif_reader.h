@@ -21,6 +21,8 @@ void mifSplitDefinition(std::string_view line, std::string& name, std::string& t
 
 // Finds the next object; its line, the text behind its keyword, and its kind. False at the end of the file.
 bool mifObjectType(Unit unit, std::string& line, std::string& rest, GisO& gisO);
+// The keyword of the object's kind; its name where it has no kind. `gisO` must stay.
+std::string_view mifObjectKeyword(const GisO& gisO);
 // The 16 upper-cased characters in `word` begin with `keyword`.
 bool mifKeyword(std::string_view word, std::string_view keyword);
 

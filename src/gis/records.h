@@ -86,6 +86,7 @@ struct MifLayer {
     Unit midUnit = 0;
     std::string style1; // first style line written behind each object, as "    Symbol (37,255,12)"; stays until changed
     std::string style2; // second one; goes out only behind the first
+    std::string lastObject; // keyword of the object last written
     std::int32_t nAttributes = 0;
     std::vector<std::string> attributeName;
     std::vector<std::string> attributeType; // as `Float` or `Char(12)`

@@ -33,6 +33,7 @@ struct UnitTable {
     std::int32_t lastNamed = kFreeUnits;
     std::array<UnitEntry, kNamedUnits> named;
     std::vector<UnitEntry> free;
+    bool writeFailed = false;
 };
 
 UnitTable& table()
@@ -74,6 +75,7 @@ Unit unitOf(const UnitEntry& entry)
 
 [[noreturn]] void failWrite(UnitEntry& entry)
 {
+    table().writeFailed = true;
     if (const WriteFailure handler = std::exchange(entry.writeFailure, nullptr)) {
         handler(unitOf(entry));
     }
@@ -90,7 +92,8 @@ void requireWritten(bool written, Unit unit)
 void closeEntry(UnitEntry& entry)
 {
     entry.kind = 0;
-    if (!entry.stream.close()) {
+    // A run that ends because of a full disk closes its other files on that disk: one message is enough.
+    if (!entry.stream.close() && !table().writeFailed) {
         failWrite(entry);
     }
     entry.writeFailure = nullptr;

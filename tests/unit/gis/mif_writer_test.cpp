@@ -315,7 +315,6 @@ TEST_F(MifWriting, AFullDiskIsTold)
     const auto point = [](std::int32_t id) {
         GisO gisO;
         gisO.point = true;
-        gisO.name = "POINT";
         vertices({{1, 2}});
         gisWriteObject(id, gisO);
         gisDataLine() = "1";
