@@ -176,7 +176,8 @@ void FreeForm::passSeparator()
     while (at_ < text_.size() && isBlank(text_[at_])) {
         ++at_;
     }
-    if (at_ < text_.size() && text_[at_] == ',') {
+    afterComma_ = at_ < text_.size() && text_[at_] == ',';
+    if (afterComma_) {
         ++at_;
     }
 }
@@ -187,10 +188,13 @@ FreeForm::Token FreeForm::nextToken(std::string_view& token)
         ++at_;
     }
     if (at_ == text_.size()) {
-        return Token::end;
+        const bool holdsEmpty = afterComma_ && lastComma_ == LastComma::holdsEmpty;
+        afterComma_ = false;
+        return holdsEmpty ? Token::empty : Token::end;
     }
     if (text_[at_] == ',') {
         ++at_;
+        afterComma_ = true;
         return Token::empty;
     }
     const std::size_t start = at_;

@@ -18,10 +18,16 @@ enum class FreeValue {
     end      // no further value in the text
 };
 
+// What a comma at the end of the text means: nothing, or one more value, which is empty.
+enum class LastComma { separates, holdsEmpty };
+
 // Walks over the values of one text (one line: the caller brings the next when `end` is told and more is wanted).
 class FreeForm {
 public:
-    explicit FreeForm(std::string_view text) : text_(text) {}
+    explicit FreeForm(std::string_view text, LastComma lastComma = LastComma::separates)
+        : text_(text), lastComma_(lastComma)
+    {
+    }
 
     // Integers are an optional sign and digits, out of range is a failure. Reals take one point, an exponent with e or
     // d, also NaN, Inf and Infinity; too large is a failure, too small the nearest value or 0.
@@ -40,7 +46,9 @@ private:
     FreeValue nextNumber(Number& target);
 
     std::string_view text_;
+    LastComma lastComma_;
     std::size_t at_ = 0;
+    bool afterComma_ = false;
 };
 
 // One value from the head of a text; an empty value before a comma leaves the target and is no failure, an empty text

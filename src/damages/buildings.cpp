@@ -1,6 +1,5 @@
 #include "damages/buildings.h"
 
-#include "core/numbers.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layers.h"
@@ -106,23 +105,15 @@ void readPoint(std::int32_t gisID, GisO& gisO, const DmgLimits& limits, GisCoord
 
 // --- Attributes ------------------------------------------------------------------------------------------------------
 
-bool isTaken(FreeValue got)
-{
-    return got == FreeValue::value || got == FreeValue::empty;
-}
-
-// Curve name, identifier, floor level, multiplier. An empty value leaves blank or 0; the multiplier may be empty behind
-// the last comma of the line too, as tables leave it that give none.
+// Curve name, identifier, floor level, multiplier. An empty value leaves blank or 0.
 void takeAttributes(const std::string& dataLine, CurveFinder& curves, DmgBuilding& building)
 {
-    const std::string line = dataLine.ends_with(',') ? dataLine + ',' : dataLine;
-    FreeForm values(line);
     std::string curveName;
-    if (!isTaken(values.nextText(curveName, kPropertyWidth)) ||
-        !isTaken(values.nextText(building.Prop_ID, kPropertyWidth)) || !isTaken(values.next(building.FFL)) ||
-        !isTaken(values.next(building.multiplier))) {
-        failDataLine(dataLine);
-    }
+    RecordValues values(dataLine);
+    values.take(curveName, kPropertyWidth);
+    values.take(building.Prop_ID, kPropertyWidth);
+    values.take(building.FFL);
+    values.take(building.multiplier);
     building.multiplier = building.multiplier > kLeastMultiplier ? building.multiplier : 1.0F;
     building.curve = curves.find(curveName);
 }

@@ -35,11 +35,17 @@ bool isRegionObject(const GisO& gisO);
 // Ends the run over a data line that cannot be read.
 [[noreturn]] void failDataLine(std::string_view dataLine);
 
+// The values of a data line. A comma at its end holds an empty value: a .dbf with a blank last number gives such lines.
+inline FreeForm recordForm(std::string_view dataLine)
+{
+    return FreeForm(dataLine, LastComma::holdsEmpty);
+}
+
 // Takes the values of a data line one after another. An empty one leaves its target; one that is not there or cannot be
 // read ends the run. The line must stay.
 class RecordValues {
 public:
-    explicit RecordValues(std::string_view dataLine) : dataLine_(dataLine), values_(dataLine) {}
+    explicit RecordValues(std::string_view dataLine) : dataLine_(dataLine), values_(recordForm(dataLine)) {}
 
     void take(float& target) { require(values_.next(target)); }
     void take(std::string& target, std::size_t width) { require(values_.nextText(target, width)); }

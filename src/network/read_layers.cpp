@@ -36,7 +36,7 @@ std::int32_t openLayer(const std::string& name)
 // The values of a line in their order. An empty one leaves its target; the first that cannot be read spoils the rest.
 class AttributeLine {
 public:
-    explicit AttributeLine(std::string_view line) : values_(line) {}
+    explicit AttributeLine(std::string_view line) : values_(recordForm(line)) {}
 
     AttributeLine& text(std::string& target, std::size_t width)
     {

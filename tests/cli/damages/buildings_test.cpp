@@ -280,6 +280,14 @@ TEST(DamagesBuildings, ARecordThatCannotBeReadEndsTheRun)
     }
 }
 
+TEST(DamagesBuildings, ACommaAtTheEndOfARecordLeavesTheMultiplierAt1)
+{
+    BuildingRun run(pointMif("3", "2") + pointMif("3", "2"), "\"House\",\"A\",3,\n\"House\",\"A\",,\n");
+    run.run.start();
+    EXPECT_THAT(run.run.read("h_Damages.csv"),
+                HasSubstr("\r\n\"House\",\"A\",3.,1.,2000.,0.\r\n\"House\",\"A\",0.,1.,2300.,0.\r\n"));
+}
+
 TEST(DamagesBuildings, ABuildingWithoutItsCurveEndsTheRun)
 {
     BuildingRun run(pointMif("3", "2"), "\"Shop\",\"A\",3,1\n");

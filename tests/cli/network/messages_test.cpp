@@ -133,6 +133,23 @@ TEST(NbcMessages, EmptyBranchValuesAreBlankOr0)
     EXPECT_EQ(run.read("1d_nwk_a.mid"), nwkRecord("", "S", "T", "1.000", "0.000"));
 }
 
+TEST(NbcMessages, ACommaAtTheEndOfABranchRecordHoldsAnEmptyValue)
+{
+    {
+        ToolRun run("-b -nbc net.nbc");
+        runBranches(run, "Line 0 0 1 1\n", "\"a\",0.5,\"T\",\n");
+        EXPECT_EQ(run.read("1d_nwk_a.mid"), nwkRecord("a", "S", "T", "0.500", "0.000"));
+    }
+    {
+        ToolRun run("-b -nbc net.nbc");
+        runBranches(run, "Line 0 0 1 1\n", "\"a\",0.5,\"T\",0.25,\n", kTypedColumns);
+        EXPECT_EQ(run.read("1d_nwk_a.mid"), nwkRecord("a", "S", "T", "0.500", "0.250"));
+    }
+    ToolRun run("-b -nbc net.nbc");
+    runBranches(run, "Line 0 0 1 1\n", "\n");
+    expectEnd(run, {"ERROR - Extracting attribute data for GIS object.  Data: "});
+}
+
 std::string repeated(const std::string& text, int times)
 {
     std::string all;
@@ -223,6 +240,30 @@ TEST(NbcMessages, SectionRecordsThatCannotBeRead)
     giveLayer(run, "1d_tab_a", kTabColumns, kOneSection, "\"a\",\"XZ\",,,,,,,,0,high,0\n");
     runNbcFile(run, "Read GIS XS == 1d_tab_a.mif\n");
     expectEnd(run, {"ERROR - Reading following line in 1d_xs file:", "\"a\",\"XZ\",,,,,,,,0,high,0"});
+}
+
+TEST(NbcMessages, ACommaAtTheEndOfASectionRecordHoldsAnEmptyValue)
+{
+    {
+        ToolRun run("-b -nbc net.nbc");
+        giveLayer(run, "1d_cut_a", kCutColumns, kOneSection, "\"a\",-1,\"T\",\"T\",\"\",\"\",\n");
+        runNbcFile(run, "Read GIS XS == 1d_cut_a.mif\n");
+        EXPECT_EQ(run.read("1d_xs_a.mid"), xsRecord("a.csv", "", "", "-1.000"));
+    }
+    {
+        ToolRun run("-b -nbc net.nbc");
+        giveLayer(run, "1d_tab_a", kTabColumns, kOneSection + kOneSection,
+                  "\"a\",\"XZ\",\"R\",,,,,,,0.5,\n\"b\",\"XZ\",,,,,,,,,\n");
+        runNbcFile(run, "Read GIS XS == 1d_tab_a.mif\n");
+        EXPECT_EQ(run.read("1d_xs_a.mid"),
+                  xsRecord("a.csv", "XZ", "R", "0.500") + xsRecord("b.csv", "XZ", "", "0.000"));
+    }
+    for (const std::string record : {"", "\"a\",-1,\"T\",\"T\",\"\","}) {
+        ToolRun run("-b -nbc net.nbc");
+        giveLayer(run, "1d_cut_a", kCutColumns, kOneSection, record + "\n");
+        runNbcFile(run, "Read GIS XS == 1d_cut_a.mif\n");
+        expectEnd(run, {"ERROR - Reading following line in 1d_xs file:", record});
+    }
 }
 
 TEST(NbcMessages, MoreSectionsThanTheLimit)

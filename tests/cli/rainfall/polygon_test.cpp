@@ -278,6 +278,26 @@ TEST(RainfallPointsCli, RefusesRecordsThatCannotBeRead)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(RainfallPointsCli, ACommaAtTheEndOfARecordHoldsAnEmptyFactor)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveRainfall(run, kWithPoints);
+    giveRainfallLayer(run, "areas", kWhole, "a,2,\n");
+    giveRainfallLayer(run, "gauges", mifPoint("105 205"), "\"b\",3,\n");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(
+        run, {kFields, "WARNING - F2 rainfall factor of 0 set to 1. RF Name: b", " Finished reading rainfall points."});
+    EXPECT_CONSOLE_HOLDS(run, {kFields, "WARNING - F2 rainfall factor of 0 set to 1. RF Name: a"});
+    EXPECT_TRUE(run.says("Finished."));
+
+    ToolRun empty("-b -rf rain.rfc");
+    giveRainfall(empty, kWithPoints);
+    giveRainfallLayer(empty, "gauges", mifPoint("105 205"), "\n");
+    empty.start();
+    EXPECT_CONSOLE_HOLDS(empty,
+                         {"ERROR - Extracting attribute data for GIS object.  Data: ", "", "Press Enter to Close"});
+}
+
 TEST(RainfallPointsCli, ALayerWithoutANameEndsTheRun)
 {
     for (const std::string command : {"Read GIS RF Points ==", "Read GIS RF Points", "Read GIS RF Polygon =="}) {

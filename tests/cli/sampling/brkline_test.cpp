@@ -389,9 +389,18 @@ TEST(BrklineCli, EmptyValuesAreNothing)
                 testing::Each("          44.000,   0.000,   0.000,\"\""));
 }
 
+TEST(BrklineCli, ACommaAtTheEndOfARecordLeavesTheOptionsBlank)
+{
+    for (const char* record : {",,,\n", "0,1,0,\n"}) {
+        ToolRun run("-b -brkline b.mif dem.asc");
+        EXPECT_THAT(points(run, "Line 4.5 4.5 4.5 4.5\n", record),
+                    testing::Each("          44.000,   0.000,   0.000,\"\""));
+    }
+}
+
 TEST(BrklineCli, ARecordThatCannotBeReadEndsTheRun)
 {
-    for (const std::string record : {"x,1,1,Max", "1,x,1,Max", "1,1,x,Max", "1,1", "1,1,1", "1,1,1,"}) {
+    for (const std::string record : {"x,1,1,Max", "1,x,1,Max", "1,1,x,Max", "1,1", "1,1,", "1,1,1"}) {
         ToolRun run("-b -brkline b.mif dem.asc");
         giveLines(run, kLevelLine, record + "\n");
         run.start();

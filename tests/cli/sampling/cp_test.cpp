@@ -442,6 +442,24 @@ TEST(CpCli, ColumnsOfATableAreFloatsOrTexts)
     }
 }
 
+TEST(CpCli, ABlankLastNumberOfATableIs0)
+{
+    ToolRun run("-b -cp p.shp -cpsd4 dem.asc");
+    giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{"OBS", 'N', 6}, {"MARK", 'C', 4}, {"MODEL", 'N', 6}},
+                 {"  40.5a         "});
+    run.start();
+    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"a\",   40.500,    0.000,  -40.500,   -1.000\r\n");
+}
+
+TEST(CpCli, BlankNumbersOfATableAreEmptyValues)
+{
+    ToolRun run("-b -cp p.shp -cpsd4 dem.asc");
+    giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{"OBS", 'N', 6}, {"MARK", 'N', 4}}, {"          "});
+    run.start();
+    EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"\",    0.000,   44.000,   44.000,    0.500\r\n");
+}
+
 TEST(CpCli, TheFirstColumnOfATableMustBeANumber)
 {
     ToolRun run("-b -cp p.shp dem.asc");
@@ -530,7 +548,7 @@ TEST(CpCli, ASinglePointNeedsTwoAttributes)
 
 TEST(CpCli, ADataLineThatCannotBeReadEndsTheRun)
 {
-    for (const std::string line : {"forty,a", "40", "40,\"a\""}) {
+    for (const std::string line : {"forty,a", "40", "40,\"a\"", ""}) {
         const bool three = line == "40,\"a\""; // its third value is missing
         ToolRun run("-b -cp p.mif dem.asc");
         giveMarks(run, "Point 4.3 4.4\n", line + "\n", three ? kThreeColumns : kTwoColumns);
@@ -538,6 +556,19 @@ TEST(CpCli, ADataLineThatCannotBeReadEndsTheRun)
         EXPECT_TRUE(run.says("ERROR - Extracting attribute data for GIS object.  Data: " + line)) << line;
         EXPECT_THAT(run.console(), Not(HasSubstr("Finished.")));
     }
+}
+
+TEST(CpCli, ACommaAtTheEndOfARecordHoldsAnEmptyValue)
+{
+    ToolRun labels("-b -cp p.mif -cpsd4 dem.asc");
+    giveMarks(labels, "Point 4.3 4.4\n", "40,\n");
+    labels.start();
+    EXPECT_EQ(labels.read("p.csv"), std::string(kHeading) + "\"\",   40.000,   44.000,    4.000,    0.500\r\n");
+
+    ToolRun models("-b -cp p.mif -cpsd4 dem.asc");
+    giveMarks(models, "Point 4.3 4.4\n", "40,\"a\",\n", kThreeColumns);
+    models.start();
+    EXPECT_EQ(models.read("p.csv"), std::string(kHeading) + "\"a\",   40.000,    0.000,  -40.000,   -1.000\r\n");
 }
 
 TEST(CpCli, CoordinatesThatAreNowhereGiveNoValue)

@@ -312,14 +312,24 @@ TEST(NaCli, OnlyOneGridIsTaken)
 
 TEST(NaCli, ARecordThatCannotBeReadEndsTheRun)
 {
-    for (const std::string record : {"pond", "pond,S,Node,a,b,c,d,e,f,1,2", "pond,S,Node,a,b,c,d,e,f,x,2,3",
-                                     "pond,S,Node,a,b,c,d,e,f,1,2,three"}) {
+    for (const std::string record : {"", "pond", "pond,S,Node,a,b,c,d,e,f,1,2", "pond,S,Node,a,b,c,d,e,f,1,",
+                                     "pond,S,Node,a,b,c,d,e,f,x,2,3", "pond,S,Node,a,b,c,d,e,f,1,2,three"}) {
         ToolRun run("-b -na n.mif dem.asc");
         giveRegions(run, kSquare, record + "\n", terrain(kGentle));
         run.start();
         EXPECT_TRUE(run.says("ERROR - Extracting attribute data for GIS object.  Data: " + record)) << record;
         EXPECT_FALSE(run.says("Finished."));
     }
+}
+
+TEST(NaCli, ACommaAtTheEndOfARecordIsNoUserMinimum)
+{
+    ToolRun run("-b -na n.mif dem.asc");
+    giveRegions(run, kSquare, "pond,S,Node,a,b,c,d,e,f,1,2,\n", terrain(kGentle));
+    run.start();
+    EXPECT_TRUE(run.says("Elevations range from 1. to 1.25"));
+    EXPECT_FALSE(run.says("Using user defined minimum value (skew column)"));
+    EXPECT_TRUE(run.has("pond"));
 }
 
 TEST(NaCli, TenMillionValuesAreTheMost)
@@ -374,9 +384,9 @@ TEST(NaCli, OtherObjectsPassWithoutNotice)
     EXPECT_NO_OTHER_FILES(run);
 }
 
-TEST(NaCli, AShapefileGivesTheSameTable)
+// n.shp with the square and a record of text, two unused numbers and the user's minimum.
+void giveShpRegion(ToolRun& run, const std::string& record)
 {
-    ToolRun run("-b -na n.shp dem.asc");
     run.give("dem.asc", ascGrid(terrain(kGentle)));
     run.give("n.shp", shpBytes(5, {partsRecord(5, {0}, {1.5, 1.5, 1.5, 4.5, 4.5, 4.5, 4.5, 1.5, 1.5, 1.5})}));
     run.give("n.dbf", dbfHeader(1, {{"ID", 'C', 8},
@@ -391,8 +401,14 @@ TEST(NaCli, AShapefileGivesTheSameTable)
                                     {"I", 'N', 3},
                                     {"J", 'N', 3},
                                     {"SKEW", 'N', 4}}) +
-                          " pond.csvabcdefgh  1  2 1.1\x1A");
+                          " " + record + '\x1A');
     run.give("n.prj", "PROJCS[\"Test\"]\n");
+}
+
+TEST(NaCli, AShapefileGivesTheSameTable)
+{
+    ToolRun run("-b -na n.shp dem.asc");
+    giveShpRegion(run, "pond.csvabcdefgh  1  2 1.1");
     run.start();
     EXPECT_TRUE(run.says("Using user defined minimum value (skew column)"));
     EXPECT_EQ(run.read("pond.csv"), "\"Height\",\"Area\"\r\n"
@@ -400,6 +416,16 @@ TEST(NaCli, AShapefileGivesTheSameTable)
                                     "   1.200,               7.000\r\n"
                                     "   1.300,               9.000\r\n");
     EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(NaCli, ABlankMinimumOfAShapefileIsNone)
+{
+    ToolRun run("-b -na n.shp dem.asc");
+    giveShpRegion(run, "pond.csvabcdefgh          ");
+    run.start();
+    EXPECT_TRUE(run.says("Elevations range from 1. to 1.25"));
+    EXPECT_FALSE(run.says("Using user defined minimum value (skew column)"));
+    EXPECT_TRUE(run.has("pond.csv"));
 }
 
 } // namespace

@@ -29,9 +29,9 @@ std::string times(std::size_t count, char c)
 // --- Free-form reading: how values are told apart --------------------------------------------------------------------
 
 // The values of a text read as 32-bit integers, "_" for an empty one and "!" for a failure.
-std::string walk(std::string_view text)
+std::string walk(std::string_view text, LastComma lastComma = LastComma::separates)
 {
-    FreeForm values(text);
+    FreeForm values(text, lastComma);
     std::string told;
     while (true) {
         std::int32_t value = -77;
@@ -75,6 +75,20 @@ TEST(FreeFormValues, ACommaAtTheEndIsOnlyASeparator)
     EXPECT_EQ(walk(","), "_ ");
 }
 
+TEST(FreeFormValues, ACommaAtTheEndMayHoldAnEmptyValue)
+{
+    const auto held = [](std::string_view text) { return walk(text, LastComma::holdsEmpty); };
+    EXPECT_EQ(held("1,"), "1 _ ");
+    EXPECT_EQ(held("1 , \t"), "1 _ ");
+    EXPECT_EQ(held("1,,"), "1 _ _ ");
+    EXPECT_EQ(held(","), "_ _ ");
+    EXPECT_EQ(held("x,"), "! _ ");
+    EXPECT_EQ(held("1,2"), "1 2 ");
+    EXPECT_EQ(held("1 2 "), "1 2 ");
+    EXPECT_EQ(held(""), "");
+    EXPECT_EQ(held("  "), "");
+}
+
 TEST(FreeFormValues, GoOnBehindAFailure)
 {
     EXPECT_EQ(walk("1 x,3"), "1 ! 3 ");
@@ -116,9 +130,9 @@ TEST(FreeFormValues, MayBeOfEveryKindInOneText)
 // --- Text values -----------------------------------------------------------------------------------------------------
 
 // The text values, each in <>, with the same signs for the others.
-std::string walkTexts(std::string_view text, std::size_t width = 100)
+std::string walkTexts(std::string_view text, std::size_t width = 100, LastComma lastComma = LastComma::separates)
 {
-    FreeForm values(text);
+    FreeForm values(text, lastComma);
     std::string told;
     while (true) {
         std::string value = "kept";
@@ -133,6 +147,14 @@ std::string walkTexts(std::string_view text, std::size_t width = 100)
             EXPECT_EQ(value, "kept");
         }
     }
+}
+
+TEST(FreeFormText, MayBeEmptyAfterTheLastComma)
+{
+    EXPECT_EQ(walkTexts("a,", 100, LastComma::holdsEmpty), "<a>_");
+    EXPECT_EQ(walkTexts("\"a,\",", 100, LastComma::holdsEmpty), "<a,>_");
+    EXPECT_EQ(walkTexts("\"a,\"", 100, LastComma::holdsEmpty), "<a,>");
+    EXPECT_EQ(walkTexts("\"a", 100, LastComma::holdsEmpty), "!");
 }
 
 TEST(FreeFormText, EndsAtABlankOrComma)
