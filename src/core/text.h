@@ -16,6 +16,9 @@ inline constexpr std::size_t kLineWidth = 1000;
 // Width of the work space of the routines on long lines.
 inline constexpr std::size_t kWorkWidth = 100000;
 
+// What some editors put in front of UTF-8 text. It is no part of the text.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 // --- Views of a text -------------------------------------------------------------------------------------------------
 
 std::string_view trimLeft(std::string_view text);  // without leading blanks; tabs are not blanks

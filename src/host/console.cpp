@@ -23,6 +23,7 @@ struct Console {
     std::array<char, 4096> input{};
     std::size_t inputAt = 0;
     std::size_t inputEnd = 0;
+    bool inputBegun = false;
 };
 
 Console& console()
@@ -50,19 +51,47 @@ bool mayTryAgain(int stream, short event)
     return errno == EINTR;
 }
 
-std::optional<char> nextInputByte()
+// Reads on after the bytes that wait; false when nothing came.
+bool readMoreInput()
 {
     Console& c = console();
     if (c.inputAt == c.inputEnd) {
-        ssize_t got = 0;
-        do {
-            got = read(STDIN_FILENO, c.input.data(), c.input.size());
-        } while (got < 0 && mayTryAgain(STDIN_FILENO, POLLIN));
-        if (got <= 0) {
-            return std::nullopt;
-        }
         c.inputAt = 0;
-        c.inputEnd = static_cast<std::size_t>(got);
+        c.inputEnd = 0;
+    }
+    ssize_t got = 0;
+    do {
+        got = read(STDIN_FILENO, c.input.data() + c.inputEnd, c.input.size() - c.inputEnd);
+    } while (got < 0 && mayTryAgain(STDIN_FILENO, POLLIN));
+    if (got <= 0) {
+        return false;
+    }
+    c.inputEnd += static_cast<std::size_t>(got);
+    return true;
+}
+
+// Shells put a byte order mark in front of what they send through a pipe. Reads no further than the first byte that
+// does not belong to one, as a person may type it.
+void skipByteOrderMark()
+{
+    Console& c = console();
+    if (c.inputBegun) {
+        return;
+    }
+    c.inputBegun = true;
+    const auto waiting = [&c] { return std::string_view(c.input.data(), c.inputEnd); };
+    while (c.inputEnd < kByteOrderMark.size() && kByteOrderMark.starts_with(waiting()) && readMoreInput()) {
+    }
+    if (waiting().starts_with(kByteOrderMark)) {
+        c.inputAt = kByteOrderMark.size();
+    }
+}
+
+std::optional<char> nextInputByte()
+{
+    Console& c = console();
+    if (c.inputAt == c.inputEnd && !readMoreInput()) {
+        return std::nullopt;
     }
     return c.input[c.inputAt++];
 }
@@ -71,6 +100,7 @@ std::optional<char> nextInputByte()
 std::optional<std::string> readInput()
 {
     flushConsole();
+    skipByteOrderMark();
     std::string line;
     bool any = false;
     while (const auto byte = nextInputByte()) {

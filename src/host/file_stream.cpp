@@ -82,6 +82,7 @@ FileStream& FileStream::operator=(FileStream&& other) noexcept
     std::swap(begin_, other.begin_);
     std::swap(end_, other.end_);
     std::swap(bufferOffset_, other.bufferOffset_);
+    std::swap(textStart_, other.textStart_);
     std::swap(lineStart_, other.lineStart_);
     std::swap(unreadable_, other.unreadable_);
     return *this;
@@ -122,6 +123,17 @@ void FileStream::takeBuffer()
 }
 
 // --- Reading ---------------------------------------------------------------------------------------------------------
+
+void FileStream::skipByteOrderMark()
+{
+    const auto buffered = [this] { return std::string_view(buffer_.get(), end_); };
+    while (end_ < kByteOrderMark.size() && kByteOrderMark.starts_with(buffered()) && fill()) {
+    }
+    if (buffered().starts_with(kByteOrderMark)) {
+        begin_ = kByteOrderMark.size();
+        textStart_ = position();
+    }
+}
 
 bool FileStream::fill()
 {
@@ -316,6 +328,9 @@ std::int64_t FileStream::position() const
 
 bool FileStream::seek(std::int64_t position)
 {
+    if (position == 0) {
+        position = textStart_;
+    }
     if (direction_ == Direction::out) {
         if (!flush()) {
             return false;

@@ -30,6 +30,10 @@ public:
     // Writes what is buffered and closes; false when either fails.
     [[nodiscard]] bool close();
 
+    // For text that has not been read yet: its byte order mark, if there is one, is no part of it. Position 0 then stands
+    // for the byte after the mark.
+    void skipByteOrderMark();
+
     // Reading. False and empty results mean the end of the file or a failed read; a failed read is no end.
     bool atEnd();
     bool failed() const { return unreadable_; }
@@ -68,6 +72,7 @@ private:
     std::size_t begin_ = 0;         // reading: next byte to take
     std::size_t end_ = 0;           // end of the bytes in the buffer
     std::int64_t bufferOffset_ = 0; // position in the file of the first byte of the buffer
+    std::int64_t textStart_ = 0;    // position of the first byte after a byte order mark
     std::int64_t lineStart_ = 0;    // position of the last line read
     bool unreadable_ = false;       // the system refused a read or a position
 };

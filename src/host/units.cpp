@@ -123,8 +123,10 @@ struct OpenMode {
     bool replaces; // asks before it takes a file that is open already
 };
 
+constexpr std::string_view kTextInput = "I";
+
 constexpr std::array<OpenMode, 15> kOpenModes = {{
-    {"I", Direction::in, WriteStart::inPlace, false},
+    {kTextInput, Direction::in, WriteStart::inPlace, false},
     {"UI", Direction::in, WriteStart::inPlace, false},
     {"BI", Direction::in, WriteStart::inPlace, false},
     {"BE", Direction::in, WriteStart::inPlace, false},
@@ -238,6 +240,9 @@ bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& nam
                 continue;
             }
             entry.stream = FileStream(descriptor, how->direction, name);
+            if (how->letters == kTextInput) {
+                entry.stream.skipByteOrderMark();
+            }
             sayOn("OK.");
             say("Opened File Unit:", integerField(unit, kUnitWidth));
         } else {

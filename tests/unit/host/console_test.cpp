@@ -51,6 +51,21 @@ TEST(Console, AQuestionTakesOneLineCutAt1000)
     EXPECT_EQ(run.console, "first?\n1000\nsecond?\n<  two>\nwait\nlast?\n<three>\n");
 }
 
+TEST(Console, AByteOrderMarkBeforeTheFirstAnswerIsNoPartOfIt)
+{
+    const ScratchFolder folder;
+    const auto twoAnswers = [] {
+        say('<', ask("first?"), '>');
+        say('<', ask("second?"), '>');
+    };
+    EXPECT_EQ(runInChild(folder, twoAnswers, "\xEF\xBB\xBFY\n\xEF\xBB\xBFN\n").console,
+              "first?\n<Y>\nsecond?\n<\xEF\xBB\xBFN>\n");
+    EXPECT_EQ(runInChild(folder, twoAnswers, "\n\xEF\n").console, "first?\n<>\nsecond?\n<\xEF>\n");
+    EXPECT_EQ(runInChild(folder, twoAnswers, "\xEF\n\xBB\n").console, "first?\n<\xEF>\nsecond?\n<\xBB>\n");
+    // Nothing but the mark is no answer.
+    EXPECT_EQ(runInChild(folder, twoAnswers, "\xEF\xBB\xBF").console, "first?\n\nPress Enter to Close\n");
+}
+
 TEST(Console, APauseAtTheEndOfInputGoesOnAQuestionEndsTheRun)
 {
     const ScratchFolder folder;

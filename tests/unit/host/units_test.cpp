@@ -41,6 +41,78 @@ TEST(Opener, ReadsAnInputAndTellsItsUnit)
                            "unit is 0\n");
 }
 
+// What a run shows of a file: each line in brackets, then the state of the unit.
+std::string linesOf(const std::string& bytes)
+{
+    const ScratchFolder folder;
+    folder.give("a.txt", bytes);
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.txt");
+        std::string line;
+        while (readLine(unit, line)) {
+            sayOpen("<", line, ">");
+        }
+        say(atEnd(unit) ? "end" : "more");
+    });
+    const std::string opened = "Opened File Unit:1001\n";
+    return run.console.substr(run.console.find(opened) + opened.size());
+}
+
+TEST(Opener, SkipsAByteOrderMarkOfText)
+{
+    EXPECT_EQ(linesOf("\xEF\xBB\xBFone\ntwo"), "<one>\n<two>\nend\n");
+    EXPECT_EQ(linesOf("\xEF\xBB\xBF\r\ntwo"), "<>\n<two>\nend\n");
+    // Nothing but the mark is an empty file.
+    EXPECT_EQ(linesOf("\xEF\xBB\xBF"), "end\n");
+    EXPECT_EQ(linesOf(""), "end\n");
+    // Only a whole one at the very start is a mark, and only the first.
+    EXPECT_EQ(linesOf("\xEF\xBB"), "<\xEF\xBB>\nend\n");
+    EXPECT_EQ(linesOf("\xEF\xBBo\n"), "<\xEF\xBBo>\nend\n");
+    EXPECT_EQ(linesOf(" \xEF\xBB\xBFo\n\xEF\xBB\xBFp"), "< \xEF\xBB\xBFo>\n<\xEF\xBB\xBFp>\nend\n");
+    EXPECT_EQ(linesOf("\xEF\xBB\xBF\xEF\xBB\xBFo"), "<\xEF\xBB\xBFo>\nend\n");
+}
+
+TEST(Opener, ReadsTextWithAByteOrderMarkFromItsStartAgain)
+{
+    const ScratchFolder folder;
+    // Longer than what the unit reads ahead.
+    folder.give("a.txt", "\xEF\xBB\xBFone\n" + std::string(3 * kReadAhead, 'x') + "\nlast\n");
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "I ", "a.txt");
+        std::string line;
+        readLine(unit, line);
+        stepBack(unit);
+        readLine(unit, line);
+        say("<", line, ">");
+        while (readLine(unit, line, 4)) {
+        }
+        seekTo(unit, 0);
+        readLine(unit, line);
+        say("<", line, ">");
+        seekTo(unit, 0);
+        say("<", readyBytes(unit).substr(0, 3), ">");
+    });
+    EXPECT_EQ(run.console, "Trying to open file a.txt...OK.\nOpened File Unit:1001\n<one>\n<one>\n<one>\n");
+}
+
+TEST(Opener, TakesAllBytesOfABinaryFile)
+{
+    const ScratchFolder folder;
+    folder.give("a.bin", "\xEF\xBB\xBFrest");
+    const ChildRun run = runInChild(folder, [] {
+        for (const char* mode : {"BI", "BE", "UI"}) {
+            Unit unit = 0;
+            OPENER(unit, mode, "a.bin");
+            say(readyBytes(unit) == "\xEF\xBB\xBFrest" ? "all" : "some");
+        }
+    });
+    EXPECT_EQ(run.console, "Trying to open file a.bin...OK.\nOpened File Unit:1001\nall\n"
+                           "Trying to open file a.bin...OK.\nOpened File Unit:1002\nall\n"
+                           "Trying to open file a.bin...OK.\nOpened File Unit:1003\nall\n");
+}
+
 TEST(Opener, WritesLinesWithCrLf)
 {
     ScratchFolder folder;
