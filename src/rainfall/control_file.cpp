@@ -186,7 +186,7 @@ GridHeader settleRfGrid(const RfSettings& settings)
     }
     say("Rainfall Grid Dimensions (N,M): ", grid.nrows, ",", grid.ncols);
     // The size is asked for though the numbers would do: a file with "(N,M)" alone stops here; deliberate.
-    if (!(grid.nrows > 0 && settings.sizeX > 0.0F)) {
+    if (grid.nrows <= 0 || grid.ncols <= 0 || !(settings.sizeX > 0.0F)) {
         fail("ERROR - Rainfall grid dimensions are invalid.");
     }
     grid.xll = settings.xOrigin;

@@ -288,18 +288,16 @@ TEST(RainfallControlCli, HalvesOfACellRoundAwayFromZero)
     EXPECT_EQ(run.grid("rain_total.asc").xll, 0); // no origin is the origin of the coordinates
 }
 
-TEST(RainfallControlCli, AGridWithoutColumnsEndsCleanly)
+TEST(RainfallControlCli, RefusesAGridWithoutColumns)
 {
     for (const std::string method : {"Poly", "TIN", "IDW", "IDW\nIDW Max Points == 1"}) {
-        for (const std::string format : {"ASC", "FLT"}) {
-            ToolRun run("-b -rf rain.rfc");
-            giveRainfall(run, kTwoHyetographs + "RF GRID Cell Size == 10\nRF GRID Size (X,Y) == 20, 2\n" +
-                                  "Read GIS RF Points == gauges.mif\nRF Grid Format == " + format +
-                                  "\nRF Interpolation Method == " + method + "\n");
-            giveRainfallLayer(run, "gauges", mifPoint("1 1") + mifPoint("2 2"), "a,1,1\nb,1,1\n");
-            run.start();
-            EXPECT_TRUE(run.says("Rainfall Grid Dimensions (N,M): 2,0"));
-            EXPECT_TRUE(run.says("Finished."));
+        for (const std::string format : {"ASC", "FLT", "NC"}) {
+            // 4.9 / 10 rounds to no column.
+            expectRefusal(kTwoHyetographs +
+                              "RF GRID Cell Size == 10\nRF GRID Size (X,Y) == 20, 4.9\nRF Grid Format == " + format +
+                              "\nRF Interpolation Method == " + method + "\n",
+                          {"Determining rainfall grid size.", "Rainfall Grid Dimensions (N,M): 2,0",
+                           "ERROR - Rainfall grid dimensions are invalid."});
         }
     }
 }

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <netcdf.h>
 #include <string>
 
 namespace gridforge::test {
@@ -132,16 +131,6 @@ TEST(RainfallOutputCli, EveryNetcdfCallThatFailsIsNamed)
         giveCase(run, "RF Grid Format == NC\n");
         expectNetcdfFailure(run, failure);
     }
-}
-
-TEST(RainfallOutputCli, NetcdfWithoutColumnsIsRefusedByTheLibrary)
-{
-    ToolRun run("-b -rf rain.rfc");
-    giveCase(run, "RF Grid Format == NC\nRF GRID Size (X,Y) == 20, 2\n");
-    run.start();
-    // A length of 0 makes the first dimension the unlimited one, and there is only one of that.
-    EXPECT_CONSOLE_HOLDS(run, {"Created NETCDF file \"rain.nc\"", "ERROR - With nectdf call nf90_def_dim(time)",
-                               std::string("Netcdf error message: ") + nc_strerror(NC_EUNLIMIT)});
 }
 
 TEST(RainfallOutputCli, AnIndexThatCannotBeOpenedEndsWithTheDialogue)
