@@ -48,8 +48,8 @@ void readField(DbfTable& dbf, std::byte first)
     }
     const auto field = static_cast<std::size_t>(dbf.nFields);
     ++dbf.nFields;
-    dbf.fieldName[field] =
-        cut(CLEANATTRIBUTENAME({reinterpret_cast<const char*>(name.data()), name.size()}), kDbfNameWidth);
+    const std::string_view text(reinterpret_cast<const char*>(name.data()), name.size());
+    dbf.fieldName[field] = cut(CLEANATTRIBUTENAME(text.substr(0, text.find('\0'))), kDbfNameWidth);
 
     std::array<std::byte, 6> typeAndLength; // with an address of no use in between
     needHeader(dbf, typeAndLength);
@@ -99,10 +99,22 @@ void append(std::string& line, std::string_view part, std::size_t width)
     }
 }
 
+// The record with blanks for its zero bytes, which some programs pad values with. `copy` holds it where there are any.
+std::string_view withoutZeros(std::string_view record, std::string& copy)
+{
+    if (record.find('\0') == std::string_view::npos) {
+        return record;
+    }
+    copy = record;
+    std::ranges::replace(copy, '\0', ' ');
+    return copy;
+}
+
 void readValues(DbfTable& dbf, std::string& line, std::size_t width)
 {
     ++dbf.currentRecord;
-    std::string_view record = needRecordBytes(dbf, static_cast<std::size_t>(dbf.recordLength));
+    std::string copy;
+    std::string_view record = withoutZeros(needRecordBytes(dbf, static_cast<std::size_t>(dbf.recordLength)), copy);
     for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
         const auto length = static_cast<std::size_t>(dbf.fieldLength[i]);
         const std::string_view value = record.substr(0, length);

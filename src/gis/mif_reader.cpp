@@ -18,6 +18,14 @@ constexpr std::size_t kCountColumn = 7; // from 0, behind "Columns"
 constexpr int kMessageColumns = 8;
 constexpr std::int32_t kLeastRegionVertices = 5;
 
+// A tab counts as a blank.
+std::string blankedTabs(std::string_view text)
+{
+    std::string blanked(text);
+    std::ranges::replace(blanked, '\t', ' ');
+    return blanked;
+}
+
 // Unread lines up to and with the one that holds `word`; false at the end of the file.
 bool findLine(Unit unit, std::string_view word, std::string& line, std::size_t width)
 {
@@ -48,7 +56,8 @@ void mifFindData(Unit unit, std::size_t width)
 
 void mifSplitDefinition(std::string_view line, std::string& name, std::string& type, std::size_t nameWidth)
 {
-    const std::string_view definition = trimLeft(line);
+    const std::string blanked = blankedTabs(line);
+    const std::string_view definition = trimLeft(blanked);
     const std::size_t blank = std::min(definition.find(' '), definition.size());
     name = cut(definition.substr(0, blank), nameWidth);
     type = cut(trimLeft(definition.substr(blank)), kAttributeTypeWidth);
@@ -131,13 +140,17 @@ constexpr std::array<ObjectKeyword, 13> kObjectKeywords = {{
     {"COLLECTION", nullptr},
 }};
 
-// The first characters of `text` in upper case.
+// The first characters of `text` in upper case, with blanks for tabs.
 std::string_view upperHead(std::string_view text, std::array<char, kKeywordWidth>& head)
 {
     const std::size_t count = std::min(text.size(), head.size());
     for (std::size_t i = 0; i < count; ++i) {
         const char c = text[i];
-        head[i] = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        if (c >= 'a' && c <= 'z') {
+            head[i] = static_cast<char>(c - 'a' + 'A');
+        } else {
+            head[i] = c == '\t' ? ' ' : c;
+        }
     }
     return {head.data(), count};
 }
@@ -201,7 +214,7 @@ bool mifObjectType(Unit unit, std::string& line, std::string& rest, GisO& gisO)
             tail.remove_prefix(gisO.name.size());
         }
     }
-    rest = tail;
+    rest = blankedTabs(tail);
     return found;
 }
 

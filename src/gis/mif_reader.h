@@ -16,7 +16,7 @@ void mifReadHeader(MifLayer& mif);
 bool mifFindColumns(Unit unit, std::string& line, std::size_t width);
 // Passes over the lines up to and with the one that holds "Data"; no such line ends the run.
 void mifFindData(Unit unit, std::size_t width);
-// Splits a column definition at its first blank.
+// Splits a column definition at its first blank. Tabs count as blanks.
 void mifSplitDefinition(std::string_view line, std::string& name, std::string& type, std::size_t nameWidth);
 
 // Finds the next object; its line, the text behind its keyword, and its kind. False at the end of the file.

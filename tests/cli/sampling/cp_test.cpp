@@ -460,6 +460,16 @@ TEST(CpCli, BlankNumbersOfATableAreEmptyValues)
     EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"\",    0.000,   44.000,   44.000,    0.500\r\n");
 }
 
+TEST(CpCli, ZeroBytesOfATableCountAsBlanks)
+{
+    ToolRun run("-b -cp p.shp -cpsd4 dem.asc");
+    giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{std::string("OBS\0OLD", 7), 'N', 6}, {"MARK", 'C', 4}},
+                 {std::string("40.5\0\0a\0b\0", 10)});
+    run.start();
+    EXPECT_TRUE(run.says("2 DBF Fields (Name [#/Type/Length]): OBS [1/N/6]  MARK [2/C/4]  "));
+    EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"a b\",   40.500,   44.000,    3.500,    0.500\r\n");
+}
+
 TEST(CpCli, TheFirstColumnOfATableMustBeANumber)
 {
     ToolRun run("-b -cp p.shp dem.asc");
@@ -529,7 +539,8 @@ TEST(CpCli, TheSecondAttributeKeepsItsTypeAndWidth)
     for (const auto& [given, kept] :
          {std::pair("Mark Char (7)", "  Mark Char(7)\r\n"), std::pair("Mark Integer", "  Mark Integer\r\n"),
           std::pair("Mark Decimal(10,2)", "  Mark Decimal(10)\r\n"), std::pair("Mark Float", "  Mark Float\r\n"),
-          std::pair("Mark Char(x)", "  Mark Char\r\n")}) {
+          std::pair("Mark Char(x)", "  Mark Char\r\n"), std::pair("\tMark\tChar\t(7)\t", "  Mark Char(7)\r\n"),
+          std::pair("Mark\tFloat", "  Mark Float\r\n"), std::pair("Mark\tDecimal(\t10,2)", "  Mark Decimal(10)\r\n")}) {
         ToolRun run("-b -cp p.mif -cpsd4 dem.asc");
         giveMarks(run, "Point 4.3 4.4\n", "40,1\n", {"Obs Float", given});
         run.start();

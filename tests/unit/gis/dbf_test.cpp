@@ -5,6 +5,7 @@
 #include "support/child_run.h"
 #include "support/shp_bytes.h"
 
+#include <algorithm>
 #include <ctime>
 #include <functional>
 #include <gmock/gmock.h>
@@ -76,6 +77,35 @@ TEST(DbfReading, GivesRecordsAsCommaSeparatedLines)
 TEST(DbfReading, TakesAZeroByteForABlankMark)
 {
     EXPECT_EQ(linesOf(dbfHeader(1, {{"N", 'N', 2}}) + std::string("\0", 1) + "12" + kEnd), "[12]\n[] end\n");
+}
+
+// The text with a zero byte for each "@".
+std::string zeros(std::string text)
+{
+    std::ranges::replace(text, '@', '\0');
+    return text;
+}
+
+TEST(DbfReading, FieldNamesEndAtTheirFirstZeroByte)
+{
+    EXPECT_THAT(
+        readTable(dbfHeader(0, {{zeros("AB@CDEFGHIJ"), 'C', 2}, {zeros("@LEFT"), 'N', 3}, {zeros("_N@@"), 'N', 4}}))
+            .console,
+        HasSubstr("3 DBF Fields (Name [#/Type/Length]): AB [1/C/2]  X [2/N/3]  _N [3/N/4]  \n"));
+}
+
+TEST(DbfReading, ZeroBytesInValuesCountAsBlanks)
+{
+    const std::vector<DbfColumn> columns = {{"C", 'C', 4}, {"N", 'N', 4}, {"L", 'L', 1}, {"F", 'F', 3}};
+    EXPECT_EQ(linesOf(dbfHeader(5, columns) +
+                      zeros(" ab@@ 1.5T2@@" // padded with zeros
+                            " a@b@@1@@@@7@" // inside and in front
+                            " @@@@@@@@@@@@"
+                            "@@a b@@ 4F*@@" // the mark too; a number that did not fit
+                            "*@@@@@@@@@@@@" // deleted
+                            " @@@@ @*1@@*@") +
+                      kEnd),
+              "[\"ab\", 1.5,T,2]\n[\"a b\", 1,, 7]\n[\"\",,,]\n[\" a b\",   4,F,0]\n[\"\",  *1,, *]\n[] end\n");
 }
 
 TEST(DbfReading, TakesAsterisksForZero)

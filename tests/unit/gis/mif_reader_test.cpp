@@ -114,6 +114,45 @@ TEST_F(MifReading, SplitsADefinitionAtTheFirstBlank)
     EXPECT_EQ(type, std::string(24, 't'));
 }
 
+TEST_F(MifReading, TabsInADefinitionCountAsBlanks)
+{
+    std::string name;
+    std::string type;
+    mifSplitDefinition("\tName\tChar\t(12)\t", name, type, 32);
+    EXPECT_EQ(name, "Name");
+    EXPECT_EQ(type, "Char (12)");
+    mifSplitDefinition(" \tArea \t Decimal(9,\t2)", name, type, 32);
+    EXPECT_EQ(name, "Area");
+    EXPECT_EQ(type, "Decimal(9, 2)");
+    mifSplitDefinition("\tLonely\t", name, type, 32);
+    EXPECT_EQ(name, "Lonely");
+    EXPECT_EQ(type, "");
+}
+
+TEST_F(MifReading, TabsInObjectLinesCountAsBlanks)
+{
+    const auto objects = read("Point\t1\t2\n"
+                              "\tPoint\t\n\t3\t4\n"
+                              "Line\t1\t2\t3\t4\t\n"
+                              "Pline\t2\n1\t2\n\t5\t6\n"
+                              "pline\tMULTIPLE\t1\n\t2\t\n7\t8\n9\t10\n"
+                              "Region\t1\n\t5\n0\t0\n10\t0\n10\t6\n0\t6\n0\t0\n\tCenter\t7\t8\n",
+                              6);
+    ASSERT_EQ(objects.size(), 6U);
+    EXPECT_THAT(objects[0].x, ElementsAre(1));
+    EXPECT_THAT(objects[0].y, ElementsAre(2));
+    EXPECT_THAT(objects[1].x, ElementsAre(3));
+    EXPECT_THAT(objects[1].y, ElementsAre(4));
+    EXPECT_THAT(objects[2].x, ElementsAre(1, 3));
+    EXPECT_THAT(objects[3].y, ElementsAre(2, 6));
+    EXPECT_EQ(objects[4].gisO.name, "PLINE MULTIPLE");
+    EXPECT_EQ(objects[4].gisO.nSections, 1);
+    EXPECT_THAT(objects[4].x, ElementsAre(7, 9));
+    EXPECT_THAT(objects[5].x, ElementsAre(0, 10, 10, 0, 0, 10));
+    EXPECT_EQ(objects[5].xc, 7);
+    EXPECT_EQ(objects[5].yc, 8);
+}
+
 TEST_F(MifReading, HeaderWordsMayStandAnywhereInTheirLineAndInAnyCase)
 {
     folder.give("l.mif", "the columns 1\nother\nData_Type Integer\n my dAtA follows\nPoint 1 2\n");
