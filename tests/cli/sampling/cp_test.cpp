@@ -430,8 +430,10 @@ TEST(CpCli, AShapefileGivesShapefiles)
 
 TEST(CpCli, ColumnsOfATableAreFloatsOrTexts)
 {
-    for (const auto& [type, kept] : {std::pair('N', "MARK N 16"), std::pair('F', "MARK N 16"),
-                                     std::pair('D', "MARK C 8"), std::pair('L', "MARK C 8")}) {
+    for (const auto& [type, kept] :
+         {std::pair('N', "MARK N 16"), std::pair('F', "MARK N 16"), std::pair('C', "MARK C 8"),
+          std::pair('D', "MARK C 8"), std::pair('L', "MARK C 8"), std::pair('I', "MARK C 8"),
+          std::pair('n', "MARK C 8"), std::pair('f', "MARK C 8"), std::pair('c', "MARK C 8")}) {
         ToolRun run("-b -cp p.shp -cpsd4 dem.asc");
         giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{"OBS", 'F', 4}, {"MARK", type, 8}}, {"  40      11"});
         run.start();
@@ -450,6 +452,28 @@ TEST(CpCli, ABlankLastNumberOfATableIs0)
     run.start();
     EXPECT_TRUE(run.says("Finished."));
     EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"a\",   40.500,    0.000,  -40.500,   -1.000\r\n");
+}
+
+TEST(CpCli, ASmallNIsNoNumberColumnOfATable)
+{
+    for (const char type : {'n', 'f', 'I'}) {
+        ToolRun run("-b -cp p.shp dem.asc");
+        giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{"OBS", type, 4}, {"MARK", 'C', 4}}, {"  40a   "});
+        run.start();
+        EXPECT_CONSOLE_HOLDS(run, {"ERROR - 1st GIS attribute is not a float type.", "   Attribute 1 type: Char"});
+    }
+}
+
+TEST(CpCli, OnlyTextColumnsOfATableMayHoldBlanks)
+{
+    // The value of other columns ends at its first blank.
+    for (const auto& [type, label] : {std::pair('C', "\"a b\""), std::pair('c', "\"a b\""), std::pair('D', "\"a\""),
+                                      std::pair('n', "\"a\""), std::pair('L', "\"a\"")}) {
+        ToolRun run("-b -cp p.shp -cpsd4 dem.asc");
+        giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{"OBS", 'N', 4}, {"MARK", type, 4}}, {"  40a b "});
+        run.start();
+        EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + label + ",   40.000,   44.000,    4.000,    0.500\r\n");
+    }
 }
 
 TEST(CpCli, BlankNumbersOfATableAreEmptyValues)
