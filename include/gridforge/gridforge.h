@@ -349,7 +349,8 @@ int32_t gisGotoBeginningOfAttributes(int32_t gisID, int32_t* count);
 void gisReadAttributeDefinition(int32_t gisID, struct gisAttribute* definition);
 /* Clears `object` and reads the kind of the next object; false when there is none. */
 int32_t gisObjectType(int32_t gisID, struct gisO* object);
-/* The object's attributes as one comma-separated line, text in double quotes, cut at `lineLength`. */
+/* The object's attributes as one comma-separated line, text in double quotes with those inside doubled, cut at
+ * `lineLength`. */
 void gisReadRecord(int32_t gisID, const struct gisO* object, char* line, size_t lineLength);
 /* The object's vertices into arrays of `maxVertices`, at least 2; their number, the centre, and for lines the
  * direction in degrees and the length. More vertices end the run. Without `readCoordinates` they are passed over,

@@ -264,6 +264,11 @@ std::string DOUBLEQUOTE(std::string_view text)
     return result;
 }
 
+std::string quotedValue(std::string_view text)
+{
+    return quoted(DOUBLEQUOTE(text));
+}
+
 std::string ALPHANUMERICONLY(std::string_view text, char replacement)
 {
     std::string result;

@@ -88,6 +88,8 @@ std::string REMOVETABS(std::string_view text);
 std::string SS256(std::string_view text);        // cut at 256
 std::string REMOVEQUOTES(std::string_view text); // without " and '
 std::string DOUBLEQUOTE(std::string_view text);  // each " doubled
+// The text in double quotes as a value of a record or of a CSV row: those inside it doubled.
+std::string quotedValue(std::string_view text);
 // Letters and digits; every other character becomes `replacement`, or goes when that is the zero byte. Nothing left:
 // "X".
 std::string ALPHANUMERICONLY(std::string_view text, char replacement);

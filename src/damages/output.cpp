@@ -48,8 +48,8 @@ std::string heading(std::span<const DmgRes> results)
 
 std::string recordLine(const DmgBuilding& building, const DmgCurve& curve)
 {
-    std::string line = join("\"", trim(curve.name), "\",\"", trim(building.Prop_ID), "\",", AREAL(building.FFL), ",",
-                            AREAL(building.multiplier));
+    std::string line = join(quotedValue(trim(curve.name)), ",", quotedValue(trim(building.Prop_ID)), ",",
+                            AREAL(building.FFL), ",", AREAL(building.multiplier));
     for (const float damage : building.damage) {
         line += join(",", AREAL(damage));
     }

@@ -121,7 +121,7 @@ void readValues(DbfTable& dbf, std::string& line, std::size_t width)
         record.remove_prefix(length);
         if (dbf.fieldType[i] == 'C' || dbf.fieldType[i] == 'c') {
             append(line, "\"", width);
-            append(line, trimRight(value), width);
+            append(line, DOUBLEQUOTE(trimRight(value)), width);
             append(line, "\"", width);
         } else {
             // A number that did not fit its field stands there as asterisks.

@@ -108,7 +108,7 @@ std::int32_t trackLayer(std::string_view fileName, std::int32_t gisID)
     if (list.mifUnit > 0) {
         writeLine(list.mifUnit, "none");
         writeLine(list.midUnit, join(integerField(list.count, kNumberColumns), ",", integerField(gisID, kNumberColumns),
-                                     ", ", gridforge::quoted(join(base, extension))));
+                                     ", ", quotedValue(join(base, extension))));
     }
     return list.count;
 }

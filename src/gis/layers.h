@@ -61,7 +61,8 @@ GisOutputAttribute gisReadAttributeDefinition(std::int32_t gisID);
 
 // Clears `gisO` and reads the kind of the next object; false when there is none. Sets layerEnd.
 bool gisObjectType(std::int32_t gisID, GisO& gisO);
-// The object's attributes as one comma-separated line, text in double quotes, cut at `width`. Sets layerEnd.
+// The object's attributes as one comma-separated line, text in double quotes with those inside doubled, cut at `width`.
+// Sets layerEnd.
 void gisReadRecord(std::int32_t gisID, const GisO& gisO, std::string& line, std::size_t width = kDataLineWidth);
 // The object's coordinates and what is derived from them: centre, and for lines angle and length. More than
 // `maxVertices` end the run. Sets layerEnd. What a kind does not have stays as it was, but angle and length start at 0.

@@ -55,7 +55,7 @@ std::string number(float value)
 
 std::string letter(char value)
 {
-    return quoted(trim({&value, 1}));
+    return quotedValue(trim({&value, 1}));
 }
 
 // A closed line is divided by 0, unguarded; deliberate, its index shows as Infinity.
@@ -73,10 +73,10 @@ std::string bendinessOf(const NbcLine& line)
 std::string recordOf(const NbcLine& line, bool bendiness)
 {
     constexpr float kLength = 0;
-    return join(quoted(line.id), ",", quoted(line.type), ",", letter(line.ignore), ",", letter(line.ucs), ",",
+    return join(quotedValue(line.id), ",", quotedValue(line.type), ",", letter(line.ignore), ",", letter(line.ucs), ",",
                 number(kLength), ",", number(line.n), ",", number(line.upstreamInvert), ",",
                 number(line.downstreamInvert), ",", number(line.formLoss), ",", number(line.blockage), ",",
-                quoted(line.inletType), ",", quoted(line.connection), ",", line.connectionNumber, ",",
+                quotedValue(line.inletType), ",", quotedValue(line.connection), ",", line.connectionNumber, ",",
                 number(line.width), ",", number(line.height), ",", line.number, ",", number(line.heightContraction),
                 ",", number(line.widthContraction), ",", number(line.entryLoss), ",", number(line.exitLoss),
                 bendiness ? bendinessOf(line) : "");

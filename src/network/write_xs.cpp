@@ -76,9 +76,10 @@ void defineAttributes()
 std::string recordOf(const NbcSection& section)
 {
     constexpr double kSkew = 0;
-    std::string record = join(quoted(section.source), ",", quoted(section.type), ",", quoted(section.flags), ",");
+    std::string record =
+        join(quotedValue(section.source), ",", quotedValue(section.type), ",", quotedValue(section.flags), ",");
     for (const std::string& column : section.column) {
-        record += join(quoted(column), ",");
+        record += join(quotedValue(column), ",");
     }
     return record + join(threeDecimals(static_cast<double>(section.distance)), ",",
                          threeDecimals(static_cast<double>(section.zMaximum)), ",", threeDecimals(kSkew));
@@ -233,7 +234,7 @@ void nbc_write_check(const NbcSections& sections, bool materials, const std::str
     std::int32_t gisID = openOutputLayer(name, "P");
     for (const NbcSection& section : sections.all) {
         for (std::size_t i = 0; i < section.pointX.size(); ++i) {
-            std::string record = join(quoted(section.source), ",", valueAt(section.pointZ, i));
+            std::string record = join(quotedValue(section.source), ",", valueAt(section.pointZ, i));
             if (materials) {
                 record += join(",", materialText(section.pointMaterial[i], MaterialNumber::rounded));
             }

@@ -60,7 +60,7 @@ std::string resultRecord(float z, float width, const std::string& options)
 {
     constexpr int kWideReal = 16;
     constexpr int kReal = 8;
-    return join(real(z, kWideReal), ",", real(0, kReal), ",", real(width, kReal), ",", quoted(options));
+    return join(real(z, kWideReal), ",", real(0, kReal), ",", real(width, kReal), ",", quotedValue(options));
 }
 
 // Of the search lines and the cells found. The quotation mark in front of the comma is part of its form.
@@ -68,14 +68,14 @@ std::string checkRecord(float z, std::int64_t count, const std::string& options)
 {
     constexpr int kReal = 9;
     constexpr int kInteger = 8;
-    return join(real(z, kReal), ",", integerField(count, kInteger), "\",\"", options, "\"");
+    return join(real(z, kReal), ",", integerField(count, kInteger), "\",", quotedValue(options));
 }
 
 std::string circleRecord(const GroundLevel& level, const std::string& options)
 {
     constexpr int kReal = 16;
     constexpr int kInteger = 8;
-    return join(real(level.value, kReal), ",", integerField(level.count, kInteger), ",", quoted(options));
+    return join(real(level.value, kReal), ",", integerField(level.count, kInteger), ",", quotedValue(options));
 }
 
 // --- Outputs ---------------------------------------------------------------------------------------------------------

@@ -266,7 +266,7 @@ private:
 
 void writeResult(const CalibrationPoint& point, bool withExtremes, const Outputs& outputs)
 {
-    const std::string label = quoted(point.label);
+    const std::string label = quotedValue(point.label);
     std::string results = join(real(point.modelled), ",", real(point.difference), ",", real(point.distance));
     if (withExtremes) {
         results += join(",", real(point.minimum), ",", real(point.maximum));

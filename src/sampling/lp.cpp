@@ -86,8 +86,8 @@ std::string checkRecord(float value, std::string_view type, const Profile& profi
 {
     constexpr int kWidth = 9;
     constexpr int kDecimals = 3;
-    return join(realField(static_cast<double>(value), kWidth, kDecimals), ",", quoted(type), ",", quoted(profile.label),
-                ",", chainageField(chainage, kDecimals));
+    return join(realField(static_cast<double>(value), kWidth, kDecimals), ",", quotedValue(type), ",",
+                quotedValue(profile.label), ",", chainageField(chainage, kDecimals));
 }
 
 void placeVertices(Profile& profile)

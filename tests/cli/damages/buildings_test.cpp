@@ -266,7 +266,7 @@ TEST(DamagesBuildings, AttributesAreFreeForm)
                     "house A 3 2\n'House',\"say \"\"A\"\"\",,1\n\"HOUSE\",,1e1, 1 , more, of it\n");
     run.run.start();
     EXPECT_THAT(run.run.read("h_Damages.csv"), HasSubstr("\r\n\"House\",\"A\",3.,2.,4000.,0.\r\n"
-                                                         "\"House\",\"say \"A\"\",0.,1.,2300.,0.\r\n"
+                                                         "\"House\",\"say \"\"A\"\"\",0.,1.,2300.,0.\r\n"
                                                          "\"House\",\"\",10.,1.,1300.,0.\r\n"));
 }
 
@@ -286,6 +286,36 @@ TEST(DamagesBuildings, ACommaAtTheEndOfARecordLeavesTheMultiplierAt1)
     run.run.start();
     EXPECT_THAT(run.run.read("h_Damages.csv"),
                 HasSubstr("\r\n\"House\",\"A\",3.,1.,2000.,0.\r\n\"House\",\"A\",0.,1.,2300.,0.\r\n"));
+}
+
+// (23 - 3) x 100 x 2; the quotes of the names do not shift the columns.
+TEST(DamagesBuildings, QuotesInNamesAreDoubledInLinesAndSingleInTables)
+{
+    ToolRun run("-b -damages c.dmg -out d.shp");
+    giveDamageFiles(run, pointMif("3", "2"), "\"Old \"\"House\"\"\",\"No. 1, \"\"West\"\"\",3,2\n");
+    run.give("c.dmg", "Read GIS Building == h.mif\nRead Curve Old \"House\" == house.csv\nRead Result % 1 == wl.asc\n");
+    run.start();
+    EXPECT_THAT(run.read("d.csv"), HasSubstr("\r\n\"Old \"\"House\"\"\",\"No. 1, \"\"West\"\"\",3.,2.,4000.,0.\r\n"));
+    const auto cell = [](std::string value, std::size_t width, bool isText) {
+        value.insert(isText ? value.size() : 0, width - value.size(), ' ');
+        return value;
+    };
+    const std::string record = " " + cell("Old \"House\"", 100, true) + cell("No. 1, \"West\"", 100, true) +
+                               cell("3.", 16, false) + cell("2.", 16, false) + cell("4000.", 16, false) +
+                               cell("0.", 16, false);
+    EXPECT_THAT(tableOf(run.read("d_P.dbf")), testing::Contains(record));
+
+    // And back: the table that was written is read as a layer of buildings.
+    ToolRun back("-b -damages c.dmg -out e.mif");
+    giveDamageFiles(back, "", "");
+    for (const char* extension : {".shp", ".dbf", ".prj"}) {
+        back.give(std::string("d") + extension, run.read(std::string("d_P") + extension));
+    }
+    back.give("d.prj", "PROJCS[\"Town grid\"]\n");
+    back.give("c.dmg",
+              "Read GIS Building == d.shp\nRead Curve Old \"House\" == house.csv\nRead Result % 1 == wl.asc\n");
+    back.start();
+    EXPECT_EQ(back.read("e.mid"), "\"Old \"\"House\"\"\",\"No. 1, \"\"West\"\"\",3.,2.,4000.,0.\r\n");
 }
 
 TEST(DamagesBuildings, ABuildingWithoutItsCurveEndsTheRun)

@@ -286,6 +286,21 @@ TEST(NbcCli, WritesTheCheckLayerBesideTheControlFile)
               "\"a.csv\",5.040,-2\r\n\"a.csv\",5.080,-2\r\n\"b\",-9999.000,-2\r\n\"b\",-9999.000,-2\r\n");
 }
 
+TEST(NbcCli, QuotesInSourcesAreDoubledInTheCheckLayer)
+{
+    ToolRun run("-b -nbc net.nbc");
+    giveLayer(run, "1d_cut_a", kCutColumns, "Line 4 5 8 5\n",
+              R"("a""b",-1,"T","F","","",0)"
+              "\n");
+    run.give("dem.asc", ascGrid(sectionTerrain(10, 10)));
+    run.give("net.nbc", "Read GIS XS == 1d_cut_a.mif\nSet XS dx == 1\nWrite Check == On\n");
+    run.start();
+    EXPECT_EQ(run.read("net.nbc_check.mid"), R"("a""b",-9999.000)"
+                                             "\r\n"
+                                             R"("a""b",-9999.000)"
+                                             "\r\n");
+}
+
 TEST(NbcCli, SwitchesHearOnlyTheirWord)
 {
     ToolRun run("-b -nbc net.nbc");

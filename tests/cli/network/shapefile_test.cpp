@@ -202,6 +202,36 @@ TEST(NbcShp, ASourceOfA1dTabLayerKeepsItsName)
     EXPECT_TRUE(run.has("a.csv"));
 }
 
+TEST(NbcShp, QuotesInNamesStayInTablesAndAreDoubledInLines)
+{
+    const auto giveBranch = [](ToolRun& run) {
+        giveShpLayer(run, "1d_br_s", kPolyline, {shpLine({0, 10, 40, 10})}, kBranchFields,
+                     {{R"("R", up)", "0.5", "T", "0", R"(a"b)"}});
+    };
+    ToolRun tables("-b -nbc net.nbc");
+    giveBranch(tables);
+    giveShpLayer(tables, "1d_cut_s", kPolyline, {shpLine({20, 6, 20, 14})}, kCutFields,
+                 {{R"("s")", "-1", "T", "T", "", "", "0"}});
+    tables.give("net.nbc", "Read GIS Branch == 1d_br_s.shp\nRead GIS XS == 1d_cut_s.shp\n");
+    tables.start();
+    EXPECT_TRUE(tables.says(R"(Polyline 1 with name ""R", up")"));
+    EXPECT_THAT(recordsOf(tables, "1d_nwk_s_L.dbf", 20),
+                testing::ElementsAre(nwkFields(R"("R", up)", R"(a"b)", "T", "0.500", "0.000")));
+    EXPECT_THAT(recordsOf(tables, "1d_xs_s_L.dbf", 12), testing::ElementsAre(xsFields(R"("s".csv)", "-1.000")));
+    EXPECT_TRUE(tables.has(R"("s".csv)"));
+
+    ToolRun lines("-b -nbc net.nbc");
+    giveBranch(lines);
+    giveLayer(lines, "1d_tab_s", kTabColumns, pline({20, 6, 20, 14}),
+              R"("""s""","""X","f""","c""1",,,,,"""""6",-1,0,0)"
+              "\n");
+    lines.give("net.nbc", "Read GIS Branch == 1d_br_s.shp\nRead GIS XS == 1d_tab_s.mif\nOutput NWK == n.mif\n");
+    lines.start();
+    EXPECT_EQ(lines.read("n.mid"), nwkRecord(R"(""R"", up)", R"(a""b)", "T", "0.500", "0.000"));
+    EXPECT_EQ(lines.read("1d_xs_s.mid"), R"("""s"".csv","""X","f""","c""1","","","","","""""6",-1.000,0.000,0.000)"
+                                         "\r\n");
+}
+
 TEST(NbcShp, CombinedPolylinesAreRefused)
 {
     const std::string parts = partsRecord(kPolyline, {0, 2}, {0, 0, 1, 1, 2, 2, 3, 3});

@@ -1,6 +1,7 @@
 // The polygon method.
 #include "support/ops_consoles.h"
 #include "support/rainfall_files.h"
+#include "support/shp_bytes.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -276,6 +277,20 @@ TEST(RainfallPointsCli, RefusesRecordsThatCannotBeRead)
     EXPECT_CONSOLE_HOLDS(
         run, {"ERROR - Extracting attribute data for GIS object.  Data: a,one,1", "", "Press Enter to Close"});
     EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(RainfallPointsCli, QuotesInTheNameOfATableDoNotHideItsFactors)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveRainfall(run, kRainfallGrid + "Rainfall Hyetograph Mill, east == a.csv\nRainfall Hyetograph b == b.csv\n" +
+                          "RF Interpolation Method == IDW\nRead GIS RF Points == gauges.shp\n");
+    run.give("gauges.shp", shpBytes(1, {pointRecord(95, 205), pointRecord(135, 205)}));
+    run.give("gauges.dbf", dbfHeader(2, {{"NAME", 'C', 13}, {"F1", 'N', 1}, {"F2", 'N', 1}}) +
+                               " \"Mill\", east 02 b            11\x1A");
+    run.give("gauges.prj", "PROJCS[\"x\"]\n");
+    run.start();
+    EXPECT_TRUE(run.says("WARNING - F1 rainfall factor of 0 set to 1. RF Name: \"Mill\", east"));
+    EXPECT_TRUE(run.says("Finished."));
 }
 
 TEST(RainfallPointsCli, ACommaAtTheEndOfARecordHoldsAnEmptyFactor)

@@ -382,6 +382,26 @@ TEST(BrklineCli, OptionsHoldTwentyCharacters)
                 testing::Each("          44.000,   0.000,   0.000,\"abcdefghijklmnopqrst\""));
 }
 
+TEST(BrklineCli, QuotesInOptionsAreDoubledInEveryRecord)
+{
+    ToolRun circle("-b -brkline b.mif -check dem.asc");
+    giveLines(circle, kCentreLine, "0,100,3.8,\"Max \"\"A\"\"\"\n");
+    circle.start();
+    EXPECT_THAT(circle.read("b_brkline.mid"),
+                testing::StartsWith("          66.000,   0.000,   0.000,\"Max \"\"A\"\"\"\r\n"));
+    EXPECT_THAT(circle.read("b_brkline.mid"),
+                testing::EndsWith("       99999.000,   0.000,   3.800,\"Max \"\"A\"\"\"\r\n"));
+    EXPECT_THAT(circle.read("b_check.mid"), testing::StartsWith("   66.000,       1\",\"Max \"\"A\"\"\"\r\n"
+                                                                "          66.000,       9,\"Max \"\"A\"\"\"\r\n"));
+
+    ToolRun across("-b -brkline b.mif -check dem.asc");
+    giveLines(across, "Pline 2\n2 5\n8 5\n", "0,3,4,\"Max Perp\"\"\"\n");
+    across.start();
+    EXPECT_THAT(
+        across.read("b_check.mid"),
+        testing::StartsWith("99999.000,     -99\",\"Max Perp\"\"\"\r\n   82.000,       1\",\"Max Perp\"\"\"\r\n"));
+}
+
 TEST(BrklineCli, EmptyValuesAreNothing)
 {
     ToolRun run("-b -brkline b.mif dem.asc");
@@ -523,6 +543,19 @@ TEST(BrklineCli, AShapefileGivesShapefiles)
         }
     }
     EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(BrklineCli, QuotesInTheOptionsOfAShapefileStay)
+{
+    ToolRun run("-b -brkline r_L.shp -check dem.asc");
+    giveShpLine(run, "r_L", {4.5, 4.5, 5.5, 4.5}, "   7 100 3.8Max \"A\" ");
+    run.start();
+    EXPECT_THAT(tableOf(run.read("r_brkline_L.dbf")),
+                testing::Contains("        99999.000           0.000           3.800Max \"A\"             "));
+    EXPECT_THAT(tableOf(run.read("r_check_P.dbf")),
+                testing::Contains("           66.000      1\"Max \"A\"             "));
+    EXPECT_THAT(tableOf(run.read("r_check_R.dbf")),
+                testing::Contains("           66.000       9Max \"A\"             "));
 }
 
 TEST(BrklineCli, AShapefileOfAnotherTailKeepsItsName)

@@ -533,6 +533,28 @@ TEST(CpCli, TheResultTakesTheKindOfItsNameAndTheLinesThatOfTheLayer)
     EXPECT_TRUE(run.has("d_P.shp") && run.has("d_Cn.mif") && run.has("d.csv"));
 }
 
+TEST(CpCli, QuotesInLabelsAreDoubledInLinesAndSingleInTables)
+{
+    const std::string row = R"("the ""left"", bank",   40.500,   44.000,    3.500,    0.500)"
+                            "\r\n";
+    ToolRun layer("-b -cp p.mif -cpsd4 -out d.shp dem.asc");
+    giveMarks(layer, "Point 4.3 4.4\n",
+              R"(40.5,"the ""left"", bank")"
+              "\n");
+    layer.start();
+    EXPECT_EQ(layer.read("d.csv"), std::string(kHeading) + row);
+    EXPECT_THAT(
+        tableOf(layer.read("d_P.dbf")),
+        testing::Contains(R"(           40.500the "left", bank              44.000           3.500           0.500)"));
+
+    ToolRun table("-b -cp p.shp -cpsd4 -out d.mif dem.asc");
+    giveShpMarks(table, {pointRecord(4.3, 4.4)}, {{"OBS", 'N', 6}, {"MARK", 'C', 18}}, {R"(  40.5the "left", bank  )"});
+    table.start();
+    EXPECT_EQ(table.read("d.csv"), std::string(kHeading) + row);
+    EXPECT_EQ(table.read("d.mid"), R"(   40.500,"the ""left"", bank",   44.000,    3.500,    0.500)"
+                                   "\r\n");
+}
+
 // --- Layers that are refused -----------------------------------------------------------------------------------------
 
 TEST(CpCli, AMifWithoutAttributesIsRefusedByItsReader)

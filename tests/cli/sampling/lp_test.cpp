@@ -152,6 +152,17 @@ TEST(LpCli, CheckWritesTheSearchLinesAndTheCellsFound)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(LpCli, QuotesInLabelsAreDoubledInTheCheckLayer)
+{
+    ToolRun run("-b -lp l.mif -lpmd6 -cpsd4 -check dem.asc");
+    giveLines(run, kMain, "\"the \"\"main\"\"\"\n");
+    run.start();
+    EXPECT_TRUE(run.has("l_the \"main\".csv"));
+    EXPECT_THAT(run.read("l_LP_check.mid"), StartsWith("99999.000,\"Invert\",\"the \"\"main\"\"\",       0.000\r\n"));
+    EXPECT_THAT(run.read("l_LP_check.mid"),
+                HasSubstr("   38.000,\"Right Bank\",\"the \"\"main\"\"\",       6.000\r\n"));
+}
+
 TEST(LpCli, ASearchOffTheGridFindsNothingAndLeavesItsPlacesAtZero)
 {
     ToolRun run("-b -lp l.mif -lpmd100 -cpsd4 -check dem.asc");
@@ -312,6 +323,17 @@ TEST(LpCli, AShapefileGivesShapefiles)
         EXPECT_TRUE(run.has(name)) << name;
     }
     EXPECT_NO_OTHER_FILES(run);
+}
+
+TEST(LpCli, QuotesInTheLabelOfAShapefileStayInItsCheckLayer)
+{
+    ToolRun run("-b -lp l.shp -lpmd6 -cpsd4 -check dem.asc");
+    giveShpLine(run, partsRecord(3, {0}, {2, 5, 8, 5}));
+    run.give("l.dbf", dbfHeader(1, {{"LABEL", 'C', 6}}) + " \"a\",b \x1A");
+    run.start();
+    EXPECT_TRUE(run.has("l_\"a\",b.csv"));
+    EXPECT_THAT(run.read("l_LP_check_P.dbf"),
+                HasSubstr("Invert " + std::string(243, ' ') + "\"a\",b " + std::string(244, ' ')));
 }
 
 TEST(LpCli, APolylineOfPartsInAShapefileEndsTheRun)

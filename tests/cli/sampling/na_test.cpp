@@ -418,6 +418,15 @@ TEST(NaCli, AShapefileGivesTheSameTable)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(NaCli, QuotesInTheIdentifierOfAShapefileAreInTheNameOfItsTable)
+{
+    ToolRun run("-b -na n.shp dem.asc");
+    giveShpRegion(run, "\"p\" x\"  abcdefgh  1  2 1.1");
+    run.start();
+    EXPECT_TRUE(run.says("Writing nodal-area data to: \"p\" x\""));
+    EXPECT_TRUE(run.has("\"p\" x\""));
+}
+
 TEST(NaCli, ABlankMinimumOfAShapefileIsNone)
 {
     ToolRun run("-b -na n.shp dem.asc");

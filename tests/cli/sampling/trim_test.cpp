@@ -428,6 +428,16 @@ TEST(TrimCli, AShapefileCutsLikeAMif)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(TrimCli, QuotesInTheNameOfAPolygonAreInThatOfItsGrid)
+{
+    ToolRun run("-b -trim l.shp dem.asc");
+    run.give("dem.asc", ascGrid(numbered(6, 8)));
+    giveShpLayer(run, {kFirstRecord}, {"\"a\" b\"c"});
+    run.start();
+    EXPECT_TRUE(run.says("Writing output to: \"a\" b\"c_dem"));
+    EXPECT_TRUE(run.has("\"a\" b\"c_dem.asc"));
+}
+
 TEST(TrimCli, APolygonOfTwoRingsEndsTheRun)
 {
     ToolRun run("-trim l.shp a.asc");

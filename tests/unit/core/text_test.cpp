@@ -242,6 +242,8 @@ TEST(Doublequote, DoublesDoubleQuotesOnly)
 {
     EXPECT_EQ(DOUBLEQUOTE(R"(a "b" 'c')"), R"(a ""b"" 'c')");
     EXPECT_EQ(DOUBLEQUOTE(R"("")"), R"("""")");
+    EXPECT_EQ(quotedValue(R"(a "b" 'c')"), R"("a ""b"" 'c'")");
+    EXPECT_EQ(quotedValue(""), R"("")");
 }
 
 TEST(Alphanumericonly, ReplacesOrDropsTheRest)

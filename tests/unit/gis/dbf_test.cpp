@@ -120,6 +120,20 @@ TEST(DbfReading, BlankValuesAreEmpty)
               "[\"\",,]\n[] end\n");
 }
 
+TEST(DbfReading, DoublesQuotesInsideTexts)
+{
+    const std::vector<DbfColumn> columns = {{"C", 'C', 4}, {"N", 'N', 3}, {"D", 'c', 2}};
+    EXPECT_EQ(linesOf(dbfHeader(3, columns) + R"( a"b  1")" + R"(" )" + R"( "",  2 it)" + R"( 5' " 3 ' )" + kEnd),
+              R"(["a""b", 1","""")"
+              "]\n"
+              R"([""""",", 2,"it")"
+              "]\n"
+              R"(["5' """, 3,"'")"
+              "]\n[] end\n");
+    // Cut between the two of a pair as well.
+    EXPECT_EQ(linesOf(dbfHeader(1, columns) + R"( a"b  1.  )" + kEnd, 3), "[\"a\"]\n[] end\n");
+}
+
 TEST(DbfReading, PassesOverDeletedRecords)
 {
     const std::string header = dbfHeader(2, {{"N", 'N', 1}});

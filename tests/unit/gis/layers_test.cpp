@@ -530,6 +530,18 @@ TEST(TrackedLayers, StandInWorkspaceAndLayer)
                                                       at + "s.shp\"\r\n");
 }
 
+TEST(TrackedLayers, QuotesInNamesAreDoubledInTheRecord)
+{
+    const ScratchFolder folder;
+    giveMif(folder, "a\"b", kPointBody);
+    consoleOf(folder, [] {
+        gisInitialise(-1, "", "", "in");
+        gisOpenLayer("a\"b.mif", "", "I ");
+        gisCloseTracking();
+    });
+    EXPECT_THAT(folder.read("in_input_layers.mid"), testing::EndsWith("/a\"\"b.mif\"\r\n"));
+}
+
 TEST(TrackedLayers, PastTheLimitThereIsAWarning)
 {
     const ScratchFolder folder;
