@@ -88,14 +88,6 @@ FileStream& FileStream::operator=(FileStream&& other) noexcept
     return *this;
 }
 
-bool FileStream::isSameFile(std::string_view name) const
-{
-    struct stat mine = {};
-    struct stat other = {};
-    return isOpen() && fstat(descriptor_, &mine) == 0 && stat(systemName(name).c_str(), &other) == 0 &&
-           mine.st_dev == other.st_dev && mine.st_ino == other.st_ino;
-}
-
 bool FileStream::close()
 {
     if (!isOpen()) {

@@ -1,9 +1,12 @@
 // One open file behind a unit: a descriptor and a buffer that either reads ahead or collects what is written.
 #pragma once
 
+#include "host/file_identity.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -25,8 +28,9 @@ public:
 
     bool isOpen() const { return descriptor_ >= 0; }
     const std::string& name() const { return name_; }
-    // The same file of the operating system as `name`, whatever the names?
-    bool isSameFile(std::string_view name) const;
+    bool isOutput() const { return direction_ == Direction::out; }
+    // Nothing when closed.
+    std::optional<FileIdentity> identity() const { return identityOf(descriptor_); }
     // Writes what is buffered and closes; false when either fails.
     [[nodiscard]] bool close();
 

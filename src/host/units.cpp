@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -33,6 +34,7 @@ struct UnitTable {
     std::int32_t lastNamed = kFreeUnits;
     std::array<UnitEntry, kNamedUnits> named;
     std::vector<UnitEntry> free;
+    std::set<FileIdentity> written; // output files that were closed in this run
     bool writeFailed = false;
 };
 
@@ -89,9 +91,20 @@ void requireWritten(bool written, Unit unit)
     }
 }
 
+void noteWritten(const FileStream& stream)
+{
+    const std::optional<FileIdentity> file = stream.identity();
+    if (file && file->regular) { // what goes to a pipe or a device is not replaced by more
+        table().written.insert(*file);
+    }
+}
+
 void closeEntry(UnitEntry& entry)
 {
     entry.kind = 0;
+    if (entry.stream.isOutput()) {
+        noteWritten(entry.stream);
+    }
     // A run that ends because of a full disk closes its other files on that disk: one message is enough.
     if (!entry.stream.close() && !table().writeFailed) {
         failWrite(entry);
@@ -179,9 +192,10 @@ void askName(std::string& name, std::string_view type)
 // False when the file is open already and is to stay so.
 bool releaseOpenFile(const std::string& name)
 {
+    const std::optional<FileIdentity> file = identityOfOutput(name);
     bool released = true;
     forEachOpen([&](UnitEntry& entry) {
-        if (released && entry.stream.isSameFile(name)) {
+        if (released && file && entry.stream.identity() == file) {
             endLine();
             say("");
             const std::string answer = ask(join(name, " is already open, close it? "));
@@ -192,6 +206,17 @@ bool releaseOpenFile(const std::string& name)
         }
     });
     return released;
+}
+
+// One warning each time that a file is written again, although layers open some of their files twice. Files of one base
+// name share a .prj, which is replaced without a word.
+void warnOfReplacement(const std::string& name, WriteStart start)
+{
+    const std::optional<FileIdentity> file = identityOfOutput(name);
+    if (start == WriteStart::append || FILEEXT(name) == ".prj" || !file || table().written.erase(*file) == 0) {
+        return;
+    }
+    say("WARNING - Output file was already written in this run and is replaced: ", name);
 }
 
 int openOutput(const std::string& name, WriteStart start)
@@ -230,6 +255,9 @@ bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& nam
             askName(name, type);
         }
         name = CLEANPATH(name);
+        if (how->direction == Direction::out) {
+            warnOfReplacement(name, how->start);
+        }
         sayOpen("Trying to open file ", name, "...");
         if (how->direction == Direction::in) {
             const std::optional<std::string> input = findInput(name);
@@ -316,6 +344,16 @@ void closeAllUnits(bool announce)
         say("Closing all file units...");
     }
     forEachOpen(closeEntry);
+}
+
+bool isOpenAsInput(std::string_view name)
+{
+    const std::optional<FileIdentity> file = identityOfOutput(name);
+    bool found = false;
+    forEachOpen([&](const UnitEntry& entry) {
+        found = found || (file && !entry.stream.isOutput() && entry.stream.identity() == file);
+    });
+    return found;
 }
 
 const std::string& unitName(Unit unit)

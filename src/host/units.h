@@ -26,6 +26,9 @@ void CLOSER(Unit& unit);
 // Closes every open unit, with or without the console line "Closing all file units...".
 void closeAllUnits(bool announce);
 
+// The file that `name` would be written to is open for input.
+bool isOpenAsInput(std::string_view name);
+
 const std::string& unitName(Unit unit);
 // 101 for .mif, 102 for .mid, 111 for .12da, else 0.
 std::int32_t unitKind(Unit unit);

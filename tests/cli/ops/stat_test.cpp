@@ -209,9 +209,11 @@ TEST(StatCli, ARepeatedRankIsWrittenTwice)
     ToolRun run("-statRank1 -statRank1 a.asc b.asc c.asc");
     giveThree(run);
     run.start();
+    const std::string again = "WARNING - Output file was already written in this run and is replaced: a_Rank1_Val.asc";
     EXPECT_CONSOLE_HOLDS(run, joined({announced("Writing rank values to: ", "a_Rank1_Val"),
                                       announced("Writing rank / median source file to: ", "a_Rank1_Src"),
-                                      announced("Writing rank values to: ", "a_Rank1_Val")}));
+                                      {"Writing rank values to: a_Rank1_Val", again,
+                                       "Trying to open file a_Rank1_Val.asc...OK.  File Unit:1001"}}));
     EXPECT_GRID(run, "a_Rank1_Val.asc", {{1, kNull, kNull, 5}});
 }
 

@@ -306,6 +306,68 @@ TEST(Opener, AsksBeforeItTakesAFileThatIsOpen)
     EXPECT_EQ(never.console, head + again + "\nPress Enter to Close\n");
 }
 
+const std::string kReplaced = "WARNING - Output file was already written in this run and is replaced: ";
+
+// Opens each name in turn in its mode, and closes it at once.
+std::string openInTurn(const ScratchFolder& folder, const std::vector<std::pair<const char*, const char*>>& files)
+{
+    return runInChild(folder,
+                      [&] {
+                          for (const auto& [mode, name] : files) {
+                              Unit unit = 0;
+                              OPENER(unit, mode, name);
+                              CLOSER(unit);
+                          }
+                      })
+        .console;
+}
+
+const std::string kWritten = "OK.  File Unit:1001\n...Closed File Unit:1001\n";
+
+TEST(Opener, WarnsEachTimeItReplacesAFileOfThisRun)
+{
+    const ScratchFolder folder;
+    for (const char* mode : {"O ", "F ", "UO", "BO", "BN", "S ", "SB", "SE", "IO"}) {
+        const std::string again = kReplaced + "./a.txt\nTrying to open file ./a.txt..." + kWritten;
+        EXPECT_EQ(openInTurn(folder, {{"O ", "a.txt"}, {mode, ".//a.txt"}, {mode, ".//a.txt"}}),
+                  "Trying to open file a.txt..." + kWritten + again + again)
+            << mode;
+    }
+}
+
+TEST(Opener, DoesNotWarnOfWhatIsNotReplaced)
+{
+    const ScratchFolder folder;
+    folder.give("older.txt", "");
+    const auto opened = [](const std::string& name) { return "Trying to open file " + name + "..." + kWritten; };
+    EXPECT_EQ(openInTurn(folder, {{"O ", "older.txt"}}), opened("older.txt"));
+    EXPECT_EQ(openInTurn(folder, {{"O ", "a.txt"}, {"A ", "a.txt"}, {"AB", "a.txt"}}),
+              opened("a.txt") + opened("a.txt") + opened("a.txt"));
+    EXPECT_EQ(openInTurn(folder, {{"O ", "a.PRJ"}, {"O ", "a.PRJ"}}), opened("a.PRJ") + opened("a.PRJ"));
+    EXPECT_EQ(openInTurn(folder, {{"O ", "/dev/null"}, {"O ", "/dev/null"}}),
+              opened("/dev/null") + opened("/dev/null"));
+    EXPECT_EQ(openInTurn(folder, {{"I ", "a.txt"}, {"O ", "a.txt"}}),
+              "Trying to open file a.txt...OK.\nOpened File Unit:1001\n...Closed File Unit:1001\n" + opened("a.txt"));
+}
+
+TEST(Opener, WarnsOnceWhereTwoUnitsWriteOneFile)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "O ", "a.shp");
+        CLOSER(unit);
+        Unit little = 0;
+        Unit big = 0;
+        OPENER(little, "SB", "a.shp");
+        OPENER(big, "SE", "a.shp");
+    });
+    EXPECT_EQ(run.console, "Trying to open file a.shp..." + kWritten + kReplaced +
+                               "a.shp\n"
+                               "Trying to open file a.shp...OK.  File Unit:1001\n"
+                               "Trying to open file a.shp...OK.  File Unit:1002\n");
+}
+
 TEST(Opener, StopsAtThe1001stFile)
 {
     ScratchFolder folder;
