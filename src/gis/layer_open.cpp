@@ -5,6 +5,7 @@
 #include "gis/layer_table.h"
 #include "gis/layer_tracking.h"
 #include "gis/mif_reader.h"
+#include "host/ends.h"
 #include "host/file_system.h"
 #include "host/messages.h"
 
@@ -103,6 +104,12 @@ void compareShpProjection(Unit& prjUnit, const std::string& prjName)
     gisWarn(join("WARNING", text));
 }
 
+// The .shp of a layer's set for one type of shape.
+std::string setName(std::string_view name, std::string_view letter)
+{
+    return join(FILENAMEPATH(name), "_", letter, ".shp");
+}
+
 void openShpForInput(const std::string& shpName, ShpFile& shp)
 {
     const std::string prjName = FILENAMEPATH(shpName) + ".prj";
@@ -142,7 +149,7 @@ bool openShpFile(std::string_view name, std::string_view letter, DbfTable& dbf, 
             gisMisuse("[OpenshpFileO]");
         }
         if (!letter.empty()) {
-            shpName = join(FILENAMEPATH(name), "_", letter, ".shp");
+            shpName = setName(name, letter);
         }
         if (isInput(mode)) {
             if (!letter.empty() && !inputExists(shpName)) {
@@ -175,9 +182,23 @@ const ShapeFamily& shapeFamily(char letter)
     gisMisuse("[OpenshpFileType]");
 }
 
+// All sets are looked at before the first one is opened: to open an input for output would empty its .prj and .dbf.
+void requireNoInputSet(std::string_view name, std::string_view shapeTypes, bool attributesOnly)
+{
+    for (const char& letter : shapeTypes) {
+        const std::string base = FILENAMEPATH(attributesOnly ? std::string(name) : setName(name, {&letter, 1}));
+        for (const std::string_view extension : {".shp", ".shx", ".prj", ".dbf"}) {
+            if ((!attributesOnly || extension == ".dbf") && isOpenAsInput(join(base, extension))) {
+                fail("ERROR - Output layer is also an input layer: ", name);
+            }
+        }
+    }
+}
+
 void openShpOutputs(std::string_view name, std::string_view shapeTypes, Layer& slot, std::string_view mode,
                     bool attributesOnly)
 {
+    requireNoInputSet(name, shapeTypes, attributesOnly);
     for (const char& letter : shapeTypes) {
         const ShapeFamily& family = shapeFamily(letter);
         slot.shpFiles[family.index].shapeType = family.shapeType;

@@ -131,19 +131,27 @@ void requireComplete(const GridHeader& header, const Placement& placement)
     }
 }
 
+bool isBinary(std::string_view name)
+{
+    return FILEEXT(name) == ".flt";
+}
+
 } // namespace
+
+std::vector<std::string> gridInputFiles(std::string_view name)
+{
+    if (isBinary(name)) {
+        return {join(FILEFOLDERPATH(name), FILENAME(name), ".hdr"), std::string(name)};
+    }
+    return {std::string(name)};
+}
 
 GridHeader readGridHeader(std::string_view name)
 {
     GridHeader header;
     header.projectionText = readProjection(name);
-    if (FILEEXT(name) == ".flt") {
-        header.format = kFormatFlt;
-        OPENER(header.unit, "I ", join(FILEFOLDERPATH(name), FILENAME(name), ".hdr"));
-    } else {
-        header.format = kFormatAsc;
-        OPENER(header.unit, "I ", name);
-    }
+    header.format = isBinary(name) ? kFormatFlt : kFormatAsc;
+    OPENER(header.unit, "I ", gridInputFiles(name).front());
 
     Placement placement;
     readKeywords(header, placement);

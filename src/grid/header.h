@@ -4,9 +4,14 @@
 #include "grid/grid.h"
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace gridforge {
+
+// The files that the grid `name` is read from: its .hdr, where it has one, and itself.
+std::vector<std::string> gridInputFiles(std::string_view name);
 
 // Reads the header of the grid `name`. Leaves the .asc open at its first line of cells, or the .hdr open. What cannot
 // be read or is not complete ends the run with its message.

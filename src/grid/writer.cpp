@@ -61,10 +61,10 @@ void writeAscCells(Unit unit, const Grid& cells, std::int32_t decimals)
     say("Finished writing ASC grid.");
 }
 
-void writeFltCells(std::string_view base, const Grid& cells)
+void writeFltCells(std::string_view name, const Grid& cells)
 {
     Unit unit = 0;
-    OPENER(unit, "BO", join(base, ".flt"));
+    OPENER(unit, "BO", name);
     say("Writing FLT grid...");
     const auto bytes = std::as_bytes(cells.cells());
     reserveBytes(unit, static_cast<std::int64_t>(bytes.size()));
@@ -86,6 +86,14 @@ void writeProjection(std::string_view base, std::string_view projectionText)
 
 } // namespace
 
+std::vector<std::string> gridOutputFiles(std::int32_t format, std::string_view base)
+{
+    if (format == kFormatAsc) {
+        return {join(base, ".asc")};
+    }
+    return {join(base, ".hdr"), join(base, ".flt")};
+}
+
 void writeGrid(std::int32_t format, std::string_view base, const GridHeader& header, const Grid& cells,
                std::string_view projectionText, std::int32_t decimals)
 {
@@ -96,7 +104,8 @@ void writeGrid(std::int32_t format, std::string_view base, const GridHeader& hea
         fail("ERROR - Number of decimal places exceeds maximum: ", kMaxDecimals);
     }
     Unit unit = 0;
-    OPENER(unit, "O ", join(base, format == kFormatAsc ? ".asc" : ".hdr"));
+    const std::vector<std::string> files = gridOutputFiles(format, base);
+    OPENER(unit, "O ", files.front());
     writeHeaderLines(unit, header);
     if (format == kFormatAsc) {
         writeAscCells(unit, cells, decimals < 0 ? kDefaultDecimals : decimals);
@@ -104,7 +113,7 @@ void writeGrid(std::int32_t format, std::string_view base, const GridHeader& hea
     } else {
         writeLine(unit, "byteorder LSBFIRST");
         CLOSER(unit);
-        writeFltCells(base, cells);
+        writeFltCells(files.back(), cells);
     }
     writeProjection(base, projectionText);
 }

@@ -4,7 +4,9 @@
 #include "grid/grid.h"
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace gridforge {
 
@@ -12,6 +14,9 @@ namespace gridforge {
 inline constexpr std::int32_t kDefaultDecimals = 3;
 // More would make a single field longer than the write buffer.
 inline constexpr std::int32_t kMaxDecimals = 1'000'000;
+
+// The files of the output grid `base`, without its .prj.
+std::vector<std::string> gridOutputFiles(std::int32_t format, std::string_view base);
 
 // Writes the grid `base` with the extension of `format` and, where `projectionText` is not blank, its .prj. Size,
 // corner, cell size and null are those of `header`; below 0 `decimals` counts as 3.

@@ -7,6 +7,10 @@
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "run/outputs.h"
+#include "run/still_to_read.h"
+
+#include <cstddef>
+#include <span>
 
 namespace gridforge {
 
@@ -29,7 +33,7 @@ std::int32_t convertedFormat(const RunSettings& settings, std::int32_t format)
     return kFormatAsc;
 }
 
-void convert(const RunSettings& settings, const std::string& name)
+void convert(const RunSettings& settings, const std::string& name, std::span<const InputGrid> stillToRead)
 {
     GridHeader header = readGridHeader(name);
     Grid cells;
@@ -38,6 +42,7 @@ void convert(const RunSettings& settings, const std::string& name)
 
     const std::int32_t format = convertedFormat(settings, header.format);
     const std::string base = outputNameRule(settings, name, "");
+    requireNoInput(format, base, stillToRead);
     writeGrid(format, base, header, cells, header.projectionText, settings.decimals);
 
     say("Deallocating memory...");
@@ -57,9 +62,10 @@ void runConv(const RunSettings& settings, const InputFileList& inputs)
         say("ERROR - Cannot use \"-out\" option when converting multiple grids.");
     }
     say("Processing ", AINTEGER(inputs.count()), " input grids.");
+    const std::vector<InputGrid> grids = inputGrids(inputs);
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         say("Proecsing File:", integerField(i, kIndexColumns), ": ", inputs[i]);
-        convert(settings, inputs[i]);
+        convert(settings, inputs[i], std::span(grids).subspan(static_cast<std::size_t>(i)));
     }
 }
 

@@ -14,13 +14,23 @@ namespace gridforge {
 namespace {
 
 // Levels and depths have been remapped by the method. The whole name is looked at, its folders too.
+bool namesLevels(std::string_view name)
+{
+    return FLAGEXISTS(name, "_h_");
+}
+
+bool namesDepths(std::string_view name)
+{
+    return FLAGEXISTS(name, "_d_");
+}
+
 bool isSkipped(std::string_view name)
 {
-    if (FLAGEXISTS(name, "_h_")) {
+    if (namesLevels(name)) {
         say("Skipping water level gird: ", name);
         return true;
     }
-    if (FLAGEXISTS(name, "_d_")) {
+    if (namesDepths(name)) {
         say("Skipping water depth gird: ", name);
         return true;
     }
@@ -37,6 +47,7 @@ void readExtra(RemapRun& run, std::string_view name)
     say("    OK.");
     say("Reading grid data");
     readGridCells(name, header, run.wlGrid);
+    run.stillToRead.erase(run.stillToRead.begin());
 }
 
 void extendExtra(RemapRun& run)
@@ -63,6 +74,17 @@ void takeNearest(RemapRun& run)
 }
 
 } // namespace
+
+std::vector<InputGrid> extraGridsToRead(const InputFileList& inputs, std::int32_t first)
+{
+    std::vector<InputGrid> grids;
+    for (std::int32_t i = first; i <= inputs.count(); ++i) {
+        if (!namesLevels(inputs[i]) && !namesDepths(inputs[i])) {
+            grids.push_back(inputGrid(inputs[i]));
+        }
+    }
+    return grids;
+}
 
 void remapExtraGrids(RemapRun& run, const InputFileList& inputs, std::int32_t first)
 {

@@ -155,19 +155,24 @@ void runMethod(RemapRun& run)
     }
 }
 
+void writeOutput(const RemapRun& run, const std::string& base, const GridHeader& header, const Grid& cells)
+{
+    requireNoInput(run.format, base, run.stillToRead);
+    writeGrid(run.format, base, header, cells, run.projectionText, run.settings.decimals);
+}
+
 } // namespace
 
 void writeFine(const RemapRun& run, std::string_view source, std::string_view suffix, const Grid& cells)
 {
     GridHeader header = run.terrain;
     header.null = run.null();
-    writeGrid(run.format, join(FILENAMEPATH(source), suffix), header, cells, run.projectionText, run.settings.decimals);
+    writeOutput(run, join(FILENAMEPATH(source), suffix), header, cells);
 }
 
 void writeCoarse(const RemapRun& run, std::string_view source, std::string_view suffix, const Grid& cells)
 {
-    writeGrid(run.format, join(FILENAMEPATH(source), suffix), run.coarse, cells, run.projectionText,
-              run.settings.decimals);
+    writeOutput(run, join(FILENAMEPATH(source), suffix), run.coarse, cells);
 }
 
 void startCellStates(RemapRun& run)
@@ -186,6 +191,7 @@ void runRemap(const RunSettings& settings, const InputFileList& inputs)
     const std::int32_t firstExtra = announceInputs(settings, inputs);
 
     RemapRun run(settings);
+    run.stillToRead = extraGridsToRead(inputs, firstExtra);
     loadWaterLevels(run);
     setExtentFlags(run);
     loadTerrain(run);

@@ -7,10 +7,12 @@
 #include "remap/tin.h"
 #include "run/inputs.h"
 #include "run/run_settings.h"
+#include "run/still_to_read.h"
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace gridforge {
 
@@ -35,6 +37,7 @@ struct RemapRun {
 
     std::int32_t format = kFormatAsc; // of all outputs
     std::string projectionText;       // of the grid whose header was read last, which that of the outputs is
+    std::vector<InputGrid> stillToRead;
 
     float null() const { return coarse.null; }
     CoarseLevels coarseLevels() const
@@ -58,6 +61,8 @@ void runNearestMethod(RemapRun& run);
 void runIdwMethod(RemapRun& run);
 void runTinMethod(RemapRun& run);
 
+// The grids of the list from the entry `first` on that remapExtraGrids reads.
+std::vector<InputGrid> extraGridsToRead(const InputFileList& inputs, std::int32_t first);
 // The grids of the list from the entry `first` on, by nearest cell and cut to the wet extent.
 void remapExtraGrids(RemapRun& run, const InputFileList& inputs, std::int32_t first);
 

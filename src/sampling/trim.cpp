@@ -13,10 +13,13 @@
 #include "host/console.h"
 #include "host/ends.h"
 #include "run/outputs.h"
+#include "run/still_to_read.h"
 #include "sampling/sampled_layer.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -164,6 +167,7 @@ void runTrim(const RunSettings& settings, const InputFileList& inputs)
     const std::vector<TrimRegion> regions = readRegions(settings.trimLayer);
 
     say("Processing ", inputs.count(), " input grids.");
+    const std::vector<InputGrid> grids = inputGrids(inputs);
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         const std::string& gridName = inputs[i];
         say("Proecsing File:", integerField(i, kFileColumns), ": ", gridName);
@@ -171,6 +175,7 @@ void runTrim(const RunSettings& settings, const InputFileList& inputs)
         Grid cells;
         allocateGrid(cells, header, "external grid...");
         readGridCells(gridName, header, cells);
+        const auto stillToRead = std::span(grids).subspan(static_cast<std::size_t>(i));
 
         for (const auto& [name, region] : regions) {
             const CellWindow wanted = regionWindow(region, header);
@@ -190,6 +195,7 @@ void runTrim(const RunSettings& settings, const InputFileList& inputs)
                 outputName(settings, FILENAMEPATH(gridName), name, inputs.count() > 1, regions.size() > 1);
             const std::int32_t format = ascUnlessSpecified(settings);
             say("Writing output to: ", target);
+            requireNoInput(format, target, stillToRead);
             writeGrid(format, target, outputHeader, output, header.projectionText, settings.decimals);
         }
     }

@@ -1,0 +1,48 @@
+#include "run/still_to_read.h"
+
+#include "grid/header.h"
+#include "grid/writer.h"
+#include "host/ends.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace gridforge {
+
+InputGrid inputGrid(const std::string& name)
+{
+    InputGrid grid{name, {}};
+    for (const std::string& file : gridInputFiles(name)) {
+        if (const std::optional<FileIdentity> identity = identityOfInput(file)) {
+            grid.files.push_back(*identity);
+        }
+    }
+    return grid;
+}
+
+std::vector<InputGrid> inputGrids(const InputFileList& inputs)
+{
+    std::vector<InputGrid> grids;
+    for (std::int32_t i = 1; i <= inputs.count(); ++i) {
+        grids.push_back(inputGrid(inputs[i]));
+    }
+    return grids;
+}
+
+void requireNoInput(std::int32_t format, std::string_view base, std::span<const InputGrid> stillToRead)
+{
+    for (const std::string& file : gridOutputFiles(format, base)) {
+        const std::optional<FileIdentity> output = identityOfOutput(file);
+        if (!output) {
+            continue;
+        }
+        const auto found = std::ranges::find_if(stillToRead, [&](const InputGrid& grid) {
+            return std::ranges::find(grid.files, *output) != grid.files.end();
+        });
+        if (found != stillToRead.end()) {
+            fail("ERROR - Output file is also an input file: ", found->name);
+        }
+    }
+}
+
+} // namespace gridforge
