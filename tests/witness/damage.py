@@ -143,15 +143,21 @@ def leads_out(before, after):
     return len(OUTSIDE.findall(after)) > len(OUTSIDE.findall(before))
 
 
+def slashes(data):
+    """How many separators of folders there are."""
+    return data.count(b"/") + data.count(b"\\")
+
+
 def damage_bytes(rng, name, data):
     """The damaged bytes of a file, and what was done; None where there is nothing to damage."""
     if not data:
         return None
     textual = "." + name.lower().rpartition(".")[2] in TEXTUAL or b"\0" not in data[:512]
+    dbf = name.lower().endswith(".dbf")  # holds names, but not in lines
     for _ in range(5):
         way = rng.choice(TEXT_BYTES if textual else BINARY_BYTES)
         changed = way(rng, data)
-        if changed != data and not (textual and leads_out(data, changed)):
+        if changed != data and not (textual and leads_out(data, changed)) and not (dbf and slashes(changed) > slashes(data)):
             return changed, way.__name__
     return None
 

@@ -18,7 +18,6 @@ BAYOU_LEVELS = "bayou/level_{10pct,2pct,1pct,0p2pct}.asc"
 CLASSES = "Limit,Name\n18,Low\n22,Medium\n30,High\n"
 COLOURS = "Limit,Name,R,G,B\n18,Low,0,0,255\n22,Medium,0,255,0\n30,High,255,0,0\n"
 SYMBOLS = "Up to,Shape,Colour,Size\n-0.3,35,255,12\n0.3,35,65280,12\n99999,35,16711680,12\n"
-NODAL_AREAS = "".join('"%s","Z","Node","1","2","3","4","5","6",0,0,0\n' % name for name in ("extent.csv", "houses.csv"))
 LAYERS = (".mif", ".shp")
 
 
@@ -45,8 +44,7 @@ def rainfall(names, cell, form, method):
 
 def points(dem):
     """Every 7th cell of the top of a grid as a text of points."""
-    with open(dem, encoding="latin-1") as source:
-        lines = source.read().split("\n")
+    lines = dem.split("\n")
     size = float(lines[4].split()[1])
     west, south = float(lines[2].split()[1]), float(lines[3].split()[1])
     rows = [line.split() for line in lines[6:66]]
@@ -63,6 +61,12 @@ def expand(data, patterns):
         for word in middle.split(",") if brace else ("",):
             names += sorted(os.path.relpath(path, data) for path in glob.glob(os.path.join(data, head + word + tail)))
     return names
+
+
+def text_of(data, name):
+    """A text file of the data."""
+    with open(os.path.join(data, name), encoding="latin-1") as source:
+        return source.read()
 
 
 def rows(data):
@@ -88,15 +92,16 @@ def rows(data):
     run(MEREWETHER_LEVELS, "-b -dif level_large.asc level_small.asc", "-b -dif level_large.asc level_small.asc -change -flt",
         "-b -dif level_large.asc level_small.asc -nowetdry -change", "-b -multiply level_large.asc level_medium.asc")
     run("merewether/{depth,velocity}_large.asc", "-b -multiply depth_large.asc velocity_large.asc -decimal6",
-        "-b -cd0.5 depth_large.asc velocity_large.asc out.asc")
+        "-b -cd0.5 depth_large.asc velocity_large.asc")
     for text, flags in ((CLASSES, ("", "-flt", "-grc")), (COLOURS, ("-RGB", "-RGB -grc", "-RGB -asc"))):
         run("merewether/dem.asc", *("-b -classify c.csv dem.asc " + flag for flag in flags), texts={"c.csv": text})
     run("merewether/dem.asc", "-b -histogram c.csv dem.asc", texts={"c.csv": CLASSES})
     for layer in LAYERS:
         sampling(run, layer)
-        areas(run, data, layer)
+        areas(run, layer)
+    nodal_areas(run, data)
     remap(run)
-    run("", "-b -xyz p.xyz", "-b -xyz p.xyz -flt -out grid", texts={"p.xyz": points(os.path.join(data, "delta/dem.asc"))})
+    run("", "-b -xyz p.xyz", "-b -xyz p.xyz -flt -out grid", texts={"p.xyz": points(text_of(data, "delta/dem.asc"))})
     for layer in LAYERS:
         rain(run, data, layer)
     return table
@@ -117,7 +122,7 @@ def sampling(run, layer):
         run("bayou/{sections,branches,dem}.*", "-b -nbc n.nbc", texts={"n.nbc": network(layer, more)}, folders=("csv",))
 
 
-def areas(run, data, layer):
+def areas(run, layer):
     """Regions on grids."""
     run("bayou/regions.* bayou/dem.asc", "-b -trim regions%s dem.asc" % layer, "-b -trim regions%s dem.asc -flt -out part" % layer)
     run("delta/lakes.* delta/dem_bin.*", "-b -trim lakes%s dem_bin.flt -decimal2" % layer)
@@ -125,12 +130,17 @@ def areas(run, data, layer):
     for method in ("Max", "Avg"):
         run("merewether/{buildings,curve,level}*", "-b -damages c.dmg", "-b -damages c.dmg -out d.shp",
             texts={"c.dmg": damages(layer, method)})
-    run("merewether/areas.* merewether/dem.asc", "-b -na areas%s dem.asc" % layer)
-    with open(os.path.join(data, "merewether/areas.mif"), encoding="latin-1") as source:
-        head, _, objects = source.read().partition("Columns")
-    columns = "Columns 12\n" + "".join("  C%d Char(20)\n" % i for i in range(12)) + "Data"
-    layer_of_nodes = head + columns + objects.partition("Data")[2]
-    run("merewether/dem.asc", "-b -na n.mif dem.asc", texts={"n.mif": layer_of_nodes, "n.mid": NODAL_AREAS})
+
+
+def nodal_areas(run, data):
+    """The first two regions by the bayou as nodes of a network: the third reaches over the edge of the grid."""
+    head, _, objects = text_of(data, "bayou/regions.mif").partition("Columns")
+    regions = objects.partition("Data")[2].split("Region")
+    columns = "Columns 12\n" + "".join("  c%d %s\n" % (i, "Char(50)" if i < 9 else "Float") for i in range(12))
+    for count in (2, 3):
+        layer = head + columns + "Data\n\n" + "".join("Region" + region for region in regions[1:count + 1])
+        records = "".join("%d.csv,a,b,c,d,e,f,g,h,0,0,%d\n" % (i, i) for i in range(count))
+        run("bayou/dem.asc", "-b -na n.mif dem.asc", texts={"n.mif": layer, "n.mid": records})
 
 
 def remap(run):
@@ -145,13 +155,19 @@ def remap(run):
 
 def rain(run, data, layer):
     """Rainfall by each method."""
-    names = sorted(path.split("rf_")[-1][:-4] for path in glob.glob(os.path.join(data, "rain/series/rf_*.csv")))
-    files = "rain/series/*.csv rain/gauge_points.* rain/gauge_areas.*"
+    names = [record.split(",")[0].strip('"G') for record in text_of(data, "rain/gauge_points.mid").split()]
+    corners = [line.split()[1:] for line in text_of(data, "rain/gauge_points.mif").split("\n") if line.startswith("Point")]
+    triangles = [corners[i:i + 3] for i in range(len(corners) - 2)]
+    head = text_of(data, "rain/gauge_points.mif").partition("Data")[0] + "Data\n\n"
+    texts = {"t.mif": head + "".join("Region 1\n4\n" + "".join(" ".join(corner) + "\n" for corner in triangle + triangle[:1])
+                                     for triangle in triangles),
+             "t.mid": "".join('"%d",1,1\n' % i for i in range(len(triangles)))}
     read_points = "Read GIS RF Points == gauge_points%s\n" % layer
     methods = ("RF Interpolation Method == Polygon\nRead GIS RF Polygon == gauge_areas%s\n" % layer,
+               "RF Interpolation Method == TIN\nRead GIS RF Triangle == t.mif\n" + read_points,
                "RF Interpolation Method == IDW\nIDW Max Points == 4\n" + read_points,
                "RF Interpolation Method == IDW\nIDW Exponent == 3\nIDW Max Distance == 2500\n" + read_points)
     for form in ("ASC", "FLT", "NC"):
         for method in methods:
-            run(files, "-b -rf c.rfc", texts={"c.rfc": rainfall(names, 100, form, method)})
-    run(files, "-b -rf c.rfc -decimal1", texts={"c.rfc": rainfall(names, 250, "ASC", methods[0])})
+            run("rain/series/*.csv rain/gauge_points.* rain/gauge_areas.*", "-b -rf c.rfc",
+                texts={"c.rfc": rainfall(names, 100, form, method), **texts})

@@ -236,6 +236,7 @@ void run(Request& request)
 
 int main()
 {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     sigset_t ends;
     sigemptyset(&ends);
     sigaddset(&ends, SIGCHLD);

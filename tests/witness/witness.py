@@ -10,6 +10,7 @@ console, standard error, exit, the files with their permissions, and peak memory
 import argparse
 import multiprocessing
 import os
+import queue
 import random
 import re
 import shutil
@@ -199,21 +200,37 @@ def run_all(options, plan, reference_tool, root):
     last = one_only + 1 if one_only is not None else len(plan.inputs) if seconds == 0 else sys.maxsize
     deadline = time.monotonic() + seconds if seconds > 0 else float("inf")
     counter = multiprocessing.Value("q", one_only or 0)
-    results = multiprocessing.SimpleQueue()
+    results = multiprocessing.Queue()
     workers = [multiprocessing.Process(daemon=True, target=lambda i=i: Worker(
         options, plan, reference_tool, os.path.join(root, "w%d" % i), results).work(counter, last, deadline)) for i in range(jobs)]
-    for worker in workers:
-        worker.start()
     told = report.Report(options, plan, reference_tool is None)
-    while jobs > 0:
-        result = results.get()
+    try:
+        for worker in workers:
+            worker.start()
+        collect(results, workers, told)
+    finally:
+        for worker in workers:
+            worker.terminate()
+            worker.join()
+    return told
+
+
+def collect(results, workers, told):
+    """Takes results until all workers have ended."""
+    working = len(workers)
+    while working > 0:
+        try:
+            result = results.get(timeout=10)
+        except queue.Empty:
+            if any(worker.exitcode for worker in workers):
+                raise Failure("a worker was killed") from None
+            continue
         if result is None:
-            jobs -= 1
+            working -= 1
         elif isinstance(result, str):
             raise Failure(result)
         else:
             told.add(result)
-    return told
 
 
 def default_seed():
@@ -223,6 +240,7 @@ def default_seed():
 
 def main():
     options = arguments()
+    sys.stdout.reconfigure(errors="backslashreplace")  # names of files may be any bytes
     root = None
     try:
         reference_tool = None
