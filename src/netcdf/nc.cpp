@@ -1,5 +1,6 @@
 #include "netcdf/nc.h"
 
+#include "core/computed.h"
 #include "core/names.h"
 #include "core/product.h"
 #include "grid/header.h"
@@ -213,7 +214,7 @@ std::vector<double> farEdges(double corner, double cellsize, std::int32_t count)
 {
     std::vector<double> edges(static_cast<std::size_t>(count));
     for (std::size_t k = 0; k < edges.size(); ++k) {
-        edges[k] = corner + static_cast<double>(k + 1) * cellsize;
+        edges[k] = stored(corner + static_cast<double>(k + 1) * cellsize);
     }
     return edges;
 }

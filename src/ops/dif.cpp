@@ -1,5 +1,6 @@
 #include "ops/dif.h"
 
+#include "core/computed.h"
 #include "core/names.h"
 #include "grid/header.h"
 #include "grid/writer.h"
@@ -25,7 +26,7 @@ void subtractActive(const DifGrid& first, const DifGrid& second, std::span<float
     const float nullA = first.null;
     const float nullB = second.null;
     for (std::size_t i = 0; i < difference.size(); ++i) {
-        const float less = a[i] - b[i];
+        const float less = stored(a[i] - b[i]);
         out[i] = ((a[i] != nullA) & (b[i] != nullB)) ? less : nullA;
     }
 }
@@ -41,8 +42,8 @@ void subtractChange(const DifGrid& first, const DifGrid& second, std::span<float
     for (std::size_t i = 0; i < difference.size(); ++i) {
         const bool activeA = a[i] != nullA;
         const bool activeB = b[i] != nullB;
-        const float less = a[i] - b[i];
-        const float fall = 0.0F - b[i];
+        const float less = stored(a[i] - b[i]);
+        const float fall = stored(0.0F - b[i]);
         const float alone = activeA ? a[i] : nullA;
         const float withB = activeA ? less : fall;
         out[i] = activeB ? withB : alone;
@@ -62,7 +63,7 @@ void subtractWetDry(const DifGrid& first, const DifGrid& second, std::span<float
     for (std::size_t i = 0; i < difference.size(); ++i) {
         const bool activeA = a[i] != nullA;
         const bool activeB = b[i] != nullB;
-        const float less = a[i] - b[i];
+        const float less = stored(a[i] - b[i]);
         const float onlyOne = activeA ? kOnlyFirstActive : kOnlySecondActive;
         out[i] = (activeA & activeB) ? less : nullA;
         classes[i] = activeA != activeB ? onlyOne : nullA;

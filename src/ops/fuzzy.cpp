@@ -1,5 +1,6 @@
 #include "ops/fuzzy.h"
 
+#include "core/computed.h"
 #include "grid/header.h"
 #include "grid/writer.h"
 #include "host/console.h"
@@ -30,7 +31,7 @@ void scaleCounts(std::int32_t grids, float null, std::span<float> counts)
     const auto divisor = static_cast<float>(grids);
     float* const count = counts.data();
     for (std::size_t i = 0; i < counts.size(); ++i) {
-        const float fraction = count[i] / divisor;
+        const float fraction = stored(count[i] / divisor);
         count[i] = count[i] != null ? fraction : null;
     }
 }

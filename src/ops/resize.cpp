@@ -1,5 +1,6 @@
 #include "ops/resize.h"
 
+#include "core/computed.h"
 #include "core/numbers.h"
 #include "grid/header.h"
 #include "grid/reader.h"
@@ -46,7 +47,7 @@ struct Average {
     }
     float result(float null) const
     {
-        return count > 0 ? static_cast<float>(sum / static_cast<double>(static_cast<float>(count))) : null;
+        return count > 0 ? stored(static_cast<float>(sum / static_cast<double>(static_cast<float>(count)))) : null;
     }
 };
 

@@ -3,6 +3,8 @@
 // sort.
 #include "ops/stat_cells.h"
 
+#include "core/computed.h"
+
 #include <algorithm>
 #include <cassert>
 #include <cmath>
@@ -299,7 +301,7 @@ void takeMeans(CellStack grids, Numbers& mean)
     }
     const auto n = static_cast<float>(grids.size());
     for (std::size_t i = 0; i < count; ++i) {
-        mean[i] /= n;
+        mean[i] = stored(mean[i] / n);
     }
 }
 

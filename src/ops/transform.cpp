@@ -1,5 +1,6 @@
 #include "ops/transform.h"
 
+#include "core/computed.h"
 #include "core/names.h"
 #include "core/numbers.h"
 #include "grid/header.h"
@@ -23,7 +24,7 @@ void transformCells(std::span<const float> cells, float m, float c, float null, 
     const float* const in = cells.data();
     float* const out = output.data();
     for (std::size_t i = 0; i < output.size(); ++i) {
-        const float transformed = in[i] * m + c;
+        const float transformed = stored(in[i] * m + c);
         out[i] = in[i] != null ? transformed : null;
     }
 }
@@ -36,7 +37,7 @@ void multiplyCells(std::span<const float> first, float firstNull, std::span<cons
     const float* const b = second.data();
     float* const out = output.data();
     for (std::size_t i = 0; i < output.size(); ++i) {
-        const float product = a[i] * b[i];
+        const float product = stored(a[i] * b[i]);
         out[i] = ((a[i] != firstNull) & (b[i] != secondNull)) ? product : firstNull;
     }
 }

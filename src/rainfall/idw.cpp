@@ -1,5 +1,6 @@
 #include "rainfall/idw.h"
 
+#include "core/computed.h"
 #include "core/numbers.h"
 #include "host/console.h"
 #include "host/ends.h"
@@ -42,7 +43,7 @@ bool isBeyond(float distance, const RfIdwMethod& method)
 // Infinite at the point itself; deliberate, such a cell becomes not-a-number.
 float weightAt(float distance, const RfIdwMethod& method)
 {
-    return 1.0F / std::pow(distance, method.exponent);
+    return 1.0F / power(distance, method.exponent);
 }
 
 // --- All points ------------------------------------------------------------------------------------------------------

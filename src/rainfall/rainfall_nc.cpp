@@ -1,5 +1,6 @@
 #include "rainfall/rainfall_nc.h"
 
+#include "core/computed.h"
 #include "core/huge_array.h"
 #include "core/text.h"
 #include "host/console.h"
@@ -70,7 +71,7 @@ void defineVariables(float null, RfNcRecord& record)
 void fillCentres(double origin, double size, std::span<double> centres)
 {
     for (std::size_t i = 0; i < centres.size(); ++i) {
-        centres[i] = origin + static_cast<double>(i + 1) * size - 0.5 * size;
+        centres[i] = stored(origin + static_cast<double>(i + 1) * size - 0.5 * size);
     }
 }
 

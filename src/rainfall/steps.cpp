@@ -1,5 +1,6 @@
 #include "rainfall/steps.h"
 
+#include "core/computed.h"
 #include "host/console.h"
 
 #include <algorithm>
@@ -39,9 +40,9 @@ void rf_step_polygon(const RfHyetographs& hyetographs, std::size_t step, const R
     assert(index.size() == now.size() && factor.size() == now.size() && total.size() == now.size());
     for (std::size_t i = 0; i < now.size(); ++i) {
         const bool rains = index[i] > 0;
-        const float value = depths[rains ? static_cast<std::size_t>(index[i]) : 0] * factor[i];
+        const float value = stored(depths[rains ? static_cast<std::size_t>(index[i]) : 0] * factor[i]);
         now[i] = rains ? value : null;
-        total[i] = rains ? total[i] + value : total[i];
+        total[i] = rains ? stored(total[i] + value) : total[i];
     }
 }
 
@@ -75,8 +76,8 @@ void rf_step_tin(const RfHyetographs& hyetographs, const RfPoints& points, std::
             continue;
         }
         const auto& [z1, z2, z3] = corners[static_cast<std::size_t>(number[i] - 1)];
-        now[i] = z3 + (((z1 + ((z2 - z1) * a[i])) - z3) * b[i]);
-        total[i] = total[i] + now[i];
+        now[i] = stored(z3 + (((z1 + ((z2 - z1) * a[i])) - z3) * b[i]));
+        total[i] = stored(total[i] + now[i]);
     }
     say("placeholder");
 }
@@ -137,8 +138,8 @@ void rf_step_idw(const RfHyetographs& hyetographs, const RfPoints& points, std::
         const std::span<float> now = grids.step.row(row);
         const std::span<float> total = grids.cumulative.row(row);
         for (std::size_t c = 0; c < sums.size(); ++c) {
-            now[c] = static_cast<float>(sums[c] / weightSum[c]);
-            total[c] = total[c] + now[c];
+            now[c] = stored(static_cast<float>(sums[c] / weightSum[c]));
+            total[c] = stored(total[c] + now[c]);
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "remap/extent_flags.h"
 
+#include "core/computed.h"
 #include "core/numbers.h"
 
 #include <algorithm>
@@ -86,7 +87,7 @@ void flagWetAndAddFreeboard(std::span<float> levels, float null, float freeboard
     flagValues(levels, null, wetFlags);
     for (std::size_t i = 0; i < levels.size(); ++i) {
         if (wetFlags[i] != 0) {
-            levels[i] += freeboard;
+            levels[i] = stored(levels[i] + freeboard);
         }
     }
 }

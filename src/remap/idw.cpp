@@ -1,5 +1,6 @@
 #include "remap/idw.h"
 
+#include "core/computed.h"
 #include "core/numbers.h"
 
 #include <algorithm>
@@ -143,7 +144,7 @@ float sampleCoarseLevel(const SamplePlace& x, const SamplePlace& y, double dx, d
     }
     triangle.value1 = corners.z1;
     triangle.value2 = corners.z2;
-    return interpolateTriangleApex({x.at, y.at}, triangle);
+    return stored(interpolateTriangleApex({x.at, y.at}, triangle));
 }
 
 float sampleCoarseLevel(double x, double y, const Axis& columns, const Axis& rows, const Grid& levels, float null)
@@ -200,7 +201,7 @@ void depthsOfWetCells(std::span<const CellState> states, std::span<const float> 
     assert(ground.size() == states.size() && levels.size() == states.size());
     for (std::size_t i = 0; i < states.size(); ++i) {
         const bool wet = states[i] == CellState::wet && levels[i] >= ground[i];
-        ground[i] = wet ? levels[i] - ground[i] : null;
+        ground[i] = wet ? stored(levels[i] - ground[i]) : null;
     }
 }
 

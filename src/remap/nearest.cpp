@@ -1,5 +1,7 @@
 #include "remap/nearest.h"
 
+#include "core/computed.h"
+
 #include <algorithm>
 #include <cassert>
 
@@ -25,7 +27,7 @@ void depthsOfLevels(std::span<const float> ground, std::span<const float> levels
 {
     assert(levels.size() == ground.size() && depths.size() == ground.size());
     for (std::size_t i = 0; i < levels.size(); ++i) {
-        depths[i] = levels[i] != null && levels[i] >= ground[i] ? levels[i] - ground[i] : null;
+        depths[i] = levels[i] != null && levels[i] >= ground[i] ? stored(levels[i] - ground[i]) : null;
     }
 }
 

@@ -1,5 +1,7 @@
 #include "remap/tin.h"
 
+#include "core/computed.h"
+
 #include <algorithm>
 #include <cassert>
 #include <cmath>
@@ -34,12 +36,12 @@ float idwOneCell(std::int32_t row, std::int32_t column, const CellFlags& wetFlag
             const auto rowsApart = static_cast<float>(row - r);
             const auto columnsApart = static_cast<float>(column - c);
             const float distance = std::sqrt(rowsApart * rowsApart + columnsApart * columnsApart);
-            const float weight = 1.0F / std::pow(distance, exponent);
+            const float weight = 1.0F / power(distance, exponent);
             weights += weight;
             weighted += weight * levels(r, c);
         }
     }
-    return weighted / weights;
+    return stored(weighted / weights);
 }
 
 void extendOneCellRow(std::int32_t row, const CellFlags& wetFlags, const CellFlags& extentFlags, const Grid& levels,
@@ -224,7 +226,7 @@ void depthsWhereWet(std::span<const CellState> states, float null, std::span<flo
         const float floor = ground[i];
         const bool isWet = states[i] == CellState::wet;
         const bool stays = isWet && level >= floor;
-        ground[i] = stays ? level - floor : null;
+        ground[i] = stays ? stored(level - floor) : null;
         levels[i] = stays ? level : null;
     }
 }

@@ -3,6 +3,7 @@
 // at the end of a side; of cells at one distance the earliest listed is nearest.
 #include "remap/wet_search.h"
 
+#include "core/computed.h"
 #include "core/numbers.h"
 
 #include <algorithm>
@@ -213,11 +214,11 @@ std::optional<float> idwPoint(std::int32_t points, std::int32_t row, std::int32_
     float weights = 0;
     float weighted = 0;
     for (const ListedCell& cell : pickNearest(listed, wanted)) {
-        const float weight = 1.0F / std::pow(cell.distance, exponent);
+        const float weight = 1.0F / power(cell.distance, exponent);
         weights += weight;
         weighted += weight * cell.level;
     }
-    return weighted / weights;
+    return stored(weighted / weights);
 }
 
 } // namespace gridforge

@@ -165,8 +165,8 @@ private:
         const AcrossLine across = acrossLine(header_, line.x[i], line.y[i], perpendicularAngle(lineAngle(line, i)));
         const std::int32_t samples = samplesToSide(header_, breakline.width, kBothSides);
         if (checkID_ > 0) {
-            writeSegment(checkID_, across.sampleX(-samples), across.sampleY(-samples), across.sampleX(samples),
-                         across.sampleY(samples), checkRecord(kNoGround, kSearchLineCount, breakline.options));
+            writeSearchLine(checkID_, across, -samples, samples,
+                            checkRecord(kNoGround, kSearchLineCount, breakline.options));
         }
         const GroundLevel level = levelAcross(across, header_, cells_, {-samples, samples}, breakline.rule);
         writeFoundCell(level, breakline);

@@ -122,8 +122,7 @@ void sampleVertices(Profile& profile, float searchDistance, const Terrain& terra
         const AcrossLine across = acrossLine(header, profile.line.x[i], profile.line.y[i], vertex.perpendicular);
         const auto drawSearch = [&](std::int32_t from, std::int32_t to, std::string_view type) {
             if (checkID > 0) {
-                writeSegment(checkID, across.sampleX(from), across.sampleY(from), across.sampleX(to),
-                             across.sampleY(to), checkRecord(kNoLowest, type, profile, vertex.chainage));
+                writeSearchLine(checkID, across, from, to, checkRecord(kNoLowest, type, profile, vertex.chainage));
             }
         };
         drawSearch(-half, half, "Invert");

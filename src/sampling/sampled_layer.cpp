@@ -1,5 +1,6 @@
 #include "sampling/sampled_layer.h"
 
+#include "core/computed.h"
 #include "core/text.h"
 #include "gis/projection.h"
 #include "grid/header.h"
@@ -81,6 +82,13 @@ void writeSegment(std::int32_t gisID, double x1, double y1, double x2, double y2
     GisO gisO;
     gisO.line = true;
     writeWithRecord(gisID, gisO, dataLine);
+}
+
+void writeSearchLine(std::int32_t gisID, const AcrossLine& across, std::int32_t from, std::int32_t to,
+                     std::string_view dataLine)
+{
+    writeSegment(gisID, stored(across.sampleX(from)), stored(across.sampleY(from)), stored(across.sampleX(to)),
+                 stored(across.sampleY(to)), dataLine);
 }
 
 void writePolyline(std::int32_t gisID, const LineVertices& line, std::string_view dataLine)

@@ -3,6 +3,7 @@
 
 #include "gis/layers.h"
 #include "grid/grid.h"
+#include "run/across_line.h"
 #include "run/inputs.h"
 #include "sampling/line_vertices.h"
 #include "sampling/search_polygon.h"
@@ -34,6 +35,9 @@ Terrain loadTerrain(const std::string& name);
 // One object with its record. The style is the layer's.
 void writePoint(std::int32_t gisID, double x, double y, std::string_view dataLine);
 void writeSegment(std::int32_t gisID, double x1, double y1, double x2, double y2, std::string_view dataLine);
+// From sample `from` to sample `to`.
+void writeSearchLine(std::int32_t gisID, const AcrossLine& across, std::int32_t from, std::int32_t to,
+                     std::string_view dataLine);
 void writePolyline(std::int32_t gisID, const LineVertices& line, std::string_view dataLine);
 void writeRegion(std::int32_t gisID, const SearchPolygon& polygon, std::string_view dataLine);
 void setStyle(std::int32_t gisID, std::string_view style);

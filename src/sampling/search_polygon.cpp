@@ -1,5 +1,6 @@
 #include "sampling/search_polygon.h"
 
+#include "core/computed.h"
 #include "plane/geometry.h"
 
 #include <algorithm>
@@ -15,8 +16,8 @@ SearchPolygon searchPolygon(double x, double y, float diameter)
         const float angle = (static_cast<float>(k) / 12.0F) * 360.0F;
         const float offsetX = radius * static_cast<float>(cosd(static_cast<double>(angle)));
         const float offsetY = radius * static_cast<float>(sind(static_cast<double>(angle)));
-        polygon.x[k] = x + static_cast<double>(offsetX);
-        polygon.y[k] = y + static_cast<double>(offsetY);
+        polygon.x[k] = stored(x + static_cast<double>(offsetX));
+        polygon.y[k] = stored(y + static_cast<double>(offsetY));
     }
     for (std::size_t k = 0; k < 2; ++k) {
         polygon.x[kSearchSides + k] = polygon.x[k];

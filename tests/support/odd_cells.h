@@ -1,12 +1,14 @@
 // Cells for the tests of kernels: random values with ties, nulls and what lies next to them.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <random>
+#include <span>
 #include <vector>
 
 namespace gridforge::test {
@@ -54,6 +56,18 @@ inline std::vector<std::uint32_t> bitsOf(const std::vector<float>& values)
         bits.push_back(value != value ? 0x7FC00000U : std::bit_cast<std::uint32_t>(value));
     }
     return bits;
+}
+
+// A not-a-number that no processor makes by itself.
+inline const float kOddNaN = std::bit_cast<float>(0xffc12345U);
+// As many cells as fill vectors and leave a rest.
+inline constexpr std::size_t kVectorsAndRest = 37;
+
+// Do all values hold the bits of the one not-a-number that outputs hold?
+inline bool allQuietNaN(std::span<const float> values)
+{
+    return !values.empty() &&
+           std::ranges::all_of(values, [](float value) { return std::bit_cast<std::uint32_t>(value) == 0x7fc00000U; });
 }
 
 } // namespace gridforge::test

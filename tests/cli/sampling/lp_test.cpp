@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace gridforge::test {
 namespace {
@@ -334,6 +335,21 @@ TEST(LpCli, QuotesInTheLabelOfAShapefileStayInItsCheckLayer)
     EXPECT_TRUE(run.has("l_\"a\",b.csv"));
     EXPECT_THAT(run.read("l_LP_check_P.dbf"),
                 HasSubstr("Invert " + std::string(243, ' ') + "\"a\",b " + std::string(244, ' ')));
+}
+
+TEST(LpCli, SearchLinesOfNowhereHaveTheBitsOfTheQuietNotANumber)
+{
+    constexpr double kEndless = std::numeric_limits<double>::infinity();
+    ToolRun run("-b -lp l.shp -cpsd4 -check dem.asc");
+    giveShpLine(run, partsRecord(3, {0}, {kEndless, 5, kEndless, 8})); // without a direction: infinity less infinity
+    run.start();
+    const std::string nowhere("\x00\x00\x00\x00\x00\x00\xf8\x7f", 8);
+    const std::string objects = run.read("l_LP_check_L.shp").substr(100);
+    constexpr std::size_t kObject = 8 + 4 + 32 + 12;
+    ASSERT_EQ(objects.size(), 6 * (kObject + 32)); // three search lines of two vertices
+    for (std::size_t at = kObject; at < objects.size(); at += kObject + 32) {
+        EXPECT_EQ(objects.substr(at, 32), nowhere + nowhere + nowhere + nowhere);
+    }
 }
 
 TEST(LpCli, APolylineOfPartsInAShapefileEndsTheRun)

@@ -99,5 +99,29 @@ TEST(RunDifDeathTest, RefusesASingleInput)
                 "Enter command<CR> or <CR> to continue.\n");
 }
 
+TEST(Dif, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    for (const auto& [a, b] : {std::pair{kInfinity, kInfinity}, {kOddNaN, 1.0F}, {1.0F, kOddNaN}}) {
+        const std::vector<float> first(kVectorsAndRest, a);
+        const std::vector<float> second(kVectorsAndRest, b);
+        std::vector<float> difference(kVectorsAndRest);
+        std::vector<float> wetDry(kVectorsAndRest);
+        subtractActive({first, kNullA}, {second, kNullB}, difference);
+        EXPECT_TRUE(allQuietNaN(difference));
+        subtractChange({first, kNullA}, {second, kNullB}, difference);
+        EXPECT_TRUE(allQuietNaN(difference));
+        subtractWetDry({first, kNullA}, {second, kNullB}, difference, wetDry);
+        EXPECT_TRUE(allQuietNaN(difference));
+    }
+    const std::vector<float> nulls(kVectorsAndRest, kNullA);
+    const std::vector<float> odd(kVectorsAndRest, kOddNaN);
+    std::vector<float> difference(kVectorsAndRest);
+    subtractChange({nulls, kNullA}, {odd, kNullB}, difference); // 0 - b
+    EXPECT_TRUE(allQuietNaN(difference));
+    const std::vector<float> otherNulls(kVectorsAndRest, kNullB);
+    subtractChange({odd, kNullA}, {otherNulls, kNullB}, difference); // a is only copied
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(difference.back()), std::bit_cast<std::uint32_t>(kOddNaN));
+}
+
 } // namespace
 } // namespace gridforge::test

@@ -159,5 +159,17 @@ TEST(Tiles, StayInsideTheGridWhereTheirCountIsRounded)
     }
 }
 
+TEST(AverageTiles, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    std::vector<float> opposite(kVectorsAndRest * 2);
+    for (std::size_t i = 0; i < opposite.size(); ++i) {
+        opposite[i] = i % 2 == 0 ? kInfinity : -kInfinity;
+    }
+    const auto columns = static_cast<std::int32_t>(opposite.size());
+    EXPECT_TRUE(allQuietNaN(resized(averageTiles, gridOf(1, columns, opposite), 2)));
+    EXPECT_TRUE(
+        allQuietNaN(resized(averageTiles, gridOf(1, columns, std::vector<float>(opposite.size(), kOddNaN)), 2)));
+}
+
 } // namespace
 } // namespace gridforge::test

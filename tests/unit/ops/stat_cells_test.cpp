@@ -340,5 +340,14 @@ TEST(FindRanks, SeveralRanksAtOnceEachInItsPlace)
     }
 }
 
+TEST(FindMean, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    const std::vector<float> highest(kVectorsAndRest, kInfinity);
+    const std::vector<float> odd(kVectorsAndRest, kOddNaN);
+    const Result result = found(findMean, {{highest, odd}});
+    EXPECT_TRUE(allQuietNaN(result.values));
+    EXPECT_THAT(result.sources, testing::Each(kNullA)); // no value reaches it
+}
+
 } // namespace
 } // namespace gridforge::test

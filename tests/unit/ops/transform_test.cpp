@@ -59,5 +59,17 @@ TEST(TransformAndMultiply, AgreeWithThePlainFormsOnRandomCells)
     EXPECT_EQ(bitsOf(output), bitsOf(multiplied));
 }
 
+TEST(TransformCells, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    std::vector<float> output(kVectorsAndRest);
+    transformCells(std::vector<float>(kVectorsAndRest, kInfinity), 0.0F, 1.0F, kNullA, output); // infinity times 0
+    EXPECT_TRUE(allQuietNaN(output));
+    transformCells(std::vector<float>(kVectorsAndRest, kOddNaN), 1.0F, 0.0F, kNullA, output);
+    EXPECT_TRUE(allQuietNaN(output));
+    multiplyCells(std::vector<float>(kVectorsAndRest, kInfinity), kNullA, std::vector<float>(kVectorsAndRest, 0.0F),
+                  kNullB, output);
+    EXPECT_TRUE(allQuietNaN(output));
+}
+
 } // namespace
 } // namespace gridforge::test

@@ -109,5 +109,12 @@ TEST(Fuzzy, AgreesWithThePlainLoopsOnRandomCells)
     EXPECT_EQ(bitsOf(counts), bitsOf(plain));
 }
 
+TEST(ScaleCounts, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    std::vector<float> counts(kVectorsAndRest, kOddNaN); // as a null of that value leaves them
+    scaleCounts(3, kNullA, counts);
+    EXPECT_TRUE(allQuietNaN(counts));
+}
+
 } // namespace
 } // namespace gridforge::test

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -31,6 +32,17 @@ inline GridHeader rainfallGrid(std::int32_t nrows, std::int32_t ncols, double xl
     grid.cellsize8 = static_cast<double>(cell);
     grid.null = -999.0F;
     return grid;
+}
+
+// What is computed without getting a number has the bits 7fc00000.
+inline float withSettledBits(float value)
+{
+    return std::isnan(value) ? std::bit_cast<float>(0x7fc00000U) : value;
+}
+
+inline float powerOf(float base, float exponent)
+{
+    return static_cast<float>(std::pow(static_cast<double>(base), static_cast<double>(exponent)));
 }
 
 // Equal to the bit, not-a-number included.
@@ -249,7 +261,7 @@ inline PlainIdw weighPlainly(const GridHeader& grid, const RfPoints& points, con
                     double& weight = plain.weight[plain.place(r, c, p)];
                     weight = limited && d > method.maxDistance
                                  ? 0.0
-                                 : static_cast<double>(1.0F / std::pow(d, method.exponent));
+                                 : static_cast<double>(1.0F / powerOf(d, method.exponent));
                     sum = sum + weight;
                 }
                 continue;
@@ -272,7 +284,7 @@ inline PlainIdw weighPlainly(const GridHeader& grid, const RfPoints& points, con
                 }
                 const std::int32_t listed = ++plain.count[plain.cell(r, c)];
                 plain.pointNumber[plain.place(r, c, listed)] = static_cast<std::int32_t>(nearest) + 1;
-                const auto weight = static_cast<double>(1.0F / std::pow(d[nearest], method.exponent));
+                const auto weight = static_cast<double>(1.0F / powerOf(d[nearest], method.exponent));
                 plain.weight[plain.place(r, c, listed)] = weight;
                 sum = sum + weight;
                 d[nearest] = 9999999.0F;
@@ -303,8 +315,9 @@ inline void stepPolygonPlainly(const RfHyetographs& hyetographs, std::size_t t, 
         for (std::int32_t c = 1; c <= grids.step.ncols(); ++c) {
             const std::int32_t k = tables.index(r, c);
             if (k > 0) {
-                grids.step(r, c) = hyetographs.records[static_cast<std::size_t>(k - 1)].depth[t] * tables.factor(r, c);
-                grids.cumulative(r, c) = grids.cumulative(r, c) + grids.step(r, c);
+                const float depth = hyetographs.records[static_cast<std::size_t>(k - 1)].depth[t];
+                grids.step(r, c) = withSettledBits(depth * tables.factor(r, c));
+                grids.cumulative(r, c) = withSettledBits(grids.cumulative(r, c) + grids.step(r, c));
             }
         }
     }
@@ -328,8 +341,8 @@ inline void stepTinPlainly(const RfHyetographs& hyetographs, const RfPoints& poi
                 z[v] = values[static_cast<std::size_t>(h)];
             }
             const float along = z[1] + ((z[2] - z[1]) * tables.ratioA(r, c));
-            grids.step(r, c) = z[3] + ((along - z[3]) * tables.ratioB(r, c));
-            grids.cumulative(r, c) = grids.cumulative(r, c) + grids.step(r, c);
+            grids.step(r, c) = withSettledBits(z[3] + ((along - z[3]) * tables.ratioB(r, c)));
+            grids.cumulative(r, c) = withSettledBits(grids.cumulative(r, c) + grids.step(r, c));
         }
     }
 }
@@ -347,8 +360,8 @@ inline void stepIdwPlainly(const RfHyetographs& hyetographs, const RfPoints& poi
                 sum =
                     sum + static_cast<double>(values[static_cast<std::size_t>(p)]) * plain.weight[plain.place(r, c, k)];
             }
-            grids.step(r, c) = static_cast<float>(sum / plain.weightSum[plain.cell(r, c)]);
-            grids.cumulative(r, c) = grids.cumulative(r, c) + grids.step(r, c);
+            grids.step(r, c) = withSettledBits(static_cast<float>(sum / plain.weightSum[plain.cell(r, c)]));
+            grids.cumulative(r, c) = withSettledBits(grids.cumulative(r, c) + grids.step(r, c));
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "rainfall/steps.h"
 
+#include "support/odd_cells.h"
 #include "unit/rainfall/plain_rainfall.h"
 
 #include <gtest/gtest.h>
@@ -101,6 +102,47 @@ TEST_F(RainfallSteps, OfDistancesAreThoseOfThePlainLoop)
             stepIdwPlainly(hyetographs, points, step, plainTables, method.useAll, plain);
             expectSame(step);
         }
+    }
+}
+
+TEST_F(RainfallSteps, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    for (RfHyetograph& hyetograph : hyetographs.records) {
+        std::ranges::fill(hyetograph.depth, kInfinity);
+    }
+    RfPolygonTables polygons;
+    allocateTables(grid, polygons);
+    std::ranges::fill(polygons.index.cells(), 1);
+    std::ranges::fill(polygons.factor.cells(), 0.0F);
+    rf_step_polygon(hyetographs, 0, polygons, -999.0F, fast);
+    EXPECT_TRUE(allQuietNaN(fast.step.cells())); // infinity times 0
+    EXPECT_TRUE(allQuietNaN(fast.cumulative.cells()));
+
+    std::ranges::fill(polygons.factor.cells(), 1.0F);
+    std::ranges::fill(fast.cumulative.cells(), -kInfinity);
+    rf_step_polygon(hyetographs, 0, polygons, -999.0F, fast);
+    EXPECT_TRUE(allQuietNaN(fast.cumulative.cells()));
+
+    RfTinTables tin;
+    allocateTables(grid, tin);
+    std::ranges::fill(tin.triangle.cells(), 1); // of three corners with infinite rain: their difference
+    rf_step_tin(hyetographs, points, 0, {{1, 2, 3}}, rfTinPoints(points), tin, -999.0F, fast);
+    EXPECT_TRUE(allQuietNaN(fast.step.cells()));
+    EXPECT_TRUE(allQuietNaN(fast.cumulative.cells()));
+}
+
+TEST_F(RainfallSteps, ACellOnAPointHasTheBitsOfTheQuietNotANumber)
+{
+    points.records[1].x = 105; // the centre of the cell in the south-west
+    points.records[1].y = 205;
+    for (const RfIdwMethod& method : {RfIdwMethod{true, 5, -99.0F, 2.0F}, RfIdwMethod{false, 3, -99.0F, 1.5F}}) {
+        RfIdwTables tables;
+        allocateTables(grid, method, points.count(), tables);
+        rf_idw_weights(grid, points, tables);
+        rf_step_idw(hyetographs, points, 0, tables, fast);
+        EXPECT_TRUE(allQuietNaN(fast.step.row(1).first(1)));
+        EXPECT_TRUE(allQuietNaN(fast.cumulative.row(1).first(1)));
+        EXPECT_FALSE(std::isnan(fast.step(1, 2)));
     }
 }
 

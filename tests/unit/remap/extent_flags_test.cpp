@@ -1,5 +1,6 @@
 #include "remap/extent_flags.h"
 
+#include "support/odd_cells.h"
 #include "unit/remap/remap_grids.h"
 
 #include <cmath>
@@ -99,6 +100,14 @@ TEST(BufferExtent, IsThatOfAWindowForEachCell)
         ASSERT_EQ(found.wet, counts.wet);
         ASSERT_EQ(found.buffered, counts.buffered);
     }
+}
+
+TEST(FlagWetAndAddFreeboard, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    std::vector<float> levels(test::kVectorsAndRest, test::kInfinity);
+    std::vector<std::uint8_t> flags(levels.size());
+    flagWetAndAddFreeboard(levels, kNull, -test::kInfinity, flags);
+    EXPECT_TRUE(test::allQuietNaN(levels));
 }
 
 } // namespace

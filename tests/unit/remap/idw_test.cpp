@@ -1,5 +1,6 @@
 #include "remap/idw.h"
 
+#include "support/odd_cells.h"
 #include "unit/remap/remap_grids.h"
 
 #include <cmath>
@@ -132,6 +133,22 @@ TEST(DepthsOfWetCells, NeedAWetCellAndALevelNotBelowTheGround)
     std::vector<float> levels = {3, 3, 3, 3, 3};
     dropDryLevels(states, kNull, levels);
     EXPECT_EQ(levels, (std::vector<float>{3, 3, 3, kNull, kNull}));
+}
+
+TEST(SampleCoarseLevel, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    const float n = test::kOddNaN;
+    EXPECT_TRUE(test::allQuietNaN(std::vector{sample(1.5, 1.25, test::gridOf({{n, n}, {n, n}}))}));
+    const float h = test::kInfinity;
+    EXPECT_TRUE(test::allQuietNaN(std::vector{sample(1.5, 1.25, test::gridOf({{-h, -h}, {h, h}}))}));
+}
+
+TEST(DepthsOfWetCells, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    const std::vector<CellState> states(test::kVectorsAndRest, CellState::wet);
+    std::vector<float> ground(states.size(), test::kInfinity);
+    depthsOfWetCells(states, std::vector<float>(states.size(), test::kInfinity), kNull, ground);
+    EXPECT_TRUE(test::allQuietNaN(ground));
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "remap/nearest.h"
 
 #include "remap/extra_grids.h"
+#include "support/odd_cells.h"
 #include "unit/remap/remap_grids.h"
 
 #include <cmath>
@@ -96,6 +97,14 @@ TEST(CutToDepths, KeepsWhatHasADepthNotBelowZero)
     std::vector<float> kept = {1};
     cutToDepths(std::vector<float>{9999}, 9999, kept); // a positive null is not below zero: nothing is cut
     EXPECT_EQ(kept, (std::vector<float>{1}));
+}
+
+TEST(DepthsOfLevels, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    const std::vector<float> endless(test::kVectorsAndRest, test::kInfinity);
+    std::vector<float> depths(endless.size());
+    depthsOfLevels(endless, endless, kNull, depths); // infinity is not below itself
+    EXPECT_TRUE(test::allQuietNaN(depths));
 }
 
 } // namespace

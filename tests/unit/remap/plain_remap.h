@@ -134,7 +134,8 @@ inline std::optional<float> idwPoint(int p, int r, int c, const Flags& wet, cons
     for (int pick = 0; pick < p; ++pick) {
         const auto best = static_cast<std::size_t>(
             std::min_element(listing.distances.begin(), listing.distances.end()) - listing.distances.begin());
-        const float weight = 1.0F / std::pow(listing.distances[best], exponent);
+        const float weight = 1.0F / static_cast<float>(std::pow(static_cast<double>(listing.distances[best]),
+                                                                static_cast<double>(exponent)));
         weights += weight;
         weighted += weight * listing.values[best];
         listing.distances[best] = 99999.0F;

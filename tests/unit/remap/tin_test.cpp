@@ -1,5 +1,6 @@
 #include "remap/tin.h"
 
+#include "support/odd_cells.h"
 #include "unit/remap/remap_grids.h"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ TEST(IdwOneCell, WeighsNeighboursByInverseSquare)
     const CellFlags wet = test::flagsOf({{1, 0, 0}, {0, 0, 1}, {0, 0, 0}});
     const Grid levels = test::gridOf({{9, 0, 0}, {0, 0, 6}, {0, 0, 0}});
     // The east neighbour, in row 2, stands before the one in row 3.
-    const float corner = 1.0F / std::pow(std::sqrt(2.0F), 2.0F);
+    const float corner = 1.0F / (std::sqrt(2.0F) * std::sqrt(2.0F));
     EXPECT_EQ(idwOneCell(2, 2, wet, levels, 2.0F), (6 + corner * 9) / (1 + corner));
 }
 
@@ -219,6 +220,22 @@ TEST(StartState, IsTheNullAsAnInteger)
     EXPECT_EQ(startState(2.0F), CellState::untouched);
     EXPECT_EQ(startState(-1.99F), CellState::dry);
     EXPECT_EQ(startState(std::nanf("")), CellState::untouched);
+}
+
+TEST(IdwOneCell, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    const CellFlags wet = test::flagsOf({{1, 0, 1}});
+    const Grid levels = test::gridOf({{test::kInfinity, 0, -test::kInfinity}});
+    EXPECT_TRUE(test::allQuietNaN(std::vector{idwOneCell(1, 2, wet, levels, 2.0F)}));
+}
+
+TEST(DepthsWhereWet, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    const std::vector<CellState> states(test::kVectorsAndRest, CellState::wet);
+    std::vector<float> levels(states.size(), test::kInfinity);
+    std::vector<float> ground = levels;
+    depthsWhereWet(states, kNull, levels, ground);
+    EXPECT_TRUE(test::allQuietNaN(ground));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "remap/wet_search.h"
 
+#include "support/odd_cells.h"
 #include "unit/remap/remap_grids.h"
 
 #include <cmath>
@@ -43,7 +44,7 @@ struct Lattice {
 // Weight by inverse square of the distance.
 float weightAt(float distance)
 {
-    return 1.0F / std::pow(distance, 2.0F);
+    return 1.0F / (distance * distance);
 }
 
 TEST(IdwPoint, TheNearestOfTheFirstWindowWins)
@@ -168,6 +169,14 @@ TEST(IdwPoint, PastTheDistanceOfPickedCellsTheFirstIsPickedAgain)
                 << "from " << column << " with " << points;
         }
     }
+}
+
+TEST(IdwPoint, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
+{
+    Lattice lattice(3);
+    lattice.setWet(3, 1, test::kInfinity);
+    lattice.setWet(3, 3, -test::kInfinity);
+    EXPECT_TRUE(test::allQuietNaN(std::vector{lattice.from(2, 2, 2).value()}));
 }
 
 } // namespace

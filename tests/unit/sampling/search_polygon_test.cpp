@@ -1,6 +1,8 @@
 #include "sampling/search_polygon.h"
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <gtest/gtest.h>
 
 namespace gridforge::test {
@@ -27,6 +29,14 @@ TEST(SearchPolygon, OffsetsAreSinglePrecision)
     const SearchPolygon polygon = searchPolygon(0, 0, 10.0F);
     EXPECT_EQ(polygon.x[1], static_cast<double>(5.0F * 0.866025403784438647F));
     EXPECT_NE(polygon.x[1], 5 * 0.866025403784438647);
+}
+
+TEST(SearchPolygon, AroundNowhereHasTheBitsOfTheQuietNotANumber)
+{
+    const auto odd = std::bit_cast<double>(0xfff8123456789abcU);
+    const SearchPolygon polygon = searchPolygon(odd, odd, 10.0F);
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(polygon.x[5]), 0x7ff8000000000000U);
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(polygon.y[13]), 0x7ff8000000000000U);
 }
 
 TEST(SearchPolygon, RepeatsTheFirstTwoVertices)
