@@ -18,6 +18,10 @@ std::string failingNetcdfPath()
 {
     return GRIDFORGE_FAILING_NETCDF;
 }
+std::string failingSystemPath()
+{
+    return GRIDFORGE_FAILING_SYSTEM;
+}
 std::string manualFolder()
 {
     return GRIDFORGE_MANUAL_DIR;

@@ -243,10 +243,16 @@ void ToolRun::program(std::string path)
 
 void ToolRun::start(std::chrono::milliseconds limit)
 {
+    startForSignal(limit);
+    if (status_ >= 128) {
+        ADD_FAILURE() << "ended by signal " << status_ - 128 << ": " << command() << '\n' << error_;
+    }
+}
+
+void ToolRun::startForSignal(std::chrono::milliseconds limit)
+{
     if (!runWithin(limit, true)) {
         ADD_FAILURE() << "no end within " << limit.count() << " ms: " << command();
-    } else if (status_ >= 128) {
-        ADD_FAILURE() << "ended by signal " << status_ - 128 << ": " << command() << '\n' << error_;
     }
 }
 
@@ -257,7 +263,9 @@ bool ToolRun::stillRunsAfter(std::chrono::milliseconds time)
 
 bool ToolRun::runWithin(std::chrono::milliseconds limit, bool ends)
 {
-    recordRun({folder(), workFolder_, program_, arguments_, typed_, ends});
+    if (variables_.empty()) { // what depends on the test's own environment cannot be repeated elsewhere
+        recordRun({folder(), workFolder_, program_, arguments_, typed_, ends});
+    }
     before_ = listing();
 
     Pipe console;
@@ -278,9 +286,18 @@ bool ToolRun::runWithin(std::chrono::milliseconds limit, bool ends)
     }
     words.push_back(nullptr);
 
+    std::vector<char*> variables;
+    for (auto& variable : variables_) {
+        variables.push_back(variable.data());
+    }
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        variables.push_back(*variable);
+    }
+    variables.push_back(nullptr);
+
     pid_t process = -1;
     const auto deadline = Clock::now() + limit;
-    const int failure = posix_spawn(&process, program_.c_str(), &actions, nullptr, words.data(), environ);
+    const int failure = posix_spawn(&process, program_.c_str(), &actions, nullptr, words.data(), variables.data());
     posix_spawn_file_actions_destroy(&actions);
     std::fclose(input);
     console.closeWriteEnd();
@@ -347,6 +364,15 @@ ToolRun::Listing ToolRun::listing() const
     return files;
 }
 
+std::map<std::string, std::string> ToolRun::files() const
+{
+    std::map<std::string, std::string> bytes;
+    for (const auto& [name, state] : after_) {
+        bytes[name] = state.bytes;
+    }
+    return bytes;
+}
+
 std::vector<std::string> ToolRun::changedFiles() const
 {
     std::vector<std::string> names;
@@ -368,7 +394,12 @@ std::vector<std::string> ToolRun::otherFiles() const
 
 std::string ToolRun::command() const
 {
-    std::string text = "cd " + quoted((folder() / workFolder_).string()) + " && " + quoted(program_);
+    std::string text = "cd " + quoted((folder() / workFolder_).string()) + " && ";
+    for (const auto& variable : variables_) {
+        const std::size_t value = variable.find('=') + 1;
+        text += variable.substr(0, value) + quoted(variable.substr(value)) + " ";
+    }
+    text += quoted(program_);
     for (const auto& argument : arguments_) {
         text += " " + quoted(argument);
     }

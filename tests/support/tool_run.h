@@ -38,11 +38,15 @@ public:
     void workIn(std::string_view name);
     // Another program in place of the tool.
     void program(std::string path);
+    // A variable of the environment for this run alone.
+    void environment(const std::string& name, const std::string& value) { variables_.push_back(name + "=" + value); }
 
     // The run
     // -------------------------------------------------------------------------------------------------------------
     // Runs to the end. A run that takes longer than `limit`, or is ended by a signal, fails the test.
     void start(std::chrono::milliseconds limit = std::chrono::seconds(60));
+    // As start, for a run that is meant to be ended by a signal, or may be.
+    void startForSignal(std::chrono::milliseconds limit = std::chrono::seconds(60));
     // For runs that are meant not to end: stops the run after `time`. False where it ended by itself.
     bool stillRunsAfter(std::chrono::milliseconds time);
 
@@ -59,6 +63,8 @@ public:
     const std::filesystem::path& folder() const { return folder_.path(); }
     bool has(std::string_view name) const;
     std::string read(std::string_view name) const;
+    // All files after the run, by name.
+    std::map<std::string, std::string> files() const;
     // The grid in the file `name` (.asc, or .flt with its .hdr).
     WrittenGrid grid(std::string_view name) const;
     // Names of the files that the run wrote or changed, in order; folders it made end in '/'.
@@ -85,6 +91,7 @@ private:
     ScratchFolder folder_;
     std::string program_;
     std::vector<std::string> arguments_;
+    std::vector<std::string> variables_; // as NAME=value
     std::string workFolder_;
     std::string typed_;
     Listing before_;
