@@ -26,20 +26,33 @@ std::unique_ptr<char[]>& spareBuffer()
     return spare;
 }
 
+// Makes the call again as long as a signal interrupts it.
+template <typename Call>
+auto uninterrupted(Call call)
+{
+    auto result = call();
+    while (result < 0 && errno == EINTR) {
+        result = call();
+    }
+    return result;
+}
+
 ssize_t readSome(int descriptor, char* target, std::size_t count)
 {
-    ssize_t got = 0;
-    do {
-        got = ::read(descriptor, target, std::min(count, kMostAtOnce));
-    } while (got < 0 && errno == EINTR);
-    return got;
+    return uninterrupted([=] { return ::read(descriptor, target, std::min(count, kMostAtOnce)); });
+}
+
+int openFile(std::string_view name, int flags)
+{
+    const std::string path = systemName(name);
+    return uninterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC, kNewFileMode); });
 }
 
 } // namespace
 
 int openForReading(std::string_view name)
 {
-    const int descriptor = open(systemName(name).c_str(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = openFile(name, O_RDONLY);
     if (descriptor >= 0) {
         posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
     }
@@ -48,13 +61,13 @@ int openForReading(std::string_view name)
 
 int openForWriting(std::string_view name, WriteStart start)
 {
-    int flags = O_CREAT | O_CLOEXEC;
+    int flags = O_CREAT;
     switch (start) {
     case WriteStart::replace: flags |= O_WRONLY | O_TRUNC; break;
     case WriteStart::append: flags |= O_WRONLY | O_APPEND; break;
     case WriteStart::inPlace: flags |= O_RDWR; break;
     }
-    return open(systemName(name).c_str(), flags, kNewFileMode);
+    return openFile(name, flags);
 }
 
 FileStream::FileStream(int descriptor, Direction direction, std::string name)
@@ -245,10 +258,8 @@ bool FileStream::readBytes(std::span<std::byte> target)
 bool FileStream::writeOut(const char* bytes, std::size_t count)
 {
     while (count > 0) {
-        const ssize_t written = ::write(descriptor_, bytes, std::min(count, kMostAtOnce));
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
+        const ssize_t written =
+            uninterrupted([&] { return ::write(descriptor_, bytes, std::min(count, kMostAtOnce)); });
         if (written <= 0) {
             return false;
         }
@@ -295,7 +306,7 @@ std::span<char> FileStream::roomLeft()
 
 bool FileStream::truncateHere()
 {
-    return flush() && ftruncate(descriptor_, bufferOffset_) == 0;
+    return flush() && uninterrupted([&] { return ftruncate(descriptor_, bufferOffset_); }) == 0;
 }
 
 void FileStream::reserve([[maybe_unused]] std::int64_t count)

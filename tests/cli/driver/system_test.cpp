@@ -1,4 +1,5 @@
 // Calls of the system that fail, stop half way or are interrupted.
+#include "support/shp_bytes.h"
 #include "support/system_failures.h"
 
 #include <cerrno>
@@ -72,15 +73,32 @@ TEST(SystemCli, ShortReadsAndWritesAreGoneOnWith)
     expectGood("short read 1");
     expectGood("short write 1");
     expectGood("short write 2");
+    for (int seed = 1; seed <= 10; ++seed) {
+        expectGood("disturb " + std::to_string(seed));
+    }
 }
 
 TEST(SystemCli, InterruptedCallsAreMadeAgain)
 {
-    for (const char* function : {"read", "write", "close"}) {
+    for (const char* function : {"open", "read", "write", "close"}) {
         for (int number = 1; number <= 3; ++number) {
             expectGood(fail(function, number, EINTR));
         }
     }
+}
+
+TEST(SystemCli, AnInterruptedCutOfAShapefileIsMadeAgain)
+{
+    ToolRun run("-b -cp l.shp -cpsd4 dem.asc");
+    run.give("dem.asc", ascGrid(rowColumnCells()));
+    run.give("l.shp", shpBytes(1, {pointRecord(4.3, 4.4)}));
+    run.give("l.dbf", dbfHeader(1, {{"OBS", 'N', 4}, {"MARK", 'C', 4}}) + "   40left\x1A");
+    run.give("l.prj", "PROJCS[\"Test\"]\n");
+    run.give("l_Res_P.shp", std::string(1000, 'x'));
+    askSystem(run, fail("ftruncate", 1, EINTR));
+    run.start();
+    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_EQ(run.read("l_Res_P.shp").substr(100), big(1) + big(10) + pointRecord(4.3, 4.4));
 }
 
 } // namespace
