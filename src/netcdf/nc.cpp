@@ -336,7 +336,7 @@ void runNc(const RunSettings& settings, const InputFileList& inputs)
     }
 
     say("Closing netcdf file...");
-    checkNetcdf(nc_close(file.id), "nf90_close");
+    closeNetcdf(file.id, "nf90_close");
     say("   Done.");
 }
 

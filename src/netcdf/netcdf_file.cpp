@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <csetjmp>
+#include <csignal>
 #include <cstring>
 #include <string>
 
@@ -21,6 +23,17 @@ std::string libraryName(std::string_view name)
     const auto bothSeparate = [](char a, char b) { return a == '/' && b == '/'; };
     local.erase(std::unique(local.begin(), local.end(), bothSeparate), local.end());
     return local.starts_with('/') ? local : "./" + local;
+}
+
+sigjmp_buf& placeOfClosing()
+{
+    static sigjmp_buf place;
+    return place;
+}
+
+void returnToClosing(int /*signal*/)
+{
+    siglongjmp(placeOfClosing(), 1);
 }
 
 std::size_t fromZero(std::int32_t position)
@@ -92,6 +105,19 @@ void putNetcdfRow(int file, int variable, std::int32_t row, std::span<const floa
     const std::array<std::size_t, 2> start{fromZero(row), 0};
     const std::array<std::size_t, 2> count{1, cells.size()};
     checkNetcdf(nc_put_vara_float(file, variable, start.data(), count.data(), cells.data()), call);
+}
+
+// Where the last write of a NetCDF-4 file fails, HDF5 has released the file, and the NetCDF library asks it all the same
+// what is still open in it. That reads memory which is gone; the user would lose the console and the reason.
+void closeNetcdf(int file, std::string_view call)
+{
+    struct sigaction onFault = {};
+    struct sigaction earlier = {};
+    onFault.sa_handler = returnToClosing;
+    sigaction(SIGSEGV, &onFault, &earlier);
+    const int status = sigsetjmp(placeOfClosing(), 1) == 0 ? nc_close(file) : NC_EHDFERR;
+    sigaction(SIGSEGV, &earlier, nullptr);
+    checkNetcdf(status, call);
 }
 
 } // namespace gridforge

@@ -47,4 +47,7 @@ void putNetcdfRow(int file, int variable, std::int32_t position, std::int32_t ro
 // One row of cells, whole, of a variable (y, x).
 void putNetcdfRow(int file, int variable, std::int32_t row, std::span<const float> cells, std::string_view call);
 
+// Closes the file. A fault of the library in it counts as a refusal.
+void closeNetcdf(int file, std::string_view call);
+
 } // namespace gridforge

@@ -120,7 +120,7 @@ void putTotal(const RfNcRecord& record, const Grid& cells)
 
 void closeRainfallNc(RfNcRecord& record)
 {
-    checkNetcdf(nc_close(record.file), "nf90_close");
+    closeNetcdf(record.file, "nf90_close");
     record.file = 0;
 }
 

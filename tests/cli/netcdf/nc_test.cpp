@@ -3,6 +3,7 @@
 #include "support/paths.h"
 #include "support/read_netcdf.h"
 #include "support/sanitizers.h"
+#include "support/system_failures.h"
 
 #include <gmock/gmock.h>
 #include <random>
@@ -558,6 +559,17 @@ TEST(NcCli, AFullDiskIsNeverSilent)
                                          errorEnd("Netcdf error message: " + std::string(nc_strerror(NC_EHDFERR)))}));
         }
     }
+}
+
+TEST(NcCli, AFailedCloseOfTheFileEndsTheRun)
+{
+    ToolRun run("-b -nc a.asc");
+    run.give("a.asc", ascGrid(kFirst));
+    askSystem(run, "fail close 2 5"); // the grid is closed first; 5 is the error of a device
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_CONSOLE_HOLDS(run, {"Closing netcdf file...", "ERROR - With nectdf call nf90_close",
+                               "Netcdf error message: NetCDF: HDF error", "", "Press Enter to Close"});
 }
 
 } // namespace
