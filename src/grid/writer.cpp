@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace gridforge {
 
@@ -73,6 +74,32 @@ void writeFltCells(std::string_view name, const Grid& cells)
     CLOSER(unit);
 }
 
+// Text that ends within its last value is read as another value, so an .asc looks whole no sooner than it is.
+void writeAsc(std::string_view base, const GridHeader& header, const Grid& cells, std::int32_t decimals)
+{
+    Unit unit = 0;
+    OPENER(unit, "O ", join(base, ".asc"));
+    markUnfinished(unit);
+    writeHeaderLines(unit, header);
+    writeAscCells(unit, cells, decimals);
+    markFinished(unit);
+    CLOSER(unit);
+}
+
+// No header stands before cells that are not its own, of an earlier file or not all there: readers that find half of the
+// bytes take them for cells of half the size.
+void writeFlt(std::string_view base, const GridHeader& header, const Grid& cells)
+{
+    Unit unit = 0;
+    OPENER(unit, "O ", join(base, ".hdr"));
+    markUnfinished(unit);
+    writeHeaderLines(unit, header);
+    writeLine(unit, "byteorder LSBFIRST");
+    FileStream headerFile = closeUnfinished(unit);
+    writeFltCells(join(base, ".flt"), cells);
+    finishLater(std::move(headerFile));
+}
+
 void writeProjection(std::string_view base, std::string_view projectionText)
 {
     if (trimRight(projectionText).empty()) {
@@ -103,17 +130,10 @@ void writeGrid(std::int32_t format, std::string_view base, const GridHeader& hea
     if (format == kFormatAsc && decimals > kMaxDecimals) {
         fail("ERROR - Number of decimal places exceeds maximum: ", kMaxDecimals);
     }
-    Unit unit = 0;
-    const std::vector<std::string> files = gridOutputFiles(format, base);
-    OPENER(unit, "O ", files.front());
-    writeHeaderLines(unit, header);
     if (format == kFormatAsc) {
-        writeAscCells(unit, cells, decimals < 0 ? kDefaultDecimals : decimals);
-        CLOSER(unit);
+        writeAsc(base, header, cells, decimals < 0 ? kDefaultDecimals : decimals);
     } else {
-        writeLine(unit, "byteorder LSBFIRST");
-        CLOSER(unit);
-        writeFltCells(files.back(), cells);
+        writeFlt(base, header, cells);
     }
     writeProjection(base, projectionText);
 }

@@ -4,6 +4,7 @@
 #include "host/file_system.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -18,6 +19,8 @@ constexpr std::size_t kBufferSize = std::size_t{1} << 20;
 // The system reads and writes at most this much in one call.
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
 constexpr mode_t kNewFileMode = 0666;
+// No header begins so.
+constexpr char kUnfinishedByte = '?';
 
 // A run mostly has one file open after the other, so a buffer whose pages are there already is kept for the next one.
 std::unique_ptr<char[]>& spareBuffer()
@@ -98,6 +101,8 @@ FileStream& FileStream::operator=(FileStream&& other) noexcept
     std::swap(textStart_, other.textStart_);
     std::swap(lineStart_, other.lineStart_);
     std::swap(unreadable_, other.unreadable_);
+    std::swap(unfinished_, other.unfinished_);
+    std::swap(firstByte_, other.firstByte_);
     return *this;
 }
 
@@ -274,12 +279,16 @@ bool FileStream::flush()
 {
     // What could not be written once is given up, so that the end of the run does not stumble over it again.
     const std::size_t count = std::exchange(end_, 0);
+    if (unfinished_ && bufferOffset_ == 0 && count > 0) {
+        firstByte_ = std::exchange(buffer_[0], kUnfinishedByte);
+    }
     return count == 0 || writeOut(buffer_.get(), count);
 }
 
 bool FileStream::write(std::string_view bytes)
 {
     if (bytes.size() >= kBufferSize) {
+        assert(!unfinished_ || position() > 0); // the first byte goes through the buffer
         return flush() && writeOut(bytes.data(), bytes.size());
     }
     if (!room(bytes.size())) {
@@ -314,6 +323,24 @@ void FileStream::reserve([[maybe_unused]] std::int64_t count)
 #ifdef __linux__
     [[maybe_unused]] const int ignored = fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, position(), count);
 #endif
+}
+
+void FileStream::markUnfinished()
+{
+    struct stat status = {};
+    unfinished_ = fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool FileStream::markFinished()
+{
+    if (!unfinished_) {
+        return true;
+    }
+    if (!flush()) {
+        return false;
+    }
+    unfinished_ = false;
+    return bufferOffset_ == 0 || uninterrupted([&] { return pwrite(descriptor_, &firstByte_, 1, 0); }) == 1;
 }
 
 // --- Both ------------------------------------------------------------------------------------------------------------

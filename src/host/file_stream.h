@@ -56,6 +56,10 @@ public:
     [[nodiscard]] bool flush();
     [[nodiscard]] bool truncateHere();
     void reserve(std::int64_t count);
+    // Until markFinished a regular file begins with another byte than the first one written, so that what a killed run
+    // leaves does not look whole.
+    void markUnfinished();
+    [[nodiscard]] bool markFinished();
 
     std::int64_t size() const;
     std::int64_t position() const;
@@ -79,6 +83,8 @@ private:
     std::int64_t textStart_ = 0;    // position of the first byte after a byte order mark
     std::int64_t lineStart_ = 0;    // position of the last line read
     bool unreadable_ = false;       // the system refused a read or a position
+    bool unfinished_ = false;
+    char firstByte_ = 0; // of an unfinished file
 };
 
 // A descriptor for `name`, or -1.

@@ -75,13 +75,18 @@ Unit unitOf(const UnitEntry& entry)
     return t.base + 1 + static_cast<std::int32_t>(&entry - t.free.data());
 }
 
+[[noreturn]] void failWriting(std::string_view name)
+{
+    fail("ERROR - Could not write to file: ", name);
+}
+
 [[noreturn]] void failWrite(UnitEntry& entry)
 {
     table().writeFailed = true;
     if (const WriteFailure handler = std::exchange(entry.writeFailure, nullptr)) {
         handler(unitOf(entry));
     }
-    fail("ERROR - Could not write to file: ", entry.stream.name());
+    failWriting(entry.stream.name());
 }
 
 void requireWritten(bool written, Unit unit)
@@ -110,6 +115,12 @@ void closeEntry(UnitEntry& entry)
         failWrite(entry);
     }
     entry.writeFailure = nullptr;
+}
+
+void sayClosed(Unit& unit)
+{
+    say("...Closed File Unit:", integerField(unit, kUnitWidth));
+    unit = 0;
 }
 
 template <typename Action>
@@ -334,8 +345,7 @@ void CLOSER(Unit& unit)
         return;
     }
     closeEntry(*entry);
-    say("...Closed File Unit:", integerField(unit, kUnitWidth));
-    unit = 0;
+    sayClosed(unit);
 }
 
 void closeAllUnits(bool announce)
@@ -521,6 +531,33 @@ void onWriteFailure(Unit unit, WriteFailure handler)
 void reserveBytes(Unit unit, std::int64_t count)
 {
     stream(unit).reserve(count);
+}
+
+void markUnfinished(Unit unit)
+{
+    stream(unit).markUnfinished();
+}
+
+void markFinished(Unit unit)
+{
+    requireWritten(stream(unit).markFinished(), unit);
+}
+
+FileStream closeUnfinished(Unit& unit)
+{
+    requireWritten(stream(unit).flush(), unit);
+    noteWritten(stream(unit));
+    FileStream file = std::move(stream(unit));
+    closeEntry(*findEntry(unit));
+    sayClosed(unit);
+    return file;
+}
+
+void finishLater(FileStream file)
+{
+    if (!file.markFinished() || !file.close()) {
+        failWriting(file.name());
+    }
 }
 
 // --- Save dates ------------------------------------------------------------------------------------------------------

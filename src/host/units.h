@@ -3,6 +3,8 @@
 // message.
 #pragma once
 
+#include "host/file_stream.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -88,6 +90,14 @@ inline constexpr std::size_t kWriteRoom = std::size_t{1} << 20;
 void truncateHere(Unit unit);
 // Tells the file system how many bytes will be written, so that it can lay them out at once. Only a hint.
 void reserveBytes(Unit unit, std::int64_t count);
+// Between these two, right after the opening and last before the closing, a file does not look whole: what a killed run
+// leaves begins with a byte that no reader takes.
+void markUnfinished(Unit unit);
+void markFinished(Unit unit);
+// The same for a file that is finished when another one is: closes the unit as CLOSER does, but only finishLater ends the
+// marking and closes the file.
+FileStream closeUnfinished(Unit& unit);
+void finishLater(FileStream file);
 
 // What a failed write of this unit, also at its close, does in place of the usual message: another message and an end
 // of the run. It lasts until the unit is closed.

@@ -136,6 +136,7 @@ void writeClassifiedAsc(const std::string& name, const GridHeader& header, const
     say("Writting .asc in classified format.");
     Unit unit = 0;
     OPENER(unit, "O ", name);
+    markUnfinished(unit);
     writeAscHeaderText(unit, name, header.nrows, header.ncols, header.xll, header.yll, header.cellsize8);
     writeClassLines(unit, table);
     say("Allocating ", gridKilobytes(header.nrows, header.ncols), "Kb memory for conversion to integer grid...");
@@ -147,6 +148,7 @@ void writeClassifiedAsc(const std::string& name, const GridHeader& header, const
         }
     }
     endLine();
+    markFinished(unit);
     CLOSER(unit);
 }
 

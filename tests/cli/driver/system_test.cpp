@@ -3,6 +3,9 @@
 #include "support/system_failures.h"
 
 #include <cerrno>
+#include <csignal>
+#include <map>
+#include <utility>
 
 namespace gridforge::test {
 namespace {
@@ -45,9 +48,20 @@ TEST(SystemCli, AFailedWriteEndsTheRun)
 
 TEST(SystemCli, AFailedCloseOfAnOutputEndsTheRun)
 {
-    const ConvRun cells(fail("close", 3, EIO));
+    const ConvRun cells(fail("close", 2, EIO));
     EXPECT_CONSOLE_HOLDS(
         cells, {"Finished writing FLT grid.", "ERROR - Could not write to file: a.flt", "", "Press Enter to Close"});
+    // The file of the header is closed when the cells are there.
+    const ConvRun header(fail("close", 3, EIO));
+    EXPECT_CONSOLE_HOLDS(
+        header, {"...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr", "", "Press Enter to Close"});
+}
+
+TEST(SystemCli, AFailedWriteOfTheFirstLetterEndsTheRun)
+{
+    const ConvRun run(fail("pwrite", 1, EIO));
+    EXPECT_CONSOLE_HOLDS(
+        run, {"...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr", "", "Press Enter to Close"});
 }
 
 TEST(SystemCli, AFailedCloseOfAnInputIsIgnored)
@@ -99,6 +113,59 @@ TEST(SystemCli, AnInterruptedCutOfAShapefileIsMadeAgain)
     run.start();
     EXPECT_TRUE(run.says("Finished."));
     EXPECT_EQ(run.read("l_Res_P.shp").substr(100), big(1) + big(10) + pointRecord(4.3, 4.4));
+}
+
+// --- Runs that are killed ---------------------------------------------------------------------------------------------
+
+// The files after a kill of the run at the call that is the `event`-th to change a file.
+std::map<std::string, std::string> filesAfterKill(ToolRun& run, int event, const std::string& when)
+{
+    askSystem(run, "kill " + std::to_string(event) + " " + when);
+    run.startForSignal();
+    EXPECT_EQ(run.status(), 128 + SIGKILL);
+    return run.files();
+}
+
+const std::string kWholeAsc = "ncols 2\r\nnrows 1\r\nxllcorner 0.\r\nyllcorner 0.\r\ncellsize 1.\r\n"
+                              "NODATA_value -9999.0\r\n   1.500  12.500\r\n";
+
+// It is opened, written, its first letter is written, and it is closed.
+TEST(SystemCli, AnAscLooksWholeNoSoonerThanItIs)
+{
+    const auto kill = [](int event, const std::string& when) {
+        ToolRun run("-b -conv a.flt");
+        run.give("a.flt", fltCells({{1.5, 12.5}}));
+        run.give("a.hdr", hdr(2, 1));
+        return filesAfterKill(run, event, when)["a.asc"];
+    };
+    EXPECT_EQ(kill(2, "before"), "");
+    // Two digits short it would be read as 12.5, four as 12.
+    EXPECT_EQ(kill(2, "within " + std::to_string(kWholeAsc.size() - 6)),
+              "?" + kWholeAsc.substr(1, kWholeAsc.size() - 7));
+    EXPECT_EQ(kill(3, "before"), "?" + kWholeAsc.substr(1));
+    EXPECT_EQ(kill(3, "after"), kWholeAsc);
+}
+
+// The .hdr is opened and written, the .flt opened, given its room, written and closed; then the first letter of the .hdr is
+// written, and it is closed.
+TEST(SystemCli, AHeaderLooksWholeNoSoonerThanItsCells)
+{
+    const std::string header = "ncols 3\r\nnrows 2\r\nxllcorner 0.\r\nyllcorner 0.\r\ncellsize 1.\r\nNODATA_value "
+                               "-9999.0\r\nbyteorder LSBFIRST\r\n";
+    const auto kill = [](int event, const std::string& when) {
+        ToolRun run("-b -conv a.asc");
+        run.give("a.asc", ascGrid(kCells));
+        run.give("a.flt", fltCells({{1, 2}, {3, 4}, {5, 6}}));
+        run.give("a.hdr", hdr(2, 3));
+        auto files = filesAfterKill(run, event, when);
+        return std::pair(files["a.hdr"], files["a.flt"].size());
+    };
+    EXPECT_EQ(kill(1, "after"), std::pair(std::string(), 24UL));
+    EXPECT_EQ(kill(2, "after"), std::pair("?" + header.substr(1), 24UL));
+    EXPECT_EQ(kill(3, "after"), std::pair("?" + header.substr(1), 0UL));
+    EXPECT_EQ(kill(5, "within 12"), std::pair("?" + header.substr(1), 12UL));
+    EXPECT_EQ(kill(6, "after"), std::pair("?" + header.substr(1), 24UL));
+    EXPECT_EQ(kill(7, "after"), std::pair(header, 24UL));
 }
 
 } // namespace
