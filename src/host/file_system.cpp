@@ -3,6 +3,7 @@
 #include "host/folder_names.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <new>
 #include <sys/stat.h>
@@ -59,10 +60,19 @@ SearchResult listFolder(const std::string& folder, std::string_view pattern)
     return result;
 }
 
+// Sets errno: to 0 where a folder has that name.
 bool isFile(const std::string& name)
 {
     struct stat status = {};
+    errno = 0;
     return stat(name.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
+// After a failed look at a name: is this error no proof that it names no file which can be opened?
+bool mayBeThere(int error)
+{
+    constexpr std::array kNotThere = {0, ENOENT, ENOTDIR, EACCES, ELOOP, ENAMETOOLONG};
+    return std::ranges::find(kNotThere, error) == kNotThere.end();
 }
 
 // A name of the system split at its last separator, which the folder keeps; without one the folder is empty.
@@ -126,7 +136,8 @@ std::string systemName(std::string_view name)
 std::optional<std::string> findInput(std::string_view name)
 {
     std::string own = systemName(name);
-    if (isFile(own)) {
+    // A file that the system cannot tell of, as on a faulty disk, is not a missing one: the attempt to open it decides.
+    if (isFile(own) || mayBeThere(errno)) {
         return own;
     }
     return findInOtherCase(splitName(own));

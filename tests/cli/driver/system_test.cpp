@@ -115,6 +115,17 @@ TEST(SystemCli, AnInterruptedCutOfAShapefileIsMadeAgain)
     EXPECT_EQ(run.read("l_Res_P.shp").substr(100), big(1) + big(10) + pointRecord(4.3, 4.4));
 }
 
+TEST(SystemCli, AProjectionThatTheSystemCannotTellOfIsOpenedAllTheSame)
+{
+    ToolRun run("-b -conv a.asc");
+    run.give("a.asc", ascGrid(kCells));
+    run.give("a.prj", "PROJCS[\"Test\"]\n");
+    askSystem(run, fail("stat", 2, EIO)); // the first looks for the grid
+    run.start();
+    EXPECT_TRUE(run.says("Using a.prj for setting projection."));
+    EXPECT_TRUE(run.says("Finished."));
+}
+
 // --- Runs that are killed ---------------------------------------------------------------------------------------------
 
 // The files after a kill of the run at the call that is the `event`-th to change a file.
