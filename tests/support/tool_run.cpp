@@ -243,17 +243,23 @@ void ToolRun::program(std::string path)
 
 void ToolRun::start(std::chrono::milliseconds limit)
 {
-    startForSignal(limit);
-    if (status_ >= 128) {
+    if (endsWithin(limit) && status_ >= 128) {
         ADD_FAILURE() << "ended by signal " << status_ - 128 << ": " << command() << '\n' << error_;
     }
 }
 
 void ToolRun::startForSignal(std::chrono::milliseconds limit)
 {
-    if (!runWithin(limit, true)) {
+    endsWithin(limit);
+}
+
+bool ToolRun::endsWithin(std::chrono::milliseconds limit)
+{
+    const bool ended = runWithin(limit, true);
+    if (!ended) {
         ADD_FAILURE() << "no end within " << limit.count() << " ms: " << command();
     }
+    return ended;
 }
 
 bool ToolRun::stillRunsAfter(std::chrono::milliseconds time)

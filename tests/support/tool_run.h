@@ -85,6 +85,8 @@ private:
     using Listing = std::map<std::string, FileState>;
 
     Listing listing() const;
+    // False, and a failure of the test, where the run takes longer than `limit`.
+    bool endsWithin(std::chrono::milliseconds limit);
     // True where the process ended by itself within `limit`; kills it otherwise. `ends`: the test expects an end.
     bool runWithin(std::chrono::milliseconds limit, bool ends);
 
