@@ -1,6 +1,7 @@
 """Runs the executable of a commit and the present one on the same inputs, and reports whatever differs.
 
 usage: scripts/witness SECONDS [option ...]
+       scripts/witness --runs N [option ...]
        scripts/witness --seed N --run N [option ...]
        scripts/witness --again FOLDER [option ...]
 
@@ -44,6 +45,7 @@ def arguments():
     add("--environment", action="append", default=[], metavar="'A=1 B=2'",
         help="for the present executable; given again, each input runs with each setting in turn")
     add("--seed", type=int, help="of the damages; else from the present commit")
+    add("--runs", type=int, metavar="N", help="stop after N runs")
     add("--run", type=int, metavar="N", help="only run N of this seed, and keep its folders")
     add("--again", metavar="FOLDER", help="only the run that is kept in this folder")
     add("--only", default="", metavar="TEXT", help="only inputs with this in their names")
@@ -56,8 +58,8 @@ def arguments():
     add("--runner", metavar="PATH", help="the program that starts the runs, in place of that of the preset")
     add("--keep", default=os.path.join(CACHE, "differences"), metavar="FOLDER", help="for the folders of runs that differ")
     options = parser.parse_args()
-    if (options.seconds is None) == (options.run is None and options.again is None):
-        parser.error("either SECONDS, --run or --again")
+    if [options.seconds, options.runs, options.run, options.again].count(None) != 3:
+        parser.error("one of SECONDS, --runs, --run and --again")
     options.others = other_options(parser, options)
     return options
 
@@ -67,7 +69,7 @@ def other_options(parser, options):
     words = []
     for action in parser._actions:
         value = getattr(options, action.dest, None)
-        if action.dest in ("seconds", "seed", "run", "jobs", "keep") or value in (None, action.default):
+        if action.dest in ("seconds", "runs", "seed", "run", "jobs", "keep") or value in (None, action.default):
             continue
         for one in value if isinstance(value, list) else [value]:
             words += [action.option_strings[0]] + ([] if one is True else [str(one)])
@@ -197,7 +199,7 @@ def run_all(options, plan, reference_tool, root):
     seconds = options.seconds or 0
     one_only = options.run if options.run is not None else 0 if options.again else None
     jobs = 1 if one_only is not None else max(1, options.jobs)
-    last = one_only + 1 if one_only is not None else len(plan.inputs) if seconds == 0 else sys.maxsize
+    last = one_only + 1 if one_only is not None else options.runs or (sys.maxsize if seconds else len(plan.inputs))
     deadline = time.monotonic() + seconds if seconds > 0 else float("inf")
     counter = multiprocessing.Value("q", one_only or 0)
     results = multiprocessing.Queue()
@@ -254,7 +256,7 @@ def main():
         build_present(options)
         found = sources(options)
         plan = Plan(found.inputs, options.seed if options.seed is not None else default_seed())
-        if options.seconds is not None:
+        if options.seconds is not None or options.runs is not None:
             forget_kept(options.keep)
         root = scratch_root()
         print("%d inputs; left out: %s" % (len(found.inputs), ", ".join(
