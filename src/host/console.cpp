@@ -1,11 +1,9 @@
 #include "host/console.h"
 
 #include "core/numbers.h"
-#include "host/ends.h"
 
 #include <array>
 #include <cerrno>
-#include <optional>
 #include <poll.h>
 #include <unistd.h>
 
@@ -171,8 +169,7 @@ void flushConsole()
 
 void pause(std::string_view prompt)
 {
-    consoleLine(prompt);
-    readInput();
+    readAnswer(prompt);
 }
 
 void pauseForEnter()
@@ -180,22 +177,10 @@ void pauseForEnter()
     pause("Enter command<CR> or <CR> to continue.");
 }
 
-std::string ask(std::string_view question)
+std::optional<std::string> readAnswer(std::string_view question)
 {
     consoleLine(question);
-    auto answer = readInput();
-    if (!answer) {
-        EXITS();
-    }
-    return *std::move(answer);
-}
-
-void pauseForRetry(std::string_view prompt)
-{
-    consoleLine(prompt);
-    if (!readInput()) {
-        EXITS();
-    }
+    return readInput();
 }
 
 } // namespace gridforge

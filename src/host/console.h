@@ -5,6 +5,7 @@
 #include "core/text.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -45,9 +46,7 @@ void flushConsole();
 void pause(std::string_view prompt);
 // The pause with no text of its own.
 void pauseForEnter();
-// Writes the question as a line and reads the answer, cut at 1000; the end of standard input ends the run by EXITS.
-std::string ask(std::string_view question);
-// A pause that a dialogue cannot do without: the end of standard input ends the run by EXITS.
-void pauseForRetry(std::string_view prompt);
+// Writes the question as a line and reads the answer, cut at 1000; nothing at the end of standard input.
+std::optional<std::string> readAnswer(std::string_view question);
 
 } // namespace gridforge

@@ -1,7 +1,6 @@
 #include "host/ends.h"
 
 #include "core/product.h"
-#include "host/units.h"
 
 #include <cstdlib>
 
@@ -15,10 +14,23 @@ EndHandler& endHandler()
     return handler;
 }
 
+CloseOpenFiles& fileCloser()
+{
+    static CloseOpenFiles closer = nullptr;
+    return closer;
+}
+
+void closeFiles()
+{
+    if (fileCloser() != nullptr) {
+        fileCloser()();
+    }
+}
+
 // What is still buffered goes to its file first: an end of the run is no reason to lose output.
 [[noreturn]] void endProcess()
 {
-    closeAllUnits(false);
+    closeFiles();
     flushConsole();
     if (endHandler() != nullptr) {
         endHandler()();
@@ -28,6 +40,11 @@ EndHandler& endHandler()
 
 } // namespace
 
+void closeFilesAtEnd(CloseOpenFiles close)
+{
+    fileCloser() = close;
+}
+
 void replaceProcessEnd(EndHandler handler)
 {
     endHandler() = handler;
@@ -35,7 +52,7 @@ void replaceProcessEnd(EndHandler handler)
 
 void EXITS()
 {
-    closeAllUnits(false);
+    closeFiles();
     say("");
     pause("Press Enter to Close");
     endProcess();
@@ -54,7 +71,7 @@ void endNow()
 
 void endFinished(bool batch)
 {
-    closeAllUnits(false);
+    closeFiles();
     say("Finished.");
     if (!batch) {
         pauseForEnter();

@@ -6,7 +6,7 @@
 
 namespace gridforge {
 
-// Closes all open units, waits for Enter and ends: the end of most errors.
+// Closes what is open, waits for Enter and ends: the end of most errors.
 [[noreturn]] void EXITS();
 // Waits for Enter and ends; files are left to the process end.
 [[noreturn]] void pauseExit();
@@ -14,6 +14,10 @@ namespace gridforge {
 [[noreturn]] void endNow();
 // "Finished.", a pause unless in batch mode, the end.
 [[noreturn]] void endFinished(bool batch);
+
+// The file units stand above the ends of a run, so they register here how open files are closed.
+using CloseOpenFiles = void (*)();
+void closeFilesAtEnd(CloseOpenFiles close);
 
 // Called in place of the end of the process, for programs that outlive a run (fuzz targets) and for what cannot be cleaned
 // up; it must not return.

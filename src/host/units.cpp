@@ -3,6 +3,7 @@
 #include "core/names.h"
 #include "core/numbers.h"
 #include "core/product.h"
+#include "host/dialogue.h"
 #include "host/ends.h"
 #include "host/file_stream.h"
 #include "host/file_system.h"
@@ -40,7 +41,10 @@ struct UnitTable {
 
 UnitTable& table()
 {
-    static UnitTable theTable;
+    static UnitTable theTable = [] {
+        closeFilesAtEnd([] { closeAllUnits(false); });
+        return UnitTable();
+    }();
     return theTable;
 }
 
