@@ -1,10 +1,14 @@
 # One static library for each folder of src/. Every library has an include root of its own, a folder in the build tree that
 # holds nothing but a link to the library's sources, so that `#include "grid/header.h"` compiles only where grid is linked.
-# A folder without sources yet is passed over.
+# A folder without sources yet is skipped. FORMS names the folders in it whose sources belong to the library too.
 function(gridforge_layer layer)
-  cmake_parse_arguments(ARG "" "" "USES" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "USES;FORMS" ${ARGN})
   set(folder ${PROJECT_SOURCE_DIR}/src/${layer})
   file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h)
+  foreach(form IN LISTS ARG_FORMS)
+    file(GLOB formSources CONFIGURE_DEPENDS ${folder}/${form}/*.cpp ${folder}/${form}/*.h)
+    list(APPEND sources ${formSources})
+  endforeach()
   list(FILTER sources EXCLUDE REGEX "/driver/main\\.cpp$")
   if(NOT sources)
     return()

@@ -1,55 +1,39 @@
 #include "core/huge_array.h"
 
 #include <cstdlib>
-#include <sys/mman.h>
-
-#if defined(__SANITIZE_ADDRESS__)
-#define GRIDFORGE_CHECKED_MEMORY 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define GRIDFORGE_CHECKED_MEMORY 1
-#endif
-#endif
 
 namespace gridforge {
 
 namespace {
 
-#ifdef GRIDFORGE_CHECKED_MEMORY
-constexpr bool kMapPages = false; // the sanitizer watches the bounds of the heap only
-#else
-constexpr bool kMapPages = true;
-#endif
-
-constexpr std::size_t kHugePage = std::size_t{1} << 21;
-
-bool isMapped(std::size_t bytes)
+void* takeFromHeap(std::size_t bytes)
 {
-    return kMapPages && bytes >= 2 * kHugePage;
+    return std::calloc(bytes, 1);
 }
+
+void releaseToHeap(void* pages, std::size_t)
+{
+    std::free(pages);
+}
+
+constinit PageSource pageSource{takeFromHeap, releaseToHeap};
 
 } // namespace
 
+bool usePages(PageSource source) noexcept
+{
+    pageSource = source;
+    return true;
+}
+
 void* takePages(std::size_t bytes)
 {
-    if (!isMapped(bytes)) {
-        return std::calloc(bytes, 1);
-    }
-    void* pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (pages == MAP_FAILED) {
-        return nullptr;
-    }
-    madvise(pages, bytes, MADV_HUGEPAGE); // a wish: where it is not granted the pages are small
-    return pages;
+    return pageSource.take(bytes);
 }
 
 void releasePages(void* pages, std::size_t bytes)
 {
-    if (isMapped(bytes)) {
-        munmap(pages, bytes);
-    } else {
-        std::free(pages);
-    }
+    pageSource.release(pages, bytes);
 }
 
 } // namespace gridforge

@@ -1,5 +1,5 @@
-// A large array of plain values, zero at first. Fresh memory is dear, so it is asked for in huge pages where the system
-// has them.
+// A large array of plain values, zero at first. Its memory comes from the heap unless there is a better source: fresh
+// memory is dear, and the host has it in huge pages.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +8,13 @@
 #include <utility>
 
 namespace gridforge {
+
+struct PageSource {
+    void* (*take)(std::size_t bytes);
+    void (*release)(void* pages, std::size_t bytes);
+};
+// Comes before the first large array, as each goes back to where it came from. Always true.
+bool usePages(PageSource source) noexcept;
 
 // Zeroed bytes, or nullptr when they cannot be had; released with the same size.
 void* takePages(std::size_t bytes);

@@ -5,10 +5,10 @@
 #include "core/text.h"
 #include "gis/byte_order.h"
 #include "gis/gis_messages.h"
+#include "host/system.h"
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 
 namespace gridforge {
 
@@ -105,22 +105,15 @@ void mapFields(const GisOutputAttributes& attributes, DbfTable& dbf)
 
 // --- Header ----------------------------------------------------------------------------------------------------------
 
-std::tm today()
-{
-    const std::time_t now = std::time(nullptr);
-    std::tm date = {};
-    localtime_r(&now, &date);
-    return date;
-}
-
 void writeHead(const DbfTable& dbf)
 {
     std::array<char, kHeaderBytes> head = {};
-    const std::tm date = today();
+    constexpr int kFirstYear = 1900;
+    const CalendarDate date = theSystem().today();
     char* at = putBytes(head.data(), std::int8_t{3});
-    at = putBytes(at, i1u(date.tm_year));
-    at = putBytes(at, i1u(date.tm_mon + 1));
-    at = putBytes(at, i1u(date.tm_mday));
+    at = putBytes(at, i1u(date.year - kFirstYear));
+    at = putBytes(at, i1u(date.month));
+    at = putBytes(at, i1u(date.day));
     at = putBytes(at, dbf.nRecords);
     at = putBytes(at, i2u(kFieldBytes * dbf.nFields + kHeaderBytes + 1));
     putBytes(at, i2u(dbf.recordLength + 1));

@@ -9,9 +9,7 @@
 #include "host/units.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <string>
-#include <system_error>
 #include <vector>
 
 namespace gridforge {
@@ -32,14 +30,6 @@ TrackedLayers& tracked()
 {
     static TrackedLayers theList;
     return theList;
-}
-
-// The name with all folders where the system knows the file, else as given.
-std::string fullName(std::string_view name)
-{
-    std::error_code unknown;
-    const auto full = std::filesystem::canonical(systemName(name), unknown);
-    return unknown ? std::string(name) : full.string();
 }
 
 void writeWorkspaceLine(Unit unit, std::string_view base, std::string_view extension)

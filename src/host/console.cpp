@@ -1,11 +1,10 @@
 #include "host/console.h"
 
 #include "core/numbers.h"
+#include "host/system.h"
 
 #include <array>
-#include <cerrno>
-#include <poll.h>
-#include <unistd.h>
+#include <span>
 
 namespace gridforge {
 
@@ -17,7 +16,7 @@ constexpr int kProgressWidth = 8;
 struct Console {
     std::string output;
     bool lineOpen = false;
-    bool terminal = isatty(STDOUT_FILENO) == 1;
+    bool watched = theSystem().consoleIsWatched();
     std::array<char, 4096> input{};
     std::size_t inputAt = 0;
     std::size_t inputEnd = 0;
@@ -33,20 +32,9 @@ Console& console()
 // A person who watches sees each line at once; a file or pipe gets large pieces.
 void flushIfDue()
 {
-    if (console().terminal || console().output.size() >= kFlushAt) {
+    if (console().watched || console().output.size() >= kFlushAt) {
         flushConsole();
     }
-}
-
-// The call is worth another try: a signal came in between, or a stream that does not block was not ready, which is waited for.
-bool mayTryAgain(int stream, short event)
-{
-    if (errno == EAGAIN || errno == EWOULDBLOCK) {
-        constexpr int kForever = -1;
-        pollfd waited{stream, event, 0};
-        return poll(&waited, 1, kForever) > 0 || errno == EINTR;
-    }
-    return errno == EINTR;
 }
 
 // Reads on after the bytes that wait; false when nothing came.
@@ -57,10 +45,7 @@ bool readMoreInput()
         c.inputAt = 0;
         c.inputEnd = 0;
     }
-    ssize_t got = 0;
-    do {
-        got = read(STDIN_FILENO, c.input.data() + c.inputEnd, c.input.size() - c.inputEnd);
-    } while (got < 0 && mayTryAgain(STDIN_FILENO, POLLIN));
+    const std::int64_t got = theSystem().readConsole(std::span(c.input).subspan(c.inputEnd));
     if (got <= 0) {
         return false;
     }
@@ -153,17 +138,7 @@ void progress(std::int32_t number)
 void flushConsole()
 {
     std::string& output = console().output;
-    std::size_t written = 0;
-    while (written < output.size()) {
-        const ssize_t count = write(STDOUT_FILENO, output.data() + written, output.size() - written);
-        if (count < 0 && mayTryAgain(STDOUT_FILENO, POLLOUT)) {
-            continue;
-        }
-        if (count <= 0) {
-            break; // nobody reads the console any more; the run goes on for its files
-        }
-        written += static_cast<std::size_t>(count);
-    }
+    theSystem().writeConsole(output);
     output.clear();
 }
 

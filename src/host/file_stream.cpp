@@ -5,20 +5,14 @@
 
 #include <algorithm>
 #include <cassert>
-#include <cerrno>
 #include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <optional>
 
 namespace gridforge {
 
 namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 20;
-// The system reads and writes at most this much in one call.
-constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
-constexpr mode_t kNewFileMode = 0666;
 // No header begins so.
 constexpr char kUnfinishedByte = '?';
 
@@ -29,52 +23,10 @@ std::unique_ptr<char[]>& spareBuffer()
     return spare;
 }
 
-// Makes the call again as long as a signal interrupts it.
-template <typename Call>
-auto uninterrupted(Call call)
-{
-    auto result = call();
-    while (result < 0 && errno == EINTR) {
-        result = call();
-    }
-    return result;
-}
-
-ssize_t readSome(int descriptor, char* target, std::size_t count)
-{
-    return uninterrupted([=] { return ::read(descriptor, target, std::min(count, kMostAtOnce)); });
-}
-
-int openFile(std::string_view name, int flags)
-{
-    const std::string path = systemName(name);
-    return uninterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC, kNewFileMode); });
-}
-
 } // namespace
 
-int openForReading(std::string_view name)
-{
-    const int descriptor = openFile(name, O_RDONLY);
-    if (descriptor >= 0) {
-        posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
-    }
-    return descriptor;
-}
-
-int openForWriting(std::string_view name, WriteStart start)
-{
-    int flags = O_CREAT;
-    switch (start) {
-    case WriteStart::replace: flags |= O_WRONLY | O_TRUNC; break;
-    case WriteStart::append: flags |= O_WRONLY | O_APPEND; break;
-    case WriteStart::inPlace: flags |= O_RDWR; break;
-    }
-    return openFile(name, flags);
-}
-
-FileStream::FileStream(int descriptor, Direction direction, std::string name)
-    : descriptor_(descriptor), direction_(direction), name_(std::move(name))
+FileStream::FileStream(SystemFile file, Direction direction, std::string name)
+    : file_(file), direction_(direction), name_(std::move(name))
 {
 }
 
@@ -90,7 +42,7 @@ FileStream::FileStream(FileStream&& other) noexcept
 
 FileStream& FileStream::operator=(FileStream&& other) noexcept
 {
-    std::swap(descriptor_, other.descriptor_);
+    std::swap(file_, other.file_);
     std::swap(direction_, other.direction_);
     std::swap(name_, other.name_);
     std::swap(buffer_, other.buffer_);
@@ -106,16 +58,22 @@ FileStream& FileStream::operator=(FileStream&& other) noexcept
     return *this;
 }
 
+std::optional<FileIdentity> FileStream::identity() const
+{
+    const std::optional<FileFacts> facts = isOpen() ? theSystem().factsOfOpen(file_) : std::nullopt;
+    return facts ? std::optional(facts->identity) : std::nullopt;
+}
+
 bool FileStream::close()
 {
     if (!isOpen()) {
         return true;
     }
     bool good = direction_ == Direction::in || flush();
-    if (::close(descriptor_) != 0 && errno != EINTR) {
+    if (!theSystem().close(file_)) {
         good = good && direction_ == Direction::in;
     }
-    descriptor_ = -1;
+    file_ = SystemFile::none;
     if (capacity_ == kBufferSize) {
         spareBuffer() = std::move(buffer_);
     }
@@ -157,7 +115,7 @@ bool FileStream::fill()
     if (end_ == capacity_ || unreadable_) {
         return false;
     }
-    const ssize_t got = readSome(descriptor_, buffer_.get() + end_, capacity_ - end_);
+    const std::int64_t got = theSystem().read(file_, {buffer_.get() + end_, capacity_ - end_});
     if (got <= 0) {
         unreadable_ = got < 0;
         return false;
@@ -247,7 +205,7 @@ bool FileStream::readBytes(std::span<std::byte> target)
         if (unreadable_) {
             return false;
         }
-        const ssize_t got = readSome(descriptor_, reinterpret_cast<char*>(target.data()), target.size());
+        const std::int64_t got = theSystem().read(file_, {reinterpret_cast<char*>(target.data()), target.size()});
         if (got <= 0) {
             unreadable_ = got < 0;
             return false;
@@ -263,8 +221,7 @@ bool FileStream::readBytes(std::span<std::byte> target)
 bool FileStream::writeOut(const char* bytes, std::size_t count)
 {
     while (count > 0) {
-        const ssize_t written =
-            uninterrupted([&] { return ::write(descriptor_, bytes, std::min(count, kMostAtOnce)); });
+        const std::int64_t written = theSystem().write(file_, {bytes, count});
         if (written <= 0) {
             return false;
         }
@@ -315,20 +272,18 @@ std::span<char> FileStream::roomLeft()
 
 bool FileStream::truncateHere()
 {
-    return flush() && uninterrupted([&] { return ftruncate(descriptor_, bufferOffset_); }) == 0;
+    return flush() && theSystem().truncate(file_, bufferOffset_);
 }
 
-void FileStream::reserve([[maybe_unused]] std::int64_t count)
+void FileStream::reserve(std::int64_t count)
 {
-#ifdef __linux__
-    [[maybe_unused]] const int ignored = fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, position(), count);
-#endif
+    theSystem().reserve(file_, position(), count);
 }
 
 void FileStream::markUnfinished()
 {
-    struct stat status = {};
-    unfinished_ = fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
+    const std::optional<FileIdentity> file = identity();
+    unfinished_ = file && file->regular;
 }
 
 bool FileStream::markFinished()
@@ -340,15 +295,15 @@ bool FileStream::markFinished()
         return false;
     }
     unfinished_ = false;
-    return bufferOffset_ == 0 || uninterrupted([&] { return pwrite(descriptor_, &firstByte_, 1, 0); }) == 1;
+    return bufferOffset_ == 0 || theSystem().writeAt(file_, 0, {&firstByte_, 1}) == 1;
 }
 
 // --- Both ------------------------------------------------------------------------------------------------------------
 
 std::int64_t FileStream::size() const
 {
-    struct stat status = {};
-    return fstat(descriptor_, &status) == 0 ? std::int64_t{status.st_size} : 0;
+    const std::optional<FileFacts> facts = theSystem().factsOfOpen(file_);
+    return facts ? facts->size : 0;
 }
 
 std::int64_t FileStream::position() const
@@ -369,7 +324,7 @@ bool FileStream::seek(std::int64_t position)
         begin_ = static_cast<std::size_t>(position - bufferOffset_);
         return true;
     }
-    const bool moved = position >= 0 && lseek(descriptor_, position, SEEK_SET) == position;
+    const bool moved = theSystem().seek(file_, position);
     if (direction_ == Direction::in && !moved) {
         unreadable_ = true;
     }

@@ -1,7 +1,7 @@
-// One open file behind a unit: a descriptor and a buffer that either reads ahead or collects what is written.
+// One open file behind a unit: a file of the system and a buffer that either reads ahead or collects what is written.
 #pragma once
 
-#include "host/file_identity.h"
+#include "host/system.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,18 +19,18 @@ enum class Direction { in, out };
 class FileStream {
 public:
     FileStream() = default;
-    FileStream(int descriptor, Direction direction, std::string name);
+    FileStream(SystemFile file, Direction direction, std::string name);
     ~FileStream();
     FileStream(FileStream&& other) noexcept;
     FileStream& operator=(FileStream&& other) noexcept;
     FileStream(const FileStream&) = delete;
     FileStream& operator=(const FileStream&) = delete;
 
-    bool isOpen() const { return descriptor_ >= 0; }
+    bool isOpen() const { return file_ != SystemFile::none; }
     const std::string& name() const { return name_; }
     bool isOutput() const { return direction_ == Direction::out; }
     // Nothing when closed.
-    std::optional<FileIdentity> identity() const { return identityOf(descriptor_); }
+    std::optional<FileIdentity> identity() const;
     // Writes what is buffered and closes; false when either fails.
     [[nodiscard]] bool close();
 
@@ -72,7 +72,7 @@ private:
     bool fill();    // reads behind the buffered bytes; false when nothing came
     bool writeOut(const char* bytes, std::size_t count);
 
-    int descriptor_ = -1;
+    SystemFile file_ = SystemFile::none;
     Direction direction_ = Direction::in;
     std::string name_;
     std::unique_ptr<char[]> buffer_;
@@ -86,10 +86,5 @@ private:
     bool unfinished_ = false;
     char firstByte_ = 0; // of an unfinished file
 };
-
-// A descriptor for `name`, or -1.
-int openForReading(std::string_view name);
-enum class WriteStart { replace, append, inPlace };
-int openForWriting(std::string_view name, WriteStart start);
 
 } // namespace gridforge

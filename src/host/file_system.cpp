@@ -1,12 +1,10 @@
 #include "host/file_system.h"
 
 #include "host/folder_names.h"
+#include "host/system.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <new>
-#include <sys/stat.h>
 #include <utility>
 
 namespace gridforge {
@@ -37,20 +35,29 @@ bool matches(std::string_view name, std::string_view pattern)
     return pattern.substr(p).find_first_not_of('*') == std::string_view::npos;
 }
 
-SearchEnd folderError(int error)
+// After a failed look at a name: is this status no proof that it names no file which can be opened?
+bool mayBeThere(SystemStatus status)
 {
-    switch (error) {
-    case ENOENT: return SearchEnd::noSuchFile;
-    case ENOMEM: return SearchEnd::outOfMemory;
-    default: return SearchEnd::invalidName;
+    return status == SystemStatus::outOfMemory || status == SystemStatus::unknown;
+}
+
+SearchEnd searchEnd(SystemStatus status)
+{
+    switch (status) {
+    case SystemStatus::done: return SearchEnd::done;
+    case SystemStatus::noSuchFile: return SearchEnd::noSuchFile;
+    case SystemStatus::outOfMemory: return SearchEnd::outOfMemory;
+    case SystemStatus::refused:
+    case SystemStatus::unknown: break;
     }
+    return SearchEnd::invalidName;
 }
 
 SearchResult listFolder(const std::string& folder, std::string_view pattern)
 {
     SearchResult result;
-    if (const int error = readFolder(folder, result.names); error != 0) {
-        return {folderError(error), {}};
+    if (const SystemStatus status = theSystem().list(folder, result.names); status != SystemStatus::done) {
+        return {searchEnd(status), {}};
     }
     std::erase_if(result.names, [&](const std::string& name) { return !matches(name, pattern); });
     std::sort(result.names.begin(), result.names.end());
@@ -60,19 +67,10 @@ SearchResult listFolder(const std::string& folder, std::string_view pattern)
     return result;
 }
 
-// Sets errno: to 0 where a folder has that name.
 bool isFile(const std::string& name)
 {
-    struct stat status = {};
-    errno = 0;
-    return stat(name.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
-}
-
-// After a failed look at a name: is this error no proof that it names no file which can be opened?
-bool mayBeThere(int error)
-{
-    constexpr std::array kNotThere = {0, ENOENT, ENOTDIR, EACCES, ELOOP, ENAMETOOLONG};
-    return std::ranges::find(kNotThere, error) == kNotThere.end();
+    const std::optional<FileFacts> facts = factsOf(name);
+    return facts && !facts->isFolder;
 }
 
 // A name of the system split at its last separator, which the folder keeps; without one the folder is empty.
@@ -114,12 +112,12 @@ std::optional<std::string> findInOtherCase(const SplitName& name)
 // product.
 SearchResult findPlain(const std::string& name, std::string_view last)
 {
-    SearchResult result;
-    struct stat status = {};
-    if (last != "." && last != ".." && !last.empty() && lstat(name.c_str(), &status) == 0) {
+    if (last.empty() || last == "." || last == "..") {
+        return {SearchEnd::noSuchFile, {}};
+    }
+    SearchResult result{searchEnd(theSystem().lookUp(name)), {}};
+    if (result.end == SearchEnd::done) {
         result.names.emplace_back(last);
-    } else {
-        result.end = last.empty() || last == "." || last == ".." ? SearchEnd::noSuchFile : folderError(errno);
     }
     return result;
 }
@@ -137,7 +135,9 @@ std::optional<std::string> findInput(std::string_view name)
 {
     std::string own = systemName(name);
     // A file that the system cannot tell of, as on a faulty disk, is not a missing one: the attempt to open it decides.
-    if (isFile(own) || mayBeThere(errno)) {
+    FileFacts facts;
+    const SystemStatus status = theSystem().facts(own, facts);
+    if (status == SystemStatus::done ? !facts.isFolder : mayBeThere(status)) {
         return own;
     }
     return findInOtherCase(splitName(own));
@@ -151,12 +151,13 @@ bool inputExists(std::string_view name)
 std::optional<std::int64_t> lastWriteTime(std::string_view name)
 {
     const std::optional<std::string> input = findInput(name);
-    struct stat status = {};
-    if (!input || stat(input->c_str(), &status) != 0) {
-        return std::nullopt;
-    }
-    constexpr std::int64_t kNanoseconds = 1'000'000'000;
-    return std::int64_t{status.st_mtim.tv_sec} * kNanoseconds + status.st_mtim.tv_nsec;
+    const std::optional<FileFacts> facts = input ? factsOf(*input) : std::nullopt;
+    return facts ? std::optional(facts->lastWrite) : std::nullopt;
+}
+
+std::string fullName(std::string_view name)
+{
+    return theSystem().fullName(systemName(name)).value_or(std::string(name));
 }
 
 SearchResult searchFolder(std::string_view pattern)

@@ -19,6 +19,9 @@ bool inputExists(std::string_view name);
 // Last-write time of an input in nanoseconds; none when it cannot be had.
 std::optional<std::int64_t> lastWriteTime(std::string_view name);
 
+// The name with all its folders and without links where the system knows the file, else as given.
+std::string fullName(std::string_view name);
+
 enum class SearchEnd { done, noSuchFile, outOfMemory, invalidName };
 
 struct SearchResult {

@@ -1,18 +1,17 @@
-// The names in a folder.
+// Names in folders, regardless of letter case.
 #pragma once
 
+#include "host/system.h"
+
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 #include <unordered_map>
 #include <vector>
 
 namespace gridforge {
-
-// Adds all names in `folder`, except "." and "..", in no order. 0, or the error number of the system.
-int readFolder(const std::string& folder, std::vector<std::string>& names);
 
 // Finds names regardless of letter case. The listing of the folder asked about last is kept as long as the folder does
 // not change: a run may ask for thousands of files that are missing from one large folder.
@@ -27,9 +26,8 @@ public:
 
 private:
     struct State {
-        dev_t device;
-        ino_t file;
-        std::chrono::nanoseconds lastChange;
+        FileIdentity identity;
+        std::int64_t lastChange = 0;
         bool operator==(const State&) const = default;
     };
     static std::optional<State> stateOf(const std::string& folder);

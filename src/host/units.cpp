@@ -5,8 +5,10 @@
 #include "core/product.h"
 #include "host/dialogue.h"
 #include "host/ends.h"
+#include "host/file_identity.h"
 #include "host/file_stream.h"
 #include "host/file_system.h"
+#include "host/system.h"
 
 #include <algorithm>
 #include <array>
@@ -147,28 +149,28 @@ void forEachOpen(Action action)
 struct OpenMode {
     std::string_view letters;
     Direction direction;
-    WriteStart start;
+    OpenFor purpose;
     bool replaces; // asks before it takes a file that is open already
 };
 
 constexpr std::string_view kTextInput = "I";
 
 constexpr std::array<OpenMode, 15> kOpenModes = {{
-    {kTextInput, Direction::in, WriteStart::inPlace, false},
-    {"UI", Direction::in, WriteStart::inPlace, false},
-    {"BI", Direction::in, WriteStart::inPlace, false},
-    {"BE", Direction::in, WriteStart::inPlace, false},
-    {"O", Direction::out, WriteStart::replace, true},
-    {"F", Direction::out, WriteStart::replace, true},
-    {"UO", Direction::out, WriteStart::replace, true},
-    {"BO", Direction::out, WriteStart::replace, true},
-    {"BN", Direction::out, WriteStart::replace, true},
-    {"A", Direction::out, WriteStart::append, false},
-    {"AB", Direction::out, WriteStart::append, false},
-    {"S", Direction::out, WriteStart::inPlace, false},
-    {"SB", Direction::out, WriteStart::inPlace, false},
-    {"SE", Direction::out, WriteStart::inPlace, false},
-    {"IO", Direction::out, WriteStart::inPlace, false},
+    {kTextInput, Direction::in, OpenFor::reading, false},
+    {"UI", Direction::in, OpenFor::reading, false},
+    {"BI", Direction::in, OpenFor::reading, false},
+    {"BE", Direction::in, OpenFor::reading, false},
+    {"O", Direction::out, OpenFor::replacing, true},
+    {"F", Direction::out, OpenFor::replacing, true},
+    {"UO", Direction::out, OpenFor::replacing, true},
+    {"BO", Direction::out, OpenFor::replacing, true},
+    {"BN", Direction::out, OpenFor::replacing, true},
+    {"A", Direction::out, OpenFor::appending, false},
+    {"AB", Direction::out, OpenFor::appending, false},
+    {"S", Direction::out, OpenFor::updating, false},
+    {"SB", Direction::out, OpenFor::updating, false},
+    {"SE", Direction::out, OpenFor::updating, false},
+    {"IO", Direction::out, OpenFor::updating, false},
 }};
 
 const OpenMode* findMode(std::string_view mode)
@@ -225,21 +227,21 @@ bool releaseOpenFile(const std::string& name)
 
 // One warning each time that a file is written again, although layers open some of their files twice. Files of one base
 // name share a .prj, which is replaced without a word.
-void warnOfReplacement(const std::string& name, WriteStart start)
+void warnOfReplacement(const std::string& name, OpenFor purpose)
 {
     const std::optional<FileIdentity> file = identityOfOutput(name);
-    if (start == WriteStart::append || FILEEXT(name) == ".prj" || !file || table().written.erase(*file) == 0) {
+    if (purpose == OpenFor::appending || FILEEXT(name) == ".prj" || !file || table().written.erase(*file) == 0) {
         return;
     }
     say("WARNING - Output file was already written in this run and is replaced: ", name);
 }
 
-int openOutput(const std::string& name, WriteStart start)
+SystemFile openOutput(const std::string& name, OpenFor purpose)
 {
     for (bool first = true;; first = false) {
-        const int descriptor = openForWriting(name, start);
-        if (descriptor >= 0) {
-            return descriptor;
+        const SystemFile file = theSystem().open(systemName(name), purpose);
+        if (file != SystemFile::none) {
+            return file;
         }
         if (first) {
             sayOn("Can't Open");
@@ -271,18 +273,18 @@ bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& nam
         }
         name = CLEANPATH(name);
         if (how->direction == Direction::out) {
-            warnOfReplacement(name, how->start);
+            warnOfReplacement(name, how->purpose);
         }
         sayOpen("Trying to open file ", name, "...");
         if (how->direction == Direction::in) {
             const std::optional<std::string> input = findInput(name);
-            const int descriptor = input ? openForReading(*input) : -1;
-            if (descriptor < 0) {
+            const SystemFile file = input ? theSystem().open(*input, how->purpose) : SystemFile::none;
+            if (file == SystemFile::none) {
                 say("CHECK 0008 - ", quoted(name), " cannot be found");
                 askFirst = true;
                 continue;
             }
-            entry.stream = FileStream(descriptor, how->direction, name);
+            entry.stream = FileStream(file, how->direction, name);
             if (how->letters == kTextInput) {
                 entry.stream.skipByteOrderMark();
             }
@@ -293,7 +295,7 @@ bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& nam
                 askFirst = false; // there is a name, so it is tried again until the user lets go of the file
                 continue;
             }
-            entry.stream = FileStream(openOutput(name, how->start), how->direction, name);
+            entry.stream = FileStream(openOutput(name, how->purpose), how->direction, name);
             sayOn("OK.  File Unit:", integerField(unit, kUnitWidth));
         }
         entry.kind = kindOf(name);

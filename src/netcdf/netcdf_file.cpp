@@ -1,13 +1,12 @@
 #include "netcdf/netcdf_file.h"
 
 #include "host/file_system.h"
+#include "host/system.h"
 #include "netcdf/check_netcdf.h"
 
 #include <algorithm>
 #include <array>
 #include <cassert>
-#include <csetjmp>
-#include <csignal>
 #include <cstring>
 #include <string>
 
@@ -23,17 +22,6 @@ std::string libraryName(std::string_view name)
     const auto bothSeparate = [](char a, char b) { return a == '/' && b == '/'; };
     local.erase(std::unique(local.begin(), local.end(), bothSeparate), local.end());
     return local.starts_with('/') ? local : "./" + local;
-}
-
-sigjmp_buf& placeOfClosing()
-{
-    static sigjmp_buf place;
-    return place;
-}
-
-void returnToClosing(int /*signal*/)
-{
-    siglongjmp(placeOfClosing(), 1);
 }
 
 std::size_t fromZero(std::int32_t position)
@@ -111,12 +99,8 @@ void putNetcdfRow(int file, int variable, std::int32_t row, std::span<const floa
 // what is still open in it. That reads memory which is gone; the user would lose the console and the reason.
 void closeNetcdf(int file, std::string_view call)
 {
-    struct sigaction onFault = {};
-    struct sigaction earlier = {};
-    onFault.sa_handler = returnToClosing;
-    sigaction(SIGSEGV, &onFault, &earlier);
-    const int status = sigsetjmp(placeOfClosing(), 1) == 0 ? nc_close(file) : NC_EHDFERR;
-    sigaction(SIGSEGV, &earlier, nullptr);
+    int status = NC_EHDFERR;
+    runGuarded([&] { status = nc_close(file); });
     checkNetcdf(status, call);
 }
 

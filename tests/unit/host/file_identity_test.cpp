@@ -28,7 +28,7 @@ TEST_F(Identity, IsOneForAllNamesOfAFile)
         EXPECT_EQ(identityOfOutput(in(name)), a) << name;
         EXPECT_EQ(identityOfInput(in(name)), a) << name;
     }
-    const FileStream stream(openForReading(in("hard")), Direction::in, "hard");
+    const FileStream stream(theSystem().open(in("hard"), OpenFor::reading), Direction::in, "hard");
     EXPECT_EQ(stream.identity(), a);
 }
 
@@ -51,7 +51,7 @@ TEST_F(Identity, IsNothingForWhatIsNotThere)
         EXPECT_FALSE(identityOfOutput(in(name)).has_value()) << name;
         EXPECT_FALSE(identityOfInput(in(name)).has_value()) << name;
     }
-    EXPECT_FALSE(identityOf(-1).has_value());
+    EXPECT_FALSE(FileStream().identity().has_value());
     EXPECT_FALSE(FileStream().identity().has_value());
 }
 

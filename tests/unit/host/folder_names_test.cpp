@@ -2,7 +2,6 @@
 
 #include "support/scratch_folder.h"
 
-#include <cerrno>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,19 +15,6 @@ using test::ScratchFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
-
-TEST(ReadFolder, ListsAllNamesButTheDots)
-{
-    const ScratchFolder folder;
-    for (const char* name : {"b", ".a", "C/x"}) {
-        folder.give(name, "");
-    }
-    std::vector<std::string> names;
-    EXPECT_EQ(readFolder(folder.path(), names), 0);
-    EXPECT_THAT(names, UnorderedElementsAre("b", ".a", "C"));
-    EXPECT_EQ(readFolder(folder.path() / "none", names), ENOENT);
-    EXPECT_EQ(readFolder(folder.path() / "b", names), ENOTDIR);
-}
 
 TEST(FolderNames, FindsNamesInAnyCase)
 {

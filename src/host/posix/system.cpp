@@ -1,0 +1,328 @@
+// The system by the POSIX calls.
+#include "host/system.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csetjmp>
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <dirent.h>
+#include <fcntl.h>
+#include <filesystem>
+#include <memory>
+#include <poll.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace gridforge {
+
+namespace {
+
+// The system reads and writes at most this much in one call.
+constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
+
+int descriptorOf(SystemFile file)
+{
+    return static_cast<int>(file);
+}
+
+// A call that a signal came into is made again.
+template <typename Call>
+std::int64_t uninterrupted(Call call)
+{
+    std::int64_t result = 0;
+    do {
+        result = call();
+    } while (result < 0 && errno == EINTR);
+    return result;
+}
+
+SystemStatus statusOf(int error)
+{
+    switch (error) {
+    case 0: return SystemStatus::done;
+    case ENOENT: return SystemStatus::noSuchFile;
+    case ENOMEM: return SystemStatus::outOfMemory;
+    case ENOTDIR:
+    case EACCES:
+    case ELOOP:
+    case ENAMETOOLONG: return SystemStatus::refused;
+    default: return SystemStatus::unknown;
+    }
+}
+
+std::int64_t nanoseconds(const timespec& time)
+{
+    constexpr std::int64_t kNanoseconds = 1'000'000'000;
+    return std::int64_t{time.tv_sec} * kNanoseconds + time.tv_nsec;
+}
+
+FileFacts factsIn(const struct stat& status)
+{
+    FileFacts facts;
+    facts.isFolder = S_ISDIR(status.st_mode);
+    facts.size = status.st_size;
+    facts.lastWrite = nanoseconds(status.st_mtim);
+    facts.lastChange = std::max(facts.lastWrite, nanoseconds(status.st_ctim));
+    facts.identity = {status.st_dev, status.st_ino, S_ISREG(status.st_mode)};
+    return facts;
+}
+
+// --- Open files ------------------------------------------------------------------------------------------------------
+
+SystemFile openFile(const std::string& name, OpenFor purpose)
+{
+    constexpr mode_t kNewFileMode = 0666;
+    int flags = O_CLOEXEC;
+    switch (purpose) {
+    case OpenFor::reading: flags |= O_RDONLY; break;
+    case OpenFor::replacing: flags |= O_CREAT | O_WRONLY | O_TRUNC; break;
+    case OpenFor::appending: flags |= O_CREAT | O_WRONLY | O_APPEND; break;
+    case OpenFor::updating: flags |= O_CREAT | O_RDWR; break;
+    }
+    const auto descriptor = static_cast<int>(uninterrupted([&] { return ::open(name.c_str(), flags, kNewFileMode); }));
+    if (descriptor >= 0 && purpose == OpenFor::reading) {
+        posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
+    }
+    return SystemFile{descriptor};
+}
+
+bool closeFile(SystemFile file)
+{
+    return ::close(descriptorOf(file)) == 0 || errno == EINTR;
+}
+
+std::int64_t readFile(SystemFile file, std::span<char> target)
+{
+    return uninterrupted(
+        [&] { return ::read(descriptorOf(file), target.data(), std::min(target.size(), kMostAtOnce)); });
+}
+
+std::int64_t readFileAt(SystemFile file, std::int64_t position, std::span<char> target)
+{
+    return uninterrupted(
+        [&] { return ::pread(descriptorOf(file), target.data(), std::min(target.size(), kMostAtOnce), position); });
+}
+
+std::int64_t writeFile(SystemFile file, std::span<const char> bytes)
+{
+    return uninterrupted(
+        [&] { return ::write(descriptorOf(file), bytes.data(), std::min(bytes.size(), kMostAtOnce)); });
+}
+
+std::int64_t writeFileAt(SystemFile file, std::int64_t position, std::span<const char> bytes)
+{
+    return uninterrupted(
+        [&] { return ::pwrite(descriptorOf(file), bytes.data(), std::min(bytes.size(), kMostAtOnce), position); });
+}
+
+bool seekInFile(SystemFile file, std::int64_t position)
+{
+    return position >= 0 && ::lseek(descriptorOf(file), position, SEEK_SET) == position;
+}
+
+bool truncateFile(SystemFile file, std::int64_t size)
+{
+    return uninterrupted([&] { return ::ftruncate(descriptorOf(file), size); }) == 0;
+}
+
+void reserveInFile([[maybe_unused]] SystemFile file, [[maybe_unused]] std::int64_t position,
+                   [[maybe_unused]] std::int64_t count)
+{
+#ifdef __linux__
+    [[maybe_unused]] const int ignored = ::fallocate(descriptorOf(file), FALLOC_FL_KEEP_SIZE, position, count);
+#endif
+}
+
+std::optional<FileFacts> factsOfOpenFile(SystemFile file)
+{
+    struct stat status = {};
+    return ::fstat(descriptorOf(file), &status) == 0 ? std::optional(factsIn(status)) : std::nullopt;
+}
+
+// --- Names -----------------------------------------------------------------------------------------------------------
+
+SystemStatus factsOfName(const std::string& name, FileFacts& facts)
+{
+    struct stat status = {};
+    if (::stat(name.c_str(), &status) != 0) {
+        return statusOf(errno);
+    }
+    facts = factsIn(status);
+    return SystemStatus::done;
+}
+
+SystemStatus lookUpName(const std::string& name)
+{
+    struct stat status = {};
+    return ::lstat(name.c_str(), &status) == 0 ? SystemStatus::done : statusOf(errno);
+}
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
+
+SystemStatus listFolder(const std::string& folder, std::vector<std::string>& names)
+{
+    const std::unique_ptr<DIR, CloseFolder> open(opendir(folder.c_str()));
+    if (!open) {
+        return statusOf(errno);
+    }
+    errno = 0;
+    while (const dirent* entry = readdir(open.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") {
+            names.emplace_back(name);
+        }
+        errno = 0;
+    }
+    return statusOf(errno);
+}
+
+bool renameFile(const std::string& from, const std::string& to)
+{
+    return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+bool removeFile(const std::string& name)
+{
+    return ::unlink(name.c_str()) == 0;
+}
+
+std::optional<std::string> fullNameOf(const std::string& name)
+{
+    std::error_code unknown;
+    const auto full = std::filesystem::canonical(name, unknown);
+    return unknown ? std::nullopt : std::optional(full.string());
+}
+
+// --- Console and time --------------------------------------------------------------------------------------------
+
+// The call is worth another try: a signal came in between, or a stream that does not block was not ready, which is waited for.
+bool mayTryAgain(int stream, short event)
+{
+    if (errno == EAGAIN || errno == EWOULDBLOCK) {
+        constexpr int kForever = -1;
+        pollfd waited{stream, event, 0};
+        return poll(&waited, 1, kForever) > 0 || errno == EINTR;
+    }
+    return errno == EINTR;
+}
+
+std::int64_t readFromConsole(std::span<char> target)
+{
+    ssize_t got = 0;
+    do {
+        got = ::read(STDIN_FILENO, target.data(), target.size());
+    } while (got < 0 && mayTryAgain(STDIN_FILENO, POLLIN));
+    return got;
+}
+
+void writeToConsole(std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t count = ::write(STDOUT_FILENO, text.data(), text.size());
+        if (count < 0 && mayTryAgain(STDOUT_FILENO, POLLOUT)) {
+            continue;
+        }
+        if (count <= 0) {
+            return; // nobody reads the console any more; the run goes on for its files
+        }
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+bool isConsoleWatched()
+{
+    return isatty(STDOUT_FILENO) == 1;
+}
+
+std::int64_t timeNow()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return nanoseconds(now);
+}
+
+CalendarDate dateOfToday()
+{
+    constexpr int kFirstYear = 1900;
+    const std::time_t now = std::time(nullptr);
+    std::tm date{};
+    localtime_r(&now, &date);
+    return {date.tm_year + kFirstYear, date.tm_mon + 1, date.tm_mday};
+}
+
+// --- Faults ----------------------------------------------------------------------------------------------------------
+
+sigjmp_buf& placeToGoOn()
+{
+    static sigjmp_buf place;
+    return place;
+}
+
+void goOn(int /*signal*/)
+{
+    siglongjmp(placeToGoOn(), 1);
+}
+
+} // namespace
+
+const System& nativeSystem()
+{
+    static constexpr System kPosix = {
+        .open = openFile,
+        .close = closeFile,
+        .read = readFile,
+        .readAt = readFileAt,
+        .write = writeFile,
+        .writeAt = writeFileAt,
+        .seek = seekInFile,
+        .truncate = truncateFile,
+        .reserve = reserveInFile,
+        .factsOfOpen = factsOfOpenFile,
+        .facts = factsOfName,
+        .lookUp = lookUpName,
+        .list = listFolder,
+        .rename = renameFile,
+        .remove = removeFile,
+        .fullName = fullNameOf,
+        .readConsole = readFromConsole,
+        .writeConsole = writeToConsole,
+        .consoleIsWatched = isConsoleWatched,
+        .now = timeNow,
+        .today = dateOfToday,
+    };
+    return kPosix;
+}
+
+void prepareProcess()
+{
+    // A standard stream that the caller has closed would lend its number to the first file of the run, and the console's
+    // text would go into that file.
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) == -1) {
+            [[maybe_unused]] const int null = ::open("/dev/null", stream == STDIN_FILENO ? O_RDONLY : O_WRONLY);
+        }
+    }
+    // A console that nobody reads any more must not stop a run from writing its files.
+    std::signal(SIGPIPE, SIG_IGN);
+    // A file that grows past a limit of the system is a write that fails, and says so.
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+void runGuarded(const std::function<void()>& work)
+{
+    struct sigaction onFault = {};
+    struct sigaction earlier = {};
+    onFault.sa_handler = goOn;
+    sigaction(SIGSEGV, &onFault, &earlier);
+    if (sigsetjmp(placeToGoOn(), 1) == 0) {
+        work();
+    }
+    sigaction(SIGSEGV, &earlier, nullptr);
+}
+
+} // namespace gridforge

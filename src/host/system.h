@@ -1,0 +1,108 @@
+// The seam to the operating system: all that the tool asks of it, as one record of routines. Nothing outside the folders
+// of its forms includes a header of a system. `posix` and `windows` ask the system that the tool is built for; `memory`
+// keeps files and console in memory. Names of files are those that `systemName` returns.
+#pragma once
+
+#include "core/huge_array.h"
+
+#include <compare>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+
+// An open file, by whatever number the system has for it.
+enum class SystemFile : std::intptr_t { none = -1 };
+
+enum class OpenFor {
+    reading,
+    replacing, // writes a new file, or over all of an old one
+    appending,
+    updating, // reads and writes in place; a missing file is made
+};
+
+enum class SystemStatus {
+    done,
+    noSuchFile,
+    outOfMemory,
+    refused, // no file of that name can be opened: a folder of it is none or shut, or the name is no name
+    unknown, // the system cannot tell, as of a faulty disk
+};
+
+// Equal for two names of one file.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+    bool regular = false; // keeps what is written to it, unlike a pipe or a device
+
+    auto operator<=>(const FileIdentity&) const = default;
+};
+
+struct FileFacts {
+    bool isFolder = false;
+    std::int64_t size = 0;
+    // Times in nanoseconds, by the clock of `now`. The last change is that of the bytes, the name or the rights, and shows
+    // also where a program set the time of writing back.
+    std::int64_t lastWrite = 0;
+    std::int64_t lastChange = 0;
+    FileIdentity identity;
+};
+
+struct CalendarDate {
+    int year = 0;
+    int month = 0; // from 1
+    int day = 0;
+};
+
+struct System {
+    // --- Open files. Counts of bytes are below 0 where the system refuses, and may be less than asked for.
+    SystemFile (*open)(const std::string& name, OpenFor purpose);
+    bool (*close)(SystemFile file);                                // false: what was written may be lost
+    std::int64_t (*read)(SystemFile file, std::span<char> target); // 0 at the end of the file
+    std::int64_t (*readAt)(SystemFile file, std::int64_t position, std::span<char> target); // leaves the place of read
+    std::int64_t (*write)(SystemFile file, std::span<const char> bytes);
+    std::int64_t (*writeAt)(SystemFile file, std::int64_t position, std::span<const char> bytes);
+    bool (*seek)(SystemFile file, std::int64_t position);
+    bool (*truncate)(SystemFile file, std::int64_t size);
+    void (*reserve)(SystemFile file, std::int64_t position, std::int64_t count); // a hint that so much will be written
+    std::optional<FileFacts> (*factsOfOpen)(SystemFile file);
+
+    // --- Names
+    SystemStatus (*facts)(const std::string& name, FileFacts& facts); // changes `facts` when done
+    SystemStatus (*lookUp)(const std::string& name); // done: an entry of that name exists, even if it leads nowhere
+    // Adds the names in the folder, except "." and "..", in no order.
+    SystemStatus (*list)(const std::string& folder, std::vector<std::string>& names);
+    bool (*rename)(const std::string& from, const std::string& to); // over a file of the new name
+    bool (*remove)(const std::string& name);
+    std::optional<std::string> (*fullName)(const std::string& name); // with all folders, links followed; must exist
+
+    // --- Console and time
+    std::int64_t (*readConsole)(std::span<char> target); // waits for input; 0 at its end
+    void (*writeConsole)(std::string_view text);         // all of it, unless nobody reads the console any more
+    bool (*consoleIsWatched)();                          // by a person, who is to see each line at once
+    std::int64_t (*now)();
+    CalendarDate (*today)();
+};
+
+// The system in use: that which the tool is built for, unless another was put in its place.
+const System& theSystem();
+// Nothing if there is no such file.
+std::optional<FileFacts> factsOf(const std::string& name);
+// For tests and fuzz targets. No file may be open.
+void useSystem(const System& system);
+
+// --- Of the form that the tool is built with -------------------------------------------------------------------------
+
+const System& nativeSystem();
+PageSource nativePages() noexcept;
+// Called first in the tool: keeps numbers of standard streams from the run's files, and signals from ending it.
+void prepareProcess();
+// Runs `work`, and gives it up where it reads or writes memory that is not there.
+void runGuarded(const std::function<void()>& work);
+
+} // namespace gridforge
