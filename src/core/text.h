@@ -115,7 +115,4 @@ std::string SUBSTRING(std::string_view text, std::string_view separator, std::in
 // How many numbers stand in the text, an empty field between commas counting as one; the negated count when a character
 // that belongs to no number is met.
 std::int32_t NUMBEROFNUMBERS(std::string_view text);
-// Days of a date YYYYMMDD since the start of 2000, by years of 365 days; -1 when it cannot be read.
-std::int32_t NUMBEROFDAYS(std::string_view date);
-
 } // namespace gridforge

@@ -1,4 +1,5 @@
 // Text, numbers as text, and file names under their plain names.
+#include "core/dates.h"
 #include "core/names.h"
 #include "core/numbers.h"
 #include "core/text.h"
