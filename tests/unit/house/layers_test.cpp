@@ -1,9 +1,11 @@
-// Rules of the house that no compiler checks: which layer may include which, and that every test file is run.
+// Rules of the house that no compiler checks: which layer may include which, what only the forms of the system may hold, and
+// that every test file is run.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -69,6 +71,12 @@ std::string objection(const std::string& folder, const std::string& name)
     return {};
 }
 
+// The folder of src/ that a file in it, or in a folder of that one, belongs to.
+std::string layerOf(const fs::path& file)
+{
+    return file.lexically_relative(kSource / "src").begin()->string();
+}
+
 std::vector<fs::path> sourcesBelow(const fs::path& folder)
 {
     std::vector<fs::path> files;
@@ -86,7 +94,7 @@ TEST(Layers, IncludesGoDownThePictureOnly)
 {
     std::size_t includes = 0;
     for (const auto& file : sourcesBelow(kSource / "src")) {
-        const std::string folder = file.parent_path().filename().string();
+        const std::string folder = layerOf(file);
         ASSERT_TRUE(kMayInclude.contains(folder)) << file << " is in a folder that the picture does not show";
         std::ifstream in(file);
         int number = 0;
@@ -124,7 +132,7 @@ TEST(Layers, TheBuildLinksTheSamePicture)
             continue;
         }
         line = line.substr(line.find('(') + 1);
-        line = line.substr(0, line.find(')'));
+        line = line.substr(0, std::min(line.find(')'), line.find(" FORMS ")));
         std::istringstream words(line);
         std::string layer;
         words >> layer;
@@ -136,6 +144,150 @@ TEST(Layers, TheBuildLinksTheSamePicture)
         }
     }
     EXPECT_EQ(linked, kMayInclude);
+}
+
+// --- The system ------------------------------------------------------------------------------------------------------
+
+// The folders that speak to a system, each of its own.
+bool isFormOfSystem(const fs::path& file)
+{
+    const std::string name = file.lexically_relative(kSource / "src").string();
+    return name.starts_with("host/posix/") || name.starts_with("host/windows/");
+}
+
+// The name of an #include <...> line, "" for any other line.
+std::string angledInclude(const std::string& line)
+{
+    static const std::regex form("\\s*#\\s*include\\s*<([^>]*)>.*");
+    std::smatch found;
+    return std::regex_match(line, found, form) ? found[1].str() : std::string();
+}
+
+// Headers of the language have no extension; of those, these reach out of the program.
+bool belongsToForms(const std::string& header)
+{
+    static const std::set<std::string> reaching{"csignal", "cstdio", "ctime", "filesystem", "fstream", "iostream"};
+    static const std::set<std::string> libraries{"gridforge/gridforge.h", "immintrin.h", "netcdf.h"};
+    return reaching.contains(header) || (header.ends_with(".h") && !libraries.contains(header));
+}
+
+TEST(System, OnlyItsFormsIncludeItsHeaders)
+{
+    std::size_t inForms = 0;
+    for (const auto& file : sourcesBelow(kSource / "src")) {
+        std::ifstream in(file);
+        for (std::string line; std::getline(in, line);) {
+            if (const std::string header = angledInclude(line); belongsToForms(header)) {
+                inForms += isFormOfSystem(file) ? 1 : 0;
+                EXPECT_TRUE(isFormOfSystem(file)) << file << ": " << line;
+            }
+        }
+    }
+    EXPECT_GT(inForms, 5U) << "the forms have hardly a header of a system: does the reading of the lines still work?";
+}
+
+TEST(System, OnlyItsFormsAskWhichItIs)
+{
+    static const std::regex condition("\\s*#\\s*(el)?if.*");
+    for (const auto& file : sourcesBelow(kSource / "src")) {
+        std::ifstream in(file);
+        for (std::string line; std::getline(in, line);) {
+            if (std::regex_match(line, condition) && !isFormOfSystem(file)) {
+                EXPECT_EQ(line, "#if defined(__x86_64__)") << file << ": only the processor may be asked for";
+            }
+        }
+    }
+}
+
+// --- The lower rooms -------------------------------------------------------------------------------------------------
+
+const std::set<std::string> kPureRooms{"core", "plane"};
+
+// The texts in double quotes of a source without its comments and includes.
+std::vector<std::string> textsOf(const fs::path& file)
+{
+    static const std::regex text(R"re("((?:[^"\\]|\\.)*)")re");
+    std::vector<std::string> texts;
+    std::ifstream in(file);
+    for (std::string line; std::getline(in, line);) {
+        if (line.find("#include") != std::string::npos) {
+            continue;
+        }
+        line = line.substr(0, line.find("//"));
+        for (std::sregex_iterator found(line.begin(), line.end(), text), end; found != end; ++found) {
+            texts.push_back((*found)[1].str());
+        }
+    }
+    return texts;
+}
+
+// A message has two words at least, or is a word with its colon, number or dots.
+bool isMessage(const std::string& text)
+{
+    static const std::regex message(".*[A-Za-z]{2,}([:.]* +[A-Za-z0-9]{2,}|[:.]+ *$).*");
+    return std::regex_match(text, message);
+}
+
+TEST(PureRooms, HoldNoTextForTheConsole)
+{
+    std::size_t texts = 0;
+    for (const std::string& room : kPureRooms) {
+        for (const auto& file : sourcesBelow(kSource / "src" / room)) {
+            for (const std::string& text : textsOf(file)) {
+                ++texts;
+                EXPECT_FALSE(isMessage(text)) << file << ": \"" << text << '"';
+            }
+        }
+    }
+    EXPECT_GT(texts, 20U) << "hardly any text was found: does the reading of the lines still work?";
+    EXPECT_TRUE(isMessage("Finished."));
+    EXPECT_TRUE(isMessage("Processing Row:"));
+    EXPECT_TRUE(isMessage("ERROR 0202 - End-of-file encountered"));
+    EXPECT_FALSE(isMessage("-Infinity"));
+    EXPECT_FALSE(isMessage("0."));
+}
+
+// A file and those it includes, by its name without extension: what a header includes its source needs too.
+std::map<std::string, std::set<std::string>> includesOf(const std::set<std::string>& rooms)
+{
+    std::map<std::string, std::set<std::string>> included;
+    for (const std::string& room : rooms) {
+        for (const auto& file : sourcesBelow(kSource / "src" / room)) {
+            auto& names = included[file.lexically_relative(kSource / "src").replace_extension().string()];
+            std::ifstream in(file);
+            for (std::string line; std::getline(in, line);) {
+                if (const std::string name = quotedInclude(line); !name.empty()) {
+                    names.insert(fs::path(name).replace_extension().string());
+                }
+            }
+        }
+    }
+    for (auto& [name, names] : included) {
+        names.erase(name);
+    }
+    return included;
+}
+
+// The files left when, again and again, those that include none of the others are taken away.
+std::set<std::string> filesInCircles(std::map<std::string, std::set<std::string>> included)
+{
+    for (bool taken = true; taken;) {
+        taken = std::erase_if(included, [&](const auto& file) {
+                    return std::ranges::none_of(file.second,
+                                                [&](const std::string& name) { return included.contains(name); });
+                }) > 0;
+    }
+    std::set<std::string> left;
+    for (const auto& [name, names] : included) {
+        left.insert(name);
+    }
+    return left;
+}
+
+TEST(LowerRooms, NoFileNeedsOneThatNeedsIt)
+{
+    EXPECT_EQ(filesInCircles(includesOf({"core", "plane", "host"})), std::set<std::string>());
+    EXPECT_EQ(filesInCircles({{"a", {"b"}}, {"b", {"c"}}, {"c", {"b"}}, {"d", {"z"}}}).size(), 3U);
 }
 
 TEST(TestFiles, EveryOneBelongsToARunner)
