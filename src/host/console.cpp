@@ -142,6 +142,11 @@ void flushConsole()
     output.clear();
 }
 
+void restartConsole()
+{
+    console() = Console();
+}
+
 void pause(std::string_view prompt)
 {
     readAnswer(prompt);

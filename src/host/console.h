@@ -41,6 +41,8 @@ void sayOn(const Parts&... parts)
 
 void progress(std::int32_t number); // in 8 columns on the open line
 void flushConsole();
+// Begins anew: nothing has been written or read. For tests and fuzz targets, after `useSystem`.
+void restartConsole();
 
 // Writes the prompt as a line and waits for Enter; the end of standard input counts as Enter.
 void pause(std::string_view prompt);

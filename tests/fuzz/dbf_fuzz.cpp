@@ -7,7 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::give("l.dbf", {reinterpret_cast<const char*>(data), size});
     try {
         fuzz::prepare();
-        std::int32_t gisID = gisOpenLayer(fuzz::folder() + "l.dbf", "", "I ", true);
+        std::int32_t gisID = gisOpenLayer("l.dbf", "", "I ", true);
         gisReadHeader(gisID);
         std::string line;
         while (!gisLayer(gisID).layerEnd) {

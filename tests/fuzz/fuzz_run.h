@@ -2,50 +2,37 @@
 #pragma once
 
 #include "gis/layers.h"
+#include "host/console.h"
 #include "host/ends.h"
+#include "host/memory/memory_system.h"
 #include "host/units.h"
 
 #include <cstdint>
-#include <cstdlib>
-#include <fcntl.h>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
-#include <unistd.h>
+#include <utility>
 
 namespace gridforge::fuzz {
 
 struct EndOfRun {};
 
-// The folder of this process's files, in memory where the system has such a place.
-inline const std::string& folder()
-{
-    static const std::string theFolder = [] {
-        std::string pattern = std::filesystem::exists("/dev/shm") ? "/dev/shm/fuzz-XXXXXX" : "/tmp/fuzz-XXXXXX";
-        return std::string(mkdtemp(pattern.data())) + "/";
-    }();
-    return theFolder;
-}
-
 inline void give(const std::string& name, std::string_view bytes)
 {
-    std::ofstream out(folder() + name, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    giveMemoryFile(name, bytes);
 }
 
-// The console goes nowhere, and nobody answers; an end of the run comes back as EndOfRun.
+// Nobody answers the console; an end of the run comes back as EndOfRun.
 inline void prepare()
 {
     static const bool ready = [] {
-        const int nowhere = open("/dev/null", O_RDWR);
-        dup2(nowhere, STDIN_FILENO);
-        dup2(nowhere, STDOUT_FILENO);
+        useSystem(memorySystem());
+        restartConsole();
         replaceProcessEnd([] { throw EndOfRun(); });
-        std::atexit([] { std::filesystem::remove_all(folder()); });
         return true;
     }();
     static_cast<void>(ready);
+    flushConsole();
+    takeMemoryConsole();
     startUnits(1000);
     gisInitialise(-1, "", "", "");
 }
@@ -56,7 +43,7 @@ inline void readLayer(const std::string& name, bool coordinates)
     constexpr std::int32_t kMaxVertices = 10000;
     try {
         prepare();
-        std::int32_t gisID = gisOpenLayer(folder() + name, "", "I ");
+        std::int32_t gisID = gisOpenLayer(name, "", "I ");
         gisReadHeader(gisID);
         GisO gisO;
         GisCoordinates vertices;

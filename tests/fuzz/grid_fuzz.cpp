@@ -11,10 +11,10 @@ void readGrid(const std::string& name)
     constexpr std::size_t kMostCells = 1 << 20;
     try {
         fuzz::prepare();
-        GridHeader header = readGridHeader(fuzz::folder() + name);
+        GridHeader header = readGridHeader(name);
         Grid cells;
         if (header.cells() <= kMostCells && cells.allocate(header.nrows, header.ncols)) {
-            readGridCells(fuzz::folder() + name, header, cells);
+            readGridCells(name, header, cells);
         }
     } catch (const fuzz::EndOfRun&) {
     }

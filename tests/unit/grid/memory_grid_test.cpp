@@ -1,0 +1,46 @@
+// Grids read and written in memory, with the dialogue over a missing file.
+#include "grid/header.h"
+#include "grid/reader.h"
+#include "grid/writer.h"
+#include "support/memory_run.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace gridforge {
+namespace {
+
+using testing::StartsWith;
+
+TEST(GridsInMemory, AreReadAndWrittenThroughTheDialogue)
+{
+    const test::MemoryRun run;
+    giveMemoryFile("in/A.asc", "ncols 2\nnrows 2\nxllcorner 10\nyllcorner 20\ncellsize 5\nNODATA_value -9999\n"
+                               "21 22\n11.5 -9999\n");
+    giveMemoryAnswers("in\\a.asc\n");
+
+    GridHeader header = readGridHeader("missing.asc");
+    Grid cells;
+    ASSERT_TRUE(cells.allocate(header.nrows, header.ncols));
+    readGridCells("in\\a.asc", header, cells);
+    const auto want = std::to_array<float>({21, 22, 11.5, -9999});
+    EXPECT_TRUE(std::ranges::equal(cells.cells(), want));
+    EXPECT_THAT(test::MemoryRun::console(),
+                StartsWith("Trying to open file missing.asc...\n"
+                           "CHECK 0008 - \"missing.asc\" cannot be found\n"
+                           "Check file exists and press enter or enter another file name: \n"
+                           "Trying to open file in\\a.asc...OK.\n"));
+
+    writeGrid(kFormatFlt, "in\\out", header, cells, "PROJCS[]");
+    const std::string bytes = memoryFile("in/out.flt").value();
+    ASSERT_EQ(bytes.size(), sizeof want);
+    EXPECT_EQ(std::memcmp(bytes.data(), want.data(), sizeof want), 0);
+    EXPECT_EQ(memoryFile("in/out.prj"), "PROJCS[]\r\n");
+    EXPECT_EQ(memoryFile("out.flt"), std::nullopt);
+}
+
+} // namespace
+} // namespace gridforge

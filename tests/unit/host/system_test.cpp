@@ -1,0 +1,294 @@
+#include "host/system.h"
+
+#include "host/memory/memory_system.h"
+#include "support/sanitizers.h"
+#include "support/scratch_folder.h"
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace gridforge::test {
+namespace {
+
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+
+enum class Form { native, memory };
+
+// What every form of the system promises.
+class EachSystem : public testing::TestWithParam<Form> {
+protected:
+    void SetUp() override { clearMemorySystem(); }
+
+    std::string name(const std::string& last) const
+    {
+        return GetParam() == Form::native ? (folder_.path() / last).string() : last;
+    }
+    std::string folder() const { return GetParam() == Form::native ? folder_.path().string() : "."; }
+    // Also makes the folder of the file.
+    void give(const std::string& last, std::string_view bytes) const
+    {
+        if (GetParam() == Form::native) {
+            folder_.give(last, bytes);
+        } else {
+            giveMemoryFile(last, bytes);
+        }
+    }
+
+    SystemFile open(const std::string& last, OpenFor purpose) const { return system_.open(name(last), purpose); }
+    void write(const std::string& last, OpenFor purpose, std::string_view bytes) const
+    {
+        const SystemFile file = open(last, purpose);
+        ASSERT_NE(file, SystemFile::none);
+        EXPECT_EQ(system_.write(file, bytes), static_cast<std::int64_t>(bytes.size()));
+        EXPECT_TRUE(system_.close(file));
+    }
+    // Up to `count` bytes by one read; "refused" of a read that fails.
+    std::string readSome(SystemFile file, std::size_t count) const
+    {
+        std::string bytes(count, '?');
+        const std::int64_t got = system_.read(file, bytes);
+        return got < 0 ? "refused" : bytes.substr(0, static_cast<std::size_t>(got));
+    }
+    std::string readSomeAt(SystemFile file, std::int64_t position, std::size_t count) const
+    {
+        std::string bytes(count, '?');
+        const std::int64_t got = system_.readAt(file, position, bytes);
+        return got < 0 ? "refused" : bytes.substr(0, static_cast<std::size_t>(got));
+    }
+    std::optional<FileFacts> facts(const std::string& whole) const
+    {
+        FileFacts found;
+        return system_.facts(whole, found) == SystemStatus::done ? std::optional(found) : std::nullopt;
+    }
+    std::string bytesOf(const std::string& last) const
+    {
+        const SystemFile file = open(last, OpenFor::reading);
+        if (file == SystemFile::none) {
+            return "missing";
+        }
+        std::string bytes = readSome(file, 1000);
+        EXPECT_TRUE(system_.close(file));
+        return bytes;
+    }
+
+    const System& system_ = GetParam() == Form::native ? nativeSystem() : memorySystem();
+    const ScratchFolder folder_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Forms, EachSystem, testing::Values(Form::native, Form::memory), [](const auto& form) {
+    return std::string(form.param == Form::native ? "Native" : "Memory");
+});
+
+TEST_P(EachSystem, ReadsPieceByPieceToTheEnd)
+{
+    give("a", "abcde");
+    const SystemFile file = open("a", OpenFor::reading);
+    EXPECT_EQ(readSome(file, 2), "ab");
+    EXPECT_EQ(readSome(file, 2), "cd");
+    EXPECT_EQ(readSome(file, 2), "e");
+    EXPECT_EQ(readSome(file, 2), "");
+    EXPECT_TRUE(system_.seek(file, 1));
+    EXPECT_EQ(readSome(file, 2), "bc");
+    EXPECT_TRUE(system_.seek(file, 9));
+    EXPECT_EQ(readSome(file, 2), "");
+    EXPECT_FALSE(system_.seek(file, -1));
+    EXPECT_TRUE(system_.close(file));
+}
+
+TEST_P(EachSystem, WritesByThePurpose)
+{
+    write("a", OpenFor::replacing, "first");
+    EXPECT_EQ(bytesOf("a"), "first");
+    write("a", OpenFor::replacing, "new");
+    EXPECT_EQ(bytesOf("a"), "new");
+    write("a", OpenFor::appending, "er");
+    EXPECT_EQ(bytesOf("a"), "newer");
+    write("a", OpenFor::updating, "f");
+    EXPECT_EQ(bytesOf("a"), "fewer");
+    write("b", OpenFor::appending, "b");
+    EXPECT_EQ(bytesOf("b"), "b");
+    write("c", OpenFor::updating, "c");
+    EXPECT_EQ(bytesOf("c"), "c");
+}
+
+TEST_P(EachSystem, OpensNeitherWhatIsMissingNorFoldersForWriting)
+{
+    give("d/x", "x");
+    EXPECT_EQ(open("none", OpenFor::reading), SystemFile::none);
+    for (const OpenFor purpose : {OpenFor::replacing, OpenFor::appending, OpenFor::updating}) {
+        EXPECT_EQ(open("nofolder/x", purpose), SystemFile::none);
+        EXPECT_EQ(open("d", purpose), SystemFile::none);
+    }
+    EXPECT_EQ(bytesOf("d/x"), "x");
+}
+
+TEST_P(EachSystem, RefusesWhatAFileIsNotOpenFor)
+{
+    give("a", "abc");
+    const SystemFile input = open("a", OpenFor::reading);
+    EXPECT_LT(system_.write(input, std::string("x")), 0);
+    EXPECT_FALSE(system_.truncate(input, 1));
+    EXPECT_TRUE(system_.close(input));
+    const SystemFile output = open("a", OpenFor::appending);
+    EXPECT_EQ(readSome(output, 1), "refused");
+    EXPECT_TRUE(system_.close(output));
+    EXPECT_EQ(bytesOf("a"), "abc");
+}
+
+TEST_P(EachSystem, ReadsAndWritesByPosition)
+{
+    const SystemFile file = open("a", OpenFor::updating);
+    EXPECT_EQ(system_.write(file, std::string("abcdef")), 6);
+    EXPECT_EQ(system_.writeAt(file, 1, std::string("BC")), 2);
+    EXPECT_EQ(readSomeAt(file, 0, 4), "aBCd");
+    EXPECT_EQ(readSomeAt(file, 4, 4), "ef");
+    EXPECT_EQ(readSomeAt(file, 9, 4), "");
+    EXPECT_EQ(readSomeAt(file, -1, 4), "refused");
+    EXPECT_LT(system_.writeAt(file, -1, std::string("x")), 0);
+    EXPECT_EQ(system_.write(file, std::string("g")), 1) << "the place of write has stayed behind its last byte";
+    EXPECT_EQ(system_.writeAt(file, 9, std::string("j")), 1);
+    EXPECT_TRUE(system_.close(file));
+    EXPECT_EQ(bytesOf("a"), std::string("aBCdefg\0\0j", 10));
+}
+
+TEST_P(EachSystem, CutsAndLengthensAFileAndReservesNothingThatShows)
+{
+    const SystemFile file = open("a", OpenFor::replacing);
+    EXPECT_EQ(system_.write(file, std::string("abcdef")), 6);
+    system_.reserve(file, 6, 1000);
+    EXPECT_EQ(system_.factsOfOpen(file)->size, 6);
+    EXPECT_TRUE(system_.truncate(file, 2));
+    EXPECT_EQ(system_.factsOfOpen(file)->size, 2);
+    EXPECT_TRUE(system_.truncate(file, 4));
+    EXPECT_TRUE(system_.close(file));
+    EXPECT_EQ(bytesOf("a"), std::string("ab\0\0", 4));
+}
+
+TEST_P(EachSystem, TellsFilesApartAndFromFolders)
+{
+    give("a", "abc");
+    give("b", "abc");
+    give("d/x", "");
+    const SystemFile file = open("a", OpenFor::reading);
+    const auto own = system_.factsOfOpen(file);
+    ASSERT_TRUE(own.has_value());
+    EXPECT_FALSE(own->isFolder);
+    EXPECT_EQ(own->size, 3);
+    EXPECT_EQ(facts(name("a"))->identity, own->identity);
+    EXPECT_EQ(facts(name("a"))->lastWrite, own->lastWrite);
+    EXPECT_NE(facts(name("b"))->identity, own->identity);
+    EXPECT_TRUE(system_.close(file));
+    EXPECT_TRUE(facts(name("d"))->isFolder);
+    EXPECT_TRUE(facts(folder())->isFolder);
+    EXPECT_NE(facts(name("d"))->identity, facts(folder())->identity);
+    FileFacts none;
+    EXPECT_EQ(system_.facts(name("none"), none), SystemStatus::noSuchFile);
+    EXPECT_NE(system_.facts(name("a/x"), none), SystemStatus::done);
+}
+
+TEST_P(EachSystem, StampsChangesByItsClock)
+{
+    constexpr std::int64_t kCoarse = 1'000'000'000; // stamps may stay behind the clock by some milliseconds
+    const std::int64_t before = system_.now() - kCoarse;
+    give("a", "abc");
+    const auto own = facts(name("a"));
+    EXPECT_GE(own->lastWrite, before);
+    EXPECT_GE(own->lastChange, own->lastWrite);
+    EXPECT_LE(own->lastChange, system_.now());
+    EXPECT_GE(facts(folder())->lastChange, before);
+}
+
+TEST_P(EachSystem, ListsTheNamesOfAFolder)
+{
+    for (const char* last : {"b", ".a", "d/x", "d/y/z"}) {
+        give(last, "");
+    }
+    std::vector<std::string> names;
+    EXPECT_EQ(system_.list(folder(), names), SystemStatus::done);
+    EXPECT_THAT(names, UnorderedElementsAre("b", ".a", "d"));
+    names.clear();
+    EXPECT_EQ(system_.list(name("d"), names), SystemStatus::done);
+    EXPECT_EQ(system_.list(name("d/y/"), names), SystemStatus::done);
+    EXPECT_THAT(names, UnorderedElementsAre("x", "y", "z"));
+    EXPECT_EQ(system_.list(name("none"), names), SystemStatus::noSuchFile);
+    EXPECT_EQ(system_.list(name("b"), names), SystemStatus::refused);
+    EXPECT_EQ(system_.lookUp(name("b")), SystemStatus::done);
+    EXPECT_EQ(system_.lookUp(name("d")), SystemStatus::done);
+    EXPECT_EQ(system_.lookUp(name("c")), SystemStatus::noSuchFile);
+}
+
+TEST_P(EachSystem, RenamesOverAnotherFileAndRemoves)
+{
+    give("a", "abc");
+    give("b", "old");
+    const FileIdentity identity = facts(name("a"))->identity;
+    EXPECT_TRUE(system_.rename(name("a"), name("b")));
+    EXPECT_EQ(bytesOf("a"), "missing");
+    EXPECT_EQ(bytesOf("b"), "abc");
+    EXPECT_EQ(facts(name("b"))->identity, identity);
+    EXPECT_FALSE(system_.rename(name("none"), name("b")));
+    EXPECT_FALSE(system_.rename(name("b"), name("nofolder/b")));
+    EXPECT_TRUE(system_.remove(name("b")));
+    EXPECT_FALSE(system_.remove(name("b")));
+    EXPECT_EQ(bytesOf("b"), "missing");
+}
+
+TEST_P(EachSystem, KnowsTheFullNameOfWhatExists)
+{
+    give("d/x", "");
+    const auto full = system_.fullName(name("./d/x"));
+    ASSERT_TRUE(full.has_value());
+    EXPECT_THAT(*full, StartsWith("/"));
+    EXPECT_TRUE(full->ends_with("/d/x"));
+    EXPECT_EQ(system_.fullName(name("none")), std::nullopt);
+}
+
+TEST(MemorySystem, HoldsTheConsole)
+{
+    clearMemorySystem();
+    giveMemoryAnswers("ab");
+    giveMemoryAnswers("c");
+    std::array<char, 2> bytes{};
+    EXPECT_EQ(memorySystem().readConsole(bytes), 2);
+    EXPECT_EQ(bytes, (std::array<char, 2>{'a', 'b'}));
+    EXPECT_EQ(memorySystem().readConsole(bytes), 1);
+    EXPECT_EQ(memorySystem().readConsole(bytes), 0);
+    memorySystem().writeConsole("one ");
+    memorySystem().writeConsole("two");
+    EXPECT_EQ(takeMemoryConsole(), "one two");
+    EXPECT_EQ(takeMemoryConsole(), "");
+}
+
+// The host has put its pages in place of the heap before any test ran: the system knows the array as one of huge pages.
+TEST(NativePages, HoldLargeArrays)
+{
+    if (kSanitized || !std::ifstream("/proc/self/smaps")) {
+        GTEST_SKIP() << "no pages of our own, or no list of them";
+    }
+    HugeArray<char> array;
+    ASSERT_TRUE(array.allocate(std::size_t{8} << 20));
+    array[0] = 1;
+    std::ifstream maps("/proc/self/smaps");
+    const auto address = reinterpret_cast<std::uintptr_t>(&array[0]);
+    bool inside = false;
+    bool wishedHuge = false;
+    for (std::string line; std::getline(maps, line);) {
+        std::uintptr_t from = 0;
+        std::uintptr_t to = 0;
+        if (std::sscanf(line.c_str(), "%zx-%zx", &from, &to) == 2) {
+            inside = from <= address && address < to;
+        } else if (inside && line.starts_with("VmFlags:")) {
+            wishedHuge = line.find(" hg") != std::string::npos;
+        }
+    }
+    EXPECT_TRUE(wishedHuge);
+}
+
+} // namespace
+} // namespace gridforge::test
