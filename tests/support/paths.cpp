@@ -22,6 +22,10 @@ std::string failingSystemPath()
 {
     return GRIDFORGE_FAILING_SYSTEM;
 }
+std::string pureRoomsPath()
+{
+    return GRIDFORGE_PURE_ROOMS;
+}
 std::string manualFolder()
 {
     return GRIDFORGE_MANUAL_DIR;

@@ -11,6 +11,7 @@ std::string catchmentMakerPath(); // the program that makes the sample catchment
 std::string preloadedPath();      // the C program that is loaded into the tool, to call what it exports
 std::string failingNetcdfPath();  // a library that is loaded into the tool, to make calls of NetCDF fail
 std::string failingSystemPath();  // the same for calls of the system
+std::string pureRoomsPath();      // a program of the rooms that ask nothing of the system
 std::string manualFolder();       // the manual page and the completion of the shell, as made by the build
 std::string sourceFolder();       // the root of the source tree
 std::string dataFolder();         // real grids and layers; may not exist

@@ -1,6 +1,8 @@
 // Rules of the house that no compiler checks: which layer may include which, what only the forms of the system may hold, and
 // that every test file is run.
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -12,6 +14,7 @@
 #include <vector>
 
 #include "support/paths.h"
+#include "support/sanitizers.h"
 
 namespace gridforge::test {
 namespace {
@@ -245,6 +248,39 @@ TEST(PureRooms, HoldNoTextForTheConsole)
     EXPECT_TRUE(isMessage("ERROR 0202 - End-of-file encountered"));
     EXPECT_FALSE(isMessage("-Infinity"));
     EXPECT_FALSE(isMessage("0."));
+}
+
+// The names that a program takes from the libraries of the system, without their versions.
+std::set<std::string> importsOf(const std::string& program)
+{
+    std::set<std::string> names;
+    FILE* list = popen(("nm --undefined-only --format=just-symbols '" + program + "'").c_str(), "r");
+    if (list == nullptr) {
+        return names;
+    }
+    std::array<char, 4096> line;
+    while (std::fgets(line.data(), line.size(), list) != nullptr) {
+        const std::string name = line.data();
+        names.insert(name.substr(0, name.find_first_of("@\n")));
+    }
+    pclose(list);
+    return names;
+}
+
+TEST(PureRooms, NeitherPrintNorOpenNorEnd)
+{
+    if (kSanitized) {
+        GTEST_SKIP() << "what watches the program asks all of the system";
+    }
+    const std::set<std::string> imports = importsOf(pureRoomsPath());
+    EXPECT_TRUE(imports.contains("memcpy") || imports.contains("memmove")) << "no imports were found";
+    for (const char* const name :
+         {"open",          "open64", "fopen",  "fopen64",   "read",      "write",        "close",
+          "stat",          "mmap",   "mmap64", "puts",      "printf",    "__printf_chk", "fprintf",
+          "__fprintf_chk", "fwrite", "fputs",  "putchar",   "exit",      "_exit",        "_Exit",
+          "quick_exit",    "abort",  "getenv", "_ZSt4cout", "_ZSt4cerr", "_ZSt4clog"}) {
+        EXPECT_FALSE(imports.contains(name)) << name;
+    }
 }
 
 // A file and those it includes, by its name without extension: what a header includes its source needs too.
