@@ -329,7 +329,7 @@ TEST(LowerRooms, NoFileNeedsOneThatNeedsIt)
 TEST(TestFiles, EveryOneBelongsToARunner)
 {
     const std::set<std::string> runners{"unit", "cli", "interop", "real"};
-    const std::set<std::string> helpers{"support", "fuzz", "witness"};
+    const std::set<std::string> helpers{"support", "fuzz", "scripts", "witness"};
     std::size_t tests = 0;
     for (const auto& file : sourcesBelow(kSource / "tests")) {
         const std::string folder = file.lexically_relative(kSource / "tests").begin()->string();
