@@ -24,6 +24,10 @@ def depths(count, size=4000):
     return {"d%d.flt" % i: "depth_%d_%d.flt" % (size, i) for i in range(1, count + 1)}
 
 
+def wide(size):
+    return "" if size == 4000 else ", 12,000 x 12,000 cells"
+
+
 def words(inputs):
     return " ".join(inputs)
 
@@ -33,13 +37,13 @@ def extremes(flag, count, size, source):
     cells = 4 * size * size
     outputs = {"o.flt": cells, **({"o_src.flt": cells, "o_src_legend.csv": AtLeast(40)} if source else {})}
     name = "%s%s%s" % (flag, "" if size == 4000 else "_%d" % size, "_source" if source else "")
-    return Run(name, "`-%s` of %d, %s the source" % (flag, count, "with" if source else "without"), inputs,
+    return Run(name, "`-%s` of %d, %s the source%s" % (flag, count, "with" if source else "without", wide(size)), inputs,
                "-%s %s -out o.flt%s" % (flag, words(inputs), "" if source else " -src"), outputs)
 
 
 def difference(size):
     cells = 4 * size * size
-    return Run("dif" if size == 4000 else "dif_%d" % size, "`-dif` with wet/dry", depths(2, size),
+    return Run("dif" if size == 4000 else "dif_%d" % size, "`-dif` with wet/dry" + wide(size), depths(2, size),
                "-dif d1.flt d2.flt -out o.flt", {"o.flt": cells, "o_wd.flt": cells})
 
 
@@ -112,7 +116,7 @@ RUNS = [
     statistics("statAll", "statAll", [*STATISTICS, "Frac_Wet"]),
     Run("conv_to_flt", "`-conv`, .asc to .flt", {"a.asc": "depth_4000_1.asc"}, "-conv a.asc", {"a.flt": 4 * CELLS}),
     one("conv_to_asc", "`-conv`, .flt to .asc", "-conv d1.flt", {"d1.asc": AtLeast(8 * CELLS)}),
-    Run("conv_to_asc_12000", "`-conv`, .flt to .asc", depths(1, 12000), "-conv d1.flt", {"d1.asc": AtLeast(8 * MANY)}),
+    Run("conv_to_asc_12000", "`-conv`, .flt to .asc" + wide(12000), depths(1, 12000), "-conv d1.flt", {"d1.asc": AtLeast(8 * MANY)}),
     remap("remap_tin", "`-remap` by TIN, coarse cells 5 times as wide", "",
           {"l_remap_h.flt": 4 * CELLS, "l_remap_d.flt": 4 * CELLS}),
     remap("remap_idw", "`-remap` by IDW, `-bd50`", "-bd50 ",
