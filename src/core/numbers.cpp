@@ -1,5 +1,6 @@
 #include "core/numbers.h"
 
+#include "core/byte_classes.h"
 #include "core/text.h"
 
 #include <algorithm>
@@ -15,21 +16,6 @@ namespace gridforge {
 namespace {
 
 constexpr int kFieldWidth = 20;
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-bool isBlank(char c)
-{
-    return c == ' ' || c == '\t';
-}
-
-bool isQuote(char c)
-{
-    return c == '"' || c == '\'';
-}
 
 bool sameIgnoringCase(std::string_view text, std::string_view lower)
 {

@@ -1,5 +1,7 @@
 #include "core/text.h"
 
+#include "core/byte_classes.h"
+
 #include <algorithm>
 #include <functional>
 
@@ -19,19 +21,9 @@ char lower(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 bool isLetter(char c)
 {
     return upper(c) >= 'A' && upper(c) <= 'Z';
-}
-
-bool isQuote(char c)
-{
-    return c == '"' || c == '\'';
 }
 
 std::string_view head(std::string_view text, std::size_t width)
@@ -384,7 +376,7 @@ std::int32_t NUMBEROFNUMBERS(std::string_view text)
             }
         } else if (c == '!' || c == '#') {
             return count;
-        } else if (c == ' ' || c == '\t') {
+        } else if (isBlank(c)) {
             inNumber = false; // behind a comma it is so already
         } else if (c == ',') {
             if (!inNumber && behindComma) {

@@ -11,6 +11,9 @@ namespace gridforge {
 // even; signs, leading zeros, NaN and what does not fit are as in realField.
 void formatAscRow(std::span<const float> row, std::int32_t width, std::int32_t decimals, char* out);
 
+// The same, field by field.
+void formatAscFields(std::span<const float> row, std::int32_t width, std::int32_t decimals, char* out);
+
 struct Extremes {
     float smallest = 0;
     float largest = 0;

@@ -27,4 +27,7 @@ struct AscRowState {
 AscRow parseAscRow(AscRowState& state, std::string_view window, bool lastWindow, std::size_t& consumed,
                    std::span<float> row);
 
+// One value, between no separators. False where it is no number.
+bool parseAscCell(std::string_view value, float& cell);
+
 } // namespace gridforge

@@ -1,11 +1,14 @@
 #include "host/system.h"
 
+#include "core/simd.h"
+
 namespace gridforge {
 
 namespace {
 
-// Before main, so that no large array comes from elsewhere.
+// Before main, so that no large array comes from elsewhere, and no kernel has asked yet.
 [[maybe_unused]] const bool kPagesInUse = usePages(nativePages());
+[[maybe_unused]] const bool kAvx2Allowed = allowAvx2(nativeAvx2());
 
 const System*& chosen()
 {

@@ -100,6 +100,8 @@ void useSystem(const System& system);
 
 const System& nativeSystem();
 PageSource nativePages() noexcept;
+// False where the system asks programs to do without AVX2, whatever the processor has.
+bool nativeAvx2() noexcept;
 // Called first in the tool: keeps numbers of standard streams from the run's files, and signals from ending it.
 void prepareProcess();
 // Runs `work`, and gives it up where it reads or writes memory that is not there.

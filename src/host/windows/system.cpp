@@ -315,6 +315,11 @@ PageSource nativePages() noexcept
     return {takeZeroed, releaseZeroed};
 }
 
+bool nativeAvx2() noexcept
+{
+    return true;
+}
+
 const System& nativeSystem()
 {
     static constexpr System kWindows = {

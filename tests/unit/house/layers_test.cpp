@@ -326,6 +326,33 @@ TEST(LowerRooms, NoFileNeedsOneThatNeedsIt)
     EXPECT_EQ(filesInCircles({{"a", {"b"}}, {"b", {"c"}}, {"c", {"b"}}, {"d", {"z"}}}).size(), 3U);
 }
 
+// --- The processor ---------------------------------------------------------------------------------------------------
+
+std::string textOf(const fs::path& file)
+{
+    std::ifstream in(file);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// Compilers are told of vector instructions in one place, and processors asked in one.
+TEST(Processor, OnlyFilesOfAvx2NameVectorInstructions)
+{
+    std::size_t vectorFiles = 0;
+    for (const auto& file : sourcesBelow(kSource / "src")) {
+        const std::string text = textOf(file);
+        const bool room = file.stem() == "simd" && file.parent_path().filename() == "core";
+        const bool vectors = text.find("<immintrin.h>") != std::string::npos;
+        vectorFiles += vectors ? 1 : 0;
+        EXPECT_TRUE(!vectors || file.stem().string().ends_with("_avx2")) << file;
+        for (const char* const word : {"gnu::target", "__attribute__((target", "__builtin_cpu"}) {
+            EXPECT_TRUE(room || text.find(word) == std::string::npos) << file << ": " << word;
+        }
+    }
+    EXPECT_GT(vectorFiles, 1U);
+}
+
 TEST(TestFiles, EveryOneBelongsToARunner)
 {
     const std::set<std::string> runners{"unit", "cli", "interop", "real"};

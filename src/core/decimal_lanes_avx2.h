@@ -1,40 +1,22 @@
-// Plain decimals out of text, four at a time with AVX2: an optional minus, digits and at most one point in at most 16
-// characters. Whatever else a value may be is refused here, and goes to parseNumber.
+// Plain decimals out of text, four at a time: an optional minus, digits and at most one point in at most 16 characters.
+// Whatever else a value may be is refused here, and goes to parseNumber.
 #pragma once
 
-#include <bit>
-#include <cstdint>
+#include "core/simd.h"
 
 #if defined(__x86_64__)
+
+#include "core/decimal_rounding.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <immintrin.h>
-#endif
 
 namespace gridforge {
 
-// A double that lies at most 4 of its last places off the true value rounds to the same float as that value, unless a
-// midpoint of two floats is so near. In the last 29 bits, which a float drops, a midpoint reads 1 0000...
-inline constexpr std::int64_t kDroppedBits = (std::int64_t{1} << 29) - 1;
-inline constexpr std::int64_t kMidpoint = std::int64_t{1} << 28;
-inline constexpr std::int64_t kRoundingMargin = 4;
-
-inline bool roundsSafely(double value)
-{
-    const auto bits = std::bit_cast<std::int64_t>(value);
-    return ((bits + kRoundingMargin - kMidpoint) & kDroppedBits) > 2 * kRoundingMargin;
-}
-
-#if defined(__x86_64__)
-
 inline constexpr std::size_t kLane = 16;
-
-// Callers ask before they use anything below.
-inline bool hasDecimalLanes()
-{
-    return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi");
-}
 
 namespace lanes {
 
@@ -61,7 +43,7 @@ alignas(16) inline constexpr auto kOverPoint = [] {
 inline constexpr std::array<double, kLane + 1> kPointPowers = {1e15, 1e14, 1e13, 1e12, 1e11, 1e10, 1e9, 1e8, 1e7,
                                                                1e6,  1e5,  1e4,  1e3,  1e2,  1e1,  1,   1};
 
-__attribute__((target("avx2,bmi"))) inline __m256i loadPair(const void* low, const void* high)
+GRIDFORGE_AVX2 inline __m256i loadPair(const void* low, const void* high)
 {
     return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(low))),
                                    _mm_loadu_si128(static_cast<const __m128i*>(high)), 1);
@@ -75,8 +57,7 @@ struct DigitPair {
     std::size_t points[2];
 };
 
-__attribute__((target("avx2,bmi"))) inline DigitPair digitPair(const char* end0, std::size_t length0, const char* end1,
-                                                               std::size_t length1)
+GRIDFORGE_AVX2 inline DigitPair digitPair(const char* end0, std::size_t length0, const char* end1, std::size_t length1)
 {
     const std::uint8_t* const mask0 = kLastBytes.data() + 1 + length0;
     const std::uint8_t* const mask1 = kLastBytes.data() + 1 + length1;
@@ -99,7 +80,7 @@ __attribute__((target("avx2,bmi"))) inline DigitPair digitPair(const char* end0,
 }
 
 // The numbers of 16 digits each, in the order low of `a`, low of `b`, high of `a`, high of `b`.
-__attribute__((target("avx2,bmi"))) inline __m256d digitsToNumbers(__m256i a, __m256i b)
+GRIDFORGE_AVX2 inline __m256d digitsToNumbers(__m256i a, __m256i b)
 {
     const __m256i tens = _mm256_set1_epi16(1 << 8 | 10);
     const __m256i hundreds = _mm256_set1_epi32(1 << 16 | 100);
@@ -115,7 +96,7 @@ __attribute__((target("avx2,bmi"))) inline __m256d digitsToNumbers(__m256i a, __
 }
 
 // All ones where 64 bits are 0, for two vectors in the order of digitsToNumbers.
-__attribute__((target("avx2,bmi"))) inline __m256i isZero(__m256i a, __m256i b)
+GRIDFORGE_AVX2 inline __m256i isZero(__m256i a, __m256i b)
 {
     return _mm256_cmpeq_epi64(_mm256_packs_epi16(a, b), _mm256_setzero_si256());
 }
@@ -130,8 +111,8 @@ struct DecimalQuad {
 };
 
 // The values that end before each of `ends` and are so long, up to kLane. Looks at the 16 bytes before each end.
-__attribute__((target("avx2,bmi"))) inline DecimalQuad decimalQuad(const std::array<const char*, 4>& ends,
-                                                                   const std::array<std::size_t, 4>& lengths)
+GRIDFORGE_AVX2 inline DecimalQuad decimalQuad(const std::array<const char*, 4>& ends,
+                                              const std::array<std::size_t, 4>& lengths)
 {
     const lanes::DigitPair a = lanes::digitPair(ends[0], lengths[0], ends[2], lengths[2]);
     const lanes::DigitPair b = lanes::digitPair(ends[1], lengths[1], ends[3], lengths[3]);
@@ -147,7 +128,7 @@ __attribute__((target("avx2,bmi"))) inline DecimalQuad decimalQuad(const std::ar
 }
 
 // False where one is refused or so near a midpoint that its rounding is open; `target` is written to all the same.
-__attribute__((target("avx2,bmi"))) inline bool storeFloats(const DecimalQuad& quad, float* target)
+GRIDFORGE_AVX2 inline bool storeFloats(const DecimalQuad& quad, float* target)
 {
     _mm_storeu_ps(target, _mm256_cvtpd_ps(_mm256_or_pd(quad.magnitudes, quad.signs)));
     const __m256i distance = _mm256_and_si256(
@@ -159,7 +140,7 @@ __attribute__((target("avx2,bmi"))) inline bool storeFloats(const DecimalQuad& q
 }
 
 // False where one is refused or has more digits than a double; `target` is written to all the same.
-__attribute__((target("avx2,bmi"))) inline bool storeDoubles(const DecimalQuad& quad, double* target)
+GRIDFORGE_AVX2 inline bool storeDoubles(const DecimalQuad& quad, double* target)
 {
     _mm256_storeu_pd(target, _mm256_or_pd(quad.magnitudes, quad.signs));
     // Only 16 digits without a point come so far.
@@ -168,6 +149,6 @@ __attribute__((target("avx2,bmi"))) inline bool storeDoubles(const DecimalQuad& 
     return _mm256_testz_si256(bad, bad) != 0;
 }
 
-#endif
-
 } // namespace gridforge
+
+#endif

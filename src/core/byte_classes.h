@@ -1,0 +1,27 @@
+// What a byte of text is to those who look for numbers in it.
+#pragma once
+
+namespace gridforge {
+
+constexpr bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+constexpr bool isBlank(char c)
+{
+    return c == ' ' || c == '\t';
+}
+
+constexpr bool isQuote(char c)
+{
+    return c == '"' || c == '\'';
+}
+
+// What stands between free-form values, line ends included.
+constexpr bool isSeparator(char c)
+{
+    return isBlank(c) || c == ',' || c == '\n' || c == '\r';
+}
+
+} // namespace gridforge

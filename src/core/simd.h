@@ -1,0 +1,19 @@
+// Vector instructions beyond those that every x86-64 processor has: how a routine is compiled for them, and whether it may be
+// called. A kernel with such a form keeps it in x_avx2.cpp beside x.cpp.
+#pragma once
+
+#if defined(__x86_64__)
+#define GRIDFORGE_AVX2 [[gnu::target("avx2,bmi")]]
+#else
+#define GRIDFORGE_AVX2
+#endif
+
+namespace gridforge {
+
+// Whether routines marked GRIDFORGE_AVX2 may be called.
+bool hasAvx2();
+
+// Whether the system lets them be called, which counts until the first question. Returns what it is given.
+bool allowAvx2(bool allowed) noexcept;
+
+} // namespace gridforge

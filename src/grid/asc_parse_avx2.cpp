@@ -1,0 +1,170 @@
+// Bit masks tell where values start and end, and each value becomes a number with a handful of vector instructions. What is
+// out of the ordinary goes value by value.
+#include "grid/asc_parse_avx2.h"
+
+#if defined(__x86_64__)
+
+#include "core/byte_blocks_avx2.h"
+#include "core/decimal_lanes_avx2.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+namespace gridforge {
+namespace {
+
+constexpr std::size_t kBatch = 1024; // values found before they are converted: few enough to stay in the nearest cache
+
+// The values of a piece of text: where they end, in bytes from its start, and how long they are.
+struct ValueIndex {
+    std::size_t count = 0;
+    std::array<std::uint32_t, kBatch + kByteBlock> ends; // a block may go past the batch
+    std::array<std::uint32_t, kBatch + kByteBlock> lengths;
+};
+
+// Eight at once without looking how many there are, because a loop whose end cannot be foreseen costs more than that.
+GRIDFORGE_AVX2 inline void addToIndex(ValueIndex& index, std::uint64_t starts, std::uint64_t ends, std::uint32_t block)
+{
+    std::uint32_t* end = index.ends.data() + index.count;
+    std::uint32_t* length = index.lengths.data() + index.count;
+    index.count += static_cast<std::size_t>(std::popcount(ends));
+    do {
+        for (int i = 0; i < 8; ++i) {
+            const auto endBit = static_cast<std::uint32_t>(_tzcnt_u64(ends));
+            *end++ = block + endBit;
+            *length++ = endBit - static_cast<std::uint32_t>(_tzcnt_u64(starts));
+            starts = _blsr_u64(starts);
+            ends = _blsr_u64(ends);
+        }
+    } while (ends != 0);
+}
+
+// Finds values in whole blocks of `text` until `most` are found, or an empty value stands ahead, or a value that is longer
+// than a block, or the text ends. Returns how far it came.
+GRIDFORGE_AVX2 std::size_t findValues(std::string_view text, std::size_t most, bool& afterValue, ValueIndex& index)
+{
+    index.count = 0;
+    std::size_t at = 0;
+    while (text.size() - at >= kByteBlock && index.count < most) {
+        const ByteBlock bits = classifyBytes(text.data() + at);
+        const std::uint64_t behindValue = bits.values << 1;
+        const std::uint64_t emptyAhead = bits.commas & ~behindValue;
+        const std::uint64_t plain = emptyAhead == 0 ? ~std::uint64_t{0} : (emptyAhead & (~emptyAhead + 1)) - 1;
+        const std::uint64_t starts = bits.values & ~behindValue & plain;
+        const std::uint64_t ends = ~bits.values & behindValue & plain;
+        addToIndex(index, starts, ends, static_cast<std::uint32_t>(at));
+
+        // Whichever comes last, the end of a value or a break, which may be at that end.
+        const std::uint64_t breaks = (bits.commas | bits.lineEnds) & plain;
+        if ((ends | breaks) != 0) {
+            afterValue = (ends & ~breaks) > breaks;
+        }
+        // A value that goes on behind the block is left to the next one, which begins with it.
+        const bool cut = emptyAhead == 0 && bits.values >> (kByteBlock - 1) != 0;
+        const int advance = cut ? 63 - std::countl_zero(starts) : std::countr_one(plain);
+        at += static_cast<std::size_t>(advance);
+        if (emptyAhead != 0 || advance == 0) {
+            break;
+        }
+    }
+    if (index.count >= most) {
+        index.count = most;
+        at = index.ends[most - 1];
+        afterValue = true;
+    }
+    return at;
+}
+
+// Four plain decimals of at most 16 characters. Looks at the 16 bytes before each end. False when one is something else.
+GRIDFORGE_AVX2 inline bool convertFour(const char* text, const std::uint32_t* ends, const std::uint32_t* lengths,
+                                       float* cells)
+{
+    if (std::max(std::max(lengths[0], lengths[1]), std::max(lengths[2], lengths[3])) > kLane) {
+        return false;
+    }
+    return storeFloats(decimalQuad({text + ends[0], text + ends[1], text + ends[2], text + ends[3]},
+                                   {lengths[0], lengths[1], lengths[2], lengths[3]}),
+                       cells);
+}
+
+// Values `first` to `first + count` of the index, at most four, into cells. False when one is no number.
+GRIDFORGE_AVX2 inline bool convertSome(const char* text, const ValueIndex& index, std::size_t first, std::size_t count,
+                                       float* cells)
+{
+    if (convertFour(text, index.ends.data() + first, index.lengths.data() + first, cells)) {
+        return true;
+    }
+    for (std::size_t i = first; i < first + count; ++i) {
+        if (!parseAscCell({text + index.ends[i] - index.lengths[i], index.lengths[i]}, cells[i - first])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The indexed values of `text` into as many cells. False when one is no number.
+GRIDFORGE_AVX2 bool convertValues(const char* text, ValueIndex& index, std::span<float> cells)
+{
+    std::size_t i = 0;
+    for (; i + 4 <= index.count; i += 4) {
+        if (!convertSome(text, index, i, 4, cells.data() + i)) {
+            return false;
+        }
+    }
+    if (i == index.count) {
+        return true;
+    }
+    // The last four are filled up with the last value.
+    const std::size_t count = index.count - i;
+    std::fill_n(index.ends.begin() + static_cast<std::ptrdiff_t>(index.count), 3, index.ends[index.count - 1]);
+    std::fill_n(index.lengths.begin() + static_cast<std::ptrdiff_t>(index.count), 3, index.lengths[index.count - 1]);
+    std::array<float, 4> four;
+    const bool good = convertSome(text, index, i, count, four.data());
+    std::copy_n(four.begin(), count, cells.begin() + static_cast<std::ptrdiff_t>(i));
+    return good;
+}
+
+} // namespace
+
+GRIDFORGE_AVX2 bool parseAscBlocks(AscRowState& state, AscCursor& text, const char* windowStart, std::span<float> row)
+{
+    ValueIndex index;
+    while (static_cast<std::size_t>(text.end - text.at) >= kByteBlock && state.filled < row.size()) {
+        // At the head of a window the lanes would reach before it, so the first block is copied.
+        std::array<char, kLane + kByteBlock> head;
+        std::string_view piece(text.at, static_cast<std::size_t>(text.end - text.at));
+        if (text.at - windowStart < static_cast<std::ptrdiff_t>(kLane)) {
+            std::memcpy(head.data() + kLane, text.at, kByteBlock);
+            piece = {head.data() + kLane, kByteBlock};
+        }
+        const std::size_t most = std::min(row.size() - state.filled, kBatch);
+        const std::size_t advance = findValues(piece, most, state.afterValue, index);
+        if (index.count > 0 && !convertValues(piece.data(), index, row.subspan(state.filled, index.count))) {
+            return false;
+        }
+        state.filled += index.count;
+        text.at += advance;
+        if (advance == 0) {
+            break;
+        }
+    }
+    return true;
+}
+
+} // namespace gridforge
+
+#else
+
+namespace gridforge {
+
+bool parseAscBlocks(AscRowState&, AscCursor&, const char*, std::span<float>)
+{
+    return true;
+}
+
+} // namespace gridforge
+
+#endif

@@ -1,0 +1,14 @@
+// placeInTriangles in lanes of four.
+#pragma once
+
+#include "core/simd.h"
+#include "remap/tin_places.h"
+
+#include <cstddef>
+
+namespace gridforge {
+
+GRIDFORGE_AVX2 void placeFourAbreast(const TinColumns& columns, const TinLines& lines, double y, std::size_t first,
+                                     std::size_t count, BlockPlaces& places);
+
+} // namespace gridforge
