@@ -26,6 +26,10 @@ std::string pureRoomsPath()
 {
     return GRIDFORGE_PURE_ROOMS;
 }
+std::string gridWritersPath()
+{
+    return GRIDFORGE_GRID_WRITERS;
+}
 std::string manualFolder()
 {
     return GRIDFORGE_MANUAL_DIR;

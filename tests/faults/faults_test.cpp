@@ -1,0 +1,416 @@
+// Runs in which one call of the system fails, is cut short or is interrupted. A table says what is right for each call: a
+// message about the file and the end of the run, or no effect at all.
+#include "faults/system_run.h"
+#include "faults/whole_grids.h"
+
+#include "support/sanitizers.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <gmock/gmock.h>
+#include <set>
+#include <sstream>
+
+namespace gridforge::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// --- What is right ---------------------------------------------------------------------------------------------------
+
+// What is done to a call: it fails for good, a signal interrupts it, or it moves half of the bytes.
+enum class Kind { error, interruption, half };
+
+struct Row {
+    const char* functions; // separated by blanks
+    const char* roles;     // of the file, as SystemCall has them
+    const char* files;     // endings of its name, separated by blanks; "" for any
+    Lines end; // the last lines of the console, <file> for its name, * for the rest of a line; {} where nothing changes
+};
+
+Lines closing(Lines lines)
+{
+    lines.insert(lines.end(), {"", "Press Enter to Close"});
+    return lines;
+}
+
+const Lines kNoEffect = {};
+const Lines kNotFound = closing({"Trying to open file <file>...", "CHECK 0008 - \"<file>\" cannot be found",
+                                 "Check file exists and press enter or enter another file name: "});
+const Lines kNotOpened =
+    closing({"Trying to open file <file>...Can't Open", "", "Can't open: <file>", "",
+             "Another application or user maybe using it,", "   or the file's folder does not exist.",
+             "If so, close the file or create file path.", "Press Enter to Continue"});
+const Lines kNotWritten = closing({"ERROR - Could not write to file: <file>"});
+const Lines kNoInput = closing({" ERROR - Invalid file or pathname specified"});
+const Lines kNoMemory = closing({"ERROR - Could not allocate enough memory (RAM)."});
+
+constexpr const char* kWriting = "write pwrite close ftruncate lseek";
+
+// Errors of calls that the tool itself makes. Where several rows fit, each of them is right.
+const std::vector<Row> kErrors = {
+    // Hints, and the closing of what was read.
+    {"advise fallocate", "rw-", "", kNoEffect},
+    {"close", "r", "", kNoEffect},
+    // The console is gone; the files are written all the same.
+    {"write", "c", "", kNoEffect},
+    {"read", "c", "", kNoEffect}, // it counts as the end of standard input
+
+    // Looking for files.
+    {"stat", "-", "", kNoInput},
+    {"stat", "-", "", kNotFound},
+    {"stat", "-", ".prj", closing({"ERROR - Projection file does not exist in folder: <file>"})},
+    {"stat", "-", ".prj .tab", kNoEffect}, // it is opened all the same, or is not there
+    {"stat", "rw-", "", kNoEffect},        // whether two names are the same file
+    {"opendir readdir", "r", "", kNoInput},
+    {"opendir readdir", "r", "", kNoEffect}, // a search for the name in another letter case
+    {"opendir", "r", "", closing({" ERROR - Out of memory.  Contact SUPPORT_CONTACT"})},
+
+    {"open", "r", "", kNotFound},
+    {"open", "w", "", kNotOpened},
+
+    // Writing.
+    {kWriting, "w", "", kNotWritten},
+    {kWriting, "w", ".mif", closing({"ERROR 0439 - Writing .mif file object coordinates."})},
+    {kWriting, "w", ".mid", closing({"ERROR 0254 - Failed to write attribute data record for a *"})},
+    {kWriting, "w", ".shp .shx", closing({"ERROR 0437 - Writing .shp file header."})},
+    {kWriting, "w", ".shp .shx", closing({"ERROR 0439 - Writing .shp file object coordinates."})},
+    {kWriting, "w", ".dbf .shp .shx", closing({"ERROR 0413 - Rewriting .dbf file header with final information."})},
+    {kWriting, "w", ".dbf", closing({"ERROR 0413 - Writing .dbf file header."})},
+    {kWriting, "w", ".dbf", closing({"ERROR 0417 - Writing .dbf record."})},
+
+    // Reading.
+    {"read pread", "r", ".asc .hdr", closing({"ERROR 2334 - Reading Grid file header information.", "Line = *"})},
+    {"read pread", "r", ".asc .flt",
+     closing({"ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS."})},
+    {"read", "r", ".prj", closing({"ERROR - Reading projection file information.", "Line = *"})},
+    {"read", "r", ".prj .mif", closing({"ERROR - Reading following line in projection file:", "*"})},
+    {"read lseek", "r", ".mif", closing({"ERROR 0315 - Could not find start of attribute definitions in .mif file"})},
+    {"read lseek", "r", ".mif", closing({"ERROR 0321 - Reading .mif file object type."})},
+    {"read", "r", ".mid", closing({"ERROR 0254 - Failed to read object attribute data record for a *"})},
+    {"read", "r", ".mid", kNoEffect}, // a search for more records after the last one
+    {"read lseek", "r", ".shp", closing({"ERROR 0427 - Reading .shp file header."})},
+    {"read lseek", "r", ".shp", closing({"ERROR 0424 - Reading .shp file object type."})},
+    {"read lseek", "r", ".dbf", closing({"ERROR 0403 - Reading .dbf file header."})},
+    {"read lseek", "r", ".dbf", closing({"ERROR 0407 - Reading .dbf record."})},
+    {"read lseek", "r", ".csv .xyz", closing({"ERROR - Reading following line in classes file:", "*"})},
+    {"read", "r", ".csv", closing({"Skipping first line: ", "ERROR - Reading following line in classes file:", "*"})},
+    {"read", "r", ".csv", closing({"ERROR - Reading following line in damages curve file:", "*"})},
+    {"read", "r", ".csv", closing({"ERROR - Reading following line in rainfall hyetograph:", "*"})},
+    {"read", "r", ".dmg .rfc .nbc", closing({"ERROR 0201 - Reading text line from file unit number *"})},
+
+    // Memory.
+    {"mmap malloc", "-", "", kNoMemory},
+    {"malloc", "-", "", closing({" ERROR - Out of memory.  Contact SUPPORT_CONTACT"})},
+    {"malloc", "-", "", closing({"Could not allocate memory."})}, // of the lines of a TIN
+    {"malloc", "-", "", closing({"ERROR - Allocating RAM for storing IDW distances"})},
+    {"malloc", "-", "", closing({"ERROR ???? - Could not allocate temporary memory for netcdf coordinates."})},
+    {"malloc", "-", "", kNoEffect}, // memory that the run can do without
+};
+
+// Errors and interruptions of calls that the NetCDF library and HDF5 make.
+const std::vector<Row> kLibraryErrors = {
+    {"open stat lseek read write pwrite close ftruncate", "rw-", ".nc",
+     closing({"ERROR - With nectdf call *", "Netcdf error message: *"})},
+    // A file that need not be there; a write that the library makes again later.
+    {"open stat lseek write close", "rw-", ".nc", kNoEffect},
+};
+
+bool isAmong(const std::string& word, const char* words)
+{
+    std::istringstream rest(words);
+    for (std::string one; rest >> one;) {
+        if (one == word) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool endsAsOne(const std::string& name, const char* ends)
+{
+    std::istringstream rest(ends);
+    bool any = false;
+    for (std::string end; rest >> end;) {
+        if (name.ends_with(end)) {
+            return true;
+        }
+        any = true;
+    }
+    return !any;
+}
+
+std::vector<Lines> rightEnds(const SystemCall& call, Kind kind)
+{
+    const bool byTool = call.caller == "tool";
+    if (kind == Kind::half || (kind == Kind::interruption && byTool)) {
+        return {kNoEffect};
+    }
+    std::vector<Lines> ends;
+    if (kind == Kind::interruption) {
+        ends.push_back(kNoEffect);
+    }
+    for (const Row& row : byTool ? kErrors : kLibraryErrors) {
+        if (isAmong(call.function, row.functions) && std::string(row.roles).find(call.role) != std::string::npos &&
+            endsAsOne(call.file, row.files)) {
+            ends.push_back(row.end);
+        }
+    }
+    return ends;
+}
+
+// --- What is done ----------------------------------------------------------------------------------------------------
+
+struct Fault {
+    Kind kind;
+    int error; // 0 for half
+};
+
+std::vector<Fault> faultsOf(const SystemCall& call)
+{
+    const std::string& f = call.function;
+    std::vector<Fault> faults;
+    const auto add = [&](Kind kind, std::initializer_list<int> errors) {
+        for (const int error : errors) {
+            faults.push_back({kind, error});
+        }
+    };
+    if (isAmong(f, "malloc mmap")) {
+        add(Kind::error, {ENOMEM});
+    } else if (isAmong(f, "read pread")) {
+        add(Kind::error, {EIO});
+    } else if (isAmong(f, "write pwrite fallocate")) {
+        add(Kind::error, {ENOSPC, EIO});
+    } else if (isAmong(f, "open opendir")) {
+        add(Kind::error, {EACCES, EMFILE});
+    } else if (f == "advise") {
+        add(Kind::error, {EINVAL});
+    } else {
+        add(Kind::error, {EIO});
+    }
+    if (f == "opendir") {
+        add(Kind::error, {ENOMEM});
+    }
+    if (isAmong(f, "open read pread write pwrite close ftruncate fallocate")) {
+        add(Kind::interruption, {EINTR});
+    }
+    if (isAmong(f, "read pread write pwrite") && call.bytes > 1) {
+        add(Kind::half, {0});
+    }
+    return faults;
+}
+
+std::string missionOf(const SystemCall& call, const Fault& fault)
+{
+    const std::string which = call.function + " " + std::to_string(call.number);
+    return fault.kind == Kind::half ? "short " + which : "fail " + which + " " + std::to_string(fault.error);
+}
+
+// --- What came of it ----------------------------------------------------------------------------------------------------
+
+// Names as the system has them: with / as the separator, and without the ./ that a library puts first.
+std::string plainNames(std::string text)
+{
+    std::ranges::replace(text, '\\', '/');
+    return text.starts_with("./") ? text.substr(2) : text;
+}
+
+Lines linesOf(const std::string& text)
+{
+    Lines lines;
+    std::istringstream rest(text);
+    for (std::string line; std::getline(rest, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+bool fits(std::string line, std::string expected, const std::string& file)
+{
+    for (std::size_t at = expected.find("<file>"); at != std::string::npos; at = expected.find("<file>")) {
+        expected.replace(at, 6, file);
+    }
+    if (expected.ends_with('*')) {
+        expected.pop_back();
+        line.resize(std::min(line.size(), expected.size()));
+    }
+    return line == expected;
+}
+
+// The lines from the first that differs from a good run are these. Left out before them are empty lines, and a line of the
+// good run that was cut short.
+bool endsIn(const Lines& end, const SystemRun& run, const SystemRun& good, const std::string& file)
+{
+    const Lines lines = linesOf(plainNames(run.console));
+    const Lines goodLines = linesOf(plainNames(good.console));
+    const auto isEnd = [&](auto at) {
+        at = std::find_if(at, lines.end(), [](const std::string& line) { return !line.empty(); });
+        return std::equal(
+            at, lines.end(), end.begin(), end.end(),
+            [&](const std::string& line, const std::string& expected) { return fits(line, expected, file); });
+    };
+    const auto [at, goodAt] = std::ranges::mismatch(lines, goodLines);
+    const bool isCutShort = at != lines.end() && goodAt != goodLines.end() && goodAt->starts_with(*at);
+    return isEnd(at) || (isCutShort && isEnd(std::next(at)));
+}
+
+bool hasNoEffect(const SystemRun& run, const SystemRun& good, const SystemCall& call)
+{
+    const bool consoleFailed = call.role == 'c';
+    return run.files == good.files && (run.console == good.console || consoleFailed);
+}
+
+// Files that were finished before the call, or were only read, are the same as after a good run.
+Lines damagedFiles(const SystemRun& run, const SystemRun& good, const SystemCall& call)
+{
+    std::set<std::string> open;
+    bool isLater = false;
+    for (const SystemCall& other : good.calls) {
+        isLater = isLater || (other.function == call.function && other.number == call.number);
+        if (isLater && other.role == 'w') {
+            open.insert(plainNames(other.file));
+        }
+    }
+    Lines damaged;
+    for (const auto& [name, bytes] : good.files) {
+        const auto found = run.files.find(name);
+        if (!open.contains(name) && (found == run.files.end() || found->second != bytes)) {
+            damaged.push_back(name);
+        }
+    }
+    return damaged;
+}
+
+// "" where the run is right.
+std::string whatIsWrong(const SystemRun& run, const SystemRun& good, const SystemCall& call, Kind kind)
+{
+    if (run.calls.size() != 1 || run.calls[0].place != call.place) {
+        return "another call, or none, failed";
+    }
+    if (run.status != 0 || !run.error.empty()) {
+        return "status " + std::to_string(run.status) + ", standard error |" + run.error + "|";
+    }
+    const std::vector<Lines> ends = rightEnds(call, kind);
+    if (ends.empty()) {
+        return "no row of the table fits";
+    }
+    if (hasNoEffect(run, good, call)) {
+        return std::ranges::find(ends, kNoEffect) != ends.end() ? "" : "the fault had no effect";
+    }
+    const std::string file = plainNames(call.file);
+    if (plainNames(run.console).find(file) == std::string::npos) {
+        return "the console does not name the file";
+    }
+    const Lines damaged = damagedFiles(run, good, call);
+    if (!damaged.empty()) {
+        return "damaged is " + damaged[0];
+    }
+    const auto isTheEnd = [&](const Lines& end) { return !end.empty() && endsIn(end, run, good, file); };
+    return std::ranges::any_of(ends, isTheEnd) ? "" : "none of the right ends";
+}
+
+// --- The tests -------------------------------------------------------------------------------------------------------
+
+// In the quick part a run takes one of five places. Those that several runs reach are taken in turn.
+bool isTaken(const SystemCall& call, std::size_t runNumber)
+{
+    constexpr std::uint64_t kOneOf = 5;
+    return isWholeAsked() || (std::stoull(call.place, nullptr, 16) + runNumber) % kOneOf == 0;
+}
+
+// The first call of each place that is taken.
+std::vector<SystemCall> placesOf(const SystemRun& run, std::size_t runNumber, bool memory)
+{
+    std::set<std::string> seen;
+    std::vector<SystemCall> places;
+    for (const SystemCall& call : run.calls) {
+        const bool isMemory = call.function == "malloc";
+        // What the libraries do without memory is theirs.
+        if (isMemory == memory && (!memory || call.caller == "tool") && isTaken(call, runNumber) &&
+            seen.insert(call.function + call.place).second) {
+            places.push_back(call);
+        }
+    }
+    return places;
+}
+
+void failAll(const FaultRun& run, bool memory)
+{
+    const SystemRun good = runSystem(run, "watch");
+    ASSERT_EQ(good.status, 0) << good.command;
+    ASSERT_EQ(good.error, "");
+    countRun();
+    const std::vector<SystemCall> places = placesOf(good, numberOf(run), memory);
+    GridsLeft left(good.given, good.files);
+    Lines wrong;
+    for (const SystemCall& place : places) {
+        countPlace();
+        for (const Fault& fault : faultsOf(place)) {
+            const SystemRun failed = runSystem(run, missionOf(place, fault));
+            countFault(memory);
+            const std::string what = whatIsWrong(failed, good, place, fault.kind);
+            if (!what.empty()) {
+                wrong.push_back(what + ": " + place.function + " of " + place.file + " (" + place.role + ", " +
+                                place.caller + ")\n" + failed.console + failed.command + "\n");
+            }
+            left.add(failed.files, failed.command);
+        }
+    }
+    EXPECT_THAT(wrong, testing::IsEmpty());
+    EXPECT_THAT(left.wrong(isWholeAsked() ? Readers::toolAndGdal : Readers::tool), testing::IsEmpty());
+}
+
+class Faults : public testing::TestWithParam<FaultRun> {};
+
+TEST_P(Faults, OfCallsEndInAMessageOrDoNothing)
+{
+    failAll(GetParam(), false);
+}
+
+TEST_P(Faults, OfAllocationsEndInAMessage)
+{
+    if (!canFailMemory()) {
+        GTEST_SKIP() << "the sanitizer has an allocator of its own";
+    }
+    failAll(GetParam(), true);
+}
+
+TEST_P(Faults, AtRandomThatCanBeTriedAgainDoNothing)
+{
+    const SystemRun good = runSystem(GetParam(), "watch");
+    std::size_t disturbances = 0;
+    for (int seed = 1; seed <= (isWholeAsked() ? 20 : 2); ++seed) {
+        const SystemRun disturbed = runSystem(GetParam(), "disturb " + std::to_string(seed));
+        countDisturbed();
+        EXPECT_EQ(disturbed.status, 0) << disturbed.command;
+        EXPECT_EQ(disturbed.error, "") << disturbed.command;
+        EXPECT_EQ(disturbed.console, good.console) << disturbed.command;
+        EXPECT_TRUE(disturbed.files == good.files) << disturbed.command;
+        disturbances += disturbed.calls.size();
+    }
+    EXPECT_TRUE(disturbances > 0 || good.given.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Runs, Faults, testing::ValuesIn(startedRuns()),
+                         [](const auto& info) { return info.param.name; });
+
+// The runs are of use only if they are what the table of them says.
+TEST(FaultRuns, AreOfAllOperationsAndGoWell)
+{
+    EXPECT_GE(faultRuns().size(), 60U);
+    EXPECT_GE(std::ranges::count_if(faultRuns(), &FaultRun::writesGrids), 30);
+    for (const FaultRun& run : startedRuns()) {
+        const SystemRun good = runSystem(run, "watch");
+        EXPECT_EQ(good.console.find("Finished.") != std::string::npos, run.name != "Usage") << good.console;
+        bool writesGrids = false;
+        for (const FoundGrid& grid : gridsIn(good.files)) {
+            const auto given = good.given.find(grid.name);
+            writesGrids = writesGrids || given == good.given.end() || given->second != grid.bytes;
+        }
+        EXPECT_EQ(writesGrids, run.writesGrids) << run.name;
+    }
+}
+
+} // namespace
+} // namespace gridforge::test

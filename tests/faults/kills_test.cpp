@@ -1,0 +1,129 @@
+// Runs that are killed at each call that changes a file: no .asc or .flt that they leave looks whole but is not.
+#include "faults/system_run.h"
+#include "faults/whole_grids.h"
+
+#include "support/gdal.h"
+#include "support/grids.h"
+#include "support/paths.h"
+#include "support/sanitizers.h"
+
+#include <algorithm>
+#include <csignal>
+#include <gmock/gmock.h>
+
+namespace gridforge::test {
+namespace {
+
+constexpr int kKilled = 128 + SIGKILL;
+
+// The moments of a call at which the run is killed: for a write also within it, some of them just before its last bytes,
+// which are those of the last cell.
+std::vector<std::string> momentsOf(const SystemCall& call)
+{
+    if (call.bytes <= 1) {
+        return {"before", "after"};
+    }
+    std::vector<long> parts = {call.bytes / 2};
+    if (isWholeAsked()) {
+        parts.insert(parts.end(), {call.bytes / 4, call.bytes - 1, call.bytes - 2, call.bytes - 3, call.bytes - 5});
+    } else {
+        parts.push_back(call.bytes - 4);
+    }
+    std::vector<std::string> moments = {"before", "after"};
+    for (const long part : parts) {
+        if (part > 0) {
+            moments.push_back("within " + std::to_string(part));
+        }
+    }
+    return moments;
+}
+
+// The grids that are wrong after the kills.
+std::vector<std::string> killEverywhere(const FaultRun& run, const std::string& program = "")
+{
+    const SystemRun finished = runSystem(run, "watch", program);
+    EXPECT_EQ(finished.status, 0) << finished.command;
+    countRun();
+    GridsLeft left(finished.given, finished.files);
+    for (const SystemCall& call : finished.calls) {
+        if (call.event == 0) {
+            continue;
+        }
+        for (const std::string& moment : momentsOf(call)) {
+            const SystemRun killed = runSystem(run, "kill " + std::to_string(call.event) + " " + moment, program);
+            EXPECT_EQ(killed.status, kKilled) << killed.command;
+            left.add(killed.files,
+                     "a kill " + moment + " " + call.function + " " + std::to_string(call.number) + " of " + call.file);
+            countKill();
+        }
+    }
+    return left.wrong(Readers::toolAndGdal);
+}
+
+class Kills : public testing::TestWithParam<FaultRun> {};
+
+TEST_P(Kills, LeaveNoGridThatLooksWholeButIsNot)
+{
+    EXPECT_THAT(killEverywhere(GetParam()), testing::IsEmpty());
+}
+
+// In the quick part one of three.
+std::vector<FaultRun> runsWithGrids()
+{
+    std::vector<FaultRun> runs = startedRuns();
+    std::erase_if(runs, [](const FaultRun& run) { return !run.writesGrids; });
+    const std::size_t oneOf = isWholeAsked() || kSanitized ? 1 : 3;
+    std::vector<FaultRun> taken;
+    for (std::size_t i = 0; i < runs.size(); i += oneOf) {
+        taken.push_back(runs[i]);
+    }
+    return taken;
+}
+
+INSTANTIATE_TEST_SUITE_P(Runs, Kills, testing::ValuesIn(runsWithGrids()),
+                         [](const auto& info) { return info.param.name; });
+
+// --- The check itself --------------------------------------------------------------------------------------------------
+
+void giveOldCells(ToolRun& run)
+{
+    const Cells old = {{9, 8}, {7, 6}, {5, 4}};
+    run.give("g.hdr", hdr(old));
+    run.give("g.flt", fltCells(old));
+}
+
+std::vector<std::string> killWriter(const std::string& way, void (*give)(ToolRun&))
+{
+    return killEverywhere({way, way, give, true}, gridWritersPath());
+}
+
+constexpr auto kGiveNothing = [](ToolRun&) {};
+
+TEST(KillsCheck, PassesAWriterThatRenamesAWholeFile)
+{
+    EXPECT_THAT(killWriter("renamed-whole", kGiveNothing), testing::IsEmpty());
+}
+
+TEST(KillsCheck, FindsWritersThatLeaveWhatLooksWhole)
+{
+    const auto found = [](const std::string& reader, const std::string& how) {
+        return testing::Contains(testing::AllOf(testing::HasSubstr(reader), testing::HasSubstr(how)));
+    };
+    EXPECT_THAT(killWriter("size-first", kGiveNothing), found("by the tool", "after ftruncate 1 of g.flt"));
+    EXPECT_THAT(killWriter("header-first", giveOldCells), found("by the tool", "after write 1 of g.hdr"));
+    EXPECT_THAT(killWriter("plain-text", kGiveNothing), found("by the tool", "write 1 of g.asc"));
+    EXPECT_THAT(killWriter("renamed-early", kGiveNothing), found("by the tool", "after rename 1 of g.asc"));
+}
+
+// GDAL takes half of the bytes for cells of two bytes.
+TEST(KillsCheck, AsksGdalToo)
+{
+    if (!hasGdal()) {
+        GTEST_SKIP() << "no GDAL";
+    }
+    EXPECT_THAT(killWriter("header-first", kGiveNothing),
+                testing::Contains("g.flt is read whole by GDAL after a kill within 12 write 2 of g.flt"));
+}
+
+} // namespace
+} // namespace gridforge::test
