@@ -11,4 +11,11 @@ inline constexpr bool kSanitized = __has_feature(address_sanitizer);
 inline constexpr bool kSanitized = false;
 #endif
 
+// Whether each part of the program counts what it runs, and writes it to a file.
+#if defined(GRIDFORGE_COUNTS_LINES)
+inline constexpr bool kCountsLines = true;
+#else
+inline constexpr bool kCountsLines = false;
+#endif
+
 } // namespace gridforge::test
