@@ -242,7 +242,7 @@ BENCHMARK(breaklineCircle)->Args({5, 0})->Args({20, 0})->Args({20, 1})->Args({20
 void nodalArea(benchmark::State& state)
 {
     const Made& m = made();
-    GisCoordinates ring;
+    gis::Coordinates ring;
     ring.np = static_cast<std::int32_t>(state.range(0)) + 2;
     ring.reserve(ring.np);
     for (std::size_t i = 0; i < static_cast<std::size_t>(ring.np); ++i) {

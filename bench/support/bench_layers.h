@@ -1,7 +1,9 @@
 // The layers of the benchmarks: points along lines of a survey, and small polygons with two attributes.
 #pragma once
 
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
+#include "gis/layer_table.h"
+#include "gis/layer_writer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,55 +16,48 @@ inline constexpr int kRingVertices = 21;
 inline void start()
 {
     startUnits(1000);
-    gisInitialise(-1, "", "", "");
-    gisPrjLine() = "PROJCS[\"bench\"]";
-    gisCoordSysLine() = "CoordSys NonEarth Units \"m\" Bounds (0, 0) (10000000, 10000000)";
-    gisOutputAttributes().clear();
-    gisOutputAttributes().add("Name", "Char", 20);
-    gisOutputAttributes().add("Val", "Float");
+    gis::initialise();
 }
 
-inline std::int32_t openOutput(const std::string& file, const char* letters)
+inline gis::LayerWriter createOutput(const std::string& file, const char* letters)
 {
     start();
-    const std::int32_t gisID = gisOpenLayer(file, letters, "O ");
-    gisWriteHeader(gisID);
-    return gisID;
+    return gis::createLayer(
+        file, {.columns = {{"Name", "Char", 20}, {"Val", "Float"}},
+               .projection = {"CoordSys NonEarth Units \"m\" Bounds (0, 0) (10000000, 10000000)", "PROJCS[\"bench\"]"},
+               .families = letters});
 }
 
 inline void writePoints(const std::string& file, int count)
 {
-    std::int32_t gisID = openOutput(file, "P");
-    GisO gisO;
-    gisO.point = true;
+    gis::LayerWriter layer = createOutput(file, "P");
     for (int i = 0; i < count; ++i) {
-        gisOutputCoordinates().clear();
-        gisOutputCoordinates().add(293000.0 + i * 0.37, 6178000.0 + (i % 1000) * 1.13);
-        gisWriteObject(gisID, gisO);
-        gisDataLine() = "\"point\",12.5";
-        gisWriteRecord(gisID, gisO);
+        layer.write({.kind = gis::Kind::point,
+                     .x = {293000.0 + i * 0.37},
+                     .y = {6178000.0 + (i % 1000) * 1.13},
+                     .record = "\"point\",12.5"});
     }
-    gisCloseLayer(gisID);
+    layer.close();
 }
 
 inline void writePolygons(const std::string& file, int count)
 {
-    std::int32_t gisID = openOutput(file, "R");
-    GisO gisO;
-    gisO.region = true;
+    gis::LayerWriter layer = createOutput(file, "R");
+    gis::Feature region{.kind = gis::Kind::region, .record = "\"region\",12.5"};
     for (int i = 0; i < count; ++i) {
         const double x = 293000.0 + i % 300 * 30.0;
         const double y = 6178000.0 + i / 300 * 30.0;
-        gisOutputCoordinates().clear();
+        region.x.clear();
+        region.y.clear();
         for (int k = 0; k < kRingVertices - 1; ++k) {
-            gisOutputCoordinates().add(x + (k < 10 ? k : 20 - k) * 1.01, y + (k < 10 ? 0.0 : 10.0) + k * 0.013);
+            region.x.push_back(x + (k < 10 ? k : 20 - k) * 1.01);
+            region.y.push_back(y + (k < 10 ? 0.0 : 10.0) + k * 0.013);
         }
-        gisOutputCoordinates().add(x, y);
-        gisWriteObject(gisID, gisO);
-        gisDataLine() = "\"region\",12.5";
-        gisWriteRecord(gisID, gisO);
+        region.x.push_back(x);
+        region.y.push_back(y);
+        layer.write(region);
     }
-    gisCloseLayer(gisID);
+    layer.close();
 }
 
 struct LayerRead {
@@ -74,21 +69,15 @@ struct LayerRead {
 inline LayerRead readLayer(const std::string& file)
 {
     start();
-    std::int32_t gisID = gisOpenLayer(file, "", "I ");
-    gisReadHeader(gisID);
-    GisO gisO;
-    GisCoordinates c;
-    std::string line;
+    gis::LayerReader layer = gis::openLayer(file);
+    gis::Coordinates c;
     LayerRead read;
-    while (!gisLayer(gisID).layerEnd) {
-        if (gisObjectType(gisID, gisO)) {
-            gisReadRecord(gisID, gisO, line);
-            gisReadObject(gisID, gisO, c, 1000000);
-            read.sum += c.xc + static_cast<double>(line.size());
-            ++read.objects;
-        }
+    while (gis::LayerObject* object = layer.next()) {
+        layer.readCoordinates(*object, c, 1000000);
+        read.sum += c.xc + static_cast<double>(object->record.size());
+        ++read.objects;
     }
-    gisCloseLayer(gisID);
+    layer.close();
     return read;
 }
 

@@ -2,7 +2,7 @@
 
 #include "core/text.h"
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
 #include "host/console.h"
 #include "host/ends.h"
 
@@ -56,7 +56,7 @@ DmgBuilding& addBuilding(const DmgLimits& limits, std::vector<DmgBuilding>& buil
     return buildings.emplace_back();
 }
 
-void takeVertices(const GisCoordinates& read, DmgBuilding& building)
+void takeVertices(const gis::Coordinates& read, DmgBuilding& building)
 {
     const auto count = static_cast<std::ptrdiff_t>(read.np);
     building.vertices = read.np;
@@ -78,10 +78,8 @@ void takeExtent(DmgBuilding& building)
     building.ymax = *north;
 }
 
-void readPolygon(std::int32_t gisID, GisO& gisO, const DmgLimits& limits, GisCoordinates& read,
-                 std::vector<DmgBuilding>& buildings)
+void addPolygon(const gis::Coordinates& read, const DmgLimits& limits, std::vector<DmgBuilding>& buildings)
 {
-    gisReadObject(gisID, gisO, read, kMaxReadVertices);
     if (read.np > limits.vertices) {
         say("ERROR - Region objects contains too many vertices. Maximum vertices in a single region:", limits.vertices);
         fail("   This can be specified with Maximum Vertices == ", limits.vertices, " in the .dmg file.");
@@ -93,10 +91,8 @@ void readPolygon(std::int32_t gisID, GisO& gisO, const DmgLimits& limits, GisCoo
     takeExtent(building);
 }
 
-void readPoint(std::int32_t gisID, GisO& gisO, const DmgLimits& limits, GisCoordinates& read,
-               std::vector<DmgBuilding>& buildings)
+void addPoint(const gis::Coordinates& read, const DmgLimits& limits, std::vector<DmgBuilding>& buildings)
 {
-    gisReadObject(gisID, gisO, read, kPointVertices);
     DmgBuilding& building = addBuilding(limits, buildings);
     say("Building ", buildings.size(), " is a point.");
     building.type = kPointBuilding;
@@ -106,10 +102,10 @@ void readPoint(std::int32_t gisID, GisO& gisO, const DmgLimits& limits, GisCoord
 // --- Attributes ------------------------------------------------------------------------------------------------------
 
 // Curve name, identifier, floor level, multiplier. An empty value leaves blank or 0.
-void takeAttributes(const std::string& dataLine, CurveFinder& curves, DmgBuilding& building)
+void takeAttributes(const std::string& record, CurveFinder& curves, DmgBuilding& building)
 {
     std::string curveName;
-    RecordValues values(dataLine);
+    gis::RecordValues values(record);
     values.take(curveName, kPropertyWidth);
     values.take(building.Prop_ID, kPropertyWidth);
     values.take(building.FFL);
@@ -124,23 +120,24 @@ void dmg_read_buildings(const std::string& layerName, const DmgLimits& limits, s
                         std::vector<DmgBuilding>& buildings)
 {
     say("Read building data from GIS...");
-    std::int32_t gisID = gisOpenLayer(layerName, "", "I ");
-    gisReadHeader(gisID);
+    gis::LayerReader layer = gis::openLayer(layerName);
     CurveFinder finder(curves);
-    GisCoordinates read;
-    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
-        if (isRegionObject(gisO)) {
-            readPolygon(gisID, gisO, limits, read, buildings);
-        } else if (gisO.point) {
-            readPoint(gisID, gisO, limits, read, buildings);
+    gis::Coordinates read;
+    while (gis::LayerObject* object = layer.next()) {
+        if (isRegionObject(*object)) {
+            layer.readCoordinates(*object, read, kMaxReadVertices);
+            addPolygon(read, limits, buildings);
+        } else if (object->kind == gis::Kind::point) {
+            layer.readCoordinates(*object, read, kPointVertices);
+            addPoint(read, limits, buildings);
         } else {
             say("WARNING - Object is not a point or region, skipping.");
-            return;
+            continue;
         }
-        takeAttributes(dataLine, finder, buildings.back());
-    });
+        takeAttributes(object->record, finder, buildings.back());
+    }
     say(" Finished reading building data.");
-    gisCloseLayer(gisID);
+    layer.close();
 }
 
 } // namespace gridforge

@@ -3,7 +3,6 @@
 #include "core/numbers.h"
 #include "core/text.h"
 #include "damages/curves.h"
-#include "gis/layers.h"
 #include "gis/projection.h"
 #include "host/console.h"
 #include "host/control_lines.h"
@@ -85,7 +84,7 @@ void addBuildingFile(const ControlLine& line, DmgControl& control)
     }
     control.buildingFiles.push_back(line.value);
     if (count == 1) {
-        get_projection(line.value, gisCoordSysLine(), gisPrjLine());
+        get_projection(line.value, control.projection);
     } else {
         say("Projection check not yet implemented.");
     }

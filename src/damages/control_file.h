@@ -2,6 +2,7 @@
 #pragma once
 
 #include "damages/records.h"
+#include "gis/projection.h"
 
 #include <string>
 #include <vector>
@@ -16,10 +17,10 @@ struct DmgControl {
     std::vector<DmgCurve> curves;
     std::vector<DmgRes> results; // as listed
     std::int32_t method = kInspectMax;
+    gis::Projection projection; // of the first building layer
 };
 
-// The second pass. It reads the curves as it meets them and takes the projection of the first building layer for the
-// outputs. Commands that are none are passed over in silence.
+// The second pass. It reads the curves as it meets them. Unknown commands are ignored.
 DmgControl readDamagesFile(const std::string& controlFile, const DmgLimits& limits);
 
 } // namespace gridforge

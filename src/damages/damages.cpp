@@ -8,6 +8,7 @@
 #include "damages/calculation.h"
 #include "damages/control_file.h"
 #include "damages/output.h"
+#include "gis/layer_name.h"
 #include "host/console.h"
 #include "host/ends.h"
 
@@ -70,11 +71,10 @@ DamageNames damageNames(const RunSettings& settings, std::string_view firstLayer
         return {cut(base + extension, kNameWidth), cut(base + ".csv", kNameWidth)};
     }
     const std::string& out = settings.outputName;
-    const std::string extension = FILEEXT(out);
-    if (extension == ".mif" || extension == ".shp") {
+    if (gis::hasLayerExtension(out)) {
         return {out, cut(FILENAMEPATH(out) + ".csv", kNameWidth)};
     }
-    // With any other name both are the same, whatever the layer can make of it; deliberate.
+    // With any other name both are the same, whatever the layer can make of it, on purpose: its message names it.
     return {out, out};
 }
 
@@ -104,7 +104,7 @@ void runDamages(const RunSettings& settings, const InputFileList& inputs)
     const DamageNames names = damageNames(settings, control.buildingFiles.empty() ? "" : control.buildingFiles.front());
     say("Output GIS File: ", names.gis);
     say("Output CSV File: ", names.csv);
-    dmg_write_gis(names.gis, names.csv, dmg_building, dmg_res, control.curves);
+    dmg_write_gis(names, control.projection, dmg_building, dmg_res, control.curves);
 }
 
 } // namespace gridforge

@@ -1,20 +1,15 @@
 // -damages: what floods of several probabilities cost each building of a layer.
 #pragma once
 
+#include "damages/output.h"
 #include "run/inputs.h"
 #include "run/run_settings.h"
 
-#include <string>
 #include <string_view>
 
 namespace gridforge {
 
-struct DamageNames {
-    std::string gis;
-    std::string csv;
-};
-
-// The outputs: beside the first building layer, or as -out tells.
+// The outputs: beside the first building layer, or as -out says.
 DamageNames damageNames(const RunSettings& settings, std::string_view firstLayer);
 
 void runDamages(const RunSettings& settings, const InputFileList& inputs);

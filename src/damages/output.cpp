@@ -2,10 +2,12 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
-#include "gis/layers.h"
+#include "gis/layer_writer.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/units.h"
+
+#include <algorithm>
 
 namespace gridforge {
 
@@ -16,24 +18,23 @@ constexpr std::int32_t kPropertyLength = 100;
 constexpr std::int32_t kHeadingDecimals = 3;
 
 // Cleaning takes the point out, so that 0.5 % becomes Dmg_05AEP, and two probabilities of the same digits have columns
-// of one name; deliberate.
+// of one name, on purpose: users know them.
 std::string damageColumn(float probability)
 {
     return cut(CLEANATTRIBUTENAME(join("Dmg_", AREAL(probability), "AEP")), kColumnNameWidth);
 }
 
-void defineAttributes(std::span<const DmgRes> results)
+std::vector<gis::Column> columnsFor(std::span<const DmgRes> results)
 {
-    GisOutputAttributes& attributes = gisOutputAttributes();
-    attributes.clear();
-    attributes.add("Prop_Type", "Char", kPropertyLength);
-    attributes.add("Prop_ID", "Char", kPropertyLength);
-    attributes.add("FFL", "Float");
-    attributes.add("Multiplier", "Float");
+    std::vector<gis::Column> columns = {{"Prop_Type", "Char", kPropertyLength},
+                                        {"Prop_ID", "Char", kPropertyLength},
+                                        {"FFL", "Float"},
+                                        {"Multiplier", "Float"}};
     for (const DmgRes& result : results) {
-        attributes.add(damageColumn(result.AEP), "Float");
+        columns.push_back({damageColumn(result.AEP), "Float"});
     }
-    attributes.add("AAD", "Float");
+    columns.push_back({"AAD", "Float"});
+    return columns;
 }
 
 std::string heading(std::span<const DmgRes> results)
@@ -57,54 +58,47 @@ std::string recordLine(const DmgBuilding& building, const DmgCurve& curve)
     return cut(line, kLineWidth);
 }
 
-void setCoordinates(const DmgBuilding& building)
+gis::Kind kindOf(const DmgBuilding& building)
 {
-    GisOutputCoordinates& coordinates = gisOutputCoordinates();
-    coordinates.clear();
-    // A polygon gives up the slot behind its closing vertex.
-    const std::int32_t count = building.type == kPointBuilding ? 1 : building.vertices - 1;
-    for (std::int32_t i = 0; i < count; ++i) {
-        const auto vertex = static_cast<std::size_t>(i);
-        coordinates.add(building.x[vertex], building.y[vertex]);
+    switch (building.type) {
+    case kPointBuilding: return gis::Kind::point;
+    case kPolygonBuilding: return gis::Kind::region;
+    default: fail("ERROR - Should not be here: dmg_write_gis[a]");
     }
 }
 
-void setKind(const DmgBuilding& building, bool value, GisO& gisO)
+// The building as an object, without its record. A polygon gives up the slot behind its closing vertex.
+void takeShape(const DmgBuilding& building, gis::Feature& feature)
 {
-    if (building.type == kPointBuilding) {
-        gisO.point = value;
-    } else if (building.type == kPolygonBuilding) {
-        gisO.region = value;
-    } else {
-        fail("ERROR - Should not be here: dmg_write_gis[a]");
-    }
+    feature.kind = kindOf(building);
+    const auto count = feature.kind == gis::Kind::point
+                           ? std::ptrdiff_t{1}
+                           : std::max(std::ptrdiff_t{building.vertices} - 1, std::ptrdiff_t{0});
+    feature.x.assign(building.x.begin(), building.x.begin() + count);
+    feature.y.assign(building.y.begin(), building.y.begin() + count);
 }
 
 } // namespace
 
-void dmg_write_gis(const std::string& gisName, const std::string& csvName, std::span<const DmgBuilding> buildings,
+void dmg_write_gis(const DamageNames& names, const gis::Projection& projection, std::span<const DmgBuilding> buildings,
                    std::span<const DmgRes> results, std::span<const DmgCurve> curves)
 {
     say("Writing building damages data to GIS...");
-    defineAttributes(results);
-    std::int32_t gisID = gisOpenLayer(gisName, "PR", "O ");
-    gisWriteHeader(gisID);
-    GisO gisO;
+    gis::LayerWriter layer =
+        gis::createLayer(names.gis, {.columns = columnsFor(results), .projection = projection, .families = "PR"});
     Unit csvUnit = 0;
-    OPENER(csvUnit, "O ", csvName);
+    OPENER(csvUnit, "O ", names.csv);
     writeLine(csvUnit, heading(results));
 
+    gis::Feature feature;
     for (const DmgBuilding& building : buildings) {
-        setKind(building, true, gisO);
-        setCoordinates(building);
-        gisWriteObject(gisID, gisO);
-        gisDataLine() = recordLine(building, curves[static_cast<std::size_t>(building.curve - 1)]);
-        writeLine(csvUnit, gisDataLine());
-        gisWriteRecord(gisID, gisO); // goes where the kind tells
-        setKind(building, false, gisO);
+        takeShape(building, feature);
+        feature.record = recordLine(building, curves[static_cast<std::size_t>(building.curve - 1)]);
+        layer.write(feature);
+        writeLine(csvUnit, feature.record);
     }
     say(" Finished write building damages data.");
-    gisCloseLayer(gisID);
+    layer.close();
     CLOSER(csvUnit);
 }
 

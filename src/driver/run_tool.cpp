@@ -5,7 +5,7 @@
 #include "driver/scan.h"
 #include "driver/usage.h"
 #include "driver/validate.h"
-#include "gis/layers.h"
+#include "gis/layer_table.h"
 #include "host/ends.h"
 #include "host/units.h"
 
@@ -21,9 +21,8 @@ constexpr std::int32_t kUnitBase = 1000;
 // The tables that live as long as the process.
 void startTables()
 {
-    constexpr std::int32_t kNoLog = -1;
     startUnits(kUnitBase);
-    gisInitialise(kNoLog, kToolName, "", "");
+    gis::initialise();
 }
 
 } // namespace

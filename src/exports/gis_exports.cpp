@@ -1,7 +1,9 @@
-// The access to layers under its plain names.
+// The access to layers under its plain names: each names a layer by its ID and is one step of reading it.
+#include "core/text.h"
 #include "exports/boundary.h"
-#include "gis/layers.h"
-#include "gis/records.h"
+#include "gis/gis_messages.h"
+#include "gis/layer_reader.h"
+#include "gis/layer_table.h"
 
 #include <algorithm>
 #include <array>
@@ -10,61 +12,88 @@
 #include <gridforge/gridforge.h>
 #include <span>
 #include <string>
+#include <string_view>
 
+namespace gis = gridforge::gis;
+
+using gis::Kind;
 using gridforge::answer;
 using gridforge::content;
-using gridforge::GisCoordinates;
-using gridforge::GisO;
 using gridforge::put;
 
-static_assert(GRIDFORGE_MAX_PARTS == gridforge::kMaxParts);
-static_assert(sizeof(gisO::name) == gridforge::kObjectNameWidth);
-static_assert(sizeof(gisAttribute::type) == gridforge::kAttributeTypeWidth);
+static_assert(GRIDFORGE_MAX_PARTS == gis::kMaxParts);
+static_assert(sizeof(gisAttribute::type) == gis::kColumnTypeWidth);
 
 namespace {
 
-struct Kind {
-    bool GisO::*inside;
+// The open layer of an ID, or the end of the run with the routine's name.
+gis::OpenLayer& layerOf(std::int32_t gisID, std::string_view routine)
+{
+    if (gisID < 1 || gisID > gis::kMaxLayers) {
+        gis::gisMisuse(gridforge::join(routine, "[gisID=0]"));
+    }
+    gis::OpenLayer* const layer = gis::inputLayer(gisID);
+    if (layer == nullptr) {
+        gis::gisMisuse(gridforge::join("[", routine, "]"));
+    }
+    return *layer;
+}
+
+struct KindFlag {
+    Kind inside;
     std::int32_t gisO::*outside;
 };
-constexpr std::array<Kind, 14> kKinds = {{{&GisO::none, &gisO::none},
-                                          {&GisO::point, &gisO::point},
-                                          {&GisO::line, &gisO::line},
-                                          {&GisO::pline, &gisO::pline},
-                                          {&GisO::plineMultiple, &gisO::plineMultiple},
-                                          {&GisO::region, &gisO::region},
-                                          {&GisO::ellipse, &gisO::ellipse},
-                                          {&GisO::rect, &gisO::rect},
-                                          {&GisO::roundRect, &gisO::roundRect},
-                                          {&GisO::arc, &gisO::arc},
-                                          {&GisO::center, &gisO::center},
-                                          {&GisO::text, &gisO::text},
-                                          {&GisO::multipoint, &gisO::multipoint},
-                                          {&GisO::haveCoordinates, &gisO::haveCoordinates}}};
+constexpr std::array<KindFlag, 12> kKindFlags = {{{Kind::none, &gisO::none},
+                                                  {Kind::text, &gisO::text},
+                                                  {Kind::ellipse, &gisO::ellipse},
+                                                  {Kind::arc, &gisO::arc},
+                                                  {Kind::point, &gisO::point},
+                                                  {Kind::multipoint, &gisO::multipoint},
+                                                  {Kind::line, &gisO::line},
+                                                  {Kind::rectangle, &gisO::rect},
+                                                  {Kind::roundedRectangle, &gisO::roundRect},
+                                                  {Kind::polyline, &gisO::pline},
+                                                  {Kind::combinedPolyline, &gisO::plineMultiple},
+                                                  {Kind::region, &gisO::region}}};
 
-GisO taken(const gisO& object)
+Kind kindOf(const gisO& object)
 {
-    GisO result;
-    for (const Kind& kind : kKinds) {
-        result.*kind.inside = object.*kind.outside != 0;
-    }
-    result.nSections = object.nSections;
-    result.nr = object.nr;
-    result.ir.assign(std::begin(object.ir), std::end(object.ir));
+    const auto* const found =
+        std::ranges::find_if(kKindFlags, [&](const KindFlag& flag) { return object.*flag.outside != 0; });
+    return found == kKindFlags.end() ? Kind::unknown : found->inside;
+}
+
+gis::LayerObject taken(const gisO& object)
+{
+    gis::LayerObject result;
+    result.kind = kindOf(object);
+    result.centre = object.center != 0;
+    result.haveCoordinates = object.haveCoordinates != 0;
+    result.sections = object.nSections;
+    result.rings = object.nr;
+    result.parts.assign(std::begin(object.ir), std::end(object.ir));
     result.name = content(object.name, sizeof object.name);
     return result;
 }
 
 // No object has more parts than the record holds: readers refuse those.
-void put(const GisO& object, gisO& result)
+void put(const gis::LayerObject& object, gisO& result)
 {
-    for (const Kind& kind : kKinds) {
-        result.*kind.outside = static_cast<std::int32_t>(object.*kind.inside);
+    for (const KindFlag& flag : kKindFlags) {
+        result.*flag.outside = static_cast<std::int32_t>(object.kind == flag.inside);
     }
-    result.nSections = object.nSections;
-    result.nr = object.nr;
-    std::copy_n(object.ir.begin(), std::min(object.ir.size(), std::size(result.ir)), std::begin(result.ir));
+    result.center = static_cast<std::int32_t>(object.centre);
+    result.haveCoordinates = static_cast<std::int32_t>(object.haveCoordinates);
+    result.nSections = object.sections;
+    result.nr = object.rings;
+    std::copy_n(object.parts.begin(), std::min(object.parts.size(), std::size(result.ir)), std::begin(result.ir));
     gridforge::put(object.name, result.name, sizeof result.name);
+}
+
+bool holdsEither(std::string_view text, std::string_view first, std::string_view second, std::string_view name)
+{
+    return gridforge::FLAGEXISTS(text, gridforge::join(first, name)) ||
+           gridforge::FLAGEXISTS(text, gridforge::join(second, name));
 }
 
 } // namespace
@@ -73,33 +102,35 @@ extern "C" {
 
 void gisReadHeader(std::int32_t gisID)
 {
-    answer([&] { gridforge::gisReadHeader(gisID); });
+    answer([&] { gis::readHeader(layerOf(gisID, "gisReadHeader")); });
 }
 
 std::int32_t gisNumberAttributes(std::int32_t gisID)
 {
-    return answer([&] { return gridforge::gisNumberAttributes(gisID); });
+    return answer([&] { return gis::columnCount(layerOf(gisID, "gisNumberAttributes")); });
 }
 
 std::int32_t gisNumberRecords(std::int32_t gisID)
 {
-    return answer([&] { return gridforge::gisNumberRecords(gisID); });
+    return answer([&] { return gis::recordCount(layerOf(gisID, "gisNumberRecords")); });
 }
 
 void gisGotoBeginningOfData(std::int32_t gisID)
 {
-    answer([&] { gridforge::gisGotoBeginningOfData(gisID); });
+    answer([&] { gis::rewind(layerOf(gisID, "gisGotoBeginningOfData")); });
 }
 
 std::int32_t gisGotoBeginningOfAttributes(std::int32_t gisID, std::int32_t* count)
 {
-    return answer([&] { return static_cast<std::int32_t>(gridforge::gisGotoBeginningOfAttributes(gisID, *count)); });
+    return answer([&] {
+        return static_cast<std::int32_t>(gis::goToColumns(layerOf(gisID, "gisGotoBeginningOfAttributes"), *count));
+    });
 }
 
 void gisReadAttributeDefinition(std::int32_t gisID, gisAttribute* definition)
 {
     answer([&] {
-        const gridforge::GisOutputAttribute read = gridforge::gisReadAttributeDefinition(gisID);
+        const gis::Column read = gis::readColumn(layerOf(gisID, "gisReadAttributeDefinition"));
         put(read.name, definition->name, sizeof definition->name);
         put(read.type, definition->type, sizeof definition->type);
     });
@@ -108,8 +139,8 @@ void gisReadAttributeDefinition(std::int32_t gisID, gisAttribute* definition)
 std::int32_t gisObjectType(std::int32_t gisID, gisO* object)
 {
     return answer([&] {
-        GisO read = taken(*object);
-        const bool found = gridforge::gisObjectType(gisID, read);
+        gis::LayerObject read = taken(*object);
+        const bool found = gis::readKind(layerOf(gisID, "gisObjectType"), read);
         put(read, *object);
         return static_cast<std::int32_t>(found);
     });
@@ -119,7 +150,8 @@ void gisReadRecord(std::int32_t gisID, const gisO* object, char* line, std::size
 {
     answer([&] {
         std::string record;
-        gridforge::gisReadRecord(gisID, taken(*object), record, lineLength);
+        gis::readRecord(layerOf(gisID, "gisReadRecord"), content(object->name, sizeof object->name), record,
+                        lineLength);
         put(record, line, lineLength);
     });
 }
@@ -130,14 +162,14 @@ void gisReadObject(std::int32_t gisID, gisO* object, double* x, double* y, std::
     answer([&] {
         constexpr std::int32_t kUntouched = -1;
         constexpr std::int32_t kLeast = 2;
-        GisO read = taken(*object);
-        GisCoordinates c;
+        gis::LayerObject read = taken(*object);
+        gis::Coordinates c;
         c.np = kUntouched;
         std::copy_n(x, kLeast, c.x.begin());
         std::copy_n(y, kLeast, c.y.begin());
         c.xc = *xc;
         c.yc = *yc;
-        gridforge::gisReadObject(gisID, read, c, maxVertices, readCoordinates != 0);
+        gis::readCoordinates(layerOf(gisID, "gisReadObject"), read, c, maxVertices, readCoordinates != 0);
 
         put(read, *object);
         const auto slots = static_cast<std::size_t>(std::clamp(c.np, kLeast, std::max(maxVertices, kLeast)));
@@ -156,21 +188,24 @@ void gisReadObject(std::int32_t gisID, gisO* object, double* x, double* y, std::
 std::int32_t READGIS(const char* text, std::size_t textLength, const char* name, std::size_t nameLength)
 {
     return answer([&] {
-        return static_cast<std::int32_t>(gridforge::READGIS(content(text, textLength), content(name, nameLength)));
+        return static_cast<std::int32_t>(
+            holdsEither(content(text, textLength), "Read MI ", "Read GIS ", content(name, nameLength)));
     });
 }
 
 std::int32_t WRITEGIS(const char* text, std::size_t textLength, const char* name, std::size_t nameLength)
 {
     return answer([&] {
-        return static_cast<std::int32_t>(gridforge::WRITEGIS(content(text, textLength), content(name, nameLength)));
+        return static_cast<std::int32_t>(
+            holdsEither(content(text, textLength), "Write MI ", "Write GIS ", content(name, nameLength)));
     });
 }
 
 std::int32_t READROWCOL(const char* text, std::size_t textLength, const char* name, std::size_t nameLength)
 {
     return answer([&] {
-        return static_cast<std::int32_t>(gridforge::READROWCOL(content(text, textLength), content(name, nameLength)));
+        return static_cast<std::int32_t>(
+            holdsEither(content(text, textLength), "Read MID ", "Read RowCol ", content(name, nameLength)));
     });
 }
 }

@@ -4,17 +4,7 @@
 #include "core/text.h"
 #include "host/console.h"
 
-namespace gridforge {
-
-namespace {
-
-Unit& logUnit()
-{
-    static Unit unit = -1;
-    return unit;
-}
-
-} // namespace
+namespace gridforge::gis {
 
 std::array<std::string, 4>& gisMessages()
 {
@@ -22,29 +12,16 @@ std::array<std::string, 4>& gisMessages()
     return lines;
 }
 
-void gisSetLog(Unit unit)
-{
-    logUnit() = unit;
-}
-
-void gisSay(std::string_view line)
-{
-    say(line);
-    if (logUnit() > 0) {
-        writeLine(logUnit(), line);
-    }
-}
-
 void gisReportMessage(std::int32_t blankLines)
 {
     for (std::int32_t i = 0; i < blankLines; ++i) {
-        gisSay("");
+        say("");
     }
     const auto& lines = gisMessages();
-    gisSay(lines[0]);
+    say(lines[0]);
     for (std::size_t i = 1; i < lines.size(); ++i) {
         if (!lines[i].empty()) {
-            gisSay(lines[i]);
+            say(lines[i]);
         }
     }
 }
@@ -54,4 +31,4 @@ void gisMisuse(std::string_view place)
     gisFail(join("Should not be here ", place, " - please contact ", kSupportContact, "."));
 }
 
-} // namespace gridforge
+} // namespace gridforge::gis

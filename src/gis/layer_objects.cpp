@@ -2,34 +2,34 @@
 
 #include "host/ends.h"
 
-namespace gridforge {
+namespace gridforge::gis {
 
-bool isLineObject(const GisO& gisO)
+bool isLineObject(const LayerObject& object)
 {
-    if (gisO.plineMultiple) {
+    if (object.kind == Kind::combinedPolyline) {
         fail("ERROR - Combined polylines not yet supported.  Please disaggregate.");
     }
-    return gisO.line || gisO.pline;
+    return object.kind == Kind::line || object.kind == Kind::polyline;
 }
 
-bool isRegionObject(const GisO& gisO)
+bool isRegionObject(const LayerObject& object)
 {
-    if (gisO.region && gisO.nr > 1) {
+    if (object.kind == Kind::region && object.rings > 1) {
         fail("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.");
     }
-    return gisO.region;
+    return object.kind == Kind::region;
 }
 
-void failDataLine(std::string_view dataLine)
+void failRecord(std::string_view record)
 {
-    fail("ERROR - Extracting attribute data for GIS object.  Data: ", dataLine);
+    fail("ERROR - Extracting attribute data for GIS object.  Data: ", record);
 }
 
 void RecordValues::require(FreeValue got) const
 {
     if (got == FreeValue::failure || got == FreeValue::end) {
-        failDataLine(dataLine_);
+        failRecord(record_);
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::gis

@@ -1,51 +1,35 @@
-// The read loop over the objects of a layer, as operations run it.
+// What operations ask of the objects that they read.
 #pragma once
 
 #include "core/numbers.h"
-#include "gis/layers.h"
+#include "gis/layer_object.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
-namespace gridforge {
-
-// Calls `work` with the object and its data line for each object of an open layer. Coordinates are left to `work`.
-template <typename Work>
-void forEachObject(std::int32_t gisID, Work&& work)
-{
-    GisO gisO;
-    std::string dataLine;
-    while (!gisLayer(gisID).layerEnd) {
-        if (!gisObjectType(gisID, gisO)) {
-            continue;
-        }
-        gisReadRecord(gisID, gisO, dataLine);
-        work(gisO, dataLine);
-    }
-}
+namespace gridforge::gis {
 
 // True for a line or polyline; a polyline of several parts ends the run.
-bool isLineObject(const GisO& gisO);
+bool isLineObject(const LayerObject& object);
 
 // True for a region; one of several rings ends the run.
-bool isRegionObject(const GisO& gisO);
+bool isRegionObject(const LayerObject& object);
 
-// Ends the run over a data line that cannot be read.
-[[noreturn]] void failDataLine(std::string_view dataLine);
+// Ends the run over a record that cannot be read.
+[[noreturn]] void failRecord(std::string_view record);
 
-// The values of a data line. A comma at its end holds an empty value: a .dbf with a blank last number gives such lines.
-inline FreeForm recordForm(std::string_view dataLine)
+// The values of a record. A comma at its end holds an empty value: a .dbf with a blank last number gives such lines.
+inline FreeForm recordForm(std::string_view record)
 {
-    return FreeForm(dataLine, LastComma::holdsEmpty);
+    return FreeForm(record, LastComma::holdsEmpty);
 }
 
-// Takes the values of a data line one after another. An empty one leaves its target; one that is not there or cannot be
-// read ends the run. The line must stay.
+// Takes the values of a record one after another. An empty one leaves its target; one that is not there or cannot be
+// read ends the run. The record must stay.
 class RecordValues {
 public:
-    explicit RecordValues(std::string_view dataLine) : dataLine_(dataLine), values_(recordForm(dataLine)) {}
+    explicit RecordValues(std::string_view record) : record_(record), values_(recordForm(record)) {}
 
     void take(float& target) { require(values_.next(target)); }
     void take(std::string& target, std::size_t width) { require(values_.nextText(target, width)); }
@@ -53,8 +37,8 @@ public:
 private:
     void require(FreeValue got) const;
 
-    std::string_view dataLine_;
+    std::string_view record_;
     FreeForm values_;
 };
 
-} // namespace gridforge
+} // namespace gridforge::gis

@@ -1,19 +1,27 @@
-// What the routines of the layer table share among themselves.
+// The table from the IDs that the console shows, 1 to 100, to the open layers of a run.
 #pragma once
 
-#include "gis/layers.h"
-
 #include <cstdint>
-#include <string_view>
+#include <memory>
+#include <string>
 
-namespace gridforge {
+namespace gridforge::gis {
 
-inline constexpr std::int32_t kLayerBareTable = -1; // a .csv, until it is opened
-inline constexpr std::string_view kTabExtension = ".tab";
+struct OpenLayer;
 
-// The slot, or the end of the run with the routine's name for 0 and other handles that are none.
-Layer& requireLayer(std::int32_t gisID, std::string_view routine);
-// The lowest gisID that is free, 0 when there is none.
-std::int32_t findFreeSlot();
+inline constexpr std::int32_t kMaxLayers = 100;
 
-} // namespace gridforge
+// Empties the table, the list of input layers and the lines of messages; once, at the start of a run.
+void initialise();
+
+// The lowest unused ID, 0 if all are in use. It stays unused until it is taken.
+std::int32_t findFreeId();
+// Takes the ID for an output layer, which its writer holds, or for an input layer, which the table holds.
+void takeId(std::int32_t id);
+OpenLayer& takeId(std::int32_t id, std::unique_ptr<OpenLayer> layer);
+void releaseId(std::int32_t id);
+
+// The open input layer of the ID, or null.
+OpenLayer* inputLayer(std::int32_t id);
+
+} // namespace gridforge::gis

@@ -1,13 +1,25 @@
-// The projection texts that a run takes from the first layer it reads.
+// The projection that a run takes from the first layer it reads, for the layers that it writes.
 #pragma once
+
+#include "host/units.h"
 
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::gis {
 
-// Takes the PROJCS line of the .prj beside a .shp into `shpProjection`, or the CoordSys line of a .mif into
-// `mifProjection`; the other stays. A layer without its line ends the run.
-void get_projection(std::string_view gisFile, std::string& mifProjection, std::string& shpProjection);
+struct Projection {
+    std::string mif = {}; // the CoordSys line of a .mif
+    std::string shp = {}; // the line of a .prj
+};
 
-} // namespace gridforge
+// Takes the PROJCS line of the .prj beside a .shp, or the CoordSys line of a .mif; the other stays. A layer without its
+// line ends the run.
+void get_projection(std::string_view gisFile, Projection& projection);
+
+// For the families: opens the file on `unit`, which stays open, and takes its first line that holds `word`, which the
+// console shows after `label`. False if no line holds it.
+bool findProjectionLine(const std::string& fileName, std::string_view word, std::string_view label,
+                        std::string& projection, Unit& unit);
+
+} // namespace gridforge::gis

@@ -3,7 +3,7 @@
 #include "core/numbers.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
 #include "gis/plane_ends.h"
 #include "host/console.h"
 #include "host/ends.h"
@@ -32,12 +32,12 @@ float valueOf(const std::string& dataLine)
     return value;
 }
 
-bool prepare(const GisO& gisO, const GisCoordinates& read, PreparedRegion& region)
+bool prepare(const gis::LayerObject& object, const gis::Coordinates& read, PreparedRegion& region)
 {
     const std::span<const double> x(read.x.data(), static_cast<std::size_t>(read.np));
     const std::span<const double> y(read.y.data(), static_cast<std::size_t>(read.np));
     const double xmin = x.empty() ? 0.0 : *std::ranges::min_element(x);
-    return prepareRegion(x, y, read.np, xmin, gisO.ir, gisO.nr, region);
+    return prepareRegion(x, y, read.np, xmin, object.parts, object.rings, region);
 }
 
 // The places of the lines that start in the region; a line without vertices starts at 0, 0.
@@ -73,24 +73,20 @@ void addLoss(float value, const std::vector<std::size_t>& starting, NbcLines& li
 void nbc_read_flc(const std::string& fileName, NbcLines& lines)
 {
     say("Opening FLC file ", fileName);
-    std::int32_t gisID = gisOpenLayer(fileName, "", "I ");
-    gisReadHeader(gisID);
+    gis::LayerReader layer = gis::openLayer(fileName);
     say("Loading FLC polygons from from ", fileName);
     say("Searching for region objects...");
-    GisCoordinates read;
+    gis::Coordinates read;
     PreparedRegion region;
     std::int32_t regions = 0;
-    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
-        if (!gisO.region) {
-            return;
+    while (gis::LayerObject* object = layer.next()) {
+        if (!isRegionObject(*object)) {
+            continue;
         }
-        if (gisO.nr > 1) {
-            fail("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.");
-        }
-        gisReadObject(gisID, gisO, read, kMaxReadVertices);
+        layer.readCoordinates(*object, read, kMaxReadVertices);
         say("Region ", ++regions, " with ", read.np, " nodes...");
-        const float value = valueOf(dataLine);
-        if (!prepare(gisO, read, region) && !lines.empty()) {
+        const float value = valueOf(object->record);
+        if (!prepare(*object, read, region) && !lines.empty()) {
             failRings("inside_polygon", 2);
         }
         const std::vector<std::size_t> starting = linesFrom(region, lines);
@@ -99,8 +95,8 @@ void nbc_read_flc(const std::string& fileName, NbcLines& lines)
             say("  XY of first polygon vertex is: ", AREAL8(read.x[0]), ", ", AREAL8(read.y[0]));
         }
         addLoss(value, starting, lines);
-    });
-    gisCloseLayer(gisID);
+    }
+    layer.close();
 }
 
 } // namespace gridforge

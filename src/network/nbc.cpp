@@ -2,7 +2,7 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
-#include "gis/layers.h"
+#include "gis/layer_name.h"
 #include "gis/projection.h"
 #include "host/console.h"
 #include "host/control_lines.h"
@@ -35,6 +35,7 @@ struct Build {
     NbcConnectors connectors;
     std::vector<std::string> flcFiles;
     std::int32_t gisInputs = 0;
+    gis::Projection projection; // of the first layer, for the outputs
 
     bool materials = false;
     bool bendiness = false;
@@ -66,11 +67,10 @@ float readReal(const ControlLine& line)
 
 // --- Commands that read layers ---------------------------------------------------------------------------------------
 
-// The outputs take the projection of the first layer.
 void countGisInput(const std::string& layerName, Build& build)
 {
     if (++build.gisInputs == 1) {
-        get_projection(layerName, gisCoordSysLine(), gisPrjLine());
+        get_projection(layerName, build.projection);
     } else {
         say("Projection check not yet implemented.");
     }
@@ -209,12 +209,13 @@ void readControlFile(const std::string& name, Build& build)
 void writeSections(const std::string& controlFile, Build& build)
 {
     nbc_match_sections(build.branches, build.sections);
-    nbc_write_xs(build.sections, build.materials, build.writeXs, !build.outputXs.empty(), build.outputXs);
+    nbc_write_xs(build.sections, build.projection, build.materials, build.writeXs, build.outputXs);
     if (build.writeXs) {
         nbc_write_csv(build.sections, build.materials);
     }
     if (build.writeCheck) {
-        nbc_write_check(build.sections, build.materials, cut(controlFile + "_check.mif", kNameWidth));
+        nbc_write_check(build.sections, build.projection, build.materials,
+                        cut(join(controlFile, "_check", gis::kMifExtension), kNameWidth));
     }
 }
 
@@ -231,7 +232,7 @@ void writeNetwork(Build& build)
         }
     }
     if (build.writeNwk) {
-        nbc_write_nwk(lines, build.branches, build.bendiness, !build.outputNwk.empty(), build.outputNwk);
+        nbc_write_nwk(lines, build.branches, build.projection, build.bendiness, build.outputNwk);
     }
 }
 

@@ -4,7 +4,7 @@
 #include "core/numbers.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "plane/geometry.h"
@@ -24,19 +24,12 @@ constexpr float kLeastRoughness = 0.0001F;
 constexpr std::size_t kFlagTextWidth = 12;
 constexpr std::size_t kMethodWidth = 20;
 
-std::int32_t openLayer(const std::string& name)
-{
-    const std::int32_t gisID = gisOpenLayer(name, "", "I ");
-    gisReadHeader(gisID);
-    return gisID;
-}
-
 // --- Attribute lines -------------------------------------------------------------------------------------------------
 
 // The values of a line in their order. An empty one leaves its target; the first that cannot be read spoils the rest.
 class AttributeLine {
 public:
-    explicit AttributeLine(std::string_view line) : values_(recordForm(line)) {}
+    explicit AttributeLine(std::string_view line) : values_(gis::recordForm(line)) {}
 
     AttributeLine& text(std::string& target, std::size_t width)
     {
@@ -78,7 +71,7 @@ BranchAttributes parseBranch(const std::string& dataLine, bool withType)
         line.text(read.type, kTypeWidth);
     }
     if (!line.isGood()) {
-        failDataLine(dataLine);
+        gis::failRecord(dataLine);
     }
     if (trim(read.type).empty()) {
         read.type = "S";
@@ -121,14 +114,14 @@ bool parseTabLine(const std::string& dataLine, NbcSection& section)
 
 // --- Vertices --------------------------------------------------------------------------------------------------------
 
-void copyVertices(const GisCoordinates& read, std::vector<double>& x, std::vector<double>& y)
+void copyVertices(const gis::Coordinates& read, std::vector<double>& x, std::vector<double>& y)
 {
     const auto count = static_cast<std::ptrdiff_t>(std::max(read.np, 0));
     x.assign(read.x.begin(), read.x.begin() + count);
     y.assign(read.y.begin(), read.y.begin() + count);
 }
 
-void requirePolyline(const GisCoordinates& read)
+void requirePolyline(const gis::Coordinates& read)
 {
     if (read.np > kMaxPolylineVertices) {
         fail("ERROR - Number of vertices in polyline exceeds maximum: ", kMaxPolylineVertices);
@@ -137,7 +130,7 @@ void requirePolyline(const GisCoordinates& read)
 
 // --- Branches --------------------------------------------------------------------------------------------------------
 
-void addConnector(const GisCoordinates& read, std::int32_t layer, NbcConnectors& connectors)
+void addConnector(const gis::Coordinates& read, std::int32_t layer, NbcConnectors& connectors)
 {
     if (connectors.size() == static_cast<std::size_t>(kMaxConnectors)) {
         fail("ERROR - More than the allowed number of x connectors.  Maximmum: ", kMaxConnectors);
@@ -151,7 +144,7 @@ void addConnector(const GisCoordinates& read, std::int32_t layer, NbcConnectors&
     say("Polyline ", connectors.size(), " is an \"x\" connector.");
 }
 
-void addBranch(const BranchAttributes& attributes, const GisCoordinates& read, NbcBranches& branches)
+void addBranch(const BranchAttributes& attributes, const gis::Coordinates& read, NbcBranches& branches)
 {
     if (branches.all.size() == static_cast<std::size_t>(kMaxBranches)) {
         fail("ERROR - More than the allowed number of branches.  Maximmum branches: ", kMaxBranches);
@@ -223,29 +216,29 @@ NbcBranches createBranches()
 void nbc_read_branches(const std::string& layerName, NbcBranches& branches, NbcConnectors& connectors)
 {
     branches.layerNames.push_back(layerName);
-    const auto layer = static_cast<std::int32_t>(branches.layerNames.size());
+    const auto number = static_cast<std::int32_t>(branches.layerNames.size());
     say("Getting Branches from ", layerName);
-    std::int32_t gisID = openLayer(layerName);
-    const bool withType = gisNumberAttributes(gisID) > kPlainBranchAttributes;
+    gis::LayerReader layer = gis::openLayer(layerName);
+    const bool withType = layer.columnCount() > kPlainBranchAttributes;
     if (withType) {
         say("More than four attributes - assuming 5th attribute is channel type.");
         say("  This cahouls be a character attribute with a maximum of 4 characters.");
     }
     say("Searching for Lines and Polylines...");
-    GisCoordinates read;
-    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
-        if (!isLineObject(gisO)) {
-            return;
+    gis::Coordinates read;
+    while (gis::LayerObject* object = layer.next()) {
+        if (!isLineObject(*object)) {
+            continue;
         }
-        gisReadObject(gisID, gisO, read, kMaxReadVertices);
-        const BranchAttributes attributes = parseBranch(dataLine, withType);
+        layer.readCoordinates(*object, read, kMaxReadVertices);
+        const BranchAttributes attributes = parseBranch(object->record, withType);
         if (ASAME(attributes.name, "x")) {
-            addConnector(read, layer, connectors);
+            addConnector(read, number, connectors);
         } else {
             addBranch(attributes, read, branches);
         }
-    });
-    gisCloseLayer(gisID);
+    }
+    layer.close();
     measure(branches);
 }
 
@@ -254,8 +247,8 @@ void nbc_read_sections(const std::string& layerName, NbcSections& sections)
     sections.layerNames.push_back(layerName);
     sections.csvFolders.push_back(FILEFOLDERPATH(layerName));
     say("Opening cross-section file ", layerName);
-    std::int32_t gisID = openLayer(layerName);
-    const bool isTab = gisNumberAttributes(gisID) >= kTabAttributes;
+    gis::LayerReader layer = gis::openLayer(layerName);
+    const bool isTab = layer.columnCount() >= kTabAttributes;
     if (isTab) {
         say("Found 12 or more attributes, expecting GIS layer to be in 1d_tab format.");
     } else {
@@ -263,27 +256,27 @@ void nbc_read_sections(const std::string& layerName, NbcSections& sections)
     }
     say("Loading cross-sections from ", layerName);
     say("Searching for Lines and Polylines...");
-    GisCoordinates read;
-    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
-        if (!isLineObject(gisO)) {
-            return;
+    gis::Coordinates read;
+    while (gis::LayerObject* object = layer.next()) {
+        if (!isLineObject(*object)) {
+            continue;
         }
-        gisReadObject(gisID, gisO, read, kMaxReadVertices);
+        layer.readCoordinates(*object, read, kMaxReadVertices);
         if (sections.all.size() == static_cast<std::size_t>(kMaxSections)) {
             fail("ERROR - More than the allowed number of sections of: ", kMaxSections);
         }
         NbcSection& section = sections.all.emplace_back();
-        if (!(isTab ? parseTabLine(dataLine, section) : parseCutLine(dataLine, section))) {
+        if (!(isTab ? parseTabLine(object->record, section) : parseCutLine(object->record, section))) {
             say("ERROR - Reading following line in 1d_xs file:");
-            fail(dataLine);
+            fail(object->record);
         }
         requirePolyline(read);
         copyVertices(read, section.x, section.y);
         section.extent = extentOf(section.x, section.y);
         section.layer = static_cast<std::int32_t>(sections.layerNames.size());
-    });
+    }
     say("Found ", sections.all.size(), " cross-sections.");
-    gisCloseLayer(gisID);
+    layer.close();
 }
 
 } // namespace gridforge

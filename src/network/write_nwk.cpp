@@ -1,7 +1,7 @@
 #include "network/write_nwk.h"
 
 #include "core/text.h"
-#include "gis/layers.h"
+#include "gis/layer_writer.h"
 #include "host/console.h"
 #include "network/layer_names.h"
 #include "network/layer_output.h"
@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 namespace gridforge {
 
@@ -17,35 +18,32 @@ namespace {
 constexpr std::string_view kChannelPen = "   Pen (2,59,255)";
 constexpr std::string_view kConnectorPen = "   Pen (2,3,16711680) ";
 
-void defineAttributes(bool bendiness)
+std::vector<gis::Column> columnsOf(bool bendiness)
 {
-    GisOutputAttributes& attributes = gisOutputAttributes();
-    attributes.clear();
-    attributes.add("ID", "Char", kLineIdWidth);
-    attributes.add("Type", "Char", kTypeWidth);
-    attributes.add("Ignore", "Char", 1);
-    attributes.add("UCS", "Char", 1);
-    attributes.add("Len_or_ANA", "Float");
-    attributes.add("n_or_n_F", "Float");
-    attributes.add("US_Invert", "Float");
-    attributes.add("DS_Invert", "Float");
-    attributes.add("Form_Loss", "Float");
-    attributes.add("pBlockage", "Float");
-    attributes.add("Inlet_Type", "Char", kLineIdWidth);
-    attributes.add("Conn_1D_2D", "Char", kTypeWidth);
-    attributes.add("Conn_No", "Integer");
-    attributes.add("Width_or_Dia", "Float");
-    attributes.add("Height_or_WF", "Float");
-    attributes.add("Number_of", "Integer");
-    attributes.add("Height_Cont", "Float");
-    attributes.add("Width_Cont", "Float");
-    attributes.add("Entry_Loss", "Float");
-    attributes.add("Exit_Loss", "Float");
+    std::vector<gis::Column> columns = {{"ID", "Char", kLineIdWidth},
+                                        {"Type", "Char", kTypeWidth},
+                                        {"Ignore", "Char", 1},
+                                        {"UCS", "Char", 1},
+                                        {"Len_or_ANA", "Float"},
+                                        {"n_or_n_F", "Float"},
+                                        {"US_Invert", "Float"},
+                                        {"DS_Invert", "Float"},
+                                        {"Form_Loss", "Float"},
+                                        {"pBlockage", "Float"},
+                                        {"Inlet_Type", "Char", kLineIdWidth},
+                                        {"Conn_1D_2D", "Char", kTypeWidth},
+                                        {"Conn_No", "Integer"},
+                                        {"Width_or_Dia", "Float"},
+                                        {"Height_or_WF", "Float"},
+                                        {"Number_of", "Integer"},
+                                        {"Height_Cont", "Float"},
+                                        {"Width_Cont", "Float"},
+                                        {"Entry_Loss", "Float"},
+                                        {"Exit_Loss", "Float"}};
     if (bendiness) {
-        attributes.add("Actual_Len", "Float");
-        attributes.add("Min_Len", "Float");
-        attributes.add("Sinuosity_Index", "Float");
+        columns.insert(columns.end(), {{"Actual_Len", "Float"}, {"Min_Len", "Float"}, {"Sinuosity_Index", "Float"}});
     }
+    return columns;
 }
 
 std::string number(float value)
@@ -58,7 +56,7 @@ std::string letter(char value)
     return quotedValue(trim({&value, 1}));
 }
 
-// A closed line is divided by 0, unguarded; deliberate, its index shows as Infinity.
+// A closed line is divided by 0, on purpose: its index shows as Infinity.
 std::string bendinessOf(const NbcLine& line)
 {
     float actual = 0;
@@ -83,44 +81,49 @@ std::string recordOf(const NbcLine& line, bool bendiness)
 }
 
 // Types other than S and X keep the pen of the line before them.
-void setPen(std::int32_t gisID, const NbcLine& line)
+void takePen(const NbcLine& line, gis::Style& style)
 {
     if (line.type == "S") {
-        gisLayer(gisID).mifLayer.style1 = kChannelPen;
+        style.first = kChannelPen;
     } else if (line.type == "X") {
-        gisLayer(gisID).mifLayer.style1 = kConnectorPen;
+        style.first = kConnectorPen;
     }
 }
 
 // The lines that `belongs` picks.
 template <typename Belongs>
-void writeLayer(const NbcLines& lines, const std::string& name, bool bendiness, Belongs belongs)
+void writeLayer(const NbcLines& lines, const std::string& name, const gis::Projection& projection, bool bendiness,
+                Belongs belongs)
 {
-    defineAttributes(bendiness);
-    std::int32_t gisID = openOutputLayer(name, "L");
+    gis::LayerWriter layer =
+        gis::createLayer(name, {.columns = columnsOf(bendiness), .projection = projection, .families = "L"});
+    gis::Feature feature{.kind = gis::Kind::polyline};
     for (const NbcLine& line : lines) {
         if (belongs(line)) {
-            setPen(gisID, line);
-            writePolylineObject(gisID, line.x, line.y, recordOf(line, bendiness));
+            feature.x = line.x;
+            feature.y = line.y;
+            feature.record = recordOf(line, bendiness);
+            takePen(line, feature.style);
+            layer.write(feature);
         }
     }
-    gisCloseLayer(gisID);
+    layer.close();
 }
 
 } // namespace
 
-void nbc_write_nwk_single(const NbcLines& lines, const std::string& name)
+void nbc_write_nwk_single(const NbcLines& lines, const std::string& name, const gis::Projection& projection)
 {
     say("Writing 1d_nwk file.");
-    writeLayer(lines, name, false, [](const NbcLine&) { return true; });
+    writeLayer(lines, name, projection, false, [](const NbcLine&) { return true; });
     say("Finished writing 1d_nwk file.");
 }
 
-void nbc_write_nwk(NbcLines& lines, const NbcBranches& branches, bool bendiness, bool outputGiven,
+void nbc_write_nwk(NbcLines& lines, const NbcBranches& branches, const gis::Projection& projection, bool bendiness,
                    const std::string& outputName)
 {
     auto layers = static_cast<std::int32_t>(branches.layerNames.size());
-    if (outputGiven) {
+    if (!outputName.empty()) {
         say("Using user-specfied output file: ", outputName);
         for (NbcLine& line : lines) {
             line.layer = 1;
@@ -130,8 +133,8 @@ void nbc_write_nwk(NbcLines& lines, const NbcBranches& branches, bool bendiness,
     say("Writing ", layers, " 1d_nwk files.");
     for (std::int32_t k = 1; k <= layers; ++k) {
         const std::string name =
-            outputGiven ? outputName : nwkLayerName(branches.layerNames[static_cast<std::size_t>(k - 1)]);
-        writeLayer(lines, name, bendiness, [k](const NbcLine& line) { return line.layer == k; });
+            outputName.empty() ? nwkLayerName(branches.layerNames[static_cast<std::size_t>(k - 1)]) : outputName;
+        writeLayer(lines, name, projection, bendiness, [k](const NbcLine& line) { return line.layer == k; });
     }
     say("Finished writing 1d_nwk file.");
 }

@@ -3,7 +3,7 @@
 #include "core/names.h"
 #include "core/numbers.h"
 #include "core/text.h"
-#include "gis/layers.h"
+#include "gis/layer_writer.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/units.h"
@@ -13,7 +13,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace gridforge {
@@ -58,19 +60,16 @@ void reportNoSource(std::size_t place, std::string_view label)
 
 // --- The layer -------------------------------------------------------------------------------------------------------
 
-void defineAttributes()
+gis::LayerSpec sectionSpec(const gis::Projection& projection)
 {
-    GisOutputAttributes& attributes = gisOutputAttributes();
-    attributes.clear();
-    attributes.add("Source", "Char", kSourceWidth);
-    attributes.add("Type", "Char", kSectionTypeWidth);
-    attributes.add("Flags", "Char", kSectionFlagsWidth);
+    gis::LayerSpec spec{.projection = projection, .families = "L"};
+    spec.columns = {
+        {"Source", "Char", kSourceWidth}, {"Type", "Char", kSectionTypeWidth}, {"Flags", "Char", kSectionFlagsWidth}};
     for (int i = 1; i <= 6; ++i) {
-        attributes.add(join("Column_", i), "Char", kColumnWidth);
+        spec.columns.push_back({join("Column_", i), "Char", kColumnWidth});
     }
-    attributes.add("Z_Increment", "Float");
-    attributes.add("Z_Maximum", "Float");
-    attributes.add("Skew", "Float");
+    spec.columns.insert(spec.columns.end(), {{"Z_Increment", "Float"}, {"Z_Maximum", "Float"}, {"Skew", "Float"}});
+    return spec;
 }
 
 std::string recordOf(const NbcSection& section)
@@ -86,25 +85,26 @@ std::string recordOf(const NbcSection& section)
 }
 
 // A section that crosses a branch has the crossing among its vertices.
-void writeSection(std::int32_t gisID, const NbcSection& section)
+gis::Feature featureOf(const NbcSection& section)
 {
-    std::vector<double> x = section.x;
-    std::vector<double> y = section.y;
+    gis::Feature feature{.kind = gis::Kind::polyline, .x = section.x, .y = section.y, .record = recordOf(section)};
     if (section.intersected) {
         const auto before = static_cast<std::ptrdiff_t>(section.sectionVertex - 1);
-        x.insert(x.begin() + before, section.meetingX);
-        y.insert(y.begin() + before, section.meetingY);
+        feature.x.insert(feature.x.begin() + before, section.meetingX);
+        feature.y.insert(feature.y.begin() + before, section.meetingY);
     }
-    writePolylineObject(gisID, x, y, recordOf(section));
+    return feature;
 }
 
 // The extracted sections that `belongs` picks, to a layer or, without a name, to none. Sections without a name for their
 // table are all told before they end the run.
 template <typename Belongs>
-void writeLayer(NbcSections& sections, const std::string* name, Belongs belongs)
+void writeLayer(NbcSections& sections, const std::string* name, const gis::Projection& projection, Belongs belongs)
 {
-    defineAttributes();
-    std::int32_t gisID = name != nullptr ? openOutputLayer(*name, "L") : 0;
+    std::optional<gis::LayerWriter> layer;
+    if (name != nullptr) {
+        layer = gis::createLayer(*name, sectionSpec(projection));
+    }
     bool errors = false;
     for (std::size_t i = 0; i < sections.all.size(); ++i) {
         NbcSection& section = sections.all[i];
@@ -114,15 +114,15 @@ void writeLayer(NbcSections& sections, const std::string* name, Belongs belongs)
         if (!settleSource(section)) {
             reportNoSource(i, "    Cross-section number  = ");
             errors = true;
-        } else if (gisID > 0) {
-            writeSection(gisID, section);
+        } else if (layer) {
+            layer->write(featureOf(section));
         }
     }
     if (errors) {
         fail("ERRORs found - See above for further information.");
     }
-    if (gisID > 0) {
-        gisCloseLayer(gisID);
+    if (layer) {
+        layer->close();
     }
 }
 
@@ -141,11 +141,10 @@ std::string valueAt(const std::vector<float>& values, std::size_t i)
 
 } // namespace
 
-void nbc_write_xs_single(NbcSections& sections, const std::string& name)
+void nbc_write_xs_single(NbcSections& sections, const std::string& name, const gis::Projection& projection)
 {
     say("Writing 1d_xs file.");
-    defineAttributes();
-    std::int32_t gisID = openOutputLayer(name, "L");
+    gis::LayerWriter layer = gis::createLayer(name, sectionSpec(projection));
     for (std::size_t i = 0; i < sections.all.size(); ++i) {
         NbcSection& section = sections.all[i];
         if (!section.extract) {
@@ -155,13 +154,13 @@ void nbc_write_xs_single(NbcSections& sections, const std::string& name)
             reportNoSource(i, "Cross-section number  = ");
             EXITS();
         }
-        writeSection(gisID, section);
+        layer.write(featureOf(section));
     }
-    gisCloseLayer(gisID);
+    layer.close();
     say("Finished writing 1d_xs file.");
 }
 
-void nbc_write_xs(NbcSections& sections, bool materials, bool writeFlag, bool outputGiven,
+void nbc_write_xs(NbcSections& sections, const gis::Projection& projection, bool materials, bool writeFlag,
                   const std::string& outputName)
 {
     if (materials) {
@@ -169,18 +168,18 @@ void nbc_write_xs(NbcSections& sections, bool materials, bool writeFlag, bool ou
             section.flags = "M";
         }
     }
-    if (outputGiven) {
+    if (!outputName.empty()) {
         say("Using user-specified output file: ", outputName);
         for (std::string& folder : sections.csvFolders) {
             folder = FILEFOLDERPATH(outputName);
         }
-        writeLayer(sections, writeFlag ? &outputName : nullptr, [](const NbcSection&) { return true; });
+        writeLayer(sections, writeFlag ? &outputName : nullptr, projection, [](const NbcSection&) { return true; });
     } else {
         say("Writing ", sections.layerNames.size(), ", 1d_xs files.");
         for (std::size_t k = 0; k < sections.layerNames.size(); ++k) {
             const std::string name = xsLayerName(sections.layerNames[k]);
             const auto layer = static_cast<std::int32_t>(k + 1);
-            writeLayer(sections, writeFlag ? &name : nullptr,
+            writeLayer(sections, writeFlag ? &name : nullptr, projection,
                        [layer](const NbcSection& section) { return section.layer == layer; });
         }
     }
@@ -221,27 +220,29 @@ void nbc_write_csv(const NbcSections& sections, bool materials)
     }
 }
 
-void nbc_write_check(const NbcSections& sections, bool materials, const std::string& name)
+void nbc_write_check(const NbcSections& sections, const gis::Projection& projection, bool materials,
+                     const std::string& name)
 {
     say("Writing GIS check file.");
-    GisOutputAttributes& attributes = gisOutputAttributes();
-    attributes.clear();
-    attributes.add("Source", "Char", kSourceWidth);
-    attributes.add("Z", "Float");
+    std::vector<gis::Column> columns = {{"Source", "Char", kSourceWidth}, {"Z", "Float"}};
     if (materials) {
-        attributes.add("Mat", "Integer");
+        columns.push_back({"Mat", "Integer"});
     }
-    std::int32_t gisID = openOutputLayer(name, "P");
+    gis::LayerWriter layer = gis::createLayer(name, {.columns = columns, .projection = projection, .families = "P"});
+    gis::Feature point{.kind = gis::Kind::point};
     for (const NbcSection& section : sections.all) {
         for (std::size_t i = 0; i < section.pointX.size(); ++i) {
             std::string record = join(quotedValue(section.source), ",", valueAt(section.pointZ, i));
             if (materials) {
                 record += join(",", materialText(section.pointMaterial[i], MaterialNumber::rounded));
             }
-            writePointObject(gisID, section.pointX[i], section.pointY[i], record);
+            point.x = {section.pointX[i]};
+            point.y = {section.pointY[i]};
+            point.record = std::move(record);
+            layer.write(point);
         }
     }
-    gisCloseLayer(gisID);
+    layer.close();
     say("Finished writing check file.");
 }
 

@@ -1,6 +1,7 @@
 // The sections as 1d_xs layers, with a CSV file for each, and the check layer of their points.
 #pragma once
 
+#include "gis/projection.h"
 #include "network/records.h"
 
 #include <string>
@@ -9,11 +10,11 @@ namespace gridforge {
 
 // The extracted sections to one layer, each with the name of its CSV file. A section without a name gets one from the
 // branch that it meets; one that meets none ends the run.
-void nbc_write_xs_single(NbcSections& sections, const std::string& name);
+void nbc_write_xs_single(NbcSections& sections, const std::string& name, const gis::Projection& projection);
 
-// The same, those of each section layer to a layer named after it or all to the one of `outputName`. Without `writeFlag`
-// only the names of the CSV files are settled. Keeps the folder of each layer's CSV files.
-void nbc_write_xs(NbcSections& sections, bool materials, bool writeFlag, bool outputGiven,
+// The same, those of each section layer to a layer named after it, or all to the one of `outputName` where that is not
+// blank. Without `writeFlag` only the names of the CSV files are settled. Keeps the folder of each layer's CSV files.
+void nbc_write_xs(NbcSections& sections, const gis::Projection& projection, bool materials, bool writeFlag,
                   const std::string& outputName);
 
 enum class MaterialNumber { rounded, truncated };
@@ -25,6 +26,7 @@ void writeSectionTable(const std::string& name, const NbcSection& section, bool 
 void nbc_write_csv(const NbcSections& sections, bool materials);
 
 // The points of all sections with their values.
-void nbc_write_check(const NbcSections& sections, bool materials, const std::string& name);
+void nbc_write_check(const NbcSections& sections, const gis::Projection& projection, bool materials,
+                     const std::string& name);
 
 } // namespace gridforge

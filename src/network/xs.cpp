@@ -1,7 +1,7 @@
 #include "network/xs.h"
 
 #include "core/names.h"
-#include "gis/layers.h"
+#include "gis/layer_name.h"
 #include "gis/projection.h"
 #include "grid/header.h"
 #include "host/console.h"
@@ -24,14 +24,14 @@ namespace gridforge {
 
 namespace {
 
-void buildNetwork(const std::string& branchLayer, NbcSections& sections)
+void buildNetwork(const std::string& branchLayer, const gis::Projection& projection, NbcSections& sections)
 {
     NbcBranches branches = createBranches();
     NbcConnectors connectors;
     nbc_read_branches(branchLayer, branches, connectors);
     nbc_match_sections(branches, sections);
     const NbcLines lines = createLines(branches, connectors);
-    nbc_write_nwk_single(lines, nwkLayerName(branchLayer));
+    nbc_write_nwk_single(lines, nwkLayerName(branchLayer), projection);
 }
 
 void describeSections(bool materials, NbcSections& sections)
@@ -68,10 +68,10 @@ void sampleGrid(const std::string& name, std::string_view purpose, PointValue ta
 
 void checkMaterialsFile(const std::string& name)
 {
-    const std::string extension = FILEEXT(name);
-    if (extension == ".mif") {
+    if (gis::hasMifExtension(name)) {
         fail("ERROR - Vector materials not yet supported...");
     }
+    const std::string extension = FILEEXT(name);
     if (extension != ".flt" && extension != ".asc") {
         say("WARNING - Unable to determine extension of file: ", name);
         say("   Assuming .asc grid.");
@@ -84,14 +84,15 @@ void runXs(const RunSettings& settings, const InputFileList& inputs)
 {
     const bool materials = !settings.materialGrids.empty();
     say("Processing -xs option... ");
-    get_projection(settings.xsLayer, gisCoordSysLine(), gisPrjLine());
+    gis::Projection projection;
+    get_projection(settings.xsLayer, projection);
     NbcSections sections = createSections();
     nbc_read_sections(settings.xsLayer, sections);
     if (!settings.branchLayer.empty()) {
-        buildNetwork(settings.branchLayer, sections);
+        buildNetwork(settings.branchLayer, projection, sections);
     }
     describeSections(materials, sections);
-    nbc_write_xs_single(sections, xsLayerName(settings.xsLayer));
+    nbc_write_xs_single(sections, xsLayerName(settings.xsLayer), projection);
 
     placePoints(settings, inputs[1], sections);
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {

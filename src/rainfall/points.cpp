@@ -1,7 +1,7 @@
 #include "rainfall/points.h"
 
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
 #include "host/console.h"
 #include "host/ends.h"
 
@@ -22,16 +22,15 @@ void mendFactor(std::string_view warning, const std::string& name, float& factor
     }
 }
 
-void readPoint(std::int32_t gisID, GisO& gisO, const std::string& dataLine, GisCoordinates& read, RfPoints& points)
+void addPoint(const gis::Coordinates& read, const std::string& record, RfPoints& points)
 {
-    gisReadObject(gisID, gisO, read, kMaxPointVertices);
     if (points.count() >= points.maxLocations) {
         failTooManyLocations(points.maxLocations);
     }
     RfPoint point;
     point.x = read.xc;
     point.y = read.yc;
-    point.record = parseRfRecord(dataLine);
+    point.record = parseRfRecord(record);
     mendFactors(point.record);
     points.records.push_back(std::move(point));
 }
@@ -41,7 +40,7 @@ void readPoint(std::int32_t gisID, GisO& gisO, const std::string& dataLine, GisC
 RfRecord parseRfRecord(std::string_view dataLine)
 {
     RfRecord record;
-    RecordValues values(dataLine);
+    gis::RecordValues values(dataLine);
     values.take(record.name, kRfNameWidth);
     values.take(record.f1);
     values.take(record.f2);
@@ -57,18 +56,18 @@ void mendFactors(RfRecord& record)
 void rf_read_points(const std::string& layerName, RfPoints& points)
 {
     say("Read rainfall points data from GIS file: ", layerName);
-    std::int32_t gisID = gisOpenLayer(layerName, "", "I ");
-    gisReadHeader(gisID);
-    GisCoordinates read;
-    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
-        if (gisO.point) {
-            readPoint(gisID, gisO, dataLine, read, points);
+    gis::LayerReader layer = gis::openLayer(layerName);
+    gis::Coordinates read;
+    while (gis::LayerObject* object = layer.next()) {
+        if (object->kind == gis::Kind::point) {
+            layer.readCoordinates(*object, read, kMaxPointVertices);
+            addPoint(read, object->record, points);
         } else {
             say("WARNING - Object is not a point and is being skipped.");
         }
-    });
+    }
     say(" Finished reading rainfall points.");
-    gisCloseLayer(gisID);
+    layer.close();
 }
 
 void rf_match_points(const RfHyetographs& hyetographs, RfPoints& points)

@@ -36,7 +36,7 @@ RfRecord parseRfRecord(std::string_view dataLine);
 // A factor below 0.001 becomes 1, with a warning.
 void mendFactors(RfRecord& record);
 
-// Appends the points of a layer; other objects are passed over with a warning. Points past the maximum end the run.
+// Appends the points of a layer; other objects are skipped with a warning. Points past the maximum end the run.
 void rf_read_points(const std::string& layerName, RfPoints& points);
 
 // Gives each point the number of its hyetograph; a name that no hyetograph has ends the run.

@@ -2,7 +2,6 @@
 
 #include "core/numbers.h"
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
 #include "grid/writer.h"
 #include "host/console.h"
 #include "host/ends.h"
@@ -180,7 +179,7 @@ void rf_set_polygons(const std::string& controlFile, const RfPoints& points, con
         if (!FLAGEXISTS(line.command, "Read GIS RF Polygon")) {
             return;
         }
-        forEachRing(line.value, [&](const GisCoordinates& read, const std::string& dataLine) {
+        forEachRing(line.value, [&](const gis::Coordinates& read, const std::string& dataLine) {
             const auto count = static_cast<std::size_t>(read.np);
             const RfRegion region = rfRegion(std::span(read.x).first(count), std::span(read.y).first(count));
             const RfRecord record = recordOfRegion(dataLine, region, grid.xll, points);

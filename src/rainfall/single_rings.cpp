@@ -1,7 +1,6 @@
 #include "rainfall/single_rings.h"
 
-#include "gis/layer_objects.h"
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
 #include "host/console.h"
 #include "host/ends.h"
 
@@ -14,24 +13,23 @@ constexpr std::int32_t kMaxRegionVertices = 1000000;
 } // namespace
 
 void forEachRing(const std::string& layerName,
-                 const std::function<void(const GisCoordinates& read, const std::string& dataLine)>& work)
+                 const std::function<void(const gis::Coordinates& read, const std::string& record)>& work)
 {
-    std::int32_t gisID = gisOpenLayer(layerName, "", "I ");
-    gisReadHeader(gisID);
-    GisCoordinates read;
-    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
-        if (!gisO.region) {
+    gis::LayerReader layer = gis::openLayer(layerName);
+    gis::Coordinates read;
+    while (gis::LayerObject* object = layer.next()) {
+        if (object->kind != gis::Kind::region) {
             say("WARNING - Object is not a polygon and is being skipped.");
-            return;
+            continue;
         }
-        if (gisO.nr > 1) {
+        if (object->rings > 1) {
             fail("ERROR - Multiple region objects not yet supported for rainfall polygons.  Please disaggregate / "
                  "remove holes.");
         }
-        gisReadObject(gisID, gisO, read, kMaxRegionVertices);
-        work(read, dataLine);
-    });
-    gisCloseLayer(gisID);
+        layer.readCoordinates(*object, read, kMaxRegionVertices);
+        work(read, object->record);
+    }
+    layer.close();
 }
 
 } // namespace gridforge

@@ -241,7 +241,7 @@ std::int32_t snappedPoint(double x, double y, const RfPoints& points, std::span<
     return static_cast<std::int32_t>(nearest - distances.begin()) + 1;
 }
 
-RfTriangle triangleFrom(const GisCoordinates& read, const RfPoints& points, std::span<float> distances)
+RfTriangle triangleFrom(const gis::Coordinates& read, const RfPoints& points, std::span<float> distances)
 {
     RfTriangle triangle{};
     for (std::size_t v = 0; v < triangle.size(); ++v) {
@@ -278,7 +278,7 @@ std::vector<RfTriangle> rf_read_triangles(const std::string& controlFile, const 
         if (!FLAGEXISTS(line.command, "Read GIS RF Triangle")) {
             return;
         }
-        forEachRing(line.value, [&](const GisCoordinates& read, const std::string&) {
+        forEachRing(line.value, [&](const gis::Coordinates& read, const std::string&) {
             if (read.np != kTriangleVertices) {
                 fail("ERROR - Polygon object is not a triangle.");
             }

@@ -4,13 +4,15 @@
 #include "core/names.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "gis/layer_name.h"
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
+#include "gis/layer_writer.h"
 #include "host/console.h"
 #include "sampling/ground_level.h"
 #include "sampling/line_vertices.h"
 #include "sampling/sampled_layer.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -37,11 +39,11 @@ struct Breakline {
     LineVertices line;
 };
 
-Breakline parseBreakline(const std::string& dataLine)
+Breakline parseBreakline(const std::string& record)
 {
     Breakline breakline;
     float unusedZ = 0;
-    RecordValues values(dataLine);
+    gis::RecordValues values(record);
     values.take(unusedZ);
     values.take(breakline.spacing);
     values.take(breakline.width);
@@ -81,53 +83,31 @@ std::string circleRecord(const GroundLevel& level, const std::string& options)
 // --- Outputs ---------------------------------------------------------------------------------------------------------
 
 struct Outputs {
-    std::int32_t result = 0;
-    std::int32_t check = 0; // 0 without -check
+    gis::LayerWriter result;
+    std::optional<gis::LayerWriter> check;
 };
 
-// The layer's name with folder and without extension. The lines of a Shapefile layer may bear the tail of our own names.
-std::string layerStem(const std::string& layer)
+gis::LayerSpec resultSpec(const gis::Projection& projection)
 {
-    std::string stem = FILENAMEPATH(layer);
-    if (FILEEXT(layer) == ".shp" && stem.ends_with("_L")) {
-        stem.resize(stem.size() - std::string_view("_L").size());
-    }
-    return stem;
+    return {.columns = {{"Z", "Float"}, {"dZ", "Float"}, {"Width", "Float"}, {"Options", "Char", kOptionsWidth}},
+            .projection = projection,
+            .families = "PL"};
 }
 
-std::int32_t openResultLayer(const std::string& name)
+gis::LayerSpec checkSpec(const gis::Projection& projection)
 {
-    GisOutputAttributes& attributes = gisOutputAttributes();
-    attributes.clear();
-    attributes.add("Z", "Float");
-    attributes.add("dZ", "Float");
-    attributes.add("Width", "Float");
-    attributes.add("Options", "Char", kOptionsWidth);
-    const std::int32_t gisID = gisOpenLayer(name, "PL", "O ");
-    gisWriteHeader(gisID);
-    return gisID;
+    return {.columns = {{"Z", "Float"}, {"Count", "Integer"}, {"Options", "Char", kOptionsWidth}},
+            .projection = projection,
+            .families = "PLR"};
 }
 
-std::int32_t openCheckLayer(const std::string& name)
+Outputs openOutputs(const RunSettings& settings, const gis::Projection& projection)
 {
-    GisOutputAttributes& attributes = gisOutputAttributes();
-    attributes.clear();
-    attributes.add("Z", "Float");
-    attributes.add("Count", "Integer");
-    attributes.add("Options", "Char", kOptionsWidth);
-    const std::int32_t gisID = gisOpenLayer(name, "PLR", "O ");
-    gisWriteHeader(gisID);
-    return gisID;
-}
-
-Outputs openOutputs(const RunSettings& settings)
-{
-    const std::string stem = layerStem(settings.brklineLayer);
+    const std::string stem = gis::layerStem(settings.brklineLayer, "L"); // lines, as we write them
     const std::string extension = FILEEXT(settings.brklineLayer);
-    Outputs outputs;
-    outputs.result = openResultLayer(join(stem, "_brkline", extension));
+    Outputs outputs{gis::createLayer(join(stem, "_brkline", extension), resultSpec(projection)), {}};
     if (settings.check) {
-        outputs.check = openCheckLayer(join(stem, "_check", extension));
+        outputs.check = gis::createLayer(join(stem, "_check", extension), checkSpec(projection));
     }
     return outputs;
 }
@@ -136,8 +116,8 @@ Outputs openOutputs(const RunSettings& settings)
 
 class LevelSampler {
 public:
-    LevelSampler(const Terrain& terrain, std::int32_t checkID)
-        : header_(terrain.header), cells_(terrain.cells), checkID_(checkID)
+    LevelSampler(const Terrain& terrain, std::optional<gis::LayerWriter>& check)
+        : header_(terrain.header), cells_(terrain.cells), check_(check)
     {
     }
 
@@ -164,9 +144,10 @@ private:
         }
         const AcrossLine across = acrossLine(header_, line.x[i], line.y[i], perpendicularAngle(lineAngle(line, i)));
         const std::int32_t samples = samplesToSide(header_, breakline.width, kBothSides);
-        if (checkID_ > 0) {
-            writeSearchLine(checkID_, across, -samples, samples,
-                            checkRecord(kNoGround, kSearchLineCount, breakline.options));
+        if (check_) {
+            gis::Feature searched = searchLine(across, -samples, samples);
+            searched.record = checkRecord(kNoGround, kSearchLineCount, breakline.options);
+            check_->write(searched);
         }
         const GroundLevel level = levelAcross(across, header_, cells_, {-samples, samples}, breakline.rule);
         writeFoundCell(level, breakline);
@@ -181,26 +162,32 @@ private:
         const CellWindow window = searchWindow(header_, x, y, breakline.width);
         const GroundLevel level = levelInCircle(polygon, window, header_, cells_, breakline.rule, walk_);
         writeFoundCell(level, breakline);
-        if (checkID_ > 0) {
-            writeRegion(checkID_, polygon, circleRecord(level, breakline.options));
+        if (check_) {
+            check_->write({.kind = gis::Kind::region,
+                           .x = {polygon.x.begin(), polygon.x.end() - 1}, // without the slot behind the closing vertex
+                           .y = {polygon.y.begin(), polygon.y.end() - 1},
+                           .record = circleRecord(level, breakline.options)});
         }
         return level;
     }
 
-    void writeFoundCell(const GroundLevel& level, const Breakline& breakline) const
+    void writeFoundCell(const GroundLevel& level, const Breakline& breakline)
     {
-        if (checkID_ > 0 && breakline.rule != LevelRule::mean && level.count > 0) {
-            writePoint(checkID_, level.x, level.y, checkRecord(level.value, kFoundCellCount, breakline.options));
+        if (check_ && breakline.rule != LevelRule::mean && level.count > 0) {
+            check_->write({.kind = gis::Kind::point,
+                           .x = {level.x},
+                           .y = {level.y},
+                           .record = checkRecord(level.value, kFoundCellCount, breakline.options)});
         }
     }
 
     const GridHeader& header_;
     const Grid& cells_;
-    std::int32_t checkID_;
+    std::optional<gis::LayerWriter>& check_;
     InsideWalk walk_;
 };
 
-void writeBreakline(const Breakline& breakline, float null, LevelSampler& sampler, std::int32_t resultID)
+void writeBreakline(const Breakline& breakline, float null, LevelSampler& sampler, gis::LayerWriter& result)
 {
     say("Extracting elevations ...");
     for (std::size_t i = 0; i < breakline.line.count(); ++i) {
@@ -209,12 +196,17 @@ void writeBreakline(const Breakline& breakline, float null, LevelSampler& sample
             say("WARNING - Vertex is outside of DEM, value of 99999 assigned.");
         }
         if (level.value != null) {
-            writePoint(resultID, breakline.line.x[i], breakline.line.y[i],
-                       resultRecord(level.value, 0, breakline.options));
+            result.write({.kind = gis::Kind::point,
+                          .x = {breakline.line.x[i]},
+                          .y = {breakline.line.y[i]},
+                          .record = resultRecord(level.value, 0, breakline.options)});
         }
     }
     // 99999 on the line tells the model that the elevations come from the points along it.
-    writePolyline(resultID, breakline.line, resultRecord(kNoGround, breakline.width, breakline.options));
+    result.write({.kind = gis::Kind::polyline,
+                  .x = breakline.line.x,
+                  .y = breakline.line.y,
+                  .record = resultRecord(kNoGround, breakline.width, breakline.options)});
 }
 
 } // namespace
@@ -225,32 +217,32 @@ void runBreaklines(const RunSettings& settings, const InputFileList& inputs)
 {
     say("Processing -brkline option... ");
     requireOneGrid(inputs);
-    std::int32_t inputID = openSampledLayer(settings.brklineLayer);
-    Outputs outputs = openOutputs(settings);
+    SampledLayer input = openSampledLayer(settings.brklineLayer);
+    Outputs outputs = openOutputs(settings, input.projection);
     say("Extracting elevations along breakline file: ", settings.brklineLayer);
     const Terrain terrain = readTerrain(inputs[1]);
 
     say("Searching for Lines and Polylines...");
     LevelSampler sampler(terrain, outputs.check);
-    GisCoordinates read;
+    gis::Coordinates read;
     std::int32_t lines = 0;
-    forEachObject(inputID, [&](GisO& gisO, const std::string& dataLine) {
-        if (!isLineObject(gisO)) {
-            return;
+    while (gis::LayerObject* object = input.layer.next()) {
+        if (!isLineObject(*object)) {
+            continue;
         }
-        gisReadObject(inputID, gisO, read, kMaxSampledVertices);
-        Breakline breakline = parseBreakline(dataLine);
+        input.layer.readCoordinates(*object, read, kMaxSampledVertices);
+        Breakline breakline = parseBreakline(object->record);
         say("Polyline ", ++lines, " with ", read.np, " nodes...");
         say("Inserting vertices along line.");
         // What is written as one object is refused before it is worked on.
-        breakline.line = insertVertices(read, breakline.spacing, kMaxWriteVertices);
+        breakline.line = insertVertices(read, breakline.spacing, gis::kMaxWriteVertices);
         say("   Done.");
         writeBreakline(breakline, terrain.header.null, sampler, outputs.result);
-    });
-    gisCloseLayer(inputID);
-    gisCloseLayer(outputs.result);
-    if (outputs.check > 0) {
-        gisCloseLayer(outputs.check);
+    }
+    input.layer.close();
+    outputs.result.close();
+    if (outputs.check) {
+        outputs.check->close();
     }
 }
 

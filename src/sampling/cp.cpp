@@ -5,7 +5,7 @@
 #include "core/numbers.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
+#include "gis/layer_writer.h"
 #include "grid/grid.h"
 #include "host/console.h"
 #include "host/ends.h"
@@ -17,6 +17,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace gridforge {
@@ -26,7 +27,7 @@ namespace {
 // A modelled value that comes with the layer counts up to this; above it the grid is searched.
 constexpr float kModelledLimit = 99998.0F;
 constexpr float kNotMeasured = -1.0F; // the distance of such a value
-constexpr std::int32_t kLabelledAttributes = 2;
+constexpr std::int32_t kLabelledColumns = 2;
 constexpr std::int32_t kPointVertices = 2;
 constexpr std::int32_t kTypeNameWidth = 20;
 constexpr int kRealWidth = 9;
@@ -34,76 +35,30 @@ constexpr int kRealDecimals = 3;
 
 // --- Attributes ------------------------------------------------------------------------------------------------------
 
-// The number in the brackets of a type such as Char(20); 0 where there is none.
-std::int32_t bracketedWidth(std::string_view type)
-{
-    const std::size_t open = type.find('(');
-    std::int32_t width = 0;
-    if (open == std::string_view::npos || !readFree(type.substr(open + 1, type.find(')', open) - open - 1), width)) {
-        return 0;
-    }
-    return width;
-}
-
-GisOutputAttribute mifAttribute(const MifLayer& mif, std::size_t i)
-{
-    const std::string& type = mif.attributeType[i];
-    if (FLAGEXISTS(type, "Float")) {
-        return {mif.attributeName[i], "Float", 0};
-    }
-    return {mif.attributeName[i], std::string(trim(type.substr(0, type.find('(')))), bracketedWidth(type)};
-}
-
-GisOutputAttribute dbfAttribute(const DbfTable& dbf, std::size_t i)
-{
-    if (dbf.fieldType[i] == 'N' || dbf.fieldType[i] == 'F') {
-        return {dbf.fieldName[i], "Float", 0};
-    }
-    return {dbf.fieldName[i], "Char", dbf.fieldLength[i]};
-}
-
-// Attribute i of a layer, from 0, as an output layer takes it; blank where there are fewer.
-GisOutputAttribute inputAttribute(std::int32_t gisID, std::int32_t i)
-{
-    if (i >= gisNumberAttributes(gisID)) {
-        return {};
-    }
-    const Layer& layer = gisLayer(gisID);
-    const auto place = static_cast<std::size_t>(i);
-    return layer.layerFormat == kLayerMif ? mifAttribute(layer.mifLayer, place)
-                                          : dbfAttribute(layer.dbfTable[0], place);
-}
-
 // The columns of the result layer; a layer whose first column is no float ends the run.
-void defineResultAttributes(std::int32_t inputID, bool withExtremes)
+std::vector<gis::Column> resultColumns(std::vector<gis::Column> input, bool withExtremes)
 {
-    if (gisNumberAttributes(inputID) <= 0) {
+    if (input.empty()) {
         fail("ERROR - Unable to detect any existing attributes.");
     }
-    const GisOutputAttribute observed = inputAttribute(inputID, 0);
+    const gis::Column& observed = input.front();
     if (observed.type != "Float") {
         say("ERROR - 1st GIS attribute is not a float type.");
         fail("   Attribute 1 type: ", observed.type);
     }
-    const GisOutputAttribute label = inputAttribute(inputID, 1);
-    GisOutputAttributes& attributes = gisOutputAttributes();
-    attributes.clear();
-    attributes.add(observed.name, observed.type, observed.length);
-    attributes.add(label.name, label.type, label.length);
-    attributes.add("Modelled", "Float");
-    attributes.add("Difference", "Float");
-    attributes.add("Distance", "Float");
+    std::vector<gis::Column> columns = std::move(input);
+    columns.resize(kLabelledColumns); // a layer of one column has a label without a name
+    columns.insert(columns.end(), {{"Modelled", "Float"}, {"Difference", "Float"}, {"Distance", "Float"}});
     if (withExtremes) {
-        attributes.add("CP_min", "Float");
-        attributes.add("CP_max", "Float");
+        columns.insert(columns.end(), {{"CP_min", "Float"}, {"CP_max", "Float"}});
     }
+    return columns;
 }
 
-void defineConnectionAttributes()
+const std::vector<gis::Column>& connectionColumns()
 {
-    gisOutputAttributes().clear();
-    gisOutputAttributes().add("distance", "Float");
-    gisOutputAttributes().add("cp_type", "Char", kTypeNameWidth);
+    static const std::vector<gis::Column> columns = {{"distance", "Float"}, {"cp_type", "Char", kTypeNameWidth}};
+    return columns;
 }
 
 // --- Outputs ---------------------------------------------------------------------------------------------------------
@@ -127,26 +82,24 @@ Names settleNames(const RunSettings& settings)
 }
 
 struct Outputs {
-    std::int32_t result = 0;
-    std::int32_t connections = 0;
     Unit summary = 0;
+    gis::LayerWriter result;
+    gis::LayerWriter connections;
 };
 
-// The attributes of the result layer have been defined.
-Outputs openOutputs(const Names& names, bool withExtremes)
+Outputs openOutputs(const Names& names, const gis::Projection& projection, std::vector<gis::Column> columns,
+                    bool withExtremes)
 {
-    Outputs outputs;
     say("Writing summary data to: ", names.summary);
-    OPENER(outputs.summary, "O ", names.summary);
-    writeLine(outputs.summary, join("\"Label\",\"Observed\",\"Modelled\",\"Difference\",\"Distance\"",
-                                    std::string_view(withExtremes ? ",\"Minimum\",\"Maximum\"" : "")));
-    outputs.result = gisOpenLayer(names.result, "P", "O ");
-    gisWriteHeader(outputs.result);
-    defineConnectionAttributes();
-    outputs.connections = gisOpenLayer(names.connections, "L", "O ");
-    gisWriteHeader(outputs.connections);
-    setStyle(outputs.connections, "Pen (1,59,0)");
-    return outputs;
+    Unit summary = 0;
+    OPENER(summary, "O ", names.summary);
+    writeLine(summary, join("\"Label\",\"Observed\",\"Modelled\",\"Difference\",\"Distance\"",
+                            std::string_view(withExtremes ? ",\"Minimum\",\"Maximum\"" : "")));
+    gis::LayerWriter result =
+        gis::createLayer(names.result, {.columns = std::move(columns), .projection = projection, .families = "P"});
+    gis::LayerWriter connections = gis::createLayer(
+        names.connections, {.columns = connectionColumns(), .projection = projection, .families = "L"});
+    return {summary, std::move(result), std::move(connections)};
 }
 
 std::string real(float value)
@@ -168,16 +121,16 @@ struct CalibrationPoint {
     float maximum = -kNoValue;
 };
 
-CalibrationPoint parsePoint(const std::string& dataLine, std::int32_t attributes)
+CalibrationPoint parsePoint(const std::string& record, std::int32_t columns)
 {
-    if (attributes < kLabelledAttributes) {
+    if (columns < kLabelledColumns) {
         fail("ERROR - Expecting at least 2 GIS attirbutes for input calibration point layer.");
     }
     CalibrationPoint point;
-    RecordValues values(dataLine);
+    gis::RecordValues values(record);
     values.take(point.observed);
     values.take(point.label, kLineWidth);
-    if (attributes > kLabelledAttributes) {
+    if (columns > kLabelledColumns) {
         point.modelled = 0;
         values.take(point.modelled);
     }
@@ -185,7 +138,7 @@ CalibrationPoint parsePoint(const std::string& dataLine, std::int32_t attributes
 }
 
 // Where the last cells were found. They stay from point to point, so a point without a cell is joined to an earlier
-// point's; deliberate, such lines show which points had none.
+// point's, on purpose: such lines show which points had none.
 struct LastFound {
     FoundCell nearest;
     FoundCell lowest;
@@ -194,7 +147,7 @@ struct LastFound {
 
 class PointSampler {
 public:
-    PointSampler(const RunSettings& settings, const Terrain& terrain, std::int32_t connections)
+    PointSampler(const RunSettings& settings, const Terrain& terrain, gis::LayerWriter& connections)
         : settings_(settings), header_(terrain.header), cells_(terrain.cells), connections_(connections),
           emptyTiles_(terrain.header, terrain.cells), extremes_(terrain.header, terrain.cells)
     {
@@ -250,28 +203,36 @@ private:
         connect(last_.highest, point, join(real(last_.highest.distance), ",\"Max\""));
     }
 
-    void connect(const FoundCell& cell, const CalibrationPoint& point, std::string_view dataLine) const
+    void connect(const FoundCell& cell, const CalibrationPoint& point, std::string record)
     {
-        writeSegment(connections_, cell.x, cell.y, point.x, point.y, dataLine);
+        connections_.write({.kind = gis::Kind::line,
+                            .x = {cell.x, point.x},
+                            .y = {cell.y, point.y},
+                            .record = std::move(record),
+                            .style = {.first = "Pen (1,59,0)"}});
     }
 
     const RunSettings& settings_;
     const GridHeader& header_;
     const Grid& cells_;
-    std::int32_t connections_;
+    gis::LayerWriter& connections_;
     EmptyTiles emptyTiles_;
     ExtremeSearch extremes_;
     LastFound last_;
 };
 
-void writeResult(const CalibrationPoint& point, bool withExtremes, const Outputs& outputs)
+void writeResult(const CalibrationPoint& point, bool withExtremes, const std::string& symbol, Outputs& outputs)
 {
     const std::string label = quotedValue(point.label);
     std::string results = join(real(point.modelled), ",", real(point.difference), ",", real(point.distance));
     if (withExtremes) {
         results += join(",", real(point.minimum), ",", real(point.maximum));
     }
-    writePoint(outputs.result, point.x, point.y, join(real(point.observed), ",", label, ",", results));
+    outputs.result.write({.kind = gis::Kind::point,
+                          .x = {point.x},
+                          .y = {point.y},
+                          .record = join(real(point.observed), ",", label, ",", results),
+                          .style = {.first = symbol}});
     writeLine(outputs.summary, join(label, ",", real(point.observed), ",", results));
 }
 
@@ -291,32 +252,29 @@ void runCalibrationPoints(const RunSettings& settings, const InputFileList& inpu
         thresholds = readSymbolThresholds(settings.configFile);
     }
 
-    std::int32_t inputID = openSampledLayer(settings.cpLayer);
-    defineResultAttributes(inputID, settings.cpmm);
-    Outputs outputs = openOutputs(settleNames(settings), settings.cpmm);
+    SampledLayer input = openSampledLayer(settings.cpLayer);
+    std::vector<gis::Column> columns = resultColumns(input.layer.columns(), settings.cpmm);
+    Outputs outputs = openOutputs(settleNames(settings), input.projection, std::move(columns), settings.cpmm);
     const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for Points...");
-    const std::int32_t attributes = gisNumberAttributes(inputID);
     PointSampler sampler(settings, terrain, outputs.connections);
-    GisCoordinates read;
-    forEachObject(inputID, [&](GisO& gisO, const std::string& dataLine) {
-        if (!gisO.point) {
-            return;
+    gis::Coordinates read;
+    while (gis::LayerObject* object = input.layer.next()) {
+        if (object->kind != gis::Kind::point) {
+            continue;
         }
-        gisReadObject(inputID, gisO, read, kPointVertices);
-        CalibrationPoint point = parsePoint(dataLine, attributes);
+        input.layer.readCoordinates(*object, read, kPointVertices);
+        CalibrationPoint point = parsePoint(object->record, input.layer.columnCount());
         point.x = read.x[0];
         point.y = read.y[0];
         sampler.sample(point);
-        if (withSymbols) {
-            setStyle(outputs.result, symbolStyle(thresholds, point.difference));
-        }
-        writeResult(point, settings.cpmm, outputs);
-    });
-    gisCloseLayer(inputID);
-    gisCloseLayer(outputs.result);
-    gisCloseLayer(outputs.connections);
+        const std::string symbol = withSymbols ? symbolStyle(thresholds, point.difference) : "";
+        writeResult(point, settings.cpmm, symbol, outputs);
+    }
+    input.layer.close();
+    outputs.result.close();
+    outputs.connections.close();
     CLOSER(outputs.summary);
 }
 

@@ -7,7 +7,7 @@
 
 namespace gridforge {
 
-SampledRegion sampledRegion(const GisCoordinates& read, double farthest)
+SampledRegion sampledRegion(const gis::Coordinates& read, double farthest)
 {
     const auto count = static_cast<std::ptrdiff_t>(read.np);
     SampledRegion region;

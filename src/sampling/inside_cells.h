@@ -1,7 +1,7 @@
 // The cells of a window that lie inside a region, as runs of columns.
 #pragma once
 
-#include "gis/records.h"
+#include "gis/layer_object.h"
 #include "grid/grid.h"
 #include "plane/region_rows.h"
 #include "run/cell_window.h"
@@ -13,7 +13,7 @@
 
 namespace gridforge {
 
-// A region of one ring in the layout of GisCoordinates: the closing vertex and, behind it, the second one again.
+// A region of one ring in the layout of gis::Coordinates: the closing vertex and, behind it, the second one again.
 struct SampledRegion {
     std::vector<double> x;
     std::vector<double> y;
@@ -25,7 +25,7 @@ struct SampledRegion {
 
 // The region as read. Its bounds are sought from `farthest` down and from its negative up, and stay there for a polygon of
 // a Shapefile that has no vertices at all.
-SampledRegion sampledRegion(const GisCoordinates& read, double farthest = std::numeric_limits<double>::infinity());
+SampledRegion sampledRegion(const gis::Coordinates& read, double farthest = std::numeric_limits<double>::infinity());
 
 // From the cell whose north-east corner lies at or before the lower bounds to the cell past the upper ones. It may reach
 // over the grid, and beside it.

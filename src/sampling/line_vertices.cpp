@@ -13,7 +13,7 @@ namespace gridforge {
 namespace {
 
 // How many vertices go into the segment from vertex i - 1 to vertex i.
-std::int64_t insertedBefore(const GisCoordinates& read, std::size_t i, float spacing)
+std::int64_t insertedBefore(const gis::Coordinates& read, std::size_t i, float spacing)
 {
     const float length = DISTANCE_8(read.x[i - 1], read.y[i - 1], read.x[i], read.y[i]);
     if (!(length > spacing)) {
@@ -31,7 +31,7 @@ void requireCount(std::int64_t count, std::int32_t most)
 
 } // namespace
 
-LineVertices insertVertices(const GisCoordinates& read, float spacing, std::int32_t most)
+LineVertices insertVertices(const gis::Coordinates& read, float spacing, std::int32_t most)
 {
     const auto np = static_cast<std::size_t>(std::max(read.np, 0));
     auto count = static_cast<std::int64_t>(np);

@@ -1,7 +1,7 @@
 // Vertices along a line: their insertion at a spacing, chainages, and the direction across the line at each of them.
 #pragma once
 
-#include "gis/records.h"
+#include "gis/layer_object.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +18,7 @@ struct LineVertices {
 
 // The vertices of a line as read, with floor(d / spacing) more put evenly into each segment of a length d above the
 // spacing. More than `most` in all, as from a spacing of 0, end the run.
-LineVertices insertVertices(const GisCoordinates& read, float spacing, std::int32_t most);
+LineVertices insertVertices(const gis::Coordinates& read, float spacing, std::int32_t most);
 
 // DISTANCE_8 from vertex i - 1 to vertex i, counted from 0.
 float distanceBefore(const LineVertices& line, std::size_t i);

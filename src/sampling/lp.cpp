@@ -4,12 +4,14 @@
 #include "core/names.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "gis/layer_name.h"
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
+#include "gis/layer_writer.h"
 #include "host/console.h"
 #include "sampling/line_vertices.h"
 #include "sampling/sampled_layer.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -111,7 +113,13 @@ void placeVertices(Profile& profile)
     say("   Done.");
 }
 
-void sampleVertices(Profile& profile, float searchDistance, const Terrain& terrain, std::int32_t checkID)
+// The layer of -check. The style of its last object stays with it, for the search lines of the next profile too.
+struct CheckLayer {
+    gis::LayerWriter layer;
+    gis::Style style;
+};
+
+void sampleVertices(Profile& profile, float searchDistance, const Terrain& terrain, std::optional<CheckLayer>& check)
 {
     say("Extracting elevations...");
     const GridHeader& header = terrain.header;
@@ -121,8 +129,11 @@ void sampleVertices(Profile& profile, float searchDistance, const Terrain& terra
         ProfileVertex& vertex = profile.vertices[i];
         const AcrossLine across = acrossLine(header, profile.line.x[i], profile.line.y[i], vertex.perpendicular);
         const auto drawSearch = [&](std::int32_t from, std::int32_t to, std::string_view type) {
-            if (checkID > 0) {
-                writeSearchLine(checkID, across, from, to, checkRecord(kNoLowest, type, profile, vertex.chainage));
+            if (check) {
+                gis::Feature searched = searchLine(across, from, to);
+                searched.record = checkRecord(kNoLowest, type, profile, vertex.chainage);
+                searched.style = check->style;
+                check->layer.write(searched);
             }
         };
         drawSearch(-half, half, "Invert");
@@ -153,12 +164,16 @@ void writeProfile(const std::string& name, const Profile& profile)
     CLOSER(unit);
 }
 
-// The cells found, as points. Their last style stays with the layer, for the search lines of the next profile too.
-void writeFoundPoints(std::int32_t checkID, const Profile& profile)
+// The cells found, as points.
+void writeFoundPoints(const Profile& profile, CheckLayer& check)
 {
     const auto write = [&](const FoundSample& sample, std::string_view style, std::string_view type, float chainage) {
-        setStyle(checkID, style);
-        writePoint(checkID, sample.x, sample.y, checkRecord(sample.value, type, profile, chainage));
+        check.style.first = style;
+        check.layer.write({.kind = gis::Kind::point,
+                           .x = {sample.x},
+                           .y = {sample.y},
+                           .record = checkRecord(sample.value, type, profile, chainage),
+                           .style = check.style});
     };
     for (const ProfileVertex& vertex : profile.vertices) {
         write(vertex.invert, "    Symbol (37,255,12)", "Invert", vertex.chainage);
@@ -171,16 +186,6 @@ void writeFoundPoints(std::int32_t checkID, const Profile& profile)
 
 // --- Names and the check layer ---------------------------------------------------------------------------------------
 
-void defineCheckAttributes()
-{
-    GisOutputAttributes& attributes = gisOutputAttributes();
-    attributes.clear();
-    attributes.add("Elevation", "Float");
-    attributes.add("Type", "Char", kTextWidth);
-    attributes.add("Label", "Char", kTextWidth);
-    attributes.add("Chainage", "Float");
-}
-
 std::string checkLayerName(const RunSettings& settings)
 {
     const std::string extension = FILEEXT(settings.lpLayer);
@@ -188,31 +193,31 @@ std::string checkLayerName(const RunSettings& settings)
         return FILENAMEPATH(settings.lpLayer) + "_LP_check" + extension;
     }
     std::string name = settings.outputName;
-    const std::string given = FILEEXT(name);
-    if (given != ".mif" && given != ".shp") {
+    if (!gis::hasLayerExtension(name)) {
         name += extension;
         say("   Appending file extension - revised file: ", name);
     }
     return name;
 }
 
-std::int32_t openCheckLayer(const RunSettings& settings)
+CheckLayer createCheckLayer(const RunSettings& settings, const gis::Projection& projection)
 {
-    const std::int32_t checkID = gisOpenLayer(checkLayerName(settings), "PL", "O ");
-    defineCheckAttributes();
-    gisWriteHeader(checkID);
-    return checkID;
+    const std::vector<gis::Column> columns = {
+        {"Elevation", "Float"}, {"Type", "Char", kTextWidth}, {"Label", "Char", kTextWidth}, {"Chainage", "Float"}};
+    return {
+        gis::createLayer(checkLayerName(settings), {.columns = columns, .projection = projection, .families = "PL"}),
+        {}};
 }
 
-std::string readLabel(const std::string& dataLine)
+std::string readLabel(const std::string& record)
 {
     std::string label;
-    RecordValues(dataLine).take(label, kLineWidth);
+    gis::RecordValues(record).take(label, kLineWidth);
     return label;
 }
 
 // The line with its vertices inserted.
-Profile prepareProfile(std::string label, const GisCoordinates& read, float spacing)
+Profile prepareProfile(std::string label, const gis::Coordinates& read, float spacing)
 {
     Profile profile;
     say("Inserting vertices...");
@@ -237,10 +242,10 @@ void runLongProfile(const RunSettings& settings, const InputFileList& inputs)
     say("Using search distance of ", AREAL(settings.cpSearchDistance));
     say("   Use -cpsd<distance> input argument to modify.");
     say("Long Profile input file: ", settings.lpLayer);
-    std::int32_t inputID = openSampledLayer(settings.lpLayer);
-    std::int32_t checkID = 0;
+    SampledLayer input = openSampledLayer(settings.lpLayer);
+    std::optional<CheckLayer> check;
     if (settings.check) {
-        checkID = openCheckLayer(settings);
+        check = createCheckLayer(settings, input.projection);
     } else if (settings.outputNameGiven) {
         say("Using specified output file: ", settings.outputName);
     }
@@ -248,28 +253,28 @@ void runLongProfile(const RunSettings& settings, const InputFileList& inputs)
     const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for Lines and Polylines...");
-    GisCoordinates read;
+    gis::Coordinates read;
     std::int32_t lines = 0;
-    forEachObject(inputID, [&](GisO& gisO, const std::string& dataLine) {
-        if (!isLineObject(gisO)) {
-            return;
+    while (gis::LayerObject* object = input.layer.next()) {
+        if (!isLineObject(*object)) {
+            continue;
         }
-        gisReadObject(inputID, gisO, read, kMaxSampledVertices);
-        std::string label = readLabel(dataLine);
+        input.layer.readCoordinates(*object, read, kMaxSampledVertices);
+        std::string label = readLabel(object->record);
         say("Polyline ", ++lines, " with ", read.np, " nodes...");
         Profile profile = prepareProfile(std::move(label), read, settings.lpDistance);
         placeVertices(profile);
-        sampleVertices(profile, settings.cpSearchDistance, terrain, checkID);
+        sampleVertices(profile, settings.cpSearchDistance, terrain, check);
         writeProfile(join(base, "_", profile.label, ".csv"), profile);
-        if (checkID > 0) {
-            writeFoundPoints(checkID, profile);
+        if (check) {
+            writeFoundPoints(profile, *check);
         }
         say("Deallocation of temporary memory.");
         say("   Done.");
-    });
-    gisCloseLayer(inputID);
-    if (checkID > 0) {
-        gisCloseLayer(checkID);
+    }
+    input.layer.close();
+    if (check) {
+        check->layer.close();
     }
 }
 

@@ -4,7 +4,6 @@
 #include "core/numbers.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/units.h"
@@ -131,13 +130,13 @@ struct NodeRecord {
     float minimum = 0;      // of the user; none where it is next to 0
 };
 
-NodeRecord parseNode(const std::string& dataLine)
+NodeRecord parseNode(const std::string& record)
 {
     // The columns of a network layer between the identifier and the skew, which holds the minimum here.
     constexpr std::array<std::size_t, 8> kTextWidths = {2, 8, 20, 20, 20, 20, 20, 20};
     constexpr std::size_t kIdentifierWidth = 50;
     NodeRecord node;
-    RecordValues values(dataLine);
+    gis::RecordValues values(record);
     values.take(node.identifier, kIdentifierWidth);
     std::string text;
     for (const std::size_t width : kTextWidths) {
@@ -234,22 +233,22 @@ void runNodalArea(const RunSettings& settings, const InputFileList& inputs)
 {
     say("Processing -na option... ");
     requireOneGrid(inputs);
-    std::int32_t inputID = openSampledLayer(settings.naLayer);
+    gis::LayerReader layer = openSampledLayer(settings.naLayer).layer;
     const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for region objects...");
-    GisCoordinates read;
+    gis::Coordinates read;
     std::int32_t regions = 0;
-    forEachObject(inputID, [&](GisO& gisO, const std::string& dataLine) {
-        if (!isRegionObject(gisO)) {
-            return;
+    while (gis::LayerObject* object = layer.next()) {
+        if (!isRegionObject(*object)) {
+            continue;
         }
-        gisReadObject(inputID, gisO, read, kMaxSampledVertices);
-        const NodeRecord node = parseNode(dataLine);
+        layer.readCoordinates(*object, read, kMaxSampledVertices);
+        const NodeRecord node = parseNode(object->record);
         say("Region ", ++regions, " with ", read.np, " nodes...");
         tabulateRegion(sampledRegion(read, kFarthestBound), node, terrain);
-    });
-    gisCloseLayer(inputID);
+    }
+    layer.close();
 }
 
 } // namespace gridforge

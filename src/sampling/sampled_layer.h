@@ -1,24 +1,27 @@
-// What every operation does with its input layer, its one grid and its output layers.
+// What every operation does with its input layer and its one grid.
 #pragma once
 
-#include "gis/layers.h"
+#include "gis/feature.h"
+#include "gis/layer_reader.h"
+#include "gis/projection.h"
 #include "grid/grid.h"
 #include "run/across_line.h"
 #include "run/inputs.h"
-#include "sampling/line_vertices.h"
-#include "sampling/search_polygon.h"
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 namespace gridforge {
 
 // Vertices of a line or region as read.
 inline constexpr std::int32_t kMaxSampledVertices = 1000000;
 
-// Takes the projection of the layer for the outputs, opens it and reads its header.
-std::int32_t openSampledLayer(const std::string& name);
+struct SampledLayer {
+    gis::Projection projection; // for the outputs
+    gis::LayerReader layer;
+};
+// Takes the projection of the layer, opens it and reads its header.
+SampledLayer openSampledLayer(const std::string& name);
 
 // Ends the run when there is more than one input grid.
 void requireOneGrid(const InputFileList& inputs);
@@ -32,14 +35,7 @@ Terrain readTerrain(const std::string& name);
 // The same from "Loading grid data..." to "   Done.".
 Terrain loadTerrain(const std::string& name);
 
-// One object with its record. The style is the layer's.
-void writePoint(std::int32_t gisID, double x, double y, std::string_view dataLine);
-void writeSegment(std::int32_t gisID, double x1, double y1, double x2, double y2, std::string_view dataLine);
-// From sample `from` to sample `to`.
-void writeSearchLine(std::int32_t gisID, const AcrossLine& across, std::int32_t from, std::int32_t to,
-                     std::string_view dataLine);
-void writePolyline(std::int32_t gisID, const LineVertices& line, std::string_view dataLine);
-void writeRegion(std::int32_t gisID, const SearchPolygon& polygon, std::string_view dataLine);
-void setStyle(std::int32_t gisID, std::string_view style);
+// The line from sample `from` to sample `to`, as an object without a record.
+gis::Feature searchLine(const AcrossLine& across, std::int32_t from, std::int32_t to);
 
 } // namespace gridforge

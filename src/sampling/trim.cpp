@@ -6,7 +6,6 @@
 #include "core/product.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
-#include "gis/layers.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
@@ -39,17 +38,15 @@ struct TrimRegion {
     SampledRegion region;
 };
 
-std::string regionName(const std::string& dataLine)
+std::string regionName(const std::string& record)
 {
     std::string name;
-    RecordValues(dataLine).take(name, kRegionNameWidth);
+    gis::RecordValues(record).take(name, kRegionNameWidth);
     return name;
 }
 
-void readRegion(std::int32_t gisID, GisO& gisO, const std::string& dataLine, GisCoordinates& read,
-                std::vector<TrimRegion>& regions)
+void addRegion(const gis::Coordinates& read, const std::string& record, std::vector<TrimRegion>& regions)
 {
-    gisReadObject(gisID, gisO, read, kMaxSampledVertices);
     if (read.np > kMaxRegionVertices) {
         say("ERROR - Region objects contains too many vertices.  Please contact ", kSupportContact);
         fail("   Maximum vertices in a single region:", kMaxRegionVertices);
@@ -58,24 +55,25 @@ void readRegion(std::int32_t gisID, GisO& gisO, const std::string& dataLine, Gis
         fail("ERROR - Number of regions exceeds maximum: ", kMaxRegions);
     }
     say("Region ", regions.size() + 1, " with ", read.np, " nodes...");
-    regions.push_back({regionName(dataLine), sampledRegion(read)});
+    regions.push_back({regionName(record), sampledRegion(read)});
 }
 
 std::vector<TrimRegion> readRegions(const std::string& layerName)
 {
-    std::int32_t gisID = openSampledLayer(layerName);
+    gis::LayerReader layer = openSampledLayer(layerName).layer;
     say("Allocating memory for storing GIS regions...");
     std::vector<TrimRegion> regions;
     regions.reserve(kMaxRegions);
     say("   Done.");
     say("Searching for region objects...");
-    GisCoordinates read;
-    forEachObject(gisID, [&](GisO& gisO, const std::string& dataLine) {
-        if (isRegionObject(gisO)) {
-            readRegion(gisID, gisO, dataLine, read, regions);
+    gis::Coordinates read;
+    while (gis::LayerObject* object = layer.next()) {
+        if (isRegionObject(*object)) {
+            layer.readCoordinates(*object, read, kMaxSampledVertices);
+            addRegion(read, object->record, regions);
         }
-    });
-    gisCloseLayer(gisID);
+    }
+    layer.close();
     return regions;
 }
 

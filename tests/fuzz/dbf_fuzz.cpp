@@ -1,19 +1,22 @@
 // Reads a bare .dbf, record by record.
 #include "fuzz_run.h"
 
+#include "gis/shp/dbf_reader.h"
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace gridforge;
     fuzz::give("l.dbf", {reinterpret_cast<const char*>(data), size});
     try {
         fuzz::prepare();
-        std::int32_t gisID = gisOpenLayer("l.dbf", "", "I ", true);
-        gisReadHeader(gisID);
+        gis::shp::DbfTable dbf;
+        OPENER(dbf.dbfUnit, "BI", "l.dbf");
+        gis::shp::dbfReadHeader(dbf);
         std::string line;
-        while (!gisLayer(gisID).layerEnd) {
-            gisReadRecord(gisID, GisO(), line);
+        for (bool end = false; !end; end = end || atEnd(dbf.dbfUnit)) {
+            gis::shp::dbfReadRecord(dbf, end, line, gis::kRecordWidth);
         }
-        gisCloseLayer(gisID);
+        CLOSER(dbf.dbfUnit);
     } catch (const fuzz::EndOfRun&) {
         closeAllUnits(false);
     }

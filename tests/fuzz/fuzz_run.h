@@ -1,7 +1,8 @@
 // What the fuzz targets share: files of the input's bytes in memory, and runs that end without ending the process.
 #pragma once
 
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
+#include "gis/layer_table.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/memory/memory_system.h"
@@ -34,7 +35,7 @@ inline void prepare()
     flushConsole();
     takeMemoryConsole();
     startUnits(1000);
-    gisInitialise(-1, "", "", "");
+    gis::initialise();
 }
 
 // The loop of the operations over a layer, to its end or that of the run.
@@ -43,18 +44,18 @@ inline void readLayer(const std::string& name, bool coordinates)
     constexpr std::int32_t kMaxVertices = 10000;
     try {
         prepare();
-        std::int32_t gisID = gisOpenLayer(name, "", "I ");
-        gisReadHeader(gisID);
-        GisO gisO;
-        GisCoordinates vertices;
+        gis::OpenLayer& layer = gis::openFiles(name);
+        gis::readHeader(layer);
+        gis::LayerObject object;
+        gis::Coordinates vertices;
         std::string line;
-        while (!gisLayer(gisID).layerEnd) {
-            if (gisObjectType(gisID, gisO)) {
-                gisReadRecord(gisID, gisO, line);
-                gisReadObject(gisID, gisO, vertices, kMaxVertices, coordinates);
+        while (!layer.end) {
+            if (gis::readKind(layer, object)) {
+                gis::readRecord(layer, object.name, line);
+                gis::readCoordinates(layer, object, vertices, kMaxVertices, coordinates);
             }
         }
-        gisCloseLayer(gisID);
+        gis::close(layer);
     } catch (const EndOfRun&) {
         closeAllUnits(false);
     }

@@ -1,24 +1,24 @@
 // A whole layer through the read loop of the operations.
 #pragma once
 
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
+#include "gis/layer_table.h"
+#include "host/units.h"
 
 #include <string>
 #include <vector>
 
 namespace gridforge::test {
 
-struct LayerObject {
-    GisO gisO;
-    std::string record;
+struct ReadObject : gis::LayerObject {
     std::vector<double> numbers; // x, y of each vertex as in the file, without the slots behind rings
 };
 
-inline void appendVertices(LayerObject& object, const GisCoordinates& c)
+inline void appendVertices(ReadObject& object, const gis::Coordinates& c)
 {
     std::size_t ring = 0;
     for (std::size_t i = 0; i < static_cast<std::size_t>(c.np); ++i) {
-        if (object.gisO.region && static_cast<std::int32_t>(i) == object.gisO.ir[ring]) {
+        if (object.kind == gis::Kind::region && static_cast<std::int32_t>(i) == object.parts[ring]) {
             ++ring;
         } else {
             object.numbers.push_back(c.x[i]);
@@ -27,30 +27,25 @@ inline void appendVertices(LayerObject& object, const GisCoordinates& c)
     }
 }
 
-inline std::vector<LayerObject> readLayer(const std::string& fileName)
+inline std::vector<ReadObject> readLayer(const std::string& fileName)
 {
     startUnits(1000);
-    gisInitialise(-1, "", "", "");
-    std::int32_t gisID = gisOpenLayer(fileName, "", "I ");
-    gisReadHeader(gisID);
-    std::vector<LayerObject> objects;
-    GisCoordinates c;
-    while (!gisLayer(gisID).layerEnd) {
-        LayerObject object;
-        if (!gisObjectType(gisID, object.gisO)) {
-            continue;
-        }
-        gisReadRecord(gisID, object.gisO, object.record);
+    gis::initialise();
+    gis::LayerReader layer = gis::openLayer(fileName);
+    std::vector<ReadObject> objects;
+    gis::Coordinates c;
+    while (gis::LayerObject* next = layer.next()) {
+        ReadObject object{*next, {}};
         // A polyline of a .shp gives one part a call, and all must be read.
-        const bool inParts = object.gisO.plineMultiple && gisLayer(gisID).layerFormat == kLayerShp;
-        for (std::int32_t part = 0; part < (inParts ? object.gisO.nSections : 1); ++part) {
+        const bool inParts = object.kind == gis::Kind::combinedPolyline && fileName.ends_with(".shp");
+        for (std::int32_t part = 0; part < (inParts ? object.sections : 1); ++part) {
             c.np = 0;
-            gisReadObject(gisID, object.gisO, c, 1000000);
+            layer.readCoordinates(object, c, 1000000);
             appendVertices(object, c);
         }
         objects.push_back(object);
     }
-    gisCloseLayer(gisID);
+    layer.close();
     return objects;
 }
 

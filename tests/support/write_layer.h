@@ -1,7 +1,7 @@
-// Objects of every kind through the write routines of the layers, for tests that look at what comes out.
+// Objects of every kind through the writer of layers, for tests that look at what comes out.
 #pragma once
 
-#include "gis/layers.h"
+#include "gis/layer_writer.h"
 
 #include <cstdint>
 #include <string>
@@ -15,26 +15,22 @@ struct Vertex {
     double y;
 };
 
-inline void setVertices(const std::vector<Vertex>& vertices)
+// An object with its record; the parts are their first vertices, from 1.
+inline gis::Feature featureOf(gis::Kind kind, const std::vector<Vertex>& vertices, std::vector<std::int32_t> parts = {},
+                              std::string record = "")
 {
-    gisOutputCoordinates().clear();
+    gis::Feature feature{.kind = kind, .parts = std::move(parts), .record = std::move(record)};
     for (const Vertex& v : vertices) {
-        gisOutputCoordinates().add(v.x, v.y);
+        feature.x.push_back(v.x);
+        feature.y.push_back(v.y);
     }
+    return feature;
 }
 
-// An object of one kind and its record; the parts are their first vertices, from 1.
-inline void writeObject(std::int32_t gisID, bool GisO::*kind, std::vector<std::int32_t> parts,
+inline void writeObject(gis::LayerWriter& layer, gis::Kind kind, std::vector<std::int32_t> parts,
                         const std::vector<Vertex>& vertices, const std::string& record)
 {
-    GisO gisO;
-    gisO.*kind = true;
-    gisO.nr = static_cast<std::int32_t>(parts.size());
-    gisO.ir = std::move(parts);
-    setVertices(vertices);
-    gisWriteObject(gisID, gisO);
-    gisDataLine() = record;
-    gisWriteRecord(gisID, gisO);
+    layer.write(featureOf(kind, vertices, std::move(parts), record));
 }
 
 } // namespace gridforge::test

@@ -2,7 +2,7 @@
 // from one family to the other comes back as it was.
 #include "core/numbers.h"
 #include "core/text.h"
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
 #include "host/console.h"
 #include "support/child_run.h"
 #include "support/ogr_test.h"
@@ -37,16 +37,14 @@ protected:
     void writeLayer(const std::string& base, const char* families, Write write)
     {
         startUnits(1000);
-        gisInitialise(-1, "", "", "");
-        gisCoordSysLine() = "CoordSys NonEarth Units \"m\" Bounds (-10000000, -10000000) (10000000, 10000000)";
-        gisPrjLine() = "";
-        gisOutputAttributes().clear();
-        gisOutputAttributes().add("Name", "Char", 20);
-        gisOutputAttributes().add("N", "Integer");
-        std::int32_t id = gisOpenLayer(at(base + kind()), families, "O ");
-        gisWriteHeader(id);
-        write(id);
-        gisCloseLayer(id);
+        gis::initialise();
+        gis::LayerWriter layer = gis::createLayer(
+            at(base + kind()),
+            {.columns = {{"Name", "Char", 20}, {"N", "Integer"}},
+             .projection = {"CoordSys NonEarth Units \"m\" Bounds (-10000000, -10000000) (10000000, 10000000)", ""},
+             .families = families});
+        write(layer);
+        layer.close();
     }
 };
 
@@ -70,7 +68,7 @@ TEST_P(LayersInterop, PointsWithTheirRecordsAreRead)
               "id,name,level,WKT\n1,\"a, b\",2.5,POINT (293000.125 6178000.5)\n2,c d,-3.25,POINT (-1 2)\n");
     const auto objects = readLayer(at("in" + kind()));
     ASSERT_THAT(objects, SizeIs(2));
-    EXPECT_TRUE(objects[0].gisO.point);
+    EXPECT_EQ(objects[0].kind, gis::Kind::point);
     EXPECT_THAT(objects[0].numbers, ElementsAre(293000.125, 6178000.5));
     EXPECT_THAT(objects[1].numbers, ElementsAre(-1, 2));
     const auto first = valuesOf(objects[0].record);
@@ -89,14 +87,14 @@ TEST_P(LayersInterop, LinesOfSeveralPartsAreRead)
                              "2,\"LINESTRING (4 4,5 5,6 4)\"\n");
     const auto objects = readLayer(at("in" + kind()));
     ASSERT_THAT(objects, SizeIs(2));
-    EXPECT_TRUE(objects[0].gisO.plineMultiple);
-    EXPECT_EQ(objects[0].gisO.nSections, 3);
+    EXPECT_EQ(objects[0].kind, gis::Kind::combinedPolyline);
+    EXPECT_EQ(objects[0].sections, 3);
     if (kind() == ".shp") {
         EXPECT_THAT(objects[0].numbers, ElementsAre(1, 2, 3, 4, 5, 6, 7, 8, 9, 10.5, 0, 0, -1, -1));
     } else {
         EXPECT_THAT(objects[0].numbers, ElementsAre(1, 2, 3, 4)) << "of a .mif the first section only";
     }
-    EXPECT_TRUE(objects[1].gisO.pline) << "the parts left over do not get in the way";
+    EXPECT_EQ(objects[1].kind, gis::Kind::polyline) << "the parts left over do not get in the way";
     EXPECT_THAT(objects[1].numbers, ElementsAre(4, 4, 5, 5, 6, 4));
 }
 
@@ -107,11 +105,11 @@ TEST_P(LayersInterop, PolygonsWithHolesAndIslandsAreRead)
                              "2,\"MULTIPOLYGON (((20 0,20 6,30 6,20 0)),((40 0,40 6,50 6,40 0)))\"\n");
     const auto objects = readLayer(at("in" + kind()));
     ASSERT_THAT(objects, SizeIs(2));
-    EXPECT_TRUE(objects[0].gisO.region);
-    EXPECT_EQ(objects[0].gisO.nr, 3);
+    EXPECT_EQ(objects[0].kind, gis::Kind::region);
+    EXPECT_EQ(objects[0].rings, 3);
     EXPECT_THAT(objects[0].numbers,
                 ElementsAre(0, 0, 0, 10, 10, 10, 10, 0, 0, 0, 1, 1, 2, 1, 2, 2, 1, 1, 5, 5, 6, 5, 6, 6, 5, 5));
-    EXPECT_EQ(objects[1].gisO.nr, 2);
+    EXPECT_EQ(objects[1].rings, 2);
     EXPECT_THAT(objects[1].numbers, ElementsAre(20, 0, 20, 6, 30, 6, 20, 0, 40, 0, 40, 6, 50, 6, 40, 0));
 }
 
@@ -163,16 +161,13 @@ TEST_P(LayersInterop, ALayerWithoutObjectsHasNoneOrEndsTheRun)
 TEST_P(LayersInterop, AttributesHaveTheirTypesAndWidths)
 {
     startUnits(1000);
-    gisInitialise(-1, "", "", "");
-    gisCoordSysLine() = "CoordSys NonEarth Units \"m\"";
-    gisOutputAttributes().clear();
-    gisOutputAttributes().add("Text", "Char", 12);
-    gisOutputAttributes().add("Whole", "Integer");
-    gisOutputAttributes().add("Real", "Float");
-    std::int32_t id = gisOpenLayer(at("out" + kind()), "P", "O ");
-    gisWriteHeader(id);
-    writeObject(id, &GisO::point, {1}, {{1, 2}}, "\"abc\",-17,1234.5");
-    gisCloseLayer(id);
+    gis::initialise();
+    gis::LayerWriter layer = gis::createLayer(
+        at("out" + kind()), {.columns = {{"Text", "Char", 12}, {"Whole", "Integer"}, {"Real", "Float"}},
+                             .projection = {"CoordSys NonEarth Units \"m\"", ""},
+                             .families = "P"});
+    writeObject(layer, gis::Kind::point, {1}, {{1, 2}}, "\"abc\",-17,1234.5");
+    layer.close();
     if (kind() == ".shp") {
         EXPECT_THAT(ogrFields(file("out", 'P')),
                     ElementsAre("Text: String (12.0)", "Whole: Integer (8.0)", "Real: Real (16.5)"));
@@ -189,8 +184,8 @@ TEST_P(LayersInterop, AttributesHaveTheirTypesAndWidths)
 
 TEST_P(LayersInterop, NamesInWindows1252AreUnderstood)
 {
-    writeLayer("out", "P", [](std::int32_t id) {
-        writeObject(id, &GisO::point, {1}, {{1, 2}},
+    writeLayer("out", "P", [](gis::LayerWriter& layer) {
+        writeObject(layer, gis::Kind::point, {1}, {{1, 2}},
                     "\"Stra\xDF"
                     "e\",1");
     });
@@ -205,7 +200,7 @@ TEST_P(LayersInterop, NamesInWindows1252AreUnderstood)
 
 TEST_P(LayersInterop, LayersWithoutObjectsAreAccepted)
 {
-    writeLayer("out", kKinds, [](std::int32_t) {});
+    writeLayer("out", kKinds, [](gis::LayerWriter&) {});
     for (const char family : std::string(kKinds)) {
         EXPECT_THAT(ogrFeatures(file("out", family)), IsEmpty());
     }
@@ -213,8 +208,8 @@ TEST_P(LayersInterop, LayersWithoutObjectsAreAccepted)
 
 TEST_P(LayersInterop, PointsInGroups)
 {
-    writeLayer("out", "P", [](std::int32_t id) {
-        writeObject(id, &GisO::multipoint, {1}, {{1, 2}, {3, 4}, {5, 6}}, "\"m\",1");
+    writeLayer("out", "P", [](gis::LayerWriter& layer) {
+        writeObject(layer, gis::Kind::multipoint, {1}, {{1, 2}, {3, 4}, {5, 6}}, "\"m\",1");
     });
     const auto features = ogrFeatures(file("out", 'P'));
     ASSERT_THAT(features, SizeIs(1));
@@ -225,7 +220,7 @@ TEST_P(LayersInterop, PointsInGroups)
 // --- Through OGR and back --------------------------------------------------------------------------------------------
 
 struct RandomObject {
-    bool GisO::*kind;
+    gis::Kind kind;
     char family;
     std::vector<std::int32_t> parts;
     std::vector<Vertex> vertices;
@@ -255,8 +250,8 @@ private:
     RandomObject next()
     {
         switch (below(4)) {
-        case 0: return {&GisO::point, 'P', {1}, {place()}, ""};
-        case 1: return {&GisO::pline, 'L', {1}, path(3 + below(20)), ""};
+        case 0: return {gis::Kind::point, 'P', {1}, {place()}, ""};
+        case 1: return {gis::Kind::polyline, 'L', {1}, path(3 + below(20)), ""};
         case 2: return multiple();
         default: return polygon();
         }
@@ -269,7 +264,7 @@ private:
     }
     RandomObject multiple()
     {
-        RandomObject object{&GisO::plineMultiple, 'L', {}, {}, ""};
+        RandomObject object{gis::Kind::combinedPolyline, 'L', {}, {}, ""};
         for (int part = 2 + below(4); part > 0; --part) {
             object.parts.push_back(static_cast<std::int32_t>(object.vertices.size()) + 1);
             const auto more = path(2 + below(9));
@@ -289,7 +284,7 @@ private:
     }
     RandomObject polygon()
     {
-        RandomObject object{&GisO::region, 'R', {}, {}, ""};
+        RandomObject object{gis::Kind::region, 'R', {}, {}, ""};
         const Vertex corner = place();
         addSquare(object, corner, 64, true);
         for (int hole = below(4); hole > 0; --hole) {
@@ -318,9 +313,9 @@ TEST_P(LayersInterop, ObjectsComeBackFromTheOtherFamilyAsTheyWere)
         const std::string base = std::string("made") + family;
         std::vector<RandomObject> mine;
         std::ranges::copy_if(objects, std::back_inserter(mine), [&](const auto& o) { return o.family == family; });
-        writeLayer(base, std::string(1, family).c_str(), [&](std::int32_t id) {
+        writeLayer(base, std::string(1, family).c_str(), [&](gis::LayerWriter& layer) {
             for (const RandomObject& o : mine) {
-                writeObject(id, o.kind, o.parts, o.vertices, "\"" + o.name + "\",7");
+                writeObject(layer, o.kind, o.parts, o.vertices, "\"" + o.name + "\",7");
             }
         });
         const std::string other = at(std::string("other") + family + (kind() == ".shp" ? ".mif" : ".shp"));
@@ -330,15 +325,16 @@ TEST_P(LayersInterop, ObjectsComeBackFromTheOtherFamilyAsTheyWere)
         ASSERT_EQ(read.size(), mine.size());
         for (std::size_t i = 0; i < mine.size(); ++i) {
             const std::vector<double> numbers = numbersOf(mine[i].vertices);
-            EXPECT_TRUE(read[i].gisO.*(mine[i].kind)) << mine[i].name;
+            EXPECT_EQ(read[i].kind, mine[i].kind) << mine[i].name;
             EXPECT_THAT(valuesOf(read[i].record), ElementsAre(mine[i].name, HasSubstr("7")));
-            if (read[i].gisO.plineMultiple && kind() == ".shp") { // of a .mif the first section is read
+            if (read[i].kind == gis::Kind::combinedPolyline &&
+                kind() == ".shp") { // of a .mif the first section is read
                 EXPECT_TRUE(std::equal(read[i].numbers.begin(), read[i].numbers.end(), numbers.begin()));
             } else {
                 EXPECT_EQ(read[i].numbers, numbers) << mine[i].name;
             }
-            if (read[i].gisO.region) {
-                EXPECT_EQ(read[i].gisO.nr, static_cast<std::int32_t>(mine[i].parts.size()));
+            if (read[i].kind == gis::Kind::region) {
+                EXPECT_EQ(read[i].rings, static_cast<std::int32_t>(mine[i].parts.size()));
             }
         }
     }
@@ -381,15 +377,12 @@ TEST_F(ShpBytesInterop, FilesAreThoseThatOgrWrites)
 {
     const std::vector<RandomObject> objects = RandomObjects(6).some(300);
     startUnits(1000);
-    gisInitialise(-1, "", "", "");
-    gisOutputAttributes().clear();
-    gisOutputAttributes().add("Name", "Char", 20);
-    std::int32_t id = gisOpenLayer(at("out.shp"), kKinds, "O ");
-    gisWriteHeader(id);
+    gis::initialise();
+    gis::LayerWriter layer = gis::createLayer(at("out.shp"), {.columns = {{"Name", "Char", 20}}, .families = kKinds});
     for (const RandomObject& o : objects) {
-        writeObject(id, o.kind, o.parts, o.vertices, "\"" + o.name + "\"");
+        writeObject(layer, o.kind, o.parts, o.vertices, "\"" + o.name + "\"");
     }
-    gisCloseLayer(id);
+    layer.close();
     for (const char family : std::string(kKinds)) {
         const std::string made = std::string("out_") + family;
         ASSERT_TRUE(ogrConvert("-f 'ESRI Shapefile' '" + at("copy.shp") + "' '" + at(made + ".shp") + "' -overwrite"));

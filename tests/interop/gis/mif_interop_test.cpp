@@ -15,25 +15,28 @@ class MifInterop : public OgrTest<> {};
 TEST_F(MifInterop, OgrReadsWhatIsWritten)
 {
     startUnits(1000);
-    gisInitialise(-1, "", "", "");
-    gisCoordSysLine() = "CoordSys NonEarth Units \"m\" Bounds (-1000000, -1000000) (1000000, 1000000)";
-    gisOutputAttributes().clear();
-    gisOutputAttributes().add("Name", "Char", 20);
-    gisOutputAttributes().add("Val", "Float");
-    gisOutputAttributes().add("N", "Integer");
-    std::int32_t id = gisOpenLayer(at("out.mif"), "", "O ");
-    gisWriteHeader(id);
-    gisLayer(id).mifLayer.style1 = "    Symbol (37,255,12)";
-    writeObject(id, &GisO::point, {1}, {{1.5, -2.25}}, "\"a, b\",0.5,1");
-    gisLayer(id).mifLayer.style1 = "    Pen (1,59,0)";
-    writeObject(id, &GisO::line, {1}, {{1, 2}, {3, 4}}, "\"line\",1.5,2");
-    writeObject(id, &GisO::pline, {1}, {{1, 2}, {3, 4}, {5, 7}}, "\"pline\",2.5,3");
-    writeObject(id, &GisO::plineMultiple, {1, 3}, {{1, 2}, {3, 4}, {6, 6}, {7, 9}}, "\"multi\",3.5,4");
-    writeObject(id, &GisO::region, {1}, {{0, 0}, {10, 0}, {10, 6}, {0, 0}}, "\"region\",4.5,5");
-    writeObject(id, &GisO::region, {1, 6}, {{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {1, 1}, {2, 1}, {2, 2}, {1, 1}},
-                "\"hole\",5.5,6");
-    writeObject(id, &GisO::none, {1}, {}, "\"none\",6.5,7");
-    gisCloseLayer(id);
+    gis::initialise();
+    gis::LayerWriter layer = gis::createLayer(
+        at("out.mif"),
+        {.columns = {{"Name", "Char", 20}, {"Val", "Float"}, {"N", "Integer"}},
+         .projection = {"CoordSys NonEarth Units \"m\" Bounds (-1000000, -1000000) (1000000, 1000000)", ""}});
+    gis::Feature point = featureOf(gis::Kind::point, {{1.5, -2.25}}, {}, "\"a, b\",0.5,1");
+    point.style.first = "    Symbol (37,255,12)";
+    layer.write(point);
+    const auto write = [&](gis::Kind kind, const std::vector<std::int32_t>& parts, const std::vector<Vertex>& vertices,
+                           const char* record) {
+        gis::Feature feature = featureOf(kind, vertices, parts, record);
+        feature.style.first = "    Pen (1,59,0)";
+        layer.write(feature);
+    };
+    write(gis::Kind::line, {1}, {{1, 2}, {3, 4}}, "\"line\",1.5,2");
+    write(gis::Kind::polyline, {1}, {{1, 2}, {3, 4}, {5, 7}}, "\"pline\",2.5,3");
+    write(gis::Kind::combinedPolyline, {1, 3}, {{1, 2}, {3, 4}, {6, 6}, {7, 9}}, "\"multi\",3.5,4");
+    write(gis::Kind::region, {1}, {{0, 0}, {10, 0}, {10, 6}, {0, 0}}, "\"region\",4.5,5");
+    write(gis::Kind::region, {1, 6}, {{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {1, 1}, {2, 1}, {2, 2}, {1, 1}},
+          "\"hole\",5.5,6");
+    write(gis::Kind::none, {1}, {}, "\"none\",6.5,7");
+    layer.close();
 
     const auto features = ogrFeatures(at("out.mif"));
     ASSERT_EQ(features.size(), 7U);
@@ -64,17 +67,17 @@ TEST_F(MifInterop, WhatOgrWritesIsRead)
                          "5,\"MULTILINESTRING ((1 1,2 2),(3 3,4 4))\"\n");
     const auto objects = readLayer(at("out.mif"));
     ASSERT_EQ(objects.size(), 5U);
-    EXPECT_TRUE(objects[0].gisO.point);
+    EXPECT_EQ(objects[0].kind, gis::Kind::point);
     EXPECT_THAT(objects[0].numbers, ElementsAre(293000.125, 6178000.5));
-    EXPECT_TRUE(objects[1].gisO.line);
+    EXPECT_EQ(objects[1].kind, gis::Kind::line);
     EXPECT_THAT(objects[1].numbers, ElementsAre(1, 2, 3.5, 4.25));
-    EXPECT_TRUE(objects[2].gisO.pline);
+    EXPECT_EQ(objects[2].kind, gis::Kind::polyline);
     EXPECT_THAT(objects[2].numbers, ElementsAre(1, 2, 3, 4, 5, 7, -8, 9));
-    EXPECT_TRUE(objects[3].gisO.region);
-    EXPECT_EQ(objects[3].gisO.nr, 2);
+    EXPECT_EQ(objects[3].kind, gis::Kind::region);
+    EXPECT_EQ(objects[3].rings, 2);
     EXPECT_THAT(objects[3].numbers, ElementsAre(0, 0, 10, 0, 10, 6, 0, 0, 5, 1, 6, 1, 6, 2, 5, 1));
-    EXPECT_TRUE(objects[4].gisO.plineMultiple);
-    EXPECT_EQ(objects[4].gisO.nSections, 2);
+    EXPECT_EQ(objects[4].kind, gis::Kind::combinedPolyline);
+    EXPECT_EQ(objects[4].sections, 2);
     EXPECT_THAT(objects[4].numbers, ElementsAre(1, 1, 2, 2)); // the first section
     EXPECT_EQ(objects[4].record, "5");
 }

@@ -1,4 +1,4 @@
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
 #include "support/ogr_test.h"
 #include "support/read_layer.h"
 #include "support/write_layer.h"
@@ -16,23 +16,19 @@ class ShpInterop : public OgrTest<> {};
 TEST_F(ShpInterop, OgrReadsWhatIsWritten)
 {
     startUnits(1000);
-    gisInitialise(-1, "", "", "");
-    gisOutputAttributes().clear();
-    gisOutputAttributes().add("Name", "Char", 20);
-    gisOutputAttributes().add("Val", "Float");
-    gisOutputAttributes().add("N", "Integer");
-    std::int32_t id = gisOpenLayer(at("out.shp"), "PLR", "O ");
-    gisWriteHeader(id);
+    gis::initialise();
+    gis::LayerWriter layer = gis::createLayer(
+        at("out.shp"), {.columns = {{"Name", "Char", 20}, {"Val", "Float"}, {"N", "Integer"}}, .families = "PLR"});
     // Rings turn clockwise outside and the other way in holes, as readers of the format expect it of their writer.
-    writeObject(id, &GisO::point, {1}, {{293000.125, 6178000.5}}, "\"a, b\",0.5,1");
-    writeObject(id, &GisO::line, {1}, {{1, 2}, {3, 4}}, "\"line\",1.5,2");
-    writeObject(id, &GisO::pline, {1}, {{1, 2}, {3, 4}, {5, 7}}, "\"pline\",-2.5,3");
-    writeObject(id, &GisO::plineMultiple, {1, 3}, {{1, 2}, {3, 4}, {6, 6}, {7, 9}}, "\"multi\",3.5,4");
-    writeObject(id, &GisO::region, {1}, {{0, 0}, {10, 6}, {10, 0}, {0, 0}}, "\"region\",4.5,5");
-    writeObject(id, &GisO::region, {1, 6}, {{0, 0}, {0, 9}, {9, 9}, {9, 0}, {0, 0}, {1, 1}, {2, 1}, {2, 2}, {1, 1}},
-                "\"hole\",5.5,6");
-    writeObject(id, &GisO::none, {1}, {}, "\"none\",6.5,7");
-    gisCloseLayer(id);
+    writeObject(layer, gis::Kind::point, {1}, {{293000.125, 6178000.5}}, "\"a, b\",0.5,1");
+    writeObject(layer, gis::Kind::line, {1}, {{1, 2}, {3, 4}}, "\"line\",1.5,2");
+    writeObject(layer, gis::Kind::polyline, {1}, {{1, 2}, {3, 4}, {5, 7}}, "\"pline\",-2.5,3");
+    writeObject(layer, gis::Kind::combinedPolyline, {1, 3}, {{1, 2}, {3, 4}, {6, 6}, {7, 9}}, "\"multi\",3.5,4");
+    writeObject(layer, gis::Kind::region, {1}, {{0, 0}, {10, 6}, {10, 0}, {0, 0}}, "\"region\",4.5,5");
+    writeObject(layer, gis::Kind::region, {1, 6},
+                {{0, 0}, {0, 9}, {9, 9}, {9, 0}, {0, 0}, {1, 1}, {2, 1}, {2, 2}, {1, 1}}, "\"hole\",5.5,6");
+    writeObject(layer, gis::Kind::none, {1}, {}, "\"none\",6.5,7");
+    layer.close();
 
     const auto points = ogrFeatures(at("out_P.shp"));
     ASSERT_EQ(points.size(), 2U);
@@ -63,16 +59,13 @@ TEST_F(ShpInterop, OgrReadsWhatIsWritten)
 TEST_F(ShpInterop, OgrFindsRecordsByTheIndex)
 {
     startUnits(1000);
-    gisInitialise(-1, "", "", "");
-    gisOutputAttributes().clear();
-    gisOutputAttributes().add("N", "Integer");
-    std::int32_t id = gisOpenLayer(at("out.shp"), "PL", "O ");
-    gisWriteHeader(id);
+    gis::initialise();
+    gis::LayerWriter layer = gis::createLayer(at("out.shp"), {.columns = {{"N", "Integer"}}, .families = "PL"});
     for (int i = 1; i <= 50; ++i) {
         std::vector<Vertex> vertices(static_cast<std::size_t>(i) + 1, {i * 1.0, i * 2.0});
-        writeObject(id, &GisO::pline, {1}, vertices, std::to_string(i));
+        writeObject(layer, gis::Kind::polyline, {1}, vertices, std::to_string(i));
     }
-    gisCloseLayer(id);
+    layer.close();
     ASSERT_TRUE(ogrConvert("-f CSV -fid 36 -lco GEOMETRY=AS_WKT '" + at("one.csv") + "' '" + at("out_L.shp") + "'"));
     const std::string one = folder.read("one.csv");
     EXPECT_NE(one.find("(37 74,"), std::string::npos) << one;
@@ -86,7 +79,7 @@ TEST_F(ShpInterop, PointsThatOgrWritesAreRead)
                        "1,\"a, b\",2.5,POINT (293000.125 6178000.5)\n2,,-3,POINT (1 2)\n");
     const auto objects = readLayer(at("p.shp"));
     ASSERT_EQ(objects.size(), 2U);
-    EXPECT_TRUE(objects[0].gisO.point);
+    EXPECT_EQ(objects[0].kind, gis::Kind::point);
     EXPECT_THAT(objects[0].numbers, ElementsAre(293000.125, 6178000.5));
     EXPECT_EQ(objects[0].record.substr(objects[0].record.find('1'), 8), "1,\"a, b\"");
     EXPECT_THAT(objects[1].numbers, ElementsAre(1, 2));
@@ -99,7 +92,7 @@ TEST_F(ShpInterop, LinesThatOgrWritesAreRead)
                        "2,y,1.5,\"LINESTRING (1 2,3 4,5 7,-8 9)\"\n");
     const auto objects = readLayer(at("l.shp"));
     ASSERT_EQ(objects.size(), 2U);
-    EXPECT_TRUE(objects[0].gisO.pline);
+    EXPECT_EQ(objects[0].kind, gis::Kind::polyline);
     EXPECT_THAT(objects[0].numbers, ElementsAre(1, 2, 3.5, 4.25));
     EXPECT_THAT(objects[1].numbers, ElementsAre(1, 2, 3, 4, 5, 7, -8, 9));
 }
@@ -111,10 +104,10 @@ TEST_F(ShpInterop, PolygonsThatOgrWritesAreRead)
                        "2,y,1.5,\"MULTIPOLYGON (((20 0,20 6,30 6,20 0)),((40 0,40 6,50 6,40 0)))\"\n");
     const auto objects = readLayer(at("r.shp"));
     ASSERT_EQ(objects.size(), 2U);
-    EXPECT_TRUE(objects[0].gisO.region);
-    EXPECT_EQ(objects[0].gisO.nr, 2);
+    EXPECT_EQ(objects[0].kind, gis::Kind::region);
+    EXPECT_EQ(objects[0].rings, 2);
     EXPECT_THAT(objects[0].numbers, ElementsAre(0, 0, 0, 6, 10, 6, 0, 0, 5, 4, 6, 5, 5, 5, 5, 4));
-    EXPECT_EQ(objects[1].gisO.nr, 2);
+    EXPECT_EQ(objects[1].rings, 2);
     EXPECT_THAT(objects[1].numbers, ElementsAre(20, 0, 20, 6, 30, 6, 20, 0, 40, 0, 40, 6, 50, 6, 40, 0));
 }
 

@@ -1,7 +1,7 @@
 #include "damages/calculation.h"
 
 #include "damages/output.h"
-#include "gis/layers.h"
+#include "gis/layer_table.h"
 #include "host/console.h"
 #include "plane/geometry.h"
 #include "support/child_run.h"
@@ -290,10 +290,10 @@ TEST(WriteGis, AnUnknownTypeEndsTheRun)
 {
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] {
-        gisInitialise(-1, "", "", "");
+        gis::initialise();
         const std::vector<DmgBuilding> buildings(1);
         const std::vector<DmgCurve> curves(1);
-        dmg_write_gis("o.mif", "o.csv", buildings, {}, curves);
+        dmg_write_gis({"o.mif", "o.csv"}, {}, buildings, {}, curves);
     });
     EXPECT_TRUE(run.ended);
     EXPECT_NE(run.console.find("\nERROR - Should not be here: dmg_write_gis[a]\n"), std::string::npos) << run.console;

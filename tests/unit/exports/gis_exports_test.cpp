@@ -1,4 +1,6 @@
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
+#include "gis/layer_table.h"
+#include "gis/layer_writer.h"
 #include "support/child_run.h"
 #include "support/exported_calls.h"
 #include "support/layer_files.h"
@@ -60,8 +62,8 @@ std::string nameOf(const ::gisO& object)
 ChildRun onLayer(const ScratchFolder& folder, std::string_view name, const std::function<void(std::int32_t)>& code)
 {
     const ChildRun run = runInChild(folder, [&] {
-        gisInitialise(-1, "", "", "");
-        const std::int32_t id = gisOpenLayer(name, "", "I ");
+        gis::initialise();
+        const std::int32_t id = gis::openFiles(name).id;
         ::gisReadHeader(id);
         code(id);
         if (testing::Test::HasFailure()) {
@@ -215,21 +217,73 @@ TEST(ExportedLayers, GoBackToTheirBeginnings)
     EXPECT_THAT(run.console, HasSubstr("Rewinding GIS Layer 1...\n"));
 }
 
+struct HandleCall {
+    const char* routine;
+    void (*call)(std::int32_t id);
+};
+const HandleCall kCalls[] = {
+    {"gisReadHeader", [](std::int32_t id) { ::gisReadHeader(id); }},
+    {"gisNumberAttributes", [](std::int32_t id) { ::gisNumberAttributes(id); }},
+    {"gisNumberRecords", [](std::int32_t id) { ::gisNumberRecords(id); }},
+    {"gisGotoBeginningOfData", [](std::int32_t id) { ::gisGotoBeginningOfData(id); }},
+    {"gisGotoBeginningOfAttributes",
+     [](std::int32_t id) {
+         std::int32_t count = 0;
+         ::gisGotoBeginningOfAttributes(id, &count);
+     }},
+    {"gisReadAttributeDefinition",
+     [](std::int32_t id) {
+         const auto definition = std::make_unique<::gisAttribute>();
+         ::gisReadAttributeDefinition(id, definition.get());
+     }},
+    {"gisObjectType", [](std::int32_t id) { ::gisObjectType(id, anyObject().get()); }},
+    {"gisReadObject", [](std::int32_t id) { Shape().read(id, *anyObject()); }},
+    {"gisReadRecord",
+     [](std::int32_t id) {
+         std::string line(10, '~');
+         call(::gisReadRecord, id, anyObject().get(), line);
+     }},
+};
+
 TEST(ExportedLayers, HandlesThatAreNoneEndTheRun)
 {
     const ScratchFolder folder;
     const auto endOf = [&](const std::function<void()>& code) {
         const ChildRun run = runInChild(folder, [&] {
-            gisInitialise(-1, "", "", "");
+            gis::initialise();
             code();
         });
         EXPECT_TRUE(run.ended);
         return run.console;
     };
-    EXPECT_THAT(endOf([] { ::gisNumberAttributes(0); }),
-                HasSubstr("Should not be here gisNumberAttributes[gisID=0] - please contact SUPPORT_CONTACT.\n"));
-    EXPECT_THAT(endOf([] { ::gisNumberRecords(101); }),
-                HasSubstr("Should not be here gisNumberRecords[gisID=0] - please contact SUPPORT_CONTACT.\n"));
+    for (const HandleCall& handle : kCalls) {
+        for (const std::int32_t id : {0, -1, 101}) {
+            EXPECT_THAT(endOf([&] { handle.call(id); }),
+                        HasSubstr("\nShould not be here " + std::string(handle.routine) +
+                                  "[gisID=0] - please contact SUPPORT_CONTACT.\n"))
+                << id;
+        }
+    }
+}
+
+TEST(ExportedLayers, HandlesThatAreNotOpenForReadingEndTheRun)
+{
+    const ScratchFolder folder;
+    for (const HandleCall& handle : kCalls) {
+        const ChildRun run = runInChild(folder, [&] {
+            gis::initialise();
+            gis::createLayer("o.mif", {});
+            handle.call(1);
+        });
+        const std::string words =
+            "\nShould not be here [" + std::string(handle.routine) + "] - please contact SUPPORT_CONTACT.\n";
+        EXPECT_THAT(run.console, HasSubstr(words));
+        const ChildRun other = runInChild(folder, [&] {
+            gis::initialise();
+            handle.call(3);
+        });
+        EXPECT_THAT(other.console, HasSubstr(words));
+    }
 }
 
 TEST(ExportedWords, AreFoundInControlLines)

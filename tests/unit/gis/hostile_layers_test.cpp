@@ -1,5 +1,6 @@
 // Layers that are cut short, damaged or absurd: every run ends by itself, in bounded memory.
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
+#include "gis/layer_table.h"
 
 #include "host/console.h"
 #include "support/child_run.h"
@@ -18,21 +19,21 @@ using testing::EndsWith;
 
 void readAll(const char* name, bool coordinates)
 {
-    gisInitialise(-1, "", "", "");
-    std::int32_t gisID = gisOpenLayer(name, "", "I ");
-    gisReadHeader(gisID);
-    GisO gisO;
-    GisCoordinates c;
+    gis::initialise();
+    gis::OpenLayer& layer = gis::openFiles(name);
+    gis::readHeader(layer);
+    gis::LayerObject object;
+    gis::Coordinates c;
     std::string line;
     int objects = 0;
-    while (!gisLayer(gisID).layerEnd) {
-        if (gisObjectType(gisID, gisO)) {
-            gisReadRecord(gisID, gisO, line);
-            gisReadObject(gisID, gisO, c, 1000, coordinates);
+    while (!layer.end) {
+        if (gis::readKind(layer, object)) {
+            gis::readRecord(layer, object.name, line);
+            gis::readCoordinates(layer, object, c, 1000, coordinates);
             ++objects;
         }
     }
-    gisCloseLayer(gisID);
+    gis::close(layer);
     say("objects ", objects);
 }
 

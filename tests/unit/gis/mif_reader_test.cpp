@@ -1,6 +1,8 @@
-#include "gis/mif_reader.h"
+#include "gis/mif/reader.h"
 
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
+#include "gis/layer_table.h"
+#include "gis/mif/keywords.h"
 #include "host/console.h"
 #include "support/child_run.h"
 #include "support/layer_files.h"
@@ -17,9 +19,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 // One object as it comes out of the read loop.
-struct ReadObject {
-    GisO gisO;
-    std::string record;
+struct ReadObject : gis::LayerObject {
     std::vector<double> x;
     std::vector<double> y;
     double xc = 0;
@@ -33,7 +33,7 @@ protected:
     MifReading()
     {
         startUnits(1000);
-        gisInitialise(-1, "", "", "");
+        gis::initialise();
     }
     ~MifReading() override { closeAllUnits(false); }
 
@@ -41,17 +41,12 @@ protected:
     std::vector<ReadObject> read(std::string_view body, int records, std::int32_t maxVertices = 1000)
     {
         giveMif(folder, "l", body, records);
-        std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
-        gisReadHeader(id);
+        gis::LayerReader layer = gis::openLayer((folder.path() / "l.mif").string());
         std::vector<ReadObject> objects;
-        GisCoordinates c;
-        while (!gisLayer(id).layerEnd) {
-            ReadObject object;
-            if (!gisObjectType(id, object.gisO)) {
-                continue;
-            }
-            gisReadRecord(id, object.gisO, object.record);
-            gisReadObject(id, object.gisO, c, maxVertices);
+        gis::Coordinates c;
+        while (gis::LayerObject* next = layer.next()) {
+            layer.readCoordinates(*next, c, maxVertices);
+            ReadObject object{*next, {}, {}};
             object.x.assign(c.x.begin(), c.x.begin() + c.np);
             object.y.assign(c.y.begin(), c.y.begin() + c.np);
             object.xc = c.xc;
@@ -60,7 +55,7 @@ protected:
             object.length = c.length;
             objects.push_back(object);
         }
-        gisCloseLayer(id);
+        layer.close();
         return objects;
     }
 
@@ -74,16 +69,16 @@ protected:
     std::string endOfFile(std::int32_t maxVertices = 1000, bool coordinates = true)
     {
         const ChildRun run = runInChild(folder, [&] {
-            gisInitialise(-1, "", "", "");
-            std::int32_t id = gisOpenLayer("l.mif", "", "I ");
-            gisReadHeader(id);
-            GisO gisO;
-            GisCoordinates c;
+            gis::initialise();
+            gis::OpenLayer& layer = gis::openFiles("l.mif");
+            gis::readHeader(layer);
+            gis::LayerObject object;
+            gis::Coordinates c;
             std::string record;
-            while (!gisLayer(id).layerEnd) {
-                if (gisObjectType(id, gisO)) {
-                    gisReadRecord(id, gisO, record);
-                    gisReadObject(id, gisO, c, maxVertices, coordinates);
+            while (!layer.end) {
+                if (gis::readKind(layer, object)) {
+                    gis::readRecord(layer, object.name, record);
+                    gis::readCoordinates(layer, object, c, maxVertices, coordinates);
                 }
             }
         });
@@ -96,37 +91,26 @@ protected:
 
 // --- Header ----------------------------------------------------------------------------------------------------------
 
+void expectDefinition(std::string_view line, std::string_view name, std::string_view type)
+{
+    const gis::Column column = gis::mif::splitDefinition(line, 32);
+    EXPECT_EQ(column.name, name);
+    EXPECT_EQ(column.type, type);
+}
+
 TEST_F(MifReading, SplitsADefinitionAtTheFirstBlank)
 {
-    std::string name;
-    std::string type;
-    mifSplitDefinition("  Name Char(12)", name, type, 32);
-    EXPECT_EQ(name, "Name");
-    EXPECT_EQ(type, "Char(12)");
-    mifSplitDefinition("Area  Char (50)", name, type, 32);
-    EXPECT_EQ(name, "Area");
-    EXPECT_EQ(type, "Char (50)");
-    mifSplitDefinition("Lonely", name, type, 32);
-    EXPECT_EQ(name, "Lonely");
-    EXPECT_EQ(type, "");
-    mifSplitDefinition(std::string(40, 'n') + " " + std::string(30, 't'), name, type, 32);
-    EXPECT_EQ(name, std::string(32, 'n'));
-    EXPECT_EQ(type, std::string(24, 't'));
+    expectDefinition("  Name Char(12)", "Name", "Char(12)");
+    expectDefinition("Area  Char (50)", "Area", "Char (50)");
+    expectDefinition("Lonely", "Lonely", "");
+    expectDefinition(std::string(40, 'n') + " " + std::string(30, 't'), std::string(32, 'n'), std::string(24, 't'));
 }
 
 TEST_F(MifReading, TabsInADefinitionCountAsBlanks)
 {
-    std::string name;
-    std::string type;
-    mifSplitDefinition("\tName\tChar\t(12)\t", name, type, 32);
-    EXPECT_EQ(name, "Name");
-    EXPECT_EQ(type, "Char (12)");
-    mifSplitDefinition(" \tArea \t Decimal(9,\t2)", name, type, 32);
-    EXPECT_EQ(name, "Area");
-    EXPECT_EQ(type, "Decimal(9, 2)");
-    mifSplitDefinition("\tLonely\t", name, type, 32);
-    EXPECT_EQ(name, "Lonely");
-    EXPECT_EQ(type, "");
+    expectDefinition("\tName\tChar\t(12)\t", "Name", "Char (12)");
+    expectDefinition(" \tArea \t Decimal(9,\t2)", "Area", "Decimal(9, 2)");
+    expectDefinition("\tLonely\t", "Lonely", "");
 }
 
 TEST_F(MifReading, TabsInObjectLinesCountAsBlanks)
@@ -145,8 +129,8 @@ TEST_F(MifReading, TabsInObjectLinesCountAsBlanks)
     EXPECT_THAT(objects[1].y, ElementsAre(4));
     EXPECT_THAT(objects[2].x, ElementsAre(1, 3));
     EXPECT_THAT(objects[3].y, ElementsAre(2, 6));
-    EXPECT_EQ(objects[4].gisO.name, "PLINE MULTIPLE");
-    EXPECT_EQ(objects[4].gisO.nSections, 1);
+    EXPECT_EQ(objects[4].name, "PLINE MULTIPLE");
+    EXPECT_EQ(objects[4].sections, 1);
     EXPECT_THAT(objects[4].x, ElementsAre(7, 9));
     EXPECT_THAT(objects[5].x, ElementsAre(0, 10, 10, 0, 0, 10));
     EXPECT_EQ(objects[5].xc, 7);
@@ -202,65 +186,61 @@ TEST_F(MifReading, ColumnsPastTheLimitEndTheRun)
 
 // --- Kinds -----------------------------------------------------------------------------------------------------------
 
+// The .mif of a test's own, open for the search for objects.
+gis::mif::Input openObjects(const ScratchFolder& folder, std::string_view text)
+{
+    folder.give("o.txt", text);
+    gis::mif::Input input;
+    OPENER(input.mifUnit, "I ", (folder.path() / "o.txt").string());
+    return input;
+}
+
 TEST_F(MifReading, KnowsEachKeyword)
 {
-    const std::vector<std::pair<std::string, bool GisO::*>> kinds = {
-        {"POINT", &GisO::point},
-        {"PLINE MULTIPLE", &GisO::plineMultiple},
-        {"PLINE", &GisO::pline},
-        {"LINE", &GisO::line},
-        {"REGION", &GisO::region},
-        {"MULTIPOINT", &GisO::multipoint},
-        {"NONE", &GisO::none},
-        {"RECT", &GisO::rect},
-        {"ROUNDRECT", &GisO::roundRect},
-        {"TEXT", &GisO::text},
-        {"ARC", &GisO::arc},
-        {"ELLIPSE", &GisO::ellipse},
+    const std::vector<std::pair<std::string, gis::Kind>> kinds = {
+        {"POINT", gis::Kind::point},
+        {"PLINE MULTIPLE", gis::Kind::combinedPolyline},
+        {"PLINE", gis::Kind::polyline},
+        {"LINE", gis::Kind::line},
+        {"REGION", gis::Kind::region},
+        {"MULTIPOINT", gis::Kind::multipoint},
+        {"NONE", gis::Kind::none},
+        {"RECT", gis::Kind::rectangle},
+        {"ROUNDRECT", gis::Kind::roundedRectangle},
+        {"TEXT", gis::Kind::text},
+        {"ARC", gis::Kind::arc},
+        {"ELLIPSE", gis::Kind::ellipse},
     };
-    for (const auto& [keyword, flag] : kinds) {
+    for (const auto& [keyword, kind] : kinds) {
+        EXPECT_EQ(gis::mif::keywordOf(kind), keyword);
         for (const char* form : {"%", "   %", "\t%", " \t %"}) {
             std::string line = form;
             std::string mixed = keyword;
             mixed[1] = static_cast<char>(mixed[1] - 'A' + 'a');
             line.replace(line.find('%'), 1, mixed);
-            folder.give("o.txt", "    Pen (1,2,0)\nBrush (2,16777215)\n\nCenter 1 2\n3 4\n" + line + " 7 rest\nnext\n");
-            Unit unit = 0;
-            OPENER(unit, "I ", (folder.path() / "o.txt").string());
-            GisO gisO;
-            std::string found;
-            std::string rest;
-            ASSERT_TRUE(mifObjectType(unit, found, rest, gisO)) << line;
-            EXPECT_TRUE(gisO.*flag) << line;
-            EXPECT_EQ(gisO.name, keyword);
-            EXPECT_EQ(rest, " 7 rest");
-            int flags = 0;
-            for (const auto& [otherKeyword, other] : kinds) {
-                flags += gisO.*other ? 1 : 0;
-            }
-            EXPECT_EQ(flags, 1) << line;
-            EXPECT_FALSE(mifObjectType(unit, found, rest, gisO));
-            EXPECT_TRUE(atEnd(unit));
-            CLOSER(unit);
+            gis::mif::Input input = openObjects(folder, "    Pen (1,2,0)\nBrush (2,16777215)\n\nCenter 1 2\n3 4\n" +
+                                                            line + " 7 rest\nnext\n");
+            gis::LayerObject object;
+            ASSERT_TRUE(readKind(input, object)) << line;
+            EXPECT_EQ(object.kind, kind) << line;
+            EXPECT_EQ(object.name, keyword);
+            EXPECT_EQ(input.rest, " 7 rest");
+            EXPECT_FALSE(readKind(input, object));
+            EXPECT_TRUE(atEnd(input.mifUnit));
+            CLOSER(input.mifUnit);
         }
     }
 }
 
 TEST_F(MifReading, WordsNeedNoBlankBehindThem)
 {
-    folder.give("o.txt", "Points\nLineString 5\nRegions\n");
-    Unit unit = 0;
-    OPENER(unit, "I ", (folder.path() / "o.txt").string());
-    GisO gisO;
-    std::string line;
-    std::string rest;
-    EXPECT_TRUE(mifObjectType(unit, line, rest, gisO) && gisO.point);
-    EXPECT_EQ(rest, "s");
-    gisO.clear();
-    EXPECT_TRUE(mifObjectType(unit, line, rest, gisO) && gisO.line);
-    EXPECT_EQ(rest, "String 5");
-    gisO.clear();
-    EXPECT_TRUE(mifObjectType(unit, line, rest, gisO) && gisO.region);
+    gis::mif::Input input = openObjects(folder, "Points\nLineString 5\nRegions\n");
+    gis::LayerObject object;
+    EXPECT_TRUE(readKind(input, object) && object.kind == gis::Kind::point);
+    EXPECT_EQ(input.rest, "s");
+    EXPECT_TRUE(readKind(input, object) && object.kind == gis::Kind::line);
+    EXPECT_EQ(input.rest, "String 5");
+    EXPECT_TRUE(readKind(input, object) && object.kind == gis::Kind::region);
 }
 
 TEST_F(MifReading, CollectionsEndTheRun)
@@ -277,7 +257,7 @@ TEST_F(MifReading, RegionsOf10000RingsPassAndOfOneMoreEndTheRun)
     }
     const auto objects = read(body, 1, 100000);
     ASSERT_EQ(objects.size(), 1U);
-    EXPECT_EQ(objects[0].gisO.nr, 10000);
+    EXPECT_EQ(objects[0].rings, 10000);
     EXPECT_EQ(objects[0].x.size(), 10000U);
     EXPECT_THAT(endOf("  REGION 10001\n1\n"),
                 HasSubstr("\n\nERROR 0304 - Exceeded maximum number of polygons in region below of 10000\n"
@@ -286,21 +266,16 @@ TEST_F(MifReading, RegionsOf10000RingsPassAndOfOneMoreEndTheRun)
 
 TEST_F(MifReading, CountsThatCannotBeReadStayOne)
 {
-    folder.give("o.txt", "Region x\nPline Multiple\nMultiPoint 4\n");
-    Unit unit = 0;
-    OPENER(unit, "I ", (folder.path() / "o.txt").string());
-    GisO gisO;
-    std::string line;
-    std::string rest;
-    gisO.clear();
-    ASSERT_TRUE(mifObjectType(unit, line, rest, gisO));
-    EXPECT_EQ(gisO.nr, 1);
-    gisO.clear();
-    ASSERT_TRUE(mifObjectType(unit, line, rest, gisO));
-    EXPECT_EQ(gisO.nSections, 1);
-    gisO.clear();
-    ASSERT_TRUE(mifObjectType(unit, line, rest, gisO));
-    EXPECT_EQ(gisO.nSections, 4);
+    gis::mif::Input input = openObjects(folder, "Region x\nPline Multiple\nMultiPoint 4\n");
+    gis::LayerObject object;
+    ASSERT_TRUE(readKind(input, object));
+    EXPECT_EQ(object.rings, 1);
+    object.clear();
+    ASSERT_TRUE(readKind(input, object));
+    EXPECT_EQ(object.sections, 1);
+    object.clear();
+    ASSERT_TRUE(readKind(input, object));
+    EXPECT_EQ(object.sections, 4);
 }
 
 // --- Coordinates -----------------------------------------------------------------------------------------------------
@@ -315,7 +290,7 @@ TEST_F(MifReading, PointsStandOnTheirLineOrTheNext)
     EXPECT_EQ(objects[0].yc, -2);
     EXPECT_EQ(objects[0].angle, 0);
     EXPECT_EQ(objects[0].length, 0);
-    EXPECT_TRUE(objects[0].gisO.haveCoordinates);
+    EXPECT_TRUE(objects[0].haveCoordinates);
     EXPECT_EQ(objects[0].record, "\"r1\",1");
     EXPECT_EQ(objects[1].x[0], 3);
     EXPECT_EQ(objects[1].y[0], 400);
@@ -326,23 +301,23 @@ TEST_F(MifReading, PointsStandOnTheirLineOrTheNext)
 TEST_F(MifReading, APointFillsTwoSlots)
 {
     giveMif(folder, "l", "Point 1 2\n");
-    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
-    gisReadHeader(id);
-    GisO gisO;
-    GisCoordinates c;
-    gisObjectType(id, gisO);
-    gisReadObject(id, gisO, c, 2);
+    gis::OpenLayer& layer = gis::openFiles((folder.path() / "l.mif").string());
+    gis::readHeader(layer);
+    gis::LayerObject object;
+    gis::Coordinates c;
+    gis::readKind(layer, object);
+    gis::readCoordinates(layer, object, c, 2);
     EXPECT_EQ(c.np, 1);
     EXPECT_EQ(c.x[1], 1);
     EXPECT_EQ(c.y[1], 2);
-    gisCloseLayer(id);
+    gis::close(layer);
 }
 
 TEST_F(MifReading, AMultipointGivesItsFirstPoint)
 {
     const auto objects = read("MultiPoint 3\n1 2\n3 4\n5 6\nPoint 7 8\n", 2);
     ASSERT_EQ(objects.size(), 2U);
-    EXPECT_EQ(objects[0].gisO.nSections, 3);
+    EXPECT_EQ(objects[0].sections, 3);
     EXPECT_THAT(objects[0].x, ElementsAre(1));
     EXPECT_EQ(objects[1].x[0], 7);
 }
@@ -357,10 +332,10 @@ TEST_F(MifReading, LinesAndRectanglesAreTwoVertices)
     EXPECT_EQ(objects[0].yc, 4);
     EXPECT_EQ(objects[0].length, 5.0F); // 3, 4, 5
     EXPECT_EQ(objects[0].angle, static_cast<float>(std::atan2(4.0, 3.0) * 180.0 / std::acos(-1.0)));
-    EXPECT_TRUE(objects[1].gisO.rect);
+    EXPECT_EQ(objects[1].kind, gis::Kind::rectangle);
     EXPECT_THAT(objects[1].x, ElementsAre(0, 10));
     EXPECT_EQ(objects[1].yc, 10);
-    EXPECT_TRUE(objects[2].gisO.roundRect);
+    EXPECT_EQ(objects[2].kind, gis::Kind::roundedRectangle);
     EXPECT_EQ(objects[2].angle, 0);
     EXPECT_EQ(objects[2].length, 2);
 }
@@ -369,12 +344,12 @@ TEST_F(MifReading, EllipsesAndArcsHaveNoVertices)
 {
     const auto objects = read("Point 1 1\nEllipse 0 0 1 1\nArc 0 0 1 1\n 0 90\nNone\nText \"a\"\n 1 2 3 4\n", 5);
     ASSERT_EQ(objects.size(), 5U);
-    EXPECT_TRUE(objects[1].gisO.ellipse);
+    EXPECT_EQ(objects[1].kind, gis::Kind::ellipse);
     EXPECT_TRUE(objects[1].x.empty());
-    EXPECT_FALSE(objects[1].gisO.haveCoordinates);
-    EXPECT_TRUE(objects[2].gisO.arc);
-    EXPECT_TRUE(objects[3].gisO.none);
-    EXPECT_TRUE(objects[4].gisO.text);
+    EXPECT_FALSE(objects[1].haveCoordinates);
+    EXPECT_EQ(objects[2].kind, gis::Kind::arc);
+    EXPECT_EQ(objects[3].kind, gis::Kind::none);
+    EXPECT_EQ(objects[4].kind, gis::Kind::text);
     EXPECT_EQ(objects[4].record, "\"r5\",5");
 }
 
@@ -383,7 +358,7 @@ TEST_F(MifReading, PolylinesHaveTheirCentreAtHalfOfTheirLength)
     // 4 east, then 6 north: half of the length, 5, lies 1 up the second segment.
     const auto objects = read("\tPline 3\n0 0\n4 0\n4,6\n    Pen (1,2,0)\npline 2\n1 1\n1 1\n", 2);
     ASSERT_EQ(objects.size(), 2U);
-    EXPECT_TRUE(objects[0].gisO.pline);
+    EXPECT_EQ(objects[0].kind, gis::Kind::polyline);
     EXPECT_THAT(objects[0].x, ElementsAre(0, 4, 4));
     EXPECT_THAT(objects[0].y, ElementsAre(0, 0, 6));
     EXPECT_EQ(objects[0].length, 10);
@@ -415,9 +390,8 @@ TEST_F(MifReading, OfAMultiplePolylineTheFirstSectionIsRead)
 {
     const auto objects = read("Pline Multiple 2\n  2\n1 2\n3 4\n  3\n5 6\n7 8\n9 9\n    Pen (1,2,0)\nPoint 7 7\n", 2);
     ASSERT_EQ(objects.size(), 2U);
-    EXPECT_TRUE(objects[0].gisO.plineMultiple);
-    EXPECT_FALSE(objects[0].gisO.pline);
-    EXPECT_EQ(objects[0].gisO.nSections, 2);
+    EXPECT_EQ(objects[0].kind, gis::Kind::combinedPolyline);
+    EXPECT_EQ(objects[0].sections, 2);
     EXPECT_THAT(objects[0].x, ElementsAre(1, 3));
     EXPECT_EQ(objects[1].x[0], 7);
 }
@@ -426,9 +400,9 @@ TEST_F(MifReading, ARegionRepeatsItsSecondVertexBehindItsLast)
 {
     const auto objects = read("Region  1\n  5\n0 0\n10 0\n10 6\n0 6\n0 0\n    Pen (1,2,0)\n    Brush (1,0)\n", 1);
     ASSERT_EQ(objects.size(), 1U);
-    EXPECT_TRUE(objects[0].gisO.region);
-    EXPECT_EQ(objects[0].gisO.nr, 1);
-    EXPECT_EQ(objects[0].gisO.ir[0], 5);
+    EXPECT_EQ(objects[0].kind, gis::Kind::region);
+    EXPECT_EQ(objects[0].rings, 1);
+    EXPECT_EQ(objects[0].parts[0], 5);
     EXPECT_THAT(objects[0].x, ElementsAre(0, 10, 10, 0, 0, 10));
     EXPECT_THAT(objects[0].y, ElementsAre(0, 0, 6, 6, 0, 0));
     EXPECT_EQ(objects[0].xc, 5); // the mean of the four corners
@@ -439,9 +413,9 @@ TEST_F(MifReading, EachRingOfARegionHasItsSlot)
 {
     const auto objects = read("Region  2\n  5\n0 0\n10 0\n10 6\n0 6\n0 0\n 4\n1 1\n2 1\n2 2\n1 1\n", 1);
     ASSERT_EQ(objects.size(), 1U);
-    EXPECT_EQ(objects[0].gisO.nr, 2);
-    EXPECT_EQ(objects[0].gisO.ir[0], 5);
-    EXPECT_EQ(objects[0].gisO.ir[1], 10);
+    EXPECT_EQ(objects[0].rings, 2);
+    EXPECT_EQ(objects[0].parts[0], 5);
+    EXPECT_EQ(objects[0].parts[1], 10);
     EXPECT_THAT(objects[0].x, ElementsAre(0, 10, 10, 0, 0, 10, 1, 2, 2, 1, 2));
     // The mean runs over all but the last two: 5 of the first ring, its slot, and 3 of the second.
     EXPECT_DOUBLE_EQ(objects[0].xc, (0 + 10 + 10 + 0 + 0 + 10 + 1 + 2 + 2) / 9.0);
@@ -477,44 +451,44 @@ TEST_F(MifReading, LowerCaseAndCrLfReadTheSame)
 TEST_F(MifReading, ObjectsThatAreNotReadArePassedOver)
 {
     giveMif(folder, "l", "Pline 2\n1 1\n2 2\nRegion 1\n4\n0 0\n3 0\n3 3\n0 0\nPoint 8 9\n", 3);
-    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
-    gisReadHeader(id);
-    GisO gisO;
-    GisCoordinates c;
+    gis::OpenLayer& layer = gis::openFiles((folder.path() / "l.mif").string());
+    gis::readHeader(layer);
+    gis::LayerObject object;
+    gis::Coordinates c;
     std::string record;
-    while (!gisLayer(id).layerEnd) {
-        if (gisObjectType(id, gisO)) {
-            gisReadRecord(id, gisO, record);
-            if (gisO.point) {
-                gisReadObject(id, gisO, c, 2);
+    while (!layer.end) {
+        if (gis::readKind(layer, object)) {
+            gis::readRecord(layer, object.name, record);
+            if (object.kind == gis::Kind::point) {
+                gis::readCoordinates(layer, object, c, 2);
             }
         }
     }
     EXPECT_EQ(c.x[0], 8);
     EXPECT_EQ(record, "\"r3\",3");
-    gisCloseLayer(id);
+    gis::close(layer);
 }
 
 TEST_F(MifReading, WithoutCoordinatesOnlyTheFirstVertexIsRead)
 {
     giveMif(folder, "l", "Pline 3\n1 2\nx\ny\nRegion 1\n4\n5 6\nx\nx\nx\nPoint 8 9\n", 3);
-    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
-    gisReadHeader(id);
-    GisO gisO;
-    GisCoordinates c;
-    gisObjectType(id, gisO);
-    gisReadObject(id, gisO, c, 2, false); // three vertices, but none is stored past the first
+    gis::OpenLayer& layer = gis::openFiles((folder.path() / "l.mif").string());
+    gis::readHeader(layer);
+    gis::LayerObject object;
+    gis::Coordinates c;
+    gis::readKind(layer, object);
+    gis::readCoordinates(layer, object, c, 2, false); // three vertices, but none is stored past the first
     EXPECT_EQ(c.np, 3);
     EXPECT_EQ(c.x[0], 1);
-    gisObjectType(id, gisO);
-    ASSERT_TRUE(gisO.region);
-    gisReadObject(id, gisO, c, 2, false);
+    gis::readKind(layer, object);
+    ASSERT_EQ(object.kind, gis::Kind::region);
+    gis::readCoordinates(layer, object, c, 2, false);
     EXPECT_EQ(c.np, 5);
-    EXPECT_EQ(gisO.ir[0], 4);
+    EXPECT_EQ(object.parts[0], 4);
     EXPECT_EQ(c.x[0], 5);
-    gisObjectType(id, gisO);
-    EXPECT_TRUE(gisO.point);
-    gisCloseLayer(id);
+    gis::readKind(layer, object);
+    EXPECT_EQ(object.kind, gis::Kind::point);
+    gis::close(layer);
 }
 
 TEST_F(MifReading, WithoutCoordinatesFurtherRingsPassOverTooManyLines)
@@ -525,16 +499,16 @@ TEST_F(MifReading, WithoutCoordinatesFurtherRingsPassOverTooManyLines)
         body += "skipped\n";
     }
     giveMif(folder, "l", body + "Point 8 9\n", 2);
-    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
-    gisReadHeader(id);
-    GisO gisO;
-    GisCoordinates c;
-    gisObjectType(id, gisO);
-    gisReadObject(id, gisO, c, 2, false);
+    gis::OpenLayer& layer = gis::openFiles((folder.path() / "l.mif").string());
+    gis::readHeader(layer);
+    gis::LayerObject object;
+    gis::Coordinates c;
+    gis::readKind(layer, object);
+    gis::readCoordinates(layer, object, c, 2, false);
     EXPECT_EQ(c.np, 10);
-    gisObjectType(id, gisO);
-    EXPECT_TRUE(gisO.point);
-    gisCloseLayer(id);
+    gis::readKind(layer, object);
+    EXPECT_EQ(object.kind, gis::Kind::point);
+    gis::close(layer);
 }
 
 // --- What cannot be read ---------------------------------------------------------------------------------------------
@@ -567,47 +541,32 @@ TEST_F(MifReading, WhatIsMissingEndsTheRun)
 // The memory of a process opens like a file and refuses to be read at its start.
 TEST_F(MifReading, AReadThatTheSystemRefusesIsNoEndOfTheFile)
 {
-    const auto consoleOf = [&](const std::function<void(Unit)>& code) {
+    const auto consoleOf = [&](const std::function<void(gis::mif::Input&)>& code) {
         return runInChild(folder,
                           [&] {
-                              Unit unit = 0;
-                              OPENER(unit, "I ", "/proc/self/mem");
-                              code(unit);
+                              gis::mif::Input input;
+                              OPENER(input.mifUnit, "I ", "/proc/self/mem");
+                              code(input);
                           })
             .console;
     };
     const auto ending = [](const std::string& message) {
         return testing::EndsWith("\n\n" + message + "\n\nPress Enter to Close\n");
     };
-    EXPECT_THAT(consoleOf([](Unit unit) {
-                    GisO gisO;
-                    std::string line;
-                    std::string rest;
-                    mifObjectType(unit, line, rest, gisO);
+    EXPECT_THAT(consoleOf([](gis::mif::Input& input) {
+                    gis::LayerObject object;
+                    readKind(input, object);
                 }),
                 ending("ERROR 0321 - Reading .mif file object type."));
-    EXPECT_THAT(consoleOf([](Unit unit) {
-                    MifLayer mif;
-                    mif.mifUnit = unit;
-                    GisO gisO;
-                    gisO.point = true;
-                    GisCoordinates c;
-                    bool needCentre = true;
-                    mifReadObject(mif, gisO, c, 10, needCentre, true);
+    EXPECT_THAT(consoleOf([](gis::mif::Input& input) {
+                    gis::LayerObject object;
+                    object.kind = gis::Kind::point;
+                    gis::Coordinates c;
+                    readCoordinates(input, object, c, 10, true);
                 }),
                 ending("ERROR 0308 - Reading .mif file.  Check file format is not corrupted."));
-    EXPECT_THAT(consoleOf([](Unit unit) {
-                    MifLayer mif;
-                    mif.mifUnit = unit;
-                    mifReadHeader(mif);
-                }),
+    EXPECT_THAT(consoleOf([](gis::mif::Input& input) { readHeader(input); }),
                 ending("ERROR 0315 - Could not find start of attribute definitions in .mif file"));
-    EXPECT_THAT(consoleOf([](Unit unit) {
-                    Unit out = 0;
-                    OPENER(out, "O ", "copy.mif");
-                    mifCopyHeader(unit, out);
-                }),
-                ending("ERROR 0301 - Reading data (mifCopyHeader)"));
 }
 
 TEST_F(MifReading, RegionsNeedFiveSlots)
@@ -649,17 +608,17 @@ TEST_F(MifReading, ARecordThatIsMissingEndsTheRun)
 TEST_F(MifReading, TheEndOfTheMidAloneDoesNotEndTheLayer)
 {
     giveMif(folder, "l", "Pline 2\n1 1\n2 2\nPoint 3 4\n", 1);
-    std::int32_t id = gisOpenLayer((folder.path() / "l.mif").string(), "", "I ");
-    gisReadHeader(id);
-    GisO gisO;
+    gis::OpenLayer& layer = gis::openFiles((folder.path() / "l.mif").string());
+    gis::readHeader(layer);
+    gis::LayerObject object;
     std::string record;
-    ASSERT_TRUE(gisObjectType(id, gisO));
-    gisReadRecord(id, gisO, record);
-    EXPECT_FALSE(gisLayer(id).layerEnd); // and the coordinates are skipped
-    ASSERT_TRUE(gisObjectType(id, gisO));
-    EXPECT_TRUE(gisO.point);
-    EXPECT_TRUE(gisLayer(id).layerEnd);
-    gisCloseLayer(id);
+    ASSERT_TRUE(gis::readKind(layer, object));
+    gis::readRecord(layer, object.name, record);
+    EXPECT_FALSE(layer.end); // and the coordinates are skipped
+    ASSERT_TRUE(gis::readKind(layer, object));
+    EXPECT_EQ(object.kind, gis::Kind::point);
+    EXPECT_TRUE(layer.end);
+    gis::close(layer);
 }
 
 TEST_F(MifReading, MoreRecordsThanObjectsDoNoHarm)
@@ -671,13 +630,13 @@ TEST_F(MifReading, AnObjectWithoutKindEndsTheRun)
 {
     giveMif(folder, "l", "Point 1 2\n");
     const ChildRun run = runInChild(folder, [] {
-        gisInitialise(-1, "", "", "");
-        std::int32_t id = gisOpenLayer("l.mif", "", "I ");
-        gisReadHeader(id);
-        GisO gisO;
-        GisCoordinates c;
-        gisO.name = "STRANGE";
-        gisReadObject(id, gisO, c, 10);
+        gis::initialise();
+        gis::OpenLayer& layer = gis::openFiles("l.mif");
+        gis::readHeader(layer);
+        gis::LayerObject object;
+        gis::Coordinates c;
+        object.name = "STRANGE";
+        gis::readCoordinates(layer, object, c, 10);
     });
     EXPECT_THAT(run.console,
                 HasSubstr("\n\nERROR 0253 - Failed to read coordinates for a STRANGE object in GIS layer.\n"));
@@ -689,15 +648,15 @@ TEST_F(MifReading, LinesAreCutAt1000Characters)
     folder.give("l.mid", std::string(1005, 'a') + "\n");
     // "Point ", 990 blanks and the first four characters: "12 3".
     const ChildRun run = runInChild(folder, [] {
-        gisInitialise(-1, "", "", "");
-        std::int32_t id = gisOpenLayer("l.mif", "", "I ");
-        gisReadHeader(id);
-        GisO gisO;
-        GisCoordinates c;
+        gis::initialise();
+        gis::OpenLayer& layer = gis::openFiles("l.mif");
+        gis::readHeader(layer);
+        gis::LayerObject object;
+        gis::Coordinates c;
         std::string record;
-        gisObjectType(id, gisO);
-        gisReadRecord(id, gisO, record);
-        gisReadObject(id, gisO, c, 10);
+        gis::readKind(layer, object);
+        gis::readRecord(layer, object.name, record);
+        gis::readCoordinates(layer, object, c, 10);
         say("x ", static_cast<int>(c.x[0]), " y ", static_cast<int>(c.y[0]), " record ", record.size());
     });
     EXPECT_THAT(run.console, HasSubstr("x 12 y 3 record 1000\n"));
@@ -709,23 +668,23 @@ TEST_F(MifReading, GoesBackToTheBeginning)
 {
     giveMif(folder, "l", "Point 1 2\nPoint 3 4\n", 3);
     const ChildRun run = runInChild(folder, [] {
-        gisInitialise(-1, "", "", "");
-        std::int32_t id = gisOpenLayer("l.mif", "", "I ");
-        gisReadHeader(id);
-        GisO gisO;
-        GisCoordinates c;
+        gis::initialise();
+        gis::OpenLayer& layer = gis::openFiles("l.mif");
+        gis::readHeader(layer);
+        gis::LayerObject object;
+        gis::Coordinates c;
         std::string record;
         for (int round = 0; round < 2; ++round) {
-            gisObjectType(id, gisO);
-            gisReadRecord(id, gisO, record);
-            gisReadObject(id, gisO, c, 10);
+            gis::readKind(layer, object);
+            gis::readRecord(layer, object.name, record);
+            gis::readCoordinates(layer, object, c, 10);
             say("x ", static_cast<int>(c.x[0]), " ", record);
-            gisGotoBeginningOfData(id);
-            say("end ", gisLayer(id).layerEnd ? 1 : 0, " records ", gisNumberRecords(id));
+            gis::rewind(layer);
+            say("end ", layer.end ? 1 : 0, " records ", gis::recordCount(layer));
         }
         std::int32_t count = 0;
-        const bool found = gisGotoBeginningOfAttributes(id, count);
-        const GisOutputAttribute definition = gisReadAttributeDefinition(id);
+        const bool found = gis::goToColumns(layer, count);
+        const gis::Column definition = gis::readColumn(layer);
         say("found ", found ? 1 : 0, " ", count, " ", definition.name, "/", definition.type);
     });
     EXPECT_THAT(run.console, HasSubstr("x 1 \"r1\",1\nRewinding GIS Layer 1...\nend 0 records 3\n"
@@ -739,11 +698,11 @@ TEST_F(MifReading, GoingBackSeesOnly100CharactersOfALine)
     folder.give("l.mif", far + "Columns\nColumns 1\n  A Float\n" + far + "Data\nPoint 1 2\n");
     folder.give("l.mid", "1\n");
     const ChildRun run = runInChild(folder, [] {
-        gisInitialise(-1, "", "", "");
-        std::int32_t id = gisOpenLayer("l.mif", "", "I ");
+        gis::initialise();
+        gis::OpenLayer& layer = gis::openFiles("l.mif");
         std::int32_t count = 0;
-        say("found ", gisGotoBeginningOfAttributes(id, count) ? 1 : 0, " ", count);
-        gisGotoBeginningOfData(id);
+        say("found ", gis::goToColumns(layer, count) ? 1 : 0, " ", count);
+        gis::rewind(layer);
     });
     EXPECT_THAT(run.console, HasSubstr("found 1 1\nRewinding GIS Layer 1...\n\nERROR 0313 - Could not find start of "
                                        "\"Data\" block in .mif file.\n"));
@@ -756,10 +715,10 @@ TEST_F(MifReading, AttributesThatAreNotFoundAreWarnedOf)
         folder.give("l.mif", text);
         return runInChild(folder,
                           [] {
-                              gisInitialise(-1, "", "", "");
-                              std::int32_t id = gisOpenLayer("l.mif", "", "I ");
+                              gis::initialise();
+                              gis::OpenLayer& layer = gis::openFiles("l.mif");
                               std::int32_t count = 0;
-                              say("found ", gisGotoBeginningOfAttributes(id, count) ? 1 : 0);
+                              say("found ", gis::goToColumns(layer, count) ? 1 : 0);
                           })
             .console;
     };
@@ -769,42 +728,6 @@ TEST_F(MifReading, AttributesThatAreNotFoundAreWarnedOf)
     EXPECT_THAT(consoleFor("Columns x\n"),
                 HasSubstr("\n\nWARNING 0314 - Problems reading number of attributes in .mif file\n"
                           "Press Enter to Continue\nfound 0\n"));
-}
-
-TEST_F(MifReading, CopiesAHeader)
-{
-    giveMif(folder, "l", "");
-    const auto copy = [] {
-        Unit in = 0;
-        Unit out = 0;
-        OPENER(in, "I ", "l.mif");
-        OPENER(out, "O ", "copy.mif");
-        mifCopyHeader(in, out);
-    };
-    EXPECT_THAT(runInChild(folder, copy).console, HasSubstr("Copying header info from file unit 1001 to 1002...\n"));
-    EXPECT_EQ(folder.read("copy.mif"),
-              "Version 300\r\nCharset \"WindowsLatin1\"\r\nDelimiter \",\"\r\nCoordSys NonEarth Units \"m\"\r\n");
-    folder.give("l.mif", "Version 300\n");
-    EXPECT_THAT(runInChild(folder, copy).console,
-                HasSubstr("\n\nERROR 0302 - End of File encountered (mifCopyHeader)\n"));
-}
-
-TEST_F(MifReading, FindsACoordSysLineOrTakesTheDefault)
-{
-    giveMif(folder, "l", "");
-    folder.give("none.mif", "Version 300\n");
-    const auto consoleFor = [&](const char* name) {
-        return runInChild(folder, [&] { say("line ", mifReadCoordSysLine(name)); }).console;
-    };
-    EXPECT_THAT(consoleFor("  l.mif"), HasSubstr("\nline CoordSys NonEarth Units \"m\"\n"));
-    EXPECT_THAT(consoleFor("L.Mif"), HasSubstr("\nline CoordSys NonEarth Units \"m\"\n")); // found in other case
-    const std::string otherwise =
-        "\nPress Enter to Continue\nline CoordSys NonEarth Units \"m\" Bounds(-9999999, -9999999) (9999999, 9999999)\n";
-    EXPECT_EQ(consoleFor(" gone.mif"), "\nWARNING 0307 - No MapInfo Projection or mif header file gone.mif found.\n"
-                                       "               Non-Earth Coordinates will be used.  [mifReadCoordSysLine]" +
-                                           otherwise);
-    EXPECT_THAT(consoleFor("none.mif"),
-                HasSubstr("\n\nWARNING 0312 - Problems finding CoordSys line in .mif file" + otherwise));
 }
 
 } // namespace

@@ -1,9 +1,12 @@
-#include "gis/mif_writer.h"
+#include "gis/mif/writer.h"
 
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
+#include "gis/layer_table.h"
+#include "gis/layer_writer.h"
 #include "host/console.h"
 #include "support/child_run.h"
 #include "support/layer_files.h"
+#include "support/write_layer.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -15,31 +18,29 @@ namespace {
 
 using testing::HasSubstr;
 
-// Everything behind the header that this writes; `write` gets the open layer.
+using gis::Kind;
+using gis::LayerWriter;
+
+// Everything after the header that this writes; `write` gets the open layer.
 class MifWriting : public testing::Test {
 protected:
-    static std::int32_t openOutput()
+    static LayerWriter createOutput()
     {
-        gisInitialise(-1, "", "", "");
-        gisOutputAttributes().clear();
-        gisOutputCoordinates().clear();
-        gisCoordSysLine() = "CoordSys NonEarth Units \"m\"";
-        gisOutputAttributes().add("ID", "Char", 12);
-        const std::int32_t id = gisOpenLayer("out.mif", "", "O ");
-        gisWriteHeader(id);
-        return id;
+        gis::initialise();
+        return gis::createLayer("out.mif",
+                                {.columns = {{"ID", "Char", 12}}, .projection = {"CoordSys NonEarth Units \"m\"", ""}});
     }
 
-    ChildRun write(const std::function<void(std::int32_t)>& code)
+    ChildRun write(const std::function<void(LayerWriter&)>& code)
     {
         return runInChild(folder, [&] {
-            std::int32_t id = openOutput();
-            code(id);
-            gisCloseLayer(id);
+            LayerWriter layer = createOutput();
+            code(layer);
+            layer.close();
         });
     }
 
-    std::string objects(const std::function<void(std::int32_t)>& code)
+    std::string objects(const std::function<void(LayerWriter&)>& code)
     {
         const ChildRun run = write(code);
         EXPECT_FALSE(run.ended) << run.console;
@@ -51,27 +52,15 @@ protected:
     ScratchFolder folder;
 };
 
-void vertices(std::initializer_list<std::pair<double, double>> list)
-{
-    gisOutputCoordinates().clear();
-    for (const auto& [x, y] : list) {
-        gisOutputCoordinates().add(x, y);
-    }
-}
-
 TEST_F(MifWriting, TheHeaderHoldsTheColumns)
 {
     runInChild(folder, [] {
-        gisInitialise(-1, "", "", "");
-        gisCoordSysLine() = "CoordSys Earth Projection 8, 33, \"m\"  ";
-        gisOutputAttributes().clear();
-        gisOutputAttributes().add("Prop_Type", "Char", 100);
-        gisOutputAttributes().add("FFL", "Float");
-        gisOutputAttributes().add("F2", "Float", 100);
-        gisOutputAttributes().add(" N ", " Integer ", -1);
-        std::int32_t id = gisOpenLayer("out.mif", "", "O ");
-        gisWriteHeader(id);
-        gisCloseLayer(id);
+        gis::initialise();
+        gis::createLayer(
+            "out.mif",
+            {.columns = {{"Prop_Type", "Char", 100}, {"FFL", "Float"}, {"F2", "Float", 100}, {" N ", " Integer ", -1}},
+             .projection = {"CoordSys Earth Projection 8, 33, \"m\"  ", ""}})
+            .close();
     });
     EXPECT_EQ(folder.read("out.mif"), "Version 300\r\nCharset \"WindowsLatin1\"\r\nDelimiter \",\"\r\n"
                                       "CoordSys Earth Projection 8, 33, \"m\"\r\nColumns 4\r\n"
@@ -83,11 +72,8 @@ TEST_F(MifWriting, TheHeaderHoldsTheColumns)
 TEST_F(MifWriting, WithoutCoordSysTheFourthLineIsEmpty)
 {
     runInChild(folder, [] {
-        gisInitialise(-1, "", "", "");
-        gisCoordSysLine().clear();
-        std::int32_t id = gisOpenLayer("out.mif", "", "O ");
-        gisWriteHeader(id);
-        gisCloseLayer(id);
+        gis::initialise();
+        gis::createLayer("out.mif", {}).close();
     });
     EXPECT_THAT(folder.read("out.mif"), testing::StartsWith("Version 300\r\nCharset \"WindowsLatin1\"\r\n"
                                                             "Delimiter \",\"\r\n\r\nColumns 0\r\nData\r\n"));
@@ -95,36 +81,14 @@ TEST_F(MifWriting, WithoutCoordSysTheFourthLineIsEmpty)
 
 TEST_F(MifWriting, EachKindHasItsLines)
 {
-    EXPECT_EQ(objects([](std::int32_t id) {
-                  GisO point;
-                  point.point = true;
-                  vertices({{1.5, -2.25}});
-                  gisWriteObject(id, point);
-                  GisO multipoint;
-                  multipoint.multipoint = true;
-                  vertices({{1, 2}, {3, 4}});
-                  gisWriteObject(id, multipoint);
-                  GisO line;
-                  line.line = true;
-                  vertices({{1, 2}, {3, 4}});
-                  gisOutputCoordinates().np = 0; // a line is two vertices whatever np says
-                  gisWriteObject(id, line);
-                  GisO pline;
-                  pline.pline = true;
-                  vertices({{1, 2}, {3, 4}, {5, 6}});
-                  gisWriteObject(id, pline);
-                  GisO multiple;
-                  multiple.plineMultiple = true;
-                  multiple.nr = 2;
-                  multiple.ir = {1, 3};
-                  gisWriteObject(id, multiple);
-                  GisO text;
-                  text.text = true;
-                  gisDataLine() = "\"a label\"  ";
-                  gisWriteObject(id, text);
-                  GisO none;
-                  none.none = true;
-                  gisWriteObject(id, none);
+    EXPECT_EQ(objects([](LayerWriter& layer) {
+                  writeObject(layer, Kind::point, {}, {{1.5, -2.25}}, "");
+                  writeObject(layer, Kind::multipoint, {}, {{1, 2}, {3, 4}}, "");
+                  writeObject(layer, Kind::line, {}, {{1, 2}, {3, 4}}, "");
+                  writeObject(layer, Kind::polyline, {}, {{1, 2}, {3, 4}, {5, 6}}, "");
+                  writeObject(layer, Kind::combinedPolyline, {1, 3}, {{1, 2}, {3, 4}, {5, 6}}, "");
+                  writeObject(layer, Kind::text, {}, {{1, 2}, {3, 4}, {5, 6}}, "\"a label\"  ");
+                  writeObject(layer, Kind::none, {}, {}, "");
               }),
               "Point         1.500000       -2.250000\r\n"
               "MultiPoint 2\r\n"
@@ -149,18 +113,12 @@ TEST_F(MifWriting, EachKindHasItsLines)
 
 TEST_F(MifWriting, RegionsCountTheVerticesOfEachRing)
 {
-    EXPECT_EQ(objects([](std::int32_t id) {
-                  GisO region;
-                  region.region = true;
-                  region.nr = 0;
-                  region.ir = {0};
-                  vertices({{0, 0}, {1, 0}, {1, 1}, {0, 0}});
-                  gisWriteObject(id, region);
+    EXPECT_EQ(objects([](LayerWriter& layer) {
+                  writeObject(layer, Kind::region, {0}, {{0, 0}, {1, 0}, {1, 1}, {0, 0}}, "");
                   // Two rings of 5 and 6 vertices: 11 in all, starting at 1 and 6.
-                  region.nr = 2;
-                  region.ir = {1, 6};
-                  vertices({{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {1, 1}, {2, 1}, {3, 2}, {2, 2}, {1, 2}, {1, 1}});
-                  gisWriteObject(id, region);
+                  writeObject(layer, Kind::region, {1, 6},
+                              {{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {1, 1}, {2, 1}, {3, 2}, {2, 2}, {1, 2}, {1, 1}},
+                              "");
               }),
               "Region 1\r\n 4\r\n"
               "        0.000000        0.000000\r\n"
@@ -184,20 +142,15 @@ TEST_F(MifWriting, RegionsCountTheVerticesOfEachRing)
 
 TEST_F(MifWriting, StylesFollowEachObjectButNone)
 {
-    EXPECT_EQ(objects([](std::int32_t id) {
-                  GisO point;
-                  point.point = true;
-                  vertices({{1, 2}});
-                  gisLayer(id).mifLayer.style1 = "   ";
-                  gisLayer(id).mifLayer.style2 = "Second alone";
-                  gisWriteObject(id, point);
-                  gisLayer(id).mifLayer.style1 = "    Symbol (37,255,12)";
-                  gisWriteObject(id, point);
-                  gisLayer(id).mifLayer.style2 = " ";
-                  gisWriteObject(id, point);
-                  GisO none;
-                  none.none = true;
-                  gisWriteObject(id, none);
+    EXPECT_EQ(objects([](LayerWriter& layer) {
+                  gis::Feature point = featureOf(Kind::point, {{1, 2}});
+                  point.style = {"   ", "Second alone"};
+                  layer.write(point);
+                  point.style = {"    Symbol (37,255,12)", "Second alone"};
+                  layer.write(point);
+                  point.style = {"    Symbol (37,255,12)", " "};
+                  layer.write(point);
+                  layer.write({.style = {"    Symbol (37,255,12)", ""}});
               }),
               "Point         1.000000        2.000000\r\n"
               "Point         1.000000        2.000000\r\n    Symbol (37,255,12)\r\nSecond alone\r\n"
@@ -209,16 +162,15 @@ TEST_F(MifWriting, ValuesThatDoNotFitAreAsterisks)
 {
     const double infinity = std::numeric_limits<double>::infinity();
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_EQ(objects([&](std::int32_t id) {
-                  GisO pline;
-                  pline.pline = true;
-                  vertices({{1234567890.5, 123456789.25},
-                            {-12345678.5, -123456789.5},
-                            {0.0000005, 0.0000015},
-                            {-0.0000001, 999999999.9999996},
-                            {infinity, -infinity},
-                            {nan, 1e300}});
-                  gisWriteObject(id, pline);
+    EXPECT_EQ(objects([&](LayerWriter& layer) {
+                  writeObject(layer, Kind::polyline, {},
+                              {{1234567890.5, 123456789.25},
+                               {-12345678.5, -123456789.5},
+                               {0.0000005, 0.0000015},
+                               {-0.0000001, 999999999.9999996},
+                               {infinity, -infinity},
+                               {nan, 1e300}},
+                              "");
               }),
               "Pline 6\r\n"
               "****************123456789.250000\r\n"
@@ -231,30 +183,18 @@ TEST_F(MifWriting, ValuesThatDoNotFitAreAsterisks)
 
 TEST_F(MifWriting, RecordsAreTheDataLines)
 {
-    const ChildRun run = write([](std::int32_t id) {
-        GisO point;
-        point.point = true;
-        point.name = "POINT";
-        gisDataLine() = "  \"a\",1   ";
-        gisWriteRecord(id, point);
-        gisDataLine() = std::string(1010, 'x');
-        gisWriteRecord(id, point);
-        gisDataLineLarge() = std::string(100010, 'y');
-        gisWriteRecordLarge(id, point);
+    const ChildRun run = write([](LayerWriter& layer) {
+        writeObject(layer, Kind::point, {}, {{1, 2}}, "  \"a\",1   ");
+        writeObject(layer, Kind::point, {}, {{1, 2}}, std::string(1010, 'x'));
     });
     EXPECT_FALSE(run.ended);
-    EXPECT_EQ(folder.read("out.mid"),
-              "  \"a\",1\r\n" + std::string(1000, 'x') + "\r\n" + std::string(100000, 'y') + "\r\n");
+    EXPECT_EQ(folder.read("out.mid"), "  \"a\",1\r\n" + std::string(1000, 'x') + "\r\n");
 }
 
 TEST_F(MifWriting, KindsThatCannotBeWrittenEndTheRun)
 {
-    for (bool GisO::*kind : {&GisO::ellipse, &GisO::rect, &GisO::roundRect, &GisO::arc}) {
-        const ChildRun run = write([&](std::int32_t id) {
-            GisO other;
-            other.*kind = true;
-            gisWriteObject(id, other);
-        });
+    for (const Kind kind : {Kind::ellipse, Kind::rectangle, Kind::roundedRectangle, Kind::arc}) {
+        const ChildRun run = write([&](LayerWriter& layer) { writeObject(layer, kind, {}, {}, ""); });
         EXPECT_THAT(run.console, HasSubstr("\n\nERROR 0350 - Trying to write a MIF object that is not yet supported.  "
                                            "Please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n"));
     }
@@ -262,14 +202,10 @@ TEST_F(MifWriting, KindsThatCannotBeWrittenEndTheRun)
 
 TEST_F(MifWriting, PartsThatDoNotRiseEndTheRun)
 {
-    const auto consoleFor = [&](std::vector<std::int32_t> parts) {
-        return write([&](std::int32_t id) {
-                   GisO region;
-                   region.region = true;
-                   region.nr = 3;
-                   region.ir = parts;
-                   vertices({{0, 0}, {1, 0}, {1, 1}, {0, 0}, {0, 0}, {1, 0}, {1, 1}, {0, 0}});
-                   gisWriteObject(id, region);
+    const auto consoleFor = [&](const std::vector<std::int32_t>& parts) {
+        return write([&](LayerWriter& layer) {
+                   writeObject(layer, Kind::region, parts,
+                               {{0, 0}, {1, 0}, {1, 1}, {0, 0}, {0, 0}, {1, 0}, {1, 1}, {0, 0}}, "");
                })
             .console;
     };
@@ -281,84 +217,78 @@ TEST_F(MifWriting, PartsThatDoNotRiseEndTheRun)
                           "gisO_%nr    =    3\n"
                           "\nPress Enter to Close\n"));
     EXPECT_THAT(consoleFor({0, 1, 5}), HasSubstr("i           =    2\ngisO_%ir(i) =    1\n"));
-    EXPECT_THAT(consoleFor({1, 5}), HasSubstr("i           =    3\ngisO_%ir(i) =    0\n")); // no such part
+    EXPECT_THAT(consoleFor({1, 5, 0}), HasSubstr("i           =    3\ngisO_%ir(i) =    0\n"));
     EXPECT_THAT(consoleFor({1, 5, 9}), HasSubstr("Should not be here [gisWriteObject] - please contact"));
+}
+
+TEST_F(MifWriting, ObjectsWithoutTheirVerticesMustNotOccur)
+{
+    const auto consoleFor = [&](Kind kind, const std::vector<Vertex>& vertices) {
+        return write([&](LayerWriter& layer) { writeObject(layer, kind, {}, vertices, ""); }).console;
+    };
+    const auto misuse = HasSubstr("\nShould not be here [gisWriteObject] - please contact SUPPORT_CONTACT.\n");
+    EXPECT_THAT(consoleFor(Kind::point, {}), misuse);
+    EXPECT_THAT(consoleFor(Kind::line, {{1, 2}}), misuse);
+    EXPECT_THAT(consoleFor(Kind::text, {{1, 2}, {3, 4}}), misuse);
+    EXPECT_THAT(write([](LayerWriter& layer) {
+                    layer.write({.kind = Kind::polyline, .x = {1, 2}, .y = {3}});
+                }).console,
+                misuse);
 }
 
 TEST_F(MifWriting, VerticesAndColumnsPastTheirLimitsEndTheRun)
 {
+    EXPECT_THAT(write([](LayerWriter& layer) {
+                    std::vector<Vertex> vertices(100000);
+                    writeObject(layer, Kind::polyline, {}, vertices, "");
+                    say("all in");
+                    vertices.emplace_back();
+                    writeObject(layer, Kind::polyline, {}, vertices, "");
+                }).console,
+                HasSubstr("all in\nERROR - Number of vertices of output object exceeds maximum: 100000\n"));
     EXPECT_THAT(runInChild(folder,
                            [] {
-                               gisOutputCoordinates().clear();
-                               for (int i = 0; i < 100000; ++i) {
-                                   gisOutputCoordinates().add(i, i);
-                               }
+                               std::vector<gis::Column> columns(256, {"A", "Float"});
+                               gis::createLayer("out.mif", {.columns = columns}).close();
                                say("all in");
-                               gisOutputCoordinates().add(0, 0);
+                               columns.push_back({"A", "Float"});
+                               gis::createLayer("out.mif", {.columns = columns});
                            })
                     .console,
-                testing::StartsWith("all in\nERROR - Number of vertices of output object exceeds maximum: 100000\n"));
-    EXPECT_THAT(runInChild(folder,
-                           [] {
-                               for (int i = 0; i < 256; ++i) {
-                                   gisOutputAttributes().add("A", "Float");
-                               }
-                               say("all in");
-                               gisOutputAttributes().add("A", "Float");
-                           })
-                    .console,
-                testing::StartsWith("all in\nERROR - Number of attributes of output layer exceeds maximum: 256\n"));
+                HasSubstr("all in\nERROR - Number of attributes of output layer exceeds maximum: 256\n"));
 }
 
 TEST_F(MifWriting, AFullDiskIsTold)
 {
-    const auto point = [](std::int32_t id) {
-        GisO gisO;
-        gisO.point = true;
-        vertices({{1, 2}});
-        gisWriteObject(id, gisO);
-        gisDataLine() = "1";
-        gisWriteRecord(id, gisO);
+    const auto write = [this](Kind kind, const std::vector<Vertex>& vertices) {
+        return MifWriting::write([&](LayerWriter& layer) { writeObject(layer, kind, {}, vertices, "1"); }).console;
     };
     std::filesystem::create_symlink("/dev/full", folder.path() / "out.mif");
-    EXPECT_THAT(write(point).console,
+    EXPECT_THAT(write(Kind::point, {{1, 2}}),
                 HasSubstr("\nERROR 0439 - Writing .mif file object coordinates.\n\nPress Enter to Close\n"));
     std::filesystem::remove(folder.path() / "out.mif");
     std::filesystem::remove(folder.path() / "out.mid");
     std::filesystem::create_symlink("/dev/full", folder.path() / "out.mid");
-    EXPECT_THAT(write(point).console,
+    EXPECT_THAT(write(Kind::point, {{1, 2}}),
                 HasSubstr("\nERROR 0254 - Failed to write attribute data record for a POINT object "
                           "in GIS layer.\n\nPress Enter to Close\n"));
-    EXPECT_THAT(write([](std::int32_t id) {
-                    GisO gisO;
-                    gisO.name = "PLINE";
-                    gisDataLineLarge() = "1";
-                    gisWriteRecordLarge(id, gisO);
-                }).console,
-                HasSubstr("\nERROR 0254 - Failed to write large attribute data record for a PLINE object in GIS "
+    EXPECT_THAT(write(Kind::polyline, {{1, 2}, {3, 4}}),
+                HasSubstr("\nERROR 0254 - Failed to write attribute data record for a PLINE object in GIS "
                           "layer.\n\nPress Enter to Close\n"));
 }
 
 TEST_F(MifWriting, WhatIsWrittenReadsBack)
 {
-    const ChildRun run = write([](std::int32_t id) {
-        GisO pline;
-        pline.pline = true;
-        vertices({{293000.123456, 6178000.5}, {293001, 6178002}});
-        gisWriteObject(id, pline);
-        gisDataLine() = "\"a, b\"";
-        gisWriteRecord(id, pline);
-        gisCloseLayer(id);
-        id = gisOpenLayer("out.mif", "", "I ");
-        gisReadHeader(id);
-        GisO gisO;
-        GisCoordinates c;
-        std::string record;
-        gisObjectType(id, gisO);
-        gisReadRecord(id, gisO, record);
-        gisReadObject(id, gisO, c, 100);
+    const ChildRun run = runInChild(folder, [] {
+        LayerWriter layer = createOutput();
+        writeObject(layer, Kind::polyline, {}, {{293000.123456, 6178000.5}, {293001, 6178002}}, "\"a, b\"");
+        layer.close();
+        gis::LayerReader back = gis::openLayer("out.mif");
+        gis::Coordinates c;
+        gis::LayerObject& object = *back.next();
+        back.readCoordinates(object, c, 100);
         const bool same = c.np == 2 && c.x[0] == 293000.123456 && c.y[0] == 6178000.5 && c.x[1] == 293001;
-        say("same ", same ? 1 : 0, " ", record, " end ", gisLayer(id).layerEnd ? 1 : 0);
+        say("same ", same ? 1 : 0, " ", object.record, " end ", back.next() == nullptr ? 1 : 0);
     });
     EXPECT_THAT(run.console, HasSubstr("same 1 \"a, b\" end 1\n"));
 }

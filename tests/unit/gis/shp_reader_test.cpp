@@ -1,7 +1,8 @@
-#include "gis/shp_reader.h"
+#include "gis/shp/reader.h"
 
 #include "core/numbers.h"
-#include "gis/layers.h"
+#include "gis/layer_reader.h"
+#include "gis/layer_table.h"
 #include "host/console.h"
 #include "support/child_run.h"
 #include "support/sanitizers.h"
@@ -13,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <sys/resource.h>
+#include <variant>
 
 namespace gridforge::test {
 namespace {
@@ -31,21 +33,21 @@ protected:
     {
         giveShp(folder, "l", type, records);
         startUnits(1000);
-        gisInitialise(-1, "", "", "");
-        id = gisOpenLayer((folder.path() / "l.shp").string(), "", "I ");
-        gisReadHeader(id);
+        gis::initialise();
+        layer = &gis::openFiles((folder.path() / "l.shp").string());
+        gis::readHeader(*layer);
     }
     void TearDown() override
     {
-        if (id > 0) {
-            gisCloseLayer(id);
+        if (layer != nullptr) {
+            gis::close(*layer);
         }
     }
     // The next object's kind, and its coordinates unless told otherwise.
     void next(bool coordinates = true)
     {
-        ASSERT_TRUE(gisObjectType(id, gisO));
-        gisReadObject(id, gisO, c, 1000, coordinates);
+        ASSERT_TRUE(gis::readKind(*layer, object));
+        gis::readCoordinates(*layer, object, c, 1000, coordinates);
     }
     std::vector<double> vertices() const
     {
@@ -57,25 +59,25 @@ protected:
     }
 
     ScratchFolder folder;
-    std::int32_t id = 0;
-    GisO gisO;
-    GisCoordinates c;
+    gis::OpenLayer* layer = nullptr;
+    gis::LayerObject object;
+    gis::Coordinates c;
 };
 
 TEST_F(ShpReading, APoint)
 {
     open(1, {pointRecord(1.5, -2.25), pointRecord(3, 4)});
     next();
-    EXPECT_TRUE(gisO.point);
-    EXPECT_EQ(gisO.name, "Point");
-    EXPECT_TRUE(gisO.haveCoordinates);
+    EXPECT_EQ(object.kind, gis::Kind::point);
+    EXPECT_EQ(object.name, "Point");
+    EXPECT_TRUE(object.haveCoordinates);
     EXPECT_THAT(vertices(), ElementsAre(1.5, -2.25));
     EXPECT_EQ(c.x[1], 1.5);
     EXPECT_EQ(c.xc, 1.5);
-    EXPECT_FALSE(gisLayer(id).layerEnd);
+    EXPECT_FALSE(layer->end);
     next();
     EXPECT_THAT(vertices(), ElementsAre(3, 4));
-    EXPECT_TRUE(gisLayer(id).layerEnd);
+    EXPECT_TRUE(layer->end);
 }
 
 TEST_F(ShpReading, ANullShapeAtTheEndEndsTheLayerWithItsRecord)
@@ -84,11 +86,11 @@ TEST_F(ShpReading, ANullShapeAtTheEndEndsTheLayerWithItsRecord)
     std::string record;
     std::vector<bool> ends; // after each record
     for (int i = 0; i < 3; ++i) {
-        ASSERT_TRUE(gisObjectType(id, gisO));
-        gisReadRecord(id, gisO, record);
-        ends.push_back(gisLayer(id).layerEnd);
-        if (gisO.point) {
-            gisReadObject(id, gisO, c, 1000);
+        ASSERT_TRUE(gis::readKind(*layer, object));
+        gis::readRecord(*layer, object.name, record);
+        ends.push_back(layer->end);
+        if (object.kind == gis::Kind::point) {
+            gis::readCoordinates(*layer, object, c, 1000);
         }
     }
     EXPECT_THAT(ends, ElementsAre(false, false, true));
@@ -99,19 +101,18 @@ TEST_F(ShpReading, CoordinatesOfASkippedObjectAreStillLeftToRead)
 {
     open(1, {pointRecord(3, 4)});
     std::string record;
-    ASSERT_TRUE(gisObjectType(id, gisO));
-    gisReadRecord(id, gisO, record);
-    EXPECT_FALSE(gisLayer(id).layerEnd);
+    ASSERT_TRUE(gis::readKind(*layer, object));
+    gis::readRecord(*layer, object.name, record);
+    EXPECT_FALSE(layer->end);
 }
 
 TEST_F(ShpReading, APolyline)
 {
     open(3, {partsRecord(3, {0}, {0, 0, 3, 4, 3, 10})});
     next();
-    EXPECT_TRUE(gisO.pline);
-    EXPECT_FALSE(gisO.plineMultiple);
-    EXPECT_EQ(gisO.name, "Polyline");
-    EXPECT_EQ(gisO.nr, 1);
+    EXPECT_EQ(object.kind, gis::Kind::polyline);
+    EXPECT_EQ(object.name, "Polyline");
+    EXPECT_EQ(object.rings, 1);
     EXPECT_THAT(vertices(), ElementsAre(0, 0, 3, 4, 3, 10));
     EXPECT_EQ(c.length, 11.0F);
     EXPECT_EQ(c.xc, 3.0);
@@ -122,16 +123,15 @@ TEST_F(ShpReading, APolylineOfTwoPartsGivesOnePartACall)
 {
     open(3, {partsRecord(3, {0, 2}, {0, 0, 3, 4, 10, 10, 11, 11, 12, 12}), partsRecord(3, {0}, {7, 7, 8, 8})});
     next();
-    EXPECT_TRUE(gisO.plineMultiple);
-    EXPECT_FALSE(gisO.pline);
-    EXPECT_EQ(gisO.nSections, 2);
-    EXPECT_EQ(gisO.nr, 1);
+    EXPECT_EQ(object.kind, gis::Kind::combinedPolyline);
+    EXPECT_EQ(object.sections, 2);
+    EXPECT_EQ(object.rings, 1);
     EXPECT_THAT(vertices(), ElementsAre(0, 0, 3, 4));
-    gisReadObject(id, gisO, c, 1000);
-    EXPECT_EQ(gisO.nr, 2);
+    gis::readCoordinates(*layer, object, c, 1000);
+    EXPECT_EQ(object.rings, 2);
     EXPECT_THAT(vertices(), ElementsAre(10, 10, 11, 11, 12, 12));
     next();
-    EXPECT_TRUE(gisO.pline);
+    EXPECT_EQ(object.kind, gis::Kind::polyline);
     EXPECT_THAT(vertices(), ElementsAre(7, 7, 8, 8));
 }
 
@@ -140,12 +140,12 @@ TEST_F(ShpReading, ARegionInTheLayoutOfRings)
 {
     open(5, {partsRecord(5, {0, 4}, kTwoRings)});
     next();
-    EXPECT_TRUE(gisO.region);
-    EXPECT_EQ(gisO.name, "Polygon");
-    EXPECT_EQ(gisO.nr, 2);
+    EXPECT_EQ(object.kind, gis::Kind::region);
+    EXPECT_EQ(object.name, "Polygon");
+    EXPECT_EQ(object.rings, 2);
     EXPECT_EQ(c.np, 4 + 1 + 5 + 1);
-    EXPECT_EQ(gisO.ir[0], 4);
-    EXPECT_EQ(gisO.ir[1], 10);
+    EXPECT_EQ(object.parts[0], 4);
+    EXPECT_EQ(object.parts[1], 10);
     EXPECT_THAT(vertices(), ElementsAre(0, 0, 9, 0, 9, 9, 0, 0, 9, 0, 5, 1, 6, 1, 6, 2, 5, 2, 5, 1, 6, 1));
 }
 
@@ -153,12 +153,12 @@ TEST_F(ShpReading, ARingOfFewVertices)
 {
     open(5, {partsRecord(5, {0, 0, 1}, {4, 5, 6, 7, 8, 9})});
     next();
-    EXPECT_EQ(gisO.nr, 3);
+    EXPECT_EQ(object.rings, 3);
     // No vertex and its slot, one and its slot, two and theirs. Slots without a second vertex hold what was there.
     EXPECT_EQ(c.np, 1 + 2 + 3);
-    EXPECT_EQ(gisO.ir[0], 0);
-    EXPECT_EQ(gisO.ir[1], 2);
-    EXPECT_EQ(gisO.ir[2], 5);
+    EXPECT_EQ(object.parts[0], 0);
+    EXPECT_EQ(object.parts[1], 2);
+    EXPECT_EQ(object.parts[2], 5);
     EXPECT_EQ(c.x[1], 4);
     EXPECT_EQ(c.x[3], 6);
     EXPECT_EQ(c.x[4], 8);
@@ -169,19 +169,19 @@ TEST_F(ShpReading, ANullShapeHasNoCoordinates)
 {
     open(1, {kNullRecord, pointRecord(3, 4)});
     next();
-    EXPECT_TRUE(gisO.none);
-    EXPECT_EQ(gisO.name, "Null Shape");
+    EXPECT_EQ(object.kind, gis::Kind::none);
+    EXPECT_EQ(object.name, "Null Shape");
     next();
-    EXPECT_TRUE(gisO.point);
+    EXPECT_EQ(object.kind, gis::Kind::point);
 }
 
 TEST_F(ShpReading, AMultipointGivesItsFirstPoint)
 {
     open(8, {little(8) + reals({0, 0, 0, 0}) + little(2) + reals({5, 6, 7, 8})});
     next();
-    EXPECT_TRUE(gisO.multipoint);
-    EXPECT_EQ(gisO.name, "MultiPoint");
-    EXPECT_EQ(gisO.nSections, 2);
+    EXPECT_EQ(object.kind, gis::Kind::multipoint);
+    EXPECT_EQ(object.name, "MultiPoint");
+    EXPECT_EQ(object.sections, 2);
     EXPECT_THAT(vertices(), ElementsAre(5, 6));
 }
 
@@ -200,7 +200,7 @@ TEST_F(ShpReading, WithoutCoordinatesARegionKeepsTheCountOfTheFile)
     open(5, {partsRecord(5, {0, 4}, kTwoRings), partsRecord(5, {0}, {0, 0, 1, 0, 1, 1, 0, 0})});
     next(false);
     EXPECT_EQ(c.np, 9);
-    EXPECT_EQ(gisO.ir[1], 4);
+    EXPECT_EQ(object.parts[1], 4);
     next();
     EXPECT_EQ(c.np, 5);
 }
@@ -210,9 +210,9 @@ TEST_F(ShpReading, GoesBackToTheBeginning)
     open(1, {pointRecord(1, 2), pointRecord(3, 4)});
     next();
     next();
-    gisGotoBeginningOfData(id);
+    gis::rewind(*layer);
     std::string line;
-    gisReadRecord(id, gisO, line);
+    gis::readRecord(*layer, object.name, line);
     EXPECT_EQ(line, "\"r1\"");
     next();
     EXPECT_THAT(vertices(), ElementsAre(1, 2));
@@ -226,10 +226,10 @@ TEST_F(ShpReading, KeepsTheHeader)
     bytes.replace(36, 32, reals({1, 2, 3, 4}));
     folder.give("l.shp", bytes);
     const ChildRun run = runInChild(folder, [] {
-        gisInitialise(-1, "", "", "");
-        const std::int32_t gisID = gisOpenLayer("l.shp", "", "I ");
-        gisReadHeader(gisID);
-        const ShpFile& shp = gisLayer(gisID).shpFiles[0];
+        gis::initialise();
+        gis::OpenLayer& layer = gis::openFiles("l.shp");
+        gis::readHeader(layer);
+        const gis::shp::ShpFile& shp = std::get<gis::shp::Input>(layer.files).shp;
         say(shp.fileCode, " ", shp.fileLength, " ", shp.version, " ", shp.shapeType);
         say(AREAL8(shp.xmin), AREAL8(shp.ymin), AREAL8(shp.xmax), AREAL8(shp.ymax));
     });
@@ -245,21 +245,21 @@ TEST_F(ShpReading, KeepsTheHeader)
 TEST_F(ShpReading, HasNoDefinitionsToGoBackTo)
 {
     giveShp(folder, "l", 1, {pointRecord(1, 2)});
-    const auto consoleOf = [&](const std::function<void(std::int32_t)>& code) {
+    const auto consoleOf = [&](const std::function<void(gis::OpenLayer&)>& code) {
         return runInChild(folder,
                           [&] {
-                              gisInitialise(-1, "", "", "");
-                              code(gisOpenLayer("l.shp", "", "I "));
+                              gis::initialise();
+                              code(gis::openFiles("l.shp"));
                           })
             .console;
     };
-    EXPECT_THAT(consoleOf([](std::int32_t gisID) {
+    EXPECT_THAT(consoleOf([](gis::OpenLayer& layer) {
                     std::int32_t count = 0;
-                    gisGotoBeginningOfAttributes(gisID, count);
+                    gis::goToColumns(layer, count);
                 }),
                 EndsWith("\nShould not be here [gisGotoBeginningOfAttributes] - please contact SUPPORT_CONTACT.\n"
                          "\nPress Enter to Close\n"));
-    EXPECT_THAT(consoleOf([](std::int32_t gisID) { gisReadAttributeDefinition(gisID); }),
+    EXPECT_THAT(consoleOf([](gis::OpenLayer& layer) { gis::readColumn(layer); }),
                 EndsWith("\nShould not be here [gisReadAttributeDefinition] - please contact SUPPORT_CONTACT.\n"
                          "\nPress Enter to Close\n"));
 }
@@ -269,18 +269,18 @@ TEST_F(ShpReading, HasNoDefinitionsToGoBackTo)
 // Reads a layer to its end and says how many objects it had.
 void readAll(bool coordinates, std::int32_t maxVertices = 1000)
 {
-    gisInitialise(-1, "", "", "");
-    std::int32_t gisID = gisOpenLayer("l.shp", "", "I ");
-    gisReadHeader(gisID);
-    GisO gisO;
-    GisCoordinates c;
+    gis::initialise();
+    gis::OpenLayer& layer = gis::openFiles("l.shp");
+    gis::readHeader(layer);
+    gis::LayerObject object;
+    gis::Coordinates c;
     int objects = 0;
-    while (!gisLayer(gisID).layerEnd) {
-        gisObjectType(gisID, gisO);
-        gisReadObject(gisID, gisO, c, maxVertices, coordinates);
+    while (!layer.end) {
+        gis::readKind(layer, object);
+        gis::readCoordinates(layer, object, c, maxVertices, coordinates);
         ++objects;
     }
-    gisCloseLayer(gisID);
+    gis::close(layer);
     say("objects ", objects);
 }
 
@@ -394,11 +394,11 @@ TEST(ShpReadingEnds, OnAShapeTypeThatIsNone)
     const ScratchFolder folder;
     giveShp(folder, "l", 1, {pointRecord(1, 2)});
     const ChildRun run = runInChild(folder, [] {
-        ShpFile shp;
-        shp.recordShapeType = 11;
-        GisO gisO;
-        GisCoordinates c;
-        shpReadObject(shp, gisO, c, 10, true);
+        gis::shp::Input input;
+        input.shp.recordShapeType = 11;
+        gis::LayerObject object;
+        gis::Coordinates c;
+        readCoordinates(input, object, c, 10, true);
     });
     EXPECT_EQ(run.console, ending("Should not be here [shpReadObject].  Please contact SUPPORT_CONTACT."));
 }
@@ -407,24 +407,25 @@ TEST(ShpReadingEnds, OnAShapeTypeThatIsNone)
 TEST(ShpReadingEnds, OnAReadThatTheSystemRefuses)
 {
     const ScratchFolder folder;
-    const auto consoleOf = [&](const std::function<void(ShpFile&, GisO&)>& code) {
+    const auto consoleOf = [&](const std::function<void(gis::shp::Input&, gis::LayerObject&)>& code) {
         return runInChild(folder,
                           [&] {
-                              ShpFile shp;
-                              OPENER(shp.shpUnit, "BI", "/proc/self/mem");
-                              GisO gisO;
-                              code(shp, gisO);
+                              gis::shp::Input input;
+                              OPENER(input.shp.shpUnit, "BI", "/proc/self/mem");
+                              gis::LayerObject object;
+                              code(input, object);
                           })
             .console;
     };
-    EXPECT_THAT(consoleOf([](ShpFile& shp, GisO&) { shpReadFileHeader(shp.shpUnit); }),
-                EndsWith(ending("ERROR 0427 - Reading .shp file header.")));
-    EXPECT_THAT(consoleOf([](ShpFile& shp, GisO& gisO) { shpObjectType(shp, gisO); }),
+    EXPECT_THAT(
+        consoleOf([](gis::shp::Input& input, gis::LayerObject&) { gis::shp::readFileHeader(input.shp.shpUnit); }),
+        EndsWith(ending("ERROR 0427 - Reading .shp file header.")));
+    EXPECT_THAT(consoleOf([](gis::shp::Input& input, gis::LayerObject& object) { readKind(input, object); }),
                 EndsWith(ending("ERROR 0424 - Reading .shp file object type.")));
-    EXPECT_THAT(consoleOf([](ShpFile& shp, GisO& gisO) {
-                    GisCoordinates c;
-                    shp.recordShapeType = 1;
-                    shpReadObject(shp, gisO, c, 10, true);
+    EXPECT_THAT(consoleOf([](gis::shp::Input& input, gis::LayerObject& object) {
+                    gis::Coordinates c;
+                    input.shp.recordShapeType = 1;
+                    readCoordinates(input, object, c, 10, true);
                 }),
                 EndsWith(ending("ERROR 0429 - Reading .shp file object coordinates.")));
 }

@@ -1,7 +1,6 @@
-#include "gis/shp_writer.h"
+#include "gis/shp/writer.h"
 
-#include "gis/dbf_writer.h"
-#include "gis/layers.h"
+#include "gis/layer_table.h"
 #include "support/child_run.h"
 #include "support/shp_bytes.h"
 #include "support/write_layer.h"
@@ -23,34 +22,36 @@ using testing::SizeIs;
 
 constexpr double kMost = std::numeric_limits<double>::max();
 
+using gis::Kind;
+using gis::LayerWriter;
+
 // An object of one kind and its record; the parts are their first vertices.
-void write(std::int32_t id, bool GisO::*kind, const std::vector<Vertex>& vertices,
-           std::vector<std::int32_t> parts = {1}, const char* record = "a,1")
+void write(LayerWriter& layer, Kind kind, const std::vector<Vertex>& vertices, std::vector<std::int32_t> parts = {1})
 {
-    writeObject(id, kind, std::move(parts), vertices, record);
+    writeObject(layer, kind, std::move(parts), vertices, "a,1");
 }
 
-std::int32_t open(const char* name, const char* letters)
+gis::LayerSpec specFor(const char* letters)
 {
-    gisInitialise(-1, "", "", "");
-    gisPrjLine() = "PROJCS[\"p\"]";
-    gisOutputAttributes().clear();
-    gisOutputAttributes().add("Name", "Char", 3);
-    gisOutputAttributes().add("N", "Integer");
-    const std::int32_t id = gisOpenLayer(name, letters, "O ");
-    gisWriteHeader(id);
-    return id;
+    return {
+        .columns = {{"Name", "Char", 3}, {"N", "Integer"}}, .projection = {"", "PROJCS[\"p\"]"}, .families = letters};
+}
+
+LayerWriter create(const char* letters)
+{
+    gis::initialise();
+    return gis::createLayer("l.shp", specFor(letters));
 }
 
 // Writes a layer of the letters by `body`; the console of it.
 std::string writeLayer(
     const ScratchFolder& folder, const char* letters,
-    const std::function<void(std::int32_t)>& body = [](std::int32_t) {})
+    const std::function<void(LayerWriter&)>& body = [](LayerWriter&) {})
 {
     const ChildRun run = runInChild(folder, [&] {
-        std::int32_t id = open("l.shp", letters);
-        body(id);
-        gisCloseLayer(id);
+        LayerWriter layer = create(letters);
+        body(layer);
+        layer.close();
     });
     EXPECT_EQ(run.errors, "");
     return run.console;
@@ -66,10 +67,10 @@ std::string header(std::size_t bytes, std::int32_t type, const std::vector<doubl
 TEST(ShpWriter, PointsHaveTheirBytes)
 {
     const ScratchFolder folder;
-    writeLayer(folder, "P", [](std::int32_t id) {
-        write(id, &GisO::point, {{1.5, -2}});
-        write(id, &GisO::text, {{3, 4}});
-        write(id, &GisO::multipoint, {{0, 9}, {5, 1}});
+    writeLayer(folder, "P", [](LayerWriter& layer) {
+        write(layer, Kind::point, {{1.5, -2}});
+        write(layer, Kind::text, {{3, 4}});
+        write(layer, Kind::multipoint, {{0, 9}, {5, 1}});
     });
     const std::string first = big(1) + big(10) + little(1) + reals({1.5, -2});
     const std::string second = big(2) + big(10) + little(1) + reals({3, 4});
@@ -84,9 +85,9 @@ TEST(ShpWriter, PointsHaveTheirBytes)
 TEST(ShpWriter, LinesHaveTheirBytes)
 {
     const ScratchFolder folder;
-    writeLayer(folder, "L", [](std::int32_t id) {
-        write(id, &GisO::line, {{1, 2}, {3, 1}});
-        write(id, &GisO::plineMultiple, {{1, 2}, {3, 4}, {6, 6}, {7, 9}, {8, 8}}, {1, 3});
+    writeLayer(folder, "L", [](LayerWriter& layer) {
+        write(layer, Kind::line, {{1, 2}, {3, 1}});
+        write(layer, Kind::combinedPolyline, {{1, 2}, {3, 4}, {6, 6}, {7, 9}, {8, 8}}, {1, 3});
     });
     const std::string first = big(1) + big(2 + 22 + 16) + little(3) + reals({1, 1, 3, 2}) + little(1) + little(2) +
                               little(0) + reals({1, 2, 3, 1});
@@ -99,8 +100,8 @@ TEST(ShpWriter, LinesHaveTheirBytes)
 TEST(ShpWriter, RegionsHaveTheirBytes)
 {
     const ScratchFolder folder;
-    writeLayer(folder, "R", [](std::int32_t id) {
-        write(id, &GisO::region, {{0, 0}, {9, 0}, {9, 9}, {0, 0}, {5, 1}, {6, 1}, {6, 2}, {5, 1}}, {1, 5});
+    writeLayer(folder, "R", [](LayerWriter& layer) {
+        write(layer, Kind::region, {{0, 0}, {9, 0}, {9, 9}, {0, 0}, {5, 1}, {6, 1}, {6, 2}, {5, 1}}, {1, 5});
     });
     const std::string body = big(1) + big(4 + 22 + 64) + little(5) + reals({0, 0, 9, 9}) + little(2) + little(8) +
                              little(0) + little(4) + reals({0, 0, 9, 0, 9, 9, 0, 0, 5, 1, 6, 1, 6, 2, 5, 1});
@@ -110,7 +111,7 @@ TEST(ShpWriter, RegionsHaveTheirBytes)
 TEST(ShpWriter, AnObjectWithoutShapeGoesToEveryOpenSet)
 {
     const ScratchFolder folder;
-    writeLayer(folder, "PR", [](std::int32_t id) { write(id, &GisO::none, {}); });
+    writeLayer(folder, "PR", [](LayerWriter& layer) { write(layer, Kind::none, {}); });
     const std::string body = big(1) + big(2) + little(0);
     const std::vector<double> noBox = {9.000000135427196e+29, 9.000000135427196e+29, -9.000000135427196e+29,
                                        -9.000000135427196e+29};
@@ -124,7 +125,7 @@ TEST(ShpWriter, AnObjectWithoutShapeGoesToEveryOpenSet)
 TEST(ShpWriter, ABoxWithoutVerticesIsLeftAsItStarts)
 {
     const ScratchFolder folder;
-    writeLayer(folder, "L", [](std::int32_t id) { write(id, &GisO::pline, {}); });
+    writeLayer(folder, "L", [](LayerWriter& layer) { write(layer, Kind::polyline, {}); });
     EXPECT_EQ(
         folder.read("l_L.shp"),
         header(156, 3, {9.000000135427196e+29, 9.000000135427196e+29, -9.000000135427196e+29, -9.000000135427196e+29}) +
@@ -149,7 +150,7 @@ TEST(ShpWriter, EndsItsFilesWhereItsDataEnd)
     for (const char* name : {"l_P.shp", "l_P.shx", "l_P.dbf", "l_P.prj"}) {
         folder.give(name, std::string(5000, 'x'));
     }
-    writeLayer(folder, "P", [](std::int32_t id) { write(id, &GisO::point, {{1, 2}}); });
+    writeLayer(folder, "P", [](LayerWriter& layer) { write(layer, Kind::point, {{1, 2}}); });
     EXPECT_THAT(folder.read("l_P.shp"), SizeIs(128));
     EXPECT_THAT(folder.read("l_P.shx"), SizeIs(108));
     EXPECT_THAT(folder.read("l_P.dbf"), SizeIs(32 + 2 * 32 + 1 + 12 + 1));
@@ -161,7 +162,9 @@ TEST(ShpWriter, EndsItsFilesWhereItsDataEnd)
 TEST(ShpWriter, ClosesTheTableFirst)
 {
     const ScratchFolder folder;
-    const std::string console = writeLayer(folder, "P", [](std::int32_t id) { write(id, &GisO::point, {{1, 2}}); });
+    const std::string console = writeLayer(folder, "P", [](LayerWriter& layer) {
+        write(layer, Kind::point, {{1, 2}});
+    });
     EXPECT_EQ(console, "Opening GIS Layer: l.shp\n"
                        "GIS Layer assigned ID of 1\n"
                        "Trying to open file l_P.shp...OK.  File Unit:1001\n"
@@ -189,11 +192,8 @@ TEST(ShpWriter, ABlankProjectionIsAnEmptyLine)
 {
     const ScratchFolder folder;
     runInChild(folder, [] {
-        gisInitialise(-1, "", "", "");
-        gisOutputAttributes().add("N", "Integer");
-        std::int32_t id = gisOpenLayer("l.shp", "P", "O ");
-        gisWriteHeader(id);
-        gisCloseLayer(id);
+        gis::initialise();
+        gis::createLayer("l.shp", {.columns = {{"N", "Integer"}}, .families = "P"}).close();
     });
     EXPECT_EQ(folder.read("l_P.prj"), "\r\n");
 }
@@ -202,12 +202,12 @@ TEST(ShpWriter, ALongLineIsWrittenInPieces)
 {
     const ScratchFolder folder;
     constexpr int kVertices = 100000;
-    writeLayer(folder, "L", [](std::int32_t id) {
+    writeLayer(folder, "L", [](LayerWriter& layer) {
         std::vector<Vertex> vertices;
         for (int i = 0; i < kVertices; ++i) {
             vertices.push_back({i * 0.5, -i * 1.0});
         }
-        write(id, &GisO::pline, vertices);
+        write(layer, Kind::polyline, vertices);
     });
     const std::string bytes = folder.read("l_L.shp");
     ASSERT_EQ(bytes.size(), 100U + 8 + 48 + 16 * kVertices);
@@ -233,29 +233,27 @@ std::string ending(const std::string& message)
     return "\n" + message + "\n\nPress Enter to Close\n";
 }
 
+// What the run says last, when `code` ends it on the files of a layer of the letters.
+std::string lastWordsOn(const ScratchFolder& folder, const char* letters,
+                        const std::function<void(gis::shp::Output&)>& code)
+{
+    return lastWords(folder, [&] {
+        gis::shp::Output output = gis::shp::create("l.shp", specFor(letters));
+        code(output);
+    });
+}
+
 TEST(ShpWriter, RefusesKindsThatHaveNoPlace)
 {
     const ScratchFolder folder;
-    EXPECT_THAT(lastWords(folder,
-                          [] {
-                              write(open("l.shp", "P"), &GisO::ellipse, {{1, 1}});
-                          }),
+    const gis::Feature ellipse = featureOf(Kind::ellipse, {{1, 1}});
+    EXPECT_THAT(lastWordsOn(folder, "P", [&](gis::shp::Output& output) { writeObject(output, ellipse); }),
                 EndsWith(ending("Should not be here [gisWriteObject-shp].  Please contact SUPPORT_CONTACT.")));
-    EXPECT_THAT(lastWords(folder,
-                          [] {
-                              const std::int32_t id = open("l.shp", "P");
-                              GisO gisO;
-                              gisO.rect = true;
-                              gisWriteRecord(id, gisO);
-                          }),
-                EndsWith(ending("Should not be here [gisWriteRecord-dbf].  Please contact SUPPORT_CONTACT.")));
-    EXPECT_THAT(lastWords(folder,
-                          [] {
-                              ShpFile& shp = gisLayer(open("l.shp", "P")).shpFiles[0];
-                              GisO gisO;
-                              gisO.arc = true;
-                              shpWriteObject(gisO, shp, gisOutputCoordinates());
-                          }),
+    EXPECT_THAT(
+        lastWordsOn(folder, "P", [](gis::shp::Output& output) { writeRecord(output, featureOf(Kind::rectangle, {})); }),
+        EndsWith(ending("Should not be here [gisWriteRecord-dbf].  Please contact SUPPORT_CONTACT.")));
+    EXPECT_THAT(lastWordsOn(folder, "P",
+                            [](gis::shp::Output& output) { writeObject(output.sets[0], featureOf(Kind::arc, {})); }),
                 EndsWith(ending("ERROR 0350 - Trying to write a SHP object that is not yet supported.  Please contact "
                                 "SUPPORT_CONTACT.")));
 }
@@ -266,13 +264,14 @@ TEST(ShpWriter, RefusesAKindTheLayerWasNotOpenedFor)
     const std::string message = ending("Should not be here [shpnotopen] - please contact SUPPORT_CONTACT.");
     EXPECT_THAT(lastWords(folder,
                           [] {
-                              write(open("l.shp", "PL"), &GisO::region, {{0, 0}, {1, 0}, {1, 1}, {0, 0}});
+                              LayerWriter layer = create("PL");
+                              write(layer, Kind::region, {{0, 0}, {1, 0}, {1, 1}, {0, 0}});
                           }),
                 EndsWith(message));
     EXPECT_THAT(lastWords(folder,
                           [] {
-                              ShpFile none;
-                              shpWriteFileHeader(none, none.shpUnit, none.shpUnitBE);
+                              gis::shp::ShpFile none;
+                              gis::shp::writeFileHeader(none, none.shpUnit, none.shpUnitBE);
                           }),
                 EndsWith(message));
 }
@@ -280,13 +279,13 @@ TEST(ShpWriter, RefusesAKindTheLayerWasNotOpenedFor)
 TEST(ShpWriter, RefusesAFileOfTooManyWords)
 {
     const ScratchFolder folder;
-    EXPECT_THAT(lastWords(folder,
-                          [] {
-                              const std::int32_t id = open("l.shp", "P");
-                              gisLayer(id).shpFiles[0].shxOffset = 2147483647 - 14;
-                              write(id, &GisO::point, {{1, 1}}); // the last that fits
-                              write(id, &GisO::point, {{1, 1}});
-                          }),
+    EXPECT_THAT(lastWordsOn(folder, "P",
+                            [](gis::shp::Output& output) {
+                                output.sets[0].shp.shxOffset = 2147483647 - 14;
+                                const gis::Feature point = featureOf(Kind::point, {{1, 1}});
+                                writeObject(output, point); // the last that fits
+                                writeObject(output, point);
+                            }),
                 EndsWith("ERROR - Size of .shp file exceeds maximum of 2147483647 words of 16 bits: l_P.shp\n\nPress "
                          "Enter to Close\n"));
 }
@@ -308,14 +307,12 @@ TEST(ShpWriter, TellsAHeaderThatCannotBeWritten)
     for (const char* name : {"l_P.shp", "l_P.shx"}) {
         std::filesystem::remove(folder.path() / name);
         std::filesystem::create_symlink("/dev/full", folder.path() / name);
-        EXPECT_THAT(lastWords(folder, [] { open("l.shp", "P"); }),
-                    EndsWith(ending("ERROR 0437 - Writing .shp file header.")));
+        EXPECT_THAT(lastWords(folder, [] { create("P"); }), EndsWith(ending("ERROR 0437 - Writing .shp file header.")));
         std::filesystem::remove(folder.path() / name);
     }
     std::filesystem::remove(folder.path() / "l_P.dbf");
     std::filesystem::create_symlink("/dev/full", folder.path() / "l_P.dbf");
-    EXPECT_THAT(lastWords(folder, [] { open("l.shp", "P"); }),
-                EndsWith(ending("ERROR 0413 - Writing .dbf file header.")));
+    EXPECT_THAT(lastWords(folder, [] { create("P"); }), EndsWith(ending("ERROR 0413 - Writing .dbf file header.")));
 }
 
 TEST(ShpWriter, TellsObjectsAndRecordsThatCannotBeWritten)
@@ -323,34 +320,29 @@ TEST(ShpWriter, TellsObjectsAndRecordsThatCannotBeWritten)
     const ScratchFolder folder;
     EXPECT_THAT(lastWords(folder,
                           [] {
-                              std::int32_t id = open("l.shp", "L");
+                              LayerWriter layer = create("L");
                               limitFiles(20000);
-                              write(id, &GisO::pline, std::vector<Vertex>(2000));
-                              gisCloseLayer(id);
+                              write(layer, Kind::polyline, std::vector<Vertex>(2000));
+                              layer.close();
                           }),
                 EndsWith(ending("ERROR 0439 - Writing .shp file object coordinates.")));
 
     // The table is 32 + 2 * 32 + 1 bytes and 12 for each record, and then one to close it.
     constexpr int kRecords = 2000;
     constexpr std::size_t kTableBytes = 97 + 12 * kRecords;
-    const auto writeNulls = [](bool large, std::size_t limit) {
-        std::int32_t id = open("l.shp", "P");
-        GisO gisO;
-        gisO.none = true;
+    const auto writeNulls = [](std::size_t limit) {
+        LayerWriter layer = create("P");
         for (int i = 0; i < kRecords; ++i) {
-            gisWriteObject(id, gisO);
-            large ? gisWriteRecordLarge(id, gisO) : gisWriteRecord(id, gisO);
+            layer.write({});
         }
         limitFiles(limit);
-        gisCloseLayer(id);
+        layer.close();
     };
     // The .shp is too long as well, and says so behind the table.
     const std::string closing = "Closing GIS Layer 1 [l.shp]...\n\n";
-    EXPECT_THAT(lastWords(folder, [&] { writeNulls(false, kTableBytes - 1); }),
+    EXPECT_THAT(lastWords(folder, [&] { writeNulls(kTableBytes - 1); }),
                 HasSubstr(closing + "ERROR 0417 - Writing .dbf record.\n"));
-    EXPECT_THAT(lastWords(folder, [&] { writeNulls(true, kTableBytes - 1); }),
-                HasSubstr(closing + "ERROR 0417 - Writing large .dbf record.\n"));
-    EXPECT_THAT(lastWords(folder, [&] { writeNulls(false, kTableBytes); }),
+    EXPECT_THAT(lastWords(folder, [&] { writeNulls(kTableBytes); }),
                 HasSubstr(closing + "ERROR 0413 - Rewriting .dbf file header with final information.\n"));
 }
 

@@ -353,6 +353,50 @@ TEST(Processor, OnlyFilesOfAvx2NameVectorInstructions)
     EXPECT_GT(vectorFiles, 1U);
 }
 
+// --- The families of layers ------------------------------------------------------------------------------------------
+
+// Lines that ask which family of files a layer is of: by the text of an extension, or by what a variant holds.
+bool asksForFamily(const std::string& line)
+{
+    static const std::vector<std::string> signs{"\".mif\"",          "\".mid\"", "\".shp\"",
+                                                "\".shx\"",          "\".dbf\"", "== gis::kMifExtension",
+                                                "holds_alternative", "get_if<",  "std::get<"};
+    const std::string code = line.substr(0, line.find("//"));
+    return std::ranges::any_of(signs, [&](const std::string& sign) { return code.find(sign) != std::string::npos; });
+}
+
+// The two families stand in folders of their own, and one file chooses between them. The unit table knows some kinds of
+// files by their extension, whatever they are for.
+TEST(Layers, OnePlaceAsksForTheFamilyOfALayer)
+{
+    const std::set<std::string> mayAsk{"gis/layer_open.cpp", "gis/layer_name.h", "host/units.cpp"};
+    std::set<std::string> asking;
+    for (const auto& file : sourcesBelow(kSource / "src")) {
+        const std::string name = file.lexically_relative(kSource / "src").generic_string();
+        if (name.starts_with("gis/mif/") || name.starts_with("gis/shp/")) {
+            continue;
+        }
+        std::ifstream in(file);
+        int number = 0;
+        for (std::string line; std::getline(in, line);) {
+            ++number;
+            if (asksForFamily(line)) {
+                asking.insert(name);
+                EXPECT_TRUE(mayAsk.contains(name)) << file << ':' << number << ": " << line;
+            }
+        }
+    }
+    EXPECT_EQ(asking, mayAsk) << "a file that no longer asks must not stay in the list";
+}
+
+TEST(Layers, AQuestionForTheFamilyIsSeen)
+{
+    EXPECT_TRUE(asksForFamily("    if (extension == \".mif\") {"));
+    EXPECT_TRUE(asksForFamily("std::get_if<mif::Input>(&layer.files)"));
+    EXPECT_FALSE(asksForFamily("// the \".mif\" of a layer"));
+    EXPECT_FALSE(asksForFamily("    say(\"Reading .mif file\");"));
+}
+
 TEST(TestFiles, EveryOneBelongsToARunner)
 {
     const std::set<std::string> runners{"unit", "cli", "interop", "real", "faults"};

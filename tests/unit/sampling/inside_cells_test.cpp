@@ -26,9 +26,9 @@ GridHeader headerOf(std::int32_t nrows, std::int32_t ncols, double xll, double y
 }
 
 // A ring of open vertices as a reader gives it.
-GisCoordinates ringOf(const std::vector<double>& x, const std::vector<double>& y)
+gis::Coordinates ringOf(const std::vector<double>& x, const std::vector<double>& y)
 {
-    GisCoordinates read;
+    gis::Coordinates read;
     for (std::size_t i = 0; i < x.size() + 2; ++i) {
         read.reserve(++read.np);
         read.x[i] = x[i % x.size()];
@@ -39,7 +39,7 @@ GisCoordinates ringOf(const std::vector<double>& x, const std::vector<double>& y
 
 TEST(SampledRegion, TakesTheVerticesAsReadAndTheirBounds)
 {
-    GisCoordinates read = ringOf({3, 7, 5}, {4, 5, 9});
+    gis::Coordinates read = ringOf({3, 7, 5}, {4, 5, 9});
     read.reserve(20); // what lies behind the vertices does not count
     read.x[7] = 1e6;
     const SampledRegion region = sampledRegion(read);

@@ -14,9 +14,9 @@ using testing::ElementsAre;
 
 constexpr std::int32_t kEnough = 100;
 
-GisCoordinates lineOf(std::vector<double> x, std::vector<double> y)
+gis::Coordinates lineOf(std::vector<double> x, std::vector<double> y)
 {
-    GisCoordinates read;
+    gis::Coordinates read;
     read.np = static_cast<std::int32_t>(x.size());
     read.x = std::move(x);
     read.y = std::move(y);
@@ -54,12 +54,12 @@ TEST(InsertVertices, ANegativeOrMissingSpacingInsertsNothing)
 TEST(InsertVertices, TakesLinesOfOneVertexAndNone)
 {
     EXPECT_THAT(insertVertices(lineOf({3}, {4}), 1.0F, kEnough).x, ElementsAre(3));
-    EXPECT_EQ(insertVertices(GisCoordinates{}, 1.0F, kEnough).count(), 0U);
+    EXPECT_EQ(insertVertices(gis::Coordinates{}, 1.0F, kEnough).count(), 0U);
 }
 
 TEST(InsertVertices, AsManyVerticesAsAllowedPassAndOneMoreEndsTheRun)
 {
-    const GisCoordinates line = lineOf({0, 12, 15}, {0, 0, 4});
+    const gis::Coordinates line = lineOf({0, 12, 15}, {0, 0, 4});
     EXPECT_EQ(insertVertices(line, 6.0F, 5).count(), 5U); // two go into the segment of 12
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [&line] { insertVertices(line, 6.0F, 4); });

@@ -175,7 +175,7 @@ void make(Made& made, std::int32_t rows, std::int32_t columns)
 
 SampledRegion ring(const std::vector<double>& x, const std::vector<double>& y)
 {
-    GisCoordinates read;
+    gis::Coordinates read;
     for (std::size_t i = 0; i < x.size() + 2; ++i) {
         read.reserve(++read.np);
         read.x[i] = x[i % x.size()];

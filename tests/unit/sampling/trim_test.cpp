@@ -12,7 +12,7 @@ namespace {
 
 SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& y)
 {
-    GisCoordinates read;
+    gis::Coordinates read;
     for (std::size_t i = 0; i < x.size() + 2; ++i) {
         read.reserve(++read.np);
         read.x[i] = x[i % x.size()];

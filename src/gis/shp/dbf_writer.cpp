@@ -1,16 +1,16 @@
-#include "gis/dbf_writer.h"
+#include "gis/shp/dbf_writer.h"
 
 #include "core/numbers.h"
 #include "core/product.h"
 #include "core/text.h"
-#include "gis/byte_order.h"
 #include "gis/gis_messages.h"
+#include "gis/shp/byte_order.h"
 #include "host/system.h"
 
 #include <algorithm>
 #include <array>
 
-namespace gridforge {
+namespace gridforge::gis::shp {
 
 namespace {
 
@@ -34,17 +34,12 @@ void failRecord(Unit)
     gisFail("ERROR 0417 - Writing .dbf record.");
 }
 
-void failLargeRecord(Unit)
-{
-    gisFail("ERROR 0417 - Writing large .dbf record.");
-}
-
 void failRewrite(Unit)
 {
     gisFail("ERROR 0413 - Rewriting .dbf file header with final information.");
 }
 
-// Sends what has been written to the file, so that a failure is told as that of the step that wrote it.
+// Sends what has been written to the file, so that a failure is reported as that of the step that wrote it.
 void settle(Unit unit)
 {
     seekTo(unit, position(unit));
@@ -77,9 +72,9 @@ const DbfField& fieldFor(std::string_view attributeType)
     return *found;
 }
 
-void mapFields(const GisOutputAttributes& attributes, DbfTable& dbf)
+void mapFields(std::span<const Column> columns, DbfTable& dbf)
 {
-    dbf.nFields = attributes.count();
+    dbf.nFields = static_cast<std::int32_t>(columns.size());
     if (dbf.nFields > kMaxDbfFields) {
         gisFail("ERROR 0411 - Exceeded maximum number of dbf Fields trying to write dbf file.");
     }
@@ -87,10 +82,10 @@ void mapFields(const GisOutputAttributes& attributes, DbfTable& dbf)
         gisFail("ERROR 0319 - No attributes specified when writing .dbf file.");
     }
     std::int64_t total = 0;
-    for (std::size_t i = 0; i < attributes.columns.size(); ++i) {
-        const GisOutputAttribute& column = attributes.columns[i];
-        const DbfField& field = fieldFor(column.type);
-        dbf.fieldName[i] = cut(CLEANATTRIBUTENAME(TRIMF(column.name)), kNameBytes);
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const Column& column = columns[i];
+        const DbfField& field = fieldFor(cut(column.type, kColumnTypeWidth));
+        dbf.fieldName[i] = cut(CLEANATTRIBUTENAME(TRIMF(cut(column.name, kColumnNameWidth))), kNameBytes);
         dbf.fieldType[i] = field.type;
         dbf.fieldLength[i] = field.length > 0 ? field.length : column.length;
         dbf.fieldDecimals[i] = field.decimals;
@@ -138,14 +133,15 @@ void writeField(const DbfTable& dbf, std::size_t i)
 
 // --- Records ---------------------------------------------------------------------------------------------------------
 
-// One store for all layers of a run: a field without a value gets what its number was given last. Deliberate.
+// One store for all layers of a run: a field without a value gets what its number was given last. On purpose: outputs
+// rely on it.
 std::array<std::string, kMaxDbfFields>& fieldValues()
 {
     static std::array<std::string, kMaxDbfFields> values;
     return values;
 }
 
-void splitLine(const DbfTable& dbf, std::string_view line, std::string_view place)
+void splitLine(const DbfTable& dbf, std::string_view line)
 {
     FreeForm values(line);
     for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
@@ -154,7 +150,7 @@ void splitLine(const DbfTable& dbf, std::string_view line, std::string_view plac
         case FreeValue::empty: break;
         case FreeValue::end: return;
         case FreeValue::failure:
-            gisFail(join("Should not be here ", place, " - please contact ", kSupportContact, "."), line);
+            gisFail(join("Should not be here [dbfdataline] - please contact ", kSupportContact, "."), line);
         }
     }
 }
@@ -167,33 +163,15 @@ void putValue(std::string_view value, std::size_t length, bool isText, char* fie
     std::copy(value.begin(), value.end(), isText ? field : field + (length - value.size()));
 }
 
-void writeRecord(DbfTable& dbf, std::string_view line, std::string_view place)
-{
-    if (dbf.currentRecord == INT32_MAX) {
-        gisFail(
-            join("ERROR 0419 - Exceeded dbf limit of 2,147,483,647 records.  Please contact ", kSupportContact, "."));
-    }
-    ++dbf.currentRecord;
-    splitLine(dbf, line, place);
-    const std::size_t bytes = 1 + static_cast<std::size_t>(dbf.recordLength);
-    char* at = writeRoom(dbf.dbfUnit, bytes).data();
-    *at++ = ' ';
-    for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
-        const auto length = static_cast<std::size_t>(dbf.fieldLength[i]);
-        putValue(fieldValues()[i], length, dbf.fieldType[i] == 'C', at);
-        at += length;
-    }
-    wroteBytes(dbf.dbfUnit, bytes);
-}
-
 } // namespace
 
-void dbfWriteHeader(const GisOutputAttributes& attributes, DbfTable& dbf)
+void dbfWriteHeader(std::span<const Column> columns, DbfTable& dbf)
 {
     onWriteFailure(dbf.dbfUnit, failHeader);
     seekTo(dbf.dbfUnit, 0);
-    dbf.nRecords = attributes.nRecords;
-    mapFields(attributes, dbf);
+    dbf.nRecords = 0;
+    dbf.currentRecord = 0;
+    mapFields(columns, dbf);
     writeHead(dbf);
     for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
         writeField(dbf, i);
@@ -205,13 +183,21 @@ void dbfWriteHeader(const GisOutputAttributes& attributes, DbfTable& dbf)
 void dbfdataline(DbfTable& dbf, std::string_view line)
 {
     onWriteFailure(dbf.dbfUnit, failRecord);
-    writeRecord(dbf, line.substr(0, kDataLineWidth), "[dbfdataline]");
-}
-
-void dbfdatalinelarge(DbfTable& dbf, std::string_view line)
-{
-    onWriteFailure(dbf.dbfUnit, failLargeRecord);
-    writeRecord(dbf, line.substr(0, kLargeDataLineWidth), "[dbfdatalinelarge]");
+    if (dbf.currentRecord == INT32_MAX) {
+        gisFail(
+            join("ERROR 0419 - Exceeded dbf limit of 2,147,483,647 records.  Please contact ", kSupportContact, "."));
+    }
+    ++dbf.currentRecord;
+    splitLine(dbf, line.substr(0, kRecordWidth));
+    const std::size_t bytes = 1 + static_cast<std::size_t>(dbf.recordLength);
+    char* at = writeRoom(dbf.dbfUnit, bytes).data();
+    *at++ = ' ';
+    for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
+        const auto length = static_cast<std::size_t>(dbf.fieldLength[i]);
+        putValue(fieldValues()[i], length, dbf.fieldType[i] == 'C', at);
+        at += length;
+    }
+    wroteBytes(dbf.dbfUnit, bytes);
 }
 
 void dbfWriteEoF(DbfTable& dbf)
@@ -244,12 +230,4 @@ std::int16_t i2u(std::int32_t value)
     return static_cast<std::int16_t>(value);
 }
 
-std::int32_t i4u(std::int64_t value)
-{
-    if (value < 0 || value > std::int64_t{UINT32_MAX}) {
-        gisMisuse("[i4u: i8 outside range]");
-    }
-    return static_cast<std::int32_t>(value);
-}
-
-} // namespace gridforge
+} // namespace gridforge::gis::shp

@@ -1,14 +1,15 @@
-#include "gis/dbf_reader.h"
+#include "gis/shp/dbf_reader.h"
 
 #include "core/text.h"
-#include "gis/byte_order.h"
 #include "gis/gis_messages.h"
+#include "gis/shp/byte_order.h"
+#include "host/console.h"
 
 #include <algorithm>
 #include <array>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::gis::shp {
 
 namespace {
 
@@ -71,7 +72,7 @@ void tellFields(const DbfTable& dbf)
     for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
         line += join(dbf.fieldName[i], " [", i + 1, "/", dbf.fieldType[i], "/", dbf.fieldLength[i], "]  ");
     }
-    gisSay(line);
+    say(line);
 }
 
 // --- Records ---------------------------------------------------------------------------------------------------------
@@ -149,7 +150,7 @@ void dbfReadHeader(DbfTable& dbf)
     std::array<std::byte, kHeaderBytes> head;
     needHeader(dbf, head);
     dbf.nRecords = fromBytes<std::int32_t>(&head[4]);
-    gisSay(join("DBF file contains ", dbf.nRecords, " records."));
+    say("DBF file contains ", dbf.nRecords, " records.");
     dbf.nFields = 0;
     dbf.recordLength = 0;
     for (;;) {
@@ -189,4 +190,4 @@ void dbfReadRecord(DbfTable& dbf, bool& endOfData, std::string& line, std::size_
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::gis::shp

@@ -1,4 +1,4 @@
-// Numbers as .shp, .shx and .dbf hold them: little-endian, but for the words of a Shapefile that are big-endian.
+// Numbers as .shp, .shx and .dbf hold them: little-endian, except for the words of a Shapefile that are big-endian.
 #pragma once
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::gis::shp {
 
 // The `Number` whose bytes begin at `bytes`, in the given order.
 template <typename Number, std::endian order = std::endian::little>
@@ -21,7 +21,7 @@ Number fromBytes(const std::byte* bytes)
     return std::bit_cast<Number>(own);
 }
 
-// Puts the bytes of `value` at `target`, in the given order, and gives the place behind them.
+// Puts the bytes of `value` at `target`, in the given order, and returns the place behind them.
 template <std::endian order = std::endian::little, typename Number>
 char* putBytes(char* target, Number value)
 {
@@ -32,4 +32,4 @@ char* putBytes(char* target, Number value)
     return std::copy(own.begin(), own.end(), target);
 }
 
-} // namespace gridforge
+} // namespace gridforge::gis::shp

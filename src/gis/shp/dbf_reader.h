@@ -1,12 +1,12 @@
 // .dbf tables, given record by record as the comma-separated line that a .mid holds.
 #pragma once
 
-#include "gis/records.h"
+#include "gis/shp/records.h"
 
 #include <cstddef>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::gis::shp {
 
 // Rewinds, reads the field list with its console lines, and stands at the first record.
 void dbfReadHeader(DbfTable& dbf);
@@ -16,4 +16,4 @@ void dbfReadHeader(DbfTable& dbf);
 // atEnd(dbfUnit).
 void dbfReadRecord(DbfTable& dbf, bool& endOfData, std::string& line, std::size_t width);
 
-} // namespace gridforge
+} // namespace gridforge::gis::shp

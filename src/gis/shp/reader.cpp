@@ -1,18 +1,22 @@
-#include "gis/shp_reader.h"
+#include "gis/shp/reader.h"
 
+#include "core/names.h"
 #include "core/numbers.h"
 #include "core/product.h"
 #include "core/text.h"
-#include "gis/byte_order.h"
-#include "gis/dbf_reader.h"
 #include "gis/gis_messages.h"
+#include "gis/projection.h"
+#include "gis/shp/byte_order.h"
+#include "gis/shp/dbf_reader.h"
+#include "host/console.h"
 #include "host/ends.h"
+#include "host/file_system.h"
 
 #include <algorithm>
 #include <array>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::gis::shp {
 
 namespace {
 
@@ -90,9 +94,9 @@ void needParts(Unit unit, std::int32_t count, std::vector<std::int32_t>& ir, con
     }
 }
 
-void roomForParts(GisO& gisO, std::int32_t count)
+void roomForParts(LayerObject& object, std::int32_t count)
 {
-    gisO.ir.resize(std::max(gisO.ir.size(), static_cast<std::size_t>(count)));
+    object.parts.resize(std::max(object.parts.size(), static_cast<std::size_t>(count)));
 }
 
 void requireNotNegative(const ShpFile& shp, std::string_view what, std::int32_t count)
@@ -122,7 +126,7 @@ void requireRoom(std::int64_t np, std::int32_t maxVertices)
 
 // --- Vertices --------------------------------------------------------------------------------------------------------
 
-// Reads `count` vertices piece by piece and tells `take` each one's number from 0, x and y.
+// Reads `count` vertices piece by piece and calls `take` with each one's number from 0, x and y.
 template <typename Take>
 void needVertices(Unit unit, std::int64_t count, const Take& take)
 {
@@ -139,7 +143,7 @@ void needVertices(Unit unit, std::int64_t count, const Take& take)
     }
 }
 
-void readVertices(Unit unit, std::size_t offset, std::int64_t count, GisCoordinates& c)
+void readVertices(Unit unit, std::size_t offset, std::int64_t count, Coordinates& c)
 {
     needVertices(unit, count, [&](std::size_t i, double x, double y) {
         c.x[offset + i] = x;
@@ -152,24 +156,25 @@ void dropVertices(Unit unit, std::int64_t count)
     needVertices(unit, count, [](std::size_t, double, double) {});
 }
 
-void readPoint(Unit unit, GisCoordinates& c)
+void readPoint(Unit unit, Coordinates& c)
 {
     c.np = 1;
     c.reserve(1);
     readVertices(unit, 0, 1, c);
 }
 
-void readPart(ShpFile& shp, GisO& gisO, GisCoordinates& c, std::int32_t maxVertices, bool readCoordinates)
+void readPart(ShpFile& shp, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
 {
-    if (gisO.nr >= gisO.nSections) {
+    if (object.rings >= object.sections) {
         fail("ERROR - More parts read than a polyline has in .shp file: ", unitName(shp.shpUnit),
-             "  Parts: ", gisO.nSections);
+             "  Parts: ", object.sections);
     }
-    const auto part = static_cast<std::size_t>(gisO.nr);
-    ++gisO.nr;
-    requirePart(shp, gisO.ir[part], gisO.ir[part + 1], gisO.ir[static_cast<std::size_t>(gisO.nSections)]);
-    c.np = gisO.ir[part + 1] - gisO.ir[part];
-    if (!readCoordinates) {
+    const auto part = static_cast<std::size_t>(object.rings);
+    ++object.rings;
+    requirePart(shp, object.parts[part], object.parts[part + 1],
+                object.parts[static_cast<std::size_t>(object.sections)]);
+    c.np = object.parts[part + 1] - object.parts[part];
+    if (!wanted) {
         dropVertices(shp.shpUnit, c.np);
         return;
     }
@@ -180,82 +185,97 @@ void readPart(ShpFile& shp, GisO& gisO, GisCoordinates& c, std::int32_t maxVerti
 
 // Turns the part starts of the file into ring ends, with the slot behind each ring that repeats its second vertex. A ring
 // of fewer than two vertices has none, and its slot stays as it was.
-void readRings(const ShpFile& shp, GisO& gisO, std::int32_t points, GisCoordinates& c)
+void readRings(const ShpFile& shp, LayerObject& object, std::int32_t points, Coordinates& c)
 {
-    const auto rings = static_cast<std::size_t>(gisO.nr);
-    gisO.ir[rings] = points;
+    const auto rings = static_cast<std::size_t>(object.rings);
+    object.parts[rings] = points;
     for (std::size_t k = 0; k < rings; ++k) {
-        requirePart(shp, gisO.ir[k], gisO.ir[k + 1], points);
+        requirePart(shp, object.parts[k], object.parts[k + 1], points);
     }
-    c.reserve(gisO.nr + points + 1);
+    c.reserve(object.rings + points + 1);
     c.np = 0;
     for (std::size_t k = 0; k < rings; ++k) {
-        const std::int32_t count = gisO.ir[k + 1] - gisO.ir[k];
+        const std::int32_t count = object.parts[k + 1] - object.parts[k];
         const auto offset = static_cast<std::size_t>(c.np);
         readVertices(shp.shpUnit, offset, count, c);
         c.np += count + 1;
         const auto slot = static_cast<std::size_t>(c.np - 1);
         c.x[slot] = c.x[offset + 1];
         c.y[slot] = c.y[offset + 1];
-        gisO.ir[k] = c.np - 1;
+        object.parts[k] = c.np - 1;
     }
 }
 
-void readRegion(const ShpFile& shp, GisO& gisO, GisCoordinates& c, std::int32_t maxVertices, bool readCoordinates)
+void readRegion(const ShpFile& shp, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
 {
     c.np = needInteger(shp.shpUnit, kCoordinateMessages);
     requireNotNegative(shp, "points of a region", c.np);
-    roomForParts(gisO, gisO.nr + 1);
-    needParts(shp.shpUnit, gisO.nr, gisO.ir, kCoordinateMessages);
-    if (!readCoordinates) {
+    roomForParts(object, object.rings + 1);
+    needParts(shp.shpUnit, object.rings, object.parts, kCoordinateMessages);
+    if (!wanted) {
         dropVertices(shp.shpUnit, c.np);
         return;
     }
-    requireRoom(std::int64_t{gisO.nr} + c.np, maxVertices);
-    readRings(shp, gisO, c.np, c);
+    requireRoom(std::int64_t{object.rings} + c.np, maxVertices);
+    readRings(shp, object, c.np, c);
 }
 
 // --- Heads of records ------------------------------------------------------------------------------------------------
 
-void readPolylineHead(const ShpFile& shp, GisO& gisO)
+// A polyline without parts has no kind.
+Kind kindOfPolyline(std::int32_t parts)
 {
-    needBox(shp.shpUnit, kTypeMessages);
-    gisO.nSections = needInteger(shp.shpUnit, kTypeMessages);
-    gisO.pline = gisO.nSections == 1;
-    gisO.plineMultiple = gisO.nSections > 1;
-    if (gisO.nSections >= kMaxParts) {
-        gisFail("ERROR 0421 - Exceeded maximum number of parts in a .shp polyline.  Limit is 10000");
+    if (parts == 1) {
+        return Kind::polyline;
     }
-    requireNotNegative(shp, "parts of a polyline", gisO.nSections);
-    const std::int32_t points = needInteger(shp.shpUnit, kTypeMessages);
-    roomForParts(gisO, gisO.nSections + 1);
-    needParts(shp.shpUnit, gisO.nSections, gisO.ir, kTypeMessages);
-    gisO.ir[static_cast<std::size_t>(gisO.nSections)] = points;
+    return parts > 1 ? Kind::combinedPolyline : Kind::unknown;
 }
 
-void readPolygonHead(const ShpFile& shp, GisO& gisO)
+void readPolylineHead(const ShpFile& shp, LayerObject& object)
 {
-    gisO.region = true;
     needBox(shp.shpUnit, kTypeMessages);
-    gisO.nr = needInteger(shp.shpUnit, kTypeMessages);
-    if (gisO.nr >= kMaxParts) {
+    object.sections = needInteger(shp.shpUnit, kTypeMessages);
+    object.kind = kindOfPolyline(object.sections);
+    if (object.sections >= kMaxParts) {
+        gisFail("ERROR 0421 - Exceeded maximum number of parts in a .shp polyline.  Limit is 10000");
+    }
+    requireNotNegative(shp, "parts of a polyline", object.sections);
+    const std::int32_t points = needInteger(shp.shpUnit, kTypeMessages);
+    roomForParts(object, object.sections + 1);
+    needParts(shp.shpUnit, object.sections, object.parts, kTypeMessages);
+    object.parts[static_cast<std::size_t>(object.sections)] = points;
+}
+
+void readPolygonHead(const ShpFile& shp, LayerObject& object)
+{
+    object.kind = Kind::region;
+    needBox(shp.shpUnit, kTypeMessages);
+    object.rings = needInteger(shp.shpUnit, kTypeMessages);
+    if (object.rings >= kMaxParts) {
         gisFail("ERROR 0422 - Exceeded maximum number of regions within a .shp region.  Limit is 10000");
     }
-    requireNotNegative(shp, "rings of a region", gisO.nr);
+    requireNotNegative(shp, "rings of a region", object.rings);
+}
+
+void readMultipointHead(const ShpFile& shp, LayerObject& object)
+{
+    object.kind = Kind::multipoint;
+    needBox(shp.shpUnit, kTypeMessages);
+    object.sections = needInteger(shp.shpUnit, kTypeMessages);
 }
 
 } // namespace
 
 // --- Headers ---------------------------------------------------------------------------------------------------------
 
-ShpFileHeader shpReadFileHeader(Unit unit)
+FileHeader readFileHeader(Unit unit)
 {
     std::array<std::byte, kHeaderBytes> bytes;
     seekTo(unit, 0);
     need(unit, bytes, kHeaderMessages);
     const auto word = [&](std::size_t at) { return fromBytes<std::int32_t>(&bytes[at]); };
     const auto real = [&](std::size_t at) { return fromBytes<double>(&bytes[at]); };
-    ShpFileHeader header;
+    FileHeader header;
     header.code = fromBytes<std::int32_t, std::endian::big>(bytes.data());
     header.length = fromBytes<std::int32_t, std::endian::big>(&bytes[24]);
     header.version = word(28);
@@ -267,71 +287,152 @@ ShpFileHeader shpReadFileHeader(Unit unit)
     return header;
 }
 
-void shpReadHeader(Layer& layer)
+Input open(std::string_view fileName)
 {
-    ShpFile& shp = layer.shpFiles[0];
-    DbfTable& dbf = layer.dbfTable[0];
+    Input input;
+    OPENER(input.shp.shpUnit, "BI", fileName);
+    OPENER(input.shp.shpUnitBE, "BE", fileName);
+    OPENER(input.dbf.dbfUnit, "BI", FILENAMEPATH(fileName) + ".dbf");
+    return input;
+}
+
+void readHeader(Input& input)
+{
+    ShpFile& shp = input.shp;
     if (shp.shpUnitBE > 0) {
-        const ShpFileHeader header = shpReadFileHeader(shp.shpUnitBE);
+        const FileHeader header = readFileHeader(shp.shpUnitBE);
         shp.fileCode = header.code;
         shp.fileLength = header.length;
-        gisSay(join("Shapefile Code: ", shp.fileCode, "  Length: ", shp.fileLength));
+        say("Shapefile Code: ", shp.fileCode, "  Length: ", shp.fileLength);
     }
-    if (shp.shpUnit > 0) {
-        const ShpFileHeader header = shpReadFileHeader(shp.shpUnit);
-        shp.version = header.version;
-        shp.shapeType = header.type;
-        shp.xmin = header.xmin;
-        shp.ymin = header.ymin;
-        shp.xmax = header.xmax;
-        shp.ymax = header.ymax;
-        gisSay(join("Shapefile Version: ", shp.version, "  Type: ", shp.shapeType));
-    }
+    const FileHeader header = readFileHeader(shp.shpUnit);
+    shp.version = header.version;
+    shp.shapeType = header.type;
+    shp.xmin = header.xmin;
+    shp.ymin = header.ymin;
+    shp.xmax = header.xmax;
+    shp.ymax = header.ymax;
+    say("Shapefile Version: ", shp.version, "  Type: ", shp.shapeType);
     CLOSER(shp.shpUnitBE);
-    dbfReadHeader(dbf);
-    dbf.currentRecord = 0;
+    dbfReadHeader(input.dbf);
+    input.dbf.currentRecord = 0;
+}
+
+std::int32_t columnCount(const Input& input)
+{
+    return input.dbf.nFields;
+}
+
+std::vector<Column> columnsOf(const Input& input)
+{
+    const DbfTable& dbf = input.dbf;
+    std::vector<Column> result;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
+        if (dbf.fieldType[i] == 'N' || dbf.fieldType[i] == 'F') {
+            result.push_back({dbf.fieldName[i], "Float", 0});
+        } else {
+            result.push_back({dbf.fieldName[i], "Char", dbf.fieldLength[i]});
+        }
+    }
+    return result;
 }
 
 // --- Objects ---------------------------------------------------------------------------------------------------------
 
-bool shpObjectType(ShpFile& shp, GisO& gisO)
+bool readKind(Input& input, LayerObject& object)
 {
+    ShpFile& shp = input.shp;
     std::array<std::byte, 2 * sizeof(std::int32_t)> head; // record number and length, of no use to a reader in order
     need(shp.shpUnit, head, kTypeMessages);
     shp.recordShapeType = needInteger(shp.shpUnit, kTypeMessages);
-    gisO.nr = 0;
+    object.rings = 0;
     switch (shp.recordShapeType) {
-    case kNull: gisO.none = true; break;
-    case kPoint: gisO.point = true; break;
-    case kPolyline: readPolylineHead(shp, gisO); break;
-    case kPolygon: readPolygonHead(shp, gisO); break;
-    case kMultiPoint:
-        gisO.multipoint = true;
-        needBox(shp.shpUnit, kTypeMessages);
-        gisO.nSections = needInteger(shp.shpUnit, kTypeMessages);
-        break;
+    case kNull: object.kind = Kind::none; break;
+    case kPoint: object.kind = Kind::point; break;
+    case kPolyline: readPolylineHead(shp, object); break;
+    case kPolygon: readPolygonHead(shp, object); break;
+    case kMultiPoint: readMultipointHead(shp, object); break;
     default:
         gisFail(join("ERROR 0423 - Unsupported .shp object type ", shapeName(shp.recordShapeType), " [",
                      shp.recordShapeType, "]"));
     }
-    gisO.name = shapeName(shp.recordShapeType);
+    object.name = shapeName(shp.recordShapeType);
     return true;
 }
 
-bool shpReadObject(ShpFile& shp, GisO& gisO, GisCoordinates& coordinates, std::int32_t maxVertices,
-                   bool readCoordinates)
+bool atObjectsEnd(const Input& input)
 {
-    gisO.haveCoordinates = false;
+    return atEnd(input.shp.shpUnit);
+}
+
+bool readRecord(Input& input, std::string_view /*name*/, std::string& line, std::size_t width)
+{
+    bool tableEnded = false;
+    dbfReadRecord(input.dbf, tableEnded, line, width);
+    // A null shape has no coordinates, so the .shp can end with its type.
+    return tableEnded || atEnd(input.dbf.dbfUnit) || atObjectsEnd(input);
+}
+
+Centre readCoordinates(Input& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
+                       bool wanted)
+{
+    ShpFile& shp = input.shp;
+    object.haveCoordinates = false;
     switch (shp.recordShapeType) {
     case kNull: break;
     case kPoint:
     case kMultiPoint: readPoint(shp.shpUnit, coordinates); break; // further points stay unread, as they always have
-    case kPolyline: readPart(shp, gisO, coordinates, maxVertices, readCoordinates); break;
-    case kPolygon: readRegion(shp, gisO, coordinates, maxVertices, readCoordinates); break;
+    case kPolyline: readPart(shp, object, coordinates, maxVertices, wanted); break;
+    case kPolygon: readRegion(shp, object, coordinates, maxVertices, wanted); break;
     default: gisFail(join("Should not be here [shpReadObject].  Please contact ", kSupportContact, "."));
     }
-    gisO.haveCoordinates = true;
-    return true;
+    object.haveCoordinates = true;
+    return Centre::computed;
 }
 
-} // namespace gridforge
+void closeFiles(Input& input)
+{
+    CLOSER(input.shp.shpUnit);
+    CLOSER(input.shp.shpUnitBE);
+    CLOSER(input.dbf.dbfUnit);
+}
+
+// --- For callers outside ---------------------------------------------------------------------------------------------
+
+std::int32_t recordCount(const Input& input)
+{
+    return input.dbf.nRecords;
+}
+
+void rewind(Input& input)
+{
+    readHeader(input);
+}
+
+bool goToColumns(Input& /*input*/, std::int32_t& /*count*/)
+{
+    gisMisuse("[gisGotoBeginningOfAttributes]");
+}
+
+Column readColumn(Input& /*input*/)
+{
+    gisMisuse("[gisReadAttributeDefinition]");
+}
+
+// --- Projection ------------------------------------------------------------------------------------------------------
+
+void takeProjection(std::string_view fileName, std::string& projection)
+{
+    const std::string prjName = FILENAMEPATH(fileName) + ".prj";
+    if (!inputExists(prjName)) {
+        fail("ERROR - Projection file does not exist in folder: ", prjName);
+    }
+    Unit unit = 0;
+    const bool found = findProjectionLine(prjName, "PROJCS", "shp Projection: ", projection, unit);
+    CLOSER(unit);
+    if (!found) {
+        fail("ERROR - Unable to find PROJCS line in ", prjName);
+    }
+}
+
+} // namespace gridforge::gis::shp

@@ -1,0 +1,73 @@
+// An object of a layer as it is read, and its coordinates. Vertices and parts count from 1 in comments and messages:
+// vertex 1 is x[0].
+#pragma once
+
+#include "gis/feature.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace gridforge::gis {
+
+inline constexpr std::int32_t kMaxParts = 10000; // rings of a region, parts of a polyline
+
+struct LayerObject {
+    Kind kind = Kind::unknown;
+    bool centre = false;          // the line that gives the centre of a region, in place of an object
+    bool haveCoordinates = false; // the coordinates have been read; clear() leaves it
+    // .mif: the count after "Pline Multiple" or "MultiPoint"; .shp: parts of a polyline, points.
+    std::int32_t sections = 1;
+    std::int32_t rings = 1; // of a region; polylines of a .shp: parts taken so far
+    // parts[k-1] is part k. Regions: the number of the ring's last vertex. Polylines of a .shp: the zero-based part
+    // starts and, after them, the point count. Never empty; readers make it as long as they need.
+    std::vector<std::int32_t> parts = {1};
+    std::string name = {};   // the kind as the file spells it, for messages
+    std::string record = {}; // the attributes as one comma-separated line, text in double quotes
+
+    // No kind, one section, one part from vertex 1, no name. `parts` keeps its length, so that nothing is allocated
+    // again, and the record stays.
+    void clear();
+};
+
+// Arrays that the caller keeps from object to object and that only grow. They hold two slots at least, zero at first. A
+// ring of a region takes one slot more than its vertices: the slot after its closing vertex repeats its second vertex,
+// and np counts that slot too.
+struct Coordinates {
+    std::int32_t np = 0;
+    std::vector<double> x = std::vector<double>(2);
+    std::vector<double> y = std::vector<double>(2);
+    double xc = 0; // centre
+    double yc = 0;
+    float angle = 0; // degrees
+    float length = 0;
+
+    // Room for `count` vertices; what is there stays.
+    void reserve(std::int32_t count)
+    {
+        const auto wanted = static_cast<std::size_t>(std::max(count, 2));
+        if (x.size() < wanted) {
+            x.resize(wanted);
+            y.resize(wanted);
+        }
+    }
+};
+
+inline void LayerObject::clear()
+{
+    kind = Kind::unknown;
+    sections = 1;
+    rings = 1;
+    if (parts.empty()) {
+        parts.resize(1);
+    }
+    parts[0] = 1;
+    name.clear();
+}
+
+// Where the centre of an object comes from.
+enum class Centre { computed, given };
+
+} // namespace gridforge::gis

@@ -1,0 +1,85 @@
+// Input layers: opened, then read object by object, then closed. A bad file ends the run with a message.
+//
+//     LayerReader layer = openLayer(name);
+//     while (LayerObject* object = layer.next()) {
+//         layer.readCoordinates(*object, coordinates, maxVertices); // for the objects that are wanted
+//     }
+//     layer.close();
+#pragma once
+
+#include "gis/layer_object.h"
+#include "gis/layer_spec.h"
+#include "gis/mif/reader.h"
+#include "gis/shp/reader.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace gridforge::gis {
+
+// An open input layer of either family, as the table of layers holds it.
+struct OpenLayer {
+    std::int32_t id = 0;
+    std::string name;
+    bool end = false; // nothing is left to read
+    std::variant<mif::Input, shp::Input> files;
+};
+
+class LayerReader {
+public:
+    explicit LayerReader(OpenLayer& layer) : layer_(&layer) {}
+    LayerReader(LayerReader&&) = default;
+    LayerReader& operator=(LayerReader&&) = default;
+    LayerReader(const LayerReader&) = delete;
+    LayerReader& operator=(const LayerReader&) = delete;
+    ~LayerReader() = default;
+
+    // The next object with its record, null at the end of the layer. It is valid until the next call.
+    LayerObject* next();
+    // The object's coordinates and what is derived from them: centre, and for lines angle and length. More than
+    // `maxVertices` end the run. What a kind does not have stays as it was, except that angle and length start at 0.
+    void readCoordinates(LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices);
+
+    std::int32_t columnCount() const;
+    // The columns as an output layer takes them.
+    std::vector<Column> columns() const;
+    // Closes the files. The console shows it, so it has its place in the run.
+    void close();
+
+private:
+    OpenLayer* layer_;
+    LayerObject object_;
+};
+
+// Opens a layer of the family that the extension names, and reads its header.
+LayerReader openLayer(std::string_view fileName);
+
+// --- The steps of reading, for callers that take them one by one -----------------------------------------------------
+
+// Opens the files without reading them.
+OpenLayer& openFiles(std::string_view fileName);
+void readHeader(OpenLayer& layer);
+std::int32_t columnCount(const OpenLayer& layer);
+// Lines of the .mid, which is rewound, or the record count of the .dbf header.
+std::int32_t recordCount(OpenLayer& layer);
+// Back to the first object.
+void rewind(OpenLayer& layer);
+// .mif only: back to the column definitions; their count. False, with a warning and a pause, where it cannot be found.
+bool goToColumns(OpenLayer& layer, std::int32_t& count);
+// .mif only: the next column definition, its name cut at 256 and its type at 24.
+Column readColumn(OpenLayer& layer);
+// Clears `object` and reads the kind of the next one; false at the end of the layer. This and the next two set `end`.
+bool readKind(OpenLayer& layer, LayerObject& object);
+// The attributes of the object of this name as one line, cut at `width`.
+void readRecord(OpenLayer& layer, std::string_view name, std::string& line, std::size_t width = kRecordWidth);
+// As LayerReader reads them; without `wanted` they are skipped, except the first vertex of a .mif.
+void readCoordinates(OpenLayer& layer, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
+                     bool wanted = true);
+// Closes the files and takes the layer out of the table.
+void close(OpenLayer& layer);
+
+} // namespace gridforge::gis

@@ -1,0 +1,20 @@
+// The name that the two files of a layer share.
+#pragma once
+
+#include "core/names.h"
+#include "core/text.h"
+
+#include <string>
+#include <string_view>
+
+namespace gridforge::gis::mif {
+
+// The name without the extension of either file; a name without one is the base.
+inline std::string baseOf(std::string_view fileName)
+{
+    const std::string name(trimLeft(fileName));
+    const std::string extension = FILEEXT(name);
+    return extension == ".mif" || extension == ".mid" ? FILENAMEPATH(name) : name;
+}
+
+} // namespace gridforge::gis::mif

@@ -1,0 +1,69 @@
+// .shp files of points, polylines, polygons and multipoints, read from end to end. Every file is hostile until proved:
+// counts are checked before they are used, and what a file does not hold ends the run with its message through gisFail.
+#pragma once
+
+#include "gis/layer_object.h"
+#include "gis/layer_spec.h"
+#include "gis/shp/records.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge::gis::shp {
+
+struct Input {
+    ShpFile shp;
+    DbfTable dbf;
+};
+
+struct FileHeader {
+    std::int32_t code = 0;   // big-endian in the file, as is the length
+    std::int32_t length = 0; // in 16-bit words
+    std::int32_t version = 0;
+    std::int32_t type = 0;
+    double xmin = 0;
+    double ymin = 0;
+    double xmax = 0;
+    double ymax = 0;
+};
+// Rewinds and reads the 100 bytes of the header; what is short or unreadable ends the run.
+FileHeader readFileHeader(Unit unit);
+
+// Opens the .shp, on two units, and the .dbf beside it.
+Input open(std::string_view fileName);
+// Code and length with their console line (only while the big-endian unit is open, which is closed then), version, type
+// and box with theirs, and the header of the .dbf. The reader stands at the first object.
+void readHeader(Input& input);
+std::int32_t columnCount(const Input& input);
+// The columns as an output layer takes them.
+std::vector<Column> columnsOf(const Input& input);
+
+// Reads the head of the next record: kind, parts and name of `object`, which the caller has cleared. Always true: the
+// end of the file and what is not supported end the run.
+bool readKind(Input& input, LayerObject& object);
+// The next record of the .dbf as one line, cut at `width`; `name` is not needed here. True at the end of the layer.
+bool readRecord(Input& input, std::string_view name, std::string& line, std::size_t width);
+// Coordinates of the object whose head has been read; for polylines one part a call. `maxVertices` is checked before
+// anything is stored. The centre is always left to be computed.
+Centre readCoordinates(Input& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
+                       bool wanted);
+// No object is left.
+bool atObjectsEnd(const Input& input);
+
+void closeFiles(Input& input);
+
+// The record count in the header of the .dbf.
+std::int32_t recordCount(const Input& input);
+// Back to the first object.
+void rewind(Input& input);
+// Definitions of columns are for .mif alone; asking for them ends the run.
+bool goToColumns(Input& input, std::int32_t& count);
+Column readColumn(Input& input);
+
+// The PROJCS line of the .prj beside a .shp, which must be there.
+void takeProjection(std::string_view fileName, std::string& projection);
+
+} // namespace gridforge::gis::shp

@@ -1,0 +1,50 @@
+// The files of a Shapefile layer, as readers and writers keep them.
+#pragma once
+
+#include "host/units.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace gridforge::gis::shp {
+
+inline constexpr std::int32_t kMaxDbfFields = 128;
+inline constexpr std::size_t kDbfNameWidth = 11;
+
+// One set of shape files. The units come in pairs on one file, since the console counts them so; the big-endian one of a
+// pair need not be read or written, as every field is put in its byte order by hand.
+struct ShpFile {
+    Unit shpUnit = 0;
+    Unit shpUnitBE = 0;
+    Unit shxUnit = 0;
+    Unit shxUnitBE = 0;
+    Unit prjUnit = 0;
+    std::int32_t fileCode = 0;
+    std::int32_t fileLength = 0; // in 16-bit words
+    std::int32_t version = 0;
+    std::int32_t shapeType = 0; // 1, 3 or 5 on output
+    std::int32_t recordShapeType = 0;
+    std::int32_t nRecords = 0;
+    std::int32_t shxOffset = 0; // of the next record, in 16-bit words
+    double xmin = 0;
+    double ymin = 0;
+    double xmax = -1.0;
+    double ymax = -1.0;
+};
+
+// The attribute table beside a set of shape files.
+struct DbfTable {
+    Unit dbfUnit = 0;
+    std::int32_t nRecords = 0;
+    std::int32_t currentRecord = 0;
+    std::int32_t nFields = 0;
+    std::int32_t recordLength = 0; // without the deletion byte
+    std::array<std::int32_t, kMaxDbfFields> fieldLength{};
+    std::array<std::int32_t, kMaxDbfFields> fieldDecimals{};
+    std::array<std::string, kMaxDbfFields> fieldName;
+    std::array<char, kMaxDbfFields> fieldType{};
+};
+
+} // namespace gridforge::gis::shp
