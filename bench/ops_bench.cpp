@@ -1,16 +1,17 @@
 // Kernels of the cell-wise operations beside their plain forms, on cells of which three in ten are null. Each pair is checked
 // for the same bits before it is timed.
-#include "ops/class_table.h"
-#include "ops/classify.h"
-#include "ops/count.h"
-#include "ops/cutoff.h"
-#include "ops/dif.h"
-#include "ops/flood_extent.h"
-#include "ops/fuzzy.h"
-#include "ops/histogram.h"
-#include "ops/resize.h"
+#include "grid/grid.h"
+#include "ops/classify_cells.h"
+#include "ops/count_cells.h"
+#include "ops/cutoff_cells.h"
+#include "ops/dif_cells.h"
+#include "ops/flood_extent_cells.h"
+#include "ops/fuzzy_cells.h"
+#include "ops/histogram_cells.h"
+#include "ops/max_min_cells.h"
+#include "ops/resize_cells.h"
 #include "ops/stat_cells.h"
-#include "ops/transform.h"
+#include "ops/transform_cells.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -145,6 +146,55 @@ void fuzzy(benchmark::State& state)
         });
 }
 
+// The second grid of a list, with the sources.
+void maximum(benchmark::State& state)
+{
+    const std::vector<float> a = madeCells(1);
+    const std::vector<float> b = madeCells(2);
+    std::vector<float> sources(kCells);
+    compare(
+        state, kCells,
+        [&](std::vector<float>& out) {
+            std::ranges::copy(a, out.begin());
+            takeMaximum(b, kNull, 2, out, sources);
+        },
+        [&](std::vector<float>& out) {
+            std::ranges::copy(a, out.begin());
+            for (std::size_t i = 0; i < kCells; ++i) {
+                if (b[i] != kNull && b[i] > out[i]) {
+                    out[i] = b[i];
+                    sources[i] = 2;
+                }
+            }
+        });
+}
+
+void multiply(benchmark::State& state)
+{
+    const std::vector<float> a = madeCells(1);
+    const std::vector<float> b = madeCells(2);
+    compare(
+        state, kCells, [&](std::vector<float>& out) { multiplyCells(a, kNull, b, kNull, out); },
+        [&](std::vector<float>& out) {
+            for (std::size_t i = 0; i < kCells; ++i) {
+                out[i] = kNull;
+                if (a[i] != kNull && b[i] != kNull) {
+                    out[i] = a[i] * b[i];
+                }
+            }
+        });
+}
+
+void count(benchmark::State& state)
+{
+    const std::vector<float> a = madeCells(1);
+    compare(
+        state, 1, [&](std::vector<float>& out) { out[0] = static_cast<float>(countAbove(a, kNull, 1.0F)); },
+        [&](std::vector<float>& out) {
+            out[0] = static_cast<float>(std::ranges::count_if(a, [](float cell) { return cell != kNull && cell > 1; }));
+        });
+}
+
 std::vector<float> limitsOf(std::int64_t classes)
 {
     std::vector<float> limits;
@@ -228,7 +278,7 @@ void resizeAverage(benchmark::State& state)
     compare(
         state, output.cells().size(),
         [&](std::vector<float>& out) {
-            averageTiles(grid, kNull, tiling, 1, tiling.rows, output);
+            averageTiles(grid.cells(), kNull, tiling, {1, tiling.rows}, output.cells());
             std::ranges::copy(output.cells(), out.begin());
         },
         [&](std::vector<float>& out) {
@@ -338,6 +388,9 @@ BENCHMARK(cutoff)->Arg(0)->Arg(1);
 BENCHMARK(transform)->Arg(0)->Arg(1);
 BENCHMARK(extent)->Arg(0)->Arg(1);
 BENCHMARK(fuzzy)->Arg(0)->Arg(1);
+BENCHMARK(maximum)->Arg(0)->Arg(1);
+BENCHMARK(multiply)->Arg(0)->Arg(1);
+BENCHMARK(count)->Arg(0)->Arg(1);
 BENCHMARK(classify)->ArgsProduct({{0, 1}, {5, 100}});
 BENCHMARK(histogram)->ArgsProduct({{0, 1}, {5, 100}});
 BENCHMARK(resizeAverage)->ArgsProduct({{0, 1}, {2, 3, 50}});

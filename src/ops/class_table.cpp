@@ -5,9 +5,6 @@
 #include "host/ends.h"
 #include "host/units.h"
 
-#include <algorithm>
-#include <cassert>
-
 namespace gridforge {
 
 namespace {
@@ -88,22 +85,6 @@ std::vector<float> risingLimits(const ClassTable& table)
         limits.push_back(rises ? row.limit : limits.back());
     }
     return limits;
-}
-
-void findClasses(std::span<const float> cells, std::span<const float> limits, std::span<std::int32_t> numbers)
-{
-    assert(cells.size() == numbers.size());
-    const float* const in = cells.data();
-    std::int32_t* const number = numbers.data();
-    const std::size_t count = cells.size();
-    std::ranges::fill(numbers, 1);
-    // Counting the limits that a cell passes does without branches, and the loop over cells vectorises. A cell that is
-    // not a number passes them all.
-    for (const float limit : limits) {
-        for (std::size_t i = 0; i < count; ++i) {
-            number[i] += in[i] <= limit ? 0 : 1;
-        }
-    }
 }
 
 } // namespace gridforge

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,9 +35,5 @@ ClassTable readClassTable(std::string_view file, bool coloured, const ClassWords
 // The limits in a form that never falls, with the same class for every value: a limit that lies below an earlier one,
 // or is not a number, is never the first that a value reaches.
 std::vector<float> risingLimits(const ClassTable& table);
-
-// The class of each cell: the number from 1 of the first limit that the cell does not exceed, or one more than there
-// are limits. `limits` are as risingLimits gives them; `numbers` is as long as `cells`.
-void findClasses(std::span<const float> cells, std::span<const float> limits, std::span<std::int32_t> numbers);
 
 } // namespace gridforge

@@ -8,12 +8,12 @@
 #include "host/ends.h"
 #include "host/units.h"
 #include "ops/class_table.h"
+#include "ops/classify_cells.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
 #include <algorithm>
 #include <array>
-#include <cassert>
 #include <string>
 
 namespace gridforge {
@@ -48,27 +48,6 @@ public:
 private:
     std::array<std::array<char, kNumberWidth>, kMaxClasses + 2> texts_{};
 };
-
-} // namespace
-
-void classifyCells(std::span<const float> cells, float null, std::span<const float> limits, std::span<float> output)
-{
-    assert(cells.size() == output.size());
-    constexpr std::size_t kStretch = 1024;
-    std::array<std::int32_t, kStretch> numbers;
-    for (std::size_t from = 0; from < cells.size(); from += kStretch) {
-        const std::size_t count = std::min(kStretch, cells.size() - from);
-        findClasses(cells.subspan(from, count), limits, std::span(numbers).first(count));
-        const float* const in = cells.data() + from;
-        float* const out = output.data() + from;
-        for (std::size_t i = 0; i < count; ++i) {
-            const auto number = static_cast<float>(numbers[i]);
-            out[i] = in[i] != null ? number : null;
-        }
-    }
-}
-
-namespace {
 
 void checkOrder(const ClassTable& table)
 {

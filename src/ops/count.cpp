@@ -6,31 +6,14 @@
 #include "grid/reader.h"
 #include "host/console.h"
 #include "host/units.h"
+#include "ops/count_cells.h"
 #include "run/rows.h"
 
-#include <algorithm>
 #include <string>
 
 namespace gridforge {
 
 namespace {
-
-// Counts in 32 bits stretch by stretch, as that is what vectorises well, and sums up in 64.
-template <typename Counts>
-std::int64_t countWhere(std::span<const float> cells, Counts counts)
-{
-    constexpr std::size_t kStretch = std::size_t{1} << 16;
-    std::int64_t total = 0;
-    for (std::size_t from = 0; from < cells.size(); from += kStretch) {
-        const std::size_t to = std::min(cells.size(), from + kStretch);
-        std::int32_t found = 0;
-        for (std::size_t i = from; i < to; ++i) {
-            found += counts(cells[i]) ? 1 : 0;
-        }
-        total += found;
-    }
-    return total;
-}
 
 void writeCount(const std::string& base, std::string_view countLine)
 {
@@ -42,16 +25,6 @@ void writeCount(const std::string& base, std::string_view countLine)
 }
 
 } // namespace
-
-std::int64_t countActive(std::span<const float> cells, float null)
-{
-    return countWhere(cells, [null](float cell) { return cell != null; });
-}
-
-std::int64_t countAbove(std::span<const float> cells, float null, float cutoff)
-{
-    return countWhere(cells, [null, cutoff](float cell) { return (cell != null) & (cell > cutoff); });
-}
 
 void runCount(const RunSettings& settings, const InputFileList& inputs)
 {

@@ -5,37 +5,15 @@
 #include "grid/header.h"
 #include "grid/writer.h"
 #include "host/ends.h"
+#include "ops/cutoff_cells.h"
 #include "ops/two_grids.h"
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
-#include <cassert>
 #include <string>
 
 namespace gridforge {
-
-void keepFrom(std::span<const float> cells, float cutoff, float null, std::span<float> output)
-{
-    assert(cells.size() == output.size());
-    const float* const in = cells.data();
-    float* const out = output.data();
-    for (std::size_t i = 0; i < output.size(); ++i) {
-        out[i] = in[i] >= cutoff ? in[i] : null;
-    }
-}
-
-void filterFrom(std::span<const float> test, float cutoff, std::span<const float> values, float valuesNull, float null,
-                std::span<float> output)
-{
-    assert(test.size() == output.size() && values.size() == output.size());
-    const float* const tested = test.data();
-    const float* const in = values.data();
-    float* const out = output.data();
-    for (std::size_t i = 0; i < output.size(); ++i) {
-        out[i] = ((tested[i] >= cutoff) & (in[i] != valuesNull)) ? in[i] : null;
-    }
-}
 
 namespace {
 

@@ -4,19 +4,8 @@
 #include "run/inputs.h"
 #include "run/run_settings.h"
 
-#include <span>
-
 namespace gridforge {
 
 void runCutoff(const RunSettings& settings, const InputFileList& inputs);
-
-// Kernels: all spans are of one length, and every cell of `output` is assigned, with `null` where the test fails. A
-// cell of exactly the cutoff stays. The test grid's null is a number like any other: it fails only where it lies below
-// the cutoff.
-
-void keepFrom(std::span<const float> cells, float cutoff, float null, std::span<float> output);
-// The cells of `values` that are not `valuesNull`, where `test` reaches the cutoff.
-void filterFrom(std::span<const float> test, float cutoff, std::span<const float> values, float valuesNull, float null,
-                std::span<float> output);
 
 } // namespace gridforge

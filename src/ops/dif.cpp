@@ -1,74 +1,17 @@
 #include "ops/dif.h"
 
-#include "core/computed.h"
 #include "core/names.h"
 #include "grid/header.h"
 #include "grid/writer.h"
 #include "host/ends.h"
+#include "ops/dif_cells.h"
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
-#include <cassert>
 #include <string>
 
 namespace gridforge {
-
-// The kernels take each difference before they choose, and join conditions by & and |: so the loops have no branches
-// and vectorise.
-
-void subtractActive(const DifGrid& first, const DifGrid& second, std::span<float> difference)
-{
-    assert(first.cells.size() == difference.size() && second.cells.size() == difference.size());
-    const float* const a = first.cells.data();
-    const float* const b = second.cells.data();
-    float* const out = difference.data();
-    const float nullA = first.null;
-    const float nullB = second.null;
-    for (std::size_t i = 0; i < difference.size(); ++i) {
-        const float less = stored(a[i] - b[i]);
-        out[i] = ((a[i] != nullA) & (b[i] != nullB)) ? less : nullA;
-    }
-}
-
-void subtractChange(const DifGrid& first, const DifGrid& second, std::span<float> difference)
-{
-    assert(first.cells.size() == difference.size() && second.cells.size() == difference.size());
-    const float* const a = first.cells.data();
-    const float* const b = second.cells.data();
-    float* const out = difference.data();
-    const float nullA = first.null;
-    const float nullB = second.null;
-    for (std::size_t i = 0; i < difference.size(); ++i) {
-        const bool activeA = a[i] != nullA;
-        const bool activeB = b[i] != nullB;
-        const float less = stored(a[i] - b[i]);
-        const float fall = stored(0.0F - b[i]);
-        const float alone = activeA ? a[i] : nullA;
-        const float withB = activeA ? less : fall;
-        out[i] = activeB ? withB : alone;
-    }
-}
-
-void subtractWetDry(const DifGrid& first, const DifGrid& second, std::span<float> difference, std::span<float> wetDry)
-{
-    assert(first.cells.size() == difference.size() && second.cells.size() == difference.size());
-    assert(wetDry.size() == difference.size());
-    const float* const a = first.cells.data();
-    const float* const b = second.cells.data();
-    float* const out = difference.data();
-    float* const classes = wetDry.data();
-    const float nullA = first.null;
-    const float nullB = second.null;
-    for (std::size_t i = 0; i < difference.size(); ++i) {
-        const bool activeA = a[i] != nullA;
-        const bool activeB = b[i] != nullB;
-        const float less = stored(a[i] - b[i]);
-        const float onlyOne = activeA ? kOnlyFirstActive : kOnlySecondActive;
-        out[i] = (activeA & activeB) ? less : nullA;
-        classes[i] = activeA != activeB ? onlyOne : nullA;
-    }
-}
 
 namespace {
 

@@ -4,24 +4,13 @@
 #include "grid/reader.h"
 #include "grid/writer.h"
 #include "host/console.h"
+#include "ops/flood_extent_cells.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
-#include <cassert>
-#include <cmath>
 #include <string>
 
 namespace gridforge {
-
-void markWet(std::span<const float> cells, float null, std::span<float> output)
-{
-    assert(cells.size() == output.size());
-    const float* const in = cells.data();
-    float* const out = output.data();
-    for (std::size_t i = 0; i < output.size(); ++i) {
-        out[i] = ((in[i] == null) | (std::fabs(in[i]) < kWetFrom)) ? null : 1.0F;
-    }
-}
 
 void runFloodExtent(const RunSettings& settings, const InputFileList& inputs)
 {

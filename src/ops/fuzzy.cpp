@@ -1,40 +1,17 @@
 #include "ops/fuzzy.h"
 
-#include "core/computed.h"
 #include "grid/header.h"
 #include "grid/writer.h"
 #include "host/console.h"
+#include "ops/fuzzy_cells.h"
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
 #include <algorithm>
-#include <cassert>
 #include <string>
 
 namespace gridforge {
-
-void countActiveCells(std::span<const float> cells, float null, std::span<float> counts)
-{
-    assert(cells.size() == counts.size());
-    const float* const in = cells.data();
-    float* const count = counts.data();
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-        const float oneMore = count[i] + 1.0F;
-        const float next = count[i] == null ? 1.0F : oneMore;
-        count[i] = in[i] != null ? next : count[i];
-    }
-}
-
-void scaleCounts(std::int32_t grids, float null, std::span<float> counts)
-{
-    const auto divisor = static_cast<float>(grids);
-    float* const count = counts.data();
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-        const float fraction = stored(count[i] / divisor);
-        count[i] = count[i] != null ? fraction : null;
-    }
-}
 
 void runFuzzy(const RunSettings& settings, const InputFileList& inputs)
 {

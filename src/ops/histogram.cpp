@@ -7,10 +7,9 @@
 #include "host/ends.h"
 #include "host/units.h"
 #include "ops/class_table.h"
+#include "ops/histogram_cells.h"
 #include "run/rows.h"
 
-#include <algorithm>
-#include <cassert>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -26,46 +25,6 @@ constexpr ClassWords kWords{
     .found = "Number of bins found: ",
     .tooFew = "ERROR - Less than two bins found.",
 };
-
-std::int32_t countActive(std::span<const float> cells, float null)
-{
-    std::int32_t found = 0;
-    for (const float cell : cells) {
-        found += cell != null ? 1 : 0;
-    }
-    return found;
-}
-
-// The cells that are not null and pass the limit; what is not a number passes.
-std::int32_t countPast(std::span<const float> cells, float null, float limit)
-{
-    std::int32_t found = 0;
-    for (const float cell : cells) {
-        found += ((cell != null) & !(cell <= limit)) ? 1 : 0;
-    }
-    return found;
-}
-
-} // namespace
-
-void countBins(std::span<const float> cells, float null, std::span<const float> limits, std::span<std::int64_t> counts)
-{
-    assert(counts.size() == limits.size() + 1);
-    constexpr std::size_t kStretch = 4096;
-    for (std::size_t from = 0; from < cells.size(); from += kStretch) {
-        const std::span<const float> stretch = cells.subspan(from, std::min(kStretch, cells.size() - from));
-        // As limits never fall, a bin holds what passes the limit before and not its own: one vectorised count a limit.
-        std::int32_t past = countActive(stretch, null);
-        for (std::size_t i = 0; i < limits.size(); ++i) {
-            const std::int32_t pastThis = countPast(stretch, null, limits[i]);
-            counts[i] += past - pastThis;
-            past = pastThis;
-        }
-        counts.back() += past;
-    }
-}
-
-namespace {
 
 void checkOrder(const ClassTable& bins)
 {

@@ -4,23 +4,8 @@
 #include "run/inputs.h"
 #include "run/run_settings.h"
 
-#include <span>
-
 namespace gridforge {
 
 void runMaxMin(const RunSettings& settings, const InputFileList& inputs);
-
-// Kernels, for one grid after the other. `current` and `null` are the cells and the null of the grid being taken, `extreme`
-// and `sources` what is kept of all grids so far; `sources` may be empty. Cells equal to `null` do not count, and of equal
-// values the earliest grid stays as source.
-
-// A cell enters where it is greater than what is kept, which starts at the first grid's null: values below that null never
-// do.
-void takeMaximum(std::span<const float> current, float null, float source, std::span<float> extreme,
-                 std::span<float> sources);
-// A cell enters where it is less than what is kept or where that equals `null`. Where grids differ in their null a kept cell
-// that is still empty is so not seen as empty.
-void takeMinimum(std::span<const float> current, float null, float source, std::span<float> extreme,
-                 std::span<float> sources);
 
 } // namespace gridforge

@@ -1,46 +1,19 @@
 #include "ops/transform.h"
 
-#include "core/computed.h"
 #include "core/names.h"
 #include "core/numbers.h"
 #include "grid/header.h"
 #include "grid/writer.h"
 #include "host/ends.h"
+#include "ops/transform_cells.h"
 #include "ops/two_grids.h"
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
-#include <cassert>
 #include <string>
 
 namespace gridforge {
-
-// The kernels compute before they choose, so the loops have no branches and vectorise.
-
-void transformCells(std::span<const float> cells, float m, float c, float null, std::span<float> output)
-{
-    assert(cells.size() == output.size());
-    const float* const in = cells.data();
-    float* const out = output.data();
-    for (std::size_t i = 0; i < output.size(); ++i) {
-        const float transformed = stored(in[i] * m + c);
-        out[i] = in[i] != null ? transformed : null;
-    }
-}
-
-void multiplyCells(std::span<const float> first, float firstNull, std::span<const float> second, float secondNull,
-                   std::span<float> output)
-{
-    assert(first.size() == output.size() && second.size() == output.size());
-    const float* const a = first.data();
-    const float* const b = second.data();
-    float* const out = output.data();
-    for (std::size_t i = 0; i < output.size(); ++i) {
-        const float product = stored(a[i] * b[i]);
-        out[i] = ((a[i] != firstNull) & (b[i] != secondNull)) ? product : firstNull;
-    }
-}
 
 void runTransform(const RunSettings& settings, const InputFileList& inputs)
 {

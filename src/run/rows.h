@@ -43,4 +43,14 @@ auto cellsOf(Cells& grid, const CellBlock& block)
     return grid.cells().subspan(block.start, block.count);
 }
 
+// The cells of the rows from `first` to `last`, the last and northern one first; none where `first` is above `last`.
+template <typename Cells>
+auto rowsOf(Cells& grid, std::int32_t first, std::int32_t last)
+{
+    const auto columns = static_cast<std::size_t>(grid.ncols());
+    const std::size_t rows = first > last ? 0 : static_cast<std::size_t>(last - first) + 1;
+    const std::size_t start = rows == 0 ? 0 : static_cast<std::size_t>(grid.nrows() - last) * columns;
+    return grid.cells().subspan(start, rows * columns);
+}
+
 } // namespace gridforge

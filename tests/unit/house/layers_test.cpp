@@ -250,6 +250,31 @@ TEST(PureRooms, HoldNoTextForTheConsole)
     EXPECT_FALSE(isMessage("0."));
 }
 
+// Files of kernels, wherever they stand. Those of the regions of -na still walk a whole grid.
+bool holdsKernels(const fs::path& file)
+{
+    return file.stem().string().ends_with("_cells") && file.stem() != "inside_cells";
+}
+
+TEST(Kernels, NeedNothingButTheLowerRoomsAndEachOther)
+{
+    std::size_t files = 0;
+    for (const auto& file : sourcesBelow(kSource / "src")) {
+        if (!holdsKernels(file)) {
+            continue;
+        }
+        ++files;
+        std::ifstream in(file);
+        for (std::string line; std::getline(in, line);) {
+            const std::string name = quotedInclude(line);
+            const bool pure = kPureRooms.contains(name.substr(0, name.find('/')));
+            EXPECT_TRUE(name.empty() || pure || holdsKernels(name)) << file << ": " << line;
+        }
+    }
+    EXPECT_GT(files, 10U);
+    EXPECT_FALSE(holdsKernels("grid/grid.h"));
+}
+
 // The names that a program takes from the libraries of the system, without their versions.
 std::set<std::string> importsOf(const std::string& program)
 {

@@ -1,12 +1,10 @@
-#include "ops/class_table.h"
-#include "ops/classify.h"
-#include "ops/histogram.h"
+#include "ops/classify_cells.h"
 
 #include "support/odd_cells.h"
+#include "unit/ops/plain_classes.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <numeric>
 
 namespace gridforge::test {
 namespace {
@@ -14,26 +12,6 @@ namespace {
 using testing::ElementsAre;
 
 constexpr float kNullA = -9999.0F;
-
-ClassTable tableOf(const std::vector<float>& limits)
-{
-    ClassTable table;
-    for (const float limit : limits) {
-        table.push_back({.limit = limit, .name = "", .red = 0, .green = 0, .blue = 0});
-    }
-    return table;
-}
-
-// The first limit that holds the value, as it reads in words.
-std::int32_t plainClass(float value, const std::vector<float>& limits)
-{
-    for (std::size_t i = 0; i < limits.size(); ++i) {
-        if (value <= limits[i]) {
-            return static_cast<std::int32_t>(i) + 1;
-        }
-    }
-    return static_cast<std::int32_t>(limits.size()) + 1;
-}
 
 std::vector<std::int32_t> classesOf(const std::vector<float>& cells, const std::vector<float>& limits)
 {
@@ -90,33 +68,6 @@ TEST(ClassifyCells, WorksBeyondAStretch)
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const float expected = cells[i] == kNullA ? kNullA : static_cast<float>(plainClass(cells[i], limits));
         ASSERT_EQ(output[i], expected);
-    }
-}
-
-TEST(CountBins, CountsEachCellOnce)
-{
-    const std::vector<float> cells = {5, 10, 10.5F, 20, 21, kNullA, kNaN};
-    std::vector<std::int64_t> counts(3);
-    countBins(cells, kNullA, std::vector<float>{10, 20}, counts);
-    EXPECT_THAT(counts, ElementsAre(2, 2, 2));
-    countBins(cells, kNullA, std::vector<float>{10, 20}, counts); // adds up
-    EXPECT_THAT(counts, ElementsAre(4, 4, 4));
-}
-
-TEST(CountBins, AgreesWithThePlainCount)
-{
-    const std::vector<float> cells = oddCells(20011, kNullA, 53);
-    for (const std::vector<float>& limits :
-         std::vector<std::vector<float>>{{0, 1}, {-3, -2, -2, 0.1F, 3}, {0, kNaN, -1, 2}}) {
-        std::vector<std::int64_t> plain(limits.size() + 1);
-        for (const float cell : cells) {
-            if (cell != kNullA) {
-                ++plain[static_cast<std::size_t>(plainClass(cell, limits)) - 1];
-            }
-        }
-        std::vector<std::int64_t> counts(limits.size() + 1);
-        countBins(cells, kNullA, risingLimits(tableOf(limits)), counts);
-        EXPECT_EQ(counts, plain);
     }
 }
 

@@ -1,10 +1,7 @@
-#include "ops/count.h"
-#include "ops/flood_extent.h"
-#include "ops/fuzzy.h"
+#include "ops/fuzzy_cells.h"
 
 #include "support/odd_cells.h"
 
-#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,58 +11,6 @@ namespace {
 using testing::ElementsAre;
 
 constexpr float kNullA = -9999.0F;
-
-TEST(MarkWet, HoldsToTheMagnitude)
-{
-    const std::vector<float> cells = {0.00005F, -0.5F, 0.0001F, -0.0001F, 0.0F, kNullA, 2.0F};
-    std::vector<float> output(7, 77.0F);
-    markWet(cells, kNullA, output);
-    EXPECT_THAT(output, ElementsAre(kNullA, 1.0F, 1.0F, 1.0F, kNullA, kNullA, 1.0F));
-}
-
-TEST(MarkWet, TheLimitIsASingle)
-{
-    // The double 0.0001 lies below its single, so a cell between the two would be wet by the double.
-    const float below = std::nextafter(0.0001F, 0.0F);
-    std::vector<float> output(1);
-    markWet(std::vector<float>{below}, kNullA, output);
-    EXPECT_THAT(output, ElementsAre(kNullA));
-}
-
-TEST(CountActive, CountsWhatIsNotNull)
-{
-    EXPECT_EQ(countActive(std::vector<float>{0.0F, kNullA, -1.0F, kNaN}, kNullA), 3);
-    EXPECT_EQ(countActive(std::vector<float>{kNullA}, kNullA), 0);
-    EXPECT_EQ(countActive({}, kNullA), 0);
-}
-
-TEST(CountAbove, ACellOfExactlyTheCutoffDoesNotCount)
-{
-    EXPECT_EQ(countAbove(std::vector<float>{0.1F, std::nextafter(0.1F, 1.0F), kNullA, 5.0F, kNaN}, kNullA, 0.1F), 2);
-}
-
-TEST(CountAbove, ANullAboveTheCutoffDoesNotCount)
-{
-    EXPECT_EQ(countAbove(std::vector<float>{100.0F, 50.0F}, 100.0F, 10.0F), 1);
-    EXPECT_EQ(countAbove(std::vector<float>{kNullA, 50.0F}, kNullA, -20000.0F), 1);
-}
-
-TEST(Count, AgreesWithThePlainLoopsBeyondAStretch)
-{
-    const std::vector<float> cells = oddCells(200003, kNullA, 41);
-    std::int64_t active = 0;
-    std::int64_t above = 0;
-    for (const float cell : cells) {
-        if (cell != kNullA) {
-            ++active;
-            if (cell > 1.0F) {
-                ++above;
-            }
-        }
-    }
-    EXPECT_EQ(countActive(cells, kNullA), active);
-    EXPECT_EQ(countAbove(cells, kNullA, 1.0F), above);
-}
 
 TEST(CountActiveCells, GrowsFromNull)
 {

@@ -1,4 +1,4 @@
-#include "ops/transform.h"
+#include "ops/transform_cells.h"
 
 #include "support/odd_cells.h"
 

@@ -1,4 +1,4 @@
-#include "ops/max_min.h"
+#include "ops/max_min_cells.h"
 
 #include <cmath>
 #include <cstring>

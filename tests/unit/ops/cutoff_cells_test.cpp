@@ -1,4 +1,4 @@
-#include "ops/cutoff.h"
+#include "ops/cutoff_cells.h"
 
 #include "support/odd_cells.h"
 

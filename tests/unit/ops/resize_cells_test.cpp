@@ -1,5 +1,7 @@
-#include "ops/resize.h"
+#include "ops/resize_cells.h"
 
+#include "grid/grid.h"
+#include "run/rows.h"
 #include "support/odd_cells.h"
 
 #include <algorithm>
@@ -20,14 +22,14 @@ Grid gridOf(std::int32_t nrows, std::int32_t ncols, const std::vector<float>& ce
     return grid;
 }
 
-using Tiles = void (*)(const Grid&, float, const Tiling&, std::int32_t, std::int32_t, Grid&);
+using Tiles = decltype(&averageTiles);
 
 std::vector<float> resized(Tiles tiles, const Grid& grid, std::int32_t factor, float null = kNullA)
 {
     const Tiling tiling = tilingOf(grid.nrows(), grid.ncols(), factor);
     Grid output;
     EXPECT_TRUE(output.allocate(tiling.rows, tiling.columns));
-    tiles(grid, null, tiling, 1, tiling.rows, output);
+    tiles(grid.cells(), null, tiling, {1, tiling.rows}, output.cells());
     return {output.cells().begin(), output.cells().end()};
 }
 
@@ -134,6 +136,25 @@ TEST(Tiles, AgreeWithThePlainWalkOnRandomGrids)
             for (const Tiles kind : {averageTiles, minimumTiles, maximumTiles}) {
                 EXPECT_EQ(bitsOf(resized(kind, grid, factor)), bitsOf(plainTiles(kind, grid, factor, kNullA)))
                     << nrows << " by " << ncols << " by " << factor;
+            }
+        }
+    }
+}
+
+TEST(Tiles, OfAnyRowsAreThoseOfTheWholeGrid)
+{
+    const Grid grid = gridOf(23, 37, oddCells(std::size_t{23} * 37, kNullA, 7));
+    for (const std::int32_t factor : {1, 4, 23}) {
+        const Tiling tiling = tilingOf(grid.nrows(), grid.ncols(), factor);
+        const auto columns = static_cast<std::size_t>(tiling.columns);
+        const std::vector<float> whole = resized(averageTiles, grid, factor);
+        for (std::int32_t first = 1; first <= tiling.rows; ++first) {
+            for (std::int32_t last = first; last <= tiling.rows; ++last) {
+                const CellRows rows = tiledRows(tiling, {first, last});
+                std::vector<float> output(static_cast<std::size_t>(last - first + 1) * columns);
+                averageTiles(rowsOf(grid, rows.first, rows.last), kNullA, tiling, {first, last}, output);
+                const auto from = whole.begin() + static_cast<std::ptrdiff_t>(columns) * (tiling.rows - last);
+                EXPECT_EQ(bitsOf(output), bitsOf({from, from + std::ssize(output)})) << first << " to " << last;
             }
         }
     }

@@ -1,0 +1,184 @@
+#include "ops/resize_cells.h"
+
+#include "core/computed.h"
+#include "core/numbers.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cassert>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace gridforge {
+
+namespace {
+
+// The cell, or `otherwise` where it is null, by its bits: written as a choice it becomes a branch that the processor
+// cannot foresee.
+float activeOr(float otherwise, float cell, float null)
+{
+    const std::uint32_t mask = cell != null ? ~std::uint32_t{0} : 0;
+    return std::bit_cast<float>((std::bit_cast<std::uint32_t>(cell) & mask) |
+                                (std::bit_cast<std::uint32_t>(otherwise) & ~mask));
+}
+
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+
+// What one tile has gathered so far. Null cells come through `take` too.
+struct Average {
+    double sum = 0;
+    std::int64_t count = 0;
+
+    explicit Average(float /*null*/) {}
+    void take(float cell, float null)
+    {
+        // The sum is never a negative zero, so a zero added for a null cell leaves it as it is.
+        sum += static_cast<double>(activeOr(0.0F, cell, null));
+        count += cell != null ? 1 : 0;
+    }
+    float result(float null) const
+    {
+        return count > 0 ? stored(static_cast<float>(sum / static_cast<double>(static_cast<float>(count)))) : null;
+    }
+};
+
+struct Minimum {
+    float value = kMinimumStart;
+
+    explicit Minimum(float /*null*/) {}
+    void take(float cell, float null)
+    {
+        const float active = activeOr(kInfinity, cell, null);
+        value = active < value ? active : value;
+    }
+    float result(float null) const { return value == kMinimumStart ? null : value; }
+};
+
+struct Maximum {
+    float value;
+
+    explicit Maximum(float null) : value(null) {}
+    void take(float cell, float null)
+    {
+        const float active = activeOr(-kInfinity, cell, null);
+        value = active > value ? active : value;
+    }
+    float result(float /*null*/) const { return value; }
+};
+
+// Tiles walked side by side: each one's sum is a chain of additions in a fixed order, and several chains fill the time
+// that one waits for.
+constexpr std::size_t kAbreast = 4;
+
+// One input row into the tiles of an output row. All tiles but the last are `factor` cells wide.
+template <typename Tile>
+void takeRow(std::span<const float> row, float null, const Tiling& tiling, std::span<Tile> tiles)
+{
+    const auto factor = static_cast<std::size_t>(tiling.factor);
+    const std::size_t last = tiles.size() - 1;
+    const std::size_t full = std::min(last, row.size() / factor);
+    std::size_t t = 0;
+    for (; t + kAbreast <= full; t += kAbreast) {
+        const float* const cells = row.data() + t * factor;
+        std::array<Tile, kAbreast> abreast{tiles[t], tiles[t + 1], tiles[t + 2], tiles[t + 3]};
+        for (std::size_t j = 0; j < factor; ++j) {
+            for (std::size_t k = 0; k < kAbreast; ++k) {
+                abreast[k].take(cells[k * factor + j], null);
+            }
+        }
+        std::copy(abreast.begin(), abreast.end(), tiles.begin() + static_cast<std::ptrdiff_t>(t));
+    }
+    for (; t < tiles.size(); ++t) {
+        const std::size_t start = std::min(row.size(), t * factor);
+        const std::size_t width = t == last ? static_cast<std::size_t>(tiling.lastColumns) : factor;
+        Tile tile = tiles[t];
+        for (const float cell : row.subspan(start, std::min(width, row.size() - start))) {
+            tile.take(cell, null);
+        }
+        tiles[t] = tile;
+    }
+}
+
+// The input rows under an output row; none where its tiles stand past the grid.
+CellRows rowsUnder(const Tiling& tiling, std::int32_t row)
+{
+    const std::int64_t first = std::int64_t{row - 1} * tiling.factor + 1;
+    const std::int64_t height = row == tiling.rows ? tiling.lastRows : tiling.factor;
+    const std::int64_t last = std::min<std::int64_t>(first + height - 1, tiling.cellRows);
+    return first > last ? CellRows{} : CellRows{static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
+}
+
+template <typename Tile>
+void fillTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
+               std::span<float> output)
+{
+    const auto columns = static_cast<std::size_t>(tiling.columns);
+    const auto cellColumns = static_cast<std::size_t>(tiling.cellColumns);
+    assert(cells.size() == tiledRows(tiling, tileRows).count() * cellColumns);
+    assert(output.size() == tileRows.count() * columns);
+    std::vector<Tile> tiles(columns, Tile(null));
+    std::size_t cellsEnd = cells.size();
+    std::size_t outputEnd = output.size();
+    for (std::int32_t row = tileRows.first; row <= tileRows.last; ++row) {
+        std::ranges::fill(tiles, Tile(null));
+        for (std::size_t left = rowsUnder(tiling, row).count(); left > 0; --left) {
+            cellsEnd -= cellColumns;
+            takeRow<Tile>(cells.subspan(cellsEnd, cellColumns), null, tiling, tiles);
+        }
+        outputEnd -= columns;
+        std::ranges::transform(tiles, output.subspan(outputEnd, columns).begin(),
+                               [null](const Tile& tile) { return tile.result(null); });
+    }
+}
+
+std::int32_t tilesIn(std::int32_t cells, std::int32_t factor)
+{
+    return ceilToInt(std::ceil(static_cast<float>(cells) / static_cast<float>(factor)));
+}
+
+std::int32_t restOf(std::int32_t cells, std::int32_t factor)
+{
+    const std::int32_t rest = cells % factor;
+    return rest == 0 ? factor : rest;
+}
+
+} // namespace
+
+Tiling tilingOf(std::int32_t nrows, std::int32_t ncols, std::int32_t factor)
+{
+    assert(factor >= 1);
+    return {factor, tilesIn(nrows, factor), tilesIn(ncols, factor), restOf(nrows, factor), restOf(ncols, factor), nrows,
+            ncols};
+}
+
+CellRows tiledRows(const Tiling& tiling, const CellRows& tileRows)
+{
+    const CellRows south = rowsUnder(tiling, tileRows.first);
+    const CellRows north = rowsUnder(tiling, tileRows.last);
+    if (south.count() == 0) {
+        return {};
+    }
+    return {south.first, north.count() == 0 ? tiling.cellRows : north.last};
+}
+
+void averageTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
+                  std::span<float> output)
+{
+    fillTiles<Average>(cells, null, tiling, tileRows, output);
+}
+
+void minimumTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
+                  std::span<float> output)
+{
+    fillTiles<Minimum>(cells, null, tiling, tileRows, output);
+}
+
+void maximumTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
+                  std::span<float> output)
+{
+    fillTiles<Maximum>(cells, null, tiling, tileRows, output);
+}
+
+} // namespace gridforge

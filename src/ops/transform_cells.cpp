@@ -1,0 +1,25 @@
+#include "ops/transform_cells.h"
+
+#include "core/computed.h"
+#include "core/map_cells.h"
+
+namespace gridforge {
+
+void transformCells(std::span<const float> cells, float m, float c, float null, std::span<float> output)
+{
+    mapCells(cells, output, [m, c, null](float cell) {
+        const float transformed = stored(cell * m + c);
+        return cell != null ? transformed : null;
+    });
+}
+
+void multiplyCells(std::span<const float> first, float firstNull, std::span<const float> second, float secondNull,
+                   std::span<float> output)
+{
+    mapCells(first, second, output, [firstNull, secondNull](float a, float b) {
+        const float product = stored(a * b);
+        return ((a != firstNull) & (b != secondNull)) ? product : firstNull;
+    });
+}
+
+} // namespace gridforge
