@@ -23,10 +23,14 @@ void takeWhere(std::span<const float> current, float source, std::span<float> ex
     const float* const cells = current.data();
     float* const kept = extreme.data();
     float* const from = sources.data();
+    // All is loaded before it is known whether it is wanted: only then does the loop vectorise.
     for (std::size_t i = 0; i < current.size(); ++i) {
-        const bool better = enters(cells[i], kept[i]);
-        kept[i] = better ? cells[i] : kept[i];
-        from[i] = better ? source : from[i];
+        const float cell = cells[i];
+        const float before = kept[i];
+        const float sourceBefore = from[i];
+        const bool better = enters(cell, before);
+        kept[i] = better ? cell : before;
+        from[i] = better ? source : sourceBefore;
     }
 }
 
