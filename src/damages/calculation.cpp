@@ -2,10 +2,9 @@
 
 #include "core/numbers.h"
 #include "damages/curves.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "run/load.h"
 
 #include <algorithm>
 #include <cmath>
@@ -206,13 +205,12 @@ private:
 
 void load(const std::string& name, SampledGrid& grid)
 {
-    say("Loading grid data...");
-    grid.header = readGridHeader(name);
-    allocateGrid(grid.cells, grid.header, "storing input grid...");
-    say("Reading data...");
-    readGridCells(name, grid.header, grid.cells);
+    const LoadSteps steps{.opening = "Loading grid data...",
+                          .purpose = "storing input grid...",
+                          .reading = "Reading data...",
+                          .done = "   Done."};
+    grid.header = loadGrid(name, steps, grid.cells).header;
     grid.columnX = columnPlaces(grid.header);
-    say("   Done.");
 }
 
 } // namespace

@@ -3,8 +3,6 @@
 #include "core/computed.h"
 #include "core/names.h"
 #include "core/product.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "host/ends.h"
 #include "netcdf/check_netcdf.h"
 #include "netcdf/netcdf_file.h"
@@ -278,25 +276,19 @@ void writeCells(int file, int variable, std::optional<std::int32_t> position, co
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
+void writeTime(const SeriesFile& file, std::int32_t i)
+{
+    say("Writing time to netcdf file...");
+    putNetcdfTime(file.id, file.time, i, static_cast<double>(i), "nf90_put_var (time)");
+    say("   Done");
+}
+
 void startMaximum(const GridHeader& header, Grid& maximum)
 {
     if (!maximum.allocate(header.nrows, header.ncols)) {
         failMemory();
     }
     std::ranges::fill(maximum.cells(), header.null);
-}
-
-// The header of grid `i`. The first defines the file, the others must cover the same lattice.
-GridHeader readSeriesHeader(const RunSettings& settings, const std::string& name, std::int32_t i, GridHeader& first,
-                            SeriesFile& file)
-{
-    if (i > 1) {
-        return readFurtherHeader(name, first);
-    }
-    first = readGridHeader(name);
-    defineSeries(settings, first, file);
-    writeCoordinates(file, first);
-    return first;
 }
 
 } // namespace
@@ -313,16 +305,19 @@ void runNc(const RunSettings& settings, const InputFileList& inputs)
     Grid maximum;
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         say("Processing File: ", i, ": ", inputs[i]);
-        GridHeader header = readSeriesHeader(settings, inputs[i], i, first, file);
-        say("Writing time to netcdf file...");
-        putNetcdfTime(file.id, file.time, i, static_cast<double>(i), "nf90_put_var (time)");
-        say("   Done");
-
-        allocateGrid(cells, first, "external grid...");
-        if (i == 1) {
-            startMaximum(first, maximum);
-        }
-        readGridCells(inputs[i], header, cells);
+        const auto prepare = [&](const GridHeader& header) {
+            if (i == 1) {
+                first = header;
+                defineSeries(settings, first, file);
+                writeCoordinates(file, first);
+            }
+            writeTime(file, i);
+            allocateGrid(cells, first, "external grid...");
+            if (i == 1) {
+                startMaximum(first, maximum);
+            }
+        };
+        loadGrid(inputs[i], {.match = i > 1 ? &first : nullptr, .prepare = prepare}, cells);
         say("Writing data to netcdf file...");
         writeCells(file.id, file.series, i, cells, layout);
         raiseMaximum(cells.cells(), first.null, maximum.cells());

@@ -2,14 +2,13 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "plane/geometry.h"
 #include "plane/region_rows.h"
 #include "run/across_line.h"
 #include "run/cell_window.h"
+#include "run/load.h"
 
 #include <algorithm>
 #include <array>
@@ -249,11 +248,7 @@ void samplePoints(const GridHeader& header, const Grid& cells, PointValue target
 
 GridHeader readSectionGrid(const std::string& name, std::string_view purpose, Grid& cells)
 {
-    GridHeader header = readGridHeader(name);
-    allocateGrid(cells, header, purpose);
-    readGridCells(name, header, cells);
-    say("Finished reading grid.");
-    return header;
+    return loadGrid(name, {.purpose = std::string(purpose), .done = "Finished reading grid."}, cells).header;
 }
 
 void nbc_read_grid(const std::string& gridName, NbcSections& sections, PointValue target)

@@ -3,12 +3,12 @@
 #include "core/names.h"
 #include "core/numbers.h"
 #include "grid/header.h"
-#include "grid/reader.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "host/units.h"
 #include "ops/class_table.h"
 #include "ops/classify_cells.h"
+#include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
@@ -151,15 +151,16 @@ void runClassify(const RunSettings& givenSettings, const InputFileList& inputs)
         settings.formatSpecified = true;
     }
 
-    say("Loading grid data...");
-    GridHeader header = readGridHeader(inputs[1]);
     Grid input;
     Grid output;
-    allocateGrid(input, header, "storing input grid...");
-    allocateGrid(output, header, "storing output grid...");
-    say("Reading data...");
-    readGridCells(inputs[1], header, input);
-    say("   Done.");
+    const LoadSteps steps{
+        .opening = "Loading grid data...",
+        .purpose = "storing input grid...",
+        .prepare = [&](const GridHeader& lattice) { allocateGrid(output, lattice, "storing output grid..."); },
+        .reading = "Reading data...",
+        .done = "   Done."};
+    const LoadedGrid loaded = loadGrid(inputs[1], steps, input);
+    const GridHeader& header = loaded.header;
 
     ClassTable table = readClassTable(settings.classFile, settings.rgb, kWords);
     checkOrder(table);
@@ -170,10 +171,10 @@ void runClassify(const RunSettings& givenSettings, const InputFileList& inputs)
     say("   Done.");
 
     const std::string base = outputNameRule(settings, inputs[1], "_classified");
-    const std::int32_t format = outputFormatRule(settings, header.format);
+    const std::int32_t format = outputFormatRule(settings, loaded.format);
     if (!settings.grc) {
         say("Writing clssified grid to: ", base);
-        writeGrid(format, base, header, output, header.projectionText, settings.decimals);
+        writeGrid(format, base, header, output, loaded.projectionText, settings.decimals);
         return;
     }
     if (format != kFormatAsc) {

@@ -2,10 +2,9 @@
 #include "ops/conv.h"
 
 #include "core/numbers.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "grid/writer.h"
 #include "host/ends.h"
+#include "run/load.h"
 #include "run/outputs.h"
 #include "run/still_to_read.h"
 
@@ -35,15 +34,13 @@ std::int32_t convertedFormat(const RunSettings& settings, std::int32_t format)
 
 void convert(const RunSettings& settings, const std::string& name, std::span<const InputGrid> stillToRead)
 {
-    GridHeader header = readGridHeader(name);
     Grid cells;
-    allocateGrid(cells, header, "external grid...");
-    readGridCells(name, header, cells);
+    const LoadedGrid grid = loadGrid(name, {.purpose = "external grid..."}, cells);
 
-    const std::int32_t format = convertedFormat(settings, header.format);
+    const std::int32_t format = convertedFormat(settings, grid.format);
     const std::string base = outputNameRule(settings, name, "");
     requireNoInput(format, base, stillToRead);
-    writeGrid(format, base, header, cells, header.projectionText, settings.decimals);
+    writeGrid(format, base, grid.header, cells, grid.projectionText, settings.decimals);
 
     say("Deallocating memory...");
     cells.release();

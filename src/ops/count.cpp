@@ -2,11 +2,10 @@
 
 #include "core/names.h"
 #include "core/numbers.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "host/console.h"
 #include "host/units.h"
 #include "ops/count_cells.h"
+#include "run/load.h"
 #include "run/rows.h"
 
 #include <string>
@@ -29,11 +28,9 @@ void writeCount(const std::string& base, std::string_view countLine)
 void runCount(const RunSettings& settings, const InputFileList& inputs)
 {
     constexpr int kCountWidth = 14;
-    say("Loading grid data...");
-    GridHeader header = readGridHeader(inputs[1]);
     Grid input;
-    allocateGrid(input, header, "storing input grid...");
-    readGridCells(inputs[1], header, input);
+    const GridHeader header =
+        loadGrid(inputs[1], {.opening = "Loading grid data...", .purpose = "storing input grid..."}, input).header;
 
     say("Counting number of wet cells.");
     std::int64_t wet = 0;

@@ -2,7 +2,6 @@
 
 #include "core/names.h"
 #include "core/numbers.h"
-#include "grid/header.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "ops/cutoff_cells.h"
@@ -46,27 +45,28 @@ void runCutoff(const RunSettings& givenSettings, const InputFileList& givenInput
     settleInputs(settings, inputs);
     const bool filters = inputs.count() == 2;
 
-    GridHeader first = readGridHeader(inputs[1]);
     Grid grid1;
     Grid output;
-    allocateGrid(grid1, first, "storing grid 1...");
-    allocateGrid(output, first, "storing output grid...");
-    readAnnounced(inputs[1], first, grid1);
+    const LoadSteps steps{
+        .purpose = "storing grid 1...",
+        .prepare = [&](const GridHeader& lattice) { allocateGrid(output, lattice, "storing output grid..."); },
+        .reading = join("Reading: ", inputs[1])};
+    const LoadedGrid first = loadGrid(inputs[1], steps, grid1);
+    const GridHeader& header = first.header;
 
-    GridHeader last = first;
+    LoadedGrid last = first;
     Grid grid2;
     if (filters) {
-        allocateGrid(grid2, first, "storing grid 2...");
-        last = readFurtherHeader(inputs[2], first);
-        readAnnounced(inputs[2], last, grid2);
+        allocateGrid(grid2, header, "storing grid 2...");
+        last = loadGrid(inputs[2], {.match = &header, .reading = join("Reading: ", inputs[2])}, grid2);
     }
 
-    overRows("Processing Row:", first.nrows, first.ncols, [&](const CellBlock& block) {
+    overRows("Processing Row:", header.nrows, header.ncols, [&](const CellBlock& block) {
         if (filters) {
-            filterFrom(cellsOf(grid1, block), settings.cutoff, cellsOf(grid2, block), last.null, first.null,
+            filterFrom(cellsOf(grid1, block), settings.cutoff, cellsOf(grid2, block), last.header.null, header.null,
                        cellsOf(output, block));
         } else {
-            keepFrom(cellsOf(grid1, block), settings.cutoff, first.null, cellsOf(output, block));
+            keepFrom(cellsOf(grid1, block), settings.cutoff, header.null, cellsOf(output, block));
         }
     });
     say("   Done.");
@@ -74,7 +74,7 @@ void runCutoff(const RunSettings& givenSettings, const InputFileList& givenInput
     const std::string base = specifiedNameOr(settings, ruledName(inputs, settings.cutoff));
     const std::int32_t format = outputFormatRule(settings, first.format);
     say("Writing output to: ", base);
-    writeGrid(format, base, first, output, last.projectionText, settings.decimals);
+    writeGrid(format, base, header, output, last.projectionText, settings.decimals);
 }
 
 } // namespace gridforge

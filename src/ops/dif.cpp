@@ -1,7 +1,6 @@
 #include "ops/dif.h"
 
 #include "core/names.h"
-#include "grid/header.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "ops/dif_cells.h"
@@ -41,24 +40,26 @@ void runDif(const RunSettings& settings, const InputFileList& inputs)
     say("Processing \"-dif\" option.");
     checkInputs(inputs);
 
-    GridHeader first = readGridHeader(inputs[1]);
     Grid grid1;
     Grid grid2;
     Grid difference;
     Grid wetDry;
-    allocateGrid(grid1, first, "storing grid 1...");
-    allocateGrid(grid2, first, "storing grid 2...");
-    allocateGrid(difference, first, "storing difference grid...");
-    allocateGrid(wetDry, first, "storing wet/dry grid...");
-    readAnnounced(inputs[1], first, grid1);
-    GridHeader second = readFurtherHeader(inputs[2], first);
-    readAnnounced(inputs[2], second, grid2);
+    const auto allocateOthers = [&](const GridHeader& lattice) {
+        allocateGrid(grid2, lattice, "storing grid 2...");
+        allocateGrid(difference, lattice, "storing difference grid...");
+        allocateGrid(wetDry, lattice, "storing wet/dry grid...");
+    };
+    const LoadSteps steps{
+        .purpose = "storing grid 1...", .prepare = allocateOthers, .reading = join("Reading: ", inputs[1])};
+    const LoadedGrid first = loadGrid(inputs[1], steps, grid1);
+    const GridHeader& header = first.header;
+    const LoadedGrid second = loadGrid(inputs[2], {.match = &header, .reading = join("Reading: ", inputs[2])}, grid2);
 
     say("Processing difference calculations...");
     const bool writesWetDry = !settings.nowetdry && !settings.change;
-    overRows("Processing row:", first.nrows, first.ncols, [&](const CellBlock& block) {
-        const DifGrid a{cellsOf(grid1, block), first.null};
-        const DifGrid b{cellsOf(grid2, block), second.null};
+    overRows("Processing row:", header.nrows, header.ncols, [&](const CellBlock& block) {
+        const DifGrid a{cellsOf(grid1, block), header.null};
+        const DifGrid b{cellsOf(grid2, block), second.header.null};
         if (settings.nowetdry) {
             subtractActive(a, b, cellsOf(difference, block));
         } else if (settings.change) {
@@ -72,10 +73,10 @@ void runDif(const RunSettings& settings, const InputFileList& inputs)
     const std::string base = outputBase(settings, inputs);
     const std::int32_t format = outputFormatRule(settings, first.format);
     say("Writing difference values to: ", base);
-    writeGrid(format, base, first, difference, second.projectionText, settings.decimals);
+    writeGrid(format, base, header, difference, second.projectionText, settings.decimals);
     if (writesWetDry) {
         say("Writing wet/dry file to: ", base, "_wd");
-        writeGrid(format, base + "_wd", first, wetDry, second.projectionText, settings.decimals);
+        writeGrid(format, base + "_wd", header, wetDry, second.projectionText, settings.decimals);
     }
     say("");
 }

@@ -1,10 +1,9 @@
 #include "ops/flood_extent.h"
 
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "grid/writer.h"
 #include "host/console.h"
 #include "ops/flood_extent_cells.h"
+#include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
@@ -14,23 +13,24 @@ namespace gridforge {
 
 void runFloodExtent(const RunSettings& settings, const InputFileList& inputs)
 {
-    say("Loading grid data...");
-    GridHeader header = readGridHeader(inputs[1]);
     Grid input;
     Grid output;
-    allocateGrid(input, header, "storing input grid...");
-    allocateGrid(output, header, "storing output grid...");
-    readGridCells(inputs[1], header, input);
+    const LoadSteps steps{
+        .opening = "Loading grid data...",
+        .purpose = "storing input grid...",
+        .prepare = [&](const GridHeader& lattice) { allocateGrid(output, lattice, "storing output grid..."); }};
+    const LoadedGrid loaded = loadGrid(inputs[1], steps, input);
+    const GridHeader& header = loaded.header;
 
     say("Creating flood extent.");
     overRows("Processing Row:", header.nrows, header.ncols,
              [&](const CellBlock& block) { markWet(cellsOf(input, block), header.null, cellsOf(output, block)); });
 
     const std::string base = outputNameRule(settings, inputs[1], "_extent");
-    const std::int32_t format = outputFormatRule(settings, header.format);
+    const std::int32_t format = outputFormatRule(settings, loaded.format);
     // The words of the transform; deliberate.
     say("Writing transformed values to: ", base);
-    writeGrid(format, base, header, output, header.projectionText, settings.decimals);
+    writeGrid(format, base, header, output, loaded.projectionText, settings.decimals);
 }
 
 } // namespace gridforge

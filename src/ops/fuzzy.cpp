@@ -1,6 +1,5 @@
 #include "ops/fuzzy.h"
 
-#include "grid/header.h"
 #include "grid/writer.h"
 #include "host/console.h"
 #include "ops/fuzzy_cells.h"
@@ -16,30 +15,29 @@ namespace gridforge {
 void runFuzzy(const RunSettings& settings, const InputFileList& inputs)
 {
     say("Loading header info...");
-    const GridHeader first = readGridHeader(inputs[1]);
     Grid input;
     Grid output;
-    allocateGrid(input, first, "storing input grid...");
-    allocateGrid(output, first, "storing output grid...");
-    std::ranges::fill(output.cells(), first.null);
-
-    std::string projectionText;
-    for (std::int32_t i = 1; i <= inputs.count(); ++i) {
-        say("Processing: ", inputs[i]);
-        projectionText = loadInput(inputs, i, first, input).projectionText;
-        overRows("Processing row:", first.nrows, first.ncols, [&](const CellBlock& block) {
-            countActiveCells(cellsOf(input, block), first.null, cellsOf(output, block));
+    GridHeader header;
+    const auto prepare = [&](const GridHeader& first) {
+        header = first;
+        allocateGrid(output, first, "storing output grid...");
+        std::ranges::fill(output.cells(), first.null);
+    };
+    const LoadedGrid loaded =
+        loadEach(inputs, "storing input grid...", prepare, input, [&](std::int32_t, const GridHeader&) {
+            overRows("Processing row:", header.nrows, header.ncols, [&](const CellBlock& block) {
+                countActiveCells(cellsOf(input, block), header.null, cellsOf(output, block));
+            });
+            say("   Done.");
         });
-        say("   Done.");
-    }
     say("Scaling by number of files...");
-    overRows("Processing row:", first.nrows, first.ncols,
-             [&](const CellBlock& block) { scaleCounts(inputs.count(), first.null, cellsOf(output, block)); });
+    overRows("Processing row:", header.nrows, header.ncols,
+             [&](const CellBlock& block) { scaleCounts(inputs.count(), header.null, cellsOf(output, block)); });
 
     const std::string base = outputNameRule(settings, inputs[1], "_fuzzy");
-    const std::int32_t format = outputFormatRule(settings, first.format);
+    const std::int32_t format = outputFormatRule(settings, loaded.format);
     say("Writing fuzzy values to: ", base);
-    writeGrid(format, base, first, output, projectionText, settings.decimals);
+    writeGrid(format, base, header, output, loaded.projectionText, settings.decimals);
 }
 
 } // namespace gridforge

@@ -2,12 +2,11 @@
 
 #include "core/names.h"
 #include "core/numbers.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "host/ends.h"
 #include "host/units.h"
 #include "ops/class_table.h"
 #include "ops/histogram_cells.h"
+#include "run/load.h"
 #include "run/rows.h"
 
 #include <numeric>
@@ -79,13 +78,12 @@ void runHistogram(const RunSettings& settings, const InputFileList& inputs)
     if (inputs.count() > 1) {
         fail("ERROR - Only a single grid file accepetd for \"-histogram\" option.");
     }
-    say("Loading grid data...");
-    GridHeader header = readGridHeader(inputs[1]);
     Grid input;
-    allocateGrid(input, header, "storing input grid...");
-    say("Reading data...");
-    readGridCells(inputs[1], header, input);
-    say("   Done.");
+    const LoadSteps steps{.opening = "Loading grid data...",
+                          .purpose = "storing input grid...",
+                          .reading = "Reading data...",
+                          .done = "   Done."};
+    const GridHeader header = loadGrid(inputs[1], steps, input).header;
 
     const ClassTable bins = readClassTable(settings.classFile, false, kWords);
     checkOrder(bins);

@@ -1,7 +1,6 @@
 #include "ops/max_min.h"
 
 #include "core/numbers.h"
-#include "grid/header.h"
 #include "grid/writer.h"
 #include "host/console.h"
 #include "ops/max_min_cells.h"
@@ -19,32 +18,29 @@ void runMaxMin(const RunSettings& settings, const InputFileList& inputs)
         say("Supressing source grid following \"-src\" option.");
     }
 
-    const GridHeader first = readGridHeader(inputs[1]);
     Grid current;
     Grid extreme;
     Grid sources;
-    allocateGrid(current, first, "external grid...");
-    allocateGrid(extreme, first, "storing maximum / minimum values data...");
-    if (!settings.src) {
-        allocateGrid(sources, first, "storing maximums / minimum source data...");
-    }
-    std::string projectionText;
-    for (std::int32_t i = 1; i <= inputs.count(); ++i) {
-        say("Processing: ", inputs[i]);
-        const GridHeader header = loadInput(inputs, i, first, current);
-        projectionText = header.projectionText;
+    const auto allocateKept = [&](const GridHeader& first) {
+        allocateGrid(extreme, first, "storing maximum / minimum values data...");
+        if (!settings.src) {
+            allocateGrid(sources, first, "storing maximums / minimum source data...");
+        }
+    };
+    const auto take = [&](std::int32_t i, const GridHeader& header) {
         say(maximum ? "Comparing maximums..." : "Comparing minimums...");
         const Taken taken{current.cells(), header.null, static_cast<float>(i)};
         if (i == 1) {
-            startExtremes(taken, maximum, first.null, extreme.cells(), sources.cells());
+            startExtremes(taken, maximum, header.null, extreme.cells(), sources.cells());
         } else {
             takeExtremes(taken, maximum, extreme.cells(), sources.cells());
         }
         say("   Done.");
-    }
+    };
+    const auto [first, firstFormat, projectionText] = loadEach(inputs, "external grid...", allocateKept, current, take);
 
     const std::string base = outputNameRule(settings, inputs[1], maximum ? "(maxmax)" : "(minmin)");
-    const std::int32_t format = outputFormatRule(settings, first.format);
+    const std::int32_t format = outputFormatRule(settings, firstFormat);
     say("Writing maximum / minimum values to: ", base);
     writeGrid(format, base, first, extreme, projectionText, settings.decimals);
     if (settings.src) {

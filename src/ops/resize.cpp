@@ -1,11 +1,10 @@
 #include "ops/resize.h"
 
 #include "core/numbers.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "ops/resize_cells.h"
+#include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
@@ -54,11 +53,10 @@ void runResize(const RunSettings& settings, const InputFileList& inputs)
     checkRequest(settings, inputs);
     const std::int32_t factor = settings.resizeFactor;
 
-    say("Loading grid data...");
-    GridHeader header = readGridHeader(inputs[1]);
     Grid input;
-    allocateGrid(input, header, "storing input grid...");
-    readGridCells(inputs[1], header, input);
+    const LoadedGrid loaded =
+        loadGrid(inputs[1], {.opening = "Loading grid data...", .purpose = "storing input grid..."}, input);
+    const GridHeader& header = loaded.header;
 
     const double newSize = static_cast<double>(static_cast<float>(factor)) * header.cellsize8;
     const Tiling tiling = tilingOf(header.nrows, header.ncols, factor);
@@ -84,9 +82,9 @@ void runResize(const RunSettings& settings, const InputFileList& inputs)
     endLine();
 
     const std::string base = outputNameRule(settings, inputs[1], join("_resize", factor));
-    const std::int32_t format = outputFormatRule(settings, header.format);
+    const std::int32_t format = outputFormatRule(settings, loaded.format);
     say("Writing resized grid to: ", base);
-    writeGrid(format, base, resized, output, header.projectionText, settings.decimals);
+    writeGrid(format, base, resized, output, loaded.projectionText, settings.decimals);
 }
 
 } // namespace gridforge

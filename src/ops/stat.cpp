@@ -1,7 +1,5 @@
 #include "ops/stat.h"
 
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "ops/stat_cells.h"
@@ -21,6 +19,7 @@ namespace {
 // All grids of the run, and how the results are written.
 struct StatRun {
     GridHeader first;
+    std::int32_t firstFormat = kFormatAsc;
     std::string projectionText; // of the last grid
     std::vector<Grid> grids;
     std::vector<std::span<const float>> cells; // of each grid
@@ -96,34 +95,45 @@ RankList settleRanks(const RunSettings& settings, std::int32_t grids)
     return list;
 }
 
-GridHeader readStatHeader(const InputFileList& inputs, std::int32_t i, const GridHeader& first)
+void allocateAll(const GridHeader& first, StatRun& run)
+{
+    const auto grids = static_cast<std::int32_t>(run.grids.size());
+    say("Allocating ", megabytes(first, grids, 4), " Mb of memory for storing all grids.");
+    for (Grid& grid : run.grids) {
+        allocateSilently(grid, first);
+    }
+}
+
+void requireSameNull(const GridHeader& header, const InputFileList& inputs, std::int32_t i, const StatRun& run)
 {
     constexpr float kNullTolerance = 0.01F;
-    GridHeader header = readFurtherHeader(inputs[i], first);
-    if (std::fabs(header.null - first.null) > kNullTolerance) {
+    if (std::fabs(header.null - run.first.null) > kNullTolerance) {
         fail("ERROR - \"NODATA_value\" data does not match for grid ", inputs[1], " and ", inputs[i]);
     }
-    return header;
+}
+
+LoadSteps stepsOf(const InputFileList& inputs, std::int32_t i, StatRun& run)
+{
+    if (i == 1) {
+        return {.prepare = [&](const GridHeader& first) { allocateAll(first, run); }};
+    }
+    return {.match = &run.first,
+            .prepare = [&inputs, i, &run](const GridHeader& header) { requireSameNull(header, inputs, i, run); }};
 }
 
 void readAll(const InputFileList& inputs, StatRun& run)
 {
-    run.first = readGridHeader(inputs[1]);
-    say("Allocating ", megabytes(run.first, inputs.count(), 4), " Mb of memory for storing all grids.");
     run.grids.resize(static_cast<std::size_t>(inputs.count()));
-    for (Grid& grid : run.grids) {
-        allocateSilently(grid, run.first);
-    }
-    GridHeader header = run.first;
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
-        if (i > 1) {
-            header = readStatHeader(inputs, i, run.first);
-        }
         Grid& grid = run.grids[static_cast<std::size_t>(i - 1)];
-        readGridCells(inputs[i], header, grid);
+        const LoadedGrid loaded = loadGrid(inputs[i], stepsOf(inputs, i, run), grid);
+        if (i == 1) {
+            run.first = loaded.header;
+            run.firstFormat = loaded.format;
+        }
+        run.projectionText = loaded.projectionText;
         run.cells.emplace_back(grid.cells());
     }
-    run.projectionText = header.projectionText;
     say("Finished reading input grids.");
 }
 
@@ -213,7 +223,7 @@ void runStat(const RunSettings& settings, const InputFileList& inputs)
     StatRun run;
     readAll(inputs, run);
     run.base = outputNameRule(settings, inputs[1], "");
-    run.format = outputFormatRule(settings, run.first.format);
+    run.format = outputFormatRule(settings, run.firstFormat);
     run.decimals = settings.decimals;
     writeSourceLegend(run.base + "_Src_legend.csv", inputs);
 

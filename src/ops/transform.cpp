@@ -2,7 +2,6 @@
 
 #include "core/names.h"
 #include "core/numbers.h"
-#include "grid/header.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "ops/transform_cells.h"
@@ -23,12 +22,14 @@ void runTransform(const RunSettings& settings, const InputFileList& inputs)
     say("Multiplier (m) = ", realField(settings.transformM, kWidth, kDecimals));
     say("Add Value  (c) = ", realField(settings.transformC, kWidth, kDecimals));
 
-    GridHeader header = readGridHeader(inputs[1]);
     Grid input;
     Grid output;
-    allocateGrid(input, header, "storing input grid...");
-    allocateGrid(output, header, "storing output grid...");
-    readAnnounced(inputs[1], header, input);
+    const LoadSteps steps{
+        .purpose = "storing input grid...",
+        .prepare = [&](const GridHeader& lattice) { allocateGrid(output, lattice, "storing output grid..."); },
+        .reading = join("Reading: ", inputs[1])};
+    const LoadedGrid loaded = loadGrid(inputs[1], steps, input);
+    const GridHeader& header = loaded.header;
 
     say("Processing transformation....");
     overRows("Processing Row:", header.nrows, header.ncols, [&](const CellBlock& block) {
@@ -38,9 +39,9 @@ void runTransform(const RunSettings& settings, const InputFileList& inputs)
     say("Done");
 
     const std::string base = outputNameRule(settings, inputs[1], "_trans");
-    const std::int32_t format = outputFormatRule(settings, header.format);
+    const std::int32_t format = outputFormatRule(settings, loaded.format);
     say("Writing transformed values to: ", base);
-    writeGrid(format, base, header, output, header.projectionText, settings.decimals);
+    writeGrid(format, base, header, output, loaded.projectionText, settings.decimals);
 }
 
 namespace {
@@ -72,19 +73,21 @@ void runMultiply(const RunSettings& givenSettings, const InputFileList& givenInp
     say("Processing multiply option.");
     settleMultiplyInputs(settings, inputs);
 
-    GridHeader first = readGridHeader(inputs[1]);
     Grid grid1;
     Grid output;
+    const LoadSteps firstSteps{
+        .purpose = "storing grid 1...",
+        .prepare = [&](const GridHeader& lattice) { allocateGrid(output, lattice, "storing output grid..."); },
+        .reading = join("Reading: ", inputs[1])};
+    const LoadedGrid first = loadGrid(inputs[1], firstSteps, grid1);
+    const GridHeader& header = first.header;
     Grid grid2;
-    allocateGrid(grid1, first, "storing grid 1...");
-    allocateGrid(output, first, "storing output grid...");
-    readAnnounced(inputs[1], first, grid1);
-    allocateGrid(grid2, first, "storing grid 2...");
-    GridHeader second = readFurtherHeader(inputs[2], first);
-    readAnnounced(inputs[2], second, grid2);
+    allocateGrid(grid2, header, "storing grid 2...");
+    const LoadedGrid second = loadGrid(inputs[2], {.match = &header, .reading = join("Reading: ", inputs[2])}, grid2);
 
-    overRows("Processing Row:", first.nrows, first.ncols, [&](const CellBlock& block) {
-        multiplyCells(cellsOf(grid1, block), first.null, cellsOf(grid2, block), second.null, cellsOf(output, block));
+    overRows("Processing Row:", header.nrows, header.ncols, [&](const CellBlock& block) {
+        multiplyCells(cellsOf(grid1, block), header.null, cellsOf(grid2, block), second.header.null,
+                      cellsOf(output, block));
     });
     say("   Done.");
 
@@ -93,7 +96,7 @@ void runMultiply(const RunSettings& givenSettings, const InputFileList& givenInp
     const std::string base = specifiedNameOr(settings, ruled);
     const std::int32_t format = outputFormatRule(settings, first.format);
     say("Writing output to: ", base);
-    writeGrid(format, base, first, output, second.projectionText, settings.decimals);
+    writeGrid(format, base, header, output, second.projectionText, settings.decimals);
 }
 
 } // namespace gridforge

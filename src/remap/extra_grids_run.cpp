@@ -1,11 +1,9 @@
 #include "core/text.h"
-#include "grid/header.h"
-#include "grid/reader.h"
-#include "grid/writer.h"
 #include "host/console.h"
 #include "remap/extra_grids.h"
 #include "remap/progress.h"
 #include "remap/remap_run.h"
+#include "run/load.h"
 
 #include <algorithm>
 
@@ -37,16 +35,14 @@ bool isSkipped(std::string_view name)
     return false;
 }
 
-void readExtra(RemapRun& run, std::string_view name)
+void readExtra(RemapRun& run, const std::string& name)
 {
     say("Processing: ", name);
-    GridHeader header = readGridHeader(name);
-    run.projectionText = header.projectionText;
-    say("Checking grid extent matches water level grid...");
-    compareGridDimensions(run.coarse, header);
-    say("    OK.");
-    say("Reading grid data");
-    readGridCells(name, header, run.wlGrid);
+    const LoadSteps steps{.match = &run.coarse,
+                          .matching = "Checking grid extent matches water level grid...",
+                          .matched = "    OK.",
+                          .reading = "Reading grid data"};
+    run.projectionText = loadGrid(name, steps, run.wlGrid).projectionText;
     run.stillToRead.erase(run.stillToRead.begin());
 }
 

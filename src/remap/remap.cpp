@@ -2,12 +2,11 @@
 
 #include "core/names.h"
 #include "core/numbers.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "grid/writer.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "remap/remap_run.h"
+#include "run/load.h"
 #include "run/outputs.h"
 
 #include <algorithm>
@@ -71,13 +70,12 @@ std::int32_t announceInputs(const RunSettings& settings, const InputFileList& in
     return firstExtra;
 }
 
-void loadWaterLevels(RemapRun& run)
+// Returns the format of the grid.
+std::int32_t loadWaterLevels(RemapRun& run)
 {
-    const std::string& name = run.settings.waterLevelGrid;
-    run.coarse = readGridHeader(name);
-    allocateGrid(run.wlGrid, run.coarse, "storing water levels...");
-    say("Reading WL data");
-    readGridCells(name, run.coarse, run.wlGrid);
+    const LoadSteps steps{.purpose = "storing water levels...", .reading = "Reading WL data"};
+    const LoadedGrid levels = loadGrid(run.settings.waterLevelGrid, steps, run.wlGrid);
+    run.coarse = levels.header;
 
     allocateFlags(run.wetFlags, run.coarse, "mod wet/dry flags");
     say("Adding freeboard and setting wet/dry flags for modelled grid...");
@@ -86,6 +84,7 @@ void loadWaterLevels(RemapRun& run)
 
     allocateFlags(run.extentFlags, run.coarse, "maximum extent flags");
     allocateGrid(run.workGrid, run.coarse, "working array...");
+    return levels.format;
 }
 
 void flagBuffer(RemapRun& run, float buffer)
@@ -97,15 +96,13 @@ void flagBuffer(RemapRun& run, float buffer)
 
 void flagExtentGrid(RemapRun& run)
 {
-    const std::string& name = run.settings.extentGrid;
-    GridHeader extent = readGridHeader(name);
-    say("Checking water level and maximum extent grids match...");
-    compareGridDimensions(run.coarse, extent);
-    say("    Done.");
-    say("Reading max extent data");
-    readGridCells(name, extent, run.workGrid);
+    const LoadSteps steps{.match = &run.coarse,
+                          .matching = "Checking water level and maximum extent grids match...",
+                          .matched = "    Done.",
+                          .reading = "Reading max extent data"};
+    const float null = loadGrid(run.settings.extentGrid, steps, run.workGrid).header.null;
     say("Setting maximum extent flags based on maximum modelled grid...");
-    flagValues(run.workGrid.cells(), extent.null, run.extentFlags.cells());
+    flagValues(run.workGrid.cells(), null, run.extentFlags.cells());
     say("   Done.");
 }
 
@@ -130,13 +127,10 @@ void setExtentFlags(RemapRun& run)
 
 void loadTerrain(RemapRun& run)
 {
-    const std::string& name = run.settings.demGrid;
-    say("Reading DEM header...");
-    run.terrain = readGridHeader(name);
-    run.projectionText = run.terrain.projectionText;
-    allocateGrid(run.demGrid, run.terrain, "storing DEM.");
-    say("Reading DEM data");
-    readGridCells(name, run.terrain, run.demGrid);
+    const LoadSteps steps{.opening = "Reading DEM header...", .purpose = "storing DEM.", .reading = "Reading DEM data"};
+    const LoadedGrid terrain = loadGrid(run.settings.demGrid, steps, run.demGrid);
+    run.terrain = terrain.header;
+    run.projectionText = terrain.projectionText;
 
     say("Allocating ", AINTEGER(pairKilobytes(run.terrain)), "Kb memory for processing");
     if (!run.levelGrid.allocate(run.terrain.nrows, run.terrain.ncols) ||
@@ -192,10 +186,10 @@ void runRemap(const RunSettings& settings, const InputFileList& inputs)
 
     RemapRun run(settings);
     run.stillToRead = extraGridsToRead(inputs, firstExtra);
-    loadWaterLevels(run);
+    const std::int32_t inputFormat = loadWaterLevels(run);
     setExtentFlags(run);
     loadTerrain(run);
-    run.format = outputFormatRule(settings, run.coarse.format);
+    run.format = outputFormatRule(settings, inputFormat);
     runMethod(run);
 
     say("");

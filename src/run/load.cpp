@@ -1,5 +1,6 @@
 #include "run/load.h"
 
+#include "core/text.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"
@@ -7,24 +8,55 @@
 
 namespace gridforge {
 
-void readAnnounced(std::string_view name, GridHeader& header, Grid& cells)
+namespace {
+
+void sayStep(const std::string& text)
 {
-    say("Reading: ", name);
-    readGridCells(name, header, cells);
+    if (!text.empty()) {
+        say(text);
+    }
 }
 
-GridHeader readFurtherHeader(std::string_view name, const GridHeader& first)
+} // namespace
+
+LoadedGrid loadGrid(const std::string& name, const LoadSteps& steps, Grid& cells)
 {
+    sayStep(steps.opening);
     GridHeader header = readGridHeader(name);
-    compareGridDimensions(first, header);
-    return header;
+    if (steps.match != nullptr) {
+        sayStep(steps.matching);
+        compareGridDimensions(*steps.match, header);
+        sayStep(steps.matched);
+    }
+    if (!steps.purpose.empty()) {
+        allocateGrid(cells, header, steps.purpose);
+    }
+    if (steps.prepare) {
+        steps.prepare(header);
+    }
+    sayStep(steps.reading);
+    readGridCells(name, header, cells);
+    sayStep(steps.done);
+    return {header, header.format, header.projectionText};
 }
 
-GridHeader loadInput(const InputFileList& inputs, std::int32_t i, const GridHeader& first, Grid& cells)
+LoadedGrid loadEach(const InputFileList& inputs, const std::string& purpose,
+                    const std::function<void(const GridHeader&)>& prepare, Grid& cells,
+                    const std::function<void(std::int32_t, const GridHeader&)>& use)
 {
-    GridHeader current = i == 1 ? first : readFurtherHeader(inputs[i], first);
-    readGridCells(inputs[i], current, cells);
-    return current;
+    LoadedGrid first;
+    for (std::int32_t i = 1; i <= inputs.count(); ++i) {
+        const std::string announced = join("Processing: ", inputs[i]);
+        if (i == 1) {
+            first = loadGrid(inputs[i], {.purpose = purpose, .prepare = prepare, .reading = announced}, cells);
+            use(i, first.header);
+        } else {
+            const LoadedGrid next = loadGrid(inputs[i], {.opening = announced, .match = &first.header}, cells);
+            first.projectionText = next.projectionText;
+            use(i, next.header);
+        }
+    }
+    return first;
 }
 
 } // namespace gridforge

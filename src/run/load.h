@@ -1,22 +1,42 @@
-// The load pattern that operations on grids of one lattice share.
+// How every operation gets a grid of its inputs into memory.
 #pragma once
 
 #include "grid/grid.h"
 #include "run/inputs.h"
 
 #include <cstdint>
-#include <string_view>
+#include <functional>
+#include <string>
 
 namespace gridforge {
 
-// "Reading: " and the name, then the cells of the grid whose header has just been read.
-void readAnnounced(std::string_view name, GridHeader& header, Grid& cells);
+// The steps of a load in the order that the run goes through them. Each text is a line of the console; an empty one is
+// not written.
+struct LoadSteps {
+    std::string opening = {};          // before the header is read
+    const GridHeader* match = nullptr; // ends the run when size, corner or cell size is not that of this header
+    std::string matching = {};         // before that is looked at
+    std::string matched = {};          // and after
+    std::string purpose = {};          // of the array of cells, which is made here; none: it is there already
+    std::function<void(const GridHeader&)> prepare = nullptr; // what else comes before the cells
+    std::string reading = {};                                 // before the cells are read
+    std::string done = {};                                    // after
+};
 
-// The header of a further grid of the run; ends the run when its size, corner or cell size is not that of `first`.
-GridHeader readFurtherHeader(std::string_view name, const GridHeader& first);
+// What its files say of a grid besides its cells.
+struct LoadedGrid {
+    GridHeader header;
+    std::int32_t format = kFormatAsc;
+    std::string projectionText; // the PROJCS line, blank if none
+};
 
-// Reads the cells of input `i` into `cells` and gives that grid's header. The first input is the one whose header
-// `first` has been read already; a later one has its header read here and must cover the same lattice.
-GridHeader loadInput(const InputFileList& inputs, std::int32_t i, const GridHeader& first, Grid& cells);
+LoadedGrid loadGrid(const std::string& name, const LoadSteps& steps, Grid& cells);
+
+// Loads the inputs one after the other into `cells`, each announced as "Processing: " and its name, and gives each to
+// `use` with its number. The array is made for the first, and `prepare` called, before that is announced; the others must
+// match it. Returns the first with the projection of the last, as outputs are written.
+LoadedGrid loadEach(const InputFileList& inputs, const std::string& purpose,
+                    const std::function<void(const GridHeader&)>& prepare, Grid& cells,
+                    const std::function<void(std::int32_t, const GridHeader&)>& use);
 
 } // namespace gridforge

@@ -1,10 +1,9 @@
 #include "sampling/sampled_layer.h"
 
 #include "core/computed.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "run/load.h"
 
 #include <string_view>
 
@@ -24,32 +23,21 @@ void requireOneGrid(const InputFileList& inputs)
     }
 }
 
-namespace {
-
-Terrain readTerrainSaying(const std::string& name, std::string_view beforeCells)
-{
-    Terrain terrain;
-    terrain.header = readGridHeader(name);
-    allocateGrid(terrain.cells, terrain.header, "storing input grid...");
-    if (!beforeCells.empty()) {
-        say(beforeCells);
-    }
-    readGridCells(name, terrain.header, terrain.cells);
-    return terrain;
-}
-
-} // namespace
-
 Terrain readTerrain(const std::string& name)
 {
-    return readTerrainSaying(name, "");
+    Terrain terrain;
+    terrain.header = loadGrid(name, {.purpose = "storing input grid..."}, terrain.cells).header;
+    return terrain;
 }
 
 Terrain loadTerrain(const std::string& name)
 {
-    say("Loading grid data...");
-    Terrain terrain = readTerrainSaying(name, "Reading data...");
-    say("   Done.");
+    const LoadSteps steps{.opening = "Loading grid data...",
+                          .purpose = "storing input grid...",
+                          .reading = "Reading data...",
+                          .done = "   Done."};
+    Terrain terrain;
+    terrain.header = loadGrid(name, steps, terrain.cells).header;
     return terrain;
 }
 

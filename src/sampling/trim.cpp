@@ -6,11 +6,10 @@
 #include "core/product.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
-#include "grid/header.h"
-#include "grid/reader.h"
 #include "grid/writer.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "run/load.h"
 #include "run/outputs.h"
 #include "run/still_to_read.h"
 #include "sampling/sampled_layer.h"
@@ -169,10 +168,9 @@ void runTrim(const RunSettings& settings, const InputFileList& inputs)
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         const std::string& gridName = inputs[i];
         say("Proecsing File:", integerField(i, kFileColumns), ": ", gridName);
-        GridHeader header = readGridHeader(gridName);
         Grid cells;
-        allocateGrid(cells, header, "external grid...");
-        readGridCells(gridName, header, cells);
+        const LoadedGrid loaded = loadGrid(gridName, {.purpose = "external grid..."}, cells);
+        const GridHeader& header = loaded.header;
         const auto stillToRead = std::span(grids).subspan(static_cast<std::size_t>(i));
 
         for (const auto& [name, region] : regions) {
@@ -194,7 +192,7 @@ void runTrim(const RunSettings& settings, const InputFileList& inputs)
             const std::int32_t format = ascUnlessSpecified(settings);
             say("Writing output to: ", target);
             requireNoInput(format, target, stillToRead);
-            writeGrid(format, target, outputHeader, output, header.projectionText, settings.decimals);
+            writeGrid(format, target, outputHeader, output, loaded.projectionText, settings.decimals);
         }
     }
 }
