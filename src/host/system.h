@@ -40,7 +40,7 @@ struct FileIdentity {
     std::uint64_t number = 0;
     bool regular = false; // keeps what is written to it, unlike a pipe or a device
 
-    auto operator<=>(const FileIdentity&) const = default;
+    auto operator<=>(const FileIdentity&) const = default; // NOLINT(modernize-use-nullptr): taken for a pointer
 };
 
 struct FileFacts {
