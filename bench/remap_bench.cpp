@@ -15,6 +15,7 @@
 #include <random>
 #include <string>
 #include <unistd.h>
+#include <utility>
 
 namespace gridforge {
 namespace {
@@ -34,7 +35,6 @@ float groundAt(double x, double y)
 GridHeader squareOf(std::int32_t side, double cellsize)
 {
     GridHeader header;
-    header.format = kFormatFlt;
     header.nrows = side;
     header.ncols = side;
     header.xll = 0;
@@ -139,10 +139,11 @@ void readAndWriteTwice(benchmark::State& state, Flood flood)
     for (auto _ : state) {
         const QuietConsole quiet;
         const std::string terrain = model.path("ground.flt");
-        GridHeader header = readGridHeader(terrain);
+        OpenGrid opened = openGrid(terrain);
+        const GridHeader header = opened.header;
         Grid grid;
         allocateGrid(grid, header, "terrain");
-        readGridCells(terrain, header, grid);
+        readCells(std::move(opened), grid);
         writeGrid(kFormatFlt, model.path("level_remap_h"), header, grid, "");
         writeGrid(kFormatFlt, model.path("level_remap_d"), header, grid, "");
     }

@@ -98,12 +98,12 @@ Keyword takeKeyword(const std::string& line, GridHeader& header, Placement& plac
     fail("Line = ", line);
 }
 
-void readKeywords(GridHeader& header, Placement& placement)
+void readKeywords(Unit unit, GridHeader& header, Placement& placement)
 {
     std::string line;
     std::string lastLine;
     for (int keywordLines = 0;; ++keywordLines) {
-        if (!readLine(header.unit, line)) {
+        if (!readLine(unit, line)) {
             failHeader(lastLine);
         }
         lastLine = line;
@@ -112,7 +112,7 @@ void readKeywords(GridHeader& header, Placement& placement)
             failHeader(line);
         }
         if (keyword == Keyword::none) {
-            stepBack(header.unit);
+            stepBack(unit);
             if (keywordLines > kMaxKeywordLines) {
                 report("ERROR 2332 - Failed to find header information in external grid file.  Check format of file.");
                 EXITS();
@@ -146,15 +146,17 @@ std::vector<std::string> gridInputFiles(std::string_view name)
     return {std::string(name)};
 }
 
-GridHeader readGridHeader(std::string_view name)
+OpenGrid openGrid(std::string_view name)
 {
-    GridHeader header;
-    header.projectionText = readProjection(name);
-    header.format = isBinary(name) ? kFormatFlt : kFormatAsc;
-    OPENER(header.unit, "I ", gridInputFiles(name).front());
+    OpenGrid grid;
+    grid.name = name;
+    grid.projectionText = readProjection(name);
+    grid.format = isBinary(name) ? kFormatFlt : kFormatAsc;
+    OPENER(grid.unit, "I ", gridInputFiles(name).front());
 
+    GridHeader& header = grid.header;
     Placement placement;
-    readKeywords(header, placement);
+    readKeywords(grid.unit, header, placement);
     requireComplete(header, placement);
 
     header.cellsize8 = static_cast<double>(header.cellsize);
@@ -167,7 +169,7 @@ GridHeader readGridHeader(std::string_view name)
     }
     say("External Grid Info: ", AINTEGER(header.nrows), " rows by ", AINTEGER(header.ncols), " columns with ",
         AREAL(header.cellsize), " cell size.");
-    return header;
+    return grid;
 }
 
 // --- The tolerant readers --------------------------------------------------------------------------------------------

@@ -1,7 +1,9 @@
-// Headers of grids: read from .asc and .hdr files with the projection beside them, and written in fixed-width form.
+// Opening of grids: their headers are read from .asc and .hdr files, with the projection beside them. And headers written in
+// fixed-width form.
 #pragma once
 
 #include "grid/grid.h"
+#include "host/units.h"
 
 #include <cstdint>
 #include <string>
@@ -13,9 +15,16 @@ namespace gridforge {
 // The files that the grid `name` is read from: its .hdr, where it has one, and itself.
 std::vector<std::string> gridInputFiles(std::string_view name);
 
-// Reads the header of the grid `name`. Leaves the .asc open at its first line of cells, or the .hdr open. What cannot
-// be read or is not complete ends the run with its message.
-GridHeader readGridHeader(std::string_view name);
+// A grid whose header has been read.
+struct OpenGrid {
+    std::string name; // as asked for
+    GridHeader header;
+    std::int32_t format = kFormatAsc;
+    std::string projectionText; // the PROJCS line, blank if none
+    Unit unit = 0;              // the .asc at its first line of cells, or the .hdr
+};
+// What cannot be read or is not complete ends the run with its message.
+OpenGrid openGrid(std::string_view name);
 
 // What the tolerant readers find in the head of an open text unit; what is not there keeps its default.
 struct AscHeaderText {

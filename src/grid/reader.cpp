@@ -20,40 +20,40 @@ constexpr std::int32_t kProgressRows = 1000;
     EXITS();
 }
 
-void readAscCells(GridHeader& header, Grid& cells)
+void readAscCells(Unit& unit, Grid& cells)
 {
     sayOpen("Reading ASCII grid...");
     for (std::int32_t row = cells.nrows(); row >= 1; --row) {
         if (row % kProgressRows == 0) {
             progress(row);
         }
-        if (!readAscRow(header.unit, cells.row(row))) {
+        if (!readAscRow(unit, cells.row(row))) {
             failCells();
         }
     }
     endLine();
     say("");
-    CLOSER(header.unit);
+    CLOSER(unit);
 }
 
-void readFltCells(std::string_view name, GridHeader& header, Grid& cells)
+void readFltCells(std::string_view name, Unit& unit, Grid& cells)
 {
-    CLOSER(header.unit);
-    OPENER(header.unit, "BI", name);
-    if (!readBytes(header.unit, std::as_writable_bytes(cells.cells()))) {
+    CLOSER(unit);
+    OPENER(unit, "BI", name);
+    if (!readBytes(unit, std::as_writable_bytes(cells.cells()))) {
         failCells();
     }
-    CLOSER(header.unit);
+    CLOSER(unit);
 }
 
 } // namespace
 
-void readGridCells(std::string_view name, GridHeader& header, Grid& cells)
+void readCells(OpenGrid grid, Grid& cells)
 {
-    if (header.format == kFormatFlt) {
-        readFltCells(name, header, cells);
+    if (grid.format == kFormatFlt) {
+        readFltCells(grid.name, grid.unit, cells);
     } else {
-        readAscCells(header, cells);
+        readAscCells(grid.unit, cells);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "core/text.h"
 #include "grid/asc_format.h"
 #include "host/ends.h"
+#include "host/units.h"
 
 #include <algorithm>
 #include <cmath>

@@ -48,9 +48,9 @@ void describeSections(bool materials, NbcSections& sections)
 void placePoints(const RunSettings& settings, const std::string& firstGrid, NbcSections& sections)
 {
     say("Loading header information from 1st elevation grid...");
-    GridHeader header = readGridHeader(firstGrid);
-    CLOSER(header.unit);
-    nbc_insert_vertices(sections, header.cellsize,
+    OpenGrid grid = openGrid(firstGrid);
+    CLOSER(grid.unit);
+    nbc_insert_vertices(sections, grid.header.cellsize,
                         settings.defaultNGiven ? std::optional(settings.defaultN) : std::nullopt);
 }
 

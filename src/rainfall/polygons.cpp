@@ -153,8 +153,8 @@ void writeTables(const GridHeader& grid, const RfPolygonTables& tables)
     }
     std::ranges::transform(tables.index.cells(), numbers.cells().begin(),
                            [](std::int32_t number) { return static_cast<float>(number); });
-    writeGrid(kFormatAsc, "rf_index", grid, numbers, grid.projectionText, kDecimals);
-    writeGrid(kFormatAsc, "rf_fac", grid, tables.factor, grid.projectionText, kDecimals);
+    writeGrid(kFormatAsc, "rf_index", grid, numbers, "", kDecimals);
+    writeGrid(kFormatAsc, "rf_fac", grid, tables.factor, "", kDecimals);
 }
 
 } // namespace

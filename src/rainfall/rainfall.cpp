@@ -77,7 +77,7 @@ void writeTriangleNumbers(Rainfall& rain, const RfTinTables& tables)
 {
     std::ranges::transform(tables.triangle.cells(), rain.grids.step.cells().begin(),
                            [](std::int32_t number) { return static_cast<float>(number); });
-    writeGrid(kFormatAsc, "rf_giit", rain.grid, rain.grids.step, rain.grid.projectionText, rain.decimals);
+    writeGrid(kFormatAsc, "rf_giit", rain.grid, rain.grids.step, "", rain.decimals);
 }
 
 StepRoutine prepareTin(Rainfall& rain, RfTinTables& tables)
@@ -144,7 +144,7 @@ void writeStep(const Rainfall& rain, const Outputs& outputs, std::size_t step, f
     const std::string name = join(outputs.base, "_t", AREAL(time));
     const std::string extension = rain.settings.format == kFormatAsc ? ".asc" : ".flt";
     writeLine(outputs.index, join(fixedText(static_cast<double>(time), kTimeDecimals), ",", name, extension));
-    writeGrid(rain.settings.format, name, rain.grid, rain.grids.step, rain.grid.projectionText, rain.decimals);
+    writeGrid(rain.settings.format, name, rain.grid, rain.grids.step, "", rain.decimals);
 }
 
 void writeTotal(const Rainfall& rain, Outputs& outputs)
@@ -155,8 +155,7 @@ void writeTotal(const Rainfall& rain, Outputs& outputs)
         closeRainfallNc(outputs.nc);
         return;
     }
-    writeGrid(rain.settings.format, join(outputs.base, "_total"), rain.grid, rain.grids.cumulative,
-              rain.grid.projectionText, rain.decimals);
+    writeGrid(rain.settings.format, join(outputs.base, "_total"), rain.grid, rain.grids.cumulative, "", rain.decimals);
 }
 
 // --- The control file ------------------------------------------------------------------------------------------------

@@ -6,6 +6,8 @@
 #include "grid/writer.h"
 #include "host/console.h"
 
+#include <utility>
+
 namespace gridforge {
 
 namespace {
@@ -22,7 +24,9 @@ void sayStep(const std::string& text)
 LoadedGrid loadGrid(const std::string& name, const LoadSteps& steps, Grid& cells)
 {
     sayStep(steps.opening);
-    GridHeader header = readGridHeader(name);
+    OpenGrid grid = openGrid(name);
+    LoadedGrid loaded{grid.header, grid.format, grid.projectionText};
+    const GridHeader& header = loaded.header;
     if (steps.match != nullptr) {
         sayStep(steps.matching);
         compareGridDimensions(*steps.match, header);
@@ -35,9 +39,9 @@ LoadedGrid loadGrid(const std::string& name, const LoadSteps& steps, Grid& cells
         steps.prepare(header);
     }
     sayStep(steps.reading);
-    readGridCells(name, header, cells);
+    readCells(std::move(grid), cells);
     sayStep(steps.done);
-    return {header, header.format, header.projectionText};
+    return loaded;
 }
 
 LoadedGrid loadEach(const InputFileList& inputs, const std::string& purpose,

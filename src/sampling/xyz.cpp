@@ -233,7 +233,7 @@ void runXyz(const RunSettings& settings, const InputFileList& inputs)
     const std::string name = outputName(settings, inputs[1]);
     const std::int32_t format = ascUnlessSpecified(settings);
     say("Writing output to: ", name);
-    writeGrid(format, name, header, cells, header.projectionText, settings.decimals);
+    writeGrid(format, name, header, cells, "", settings.decimals);
 }
 
 } // namespace gridforge

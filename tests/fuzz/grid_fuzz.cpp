@@ -3,6 +3,8 @@
 #include "grid/header.h"
 #include "grid/reader.h"
 
+#include <utility>
+
 namespace {
 
 void readGrid(const std::string& name)
@@ -11,10 +13,11 @@ void readGrid(const std::string& name)
     constexpr std::size_t kMostCells = 1 << 20;
     try {
         fuzz::prepare();
-        GridHeader header = readGridHeader(name);
+        OpenGrid grid = openGrid(name);
+        const GridHeader& header = grid.header;
         Grid cells;
         if (header.cells() <= kMostCells && cells.allocate(header.nrows, header.ncols)) {
-            readGridCells(name, header, cells);
+            readCells(std::move(grid), cells);
         }
     } catch (const fuzz::EndOfRun&) {
     }

@@ -16,16 +16,17 @@ using test::ScratchFolder;
 const std::string kExits = "\nPress Enter to Close\n";
 const std::string kOpened = "Trying to open file a.asc...OK.\nOpened File Unit:1001\n";
 
-void sayHeader(const GridHeader& h)
+void sayHeader(const OpenGrid& grid)
 {
+    const GridHeader& h = grid.header;
     const auto shortest = [](double value) {
         std::string text = std::to_string(value);
         text.erase(text.find_last_not_of('0') + 1);
         return text;
     };
     std::string next;
-    readLine(h.unit, next);
-    say("format ", h.format, " size ", h.nrows, "x", h.ncols, " corner ", shortest(h.xll), ' ', shortest(h.yll),
+    readLine(grid.unit, next);
+    say("format ", grid.format, " size ", h.nrows, "x", h.ncols, " corner ", shortest(h.xll), ' ', shortest(h.yll),
         " cell ", shortest(h.cellsize8), " null ", shortest(static_cast<double>(h.null)), " next <", next, ">");
 }
 
@@ -34,7 +35,7 @@ std::string headerOf(const std::string& text)
 {
     ScratchFolder folder;
     folder.give("a.asc", text);
-    const ChildRun run = runInChild(folder, [] { sayHeader(readGridHeader("a.asc")); });
+    const ChildRun run = runInChild(folder, [] { sayHeader(openGrid("a.asc")); });
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.errors, "");
     EXPECT_TRUE(run.console.starts_with(kOpened)) << run.console;
@@ -137,7 +138,7 @@ TEST(ReadGridHeader, OfAFltIsTheHdrInItsFolder)
 {
     ScratchFolder folder;
     folder.give("d/a.hdr", "ncols 3\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\nbyteorder MSBFIRST\n");
-    const ChildRun run = runInChild(folder, [] { sayHeader(readGridHeader("d\\a.FLT")); });
+    const ChildRun run = runInChild(folder, [] { sayHeader(openGrid("d\\a.FLT")); });
     EXPECT_EQ(run.console, "Trying to open file d\\a.hdr...OK.\nOpened File Unit:1001\n"
                            "External Grid Info: 2 rows by 3 columns with 1. cell size.\n"
                            "format 2 size 2x3 corner 0. 0. cell 1. null -9999. next <byteorder MSBFIRST>\n");
@@ -147,7 +148,7 @@ TEST(ReadGridHeader, AnyOtherExtensionIsText)
 {
     ScratchFolder folder;
     folder.give("a.txt", "ncols 3\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\n7\n");
-    const ChildRun run = runInChild(folder, [] { sayHeader(readGridHeader("a.txt")); });
+    const ChildRun run = runInChild(folder, [] { sayHeader(openGrid("a.txt")); });
     EXPECT_NE(run.console.find("format 1 size 2x3"), std::string::npos) << run.console;
 }
 
@@ -158,7 +159,7 @@ protected:
     std::string consoleOf(const std::string& gridName)
     {
         folder_.give(gridName, "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n7\n");
-        const ChildRun run = runInChild(folder_, [&] { say("text <", readGridHeader(gridName).projectionText, ">"); });
+        const ChildRun run = runInChild(folder_, [&] { say("text <", openGrid(gridName).projectionText, ">"); });
         return run.console;
     }
 

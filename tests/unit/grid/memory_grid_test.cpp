@@ -9,6 +9,7 @@
 #include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace gridforge {
 namespace {
@@ -22,10 +23,11 @@ TEST(GridsInMemory, AreReadAndWrittenThroughTheDialogue)
                                "21 22\n11.5 -9999\n");
     giveMemoryAnswers("in\\a.asc\n");
 
-    GridHeader header = readGridHeader("missing.asc");
+    OpenGrid grid = openGrid("missing.asc");
+    const GridHeader header = grid.header;
     Grid cells;
     ASSERT_TRUE(cells.allocate(header.nrows, header.ncols));
-    readGridCells("in\\a.asc", header, cells);
+    readCells(std::move(grid), cells);
     const auto want = std::to_array<float>({21, 22, 11.5, -9999});
     EXPECT_TRUE(std::ranges::equal(cells.cells(), want));
     EXPECT_THAT(test::MemoryRun::console(),

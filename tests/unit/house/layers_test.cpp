@@ -28,7 +28,7 @@ const std::map<std::string, std::set<std::string>> kMayInclude{
     {"core", {}},
     {"plane", {"core"}},
     {"host", {"core"}},
-    {"grid", {"core", "host"}},
+    {"grid", {"core", "plane", "host"}},
     {"gis", {"core", "plane", "host", "grid"}},
     {"run", {"core", "plane", "host", "grid", "gis"}},
     {"ops", {"core", "plane", "host", "grid", "gis", "run"}},
