@@ -25,11 +25,12 @@ class Outcome:
 
 
 class Difference:
-    """`kind` is equal for differences of one cause, as far as can be told; `detail` is the place."""
+    """`kind` is the same for differences of one cause, as far as can be seen; `detail` is the place."""
 
-    def __init__(self, kind, detail):
+    def __init__(self, kind, detail, subject=None):
         self.kind = kind
         self.detail = detail
+        self.subject = subject  # of a file: what about it differs, and its name
 
 
 def listing(folder):
@@ -84,12 +85,16 @@ def first_difference(a, b):
     return low
 
 
-def compare_console(title, a, b):
-    """The first line that differs."""
+def compare_console(title, a, b, again):
+    """The first line that differs, apart from lines in which `again` differs from `a` too."""
     if a == b:
         return []
-    one, two = a.split(b"\n"), b.split(b"\n")
-    at = next((i for i, (x, y) in enumerate(zip(one, two)) if x != y), min(len(one), len(two)))
+    one, two, three = (text.split(b"\n") for text in (a, b, again))
+    # A missing line and those after it cannot be matched with others.
+    size = min(len(one), len(two)) if len(one) == len(three) else min(len(one), len(two), len(three))
+    at = next((i for i in range(size) if one[i] != two[i] and one[i] == three[i]), size)
+    if at == size and (len(one) == len(two) or len(one) != len(three)):
+        return []
     x, y = (shown(lines[at]) if at < len(lines) else "<end>" for lines in (one, two))
     return [Difference("%s: %s | %s" % (title, generic(x), generic(y)), "line %d: %s | %s" % (at + 1, x, y))]
 
@@ -101,22 +106,23 @@ def compare_bytes(name, path_a, path_b):
         return []
     at = first_difference(without_set_aside(name, a), without_set_aside(name, b))
     detail = "%s: %d and %d bytes, first at %d: %s | %s" % (name, len(a), len(b), at, shown(a[at:at + 24]), shown(b[at:at + 24]))
-    return [Difference("bytes of %s" % (os.path.splitext(name)[1].lower() or "a file"), detail)]
+    return [Difference("bytes of %s" % (os.path.splitext(name)[1].lower() or "a file"), detail, ("bytes", name))]
 
 
 def compare_files(folder_a, folder_b):
     """Names, kinds, permissions, bytes."""
     a, b = listing(folder_a), listing(folder_b)
-    found = [Difference("only %s leaves %s" % (who, os.path.splitext(name)[1].lower() or "a file"), name)
+    found = [Difference("only %s leaves %s" % (who, os.path.splitext(name)[1].lower() or "a file"), name, ("name", name))
              for who, names in (("the reference", a.keys() - b.keys()), ("the new one", b.keys() - a.keys()))
              for name in sorted(names)]
     for name in sorted(a.keys() & b.keys()):
         if a[name].st_mode != b[name].st_mode:
-            found.append(Difference("mode", "%s: %s | %s" % (name, stat.filemode(a[name].st_mode), stat.filemode(b[name].st_mode))))
+            found.append(Difference("mode", "%s: %s | %s" % (name, stat.filemode(a[name].st_mode), stat.filemode(b[name].st_mode)),
+                                    ("mode", name)))
         elif stat.S_ISREG(a[name].st_mode):
             found += compare_bytes(name, os.path.join(folder_a, name), os.path.join(folder_b, name))
         elif stat.S_ISLNK(a[name].st_mode) and os.readlink(os.path.join(folder_a, name)) != os.readlink(os.path.join(folder_b, name)):
-            found.append(Difference("link", name))
+            found.append(Difference("link", name, ("link", name)))
     return found
 
 
@@ -125,15 +131,20 @@ def more_memory(a, b):
     return b.peak_kb > a.peak_kb * (1 + MEMORY_SHARE) + MEMORY_KB
 
 
-def compare(a, b):
-    """All that the run of the reference and that of the new executable differ in, except memory."""
-    if a.end == "overtime" or b.end == "overtime":
+def compare(a, b, again=None):
+    """All that the run of the reference and that of the new executable differ in, except memory.
+
+    Set aside is what `again`, a second run of the reference, differs in from the first.
+    """
+    again = again or a
+    if "overtime" in (a.end, b.end, again.end):
         # Where a run was stopped is chance; what it said until then is not.
-        size = min(len(a.console), len(b.console))
-        return compare_console("console", a.console[:size], b.console[:size])
+        size = min(len(a.console), len(b.console), len(again.console))
+        return compare_console("console", a.console[:size], b.console[:size], again.console[:size])
     found = []
-    if a.end != b.end:
+    if a.end != b.end and a.end == again.end:
         found.append(Difference("end: %s | %s" % (a.end, b.end), shown(b.error)))
-    found += compare_console("console", a.console, b.console)
-    found += compare_console("standard error", a.error, b.error)
-    return found + compare_files(a.folder, b.folder)
+    found += compare_console("console", a.console, b.console, again.console)
+    found += compare_console("standard error", a.error, b.error, again.error)
+    unsteady = {one.subject for one in compare_files(a.folder, again.folder)} if again is not a else set()
+    return found + [one for one in compare_files(a.folder, b.folder) if one.subject not in unsteady]

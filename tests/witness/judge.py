@@ -9,6 +9,7 @@ PATIENCE = 4  # times the limit for a run that the reference has ended in time
 NOT_MEMORY = re.compile(rb"allocation-size-too-big|out-of-memory|allocator is out of memory|hard rss limit exhausted|exceeds maximum supported size")
 REPORT = re.compile(rb"ERROR: [A-Za-z]+Sanitizer: [^\n]*|runtime error: [^\n]*|Assertion [^\n]*")
 PLACE = re.compile(rb"/(src/[^\s:]+:\d+)")
+MORE_MEMORY = "more memory"
 ENDLESS = b"Press Ctrl+C to stop."  # what a run says that waits for ever because it was asked to
 
 
@@ -17,10 +18,16 @@ class Verdict:
 
     def __init__(self):
         self.differences = []
+        self.compared = True  # False where a part of the run could not be compared
         self.notes = []
         self.peaks = None  # KB of the reference and of the new one
         self.reference = None  # the outcomes, for keeping
         self.present = None
+
+    def leave(self, why):
+        """Notes that a part of the run could not be compared."""
+        self.compared = False
+        self.notes.append(why)
 
 
 def judge(scratch, given, reference, tools, limits):
@@ -35,19 +42,16 @@ def judge(scratch, given, reference, tools, limits):
     verdict.reference = scratch.keep(scratch.run(reference, given, limits), "reference")
     for tool in tools:
         verdict.present = scratch.keep(run_patiently(scratch, given, tool, limits, verdict.reference), "present")
-        verdict.differences = compare(verdict.reference, verdict.present)
-        if verdict.present.end == "overtime" and verdict.reference.end != "overtime":
-            verdict.differences.append(Difference("end: %s | overtime" % verdict.reference.end, "the new one does not end"))
+        verdict.differences = differences_in_time(verdict)
         if verdict.reference.end == "overtime":
-            verdict.notes.append("not ended by the reference in time")
+            verdict.leave("not ended by the reference in time")
         elif not reference.sanitized and not tool.sanitized:
             compare_memory(scratch, given, reference, tool, limits, verdict)
         if scratch.full():
             verdict.differences = []
-            verdict.notes.append("not compared: no room in the scratch folder")
-        elif verdict.differences and not steady(scratch, given, reference, limits, verdict):
-            verdict.differences = []
-            verdict.notes.append("not compared: two runs of the reference differ")
+            verdict.leave("not compared: no room in the scratch folder")
+        elif verdict.differences:
+            drop_unsteady(scratch, given, reference, limits, verdict)
         if verdict.differences:
             for difference in verdict.differences:
                 difference.detail += " (%s)" % " ".join(tool.environment) if tool.environment else ""
@@ -63,9 +67,23 @@ def run_patiently(scratch, given, tool, limits, reference):
     return outcome
 
 
-def steady(scratch, given, reference, limits, verdict):
-    """Whether the reference does the same again."""
-    return not compare(verdict.reference, scratch.run(reference, given, limits))
+def differences_in_time(verdict, again=None):
+    """All differences except memory; `again` is a second run of the reference, as compare takes it."""
+    a, b = verdict.reference, verdict.present
+    found = compare(a, b, again)
+    if b.end == "overtime" and "overtime" not in (a.end, (again or a).end):
+        found.append(Difference("end: %s | overtime" % a.end, "the new one does not end"))
+    return found
+
+
+def drop_unsteady(scratch, given, reference, limits, verdict):
+    """Runs the reference again, and drops the differences that its two runs have as well."""
+    again = scratch.run(reference, given, limits)
+    if again.end == verdict.reference.end and not compare(verdict.reference, again):
+        return
+    memory = [one for one in verdict.differences if one.kind == MORE_MEMORY]
+    verdict.differences = differences_in_time(verdict, again) + memory
+    verdict.leave("not compared in full: two runs of the reference differ")
 
 
 def compare_memory(scratch, given, reference, tool, limits, verdict):
@@ -78,7 +96,7 @@ def compare_memory(scratch, given, reference, tool, limits, verdict):
         b.peak_kb = min(b.peak_kb, scratch.run(tool, given, limits).peak_kb)
     verdict.peaks = (a.peak_kb, b.peak_kb)
     if more_memory(a, b):
-        verdict.differences.append(Difference("more memory", "%d KB | %d KB" % verdict.peaks))
+        verdict.differences.append(Difference(MORE_MEMORY, "%d KB | %d KB" % verdict.peaks))
 
 
 def kind_of_report(line, text):

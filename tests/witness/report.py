@@ -5,9 +5,10 @@ import shutil
 import statistics
 import time
 
-from runs import remove_tree
+from runs import Failure, remove_tree
 
 MOST_KINDS_SHOWN = 100
+MOST_NOT_COMPARED = 0.05  # the share of runs; where it is more, nothing has been shown
 
 
 class Result:
@@ -18,6 +19,7 @@ class Result:
         self.name = name
         self.done = done
         self.differences = [(difference.kind, difference.detail) for difference in verdict.differences]
+        self.compared = verdict.compared
         self.notes = verdict.notes
         self.peaks = verdict.peaks
         self.outcomes = [("reference", verdict.reference), ("present", verdict.present)]
@@ -65,6 +67,7 @@ class Report:
         self.began = time.monotonic()
         self.runs = 0
         self.differ = 0
+        self.not_compared = 0  # in full, and without a difference in the rest
         self.kinds = {}
         self.notes = {}
         self.peaks = []
@@ -82,6 +85,8 @@ class Report:
                 self.kinds.setdefault(kind, []).append(result.number)
             if fresh and len(self.kinds) <= MOST_KINDS_SHOWN:
                 self.show(result, fresh)
+        elif not result.compared:
+            self.not_compared += 1
 
     def show(self, result, differences):
         print("\nrun %d: %s" % (result.number, "; ".join([result.name] + result.done)))
@@ -97,7 +102,7 @@ class Report:
         return " ".join(shlex.quote(word) for word in words)
 
     def finish(self):
-        """The summary; returns the exit status."""
+        """Prints the summary; returns the exit status, and fails where too little was compared."""
         seconds = time.monotonic() - self.began
         print()
         if self.kinds:
@@ -110,9 +115,14 @@ class Report:
         plain = min(self.runs, len(self.plan.inputs))
         print("seed %d, %d inputs as they are, %d damaged; %.0f s, %.0f runs a second" %
               (self.plan.seed, plain, self.runs - plain, seconds, self.runs / max(seconds, 0.001)))
-        print("%d runs: %d %s, %d %s" % (self.runs, self.runs - self.differ, "good" if self.alone else "the same", self.differ,
-                                         "bad" if self.alone else "differ"))
-        return 1 if self.differ else 0
+        same = self.runs - self.differ - self.not_compared
+        print("%d runs: %d %s, %d %s" % (self.runs, same, "good" if self.alone else "the same", self.differ,
+                                         "bad" if self.alone else "differ, %d not compared" % self.not_compared))
+        if self.differ:
+            return 1
+        if same == 0 or self.not_compared > self.runs * MOST_NOT_COMPARED:
+            raise Failure("too few runs could be compared: %d of %d" % (same, self.runs))
+        return 0
 
     def finish_memory(self):
         if self.peaks:

@@ -91,7 +91,7 @@ class FindingTest(WitnessRun):
         status, text = self.witness(TOOL, first="--runs 10")
         self.assertEqual(status, 0, text)
         self.assertIn("3 inputs as they are, 7 damaged", text)
-        self.assertIn("10 runs: 10 the same, 0 differ", text)
+        self.assertIn("10 runs: 10 the same, 0 differ, 0 not compared", text)
 
     def test_finds_a_letter_of_a_message(self):
         self.assert_finds("\"$TOOL\" \"$@\" | sed 's/^Finished.$/Finishes./'", "console: 'Finished.' | 'Finishes.'")
@@ -151,11 +151,36 @@ class OptionsTest(WitnessRun):
             self.assertEqual(found, status, text)
         self.assertIn("(ODD=1 SECOND=2)", text)
 
-    def test_a_reference_that_does_not_agree_with_itself_is_told(self):
+    def test_a_reference_that_does_not_agree_with_itself_shows_nothing(self):
         unsteady = self.changed('"$TOOL" "$@"; date +%N')
-        status, text = self.witness(TOOL, old=unsteady)
-        self.assertEqual(status, 0, text)
-        self.assertIn("3 runs not compared: two runs of the reference differ", text)
+        status, text = self.witness(unsteady, old=unsteady)
+        self.assertEqual(status, 2, text)
+        self.assertIn("3 runs not compared in full: two runs of the reference differ", text)
+        self.assertIn("3 runs: 0 the same, 0 differ, 3 not compared\n", text)
+        self.assertIn("witness: too few runs could be compared: 0 of 3", text)
+
+    def test_no_runs_show_nothing(self):
+        status, text = self.witness(TOOL, first="0.000001")
+        self.assertEqual(status, 2, text)
+        self.assertIn("witness: too few runs could be compared: 0 of 0", text)
+
+    def test_a_reference_that_does_not_end_shows_nothing(self):
+        endless = self.changed("while :; do :; done")
+        status, text = self.witness(endless, "--only", "missing", "--seconds-a-run", "1", old=endless)
+        self.assertEqual(status, 2, text)
+        self.assertIn("1 runs not ended by the reference in time", text)
+
+    def test_finds_what_differs_beside_an_unsteady_line(self):
+        old = self.changed('date +%N; "$TOOL" "$@"; date +%N > log.txt')
+        os.rename(old, self.path("old"))
+        new = self.changed("'%s' \"$@\"; echo odd; : > log.txt; echo >> a.asc" % self.path("old"))
+        status, text = self.witness(new, old=self.path("old"))
+        self.assertEqual(status, 1, text)
+        self.assertIn("3 runs: 0 the same, 3 differ, 0 not compared\n", text)
+        self.assertRegex(text, r"3 +\d+  console: '' \| 'odd'\n")
+        self.assertRegex(text, r"2 +\d+  bytes of .asc\n")
+        self.assertRegex(text, r"1 +\d+  only the new one leaves .asc\n")
+        self.assertNotIn("bytes of .txt", text)
 
     def test_a_run_that_differs_is_kept_and_can_be_repeated(self):
         changed = self.changed('"$TOOL" "$@"; [ ! -e "a(maxmax).asc" ] || echo odd')
@@ -236,6 +261,27 @@ class ComparisonTest(WithFolder):
             self.write("%s/%s" % (folder, name), data)
         return [one.kind for one in compare.compare_files(self.path("a"), self.path("b"))]
 
+    def test_what_the_reference_does_not_repeat_is_set_aside(self):
+        def kinds(a, b, again):
+            for folder in "abc":
+                os.makedirs(self.path(folder), exist_ok=True)
+            outcomes = [compare.Outcome(end, 0, 0, console, error, self.path(folder))
+                        for folder, (end, console, error) in zip("abc", (a, b, again))]
+            return [one.kind for one in compare.compare(*outcomes)]
+        good = ("exit 0", b"a\n1\nc\n", b"")
+        self.assertEqual(kinds(good, ("exit 0", b"a\n2\nc\n", b""), ("exit 0", b"a\n3\nc\n", b"")), [])
+        self.assertEqual(kinds(good, ("exit 0", b"a\n2\nd\n", b""), ("exit 0", b"a\n3\nc\n", b"")), ["console: 'c' | 'd'"])
+        self.assertEqual(kinds(good, ("exit 0", b"b\n2\nc\n", b""), ("exit 0", b"a\n3\nc\n", b"")), ["console: 'a' | 'b'"])
+        self.assertEqual(kinds(good, ("exit 0", b"b\n2\n", b""), ("exit 0", b"a\n", b"")), ["console: 'a' | 'b'"])
+        self.assertEqual(kinds(good, ("exit 0", b"a\n2\n", b""), ("exit 0", b"a\n3\nc\n", b"")), ["console: 'c' | ''"])
+        self.assertEqual(kinds(good, ("exit 0", b"a\n", b""), ("exit 0", b"a\n3\nc\nd\n", b"")), [])
+        self.assertEqual(kinds(good, ("exit 3", b"a\n1\nc\n", b"oh"), ("exit 2", b"a\n1\nc\n", b"")), ["standard error: '' | 'oh'"])
+        for name, bytes_of in (("x", ("1", "2", "3")), ("y", ("1", "2", "1")), ("z", (None, "1", None)), ("t", ("1", "2", None))):
+            for folder, data in zip("abc", bytes_of):
+                if data:
+                    self.write("%s/%s.%s" % (folder, name, name), data)
+        self.assertEqual(kinds(good, good, good), ["only the new one leaves .z", "bytes of .t", "bytes of .y"])
+
     def test_memory_that_counts_as_more(self):
         for old, new, more in ((13000, 13500, False), (13000, 16900, True), (13000, 9000, False), (1000000, 1090000, False),
                                (1000000, 1120000, True)):
@@ -248,7 +294,7 @@ class ComparisonTest(WithFolder):
         self.assertEqual(self.kinds("a.dbf", "\3\x7d\1\1", "\3\x7d\2\1"), [])
         self.assertEqual(self.kinds("a.dbf", "\3\x7d\1", "\3\x7d\2"), ["bytes of .dbf"])
 
-    def test_the_first_byte_that_differs_is_told(self):
+    def test_the_first_byte_that_differs_is_found(self):
         for at in (0, 1, 500, 999):
             changed = bytearray(1000)
             changed[at] = 1
