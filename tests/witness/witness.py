@@ -9,12 +9,16 @@ First come all inputs as they are, then inputs damaged at random until SECONDS a
 console, standard error, exit, the files with their permissions, and peak memory.
 """
 import argparse
+import contextlib
+import ctypes
+import fcntl
 import multiprocessing
 import os
 import queue
 import random
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -30,6 +34,7 @@ from runs import Failure, Limits, Runner, Scratch, Tool, remove_tree, scratch_ro
 BESIDE = os.path.join(os.path.dirname(reference.SOURCE), "shared")
 CACHE = os.path.join(reference.SOURCE, "build", "witness")
 MOST_KEPT_OF_A_KIND = 2
+PR_SET_PDEATHSIG = 1  # of prctl
 
 
 def arguments():
@@ -96,8 +101,15 @@ def build_present(options):
 
 def record(tests, folder, jobs):
     """Lets the command-line tests record their runs, where they are newer than the recording."""
-    if os.path.exists(folder) and os.path.getmtime(folder) > os.path.getmtime(tests):
-        return folder
+    with open(folder + ".lock", "w", encoding="utf-8") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)  # another witness may be recording
+        if not os.path.exists(folder) or os.path.getmtime(folder) <= os.path.getmtime(tests):
+            record_now(tests, folder, jobs)
+    return folder
+
+
+def record_now(tests, folder, jobs):
+    """Replaces the recording."""
     print("Recording the runs of the command-line tests", flush=True)
     fresh = folder + ".new"
     shutil.rmtree(fresh, ignore_errors=True)
@@ -105,13 +117,16 @@ def record(tests, folder, jobs):
     shards = [subprocess.Popen([tests, "--gtest_brief=1"], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                                env={**os.environ, "GRIDFORGE_RECORD": fresh, "GTEST_TOTAL_SHARDS": str(jobs), "GTEST_SHARD_INDEX": str(i)})
               for i in range(jobs)]
-    texts = [shard.communicate()[0] for shard in shards]
+    try:
+        texts = [shard.communicate()[0] for shard in shards]
+    finally:
+        for shard in shards:
+            shard.kill()
     if any(shard.returncode for shard in shards):
         raise Failure("".join(text[-3000:] for text in texts) + "\nthe command-line tests fail, so their runs are not recorded")
     shutil.rmtree(folder, ignore_errors=True)
     os.rename(fresh, folder)
     os.utime(folder)
-    return folder
 
 
 def forget_kept(folder):
@@ -151,6 +166,14 @@ class Plan:
         rng = random.Random("%d %d" % (self.seed, number))
         given = rng.choice(self.inputs).load()
         return given, damage(rng, given)
+
+
+def end_with(parent):
+    """Lets this worker end when `parent` does, however that ends."""
+    signal.signal(signal.SIGTERM, signal.SIG_DFL)
+    ctypes.CDLL(None).prctl(PR_SET_PDEATHSIG, signal.SIGKILL)
+    if os.getppid() != parent:
+        os._exit(1)
 
 
 class Worker:
@@ -203,21 +226,27 @@ def run_all(options, plan, reference_tool, root):
     deadline = time.monotonic() + seconds if seconds > 0 else float("inf")
     counter = multiprocessing.Value("q", one_only or 0)
     results = multiprocessing.Queue()
-    workers = [multiprocessing.Process(daemon=True, target=lambda i=i: Worker(
-        options, plan, reference_tool, os.path.join(root, "w%d" % i), results).work(counter, last, deadline)) for i in range(jobs)]
-    told = report.Report(options, plan, reference_tool is None)
+    parent = os.getpid()
+
+    def work(folder):
+        end_with(parent)
+        Worker(options, plan, reference_tool, folder, results).work(counter, last, deadline)
+
+    workers = [multiprocessing.Process(daemon=True, target=work, args=(os.path.join(root, "w%d" % i),)) for i in range(jobs)]
+    summary = report.Report(options, plan, reference_tool is None)
     try:
         for worker in workers:
             worker.start()
-        collect(results, workers, told)
+        collect(results, workers, summary)
     finally:
         for worker in workers:
-            worker.terminate()
-            worker.join()
-    return told
+            if worker.pid:
+                worker.terminate()
+                worker.join()
+    return summary
 
 
-def collect(results, workers, told):
+def collect(results, workers, summary):
     """Takes results until all workers have ended."""
     working = len(workers)
     while working > 0:
@@ -232,7 +261,7 @@ def collect(results, workers, told):
         elif isinstance(result, str):
             raise Failure(result)
         else:
-            told.add(result)
+            summary.add(result)
 
 
 def default_seed():
@@ -240,8 +269,20 @@ def default_seed():
     return int(reference.git("rev-parse", "HEAD")[:7], 16)
 
 
+def remove_scratch(root):
+    """Removes the scratch folder; a run that was killed may still be ending in it."""
+    signal.signal(signal.SIGTERM, signal.SIG_IGN)
+    for _ in range(20):
+        with contextlib.suppress(OSError):
+            remove_tree(root)
+            return
+        time.sleep(0.05)
+    remove_tree(root)
+
+
 def main():
     options = arguments()
+    signal.signal(signal.SIGTERM, lambda number, _: sys.exit(128 + number))
     sys.stdout.reconfigure(errors="backslashreplace")  # names of files may be any bytes
     root = None
     try:
@@ -267,7 +308,7 @@ def main():
         return 2
     finally:
         if root:
-            remove_tree(root)
+            remove_scratch(root)
 
 
 if __name__ == "__main__":

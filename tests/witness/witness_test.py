@@ -7,9 +7,11 @@ import os
 import random
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 from unittest import mock
 
@@ -27,6 +29,15 @@ TOOL = os.environ["GRIDFORGE_TOOL"]
 RUNNER = os.environ["GRIDFORGE_WITNESS_RUNNER"]
 GRID = "ncols 3\r\nnrows 1\r\nxllcorner 0\r\nyllcorner 0\r\ncellsize 10\r\nNODATA_value -999\r\n%s\r\n"
 LIMITS = runs.Limits(20, 0)
+
+
+def runs_now(process):
+    """Whether a process is there and has not ended."""
+    try:
+        with open("/proc/%s/stat" % process, encoding="latin-1") as source:
+            return source.read().rpartition(") ")[2][0] != "Z"
+    except FileNotFoundError:
+        return False
 
 
 class WithFolder(unittest.TestCase):
@@ -66,13 +77,24 @@ class WitnessRun(WithFolder):
         os.chmod(path, 0o755)
         return path
 
-    def witness(self, tool, *options, old=TOOL, first="0"):
+    @staticmethod
+    def wait_for(condition):
+        end = time.monotonic() + 30
+        while not condition():
+            if time.monotonic() > end:
+                raise AssertionError("nothing happened in 30 s")
+            time.sleep(0.05)
+
+    def words(self, tool, *options, old=TOOL, first="0"):
         words = [sys.executable, os.path.join(HERE, "witness.py"), *first.split(), "--tool", tool, "--runner", RUNNER, "--seed", "7",
                  "--inputs", self.path("none"), "--cases", self.path("cases"), "--data", self.path("none"), "--jobs", "1",
                  "--memory", "0", "--keep", self.path("kept"), *options]
         if old:
             words += ["--reference-tool", old]
-        result = subprocess.run(words, capture_output=True, text=True, check=False)
+        return words
+
+    def witness(self, tool, *options, **more):
+        result = subprocess.run(self.words(tool, *options, **more), capture_output=True, text=True, check=False)
         return result.returncode, result.stdout + result.stderr
 
     def assert_finds(self, script, kind, *options):
@@ -205,6 +227,24 @@ class OptionsTest(WitnessRun):
             self.assertEqual(found, status, text)
             self.assertIn(what, text)
 
+    def test_a_witness_that_is_ended_takes_its_runs_along(self):
+        started = self.path("started")
+        endless = self.changed('echo "$$ $PWD" > %s.new; mv %s.new %s; while :; do :; done' % (started, started, started))
+        for number, status in ((signal.SIGTERM, 128 + signal.SIGTERM), (signal.SIGKILL, -signal.SIGKILL)):
+            words = self.words(endless, "--seconds-a-run", "100", first="100")
+            with subprocess.Popen(words, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+                self.wait_for(lambda: os.path.exists(started))
+                process.send_signal(number)
+                self.assertEqual(process.wait(30), status)
+            with open(started, encoding="utf-8") as source:
+                run, folder = source.read().split()
+            os.remove(started)
+            self.wait_for(lambda: not runs_now(run))
+            root = os.path.dirname(os.path.dirname(os.path.dirname(folder)))
+            self.assertIn("gridforge-witness-", os.path.basename(root))
+            self.assertEqual(os.path.exists(root), number == signal.SIGKILL)
+            runs.remove_tree(root)
+
     def test_says_that_a_commit_is_missing(self):
         if not os.path.exists(os.path.join(reference.SOURCE, ".git")):
             self.skipTest("not a clone")
@@ -212,6 +252,32 @@ class OptionsTest(WitnessRun):
         self.assertEqual(status, 2)
         self.assertIn("witness: the commit 0123456789012345678901234567890123456789, which should be compared with, is not in this clone",
                       text)
+
+
+class RecordingTest(WithFolder):
+    """The recording of the command-line tests, by a script in their place."""
+
+    def recorder(self, script):
+        path = self.write("tests", "#!/bin/sh\n" + script)
+        os.chmod(path, 0o755)
+        os.utime(path, (1000, 1000))
+        return path
+
+    def test_two_witnesses_record_once(self):
+        tests = self.recorder("echo x >> %s; sleep 1; echo > $GRIDFORGE_RECORD/$GTEST_SHARD_INDEX\n" % self.path("starts"))
+        code = "import sys; sys.path.insert(0, %r); import witness; print(witness.record(%r, %r, 2))" % (HERE, tests, self.path("recorded"))
+        witnesses = [subprocess.Popen([sys.executable, "-c", code], stdout=subprocess.PIPE, text=True) for _ in range(2)]
+        texts = sorted(one.communicate()[0] for one in witnesses)
+        self.assertEqual(texts, [self.path("recorded") + "\n", "Recording the runs of the command-line tests\n%s\n" % self.path("recorded")])
+        self.assertEqual(sorted(os.listdir(self.path("recorded"))), ["0", "1"])
+        with open(self.path("starts"), encoding="ascii") as source:
+            self.assertEqual(source.read(), "x\nx\n")
+
+    def test_tests_that_fail_are_not_recorded(self):
+        with self.assertRaisesRegex(runs.Failure, "oh\n\nthe command-line tests fail, so their runs are not recorded"):
+            with mock.patch("builtins.print"):
+                witness.record(self.recorder("echo oh; exit 1\n"), self.path("recorded"), 1)
+        self.assertFalse(os.path.exists(self.path("recorded")))
 
 
 class ReferenceTest(WithFolder):
