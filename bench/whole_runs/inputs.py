@@ -1,13 +1,16 @@
 """The inputs of the timed whole runs, made once in the folder of a sitting and always with the same bytes.
 
-An input is known by its name alone. Grids: KIND_SIZE_EVENT.flt (or .asc) with KIND ground, level or depth, SIZE cells a side, or
+An input is known by its name alone, in a folder for each version of what makes the inputs. Grids: KIND_SIZE_EVENT.flt (or .asc) with KIND ground, level or depth, SIZE cells a side, or
 SIZExCELL for cells of CELL metres in place of one. Layers: marks_PLACE.mif, houses_PLACE.mif (points), buildings_PLACE.mif or .shp
 (polygons), with PLACE all (anywhere on a grid of 4000 metres) or tenth (in a square of a tenth of its area).
 """
+import glob
+import hashlib
 import math
 import os
 import random
 import re
+import shutil
 import struct
 import subprocess
 
@@ -15,6 +18,23 @@ WEST, SOUTH, SIDE = 382000.0, 6354000.0, 4000.0
 COORD_SYSTEM = 'NonEarth Units "m" Bounds (0, 0) (10000000, 10000000)'
 PROJECTION = 'PROJCS["Plane",GEOGCS["Plane"],UNIT["Metre",1.0]]\n'
 POINTS, BUILDINGS = 10000, 20000
+MAKING = (os.path.abspath(__file__), os.path.join(os.path.dirname(os.path.abspath(__file__)), "make_grid.cpp"))
+
+
+def folder_name():
+    """Another one for each version of the sources that say what inputs hold."""
+    known = hashlib.sha256()
+    for source in MAKING:
+        with open(source, "rb") as file:
+            known.update(file.read())
+    return "inputs-" + known.hexdigest()[:12]
+
+
+def remove_old(folder):
+    """Removes the inputs that other versions of the sources have made: they take gigabytes."""
+    for old in glob.glob(os.path.join(glob.escape(folder), "inputs-" + 12 * "[0-9a-f]")):
+        if os.path.basename(old) != folder_name():
+            shutil.rmtree(old)
 
 
 def companions(name):
@@ -27,7 +47,10 @@ def companions(name):
 def size_on_disk(name):
     """About how many bytes an input will take; layers and tables are small."""
     grid = re.match(r"(?:ground|level|depth)_(\d+)(?:x\d+)?_\d+\.(flt|asc)$", name)
-    return int(grid[1]) ** 2 * (4 if grid[2] == "flt" else 10) if grid else 5_000_000
+    if grid:
+        return int(grid[1]) ** 2 * (4 if grid[2] == "flt" else 10)
+    points = re.match(r"points_(\d+)\.xyz$", name)
+    return int(points[1]) ** 2 * 28 if points else 5_000_000
 
 
 def make(name, folder, make_grid):
