@@ -1,0 +1,67 @@
+#!/usr/bin/env python3
+"""Tests of scripts/coverage on a made-up report: which routines and lines it says were not reached."""
+import importlib.machinery
+import importlib.util
+import json
+import os
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True
+SCRIPTS = os.path.join(os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)))), "scripts")
+
+
+def loaded(name):
+    """A script as a module."""
+    loader = importlib.machinery.SourceFileLoader(name, os.path.join(SCRIPTS, name))
+    module = importlib.util.module_from_spec(importlib.util.spec_from_loader(name, loader))
+    loader.exec_module(module)
+    return module
+
+
+coverage = loaded("coverage")
+
+
+class CoverageTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.addCleanup(setattr, coverage, "ROOT", coverage.ROOT)
+        coverage.ROOT = os.path.realpath(folder.name)
+        os.makedirs(os.path.join(coverage.ROOT, "src", "grid"))
+        for name in ("src/grid/a.cpp", "src/grid/other_system.cpp"):
+            with open(os.path.join(coverage.ROOT, name), "w") as file:
+                file.writelines("  line %d of %s\n" % (i, os.path.basename(name)) for i in range(1, 21))
+
+    def unreached(self, *lines):
+        return coverage.unreached("\n".join(["SF:" + os.path.join(coverage.ROOT, "src/grid/a.cpp"), *lines, "end_of_record"]))
+
+    def test_lines_that_follow_each_other_are_one_entry(self):
+        self.assertEqual(self.unreached("DA:3,0", "DA:4,0", "DA:5,7", "DA:6,0", "DA:9,0", "DA:10,0"),
+                         ["src/grid/a.cpp:3-4: line 3 of a.cpp", "src/grid/a.cpp:6: line 6 of a.cpp",
+                          "src/grid/a.cpp:9-10: line 9 of a.cpp"])
+
+    def test_routines_that_never_ran(self):
+        self.assertEqual(self.unreached("FN:5,_ZN4grid4readEi", "FN:9,_ZN4grid5writeEi", "FNDA:0,_ZN4grid4readEi",
+                                        "FNDA:2,_ZN4grid5writeEi"), ["src/grid/a.cpp:5: never run: grid::read"])
+
+    def test_a_template_has_run_where_one_copy_has(self):
+        self.assertEqual(self.unreached("FN:5,_ZN1f1gIiEEvv", "FN:5,_ZN1f1gIfEEvv", "FNDA:0,_ZN1f1gIiEEvv", "FNDA:1,_ZN1f1gIfEEvv"),
+                         [])
+
+    def test_a_file_does_not_take_on_what_another_has(self):
+        again = "SF:" + os.path.join(coverage.ROOT, "src/grid/other_system.cpp")
+        self.assertEqual(self.unreached("DA:1,0", "end_of_record", again, "DA:2,0"),
+                         ["src/grid/a.cpp:1: line 1 of a.cpp", "src/grid/other_system.cpp:2: line 2 of other_system.cpp"])
+
+    def test_shares_and_sources_that_are_not_compiled(self):
+        totals = {key: {"count": 3, "covered": 2, "percent": 66.6667} for key, _ in coverage.KINDS}
+        summary = {"data": [{"files": [{"filename": os.path.join(coverage.ROOT, "src/grid/a.cpp")}], "totals": totals}]}
+        figures, left_out = coverage.reached(json.dumps(summary))
+        self.assertEqual(figures, {name: {"count": 3, "reached": 2, "percent": 66.67} for _, name in coverage.KINDS})
+        self.assertEqual(left_out, ["src/grid/other_system.cpp"])
+
+
+if __name__ == "__main__":
+    sys.exit(unittest.main())
