@@ -7,6 +7,7 @@ import importlib.util
 import io
 import json
 import os
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -163,6 +164,18 @@ class PageTest(unittest.TestCase):
                 file.write(bench.text_of(self.RECORDS[:1]))
             self.assertFalse(bench.page_is_true())
         self.assertEqual(console.getvalue(), 2 * "bench: the table of docs/performance.md is not that of bench/recorded.json\n")
+
+
+class ArgumentsTest(unittest.TestCase):
+    def test_the_help_is_what_stands_at_the_top(self):
+        done = subprocess.run([os.path.join(SCRIPTS, "bench"), "--help"], check=True, stdout=subprocess.PIPE, text=True)
+        self.assertIn(bench.__doc__, done.stdout)
+
+    def test_names_may_follow_options(self):
+        self.addCleanup(setattr, sys, "argv", sys.argv)
+        sys.argv = ["bench", "folder", "--turns", "2", "max", "cd"]
+        options = bench.arguments()
+        self.assertEqual((options.folder, options.turns, options.names), ("folder", 2, ["max", "cd"]))
 
 
 class InputsTest(unittest.TestCase):
