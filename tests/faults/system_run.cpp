@@ -31,8 +31,9 @@ class PrintCounts : public testing::Environment {
     void TearDown() override
     {
         const Counts& c = counts();
-        std::cout << "counts: " << c.runs << " watched runs, " << c.kills << " kills, " << c.places << " places, " << c.faults
-                  << " failed calls, " << c.memory << " failed allocations, " << c.disturbed << " disturbed runs\n";
+        std::cout << "counts: " << c.runs << " watched runs, " << c.kills << " kills, " << c.places << " places, "
+                  << c.faults << " failed calls, " << c.memory << " failed allocations, " << c.disturbed
+                  << " disturbed runs\n";
     }
 };
 [[maybe_unused]] testing::Environment* const kPrintCounts = testing::AddGlobalTestEnvironment(new PrintCounts);

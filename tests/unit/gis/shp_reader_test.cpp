@@ -227,9 +227,9 @@ TEST_F(ShpReading, KeepsTheHeader)
     folder.give("l.shp", bytes);
     const ChildRun run = runInChild(folder, [] {
         gis::initialise();
-        gis::OpenLayer& layer = gis::openFiles("l.shp");
-        gis::readHeader(layer);
-        const gis::shp::ShpFile& shp = std::get<gis::shp::Input>(layer.files).shp;
+        gis::OpenLayer& opened = gis::openFiles("l.shp");
+        gis::readHeader(opened);
+        const gis::shp::ShpFile& shp = std::get<gis::shp::Input>(opened.files).shp;
         say(shp.fileCode, " ", shp.fileLength, " ", shp.version, " ", shp.shapeType);
         say(AREAL8(shp.xmin), AREAL8(shp.ymin), AREAL8(shp.xmax), AREAL8(shp.ymax));
     });
@@ -253,13 +253,13 @@ TEST_F(ShpReading, HasNoDefinitionsToGoBackTo)
                           })
             .console;
     };
-    EXPECT_THAT(consoleOf([](gis::OpenLayer& layer) {
+    EXPECT_THAT(consoleOf([](gis::OpenLayer& opened) {
                     std::int32_t count = 0;
-                    gis::goToColumns(layer, count);
+                    gis::goToColumns(opened, count);
                 }),
                 EndsWith("\nShould not be here [gisGotoBeginningOfAttributes] - please contact SUPPORT_CONTACT.\n"
                          "\nPress Enter to Close\n"));
-    EXPECT_THAT(consoleOf([](gis::OpenLayer& layer) { gis::readColumn(layer); }),
+    EXPECT_THAT(consoleOf([](gis::OpenLayer& opened) { gis::readColumn(opened); }),
                 EndsWith("\nShould not be here [gisReadAttributeDefinition] - please contact SUPPORT_CONTACT.\n"
                          "\nPress Enter to Close\n"));
 }
