@@ -71,6 +71,14 @@ const std::map<std::string, std::string>& givenFiles(const FaultRun& run)
     return entry->second;
 }
 
+void prepare(ToolRun& start, const FaultRun& run, const std::string& program)
+{
+    if (!program.empty()) {
+        start.program(program);
+    }
+    run.give(start);
+}
+
 } // namespace
 
 bool canFailMemory()
@@ -88,14 +96,20 @@ SystemRun runSystem(const FaultRun& run, const std::string& mission, const std::
 {
     const ScratchFolder folder;
     ToolRun start(run.arguments.c_str());
-    if (!program.empty()) {
-        start.program(program);
-    }
-    run.give(start);
+    prepare(start, run, program);
     askSystem(start, mission, (folder.path() / "log").string());
     start.startForSignal();
-    return {start.status(),  start.console(), start.error(),  start.command(),
-            givenFiles(run), start.files(),   readLog(folder)};
+    return {start.status(), start.console(),     start.error(),  givenFiles(run),
+            start.files(),  start.permissions(), readLog(folder)};
+}
+
+std::string commandOf(const FaultRun& run, const std::string& mission, const std::string& program)
+{
+    ToolRun again(run.arguments.c_str());
+    prepare(again, run, program);
+    askSystem(again, mission);
+    again.keep();
+    return again.command();
 }
 
 void countRun()

@@ -4,6 +4,7 @@
 
 #include "faults/fault_runs.h"
 
+#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
@@ -27,9 +28,9 @@ struct SystemRun {
     int status = 0;
     std::string console;
     std::string error;
-    std::string command;
-    std::map<std::string, std::string> given; // the files before the run
-    std::map<std::string, std::string> files; // and after it
+    std::map<std::string, std::string> given;                  // the files before the run
+    std::map<std::string, std::string> files;                  // and after it
+    std::map<std::string, std::filesystem::perms> permissions; // after it
     std::vector<SystemCall> calls;
 };
 
@@ -40,6 +41,9 @@ bool isWholeAsked();
 
 // The run with GRIDFORGE_SYSTEM set to `mission`, of the tool or of another program.
 SystemRun runSystem(const FaultRun& run, const std::string& mission, const std::string& program = "");
+
+// The command that repeats such a run. Its files are in a folder that stays, so this is for failures only.
+std::string commandOf(const FaultRun& run, const std::string& mission, const std::string& program = "");
 
 // These count for the last line of the program.
 void countRun();

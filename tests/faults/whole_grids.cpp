@@ -122,21 +122,21 @@ GridsLeft::GridsLeft(const Files& before, const Files& finished)
     }
 }
 
-void GridsLeft::add(const Files& files, const std::string& how)
+void GridsLeft::add(const Files& files, const std::string& mission, const std::string& how)
 {
     for (const FoundGrid& grid : gridsIn(files)) {
         const auto known = good_.find(grid.name);
         if (known == good_.end() || std::ranges::find(known->second, grid) == known->second.end()) {
-            doubtful_.try_emplace(grid, how);
+            doubtful_.try_emplace(grid, WrongGrid{how, mission});
         }
     }
 }
 
-std::vector<std::string> GridsLeft::wrong(Readers readers) const
+std::vector<WrongGrid> GridsLeft::wrong(Readers readers) const
 {
     // A doubtful grid may hold the same as a good one, such as all except the last line end: both are read.
     std::vector<FoundGrid> all;
-    std::vector<std::string> hows;
+    std::vector<WrongGrid> hows;
     for (const auto& [grid, how] : doubtful_) {
         all.push_back(grid);
         hows.push_back(how);
@@ -156,14 +156,15 @@ std::vector<std::string> GridsLeft::wrong(Readers readers) const
         }
         return good;
     };
-    std::vector<std::string> lines;
+    std::vector<WrongGrid> wrong;
     for (std::size_t i = 0; i < hows.size(); ++i) {
         const bool byTool = isGood(i, &Reading::byTool);
         if (!byTool || !isGood(i, &Reading::byGdal)) {
-            lines.push_back(all[i].name + " is read whole by " + (byTool ? "GDAL" : "the tool") + " after " + hows[i]);
+            const std::string reader = byTool ? "GDAL" : "the tool";
+            wrong.push_back({all[i].name + " is read whole by " + reader + " after " + hows[i].what, hows[i].mission});
         }
     }
-    return lines;
+    return wrong;
 }
 
 } // namespace gridforge::test

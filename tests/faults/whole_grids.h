@@ -32,19 +32,24 @@ enum class Readers { tool, toolAndGdal };
 // The readings, in the order of the grids.
 std::vector<Reading> readGrids(const std::vector<FoundGrid>& grids, Readers readers);
 
+// A grid that looks whole and is not.
+struct WrongGrid {
+    std::string what;    // its name, its reader and the run
+    std::string mission; // that repeats the run
+};
+
 // Collects the grids that runs left, and finds those that can be read whole and are neither those of the finished run nor
 // those that were there before it.
 class GridsLeft {
 public:
     GridsLeft(const Files& before, const Files& finished);
-    // The files after a run; `how` describes it in what wrong() returns.
-    void add(const Files& files, const std::string& how);
-    // A line for each grid that looks whole and is not.
-    std::vector<std::string> wrong(Readers readers) const;
+    // The files after the run of `mission`; `how` describes it in what wrong() returns.
+    void add(const Files& files, const std::string& mission, const std::string& how);
+    std::vector<WrongGrid> wrong(Readers readers) const;
 
 private:
     std::map<std::string, std::vector<FoundGrid>> good_; // by name
-    std::map<FoundGrid, std::string> doubtful_;          // with the first run that left them
+    std::map<FoundGrid, WrongGrid> doubtful_;            // with the first run that left them
 };
 
 } // namespace gridforge::test

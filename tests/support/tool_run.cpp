@@ -360,9 +360,9 @@ ToolRun::Listing ToolRun::listing() const
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder(), options)) {
         std::string name = entry.path().lexically_relative(folder()).string();
         if (entry.is_directory()) {
-            files[name + "/"] = {};
+            files[name + "/"].permissions = entry.status().permissions();
         } else if (entry.is_regular_file()) {
-            files[name] = {entry.last_write_time(), readWhole(entry.path())};
+            files[name] = {entry.last_write_time(), readWhole(entry.path()), entry.status().permissions()};
         } else {
             files[name] = {};
         }
@@ -377,6 +377,15 @@ std::map<std::string, std::string> ToolRun::files() const
         bytes[name] = state.bytes;
     }
     return bytes;
+}
+
+std::map<std::string, std::filesystem::perms> ToolRun::permissions() const
+{
+    std::map<std::string, std::filesystem::perms> permissions;
+    for (const auto& [name, state] : after_) {
+        permissions[name] = state.permissions;
+    }
+    return permissions;
 }
 
 std::vector<std::string> ToolRun::changedFiles() const

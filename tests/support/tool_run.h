@@ -65,6 +65,8 @@ public:
     std::string read(std::string_view name) const;
     // All files after the run, by name.
     std::map<std::string, std::string> files() const;
+    // Their permissions, those of folders included.
+    std::map<std::string, std::filesystem::perms> permissions() const;
     // The grid in the file `name` (.asc, or .flt with its .hdr).
     WrittenGrid grid(std::string_view name) const;
     // Names of the files that the run wrote or changed, in order; folders it made end in '/'.
@@ -75,11 +77,14 @@ public:
 
     // The command, to repeat the run by hand.
     std::string command() const;
+    // Leaves the folder in place, for that.
+    void keep() { folder_.keep(); }
 
 private:
     struct FileState {
         std::filesystem::file_time_type time;
         std::string bytes;
+        std::filesystem::perms permissions = {};
         bool operator==(const FileState&) const = default;
     };
     using Listing = std::map<std::string, FileState>;
