@@ -442,7 +442,7 @@ TEST_P(Faults, AtRandomThatCanBeTriedAgainDoNothing)
 }
 
 INSTANTIATE_TEST_SUITE_P(Runs, Faults, testing::ValuesIn(startedRuns()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& one) { return one.param.name; });
 
 // The runs are of use only if they are what the table of them says.
 TEST(FaultRuns, AreOfAllOperations)

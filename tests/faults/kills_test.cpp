@@ -91,7 +91,7 @@ std::vector<FaultRun> runsWithGrids()
 }
 
 INSTANTIATE_TEST_SUITE_P(Runs, Kills, testing::ValuesIn(runsWithGrids()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& one) { return one.param.name; });
 
 // --- The check itself --------------------------------------------------------------------------------------------------
 
