@@ -1,6 +1,5 @@
 // The entry of the tool.
 #include "driver/run_tool.h"
-#include "host/console.h"
 #include "host/ends.h"
 #include "host/system.h"
 
@@ -10,26 +9,15 @@
 #include <string>
 #include <vector>
 
-namespace {
-
-// Memory may have run out in the middle of a line.
-[[noreturn]] void failMemoryAnywhere()
-{
-    gridforge::endLine();
-    gridforge::failMemory();
-}
-
-} // namespace
-
 int main(int argc, char** argv)
 {
     gridforge::prepareProcess();
     try {
         gridforge::runTool({argv + (argc > 0 ? 1 : 0), argv + argc});
     } catch (const std::bad_alloc&) {
-        failMemoryAnywhere();
+        gridforge::failMemory();
     } catch (const std::length_error&) { // more than a vector or a text can ever hold
-        failMemoryAnywhere();
+        gridforge::failMemory();
     } catch (const std::exception&) {
         gridforge::shouldNotBeHere("main");
     }

@@ -109,6 +109,8 @@ std::optional<std::string> readInput()
 void consoleLine(std::string_view text)
 {
     endLine();
+    // Memory may run out here, and the message of that is no part of this line: it enters with its end or not at all.
+    console().output.reserve(console().output.size() + text.size() + 1);
     console().output += text;
     console().output += '\n';
     flushIfDue();
