@@ -3,6 +3,8 @@ import os
 import re
 import stat
 
+from inputs import entries
+
 # Bytes that may differ, by extension of the file. Nothing else is set aside.
 SET_ASIDE = {".dbf": (1, 4, b"\x03")}  # the day of writing: the two runs may lie on both sides of midnight
 
@@ -38,7 +40,7 @@ def listing(folder):
     found = {}
 
     def walk(below):
-        for entry in os.scandir(os.path.join(folder, below)):
+        for entry in entries(os.path.join(folder, below)):
             name = os.path.join(below, entry.name)
             found[name] = entry.stat(follow_symlinks=False)
             if entry.is_dir(follow_symlinks=False):
@@ -52,6 +54,14 @@ def read(path):
     """The bytes of a file."""
     with open(path, "rb") as source:
         return source.read()
+
+
+def read_if_allowed(path):
+    """The bytes of a file; None where its permissions forbid to read it."""
+    try:
+        return read(path)
+    except PermissionError:
+        return None
 
 
 def without_set_aside(name, data):
@@ -101,7 +111,9 @@ def compare_console(title, a, b, again):
 
 def compare_bytes(name, path_a, path_b):
     """The first byte that differs."""
-    a, b = read(path_a), read(path_b)
+    a, b = read_if_allowed(path_a), read_if_allowed(path_b)
+    if a is None or b is None:
+        return [] if a is b else [Difference("readable", name, ("bytes", name))]
     if a == b or without_set_aside(name, a) == without_set_aside(name, b):
         return []
     at = first_difference(without_set_aside(name, a), without_set_aside(name, b))
@@ -109,9 +121,16 @@ def compare_bytes(name, path_a, path_b):
     return [Difference("bytes of %s" % (os.path.splitext(name)[1].lower() or "a file"), detail, ("bytes", name))]
 
 
+def first_names(found):
+    """The first name of the file that each name stands for."""
+    names = {}
+    return {name: names.setdefault((found[name].st_dev, found[name].st_ino), name) for name in sorted(found)}
+
+
 def compare_files(folder_a, folder_b):
-    """Names, kinds, permissions, bytes."""
+    """Names, kinds, permissions, bytes, and which names are of one file."""
     a, b = listing(folder_a), listing(folder_b)
+    first_a, first_b = first_names(a), first_names(b)
     found = [Difference("only %s leaves %s" % (who, os.path.splitext(name)[1].lower() or "a file"), name, ("name", name))
              for who, names in (("the reference", a.keys() - b.keys()), ("the new one", b.keys() - a.keys()))
              for name in sorted(names)]
@@ -123,6 +142,8 @@ def compare_files(folder_a, folder_b):
             found += compare_bytes(name, os.path.join(folder_a, name), os.path.join(folder_b, name))
         elif stat.S_ISLNK(a[name].st_mode) and os.readlink(os.path.join(folder_a, name)) != os.readlink(os.path.join(folder_b, name)):
             found.append(Difference("link", name, ("link", name)))
+        if first_a[name] != first_b[name]:
+            found.append(Difference("hard link", "%s: %s | %s" % (name, first_a[name], first_b[name]), ("hard link", name)))
     return found
 
 

@@ -13,10 +13,13 @@ MOST_BYTES = 32 << 20  # of the files of an input; larger ones are left out
 
 
 class File:
-    """A file, folder or link of an input. Files are read where they are first asked for."""
+    """A file, folder or link of an input. Files are read where they are first asked for.
+
+    The data of a link is where it leads; that of a "same" is the name of an earlier file, of which it is another name.
+    """
 
     def __init__(self, kind, mode=0o644, path=None, data=None):
-        self.kind = kind  # "file", "folder" or "link"
+        self.kind = kind  # "file", "folder", "link" or "same"
         self.mode = mode
         self.path = path
         self._data = data
@@ -24,8 +27,11 @@ class File:
     @property
     def data(self):
         if self._data is None:
-            with open(self.path, "rb") as source:
-                self._data = source.read()
+            try:
+                with open(self.path, "rb") as source:
+                    self._data = source.read()
+            except PermissionError:
+                self._data = b""  # the run cannot read it either
         return self._data
 
     @data.setter
@@ -48,12 +54,22 @@ class Input:
 FOLDER = b"@FOLDER@"
 
 
+def entries(folder):
+    """What stands in a folder: nothing where it cannot be read."""
+    try:
+        with os.scandir(folder) as found:
+            return list(found)
+    except PermissionError:
+        return []
+
+
 def files_below(folder):
     """Everything below a folder, by relative name; folders come before what is in them."""
     files = {}
+    names = {}
 
     def walk(below):
-        for entry in sorted(os.scandir(os.path.join(folder, below)), key=lambda entry: entry.name):
+        for entry in sorted(entries(os.path.join(folder, below)), key=lambda entry: entry.name):
             name = os.path.join(below, entry.name)
             status = entry.stat(follow_symlinks=False)
             mode = stat.S_IMODE(status.st_mode)
@@ -62,6 +78,8 @@ def files_below(folder):
             elif entry.is_dir(follow_symlinks=False):
                 files[name] = File("folder", mode)
                 walk(name)
+            elif names.setdefault((status.st_dev, status.st_ino), name) != name:
+                files[name] = File("same", mode, data=names[status.st_dev, status.st_ino])
             else:
                 files[name] = File("file", mode, path=entry.path)
 

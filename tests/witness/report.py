@@ -1,4 +1,5 @@
 """Says what was found, and keeps runs that differ."""
+import contextlib
 import os
 import shlex
 import shutil
@@ -41,7 +42,8 @@ def keep_run(folder, scratch, given, result):
         target.write(b"".join(key + b"=" + value + b"\0" for key, value in fields))
     for who, outcome in result.outcomes:
         if outcome is not None:
-            shutil.copytree(os.path.join(outcome.folder, "run"), os.path.join(folder, who, "left"), symlinks=True)
+            with contextlib.suppress(shutil.Error):  # files that must not be read; all others are copied
+                shutil.copytree(os.path.join(outcome.folder, "run"), os.path.join(folder, who, "left"), symlinks=True)
             for what in ("console", "error"):
                 with open(os.path.join(folder, who, what), "wb") as target:
                     target.write(getattr(outcome, what))

@@ -109,6 +109,11 @@ class Scratch:
             elif file.kind == "link":
                 os.symlink(file.data, path)
                 continue
+            elif file.kind == "same":
+                first = os.path.join(folder, file.data)
+                if os.path.isfile(first):  # else damaged
+                    os.link(first, path)
+                continue
             else:
                 with open(path, "wb") as target:
                     target.write(file.data)

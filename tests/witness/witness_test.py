@@ -47,6 +47,13 @@ class WithFolder(unittest.TestCase):
         self.folder = tempfile.mkdtemp(prefix="gridforge-test-")
         self.addCleanup(runs.remove_tree, self.folder)
 
+    def become_plain_user(self):
+        """Root may read everything."""
+        if os.geteuid() == 0:
+            os.chmod(self.folder, 0o777)
+            os.seteuid(65534)
+            self.addCleanup(os.seteuid, 0)
+
     def path(self, *names):
         return os.path.join(self.folder, *names)
 
@@ -373,6 +380,29 @@ class ComparisonTest(WithFolder):
             os.symlink(target, self.path(folder, "x"))
         self.assertEqual([one.kind for one in compare.compare_files(self.path("a"), self.path("b"))], ["link"])
 
+    def test_names_of_one_file_are_compared(self):
+        for folder in "abc":
+            self.write(folder + "/x", "bytes")
+        for folder in "ab":
+            os.link(self.path(folder, "x"), self.path(folder, "y"))
+        self.write("c/y", "bytes")
+        self.assertEqual(compare.compare_files(self.path("a"), self.path("b")), [])
+        found = compare.compare_files(self.path("a"), self.path("c"))
+        self.assertEqual([(one.kind, one.detail) for one in found], [("hard link", "y: x | y")])
+
+    def test_what_cannot_be_read_is_compared_as_far_as_it_can(self):
+        self.become_plain_user()
+        for folder in "abc":
+            self.write(folder + "/closed/x", "bytes")
+            self.write(folder + "/secret", "bytes of " + folder)
+            os.chmod(self.path(folder, "closed"), 0)
+            os.chmod(self.path(folder, "secret"), 0)
+        self.assertEqual(compare.compare_files(self.path("a"), self.path("b")), [])
+        os.chmod(self.path("c", "closed"), 0o755)
+        os.chmod(self.path("c", "secret"), 0o644)
+        self.assertEqual([one.kind for one in compare.compare_files(self.path("a"), self.path("c"))],
+                         ["only the new one leaves a file", "mode", "mode"])
+
     def test_runs_stopped_by_the_clock_agree_as_far_as_they_came(self):
         long = self.outcome(end="overtime", console=b"1\n2\n3")
         self.assertEqual(compare.compare(long, self.outcome(end="overtime", console=b"1\n2")), [])
@@ -426,6 +456,29 @@ class RunningTest(WithFolder):
                          ([b"-conv", inputs.FOLDER + b"/a.asc"], b"y\n", "sub", [b"A=1 2"]))
         self.assertEqual(sorted(given.files), ["sub", "sub/b.asc"])
         self.assertEqual(given.files["sub/b.asc"].data, b"cells")
+
+    def test_names_of_one_file_stay_so(self):
+        self.write("given/sub/b", "bytes")
+        os.link(self.path("given", "sub", "b"), self.path("given", "a"))
+        self.write("given/c", "bytes")
+        files = inputs.files_below(self.path("given"))
+        outcome = self.shell("echo more >> sub/b; stat -c %h a c; cat a c", files=files)
+        self.assertEqual(outcome.console.decode(), "2\n1\nbytesmore\nbytes")
+        files["a"] = inputs.File("folder", 0o755)  # damaged
+        self.assertEqual(self.shell("ls -F; ls sub", files=files).console.decode(), "a/\nc\nsub/\n")
+        del files["a"]
+        self.assertEqual(self.shell("ls -F; ls sub", files=files).console.decode(), "c\nsub/\n")
+
+    def test_an_input_that_cannot_be_read_is_given_as_it_is(self):
+        self.become_plain_user()
+        self.write("given/closed/x", "bytes")
+        self.write("given/secret", "bytes")
+        os.chmod(self.path("given", "closed"), 0)
+        os.chmod(self.path("given", "secret"), 0)
+        self.scratch.prepare(inputs.Input("all", inputs.files_below(self.path("given")), []), self.path("made"))
+        self.assertEqual(sorted(os.listdir(self.path("made"))), ["closed", "secret"])
+        for name in ("closed", "secret"):
+            self.assertEqual(os.stat(self.path("made", name)).st_mode & 0o777, 0)
 
     def test_runs_that_cannot_be_repeated_are_counted(self):
         self.write("recorded/a/run", "left out=stopped by its test\0program=x\0")
