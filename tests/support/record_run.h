@@ -18,8 +18,9 @@ struct RecordedRun {
     std::string workFolder;       // the current folder, below it
     std::string program;
     std::vector<std::string> arguments;
-    std::string input; // standard input
-    bool ends = true;  // false for a run that the test stops
+    std::vector<std::string> environment; // NAME=value, beside the environment of the test
+    std::string input;                    // standard input
+    bool ends = true;                     // false for a run that the test stops
 };
 
 // Does nothing without GRIDFORGE_RECORD, nor for a program that does not run the tool. Fails the test where it cannot write.

@@ -126,7 +126,7 @@ bool collect(std::array<std::pair<int, std::string*>, 2> streams, Clock::time_po
         if (left <= 0 || streams[0].second->size() + streams[1].second->size() > kMostOutput) {
             return false;
         }
-        // poll passes over negative descriptors.
+        // poll ignores negative descriptors.
         std::array<pollfd, 2> waits{{{streams[0].first, POLLIN, 0}, {streams[1].first, POLLIN, 0}}};
         poll(waits.data(), waits.size(), static_cast<int>(std::min<std::int64_t>(left, 1000)));
         for (std::size_t i = 0; i < waits.size(); ++i) {
@@ -269,9 +269,7 @@ bool ToolRun::stillRunsAfter(std::chrono::milliseconds time)
 
 bool ToolRun::runWithin(std::chrono::milliseconds limit, bool ends)
 {
-    if (variables_.empty()) { // what depends on the test's own environment cannot be repeated elsewhere
-        recordRun({folder(), workFolder_, program_, arguments_, typed_, ends});
-    }
+    recordRun({folder(), workFolder_, program_, arguments_, variables_, typed_, ends});
     before_ = listing();
 
     Pipe console;

@@ -31,7 +31,7 @@ public:
     // ------------------------------------------------------------------------------------------------------ Writes
     // `bytes` as the file `name`, with its folders.
     void give(std::string_view name, std::string_view bytes);
-    // A line of standard input, the line end added. Standard input ends behind the last one, at once where there is
+    // A line of standard input, the line end added. Standard input ends after the last one, at once where there is
     // none.
     void type(std::string_view line);
     // The current folder of the run, below folder(); it is made. All other names stay relative to folder().

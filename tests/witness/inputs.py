@@ -45,7 +45,7 @@ class Input:
     def __init__(self, name, files, arguments, stdin=b"", work_folder="", environment=()):
         self.name = name
         self.files = files
-        self.arguments = arguments  # bytes; @FOLDER@ stands for the folder of the run
+        self.arguments = arguments  # bytes; @FOLDER@ stands for the folder of the run, here and in the environment
         self.stdin = stdin
         self.work_folder = work_folder
         self.environment = list(environment)  # bytes, "NAME=value"
@@ -117,7 +117,9 @@ class Recorded:
             environment += arguments[:start]
             arguments = arguments[start + 1:]
         here = one["folder"]
-        arguments = [word.replace(here, FOLDER) if here else word for word in arguments]
+        if here:
+            arguments = [word.replace(here, FOLDER) for word in arguments]
+            environment = [word.replace(here, FOLDER) for word in environment]
         return Input(self.name, files_below(os.path.join(self.folder, "given")), arguments, one["input"],
                      os.fsdecode(one["work folder"]), environment)
 

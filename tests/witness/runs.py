@@ -79,6 +79,16 @@ class Runner:
         self.process.communicate()
 
 
+PLAIN = [b"PATH=/usr/bin:/bin", b"LANG=C", b"TZ=UTC"]
+SANITIZED = [b"UBSAN_OPTIONS=print_stacktrace=1", b"ASAN_OPTIONS=max_allocation_size_mb=2000:hard_rss_limit_mb=3000"]
+
+
+def environment_of(tool, given):
+    """The variables of a run, each once. Those of the input count most: they are a part of what it tries."""
+    words = PLAIN + (SANITIZED if tool.sanitized else []) + [os.fsencode(word) for word in tool.environment] + given.environment
+    return list({word.partition(b"=")[0]: word for word in words}.values())
+
+
 class Scratch:
     """A folder in which one run after the other takes place, always at the same path."""
 
@@ -129,11 +139,7 @@ class Scratch:
             target.write(given.stdin)
         work_folder = os.path.join(self.folder, given.work_folder)
         here = os.fsencode(self.folder)
-        environment = [b"PATH=/usr/bin:/bin", b"LANG=C", b"TZ=UTC"] + given.environment + [os.fsencode(e) for e in tool.environment]
-        if tool.sanitized:
-            environment.append(b"UBSAN_OPTIONS=print_stacktrace=1")
-            if not any(e.startswith(b"ASAN_OPTIONS=") for e in environment):
-                environment.append(b"ASAN_OPTIONS=max_allocation_size_mb=2000:hard_rss_limit_mb=3000")
+        environment = [word.replace(FOLDER, here) for word in environment_of(tool, given)]
         memory_mb = 0 if tool.sanitized else limits.memory_mb
         wall_ms = limits.seconds * 10000
         texts = [os.fsencode(work_folder), *(os.fsencode(self.path(name)) for name in ("input", "console", "error")),

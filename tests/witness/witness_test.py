@@ -430,6 +430,11 @@ class RunningTest(WithFolder):
         given = inputs.Input("echo", {}, [b"-c", b"echo " + inputs.FOLDER + b"/a"])
         self.assertEqual(self.scratch.run(runs.Tool("/bin/sh"), given, LIMITS).console, os.fsencode(self.scratch.folder) + b"/a\n")
 
+    def test_variables_of_the_input_count_most(self):
+        given = inputs.Input("env", {}, [], environment=[b"A=" + inputs.FOLDER, b"LANG=x"])
+        console = self.scratch.run(runs.Tool("/usr/bin/env", ["A=other", "B=more"]), given, LIMITS).console.decode()
+        self.assertEqual(sorted(console.splitlines()), ["A=" + self.scratch.folder, "B=more", "LANG=x", "PATH=/usr/bin:/bin", "TZ=UTC"])
+
     def test_ends_are_told_apart(self):
         for script, end in (("exit 0", "exit 0"), ("exit 7", "exit 7"), ("kill -ABRT $$", "signal 6"), ("exec sleep 60", "waits"),
                             ("sleep 1; exit 5", "exit 5")):
@@ -448,12 +453,12 @@ class RunningTest(WithFolder):
 
     def test_a_recorded_run_is_read_back(self):
         fields = ["tool=/b/gridforge", "folder=/tmp/x", "work folder=sub", "program=/usr/bin/env", "argument=A=1 2", "argument=/b/gridforge",
-                  "argument=-conv", "argument=/tmp/x/a.asc", "input=y\n"]
+                  "argument=-conv", "argument=/tmp/x/a.asc", "environment=B=/tmp/x/b", "input=y\n"]
         self.write("run/run", "".join(field + "\0" for field in fields))
         self.write("run/given/sub/b.asc", "cells")
         given = inputs.Recorded(self.path("run"), "run").load()
         self.assertEqual((given.arguments, given.stdin, given.work_folder, given.environment),
-                         ([b"-conv", inputs.FOLDER + b"/a.asc"], b"y\n", "sub", [b"A=1 2"]))
+                         ([b"-conv", inputs.FOLDER + b"/a.asc"], b"y\n", "sub", [b"B=" + inputs.FOLDER + b"/b", b"A=1 2"]))
         self.assertEqual(sorted(given.files), ["sub", "sub/b.asc"])
         self.assertEqual(given.files["sub/b.asc"].data, b"cells")
 

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
 #include <sys/stat.h>
 
 namespace gridforge::test {
@@ -16,7 +17,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::StartsWith;
+using testing::HasSubstr;
 
 std::vector<std::string> fieldsOf(const ScratchFolder& folder)
 {
@@ -33,16 +34,16 @@ std::vector<std::string> fieldsOf(const ScratchFolder& folder)
 RecordedRun someRun(const ScratchFolder& folder)
 {
     folder.give("files/sub/a.asc", "cells\n");
-    return {folder.path() / "files", "sub", toolPath(), {"-conv", "a b", "\xFF"}, "y\n\n"};
+    return {folder.path() / "files", "sub", toolPath(), {"-conv", "a b", "\xFF"}, {"A=1 2"}, "y\n\n"};
 }
 
-TEST(RecordRun, KeepsArgumentsInputAndFolder)
+TEST(RecordRun, KeepsArgumentsVariablesInputAndFolder)
 {
     const ScratchFolder folder;
     recordRun(someRun(folder), folder.path() / "record");
-    EXPECT_THAT(fieldsOf(folder),
-                ElementsAre("tool=" + toolPath(), "folder=" + (folder.path() / "files").string(), "work folder=sub",
-                            "program=" + toolPath(), "argument=-conv", "argument=a b", "argument=\xFF", "input=y\n\n"));
+    EXPECT_THAT(fieldsOf(folder), ElementsAre("tool=" + toolPath(), "folder=" + (folder.path() / "files").string(),
+                                              "work folder=sub", "program=" + toolPath(), "argument=-conv",
+                                              "argument=a b", "argument=\xFF", "environment=A=1 2", "input=y\n\n"));
     EXPECT_EQ(folder.read("record/given/sub/a.asc"), "cells\n");
 }
 
@@ -58,6 +59,19 @@ TEST(RecordRun, KeepsLinksAndPermissions)
     EXPECT_EQ(std::filesystem::status(given / "sub/a.asc").permissions(), std::filesystem::perms::owner_read);
 }
 
+TEST(RecordRun, KeepsNamesOfOneFileTogether)
+{
+    const ScratchFolder folder;
+    const RecordedRun run = someRun(folder);
+    const auto given = folder.path() / "record/given";
+    std::filesystem::create_hard_link(run.folder / "sub/a.asc", run.folder / "b.asc");
+    folder.give("files/c.asc", "cells\n");
+    recordRun(run, folder.path() / "record");
+    EXPECT_TRUE(std::filesystem::equivalent(given / "sub/a.asc", given / "b.asc"));
+    EXPECT_FALSE(std::filesystem::equivalent(given / "sub/a.asc", given / "c.asc"));
+    EXPECT_EQ(folder.read("record/given/b.asc"), "cells\n");
+}
+
 TEST(RecordRun, SaysWhatCannotBeRepeated)
 {
     const auto reasonFor = [](const std::function<void(RecordedRun&)>& change) {
@@ -70,22 +84,52 @@ TEST(RecordRun, SaysWhatCannotBeRepeated)
     };
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.ends = false; }), "left out=stopped by its test");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.program = "/bin/sh"; }), "left out=started by another program");
+    EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("GRIDFORGE_SYSTEM=watch"); }),
+              "left out=fails at a call of the system");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { mkfifo((run.folder / "in").c_str(), 0600); }),
               "left out=its files cannot be copied");
 }
 
+// Sets GRIDFORGE_RECORD while it lives. Then it is as before: these tests may be recorded themselves.
+class RecordingInto {
+public:
+    explicit RecordingInto(const std::filesystem::path& folder)
+    {
+        if (const char* const before = std::getenv(kName)) {
+            before_ = before;
+        }
+        setenv(kName, folder.c_str(), 1);
+    }
+    ~RecordingInto()
+    {
+        if (before_) {
+            setenv(kName, before_->c_str(), 1);
+        } else {
+            unsetenv(kName);
+        }
+    }
+    RecordingInto(const RecordingInto&) = delete;
+    RecordingInto& operator=(const RecordingInto&) = delete;
+
+private:
+    static constexpr const char* kName = "GRIDFORGE_RECORD";
+    std::optional<std::string> before_;
+};
+
 TEST(RecordRun, EveryRunOfATestLeavesAFolderWhereTheVariableNamesOne)
 {
     const ScratchFolder folder;
-    setenv("GRIDFORGE_RECORD", folder.path().c_str(), 1);
+    const RecordingInto recording(folder.path());
     for (int i = 0; i < 2; ++i) {
         ToolRun run("-conv missing.asc");
         run.start();
     }
+    ToolRun own("-conv missing.asc");
+    own.environment("GRIDFORGE_RECORD", "a name of its own");
+    own.start();
     ToolRun other("text");
     other.program("/bin/echo");
     other.start();
-    unsetenv("GRIDFORGE_RECORD");
 
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
@@ -93,7 +137,8 @@ TEST(RecordRun, EveryRunOfATestLeavesAFolderWhereTheVariableNamesOne)
     }
     std::sort(names.begin(), names.end());
     const std::string test = "RecordRun.EveryRunOfATestLeavesAFolderWhereTheVariableNamesOne-";
-    EXPECT_THAT(names, ElementsAre(test + "1", test + "2"));
+    EXPECT_THAT(names, ElementsAre(test + "1", test + "2", test + "3"));
+    EXPECT_THAT(folder.read(test + "3/run"), HasSubstr("environment=GRIDFORGE_RECORD=a name of its own"));
 }
 
 } // namespace
