@@ -1,6 +1,6 @@
-// Whole runs of the remap beside what merely reading the terrain and writing the two outputs costs, with the tool's own reader
-// and writer, all in .flt. The argument of each is the number of fine rows and columns; coarse cells are five times as wide.
-// GRIDFORGE_BENCH_FOLDER tells where the grids go, the system's folder for temporary files without it.
+// Times whole runs of the remap on .flt grids, and runs that only read the terrain and write the two outputs with the same
+// reader and writer. The argument is the number of fine rows and columns; coarse cells are five times as wide. The grids go to
+// the folder GRIDFORGE_BENCH_FOLDER, or to that for temporary files if it is not set.
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"

@@ -1,5 +1,5 @@
-/* Loaded into the tool by LD_PRELOAD, these stand before the routines of the NetCDF library and pass every call on, but for
- * the one that GRIDFORGE_FAIL_NETCDF names: "nc_def_var 3" fails at the third call of nc_def_var. */
+/* Loaded into the tool by LD_PRELOAD, these stand before the routines of the NetCDF library and pass every call on, except
+ * the one that GRIDFORGE_FAIL_NETCDF names: with "nc_def_var 3" the third call of nc_def_var fails. */
 #define _GNU_SOURCE
 
 #include <dlfcn.h>

@@ -21,7 +21,7 @@ inline std::vector<std::string> failingNetcdfArguments(const NetcdfFailure& fail
                                                        const std::vector<std::string>& arguments)
 {
     std::vector<std::string> all = {"LD_PRELOAD=" + failingNetcdfPath(),
-                                    // The module comes ahead of the library of a sanitized tool.
+                                    // The module comes before the library of a sanitized tool.
                                     "ASAN_OPTIONS=verify_asan_link_order=0:detect_leaks=0",
                                     std::string("GRIDFORGE_FAIL_NETCDF=") + failure.call, toolPath()};
     all.insert(all.end(), arguments.begin(), arguments.end());

@@ -1,4 +1,4 @@
-// Runs of the tool in which calls of the system fail, or end the process: failing_system.c tells what can be asked for.
+// Runs of the tool in which calls of the system fail, or end the process. failing_system.c lists the missions.
 #pragma once
 
 #include "support/paths.h"
@@ -8,7 +8,7 @@
 
 namespace gridforge::test {
 
-// What becomes of the calls of the run, such as "fail write 2 28"; the calls are logged in the file `log`, if any.
+// Sets what happens to the calls of the run, such as "fail write 2 28", and the file in which they are logged, if any.
 inline void askSystem(ToolRun& run, const std::string& mission, const std::string& log = "")
 {
     run.environment("LD_PRELOAD", failingSystemPath());
