@@ -54,12 +54,12 @@ bool readMoreInput()
 }
 
 // Shells put a byte order mark in front of what they send through a pipe. Reads no further than the first byte that
-// does not belong to one, as a person may type it.
-void skipByteOrderMark()
+// does not belong to one, as a person may type it. False where there is no input.
+bool skipByteOrderMark()
 {
     Console& c = console();
     if (c.inputBegun) {
-        return;
+        return true;
     }
     c.inputBegun = true;
     const auto waiting = [&c] { return std::string_view(c.input.data(), c.inputEnd); };
@@ -68,6 +68,7 @@ void skipByteOrderMark()
     if (waiting().starts_with(kByteOrderMark)) {
         c.inputAt = kByteOrderMark.size();
     }
+    return c.inputEnd > 0;
 }
 
 std::optional<char> nextInputByte()
@@ -83,7 +84,9 @@ std::optional<char> nextInputByte()
 std::optional<std::string> readInput()
 {
     flushConsole();
-    skipByteOrderMark();
+    if (!skipByteOrderMark()) { // not asked again: on a terminal the end of input would have to be typed twice
+        return std::nullopt;
+    }
     std::string line;
     bool any = false;
     while (const auto byte = nextInputByte()) {

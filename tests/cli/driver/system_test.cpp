@@ -76,6 +76,21 @@ TEST(SystemCli, AFailedReadEndsTheRun)
                          {"ERROR 2334 - Reading Grid file header information.", "Line = ", "", "Press Enter to Close"});
 }
 
+// The answer is there all the same, and a second read would find it.
+TEST(SystemCli, AFailedReadOfAnAnswerEndsTheRun)
+{
+    ToolRun run("-conv a.flt");
+    run.give("a.flt", fltCells({{1, 2}}));
+    run.give("b.hdr", hdr(2, 1));
+    run.type("b.hdr");
+    askSystem(run, fail("read", 1, EIO));
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file a.hdr...", "CHECK 0008 - \"a.hdr\" cannot be found",
+                               "Check file exists and press enter or enter another file name: ", "",
+                               "Press Enter to Close"});
+    EXPECT_NO_OTHER_FILES(run);
+}
+
 TEST(SystemCli, HintsMayFail)
 {
     expectGood(fail("advise", 1, EINVAL));
