@@ -49,6 +49,16 @@ void giveAscsWithProjections(ToolRun& run)
     run.give("b.prj", "no system\n");
 }
 
+// The answers to two questions for the missing .hdr: none, after a byte order mark, and its name.
+void giveFltAndAnswers(ToolRun& run)
+{
+    run.give("a.flt", fltCells(kFirst));
+    run.give("a.prj", "PROJCS[\"Test\"]\n");
+    run.give("b.hdr", hdr(kFirst));
+    run.type("\xEF\xBB\xBF");
+    run.type("b.hdr");
+}
+
 // The outputs exist already, of another place and shape but with as many cells.
 void giveAscsOverOldOutputs(ToolRun& run)
 {
@@ -385,6 +395,7 @@ const std::vector<FaultRun>& faultRuns()
         {"MaxOverOldAsc", "-b -max a.asc b.asc -out m.asc", giveAscsOverOldOutputs, true},
         {"MaxOverOldFlt", "-b -max a.asc b.asc -out m.flt", giveAscsOverOldOutputs, true},
         {"MinMixed", "-min -src a.asc b.asc -flt -out m", giveAscs, true},
+        {"ConvAsked", "-conv a.flt", giveFltAndAnswers, true},
         {"DifAsc", "-b -dif a.asc b.asc", giveAscsWithProjections, true},
         {"DifFlt", "-b -dif a.flt b.flt", giveFlts, true},
         {"DifChange", "-b -dif -change a.asc b.asc", giveAscs, true},
