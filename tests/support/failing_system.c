@@ -21,6 +21,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <link.h>
+#include <pthread.h>
 #include <signal.h>
 #include <stdarg.h>
 #include <stdint.h>
@@ -78,7 +79,10 @@ static int logFile = -1;
 static int armed = 0;
 static long calls[FUNCTIONS];
 static long events = 0;
-static __thread int busy = 0; /* the module itself is calling */
+/* Held while a call is counted, judged and logged: threads make calls side by side. */
+static pthread_mutex_t turn = PTHREAD_MUTEX_INITIALIZER;
+/* The module itself is calling. Of this model no thread has to ask for the memory of the variable. */
+static __thread int busy __attribute__((tls_model("initial-exec"))) = 0;
 
 static enum Function functionNamed(const char* name)
 {
@@ -384,12 +388,14 @@ static struct Verdict enter(struct Call call)
         return verdict;
     }
     busy = 1;
+    pthread_mutex_lock(&turn);
     ++calls[call.function];
     if (call.isChange) {
         ++events;
     }
     errno = error;
     verdict = judge(&call);
+    pthread_mutex_unlock(&turn);
     busy = 0;
     return verdict;
 }
@@ -408,13 +414,22 @@ static void leave(struct Verdict verdict)
 
 /* --- The calls ------------------------------------------------------------------------------------------------------- */
 
+static void* next(const char* name, void** known)
+{
+    void* found = __atomic_load_n(known, __ATOMIC_ACQUIRE);
+    if (found == NULL) {
+        found = dlsym(RTLD_NEXT, name);
+        __atomic_store_n(known, found, __ATOMIC_RELEASE);
+    }
+    return found;
+}
+
 /* `real` is the next routine of that name. */
 #define REAL(result, name, parameters)                                                                                 \
-    static result(*real) parameters = NULL;                                                                            \
-    if (real == NULL) {                                                                                                \
-        void* const found = dlsym(RTLD_NEXT, #name);                                                                   \
-        memcpy(&real, &found, sizeof real);                                                                            \
-    }
+    static void* known = NULL;                                                                                         \
+    void* const found = next(#name, &known);                                                                           \
+    result(*real) parameters = NULL;                                                                                   \
+    memcpy(&real, &found, sizeof real);
 
 static struct Verdict enterFile(enum Function function, int file, long bytes, int changes)
 {

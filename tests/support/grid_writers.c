@@ -1,6 +1,9 @@
 /* Writes a grid in the way that its argument names. Killed within most of these ways it leaves a grid that looks whole but
- * is not; one is right. The grid is g.asc, or g.flt with g.hdr. */
+ * is not; two are right. The grid is g.asc, or g.flt with g.hdr. */
+#define _GNU_SOURCE
 #include <fcntl.h>
+#include <pthread.h>
+#include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 #include <unistd.h>
@@ -79,6 +82,42 @@ static void renamedWhole(void)
     check(rename("new", "g.asc") == 0);
 }
 
+enum { THREADS = 4, CELLS_EACH = 2000 };
+
+static int shared = -1;
+
+static void* putRow(void* row)
+{
+    const float cell = 1.5F;
+    intptr_t failures = 0;
+    int i;
+    for (i = 0; i < CELLS_EACH; ++i) {
+        const off_t at = (off_t)sizeof cell * ((intptr_t)row * CELLS_EACH + i);
+        failures += pwrite(shared, &cell, sizeof cell, at) != (ssize_t)sizeof cell;
+    }
+    return (void*)failures;
+}
+
+/* Each row by a thread of its own, each cell by a call. The header comes when all of them are there. */
+static void byThreads(void)
+{
+    pthread_t threads[THREADS];
+    char header[200];
+    void* failures = NULL;
+    intptr_t row;
+    shared = start("g.flt");
+    for (row = 0; row < THREADS; ++row) {
+        check(pthread_create(&threads[row], NULL, putRow, (void*)row) == 0);
+    }
+    for (row = 0; row < THREADS; ++row) {
+        check(pthread_join(threads[row], &failures) == 0 && failures == NULL);
+    }
+    check(close(shared) == 0);
+    snprintf(header, sizeof header, "ncols %d\nnrows %d\nxllcorner 0\nyllcorner 0\ncellsize 1\nbyteorder LSBFIRST\n",
+             CELLS_EACH, THREADS);
+    putFile("g.hdr", header, strlen(header));
+}
+
 int main(int argc, char** argv)
 {
     const char* way = argc > 1 ? argv[1] : "";
@@ -92,6 +131,8 @@ int main(int argc, char** argv)
         renamedEarly();
     } else if (strcmp(way, "renamed-whole") == 0) {
         renamedWhole();
+    } else if (strcmp(way, "by-threads") == 0) {
+        byThreads();
     } else {
         failed = 1;
     }
