@@ -169,6 +169,46 @@ class FindingTest(WitnessRun):
         self.assert_finds('"$TOOL" "$@"; ' + more, "more memory", "--only", "missing")
 
 
+@unittest.skipIf(shutil.which("ncgen") is None, "no ncgen (Debian: netcdf-bin)")
+class NetcdfTest(WithFolder):
+    """NetCDF files are compared by what the library reads of them."""
+
+    def made(self, folder, values, level=1):
+        text = """netcdf a {
+dimensions:
+  x = 3 ;
+variables:
+  float v(x) ;
+    v:_DeflateLevel = %d ;
+data:
+  v = %s ;
+}
+""" % (level, values)
+        source, target = self.write("%s/a.cdl" % folder, text), self.path(folder, "a.nc")
+        subprocess.run(["ncgen", "-k", "nc4", "-o", target, source], check=True)
+        return target
+
+    def differences(self, one, other):
+        return [found.kind for found in compare.compare_bytes("a.nc", one, other)]
+
+    def test_other_bytes_of_the_same_values_do_not_count(self):
+        one, other = self.made("one", "1, 2, 3"), self.made("other", "1, 2, 3")
+        with open(other, "ab") as target:
+            target.write(b"more than the file says that it has")
+        self.assertEqual(self.differences(one, other), [])
+
+    def test_other_values_count(self):
+        self.assertEqual(self.differences(self.made("one", "1, 2, 3"), self.made("other", "1, 2, 3.0000002")), ["bytes of .nc"])
+        self.assertEqual(self.differences(self.made("one", "1, 0, 3"), self.made("other", "1, -0., 3")), ["bytes of .nc"])
+
+    def test_another_level_counts(self):
+        self.assertEqual(self.differences(self.made("one", "1, 2, 3"), self.made("other", "1, 2, 3", level=2)), ["bytes of .nc"])
+
+    def test_files_that_the_library_cannot_read_are_compared_by_their_bytes(self):
+        one, other = self.write("one/a.nc", "not NetCDF"), self.write("other/a.nc", "not NetCDF either")
+        self.assertEqual(self.differences(one, other), ["bytes of .nc"])
+
+
 class OptionsTest(WitnessRun):
     """What else the witness is asked for."""
 
