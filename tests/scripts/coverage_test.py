@@ -6,6 +6,7 @@ import json
 import os
 import sys
 import tempfile
+import time
 import unittest
 
 sys.dont_write_bytecode = True
@@ -21,6 +22,14 @@ def loaded(name):
 
 
 coverage = loaded("coverage")
+
+
+class LimitTest(unittest.TestCase):
+    def test_a_command_that_does_not_end_is_stopped(self):
+        began = time.monotonic()
+        self.assertIsNone(coverage.status_within(0.2, ["sleep", "100"]))
+        self.assertLess(time.monotonic() - began, 50)
+        self.assertEqual(coverage.status_within(100, ["sh", "-c", "exit 3"]), 3)
 
 
 class CoverageTest(unittest.TestCase):
