@@ -475,6 +475,7 @@ TEST(FaultRuns, AreOfAllOperations)
         }
     }
     EXPECT_THAT(missing, testing::IsEmpty());
+    EXPECT_GE(faultRuns().size(), 60U);
     EXPECT_GE(std::ranges::count_if(faultRuns(), &FaultRun::writesGrids), 30);
 }
 

@@ -32,7 +32,9 @@ std::string obstacle(const RecordedRun& run)
     if (!run.ends) {
         return "stopped by its test";
     }
-    if (run.program != toolPath() && run.program != "/usr/bin/env") {
+    const bool byEnv = run.program == "/usr/bin/env" &&
+                       std::find(run.arguments.begin(), run.arguments.end(), toolPath()) != run.arguments.end();
+    if (run.program != toolPath() && !byEnv) {
         return "started by another program";
     }
     // Another executable may make other calls, or in another order.

@@ -115,8 +115,8 @@ bool stream(const char* path, int flags, int number)
     limit(RLIMIT_CPU, seconds, seconds + 1);
     const auto megabytes = [](long number) { return static_cast<rlim_t>(number) << 20U; };
     limit(RLIMIT_FSIZE, megabytes(job.fileMb), megabytes(job.fileMb));
-    if (job.memoryMb > 0) {
-        limit(RLIMIT_AS, megabytes(job.memoryMb), megabytes(job.memoryMb));
+    if (job.memoryMb > 0) { // of data: each thread reserves addresses that it never uses
+        limit(RLIMIT_DATA, megabytes(job.memoryMb), megabytes(job.memoryMb));
     }
     constexpr int kMade = O_WRONLY | O_CREAT | O_TRUNC;
     if (stream(job.input, O_RDONLY, STDIN_FILENO) && stream(job.output, kMade, STDOUT_FILENO) &&

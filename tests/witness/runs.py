@@ -17,7 +17,7 @@ class Failure(Exception):
 
 
 class Limits:
-    """What a run may take: seconds of the processor, and megabytes of addresses (0 for any number)."""
+    """What a run may take: seconds of the processor, and megabytes of data (0 for any number)."""
 
     def __init__(self, seconds, memory_mb):
         self.seconds = seconds

@@ -482,7 +482,7 @@ class RunningTest(WithFolder):
         self.assertEqual(self.shell("while :; do :; done", runs.Limits(1, 0)).end, "overtime")
 
     def test_limits_hold(self):
-        self.assertEqual(self.shell("ulimit -v; ulimit -t; ulimit -f", runs.Limits(3, 700)).console.split(),
+        self.assertEqual(self.shell("ulimit -d; ulimit -t; ulimit -f", runs.Limits(3, 700)).console.split(),
                          [b"%d" % (700 * 1024), b"3", b"%d" % (runs.FILE_MB * 2048)])
 
     def test_peak_memory_is_that_of_the_run(self):

@@ -84,6 +84,11 @@ TEST(RecordRun, SaysWhatCannotBeRepeated)
     };
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.ends = false; }), "left out=stopped by its test");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.program = "/bin/sh"; }), "left out=started by another program");
+    EXPECT_EQ(reasonFor([](RecordedRun& run) {
+                  run.program = "/usr/bin/env";
+                  run.arguments = {"A=1", "sh", "-c", toolPath() + " -conv"};
+              }),
+              "left out=started by another program");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("GRIDFORGE_SYSTEM=watch"); }),
               "left out=fails at a call of the system");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { mkfifo((run.folder / "in").c_str(), 0600); }),
