@@ -46,7 +46,7 @@ const SampledGrid& theGrid()
     return grid;
 }
 
-// Ragged rounds of 7 to 12 m radius, as read: with the closing vertex and the slot behind it.
+// Ragged rounds of 7 to 12 m radius, as read: with the closing vertex and the slot after it.
 std::vector<DmgBuilding> makeBuildings(std::int64_t vertices)
 {
     std::mt19937_64 random(2);

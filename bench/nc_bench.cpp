@@ -159,7 +159,7 @@ void count(benchmark::State& state)
 
 void wholeRun(benchmark::State& state, bool byRows)
 {
-    inputs(); // made ahead of the clock
+    inputs(); // made before the clock starts
     for (auto _ : state) {
         run(byRows);
     }

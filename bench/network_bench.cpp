@@ -89,7 +89,7 @@ Network longBranch(std::int64_t count)
     return network;
 }
 
-// Standard output is put aside: the matching tells of itself on it.
+// Standard output goes nowhere: the matching prints what it does.
 class Quiet {
 public:
     Quiet() : kept_(dup(STDOUT_FILENO))

@@ -155,7 +155,7 @@ WrittenGrid readWrittenFlt(std::string_view header, std::string_view bytes)
 {
     WrittenGrid grid = takeHeader(header);
     EXPECT_EQ(takeLine(header), "byteorder LSBFIRST");
-    EXPECT_EQ(header, "") << "behind the last line of the .hdr";
+    EXPECT_EQ(header, "") << "after the last line of the .hdr";
     if (static_cast<std::int64_t>(bytes.size()) != 4 * grid.ncols * grid.nrows) {
         ADD_FAILURE() << bytes.size() << " bytes for " << grid.nrows << " rows by " << grid.ncols << " columns";
         return grid;

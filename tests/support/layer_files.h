@@ -29,7 +29,7 @@ inline std::string mifHeader(const std::vector<std::string>& columns)
     return text + "Data\n\n";
 }
 
-// The lines of a written .mif behind its "Data" line and the empty line that follows.
+// The lines of a written .mif after its "Data" line and the empty line that follows.
 inline std::string mifObjects(std::string_view mif)
 {
     constexpr std::string_view kData = "Data\r\n\r\n";

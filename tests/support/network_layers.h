@@ -124,7 +124,7 @@ inline void giveDrawnNetwork(ToolRun& run)
     run.give("csv/.keep", "");
 }
 
-// The lines of a written .mif behind its "Data" line and the empty line that follows.
+// The lines of a written .mif after its "Data" line and the empty line that follows.
 inline std::string objectsOf(const ToolRun& run, std::string_view name)
 {
     const std::string text = run.read(name);

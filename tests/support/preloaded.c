@@ -1,6 +1,6 @@
 /* Loaded into the tool by LD_PRELOAD, this runs in place of the tool's own program: it looks the names of its arguments up
- * among the symbols of the executable, and calls routines of every kind as a program in C does. It tells on standard output
- * what is missing or wrong, and last "done". */
+ * among the symbols of the executable, and calls routines of every kind as a program in C does. It prints what is
+ * missing or wrong, and "done" at the end. */
 #define _GNU_SOURCE
 
 #include <dlfcn.h>

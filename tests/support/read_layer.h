@@ -11,7 +11,7 @@
 namespace gridforge::test {
 
 struct ReadObject : gis::LayerObject {
-    std::vector<double> numbers; // x, y of each vertex as in the file, without the slots behind rings
+    std::vector<double> numbers; // x, y of each vertex as in the file, without the slot after each ring
 };
 
 inline void appendVertices(ReadObject& object, const gis::Coordinates& c)

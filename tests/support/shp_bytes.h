@@ -90,7 +90,7 @@ inline std::string dbfHeader(std::int32_t records, const std::vector<DbfColumn>&
     return bytes + '\r';
 }
 
-// The columns of a written .dbf as "NAME C 7" and, behind them, its records as they stand, the deletion byte first.
+// The columns of a written .dbf as "NAME C 7" and, after them, its records as they stand, the deletion byte first.
 inline std::vector<std::string> tableOf(const std::string& bytes)
 {
     std::vector<std::string> table;

@@ -1,4 +1,4 @@
-"""What two runs of the same input differ in."""
+"""Compares two runs of the same input."""
 import os
 import re
 import shutil
@@ -179,9 +179,9 @@ def more_memory(a, b):
 
 
 def compare(a, b, again=None):
-    """All that the run of the reference and that of the new executable differ in, except memory.
+    """All differences between the run of the reference and that of the new executable, except memory.
 
-    Set aside is what `again`, a second run of the reference, differs in from the first.
+    Where `again`, a second run of the reference, differs from the first, nothing counts as a difference.
     """
     again = again or a
     if "overtime" in (a.end, b.end, again.end):

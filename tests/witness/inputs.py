@@ -1,4 +1,4 @@
-"""What runs are made of, and where they come from: recorded tests, sample cases, real data.
+"""The inputs of runs: recorded tests, sample cases, real data.
 
 An input is a folder of files, the arguments, and standard input. All sources are sorted, so that the number of a run
 stands for the same input as long as the sources stay as they are.
@@ -13,7 +13,7 @@ MOST_BYTES = 32 << 20  # of the files of an input; larger ones are left out
 
 
 class File:
-    """A file, folder or link of an input. Files are read where they are first asked for.
+    """A file, folder or link of an input. A file is read when its data is first needed.
 
     The data of a link is where it leads; that of a "same" is the name of an earlier file, of which it is another name.
     """
@@ -55,7 +55,7 @@ FOLDER = b"@FOLDER@"
 
 
 def entries(folder):
-    """What stands in a folder: nothing where it cannot be read."""
+    """The entries of a folder; none if it cannot be read."""
     try:
         with os.scandir(folder) as found:
             return list(found)

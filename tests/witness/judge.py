@@ -10,7 +10,7 @@ NOT_MEMORY = re.compile(rb"allocation-size-too-big|out-of-memory|allocator is ou
 REPORT = re.compile(rb"ERROR: [A-Za-z]+Sanitizer: [^\n]*|runtime error: [^\n]*|Assertion [^\n]*")
 PLACE = re.compile(rb"/(src/[^\s:]+:\d+)")
 MORE_MEMORY = "more memory"
-ENDLESS = b"Press Ctrl+C to stop."  # what a run says that waits for ever because it was asked to
+ENDLESS = b"Press Ctrl+C to stop."  # what a run prints before it waits for ever on purpose
 
 
 class Verdict:

@@ -1,4 +1,4 @@
-"""Says what was found, and keeps runs that differ."""
+"""Prints what was found, and keeps runs that differ."""
 import contextlib
 import os
 import shlex
@@ -31,7 +31,7 @@ class Result:
 
 
 def keep_run(folder, scratch, given, result):
-    """Keeps a run: what it was given, as tests record it, and what each executable left and said."""
+    """Keeps a run: its input, as tests record it, and the files and console of each executable."""
     remove_tree(folder)
     os.makedirs(folder)
     scratch.prepare(given, os.path.join(folder, "given"))

@@ -1,4 +1,4 @@
-"""Tries the witness: on executables that were changed on purpose, which it must find, and on equal ones, which it must pass.
+"""Tests the witness: it must find executables that were changed on purpose, and pass equal ones.
 
 Needs GRIDFORGE_TOOL, the tool, and GRIDFORGE_WITNESS_RUNNER.
 """
