@@ -134,6 +134,21 @@ gridforge \-b \-conv depth.flt < /dev/null > depth.log
 tail \-n 1 depth.log | grep \-qxF Finished. || echo failed, see depth.log
 .EE
 .RE
+.SH ENVIRONMENT
+These change how a run does its work, never its result.
+A value that cannot be used counts as none.
+.TP
+.B GRIDFORGE_THREADS
+The largest number of threads; without it as many as the process may use processors.
+.TP
+.B GRIDFORGE_MEMORY
+Bytes of memory that waiting cells may take, beyond which they wait in a file without a name; without it half of what is free.
+.TP
+.B GRIDFORGE_SCRATCH
+The folder for that file; without it the folder of the output or the temporary one.
+.TP
+.B GRIDFORGE_PIECE
+Cells of a piece, for tests.
 .SH EXAMPLES
 The highest depth of each cell over many runs, and the run that it came from:
 .PP

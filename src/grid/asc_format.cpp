@@ -139,4 +139,12 @@ Extremes findExtremes(std::span<const float> cells, const Extremes& before)
     return found.any ? found : Extremes{};
 }
 
+Extremes joined(const Extremes& first, const Extremes& second)
+{
+    if (!first.any || !second.any) {
+        return first.any ? first : second;
+    }
+    return {std::min(first.smallest, second.smallest), std::max(first.largest, second.largest), true};
+}
+
 } // namespace gridforge

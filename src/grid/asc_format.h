@@ -22,5 +22,7 @@ struct Extremes {
 
 // The smallest and the largest of `cells` and of what `before` found in other cells; NaN takes no part.
 Extremes findExtremes(std::span<const float> cells, const Extremes& before = {});
+// What was found in two sets of cells together.
+Extremes joined(const Extremes& first, const Extremes& second);
 
 } // namespace gridforge

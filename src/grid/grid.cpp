@@ -14,9 +14,14 @@ std::int32_t gridKilobytes(std::int32_t nrows, std::int32_t ncols)
     return static_cast<std::int32_t>(bytes) / 1000;
 }
 
-void allocateGrid(Grid& grid, const GridHeader& header, std::string_view purpose)
+void sayAllocation(const GridHeader& header, std::string_view purpose)
 {
     say("Allocating ", AINTEGER(gridKilobytes(header.nrows, header.ncols)), "Kb memory for ", purpose);
+}
+
+void allocateGrid(Grid& grid, const GridHeader& header, std::string_view purpose)
+{
+    sayAllocation(header, purpose);
     if (grid.nrows() == header.nrows && grid.ncols() == header.ncols) {
         std::ranges::fill(grid.cells(), 0.0F); // cheaper than fresh memory
     } else if (!grid.allocate(header.nrows, header.ncols)) {

@@ -3,6 +3,7 @@
 #include "core/names.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "grid/header_keywords.h"
 #include "host/ends.h"
 #include "host/file_system.h"
 #include "host/messages.h"
@@ -10,8 +11,6 @@
 namespace gridforge {
 
 namespace {
-
-constexpr int kMaxKeywordLines = 100;
 
 // The projection is looked for in the current folder only, unlike the .hdr; deliberate.
 std::string readProjection(std::string_view gridName)
@@ -45,53 +44,6 @@ std::string readProjection(std::string_view gridName)
     return projection;
 }
 
-struct Placement {
-    bool xGiven = false;
-    bool yGiven = false;
-    bool xIsCentre = false;
-    bool yIsCentre = false;
-};
-
-enum class Keyword { none, read, unreadable };
-
-// Takes the value of the first keyword, in their order, that stands anywhere in the line.
-Keyword takeKeyword(const std::string& line, GridHeader& header, Placement& placement)
-{
-    std::string rest;
-    const auto take = [&rest](auto& target) { return readFree(rest, target) ? Keyword::read : Keyword::unreadable; };
-    if (FLAGEXISTSRET(line, "ncols", rest)) {
-        return take(header.ncols);
-    }
-    if (FLAGEXISTSRET(line, "nrows", rest)) {
-        return take(header.nrows);
-    }
-    if (FLAGEXISTSRET(line, "xllcorner", rest)) {
-        placement.xGiven = true;
-        return take(header.xll);
-    }
-    if (FLAGEXISTSRET(line, "yllcorner", rest)) {
-        placement.yGiven = true;
-        return take(header.yll);
-    }
-    if (FLAGEXISTSRET(line, "xllcenter", rest)) {
-        placement.xGiven = true;
-        placement.xIsCentre = true;
-        return take(header.xll);
-    }
-    if (FLAGEXISTSRET(line, "yllcenter", rest)) {
-        placement.yGiven = true;
-        placement.yIsCentre = true;
-        return take(header.yll);
-    }
-    if (FLAGEXISTSRET(line, "cellsize", rest)) {
-        return take(header.cellsize);
-    }
-    if (FLAGEXISTSRET(line, "NODATA_value", rest)) {
-        return take(header.null);
-    }
-    return Keyword::none;
-}
-
 [[noreturn]] void failHeader(std::string_view line)
 {
     report("ERROR 2334 - Reading Grid file header information.");
@@ -122,21 +74,12 @@ void readKeywords(Unit unit, GridHeader& header, Placement& placement)
     }
 }
 
-void requireComplete(const GridHeader& header, const Placement& placement)
-{
-    // A cell size that is not a number passes.
-    if (header.ncols <= 0 || header.nrows <= 0 || !placement.xGiven || !placement.yGiven || header.cellsize <= 0.0F) {
-        report("ERROR 2333 - Insufficient header information in external grid file.  Check format of file.");
-        EXITS();
-    }
-}
+} // namespace
 
 bool isBinary(std::string_view name)
 {
     return FILEEXT(name) == ".flt";
 }
-
-} // namespace
 
 std::vector<std::string> gridInputFiles(std::string_view name)
 {
@@ -157,15 +100,9 @@ OpenGrid openGrid(std::string_view name)
     GridHeader& header = grid.header;
     Placement placement;
     readKeywords(grid.unit, header, placement);
-    requireComplete(header, placement);
-
-    header.cellsize8 = static_cast<double>(header.cellsize);
-    // A centre moves by a whole cell size, not half of one; deliberate, grids given by centres are placed so.
-    if (placement.xIsCentre) {
-        header.xll -= header.cellsize8;
-    }
-    if (placement.yIsCentre) {
-        header.yll -= header.cellsize8;
+    if (!settle(header, placement)) {
+        report("ERROR 2333 - Insufficient header information in external grid file.  Check format of file.");
+        EXITS();
     }
     say("External Grid Info: ", AINTEGER(header.nrows), " rows by ", AINTEGER(header.ncols), " columns with ",
         AREAL(header.cellsize), " cell size.");

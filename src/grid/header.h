@@ -12,6 +12,8 @@
 
 namespace gridforge {
 
+// The name is that of a .flt.
+bool isBinary(std::string_view name);
 // The files that the grid `name` is read from: its .hdr, where it has one, and itself.
 std::vector<std::string> gridInputFiles(std::string_view name);
 

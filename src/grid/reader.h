@@ -10,4 +10,7 @@ namespace gridforge {
 // short or unreadable file ends the run.
 void readCells(OpenGrid grid, Grid& cells);
 
+// Says, opens and closes the same, and leaves the cells, which are not wanted any more.
+void passCells(OpenGrid grid);
+
 } // namespace gridforge

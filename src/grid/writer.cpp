@@ -2,19 +2,19 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
-#include "grid/asc_format.h"
+#include "grid/asc_write.h"
 #include "host/ends.h"
+#include "host/file_system.h"
 #include "host/units.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
 namespace gridforge {
 
 namespace {
-
-constexpr std::int32_t kProgressRows = 1000;
 
 void writeHeaderLines(Unit unit, const GridHeader& header)
 {
@@ -26,57 +26,59 @@ void writeHeaderLines(Unit unit, const GridHeader& header)
     writeLine(unit, join("NODATA_value ", AREALD(header.null, 1)));
 }
 
-// One width for all cells of the file: room for the largest magnitude, the decimals, the sign and a blank.
-int fieldWidth(const Grid& cells, std::int32_t decimals)
+void writeAscCells(Unit unit, const CellSource& cells, std::int32_t decimals)
 {
-    const Extremes extremes = findExtremes(cells.cells());
-    const float magnitude = std::max(extremes.largest, std::fabs(extremes.smallest));
-    return decimals + static_cast<int>(AREALD(magnitude, 0).size()) + 2;
-}
-
-// Formats straight into the write buffer, in pieces where a row is longer than that.
-void writeAscRow(Unit unit, std::span<const float> row, int width, std::int32_t decimals)
-{
-    const auto fieldBytes = static_cast<std::size_t>(width);
-    const std::size_t piece = kWriteRoom / fieldBytes;
-    while (!row.empty()) {
-        const std::size_t count = std::min(piece, row.size());
-        const std::size_t bytes = count * fieldBytes;
-        formatAscRow(row.first(count), width, decimals, writeRoom(unit, bytes).data());
-        wroteBytes(unit, bytes);
-        row = row.subspan(count);
-    }
-    writeText(unit, "\r\n");
-}
-
-void writeAscCells(Unit unit, const Grid& cells, std::int32_t decimals)
-{
-    const int width = fieldWidth(cells, decimals);
+    const std::int32_t width = ascFieldWidth(cells, decimals);
     sayOpen("Writing ASC grid...");
-    for (std::int32_t row = cells.nrows(); row >= 1; --row) {
-        if (row % kProgressRows == 0) {
-            progress(row);
-        }
-        writeAscRow(unit, cells.row(row), width, decimals);
-    }
+    writeAscRows(unit, cells, width, decimals);
     endLine();
     say("Finished writing ASC grid.");
 }
 
-void writeFltCells(std::string_view name, const Grid& cells)
+// Cells that wait in a file of their own become that of the grid as they are, where that can be.
+bool becomeGridFile(Unit unit, const CellSource& cells)
+{
+    if (cells.store() == nullptr) {
+        return false;
+    }
+    const SystemFile file = cells.store()->becomeFile(systemName(unitName(unit)));
+    if (file == SystemFile::none) {
+        return false;
+    }
+    takeFileInto(unit, file);
+    return true;
+}
+
+void copyCells(Unit unit, const CellSource& cells)
+{
+    constexpr std::size_t kPiece = std::size_t{1} << 18;
+    reserveBytes(unit, static_cast<std::int64_t>(cells.size() * sizeof(float)));
+    const bool inFile = cells.store() != nullptr && cells.store()->isInFile();
+    const std::size_t piece = inFile ? kPiece : cells.size();
+    std::vector<float> room(inFile ? kPiece : 0);
+    for (std::size_t first = 0; first < cells.size(); first += piece) {
+        const auto got = cells.get(first, std::min(piece, cells.size() - first), room);
+        if (!got) {
+            failMemory(); // cells that waited and cannot be read again
+        }
+        writeBytes(unit, std::as_bytes(*got));
+    }
+}
+
+void writeFltCells(std::string_view name, const CellSource& cells)
 {
     Unit unit = 0;
     OPENER(unit, "BO", name);
     say("Writing FLT grid...");
-    const auto bytes = std::as_bytes(cells.cells());
-    reserveBytes(unit, static_cast<std::int64_t>(bytes.size()));
-    writeBytes(unit, bytes);
+    if (!becomeGridFile(unit, cells)) {
+        copyCells(unit, cells);
+    }
     say("Finished writing FLT grid.");
     CLOSER(unit);
 }
 
 // Text that ends within its last value is read as another value, so an .asc looks whole no sooner than it is.
-void writeAsc(std::string_view base, const GridHeader& header, const Grid& cells, std::int32_t decimals)
+void writeAsc(std::string_view base, const GridHeader& header, const CellSource& cells, std::int32_t decimals)
 {
     Unit unit = 0;
     OPENER(unit, "O ", join(base, ".asc"));
@@ -89,7 +91,7 @@ void writeAsc(std::string_view base, const GridHeader& header, const Grid& cells
 
 // No header stands before cells that are not its own, of an earlier file or not all there: readers that find half of the
 // bytes take them for cells of half the size.
-void writeFlt(std::string_view base, const GridHeader& header, const Grid& cells)
+void writeFlt(std::string_view base, const GridHeader& header, const CellSource& cells)
 {
     Unit unit = 0;
     OPENER(unit, "O ", join(base, ".hdr"));
@@ -122,7 +124,7 @@ std::vector<std::string> gridOutputFiles(std::int32_t format, std::string_view b
     return {join(base, ".hdr"), join(base, ".flt")};
 }
 
-void writeGrid(std::int32_t format, std::string_view base, const GridHeader& header, const Grid& cells,
+void writeGrid(std::int32_t format, std::string_view base, const GridHeader& header, const CellSource& cells,
                std::string_view projectionText, std::int32_t decimals)
 {
     if (format != kFormatAsc && format != kFormatFlt) {
@@ -149,6 +151,12 @@ bool isApart(double first, double second, double tolerance)
 }
 
 } // namespace
+
+bool isSameLattice(const GridHeader& first, const GridHeader& second, double tolerance)
+{
+    return first.nrows == second.nrows && first.ncols == second.ncols && !isApart(first.xll, second.xll, tolerance) &&
+           !isApart(first.yll, second.yll, tolerance) && !isApart(first.cellsize8, second.cellsize8, tolerance);
+}
 
 void compareGridDimensions(const GridHeader& first, const GridHeader& second, double tolerance)
 {

@@ -1,6 +1,7 @@
 // The single writer of .asc and .flt grids, and the check that two grids cover the same lattice.
 #pragma once
 
+#include "grid/cell_source.h"
 #include "grid/grid.h"
 
 #include <cstdint>
@@ -20,12 +21,14 @@ std::vector<std::string> gridOutputFiles(std::int32_t format, std::string_view b
 
 // Writes the grid `base` with the extension of `format` and, where `projectionText` is not blank, its .prj. Size,
 // corner, cell size and null are those of `header`; below 0 `decimals` counts as 3.
-void writeGrid(std::int32_t format, std::string_view base, const GridHeader& header, const Grid& cells,
+void writeGrid(std::int32_t format, std::string_view base, const GridHeader& header, const CellSource& cells,
                std::string_view projectionText, std::int32_t decimals = kDefaultDecimals);
 
 // 0.01 in single precision, widened: what corners and cell sizes of the grids of one operation may differ by.
 inline constexpr double kGridTolerance = static_cast<double>(0.01F);
 
+// The grids do not differ in size, corner or cell size.
+bool isSameLattice(const GridHeader& first, const GridHeader& second, double tolerance = kGridTolerance);
 // Reports each of size, corner and cell size in which the grids differ, and ends the run when one does.
 void compareGridDimensions(const GridHeader& first, const GridHeader& second, double tolerance = kGridTolerance);
 

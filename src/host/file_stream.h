@@ -27,6 +27,7 @@ public:
     FileStream& operator=(const FileStream&) = delete;
 
     bool isOpen() const { return file_ != SystemFile::none; }
+    SystemFile file() const { return file_; }
     const std::string& name() const { return name_; }
     bool isOutput() const { return direction_ == Direction::out; }
     // Nothing when closed.

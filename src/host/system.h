@@ -70,7 +70,17 @@ struct System {
     bool (*seek)(SystemFile file, std::int64_t position);
     bool (*truncate)(SystemFile file, std::int64_t size);
     void (*reserve)(SystemFile file, std::int64_t position, std::int64_t count); // a hint that so much will be written
+    void (*willRead)(SystemFile file, std::int64_t position,
+                     std::int64_t count); // a hint that so much will be read soon
     std::optional<FileFacts> (*factsOfOpen)(SystemFile file);
+
+    // --- Files without a name, read and written by position, which are gone when they are closed
+    SystemFile (*openUnnamed)(const std::string& folder);
+    // Sets bytes aside for all of the file; false where they cannot be had.
+    bool (*setAside)(SystemFile file, std::int64_t size);
+    // Gives an unnamed file the name of a file in its folder, which it replaces if that is a plain file of the same user
+    // and group with one name. False, and nothing has changed, where this cannot be done at once.
+    bool (*giveName)(SystemFile file, const std::string& name);
 
     // --- Names
     SystemStatus (*facts)(const std::string& name, FileFacts& facts); // changes `facts` when done
@@ -87,6 +97,11 @@ struct System {
     bool (*consoleIsWatched)();                          // by a person, who is to see each line at once
     std::int64_t (*now)();
     CalendarDate (*today)();
+
+    // --- What the process may take
+    std::size_t (*processors)();
+    std::string (*temporaryFolder)();
+    std::uint64_t (*memoryLeft)(); // bytes, by the machine and by all limits that the process stands under
 };
 
 // The system in use: that which the tool is built for, unless another was put in its place.

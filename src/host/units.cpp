@@ -539,6 +539,24 @@ void reserveBytes(Unit unit, std::int64_t count)
     stream(unit).reserve(count);
 }
 
+SystemFile positionedFile(Unit unit)
+{
+    const std::optional<FileIdentity> file = stream(unit).identity();
+    if (!file || !file->regular) {
+        return SystemFile::none;
+    }
+    requireWritten(stream(unit).flush(), unit);
+    return stream(unit).file();
+}
+
+void takeFileInto(Unit unit, SystemFile file)
+{
+    FileStream& old = stream(unit);
+    FileStream taken(file, Direction::out, old.name());
+    requireWritten(old.close(), unit);
+    old = std::move(taken);
+}
+
 void markUnfinished(Unit unit)
 {
     stream(unit).markUnfinished();

@@ -90,6 +90,11 @@ inline constexpr std::size_t kWriteRoom = std::size_t{1} << 20;
 void truncateHere(Unit unit);
 // Tells the file system how many bytes will be written, so that it can lay them out at once. Only a hint.
 void reserveBytes(Unit unit, std::int64_t count);
+// The open file itself, for bytes to be written by position where the unit stands and after it; what is buffered has been
+// written. None where the file has no positions, like a pipe. The unit goes on from where seekTo puts it.
+SystemFile positionedFile(Unit unit);
+// The unit goes on with another open file in place of its own, which has the same name now.
+void takeFileInto(Unit unit, SystemFile file);
 // Between these two, right after the opening and last before the closing, a file does not look whole: what a killed run
 // leaves begins with a byte that no reader takes.
 void markUnfinished(Unit unit);

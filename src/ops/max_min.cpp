@@ -1,14 +1,33 @@
 #include "ops/max_min.h"
 
 #include "core/numbers.h"
-#include "grid/writer.h"
 #include "host/console.h"
 #include "ops/max_min_cells.h"
+#include "run/cell_story.h"
 #include "run/legend.h"
-#include "run/load.h"
 #include "run/outputs.h"
 
 namespace gridforge {
+
+namespace {
+
+constexpr std::size_t kExtreme = 0;
+constexpr std::size_t kSource = 1;
+
+FoldKernel kernelOf(const RunSettings& settings)
+{
+    return [&settings](const CellPiece& piece, std::size_t i, std::span<const float> cells, OutputPieces kept) {
+        const Taken taken{cells, piece.nulls[i], static_cast<float>(i + 1)};
+        const std::span<float> sources = settings.src ? std::span<float>() : kept[kSource];
+        if (i == 0) {
+            startExtremes(taken, settings.max, piece.nulls[0], kept[kExtreme], sources);
+        } else {
+            takeExtremes(taken, settings.max, kept[kExtreme], sources);
+        }
+    };
+}
+
+} // namespace
 
 void runMaxMin(const RunSettings& settings, const InputFileList& inputs)
 {
@@ -18,36 +37,29 @@ void runMaxMin(const RunSettings& settings, const InputFileList& inputs)
         say("Supressing source grid following \"-src\" option.");
     }
 
-    Grid current;
-    Grid extreme;
-    Grid sources;
+    CellStory story(settings, inputs, {.grids = settings.src ? 1U : 2U}, kernelOf(settings));
     const auto allocateKept = [&](const GridHeader& first) {
-        allocateGrid(extreme, first, "storing maximum / minimum values data...");
+        story.allocate(kExtreme, first, "storing maximum / minimum values data...");
         if (!settings.src) {
-            allocateGrid(sources, first, "storing maximums / minimum source data...");
+            story.allocate(kSource, first, "storing maximums / minimum source data...");
         }
     };
-    const auto take = [&](std::int32_t i, const GridHeader& header) {
+    const auto take = [&](std::int32_t i) {
         say(maximum ? "Comparing maximums..." : "Comparing minimums...");
-        const Taken taken{current.cells(), header.null, static_cast<float>(i)};
-        if (i == 1) {
-            startExtremes(taken, maximum, header.null, extreme.cells(), sources.cells());
-        } else {
-            takeExtremes(taken, maximum, extreme.cells(), sources.cells());
-        }
+        story.take(i);
         say("   Done.");
     };
-    const auto [first, firstFormat, projectionText] = loadEach(inputs, "external grid...", allocateKept, current, take);
+    const auto [first, firstFormat, projectionText] = story.loadEach("external grid...", allocateKept, take);
 
     const std::string base = outputNameRule(settings, inputs[1], maximum ? "(maxmax)" : "(minmin)");
     const std::int32_t format = outputFormatRule(settings, firstFormat);
     say("Writing maximum / minimum values to: ", base);
-    writeGrid(format, base, first, extreme, projectionText, settings.decimals);
+    story.write(kExtreme, format, base, first, projectionText, settings.decimals);
     if (settings.src) {
         return;
     }
     say("Writing maximum / minimum source file to: ", base, "_src");
-    writeGrid(format, base + "_src", first, sources, projectionText, settings.decimals);
+    story.write(kSource, format, base + "_src", first, projectionText, settings.decimals);
     writeSourceLegend(base + "_src_legend.csv", inputs);
 }
 

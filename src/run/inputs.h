@@ -21,6 +21,13 @@ public:
     void add(std::string name) { names_.push_back(std::move(name)); }
     // The last input named the output, so it is no input.
     void dropLast() { names_.pop_back(); }
+    // The first `count` of them.
+    InputFileList first(std::int32_t count) const
+    {
+        InputFileList some;
+        some.names_.assign(names_.begin(), names_.begin() + count);
+        return some;
+    }
 
 private:
     std::vector<std::string> names_;

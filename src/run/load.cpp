@@ -32,30 +32,38 @@ LoadedGrid loadGrid(const std::string& name, const LoadSteps& steps, Grid& cells
         compareGridDimensions(*steps.match, header);
         sayStep(steps.matched);
     }
-    if (!steps.purpose.empty()) {
+    if (!steps.purpose.empty() && steps.ahead) {
+        sayAllocation(header, steps.purpose);
+    } else if (!steps.purpose.empty()) {
         allocateGrid(cells, header, steps.purpose);
     }
     if (steps.prepare) {
         steps.prepare(header);
     }
     sayStep(steps.reading);
-    readCells(std::move(grid), cells);
+    if (steps.ahead) {
+        passCells(std::move(grid));
+    } else {
+        readCells(std::move(grid), cells);
+    }
     sayStep(steps.done);
     return loaded;
 }
 
 LoadedGrid loadEach(const InputFileList& inputs, const std::string& purpose,
                     const std::function<void(const GridHeader&)>& prepare, Grid& cells,
-                    const std::function<void(std::int32_t, const GridHeader&)>& use)
+                    const std::function<void(std::int32_t, const GridHeader&)>& use, bool ahead)
 {
     LoadedGrid first;
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         const std::string announced = join("Processing: ", inputs[i]);
         if (i == 1) {
-            first = loadGrid(inputs[i], {.purpose = purpose, .prepare = prepare, .reading = announced}, cells);
+            first = loadGrid(inputs[i], {.purpose = purpose, .prepare = prepare, .reading = announced, .ahead = ahead},
+                             cells);
             use(i, first.header);
         } else {
-            const LoadedGrid next = loadGrid(inputs[i], {.opening = announced, .match = &first.header}, cells);
+            const LoadedGrid next =
+                loadGrid(inputs[i], {.opening = announced, .match = &first.header, .ahead = ahead}, cells);
             first.projectionText = next.projectionText;
             use(i, next.header);
         }

@@ -21,6 +21,7 @@ struct LoadSteps {
     std::function<void(const GridHeader&)> prepare = nullptr; // what else comes before the cells
     std::string reading = {};                                 // before the cells are read
     std::string done = {};                                    // after
+    bool ahead = false; // the cells are not wanted any more: they get no memory, and are passed over
 };
 
 // What its files say of a grid besides its cells.
@@ -37,6 +38,6 @@ LoadedGrid loadGrid(const std::string& name, const LoadSteps& steps, Grid& cells
 // match it. Returns the first with the projection of the last, as outputs are written.
 LoadedGrid loadEach(const InputFileList& inputs, const std::string& purpose,
                     const std::function<void(const GridHeader&)>& prepare, Grid& cells,
-                    const std::function<void(std::int32_t, const GridHeader&)>& use);
+                    const std::function<void(std::int32_t, const GridHeader&)>& use, bool ahead = false);
 
 } // namespace gridforge

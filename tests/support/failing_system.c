@@ -49,6 +49,7 @@ enum Function {
     ADVISE,
     MMAP,
     RENAME,
+    LINK,
     UNLINK,
     STAT,
     LSEEK,
@@ -59,8 +60,8 @@ enum Function {
 };
 
 static const char* const names[FUNCTIONS] = {"open",      "read",      "pread",   "write",   "pwrite", "close",
-                                             "ftruncate", "fallocate", "advise",  "mmap",    "rename", "unlink",
-                                             "stat",      "lseek",     "opendir", "readdir", "malloc"};
+                                             "ftruncate", "fallocate", "advise",  "mmap",    "rename", "link",
+                                             "unlink",    "stat",      "lseek",   "opendir", "readdir", "malloc"};
 
 enum Kind { NOTHING, WATCH, KILL, FAIL, SHORT, DISTURB };
 enum When { BEFORE, WITHIN, AFTER };
@@ -227,11 +228,31 @@ static struct {
     char role; /* 0 where it is not known */
 } files[MOST_FILES];
 
+static const char* const kUnnamed = "(unnamed)";
+
+static int isUnnamed(int flags)
+{
+    return (flags & O_TMPFILE) == O_TMPFILE;
+}
+
 static void noteOpen(int file, const char* name, int flags)
 {
     if (file > STDERR_FILENO && file < MOST_FILES) {
         snprintf(files[file].name, sizeof files[file].name, "%s", name);
         files[file].role = (flags & O_ACCMODE) == O_RDONLY ? 'r' : 'w';
+    }
+}
+
+/* An unnamed file, as /proc names it, or one that has another name now. */
+static void noteName(const char* from, const char* to)
+{
+    int file = -1;
+    if (sscanf(from, "/proc/self/fd/%d", &file) != 1) {
+        for (file = 0; file < MOST_FILES && (files[file].role == 0 || strcmp(files[file].name, from) != 0); ++file) {
+        }
+    }
+    if (file > STDERR_FILENO && file < MOST_FILES) {
+        snprintf(files[file].name, sizeof files[file].name, "%s", to);
     }
 }
 
@@ -449,10 +470,11 @@ static struct Verdict enterName(enum Function function, const char* name, char r
     {                                                                                                                  \
         REAL(int, name, (const char*, int, ...))                                                                       \
         const int writes = (flags & O_ACCMODE) != O_RDONLY;                                                            \
-        const struct Verdict verdict = enterName(OPEN, path, writes ? 'w' : 'r', writes);                              \
+        const char* const called = isUnnamed(flags) ? kUnnamed : path;                                                 \
+        const struct Verdict verdict = enterName(OPEN, called, writes ? 'w' : 'r', writes);                            \
         mode_t mode = 0;                                                                                               \
         int file = -1;                                                                                                 \
-        if ((flags & O_CREAT) != 0) {                                                                                  \
+        if ((flags & O_CREAT) != 0 || isUnnamed(flags)) {                                                              \
             va_list more;                                                                                              \
             va_start(more, flags);                                                                                     \
             mode = va_arg(more, mode_t);                                                                               \
@@ -463,7 +485,7 @@ static struct Verdict enterName(enum Function function, const char* name, char r
         }                                                                                                              \
         file = real(path, flags, mode);                                                                                \
         leave(verdict);                                                                                                \
-        noteOpen(file, path, flags);                                                                                   \
+        noteOpen(file, called, flags);                                                                                 \
         return file;                                                                                                   \
     }
 OPEN_AS(open)
@@ -547,7 +569,29 @@ CALL_AS(int, madvise, (void* start, size_t length, int advice), (start, length, 
         -1)
 CALL_AS(void*, mmap, (void* start, size_t length, int rights, int flags, int file, off_t at),
         (start, length, rights, flags, file, at), enterFile(MMAP, file, -1, 0), MAP_FAILED)
-CALL_AS(int, rename, (const char* from, const char* to), (from, to), enterName(RENAME, to, 'w', 1), -1)
+
+/* A routine that gives a file another name. */
+#define NAME_AS(name, function, parameters, arguments)                                                                 \
+    int name parameters;                                                                                               \
+    int name parameters                                                                                                \
+    {                                                                                                                  \
+        REAL(int, name, parameters)                                                                                    \
+        const struct Verdict verdict = enterName(function, to, 'w', 1);                                                \
+        int answer = -1;                                                                                               \
+        if (isRefused(verdict)) {                                                                                      \
+            return -1;                                                                                                 \
+        }                                                                                                              \
+        answer = real arguments;                                                                                       \
+        leave(verdict);                                                                                                \
+        if (answer == 0) {                                                                                             \
+            noteName(from, to);                                                                                        \
+        }                                                                                                              \
+        return answer;                                                                                                 \
+    }
+NAME_AS(rename, RENAME, (const char* from, const char* to), (from, to))
+NAME_AS(linkat, LINK, (int fromFolder, const char* from, int toFolder, const char* to, int flags),
+        (fromFolder, from, toFolder, to, flags))
+
 CALL_AS(int, unlink, (const char* path), (path), enterName(UNLINK, path, 'w', 1), -1)
 CALL_AS(int, stat, (const char* path, Status* status), (path, status), enterName(STAT, path, '-', 0), -1)
 CALL_AS(int, stat64, (const char* path, Status64* status), (path, status), enterName(STAT, path, '-', 0), -1)

@@ -15,6 +15,7 @@ inline void askSystem(ToolRun& run, const std::string& mission, const std::strin
     // The module comes before the library of a sanitized tool.
     run.environment("ASAN_OPTIONS", "verify_asan_link_order=0:detect_leaks=0");
     run.environment("GRIDFORGE_SYSTEM", mission);
+    run.environment("GRIDFORGE_THREADS", "1"); // so that calls come in the same order in each run
     if (!log.empty()) {
         run.environment("GRIDFORGE_SYSTEM_LOG", log);
     }

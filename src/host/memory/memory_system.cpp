@@ -105,6 +105,17 @@ bool mayBeMade(const std::string& name)
     return !plain.empty() && (separator == std::string::npos || isFolder(plain.substr(0, separator)));
 }
 
+SystemFile openSlot(OpenMemoryFile file)
+{
+    auto& open = memory().open;
+    auto slot = std::ranges::find_if(open, [](const OpenMemoryFile& one) { return one.file == nullptr; });
+    if (slot == open.end()) {
+        slot = open.emplace(open.end());
+    }
+    *slot = std::move(file);
+    return SystemFile{slot - open.begin()};
+}
+
 SystemFile openFile(const std::string& name, OpenFor purpose)
 {
     std::shared_ptr<MemoryFile> file = find(name);
@@ -118,13 +129,7 @@ SystemFile openFile(const std::string& name, OpenFor purpose)
         file->bytes.clear();
         touch(*file);
     }
-    auto& open = memory().open;
-    auto slot = std::ranges::find_if(open, [](const OpenMemoryFile& one) { return one.file == nullptr; });
-    if (slot == open.end()) {
-        slot = open.emplace(open.end());
-    }
-    *slot = {std::move(file), purpose, 0};
-    return SystemFile{slot - open.begin()};
+    return openSlot({std::move(file), purpose, 0});
 }
 
 bool closeFile(SystemFile file)
@@ -203,9 +208,38 @@ bool truncateFile(SystemFile file, std::int64_t size)
 
 void reserveInFile(SystemFile, std::int64_t, std::int64_t) {}
 
+void willReadFile(SystemFile, std::int64_t, std::int64_t) {}
+
 std::optional<FileFacts> factsOfOpenFile(SystemFile file)
 {
     return factsIn(*opened(file).file);
+}
+
+// --- Files without a name --------------------------------------------------------------------------------------------
+
+SystemFile openUnnamedFile(const std::string& folder)
+{
+    if (!isFolder(folder)) {
+        return SystemFile::none;
+    }
+    auto file = std::make_shared<MemoryFile>();
+    file->number = ++memory().filesMade;
+    return openSlot({std::move(file), OpenFor::updating, 0});
+}
+
+bool setAsideFor(SystemFile file, std::int64_t size)
+{
+    return truncateFile(file, size);
+}
+
+bool giveNameTo(SystemFile file, const std::string& name)
+{
+    if (isFolder(name) || !mayBeMade(name)) {
+        return false;
+    }
+    touch(*opened(file).file);
+    memory().files[plainName(name)] = opened(file).file;
+    return true;
 }
 
 // --- Names -----------------------------------------------------------------------------------------------------------
@@ -314,7 +348,11 @@ const System& memorySystem()
         .seek = seekInFile,
         .truncate = truncateFile,
         .reserve = reserveInFile,
+        .willRead = willReadFile,
         .factsOfOpen = factsOfOpenFile,
+        .openUnnamed = openUnnamedFile,
+        .setAside = setAsideFor,
+        .giveName = giveNameTo,
         .facts = factsOfName,
         .lookUp = lookUpName,
         .list = listFolder,
@@ -326,6 +364,9 @@ const System& memorySystem()
         .consoleIsWatched = isConsoleWatched,
         .now = timeNow,
         .today = dateOfToday,
+        .processors = [] { return std::size_t{1}; },
+        .temporaryFolder = [] { return std::string(); },
+        .memoryLeft = [] { return std::uint64_t{1} << 30; },
     };
     return kMemory;
 }

@@ -1,6 +1,8 @@
 // The system by the POSIX calls.
 #include "host/system.h"
 
+#include "host/posix/resources.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csetjmp>
@@ -13,6 +15,7 @@
 #include <memory>
 #include <poll.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -22,6 +25,7 @@ namespace {
 
 // The system reads and writes at most this much in one call.
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
+constexpr mode_t kNewFileMode = 0666;
 
 int descriptorOf(SystemFile file)
 {
@@ -74,7 +78,6 @@ FileFacts factsIn(const struct stat& status)
 
 SystemFile openFile(const std::string& name, OpenFor purpose)
 {
-    constexpr mode_t kNewFileMode = 0666;
     int flags = O_CLOEXEC;
     switch (purpose) {
     case OpenFor::reading: flags |= O_RDONLY; break;
@@ -136,10 +139,82 @@ void reserveInFile([[maybe_unused]] SystemFile file, [[maybe_unused]] std::int64
 #endif
 }
 
+void willReadFile(SystemFile file, std::int64_t position, std::int64_t count)
+{
+    posix_fadvise(descriptorOf(file), position, count, POSIX_FADV_WILLNEED);
+}
+
 std::optional<FileFacts> factsOfOpenFile(SystemFile file)
 {
     struct stat status = {};
     return ::fstat(descriptorOf(file), &status) == 0 ? std::optional(factsIn(status)) : std::nullopt;
+}
+
+// --- Files without a name --------------------------------------------------------------------------------------------
+
+// Where the file system has no unnamed files, a file that loses its name at once serves, though it gets none again.
+SystemFile openNameless(const std::string& folder)
+{
+    std::string name = (folder.empty() ? "." : folder) + "/gridforge-XXXXXX";
+    const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
+    if (descriptor >= 0) {
+        ::unlink(name.c_str());
+    }
+    return SystemFile{descriptor};
+}
+
+SystemFile openUnnamedFile(const std::string& folder)
+{
+#ifdef O_TMPFILE
+    const char* const path = folder.empty() ? "." : folder.c_str();
+    const auto descriptor =
+        static_cast<int>(uninterrupted([&] { return ::open(path, O_TMPFILE | O_RDWR | O_CLOEXEC, kNewFileMode); }));
+    if (descriptor >= 0) {
+        return SystemFile{descriptor};
+    }
+#endif
+    return openNameless(folder);
+}
+
+// A file system that cannot set bytes aside is believed to have them: a write that fails tells.
+bool setAsideFor(SystemFile file, std::int64_t size)
+{
+#ifdef __linux__
+    const auto result = uninterrupted([&] { return ::fallocate(descriptorOf(file), 0, 0, size); });
+    return result == 0 || errno == EOPNOTSUPP || errno == ENOSYS;
+#else
+    return truncateFile(file, size);
+#endif
+}
+
+// Where `name` is taken, by a file that may be replaced as a whole: the new one gets its rights.
+bool takeRights(int descriptor, const std::string& name)
+{
+    struct stat old = {};
+    struct stat fresh = {};
+    if (::lstat(name.c_str(), &old) != 0) {
+        return errno == ENOENT;
+    }
+    return S_ISREG(old.st_mode) && old.st_nlink == 1 && ::fstat(descriptor, &fresh) == 0 &&
+           old.st_uid == fresh.st_uid && old.st_gid == fresh.st_gid && old.st_dev == fresh.st_dev &&
+           ::listxattr(name.c_str(), nullptr, 0) <= 0 && ::fchmod(descriptor, old.st_mode & 07777U) == 0;
+}
+
+// By way of another name, because a link replaces no file and a file without a name cannot be renamed.
+bool giveNameTo(SystemFile file, const std::string& name)
+{
+    const int descriptor = descriptorOf(file);
+    const std::string entry = "/proc/self/fd/" + std::to_string(descriptor);
+    const std::string passing = name + '.' + std::to_string(::getpid()) + ".part";
+    if (!takeRights(descriptor, name) ||
+        ::linkat(AT_FDCWD, entry.c_str(), AT_FDCWD, passing.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+        return false;
+    }
+    if (std::rename(passing.c_str(), name.c_str()) == 0) {
+        return true;
+    }
+    ::unlink(passing.c_str());
+    return false;
 }
 
 // --- Names -----------------------------------------------------------------------------------------------------------
@@ -282,7 +357,11 @@ const System& nativeSystem()
         .seek = seekInFile,
         .truncate = truncateFile,
         .reserve = reserveInFile,
+        .willRead = willReadFile,
         .factsOfOpen = factsOfOpenFile,
+        .openUnnamed = openUnnamedFile,
+        .setAside = setAsideFor,
+        .giveName = giveNameTo,
         .facts = factsOfName,
         .lookUp = lookUpName,
         .list = listFolder,
@@ -294,6 +373,9 @@ const System& nativeSystem()
         .consoleIsWatched = isConsoleWatched,
         .now = timeNow,
         .today = dateOfToday,
+        .processors = processorsToUse,
+        .temporaryFolder = [] { return std::string("/tmp"); },
+        .memoryLeft = memoryLeftToTake,
     };
     return kPosix;
 }

@@ -196,9 +196,38 @@ void reserveInFile(SystemFile file, std::int64_t position, std::int64_t count)
     SetFileInformationByHandle(handleOf(file), FileAllocationInfo, &room, sizeof room);
 }
 
+void willReadFile(SystemFile, std::int64_t, std::int64_t) {}
+
 std::optional<FileFacts> factsOfOpenFile(SystemFile file)
 {
     return factsIn(handleOf(file));
+}
+
+// --- Files without a name --------------------------------------------------------------------------------------------
+
+SystemFile openUnnamedFile(const std::string& folder)
+{
+    const std::wstring path = wide(folder.empty() ? "." : folder);
+    std::wstring name(MAX_PATH, L'\0');
+    if (GetTempFileNameW(path.c_str(), L"gfg", 0, name.data()) == 0) {
+        return SystemFile::none;
+    }
+    const HANDLE handle = CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, FILE_SHARE_DELETE, nullptr,
+                                      CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    return handle == INVALID_HANDLE_VALUE ? SystemFile::none : SystemFile{reinterpret_cast<std::intptr_t>(handle)};
+}
+
+bool setAsideFor(SystemFile file, std::int64_t size)
+{
+    FILE_ALLOCATION_INFO room = {};
+    room.AllocationSize.QuadPart = size;
+    return SetFileInformationByHandle(handleOf(file), FileAllocationInfo, &room, sizeof room) != 0;
+}
+
+// A file that goes when it is closed keeps no name.
+bool giveNameTo(SystemFile, const std::string&)
+{
+    return false;
 }
 
 // --- Names -----------------------------------------------------------------------------------------------------------
@@ -296,6 +325,29 @@ CalendarDate dateOfToday()
     return {now.wYear, now.wMonth, now.wDay};
 }
 
+// --- What the process may take ---------------------------------------------------------------------------------------
+
+std::size_t processorsToUse()
+{
+    SYSTEM_INFO machine = {};
+    GetSystemInfo(&machine);
+    return std::max<std::size_t>(1, machine.dwNumberOfProcessors);
+}
+
+std::string folderForTemporaryFiles()
+{
+    std::wstring path(MAX_PATH + 1, L'\0');
+    path.resize(GetTempPathW(static_cast<DWORD>(path.size()), path.data()));
+    return narrow(path);
+}
+
+std::uint64_t memoryLeftToTake()
+{
+    MEMORYSTATUSEX memory = {};
+    memory.dwLength = sizeof memory;
+    return GlobalMemoryStatusEx(&memory) == 0 ? 0 : memory.ullAvailPhys;
+}
+
 // --- Memory ----------------------------------------------------------------------------------------------------------
 
 void* takeZeroed(std::size_t bytes)
@@ -332,7 +384,11 @@ const System& nativeSystem()
         .seek = seekInFile,
         .truncate = truncateFile,
         .reserve = reserveInFile,
+        .willRead = willReadFile,
         .factsOfOpen = factsOfOpenFile,
+        .openUnnamed = openUnnamedFile,
+        .setAside = setAsideFor,
+        .giveName = giveNameTo,
         .facts = factsOfName,
         .lookUp = lookUpName,
         .list = listFolder,
@@ -344,6 +400,9 @@ const System& nativeSystem()
         .consoleIsWatched = isConsoleWatched,
         .now = timeNow,
         .today = dateOfToday,
+        .processors = processorsToUse,
+        .temporaryFolder = folderForTemporaryFiles,
+        .memoryLeft = memoryLeftToTake,
     };
     return kWindows;
 }

@@ -1,0 +1,208 @@
+#include "grid/asc_decode.h"
+
+#include "core/huge_array.h"
+#include "core/worker_rooms.h"
+#include "grid/asc_parse.h"
+#include "host/file_stream.h"
+#include "host/positions.h"
+#include "host/threads.h"
+
+#include <algorithm>
+#include <atomic>
+#include <bit>
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::size_t kWindow = std::size_t{1} << 23;
+constexpr std::size_t kPieceBytes = std::size_t{1} << 18;
+// A cell with an empty value is left as it was, which shows by these bits: no text gives them.
+constexpr std::uint32_t kUntouched = 0x7FA5C3E1U;
+
+// Whole lines of a window.
+struct LinePiece {
+    std::string_view text;
+    std::size_t firstRow = 0;
+    std::size_t rows = 0;
+};
+
+// Text from a file, window after window, each ending with a whole line.
+class Windows {
+public:
+    explicit Windows(const GridLook& look)
+        : file_(look.file.empty() ? SystemFile::none : theSystem().open(look.file, OpenFor::reading)),
+          next_(look.cellsFrom), end_(look.size)
+    {
+    }
+    ~Windows()
+    {
+        if (file_ != SystemFile::none) {
+            theSystem().close(file_);
+        }
+    }
+    Windows(const Windows&) = delete;
+    Windows& operator=(const Windows&) = delete;
+
+    [[nodiscard]] bool open()
+    {
+        return file_ != SystemFile::none && text_.allocate(kWindow) && spare_.allocate(kWindow);
+    }
+    bool atEnd() const { return next_ == end_; }
+    // The lines of the window read last.
+    std::string_view lines() const { return {text_.all().data(), whole_}; }
+
+    // Reads on behind what is left of the last window. False where the system refuses, or a line is too long.
+    bool read()
+    {
+        const std::size_t left = filled_ - whole_;
+        std::ranges::copy(text_.all().subspan(whole_, left), spare_.all().begin());
+        const auto count = static_cast<std::size_t>(std::min(end_ - next_, static_cast<std::int64_t>(kWindow - left)));
+        const auto target = std::as_writable_bytes(spare_.all()).subspan(left, count);
+        if (!readAllAt(file_, next_, target)) {
+            return false;
+        }
+        spareFilled_ = left + count;
+        next_ += static_cast<std::int64_t>(count);
+        return true;
+    }
+
+    // Goes on to what was read. False where there is no whole line in it.
+    bool turn()
+    {
+        std::swap(text_, spare_);
+        filled_ = spareFilled_;
+        const std::string_view text(text_.all().data(), filled_);
+        whole_ = atEnd() ? filled_ : text.rfind('\n') + 1; // nothing found and one is none
+        return whole_ > 0;
+    }
+
+private:
+    SystemFile file_;
+    std::int64_t next_;
+    std::int64_t end_;
+    HugeArray<char> text_;
+    HugeArray<char> spare_;
+    std::size_t filled_ = 0;
+    std::size_t spareFilled_ = 0;
+    std::size_t whole_ = 0; // bytes of the text up to the end of its last line
+};
+
+// Splits lines into pieces and counts their rows; the last line may lack its end.
+std::vector<LinePiece> split(std::string_view lines, std::size_t firstRow)
+{
+    std::vector<LinePiece> pieces;
+    while (!lines.empty()) {
+        const std::size_t cut = lines.size() <= kPieceBytes ? std::string_view::npos : lines.find('\n', kPieceBytes);
+        const std::string_view text = lines.substr(0, cut == std::string_view::npos ? lines.size() : cut + 1);
+        const auto rows = static_cast<std::size_t>(std::ranges::count(text, '\n')) + (text.ends_with('\n') ? 0 : 1);
+        pieces.push_back({text, firstRow, rows});
+        firstRow += rows;
+        lines.remove_prefix(text.size());
+    }
+    return pieces;
+}
+
+// One row from the head of `text`, which loses its line. False where the row is not all of one line.
+bool parseLine(std::string_view& text, std::span<float> row)
+{
+    const std::size_t end = text.find('\n');
+    const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
+    const bool mayBeEmpty = text.substr(0, length).find(',') != std::string_view::npos;
+    if (mayBeEmpty) {
+        std::ranges::fill(row, std::bit_cast<float>(kUntouched));
+    }
+    AscRowState state;
+    std::size_t consumed = 0;
+    if (parseAscRow(state, text, end == std::string_view::npos, consumed, row) != AscRow::done || consumed != length) {
+        return false;
+    }
+    text.remove_prefix(length);
+    return !mayBeEmpty ||
+           std::ranges::none_of(row, [](float cell) { return std::bit_cast<std::uint32_t>(cell) == kUntouched; });
+}
+
+// Rows into the store: in place, or by way of a room for a few where it is a file.
+class Decoder {
+public:
+    Decoder(const GridHeader& header, CellStore& cells)
+        : columns_(static_cast<std::size_t>(header.ncols)), rows_(static_cast<std::size_t>(header.nrows)),
+          roomRows_(std::max<std::size_t>(1, kRoomCells / columns_)), cells_(cells)
+    {
+    }
+
+    [[nodiscard]] bool takeRooms() { return rooms_.take(threadCount(), cells_.isInFile() ? roomRows_ * columns_ : 0); }
+
+    std::size_t rows() const { return rows_; }
+
+    bool decode(const LinePiece& piece, std::size_t worker)
+    {
+        std::string_view text = piece.text;
+        const std::size_t end = std::min(piece.firstRow + piece.rows, rows_);
+        for (std::size_t row = piece.firstRow; row < end; row += roomRows_) {
+            const std::size_t rows = std::min(roomRows_, end - row);
+            const bool inFile = cells_.isInFile();
+            const std::span<float> target = inFile ? rooms_.of(worker).first(rows * columns_)
+                                                   : cells_.inMemory().subspan(row * columns_, rows * columns_);
+            if (!parseLines(text, target) || (inFile && !cells_.put(row * columns_, target))) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    static constexpr std::size_t kRoomCells = std::size_t{1} << 16;
+
+    bool parseLines(std::string_view& text, std::span<float> rows) const
+    {
+        for (; !rows.empty(); rows = rows.subspan(columns_)) {
+            if (!parseLine(text, rows.first(columns_))) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    std::size_t columns_;
+    std::size_t rows_;
+    std::size_t roomRows_;
+    CellStore& cells_;
+    WorkerRooms<float> rooms_;
+};
+
+} // namespace
+
+bool decodeAsc(const GridLook& look, CellStore& cells)
+{
+    Windows windows(look);
+    Decoder decoder(look.header, cells);
+    if (!windows.open() || !decoder.takeRooms() || !windows.read()) {
+        return false;
+    }
+    std::size_t firstRow = 0;
+    std::atomic<bool> good = true;
+    while (good && firstRow < decoder.rows()) {
+        if (!windows.turn()) {
+            return false;
+        }
+        const std::vector<LinePiece> pieces = split(windows.lines(), firstRow);
+        // One thread reads on while the others parse.
+        parallelFor(pieces.size() + 1, [&](std::size_t piece, std::size_t worker) {
+            const bool done = piece == 0 ? windows.read() : decoder.decode(pieces[piece - 1], worker);
+            if (!done) {
+                good = false;
+            }
+        });
+        firstRow = pieces.back().firstRow + pieces.back().rows;
+        if (windows.atEnd() && windows.lines().empty()) {
+            break;
+        }
+    }
+    return good && firstRow >= decoder.rows();
+}
+
+} // namespace gridforge

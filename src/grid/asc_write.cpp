@@ -1,0 +1,204 @@
+#include "grid/asc_write.h"
+
+#include "core/numbers.h"
+#include "core/worker_rooms.h"
+#include "grid/asc_format.h"
+#include "host/ends.h"
+#include "host/positions.h"
+#include "host/threads.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+
+namespace {
+
+constexpr std::int32_t kProgressRows = 1000;
+constexpr std::size_t kPieceCells = std::size_t{1} << 17;
+constexpr std::string_view kLineEnd = "\r\n";
+
+// Cells that waited and cannot be read again are room that was not there.
+std::span<const float> fetched(const CellSource& cells, std::size_t first, std::size_t count, std::span<float> room)
+{
+    const auto got = cells.get(first, count, room);
+    if (!got) {
+        failMemory();
+    }
+    return *got;
+}
+
+// --- By position, in pieces of whole rows ----------------------------------------------------------------------------
+
+struct RowPieces {
+    std::size_t rows = 0; // of a piece, the last one may have fewer
+    std::size_t pieces = 0;
+};
+
+RowPieces pieceRows(const CellSource& cells)
+{
+    const auto nrows = static_cast<std::size_t>(cells.nrows());
+    const std::size_t rows =
+        std::clamp<std::size_t>(cellsPerPiece(kPieceCells) / static_cast<std::size_t>(std::max(cells.ncols(), 1)), 1,
+                                std::max<std::size_t>(nrows, 1));
+    return {rows, (nrows + rows - 1) / rows};
+}
+
+// Cells of a store that is a file must be fetched.
+std::size_t fetchedCells(const CellSource& cells, std::size_t count)
+{
+    return cells.store() != nullptr && cells.store()->isInFile() ? count : 0;
+}
+
+class PositionWriter {
+public:
+    PositionWriter(const CellSource& cells, std::int32_t width, std::int32_t decimals)
+        : cells_(cells), width_(width), decimals_(decimals), split_(pieceRows(cells))
+    {
+    }
+
+    // Of one piece alone there is nothing to write side by side.
+    bool hasPieces() const { return split_.pieces > 1; }
+
+    [[nodiscard]] bool takeRooms()
+    {
+        return fetched_.take(threadCount(), fetchedCells(cells_, split_.rows * columns())) &&
+               text_.take(threadCount(), split_.rows * rowBytes());
+    }
+
+    std::int64_t bytes() const
+    {
+        return static_cast<std::int64_t>(rowBytes() * static_cast<std::size_t>(cells_.nrows()));
+    }
+
+    // False where a piece could not be fetched or written.
+    bool write(SystemFile file, std::int64_t start)
+    {
+        std::atomic<bool> good = true;
+        parallelFor(split_.pieces, [&](std::size_t piece, std::size_t worker) {
+            if (good && !writePiece(file, start, piece, worker)) {
+                good = false;
+            }
+        });
+        return good;
+    }
+
+private:
+    std::size_t columns() const { return static_cast<std::size_t>(cells_.ncols()); }
+    std::size_t rowBytes() const { return columns() * static_cast<std::size_t>(width_) + kLineEnd.size(); }
+
+    bool writePiece(SystemFile file, std::int64_t start, std::size_t piece, std::size_t worker)
+    {
+        const std::size_t firstRow = piece * split_.rows;
+        const std::size_t rows = std::min(split_.rows, static_cast<std::size_t>(cells_.nrows()) - firstRow);
+        const std::span<char> text = text_.of(worker).first(rows * rowBytes());
+        const auto cells = cells_.get(firstRow * columns(), rows * columns(), fetched_.of(worker));
+        if (!cells) {
+            return false;
+        }
+        char* out = text.data();
+        for (std::size_t row = 0; row < rows; ++row) {
+            formatAscRow(cells->subspan(row * columns(), columns()), width_, decimals_, out);
+            out = std::ranges::copy(kLineEnd, out + columns() * static_cast<std::size_t>(width_)).out;
+        }
+        return writeAllAt(file, start + static_cast<std::int64_t>(firstRow * rowBytes()), std::as_bytes(text));
+    }
+
+    const CellSource& cells_;
+    std::int32_t width_;
+    std::int32_t decimals_;
+    RowPieces split_;
+    WorkerRooms<float> fetched_;
+    WorkerRooms<char> text_;
+};
+
+// False, and the unit stands where it stood, where the rows must be written one after the other.
+bool writeByPosition(Unit unit, const CellSource& cells, std::int32_t width, std::int32_t decimals)
+{
+    constexpr std::size_t kMostOfRow = std::size_t{1} << 24;
+    if (static_cast<std::size_t>(cells.ncols()) * static_cast<std::size_t>(width) > kMostOfRow) {
+        return false;
+    }
+    PositionWriter writer(cells, width, decimals);
+    const SystemFile file = writer.hasPieces() ? positionedFile(unit) : SystemFile::none;
+    if (file == SystemFile::none || !writer.takeRooms()) {
+        return false;
+    }
+    const std::int64_t start = position(unit);
+    reserveBytes(unit, writer.bytes());
+    if (!writer.write(file, start)) {
+        seekTo(unit, start);
+        truncateHere(unit);
+        return false;
+    }
+    seekTo(unit, start + writer.bytes());
+    return true;
+}
+
+// --- One after the other ---------------------------------------------------------------------------------------------
+
+// Formats straight into the write buffer, in pieces where a row is longer than that.
+void writeRow(Unit unit, std::span<const float> row, std::int32_t width, std::int32_t decimals)
+{
+    const auto fieldBytes = static_cast<std::size_t>(width);
+    const std::size_t piece = kWriteRoom / fieldBytes;
+    while (!row.empty()) {
+        const std::size_t count = std::min(piece, row.size());
+        const std::size_t bytes = count * fieldBytes;
+        formatAscRow(row.first(count), width, decimals, writeRoom(unit, bytes).data());
+        wroteBytes(unit, bytes);
+        row = row.subspan(count);
+    }
+    writeText(unit, kLineEnd);
+}
+
+} // namespace
+
+std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals)
+{
+    const RowPieces split = pieceRows(cells);
+    const auto columns = static_cast<std::size_t>(cells.ncols());
+    std::vector<Extremes> found(split.pieces);
+    WorkerRooms<float> rooms;
+    std::atomic<bool> good = rooms.take(threadCount(), fetchedCells(cells, split.rows * columns));
+    parallelFor(split.pieces, [&](std::size_t piece, std::size_t worker) {
+        const std::size_t first = piece * split.rows * columns;
+        const std::size_t count = std::min(split.rows * columns, cells.size() - first);
+        const auto got = good ? cells.get(first, count, rooms.of(worker)) : std::nullopt;
+        if (got) {
+            found[piece] = findExtremes(*got);
+        } else {
+            good = false;
+        }
+    });
+    if (!good) {
+        failMemory();
+    }
+    Extremes extremes;
+    for (const Extremes& one : found) {
+        extremes = joined(extremes, one);
+    }
+    const float magnitude = std::max(extremes.largest, std::fabs(extremes.smallest));
+    return decimals + static_cast<std::int32_t>(AREALD(magnitude, 0).size()) + 2;
+}
+
+void writeAscRows(Unit unit, const CellSource& cells, std::int32_t width, std::int32_t decimals)
+{
+    const bool written = writeByPosition(unit, cells, width, decimals);
+    const auto columns = static_cast<std::size_t>(cells.ncols());
+    std::vector<float> room(written || cells.store() == nullptr ? 0 : columns);
+    for (std::int32_t row = cells.nrows(); row >= 1; --row) {
+        if (row % kProgressRows == 0) {
+            progress(row);
+        }
+        if (!written) {
+            writeRow(unit, fetched(cells, static_cast<std::size_t>(cells.nrows() - row) * columns, columns, room),
+                     width, decimals);
+        }
+    }
+}
+
+} // namespace gridforge

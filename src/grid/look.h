@@ -1,0 +1,26 @@
+// A silent look at a grid before its story is told.
+#pragma once
+
+#include "grid/grid.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace gridforge {
+
+// A grid whose header is whole, in plain files, and long enough where it is binary: reading it will ask for nothing and
+// most likely ends no run.
+struct GridLook {
+    GridHeader header;
+    std::int32_t format = kFormatAsc;
+    std::string file;           // of the cells, as the system takes it
+    std::int64_t cellsFrom = 0; // position in it
+    std::int64_t size = 0;      // of the file
+};
+
+// None where anything is out of the ordinary.
+std::optional<GridLook> lookAtGrid(std::string_view name);
+
+} // namespace gridforge

@@ -1,0 +1,27 @@
+#include "host/environment.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <string_view>
+
+namespace gridforge {
+
+std::optional<std::string> environmentText(const char* name)
+{
+    const char* const value = std::getenv(name);
+    if (value == nullptr || std::string_view(value).find_first_not_of(' ') == std::string_view::npos) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+std::optional<std::uint64_t> environmentNumber(const char* name)
+{
+    const std::string text = environmentText(name).value_or("");
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool whole = error == std::errc() && end == text.data() + text.size();
+    return whole && number > 0 ? std::optional(number) : std::nullopt;
+}
+
+} // namespace gridforge

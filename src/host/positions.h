@@ -1,0 +1,16 @@
+// Bytes of open files by their position. Several threads may do so at once.
+#pragma once
+
+#include "host/system.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace gridforge {
+
+// All of the bytes. False where the file ends before, or the system refuses.
+[[nodiscard]] bool readAllAt(SystemFile file, std::int64_t position, std::span<std::byte> target);
+[[nodiscard]] bool writeAllAt(SystemFile file, std::int64_t position, std::span<const std::byte> bytes);
+
+} // namespace gridforge

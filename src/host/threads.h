@@ -1,0 +1,23 @@
+// Work in pieces, by several threads at once.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace gridforge {
+
+// As many threads as GRIDFORGE_THREADS says; where it says nothing of use, as many as the process may use processors.
+std::size_t threadCount();
+
+// What is to be done with a piece. Calls for several pieces run at the same time, each with a worker number of its own
+// below threadCount(). A piece never prints, opens a unit or ends the run, and lets no exception out.
+using PieceWork = std::function<void(std::size_t piece, std::size_t worker)>;
+
+// Does all pieces below `pieces`, in no order, and returns when the last is done. Where no thread can be started the
+// calling one does them all.
+void parallelFor(std::size_t pieces, const PieceWork& work);
+
+// As many cells a piece as GRIDFORGE_PIECE says, else `usual`.
+std::size_t cellsPerPiece(std::size_t usual);
+
+} // namespace gridforge

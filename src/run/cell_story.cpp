@@ -1,0 +1,146 @@
+#include "run/cell_story.h"
+
+#include "grid/writer.h"
+#include "run/rows.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace gridforge {
+
+namespace {
+
+OutputWish wishOf(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan,
+                  const std::vector<GridLook>& looks)
+{
+    const std::string_view name = plan.namedAfter.empty() ? std::string_view(inputs[1]) : plan.namedAfter;
+    return outputWish(settings, name, looks.front().format, plan.grids);
+}
+
+} // namespace
+
+CellStory::CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, MapKernel kernel)
+    : names_(inputs), mapKernel_(std::move(kernel)), inputs_(static_cast<std::size_t>(inputs.count())),
+      nulls_(static_cast<std::size_t>(inputs.count())), tallies_(plan.tallies)
+{
+    if (const auto looks = lookAtInputs(inputs)) {
+        keep(mapAhead(*looks, wishOf(settings, inputs, plan, *looks), mapKernel_, tallies_));
+    }
+}
+
+CellStory::CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, FoldKernel kernel)
+    : names_(inputs), foldKernel_(std::move(kernel)), inputs_(1), nulls_(static_cast<std::size_t>(inputs.count())),
+      tallies_(plan.tallies)
+{
+    if (const auto looks = lookAtInputs(inputs)) {
+        keep(foldAhead(*looks, wishOf(settings, inputs, plan, *looks), foldKernel_, tallies_));
+    }
+}
+
+void CellStory::keep(std::optional<std::vector<CellStore>> grids)
+{
+    ahead_ = grids.has_value();
+    if (ahead_) {
+        ready_ = std::move(*grids);
+    }
+}
+
+Grid& CellStory::inputGrid(std::int32_t i)
+{
+    return foldKernel_ ? inputs_.front() : inputs_[static_cast<std::size_t>(i - 1)];
+}
+
+void CellStory::note(std::int32_t i, const GridHeader& header)
+{
+    nulls_[static_cast<std::size_t>(i - 1)] = header.null;
+    if (i == 1) {
+        lattice_ = header;
+    }
+}
+
+LoadedGrid CellStory::load(std::int32_t i, LoadSteps steps)
+{
+    steps.ahead = ahead_;
+    LoadedGrid loaded = loadGrid(names_[i], steps, inputGrid(i));
+    note(i, loaded.header);
+    return loaded;
+}
+
+LoadedGrid CellStory::loadEach(const std::string& purpose, const std::function<void(const GridHeader&)>& prepare,
+                               const std::function<void(std::int32_t)>& use)
+{
+    const auto noteAndUse = [&](std::int32_t i, const GridHeader& header) {
+        note(i, header);
+        use(i);
+    };
+    return gridforge::loadEach(names_, purpose, prepare, inputs_.front(), noteAndUse, ahead_);
+}
+
+void CellStory::allocateInput(std::int32_t i, const GridHeader& header, std::string_view purpose)
+{
+    allocateUnlessAhead(inputGrid(i), header, purpose);
+}
+
+void CellStory::allocate(std::size_t i, const GridHeader& header, std::string_view purpose)
+{
+    outputs_.resize(std::max(outputs_.size(), i + 1));
+    allocateUnlessAhead(outputs_[i], header, purpose);
+}
+
+void CellStory::allocateUnlessAhead(Grid& grid, const GridHeader& header, std::string_view purpose) const
+{
+    if (ahead_) {
+        sayAllocation(header, purpose);
+    } else {
+        allocateGrid(grid, header, purpose);
+    }
+}
+
+void CellStory::work(const CellBlock& block, std::int32_t i)
+{
+    if (ahead_) {
+        return;
+    }
+    const CellPiece piece{.first = block.start, .count = block.count, .part = 0, .nulls = nulls_, .tallies = tallies_};
+    std::vector<std::span<float>> outputs;
+    for (Grid& grid : outputs_) {
+        outputs.push_back(cellsOf(grid, block));
+    }
+    if (foldKernel_) {
+        foldKernel_(piece, static_cast<std::size_t>(i - 1), cellsOf(inputs_.front(), block), outputs);
+        return;
+    }
+    std::vector<std::span<const float>> inputs;
+    for (const Grid& grid : inputs_) {
+        inputs.push_back(cellsOf(grid, block));
+    }
+    mapKernel_(piece, inputs, outputs);
+}
+
+void CellStory::compute(std::string_view heading)
+{
+    take(1, heading);
+}
+
+void CellStory::take(std::int32_t i, std::string_view heading)
+{
+    overRows(heading, lattice_.nrows, lattice_.ncols, [&](const CellBlock& block) { work(block, i); });
+}
+
+void CellStory::take(std::int32_t i)
+{
+    work({.start = 0, .count = lattice_.cells()}, i);
+}
+
+void CellStory::write(std::size_t i, std::int32_t format, std::string_view base, const GridHeader& header,
+                      std::string_view projectionText, std::int32_t decimals)
+{
+    if (ahead_) {
+        writeGrid(format, base, header, CellSource(ready_[i], header), projectionText, decimals);
+        ready_[i].release();
+    } else {
+        writeGrid(format, base, header, outputs_[i], projectionText, decimals);
+    }
+}
+
+} // namespace gridforge

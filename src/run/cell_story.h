@@ -1,0 +1,80 @@
+// The story of a run over cells of one lattice: told as if the grids were read, worked on and written one after the other,
+// which they are unless what the run writes could be computed ahead. An operation is one text for both ways.
+#pragma once
+
+#include "grid/cell_store.h"
+#include "grid/grid.h"
+#include "run/cells_ahead.h"
+#include "run/inputs.h"
+#include "run/load.h"
+#include "run/rows.h"
+#include "run/run_settings.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge {
+
+// What a run makes of its inputs: so many grids, and so many counts.
+struct CellPlan {
+    std::size_t grids = 1;
+    std::size_t tallies = 0;
+    std::string_view namedAfter = {}; // the input that names the output; the first where it is blank
+};
+
+class CellStory {
+public:
+    // Of a kernel that takes the cells of all inputs at once.
+    CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, MapKernel kernel);
+    // Of one that takes one input after the other.
+    CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, FoldKernel kernel);
+
+    bool isAhead() const { return ahead_; }
+
+    // As loadGrid, of input `i` from 1; it has memory of its own for a MapKernel, all have the same for a FoldKernel.
+    LoadedGrid load(std::int32_t i, LoadSteps steps);
+    // As loadEach.
+    LoadedGrid loadEach(const std::string& purpose, const std::function<void(const GridHeader&)>& prepare,
+                        const std::function<void(std::int32_t)>& use);
+    // As allocateGrid, for the cells of input `i` from 1, and for grid `i` from 0 of those that are made. Without their
+    // memory where they are ready.
+    void allocateInput(std::int32_t i, const GridHeader& header, std::string_view purpose);
+    void allocate(std::size_t i, const GridHeader& header, std::string_view purpose);
+
+    // Row by row as overRows tells it: all cells, or those of input `i`.
+    void compute(std::string_view heading);
+    void take(std::int32_t i, std::string_view heading);
+    // The same without a word.
+    void take(std::int32_t i);
+
+    std::span<const std::int64_t> tallies() const { return tallies_; }
+    // Grid `i` is written, and its cells are gone where they waited.
+    void write(std::size_t i, std::int32_t format, std::string_view base, const GridHeader& header,
+               std::string_view projectionText, std::int32_t decimals);
+
+private:
+    void keep(std::optional<std::vector<CellStore>> grids);
+    void note(std::int32_t i, const GridHeader& header);
+    Grid& inputGrid(std::int32_t i);
+    void allocateUnlessAhead(Grid& grid, const GridHeader& header, std::string_view purpose) const;
+    void work(const CellBlock& block, std::int32_t i);
+
+    InputFileList names_;
+    MapKernel mapKernel_;
+    FoldKernel foldKernel_; // one of the two
+    bool ahead_ = false;
+    std::vector<CellStore> ready_; // the grids that were computed ahead
+    std::vector<Grid> inputs_;     // those of the other way: one for each input, or one for all
+    std::vector<Grid> outputs_;
+    std::vector<float> nulls_; // of the inputs
+    std::vector<std::int64_t> tallies_;
+    GridHeader lattice_;
+};
+
+} // namespace gridforge

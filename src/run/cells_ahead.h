@@ -1,0 +1,70 @@
+// The fast way of cells through a run. The console tells a run as if each grid were read whole, worked on whole and written
+// whole. Where all inputs are ordinary, what the run will write is computed before that story is told, from pieces of rows of
+// all inputs at a time and by all threads; the story then finds it ready. Anything odd, and the run goes step by step, which
+// does the talking.
+#pragma once
+
+#include "grid/cell_store.h"
+#include "grid/look.h"
+#include "run/inputs.h"
+#include "run/run_settings.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace gridforge {
+
+// Which way a run's cells went, and if not ahead, why.
+enum class Way { ahead, oddInput, otherLattice, oddText, readRefused, noRoom };
+// How often in this process. For tests: nothing else shows it.
+std::size_t waysGone(Way way);
+
+// Inputs of one lattice, as a silent look found them. None where one is out of the ordinary or of another lattice.
+std::optional<std::vector<GridLook>> lookAtInputs(const InputFileList& inputs);
+
+// Where the computed grids will be written, most likely. Another place or format costs only time.
+struct OutputWish {
+    std::string folder;
+    bool binary = true;
+    std::size_t grids = 1;
+};
+
+// By the settings, and by the input that names and format are taken from where these say nothing.
+OutputWish outputWish(const RunSettings& settings, std::string_view namedAfter, std::int32_t format, std::size_t grids);
+
+// A stretch of cells in the order of the files, and the part of the grid that it belongs to. A kernel is called for several
+// parts at once, and for the pieces of a part from its first to its last.
+struct CellPiece {
+    std::size_t first = 0;
+    std::size_t count = 0;
+    std::size_t part = 0;
+    std::span<const float> nulls = {};    // of all inputs
+    std::span<std::int64_t> tallies = {}; // what is counted in the cells is added to these
+};
+
+// How many parts a grid of so many cells has: what kernels count and find goes into a record for each part, and these are
+// joined in their order.
+std::size_t partsOf(std::size_t cells);
+
+using InputPieces = std::span<const std::span<const float>>;
+using OutputPieces = std::span<const std::span<float>>;
+// Cells of each input into those of each output.
+using MapKernel = std::function<void(const CellPiece& piece, InputPieces inputs, OutputPieces outputs)>;
+// Takes one input after the other: cells of input `index`, from 0, into outputs that hold what the call before left there,
+// or anything before the first.
+using FoldKernel =
+    std::function<void(const CellPiece& piece, std::size_t index, std::span<const float> input, OutputPieces outputs)>;
+
+// The outputs; none where a read was refused, the text of an input has odd rows, or there is no room. Only with outputs
+// `tallies` has what was counted in all cells.
+std::optional<std::vector<CellStore>> mapAhead(std::span<const GridLook> inputs, const OutputWish& wish,
+                                               const MapKernel& kernel, std::span<std::int64_t> tallies = {});
+std::optional<std::vector<CellStore>> foldAhead(std::span<const GridLook> inputs, const OutputWish& wish,
+                                                const FoldKernel& kernel, std::span<std::int64_t> tallies = {});
+
+} // namespace gridforge

@@ -1,0 +1,109 @@
+// Settings of the environment change no result: those of threads, of waiting cells and of pieces. What is right is the run
+// whose cells go step by step, as they do where a read by position is refused.
+#include "support/grids.h"
+#include "support/system_failures.h"
+#include "support/tool_run.h"
+
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace gridforge::test {
+namespace {
+
+using Settings = std::vector<std::pair<std::string, std::string>>;
+
+struct Left {
+    std::string console;
+    std::map<std::string, std::string> files;
+};
+
+Cells someCells(int seed)
+{
+    Cells cells(31, std::vector<double>(47));
+    for (std::size_t row = 0; row < cells.size(); ++row) {
+        for (std::size_t column = 0; column < cells[row].size(); ++column) {
+            const auto place = static_cast<int>(row * 47 + column) * seed;
+            cells[row][column] = place % 5 == 0 ? kNull : static_cast<double>(place % 3001) / 8;
+        }
+    }
+    return cells;
+}
+
+void giveGrids(ToolRun& run, const std::string& extension)
+{
+    for (int i = 1; i <= 3; ++i) {
+        const Cells cells = someCells(i * 7);
+        const std::string base = std::string(1, static_cast<char>('a' + i - 1));
+        if (extension == ".asc") {
+            run.give(base + ".asc", ascGrid(cells));
+        } else {
+            run.give(base + ".hdr", hdr(cells));
+            run.give(base + ".flt", fltCells(cells));
+        }
+    }
+}
+
+Left runWith(const std::string& arguments, const std::string& extension, const Settings& settings,
+             const std::string& mission = "")
+{
+    ToolRun run(("-b " + arguments).c_str());
+    giveGrids(run, extension);
+    for (const auto& [name, value] : settings) {
+        run.environment(name, value);
+    }
+    if (!mission.empty()) {
+        askSystem(run, mission);
+    }
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_TRUE(run.says("Finished.")) << run.console();
+    return {run.console(), run.files()};
+}
+
+const std::vector<Settings>& settingsToTry()
+{
+    static const std::vector<Settings> settings = {
+        {},
+        {{"GRIDFORGE_THREADS", "1"}},
+        {{"GRIDFORGE_THREADS", "2"}, {"GRIDFORGE_PIECE", "777"}},
+        {{"GRIDFORGE_THREADS", "7"}, {"GRIDFORGE_PIECE", "13"}},
+        {{"GRIDFORGE_THREADS", "7"}, {"GRIDFORGE_MEMORY", "1"}},
+        {{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "/nowhere"}},
+        {{"GRIDFORGE_THREADS", "many"}, {"GRIDFORGE_MEMORY", "-1"}, {"GRIDFORGE_PIECE", "0"}},
+    };
+    return settings;
+}
+
+void compareAll(const std::string& arguments, const std::string& extension)
+{
+    constexpr int kIoError = 5;
+    const Left plain =
+        runWith(arguments, extension, {{"GRIDFORGE_THREADS", "1"}}, "fail pread 1 " + std::to_string(kIoError));
+    for (const Settings& settings : settingsToTry()) {
+        const Left left = runWith(arguments, extension, settings);
+        std::string shown = arguments;
+        for (const auto& [name, value] : settings) {
+            shown.append(", ").append(name).append("=").append(value);
+        }
+        EXPECT_EQ(left.console, plain.console) << shown;
+        EXPECT_TRUE(left.files == plain.files) << shown;
+    }
+}
+
+TEST(ThreadsCli, ChangeNoExtremesOfTextGrids)
+{
+    compareAll("-max a.asc b.asc c.asc", ".asc");
+    compareAll("-min -flt a.asc b.asc c.asc", ".asc");
+}
+
+TEST(ThreadsCli, ChangeNoExtremesOfBinaryGrids)
+{
+    compareAll("-min a.flt b.flt c.flt", ".flt");
+    compareAll("-max -asc a.flt b.flt c.flt", ".flt");
+}
+
+} // namespace
+} // namespace gridforge::test

@@ -1,0 +1,211 @@
+// Operations on cells give the same bytes and say the same, whether their cells are computed ahead, by however many threads
+// and in whatever pieces, or step by step.
+#include "run/cells_ahead.h"
+
+#include "grid/cell_store.h"
+#include "support/environment.h"
+#include "support/grids.h"
+#include "support/operation_run.h"
+
+#include <cmath>
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace gridforge {
+namespace {
+
+using test::Cells;
+using test::Environment;
+using test::GivenFiles;
+using test::Outcome;
+using test::runOperationOn;
+
+constexpr std::size_t kRows = 230; // more than two numbers of rows on the console
+constexpr std::size_t kColumns = 37;
+
+// Grids that differ in their nulls, with null, dry, equal and, in binary ones, odd cells.
+Cells cellsOfGrid(std::uint32_t number, double null, bool binary)
+{
+    Cells cells(kRows, std::vector<double>(kColumns));
+    std::uint32_t state = number;
+    for (auto& row : cells) {
+        for (double& cell : row) {
+            state = state * 1664525U + 1013904223U;
+            const std::uint32_t kind = (state >> 8U) % 16;
+            cell = kind < 3 ? null : kind < 5 ? 0 : static_cast<double>((state >> 12U) % 4000) / 16 - 20;
+        }
+    }
+    if (binary) {
+        cells[7][number] = std::numeric_limits<double>::quiet_NaN();
+        cells[99][number + 3] = std::numeric_limits<float>::max();
+        cells[100][number + 3] = -0.0;
+    }
+    return cells;
+}
+
+struct Case {
+    std::string name;
+    std::string options;
+    std::vector<double> nulls; // of the inputs, one for each
+    GivenFiles others = {};
+};
+
+std::ostream& operator<<(std::ostream& out, const Case& one)
+{
+    return out << one.name;
+}
+
+std::vector<Case> cases()
+{
+    return {
+        {"Max", "-max", {-9999, -1, -9999}},
+        {"MaxWithoutSource", "-max -src -decimal1", {-9999, -9999}},
+        {"Min", "-min", {-9999, -1, -9999}},
+        {"MinOfMany", "-min", std::vector<double>(70, -9999)}, // more than are open at a time
+    };
+}
+
+struct Setting {
+    std::string threads;
+    std::string piece;
+    std::string memory;
+};
+
+class BothWays : public testing::TestWithParam<Case> {
+protected:
+    // Compares with the way step by step; `output` is a format as an option, or nothing.
+    void compare(const std::string& extension, const std::string& output)
+    {
+        const bool binary = extension == ".flt";
+        give(binary);
+        const std::string line = GetParam().options + names_ + output;
+        const std::size_t refused = waysGone(Way::readRefused) + waysGone(Way::oddText);
+        const Outcome plain = runOperationOn(given_, line, true);
+        ASSERT_GT(waysGone(Way::readRefused) + waysGone(Way::oddText), refused) << line;
+        ASSERT_GT(plain.files.size(), given_.size()) << line << '\n' << plain.console;
+        for (const auto& [threads, piece, memory] :
+             {Setting{"1", "", ""}, {"2", "777", ""}, {"7", "13", "1"}, {"3", "100000", "70000"}}) {
+            const Environment environment(
+                {{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_PIECE", piece}, {"GRIDFORGE_MEMORY", memory}});
+            const std::size_t ahead = waysGone(Way::ahead);
+            const std::size_t spilled = filesOfCells();
+            const Outcome fast = runOperationOn(given_, line);
+            EXPECT_GT(waysGone(Way::ahead), ahead) << line;
+            EXPECT_TRUE(binary || memory != "1" || filesOfCells() > spilled) << line;
+            EXPECT_EQ(fast.console, plain.console) << line;
+            EXPECT_TRUE(fast.files == plain.files) << line << ": " << threads << " threads, pieces of " << piece
+                                                   << " cells, memory of " << memory << " bytes";
+        }
+    }
+
+private:
+    void give(bool binary)
+    {
+        given_ = GetParam().others;
+        names_.clear();
+        std::uint32_t number = 0;
+        for (const double null : GetParam().nulls) {
+            const std::string base = "g" + std::to_string(++number);
+            const Cells cells = cellsOfGrid(number % 20, null, binary);
+            names_ += ' ' + base + (binary ? ".flt" : ".asc");
+            if (binary) {
+                given_[base + ".hdr"] = test::hdr(cells, {.null = null});
+                given_[base + ".flt"] = test::fltCells(cells);
+            } else {
+                given_[base + ".asc"] = test::ascGrid(cells, {.null = null});
+            }
+        }
+    }
+
+    GivenFiles given_;
+    std::string names_;
+};
+
+TEST_P(BothWays, AreTheSameForBinaryGrids)
+{
+    compare(".flt", "");
+}
+
+TEST_P(BothWays, AreTheSameForTextGrids)
+{
+    compare(".asc", "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, BothWays, testing::ValuesIn(cases()),
+                         [](const auto& one) { return one.param.name; });
+
+// --- What sends a run step by step -------------------------------------------------------------------------------------
+
+std::string asc(const std::string& rows, const std::string& corner = "0")
+{
+    return "ncols 3\nnrows 2\nxllcorner " + corner + "\nyllcorner 0\ncellsize 1\nNODATA_value -9999\n" + rows;
+}
+
+void expectWay(Way way, const GivenFiles& given, bool refusesReads = false)
+{
+    const std::size_t before = waysGone(way);
+    const std::size_t ahead = waysGone(Way::ahead);
+    const Outcome outcome = runOperationOn(given, "-max -src a.asc b.asc -out m.asc", refusesReads);
+    EXPECT_EQ(waysGone(way), before + 1);
+    EXPECT_EQ(waysGone(Way::ahead), ahead + (way == Way::ahead ? 1 : 0));
+    EXPECT_EQ(outcome.files.at("m.asc").substr(outcome.files.at("m.asc").find("NODATA_value")),
+              "NODATA_value -9999.0\r\n  7.000  8.000  9.000\r\n  4.000  5.000  6.000\r\n");
+}
+
+const std::string kOnes = asc("1 2 3\n4 5 6\n");
+const std::string kSevens = asc("7 8 9\n1 1 1\n");
+
+TEST(Ways, AheadWhereAllIsOrdinary)
+{
+    expectWay(Way::ahead, {{"a.asc", kOnes}, {"b.asc", kSevens}});
+}
+
+TEST(Ways, StepByStepForTextThatDoesNotHoldARowALine)
+{
+    expectWay(Way::oddText, {{"a.asc", kOnes}, {"b.asc", asc("7\n8 9\n1 1 1\n")}});
+}
+
+TEST(Ways, StepByStepForALatticeThatDiffers)
+{
+    const std::size_t before = waysGone(Way::otherLattice);
+    InputFileList inputs;
+    const test::ScratchFolder folder;
+    folder.give("a.asc", kOnes);
+    folder.give("b.asc", asc("7 8 9\n1 1 1\n", "0.02"));
+    inputs.add(folder.path() / "a.asc");
+    inputs.add(folder.path() / "b.asc");
+    EXPECT_FALSE(lookAtInputs(inputs));
+    EXPECT_EQ(waysGone(Way::otherLattice), before + 1);
+}
+
+TEST(Ways, StepByStepForAnInputThatIsOdd)
+{
+    const std::size_t before = waysGone(Way::oddInput);
+    InputFileList inputs;
+    inputs.add("missing.asc");
+    EXPECT_FALSE(lookAtInputs(inputs));
+    EXPECT_EQ(waysGone(Way::oddInput), before + 1);
+}
+
+TEST(Ways, StepByStepWhereCellsFindNoRoom)
+{
+    const Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "/nowhere"}});
+    expectWay(Way::noRoom, {{"a.asc", kOnes}, {"b.asc", kSevens}});
+}
+
+TEST(Ways, StepByStepWhereAReadIsRefused)
+{
+    const std::size_t before = waysGone(Way::readRefused);
+    const std::string head = "ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\nbyteorder LSBFIRST\n";
+    const GivenFiles given = {{"a.hdr", head}, {"a.flt", std::string(8, 'x')}};
+    const Outcome outcome = runOperationOn(given, "-max -src a.flt -out m.flt", true);
+    EXPECT_EQ(waysGone(Way::readRefused), before + 1);
+    EXPECT_EQ(outcome.files.at("m.flt"), std::string(8, 'x'));
+}
+
+} // namespace
+} // namespace gridforge

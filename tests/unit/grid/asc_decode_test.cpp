@@ -1,0 +1,96 @@
+#include "grid/asc_decode.h"
+
+#include "support/environment.h"
+#include "support/grids.h"
+#include "support/scratch_folder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace gridforge {
+namespace {
+
+using test::Environment;
+using test::ScratchFolder;
+using testing::ElementsAre;
+
+const std::string kHead = "ncols 3\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -9999\n";
+
+// The cells of the text grid with these rows; none where they were not decoded.
+std::optional<std::vector<float>> decoded(const std::string& rows)
+{
+    const ScratchFolder folder;
+    folder.give("a.asc", kHead + rows);
+    const auto look = lookAtGrid((folder.path() / "a.asc").string());
+    CellStore cells;
+    if (!look || !cells.take(look->header.cells(), folder.path()) || !decodeAsc(*look, cells)) {
+        return std::nullopt;
+    }
+    std::vector<float> got(cells.size());
+    EXPECT_TRUE(cells.get(0, got));
+    return got;
+}
+
+TEST(DecodeAsc, TakesRowsThatStandOnALineEach)
+{
+    for (const char* const rows : {"1 2 3\n4 5 6\n", "1 2 3\n4 5 6", "1 2 3 \r\n 4 5 6\r\n", "1 2 3\n4 5 6\nmore\n\n",
+                                   "1,2,3\n4, 5 ,6\n", "\t1 2 3 rest of the line\n4 5 6 7 8\n"}) {
+        const auto cells = decoded(rows);
+        ASSERT_TRUE(cells) << rows;
+        EXPECT_THAT(*cells, ElementsAre(1, 2, 3, 4, 5, 6)) << rows;
+    }
+}
+
+TEST(DecodeAsc, LeavesAllElseToTheReaderOfLines)
+{
+    for (const char* const rows : {"1 2\n3\n4 5 6\n", "1 2 3 4 5 6\n", "1 2 3\n\n4 5 6\n", "1 2 x\n4 5 6\n",
+                                   "1 2 3\n4 5\n", "1 2 3\n4 5", "1 2 3\n", "1,,3\n4 5 6\n", ",2,3\n4,5,6\n"}) {
+        EXPECT_FALSE(decoded(rows)) << rows;
+    }
+}
+
+std::vector<float> manyCells(std::size_t count)
+{
+    std::mt19937 random(17);
+    std::uniform_int_distribution<int> value(-99999, 99999);
+    std::vector<float> cells(count);
+    for (float& cell : cells) {
+        cell = static_cast<float>(value(random)) / 8;
+    }
+    return cells;
+}
+
+// Several windows and many pieces, by several threads, in memory and in a file.
+TEST(DecodeAsc, IsTheSameForAnyNumberOfThreads)
+{
+    constexpr std::size_t kRows = 3000;
+    constexpr std::size_t kColumns = 400;
+    const std::vector<float> cells = manyCells(kRows * kColumns);
+    std::string text = "ncols 400\nnrows 3000\nxllcorner 0\nyllcorner 0\ncellsize 1\n";
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        text += std::to_string(cells[i]) + (i % kColumns + 1 == kColumns ? "\n" : " ");
+    }
+    ASSERT_GT(text.size(), std::size_t{1} << 23U);
+    const ScratchFolder folder;
+    folder.give("a.asc", text);
+    const auto look = lookAtGrid((folder.path() / "a.asc").string());
+    ASSERT_TRUE(look);
+    for (const char* const threads : {"1", "3"}) {
+        for (const char* const memory : {"1", "1000000000"}) {
+            const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}});
+            CellStore store;
+            ASSERT_TRUE(store.take(cells.size(), folder.path()));
+            ASSERT_TRUE(decodeAsc(*look, store));
+            std::vector<float> got(cells.size());
+            ASSERT_TRUE(store.get(0, got));
+            EXPECT_TRUE(got == cells) << threads << " threads, " << memory << " bytes";
+        }
+    }
+}
+
+} // namespace
+} // namespace gridforge

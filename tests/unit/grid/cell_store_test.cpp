@@ -1,0 +1,152 @@
+#include "grid/cell_store.h"
+
+#include "host/positions.h"
+#include "support/environment.h"
+#include "support/scratch_folder.h"
+
+#include <array>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace gridforge {
+namespace {
+
+namespace fs = std::filesystem;
+
+using test::Environment;
+using test::ScratchFolder;
+using testing::ElementsAre;
+
+std::vector<float> stored(const CellStore& store, std::size_t first, std::size_t count)
+{
+    std::vector<float> cells(count);
+    EXPECT_TRUE(store.get(first, cells));
+    return cells;
+}
+
+void putAndGet(CellStore& store)
+{
+    ASSERT_EQ(store.size(), 5U);
+    ASSERT_TRUE(store.put(0, std::vector<float>{1, 2, 3}));
+    ASSERT_TRUE(store.put(3, std::vector<float>{4, 5}));
+    EXPECT_THAT(stored(store, 0, 5), ElementsAre(1, 2, 3, 4, 5));
+    EXPECT_THAT(stored(store, 2, 2), ElementsAre(3, 4));
+}
+
+TEST(CellStore, HoldsCellsInMemory)
+{
+    CellStore store;
+    ASSERT_TRUE(store.take(5, "."));
+    EXPECT_FALSE(store.isInFile());
+    putAndGet(store);
+    EXPECT_THAT(store.inMemory(), ElementsAre(1, 2, 3, 4, 5));
+}
+
+TEST(CellStore, HoldsWhatMemoryMayNotHoldInAFileWithoutAName)
+{
+    const ScratchFolder folder;
+    const Environment environment({{"GRIDFORGE_MEMORY", "19"}, {"GRIDFORGE_SCRATCH", folder.path()}});
+    const std::size_t before = filesOfCells();
+    CellStore store;
+    ASSERT_TRUE(store.take(5, "/nowhere"));
+    EXPECT_TRUE(store.isInFile());
+    EXPECT_EQ(filesOfCells(), before + 1);
+    putAndGet(store);
+    EXPECT_TRUE(fs::is_empty(folder.path()));
+}
+
+TEST(CellStore, CountsTheMemoryOfAllStores)
+{
+    const ScratchFolder folder;
+    const Environment environment({{"GRIDFORGE_MEMORY", "39"}});
+    CellStore first;
+    ASSERT_TRUE(first.take(5, folder.path()));
+    EXPECT_FALSE(first.isInFile());
+    CellStore second;
+    ASSERT_TRUE(second.take(5, folder.path()));
+    EXPECT_TRUE(second.isInFile());
+    first.release();
+    CellStore third;
+    ASSERT_TRUE(third.take(5, folder.path()));
+    EXPECT_FALSE(third.isInFile());
+}
+
+TEST(CellStore, TakesAnotherFolderWhereOneIsMissingButForTheOneGiven)
+{
+    const Environment little({{"GRIDFORGE_MEMORY", "1"}});
+    CellStore store;
+    EXPECT_TRUE(store.take(5, "/nowhere"));
+    const Environment nowhere({{"GRIDFORGE_SCRATCH", "/nowhere"}});
+    EXPECT_FALSE(store.take(5, "."));
+    EXPECT_EQ(store.size(), 0U);
+}
+
+class CellsForAFile : public testing::Test {
+protected:
+    CellsForAFile()
+    {
+        EXPECT_TRUE(store_.takeForFile(2, folder_.path()));
+        EXPECT_TRUE(store_.put(0, std::vector<float>{1, 2}));
+    }
+
+    std::string name() const { return folder_.path() / "a.flt"; }
+    bool become()
+    {
+        const SystemFile file = store_.becomeFile(name());
+        return file != SystemFile::none && theSystem().close(file);
+    }
+    // The store is as it was.
+    void expectKept() const { EXPECT_THAT(stored(store_, 0, 2), ElementsAre(1, 2)); }
+
+    ScratchFolder folder_;
+    CellStore store_;
+    std::string bytes_ = {0, 0, '\x80', '\x3f', 0, 0, 0, '\x40'};
+};
+
+TEST_F(CellsForAFile, BecomeANewFile)
+{
+    EXPECT_TRUE(become());
+    EXPECT_EQ(folder_.read("a.flt"), bytes_);
+    EXPECT_EQ(store_.size(), 0U);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_.path()), {}), 1);
+}
+
+TEST_F(CellsForAFile, BecomeAnOldOneWithItsRights)
+{
+    folder_.give("a.flt", "something longer than the cells");
+    ASSERT_EQ(chmod(name().c_str(), 0640), 0);
+    EXPECT_TRUE(become());
+    EXPECT_EQ(folder_.read("a.flt"), bytes_);
+    EXPECT_EQ(fs::status(name()).permissions(), fs::perms{0640});
+}
+
+TEST_F(CellsForAFile, AreCopiedWhereTheNameLeadsElsewhereOrIsNotTheOnlyOne)
+{
+    folder_.give("b.flt", "b");
+    fs::create_symlink("b.flt", name());
+    EXPECT_FALSE(become());
+    fs::remove(name());
+    fs::create_hard_link(folder_.path() / "b.flt", name());
+    EXPECT_FALSE(become());
+    expectKept();
+    EXPECT_EQ(folder_.read("b.flt"), "b");
+    fs::remove(name());
+    ASSERT_EQ(mkfifo(name().c_str(), 0600), 0);
+    EXPECT_FALSE(become());
+    expectKept();
+}
+
+TEST_F(CellsForAFile, AreCopiedFromMemory)
+{
+    CellStore store;
+    ASSERT_TRUE(store.take(2, folder_.path()));
+    EXPECT_EQ(store.becomeFile(name()), SystemFile::none);
+    EXPECT_FALSE(folder_.has("a.flt"));
+}
+
+} // namespace
+} // namespace gridforge

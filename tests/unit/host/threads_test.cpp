@@ -1,0 +1,68 @@
+#include "host/threads.h"
+
+#include "host/system.h"
+#include "support/environment.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <vector>
+
+namespace gridforge {
+namespace {
+
+using test::Environment;
+
+TEST(ThreadCount, IsThatOfTheEnvironmentOrOfTheProcessors)
+{
+    EXPECT_EQ(threadCount(), theSystem().processors());
+    const Environment seven({{"GRIDFORGE_THREADS", "7"}});
+    EXPECT_EQ(threadCount(), 7U);
+}
+
+TEST(ParallelFor, DoesEachPieceOnceWithAWorkerOfItsOwn)
+{
+    for (const char* const threads : {"1", "2", "7"}) {
+        const Environment environment({{"GRIDFORGE_THREADS", threads}});
+        std::vector<int> done(1000);
+        std::vector<std::atomic<int>> busy(threadCount());
+        std::atomic<bool> shared = false;
+        parallelFor(done.size(), [&](std::size_t piece, std::size_t worker) {
+            shared = shared || busy.at(worker)++ != 0;
+            ++done[piece];
+            --busy.at(worker);
+        });
+        EXPECT_EQ(done, std::vector<int>(1000, 1));
+        EXPECT_FALSE(shared);
+    }
+}
+
+TEST(ParallelFor, SeveralPiecesAreDoneAtATime)
+{
+    const Environment environment({{"GRIDFORGE_THREADS", "2"}});
+    std::atomic<int> started = 0;
+    // Either piece waits for the other one.
+    parallelFor(2, [&](std::size_t, std::size_t) {
+        ++started;
+        while (started < 2) {
+        }
+    });
+    EXPECT_EQ(started, 2);
+}
+
+TEST(ParallelFor, HasNothingToDoWithoutPieces)
+{
+    bool called = false;
+    parallelFor(0, [&](std::size_t, std::size_t) { called = true; });
+    EXPECT_FALSE(called);
+}
+
+TEST(CellsPerPiece, AreThoseOfTheEnvironmentOrTheUsual)
+{
+    EXPECT_EQ(cellsPerPiece(100), 100U);
+    const Environment environment({{"GRIDFORGE_PIECE", "7"}});
+    EXPECT_EQ(cellsPerPiece(100), 7U);
+}
+
+} // namespace
+} // namespace gridforge
