@@ -5,8 +5,7 @@
 #include "host/console.h"
 #include "host/units.h"
 #include "ops/count_cells.h"
-#include "run/load.h"
-#include "run/rows.h"
+#include "run/cell_story.h"
 
 #include <string>
 
@@ -28,18 +27,17 @@ void writeCount(const std::string& base, std::string_view countLine)
 void runCount(const RunSettings& settings, const InputFileList& inputs)
 {
     constexpr int kCountWidth = 14;
-    Grid input;
-    const GridHeader header =
-        loadGrid(inputs[1], {.opening = "Loading grid data...", .purpose = "storing input grid..."}, input).header;
+    const auto kernel = [&settings](const CellPiece& piece, InputPieces cells, OutputPieces) {
+        const float null = piece.nulls[0];
+        piece.tallies[0] += settings.cd ? countAbove(cells[0], null, settings.cutoff) : countActive(cells[0], null);
+    };
+    CellStory story(settings, inputs.first(1), {.grids = 0, .tallies = 1}, kernel);
+    story.load(1, {.opening = "Loading grid data...", .purpose = "storing input grid..."});
 
     say("Counting number of wet cells.");
-    std::int64_t wet = 0;
-    overRows("Processing Row:", header.nrows, header.ncols, [&](const CellBlock& block) {
-        const std::span<const float> cells = cellsOf(input, block);
-        wet += settings.cd ? countAbove(cells, header.null, settings.cutoff) : countActive(cells, header.null);
-    });
+    story.compute("Processing Row:");
 
-    const std::string countLine = join("Number of wet cells: ", integerField(wet, kCountWidth));
+    const std::string countLine = join("Number of wet cells: ", integerField(story.tallies()[0], kCountWidth));
     say(countLine);
     // The name follows the input whatever -out says; deliberate.
     writeCount(FILENAMEPATH(inputs[1]), countLine);

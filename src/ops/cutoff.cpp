@@ -2,13 +2,11 @@
 
 #include "core/names.h"
 #include "core/numbers.h"
-#include "grid/writer.h"
 #include "host/ends.h"
 #include "ops/cutoff_cells.h"
 #include "ops/two_grids.h"
-#include "run/load.h"
+#include "run/cell_story.h"
 #include "run/outputs.h"
-#include "run/rows.h"
 
 #include <string>
 
@@ -35,6 +33,18 @@ std::string ruledName(const InputFileList& inputs, float cutoff)
     return join(FILENAMEPATH(inputs[inputs.count()]), filters ? "_filtered" : "_cd", AREAL(cutoff));
 }
 
+MapKernel kernelOf(const RunSettings& settings, bool filters)
+{
+    return [&settings, filters](const CellPiece& piece, InputPieces cells, OutputPieces output) {
+        const float null = piece.nulls[0];
+        if (filters) {
+            filterFrom(cells[0], settings.cutoff, cells[1], piece.nulls[1], null, output[0]);
+        } else {
+            keepFrom(cells[0], settings.cutoff, null, output[0]);
+        }
+    };
+}
+
 } // namespace
 
 void runCutoff(const RunSettings& givenSettings, const InputFileList& givenInputs)
@@ -45,36 +55,26 @@ void runCutoff(const RunSettings& givenSettings, const InputFileList& givenInput
     settleInputs(settings, inputs);
     const bool filters = inputs.count() == 2;
 
-    Grid grid1;
-    Grid output;
-    const LoadSteps steps{
-        .purpose = "storing grid 1...",
-        .prepare = [&](const GridHeader& lattice) { allocateGrid(output, lattice, "storing output grid..."); },
-        .reading = join("Reading: ", inputs[1])};
-    const LoadedGrid first = loadGrid(inputs[1], steps, grid1);
+    CellStory story(settings, inputs, {.namedAfter = inputs[inputs.count()]}, kernelOf(settings, filters));
+    const LoadedGrid first = story.load(
+        1, {.purpose = "storing grid 1...",
+            .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
+            .reading = join("Reading: ", inputs[1])});
     const GridHeader& header = first.header;
 
     LoadedGrid last = first;
-    Grid grid2;
     if (filters) {
-        allocateGrid(grid2, header, "storing grid 2...");
-        last = loadGrid(inputs[2], {.match = &header, .reading = join("Reading: ", inputs[2])}, grid2);
+        story.allocateInput(2, header, "storing grid 2...");
+        last = story.load(2, {.match = &header, .reading = join("Reading: ", inputs[2])});
     }
 
-    overRows("Processing Row:", header.nrows, header.ncols, [&](const CellBlock& block) {
-        if (filters) {
-            filterFrom(cellsOf(grid1, block), settings.cutoff, cellsOf(grid2, block), last.header.null, header.null,
-                       cellsOf(output, block));
-        } else {
-            keepFrom(cellsOf(grid1, block), settings.cutoff, header.null, cellsOf(output, block));
-        }
-    });
+    story.compute("Processing Row:");
     say("   Done.");
 
     const std::string base = specifiedNameOr(settings, ruledName(inputs, settings.cutoff));
     const std::int32_t format = outputFormatRule(settings, first.format);
     say("Writing output to: ", base);
-    writeGrid(format, base, header, output, last.projectionText, settings.decimals);
+    story.write(0, format, base, header, last.projectionText, settings.decimals);
 }
 
 } // namespace gridforge

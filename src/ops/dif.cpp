@@ -1,18 +1,34 @@
 #include "ops/dif.h"
 
 #include "core/names.h"
-#include "grid/writer.h"
 #include "host/ends.h"
 #include "ops/dif_cells.h"
-#include "run/load.h"
+#include "run/cell_story.h"
 #include "run/outputs.h"
-#include "run/rows.h"
 
 #include <string>
 
 namespace gridforge {
 
 namespace {
+
+constexpr std::size_t kDifference = 0;
+constexpr std::size_t kWetDry = 1;
+
+MapKernel kernelOf(const RunSettings& settings)
+{
+    return [&settings](const CellPiece& piece, InputPieces inputs, OutputPieces outputs) {
+        const DifGrid a{inputs[0], piece.nulls[0]};
+        const DifGrid b{inputs[1], piece.nulls[1]};
+        if (settings.nowetdry) {
+            subtractActive(a, b, outputs[kDifference]);
+        } else if (settings.change) {
+            subtractChange(a, b, outputs[kDifference]);
+        } else {
+            subtractWetDry(a, b, outputs[kDifference], outputs[kWetDry]);
+        }
+    };
+}
 
 void checkInputs(const InputFileList& inputs)
 {
@@ -40,43 +56,29 @@ void runDif(const RunSettings& settings, const InputFileList& inputs)
     say("Processing \"-dif\" option.");
     checkInputs(inputs);
 
-    Grid grid1;
-    Grid grid2;
-    Grid difference;
-    Grid wetDry;
+    const bool writesWetDry = !settings.nowetdry && !settings.change;
+    CellStory story(settings, inputs.first(2), {.grids = writesWetDry ? 2U : 1U}, kernelOf(settings));
     const auto allocateOthers = [&](const GridHeader& lattice) {
-        allocateGrid(grid2, lattice, "storing grid 2...");
-        allocateGrid(difference, lattice, "storing difference grid...");
-        allocateGrid(wetDry, lattice, "storing wet/dry grid...");
+        story.allocateInput(2, lattice, "storing grid 2...");
+        story.allocate(kDifference, lattice, "storing difference grid...");
+        story.allocate(kWetDry, lattice, "storing wet/dry grid...");
     };
-    const LoadSteps steps{
-        .purpose = "storing grid 1...", .prepare = allocateOthers, .reading = join("Reading: ", inputs[1])};
-    const LoadedGrid first = loadGrid(inputs[1], steps, grid1);
+    const LoadedGrid first = story.load(
+        1, {.purpose = "storing grid 1...", .prepare = allocateOthers, .reading = join("Reading: ", inputs[1])});
     const GridHeader& header = first.header;
-    const LoadedGrid second = loadGrid(inputs[2], {.match = &header, .reading = join("Reading: ", inputs[2])}, grid2);
+    const LoadedGrid second = story.load(2, {.match = &header, .reading = join("Reading: ", inputs[2])});
 
     say("Processing difference calculations...");
-    const bool writesWetDry = !settings.nowetdry && !settings.change;
-    overRows("Processing row:", header.nrows, header.ncols, [&](const CellBlock& block) {
-        const DifGrid a{cellsOf(grid1, block), header.null};
-        const DifGrid b{cellsOf(grid2, block), second.header.null};
-        if (settings.nowetdry) {
-            subtractActive(a, b, cellsOf(difference, block));
-        } else if (settings.change) {
-            subtractChange(a, b, cellsOf(difference, block));
-        } else {
-            subtractWetDry(a, b, cellsOf(difference, block), cellsOf(wetDry, block));
-        }
-    });
+    story.compute("Processing row:");
     say("Done processing differences.");
 
     const std::string base = outputBase(settings, inputs);
     const std::int32_t format = outputFormatRule(settings, first.format);
     say("Writing difference values to: ", base);
-    writeGrid(format, base, header, difference, second.projectionText, settings.decimals);
+    story.write(kDifference, format, base, header, second.projectionText, settings.decimals);
     if (writesWetDry) {
         say("Writing wet/dry file to: ", base, "_wd");
-        writeGrid(format, base + "_wd", header, wetDry, second.projectionText, settings.decimals);
+        story.write(kWetDry, format, base + "_wd", header, second.projectionText, settings.decimals);
     }
     say("");
 }

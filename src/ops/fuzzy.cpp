@@ -1,9 +1,8 @@
 #include "ops/fuzzy.h"
 
-#include "grid/writer.h"
 #include "host/console.h"
 #include "ops/fuzzy_cells.h"
-#include "run/load.h"
+#include "run/cell_story.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
@@ -15,29 +14,32 @@ namespace gridforge {
 void runFuzzy(const RunSettings& settings, const InputFileList& inputs)
 {
     say("Loading header info...");
-    Grid input;
-    Grid output;
-    GridHeader header;
-    const auto prepare = [&](const GridHeader& first) {
-        header = first;
-        allocateGrid(output, first, "storing output grid...");
-        std::ranges::fill(output.cells(), first.null);
+    const auto last = static_cast<std::size_t>(inputs.count()) - 1;
+    const auto kernel = [last](const CellPiece& piece, std::size_t i, std::span<const float> cells, OutputPieces kept) {
+        const float null = piece.nulls[0];
+        if (i == 0) {
+            std::ranges::fill(kept[0], null);
+        }
+        countActiveCells(cells, null, kept[0]);
+        if (i == last) {
+            scaleCounts(static_cast<std::int32_t>(last + 1), null, kept[0]);
+        }
     };
-    const LoadedGrid loaded =
-        loadEach(inputs, "storing input grid...", prepare, input, [&](std::int32_t, const GridHeader&) {
-            overRows("Processing row:", header.nrows, header.ncols, [&](const CellBlock& block) {
-                countActiveCells(cellsOf(input, block), header.null, cellsOf(output, block));
-            });
-            say("   Done.");
-        });
+    CellStory story(settings, inputs, {}, kernel);
+    const auto prepare = [&](const GridHeader& first) { story.allocate(0, first, "storing output grid..."); };
+    const auto take = [&](std::int32_t i) {
+        story.take(i, "Processing row:");
+        say("   Done.");
+    };
+    const LoadedGrid loaded = story.loadEach("storing input grid...", prepare, take);
+    const GridHeader& header = loaded.header;
     say("Scaling by number of files...");
-    overRows("Processing row:", header.nrows, header.ncols,
-             [&](const CellBlock& block) { scaleCounts(inputs.count(), header.null, cellsOf(output, block)); });
+    overRows("Processing row:", header.nrows, header.ncols, [](const CellBlock&) {}); // done with the last grid
 
     const std::string base = outputNameRule(settings, inputs[1], "_fuzzy");
     const std::int32_t format = outputFormatRule(settings, loaded.format);
     say("Writing fuzzy values to: ", base);
-    writeGrid(format, base, header, output, loaded.projectionText, settings.decimals);
+    story.write(0, format, base, header, loaded.projectionText, settings.decimals);
 }
 
 } // namespace gridforge

@@ -2,13 +2,11 @@
 
 #include "core/names.h"
 #include "core/numbers.h"
-#include "grid/writer.h"
 #include "host/ends.h"
 #include "ops/transform_cells.h"
 #include "ops/two_grids.h"
-#include "run/load.h"
+#include "run/cell_story.h"
 #include "run/outputs.h"
-#include "run/rows.h"
 
 #include <string>
 
@@ -22,26 +20,23 @@ void runTransform(const RunSettings& settings, const InputFileList& inputs)
     say("Multiplier (m) = ", realField(settings.transformM, kWidth, kDecimals));
     say("Add Value  (c) = ", realField(settings.transformC, kWidth, kDecimals));
 
-    Grid input;
-    Grid output;
-    const LoadSteps steps{
-        .purpose = "storing input grid...",
-        .prepare = [&](const GridHeader& lattice) { allocateGrid(output, lattice, "storing output grid..."); },
-        .reading = join("Reading: ", inputs[1])};
-    const LoadedGrid loaded = loadGrid(inputs[1], steps, input);
-    const GridHeader& header = loaded.header;
+    const auto kernel = [&settings](const CellPiece& piece, InputPieces cells, OutputPieces output) {
+        transformCells(cells[0], settings.transformM, settings.transformC, piece.nulls[0], output[0]);
+    };
+    CellStory story(settings, inputs.first(1), {}, kernel);
+    const LoadedGrid loaded = story.load(
+        1, {.purpose = "storing input grid...",
+            .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
+            .reading = join("Reading: ", inputs[1])});
 
     say("Processing transformation....");
-    overRows("Processing Row:", header.nrows, header.ncols, [&](const CellBlock& block) {
-        transformCells(cellsOf(input, block), settings.transformM, settings.transformC, header.null,
-                       cellsOf(output, block));
-    });
+    story.compute("Processing Row:");
     say("Done");
 
     const std::string base = outputNameRule(settings, inputs[1], "_trans");
     const std::int32_t format = outputFormatRule(settings, loaded.format);
     say("Writing transformed values to: ", base);
-    writeGrid(format, base, header, output, loaded.projectionText, settings.decimals);
+    story.write(0, format, base, loaded.header, loaded.projectionText, settings.decimals);
 }
 
 namespace {
@@ -73,22 +68,19 @@ void runMultiply(const RunSettings& givenSettings, const InputFileList& givenInp
     say("Processing multiply option.");
     settleMultiplyInputs(settings, inputs);
 
-    Grid grid1;
-    Grid output;
-    const LoadSteps firstSteps{
-        .purpose = "storing grid 1...",
-        .prepare = [&](const GridHeader& lattice) { allocateGrid(output, lattice, "storing output grid..."); },
-        .reading = join("Reading: ", inputs[1])};
-    const LoadedGrid first = loadGrid(inputs[1], firstSteps, grid1);
+    const auto kernel = [](const CellPiece& piece, InputPieces cells, OutputPieces output) {
+        multiplyCells(cells[0], piece.nulls[0], cells[1], piece.nulls[1], output[0]);
+    };
+    CellStory story(settings, inputs, {}, kernel);
+    const LoadedGrid first = story.load(
+        1, {.purpose = "storing grid 1...",
+            .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
+            .reading = join("Reading: ", inputs[1])});
     const GridHeader& header = first.header;
-    Grid grid2;
-    allocateGrid(grid2, header, "storing grid 2...");
-    const LoadedGrid second = loadGrid(inputs[2], {.match = &header, .reading = join("Reading: ", inputs[2])}, grid2);
+    story.allocateInput(2, header, "storing grid 2...");
+    const LoadedGrid second = story.load(2, {.match = &header, .reading = join("Reading: ", inputs[2])});
 
-    overRows("Processing Row:", header.nrows, header.ncols, [&](const CellBlock& block) {
-        multiplyCells(cellsOf(grid1, block), header.null, cellsOf(grid2, block), second.header.null,
-                      cellsOf(output, block));
-    });
+    story.compute("Processing Row:");
     say("   Done.");
 
     // The second name comes with its folder, which then stands in the middle of the output's; deliberate.
@@ -96,7 +88,7 @@ void runMultiply(const RunSettings& givenSettings, const InputFileList& givenInp
     const std::string base = specifiedNameOr(settings, ruled);
     const std::int32_t format = outputFormatRule(settings, first.format);
     say("Writing output to: ", base);
-    writeGrid(format, base, header, output, second.projectionText, settings.decimals);
+    story.write(0, format, base, header, second.projectionText, settings.decimals);
 }
 
 } // namespace gridforge

@@ -105,5 +105,16 @@ TEST(ThreadsCli, ChangeNoExtremesOfBinaryGrids)
     compareAll("-max -asc a.flt b.flt c.flt", ".flt");
 }
 
+TEST(ThreadsCli, ChangeNothingInWhatIsMadeOfAGridOrTwo)
+{
+    compareAll("-dif a.asc b.asc", ".asc");
+    compareAll("-cd40 a.flt b.flt", ".flt");
+    compareAll("-trans_m0.1 -trans_c2 a.flt", ".flt");
+    compareAll("-multiply a.asc c.asc", ".asc");
+    compareAll("-fe a.flt", ".flt");
+    compareAll("-count -cd40 a.flt", ".flt");
+    compareAll("-fuzzy a.flt b.flt c.flt", ".flt");
+}
+
 } // namespace
 } // namespace gridforge::test

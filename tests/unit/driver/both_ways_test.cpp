@@ -66,6 +66,17 @@ std::vector<Case> cases()
         {"MaxWithoutSource", "-max -src -decimal1", {-9999, -9999}},
         {"Min", "-min", {-9999, -1, -9999}},
         {"MinOfMany", "-min", std::vector<double>(70, -9999)}, // more than are open at a time
+        {"Difference", "-dif", {-9999, -1}},
+        {"DifferenceOfActive", "-dif -change -nowetdry", {-9999, -9999}},
+        {"Change", "-dif -change", {-9999, -9999}},
+        {"Product", "-multiply", {-9999, -1}},
+        {"Transform", "-trans_m2.5 -trans_c-1", {-9999}},
+        {"Cutoff", "-cd12.5", {-9999}},
+        {"Filter", "-cd12.5", {-9999, -1}},
+        {"FloodExtent", "-fe", {-9999}},
+        {"Fuzzy", "-fuzzy", {-9999, -9999, -1}},
+        {"Count", "-count", {-9999}},
+        {"CountAboveCutoff", "-count -cd12.5", {-9999}},
     };
 }
 
