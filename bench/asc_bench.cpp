@@ -67,9 +67,9 @@ void parse(benchmark::State& state, const std::string& text)
     for (auto _ : state) {
         std::string_view rest = text;
         for (std::size_t i = 0; i < kRows; ++i) {
-            AscRowState rowState;
+            grid::AscRowState rowState;
             std::size_t consumed = 0;
-            if (parseAscRow(rowState, rest, true, consumed, row) != AscRow::done) {
+            if (parseAscRow(rowState, rest, true, consumed, row) != grid::AscRow::done) {
                 state.SkipWithError("row refused");
             }
             rest.remove_prefix(consumed);
@@ -101,7 +101,7 @@ void format(benchmark::State& state, const std::vector<float>& cells, int width,
     std::vector<char> text(kColumns * static_cast<std::size_t>(width));
     for (auto _ : state) {
         for (std::size_t i = 0; i < kRows; ++i) {
-            formatAscRow(std::span(cells).subspan(i * kColumns, kColumns), width, decimals, text.data());
+            grid::formatAscRow(std::span(cells).subspan(i * kColumns, kColumns), width, decimals, text.data());
             benchmark::DoNotOptimize(text.data());
             benchmark::ClobberMemory();
         }
@@ -130,7 +130,7 @@ void formatStandard(benchmark::State& state, const std::vector<float>& cells, in
 void extremes(benchmark::State& state, const std::vector<float>& cells)
 {
     for (auto _ : state) {
-        benchmark::DoNotOptimize(findExtremes(cells));
+        benchmark::DoNotOptimize(grid::findExtremes(cells));
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
                             static_cast<std::int64_t>(cells.size() * sizeof(float)));

@@ -19,9 +19,9 @@ using namespace gridforge;
 constexpr std::int32_t kCells = 5000;
 constexpr int kBuildings = 20000;
 
-SampledGrid makeGrid()
+damages::SampledGrid makeGrid()
 {
-    SampledGrid grid;
+    damages::SampledGrid grid;
     grid.header.nrows = kCells;
     grid.header.ncols = kCells;
     grid.header.xll = 382000;
@@ -36,24 +36,24 @@ SampledGrid makeGrid()
     for (float& cell : grid.cells.cells()) {
         cell = chance(random) < 3 ? grid.header.null : 20.0F + static_cast<float>(random() % 4096U) / 1024.0F;
     }
-    grid.columnX = columnPlaces(grid.header);
+    grid.columnX = damages::columnPlaces(grid.header);
     return grid;
 }
 
-const SampledGrid& theGrid()
+const damages::SampledGrid& theGrid()
 {
-    static const SampledGrid grid = makeGrid();
+    static const damages::SampledGrid grid = makeGrid();
     return grid;
 }
 
 // Ragged rounds of 7 to 12 m radius, as read: with the closing vertex and the slot after it.
-std::vector<DmgBuilding> makeBuildings(std::int64_t vertices)
+std::vector<damages::DmgBuilding> makeBuildings(std::int64_t vertices)
 {
     std::mt19937_64 random(2);
     std::uniform_real_distribution<double> place(20, kCells - 20);
     std::uniform_real_distribution<double> radius(7, 12);
-    std::vector<DmgBuilding> buildings(kBuildings);
-    for (DmgBuilding& building : buildings) {
+    std::vector<damages::DmgBuilding> buildings(kBuildings);
+    for (damages::DmgBuilding& building : buildings) {
         const double x = theGrid().header.xll + place(random);
         const double y = theGrid().header.yll + place(random);
         for (std::int64_t i = 0; i < vertices; ++i) {
@@ -66,7 +66,7 @@ std::vector<DmgBuilding> makeBuildings(std::int64_t vertices)
             building.x.push_back(building.x[i]);
             building.y.push_back(building.y[i]);
         }
-        building.type = kPolygonBuilding;
+        building.type = damages::kPolygonBuilding;
         building.vertices = static_cast<std::int32_t>(building.x.size());
         building.xmin = *std::min_element(building.x.begin(), building.x.end());
         building.xmax = *std::max_element(building.x.begin(), building.x.end());
@@ -76,14 +76,15 @@ std::vector<DmgBuilding> makeBuildings(std::int64_t vertices)
     return buildings;
 }
 
-InsideCells plainly(const DmgBuilding& building, const CellWindow& window, const SampledGrid& grid)
+damages::InsideCells plainly(const damages::DmgBuilding& building, const run::CellWindow& window,
+                             const damages::SampledGrid& grid)
 {
     const std::array<std::int32_t, 1> ir = {building.vertices - 1};
-    InsideCells cells;
+    damages::InsideCells cells;
     for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
         for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-            if (!INSIDE_POLYGON_8(cornerX(grid.header, column), cornerY(grid.header, row), building.x, building.y,
-                                  building.vertices, building.xmin, ir, 1) ||
+            if (!INSIDE_POLYGON_8(run::cornerX(grid.header, column), run::cornerY(grid.header, row), building.x,
+                                  building.y, building.vertices, building.xmin, ir, 1) ||
                 grid.cells(row, column) == grid.header.null) {
                 continue;
             }
@@ -98,19 +99,19 @@ InsideCells plainly(const DmgBuilding& building, const CellWindow& window, const
 template <typename Sample>
 void measure(benchmark::State& state, const Sample& sample)
 {
-    const std::vector<DmgBuilding> buildings = makeBuildings(state.range(0));
+    const std::vector<damages::DmgBuilding> buildings = makeBuildings(state.range(0));
     for (auto _ : state) {
         float sum = 0;
-        for (const DmgBuilding& building : buildings) {
+        for (const damages::DmgBuilding& building : buildings) {
             sum += sample(building, buildingWindow(building, theGrid().header)).sum;
         }
         benchmark::DoNotOptimize(sum);
     }
-    PolygonTest test;
-    for (const DmgBuilding& building : buildings) {
-        const CellWindow window = buildingWindow(building, theGrid().header);
-        const InsideCells fast = cellsInside(building, window, theGrid(), test);
-        const InsideCells plain = plainly(building, window, theGrid());
+    damages::PolygonTest test;
+    for (const damages::DmgBuilding& building : buildings) {
+        const run::CellWindow window = buildingWindow(building, theGrid().header);
+        const damages::InsideCells fast = cellsInside(building, window, theGrid(), test);
+        const damages::InsideCells plain = plainly(building, window, theGrid());
         if (fast.maximum != plain.maximum || fast.sum != plain.sum || fast.count != plain.count) {
             state.SkipWithError("the two tests differ");
             break;
@@ -121,15 +122,16 @@ void measure(benchmark::State& state, const Sample& sample)
 
 void plainTest(benchmark::State& state)
 {
-    measure(state,
-            [](const DmgBuilding& building, const CellWindow& window) { return plainly(building, window, theGrid()); });
+    measure(state, [](const damages::DmgBuilding& building, const run::CellWindow& window) {
+        return plainly(building, window, theGrid());
+    });
 }
 BENCHMARK(plainTest)->Arg(6)->Arg(60)->Unit(benchmark::kMillisecond);
 
 void byRows(benchmark::State& state)
 {
-    PolygonTest test;
-    measure(state, [&test](const DmgBuilding& building, const CellWindow& window) {
+    damages::PolygonTest test;
+    measure(state, [&test](const damages::DmgBuilding& building, const run::CellWindow& window) {
         return cellsInside(building, window, theGrid(), test);
     });
 }
@@ -151,7 +153,7 @@ void lookup(benchmark::State& state)
     for (auto _ : state) {
         float sum = 0;
         for (const float depth : asked) {
-            sum += dmg_curve_lookup(depths, damages, depth);
+            sum += damages::dmg_curve_lookup(depths, damages, depth);
         }
         benchmark::DoNotOptimize(sum);
     }

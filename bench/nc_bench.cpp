@@ -28,9 +28,9 @@ constexpr std::size_t kCells = std::size_t{kRows} * kColumns;
 // Grids in a folder of their own: a rough water surface in three valleys out of five, nothing in the others.
 struct Inputs {
     std::filesystem::path folder;
-    InputFileList names;
+    run::InputFileList names;
     std::vector<Grid> grids;
-    RunSettings settings;
+    run::RunSettings settings;
 
     Inputs() : folder(std::filesystem::temp_directory_path() / ("nc_bench_" + std::to_string(getpid())))
     {
@@ -70,7 +70,7 @@ private:
             }
         }
         const std::string base = (folder / ("g" + std::to_string(i))).string();
-        writeGrid(kFormatFlt, base, header, grid, "");
+        grid::writeGrid(grid::kFormatFlt, base, header, grid, "");
         names.add(base + ".flt");
     }
 };
@@ -84,9 +84,9 @@ const Inputs& inputs()
 void run(bool byRows)
 {
     const QuietConsole quiet;
-    RunSettings settings = inputs().settings;
+    run::RunSettings settings = inputs().settings;
     settings.ncPart = byRows;
-    runNc(settings, inputs().names);
+    netcdf::runNc(settings, inputs().names);
 }
 
 void require(int status)

@@ -20,14 +20,14 @@ namespace {
 using namespace gridforge;
 
 struct Network {
-    NbcBranches branches;
-    NbcSections sections;
+    network::NbcBranches branches;
+    network::NbcSections sections;
     std::int64_t vertices = 0;
 };
 
 void addBranch(Network& network, std::vector<double> x, std::vector<double> y)
 {
-    NbcBranch& branch = network.branches.all.emplace_back();
+    network::NbcBranch& branch = network.branches.all.emplace_back();
     branch.x = std::move(x);
     branch.y = std::move(y);
     branch.chainage.assign(branch.x.size(), 0.0F);
@@ -35,17 +35,17 @@ void addBranch(Network& network, std::vector<double> x, std::vector<double> y)
         branch.chainage[v] =
             branch.chainage[v - 1] + DISTANCE_8(branch.x[v - 1], branch.y[v - 1], branch.x[v], branch.y[v]);
     }
-    branch.extent = extentOf(branch.x, branch.y);
+    branch.extent = network::extentOf(branch.x, branch.y);
     network.vertices += static_cast<std::int64_t>(branch.x.size());
 }
 
 // Of five vertices across (x, y), the first segment over it.
 void addSection(Network& network, double x, double y)
 {
-    NbcSection& section = network.sections.all.emplace_back();
+    network::NbcSection& section = network.sections.all.emplace_back();
     section.x = {x, x, x, x, x};
     section.y = {y - 7, y + 5, y + 6, y + 7, y + 8};
-    section.extent = extentOf(section.x, section.y);
+    section.extent = network::extentOf(section.x, section.y);
     network.vertices += 5;
 }
 
@@ -111,10 +111,10 @@ private:
     int kept_;
 };
 
-std::size_t met(const NbcSections& sections)
+std::size_t met(const network::NbcSections& sections)
 {
     std::size_t count = 0;
-    for (const NbcSection& section : sections.all) {
+    for (const network::NbcSection& section : sections.all) {
         count += section.intersected || section.snapped ? 1 : 0;
     }
     return count;
@@ -127,7 +127,7 @@ void measure(benchmark::State& state, const Network& network, Match match)
     {
         const Quiet quiet;
         for (auto _ : state) {
-            for (NbcBranch& branch : work.branches.all) {
+            for (network::NbcBranch& branch : work.branches.all) {
                 branch.sections.clear();
             }
             match(work.branches, work.sections);
@@ -139,15 +139,15 @@ void measure(benchmark::State& state, const Network& network, Match match)
     state.SetItemsProcessed(state.iterations() * network.vertices);
 }
 
-void plainMatch(NbcBranches& branches, NbcSections& sections)
+void plainMatch(network::NbcBranches& branches, network::NbcSections& sections)
 {
-    for (NbcSection& section : sections.all) {
+    for (network::NbcSection& section : sections.all) {
         section.snapped = false;
         section.intersected = false;
         for (std::size_t b = 0; b < branches.all.size(); ++b) {
-            const NbcBranch& branch = branches.all[b];
-            const Extent& e = branch.extent;
-            const Extent& s = section.extent;
+            const network::NbcBranch& branch = branches.all[b];
+            const network::Extent& e = branch.extent;
+            const network::Extent& s = section.extent;
             if (e.xmin > s.xmax || e.ymin > s.ymax || e.xmax < s.xmin || e.ymax < s.ymin) {
                 continue;
             }
@@ -167,7 +167,7 @@ void plainMatch(NbcBranches& branches, NbcSections& sections)
 
 void branches(benchmark::State& state)
 {
-    measure(state, manyBranches(state.range(0)), nbc_match_sections);
+    measure(state, manyBranches(state.range(0)), network::nbc_match_sections);
 }
 BENCHMARK(branches)->Arg(125)->Arg(250)->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
 
@@ -179,7 +179,7 @@ BENCHMARK(branchesPlain)->Arg(125)->Arg(500)->Arg(2000)->Unit(benchmark::kMillis
 
 void oneBranch(benchmark::State& state)
 {
-    measure(state, longBranch(state.range(0)), nbc_match_sections);
+    measure(state, longBranch(state.range(0)), network::nbc_match_sections);
 }
 BENCHMARK(oneBranch)->Arg(625)->Arg(1250)->Arg(2500)->Arg(5000)->Arg(10000)->Unit(benchmark::kMillisecond);
 

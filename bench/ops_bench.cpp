@@ -73,7 +73,7 @@ void subtract(benchmark::State& state)
     compare(
         state, kCells,
         [&](std::vector<float>& out) {
-            subtractWetDry({a, kNull}, {b, kNull}, out, classes);
+            ops::subtractWetDry({a, kNull}, {b, kNull}, out, classes);
         },
         [&](std::vector<float>& out) {
             for (std::size_t i = 0; i < kCells; ++i) {
@@ -82,9 +82,9 @@ void subtract(benchmark::State& state)
                 if (a[i] != kNull && b[i] != kNull) {
                     out[i] = a[i] - b[i];
                 } else if (a[i] != kNull) {
-                    classes[i] = kOnlyFirstActive;
+                    classes[i] = ops::kOnlyFirstActive;
                 } else if (b[i] != kNull) {
-                    classes[i] = kOnlySecondActive;
+                    classes[i] = ops::kOnlySecondActive;
                 }
             }
         });
@@ -94,7 +94,7 @@ void cutoff(benchmark::State& state)
 {
     const std::vector<float> a = madeCells(1);
     compare(
-        state, kCells, [&](std::vector<float>& out) { keepFrom(a, 1.0F, kNull, out); },
+        state, kCells, [&](std::vector<float>& out) { ops::keepFrom(a, 1.0F, kNull, out); },
         [&](std::vector<float>& out) {
             for (std::size_t i = 0; i < kCells; ++i) {
                 out[i] = kNull;
@@ -109,7 +109,7 @@ void transform(benchmark::State& state)
 {
     const std::vector<float> a = madeCells(1);
     compare(
-        state, kCells, [&](std::vector<float>& out) { transformCells(a, 0.3F, 7.0F, kNull, out); },
+        state, kCells, [&](std::vector<float>& out) { ops::transformCells(a, 0.3F, 7.0F, kNull, out); },
         [&](std::vector<float>& out) {
             for (std::size_t i = 0; i < kCells; ++i) {
                 out[i] = kNull;
@@ -124,10 +124,10 @@ void extent(benchmark::State& state)
 {
     const std::vector<float> a = madeCells(1);
     compare(
-        state, kCells, [&](std::vector<float>& out) { markWet(a, kNull, out); },
+        state, kCells, [&](std::vector<float>& out) { ops::markWet(a, kNull, out); },
         [&](std::vector<float>& out) {
             for (std::size_t i = 0; i < kCells; ++i) {
-                out[i] = a[i] == kNull || std::abs(a[i]) < kWetFrom ? kNull : 1.0F;
+                out[i] = a[i] == kNull || std::abs(a[i]) < ops::kWetFrom ? kNull : 1.0F;
             }
         });
 }
@@ -136,7 +136,7 @@ void fuzzy(benchmark::State& state)
 {
     const std::vector<float> a = madeCells(1);
     compare(
-        state, kCells, [&](std::vector<float>& out) { countActiveCells(a, kNull, out); },
+        state, kCells, [&](std::vector<float>& out) { ops::countActiveCells(a, kNull, out); },
         [&](std::vector<float>& out) {
             for (std::size_t i = 0; i < kCells; ++i) {
                 if (a[i] != kNull) {
@@ -156,7 +156,7 @@ void maximum(benchmark::State& state)
         state, kCells,
         [&](std::vector<float>& out) {
             std::ranges::copy(a, out.begin());
-            takeMaximum(b, kNull, 2, out, sources);
+            ops::takeMaximum(b, kNull, 2, out, sources);
         },
         [&](std::vector<float>& out) {
             std::ranges::copy(a, out.begin());
@@ -174,7 +174,7 @@ void multiply(benchmark::State& state)
     const std::vector<float> a = madeCells(1);
     const std::vector<float> b = madeCells(2);
     compare(
-        state, kCells, [&](std::vector<float>& out) { multiplyCells(a, kNull, b, kNull, out); },
+        state, kCells, [&](std::vector<float>& out) { ops::multiplyCells(a, kNull, b, kNull, out); },
         [&](std::vector<float>& out) {
             for (std::size_t i = 0; i < kCells; ++i) {
                 out[i] = kNull;
@@ -189,7 +189,7 @@ void count(benchmark::State& state)
 {
     const std::vector<float> a = madeCells(1);
     compare(
-        state, 1, [&](std::vector<float>& out) { out[0] = static_cast<float>(countAbove(a, kNull, 1.0F)); },
+        state, 1, [&](std::vector<float>& out) { out[0] = static_cast<float>(ops::countAbove(a, kNull, 1.0F)); },
         [&](std::vector<float>& out) {
             out[0] = static_cast<float>(std::ranges::count_if(a, [](float cell) { return cell != kNull && cell > 1; }));
         });
@@ -218,7 +218,7 @@ void classify(benchmark::State& state)
     const std::vector<float> a = madeCells(1);
     const std::vector<float> limits = limitsOf(state.range(1));
     compare(
-        state, kCells, [&](std::vector<float>& out) { classifyCells(a, kNull, limits, out); },
+        state, kCells, [&](std::vector<float>& out) { ops::classifyCells(a, kNull, limits, out); },
         [&](std::vector<float>& out) {
             for (std::size_t i = 0; i < kCells; ++i) {
                 out[i] = a[i] == kNull ? kNull : static_cast<float>(plainClass(a[i], limits) + 1);
@@ -237,7 +237,7 @@ void histogram(benchmark::State& state)
         state, limits.size() + 1,
         [&](std::vector<float>& out) {
             std::vector<std::int64_t> counts(limits.size() + 1);
-            countBins(a, kNull, limits, counts);
+            ops::countBins(a, kNull, limits, counts);
             asFloats(counts, out);
         },
         [&](std::vector<float>& out) {
@@ -256,7 +256,7 @@ void resizeAverage(benchmark::State& state)
     const auto factor = static_cast<std::int32_t>(state.range(1));
     Grid grid;
     Grid output;
-    const Tiling tiling = tilingOf(kSide, kSide, factor);
+    const ops::Tiling tiling = ops::tilingOf(kSide, kSide, factor);
     if (!grid.allocate(kSide, kSide) || !output.allocate(tiling.rows, tiling.columns)) {
         state.SkipWithError("no memory");
         return;
@@ -317,7 +317,7 @@ void statMinimum(benchmark::State& state)
     std::vector<float> sources(kCells);
     std::vector<float> values(stack.grids.size());
     compare(
-        state, kCells, [&](std::vector<float>& out) { findMinimum(stack.spans, kNull, out, sources); },
+        state, kCells, [&](std::vector<float>& out) { ops::findMinimum(stack.spans, kNull, out, sources); },
         [&](std::vector<float>& out) {
             for (std::size_t i = 0; i < kCells; ++i) {
                 const auto cell = stack.at(i, values);
@@ -339,7 +339,7 @@ void statRanks(benchmark::State& state)
     compare(
         state, kCells * ranks,
         [&](std::vector<float>& out) {
-            std::vector<RankResult> results;
+            std::vector<ops::RankResult> results;
             for (std::size_t p = 0; p < ranks; ++p) {
                 results.push_back({static_cast<std::int32_t>(p) + 1, std::span(out).subspan(p * kCells, kCells),
                                    std::span(sources).subspan(p * kCells, kCells)});
@@ -350,7 +350,7 @@ void statRanks(benchmark::State& state)
             for (std::size_t i = 0; i < kCells; ++i) {
                 const auto cell = stack.at(i, values);
                 const bool dry = *std::ranges::max_element(cell) <= kNull + 0.01F;
-                const SortedCell sorted = sortCell(cell);
+                const ops::SortedCell sorted = ops::sortCell(cell);
                 for (std::size_t p = 0; p < ranks; ++p) {
                     out[p * kCells + i] = dry ? kNull : sorted.values[p];
                     sources[p * kCells + i] = dry ? kNull : static_cast<float>(sorted.sources[p]);
@@ -365,7 +365,7 @@ void statMean(benchmark::State& state)
     std::vector<float> sources(kCells);
     std::vector<float> values(stack.grids.size());
     compare(
-        state, kCells, [&](std::vector<float>& out) { findMean(stack.spans, kNull, out, sources); },
+        state, kCells, [&](std::vector<float>& out) { ops::findMean(stack.spans, kNull, out, sources); },
         [&](std::vector<float>& out) {
             for (std::size_t i = 0; i < kCells; ++i) {
                 const auto cell = stack.at(i, values);
@@ -376,7 +376,7 @@ void statMean(benchmark::State& state)
                         sum += value;
                     }
                     out[i] = sum / static_cast<float>(cell.size());
-                    sources[i] = static_cast<float>(sortCell(cell).sources[0]);
+                    sources[i] = static_cast<float>(ops::sortCell(cell).sources[0]);
                 }
             }
         });

@@ -32,13 +32,13 @@ GridHeader gridOf(std::int32_t rows)
     return grid;
 }
 
-RfPoints scattered(std::int64_t count, const GridHeader& grid)
+rainfall::RfPoints scattered(std::int64_t count, const GridHeader& grid)
 {
     std::mt19937_64 random(1);
     std::uniform_real_distribution<double> along(0, kSide * grid.cellsize8);
-    RfPoints points;
+    rainfall::RfPoints points;
     for (std::int64_t i = 0; i < count; ++i) {
-        RfPoint point;
+        rainfall::RfPoint point;
         point.record = {"", 1.0F, 1.0F};
         point.x = grid.xll + along(random);
         point.y = grid.yll + along(random);
@@ -48,18 +48,18 @@ RfPoints scattered(std::int64_t count, const GridHeader& grid)
     return points;
 }
 
-RfHyetographs hyetographs(std::int64_t count)
+rainfall::RfHyetographs hyetographs(std::int64_t count)
 {
-    RfHyetographs result;
+    rainfall::RfHyetographs result;
     for (std::int64_t i = 0; i < count; ++i) {
         result.records.push_back({"", {0.0F, 1.0F}, {static_cast<float>(i % 17), 2.0F}});
     }
     return result;
 }
 
-RfGrids gridsOf(const GridHeader& grid)
+rainfall::RfGrids gridsOf(const GridHeader& grid)
 {
-    RfGrids grids;
+    rainfall::RfGrids grids;
     if (!grids.step.allocate(grid.nrows, grid.ncols) || !grids.cumulative.allocate(grid.nrows, grid.ncols)) {
         std::abort();
     }
@@ -77,7 +77,7 @@ void setCells(benchmark::State& state, const GridHeader& grid)
 void nearestPlainly(benchmark::State& state)
 {
     const GridHeader grid = gridOf(kSide);
-    const RfPoints points = scattered(state.range(0), grid);
+    const rainfall::RfPoints points = scattered(state.range(0), grid);
     const auto k = static_cast<std::size_t>(state.range(1));
     std::vector<float> distances(points.records.size());
     constexpr std::int32_t kStep = 50;
@@ -85,7 +85,7 @@ void nearestPlainly(benchmark::State& state)
         double sum = 0;
         for (std::int32_t row = 1; row <= grid.nrows; row += kStep) {
             for (std::int32_t column = 1; column <= grid.ncols; ++column) {
-                std::ranges::transform(points.records, distances.begin(), [&](const RfPoint& point) {
+                std::ranges::transform(points.records, distances.begin(), [&](const rainfall::RfPoint& point) {
                     return DISTANCE_8(grid.x(column), grid.y(row), point.x, point.y);
                 });
                 for (std::size_t n = 0; n < k; ++n) {
@@ -103,9 +103,9 @@ void nearestPlainly(benchmark::State& state)
 void nearest(benchmark::State& state)
 {
     const GridHeader grid = gridOf(kSide);
-    const RfPoints points = scattered(state.range(0), grid);
-    const RfIdwMethod method{false, static_cast<std::int32_t>(state.range(1)), -99.0F, 2.0F};
-    RfIdwTables tables;
+    const rainfall::RfPoints points = scattered(state.range(0), grid);
+    const rainfall::RfIdwMethod method{false, static_cast<std::int32_t>(state.range(1)), -99.0F, 2.0F};
+    rainfall::RfIdwTables tables;
     allocateTables(grid, method, points.count(), tables);
     for (auto _ : state) {
         std::ranges::fill(tables.count.cells(), 0);
@@ -117,8 +117,8 @@ void nearest(benchmark::State& state)
 void allPoints(benchmark::State& state)
 {
     const GridHeader grid = gridOf(kSide);
-    const RfPoints points = scattered(state.range(0), grid);
-    RfIdwTables tables;
+    const rainfall::RfPoints points = scattered(state.range(0), grid);
+    rainfall::RfIdwTables tables;
     allocateTables(grid, {true, points.count(), -99.0F, 2.0F}, points.count(), tables);
     for (auto _ : state) {
         rf_idw_weights(grid, points, tables);
@@ -134,8 +134,8 @@ BENCHMARK(allPoints)->Arg(20)->Unit(benchmark::kMillisecond);
 
 // Squares cut in two over the whole grid.
 struct Mesh {
-    std::vector<RfTriangle> triangles;
-    RfTinPoints points;
+    std::vector<rainfall::RfTriangle> triangles;
+    rainfall::RfTinPoints points;
 };
 
 Mesh mesh(std::int32_t squares, const GridHeader& grid)
@@ -160,7 +160,7 @@ void triangles(benchmark::State& state)
 {
     const GridHeader grid = gridOf(kSide);
     const Mesh tin = mesh(static_cast<std::int32_t>(state.range(0)), grid);
-    RfTinTables tables;
+    rainfall::RfTinTables tables;
     allocateTables(grid, tables);
     for (auto _ : state) {
         for (std::size_t e = 0; e < tin.triangles.size(); ++e) {
@@ -177,14 +177,14 @@ BENCHMARK(triangles)->Arg(1)->Arg(20)->Unit(benchmark::kMillisecond);
 void stepPolygon(benchmark::State& state)
 {
     const GridHeader grid = gridOf(kSide);
-    RfPolygonTables tables;
+    rainfall::RfPolygonTables tables;
     allocateTables(grid, tables);
     for (std::size_t i = 0; i < grid.cells(); ++i) {
         tables.index.cells()[i] = i % 3 == 0 ? -999 : static_cast<std::int32_t>(i / 1000 % 20) + 1;
         tables.factor.cells()[i] = 0.9F;
     }
-    const RfHyetographs rain = hyetographs(20);
-    RfGrids grids = gridsOf(grid);
+    const rainfall::RfHyetographs rain = hyetographs(20);
+    rainfall::RfGrids grids = gridsOf(grid);
     for (auto _ : state) {
         rf_step_polygon(rain, 0, tables, grid.null, grids);
     }
@@ -196,15 +196,15 @@ void stepTin(benchmark::State& state)
 {
     const GridHeader grid = gridOf(kSide);
     const Mesh tin = mesh(20, grid);
-    RfTinTables tables;
+    rainfall::RfTinTables tables;
     allocateTables(grid, tables);
     for (std::size_t e = 0; e < tin.triangles.size(); ++e) {
         paintTriangle(static_cast<std::int32_t>(e) + 1, rfCorners(tin.triangles[e], tin.points, grid), grid, tables);
     }
     const auto count = static_cast<std::int64_t>(tin.points.x.size());
-    const RfPoints points = scattered(count, grid);
-    const RfHyetographs rain = hyetographs(count);
-    RfGrids grids = gridsOf(grid);
+    const rainfall::RfPoints points = scattered(count, grid);
+    const rainfall::RfHyetographs rain = hyetographs(count);
+    rainfall::RfGrids grids = gridsOf(grid);
     for (auto _ : state) {
         rf_step_tin(rain, points, 0, tin.triangles, tin.points, tables, grid.null, grids);
     }
@@ -216,14 +216,15 @@ BENCHMARK(stepTin)->Unit(benchmark::kMillisecond);
 void stepIdw(benchmark::State& state)
 {
     const GridHeader grid = gridOf(kSide);
-    const RfPoints points = scattered(state.range(0), grid);
+    const rainfall::RfPoints points = scattered(state.range(0), grid);
     const bool useAll = state.range(1) == 0;
-    const RfIdwMethod method{useAll, useAll ? points.count() : static_cast<std::int32_t>(state.range(1)), -99.0F, 2.0F};
-    RfIdwTables tables;
+    const rainfall::RfIdwMethod method{useAll, useAll ? points.count() : static_cast<std::int32_t>(state.range(1)),
+                                       -99.0F, 2.0F};
+    rainfall::RfIdwTables tables;
     allocateTables(grid, method, points.count(), tables);
     rf_idw_weights(grid, points, tables);
-    const RfHyetographs rain = hyetographs(state.range(0));
-    RfGrids grids = gridsOf(grid);
+    const rainfall::RfHyetographs rain = hyetographs(state.range(0));
+    rainfall::RfGrids grids = gridsOf(grid);
     for (auto _ : state) {
         rf_step_idw(rain, points, 0, tables, grids);
     }

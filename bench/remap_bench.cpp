@@ -56,7 +56,7 @@ public:
         fillEach(grid, fine, [&](double x, double y) {
             return groundAt(x, y) + static_cast<float>(random() % 100) * 0.001F; // as rough as a survey
         });
-        writeGrid(kFormatFlt, path("ground"), fine, grid, "");
+        grid::writeGrid(grid::kFormatFlt, path("ground"), fine, grid, "");
 
         const GridHeader coarse = squareOf(side / kCoarseness, kFineSize * kCoarseness);
         fillEach(grid, coarse, [&](double x, double y) {
@@ -64,10 +64,10 @@ public:
             const bool wet = flood == Flood::everywhere || groundAt(x, y) < level;
             return wet ? level + static_cast<float>(random() % 100) * 0.0001F : coarse.null;
         });
-        writeGrid(kFormatFlt, path("level"), coarse, grid, "");
+        grid::writeGrid(grid::kFormatFlt, path("level"), coarse, grid, "");
         // As far as 200 m up the sides of the valleys.
         fillEach(grid, coarse, [&](double x, double y) { return groundAt(x, y) < 34 ? 1.0F : coarse.null; });
-        writeGrid(kFormatFlt, path("extent"), coarse, grid, "");
+        grid::writeGrid(grid::kFormatFlt, path("extent"), coarse, grid, "");
     }
     ~Model() { std::filesystem::remove_all(folder_); }
     Model(const Model&) = delete;
@@ -76,9 +76,9 @@ public:
     std::string path(const std::string& name) const { return (folder_ / name).string(); }
     std::int64_t cells() const { return static_cast<std::int64_t>(side_) * side_; }
 
-    RunSettings settings(std::int32_t method) const
+    run::RunSettings settings(std::int32_t method) const
     {
-        RunSettings settings;
+        run::RunSettings settings;
         settings.remap = true;
         settings.interpolation = method;
         settings.waterLevelGrid = path("level.flt");
@@ -139,47 +139,47 @@ void readAndWriteTwice(benchmark::State& state, Flood flood)
     for (auto _ : state) {
         const QuietConsole quiet;
         const std::string terrain = model.path("ground.flt");
-        OpenGrid opened = openGrid(terrain);
+        grid::OpenGrid opened = grid::openGrid(terrain);
         const GridHeader header = opened.header;
         Grid grid;
-        allocateGrid(grid, header, "terrain");
-        readCells(std::move(opened), grid);
-        writeGrid(kFormatFlt, model.path("level_remap_h"), header, grid, "");
-        writeGrid(kFormatFlt, model.path("level_remap_d"), header, grid, "");
+        grid::allocateGrid(grid, header, "terrain");
+        grid::readCells(std::move(opened), grid);
+        grid::writeGrid(grid::kFormatFlt, model.path("level_remap_h"), header, grid, "");
+        grid::writeGrid(grid::kFormatFlt, model.path("level_remap_d"), header, grid, "");
     }
     finish(state, model);
 }
 
-void remap(benchmark::State& state, Flood flood, void (*choose)(RunSettings&, const Model&))
+void remap(benchmark::State& state, Flood flood, void (*choose)(run::RunSettings&, const Model&))
 {
     const Model& model = modelOf(flood, static_cast<std::int32_t>(state.range(0)));
-    RunSettings settings = model.settings(kInterpolateTin);
+    run::RunSettings settings = model.settings(run::kInterpolateTin);
     choose(settings, model);
-    InputFileList inputs;
+    run::InputFileList inputs;
     inputs.add(settings.waterLevelGrid);
     for (auto _ : state) {
         const QuietConsole quiet;
-        runRemap(settings, inputs);
+        remap::runRemap(settings, inputs);
     }
     finish(state, model);
 }
 
-void byTin(RunSettings&, const Model&) {}
+void byTin(run::RunSettings&, const Model&) {}
 
-void byIdwInBuffer(RunSettings& settings, const Model&)
+void byIdwInBuffer(run::RunSettings& settings, const Model&)
 {
-    settings.interpolation = kInterpolateIdw;
+    settings.interpolation = run::kInterpolateIdw;
     settings.bufferGiven = true;
     settings.bufferDistance = 100;
 }
 
-void byIdwInExtent(RunSettings& settings, const Model& model)
+void byIdwInExtent(run::RunSettings& settings, const Model& model)
 {
-    settings.interpolation = kInterpolateIdw;
+    settings.interpolation = run::kInterpolateIdw;
     settings.extentGrid = model.path("extent.flt");
 }
 
-void add(const char* name, Flood flood, std::int32_t side, void (*choose)(RunSettings&, const Model&))
+void add(const char* name, Flood flood, std::int32_t side, void (*choose)(run::RunSettings&, const Model&))
 {
     const auto work = [=](benchmark::State& state) {
         choose == nullptr ? readAndWriteTwice(state, flood) : remap(state, flood, choose);

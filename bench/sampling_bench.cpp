@@ -65,10 +65,10 @@ const Made& made()
     return terrain;
 }
 
-CellSearch searchOf(std::size_t point, std::int64_t distance)
+sampling::CellSearch searchOf(std::size_t point, std::int64_t distance)
 {
     const Made& m = made();
-    return searchAround(m.header, m.x[point], m.y[point], static_cast<float>(distance));
+    return sampling::searchAround(m.header, m.x[point], m.y[point], static_cast<float>(distance));
 }
 
 // --- -cp -------------------------------------------------------------------------------------------------------------
@@ -77,7 +77,7 @@ void nearest(benchmark::State& state)
 {
     const Made& m = made();
     for (auto _ : state) {
-        EmptyTiles tiles(m.header, m.cells);
+        sampling::EmptyTiles tiles(m.header, m.cells);
         for (std::size_t i = 0; i < kPoints; ++i) {
             benchmark::DoNotOptimize(nearestCell(searchOf(i, state.range(0)), m.header, m.cells, tiles));
         }
@@ -96,7 +96,7 @@ void nearestOfNothing(benchmark::State& state)
     }
     std::ranges::fill(dry.cells(), m.header.null);
     for (auto _ : state) {
-        EmptyTiles tiles(m.header, dry);
+        sampling::EmptyTiles tiles(m.header, dry);
         for (std::size_t i = 0; i < kPoints; ++i) {
             benchmark::DoNotOptimize(nearestCell(searchOf(i, state.range(0)), m.header, dry, tiles));
         }
@@ -106,36 +106,36 @@ void nearestOfNothing(benchmark::State& state)
 BENCHMARK(nearestOfNothing)->Arg(20)->Arg(1000)->Unit(benchmark::kMillisecond);
 
 // Every cell of the window, the polygon asked last.
-FoundExtremes plainExtremes(const CellSearch& search, const GridHeader& header, const Grid& cells)
+sampling::FoundExtremes plainExtremes(const sampling::CellSearch& search, const GridHeader& header, const Grid& cells)
 {
-    FoundExtremes found;
-    float lowest = kNoValue;
-    float highest = -kNoValue;
+    sampling::FoundExtremes found;
+    float lowest = sampling::kNoValue;
+    float highest = -sampling::kNoValue;
     for (std::int32_t row = search.window.firstRow; row <= search.window.lastRow; ++row) {
-        const double y = cornerY(header, row);
+        const double y = run::cornerY(header, row);
         for (std::int32_t column = search.window.firstColumn; column <= search.window.lastColumn; ++column) {
             const float value = cells(row, column);
             if (value == header.null || !(value < lowest || value > highest)) {
                 continue;
             }
-            const double x = cornerX(header, column);
+            const double x = run::cornerX(header, column);
             if (!insideSearchPolygon(search.polygon, x, y)) {
                 continue;
             }
             if (value < lowest) {
                 lowest = value;
-                found.lowest = FoundCell{value, 0, x, y};
+                found.lowest = sampling::FoundCell{value, 0, x, y};
             }
             if (value > highest) {
                 highest = value;
-                found.highest = FoundCell{value, 0, x, y};
+                found.highest = sampling::FoundCell{value, 0, x, y};
             }
         }
     }
     return found;
 }
 
-bool samePlace(const std::optional<FoundCell>& a, const std::optional<FoundCell>& b)
+bool samePlace(const std::optional<sampling::FoundCell>& a, const std::optional<sampling::FoundCell>& b)
 {
     return a.has_value() == b.has_value() && (!a || (a->value == b->value && a->x == b->x && a->y == b->y));
 }
@@ -143,18 +143,18 @@ bool samePlace(const std::optional<FoundCell>& a, const std::optional<FoundCell>
 void extremes(benchmark::State& state)
 {
     const Made& m = made();
-    ExtremeSearch checked(m.header, m.cells);
+    sampling::ExtremeSearch checked(m.header, m.cells);
     for (std::size_t i = 0; i < kPlainPoints; ++i) {
-        const CellSearch search = searchOf(i, state.range(0));
-        const FoundExtremes found = checked.find(search);
-        const FoundExtremes plain = plainExtremes(search, m.header, m.cells);
+        const sampling::CellSearch search = searchOf(i, state.range(0));
+        const sampling::FoundExtremes found = checked.find(search);
+        const sampling::FoundExtremes plain = plainExtremes(search, m.header, m.cells);
         if (!samePlace(found.lowest, plain.lowest) || !samePlace(found.highest, plain.highest)) {
             state.SkipWithError("the two forms differ");
             return;
         }
     }
     for (auto _ : state) {
-        ExtremeSearch search(m.header, m.cells);
+        sampling::ExtremeSearch search(m.header, m.cells);
         for (std::size_t i = 0; i < kPoints; ++i) {
             benchmark::DoNotOptimize(search.find(searchOf(i, state.range(0))));
         }
@@ -168,7 +168,7 @@ void extremesOfOnePoint(benchmark::State& state)
     const Made& m = made();
     std::size_t i = 0;
     for (auto _ : state) {
-        ExtremeSearch search(m.header, m.cells);
+        sampling::ExtremeSearch search(m.header, m.cells);
         benchmark::DoNotOptimize(search.find(searchOf(i++ % kPoints, state.range(0))));
     }
     state.SetItemsProcessed(state.iterations());
@@ -192,14 +192,14 @@ BENCHMARK(plainExtremesOfAFew)->Arg(20)->Arg(100)->Arg(1000)->Unit(benchmark::kM
 void profileVertices(benchmark::State& state)
 {
     const Made& m = made();
-    const std::int32_t half = samplesToSide(m.header, static_cast<float>(state.range(0)), 0.5F);
-    const std::int32_t full = samplesToSide(m.header, static_cast<float>(state.range(0)), 1.0F);
+    const std::int32_t half = run::samplesToSide(m.header, static_cast<float>(state.range(0)), 0.5F);
+    const std::int32_t full = run::samplesToSide(m.header, static_cast<float>(state.range(0)), 1.0F);
     for (auto _ : state) {
         for (std::size_t i = 0; i < kPoints; ++i) {
-            const AcrossLine line = acrossLine(m.header, m.x[i], m.y[i], static_cast<float>(i % 360));
-            benchmark::DoNotOptimize(lowestSample(line, m.header, m.cells, {-half, half}));
-            benchmark::DoNotOptimize(highestSample(line, m.header, m.cells, {0, full}));
-            benchmark::DoNotOptimize(highestSample(line, m.header, m.cells, {-full, 0}));
+            const run::AcrossLine line = run::acrossLine(m.header, m.x[i], m.y[i], static_cast<float>(i % 360));
+            benchmark::DoNotOptimize(sampling::lowestSample(line, m.header, m.cells, {-half, half}));
+            benchmark::DoNotOptimize(sampling::highestSample(line, m.header, m.cells, {0, full}));
+            benchmark::DoNotOptimize(sampling::highestSample(line, m.header, m.cells, {-full, 0}));
         }
     }
     state.SetItemsProcessed(state.iterations() * kPoints);
@@ -209,11 +209,12 @@ BENCHMARK(profileVertices)->Arg(20)->Arg(1000)->Unit(benchmark::kMillisecond);
 void breaklineAcross(benchmark::State& state)
 {
     const Made& m = made();
-    const std::int32_t samples = samplesToSide(m.header, static_cast<float>(state.range(0)), 0.5F);
+    const std::int32_t samples = run::samplesToSide(m.header, static_cast<float>(state.range(0)), 0.5F);
     for (auto _ : state) {
         for (std::size_t i = 0; i < kPoints; ++i) {
-            const AcrossLine line = acrossLine(m.header, m.x[i], m.y[i], static_cast<float>(i % 360));
-            benchmark::DoNotOptimize(levelAcross(line, m.header, m.cells, {-samples, samples}, LevelRule::highest));
+            const run::AcrossLine line = run::acrossLine(m.header, m.x[i], m.y[i], static_cast<float>(i % 360));
+            benchmark::DoNotOptimize(
+                levelAcross(line, m.header, m.cells, {-samples, samples}, sampling::LevelRule::highest));
         }
     }
     state.SetItemsProcessed(state.iterations() * kPoints);
@@ -224,13 +225,13 @@ void breaklineCircle(benchmark::State& state)
 {
     const Made& m = made();
     const auto width = static_cast<float>(state.range(0));
-    const LevelRule rule = state.range(1) == 0 ? LevelRule::mean : LevelRule::highest;
-    InsideWalk walk;
+    const sampling::LevelRule rule = state.range(1) == 0 ? sampling::LevelRule::mean : sampling::LevelRule::highest;
+    sampling::InsideWalk walk;
     for (auto _ : state) {
         for (std::size_t i = 0; i < kPoints; ++i) {
-            benchmark::DoNotOptimize(levelInCircle(searchPolygon(m.x[i], m.y[i], width),
-                                                   searchWindow(m.header, m.x[i], m.y[i], width), m.header, m.cells,
-                                                   rule, walk));
+            benchmark::DoNotOptimize(levelInCircle(sampling::searchPolygon(m.x[i], m.y[i], width),
+                                                   run::searchWindow(m.header, m.x[i], m.y[i], width), m.header,
+                                                   m.cells, rule, walk));
         }
     }
     state.SetItemsProcessed(state.iterations() * kPoints);
@@ -251,14 +252,14 @@ void nodalArea(benchmark::State& state)
         ring.x[i] = kSide / 2.0 + radius * std::cos(angle);
         ring.y[i] = kSide / 2.0 + radius * std::sin(angle);
     }
-    const SampledRegion region = sampledRegion(ring);
-    const CellWindow window = regionWindow(region, m.header);
+    const sampling::SampledRegion region = sampling::sampledRegion(ring);
+    const run::CellWindow window = regionWindow(region, m.header);
     std::size_t cells = 0;
     for (auto _ : state) {
         std::vector<float> values;
         collectInside(region, m.header, m.cells, window, 10000000, values);
         cells = values.size();
-        benchmark::DoNotOptimize(countByHeight(values, heightLadder(-5.0F, 25.0F)));
+        benchmark::DoNotOptimize(sampling::countByHeight(values, sampling::heightLadder(-5.0F, 25.0F)));
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(cells));
 }

@@ -51,7 +51,7 @@ void plainPoints(benchmark::State& state, const std::string& text)
     const std::string window = text + std::string(64, ' ');
     Points points;
     for (auto _ : state) {
-        if (parsePlainPoints(window, points.x, points.y, points.z).count != kPoints) {
+        if (sampling::parsePlainPoints(window, points.x, points.y, points.z).count != kPoints) {
             state.SkipWithError("point refused");
         }
         benchmark::DoNotOptimize(points.z.data());
@@ -67,7 +67,7 @@ void linePoints(benchmark::State& state, const std::string& text)
         for (std::size_t i = 0; i < kPoints; ++i) {
             const std::size_t end = rest.find('\n');
             const std::size_t width = rest[end - 1] == '\r' ? end - 1 : end;
-            if (!parsePoint(rest.substr(0, width), points.x[i], points.y[i], points.z[i])) {
+            if (!sampling::parsePoint(rest.substr(0, width), points.x[i], points.y[i], points.z[i])) {
                 state.SkipWithError("point refused");
             }
             rest.remove_prefix(end + 1);
@@ -83,9 +83,9 @@ void cellParser(benchmark::State& state, const std::string& text)
     for (auto _ : state) {
         std::string_view rest = text;
         for (std::size_t i = 0; i < kPoints / kColumns; ++i) {
-            AscRowState rowState;
+            grid::AscRowState rowState;
             std::size_t consumed = 0;
-            if (parseAscRow(rowState, rest, true, consumed, row) != AscRow::done) {
+            if (parseAscRow(rowState, rest, true, consumed, row) != grid::AscRow::done) {
                 state.SkipWithError("row refused");
             }
             rest.remove_prefix(consumed);
@@ -98,7 +98,7 @@ void cellParser(benchmark::State& state, const std::string& text)
 void lineEnds(benchmark::State& state, const std::string& text)
 {
     for (auto _ : state) {
-        benchmark::DoNotOptimize(countLineEnds(text));
+        benchmark::DoNotOptimize(sampling::countLineEnds(text));
     }
     setRate(state, text);
 }
@@ -106,13 +106,13 @@ void lineEnds(benchmark::State& state, const std::string& text)
 void intoCells(benchmark::State& state, const std::string& text)
 {
     Points points;
-    parsePlainPoints(text + std::string(64, ' '), points.x, points.y, points.z);
+    sampling::parsePlainPoints(text + std::string(64, ' '), points.x, points.y, points.z);
     Grid cells;
     if (!cells.allocate(kPoints / kColumns, kColumns)) {
         state.SkipWithError("no memory");
     }
     for (auto _ : state) {
-        const PointExtents extents = findExtents(points.x, points.y, 0.5F, 0.5F);
+        const sampling::PointExtents extents = sampling::findExtents(points.x, points.y, 0.5F, 0.5F);
         sortIntoCells(points.x, points.y, points.z, extents, cells);
         benchmark::DoNotOptimize(cells.cells().data());
     }

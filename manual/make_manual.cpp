@@ -16,9 +16,9 @@ namespace {
 
 constexpr std::string_view kRankWithValue = "Rank<n>";
 
-bool isGlued(const FlagRow& row)
+bool isGlued(const driver::FlagRow& row)
 {
-    return row.value == FlagValue::gluedReal || row.value == FlagValue::gluedInteger;
+    return row.value == driver::FlagValue::gluedReal || row.value == driver::FlagValue::gluedInteger;
 }
 
 // --- The manual page -------------------------------------------------------------------------------------------------
@@ -200,34 +200,34 @@ std::string roff(std::string_view text)
 }
 
 // Values are off, none or the default that the table names.
-std::string defaultOf(const FlagRow& row)
+std::string defaultOf(const driver::FlagRow& row)
 {
     if (!row.docs.defaultText.empty()) {
         return std::string(row.docs.defaultText);
     }
-    return row.value == FlagValue::none ? "off" : "none";
+    return row.value == driver::FlagValue::none ? "off" : "none";
 }
 
-std::string kindOfValue(const FlagRow& row)
+std::string kindOfValue(const driver::FlagRow& row)
 {
     switch (row.value) {
-    case FlagValue::gluedReal: return "a number";
-    case FlagValue::gluedInteger: return "a whole number";
-    case FlagValue::next: return "the next argument";
+    case driver::FlagValue::gluedReal: return "a number";
+    case driver::FlagValue::gluedInteger: return "a whole number";
+    case driver::FlagValue::next: return "the next argument";
     default: return {};
     }
 }
 
-void writeFlag(std::ostream& page, const FlagRow& row)
+void writeFlag(std::ostream& page, const driver::FlagRow& row)
 {
     const std::string name = roff(join('-', row.key));
     const std::string value = roff(row.docs.valueName);
     page << ".TP\n";
-    if (row.value == FlagValue::none) {
+    if (row.value == driver::FlagValue::none) {
         page << ".B " << name << '\n';
     } else {
-        page << ".BI " << name << (isGlued(row) || row.value == FlagValue::statistic ? " " : " \" ") << value
-             << (row.value == FlagValue::next ? "\"" : "") << '\n';
+        page << ".BI " << name << (isGlued(row) || row.value == driver::FlagValue::statistic ? " " : " \" ") << value
+             << (row.value == driver::FlagValue::next ? "\"" : "") << '\n';
     }
     std::string description(row.docs.description);
     description[0] = UPPERCASE(description.substr(0, 1))[0];
@@ -241,9 +241,9 @@ void writePage(std::ostream& page)
     page << ".\\\" Made from the table of flags.\n.TH GRIDFORGE 1 \"\" \"gridforge " << GRIDFORGE_VERSION
          << "\" \"User Commands\"\n"
          << kHead;
-    for (const FlagKind kind : {FlagKind::operation, FlagKind::option}) {
-        page << (kind == FlagKind::operation ? ".SH OPERATIONS\n" : ".SH OPTIONS\n");
-        for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagKind kind : {driver::FlagKind::operation, driver::FlagKind::option}) {
+        page << (kind == driver::FlagKind::operation ? ".SH OPERATIONS\n" : ".SH OPTIONS\n");
+        for (const driver::FlagRow& row : driver::flagTable()) {
             if (row.kind == kind) {
                 writeFlag(page, row);
             }
@@ -271,7 +271,7 @@ complete -F _gridforge gridforge
 )";
 
 // The flags of the -stat family are one row of the table, their words its value.
-void addStatistics(const FlagRow& row, std::vector<std::string>& plain, std::vector<std::string>& glued)
+void addStatistics(const driver::FlagRow& row, std::vector<std::string>& plain, std::vector<std::string>& glued)
 {
     const std::string words(row.docs.valueName);
     for (std::int32_t n = 1; n <= NUMBEROFSUBSTRINGS(words, "|"); ++n) {
@@ -298,12 +298,12 @@ void writeCompletion(std::ostream& file)
     std::vector<std::string> plain;
     std::vector<std::string> next;
     std::vector<std::string> glued;
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         const std::string flag = join('-', row.key);
         switch (row.value) {
-        case FlagValue::none: plain.push_back(flag); break;
-        case FlagValue::next: next.push_back(flag); break;
-        case FlagValue::statistic: addStatistics(row, plain, glued); break;
+        case driver::FlagValue::none: plain.push_back(flag); break;
+        case driver::FlagValue::next: next.push_back(flag); break;
+        case driver::FlagValue::statistic: addStatistics(row, plain, glued); break;
         default: glued.push_back(flag); break;
         }
     }

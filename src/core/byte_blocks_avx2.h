@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <immintrin.h>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 inline constexpr std::size_t kByteBlock = 64;
 
@@ -48,6 +48,6 @@ GRIDFORGE_AVX2 inline ByteBlock classifyBytes(const char* block)
     return classes;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core
 
 #endif

@@ -1,7 +1,7 @@
 // What a byte of text is to those who look for numbers in it.
 #pragma once
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 constexpr bool isDigit(char c)
 {
@@ -24,4 +24,4 @@ constexpr bool isSeparator(char c)
     return isBlank(c) || c == ',' || c == '\n' || c == '\r';
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 // Processors differ in the sign and the lower bits of what they return for 0 / 0 and the like. Outputs hold these bits.
 inline constexpr auto kNotANumber = std::bit_cast<float>(std::uint32_t{0x7fc00000});
@@ -31,4 +31,4 @@ inline float power(float base, float exponent)
                             : static_cast<float>(std::pow(static_cast<double>(base), static_cast<double>(exponent)));
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 namespace {
 
@@ -137,4 +137,4 @@ std::optional<std::string> keyOrColumnValue(std::string_view line, std::string_v
     return bareValue(end == ValueEnd::atComma ? upToComma(value) : value);
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 // Splits a control line at `separator` into `left` and `right`, neither trimmed; without a separator in the line at
 // `splitColumn` (0: all is left). True when `left` holds the key ("*": any) and is not blank.
@@ -25,4 +25,4 @@ enum class ValueEnd { atComma, atLineEnd };
 std::optional<std::string> keyOrColumnValue(std::string_view line, std::string_view lowerLine, std::string_view key,
                                             std::int32_t column, ValueEnd end);
 
-} // namespace gridforge
+} // namespace gridforge::inline core

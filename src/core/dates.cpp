@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 std::int32_t NUMBEROFDAYS(std::string_view date)
 {
@@ -29,4 +29,4 @@ std::int32_t NUMBEROFDAYS(std::string_view date)
     return (year - 2000) * 365 + kDaysBefore[static_cast<std::size_t>(month - 1)] + day;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <immintrin.h>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 inline constexpr std::size_t kLane = 16;
 
@@ -149,6 +149,6 @@ GRIDFORGE_AVX2 inline bool storeDoubles(const DecimalQuad& quad, double* target)
     return _mm256_testz_si256(bad, bad) != 0;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core
 
 #endif

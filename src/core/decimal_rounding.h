@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 // A double that lies at most 4 of its last places off the true value rounds to the same float as that value, unless a
 // midpoint of two floats is so near. In the last 29 bits, which a float drops, a midpoint reads 1 0000...
@@ -18,4 +18,4 @@ inline bool roundsSafely(double value)
     return ((bits + kRoundingMargin - kMidpoint) & kDroppedBits) > 2 * kRoundingMargin;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 namespace {
 
@@ -36,4 +36,4 @@ void releasePages(void* pages, std::size_t bytes)
     pageSource.release(pages, bytes);
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 struct PageSource {
     void* (*take)(std::size_t bytes);
@@ -75,4 +75,4 @@ private:
     std::size_t size_ = 0;
 };
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 // output[i] = of(cells[i]). All spans here are of one length, and `output` overlaps no other.
 template <typename Of>
@@ -73,4 +73,4 @@ std::int64_t countCells(std::span<const float> cells, Is is)
     return total;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

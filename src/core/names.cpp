@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 namespace {
 
@@ -187,4 +187,4 @@ std::string CLEANPATH(std::string_view name)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 std::string FILEEXT(std::string_view name);      // ".asc", lower-cased; blank when none or when the dot is in a folder
 std::string FILEEXTKC(std::string_view name);    // the same, its case kept
@@ -29,4 +29,4 @@ bool DRIVEANDURLNAME(std::string& name);
 // Left-trims and takes doubled separators together, but for those of a share name at the head.
 std::string CLEANPATH(std::string_view name);
 
-} // namespace gridforge
+} // namespace gridforge::inline core

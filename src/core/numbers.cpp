@@ -11,7 +11,7 @@
 #include <limits>
 #include <system_error>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 namespace {
 
@@ -472,4 +472,4 @@ std::string AREALD8(double value, std::int32_t decimals)
     return std::string(trimLeft(realField(value, kFieldWidth, decimals)));
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

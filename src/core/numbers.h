@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 // --- Free-form reading -----------------------------------------------------------------------------------------------
 
@@ -101,4 +101,4 @@ std::string AREAL8(double value);
 std::string AREALD(float value, std::int32_t decimals);
 std::string AREALD8(double value, std::int32_t decimals);
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 template <std::size_t width>
 class PaddedText {
@@ -36,4 +36,4 @@ private:
     std::array<char, width> characters_;
 };
 
-} // namespace gridforge
+} // namespace gridforge::inline core

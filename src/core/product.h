@@ -3,9 +3,9 @@
 
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 inline constexpr std::string_view kToolName = GRIDFORGE_TOOL_NAME;
 inline constexpr std::string_view kSupportContact = GRIDFORGE_SUPPORT_CONTACT;
 
-} // namespace gridforge
+} // namespace gridforge::inline core

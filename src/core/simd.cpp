@@ -1,6 +1,6 @@
 #include "core/simd.h"
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 namespace {
 
@@ -29,4 +29,4 @@ bool allowAvx2(bool allowed) noexcept
     return allowed;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -8,7 +8,7 @@
 #define GRIDFORGE_AVX2
 #endif
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 // Whether routines marked GRIDFORGE_AVX2 may be called.
 bool hasAvx2();
@@ -16,4 +16,4 @@ bool hasAvx2();
 // Whether the system lets them be called, which counts until the first question. Returns what it is given.
 bool allowAvx2(bool allowed) noexcept;
 
-} // namespace gridforge
+} // namespace gridforge::inline core

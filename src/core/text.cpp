@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <functional>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 namespace {
 
@@ -391,4 +391,4 @@ std::int32_t NUMBEROFNUMBERS(std::string_view text)
     return count;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline core

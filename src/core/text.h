@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 // Names and lines hold this many characters and are cut there without notice.
 inline constexpr std::size_t kNameWidth = 1000;
@@ -115,4 +115,4 @@ std::string SUBSTRING(std::string_view text, std::string_view separator, std::in
 // How many numbers stand in the text, an empty field between commas counting as one; the negated count when a character
 // that belongs to no number is met.
 std::int32_t NUMBEROFNUMBERS(std::string_view text);
-} // namespace gridforge
+} // namespace gridforge::inline core

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::inline core {
 
 template <typename Value>
 class WorkerRooms {
@@ -32,4 +32,4 @@ private:
     std::size_t stride_ = 0;
 };
 
-} // namespace gridforge
+} // namespace gridforge::inline core

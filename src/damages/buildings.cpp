@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 namespace {
 
@@ -140,4 +140,4 @@ void dmg_read_buildings(const std::string& layerName, const DmgLimits& limits, s
     layer.close();
 }
 
-} // namespace gridforge
+} // namespace gridforge::damages

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 // Appends the points and regions of a layer; other objects get a warning and are skipped. Regions of several rings,
 // more vertices or buildings than the limits allow, records that cannot be read and curves that are not there end the
@@ -15,4 +15,4 @@ namespace gridforge {
 void dmg_read_buildings(const std::string& layerName, const DmgLimits& limits, std::span<const DmgCurve> curves,
                         std::vector<DmgBuilding>& buildings);
 
-} // namespace gridforge
+} // namespace gridforge::damages

@@ -11,7 +11,7 @@
 #include <functional>
 #include <iterator>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 namespace {
 
@@ -77,7 +77,7 @@ std::vector<double> columnPlaces(const GridHeader& header)
     std::vector<double> x;
     x.reserve(static_cast<std::size_t>(header.ncols));
     for (std::int32_t column = 1; column <= header.ncols; ++column) {
-        x.push_back(cornerX(header, column));
+        x.push_back(run::cornerX(header, column));
     }
     return x;
 }
@@ -95,12 +95,12 @@ bool pointLevel(const DmgBuilding& building, const SampledGrid& grid, float& lev
     return true;
 }
 
-CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header)
+run::CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header)
 {
     const auto cell = [&header](double coordinate, double origin, double margin) {
         return truncateToInt(std::trunc((coordinate - origin) / header.cellsize8) + margin);
     };
-    CellWindow window;
+    run::CellWindow window;
     window.firstRow = cell(building.ymin, header.yll, -1);
     window.lastRow = cell(building.ymax, header.yll, 1);
     window.firstColumn = cell(building.xmin, header.xll, -1);
@@ -129,7 +129,7 @@ void addRun(std::span<const float> values, float null, InsideCells& cells)
 
 } // namespace
 
-InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, const SampledGrid& grid,
+InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const SampledGrid& grid,
                         PolygonTest& test)
 {
     const GridHeader& header = grid.header;
@@ -144,7 +144,7 @@ InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, c
     const std::span<const double> x = std::span(grid.columnX).subspan(first, columns);
     prepare(building, test.region);
     for (std::int32_t row = window.firstRow; row <= lastRow; ++row) {
-        insideRegionRuns(test.region, cornerY(header, row), x, test.runs);
+        insideRegionRuns(test.region, run::cornerY(header, row), x, test.runs);
         const std::span<const float> values = grid.cells.row(row).subspan(first, columns);
         for (const RowRun& run : test.runs) {
             addRun(values.subspan(run.from, run.size()), header.null, cells);
@@ -189,7 +189,7 @@ private:
     void findPolygon(const DmgBuilding& building, float& level)
     {
         const GridHeader& header = grid_.header;
-        const CellWindow window = buildingWindow(building, header);
+        const run::CellWindow window = buildingWindow(building, header);
         if (!isWithin(window.firstRow, header.nrows) || !isWithin(window.firstColumn, header.ncols)) {
             say("WARNING - Polygon partially or fully outside of results grid.");
             pauseForEnter(); // in batch too
@@ -205,11 +205,11 @@ private:
 
 void load(const std::string& name, SampledGrid& grid)
 {
-    const LoadSteps steps{.opening = "Loading grid data...",
-                          .purpose = "storing input grid...",
-                          .reading = "Reading data...",
-                          .done = "   Done."};
-    grid.header = loadGrid(name, steps, grid.cells).header;
+    const run::LoadSteps steps{.opening = "Loading grid data...",
+                               .purpose = "storing input grid...",
+                               .reading = "Reading data...",
+                               .done = "   Done."};
+    grid.header = run::loadGrid(name, steps, grid.cells).header;
     grid.columnX = columnPlaces(grid.header);
 }
 
@@ -231,4 +231,4 @@ void dmg_calc_res(std::span<DmgBuilding> buildings, std::span<const DmgCurve> cu
     say("Deallocating grid memory.");
 }
 
-} // namespace gridforge
+} // namespace gridforge::damages

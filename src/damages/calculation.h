@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 // The results grids from the most frequent event to the rarest; of equal probabilities the first listed goes first.
 // None above -9999 ends the run.
@@ -33,7 +33,7 @@ std::vector<double> columnPlaces(const GridHeader& header);
 bool pointLevel(const DmgBuilding& building, const SampledGrid& grid, float& level);
 
 // Rows and columns about a polygon's extent, with a cell of margin on each side; it may reach over the grid.
-CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header);
+run::CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header);
 
 // The cells that count for a polygon. Levels of -999 or less never come into the maximum.
 struct InsideCells {
@@ -50,7 +50,7 @@ struct PolygonTest {
 
 // Sums up the cells of the window, whose first row and column lie in the grid, that are inside the polygon and not null,
 // rows from the south and each from the west. Beyond the grid there are none. A row costs its edges and the cells inside.
-InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, const SampledGrid& grid,
+InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const SampledGrid& grid,
                         PolygonTest& test);
 
 // --- The calculation -------------------------------------------------------------------------------------------------
@@ -60,4 +60,4 @@ InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, c
 void dmg_calc_res(std::span<DmgBuilding> buildings, std::span<const DmgCurve> curves, std::span<const DmgRes> results,
                   std::int32_t iResult, std::int32_t method, float& level);
 
-} // namespace gridforge
+} // namespace gridforge::damages

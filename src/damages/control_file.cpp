@@ -13,20 +13,14 @@
 #include <array>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 namespace {
 
 constexpr std::int32_t kMaxBuildingFiles = 2000;
 constexpr float kPercent = 100.0F;
 
-struct ControlLine {
-    std::string text;
-    std::string command;
-    std::string value; // left-trimmed
-};
-
-// The next line with a command; false at the end of the file.
+// The next line with a command, its value left-trimmed; false at the end of the file.
 bool nextControlLine(Unit unit, ControlLine& line)
 {
     while (!atEnd(unit)) {
@@ -192,4 +186,4 @@ DmgControl readDamagesFile(const std::string& controlFile, const DmgLimits& limi
     return control;
 }
 
-} // namespace gridforge
+} // namespace gridforge::damages

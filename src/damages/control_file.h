@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 // Takes the limits that the file sets; the others stay. A value that cannot be read ends the run.
 void dmg_scan_limits(const std::string& controlFile, DmgLimits& limits);
@@ -23,4 +23,4 @@ struct DmgControl {
 // The second pass. It reads the curves as it meets them. Unknown commands are ignored.
 DmgControl readDamagesFile(const std::string& controlFile, const DmgLimits& limits);
 
-} // namespace gridforge
+} // namespace gridforge::damages

@@ -10,7 +10,7 @@
 #include <functional>
 #include <limits>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 namespace {
 
@@ -98,4 +98,4 @@ float dmg_curve_lookup(std::span<const float> depths, std::span<const float> dam
     return damages[k - 1] + (a / b) * c;
 }
 
-} // namespace gridforge
+} // namespace gridforge::damages

@@ -6,7 +6,7 @@
 #include <span>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 // Reads the points of a curve file behind its heading line into `curve`. A line that is not two numbers, more than
 // `maxPoints` points, fewer than 2 and depths that do not rise end the run.
@@ -17,4 +17,4 @@ void dmg_read_curve(const std::string& fileName, std::int32_t maxPoints, DmgCurv
 // not-a-number.
 float dmg_curve_lookup(std::span<const float> depths, std::span<const float> damages, float depth);
 
-} // namespace gridforge
+} // namespace gridforge::damages

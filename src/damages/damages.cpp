@@ -12,7 +12,7 @@
 #include "host/console.h"
 #include "host/ends.h"
 
-namespace gridforge {
+namespace gridforge::damages {
 
 namespace {
 
@@ -63,7 +63,7 @@ void calculate(const DmgControl& control, const std::vector<DmgRes>& results, st
 
 } // namespace
 
-DamageNames damageNames(const RunSettings& settings, std::string_view firstLayer)
+DamageNames damageNames(const run::RunSettings& settings, std::string_view firstLayer)
 {
     if (!settings.outputNameGiven) {
         const std::string base = FILENAMEPATH(firstLayer) + "_Damages";
@@ -78,7 +78,7 @@ DamageNames damageNames(const RunSettings& settings, std::string_view firstLayer
     return {out, out};
 }
 
-void runDamages(const RunSettings& settings, const InputFileList& inputs)
+void runDamages(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Damage Calculation.");
     if (inputs.count() > 1) {
@@ -107,4 +107,4 @@ void runDamages(const RunSettings& settings, const InputFileList& inputs)
     dmg_write_gis(names, control.projection, dmg_building, dmg_res, control.curves);
 }
 
-} // namespace gridforge
+} // namespace gridforge::damages

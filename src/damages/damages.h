@@ -7,11 +7,11 @@
 
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 // The outputs: beside the first building layer, or as -out says.
-DamageNames damageNames(const RunSettings& settings, std::string_view firstLayer);
+DamageNames damageNames(const run::RunSettings& settings, std::string_view firstLayer);
 
-void runDamages(const RunSettings& settings, const InputFileList& inputs);
+void runDamages(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::damages

@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 namespace {
 
@@ -102,4 +102,4 @@ void dmg_write_gis(const DamageNames& names, const gis::Projection& projection, 
     CLOSER(csvUnit);
 }
 
-} // namespace gridforge
+} // namespace gridforge::damages

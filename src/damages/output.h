@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 struct DamageNames {
     std::string gis;
@@ -19,4 +19,4 @@ struct DamageNames {
 void dmg_write_gis(const DamageNames& names, const gis::Projection& projection, std::span<const DmgBuilding> buildings,
                    std::span<const DmgRes> results, std::span<const DmgCurve> curves);
 
-} // namespace gridforge
+} // namespace gridforge::damages

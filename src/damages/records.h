@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::damages {
 
 inline constexpr std::size_t kCurveNameWidth = 100;
 inline constexpr std::size_t kPropertyWidth = 100; // type and identifier of a property
@@ -57,4 +57,4 @@ struct DmgRes {
 inline constexpr std::int32_t kInspectMax = 1;
 inline constexpr std::int32_t kInspectAvg = 2;
 
-} // namespace gridforge
+} // namespace gridforge::damages

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 struct CommandLine {
-    RunSettings settings;
+    run::RunSettings settings;
     std::vector<std::string> rawInputList; // names as typed, cut at 1000 characters
     std::int32_t operations = 0;           // how many flags asked for an operation
 };
@@ -18,4 +18,4 @@ struct CommandLine {
 // Appends a name to rawInputList; more than kMaxInputs end the run.
 void addRawInput(CommandLine& line, std::string name);
 
-} // namespace gridforge
+} // namespace gridforge::driver

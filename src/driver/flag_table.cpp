@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 namespace {
 
@@ -14,21 +14,21 @@ constexpr float kSmallestBufferDistance = 0.001F;
 
 // --- What a flag sets ------------------------------------------------------------------------------------------------
 
-template <bool RunSettings::*... switches>
-void on(RunSettings& settings)
+template <bool run::RunSettings::*... switches>
+void on(run::RunSettings& settings)
 {
     ((settings.*switches = true), ...);
 }
 
-template <ResizeMethod method>
-void resizeBy(RunSettings& settings)
+template <run::ResizeMethod method>
+void resizeBy(run::RunSettings& settings)
 {
     settings.resizeMethod = method;
 }
 
 // The method follows the order of flags: the last one that names a method wins, and -remap itself names TIN.
-template <std::int32_t method, bool RunSettings::*... switches>
-void interpolateBy(RunSettings& settings)
+template <std::int32_t method, bool run::RunSettings::*... switches>
+void interpolateBy(run::RunSettings& settings)
 {
     settings.interpolation = method;
     on<switches...>(settings);
@@ -36,7 +36,7 @@ void interpolateBy(RunSettings& settings)
 
 // --- Where a value goes ----------------------------------------------------------------------------------------------
 
-template <std::string RunSettings::*name>
+template <std::string run::RunSettings::*name>
 bool text(CommandLine& line, const std::string& value)
 {
     line.settings.*name = value;
@@ -49,7 +49,7 @@ bool glued(CommandLine& line, const std::string& value)
     return readFree(value, line.settings.*number);
 }
 
-template <bool RunSettings::*setting>
+template <bool run::RunSettings::*setting>
 bool gluedSwitch(CommandLine& line, const std::string& value)
 {
     std::int32_t number = line.settings.*setting ? 1 : 0;
@@ -95,15 +95,15 @@ constexpr GluedChecks kProfileDistanceChecks = {
                 "   Please ensure NO space exists between flag and value (e.g. lpmd500). Read argument: "}};
 constexpr GluedChecks kFreeboardChecks = {
     .notice = "CHECK - Free boarding specified, use IDW interporation.",
-    .refused = [](const RunSettings& settings) { return settings.freeboard < 0.0F; },
+    .refused = [](const run::RunSettings& settings) { return settings.freeboard < 0.0F; },
     .refusal = "ERROR - Freeboard can not be less than 0."};
 constexpr GluedChecks kBufferChecks = {
     .notice = "CHECK - Buffer distance specified, use IDW interporation.",
     // Not-a-number is refused too.
-    .refused = [](const RunSettings& settings) { return !(settings.bufferDistance > kSmallestBufferDistance); },
+    .refused = [](const run::RunSettings& settings) { return !(settings.bufferDistance > kSmallestBufferDistance); },
     .refusal = "ERROR - Buffer distance can not be less than or equal to 0."};
 
-using S = RunSettings;
+using S = run::RunSettings;
 using enum SpanTest;
 using enum FlagKind;
 using enum FlagValue;
@@ -135,11 +135,11 @@ constexpr std::array<FlagRow, 58> kFlags = {{
     {"trans_c",    7,  same,     operation, gluedReal,    afterScan, {"transform y = mx + c: the constant", "c", "0.0"},
                                                                      on<&S::trans>, glued<&S::transformC>},
     {"rm_max",     6,  same,     option,    none,         never,     {"resize to the maximum of each block"},
-                                                                     resizeBy<ResizeMethod::maximum>},
+                                                                     resizeBy<run::ResizeMethod::maximum>},
     {"rm_min",     6,  same,     option,    none,         never,     {"resize to the minimum of each block"},
-                                                                     resizeBy<ResizeMethod::minimum>},
+                                                                     resizeBy<run::ResizeMethod::minimum>},
     {"rm_avg",     6,  same,     option,    none,         never,     {"resize to the average of each block", "", "on"},
-                                                                     resizeBy<ResizeMethod::average>},
+                                                                     resizeBy<run::ResizeMethod::average>},
     {"classify",   8,  same,     operation, next,         atFlag,    {"classes of a grid by a class file", "classes.csv"},
                                                                      on<&S::classify>, text<&S::classFile>},
     {"RGB",        3,  same,     option,    none,         never,     {"with -classify: the class file carries colours"},
@@ -177,7 +177,7 @@ constexpr std::array<FlagRow, 58> kFlags = {{
     {"branch",     6,  contains, option,    next,         never,     {"with -xs: the branch layer", "layer"},
                                                                      nullptr, text<&S::branchLayer>},
     {"remap",      5,  contains, operation, none,         atFlag,    {"water level grid to a finer terrain grid; sets TIN"},
-                                                                     interpolateBy<kInterpolateTin, &S::remap>},
+                                                                     interpolateBy<run::kInterpolateTin, &S::remap>},
     {"na",         2,  contains, operation, next,         atFlag,    {"nodal areas of a layer", "layer"},
                                                                      on<&S::na>, text<&S::naLayer>},
     {"mat",        3,  contains, option,    next,         never,     {"with -xs: a material grid; may be repeated", "grid"},
@@ -203,9 +203,9 @@ constexpr std::array<FlagRow, 58> kFlags = {{
     {"nc_part",    7,  contains, option,    gluedInteger, never,     {"NetCDF part switch: 0 is off", "switch", "0"},
                                                                      nullptr, gluedSwitch<&S::ncPart>},
     {"idw_npt",    7,  contains, option,    gluedInteger, never,     {"with -remap: IDW with that number of points", "points", "12"},
-                                                                     interpolateBy<kInterpolateIdw>, glued<&S::idwPoints>},
+                                                                     interpolateBy<run::kInterpolateIdw>, glued<&S::idwPoints>},
     {"tin",        3,  contains, option,    none,         never,     {"with -remap: TIN", "", "on"},
-                                                                     interpolateBy<kInterpolateTin>},
+                                                                     interpolateBy<run::kInterpolateTin>},
     {"wl",         2,  contains, option,    next,         never,     {"with -remap: the water level grid; becomes input 1", "grid"},
                                                                      nullptr, waterLevelGrid},
     {"dem",        3,  contains, option,    next,         never,     {"with -remap: the terrain grid", "grid"},
@@ -213,9 +213,9 @@ constexpr std::array<FlagRow, 58> kFlags = {{
     {"ext",        3,  contains, option,    next,         never,     {"with -remap: the extent grid", "grid"},
                                                                      nullptr, text<&S::extentGrid>},
     {"fb",         2,  contains, option,    gluedReal,    never,     {"with -remap: freeboard; sets IDW", "freeboard", "0.0"},
-                                                                     interpolateBy<kInterpolateIdw>, glued<&S::freeboard>, kFreeboardChecks},
+                                                                     interpolateBy<run::kInterpolateIdw>, glued<&S::freeboard>, kFreeboardChecks},
     {"bd",         2,  contains, option,    gluedReal,    never,     {"with -remap: buffer distance; sets IDW", "distance", "0.0"},
-                                                                     interpolateBy<kInterpolateIdw, &S::bufferGiven>, glued<&S::bufferDistance>, kBufferChecks},
+                                                                     interpolateBy<run::kInterpolateIdw, &S::bufferGiven>, glued<&S::bufferDistance>, kBufferChecks},
     {"nc",         2,  contains, operation, none,         atFlag,    {"grids to a NetCDF series"},
                                                                      on<&S::nc>},
     {"default_n",  9,  contains, option,    gluedReal,    never,     {"with -xs: material of points that no material grid gives one", "value", "-9999"},
@@ -261,9 +261,9 @@ const FlagRow* findFlag(std::string_view argument)
 void addRawInput(CommandLine& line, std::string name)
 {
     line.rawInputList.push_back(std::move(name));
-    if (line.rawInputList.size() > std::size_t{kMaxInputs}) {
-        failTooManyInputs();
+    if (line.rawInputList.size() > std::size_t{run::kMaxInputs}) {
+        run::failTooManyInputs();
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::driver

@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 enum class SpanTest { contains, same }; // FLAGEXISTS, ASAME
 enum class FlagKind { operation, option };
@@ -37,7 +37,7 @@ struct GluedChecks {
     std::array<std::string_view, 2> missing = {};
     std::string_view notice = {}; // said before the number is read
     // True for a number that is refused: the run ends with `refusal` at once, without a pause.
-    bool (*refused)(const RunSettings&) = nullptr;
+    bool (*refused)(const run::RunSettings&) = nullptr;
     std::string_view refusal = {};
 };
 
@@ -49,7 +49,7 @@ struct FlagRow {
     FlagValue value;
     Counting counting;
     FlagDocs docs;
-    void (*atFlag)(RunSettings&) = nullptr;
+    void (*atFlag)(run::RunSettings&) = nullptr;
     // False when `text` is not a number of the flag's kind. An empty number before a comma leaves the setting.
     bool (*storeValue)(CommandLine&, const std::string& text) = nullptr;
     GluedChecks checks = {};
@@ -63,4 +63,4 @@ bool hasFlagMark(std::string_view argument);
 // The row of an argument that begins with a mark; nullptr when there is none.
 const FlagRow* findFlag(std::string_view argument);
 
-} // namespace gridforge
+} // namespace gridforge::driver

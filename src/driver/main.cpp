@@ -13,7 +13,7 @@ int main(int argc, char** argv)
 {
     gridforge::prepareProcess();
     try {
-        gridforge::runTool({argv + (argc > 0 ? 1 : 0), argv + argc});
+        gridforge::driver::runTool({argv + (argc > 0 ? 1 : 0), argv + argc});
     } catch (const std::bad_alloc&) {
         gridforge::failMemory();
     } catch (const std::length_error&) { // more than a vector or a text can ever hold

@@ -28,40 +28,40 @@
 #include <algorithm>
 #include <array>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 namespace {
 
-using S = RunSettings;
+using S = run::RunSettings;
 
 // The order counts only where validation lets a pair through: "-count -cd" is a count.
 // clang-format off
 constexpr std::array<OperationRow, 25> kOperations = {{
-    {"max",       [](const S& s) { return s.max || s.min; },   runMaxMin},
-    {"conv",      [](const S& s) { return s.conv; },           runConv},
-    {"nc",        [](const S& s) { return s.nc; },             runNc},
-    {"dif",       [](const S& s) { return s.dif; },            runDif},
-    {"cd",        [](const S& s) { return s.cd && !s.count; }, runCutoff},
-    {"trans_m",   [](const S& s) { return s.trans; },          runTransform},
-    {"fe",        [](const S& s) { return s.fe; },             runFloodExtent},
-    {"fuzzy",     [](const S& s) { return s.fuzzy; },          runFuzzy},
-    {"count",     [](const S& s) { return s.count; },          runCount},
-    {"resize",    [](const S& s) { return s.resize; },         runResize},
-    {"classify",  [](const S& s) { return s.classify; },       runClassify},
-    {"histogram", [](const S& s) { return s.histogram; },      runHistogram},
-    {"cp",        [](const S& s) { return s.cp; },             runCalibrationPoints},
-    {"lp",        [](const S& s) { return s.lp; },             runLongProfile},
-    {"brkline",   [](const S& s) { return s.brkline; },        runBreaklines},
-    {"xs",        [](const S& s) { return s.xs; },             runXs},
-    {"nbc",       [](const S& s) { return s.nbc; },            runNbc},
-    {"na",        [](const S& s) { return s.na; },             runNodalArea},
-    {"multiply",  [](const S& s) { return s.multiply; },       runMultiply},
-    {"xyz",       [](const S& s) { return s.xyz; },            runXyz},
-    {"trim",      [](const S& s) { return s.trim; },           runTrim},
-    {"damages",   [](const S& s) { return s.damages; },        runDamages},
-    {"rf",        [](const S& s) { return s.rf; },             runRainfall},
-    {"remap",     [](const S& s) { return s.remap; },          runRemap},
-    {"stat",      [](const S& s) { return s.stat; },           runStat},
+    {"max",       [](const S& s) { return s.max || s.min; },   ops::runMaxMin},
+    {"conv",      [](const S& s) { return s.conv; },           ops::runConv},
+    {"nc",        [](const S& s) { return s.nc; },             netcdf::runNc},
+    {"dif",       [](const S& s) { return s.dif; },            ops::runDif},
+    {"cd",        [](const S& s) { return s.cd && !s.count; }, ops::runCutoff},
+    {"trans_m",   [](const S& s) { return s.trans; },          ops::runTransform},
+    {"fe",        [](const S& s) { return s.fe; },             ops::runFloodExtent},
+    {"fuzzy",     [](const S& s) { return s.fuzzy; },          ops::runFuzzy},
+    {"count",     [](const S& s) { return s.count; },          ops::runCount},
+    {"resize",    [](const S& s) { return s.resize; },         ops::runResize},
+    {"classify",  [](const S& s) { return s.classify; },       ops::runClassify},
+    {"histogram", [](const S& s) { return s.histogram; },      ops::runHistogram},
+    {"cp",        [](const S& s) { return s.cp; },             sampling::runCalibrationPoints},
+    {"lp",        [](const S& s) { return s.lp; },             sampling::runLongProfile},
+    {"brkline",   [](const S& s) { return s.brkline; },        sampling::runBreaklines},
+    {"xs",        [](const S& s) { return s.xs; },             network::runXs},
+    {"nbc",       [](const S& s) { return s.nbc; },            network::runNbc},
+    {"na",        [](const S& s) { return s.na; },             sampling::runNodalArea},
+    {"multiply",  [](const S& s) { return s.multiply; },       ops::runMultiply},
+    {"xyz",       [](const S& s) { return s.xyz; },            sampling::runXyz},
+    {"trim",      [](const S& s) { return s.trim; },           sampling::runTrim},
+    {"damages",   [](const S& s) { return s.damages; },        damages::runDamages},
+    {"rf",        [](const S& s) { return s.rf; },             rainfall::runRainfall},
+    {"remap",     [](const S& s) { return s.remap; },          remap::runRemap},
+    {"stat",      [](const S& s) { return s.stat; },           ops::runStat},
 }};
 // clang-format on
 
@@ -72,14 +72,14 @@ std::span<const OperationRow> operationTable()
     return kOperations;
 }
 
-const OperationRow* selectOperation(const RunSettings& settings)
+const OperationRow* selectOperation(const run::RunSettings& settings)
 {
     const auto found =
         std::ranges::find_if(kOperations, [&](const OperationRow& row) { return row.selected(settings); });
     return found == kOperations.end() ? nullptr : &*found;
 }
 
-void runOperation(const RunSettings& settings, const InputFileList& inputs)
+void runOperation(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     const OperationRow* operation = selectOperation(settings);
     if (operation != nullptr) {
@@ -87,4 +87,4 @@ void runOperation(const RunSettings& settings, const InputFileList& inputs)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::driver

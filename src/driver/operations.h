@@ -7,20 +7,20 @@
 #include <span>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 struct OperationRow {
     std::string_view name; // the flag that asks for it
-    bool (*selected)(const RunSettings&);
-    void (*run)(const RunSettings&, const InputFileList&);
+    bool (*selected)(const run::RunSettings&);
+    void (*run)(const run::RunSettings&, const run::InputFileList&);
 };
 
 std::span<const OperationRow> operationTable();
 
 // The first operation whose settings ask for it; nullptr when none does.
-const OperationRow* selectOperation(const RunSettings& settings);
+const OperationRow* selectOperation(const run::RunSettings& settings);
 
 // Runs that operation to its end. None is no error: the flags of some options alone pass as an operation.
-void runOperation(const RunSettings& settings, const InputFileList& inputs);
+void runOperation(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::driver

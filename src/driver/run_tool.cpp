@@ -11,7 +11,7 @@
 
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 namespace {
 
@@ -37,9 +37,9 @@ void runTool(const std::vector<std::string>& arguments)
 
     CommandLine line = scanArguments(arguments);
     validate(line);
-    const InputFileList inputs = expandInputs(line.rawInputList);
+    const run::InputFileList inputs = run::expandInputs(line.rawInputList);
     runOperation(line.settings, inputs);
     endFinished(line.settings.batch);
 }
 
-} // namespace gridforge
+} // namespace gridforge::driver

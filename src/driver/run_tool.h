@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 // The arguments without the program's own name. Every run ends the process, with status 0.
 [[noreturn]] void runTool(const std::vector<std::string>& arguments);
 
-} // namespace gridforge
+} // namespace gridforge::driver

@@ -6,7 +6,7 @@
 #include "driver/stat_flag.h"
 #include "host/ends.h"
 
-namespace gridforge {
+namespace gridforge::driver {
 
 namespace {
 
@@ -94,4 +94,4 @@ CommandLine scanArguments(const std::vector<std::string>& arguments)
     return line;
 }
 
-} // namespace gridforge
+} // namespace gridforge::driver

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 // The arguments without the program's own name. What cannot be a flag or its number ends the run with a message; a
 // value that is still awaited at the end stays blank.
 CommandLine scanArguments(const std::vector<std::string>& arguments);
 
-} // namespace gridforge
+} // namespace gridforge::driver

@@ -7,7 +7,7 @@
 #include <array>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 namespace {
 
@@ -15,16 +15,16 @@ constexpr std::string_view kRank = "Rank";
 
 struct StatisticRow {
     std::string_view key;
-    bool RunSettings::*setting;
+    bool run::RunSettings::*setting;
 };
 
 // In order: the first key that stands in the argument is meant.
-constexpr std::array<StatisticRow, 6> kStatistics = {{{"All", &RunSettings::statAll},
-                                                      {"Mean", &RunSettings::statMean},
-                                                      {"Median", &RunSettings::statMedian},
-                                                      {"Min", &RunSettings::statMin},
-                                                      {"Max", &RunSettings::statMax},
-                                                      {"Frac", &RunSettings::statFrac}}};
+constexpr std::array<StatisticRow, 6> kStatistics = {{{"All", &run::RunSettings::statAll},
+                                                      {"Mean", &run::RunSettings::statMean},
+                                                      {"Median", &run::RunSettings::statMedian},
+                                                      {"Min", &run::RunSettings::statMin},
+                                                      {"Max", &run::RunSettings::statMax},
+                                                      {"Frac", &run::RunSettings::statFrac}}};
 
 // The key was found whatever its case, but its rank only stands behind the exact spelling; without that the text begins
 // at the fourth character, which is no number. Deliberate: -statrank5 is refused.
@@ -35,7 +35,7 @@ std::string rankText(const std::string& argument)
     return argument.substr(at == std::string::npos ? kFourthCharacter : at + kRank.size());
 }
 
-void addRank(RunSettings& settings, const std::string& text)
+void addRank(run::RunSettings& settings, const std::string& text)
 {
     std::int32_t rank = 0;
     if (FLAGEXISTS(text, "All")) {
@@ -50,7 +50,7 @@ void addRank(RunSettings& settings, const std::string& text)
 
 } // namespace
 
-void addStatistic(RunSettings& settings, const std::string& argument)
+void addStatistic(run::RunSettings& settings, const std::string& argument)
 {
     if (FLAGEXISTS(argument, kRank)) {
         addRank(settings, rankText(argument));
@@ -66,4 +66,4 @@ void addStatistic(RunSettings& settings, const std::string& argument)
            quoted(argument));
 }
 
-} // namespace gridforge
+} // namespace gridforge::driver

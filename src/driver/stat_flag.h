@@ -5,9 +5,9 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 // Adds the statistic that the flag names, anywhere in it. One that names none ends the run with a message.
-void addStatistic(RunSettings& settings, const std::string& argument);
+void addStatistic(run::RunSettings& settings, const std::string& argument);
 
-} // namespace gridforge
+} // namespace gridforge::driver

@@ -5,7 +5,7 @@
 
 #include <array>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 namespace {
 
@@ -204,4 +204,4 @@ void showUsage()
     pauseExit();
 }
 
-} // namespace gridforge
+} // namespace gridforge::driver

@@ -4,10 +4,10 @@
 #include <span>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::driver {
 
 std::span<const std::string_view> usageText();
 // Writes the text, waits for Enter and ends the run.
 [[noreturn]] void showUsage();
 
-} // namespace gridforge
+} // namespace gridforge::driver

@@ -4,7 +4,7 @@
 #include "core/text.h"
 #include "host/ends.h"
 
-namespace gridforge {
+namespace gridforge::driver {
 
 namespace {
 
@@ -15,7 +15,7 @@ void warn(std::string_view text)
 }
 
 // Refuses the statistics too, though the usage screen offers them.
-void checkSourceSwitch(const RunSettings& settings)
+void checkSourceSwitch(const run::RunSettings& settings)
 {
     if (settings.src && !settings.max && !settings.min) {
         fail("ERROR - The src switch is only used in combination with the min and max commands. "
@@ -25,7 +25,7 @@ void checkSourceSwitch(const RunSettings& settings)
 
 std::int32_t countOperations(const CommandLine& line)
 {
-    const RunSettings& settings = line.settings;
+    const run::RunSettings& settings = line.settings;
     const std::int32_t transform = settings.trans ? 1 : 0;
     const std::int32_t countOfCutoff = settings.count && settings.cd ? 1 : 0; // the pair is one operation
     const std::int32_t statistics = settings.stat ? 1 : 0;
@@ -44,7 +44,7 @@ void checkOneOperation(const CommandLine& line)
     }
 }
 
-void checkColours(RunSettings& settings)
+void checkColours(run::RunSettings& settings)
 {
     if (settings.rgb && !settings.classify) {
         warn("WARNING - RGB option only valid for classify operation. Flag ignored.");
@@ -72,7 +72,7 @@ void checkDifferenceFiles(CommandLine& line)
     }
 }
 
-void checkOutputName(RunSettings& settings)
+void checkOutputName(run::RunSettings& settings)
 {
     if (!settings.outputNameGiven) {
         return;
@@ -93,7 +93,7 @@ void checkOutputName(RunSettings& settings)
     }
 }
 
-void checkFormats(RunSettings& settings)
+void checkFormats(run::RunSettings& settings)
 {
     if (settings.ascWanted && settings.fltWanted) {
         warn("WARNING - Both -asc and -flt specified.  Outputting to .flt grid.");
@@ -102,7 +102,7 @@ void checkFormats(RunSettings& settings)
 }
 
 // Neither clears anything, and the second goes on in spite of its word ERROR; deliberate.
-void checkIgnoredOptions(const RunSettings& settings)
+void checkIgnoredOptions(const run::RunSettings& settings)
 {
     if (settings.grc && !settings.classify) {
         warn("WARNING - \"-grc\" option only used with \"classify\". Flag ignored.");
@@ -125,4 +125,4 @@ void validate(CommandLine& line)
     checkIgnoredOptions(line.settings);
 }
 
-} // namespace gridforge
+} // namespace gridforge::driver

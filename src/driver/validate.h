@@ -3,10 +3,10 @@
 
 #include "driver/command_line.h"
 
-namespace gridforge {
+namespace gridforge::driver {
 
 // Ends the run on a combination that cannot be run; warns of and mends one that can. The output name loses an extension
 // that names a grid format.
 void validate(CommandLine& line);
 
-} // namespace gridforge
+} // namespace gridforge::driver

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::exports {
 
 // A text of a caller without its padding.
 inline std::string_view content(const char* text, std::size_t length)
@@ -59,4 +59,4 @@ inline std::int32_t askInPlace(bool (*routine)(std::string&), char* text, std::s
     });
 }
 
-} // namespace gridforge
+} // namespace gridforge::exports

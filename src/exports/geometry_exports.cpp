@@ -11,7 +11,7 @@
 #include <span>
 #include <vector>
 
-using gridforge::answer;
+using gridforge::exports::answer;
 
 namespace {
 
@@ -42,7 +42,7 @@ std::int32_t logical(bool value)
 void requireRings(std::int32_t np, const std::int32_t* ir, std::int32_t nr, int form)
 {
     if (!gridforge::isWholeRegion(held(np), array(ir, nr), held(nr))) {
-        gridforge::failRings("inside_polygon", form);
+        gridforge::gis::failRings("inside_polygon", form);
     }
 }
 
@@ -243,7 +243,7 @@ std::int64_t grid_inside_polygon(const float* u, const float* v, std::int32_t np
         const auto count = gridforge::grid_inside_polygon(array(u, np), array(v, np), held(np), array(ir, nr), held(nr),
                                                           size, window, {flags, window.cells()});
         if (!count) {
-            gridforge::failRings("grid_inside_polygon", 1);
+            gridforge::gis::failRings("grid_inside_polygon", 1);
         }
         return *count;
     });
@@ -254,7 +254,7 @@ std::int32_t gridline(float u1, float v1, float u2, float v2, float size, std::i
 {
     return answer([&] {
         std::vector<gridforge::LatticeCell> cells;
-        gridforge::requireGridline(gridforge::gridline(u1, v1, u2, v2, size, limit, cells), limit);
+        gridforge::gis::requireGridline(gridforge::gridline(u1, v1, u2, v2, size, limit, cells), limit);
         for (const gridforge::LatticeCell& cell : cells) {
             *rows++ = cell.row;
             *columns++ = cell.column;

@@ -17,9 +17,9 @@
 namespace gis = gridforge::gis;
 
 using gis::Kind;
-using gridforge::answer;
-using gridforge::content;
-using gridforge::put;
+using gridforge::exports::answer;
+using gridforge::exports::content;
+using gridforge::exports::put;
 
 static_assert(GRIDFORGE_MAX_PARTS == gis::kMaxParts);
 static_assert(sizeof(gisAttribute::type) == gis::kColumnTypeWidth);
@@ -87,7 +87,7 @@ void put(const gis::LayerObject& object, gisO& result)
     result.nSections = object.sections;
     result.nr = object.rings;
     std::copy_n(object.parts.begin(), std::min(object.parts.size(), std::size(result.ir)), std::begin(result.ir));
-    gridforge::put(object.name, result.name, sizeof result.name);
+    gridforge::exports::put(object.name, result.name, sizeof result.name);
 }
 
 bool holdsEither(std::string_view text, std::string_view first, std::string_view second, std::string_view name)

@@ -9,10 +9,10 @@
 #include <gridforge/gridforge.h>
 #include <string>
 
-using gridforge::answer;
-using gridforge::content;
-using gridforge::give;
-using gridforge::put;
+using gridforge::exports::answer;
+using gridforge::exports::content;
+using gridforge::exports::give;
+using gridforge::exports::put;
 
 // The record of the header is the record of the tool, member by member.
 namespace {

@@ -11,11 +11,11 @@
 #include <string>
 #include <string_view>
 
-using gridforge::answer;
-using gridforge::askInPlace;
-using gridforge::content;
-using gridforge::give;
-using gridforge::put;
+using gridforge::exports::answer;
+using gridforge::exports::askInPlace;
+using gridforge::exports::content;
+using gridforge::exports::give;
+using gridforge::exports::put;
 
 namespace {
 

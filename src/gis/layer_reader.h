@@ -26,7 +26,7 @@ struct OpenLayer {
     std::int32_t id = 0;
     std::string name;
     bool end = false; // nothing is left to read
-    std::variant<mif::Input, shp::Input> files;
+    std::variant<mif::MifInput, shp::ShpInput> files;
 };
 
 class LayerReader {

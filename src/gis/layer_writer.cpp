@@ -56,7 +56,7 @@ void requireVertices(const Feature& feature)
 
 } // namespace
 
-LayerWriter::LayerWriter(std::int32_t id, std::string name, std::variant<mif::Output, shp::Output> files)
+LayerWriter::LayerWriter(std::int32_t id, std::string name, std::variant<mif::MifOutput, shp::ShpOutput> files)
     : id_(id), name_(std::move(name)), files_(std::move(files))
 {
 }

@@ -15,7 +15,7 @@ namespace gridforge::gis {
 
 class LayerWriter {
 public:
-    LayerWriter(std::int32_t id, std::string name, std::variant<mif::Output, shp::Output> files);
+    LayerWriter(std::int32_t id, std::string name, std::variant<mif::MifOutput, shp::ShpOutput> files);
     LayerWriter(LayerWriter&&) = default;
     LayerWriter& operator=(LayerWriter&&) = default;
     LayerWriter(const LayerWriter&) = delete;
@@ -30,7 +30,7 @@ public:
 private:
     std::int32_t id_;
     std::string name_;
-    std::variant<mif::Output, shp::Output> files_;
+    std::variant<mif::MifOutput, shp::ShpOutput> files_;
 };
 
 // Creates the files of a layer, of the family that the extension names, with their headers. More than 256 columns end

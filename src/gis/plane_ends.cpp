@@ -3,7 +3,7 @@
 #include "core/product.h"
 #include "host/ends.h"
 
-namespace gridforge {
+namespace gridforge::gis {
 
 void failRings(std::string_view routine, int form)
 {
@@ -20,4 +20,4 @@ void requireGridline(GridlineEnd end, std::int32_t limit)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::gis

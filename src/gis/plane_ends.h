@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::gis {
 
 // The rings of a region end before its vertices. `routine` and `form` are those that messages name.
 [[noreturn]] void failRings(std::string_view routine, int form);
@@ -14,4 +14,4 @@ namespace gridforge {
 // Returns for `done` only.
 void requireGridline(GridlineEnd end, std::int32_t limit);
 
-} // namespace gridforge
+} // namespace gridforge::gis

@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 namespace {
 
@@ -205,4 +205,4 @@ bool decodeAsc(const GridLook& look, CellStore& cells)
     return good && firstRow >= decoder.rows();
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -14,7 +14,7 @@
 #include <limits>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::grid {
 namespace {
 
 constexpr std::int32_t kMostScaledDecimals = 12;
@@ -111,7 +111,7 @@ void formatAscRow(std::span<const float> row, std::int32_t width, std::int32_t d
     }
 }
 
-Extremes findExtremes(std::span<const float> cells, const Extremes& before)
+ValueRange findExtremes(std::span<const float> cells, const ValueRange& before)
 {
     // Comparisons with NaN are false, so it never gets in. Several lanes, because one would wait for its last
     // comparison.
@@ -132,14 +132,14 @@ Extremes findExtremes(std::span<const float> cells, const Extremes& before)
         smallest[0] = cells[i] < smallest[0] ? cells[i] : smallest[0];
         largest[0] = cells[i] > largest[0] ? cells[i] : largest[0];
     }
-    Extremes found;
+    ValueRange found;
     found.smallest = *std::min_element(smallest.begin(), smallest.end());
     found.largest = *std::max_element(largest.begin(), largest.end());
     found.any = found.smallest <= found.largest;
-    return found.any ? found : Extremes{};
+    return found.any ? found : ValueRange{};
 }
 
-Extremes joined(const Extremes& first, const Extremes& second)
+ValueRange joined(const ValueRange& first, const ValueRange& second)
 {
     if (!first.any || !second.any) {
         return first.any ? first : second;
@@ -147,4 +147,4 @@ Extremes joined(const Extremes& first, const Extremes& second)
     return {std::min(first.smallest, second.smallest), std::max(first.largest, second.largest), true};
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // Writes each cell right-justified in fixed notation with `decimals` decimals, `width` characters a cell and nothing
 // between them, so `out` takes width * row.size() bytes. Values are rounded from the stored 32 bits, exact ties to
@@ -14,15 +14,15 @@ void formatAscRow(std::span<const float> row, std::int32_t width, std::int32_t d
 // The same, field by field.
 void formatAscFields(std::span<const float> row, std::int32_t width, std::int32_t decimals, char* out);
 
-struct Extremes {
+struct ValueRange {
     float smallest = 0;
     float largest = 0;
     bool any = false; // false as long as no cell was a number: the extremes are 0
 };
 
 // The smallest and the largest of `cells` and of what `before` found in other cells; NaN takes no part.
-Extremes findExtremes(std::span<const float> cells, const Extremes& before = {});
+ValueRange findExtremes(std::span<const float> cells, const ValueRange& before = {});
 // What was found in two sets of cells together.
-Extremes joined(const Extremes& first, const Extremes& second);
+ValueRange joined(const ValueRange& first, const ValueRange& second);
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -12,7 +12,7 @@
 #include <cstring>
 #include <immintrin.h>
 
-namespace gridforge {
+namespace gridforge::grid {
 namespace {
 
 constexpr std::int32_t kLane = 16;
@@ -124,11 +124,11 @@ GRIDFORGE_AVX2 void formatFourAbreast(std::span<const float> row, std::int32_t w
     formatAscFields(row.subspan(i), width, decimals, out);
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid
 
 #else
 
-namespace gridforge {
+namespace gridforge::grid {
 
 bool fitsFourAbreast(std::int32_t, std::int32_t)
 {
@@ -137,6 +137,6 @@ bool fitsFourAbreast(std::int32_t, std::int32_t)
 
 void formatFourAbreast(std::span<const float>, std::int32_t, std::int32_t, char*) {}
 
-} // namespace gridforge
+} // namespace gridforge::grid
 
 #endif

@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace gridforge {
+namespace gridforge::grid {
 namespace {
 
 constexpr int kLargestExactPower = 22; // 10^22 is the last power of ten that a double holds exactly
@@ -158,4 +158,4 @@ AscRow parseAscRow(AscRowState& state, std::string_view window, bool lastWindow,
     return AscRow::done;
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 enum class AscRow {
     done,   // the row is full and the rest of its last line has been taken
@@ -30,4 +30,4 @@ AscRow parseAscRow(AscRowState& state, std::string_view window, bool lastWindow,
 // One value, between no separators. False where it is no number.
 bool parseAscCell(std::string_view value, float& cell);
 
-} // namespace gridforge
+} // namespace gridforge::grid

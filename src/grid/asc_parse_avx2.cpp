@@ -13,7 +13,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace gridforge {
+namespace gridforge::grid {
 namespace {
 
 constexpr std::size_t kBatch = 1024; // values found before they are converted: few enough to stay in the nearest cache
@@ -154,17 +154,17 @@ GRIDFORGE_AVX2 bool parseAscBlocks(AscRowState& state, AscCursor& text, const ch
     return true;
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid
 
 #else
 
-namespace gridforge {
+namespace gridforge::grid {
 
 bool parseAscBlocks(AscRowState&, AscCursor&, const char*, std::span<float>)
 {
     return true;
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid
 
 #endif

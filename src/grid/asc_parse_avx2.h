@@ -6,7 +6,7 @@
 
 #include <span>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // What is left of a window.
 struct AscCursor {
@@ -18,4 +18,4 @@ struct AscCursor {
 // Takes values out of whole blocks, as far as there is nothing but values and their separators. False when one is no number.
 GRIDFORGE_AVX2 bool parseAscBlocks(AscRowState& state, AscCursor& text, const char* windowStart, std::span<float> row);
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 bool readAscRow(Unit unit, std::span<float> row)
 {
@@ -32,4 +32,4 @@ bool readAscRow(Unit unit, std::span<float> row)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

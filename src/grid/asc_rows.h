@@ -5,10 +5,10 @@
 
 #include <span>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // Reads the next row of cells free-form, over as many lines as it takes, and passes over the rest of its last line.
 // False on a value that is no number and on an early end of the file.
 bool readAscRow(Unit unit, std::span<float> row);
 
-} // namespace gridforge
+} // namespace gridforge::grid

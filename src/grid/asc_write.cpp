@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 namespace {
 
@@ -161,7 +161,7 @@ std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals)
 {
     const RowPieces split = pieceRows(cells);
     const auto columns = static_cast<std::size_t>(cells.ncols());
-    std::vector<Extremes> found(split.pieces);
+    std::vector<ValueRange> found(split.pieces);
     WorkerRooms<float> rooms;
     std::atomic<bool> good = rooms.take(threadCount(), fetchedCells(cells, split.rows * columns));
     parallelFor(split.pieces, [&](std::size_t piece, std::size_t worker) {
@@ -177,8 +177,8 @@ std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals)
     if (!good) {
         failMemory();
     }
-    Extremes extremes;
-    for (const Extremes& one : found) {
+    ValueRange extremes;
+    for (const ValueRange& one : found) {
         extremes = joined(extremes, one);
     }
     const float magnitude = std::max(extremes.largest, std::fabs(extremes.smallest));
@@ -201,4 +201,4 @@ void writeAscRows(Unit unit, const CellSource& cells, std::int32_t width, std::i
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // The width of a field that all cells fit in: room for the largest magnitude, the decimals, the sign and a blank.
 std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals);
@@ -15,4 +15,4 @@ std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals);
 // several threads format and write.
 void writeAscRows(Unit unit, const CellSource& cells, std::int32_t width, std::int32_t decimals);
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -9,7 +9,7 @@
 #include <optional>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 class CellSource {
 public:
@@ -44,4 +44,4 @@ private:
     std::int32_t ncols_;
 };
 
-} // namespace gridforge
+} // namespace gridforge::grid

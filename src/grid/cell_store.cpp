@@ -7,7 +7,7 @@
 #include <atomic>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 namespace {
 
@@ -135,4 +135,4 @@ std::size_t filesOfCells()
     return filesTaken();
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 class CellStore {
 public:
@@ -55,4 +55,4 @@ private:
 // How many times cells went to a file in this process. For tests: nothing else shows it.
 std::size_t filesOfCells();
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 std::int32_t gridKilobytes(std::int32_t nrows, std::int32_t ncols)
 {
@@ -29,4 +29,4 @@ void allocateGrid(Grid& grid, const GridHeader& header, std::string_view purpose
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

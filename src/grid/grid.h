@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // File formats of a grid (`gridFormat`).
 inline constexpr std::int32_t kFormatAsc = 1;
@@ -21,4 +21,4 @@ void sayAllocation(const GridHeader& header, std::string_view purpose);
 // The Kb figure of such a line, in the 32-bit arithmetic of its digits.
 std::int32_t gridKilobytes(std::int32_t nrows, std::int32_t ncols);
 
-} // namespace gridforge
+} // namespace gridforge::grid

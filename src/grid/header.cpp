@@ -8,7 +8,7 @@
 #include "host/file_system.h"
 #include "host/messages.h"
 
-namespace gridforge {
+namespace gridforge::grid {
 
 namespace {
 
@@ -206,4 +206,4 @@ void writeAscHeaderText(Unit unit, std::string_view displayName, std::int32_t nr
     writeLine(unit, join("cellsize", realField(cellsize, kCellColumns, kCellDecimals)));
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

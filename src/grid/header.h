@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // The name is that of a .flt.
 bool isBinary(std::string_view name);
@@ -47,4 +47,4 @@ AscHeaderText readAscHeaderClasses(Unit unit, std::string_view displayName);
 void writeAscHeaderText(Unit unit, std::string_view displayName, std::int32_t nrows, std::int32_t ncols, double xll,
                         double yll, double cellsize);
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -4,7 +4,7 @@
 #include "core/numbers.h"
 #include "core/text.h"
 
-namespace gridforge {
+namespace gridforge::grid {
 
 Keyword takeKeyword(const std::string& line, GridHeader& header, Placement& placement)
 {
@@ -60,4 +60,4 @@ bool settle(GridHeader& header, const Placement& placement)
     return true;
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // After more lines with keywords than this a header is none.
 inline constexpr int kMaxKeywordLines = 100;
@@ -25,4 +25,4 @@ Keyword takeKeyword(const std::string& line, GridHeader& header, Placement& plac
 // After the last line: settles the corner. False where something is missing.
 bool settle(GridHeader& header, const Placement& placement);
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -6,7 +6,7 @@
 #include "host/file_stream.h"
 #include "host/file_system.h"
 
-namespace gridforge {
+namespace gridforge::grid {
 
 namespace {
 
@@ -71,4 +71,4 @@ std::optional<GridLook> lookAtGrid(std::string_view name)
     return look;
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

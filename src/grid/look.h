@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // A grid whose header is whole, in plain files, and long enough where it is binary: reading it will ask for nothing and
 // most likely ends no run.
@@ -23,4 +23,4 @@ struct GridLook {
 // None where anything is out of the ordinary.
 std::optional<GridLook> lookAtGrid(std::string_view name);
 
-} // namespace gridforge
+} // namespace gridforge::grid

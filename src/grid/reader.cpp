@@ -6,7 +6,7 @@
 
 #include <bit>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 namespace {
 
@@ -71,4 +71,4 @@ void passCells(OpenGrid grid)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

@@ -3,7 +3,7 @@
 
 #include "grid/header.h"
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // Fills all of `cells` from the grid, and closes it. The array's own size counts, which is that of the first grid where an
 // operation uses one array for several. An .asc row may run over several lines; the rest of its last line is dropped. A
@@ -13,4 +13,4 @@ void readCells(OpenGrid grid, Grid& cells);
 // Says, opens and closes the same, and leaves the cells, which are not wanted any more.
 void passCells(OpenGrid grid);
 
-} // namespace gridforge
+} // namespace gridforge::grid

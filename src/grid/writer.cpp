@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 namespace {
 
@@ -188,4 +188,4 @@ void compareGridDimensions(const GridHeader& first, const GridHeader& second, do
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::grid

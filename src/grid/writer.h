@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::grid {
 
 // Decimals of .asc cells where no setting says otherwise.
 inline constexpr std::int32_t kDefaultDecimals = 3;
@@ -32,4 +32,4 @@ bool isSameLattice(const GridHeader& first, const GridHeader& second, double tol
 // Reports each of size, corner and cell size in which the grids differ, and ends the run when one does.
 void compareGridDimensions(const GridHeader& first, const GridHeader& second, double tolerance = kGridTolerance);
 
-} // namespace gridforge
+} // namespace gridforge::grid

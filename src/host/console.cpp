@@ -6,7 +6,7 @@
 #include <array>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -168,4 +168,4 @@ std::optional<std::string> readAnswer(std::string_view question)
     return readInput();
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 void consoleLine(std::string_view text); // ends an open line first
 void consoleOpen(std::string_view text); // begins a line, or joins the open one, and stays on it
@@ -51,4 +51,4 @@ void pauseForEnter();
 // Writes the question as a line and reads the answer, cut at 1000; nothing at the end of standard input.
 std::optional<std::string> readAnswer(std::string_view question);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -8,7 +8,7 @@
 #include <optional>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -83,4 +83,4 @@ float EXTRACTREAL(std::string_view line, std::string_view lowerLine, std::string
     return extractNumber(line, lowerLine, key, column, fallback, "a real");
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

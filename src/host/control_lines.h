@@ -8,11 +8,18 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // Reads a line without tabs and comment. False for a line with nothing but a comment. A failed read and the end of the
 // file end the run: callers test atEnd first.
 bool READLINE(Unit unit, std::string& text, std::size_t width = 1000);
+
+// A line of a control file and its parts.
+struct ControlLine {
+    std::string text;
+    std::string command; // as it stands before the "=="
+    std::string value;
+};
 
 // The value of `key = value` in the line, or of comma field `column` outside quotes, without quotes. The key is
 // searched in its padded work space, so with lines of 1000 characters the column decides, on purpose: the callers rely
@@ -27,4 +34,4 @@ std::int32_t EXTRACTINTEGER(std::string_view line, std::string_view lowerLine, s
 float EXTRACTREAL(std::string_view line, std::string_view lowerLine, std::string_view key, std::int32_t column,
                   float fallback);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

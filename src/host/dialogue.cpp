@@ -6,7 +6,7 @@
 #include <optional>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 std::string ask(std::string_view question)
 {
@@ -24,4 +24,4 @@ void pauseForRetry(std::string_view prompt)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -4,11 +4,11 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // Writes the question as a line and returns the answer, cut at 1000.
 std::string ask(std::string_view question);
 // Writes the prompt as a line and waits for Enter.
 void pauseForRetry(std::string_view prompt);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

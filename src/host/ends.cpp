@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -89,4 +89,4 @@ void failMemory()
     fail("ERROR - Could not allocate enough memory (RAM).");
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -4,7 +4,7 @@
 
 #include "host/console.h"
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // Closes what is open, waits for Enter and ends: the end of most errors.
 [[noreturn]] void EXITS();
@@ -45,4 +45,4 @@ template <typename... Parts>
 // An allocation that cannot be had, and EXITS.
 [[noreturn]] void failMemory();
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 std::optional<std::string> environmentText(const char* name)
 {
@@ -24,4 +24,4 @@ std::optional<std::uint64_t> environmentNumber(const char* name)
     return whole && number > 0 ? std::optional(number) : std::nullopt;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

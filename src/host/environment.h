@@ -5,11 +5,11 @@
 #include <optional>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // A whole number above 0.
 std::optional<std::uint64_t> environmentNumber(const char* name);
 // A text that is not blank.
 std::optional<std::string> environmentText(const char* name);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -27,4 +27,4 @@ std::optional<FileIdentity> identityOfInput(std::string_view name)
     return input ? identityUnder(*input) : std::nullopt;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -6,11 +6,11 @@
 #include <optional>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // The file that an output of this name replaces; nothing if there is none yet.
 std::optional<FileIdentity> identityOfOutput(std::string_view name);
 // The file that is read under this name.
 std::optional<FileIdentity> identityOfInput(std::string_view name);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <optional>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -334,4 +334,4 @@ bool FileStream::seek(std::int64_t position)
     return moved || direction_ == Direction::in;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

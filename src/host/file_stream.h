@@ -12,7 +12,7 @@
 #include <string_view>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 enum class Direction { in, out };
 
@@ -88,4 +88,4 @@ private:
     char firstByte_ = 0; // of an unfinished file
 };
 
-} // namespace gridforge
+} // namespace gridforge::inline host

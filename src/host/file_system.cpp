@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -174,4 +174,4 @@ SearchResult searchFolder(std::string_view pattern)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // The name as the operating system takes it.
 std::string systemName(std::string_view name);
@@ -33,4 +33,4 @@ struct SearchResult {
 // and folders are found, "." and ".." are not.
 SearchResult searchFolder(std::string_view pattern);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

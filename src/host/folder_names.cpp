@@ -4,12 +4,12 @@
 
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
-std::optional<FolderNames::State> FolderNames::stateOf(const std::string& folder)
+std::optional<FolderNames::Version> FolderNames::stateOf(const std::string& folder)
 {
     const std::optional<FileFacts> facts = factsOf(folder);
-    return facts ? std::optional(State{facts->identity, facts->lastChange}) : std::nullopt;
+    return facts ? std::optional(Version{facts->identity, facts->lastChange}) : std::nullopt;
 }
 
 void FolderNames::list(const std::string& folder)
@@ -39,4 +39,4 @@ std::vector<std::string> FolderNames::inAnyCase(const std::string& folder, std::
     return found;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // Finds names regardless of letter case. The listing of the folder asked about last is kept as long as the folder does
 // not change: a run may ask for thousands of files that are missing from one large folder.
@@ -25,17 +25,17 @@ public:
     std::vector<std::string> inAnyCase(const std::string& folder, std::string_view name);
 
 private:
-    struct State {
+    struct Version {
         FileIdentity identity;
         std::int64_t lastChange = 0;
-        bool operator==(const State&) const = default;
+        bool operator==(const Version&) const = default;
     };
-    static std::optional<State> stateOf(const std::string& folder);
+    static std::optional<Version> stateOf(const std::string& folder);
     void list(const std::string& folder);
 
     std::chrono::nanoseconds settled_;
-    std::optional<State> listed_; // of the folder at its listing; empty if the listing must not be used again
+    std::optional<Version> listed_; // of the folder at its listing; empty if the listing must not be used again
     std::unordered_multimap<std::string, std::string> names_; // by their form in small letters
 };
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -13,7 +13,7 @@ extern "C" {
 constinit gridforge::MessageRecord DMESSAGES;
 }
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -254,4 +254,4 @@ void DLINE(std::int32_t unit)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

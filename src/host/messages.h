@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 inline constexpr double kNoMessagePlace = -99999.0;
 inline constexpr std::size_t kMessageWidth = 10000;
@@ -63,4 +63,4 @@ void report(const Parts&... parts)
     DMESSAGE(1);
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -1,6 +1,6 @@
 #include "host/positions.h"
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -35,4 +35,4 @@ bool writeAllAt(SystemFile file, std::int64_t position, std::span<const std::byt
                  [file](std::int64_t at, std::span<const char> rest) { return theSystem().writeAt(file, at, rest); });
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -7,10 +7,10 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // All of the bytes. False where the file ends before, or the system refuses.
 [[nodiscard]] bool readAllAt(SystemFile file, std::int64_t position, std::span<std::byte> target);
 [[nodiscard]] bool writeAllAt(SystemFile file, std::int64_t position, std::span<const std::byte> bytes);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

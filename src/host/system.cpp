@@ -2,7 +2,7 @@
 
 #include "core/simd.h"
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -34,4 +34,4 @@ void useSystem(const System& system)
     chosen() = &system;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

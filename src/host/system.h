@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // An open file, by whatever number the system has for it.
 enum class SystemFile : std::intptr_t { none = -1 };
@@ -122,4 +122,4 @@ void prepareProcess();
 // Runs `work`, and gives it up where it reads or writes memory that is not there.
 void runGuarded(const std::function<void()>& work);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

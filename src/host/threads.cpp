@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 std::size_t threadCount()
 {
@@ -43,4 +43,4 @@ void parallelFor(std::size_t pieces, const PieceWork& work)
     workThrough(0);
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

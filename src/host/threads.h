@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <functional>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // As many threads as GRIDFORGE_THREADS says; where it says nothing of use, as many as the process may use processors.
 std::size_t threadCount();
@@ -20,4 +20,4 @@ void parallelFor(std::size_t pieces, const PieceWork& work);
 // As many cells a piece as GRIDFORGE_PIECE says, else `usual`.
 std::size_t cellsPerPiece(std::size_t usual);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -615,4 +615,4 @@ bool checkSaveDate(std::string_view first, std::string_view second, Unit& firstU
     return false;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

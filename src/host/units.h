@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 using Unit = std::int32_t;
 
@@ -116,4 +116,4 @@ void onWriteFailure(Unit unit, WriteFailure handler);
 // again and gives false, so that the caller opens afresh; otherwise it is only a warning.
 bool checkSaveDate(std::string_view first, std::string_view second, Unit& firstUnit, Unit& secondUnit, bool mustHold);
 
-} // namespace gridforge
+} // namespace gridforge::inline host

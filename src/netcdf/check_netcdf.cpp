@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <netcdf.h>
 
-namespace gridforge {
+namespace gridforge::netcdf {
 
 namespace {
 
@@ -37,4 +37,4 @@ void printNetcdfVersion()
     say("Checking netcdf version: ", cut(nc_inq_libvers(), kLibraryTextWidth));
 }
 
-} // namespace gridforge
+} // namespace gridforge::netcdf

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::netcdf {
 
 // Passes where `status` is 0; otherwise names the call and the library's reason and ends the run.
 void checkNetcdf(int status, std::string_view call);
@@ -11,4 +11,4 @@ void checkNetcdf(int status, std::string_view call);
 // The version of the library that the program runs with.
 void printNetcdfVersion();
 
-} // namespace gridforge
+} // namespace gridforge::netcdf

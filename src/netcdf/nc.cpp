@@ -20,7 +20,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::netcdf {
 
 // --- Kernels ---------------------------------------------------------------------------------------------------------
 
@@ -124,16 +124,16 @@ constexpr std::array<NetcdfText, 4> kXTexts{
     {{"standard_name", "X"}, {"long_name", "x-coordinate in Cartesian system"}, {"units", "m"}, {"axis", "X"}}};
 
 // The name of -out, or that of the first grid, with the extension .nc.
-std::string outputName(const RunSettings& settings, const InputFileList& inputs)
+std::string outputName(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
-    std::string name = outputNameRule(settings, inputs[1], "");
+    std::string name = run::outputNameRule(settings, inputs[1], "");
     if (!settings.outputNameGiven || !ASAME(FILEEXT(name), ".nc")) {
         name = cut(name + ".nc", kNameWidth);
     }
     return name;
 }
 
-SeriesFile openSeries(const RunSettings& settings, const std::string& name)
+SeriesFile openSeries(const run::RunSettings& settings, const std::string& name)
 {
     say("Using NetCDF Compression Level: ", settings.ncCompression);
     say("Using NetCDF Shuffle == ", settings.ncShuffle ? 'T' : 'F');
@@ -145,7 +145,7 @@ SeriesFile openSeries(const RunSettings& settings, const std::string& name)
 }
 
 // The library itself judges the level; at 0 it leaves deflate off.
-int definePacked(const RunSettings& settings, int file, const NetcdfVariable& variable, std::string_view call)
+int definePacked(const run::RunSettings& settings, int file, const NetcdfVariable& variable, std::string_view call)
 {
     const int id = defineNetcdfVariable(file, variable, call);
     checkNetcdf(nc_def_var_deflate(file, id, settings.ncShuffle ? 1 : 0, 1, settings.ncCompression), call);
@@ -175,7 +175,7 @@ void cacheChunksOfRow(int file, int variable, std::size_t columns, std::string_v
     checkNetcdf(nc_set_var_chunk_cache(file, variable, bytes, slots, preemption), call);
 }
 
-int defineCells(const RunSettings& settings, int file, const NetcdfVariable& variable, const GridHeader& header)
+int defineCells(const run::RunSettings& settings, int file, const NetcdfVariable& variable, const GridHeader& header)
 {
     const int id = definePacked(settings, file, variable, "nf90_def_var(data)");
     cacheChunksOfRow(file, id, static_cast<std::size_t>(header.ncols), "nf90_def_var(data)");
@@ -183,7 +183,7 @@ int defineCells(const RunSettings& settings, int file, const NetcdfVariable& var
     return id;
 }
 
-void defineSeries(const RunSettings& settings, const GridHeader& header, SeriesFile& file)
+void defineSeries(const run::RunSettings& settings, const GridHeader& header, SeriesFile& file)
 {
     say("Processing 1st file - defining netcdf output file.");
     say("Defining dimensions in netcdf file:");
@@ -293,7 +293,7 @@ void startMaximum(const GridHeader& header, Grid& maximum)
 
 } // namespace
 
-void runNc(const RunSettings& settings, const InputFileList& inputs)
+void runNc(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Converting grid into netcdf format.");
     SeriesFile file = openSeries(settings, outputName(settings, inputs));
@@ -312,12 +312,12 @@ void runNc(const RunSettings& settings, const InputFileList& inputs)
                 writeCoordinates(file, first);
             }
             writeTime(file, i);
-            allocateGrid(cells, first, "external grid...");
+            grid::allocateGrid(cells, first, "external grid...");
             if (i == 1) {
                 startMaximum(first, maximum);
             }
         };
-        loadGrid(inputs[i], {.match = i > 1 ? &first : nullptr, .prepare = prepare}, cells);
+        run::loadGrid(inputs[i], {.match = i > 1 ? &first : nullptr, .prepare = prepare}, cells);
         say("Writing data to netcdf file...");
         writeCells(file.id, file.series, i, cells, layout);
         raiseMaximum(cells.cells(), first.null, maximum.cells());
@@ -335,4 +335,4 @@ void runNc(const RunSettings& settings, const InputFileList& inputs)
     say("   Done.");
 }
 
-} // namespace gridforge
+} // namespace gridforge::netcdf

@@ -9,9 +9,9 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::netcdf {
 
-void runNc(const RunSettings& settings, const InputFileList& inputs);
+void runNc(const run::RunSettings& settings, const run::InputFileList& inputs);
 
 // Kernels.
 
@@ -24,4 +24,4 @@ void cellsByColumns(const Grid& grid, std::size_t first, std::span<float> band);
 // Keeps the higher of both where a cell lies above null + 0.01. `maximum` starts at the null.
 void raiseMaximum(std::span<const float> cells, float null, std::span<float> maximum);
 
-} // namespace gridforge
+} // namespace gridforge::netcdf

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::netcdf {
 
 namespace {
 
@@ -104,4 +104,4 @@ void closeNetcdf(int file, std::string_view call)
     checkNetcdf(status, call);
 }
 
-} // namespace gridforge
+} // namespace gridforge::netcdf

@@ -9,7 +9,7 @@
 #include <span>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::netcdf {
 
 // Creates the file `name`, in place of one that is there, and gives its id. `mode` is NC_CLOBBER (classic) or NC_NETCDF4.
 int createNetcdf(std::string_view name, int mode, std::string_view call);
@@ -50,4 +50,4 @@ void putNetcdfRow(int file, int variable, std::int32_t row, std::span<const floa
 // Closes the file. A fault of the library in it counts as a refusal.
 void closeNetcdf(int file, std::string_view call);
 
-} // namespace gridforge
+} // namespace gridforge::netcdf

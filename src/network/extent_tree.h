@@ -9,7 +9,7 @@
 #include <limits>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::network {
 
 inline constexpr double kEndless = std::numeric_limits<double>::infinity();
 // Holds nothing.
@@ -78,4 +78,4 @@ private:
     std::vector<std::vector<Extent>> levels_; // level 0: blocks of items
 };
 
-} // namespace gridforge
+} // namespace gridforge::network

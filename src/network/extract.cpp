@@ -15,7 +15,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -113,12 +113,13 @@ float perpendicularAt(const NbcSection& section, std::size_t i)
 
 CellSummary cellsAcross(const GridHeader& header, const Grid& cells, const NbcSection& section, std::size_t i)
 {
-    const AcrossLine line = acrossLine(header, section.pointX[i], section.pointY[i], perpendicularAt(section, i));
-    const std::int32_t steps = samplesToSide(header, section.bufferDistance, kBothSides);
-    const SampleRange inGrid = samplesInGrid(line, header, {-steps, steps});
+    const run::AcrossLine line =
+        run::acrossLine(header, section.pointX[i], section.pointY[i], perpendicularAt(section, i));
+    const std::int32_t steps = run::samplesToSide(header, section.bufferDistance, kBothSides);
+    const run::SampleRange inGrid = run::samplesInGrid(line, header, {-steps, steps});
     CellSummary found;
     for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const SampleCell cell = sampleCell(line, header, k);
+        const run::SampleCell cell = run::sampleCell(line, header, k);
         const float value = cells(cell.row, cell.column);
         if (value != header.null) {
             found.take(value);
@@ -167,14 +168,14 @@ public:
     CellSummary cellsAround(double x, double y, float diameter)
     {
         CellSummary found;
-        const CellWindow window = searchWindow(header_, x, y, diameter);
-        if (!isWithinGrid(window, header_) || window.firstColumn > window.lastColumn) {
+        const run::CellWindow window = run::searchWindow(header_, x, y, diameter);
+        if (!run::isWithinGrid(window, header_) || window.firstColumn > window.lastColumn) {
             return found;
         }
         prepareRing(ringAround(x, y, diameter), ring_);
         placeColumns(window);
         for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
-            insideRegionRow(ring_, cornerY(header_, row), columnX_, inside_);
+            insideRegionRow(ring_, run::cornerY(header_, row), columnX_, inside_);
             const auto values =
                 cells_.row(row).subspan(static_cast<std::size_t>(window.firstColumn - 1), columnX_.size());
             for (std::size_t i = 0; i < values.size(); ++i) {
@@ -187,11 +188,11 @@ public:
     }
 
 private:
-    void placeColumns(const CellWindow& window)
+    void placeColumns(const run::CellWindow& window)
     {
         columnX_.clear();
         for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-            columnX_.push_back(cornerX(header_, column));
+            columnX_.push_back(run::cornerX(header_, column));
         }
         inside_.assign(columnX_.size(), 0);
     }
@@ -248,7 +249,7 @@ void samplePoints(const GridHeader& header, const Grid& cells, PointValue target
 
 GridHeader readSectionGrid(const std::string& name, std::string_view purpose, Grid& cells)
 {
-    return loadGrid(name, {.purpose = std::string(purpose), .done = "Finished reading grid."}, cells).header;
+    return run::loadGrid(name, {.purpose = std::string(purpose), .done = "Finished reading grid."}, cells).header;
 }
 
 void nbc_read_grid(const std::string& gridName, NbcSections& sections, PointValue target)
@@ -276,4 +277,4 @@ void nbc_read_grid(const std::string& gridName, NbcSections& sections, PointValu
     say("Finished processing grid.");
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::network {
 
 enum class PointValue { elevation, material };
 
@@ -25,4 +25,4 @@ GridHeader readSectionGrid(const std::string& name, std::string_view purpose, Gr
 // Reads the grid and samples all extracted sections. One without points ends the run.
 void nbc_read_grid(const std::string& gridName, NbcSections& sections, PointValue target);
 
-} // namespace gridforge
+} // namespace gridforge::network

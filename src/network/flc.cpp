@@ -15,7 +15,7 @@
 #include <span>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -87,7 +87,7 @@ void nbc_read_flc(const std::string& fileName, NbcLines& lines)
         say("Region ", ++regions, " with ", read.np, " nodes...");
         const float value = valueOf(object->record);
         if (!prepare(*object, read, region) && !lines.empty()) {
-            failRings("inside_polygon", 2);
+            gis::failRings("inside_polygon", 2);
         }
         const std::vector<std::size_t> starting = linesFrom(region, lines);
         if (starting.empty()) {
@@ -99,4 +99,4 @@ void nbc_read_flc(const std::string& fileName, NbcLines& lines)
     layer.close();
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -9,7 +9,7 @@
 #include <cmath>
 #include <cstddef>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -74,4 +74,4 @@ void nbc_insert_vertices(NbcSections& sections, float spacing, std::optional<flo
     say("   Done");
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

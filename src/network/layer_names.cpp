@@ -5,7 +5,7 @@
 
 #include <initializer_list>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -33,4 +33,4 @@ std::string xsLayerName(std::string_view sectionLayer)
     return renamed(sectionLayer, {"1d_xs", "1d_tab", "1d_cut"}, "1d_xs");
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

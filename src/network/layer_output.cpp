@@ -2,7 +2,7 @@
 
 #include "core/numbers.h"
 
-namespace gridforge {
+namespace gridforge::network {
 
 std::string threeDecimals(double value)
 {
@@ -10,4 +10,4 @@ std::string threeDecimals(double value)
     return fixedText(value, kDecimals);
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

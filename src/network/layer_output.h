@@ -3,9 +3,9 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::network {
 
 // A number with three decimals, as records and tables hold it.
 std::string threeDecimals(double value);
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -327,4 +327,4 @@ void nbc_match_sections(NbcBranches& branches, NbcSections& sections)
     say("    Done.");
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::network {
 
 // The extents of branch b and section s, from 1, meet or touch.
 bool extents_overlap(const NbcBranches& branches, std::int32_t b, const NbcSections& sections, std::int32_t s);
@@ -14,4 +14,4 @@ bool extents_overlap(const NbcBranches& branches, std::int32_t b, const NbcSecti
 // on their branches. Costs little more than the vertices where sections and branches lie, whatever their number.
 void nbc_match_sections(NbcBranches& branches, NbcSections& sections);
 
-} // namespace gridforge
+} // namespace gridforge::network

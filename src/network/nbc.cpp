@@ -24,7 +24,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -48,19 +48,12 @@ struct Build {
     float flcPerUnitLength = 0;
 };
 
-// A command line of the file; the value is left-trimmed.
-struct ControlLine {
-    std::string whole;
-    std::string command;
-    std::string value;
-};
-
 float readReal(const ControlLine& line)
 {
     float value = 0;
     if (!readFree(line.value, value)) {
         say("ERROR - Reading following line in .nbc file:");
-        fail(line.whole);
+        fail(line.text);
     }
     return value;
 }
@@ -198,7 +191,7 @@ void readControlFile(const std::string& name, Build& build)
     OPENER(unit, "I ", name);
     ControlLine line;
     while (!atEnd(unit)) {
-        if (READLINE(unit, line.whole) && CHECKLINE(line.whole, "*", "==", 0, line.value, line.command)) {
+        if (READLINE(unit, line.text) && CHECKLINE(line.text, "*", "==", 0, line.value, line.command)) {
             line.value = trim(line.value);
             runCommand(line, build);
         }
@@ -238,7 +231,7 @@ void writeNetwork(Build& build)
 
 } // namespace
 
-void runNbc(const RunSettings& /*settings*/, const InputFileList& inputs)
+void runNbc(const run::RunSettings& /*settings*/, const run::InputFileList& inputs)
 {
     say("Processing .nbc File... ");
     if (inputs.count() > 1) {
@@ -252,4 +245,4 @@ void runNbc(const RunSettings& /*settings*/, const InputFileList& inputs)
     writeNetwork(build);
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

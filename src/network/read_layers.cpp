@@ -13,7 +13,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -279,4 +279,4 @@ void nbc_read_sections(const std::string& layerName, NbcSections& sections)
     layer.close();
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

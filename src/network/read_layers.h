@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::network {
 
 // Empty records, with the lines that announce them.
 NbcSections createSections();
@@ -19,4 +19,4 @@ void nbc_read_branches(const std::string& layerName, NbcBranches& branches, NbcC
 // What cannot be read ends the run.
 void nbc_read_sections(const std::string& layerName, NbcSections& sections);
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::network {
 
 Extent extentOf(const std::vector<double>& x, const std::vector<double>& y)
 {
@@ -13,4 +13,4 @@ Extent extentOf(const std::vector<double>& x, const std::vector<double>& y)
             *std::ranges::max_element(y)};
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

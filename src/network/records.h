@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::network {
 
 inline constexpr std::int32_t kMaxSections = 10000;
 inline constexpr std::int32_t kMaxBranches = 2000;
@@ -145,4 +145,4 @@ struct NbcLine {
 
 using NbcLines = std::vector<NbcLine>;
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -184,4 +184,4 @@ NbcLines createLines(NbcBranches& branches, const NbcConnectors& connectors)
     return lines;
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -3,7 +3,7 @@
 
 #include "network/records.h"
 
-namespace gridforge {
+namespace gridforge::network {
 
 // Makes the network lines: those of each branch, cut at the sections listed on it, then one for each connector. The
 // branches' vertices are overwritten where a section crosses.
@@ -12,4 +12,4 @@ void nbc_split_branches(NbcBranches& branches, NbcLines& lines, const NbcConnect
 // Announces the memory of the network lines and splits the branches into them.
 NbcLines createLines(NbcBranches& branches, const NbcConnectors& connectors);
 
-} // namespace gridforge
+} // namespace gridforge::network

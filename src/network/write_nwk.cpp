@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -139,4 +139,4 @@ void nbc_write_nwk(NbcLines& lines, const NbcBranches& branches, const gis::Proj
     say("Finished writing 1d_nwk file.");
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::network {
 
 // All lines to one layer.
 void nbc_write_nwk_single(const NbcLines& lines, const std::string& name, const gis::Projection& projection);
@@ -16,4 +16,4 @@ void nbc_write_nwk_single(const NbcLines& lines, const std::string& name, const 
 void nbc_write_nwk(NbcLines& lines, const NbcBranches& branches, const gis::Projection& projection, bool bendiness,
                    const std::string& outputName);
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -246,4 +246,4 @@ void nbc_write_check(const NbcSections& sections, const gis::Projection& project
     say("Finished writing check file.");
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::network {
 
 // The extracted sections to one layer, each with the name of its CSV file. A section without a name gets one from the
 // branch that it meets; one that meets none ends the run.
@@ -29,4 +29,4 @@ void nbc_write_csv(const NbcSections& sections, bool materials);
 void nbc_write_check(const NbcSections& sections, const gis::Projection& projection, bool materials,
                      const std::string& name);
 
-} // namespace gridforge
+} // namespace gridforge::network

@@ -20,7 +20,7 @@
 #include <optional>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::network {
 
 namespace {
 
@@ -45,10 +45,10 @@ void describeSections(bool materials, NbcSections& sections)
 }
 
 // Puts points along the sections, a cell of the first grid apart.
-void placePoints(const RunSettings& settings, const std::string& firstGrid, NbcSections& sections)
+void placePoints(const run::RunSettings& settings, const std::string& firstGrid, NbcSections& sections)
 {
     say("Loading header information from 1st elevation grid...");
-    OpenGrid grid = openGrid(firstGrid);
+    grid::OpenGrid grid = grid::openGrid(firstGrid);
     CLOSER(grid.unit);
     nbc_insert_vertices(sections, grid.header.cellsize,
                         settings.defaultNGiven ? std::optional(settings.defaultN) : std::nullopt);
@@ -80,7 +80,7 @@ void checkMaterialsFile(const std::string& name)
 
 } // namespace
 
-void runXs(const RunSettings& settings, const InputFileList& inputs)
+void runXs(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     const bool materials = !settings.materialGrids.empty();
     say("Processing -xs option... ");
@@ -111,4 +111,4 @@ void runXs(const RunSettings& settings, const InputFileList& inputs)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::network

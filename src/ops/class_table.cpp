@@ -5,7 +5,7 @@
 #include "host/ends.h"
 #include "host/units.h"
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
@@ -87,4 +87,4 @@ std::vector<float> risingLimits(const ClassTable& table)
     return limits;
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

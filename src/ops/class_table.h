@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 inline constexpr std::int32_t kMaxClasses = 100;
 
@@ -36,4 +36,4 @@ ClassTable readClassTable(std::string_view file, bool coloured, const ClassWords
 // or is not a number, is never the first that a value reaches.
 std::vector<float> risingLimits(const ClassTable& table);
 
-} // namespace gridforge
+} // namespace gridforge::ops

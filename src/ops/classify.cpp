@@ -16,7 +16,7 @@
 #include <array>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
@@ -116,13 +116,13 @@ void writeClassifiedAsc(const std::string& name, const GridHeader& header, const
     Unit unit = 0;
     OPENER(unit, "O ", name);
     markUnfinished(unit);
-    writeAscHeaderText(unit, name, header.nrows, header.ncols, header.xll, header.yll, header.cellsize8);
+    grid::writeAscHeaderText(unit, name, header.nrows, header.ncols, header.xll, header.yll, header.cellsize8);
     writeClassLines(unit, table);
-    say("Allocating ", gridKilobytes(header.nrows, header.ncols), "Kb memory for conversion to integer grid...");
+    say("Allocating ", grid::gridKilobytes(header.nrows, header.ncols), "Kb memory for conversion to integer grid...");
     const NumberTexts texts;
     for (std::int32_t row = header.nrows; row >= 1; --row) {
         writeNumbers(unit, classes.row(row), header.null, texts);
-        if (row % kProgressRows == 0) {
+        if (row % run::kProgressRows == 0) {
             progress(row);
         }
     }
@@ -138,9 +138,9 @@ std::string withAsc(const std::string& name)
 
 } // namespace
 
-void runClassify(const RunSettings& givenSettings, const InputFileList& inputs)
+void runClassify(const run::RunSettings& givenSettings, const run::InputFileList& inputs)
 {
-    RunSettings settings = givenSettings;
+    run::RunSettings settings = givenSettings;
     say("Classifying  grid.");
     if (inputs.count() > 1) {
         fail("ERROR - Only a single grid file accepted for \"-classify\" option.");
@@ -153,31 +153,31 @@ void runClassify(const RunSettings& givenSettings, const InputFileList& inputs)
 
     Grid input;
     Grid output;
-    const LoadSteps steps{
+    const run::LoadSteps steps{
         .opening = "Loading grid data...",
         .purpose = "storing input grid...",
-        .prepare = [&](const GridHeader& lattice) { allocateGrid(output, lattice, "storing output grid..."); },
+        .prepare = [&](const GridHeader& lattice) { grid::allocateGrid(output, lattice, "storing output grid..."); },
         .reading = "Reading data...",
         .done = "   Done."};
-    const LoadedGrid loaded = loadGrid(inputs[1], steps, input);
+    const run::LoadedGrid loaded = run::loadGrid(inputs[1], steps, input);
     const GridHeader& header = loaded.header;
 
     ClassTable table = readClassTable(settings.classFile, settings.rgb, kWords);
     checkOrder(table);
     const std::vector<float> limits = risingLimits(table);
-    overRows("Processing Row:", header.nrows, header.ncols, [&](const CellBlock& block) {
-        classifyCells(cellsOf(input, block), header.null, limits, cellsOf(output, block));
+    run::overRows("Processing Row:", header.nrows, header.ncols, [&](const run::CellBlock& block) {
+        classifyCells(run::cellsOf(input, block), header.null, limits, run::cellsOf(output, block));
     });
     say("   Done.");
 
-    const std::string base = outputNameRule(settings, inputs[1], "_classified");
-    const std::int32_t format = outputFormatRule(settings, loaded.format);
+    const std::string base = run::outputNameRule(settings, inputs[1], "_classified");
+    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
     if (!settings.grc) {
         say("Writing clssified grid to: ", base);
-        writeGrid(format, base, header, output, loaded.projectionText, settings.decimals);
+        grid::writeGrid(format, base, header, output, loaded.projectionText, settings.decimals);
         return;
     }
-    if (format != kFormatAsc) {
+    if (format != grid::kFormatAsc) {
         fail("ERROR - \"-grc\" option only valid, if outputting to a .asc grid.");
     }
     if (!settings.rgb) {
@@ -186,4 +186,4 @@ void runClassify(const RunSettings& givenSettings, const InputFileList& inputs)
     writeClassifiedAsc(withAsc(base), header, output, table);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -5,7 +5,7 @@
 #include <cassert>
 #include <cstddef>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 void findClasses(std::span<const float> cells, std::span<const float> limits, std::span<std::int32_t> numbers)
 {
@@ -40,4 +40,4 @@ void classifyCells(std::span<const float> cells, float null, std::span<const flo
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

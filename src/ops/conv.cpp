@@ -11,36 +11,36 @@
 #include <cstddef>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
 // The direction alone decides; -asc and -flt only forbid to convert a grid to the format that it has.
-std::int32_t convertedFormat(const RunSettings& settings, std::int32_t format)
+std::int32_t convertedFormat(const run::RunSettings& settings, std::int32_t format)
 {
-    if (format == kFormatAsc) {
+    if (format == grid::kFormatAsc) {
         if (settings.formatSpecified && settings.ascWanted) {
             fail("ERROR - Input grid is .asc format and \"-asc\" specified.");
         }
         say("Converting .asc to .flt...");
-        return kFormatFlt;
+        return grid::kFormatFlt;
     }
     if (settings.formatSpecified && settings.fltWanted) {
         fail("ERROR - Input grid is .flt format and \"-flt\" specified.");
     }
     say("Converting .flt to .asc...");
-    return kFormatAsc;
+    return grid::kFormatAsc;
 }
 
-void convert(const RunSettings& settings, const std::string& name, std::span<const InputGrid> stillToRead)
+void convert(const run::RunSettings& settings, const std::string& name, std::span<const run::InputGrid> stillToRead)
 {
     Grid cells;
-    const LoadedGrid grid = loadGrid(name, {.purpose = "external grid..."}, cells);
+    const run::LoadedGrid grid = run::loadGrid(name, {.purpose = "external grid..."}, cells);
 
     const std::int32_t format = convertedFormat(settings, grid.format);
-    const std::string base = outputNameRule(settings, name, "");
-    requireNoInput(format, base, stillToRead);
-    writeGrid(format, base, grid.header, cells, grid.projectionText, settings.decimals);
+    const std::string base = run::outputNameRule(settings, name, "");
+    run::requireNoInput(format, base, stillToRead);
+    grid::writeGrid(format, base, grid.header, cells, grid.projectionText, settings.decimals);
 
     say("Deallocating memory...");
     cells.release();
@@ -49,7 +49,7 @@ void convert(const RunSettings& settings, const std::string& name, std::span<con
 
 } // namespace
 
-void runConv(const RunSettings& settings, const InputFileList& inputs)
+void runConv(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     constexpr int kIndexColumns = 3;
 
@@ -59,11 +59,11 @@ void runConv(const RunSettings& settings, const InputFileList& inputs)
         say("ERROR - Cannot use \"-out\" option when converting multiple grids.");
     }
     say("Processing ", AINTEGER(inputs.count()), " input grids.");
-    const std::vector<InputGrid> grids = inputGrids(inputs);
+    const std::vector<run::InputGrid> grids = run::inputGrids(inputs);
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         say("Proecsing File:", integerField(i, kIndexColumns), ": ", inputs[i]);
         convert(settings, inputs[i], std::span(grids).subspan(static_cast<std::size_t>(i)));
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -9,7 +9,7 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
@@ -24,14 +24,14 @@ void writeCount(const std::string& base, std::string_view countLine)
 
 } // namespace
 
-void runCount(const RunSettings& settings, const InputFileList& inputs)
+void runCount(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     constexpr int kCountWidth = 14;
-    const auto kernel = [&settings](const CellPiece& piece, InputPieces cells, OutputPieces) {
+    const auto kernel = [&settings](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces) {
         const float null = piece.nulls[0];
         piece.tallies[0] += settings.cd ? countAbove(cells[0], null, settings.cutoff) : countActive(cells[0], null);
     };
-    CellStory story(settings, inputs.first(1), {.grids = 0, .tallies = 1}, kernel);
+    run::CellStory story(settings, inputs.first(1), {.grids = 0, .tallies = 1}, kernel);
     story.load(1, {.opening = "Loading grid data...", .purpose = "storing input grid..."});
 
     say("Counting number of wet cells.");
@@ -43,4 +43,4 @@ void runCount(const RunSettings& settings, const InputFileList& inputs)
     writeCount(FILENAMEPATH(inputs[1]), countLine);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

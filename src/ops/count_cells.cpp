@@ -2,7 +2,7 @@
 
 #include "core/map_cells.h"
 
-namespace gridforge {
+namespace gridforge::ops {
 
 std::int64_t countActive(std::span<const float> cells, float null)
 {
@@ -14,4 +14,4 @@ std::int64_t countAbove(std::span<const float> cells, float null, float cutoff)
     return countCells(cells, [null, cutoff](float cell) { return (cell != null) & (cell > cutoff); });
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -10,11 +10,11 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
-void settleInputs(RunSettings& settings, InputFileList& inputs)
+void settleInputs(run::RunSettings& settings, run::InputFileList& inputs)
 {
     if (inputs.count() > 1) {
         say("More than one input file specified, using ", quoted(inputs[1]), " for setting cutoff depth / threshold.");
@@ -27,15 +27,15 @@ void settleInputs(RunSettings& settings, InputFileList& inputs)
     }
 }
 
-std::string ruledName(const InputFileList& inputs, float cutoff)
+std::string ruledName(const run::InputFileList& inputs, float cutoff)
 {
     const bool filters = inputs.count() == 2;
     return join(FILENAMEPATH(inputs[inputs.count()]), filters ? "_filtered" : "_cd", AREAL(cutoff));
 }
 
-MapKernel kernelOf(const RunSettings& settings, bool filters)
+run::MapKernel kernelOf(const run::RunSettings& settings, bool filters)
 {
-    return [&settings, filters](const CellPiece& piece, InputPieces cells, OutputPieces output) {
+    return [&settings, filters](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
         const float null = piece.nulls[0];
         if (filters) {
             filterFrom(cells[0], settings.cutoff, cells[1], piece.nulls[1], null, output[0]);
@@ -47,22 +47,22 @@ MapKernel kernelOf(const RunSettings& settings, bool filters)
 
 } // namespace
 
-void runCutoff(const RunSettings& givenSettings, const InputFileList& givenInputs)
+void runCutoff(const run::RunSettings& givenSettings, const run::InputFileList& givenInputs)
 {
-    RunSettings settings = givenSettings;
-    InputFileList inputs = givenInputs;
+    run::RunSettings settings = givenSettings;
+    run::InputFileList inputs = givenInputs;
     say("Processing cutoff option.");
     settleInputs(settings, inputs);
     const bool filters = inputs.count() == 2;
 
-    CellStory story(settings, inputs, {.namedAfter = inputs[inputs.count()]}, kernelOf(settings, filters));
-    const LoadedGrid first = story.load(
+    run::CellStory story(settings, inputs, {.namedAfter = inputs[inputs.count()]}, kernelOf(settings, filters));
+    const run::LoadedGrid first = story.load(
         1, {.purpose = "storing grid 1...",
             .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
             .reading = join("Reading: ", inputs[1])});
     const GridHeader& header = first.header;
 
-    LoadedGrid last = first;
+    run::LoadedGrid last = first;
     if (filters) {
         story.allocateInput(2, header, "storing grid 2...");
         last = story.load(2, {.match = &header, .reading = join("Reading: ", inputs[2])});
@@ -72,9 +72,9 @@ void runCutoff(const RunSettings& givenSettings, const InputFileList& givenInput
     say("   Done.");
 
     const std::string base = specifiedNameOr(settings, ruledName(inputs, settings.cutoff));
-    const std::int32_t format = outputFormatRule(settings, first.format);
+    const std::int32_t format = run::outputFormatRule(settings, first.format);
     say("Writing output to: ", base);
     story.write(0, format, base, header, last.projectionText, settings.decimals);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

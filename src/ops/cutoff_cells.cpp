@@ -2,7 +2,7 @@
 
 #include "core/map_cells.h"
 
-namespace gridforge {
+namespace gridforge::ops {
 
 void keepFrom(std::span<const float> cells, float cutoff, float null, std::span<float> output)
 {
@@ -17,4 +17,4 @@ void filterFrom(std::span<const float> test, float cutoff, std::span<const float
     });
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -3,7 +3,7 @@
 
 #include <span>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 // All spans are of one length, and every cell of `output` is assigned, with `null` where the test fails. A cell of exactly the
 // cutoff stays. The test grid's null is a number like any other: it fails only where it lies below the cutoff.
@@ -13,4 +13,4 @@ void keepFrom(std::span<const float> cells, float cutoff, float null, std::span<
 void filterFrom(std::span<const float> test, float cutoff, std::span<const float> values, float valuesNull, float null,
                 std::span<float> output);
 
-} // namespace gridforge
+} // namespace gridforge::ops

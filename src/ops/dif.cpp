@@ -8,16 +8,16 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
 constexpr std::size_t kDifference = 0;
 constexpr std::size_t kWetDry = 1;
 
-MapKernel kernelOf(const RunSettings& settings)
+run::MapKernel kernelOf(const run::RunSettings& settings)
 {
-    return [&settings](const CellPiece& piece, InputPieces inputs, OutputPieces outputs) {
+    return [&settings](const run::CellPiece& piece, run::InputPieces inputs, run::OutputPieces outputs) {
         const DifGrid a{inputs[0], piece.nulls[0]};
         const DifGrid b{inputs[1], piece.nulls[1]};
         if (settings.nowetdry) {
@@ -30,7 +30,7 @@ MapKernel kernelOf(const RunSettings& settings)
     };
 }
 
-void checkInputs(const InputFileList& inputs)
+void checkInputs(const run::InputFileList& inputs)
 {
     if (inputs.count() < 2) {
         refuse("ERROR - Must specify at least two grid files for -dif options.");
@@ -41,39 +41,39 @@ void checkInputs(const InputFileList& inputs)
 }
 
 // Only wildcards leave a third input, and it then names the output.
-std::string outputBase(const RunSettings& settings, const InputFileList& inputs)
+std::string outputBase(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     if (!settings.outputNameGiven && inputs.count() == 3) {
         return FILENAMEPATH(inputs[3]);
     }
-    return outputNameRule(settings, inputs[1], join(" - ", FILENAME(inputs[2])));
+    return run::outputNameRule(settings, inputs[1], join(" - ", FILENAME(inputs[2])));
 }
 
 } // namespace
 
-void runDif(const RunSettings& settings, const InputFileList& inputs)
+void runDif(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Processing \"-dif\" option.");
     checkInputs(inputs);
 
     const bool writesWetDry = !settings.nowetdry && !settings.change;
-    CellStory story(settings, inputs.first(2), {.grids = writesWetDry ? 2U : 1U}, kernelOf(settings));
+    run::CellStory story(settings, inputs.first(2), {.grids = writesWetDry ? 2U : 1U}, kernelOf(settings));
     const auto allocateOthers = [&](const GridHeader& lattice) {
         story.allocateInput(2, lattice, "storing grid 2...");
         story.allocate(kDifference, lattice, "storing difference grid...");
         story.allocate(kWetDry, lattice, "storing wet/dry grid...");
     };
-    const LoadedGrid first = story.load(
+    const run::LoadedGrid first = story.load(
         1, {.purpose = "storing grid 1...", .prepare = allocateOthers, .reading = join("Reading: ", inputs[1])});
     const GridHeader& header = first.header;
-    const LoadedGrid second = story.load(2, {.match = &header, .reading = join("Reading: ", inputs[2])});
+    const run::LoadedGrid second = story.load(2, {.match = &header, .reading = join("Reading: ", inputs[2])});
 
     say("Processing difference calculations...");
     story.compute("Processing row:");
     say("Done processing differences.");
 
     const std::string base = outputBase(settings, inputs);
-    const std::int32_t format = outputFormatRule(settings, first.format);
+    const std::int32_t format = run::outputFormatRule(settings, first.format);
     say("Writing difference values to: ", base);
     story.write(kDifference, format, base, header, second.projectionText, settings.decimals);
     if (writesWetDry) {
@@ -83,4 +83,4 @@ void runDif(const RunSettings& settings, const InputFileList& inputs)
     say("");
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

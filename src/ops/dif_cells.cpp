@@ -6,7 +6,7 @@
 #include <cassert>
 #include <cstddef>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 void subtractActive(const DifGrid& first, const DifGrid& second, std::span<float> difference)
 {
@@ -48,4 +48,4 @@ void subtractWetDry(const DifGrid& first, const DifGrid& second, std::span<float
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -3,7 +3,7 @@
 
 #include <span>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 // The cells of one of the two grids and its own null.
 struct DifGrid {
@@ -25,4 +25,4 @@ void subtractChange(const DifGrid& first, const DifGrid& second, std::span<float
 // subtractActive, and the class of the cells that are active in one grid only.
 void subtractWetDry(const DifGrid& first, const DifGrid& second, std::span<float> difference, std::span<float> wetDry);
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -7,15 +7,15 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::ops {
 
-void runFloodExtent(const RunSettings& settings, const InputFileList& inputs)
+void runFloodExtent(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
-    const auto kernel = [](const CellPiece& piece, InputPieces cells, OutputPieces output) {
+    const auto kernel = [](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
         markWet(cells[0], piece.nulls[0], output[0]);
     };
-    CellStory story(settings, inputs.first(1), {}, kernel);
-    const LoadedGrid loaded = story.load(
+    run::CellStory story(settings, inputs.first(1), {}, kernel);
+    const run::LoadedGrid loaded = story.load(
         1, {.opening = "Loading grid data...",
             .purpose = "storing input grid...",
             .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); }});
@@ -23,11 +23,11 @@ void runFloodExtent(const RunSettings& settings, const InputFileList& inputs)
     say("Creating flood extent.");
     story.compute("Processing Row:");
 
-    const std::string base = outputNameRule(settings, inputs[1], "_extent");
-    const std::int32_t format = outputFormatRule(settings, loaded.format);
+    const std::string base = run::outputNameRule(settings, inputs[1], "_extent");
+    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
     // The words of the transform; deliberate.
     say("Writing transformed values to: ", base);
     story.write(0, format, base, loaded.header, loaded.projectionText, settings.decimals);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

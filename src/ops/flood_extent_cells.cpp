@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 void markWet(std::span<const float> cells, float null, std::span<float> output)
 {
@@ -12,4 +12,4 @@ void markWet(std::span<const float> cells, float null, std::span<float> output)
              [null](float cell) { return ((cell == null) | (std::fabs(cell) < kWetFrom)) ? null : 1.0F; });
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -9,13 +9,14 @@
 #include <algorithm>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::ops {
 
-void runFuzzy(const RunSettings& settings, const InputFileList& inputs)
+void runFuzzy(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Loading header info...");
     const auto last = static_cast<std::size_t>(inputs.count()) - 1;
-    const auto kernel = [last](const CellPiece& piece, std::size_t i, std::span<const float> cells, OutputPieces kept) {
+    const auto kernel = [last](const run::CellPiece& piece, std::size_t i, std::span<const float> cells,
+                               run::OutputPieces kept) {
         const float null = piece.nulls[0];
         if (i == 0) {
             std::ranges::fill(kept[0], null);
@@ -25,21 +26,22 @@ void runFuzzy(const RunSettings& settings, const InputFileList& inputs)
             scaleCounts(static_cast<std::int32_t>(last + 1), null, kept[0]);
         }
     };
-    CellStory story(settings, inputs, {}, kernel);
+    run::CellStory story(settings, inputs, {}, kernel);
     const auto prepare = [&](const GridHeader& first) { story.allocate(0, first, "storing output grid..."); };
     const auto take = [&](std::int32_t i) {
         story.take(i, "Processing row:");
         say("   Done.");
     };
-    const LoadedGrid loaded = story.loadEach("storing input grid...", prepare, take);
+    const run::LoadedGrid loaded = story.loadEach("storing input grid...", prepare, take);
     const GridHeader& header = loaded.header;
     say("Scaling by number of files...");
-    overRows("Processing row:", header.nrows, header.ncols, [](const CellBlock&) {}); // done with the last grid
+    run::overRows("Processing row:", header.nrows, header.ncols,
+                  [](const run::CellBlock&) {}); // done with the last grid
 
-    const std::string base = outputNameRule(settings, inputs[1], "_fuzzy");
-    const std::int32_t format = outputFormatRule(settings, loaded.format);
+    const std::string base = run::outputNameRule(settings, inputs[1], "_fuzzy");
+    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
     say("Writing fuzzy values to: ", base);
     story.write(0, format, base, header, loaded.projectionText, settings.decimals);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -3,7 +3,7 @@
 #include "core/computed.h"
 #include "core/map_cells.h"
 
-namespace gridforge {
+namespace gridforge::ops {
 
 void countActiveCells(std::span<const float> cells, float null, std::span<float> counts)
 {
@@ -22,4 +22,4 @@ void scaleCounts(std::int32_t grids, float null, std::span<float> counts)
     });
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 // All with the first grid's null, which counts for every grid; deliberate. `counts` starts at null.
 
@@ -13,4 +13,4 @@ void countActiveCells(std::span<const float> cells, float null, std::span<float>
 // Counts to fractions of the number of grids; null stays.
 void scaleCounts(std::int32_t grids, float null, std::span<float> counts);
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
@@ -35,7 +35,7 @@ void checkOrder(const ClassTable& bins)
 }
 
 // With -out the table has no name, and the run ends where it would be opened; deliberate.
-std::string tableName(const RunSettings& settings, const InputFileList& inputs)
+std::string tableName(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     if (settings.outputNameGiven) {
         say("Using output file name specified with -out switch: ", quoted(settings.outputName));
@@ -72,25 +72,26 @@ void writeTable(const std::string& name, const ClassTable& bins, std::span<const
 
 } // namespace
 
-void runHistogram(const RunSettings& settings, const InputFileList& inputs)
+void runHistogram(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Creating Historgram.");
     if (inputs.count() > 1) {
         fail("ERROR - Only a single grid file accepetd for \"-histogram\" option.");
     }
     Grid input;
-    const LoadSteps steps{.opening = "Loading grid data...",
-                          .purpose = "storing input grid...",
-                          .reading = "Reading data...",
-                          .done = "   Done."};
-    const GridHeader header = loadGrid(inputs[1], steps, input).header;
+    const run::LoadSteps steps{.opening = "Loading grid data...",
+                               .purpose = "storing input grid...",
+                               .reading = "Reading data...",
+                               .done = "   Done."};
+    const GridHeader header = run::loadGrid(inputs[1], steps, input).header;
 
     const ClassTable bins = readClassTable(settings.classFile, false, kWords);
     checkOrder(bins);
     const std::vector<float> limits = risingLimits(bins);
     std::vector<std::int64_t> counts(bins.size() + 1);
-    overRows("Processing Row:", header.nrows, header.ncols,
-             [&](const CellBlock& block) { countBins(cellsOf(input, block), header.null, limits, counts); });
+    run::overRows("Processing Row:", header.nrows, header.ncols, [&](const run::CellBlock& block) {
+        countBins(run::cellsOf(input, block), header.null, limits, counts);
+    });
     say("   Done.");
     const std::int64_t total = std::accumulate(counts.begin(), counts.end(), std::int64_t{0});
     say("Found ", total, " non-null values.");
@@ -98,4 +99,4 @@ void runHistogram(const RunSettings& settings, const InputFileList& inputs)
     writeTable(tableName(settings, inputs), bins, counts, total);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

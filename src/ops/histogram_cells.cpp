@@ -6,7 +6,7 @@
 #include <cassert>
 #include <cstddef>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 void countBins(std::span<const float> cells, float null, std::span<const float> limits, std::span<std::int64_t> counts)
 {
@@ -27,4 +27,4 @@ void countBins(std::span<const float> cells, float null, std::span<const float> 
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -7,29 +7,30 @@
 #include "run/legend.h"
 #include "run/outputs.h"
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
 constexpr std::size_t kExtreme = 0;
 constexpr std::size_t kSource = 1;
 
-FoldKernel kernelOf(const RunSettings& settings)
+run::FoldKernel kernelOf(const run::RunSettings& settings)
 {
-    return [&settings](const CellPiece& piece, std::size_t i, std::span<const float> cells, OutputPieces kept) {
-        const Taken taken{cells, piece.nulls[i], static_cast<float>(i + 1)};
-        const std::span<float> sources = settings.src ? std::span<float>() : kept[kSource];
-        if (i == 0) {
-            startExtremes(taken, settings.max, piece.nulls[0], kept[kExtreme], sources);
-        } else {
-            takeExtremes(taken, settings.max, kept[kExtreme], sources);
-        }
-    };
+    return
+        [&settings](const run::CellPiece& piece, std::size_t i, std::span<const float> cells, run::OutputPieces kept) {
+            const Taken taken{cells, piece.nulls[i], static_cast<float>(i + 1)};
+            const std::span<float> sources = settings.src ? std::span<float>() : kept[kSource];
+            if (i == 0) {
+                startExtremes(taken, settings.max, piece.nulls[0], kept[kExtreme], sources);
+            } else {
+                takeExtremes(taken, settings.max, kept[kExtreme], sources);
+            }
+        };
 }
 
 } // namespace
 
-void runMaxMin(const RunSettings& settings, const InputFileList& inputs)
+void runMaxMin(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     const bool maximum = settings.max;
     say("Processing \"-", maximum ? "max" : "min", "\" option.");
@@ -37,7 +38,7 @@ void runMaxMin(const RunSettings& settings, const InputFileList& inputs)
         say("Supressing source grid following \"-src\" option.");
     }
 
-    CellStory story(settings, inputs, {.grids = settings.src ? 1U : 2U}, kernelOf(settings));
+    run::CellStory story(settings, inputs, {.grids = settings.src ? 1U : 2U}, kernelOf(settings));
     const auto allocateKept = [&](const GridHeader& first) {
         story.allocate(kExtreme, first, "storing maximum / minimum values data...");
         if (!settings.src) {
@@ -51,8 +52,8 @@ void runMaxMin(const RunSettings& settings, const InputFileList& inputs)
     };
     const auto [first, firstFormat, projectionText] = story.loadEach("external grid...", allocateKept, take);
 
-    const std::string base = outputNameRule(settings, inputs[1], maximum ? "(maxmax)" : "(minmin)");
-    const std::int32_t format = outputFormatRule(settings, firstFormat);
+    const std::string base = run::outputNameRule(settings, inputs[1], maximum ? "(maxmax)" : "(minmin)");
+    const std::int32_t format = run::outputFormatRule(settings, firstFormat);
     say("Writing maximum / minimum values to: ", base);
     story.write(kExtreme, format, base, first, projectionText, settings.decimals);
     if (settings.src) {
@@ -60,7 +61,7 @@ void runMaxMin(const RunSettings& settings, const InputFileList& inputs)
     }
     say("Writing maximum / minimum source file to: ", base, "_src");
     story.write(kSource, format, base + "_src", first, projectionText, settings.decimals);
-    writeSourceLegend(base + "_src_legend.csv", inputs);
+    run::writeSourceLegend(base + "_src_legend.csv", inputs);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -6,7 +6,7 @@
 #include <cassert>
 #include <cstddef>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
@@ -71,4 +71,4 @@ void startExtremes(const Taken& first, bool maximum, float null, std::span<float
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

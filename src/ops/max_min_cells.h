@@ -3,7 +3,7 @@
 
 #include <span>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 // For one grid after the other. `current` and `null` are the cells and the null of the grid being taken, `extreme`
 // and `sources` what is kept of all grids so far; `sources` may be empty. Cells equal to `null` do not count, and of equal
@@ -30,4 +30,4 @@ void takeExtremes(const Taken& taken, bool maximum, std::span<float> extreme, st
 // The same for the first grid: what is kept is assigned, and `null` where no cell enters.
 void startExtremes(const Taken& first, bool maximum, float null, std::span<float> extreme, std::span<float> sources);
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -11,11 +11,11 @@
 #include <algorithm>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
-void checkRequest(const RunSettings& settings, const InputFileList& inputs)
+void checkRequest(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     if (inputs.count() > 1) {
         fail("ERROR - More than one grid file specified with the resize option.");
@@ -47,15 +47,15 @@ GridHeader resizedHeader(const GridHeader& header, const Tiling& tiling, double 
 
 } // namespace
 
-void runResize(const RunSettings& settings, const InputFileList& inputs)
+void runResize(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Resizing grid.");
     checkRequest(settings, inputs);
     const std::int32_t factor = settings.resizeFactor;
 
     Grid input;
-    const LoadedGrid loaded =
-        loadGrid(inputs[1], {.opening = "Loading grid data...", .purpose = "storing input grid..."}, input);
+    const run::LoadedGrid loaded =
+        run::loadGrid(inputs[1], {.opening = "Loading grid data...", .purpose = "storing input grid..."}, input);
     const GridHeader& header = loaded.header;
 
     const double newSize = static_cast<double>(static_cast<float>(factor)) * header.cellsize8;
@@ -63,28 +63,28 @@ void runResize(const RunSettings& settings, const InputFileList& inputs)
     const GridHeader resized = resizedHeader(header, tiling, newSize);
     saySizes(header, factor, newSize);
     Grid output;
-    allocateGrid(output, resized, "storing output grid...");
+    grid::allocateGrid(output, resized, "storing output grid...");
 
-    const auto tilesOf = settings.resizeMethod == ResizeMethod::average   ? averageTiles
-                         : settings.resizeMethod == ResizeMethod::minimum ? minimumTiles
-                                                                          : maximumTiles;
+    const auto tilesOf = settings.resizeMethod == run::ResizeMethod::average   ? averageTiles
+                         : settings.resizeMethod == run::ResizeMethod::minimum ? minimumTiles
+                                                                               : maximumTiles;
     sayOpen("Processing Output Row:");
     for (std::int32_t done = 0; done < tiling.rows;) {
-        const CellRows tileRows{done + 1, done + std::min(kProgressRows, tiling.rows - done)};
+        const CellRows tileRows{done + 1, done + std::min(run::kProgressRows, tiling.rows - done)};
         const CellRows rows = tiledRows(tiling, tileRows);
-        tilesOf(rowsOf(input, rows.first, rows.last), header.null, tiling, tileRows,
-                rowsOf(output, tileRows.first, tileRows.last));
+        tilesOf(run::rowsOf(input, rows.first, rows.last), header.null, tiling, tileRows,
+                run::rowsOf(output, tileRows.first, tileRows.last));
         done = tileRows.last;
-        if (done % kProgressRows == 0) {
+        if (done % run::kProgressRows == 0) {
             progress(done);
         }
     }
     endLine();
 
-    const std::string base = outputNameRule(settings, inputs[1], join("_resize", factor));
-    const std::int32_t format = outputFormatRule(settings, loaded.format);
+    const std::string base = run::outputNameRule(settings, inputs[1], join("_resize", factor));
+    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
     say("Writing resized grid to: ", base);
-    writeGrid(format, base, resized, output, loaded.projectionText, settings.decimals);
+    grid::writeGrid(format, base, resized, output, loaded.projectionText, settings.decimals);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -4,8 +4,8 @@
 #include "run/inputs.h"
 #include "run/run_settings.h"
 
-namespace gridforge {
+namespace gridforge::ops {
 
-void runResize(const RunSettings& settings, const InputFileList& inputs);
+void runResize(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::ops

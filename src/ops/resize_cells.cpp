@@ -11,7 +11,7 @@
 #include <limits>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
@@ -181,4 +181,4 @@ void maximumTiles(std::span<const float> cells, float null, const Tiling& tiling
     fillTiles<Maximum>(cells, null, tiling, tileRows, output);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 // How tiles of factor by factor cells cover a grid, from its south-west corner. The last tile of a row or column holds
 // what rests.
@@ -47,4 +47,4 @@ void minimumTiles(std::span<const float> cells, float null, const Tiling& tiling
 void maximumTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
                   std::span<float> output);
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -12,19 +12,19 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
 // All grids of the run, and how the results are written.
 struct StatRun {
     GridHeader first;
-    std::int32_t firstFormat = kFormatAsc;
+    std::int32_t firstFormat = grid::kFormatAsc;
     std::string projectionText; // of the last grid
     std::vector<Grid> grids;
     std::vector<std::span<const float>> cells; // of each grid
     std::string base;
-    std::int32_t format = kFormatAsc;
+    std::int32_t format = grid::kFormatAsc;
     std::int32_t decimals = 0;
 };
 
@@ -74,7 +74,7 @@ void checkCount(std::int32_t grids)
     say("Processing stats from ", grids, " grids.");
 }
 
-RankList settleRanks(const RunSettings& settings, std::int32_t grids)
+RankList settleRanks(const run::RunSettings& settings, std::int32_t grids)
 {
     RankList list{settings.statRanks, 0};
     if (settings.statRankAll) {
@@ -104,7 +104,7 @@ void allocateAll(const GridHeader& first, StatRun& run)
     }
 }
 
-void requireSameNull(const GridHeader& header, const InputFileList& inputs, std::int32_t i, const StatRun& run)
+void requireSameNull(const GridHeader& header, const run::InputFileList& inputs, std::int32_t i, const StatRun& run)
 {
     constexpr float kNullTolerance = 0.01F;
     if (std::fabs(header.null - run.first.null) > kNullTolerance) {
@@ -112,7 +112,7 @@ void requireSameNull(const GridHeader& header, const InputFileList& inputs, std:
     }
 }
 
-LoadSteps stepsOf(const InputFileList& inputs, std::int32_t i, StatRun& run)
+run::LoadSteps stepsOf(const run::InputFileList& inputs, std::int32_t i, StatRun& run)
 {
     if (i == 1) {
         return {.prepare = [&](const GridHeader& first) { allocateAll(first, run); }};
@@ -121,12 +121,12 @@ LoadSteps stepsOf(const InputFileList& inputs, std::int32_t i, StatRun& run)
             .prepare = [&inputs, i, &run](const GridHeader& header) { requireSameNull(header, inputs, i, run); }};
 }
 
-void readAll(const InputFileList& inputs, StatRun& run)
+void readAll(const run::InputFileList& inputs, StatRun& run)
 {
     run.grids.resize(static_cast<std::size_t>(inputs.count()));
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         Grid& grid = run.grids[static_cast<std::size_t>(i - 1)];
-        const LoadedGrid loaded = loadGrid(inputs[i], stepsOf(inputs, i, run), grid);
+        const run::LoadedGrid loaded = run::loadGrid(inputs[i], stepsOf(inputs, i, run), grid);
         if (i == 1) {
             run.first = loaded.header;
             run.firstFormat = loaded.format;
@@ -141,7 +141,7 @@ void write(const StatRun& run, std::string_view announced, std::string_view suff
 {
     const std::string name = join(run.base, suffix);
     say(announced, name);
-    writeGrid(run.format, name, run.first, cells, run.projectionText, run.decimals);
+    grid::writeGrid(run.format, name, run.first, cells, run.projectionText, run.decimals);
 }
 
 void doMinimum(const StatRun& run, ValueAndSource& result)
@@ -214,7 +214,7 @@ void doFraction(const StatRun& run, ValueAndSource& result)
 
 } // namespace
 
-void runStat(const RunSettings& settings, const InputFileList& inputs)
+void runStat(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Processing Grid Stats.");
     checkCount(inputs.count());
@@ -222,10 +222,10 @@ void runStat(const RunSettings& settings, const InputFileList& inputs)
 
     StatRun run;
     readAll(inputs, run);
-    run.base = outputNameRule(settings, inputs[1], "");
-    run.format = outputFormatRule(settings, run.firstFormat);
+    run.base = run::outputNameRule(settings, inputs[1], "");
+    run.format = run::outputFormatRule(settings, run.firstFormat);
     run.decimals = settings.decimals;
-    writeSourceLegend(run.base + "_Src_legend.csv", inputs);
+    run::writeSourceLegend(run.base + "_Src_legend.csv", inputs);
 
     // One pair of arrays serves all statistics but the ranks.
     ValueAndSource result = allocatePair(run.first);
@@ -250,4 +250,4 @@ void runStat(const RunSettings& settings, const InputFileList& inputs)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

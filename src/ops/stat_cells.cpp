@@ -11,7 +11,7 @@
 #include <limits>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 namespace {
 
@@ -429,4 +429,4 @@ void findRanks(CellStack grids, float null, std::span<const RankResult> results)
     });
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

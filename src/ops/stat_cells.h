@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 inline constexpr std::int32_t kMaxStatGrids = 10;
 
@@ -42,4 +42,4 @@ struct SortedCell {
 // values of that size and cells that are not numbers give way to it; the results depend on that.
 SortedCell sortCell(std::span<const float> values);
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -10,9 +10,9 @@
 
 #include <string>
 
-namespace gridforge {
+namespace gridforge::ops {
 
-void runTransform(const RunSettings& settings, const InputFileList& inputs)
+void runTransform(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     constexpr int kWidth = 10;
     constexpr int kDecimals = 4;
@@ -20,11 +20,11 @@ void runTransform(const RunSettings& settings, const InputFileList& inputs)
     say("Multiplier (m) = ", realField(settings.transformM, kWidth, kDecimals));
     say("Add Value  (c) = ", realField(settings.transformC, kWidth, kDecimals));
 
-    const auto kernel = [&settings](const CellPiece& piece, InputPieces cells, OutputPieces output) {
+    const auto kernel = [&settings](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
         transformCells(cells[0], settings.transformM, settings.transformC, piece.nulls[0], output[0]);
     };
-    CellStory story(settings, inputs.first(1), {}, kernel);
-    const LoadedGrid loaded = story.load(
+    run::CellStory story(settings, inputs.first(1), {}, kernel);
+    const run::LoadedGrid loaded = story.load(
         1, {.purpose = "storing input grid...",
             .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
             .reading = join("Reading: ", inputs[1])});
@@ -33,15 +33,15 @@ void runTransform(const RunSettings& settings, const InputFileList& inputs)
     story.compute("Processing Row:");
     say("Done");
 
-    const std::string base = outputNameRule(settings, inputs[1], "_trans");
-    const std::int32_t format = outputFormatRule(settings, loaded.format);
+    const std::string base = run::outputNameRule(settings, inputs[1], "_trans");
+    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
     say("Writing transformed values to: ", base);
     story.write(0, format, base, loaded.header, loaded.projectionText, settings.decimals);
 }
 
 namespace {
 
-void settleMultiplyInputs(RunSettings& settings, InputFileList& inputs)
+void settleMultiplyInputs(run::RunSettings& settings, run::InputFileList& inputs)
 {
     if (inputs.count() == 1) {
         fail("ERROR - Multiply function requires two input grids.");
@@ -61,24 +61,24 @@ void settleMultiplyInputs(RunSettings& settings, InputFileList& inputs)
 
 } // namespace
 
-void runMultiply(const RunSettings& givenSettings, const InputFileList& givenInputs)
+void runMultiply(const run::RunSettings& givenSettings, const run::InputFileList& givenInputs)
 {
-    RunSettings settings = givenSettings;
-    InputFileList inputs = givenInputs;
+    run::RunSettings settings = givenSettings;
+    run::InputFileList inputs = givenInputs;
     say("Processing multiply option.");
     settleMultiplyInputs(settings, inputs);
 
-    const auto kernel = [](const CellPiece& piece, InputPieces cells, OutputPieces output) {
+    const auto kernel = [](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
         multiplyCells(cells[0], piece.nulls[0], cells[1], piece.nulls[1], output[0]);
     };
-    CellStory story(settings, inputs, {}, kernel);
-    const LoadedGrid first = story.load(
+    run::CellStory story(settings, inputs, {}, kernel);
+    const run::LoadedGrid first = story.load(
         1, {.purpose = "storing grid 1...",
             .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
             .reading = join("Reading: ", inputs[1])});
     const GridHeader& header = first.header;
     story.allocateInput(2, header, "storing grid 2...");
-    const LoadedGrid second = story.load(2, {.match = &header, .reading = join("Reading: ", inputs[2])});
+    const run::LoadedGrid second = story.load(2, {.match = &header, .reading = join("Reading: ", inputs[2])});
 
     story.compute("Processing Row:");
     say("   Done.");
@@ -86,9 +86,9 @@ void runMultiply(const RunSettings& givenSettings, const InputFileList& givenInp
     // The second name comes with its folder, which then stands in the middle of the output's; deliberate.
     const std::string ruled = join(FILENAMEPATH(inputs[1]), "_mlt_", FILENAMEPATH(inputs[2]));
     const std::string base = specifiedNameOr(settings, ruled);
-    const std::int32_t format = outputFormatRule(settings, first.format);
+    const std::int32_t format = run::outputFormatRule(settings, first.format);
     say("Writing output to: ", base);
     story.write(0, format, base, header, second.projectionText, settings.decimals);
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -4,9 +4,9 @@
 #include "run/inputs.h"
 #include "run/run_settings.h"
 
-namespace gridforge {
+namespace gridforge::ops {
 
-void runTransform(const RunSettings& settings, const InputFileList& inputs);
-void runMultiply(const RunSettings& settings, const InputFileList& inputs);
+void runTransform(const run::RunSettings& settings, const run::InputFileList& inputs);
+void runMultiply(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::ops

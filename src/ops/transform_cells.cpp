@@ -3,7 +3,7 @@
 #include "core/computed.h"
 #include "core/map_cells.h"
 
-namespace gridforge {
+namespace gridforge::ops {
 
 void transformCells(std::span<const float> cells, float m, float c, float null, std::span<float> output)
 {
@@ -22,4 +22,4 @@ void multiplyCells(std::span<const float> first, float firstNull, std::span<cons
     });
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -3,7 +3,7 @@
 
 #include <span>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 // All spans are of one length, and every cell of `output` is assigned.
 
@@ -13,4 +13,4 @@ void transformCells(std::span<const float> cells, float m, float c, float null, 
 void multiplyCells(std::span<const float> first, float firstNull, std::span<const float> second, float secondNull,
                    std::span<float> output);
 
-} // namespace gridforge
+} // namespace gridforge::ops

@@ -5,9 +5,9 @@
 
 #include <cassert>
 
-namespace gridforge {
+namespace gridforge::ops {
 
-void takeThirdAsOutput(RunSettings& settings, InputFileList& inputs)
+void takeThirdAsOutput(run::RunSettings& settings, run::InputFileList& inputs)
 {
     assert(inputs.count() == 3);
     say("   Using third filename as output: ", quoted(inputs[3]), '.');
@@ -16,7 +16,7 @@ void takeThirdAsOutput(RunSettings& settings, InputFileList& inputs)
     inputs.dropLast();
 }
 
-std::string specifiedNameOr(const RunSettings& settings, std::string_view ruled)
+std::string specifiedNameOr(const run::RunSettings& settings, std::string_view ruled)
 {
     if (!settings.outputNameGiven) {
         return cut(ruled, kNameWidth);
@@ -25,4 +25,4 @@ std::string specifiedNameOr(const RunSettings& settings, std::string_view ruled)
     return settings.outputName;
 }
 
-} // namespace gridforge
+} // namespace gridforge::ops

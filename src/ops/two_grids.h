@@ -7,13 +7,13 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::ops {
 
 // Announces input 3 as the output name and takes it off the list. The name keeps its extension, so the written file has
 // it twice ("c.asc.asc"); deliberate, as is that the file must exist to have come through the expansion.
-void takeThirdAsOutput(RunSettings& settings, InputFileList& inputs);
+void takeThirdAsOutput(run::RunSettings& settings, run::InputFileList& inputs);
 
 // The output name given, announced, or else `ruled`.
-std::string specifiedNameOr(const RunSettings& settings, std::string_view ruled);
+std::string specifiedNameOr(const run::RunSettings& settings, std::string_view ruled);
 
-} // namespace gridforge
+} // namespace gridforge::ops

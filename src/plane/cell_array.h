@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 // Cells by (row, column), both from 1, row 1 in the south and column 1 in the west. In memory the rows lie as in the
 // files, north row first, each from west to east.
@@ -60,4 +60,4 @@ private:
 
 using Grid = CellArray<float>;
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

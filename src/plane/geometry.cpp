@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <numbers>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 namespace {
 
@@ -265,4 +265,4 @@ SubGridArea SET_SUB_GRID_AREA(std::span<const float> u, std::span<const float> v
     return area;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

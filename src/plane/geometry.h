@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 // --- Angles in degrees -----------------------------------------------------------------------------------------------
 
@@ -134,4 +134,4 @@ struct SubGridArea {
 SubGridArea SET_SUB_GRID_AREA(std::span<const float> u, std::span<const float> v, float size, std::int32_t rows,
                               std::int32_t columns);
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

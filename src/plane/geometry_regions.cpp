@@ -4,7 +4,7 @@
 #include <cassert>
 #include <cmath>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 namespace {
 
@@ -32,7 +32,7 @@ bool segmentsMeet(Real x1, Real y1, Real x2, Real y2, Real x3, Real y3, Real x4,
 }
 
 template <typename Real>
-struct Crossings {
+struct RayCrossings {
     Real px;
     Real py;
     Real rayStart;
@@ -61,7 +61,7 @@ bool inside(Real px, Real py, std::span<const Real> x, std::span<const Real> y, 
 {
     assert(np >= 0 && x.size() >= static_cast<std::size_t>(np) && y.size() >= static_cast<std::size_t>(np));
     assert(nr >= 0 && ir.size() >= static_cast<std::size_t>(nr));
-    Crossings<Real> crossings{px, py, xmin - Real{10}};
+    RayCrossings<Real> crossings{px, py, xmin - Real{10}};
     walkRings(np, ir, nr, [&](std::size_t second, std::size_t end) {
         if (y[second - 1] == py) {
             crossings.previousY = yAheadOfSecond(y, second, end);
@@ -123,4 +123,4 @@ float POLYGON_AREA(std::span<const double> x, std::span<const double> y)
     return std::abs(static_cast<float>(sum)) * 0.5F;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

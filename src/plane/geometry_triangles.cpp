@@ -4,7 +4,7 @@
 #include <cassert>
 #include <cmath>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 namespace {
 
@@ -186,4 +186,4 @@ bool INTERPOLATE_ELEMENT_8(double px, double py, std::span<const double> x, std:
     return count > 0;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 inline constexpr float kDefaultNull = -9999.0F;
 inline constexpr double kUnsetCorner = -99999.0;
@@ -24,4 +24,4 @@ struct GridHeader {
     double y(std::int32_t row) const { return yll + (static_cast<double>(row) - 0.5) * cellsize8; }
 };
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

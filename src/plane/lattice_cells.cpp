@@ -9,7 +9,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 namespace {
 
@@ -182,4 +182,4 @@ StraightWalk straightWalk(const LatticeCell& from, const LatticeCell& to)
     return {static_cast<float>(rows) / longer, static_cast<float>(columns) / longer, steps};
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 struct LatticeCell {
     std::int32_t row = 0; // from 1, in the south
@@ -66,4 +66,4 @@ struct StraightWalk {
 };
 StraightWalk straightWalk(const LatticeCell& from, const LatticeCell& to);
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

@@ -15,7 +15,7 @@
 // lie above or below the row count only where a product gets too small for single precision; such places are tested point
 // by point.
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 namespace {
 
@@ -386,4 +386,4 @@ void insideRegionRuns(const PreparedRegion& region, double py, std::span<const d
     turns.resolve();
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

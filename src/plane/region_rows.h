@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 struct RegionEdge {
     double x1 = 0;
@@ -53,4 +53,4 @@ void insideRegionRuns(const PreparedRegion& region, double py, std::span<const d
 void insideRegionRow(const PreparedRegion& region, double py, std::span<const double> px,
                      std::span<std::uint8_t> inside);
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

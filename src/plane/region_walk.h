@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 // Calls `ring(second, end)` for each ring, vertices counted from 1: its edges start at the vertices from its second to its
 // closing one, and the last of them ends in the slot behind. A ring whose end does not lie between its second vertex and
@@ -41,4 +41,4 @@ Real yAheadOfSecond(std::span<const Real> y, std::size_t second, std::size_t end
     return own;
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

@@ -1,10 +1,10 @@
 #include "plane/triangle.h"
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 float interpolateTriangleApex(const TrianglePoint& point, const Triangle& triangle)
 {
     return interpolatePrepared(point, prepareTriangle(triangle));
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

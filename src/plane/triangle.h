@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-namespace gridforge {
+namespace gridforge::inline plane {
 
 // Place in the plane.
 struct TrianglePoint {
@@ -81,4 +81,4 @@ inline float interpolatePrepared(const TrianglePoint& point, const PreparedTrian
 // along that line. Places in double, values in single precision. A point outside the triangle is extrapolated.
 float interpolateTriangleApex(const TrianglePoint& point, const Triangle& triangle);
 
-} // namespace gridforge
+} // namespace gridforge::inline plane

@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 namespace {
 
@@ -58,9 +58,9 @@ void readSize(const ControlLine& line, RfSettings& settings)
 void readFormat(const ControlLine& line, RfSettings& settings)
 {
     if (FLAGEXISTS(line.value, "ASC")) {
-        settings.format = kFormatAsc;
+        settings.format = grid::kFormatAsc;
     } else if (FLAGEXISTS(line.value, "FLT")) {
-        settings.format = kFormatFlt;
+        settings.format = grid::kFormatFlt;
     } else if (FLAGEXISTS(line.value, "NC")) {
         settings.format = kFormatNc;
     } else {
@@ -197,4 +197,4 @@ GridHeader settleRfGrid(const RfSettings& settings)
     return grid;
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 // Beside the formats of grids.
 inline constexpr std::int32_t kFormatNc = 3;
@@ -26,20 +26,14 @@ struct RfSettings {
     std::int32_t columns = 0; // M
     double xOrigin = 0.0;
     double yOrigin = 0.0;
-    std::int32_t format = kFormatAsc;
+    std::int32_t format = grid::kFormatAsc;
     RfMethod method = RfMethod::none;
     std::int32_t idwMaxPoints = 0; // 0: all
     float idwMaxDistance = -99.0F; // below 0.001: no limit
     float idwExponent = 2.0F;
 };
 
-struct ControlLine {
-    std::string text;
-    std::string command; // as it stands before the "=="
-    std::string value;   // trimmed
-};
-
-// Calls `work` with each line of the open control file that has content.
+// Calls `work` with each line of the open control file that has content, its value trimmed.
 template <typename Work>
 void forEachCommand(Unit unit, Work&& work)
 {
@@ -63,4 +57,4 @@ RfSettings readRfCommands(const std::string& controlFile, RfHyetographs& hyetogr
 // Rows, columns, corner, cell size and null of the rainfall grids; a size that does not make a grid ends the run.
 GridHeader settleRfGrid(const RfSettings& settings);
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

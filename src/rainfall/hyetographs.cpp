@@ -10,7 +10,7 @@
 #include <cmath>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 namespace {
 
@@ -141,4 +141,4 @@ std::int32_t findHyetograph(const std::string& name, const RfHyetographs& hyetog
     return found == records.end() ? 0 : static_cast<std::int32_t>(found - records.begin()) + 1;
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

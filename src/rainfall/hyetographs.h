@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 inline constexpr std::size_t kRfNameWidth = 100;
 
@@ -39,4 +39,4 @@ std::int32_t findHyetograph(const std::string& name, const RfHyetographs& hyetog
 // Ends the run over more hyetographs or more points than there may be.
 [[noreturn]] void failTooManyLocations(std::int32_t maximum);
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

@@ -13,7 +13,7 @@
 #include <limits>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 namespace {
 
@@ -291,4 +291,4 @@ void rf_idw_weights(const GridHeader& grid, const RfPoints& points, RfIdwTables&
     say("Done");
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 // How a run weighs its points.
 struct RfIdwMethod {
@@ -49,4 +49,4 @@ void allocateTables(const GridHeader& grid, const RfIdwMethod& method, std::int3
 // Fills the tables.
 void rf_idw_weights(const GridHeader& grid, const RfPoints& points, RfIdwTables& tables);
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 // Says what `cellBytes` for each cell come to, in the 32-bit arithmetic that memory figures have: it wraps. (The figure
 // of the rainfall grids themselves is the one that is made in 64 bits.)
@@ -17,4 +17,4 @@ inline void sayMethodMemory(const GridHeader& grid, std::uint32_t cellBytes)
     say("Memory required: ", static_cast<std::int32_t>(bytes) / 1000, "kB");
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

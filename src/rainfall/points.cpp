@@ -7,7 +7,7 @@
 
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 namespace {
 
@@ -82,4 +82,4 @@ void rf_match_points(const RfHyetographs& hyetographs, RfPoints& points)
     say("   Done");
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 // The name of a hyetograph and the factors of its depths: what the record of a point or polygon holds.
 struct RfRecord {
@@ -42,4 +42,4 @@ void rf_read_points(const std::string& layerName, RfPoints& points);
 // Gives each point the number of its hyetograph; a name that no hyetograph has ends the run.
 void rf_match_points(const RfHyetographs& hyetographs, RfPoints& points);
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

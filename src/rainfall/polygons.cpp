@@ -7,23 +7,18 @@
 #include "host/ends.h"
 #include "host/units.h"
 #include "plane/region_rows.h"
+#include "rainfall/cell_range.h"
 #include "rainfall/control_file.h"
 #include "rainfall/single_rings.h"
 
 #include <algorithm>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 // --- The kernel ------------------------------------------------------------------------------------------------------
 
 namespace {
-
-// Rows or columns from 1, both ends included; empty where `from` is greater.
-struct CellRange {
-    std::int32_t from = 1;
-    std::int32_t to = 0;
-};
 
 CellRange rangeOf(double low, double high, double origin, const GridHeader& grid, std::int32_t cells)
 {
@@ -153,8 +148,8 @@ void writeTables(const GridHeader& grid, const RfPolygonTables& tables)
     }
     std::ranges::transform(tables.index.cells(), numbers.cells().begin(),
                            [](std::int32_t number) { return static_cast<float>(number); });
-    writeGrid(kFormatAsc, "rf_index", grid, numbers, "", kDecimals);
-    writeGrid(kFormatAsc, "rf_fac", grid, tables.factor, "", kDecimals);
+    grid::writeGrid(grid::kFormatAsc, "rf_index", grid, numbers, "", kDecimals);
+    grid::writeGrid(grid::kFormatAsc, "rf_fac", grid, tables.factor, "", kDecimals);
 }
 
 } // namespace
@@ -195,4 +190,4 @@ void rf_set_polygons(const std::string& controlFile, const RfPoints& points, con
     CLOSER(unit);
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 struct RfPolygonTables {
     CellArray<std::int32_t> index; // the number of the hyetograph; 0 and below: no rain
@@ -39,4 +39,4 @@ std::int64_t paintRegion(const RfRegion& region, const GridHeader& grid, std::in
 void rf_set_polygons(const std::string& controlFile, const RfPoints& points, const RfHyetographs& hyetographs,
                      const GridHeader& grid, RfPolygonTables& tables);
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

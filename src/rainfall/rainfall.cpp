@@ -25,7 +25,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 namespace {
 
@@ -38,7 +38,7 @@ struct Rainfall {
     RfPoints points;
     GridHeader grid;
     RfGrids grids;
-    std::int32_t decimals = kDefaultDecimals;
+    std::int32_t decimals = grid::kDefaultDecimals;
 };
 
 // Works out one time step from what a method has prepared.
@@ -77,7 +77,7 @@ void writeTriangleNumbers(Rainfall& rain, const RfTinTables& tables)
 {
     std::ranges::transform(tables.triangle.cells(), rain.grids.step.cells().begin(),
                            [](std::int32_t number) { return static_cast<float>(number); });
-    writeGrid(kFormatAsc, "rf_giit", rain.grid, rain.grids.step, "", rain.decimals);
+    grid::writeGrid(grid::kFormatAsc, "rf_giit", rain.grid, rain.grids.step, "", rain.decimals);
 }
 
 StepRoutine prepareTin(Rainfall& rain, RfTinTables& tables)
@@ -117,15 +117,15 @@ StepRoutine prepareIdw(Rainfall& rain, RfIdwTables& tables)
 
 // --- The outputs -----------------------------------------------------------------------------------------------------
 
-struct Outputs {
+struct SeriesOutputs {
     std::string base;
     Unit index = 0;
     RfNcRecord nc;
 };
 
-Outputs openOutputs(const Rainfall& rain)
+SeriesOutputs openOutputs(const Rainfall& rain)
 {
-    Outputs outputs;
+    SeriesOutputs outputs;
     outputs.base = FILENAMEPATH(rain.controlFile);
     OPENER(outputs.index, "O ", join(outputs.base, "_index.csv"));
     if (rain.settings.format == kFormatNc) {
@@ -134,7 +134,7 @@ Outputs openOutputs(const Rainfall& rain)
     return outputs;
 }
 
-void writeStep(const Rainfall& rain, const Outputs& outputs, std::size_t step, float time)
+void writeStep(const Rainfall& rain, const SeriesOutputs& outputs, std::size_t step, float time)
 {
     constexpr int kTimeDecimals = 3;
     if (rain.settings.format == kFormatNc) {
@@ -142,12 +142,12 @@ void writeStep(const Rainfall& rain, const Outputs& outputs, std::size_t step, f
         return;
     }
     const std::string name = join(outputs.base, "_t", AREAL(time));
-    const std::string extension = rain.settings.format == kFormatAsc ? ".asc" : ".flt";
+    const std::string extension = rain.settings.format == grid::kFormatAsc ? ".asc" : ".flt";
     writeLine(outputs.index, join(fixedText(static_cast<double>(time), kTimeDecimals), ",", name, extension));
-    writeGrid(rain.settings.format, name, rain.grid, rain.grids.step, "", rain.decimals);
+    grid::writeGrid(rain.settings.format, name, rain.grid, rain.grids.step, "", rain.decimals);
 }
 
-void writeTotal(const Rainfall& rain, Outputs& outputs)
+void writeTotal(const Rainfall& rain, SeriesOutputs& outputs)
 {
     CLOSER(outputs.index);
     if (rain.settings.format == kFormatNc) {
@@ -155,7 +155,8 @@ void writeTotal(const Rainfall& rain, Outputs& outputs)
         closeRainfallNc(outputs.nc);
         return;
     }
-    writeGrid(rain.settings.format, join(outputs.base, "_total"), rain.grid, rain.grids.cumulative, "", rain.decimals);
+    grid::writeGrid(rain.settings.format, join(outputs.base, "_total"), rain.grid, rain.grids.cumulative, "",
+                    rain.decimals);
 }
 
 // --- The control file ------------------------------------------------------------------------------------------------
@@ -181,7 +182,7 @@ void readControlFile(Rainfall& rain)
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runRainfall(const RunSettings& settings, const InputFileList& inputs)
+void runRainfall(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Rainfall interpolation to grid.");
     if (inputs.count() > 1) {
@@ -196,7 +197,7 @@ void runRainfall(const RunSettings& settings, const InputFileList& inputs)
     rain.grid = settleRfGrid(rain.settings);
     allocateGrids(rain);
 
-    Outputs outputs = openOutputs(rain);
+    SeriesOutputs outputs = openOutputs(rain);
     RfPolygonTables polygons;
     RfTinTables tin;
     RfIdwTables idw;
@@ -217,4 +218,4 @@ void runRainfall(const RunSettings& settings, const InputFileList& inputs)
     writeTotal(rain, outputs);
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

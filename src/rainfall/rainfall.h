@@ -4,8 +4,8 @@
 #include "run/inputs.h"
 #include "run/run_settings.h"
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
-void runRainfall(const RunSettings& settings, const InputFileList& inputs);
+void runRainfall(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

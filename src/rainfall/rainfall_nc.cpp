@@ -11,47 +11,47 @@
 #include <array>
 #include <netcdf.h>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 namespace {
 
-constexpr std::array<NetcdfText, 4> kFileTexts{{{"title", "Gridded Rainfall"},
-                                                {"source", "gridforge utility"},
-                                                {"references", "Not completed yet"},
-                                                {"comment", "nothing yet"}}};
-constexpr std::array<NetcdfText, 4> kTimeTexts{
+constexpr std::array<netcdf::NetcdfText, 4> kFileTexts{{{"title", "Gridded Rainfall"},
+                                                        {"source", "gridforge utility"},
+                                                        {"references", "Not completed yet"},
+                                                        {"comment", "nothing yet"}}};
+constexpr std::array<netcdf::NetcdfText, 4> kTimeTexts{
     {{"standard_name", "time"}, {"long_name", "time"}, {"units", "hours"}, {"axis", "T"}}};
-constexpr std::array<NetcdfText, 4> kYTexts{{{"standard_name", "projection_y_coordinate"},
-                                             {"long_name", "y-coordinate in cartesian system"},
-                                             {"units", "m"},
-                                             {"axis", "Y"}}};
-constexpr std::array<NetcdfText, 4> kXTexts{{{"standard_name", "projection_x_coordinate"},
-                                             {"long_name", "x-coordinate in cartesian system"},
-                                             {"units", "m"},
-                                             {"axis", "X"}}};
+constexpr std::array<netcdf::NetcdfText, 4> kYTexts{{{"standard_name", "projection_y_coordinate"},
+                                                     {"long_name", "y-coordinate in cartesian system"},
+                                                     {"units", "m"},
+                                                     {"axis", "Y"}}};
+constexpr std::array<netcdf::NetcdfText, 4> kXTexts{{{"standard_name", "projection_x_coordinate"},
+                                                     {"long_name", "x-coordinate in cartesian system"},
+                                                     {"units", "m"},
+                                                     {"axis", "X"}}};
 
 void defineDimensions(const GridHeader& grid, RfNcRecord& record)
 {
     record.xDimension =
-        defineNetcdfDimension(record.file, "x", static_cast<std::size_t>(grid.ncols), "nf90_def_dim(x)");
+        netcdf::defineNetcdfDimension(record.file, "x", static_cast<std::size_t>(grid.ncols), "nf90_def_dim(x)");
     record.yDimension =
-        defineNetcdfDimension(record.file, "y", static_cast<std::size_t>(grid.nrows), "nf90_def_dim(y)");
-    record.timeDimension = defineNetcdfDimension(record.file, "time", NC_UNLIMITED, "nf90_def_dim(time)");
+        netcdf::defineNetcdfDimension(record.file, "y", static_cast<std::size_t>(grid.nrows), "nf90_def_dim(y)");
+    record.timeDimension = netcdf::defineNetcdfDimension(record.file, "time", NC_UNLIMITED, "nf90_def_dim(time)");
 }
 
-int defineAxis(int file, const char* name, int dimension, std::span<const NetcdfText> texts, std::string_view defining,
-               std::string_view describing)
+int defineAxis(int file, const char* name, int dimension, std::span<const netcdf::NetcdfText> texts,
+               std::string_view defining, std::string_view describing)
 {
     const std::array<int, 1> dimensions{dimension};
-    const int variable = defineNetcdfVariable(file, {name, NC_DOUBLE, dimensions}, defining);
-    putNetcdfTexts(file, variable, texts, describing);
+    const int variable = netcdf::defineNetcdfVariable(file, {name, NC_DOUBLE, dimensions}, defining);
+    netcdf::putNetcdfTexts(file, variable, texts, describing);
     return variable;
 }
 
 int defineCells(int file, const char* name, std::span<const int> dimensions, float null)
 {
-    const int variable = defineNetcdfVariable(file, {name, NC_FLOAT, dimensions}, "nf90_def_var(data)");
-    defineNetcdfFill(file, variable, null, "nf90_def_var_fill(data)");
+    const int variable = netcdf::defineNetcdfVariable(file, {name, NC_FLOAT, dimensions}, "nf90_def_var(data)");
+    netcdf::defineNetcdfFill(file, variable, null, "nf90_def_var_fill(data)");
     return variable;
 }
 
@@ -84,8 +84,8 @@ void putCoordinates(const GridHeader& grid, const RfNcRecord& record)
     }
     fillCentres(grid.xll, grid.cellsize8, x.all());
     fillCentres(grid.yll, grid.cellsize8, y.all());
-    putNetcdfValues(record.file, record.x, x.all(), "nf90_put_var (x)");
-    putNetcdfValues(record.file, record.y, y.all(), "nf90_put_var (y)");
+    netcdf::putNetcdfValues(record.file, record.x, x.all(), "nf90_put_var (x)");
+    netcdf::putNetcdfValues(record.file, record.y, y.all(), "nf90_put_var (y)");
 }
 
 } // namespace
@@ -93,35 +93,35 @@ void putCoordinates(const GridHeader& grid, const RfNcRecord& record)
 void rf_nc_init(const std::string& fileName, RfNcRecord& record, const GridHeader& grid)
 {
     say("Opening output .nc file: ", fileName);
-    record.file = createNetcdf(fileName, record.netcdf4 ? NC_NETCDF4 : NC_CLOBBER, "nf90_create");
+    record.file = netcdf::createNetcdf(fileName, record.netcdf4 ? NC_NETCDF4 : NC_CLOBBER, "nf90_create");
     say("Created NETCDF file ", quoted(fileName));
     defineDimensions(grid, record);
-    putNetcdfTexts(record.file, NC_GLOBAL, kFileTexts, "nf90_put_att");
+    netcdf::putNetcdfTexts(record.file, NC_GLOBAL, kFileTexts, "nf90_put_att");
     defineVariables(grid.null, record);
-    checkNetcdf(nc_enddef(record.file), "nf90_enddef");
+    netcdf::checkNetcdf(nc_enddef(record.file), "nf90_enddef");
     putCoordinates(grid, record);
     say("Finished initialising netcdf file.");
 }
 
 void putStep(const RfNcRecord& record, std::int32_t step, float time, const Grid& cells)
 {
-    putNetcdfTime(record.file, record.time, step, static_cast<double>(time), "nf90_put_var (time)");
+    netcdf::putNetcdfTime(record.file, record.time, step, static_cast<double>(time), "nf90_put_var (time)");
     for (std::int32_t row = 1; row <= cells.nrows(); ++row) {
-        putNetcdfRow(record.file, record.rainfallDepth, step, row, cells.row(row), "nf90_put_var (rf_val)");
+        netcdf::putNetcdfRow(record.file, record.rainfallDepth, step, row, cells.row(row), "nf90_put_var (rf_val)");
     }
 }
 
 void putTotal(const RfNcRecord& record, const Grid& cells)
 {
     for (std::int32_t row = 1; row <= cells.nrows(); ++row) {
-        putNetcdfRow(record.file, record.totalRainfallDepth, row, cells.row(row), "nf90_put_var (rf_cum)");
+        netcdf::putNetcdfRow(record.file, record.totalRainfallDepth, row, cells.row(row), "nf90_put_var (rf_cum)");
     }
 }
 
 void closeRainfallNc(RfNcRecord& record)
 {
-    closeNetcdf(record.file, "nf90_close");
+    netcdf::closeNetcdf(record.file, "nf90_close");
     record.file = 0;
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

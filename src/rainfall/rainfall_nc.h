@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 struct RfNcRecord {
     int file = 0;
@@ -30,4 +30,4 @@ void putStep(const RfNcRecord& record, std::int32_t step, float time, const Grid
 void putTotal(const RfNcRecord& record, const Grid& cells);
 void closeRainfallNc(RfNcRecord& record);
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

@@ -4,7 +4,7 @@
 #include "host/console.h"
 #include "host/ends.h"
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 namespace {
 
@@ -32,4 +32,4 @@ void forEachRing(const std::string& layerName,
     layer.close();
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

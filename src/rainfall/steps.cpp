@@ -7,7 +7,7 @@
 #include <cassert>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 namespace {
 
@@ -144,4 +144,4 @@ void rf_step_idw(const RfHyetographs& hyetographs, const RfPoints& points, std::
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

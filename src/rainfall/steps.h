@@ -12,7 +12,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 struct RfGrids {
     Grid step;
@@ -32,4 +32,4 @@ void rf_step_tin(const RfHyetographs& hyetographs, const RfPoints& points, std::
 void rf_step_idw(const RfHyetographs& hyetographs, const RfPoints& points, std::size_t step, const RfIdwTables& tables,
                  RfGrids& grids);
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

@@ -7,6 +7,7 @@
 #include "host/units.h"
 #include "plane/geometry.h"
 #include "plane/triangle.h"
+#include "rainfall/cell_range.h"
 #include "rainfall/control_file.h"
 #include "rainfall/single_rings.h"
 
@@ -15,7 +16,7 @@
 #include <limits>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 namespace {
 
@@ -75,12 +76,6 @@ void rf_cell_factors(std::int32_t row, std::int32_t column, std::int32_t number,
 // --- Cells of a triangle ---------------------------------------------------------------------------------------------
 
 namespace {
-
-// Rows or columns from 1, both ends included; empty where `from` is greater.
-struct CellRange {
-    std::int32_t from = 1;
-    std::int32_t to = 0;
-};
 
 std::int32_t saturated(std::int64_t value)
 {
@@ -308,4 +303,4 @@ RfTinPoints rfTinPoints(const RfPoints& points)
     return tin;
 }
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::rainfall {
 
 inline constexpr std::int32_t kMaxRfTriangles = 1000;
 inline constexpr std::int32_t kMaxRfTinPoints = 1000;
@@ -59,4 +59,4 @@ void rf_cell_factors(std::int32_t row, std::int32_t column, std::int32_t number,
 void rf_tin_factors(const std::vector<RfTriangle>& triangles, const RfTinPoints& points, const GridHeader& grid,
                     RfTinTables& tables);
 
-} // namespace gridforge
+} // namespace gridforge::rainfall

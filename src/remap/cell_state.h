@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 enum class CellState : std::int8_t {
     dry = -1, // tested and found dry, never tried again
@@ -26,4 +26,4 @@ inline CellState startState(float null)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

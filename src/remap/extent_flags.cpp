@@ -9,7 +9,7 @@
 #include <limits>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -110,4 +110,4 @@ ExtentCounts bufferExtent(const CellFlags& wetFlags, float dx, float buffer, Cel
     return counts;
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

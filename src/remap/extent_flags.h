@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 // One byte a cell, 1 or 0.
 using CellFlags = CellArray<std::uint8_t>;
@@ -29,4 +29,4 @@ struct ExtentCounts {
 // distance is measured in units of `dx` on both axes. `extentFlags` has the size of `wetFlags`.
 ExtentCounts bufferExtent(const CellFlags& wetFlags, float dx, float buffer, CellFlags& extentFlags);
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cassert>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 void takeNearestCorners(const Grid& coarse, const std::vector<QuadPlace>& columns, const QuadPlace& row, float null,
                         std::span<float> values)
@@ -28,4 +28,4 @@ void cutToDepths(std::span<const float> depths, float null, std::span<float> val
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 // One fine row of values by the nearest coarse cell, null in the outer half cells and outside.
 void takeNearestCorners(const Grid& coarse, const std::vector<QuadPlace>& columns, const QuadPlace& row, float null,
@@ -18,4 +18,4 @@ void takeNearestCorners(const Grid& coarse, const std::vector<QuadPlace>& column
 // nothing is cut; deliberate.
 void cutToDepths(std::span<const float> depths, float null, std::span<float> values);
 
-} // namespace gridforge
+} // namespace gridforge::remap

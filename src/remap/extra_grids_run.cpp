@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -38,11 +38,11 @@ bool isSkipped(std::string_view name)
 void readExtra(RemapRun& run, const std::string& name)
 {
     say("Processing: ", name);
-    const LoadSteps steps{.match = &run.coarse,
-                          .matching = "Checking grid extent matches water level grid...",
-                          .matched = "    OK.",
-                          .reading = "Reading grid data"};
-    run.projectionText = loadGrid(name, steps, run.wlGrid).projectionText;
+    const run::LoadSteps steps{.match = &run.coarse,
+                               .matching = "Checking grid extent matches water level grid...",
+                               .matched = "    OK.",
+                               .reading = "Reading grid data"};
+    run.projectionText = run::loadGrid(name, steps, run.wlGrid).projectionText;
     run.stillToRead.erase(run.stillToRead.begin());
 }
 
@@ -71,18 +71,18 @@ void takeNearest(RemapRun& run)
 
 } // namespace
 
-std::vector<InputGrid> extraGridsToRead(const InputFileList& inputs, std::int32_t first)
+std::vector<run::InputGrid> extraGridsToRead(const run::InputFileList& inputs, std::int32_t first)
 {
-    std::vector<InputGrid> grids;
+    std::vector<run::InputGrid> grids;
     for (std::int32_t i = first; i <= inputs.count(); ++i) {
         if (!namesLevels(inputs[i]) && !namesDepths(inputs[i])) {
-            grids.push_back(inputGrid(inputs[i]));
+            grids.push_back(run::inputGrid(inputs[i]));
         }
     }
     return grids;
 }
 
-void remapExtraGrids(RemapRun& run, const InputFileList& inputs, std::int32_t first)
+void remapExtraGrids(RemapRun& run, const run::InputFileList& inputs, std::int32_t first)
 {
     for (std::int32_t i = first; i <= inputs.count(); ++i) {
         const std::string& name = inputs[i];
@@ -96,4 +96,4 @@ void remapExtraGrids(RemapRun& run, const InputFileList& inputs, std::int32_t fi
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -3,7 +3,7 @@
 #include <cassert>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -98,4 +98,4 @@ std::int64_t growWetArea(GrowthFront& front, CellStates& states, const Grid& lev
     return sweep.extra;
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

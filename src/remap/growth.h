@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 struct CellPosition {
     std::int32_t row = 0;
@@ -29,4 +29,4 @@ inline constexpr float kGroundAboveNull = 0.1F;
 std::int64_t growWetArea(GrowthFront& front, CellStates& states, const Grid& levels, const Grid& ground,
                          float groundNull);
 
-} // namespace gridforge
+} // namespace gridforge::remap

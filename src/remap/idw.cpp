@@ -8,7 +8,7 @@
 #include <cmath>
 #include <optional>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -173,13 +173,13 @@ void interpolateIdwRow(const CoarseLevels& coarse, const IdwPlaces& places, std:
     assert(ground.size() == places.columns.size() && levels.size() == ground.size() && states.size() == ground.size());
     const auto row = static_cast<std::size_t>(fineRow - 1);
     const SamplePlace& sampleRow = places.sampleRows[row];
-    const CellPlace& seedRow = places.rows[row];
+    const NearestCell& seedRow = places.rows[row];
     for (std::size_t c = 0; c < ground.size(); ++c) {
         const float level = sampleCoarseLevel(places.sampleColumns[c], sampleRow, coarse.columns.cellsize,
                                               coarse.rows.cellsize, coarse.extended, coarse.null);
         levels[c] = level < ground[c] ? coarse.null : level;
 
-        const CellPlace& seedColumn = places.columns[c];
+        const NearestCell& seedColumn = places.columns[c];
         if (seedRow.cell != 0 && seedColumn.cell != 0 && isNearCell(seedColumn, seedRow, coarse.columns.cellsize) &&
             coarse.levels(seedRow.cell, seedColumn.cell) > coarse.wetThreshold()) {
             states[c] = CellState::wet;
@@ -205,4 +205,4 @@ void depthsOfWetCells(std::span<const CellState> states, std::span<const float> 
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

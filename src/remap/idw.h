@@ -11,7 +11,7 @@
 #include <span>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 inline constexpr std::int32_t kDefaultIdwPoints = 12;
 
@@ -47,8 +47,8 @@ float sampleCoarseLevel(double x, double y, const Axis& columns, const Axis& row
 struct IdwPlaces {
     std::vector<SamplePlace> sampleColumns;
     std::vector<SamplePlace> sampleRows;
-    std::vector<CellPlace> columns;
-    std::vector<CellPlace> rows;
+    std::vector<NearestCell> columns;
+    std::vector<NearestCell> rows;
 };
 IdwPlaces idwPlaces(const CoarseLevels& coarse, const Axis& fineColumns, const Axis& fineRows);
 
@@ -64,4 +64,4 @@ void dropDryLevels(std::span<const CellState> states, float null, std::span<floa
 void depthsOfWetCells(std::span<const CellState> states, std::span<const float> levels, float null,
                       std::span<float> ground);
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -12,7 +12,7 @@
 #include <thread>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -131,4 +131,4 @@ void runIdwMethod(RemapRun& run)
     writeFine(run, run.settings.waterLevelGrid, "_remap_d", run.depthGrid);
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -5,16 +5,16 @@
 #include <algorithm>
 #include <cassert>
 
-namespace gridforge {
+namespace gridforge::remap {
 
-void takeNearestLevels(const CoarseLevels& coarse, const std::vector<CellPlace>& columns, const CellPlace& row,
+void takeNearestLevels(const CoarseLevels& coarse, const std::vector<NearestCell>& columns, const NearestCell& row,
                        std::span<float> levels)
 {
     assert(levels.size() == columns.size());
     const float threshold = coarse.null + kAboveNull;
     for (std::size_t c = 0; c < levels.size(); ++c) {
         levels[c] = coarse.null;
-        const CellPlace& column = columns[c];
+        const NearestCell& column = columns[c];
         if (row.cell == 0 || column.cell == 0 || !isNearCell(column, row, coarse.columns.cellsize)) {
             continue;
         }
@@ -81,4 +81,4 @@ std::int64_t spreadLevels(const Grid& levels, const Grid& ground, float groundNu
     return extra;
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

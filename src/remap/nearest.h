@@ -10,12 +10,12 @@
 #include <span>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 inline constexpr std::int32_t kNearestIterations = 1000;
 
 // One fine row of levels by the nearest coarse cell, null where that is dry or too far.
-void takeNearestLevels(const CoarseLevels& coarse, const std::vector<CellPlace>& columns, const CellPlace& row,
+void takeNearestLevels(const CoarseLevels& coarse, const std::vector<NearestCell>& columns, const NearestCell& row,
                        std::span<float> levels);
 
 // Level less ground where there is a level and it is not below the ground, else null.
@@ -28,4 +28,4 @@ void depthsOnGround(std::span<const float> ground, float groundNull, std::span<c
 // the ground. Gives the number of cells that took one. On entry `spread` is null wherever `levels` is.
 std::int64_t spreadLevels(const Grid& levels, const Grid& ground, float groundNull, float null, Grid& spread);
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -74,4 +74,4 @@ void runNearestMethod(RemapRun& run)
     writeFine(run, source, "_d_final_fb0p5", run.depthGrid);
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 Axis columnAxis(const GridHeader& header)
 {
@@ -33,11 +33,11 @@ std::vector<QuadPlace> placesInQuads(const Axis& fine, const Axis& coarse)
     return places;
 }
 
-std::vector<CellPlace> placesInCells(const Axis& fine, const Axis& coarse)
+std::vector<NearestCell> placesInCells(const Axis& fine, const Axis& coarse)
 {
-    std::vector<CellPlace> places(static_cast<std::size_t>(fine.count));
+    std::vector<NearestCell> places(static_cast<std::size_t>(fine.count));
     std::int32_t i = 0;
-    for (CellPlace& place : places) {
+    for (NearestCell& place : places) {
         const double centre = fine.centre(++i);
         const std::int32_t cell = roundToInt(((centre - coarse.origin) + 0.5 * coarse.cellsize) / coarse.cellsize);
         if (cell < 1 || cell > coarse.count) {
@@ -49,9 +49,9 @@ std::vector<CellPlace> placesInCells(const Axis& fine, const Axis& coarse)
     return places;
 }
 
-bool isNearCell(const CellPlace& column, const CellPlace& row, double cellsize)
+bool isNearCell(const NearestCell& column, const NearestCell& row, double cellsize)
 {
     return std::sqrt(column.offset * column.offset + row.offset * row.offset) <= cellsize;
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 // One axis of a lattice: cell 1 begins at `origin`.
 struct Axis {
@@ -32,13 +32,13 @@ std::vector<QuadPlace> placesInQuads(const Axis& fine, const Axis& coarse);
 
 // A fine row or column and the coarse cell whose centre is nearest, 0 outside the lattice; `offset` is from that
 // centre.
-struct CellPlace {
+struct NearestCell {
     std::int32_t cell = 0;
     double offset = 0;
 };
-std::vector<CellPlace> placesInCells(const Axis& fine, const Axis& coarse);
+std::vector<NearestCell> placesInCells(const Axis& fine, const Axis& coarse);
 
 // The fine centre lies no farther than one coarse cell size from the coarse centre.
-bool isNearCell(const CellPlace& column, const CellPlace& row, double cellsize);
+bool isNearCell(const NearestCell& column, const NearestCell& row, double cellsize);
 
-} // namespace gridforge
+} // namespace gridforge::remap

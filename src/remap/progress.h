@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 inline constexpr std::int32_t kCoarseProgress = 10;
 inline constexpr std::int32_t kFineProgress = 100;
@@ -29,4 +29,4 @@ void eachRow(std::string_view heading, std::int32_t nrows, std::int32_t step, Wo
     endLine();
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

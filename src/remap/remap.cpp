@@ -11,7 +11,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -44,7 +44,7 @@ void allocateFlags(CellFlags& flags, const GridHeader& header, std::string_view 
 }
 
 // Gives the number of the first extra grid in the list.
-std::int32_t announceInputs(const RunSettings& settings, const InputFileList& inputs)
+std::int32_t announceInputs(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     std::int32_t firstExtra = 1;
     if (settings.waterLevelGrid.empty()) {
@@ -73,8 +73,8 @@ std::int32_t announceInputs(const RunSettings& settings, const InputFileList& in
 // Returns the format of the grid.
 std::int32_t loadWaterLevels(RemapRun& run)
 {
-    const LoadSteps steps{.purpose = "storing water levels...", .reading = "Reading WL data"};
-    const LoadedGrid levels = loadGrid(run.settings.waterLevelGrid, steps, run.wlGrid);
+    const run::LoadSteps steps{.purpose = "storing water levels...", .reading = "Reading WL data"};
+    const run::LoadedGrid levels = run::loadGrid(run.settings.waterLevelGrid, steps, run.wlGrid);
     run.coarse = levels.header;
 
     allocateFlags(run.wetFlags, run.coarse, "mod wet/dry flags");
@@ -83,7 +83,7 @@ std::int32_t loadWaterLevels(RemapRun& run)
     say("   Done.");
 
     allocateFlags(run.extentFlags, run.coarse, "maximum extent flags");
-    allocateGrid(run.workGrid, run.coarse, "working array...");
+    grid::allocateGrid(run.workGrid, run.coarse, "working array...");
     return levels.format;
 }
 
@@ -96,11 +96,11 @@ void flagBuffer(RemapRun& run, float buffer)
 
 void flagExtentGrid(RemapRun& run)
 {
-    const LoadSteps steps{.match = &run.coarse,
-                          .matching = "Checking water level and maximum extent grids match...",
-                          .matched = "    Done.",
-                          .reading = "Reading max extent data"};
-    const float null = loadGrid(run.settings.extentGrid, steps, run.workGrid).header.null;
+    const run::LoadSteps steps{.match = &run.coarse,
+                               .matching = "Checking water level and maximum extent grids match...",
+                               .matched = "    Done.",
+                               .reading = "Reading max extent data"};
+    const float null = run::loadGrid(run.settings.extentGrid, steps, run.workGrid).header.null;
     say("Setting maximum extent flags based on maximum modelled grid...");
     flagValues(run.workGrid.cells(), null, run.extentFlags.cells());
     say("   Done.");
@@ -108,8 +108,8 @@ void flagExtentGrid(RemapRun& run)
 
 void setExtentFlags(RemapRun& run)
 {
-    const RunSettings& settings = run.settings;
-    if (settings.interpolation == kInterpolateTin) {
+    const run::RunSettings& settings = run.settings;
+    if (settings.interpolation == run::kInterpolateTin) {
         const auto buffer = static_cast<float>(kTinReach * run.coarse.cellsize8);
         say("Setting extent flags for tin interporation ", AREAL(buffer));
         flagBuffer(run, buffer);
@@ -127,8 +127,9 @@ void setExtentFlags(RemapRun& run)
 
 void loadTerrain(RemapRun& run)
 {
-    const LoadSteps steps{.opening = "Reading DEM header...", .purpose = "storing DEM.", .reading = "Reading DEM data"};
-    const LoadedGrid terrain = loadGrid(run.settings.demGrid, steps, run.demGrid);
+    const run::LoadSteps steps{
+        .opening = "Reading DEM header...", .purpose = "storing DEM.", .reading = "Reading DEM data"};
+    const run::LoadedGrid terrain = run::loadGrid(run.settings.demGrid, steps, run.demGrid);
     run.terrain = terrain.header;
     run.projectionText = terrain.projectionText;
 
@@ -143,16 +144,16 @@ void runMethod(RemapRun& run)
 {
     switch (run.settings.interpolation) {
     case kInterpolateNearest: runNearestMethod(run); break;
-    case kInterpolateIdw: runIdwMethod(run); break;
-    case kInterpolateTin: runTinMethod(run); break;
+    case run::kInterpolateIdw: runIdwMethod(run); break;
+    case run::kInterpolateTin: runTinMethod(run); break;
     default: fail("ERROR - Incorrect Remap method");
     }
 }
 
 void writeOutput(const RemapRun& run, const std::string& base, const GridHeader& header, const Grid& cells)
 {
-    requireNoInput(run.format, base, run.stillToRead);
-    writeGrid(run.format, base, header, cells, run.projectionText, run.settings.decimals);
+    run::requireNoInput(run.format, base, run.stillToRead);
+    grid::writeGrid(run.format, base, header, cells, run.projectionText, run.settings.decimals);
 }
 
 } // namespace
@@ -179,7 +180,7 @@ void startCellStates(RemapRun& run)
     }
 }
 
-void runRemap(const RunSettings& settings, const InputFileList& inputs)
+void runRemap(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Processing -remap option.");
     const std::int32_t firstExtra = announceInputs(settings, inputs);
@@ -189,11 +190,11 @@ void runRemap(const RunSettings& settings, const InputFileList& inputs)
     const std::int32_t inputFormat = loadWaterLevels(run);
     setExtentFlags(run);
     loadTerrain(run);
-    run.format = outputFormatRule(settings, inputFormat);
+    run.format = run::outputFormatRule(settings, inputFormat);
     runMethod(run);
 
     say("");
     remapExtraGrids(run, inputs, firstExtra);
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -6,11 +6,11 @@
 
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 // The method that no flag selects; the others are in the settings record.
 inline constexpr std::int32_t kInterpolateNearest = 1;
 
-void runRemap(const RunSettings& settings, const InputFileList& inputs);
+void runRemap(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::remap

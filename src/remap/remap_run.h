@@ -14,12 +14,12 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 struct RemapRun {
-    explicit RemapRun(const RunSettings& given) : settings(given) {}
+    explicit RemapRun(const run::RunSettings& given) : settings(given) {}
 
-    const RunSettings& settings;
+    const run::RunSettings& settings;
 
     // Coarse
     GridHeader coarse; // of the water level grid
@@ -35,9 +35,9 @@ struct RemapRun {
     Grid depthGrid;
     CellStates cellState;
 
-    std::int32_t format = kFormatAsc; // of all outputs
-    std::string projectionText;       // of the grid whose header was read last, which that of the outputs is
-    std::vector<InputGrid> stillToRead;
+    std::int32_t format = grid::kFormatAsc; // of all outputs
+    std::string projectionText;             // of the grid whose header was read last, which that of the outputs is
+    std::vector<run::InputGrid> stillToRead;
 
     float null() const { return coarse.null; }
     CoarseLevels coarseLevels() const
@@ -62,8 +62,8 @@ void runIdwMethod(RemapRun& run);
 void runTinMethod(RemapRun& run);
 
 // The grids of the list from the entry `first` on that remapExtraGrids reads.
-std::vector<InputGrid> extraGridsToRead(const InputFileList& inputs, std::int32_t first);
+std::vector<run::InputGrid> extraGridsToRead(const run::InputFileList& inputs, std::int32_t first);
 // The grids of the list from the entry `first` on, by nearest cell and cut to the wet extent.
-void remapExtraGrids(RemapRun& run, const InputFileList& inputs, std::int32_t first);
+void remapExtraGrids(RemapRun& run, const run::InputFileList& inputs, std::int32_t first);
 
-} // namespace gridforge
+} // namespace gridforge::remap

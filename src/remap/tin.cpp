@@ -6,7 +6,7 @@
 #include <cassert>
 #include <cmath>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -231,4 +231,4 @@ void depthsWhereWet(std::span<const CellState> states, float null, std::span<flo
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -14,7 +14,7 @@
 #include <span>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 // The level of a dry cell from the wet ones among its eight neighbours, by inverse distance to the power `exponent`.
 // There must be one.
@@ -82,4 +82,4 @@ void interpolateTinRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t f
 // then the level becomes null too.
 void depthsWhereWet(std::span<const CellState> states, float null, std::span<float> levels, std::span<float> ground);
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -54,4 +54,4 @@ void runTinMethod(RemapRun& run)
     writeFine(run, run.settings.waterLevelGrid, "_remap_d", run.depthGrid);
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -9,7 +9,7 @@
 #include <cmath>
 #include <cstddef>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 inline constexpr std::size_t kTinBlock = 256;
 
@@ -95,4 +95,4 @@ inline double squareOf(double length)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -1,6 +1,6 @@
 #include "remap/tin_places_avx2.h"
 
-namespace gridforge {
+namespace gridforge::remap {
 
 GRIDFORGE_AVX2 void placeFourAbreast(const TinColumns& columns, const TinLines& lines, double y, std::size_t first,
                                      std::size_t count, BlockPlaces& places)
@@ -8,4 +8,4 @@ GRIDFORGE_AVX2 void placeFourAbreast(const TinColumns& columns, const TinLines& 
     placeInTriangles(columns, lines, y, first, count, places);
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -6,9 +6,9 @@
 
 #include <cstddef>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 GRIDFORGE_AVX2 void placeFourAbreast(const TinColumns& columns, const TinLines& lines, double y, std::size_t first,
                                      std::size_t count, BlockPlaces& places);
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -59,4 +59,4 @@ void interpolateTinStretch(const TinColumns& columns, const TinLines& lines, con
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

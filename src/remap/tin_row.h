@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 // The quad over each fine column, where it lies from west to east. Only columns within the quads are looked at.
 struct TinColumns {
@@ -38,4 +38,4 @@ struct TinValues {
 void interpolateTinStretch(const TinColumns& columns, const TinLines& lines, const TinValues& values, double y,
                            std::size_t first, std::size_t last, float* levels);
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -13,7 +13,7 @@
 #include <limits>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 namespace {
 
@@ -221,4 +221,4 @@ std::optional<float> idwPoint(std::int32_t points, std::int32_t row, std::int32_
     return stored(weighted / weights);
 }
 
-} // namespace gridforge
+} // namespace gridforge::remap

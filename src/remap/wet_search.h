@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::remap {
 
 // The wet flags prepared for the search: in both directions in memory, so that the sides of a ring are stretches of
 // bytes, and with the distance to the nearest wet cell, so that rings which hold none are not looked at.
@@ -38,4 +38,4 @@ inline constexpr float kIdwExponent = 2.0F;
 std::optional<float> idwPoint(std::int32_t points, std::int32_t row, std::int32_t column, const WetIndex& wet,
                               const Grid& levels, ListedCells& listed, float exponent);
 
-} // namespace gridforge
+} // namespace gridforge::remap

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace gridforge {
+namespace gridforge::run {
 
 AcrossLine acrossLine(const GridHeader& header, double x, double y, float perpendicular)
 {
@@ -92,4 +92,4 @@ SampleRange samplesInGrid(const AcrossLine& line, const GridHeader& header, cons
     return clip(columns, header.nrows, line.uy >= 0, [&](std::int32_t k) { return rowOf(line, header, k); });
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace gridforge {
+namespace gridforge::run {
 
 // The sample line through (x, y). Sample k lies k cell sizes along (ux, uy), which are single-precision values.
 struct AcrossLine {
@@ -47,4 +47,4 @@ struct SampleRange {
 // nothing.
 SampleRange samplesInGrid(const AcrossLine& line, const GridHeader& header, const SampleRange& wanted);
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -6,12 +6,12 @@
 #include <algorithm>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::run {
 
 namespace {
 
 OutputWish wishOf(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan,
-                  const std::vector<GridLook>& looks)
+                  const std::vector<grid::GridLook>& looks)
 {
     const std::string_view name = plan.namedAfter.empty() ? std::string_view(inputs[1]) : plan.namedAfter;
     return outputWish(settings, name, looks.front().format, plan.grids);
@@ -37,7 +37,7 @@ CellStory::CellStory(const RunSettings& settings, const InputFileList& inputs, c
     }
 }
 
-void CellStory::keep(std::optional<std::vector<CellStore>> grids)
+void CellStory::keep(std::optional<std::vector<grid::CellStore>> grids)
 {
     ahead_ = grids.has_value();
     if (ahead_) {
@@ -73,7 +73,7 @@ LoadedGrid CellStory::loadEach(const std::string& purpose, const std::function<v
         note(i, header);
         use(i);
     };
-    return gridforge::loadEach(names_, purpose, prepare, inputs_.front(), noteAndUse, ahead_);
+    return run::loadEach(names_, purpose, prepare, inputs_.front(), noteAndUse, ahead_);
 }
 
 void CellStory::allocateInput(std::int32_t i, const GridHeader& header, std::string_view purpose)
@@ -90,9 +90,9 @@ void CellStory::allocate(std::size_t i, const GridHeader& header, std::string_vi
 void CellStory::allocateUnlessAhead(Grid& grid, const GridHeader& header, std::string_view purpose) const
 {
     if (ahead_) {
-        sayAllocation(header, purpose);
+        grid::sayAllocation(header, purpose);
     } else {
-        allocateGrid(grid, header, purpose);
+        grid::allocateGrid(grid, header, purpose);
     }
 }
 
@@ -136,11 +136,11 @@ void CellStory::write(std::size_t i, std::int32_t format, std::string_view base,
                       std::string_view projectionText, std::int32_t decimals)
 {
     if (ahead_) {
-        writeGrid(format, base, header, CellSource(ready_[i], header), projectionText, decimals);
+        grid::writeGrid(format, base, header, grid::CellSource(ready_[i], header), projectionText, decimals);
         ready_[i].release();
     } else {
-        writeGrid(format, base, header, outputs_[i], projectionText, decimals);
+        grid::writeGrid(format, base, header, outputs_[i], projectionText, decimals);
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

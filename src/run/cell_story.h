@@ -19,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::run {
 
 // What a run makes of its inputs: so many grids, and so many counts.
 struct CellPlan {
@@ -59,7 +59,7 @@ public:
                std::string_view projectionText, std::int32_t decimals);
 
 private:
-    void keep(std::optional<std::vector<CellStore>> grids);
+    void keep(std::optional<std::vector<grid::CellStore>> grids);
     void note(std::int32_t i, const GridHeader& header);
     Grid& inputGrid(std::int32_t i);
     void allocateUnlessAhead(Grid& grid, const GridHeader& header, std::string_view purpose) const;
@@ -69,12 +69,12 @@ private:
     MapKernel mapKernel_;
     FoldKernel foldKernel_; // one of the two
     bool ahead_ = false;
-    std::vector<CellStore> ready_; // the grids that were computed ahead
-    std::vector<Grid> inputs_;     // those of the other way: one for each input, or one for all
+    std::vector<grid::CellStore> ready_; // the grids that were computed ahead
+    std::vector<Grid> inputs_;           // those of the other way: one for each input, or one for all
     std::vector<Grid> outputs_;
     std::vector<float> nulls_; // of the inputs
     std::vector<std::int64_t> tallies_;
     GridHeader lattice_;
 };
 
-} // namespace gridforge
+} // namespace gridforge::run

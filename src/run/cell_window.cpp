@@ -2,7 +2,7 @@
 
 #include "core/numbers.h"
 
-namespace gridforge {
+namespace gridforge::run {
 
 CellWindow searchWindow(const GridHeader& header, double x, double y, float diameter)
 {
@@ -22,4 +22,4 @@ bool isWithinGrid(const CellWindow& window, const GridHeader& header)
            window.lastColumn <= header.ncols;
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::run {
 
 // Rows and columns from 1, both ends included; it may reach over the grid, and is empty where a first is above its last.
 struct CellWindow {
@@ -42,4 +42,4 @@ inline double centreY(const GridHeader& header, std::int32_t row)
     return cornerY(header, row) - 0.5 * header.cellsize8;
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

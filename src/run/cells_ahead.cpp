@@ -13,7 +13,7 @@
 #include <atomic>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::run {
 
 namespace {
 
@@ -59,17 +59,17 @@ public:
     InputCells& operator=(const InputCells&) = delete;
 
     // The way it went: ahead where the cells are there.
-    Way open(const GridLook& look, const std::string& folder)
+    Way open(const grid::GridLook& look, const std::string& folder)
     {
         close();
-        if (look.format == kFormatFlt) {
+        if (look.format == grid::kFormatFlt) {
             file_ = theSystem().open(look.file, OpenFor::reading);
             return file_ == SystemFile::none ? Way::readRefused : Way::ahead;
         }
         if (!store_.take(look.header.cells(), folder)) {
             return Way::noRoom;
         }
-        return decodeAsc(look, store_) ? Way::ahead : Way::oddText;
+        return grid::decodeAsc(look, store_) ? Way::ahead : Way::oddText;
     }
 
     void close()
@@ -103,15 +103,15 @@ public:
 
 private:
     SystemFile file_ = SystemFile::none;
-    CellStore store_;
+    grid::CellStore store_;
 };
 
 // --- Outputs ---------------------------------------------------------------------------------------------------------
 
-std::optional<std::vector<CellStore>> takeOutputs(std::size_t cells, const OutputWish& wish)
+std::optional<std::vector<grid::CellStore>> takeOutputs(std::size_t cells, const OutputWish& wish)
 {
-    std::vector<CellStore> outputs(wish.grids);
-    for (CellStore& output : outputs) {
+    std::vector<grid::CellStore> outputs(wish.grids);
+    for (grid::CellStore& output : outputs) {
         const bool taken = wish.binary ? output.takeForFile(cells, wish.folder) : output.take(cells, wish.folder);
         if (!taken) {
             return std::nullopt;
@@ -133,10 +133,11 @@ struct WorkerRoom {
 // One walk over all cells of some inputs, by parts, by as many threads as there are.
 class Pass {
 public:
-    Pass(std::span<const GridLook> looks, std::size_t inputRooms, std::span<CellStore> outputs, std::size_t tallies)
+    Pass(std::span<const grid::GridLook> looks, std::size_t inputRooms, std::span<grid::CellStore> outputs,
+         std::size_t tallies)
         : cells_(looks.front().header.cells()), inputRooms_(inputRooms), outputs_(outputs), rooms_(threadCount())
     {
-        for (const GridLook& look : looks) {
+        for (const grid::GridLook& look : looks) {
             nulls_.push_back(look.header.null);
         }
         const std::size_t grids = inputRooms + outputs.size();
@@ -231,7 +232,7 @@ private:
     std::size_t cells_;
     std::vector<float> nulls_;
     std::size_t inputRooms_;
-    std::span<CellStore> outputs_;
+    std::span<grid::CellStore> outputs_;
     std::vector<WorkerRoom> rooms_;
     WorkerRooms<float> memory_;
     std::size_t pieceCells_ = 0;
@@ -239,11 +240,11 @@ private:
 
 // Opens inputs from `first` on, and returns how many: as many binary ones as files may be open, or one text. `way` tells why
 // no more.
-std::size_t openGroup(std::span<const GridLook> looks, std::size_t first, const std::string& folder,
+std::size_t openGroup(std::span<const grid::GridLook> looks, std::size_t first, const std::string& folder,
                       std::vector<InputCells>& group, Way& way)
 {
     const std::int32_t format = looks[first].format;
-    const std::size_t most = std::min(looks.size() - first, format == kFormatAsc ? 1 : kMostOpenFiles);
+    const std::size_t most = std::min(looks.size() - first, format == grid::kFormatAsc ? 1 : kMostOpenFiles);
     group.resize(std::max(most, group.size()));
     std::size_t opened = 0;
     while (opened < most && looks[first + opened].format == format) {
@@ -260,9 +261,9 @@ std::size_t openGroup(std::span<const GridLook> looks, std::size_t first, const 
 
 OutputWish outputWish(const RunSettings& settings, std::string_view namedAfter, std::int32_t format, std::size_t grids)
 {
-    const std::int32_t wanted = settings.ascWanted ? kFormatAsc : kFormatFlt;
+    const std::int32_t wanted = settings.ascWanted ? grid::kFormatAsc : grid::kFormatFlt;
     const std::string_view name = settings.outputNameGiven ? std::string_view(settings.outputName) : namedAfter;
-    return {systemName(FILEFOLDERPATH(name)), (settings.formatSpecified ? wanted : format) == kFormatFlt, grids};
+    return {systemName(FILEFOLDERPATH(name)), (settings.formatSpecified ? wanted : format) == grid::kFormatFlt, grids};
 }
 
 std::size_t waysGone(Way way)
@@ -275,15 +276,15 @@ std::size_t partsOf(std::size_t cells)
     return (cells + cellsOfPart() - 1) / cellsOfPart();
 }
 
-std::optional<std::vector<GridLook>> lookAtInputs(const InputFileList& inputs)
+std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs)
 {
-    std::vector<GridLook> looks;
+    std::vector<grid::GridLook> looks;
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
-        std::optional<GridLook> look = lookAtGrid(inputs[i]);
+        std::optional<grid::GridLook> look = grid::lookAtGrid(inputs[i]);
         if (!look) {
             return went(Way::oddInput);
         }
-        if (i > 1 && !isSameLattice(looks.front().header, look->header)) {
+        if (i > 1 && !grid::isSameLattice(looks.front().header, look->header)) {
             return went(Way::otherLattice);
         }
         looks.push_back(std::move(*look));
@@ -291,8 +292,8 @@ std::optional<std::vector<GridLook>> lookAtInputs(const InputFileList& inputs)
     return looks;
 }
 
-std::optional<std::vector<CellStore>> mapAhead(std::span<const GridLook> looks, const OutputWish& wish,
-                                               const MapKernel& kernel, std::span<std::int64_t> tallies)
+std::optional<std::vector<grid::CellStore>> mapAhead(std::span<const grid::GridLook> looks, const OutputWish& wish,
+                                                     const MapKernel& kernel, std::span<std::int64_t> tallies)
 {
     std::vector<InputCells> inputs(looks.size());
     for (std::size_t i = 0; i < looks.size(); ++i) {
@@ -328,8 +329,8 @@ std::optional<std::vector<CellStore>> mapAhead(std::span<const GridLook> looks, 
     return outputs;
 }
 
-std::optional<std::vector<CellStore>> foldAhead(std::span<const GridLook> looks, const OutputWish& wish,
-                                                const FoldKernel& kernel, std::span<std::int64_t> tallies)
+std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::GridLook> looks, const OutputWish& wish,
+                                                      const FoldKernel& kernel, std::span<std::int64_t> tallies)
 {
     auto outputs = takeOutputs(looks.front().header.cells(), wish);
     if (!outputs) {
@@ -371,4 +372,4 @@ std::optional<std::vector<CellStore>> foldAhead(std::span<const GridLook> looks,
     return outputs;
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::run {
 
 // Which way a run's cells went, and if not ahead, why.
 enum class Way { ahead, oddInput, otherLattice, oddText, readRefused, noRoom };
@@ -25,7 +25,7 @@ enum class Way { ahead, oddInput, otherLattice, oddText, readRefused, noRoom };
 std::size_t waysGone(Way way);
 
 // Inputs of one lattice, as a silent look found them. None where one is out of the ordinary or of another lattice.
-std::optional<std::vector<GridLook>> lookAtInputs(const InputFileList& inputs);
+std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs);
 
 // Where the computed grids will be written, most likely. Another place or format costs only time.
 struct OutputWish {
@@ -62,9 +62,9 @@ using FoldKernel =
 
 // The outputs; none where a read was refused, the text of an input has odd rows, or there is no room. Only with outputs
 // `tallies` has what was counted in all cells.
-std::optional<std::vector<CellStore>> mapAhead(std::span<const GridLook> inputs, const OutputWish& wish,
-                                               const MapKernel& kernel, std::span<std::int64_t> tallies = {});
-std::optional<std::vector<CellStore>> foldAhead(std::span<const GridLook> inputs, const OutputWish& wish,
-                                                const FoldKernel& kernel, std::span<std::int64_t> tallies = {});
+std::optional<std::vector<grid::CellStore>> mapAhead(std::span<const grid::GridLook> inputs, const OutputWish& wish,
+                                                     const MapKernel& kernel, std::span<std::int64_t> tallies = {});
+std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::GridLook> inputs, const OutputWish& wish,
+                                                      const FoldKernel& kernel, std::span<std::int64_t> tallies = {});
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -7,7 +7,7 @@
 #include "host/ends.h"
 #include "host/file_system.h"
 
-namespace gridforge {
+namespace gridforge::run {
 
 namespace {
 
@@ -68,4 +68,4 @@ void failTooManyInputs()
     fail("ERROR - More the 100 input files specified. Please contact ", kSupportContact, " to get this raised.");
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::run {
 
 inline constexpr std::int32_t kMaxInputs = 2000;
 
@@ -39,4 +39,4 @@ InputFileList expandInputs(const std::vector<std::string>& rawInputList);
 // Ends the run of more than kMaxInputs names, typed or found.
 [[noreturn]] void failTooManyInputs();
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -3,7 +3,7 @@
 #include "host/console.h"
 #include "host/units.h"
 
-namespace gridforge {
+namespace gridforge::run {
 
 void writeSourceLegend(std::string_view name, const InputFileList& inputs)
 {
@@ -17,4 +17,4 @@ void writeSourceLegend(std::string_view name, const InputFileList& inputs)
     CLOSER(unit);
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

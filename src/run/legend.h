@@ -5,9 +5,9 @@
 
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::run {
 
 // Announces and writes the legend `name`: a heading, then the number and the name of each input in list order.
 void writeSourceLegend(std::string_view name, const InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::run

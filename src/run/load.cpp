@@ -8,7 +8,7 @@
 
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::run {
 
 namespace {
 
@@ -24,27 +24,27 @@ void sayStep(const std::string& text)
 LoadedGrid loadGrid(const std::string& name, const LoadSteps& steps, Grid& cells)
 {
     sayStep(steps.opening);
-    OpenGrid grid = openGrid(name);
+    grid::OpenGrid grid = grid::openGrid(name);
     LoadedGrid loaded{grid.header, grid.format, grid.projectionText};
     const GridHeader& header = loaded.header;
     if (steps.match != nullptr) {
         sayStep(steps.matching);
-        compareGridDimensions(*steps.match, header);
+        grid::compareGridDimensions(*steps.match, header);
         sayStep(steps.matched);
     }
     if (!steps.purpose.empty() && steps.ahead) {
-        sayAllocation(header, steps.purpose);
+        grid::sayAllocation(header, steps.purpose);
     } else if (!steps.purpose.empty()) {
-        allocateGrid(cells, header, steps.purpose);
+        grid::allocateGrid(cells, header, steps.purpose);
     }
     if (steps.prepare) {
         steps.prepare(header);
     }
     sayStep(steps.reading);
     if (steps.ahead) {
-        passCells(std::move(grid));
+        grid::passCells(std::move(grid));
     } else {
-        readCells(std::move(grid), cells);
+        grid::readCells(std::move(grid), cells);
     }
     sayStep(steps.done);
     return loaded;
@@ -71,4 +71,4 @@ LoadedGrid loadEach(const InputFileList& inputs, const std::string& purpose,
     return first;
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

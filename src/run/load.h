@@ -8,7 +8,7 @@
 #include <functional>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::run {
 
 // The steps of a load in the order that the run goes through them. Each text is a line of the console; an empty one is
 // not written.
@@ -27,7 +27,7 @@ struct LoadSteps {
 // What its files say of a grid besides its cells.
 struct LoadedGrid {
     GridHeader header;
-    std::int32_t format = kFormatAsc;
+    std::int32_t format = grid::kFormatAsc;
     std::string projectionText; // the PROJCS line, blank if none
 };
 
@@ -40,4 +40,4 @@ LoadedGrid loadEach(const InputFileList& inputs, const std::string& purpose,
                     const std::function<void(const GridHeader&)>& prepare, Grid& cells,
                     const std::function<void(std::int32_t, const GridHeader&)>& use, bool ahead = false);
 
-} // namespace gridforge
+} // namespace gridforge::run

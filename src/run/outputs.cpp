@@ -5,7 +5,7 @@
 #include "grid/grid.h"
 #include "host/console.h"
 
-namespace gridforge {
+namespace gridforge::run {
 
 std::string outputNameRule(const RunSettings& settings, std::string_view source, std::string_view suffix)
 {
@@ -22,10 +22,10 @@ std::int32_t specifiedFormat(const RunSettings& settings)
 {
     if (settings.ascWanted) {
         say("Using output format .asc as specified.");
-        return kFormatAsc;
+        return grid::kFormatAsc;
     }
     say("Using output format .flt as specified.");
-    return kFormatFlt;
+    return grid::kFormatFlt;
 }
 
 } // namespace
@@ -45,7 +45,7 @@ std::int32_t ascUnlessSpecified(const RunSettings& settings)
         return specifiedFormat(settings);
     }
     say("Setting output grid to .asc by default.  To set use -asc or -flt.");
-    return kFormatAsc;
+    return grid::kFormatAsc;
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::run {
 
 // The base name, without extension, of the main output: the name given with -out, or that of `source` without extension
 // and with the operation's suffix.
@@ -18,4 +18,4 @@ std::int32_t outputFormatRule(const RunSettings& settings, std::int32_t firstFor
 // The format wanted by -asc or -flt, or .asc whatever the inputs are.
 std::int32_t ascUnlessSpecified(const RunSettings& settings);
 
-} // namespace gridforge
+} // namespace gridforge::run

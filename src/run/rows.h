@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::run {
 
 inline constexpr std::int32_t kProgressRows = 100;
 
@@ -53,4 +53,4 @@ auto rowsOf(Cells& grid, std::int32_t first, std::int32_t last)
     return grid.cells().subspan(start, rows * columns);
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

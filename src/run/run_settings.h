@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::run {
 
 enum class ResizeMethod { average, maximum, minimum };
 
@@ -111,4 +111,4 @@ struct RunSettings {
     friend bool operator==(const RunSettings&, const RunSettings&) = default;
 };
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -7,12 +7,12 @@
 #include <algorithm>
 #include <optional>
 
-namespace gridforge {
+namespace gridforge::run {
 
 InputGrid inputGrid(const std::string& name)
 {
     InputGrid grid{name, {}};
-    for (const std::string& file : gridInputFiles(name)) {
+    for (const std::string& file : grid::gridInputFiles(name)) {
         if (const std::optional<FileIdentity> identity = identityOfInput(file)) {
             grid.files.push_back(*identity);
         }
@@ -31,7 +31,7 @@ std::vector<InputGrid> inputGrids(const InputFileList& inputs)
 
 void requireNoInput(std::int32_t format, std::string_view base, std::span<const InputGrid> stillToRead)
 {
-    for (const std::string& file : gridOutputFiles(format, base)) {
+    for (const std::string& file : grid::gridOutputFiles(format, base)) {
         const std::optional<FileIdentity> output = identityOfOutput(file);
         if (!output) {
             continue;
@@ -45,4 +45,4 @@ void requireNoInput(std::int32_t format, std::string_view base, std::span<const 
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::run {
 
 struct InputGrid {
     std::string name;
@@ -23,4 +23,4 @@ std::vector<InputGrid> inputGrids(const InputFileList& inputs);
 // Ends the run if a file of the output grid `base` is one of these grids. Call it before the output is opened.
 void requireNoInput(std::int32_t format, std::string_view base, std::span<const InputGrid> stillToRead);
 
-} // namespace gridforge
+} // namespace gridforge::run

@@ -16,7 +16,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -80,9 +80,9 @@ std::string circleRecord(const GroundLevel& level, const std::string& options)
     return join(real(level.value, kReal), ",", integerField(level.count, kInteger), ",", quotedValue(options));
 }
 
-// --- Outputs ---------------------------------------------------------------------------------------------------------
+// --- BreaklineLayers ---------------------------------------------------------------------------------------------------------
 
-struct Outputs {
+struct BreaklineLayers {
     gis::LayerWriter result;
     std::optional<gis::LayerWriter> check;
 };
@@ -101,11 +101,11 @@ gis::LayerSpec checkSpec(const gis::Projection& projection)
             .families = "PLR"};
 }
 
-Outputs openOutputs(const RunSettings& settings, const gis::Projection& projection)
+BreaklineLayers openOutputs(const run::RunSettings& settings, const gis::Projection& projection)
 {
     const std::string stem = gis::layerStem(settings.brklineLayer, "L"); // lines, as we write them
     const std::string extension = FILEEXT(settings.brklineLayer);
-    Outputs outputs{gis::createLayer(join(stem, "_brkline", extension), resultSpec(projection)), {}};
+    BreaklineLayers outputs{gis::createLayer(join(stem, "_brkline", extension), resultSpec(projection)), {}};
     if (settings.check) {
         outputs.check = gis::createLayer(join(stem, "_check", extension), checkSpec(projection));
     }
@@ -142,8 +142,9 @@ private:
             sayDuplicate();
             pauseForEnter();
         }
-        const AcrossLine across = acrossLine(header_, line.x[i], line.y[i], perpendicularAngle(lineAngle(line, i)));
-        const std::int32_t samples = samplesToSide(header_, breakline.width, kBothSides);
+        const run::AcrossLine across =
+            run::acrossLine(header_, line.x[i], line.y[i], perpendicularAngle(lineAngle(line, i)));
+        const std::int32_t samples = run::samplesToSide(header_, breakline.width, kBothSides);
         if (check_) {
             gis::Feature searched = searchLine(across, -samples, samples);
             searched.record = checkRecord(kNoGround, kSearchLineCount, breakline.options);
@@ -159,7 +160,7 @@ private:
         const double x = breakline.line.x[i];
         const double y = breakline.line.y[i];
         const SearchPolygon polygon = searchPolygon(x, y, breakline.width);
-        const CellWindow window = searchWindow(header_, x, y, breakline.width);
+        const run::CellWindow window = run::searchWindow(header_, x, y, breakline.width);
         const GroundLevel level = levelInCircle(polygon, window, header_, cells_, breakline.rule, walk_);
         writeFoundCell(level, breakline);
         if (check_) {
@@ -213,12 +214,12 @@ void writeBreakline(const Breakline& breakline, float null, LevelSampler& sample
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runBreaklines(const RunSettings& settings, const InputFileList& inputs)
+void runBreaklines(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Processing -brkline option... ");
     requireOneGrid(inputs);
     SampledLayer input = openSampledLayer(settings.brklineLayer);
-    Outputs outputs = openOutputs(settings, input.projection);
+    BreaklineLayers outputs = openOutputs(settings, input.projection);
     say("Extracting elevations along breakline file: ", settings.brklineLayer);
     const Terrain terrain = readTerrain(inputs[1]);
 
@@ -246,4 +247,4 @@ void runBreaklines(const RunSettings& settings, const InputFileList& inputs)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -9,11 +9,11 @@
 #include <cmath>
 #include <limits>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
-bool isInWindow(const CellWindow& window, std::int32_t row, std::int32_t column)
+bool isInWindow(const run::CellWindow& window, std::int32_t row, std::int32_t column)
 {
     return row >= window.firstRow && row <= window.lastRow && column >= window.firstColumn &&
            column <= window.lastColumn;
@@ -116,7 +116,7 @@ ExtremeSearch::Range ExtremeSearch::rangeToBeat(const CellSearch& search, const 
 {
     const auto isInside = [&](std::int32_t row, std::int32_t column) {
         return isInWindow(search.window, row, column) &&
-               insideSearchPolygon(search.polygon, cornerX(header_, column), cornerY(header_, row));
+               insideSearchPolygon(search.polygon, run::cornerX(header_, column), run::cornerY(header_, row));
     };
     constexpr float kFarthest = std::numeric_limits<float>::infinity();
     Range range;
@@ -185,15 +185,15 @@ void ExtremeSearch::searchRow(const CellSearch& search, std::int32_t row, const 
 
 FoundCell ExtremeSearch::foundCell(const CellSearch& search, std::int32_t row, std::int32_t column) const
 {
-    const double x = cornerX(header_, column);
-    const double y = cornerY(header_, row);
+    const double x = run::cornerX(header_, column);
+    const double y = run::cornerY(header_, row);
     return {cells_(row, column), DISTANCE_8(search.x, search.y, x, y), x, y};
 }
 
 FoundExtremes ExtremeSearch::find(const CellSearch& search)
 {
-    const CellWindow& window = search.window;
-    assert(isWithinGrid(window, header_));
+    const run::CellWindow& window = search.window;
+    assert(run::isWithinGrid(window, header_));
     FoundExtremes result;
     if (window.firstRow > window.lastRow || window.firstColumn > window.lastColumn) {
         return result;
@@ -223,4 +223,4 @@ FoundExtremes ExtremeSearch::find(const CellSearch& search)
     return result;
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 struct FoundExtremes {
     std::optional<FoundCell> lowest;
@@ -78,4 +78,4 @@ private:
     InsideWalk walk_;
 };
 
-} // namespace gridforge
+} // namespace gridforge::sampling

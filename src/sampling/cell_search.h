@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 // What a search starts from: distances and levels are below it, or it is not beaten.
 inline constexpr float kNoValue = 99999.0F;
@@ -27,7 +27,7 @@ struct CellSearch {
     double x = 0;
     double y = 0;
     SearchPolygon polygon;
-    CellWindow window;
+    run::CellWindow window;
 };
 CellSearch searchAround(const GridHeader& header, double x, double y, float diameter);
 
@@ -37,4 +37,4 @@ CellSearch searchAround(const GridHeader& header, double x, double y, float diam
 std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const Grid& cells,
                                      EmptyTiles& tiles);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 bool allNull(std::span<const float> cells, float null)
 {
@@ -41,4 +41,4 @@ bool EmptyTiles::isEmpty(std::int32_t tileRow, std::int32_t tileColumn)
     return state == State::empty;
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

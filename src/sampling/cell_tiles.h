@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 inline constexpr std::int32_t kTileSide = 64; // rows and columns
 
@@ -44,4 +44,4 @@ private:
 // True where all of the cells are null.
 bool allNull(std::span<const float> cells, float null);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -20,7 +20,7 @@
 #include <utility>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -61,7 +61,7 @@ const std::vector<gis::Column>& connectionColumns()
     return columns;
 }
 
-// --- Outputs ---------------------------------------------------------------------------------------------------------
+// --- PointOutputs ---------------------------------------------------------------------------------------------------------
 
 struct Names {
     std::string result;
@@ -69,7 +69,7 @@ struct Names {
     std::string summary;
 };
 
-Names settleNames(const RunSettings& settings)
+Names settleNames(const run::RunSettings& settings)
 {
     const std::string extension = FILEEXT(settings.cpLayer);
     if (settings.outputNameGiven) {
@@ -81,14 +81,14 @@ Names settleNames(const RunSettings& settings)
     return {base + "_Res" + extension, base + "_Cn" + extension, base + ".csv"};
 }
 
-struct Outputs {
+struct PointOutputs {
     Unit summary = 0;
     gis::LayerWriter result;
     gis::LayerWriter connections;
 };
 
-Outputs openOutputs(const Names& names, const gis::Projection& projection, std::vector<gis::Column> columns,
-                    bool withExtremes)
+PointOutputs openOutputs(const Names& names, const gis::Projection& projection, std::vector<gis::Column> columns,
+                         bool withExtremes)
 {
     say("Writing summary data to: ", names.summary);
     Unit summary = 0;
@@ -147,7 +147,7 @@ struct LastFound {
 
 class PointSampler {
 public:
-    PointSampler(const RunSettings& settings, const Terrain& terrain, gis::LayerWriter& connections)
+    PointSampler(const run::RunSettings& settings, const Terrain& terrain, gis::LayerWriter& connections)
         : settings_(settings), header_(terrain.header), cells_(terrain.cells), connections_(connections),
           emptyTiles_(terrain.header, terrain.cells), extremes_(terrain.header, terrain.cells)
     {
@@ -168,7 +168,7 @@ public:
 
 private:
     // A point whose window touches the edge of the grid gets nothing, though it lies inside.
-    bool isSearchable(const CellSearch& search) const { return isWithinGrid(search.window, header_); }
+    bool isSearchable(const CellSearch& search) const { return run::isWithinGrid(search.window, header_); }
 
     void sampleNearest(CalibrationPoint& point)
     {
@@ -212,7 +212,7 @@ private:
                             .style = {.first = "Pen (1,59,0)"}});
     }
 
-    const RunSettings& settings_;
+    const run::RunSettings& settings_;
     const GridHeader& header_;
     const Grid& cells_;
     gis::LayerWriter& connections_;
@@ -221,7 +221,7 @@ private:
     LastFound last_;
 };
 
-void writeResult(const CalibrationPoint& point, bool withExtremes, const std::string& symbol, Outputs& outputs)
+void writeResult(const CalibrationPoint& point, bool withExtremes, const std::string& symbol, PointOutputs& outputs)
 {
     const std::string label = quotedValue(point.label);
     std::string results = join(real(point.modelled), ",", real(point.difference), ",", real(point.distance));
@@ -238,7 +238,7 @@ void writeResult(const CalibrationPoint& point, bool withExtremes, const std::st
 
 } // namespace
 
-void runCalibrationPoints(const RunSettings& settings, const InputFileList& inputs)
+void runCalibrationPoints(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Processing calibration points.");
     say("Using search distance of ", AREAL(settings.cpSearchDistance));
@@ -254,7 +254,7 @@ void runCalibrationPoints(const RunSettings& settings, const InputFileList& inpu
 
     SampledLayer input = openSampledLayer(settings.cpLayer);
     std::vector<gis::Column> columns = resultColumns(input.layer.columns(), settings.cpmm);
-    Outputs outputs = openOutputs(settleNames(settings), input.projection, std::move(columns), settings.cpmm);
+    PointOutputs outputs = openOutputs(settleNames(settings), input.projection, std::move(columns), settings.cpmm);
     const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for Points...");
@@ -278,4 +278,4 @@ void runCalibrationPoints(const RunSettings& settings, const InputFileList& inpu
     CLOSER(outputs.summary);
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

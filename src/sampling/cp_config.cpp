@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <functional>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -87,4 +87,4 @@ std::string symbolStyle(const std::vector<SymbolThreshold>& thresholds, float di
     return join("Symbol (", found->shape, ",", found->colour, ",", found->size, ")");
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 inline constexpr std::int32_t kMaxThresholds = 100;
 
@@ -23,4 +23,4 @@ std::vector<SymbolThreshold> readSymbolThresholds(const std::string& name);
 // The symbol of the first threshold that the difference does not exceed; blank, with a warning, above all of them.
 std::string symbolStyle(const std::vector<SymbolThreshold>& thresholds, float difference);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

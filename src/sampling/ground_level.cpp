@@ -6,7 +6,7 @@
 #include <cmath>
 #include <limits>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -118,28 +118,28 @@ GroundLevel levelOfFourCells(const GridHeader& header, const Grid& cells, double
     return tally.level();
 }
 
-GroundLevel levelAcross(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range,
-                        LevelRule rule)
+GroundLevel levelAcross(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
+                        const run::SampleRange& range, LevelRule rule)
 {
     LevelTally tally(rule, header.null);
-    const SampleRange inGrid = samplesInGrid(line, header, range);
+    const run::SampleRange inGrid = run::samplesInGrid(line, header, range);
     for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const SampleCell cell = sampleCell(line, header, k);
+        const run::SampleCell cell = run::sampleCell(line, header, k);
         tally.add(cells(cell.row, cell.column), cell.row, cell.column);
     }
     if (tally.count() == 0) {
         return outsideLevel();
     }
     GroundLevel level = tally.level();
-    level.x = sampleCellX(header, tally.column());
-    level.y = sampleCellY(header, tally.row());
+    level.x = run::sampleCellX(header, tally.column());
+    level.y = run::sampleCellY(header, tally.row());
     return level;
 }
 
-GroundLevel levelInCircle(const SearchPolygon& polygon, const CellWindow& window, const GridHeader& header,
+GroundLevel levelInCircle(const SearchPolygon& polygon, const run::CellWindow& window, const GridHeader& header,
                           const Grid& cells, LevelRule rule, InsideWalk& walk)
 {
-    if (!isWithinGrid(window, header)) {
+    if (!run::isWithinGrid(window, header)) {
         return outsideLevel();
     }
     prepareWalk(polygon, walk);
@@ -152,9 +152,9 @@ GroundLevel levelInCircle(const SearchPolygon& polygon, const CellWindow& window
                          }
                      });
     GroundLevel level = tally.level();
-    level.x = centreX(header, tally.column());
-    level.y = centreY(header, tally.row());
+    level.x = run::centreX(header, tally.column());
+    level.y = run::centreY(header, tally.row());
     return level;
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 SampledRegion sampledRegion(const gis::Coordinates& read, double farthest)
 {
@@ -24,10 +24,10 @@ SampledRegion sampledRegion(const gis::Coordinates& read, double farthest)
     return region;
 }
 
-CellWindow regionWindow(const SampledRegion& region, const GridHeader& header)
+run::CellWindow regionWindow(const SampledRegion& region, const GridHeader& header)
 {
     const double dx = header.cellsize8;
-    CellWindow window;
+    run::CellWindow window;
     window.firstRow = truncateToInt((region.ymin - header.yll) / dx);
     window.lastRow = truncateToInt((region.ymax - header.yll) / dx + 1.0);
     window.firstColumn = truncateToInt((region.xmin - header.xll) / dx);
@@ -45,18 +45,18 @@ void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk)
     prepareRing(polygon.x, polygon.y, polygon.xmin, walk.region);
 }
 
-void placeColumns(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk)
+void placeColumns(const GridHeader& header, const run::CellWindow& window, CellPlace place, InsideWalk& walk)
 {
     walk.x.clear();
     for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-        walk.x.push_back(place == CellPlace::centre ? centreX(header, column) : cornerX(header, column));
+        walk.x.push_back(place == CellPlace::centre ? run::centreX(header, column) : run::cornerX(header, column));
     }
 }
 
 void walkRow(const GridHeader& header, std::int32_t row, CellPlace place, InsideWalk& walk)
 {
-    const double y = place == CellPlace::centre ? centreY(header, row) : cornerY(header, row);
+    const double y = place == CellPlace::centre ? run::centreY(header, row) : run::cornerY(header, row);
     insideRegionRuns(walk.region, y, walk.x, walk.runs);
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

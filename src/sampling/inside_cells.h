@@ -11,7 +11,7 @@
 #include <limits>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 // A region of one ring in the layout of gis::Coordinates: the closing vertex and, behind it, the second one again.
 struct SampledRegion {
@@ -29,7 +29,7 @@ SampledRegion sampledRegion(const gis::Coordinates& read, double farthest = std:
 
 // From the cell whose north-east corner lies at or before the lower bounds to the cell past the upper ones. It may reach
 // over the grid, and beside it.
-CellWindow regionWindow(const SampledRegion& region, const GridHeader& header);
+run::CellWindow regionWindow(const SampledRegion& region, const GridHeader& header);
 
 // Where a cell is seen.
 enum class CellPlace { northEastCorner, centre };
@@ -44,13 +44,13 @@ void prepareWalk(const SampledRegion& region, InsideWalk& walk);
 void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk);
 
 // Takes the places of the window's columns; `runs` of walkRow count from its first column.
-void placeColumns(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk);
+void placeColumns(const GridHeader& header, const run::CellWindow& window, CellPlace place, InsideWalk& walk);
 void walkRow(const GridHeader& header, std::int32_t row, CellPlace place, InsideWalk& walk);
 
 // Calls take(row, first column, columns) for each run of cells inside: rows from the south, runs from the west. The window
 // lies within the grid.
 template <typename Take>
-void forEachInsideRun(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk,
+void forEachInsideRun(const GridHeader& header, const run::CellWindow& window, CellPlace place, InsideWalk& walk,
                       const Take& take)
 {
     placeColumns(header, window, place, walk);
@@ -68,4 +68,4 @@ inline std::span<const float> cellsOfRun(const Grid& cells, std::int32_t row, st
     return cells.row(row).subspan(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(count));
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -93,4 +93,4 @@ float perpendicularAngle(float angle)
     return perpendicular > 360.0F ? perpendicular - 360.0F : perpendicular;
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 struct LineVertices {
     std::vector<double> x;
@@ -34,4 +34,4 @@ float lineAngle(const LineVertices& line, std::size_t i);
 // Square to it on the left side.
 float perpendicularAngle(float angle);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -31,26 +31,28 @@ constexpr std::int32_t kMaxProfileVertices = 10000000;
 
 // --- The kernels -----------------------------------------------------------------------------------------------------
 
-FoundSample lowestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range)
+FoundSample lowestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
+                         const run::SampleRange& range)
 {
     FoundSample found{kNoLowest, 0, 0};
-    const SampleRange inGrid = samplesInGrid(line, header, range);
+    const run::SampleRange inGrid = run::samplesInGrid(line, header, range);
     for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const SampleCell cell = sampleCell(line, header, k);
+        const run::SampleCell cell = run::sampleCell(line, header, k);
         const float value = cells(cell.row, cell.column);
         if (value != header.null && value < found.value) {
-            found = {value, sampleCellX(header, cell.column), sampleCellY(header, cell.row)};
+            found = {value, run::sampleCellX(header, cell.column), run::sampleCellY(header, cell.row)};
         }
     }
     return found;
 }
 
-FoundSample highestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range)
+FoundSample highestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
+                          const run::SampleRange& range)
 {
     FoundSample found{kNoHighest, 0, 0};
-    const SampleRange inGrid = samplesInGrid(line, header, range);
+    const run::SampleRange inGrid = run::samplesInGrid(line, header, range);
     for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const SampleCell cell = sampleCell(line, header, k);
+        const run::SampleCell cell = run::sampleCell(line, header, k);
         const float value = cells(cell.row, cell.column);
         if (value != header.null && value > found.value) {
             found = {value, line.sampleX(k), line.sampleY(k)};
@@ -123,11 +125,12 @@ void sampleVertices(Profile& profile, float searchDistance, const Terrain& terra
 {
     say("Extracting elevations...");
     const GridHeader& header = terrain.header;
-    const std::int32_t half = samplesToSide(header, searchDistance, kBothSides);
-    const std::int32_t full = samplesToSide(header, searchDistance, kOneSide);
+    const std::int32_t half = run::samplesToSide(header, searchDistance, kBothSides);
+    const std::int32_t full = run::samplesToSide(header, searchDistance, kOneSide);
     for (std::size_t i = 0; i < profile.line.count(); ++i) {
         ProfileVertex& vertex = profile.vertices[i];
-        const AcrossLine across = acrossLine(header, profile.line.x[i], profile.line.y[i], vertex.perpendicular);
+        const run::AcrossLine across =
+            run::acrossLine(header, profile.line.x[i], profile.line.y[i], vertex.perpendicular);
         const auto drawSearch = [&](std::int32_t from, std::int32_t to, std::string_view type) {
             if (check) {
                 gis::Feature searched = searchLine(across, from, to);
@@ -186,7 +189,7 @@ void writeFoundPoints(const Profile& profile, CheckLayer& check)
 
 // --- Names and the check layer ---------------------------------------------------------------------------------------
 
-std::string checkLayerName(const RunSettings& settings)
+std::string checkLayerName(const run::RunSettings& settings)
 {
     const std::string extension = FILEEXT(settings.lpLayer);
     if (!settings.outputNameGiven) {
@@ -200,7 +203,7 @@ std::string checkLayerName(const RunSettings& settings)
     return name;
 }
 
-CheckLayer createCheckLayer(const RunSettings& settings, const gis::Projection& projection)
+CheckLayer createCheckLayer(const run::RunSettings& settings, const gis::Projection& projection)
 {
     const std::vector<gis::Column> columns = {
         {"Elevation", "Float"}, {"Type", "Char", kTextWidth}, {"Label", "Char", kTextWidth}, {"Chainage", "Float"}};
@@ -234,7 +237,7 @@ Profile prepareProfile(std::string label, const gis::Coordinates& read, float sp
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runLongProfile(const RunSettings& settings, const InputFileList& inputs)
+void runLongProfile(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Processing long profile extract.");
     say("Using a spacing along the line of ", AREAL(settings.lpDistance));
@@ -278,4 +281,4 @@ void runLongProfile(const RunSettings& settings, const InputFileList& inputs)
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -6,7 +6,7 @@
 #include "run/inputs.h"
 #include "run/run_settings.h"
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 struct FoundSample {
     float value = 0;
@@ -15,11 +15,12 @@ struct FoundSample {
 };
 
 // The lowest cell of the samples, 99999.0 where there is none, at the place of its cell.
-FoundSample lowestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range);
+FoundSample lowestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
+                         const run::SampleRange& range);
 // The highest one, -99999.0 where there is none, at the place of its sample.
-FoundSample highestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells,
-                          const SampleRange& range);
+FoundSample highestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
+                          const run::SampleRange& range);
 
-void runLongProfile(const RunSettings& settings, const InputFileList& inputs);
+void runLongProfile(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -16,7 +16,7 @@
 #include <string>
 #include <utility>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -29,8 +29,8 @@ constexpr float kLeastRange = 0.001F;
 
 // --- The kernels -----------------------------------------------------------------------------------------------------
 
-bool collectInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& window,
-                   std::size_t most, std::vector<float>& values)
+bool collectInside(const SampledRegion& region, const GridHeader& header, const Grid& cells,
+                   const run::CellWindow& window, std::size_t most, std::vector<float>& values)
 {
     InsideWalk walk;
     prepareWalk(region, walk);
@@ -152,8 +152,8 @@ NodeRecord parseNode(const std::string& record)
 // The values of the terrain inside the region.
 std::vector<float> terrainInside(const SampledRegion& region, const Terrain& terrain)
 {
-    const CellWindow window = regionWindow(region, terrain.header);
-    if (!isWithinGrid(window, terrain.header)) {
+    const run::CellWindow window = regionWindow(region, terrain.header);
+    if (!run::isWithinGrid(window, terrain.header)) {
         fail("ERROR - Region is outside of DEM.");
     }
     std::vector<float> values;
@@ -229,7 +229,7 @@ void tabulateRegion(const SampledRegion& region, const NodeRecord& node, const T
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runNodalArea(const RunSettings& settings, const InputFileList& inputs)
+void runNodalArea(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Processing -na option... ");
     requireOneGrid(inputs);
@@ -251,4 +251,4 @@ void runNodalArea(const RunSettings& settings, const InputFileList& inputs)
     layer.close();
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -11,12 +11,12 @@
 #include <span>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 // Adds the cells of the window, which lies within the grid, whose north-east corner is inside the region and that are not
 // null to `values`: rows from the south, each from the west. False where there are more than `most`.
-bool collectInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& window,
-                   std::size_t most, std::vector<float>& values);
+bool collectInside(const SampledRegion& region, const GridHeader& header, const Grid& cells,
+                   const run::CellWindow& window, std::size_t most, std::vector<float>& values);
 
 // The heights of a table, each from the one before: fine near `minimum`, coarse above, to the first one above `maximum`
 // or, where that is out of reach, 100 of them. In single precision.
@@ -29,6 +29,6 @@ struct HeightCounts {
 // Each value counts at the first height that it does not exceed.
 HeightCounts countByHeight(std::span<const float> values, std::span<const float> heights);
 
-void runNodalArea(const RunSettings& settings, const InputFileList& inputs);
+void runNodalArea(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

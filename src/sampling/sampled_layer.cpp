@@ -7,7 +7,7 @@
 
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 SampledLayer openSampledLayer(const std::string& name)
 {
@@ -16,7 +16,7 @@ SampledLayer openSampledLayer(const std::string& name)
     return {projection, gis::openLayer(name)};
 }
 
-void requireOneGrid(const InputFileList& inputs)
+void requireOneGrid(const run::InputFileList& inputs)
 {
     if (inputs.count() > 1) {
         fail("ERROR - Only one input grid file supported.");
@@ -26,26 +26,26 @@ void requireOneGrid(const InputFileList& inputs)
 Terrain readTerrain(const std::string& name)
 {
     Terrain terrain;
-    terrain.header = loadGrid(name, {.purpose = "storing input grid..."}, terrain.cells).header;
+    terrain.header = run::loadGrid(name, {.purpose = "storing input grid..."}, terrain.cells).header;
     return terrain;
 }
 
 Terrain loadTerrain(const std::string& name)
 {
-    const LoadSteps steps{.opening = "Loading grid data...",
-                          .purpose = "storing input grid...",
-                          .reading = "Reading data...",
-                          .done = "   Done."};
+    const run::LoadSteps steps{.opening = "Loading grid data...",
+                               .purpose = "storing input grid...",
+                               .reading = "Reading data...",
+                               .done = "   Done."};
     Terrain terrain;
-    terrain.header = loadGrid(name, steps, terrain.cells).header;
+    terrain.header = run::loadGrid(name, steps, terrain.cells).header;
     return terrain;
 }
 
-gis::Feature searchLine(const AcrossLine& across, std::int32_t from, std::int32_t to)
+gis::Feature searchLine(const run::AcrossLine& across, std::int32_t from, std::int32_t to)
 {
     return {.kind = gis::Kind::line,
             .x = {stored(across.sampleX(from)), stored(across.sampleX(to))},
             .y = {stored(across.sampleY(from)), stored(across.sampleY(to))}};
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 // Vertices of a line or region as read.
 inline constexpr std::int32_t kMaxSampledVertices = 1000000;
@@ -24,7 +24,7 @@ struct SampledLayer {
 SampledLayer openSampledLayer(const std::string& name);
 
 // Ends the run when there is more than one input grid.
-void requireOneGrid(const InputFileList& inputs);
+void requireOneGrid(const run::InputFileList& inputs);
 
 struct Terrain {
     GridHeader header;
@@ -36,6 +36,6 @@ Terrain readTerrain(const std::string& name);
 Terrain loadTerrain(const std::string& name);
 
 // The line from sample `from` to sample `to`, as an object without a record.
-gis::Feature searchLine(const AcrossLine& across, std::int32_t from, std::int32_t to);
+gis::Feature searchLine(const run::AcrossLine& across, std::int32_t from, std::int32_t to);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

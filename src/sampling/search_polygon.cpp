@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 SearchPolygon searchPolygon(double x, double y, float diameter)
 {
@@ -33,4 +33,4 @@ bool insideSearchPolygon(const SearchPolygon& polygon, double px, double py)
     return INSIDE_POLYGON_8(px, py, polygon.x, polygon.y, kSearchSides + 2, polygon.xmin, kRingEnd, 1);
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 inline constexpr std::int32_t kSearchSides = 12;
 
@@ -21,4 +21,4 @@ SearchPolygon searchPolygon(double x, double y, float diameter);
 
 bool insideSearchPolygon(const SearchPolygon& polygon, double px, double py);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -78,7 +78,7 @@ std::vector<TrimRegion> readRegions(const std::string& layerName)
 
 // --- The window ------------------------------------------------------------------------------------------------------
 
-void reportOverhang(const CellWindow& w, const GridHeader& header, const std::string& region,
+void reportOverhang(const run::CellWindow& w, const GridHeader& header, const std::string& region,
                     const std::string& gridName)
 {
     // Named as it is, the test finds the regions that overhang both ends of an axis; batch files rely on its stop.
@@ -91,9 +91,9 @@ void reportOverhang(const CellWindow& w, const GridHeader& header, const std::st
     }
 }
 
-CellWindow clamped(const CellWindow& w, const GridHeader& header)
+run::CellWindow clamped(const run::CellWindow& w, const GridHeader& header)
 {
-    CellWindow window;
+    run::CellWindow window;
     window.firstRow = std::max(w.firstRow, 1);
     window.lastRow = std::min(w.lastRow, header.nrows);
     window.firstColumn = std::max(w.firstColumn, 1);
@@ -101,7 +101,7 @@ CellWindow clamped(const CellWindow& w, const GridHeader& header)
     return window;
 }
 
-GridHeader windowHeader(const CellWindow& w, const GridHeader& header)
+GridHeader windowHeader(const run::CellWindow& w, const GridHeader& header)
 {
     GridHeader output = header;
     output.nrows = w.lastRow - w.firstRow + 1;
@@ -113,8 +113,8 @@ GridHeader windowHeader(const CellWindow& w, const GridHeader& header)
 
 // --- The output ------------------------------------------------------------------------------------------------------
 
-std::string outputName(const RunSettings& settings, const std::string& grid, const std::string& region, bool manyGrids,
-                       bool manyRegions)
+std::string outputName(const run::RunSettings& settings, const std::string& grid, const std::string& region,
+                       bool manyGrids, bool manyRegions)
 {
     const std::string& out = settings.outputName;
     if (!settings.outputNameGiven) {
@@ -143,7 +143,7 @@ std::string outputName(const RunSettings& settings, const std::string& grid, con
 
 // --- The kernel ------------------------------------------------------------------------------------------------------
 
-void copyInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& window,
+void copyInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const run::CellWindow& window,
                 Grid& output)
 {
     InsideWalk walk;
@@ -158,43 +158,43 @@ void copyInside(const SampledRegion& region, const GridHeader& header, const Gri
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runTrim(const RunSettings& settings, const InputFileList& inputs)
+void runTrim(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Processing \"-trim\" option.");
     const std::vector<TrimRegion> regions = readRegions(settings.trimLayer);
 
     say("Processing ", inputs.count(), " input grids.");
-    const std::vector<InputGrid> grids = inputGrids(inputs);
+    const std::vector<run::InputGrid> grids = run::inputGrids(inputs);
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         const std::string& gridName = inputs[i];
         say("Proecsing File:", integerField(i, kFileColumns), ": ", gridName);
         Grid cells;
-        const LoadedGrid loaded = loadGrid(gridName, {.purpose = "external grid..."}, cells);
+        const run::LoadedGrid loaded = run::loadGrid(gridName, {.purpose = "external grid..."}, cells);
         const GridHeader& header = loaded.header;
         const auto stillToRead = std::span(grids).subspan(static_cast<std::size_t>(i));
 
         for (const auto& [name, region] : regions) {
-            const CellWindow wanted = regionWindow(region, header);
+            const run::CellWindow wanted = regionWindow(region, header);
             reportOverhang(wanted, header, name, gridName);
-            const CellWindow window = clamped(wanted, header);
+            const run::CellWindow window = clamped(wanted, header);
             if (window.firstRow > window.lastRow || window.firstColumn > window.lastColumn) {
                 say("WARNING - Region does not overlap grid, no output written, region name: ", name);
                 continue;
             }
             const GridHeader outputHeader = windowHeader(window, header);
             Grid output;
-            allocateGrid(output, outputHeader, "storing output grid...");
+            grid::allocateGrid(output, outputHeader, "storing output grid...");
             std::ranges::fill(output.cells(), header.null);
             copyInside(region, header, cells, window, output);
 
             const std::string target =
                 outputName(settings, FILENAMEPATH(gridName), name, inputs.count() > 1, regions.size() > 1);
-            const std::int32_t format = ascUnlessSpecified(settings);
+            const std::int32_t format = run::ascUnlessSpecified(settings);
             say("Writing output to: ", target);
-            requireNoInput(format, target, stillToRead);
-            writeGrid(format, target, outputHeader, output, loaded.projectionText, settings.decimals);
+            run::requireNoInput(format, target, stillToRead);
+            grid::writeGrid(format, target, outputHeader, output, loaded.projectionText, settings.decimals);
         }
     }
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

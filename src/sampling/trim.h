@@ -7,13 +7,13 @@
 #include "run/run_settings.h"
 #include "sampling/inside_cells.h"
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 // Copies the cells of the window whose north-east corner is inside the region to `output`, which has the window's size;
 // other cells of `output` stay as they are.
-void copyInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& window,
+void copyInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const run::CellWindow& window,
                 Grid& output);
 
-void runTrim(const RunSettings& settings, const InputFileList& inputs);
+void runTrim(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -18,7 +18,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 // --- The kernels -----------------------------------------------------------------------------------------------------
 
@@ -197,7 +197,7 @@ Grid allocateCells(const GridHeader& header)
     return cells;
 }
 
-std::string outputName(const RunSettings& settings, const std::string& input)
+std::string outputName(const run::RunSettings& settings, const std::string& input)
 {
     if (settings.outputNameGiven) {
         say("Using specified output file name: ", quoted(settings.outputName));
@@ -210,7 +210,7 @@ std::string outputName(const RunSettings& settings, const std::string& input)
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runXyz(const RunSettings& settings, const InputFileList& inputs)
+void runXyz(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Processing \"-xyz\" option.");
     const PointList points = readPointFile(inputs[1]);
@@ -231,9 +231,9 @@ void runXyz(const RunSettings& settings, const InputFileList& inputs)
     say("   Done");
 
     const std::string name = outputName(settings, inputs[1]);
-    const std::int32_t format = ascUnlessSpecified(settings);
+    const std::int32_t format = run::ascUnlessSpecified(settings);
     say("Writing output to: ", name);
-    writeGrid(format, name, header, cells, "", settings.decimals);
+    grid::writeGrid(format, name, header, cells, "", settings.decimals);
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

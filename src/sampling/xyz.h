@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 // Points in the order of their file.
 struct PointList {
@@ -35,6 +35,6 @@ PointExtents findExtents(std::span<const double> x, std::span<const double> y, f
 void sortIntoCells(std::span<const double> x, std::span<const double> y, std::span<const float> z,
                    const PointExtents& extents, Grid& cells);
 
-void runXyz(const RunSettings& settings, const InputFileList& inputs);
+void runXyz(const run::RunSettings& settings, const run::InputFileList& inputs);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -8,7 +8,7 @@
 #include <cassert>
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -47,4 +47,4 @@ PlainPoints parsePlainPoints(std::string_view window, std::span<double> x, std::
     return hasAvx2() ? parsePointGroups(window, x, y, z) : PlainPoints{};
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling

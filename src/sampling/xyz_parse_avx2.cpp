@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 namespace {
 
@@ -96,17 +96,17 @@ GRIDFORGE_AVX2 PlainPoints parsePointGroups(std::string_view window, std::span<d
     return found;
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling
 
 #else
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 PlainPoints parsePointGroups(std::string_view, std::span<double>, std::span<double>, std::span<float>)
 {
     return {};
 }
 
-} // namespace gridforge
+} // namespace gridforge::sampling
 
 #endif

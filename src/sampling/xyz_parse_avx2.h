@@ -7,10 +7,10 @@
 #include <span>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::sampling {
 
 // parsePlainPoints.
 GRIDFORGE_AVX2 PlainPoints parsePointGroups(std::string_view window, std::span<double> x, std::span<double> y,
                                             std::span<float> z);
 
-} // namespace gridforge
+} // namespace gridforge::sampling

@@ -492,13 +492,14 @@ INSTANTIATE_TEST_SUITE_P(Runs, Faults, testing::ValuesIn(startedRuns()),
 TEST(FaultRuns, AreOfAllOperations)
 {
     std::set<std::string_view> missing;
-    for (const OperationRow& operation : operationTable()) {
+    for (const driver::OperationRow& operation : driver::operationTable()) {
         missing.insert(operation.name);
     }
     for (const FaultRun& run : faultRuns()) {
         std::istringstream rest(run.arguments);
         const std::vector<std::string> arguments{std::istream_iterator<std::string>(rest), {}};
-        const OperationRow* const operation = selectOperation(scanArguments(arguments).settings);
+        const driver::OperationRow* const operation =
+            driver::selectOperation(driver::scanArguments(arguments).settings);
         if (operation != nullptr) {
             missing.erase(operation->name);
         }

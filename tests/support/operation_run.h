@@ -68,9 +68,9 @@ inline Outcome runOperationOn(const GivenFiles& given, const std::string& comman
     for (std::string word; words >> word;) {
         arguments.push_back(word);
     }
-    CommandLine line = scanArguments(arguments);
+    driver::CommandLine line = driver::scanArguments(arguments);
     validate(line);
-    runOperation(line.settings, expandInputs(line.rawInputList));
+    driver::runOperation(line.settings, run::expandInputs(line.rawInputList));
     closeAllUnits(false);
     endLine();
     flushConsole();

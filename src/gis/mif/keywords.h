@@ -9,13 +9,13 @@
 
 namespace gridforge::gis::mif {
 
-struct Keyword {
+struct ObjectKeyword {
     std::string_view word;
     Kind kind;
 };
 
 // In the order in which a reader tries them.
-inline constexpr std::array<Keyword, 12> kKeywords = {{
+inline constexpr std::array<ObjectKeyword, 12> kKeywords = {{
     {"POINT", Kind::point},
     {"PLINE MULTIPLE", Kind::combinedPolyline},
     {"PLINE", Kind::polyline},
@@ -35,7 +35,7 @@ inline constexpr std::string_view kCentreKeyword = "CENTER";          // not an 
 // Blank for a kind that is unknown.
 inline std::string_view keywordOf(Kind kind)
 {
-    const auto* const found = std::ranges::find(kKeywords, kind, &Keyword::kind);
+    const auto* const found = std::ranges::find(kKeywords, kind, &ObjectKeyword::kind);
     return found == kKeywords.end() ? std::string_view() : found->word;
 }
 

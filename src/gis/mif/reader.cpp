@@ -68,7 +68,7 @@ void needDefinition(Unit unit, std::string& line)
     }
 }
 
-void readDefinitions(Input& input, std::int32_t count)
+void readDefinitions(MifInput& input, std::int32_t count)
 {
     std::string line;
     input.definitions.clear();
@@ -78,7 +78,7 @@ void readDefinitions(Input& input, std::int32_t count)
     }
 }
 
-void sayDefinitions(const Input& input)
+void sayDefinitions(const MifInput& input)
 {
     std::string text = join(input.definitions.size(), " MIF Fields: Name [#/Type]: ");
     std::size_t number = 0;
@@ -110,10 +110,10 @@ Column outputColumn(const Column& definition)
 
 } // namespace
 
-Input open(std::string_view fileName)
+MifInput open(std::string_view fileName)
 {
     const std::string base = baseOf(fileName);
-    Input input;
+    MifInput input;
     OPENER(input.mifUnit, "I ", base + ".mif");
     OPENER(input.midUnit, "I ", base + ".mid");
     return input;
@@ -127,7 +127,7 @@ Column splitDefinition(std::string_view line, std::size_t nameWidth)
     return {cut(definition.substr(0, blank), nameWidth), cut(trimLeft(definition.substr(blank)), kColumnTypeWidth)};
 }
 
-void readHeader(Input& input)
+void readHeader(MifInput& input)
 {
     seekTo(input.mifUnit, 0);
     std::string line;
@@ -149,12 +149,12 @@ void readHeader(Input& input)
     findData(input.mifUnit, kLineWidth);
 }
 
-std::int32_t columnCount(const Input& input)
+std::int32_t columnCount(const MifInput& input)
 {
     return static_cast<std::int32_t>(input.definitions.size());
 }
 
-std::vector<Column> columnsOf(const Input& input)
+std::vector<Column> columnsOf(const MifInput& input)
 {
     std::vector<Column> result;
     std::ranges::transform(input.definitions, std::back_inserter(result), outputColumn);
@@ -192,7 +192,7 @@ void readCounts(std::string_view line, std::string_view rest, LayerObject& objec
     }
 }
 
-void needObjectLine(Input& input)
+void needObjectLine(MifInput& input)
 {
     if (!readLine(input.mifUnit, input.line)) {
         gisFail(readFailed(input.mifUnit) ? "ERROR 0321 - Reading .mif file object type."
@@ -206,8 +206,8 @@ bool isObject(std::string_view line, std::string_view& tail, LayerObject& object
     std::array<char, kKeywordWidth> head{};
     tail = line.substr(std::min(line.find_first_not_of(" \t"), line.size()));
     const std::string_view word = upperHead(tail, head);
-    const auto* const match =
-        std::ranges::find_if(kKeywords, [&](const Keyword& candidate) { return word.starts_with(candidate.word); });
+    const auto* const match = std::ranges::find_if(
+        kKeywords, [&](const ObjectKeyword& candidate) { return word.starts_with(candidate.word); });
     // Set by every line: a Center line is known as such only if no further line follows.
     object.centre = word.starts_with(kCentreKeyword);
     if (match != kKeywords.end()) {
@@ -229,7 +229,7 @@ bool isObject(std::string_view line, std::string_view& tail, LayerObject& object
 
 } // namespace
 
-bool readKind(Input& input, LayerObject& object)
+bool readKind(MifInput& input, LayerObject& object)
 {
     bool found = false;
     std::string_view tail;
@@ -242,12 +242,12 @@ bool readKind(Input& input, LayerObject& object)
     return found;
 }
 
-bool atObjectsEnd(const Input& input)
+bool atObjectsEnd(const MifInput& input)
 {
     return atEnd(input.mifUnit);
 }
 
-bool readRecord(Input& input, std::string_view name, std::string& line, std::size_t width)
+bool readRecord(MifInput& input, std::string_view name, std::string& line, std::size_t width)
 {
     if (!readLine(input.midUnit, line, width)) {
         gisFail(join("ERROR 0254 - Failed to read object attribute data record for a ", name, " object in GIS layer."));
@@ -290,7 +290,7 @@ void needVertex(std::string_view text, double& x, double& y)
     need(values, y);
 }
 
-void needLine(Input& input)
+void needLine(MifInput& input)
 {
     if (!readLine(input.mifUnit, input.line)) {
         readFailed(input.mifUnit) ? failRead() : failEnd();
@@ -303,7 +303,7 @@ void needCount(std::string_view text, std::int32_t& count)
     need(values, count);
 }
 
-void skipLines(Input& input, std::int64_t count)
+void skipLines(MifInput& input, std::int64_t count)
 {
     for (std::int64_t i = 0; i < count; ++i) {
         needLine(input);
@@ -320,7 +320,7 @@ void requireRoom(std::int64_t np, std::int32_t maxVertices)
 }
 
 // Vertices from number `first` to `last`, one a line.
-void readVertices(Input& input, Coordinates& c, std::int32_t first, std::int32_t last)
+void readVertices(MifInput& input, Coordinates& c, std::int32_t first, std::int32_t last)
 {
     for (std::int32_t i = first; i <= last; ++i) {
         needLine(input);
@@ -329,7 +329,7 @@ void readVertices(Input& input, Coordinates& c, std::int32_t first, std::int32_t
     }
 }
 
-void readPolyline(Input& input, Coordinates& c, std::int32_t maxVertices, bool wanted)
+void readPolyline(MifInput& input, Coordinates& c, std::int32_t maxVertices, bool wanted)
 {
     if (c.np < 0) {
         failRead();
@@ -345,7 +345,7 @@ void readPolyline(Input& input, Coordinates& c, std::int32_t maxVertices, bool w
 }
 
 // A ring as read: its vertices, and behind them the slot that repeats the second one.
-void readRing(Input& input, Coordinates& c, std::int32_t start)
+void readRing(MifInput& input, Coordinates& c, std::int32_t start)
 {
     c.reserve(c.np + 1);
     readVertices(input, c, start, c.np - 1);
@@ -359,7 +359,7 @@ void readRing(Input& input, Coordinates& c, std::int32_t start)
     gisFail("ERROR 0318 - Less than 5 points for Region object in mif file.");
 }
 
-void readRings(Input& input, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
+void readRings(MifInput& input, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
 {
     object.parts.resize(std::max(object.parts.size(), static_cast<std::size_t>(std::max(object.rings, 1))));
     c.np = 0;
@@ -394,7 +394,7 @@ void readRings(Input& input, LayerObject& object, Coordinates& c, std::int32_t m
 
 // The scan for the region's centre runs on to the next object, whose line takes the centre back: so only the last
 // region of a file gets the centre that the file gives, all others the computed one. On purpose: results depend on it.
-Centre lookForCentre(Input& input, Coordinates& c)
+Centre lookForCentre(MifInput& input, Coordinates& c)
 {
     input.next.clear();
     readKind(input, input.next);
@@ -406,7 +406,7 @@ Centre lookForCentre(Input& input, Coordinates& c)
     return Centre::given;
 }
 
-void readPoint(Input& input, Kind kind, Coordinates& c)
+void readPoint(MifInput& input, Kind kind, Coordinates& c)
 {
     if (kind == Kind::multipoint || trimLeft(input.rest).empty()) {
         needLine(input);
@@ -416,7 +416,7 @@ void readPoint(Input& input, Kind kind, Coordinates& c)
     needVertex(input.rest, c.x[0], c.y[0]);
 }
 
-void readEnds(const Input& input, Coordinates& c)
+void readEnds(const MifInput& input, Coordinates& c)
 {
     c.np = 2;
     FreeForm values(input.rest);
@@ -427,7 +427,7 @@ void readEnds(const Input& input, Coordinates& c)
 
 } // namespace
 
-Centre readCoordinates(Input& input, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
+Centre readCoordinates(MifInput& input, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
 {
     object.haveCoordinates = false;
     Centre centre = Centre::computed;
@@ -461,7 +461,7 @@ Centre readCoordinates(Input& input, LayerObject& object, Coordinates& c, std::i
     return centre;
 }
 
-void closeFiles(Input& input)
+void closeFiles(MifInput& input)
 {
     CLOSER(input.mifUnit);
     CLOSER(input.midUnit);
@@ -469,7 +469,7 @@ void closeFiles(Input& input)
 
 // --- For callers outside ---------------------------------------------------------------------------------------------
 
-std::int32_t recordCount(Input& input)
+std::int32_t recordCount(MifInput& input)
 {
     seekTo(input.midUnit, 0);
     std::int32_t count = 0;
@@ -481,7 +481,7 @@ std::int32_t recordCount(Input& input)
     return count;
 }
 
-void rewind(Input& input)
+void rewind(MifInput& input)
 {
     seekTo(input.mifUnit, 0);
     findData(input.mifUnit, kShortLine);
@@ -499,7 +499,7 @@ bool warnColumns(std::string_view message)
 
 } // namespace
 
-bool goToColumns(Input& input, std::int32_t& count)
+bool goToColumns(MifInput& input, std::int32_t& count)
 {
     seekTo(input.mifUnit, 0);
     std::string line;
@@ -514,7 +514,7 @@ bool goToColumns(Input& input, std::int32_t& count)
     return true;
 }
 
-Column readColumn(Input& input)
+Column readColumn(MifInput& input)
 {
     std::string line;
     needDefinition(input.mifUnit, line);

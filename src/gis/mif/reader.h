@@ -13,7 +13,7 @@
 
 namespace gridforge::gis::mif {
 
-struct Input {
+struct MifInput {
     Unit mifUnit = 0;
     Unit midUnit = 0;
     std::vector<Column> definitions; // the columns with their types as written, as "Char(12)"
@@ -23,37 +23,37 @@ struct Input {
 };
 
 // Opens <base>.mif and <base>.mid. A name without either extension is the base.
-Input open(std::string_view fileName);
+MifInput open(std::string_view fileName);
 // Rewinds, reads the columns, which the console shows, and stands after "Data".
-void readHeader(Input& input);
+void readHeader(MifInput& input);
 // A column definition, split at its first blank, the name cut at `nameWidth`.
 Column splitDefinition(std::string_view line, std::size_t nameWidth);
-std::int32_t columnCount(const Input& input);
+std::int32_t columnCount(const MifInput& input);
 // The columns as an output layer takes them.
-std::vector<Column> columnsOf(const Input& input);
+std::vector<Column> columnsOf(const MifInput& input);
 
 // Finds the next object and its kind. False at the end of the file.
-bool readKind(Input& input, LayerObject& object);
+bool readKind(MifInput& input, LayerObject& object);
 // The next line of the .mid, cut at `width`, into `line`; `name` is that of its object, for messages. True at the end of
 // the layer.
-bool readRecord(Input& input, std::string_view name, std::string& line, std::size_t width);
+bool readRecord(MifInput& input, std::string_view name, std::string& line, std::size_t width);
 // Coordinates of the object that readKind has found. More than `maxVertices` end the run. Where they are not `wanted`
 // only the first vertex is read.
-Centre readCoordinates(Input& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
+Centre readCoordinates(MifInput& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
                        bool wanted);
 // No object is left.
-bool atObjectsEnd(const Input& input);
+bool atObjectsEnd(const MifInput& input);
 
-void closeFiles(Input& input);
+void closeFiles(MifInput& input);
 
 // Lines of the .mid, which is rewound.
-std::int32_t recordCount(Input& input);
+std::int32_t recordCount(MifInput& input);
 // Back to the first object.
-void rewind(Input& input);
+void rewind(MifInput& input);
 // Back to the column definitions; their count. False, with a warning and a pause, where it cannot be found.
-bool goToColumns(Input& input, std::int32_t& count);
+bool goToColumns(MifInput& input, std::int32_t& count);
 // The next column definition, its name cut at 256 and its type at 24.
-Column readColumn(Input& input);
+Column readColumn(MifInput& input);
 
 // The CoordSys line of a .mif, which must be there.
 void takeProjection(std::string_view fileName, std::string& projection);

@@ -132,17 +132,17 @@ constexpr std::array kRecordFailures =
 
 } // namespace
 
-Output create(std::string_view fileName, const LayerSpec& spec)
+MifOutput create(std::string_view fileName, const LayerSpec& spec)
 {
     const std::string base = baseOf(fileName);
-    Output output;
+    MifOutput output;
     OPENER(output.mifUnit, "O ", base + ".mif");
     OPENER(output.midUnit, "O ", base + ".mid");
     writeHeader(output.mifUnit, spec);
     return output;
 }
 
-void writeObject(const Output& output, const Feature& f)
+void writeObject(const MifOutput& output, const Feature& f)
 {
     const Unit unit = output.mifUnit;
     onWriteFailure(unit, failObject);
@@ -185,13 +185,13 @@ void writeObject(const Output& output, const Feature& f)
     writeStyle(unit, f.style);
 }
 
-void writeRecord(const Output& output, const Feature& feature)
+void writeRecord(const MifOutput& output, const Feature& feature)
 {
     onWriteFailure(output.midUnit, kRecordFailures[static_cast<std::size_t>(feature.kind)]);
     writeLine(output.midUnit, trimRight(std::string_view(feature.record).substr(0, kRecordWidth)));
 }
 
-void closeFiles(Output& output)
+void closeFiles(MifOutput& output)
 {
     CLOSER(output.mifUnit);
     CLOSER(output.midUnit);

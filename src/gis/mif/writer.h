@@ -9,15 +9,15 @@
 
 namespace gridforge::gis::mif {
 
-struct Output {
+struct MifOutput {
     Unit mifUnit = 0;
     Unit midUnit = 0;
 };
 
 // Creates <base>.mif with its header, and <base>.mid. A name without either extension is the base.
-Output create(std::string_view fileName, const LayerSpec& spec);
-void writeObject(const Output& output, const Feature& feature);
-void writeRecord(const Output& output, const Feature& feature);
-void closeFiles(Output& output);
+MifOutput create(std::string_view fileName, const LayerSpec& spec);
+void writeObject(const MifOutput& output, const Feature& feature);
+void writeRecord(const MifOutput& output, const Feature& feature);
+void closeFiles(MifOutput& output);
 
 } // namespace gridforge::gis::mif

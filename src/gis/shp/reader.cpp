@@ -287,16 +287,16 @@ FileHeader readFileHeader(Unit unit)
     return header;
 }
 
-Input open(std::string_view fileName)
+ShpInput open(std::string_view fileName)
 {
-    Input input;
+    ShpInput input;
     OPENER(input.shp.shpUnit, "BI", fileName);
     OPENER(input.shp.shpUnitBE, "BE", fileName);
     OPENER(input.dbf.dbfUnit, "BI", FILENAMEPATH(fileName) + ".dbf");
     return input;
 }
 
-void readHeader(Input& input)
+void readHeader(ShpInput& input)
 {
     ShpFile& shp = input.shp;
     if (shp.shpUnitBE > 0) {
@@ -318,12 +318,12 @@ void readHeader(Input& input)
     input.dbf.currentRecord = 0;
 }
 
-std::int32_t columnCount(const Input& input)
+std::int32_t columnCount(const ShpInput& input)
 {
     return input.dbf.nFields;
 }
 
-std::vector<Column> columnsOf(const Input& input)
+std::vector<Column> columnsOf(const ShpInput& input)
 {
     const DbfTable& dbf = input.dbf;
     std::vector<Column> result;
@@ -339,7 +339,7 @@ std::vector<Column> columnsOf(const Input& input)
 
 // --- Objects ---------------------------------------------------------------------------------------------------------
 
-bool readKind(Input& input, LayerObject& object)
+bool readKind(ShpInput& input, LayerObject& object)
 {
     ShpFile& shp = input.shp;
     std::array<std::byte, 2 * sizeof(std::int32_t)> head; // record number and length, of no use to a reader in order
@@ -360,12 +360,12 @@ bool readKind(Input& input, LayerObject& object)
     return true;
 }
 
-bool atObjectsEnd(const Input& input)
+bool atObjectsEnd(const ShpInput& input)
 {
     return atEnd(input.shp.shpUnit);
 }
 
-bool readRecord(Input& input, std::string_view /*name*/, std::string& line, std::size_t width)
+bool readRecord(ShpInput& input, std::string_view /*name*/, std::string& line, std::size_t width)
 {
     bool tableEnded = false;
     dbfReadRecord(input.dbf, tableEnded, line, width);
@@ -373,7 +373,7 @@ bool readRecord(Input& input, std::string_view /*name*/, std::string& line, std:
     return tableEnded || atEnd(input.dbf.dbfUnit) || atObjectsEnd(input);
 }
 
-Centre readCoordinates(Input& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
+Centre readCoordinates(ShpInput& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
                        bool wanted)
 {
     ShpFile& shp = input.shp;
@@ -390,7 +390,7 @@ Centre readCoordinates(Input& input, LayerObject& object, Coordinates& coordinat
     return Centre::computed;
 }
 
-void closeFiles(Input& input)
+void closeFiles(ShpInput& input)
 {
     CLOSER(input.shp.shpUnit);
     CLOSER(input.shp.shpUnitBE);
@@ -399,22 +399,22 @@ void closeFiles(Input& input)
 
 // --- For callers outside ---------------------------------------------------------------------------------------------
 
-std::int32_t recordCount(const Input& input)
+std::int32_t recordCount(const ShpInput& input)
 {
     return input.dbf.nRecords;
 }
 
-void rewind(Input& input)
+void rewind(ShpInput& input)
 {
     readHeader(input);
 }
 
-bool goToColumns(Input& /*input*/, std::int32_t& /*count*/)
+bool goToColumns(ShpInput& /*input*/, std::int32_t& /*count*/)
 {
     gisMisuse("[gisGotoBeginningOfAttributes]");
 }
 
-Column readColumn(Input& /*input*/)
+Column readColumn(ShpInput& /*input*/)
 {
     gisMisuse("[gisReadAttributeDefinition]");
 }

@@ -14,7 +14,7 @@
 
 namespace gridforge::gis::shp {
 
-struct Input {
+struct ShpInput {
     ShpFile shp;
     DbfTable dbf;
 };
@@ -33,35 +33,35 @@ struct FileHeader {
 FileHeader readFileHeader(Unit unit);
 
 // Opens the .shp, on two units, and the .dbf beside it.
-Input open(std::string_view fileName);
+ShpInput open(std::string_view fileName);
 // Code and length with their console line (only while the big-endian unit is open, which is closed then), version, type
 // and box with theirs, and the header of the .dbf. The reader stands at the first object.
-void readHeader(Input& input);
-std::int32_t columnCount(const Input& input);
+void readHeader(ShpInput& input);
+std::int32_t columnCount(const ShpInput& input);
 // The columns as an output layer takes them.
-std::vector<Column> columnsOf(const Input& input);
+std::vector<Column> columnsOf(const ShpInput& input);
 
 // Reads the head of the next record: kind, parts and name of `object`, which the caller has cleared. Always true: the
 // end of the file and what is not supported end the run.
-bool readKind(Input& input, LayerObject& object);
+bool readKind(ShpInput& input, LayerObject& object);
 // The next record of the .dbf as one line, cut at `width`; `name` is not needed here. True at the end of the layer.
-bool readRecord(Input& input, std::string_view name, std::string& line, std::size_t width);
+bool readRecord(ShpInput& input, std::string_view name, std::string& line, std::size_t width);
 // Coordinates of the object whose head has been read; for polylines one part a call. `maxVertices` is checked before
 // anything is stored. The centre is always left to be computed.
-Centre readCoordinates(Input& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
+Centre readCoordinates(ShpInput& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
                        bool wanted);
 // No object is left.
-bool atObjectsEnd(const Input& input);
+bool atObjectsEnd(const ShpInput& input);
 
-void closeFiles(Input& input);
+void closeFiles(ShpInput& input);
 
 // The record count in the header of the .dbf.
-std::int32_t recordCount(const Input& input);
+std::int32_t recordCount(const ShpInput& input);
 // Back to the first object.
-void rewind(Input& input);
+void rewind(ShpInput& input);
 // Definitions of columns are for .mif alone; asking for them ends the run.
-bool goToColumns(Input& input, std::int32_t& count);
-Column readColumn(Input& input);
+bool goToColumns(ShpInput& input, std::int32_t& count);
+Column readColumn(ShpInput& input);
 
 // The PROJCS line of the .prj beside a .shp, which must be there.
 void takeProjection(std::string_view fileName, std::string& projection);

@@ -323,7 +323,7 @@ void writeHeaders(OutputSet& set, const LayerSpec& spec)
 
 // Calls `work` with each set that takes an object of this kind. A kind that has none ends the run and names `place`.
 template <typename Work>
-void forEachSetOf(Output& output, Kind kind, std::string_view place, const Work& work)
+void forEachSetOf(ShpOutput& output, Kind kind, std::string_view place, const Work& work)
 {
     const auto one = [&](std::size_t index) {
         if (output.sets[index].shp.shpUnit <= 0) {
@@ -378,10 +378,10 @@ void writeFileHeader(ShpFile& shp, Unit unitLE, Unit unitBE)
     truncateHere(unit);
 }
 
-Output create(std::string_view fileName, const LayerSpec& spec)
+ShpOutput create(std::string_view fileName, const LayerSpec& spec)
 {
     requireNoInputSet(fileName, spec.families);
-    Output output;
+    ShpOutput output;
     for (const char letter : spec.families) {
         const ShapeFamily& family = shapeFamily(letter);
         output.sets[family.index].shp.shapeType = family.shapeType;
@@ -397,7 +397,7 @@ Output create(std::string_view fileName, const LayerSpec& spec)
 
 // --- Objects and records ---------------------------------------------------------------------------------------------
 
-void writeObject(Output& output, const Feature& feature)
+void writeObject(ShpOutput& output, const Feature& feature)
 {
     forEachSetOf(output, feature.kind, "[gisWriteObject-shp]", [&](OutputSet& set) { writeObject(set, feature); });
 }
@@ -420,13 +420,13 @@ void writeObject(OutputSet& set, const Feature& feature)
     writeBody(shapeType, feature, shp);
 }
 
-void writeRecord(Output& output, const Feature& feature)
+void writeRecord(ShpOutput& output, const Feature& feature)
 {
     forEachSetOf(output, feature.kind, "[gisWriteRecord-dbf]",
                  [&](OutputSet& set) { dbfdataline(set.dbf, feature.record); });
 }
 
-void closeFiles(Output& output)
+void closeFiles(ShpOutput& output)
 {
     for (OutputSet& set : output.sets) {
         complete(set);

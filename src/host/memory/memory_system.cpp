@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -397,4 +397,4 @@ std::string takeMemoryConsole()
     return std::exchange(memory().console, {});
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // There is one per process; what it holds lasts until it is cleared. A folder exists as long as a file is in it, that of
 // the run always. The folder of the run is also the first of all, "/".
@@ -25,4 +25,4 @@ void giveMemoryAnswers(std::string_view answers);
 // What was written to the console since the last call.
 std::string takeMemoryConsole();
 
-} // namespace gridforge
+} // namespace gridforge::inline host

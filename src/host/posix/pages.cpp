@@ -12,7 +12,7 @@
 #endif
 #endif
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -58,4 +58,4 @@ PageSource nativePages() noexcept
     return {takeMapped, releaseMapped};
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -5,7 +5,7 @@
 #include <sys/platform/x86.h>
 #endif
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 bool nativeAvx2() noexcept
 {
@@ -16,4 +16,4 @@ bool nativeAvx2() noexcept
 #endif
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

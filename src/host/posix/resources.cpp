@@ -9,7 +9,7 @@
 #include <sys/resource.h>
 #include <thread>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -125,4 +125,4 @@ std::uint64_t memoryLeftToTake()
     return std::min({machine, leftInGroups(), leftOf(RLIMIT_AS, "VmSize:"), leftOf(RLIMIT_DATA, "VmData:")});
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 // Processors, at least one.
 std::size_t processorsToUse();
 // Bytes that can be taken before the machine, a limit of the process or one of its control groups refuses.
 std::uint64_t memoryLeftToTake();
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -19,7 +19,7 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -407,4 +407,4 @@ void runGuarded(const std::function<void()>& work)
     sigaction(SIGSEGV, &earlier, nullptr);
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

@@ -8,7 +8,7 @@
 #include <system_error>
 #include <windows.h>
 
-namespace gridforge {
+namespace gridforge::inline host {
 
 namespace {
 
@@ -418,4 +418,4 @@ void runGuarded(const std::function<void()>& work)
     work(); // without a guard yet
 }
 
-} // namespace gridforge
+} // namespace gridforge::inline host

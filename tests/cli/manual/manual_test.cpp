@@ -50,9 +50,9 @@ std::string paragraphOf(const std::string& page, const std::string& heading)
     return {};
 }
 
-bool isGlued(const FlagRow& row)
+bool isGlued(const driver::FlagRow& row)
 {
-    return row.value == FlagValue::gluedReal || row.value == FlagValue::gluedInteger;
+    return row.value == driver::FlagValue::gluedReal || row.value == driver::FlagValue::gluedInteger;
 }
 
 class ManualPage : public testing::Test {
@@ -78,20 +78,22 @@ TEST_F(ManualPage, RendersWithoutWarnings)
 TEST_F(ManualPage, TellsEveryFlagWithItsValueAndDefault)
 {
     const std::string page = rendered();
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         const std::string value(row.docs.valueName);
-        const std::string heading =
-            join('-', row.key, isGlued(row) || row.value == FlagValue::statistic || value.empty() ? "" : " ", value);
+        const std::string heading = join(
+            '-', row.key, isGlued(row) || row.value == driver::FlagValue::statistic || value.empty() ? "" : " ", value);
         const std::string paragraph = paragraphOf(page, heading);
         EXPECT_THAT(paragraph, HasSubstr(std::string(row.docs.description.substr(1)) + ".")) << heading;
-        const std::string nothing = row.value == FlagValue::none ? "off" : "none";
+        const std::string nothing = row.value == driver::FlagValue::none ? "off" : "none";
         EXPECT_THAT(
             paragraph,
             HasSubstr("Default: " + (row.docs.defaultText.empty() ? nothing : std::string(row.docs.defaultText)) + "."))
             << heading;
-        EXPECT_EQ(paragraph.find("Value: a number.") != std::string::npos, row.value == FlagValue::gluedReal);
-        EXPECT_EQ(paragraph.find("Value: a whole number.") != std::string::npos, row.value == FlagValue::gluedInteger);
-        EXPECT_EQ(paragraph.find("Value: the next argument.") != std::string::npos, row.value == FlagValue::next);
+        EXPECT_EQ(paragraph.find("Value: a number.") != std::string::npos, row.value == driver::FlagValue::gluedReal);
+        EXPECT_EQ(paragraph.find("Value: a whole number.") != std::string::npos,
+                  row.value == driver::FlagValue::gluedInteger);
+        EXPECT_EQ(paragraph.find("Value: the next argument.") != std::string::npos,
+                  row.value == driver::FlagValue::next);
     }
 }
 
@@ -127,11 +129,11 @@ TEST_F(ManualPage, KeepsOperationsApartFromOptions)
 {
     const std::string page = rendered();
     const std::size_t options = page.find("\nOPTIONS\n");
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         const std::string paragraph =
             paragraphOf(page, join('-', row.key, row.docs.valueName.empty() ? "" : " ", row.docs.valueName));
         if (!paragraph.empty()) {
-            EXPECT_EQ(page.find(paragraph) < options, row.kind == FlagKind::operation) << row.key;
+            EXPECT_EQ(page.find(paragraph) < options, row.kind == driver::FlagKind::operation) << row.key;
         }
     }
 }
@@ -157,8 +159,8 @@ std::vector<std::string> offers(std::string_view words)
 TEST(Completion, OffersEveryFlag)
 {
     const std::vector<std::string> all = offers("gridforge -");
-    for (const FlagRow& row : flagTable()) {
-        if (row.value != FlagValue::statistic) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
+        if (row.value != driver::FlagValue::statistic) {
             EXPECT_THAT(all, Contains(join('-', row.key)));
         }
     }

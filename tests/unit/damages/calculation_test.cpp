@@ -23,9 +23,9 @@ constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 // --- The order of the grids ------------------------------------------------------------------------------------------
 
 // The plain twin: for each place the largest, which then gets -1.
-std::vector<DmgRes> sortPlainly(std::vector<DmgRes> listed)
+std::vector<damages::DmgRes> sortPlainly(std::vector<damages::DmgRes> listed)
 {
-    std::vector<DmgRes> sorted;
+    std::vector<damages::DmgRes> sorted;
     std::size_t chosen = listed.size();
     for (std::size_t i = 0; i < listed.size(); ++i) {
         float best = -9999.0F;
@@ -41,19 +41,19 @@ std::vector<DmgRes> sortPlainly(std::vector<DmgRes> listed)
     return sorted;
 }
 
-std::vector<DmgRes> listOf(const std::vector<float>& probabilities)
+std::vector<damages::DmgRes> listOf(const std::vector<float>& probabilities)
 {
-    std::vector<DmgRes> listed;
+    std::vector<damages::DmgRes> listed;
     for (std::size_t i = 0; i < probabilities.size(); ++i) {
         listed.push_back({std::to_string(i + 1), probabilities[i]});
     }
     return listed;
 }
 
-std::string shown(const std::vector<DmgRes>& results)
+std::string shown(const std::vector<damages::DmgRes>& results)
 {
     std::string text;
-    for (const DmgRes& result : results) {
+    for (const damages::DmgRes& result : results) {
         text += result.file + ":" + std::to_string(result.AEP) + " ";
     }
     return text;
@@ -61,16 +61,16 @@ std::string shown(const std::vector<DmgRes>& results)
 
 TEST(SortByFrequency, TheMostFrequentGoesFirstAndEqualOnesKeepTheirOrder)
 {
-    EXPECT_EQ(shown(sortByFrequency(listOf({1, 10, 0.5, 10, 1}))),
+    EXPECT_EQ(shown(damages::sortByFrequency(listOf({1, 10, 0.5, 10, 1}))),
               "2:10.000000 4:10.000000 1:1.000000 5:1.000000 3:0.500000 ");
-    EXPECT_TRUE(sortByFrequency({}).empty());
+    EXPECT_TRUE(damages::sortByFrequency({}).empty());
 }
 
 TEST(SortByFrequency, WhatIsNoProbabilityGivesItsPlaceToAGridThatWasTaken)
 {
-    EXPECT_EQ(shown(sortByFrequency(listOf({-5, 10, kNan}))), "2:10.000000 2:-1.000000 2:-1.000000 ");
-    EXPECT_EQ(shown(sortByFrequency(listOf({-5, -3}))), "2:-3.000000 2:-1.000000 ");
-    EXPECT_EQ(shown(sortByFrequency(listOf({-1, 4}))), "2:4.000000 1:-1.000000 ");
+    EXPECT_EQ(shown(damages::sortByFrequency(listOf({-5, 10, kNan}))), "2:10.000000 2:-1.000000 2:-1.000000 ");
+    EXPECT_EQ(shown(damages::sortByFrequency(listOf({-5, -3}))), "2:-3.000000 2:-1.000000 ");
+    EXPECT_EQ(shown(damages::sortByFrequency(listOf({-1, 4}))), "2:4.000000 1:-1.000000 ");
 }
 
 TEST(SortByFrequency, IsTheSelectionForAnyList)
@@ -85,19 +85,19 @@ TEST(SortByFrequency, IsTheSelectionForAnyList)
         if (std::ranges::none_of(probabilities, [](float p) { return p > -9999.0F; })) {
             continue; // ends the run
         }
-        const std::vector<DmgRes> listed = listOf(probabilities);
-        EXPECT_EQ(shown(sortByFrequency(listed)), shown(sortPlainly(listed)));
+        const std::vector<damages::DmgRes> listed = listOf(probabilities);
+        EXPECT_EQ(shown(damages::sortByFrequency(listed)), shown(sortPlainly(listed)));
     }
 }
 
 // --- Polygons --------------------------------------------------------------------------------------------------------
 
-DmgBuilding polygon(std::vector<double> x, std::vector<double> y)
+damages::DmgBuilding polygon(std::vector<double> x, std::vector<double> y)
 {
     x.insert(x.end(), {x[0], x[1]});
     y.insert(y.end(), {y[0], y[1]});
-    DmgBuilding building;
-    building.type = kPolygonBuilding;
+    damages::DmgBuilding building;
+    building.type = damages::kPolygonBuilding;
     building.vertices = static_cast<std::int32_t>(x.size());
     building.xmin = *std::ranges::min_element(x);
     building.xmax = *std::ranges::max_element(x);
@@ -108,9 +108,9 @@ DmgBuilding polygon(std::vector<double> x, std::vector<double> y)
     return building;
 }
 
-SampledGrid gridOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
+damages::SampledGrid gridOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
 {
-    SampledGrid grid;
+    damages::SampledGrid grid;
     grid.header.nrows = nrows;
     grid.header.ncols = ncols;
     grid.header.xll = xll;
@@ -118,14 +118,14 @@ SampledGrid gridOf(std::int32_t nrows, std::int32_t ncols, double xll, double yl
     grid.header.cellsize = cellsize;
     grid.header.cellsize8 = static_cast<double>(cellsize);
     EXPECT_TRUE(grid.cells.allocate(nrows, ncols));
-    grid.columnX = columnPlaces(grid.header);
+    grid.columnX = damages::columnPlaces(grid.header);
     return grid;
 }
 
 TEST(BuildingWindow, HasACellOfMarginOnEachSide)
 {
-    const SampledGrid grid = gridOf(10, 10, 100, 200, 2);
-    const CellWindow w = buildingWindow(polygon({103, 107.9, 105}, {204, 205, 209}), grid.header);
+    const damages::SampledGrid grid = gridOf(10, 10, 100, 200, 2);
+    const run::CellWindow w = damages::buildingWindow(polygon({103, 107.9, 105}, {204, 205, 209}), grid.header);
     EXPECT_EQ(w.firstColumn, 0); // trunc(3 / 2) - 1
     EXPECT_EQ(w.lastColumn, 4);  // trunc(7.9 / 2) + 1
     EXPECT_EQ(w.firstRow, 1);    // trunc(4 / 2) - 1
@@ -134,21 +134,22 @@ TEST(BuildingWindow, HasACellOfMarginOnEachSide)
 
 TEST(BuildingWindow, TruncatesTowardsZeroAndStaysInTheIntegers)
 {
-    const SampledGrid grid = gridOf(10, 10, 0, 0, 1);
-    const CellWindow near = buildingWindow(polygon({-0.9, 0.5, 0.5}, {-1.9, 0.5, 0.5}), grid.header);
+    const damages::SampledGrid grid = gridOf(10, 10, 0, 0, 1);
+    const run::CellWindow near = damages::buildingWindow(polygon({-0.9, 0.5, 0.5}, {-1.9, 0.5, 0.5}), grid.header);
     EXPECT_EQ(near.firstColumn, -1);
     EXPECT_EQ(near.firstRow, -2);
-    const CellWindow far = buildingWindow(polygon({-1e300, 1e300, 0}, {-1e300, 1e300, 0}), grid.header);
+    const run::CellWindow far = damages::buildingWindow(polygon({-1e300, 1e300, 0}, {-1e300, 1e300, 0}), grid.header);
     EXPECT_EQ(far.firstColumn, std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(far.lastColumn, std::numeric_limits<std::int32_t>::max());
 }
 
 // The plain twin of the kernel: every vertex for every cell.
-InsideCells cellsInsidePlainly(const DmgBuilding& building, const CellWindow& window, const SampledGrid& grid)
+damages::InsideCells cellsInsidePlainly(const damages::DmgBuilding& building, const run::CellWindow& window,
+                                        const damages::SampledGrid& grid)
 {
     const GridHeader& header = grid.header;
     const std::array<std::int32_t, 1> ir = {building.vertices - 1};
-    InsideCells cells;
+    damages::InsideCells cells;
     for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
         for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
             const double y = header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8;
@@ -168,7 +169,7 @@ InsideCells cellsInsidePlainly(const DmgBuilding& building, const CellWindow& wi
     return cells;
 }
 
-void fillLevels(SampledGrid& grid, std::mt19937& random)
+void fillLevels(damages::SampledGrid& grid, std::mt19937& random)
 {
     std::uniform_real_distribution<float> level(-1100, 900);
     std::uniform_int_distribution<int> chance(0, 9);
@@ -178,7 +179,7 @@ void fillLevels(SampledGrid& grid, std::mt19937& random)
 }
 
 // A ring of any shape, crossing itself at times, with vertices on the points of cells and level edges among others.
-DmgBuilding anyPolygon(const GridHeader& header, std::mt19937& random)
+damages::DmgBuilding anyPolygon(const GridHeader& header, std::mt19937& random)
 {
     std::uniform_int_distribution<int> vertices(3, 14);
     std::uniform_real_distribution<double> place(1.5, 1.0 + std::max(header.ncols, header.nrows));
@@ -201,19 +202,19 @@ TEST(CellsInside, GivesTheBitsOfThePlainTest)
 {
     std::mt19937 random(11);
     int counted = 0;
-    PolygonTest test;
+    damages::PolygonTest test;
     for (const auto& [xll, yll, cellsize] : std::vector<std::tuple<double, double, float>>{
              {0, 0, 1}, {381234.125, 6354321.375, 0.9999F}, {-7e6, 1e7, 5}}) {
-        SampledGrid grid = gridOf(31, 42, xll, yll, cellsize);
+        damages::SampledGrid grid = gridOf(31, 42, xll, yll, cellsize);
         fillLevels(grid, random);
         for (int round = 0; round < 400; ++round) {
-            const DmgBuilding building = anyPolygon(grid.header, random);
-            const CellWindow window = buildingWindow(building, grid.header);
+            const damages::DmgBuilding building = anyPolygon(grid.header, random);
+            const run::CellWindow window = damages::buildingWindow(building, grid.header);
             if (window.firstRow < 1 || window.firstColumn < 1 || window.firstRow > 31 || window.firstColumn > 42) {
                 continue;
             }
-            const InsideCells fast = cellsInside(building, window, grid, test);
-            const InsideCells plain = cellsInsidePlainly(building, window, grid);
+            const damages::InsideCells fast = damages::cellsInside(building, window, grid, test);
+            const damages::InsideCells plain = cellsInsidePlainly(building, window, grid);
             EXPECT_EQ(std::bit_cast<std::uint32_t>(fast.maximum), std::bit_cast<std::uint32_t>(plain.maximum));
             EXPECT_EQ(std::bit_cast<std::uint32_t>(fast.sum), std::bit_cast<std::uint32_t>(plain.sum));
             EXPECT_EQ(fast.count, plain.count);
@@ -226,29 +227,30 @@ TEST(CellsInside, GivesTheBitsOfThePlainTest)
 TEST(CellsInside, SumsInSinglePrecisionRowsFromTheSouth)
 {
     // 1e8 swallows each 1 behind it: the order tells in the sum.
-    SampledGrid grid = gridOf(4, 4, 0, 0, 1);
-    const DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
-    PolygonTest test;
+    damages::SampledGrid grid = gridOf(4, 4, 0, 0, 1);
+    const damages::DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
+    damages::PolygonTest test;
     grid.cells(3, 3) = 1e8F;
     grid.cells(3, 4) = 1;
     grid.cells(4, 3) = 1;
     grid.cells(4, 4) = -1e8F;
-    EXPECT_EQ(cellsInside(building, buildingWindow(building, grid.header), grid, test).sum, 0.0F);
+    EXPECT_EQ(damages::cellsInside(building, damages::buildingWindow(building, grid.header), grid, test).sum, 0.0F);
     grid.cells(3, 3) = -1e8F;
     grid.cells(4, 4) = 1;
     grid.cells(4, 3) = 1e8F;
     grid.cells(3, 4) = 0;
-    EXPECT_EQ(cellsInside(building, buildingWindow(building, grid.header), grid, test).sum, 1.0F);
+    EXPECT_EQ(damages::cellsInside(building, damages::buildingWindow(building, grid.header), grid, test).sum, 1.0F);
 }
 
 TEST(CellsInside, CellsThatAreNoNumberDoNotBecomeTheMaximum)
 {
-    SampledGrid grid = gridOf(4, 4, 0, 0, 1);
+    damages::SampledGrid grid = gridOf(4, 4, 0, 0, 1);
     grid.cells(3, 3) = kNan;
     grid.cells(4, 4) = 2;
-    const DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
-    PolygonTest test;
-    const InsideCells cells = cellsInside(building, buildingWindow(building, grid.header), grid, test);
+    const damages::DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
+    damages::PolygonTest test;
+    const damages::InsideCells cells =
+        damages::cellsInside(building, damages::buildingWindow(building, grid.header), grid, test);
     EXPECT_EQ(cells.maximum, 2.0F);
     EXPECT_TRUE(std::isnan(cells.sum));
     EXPECT_EQ(cells.count, 4);
@@ -261,29 +263,29 @@ ChildRun calculate(std::int32_t type, std::int32_t method)
     const ScratchFolder folder;
     folder.give("g.asc", "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n5\n");
     return runInChild(folder, [=] {
-        std::vector<DmgBuilding> buildings = {polygon({2.1, 2.2, 2.2}, {2.1, 2.1, 2.2})};
+        std::vector<damages::DmgBuilding> buildings = {polygon({2.1, 2.2, 2.2}, {2.1, 2.1, 2.2})};
         buildings[0].type = type;
         buildings[0].curve = 1;
         buildings[0].damage.resize(1);
-        const std::vector<DmgCurve> curves = {{"c", {0, 1}, {0, 1}}};
-        const std::vector<DmgRes> results = {{"g.asc", 1}};
+        const std::vector<damages::DmgCurve> curves = {{"c", {0, 1}, {0, 1}}};
+        const std::vector<damages::DmgRes> results = {{"g.asc", 1}};
         float level = 0;
-        dmg_calc_res(buildings, curves, results, 1, method, level);
+        damages::dmg_calc_res(buildings, curves, results, 1, method, level);
     });
 }
 
 TEST(CalcRes, AnUnknownMethodOrTypeEndsTheRun)
 {
-    const ChildRun method = calculate(kPolygonBuilding, 3);
+    const ChildRun method = calculate(damages::kPolygonBuilding, 3);
     EXPECT_TRUE(method.ended);
     EXPECT_NE(method.console.find("   Done.\nERROR - Unexpected region inspection method [dmg_calc_res]\n"),
               std::string::npos)
         << method.console;
-    const ChildRun type = calculate(0, kInspectMax);
+    const ChildRun type = calculate(0, damages::kInspectMax);
     EXPECT_TRUE(type.ended);
     EXPECT_NE(type.console.find("   Done.\nERROR - Should not be here dmg_calc_res[a]\n"), std::string::npos)
         << type.console;
-    EXPECT_FALSE(calculate(kPolygonBuilding, kInspectAvg).ended);
+    EXPECT_FALSE(calculate(damages::kPolygonBuilding, damages::kInspectAvg).ended);
 }
 
 TEST(WriteGis, AnUnknownTypeEndsTheRun)
@@ -291,9 +293,9 @@ TEST(WriteGis, AnUnknownTypeEndsTheRun)
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] {
         gis::initialise();
-        const std::vector<DmgBuilding> buildings(1);
-        const std::vector<DmgCurve> curves(1);
-        dmg_write_gis({"o.mif", "o.csv"}, {}, buildings, {}, curves);
+        const std::vector<damages::DmgBuilding> buildings(1);
+        const std::vector<damages::DmgCurve> curves(1);
+        damages::dmg_write_gis({"o.mif", "o.csv"}, {}, buildings, {}, curves);
     });
     EXPECT_TRUE(run.ended);
     EXPECT_NE(run.console.find("\nERROR - Should not be here: dmg_write_gis[a]\n"), std::string::npos) << run.console;

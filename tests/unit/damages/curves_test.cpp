@@ -56,7 +56,7 @@ TEST(CurveLookup, GivesTheBitsOfThePlainWalk)
             asked.push_back(std::min(place(random), std::nextafter(depths.back(), -1e9F)));
         }
         for (const float depth : asked) {
-            EXPECT_EQ(std::bit_cast<std::uint32_t>(dmg_curve_lookup(depths, damages, depth)),
+            EXPECT_EQ(std::bit_cast<std::uint32_t>(damages::dmg_curve_lookup(depths, damages, depth)),
                       std::bit_cast<std::uint32_t>(lookUpPlainly(depths, damages, depth)));
         }
     }
@@ -68,14 +68,14 @@ TEST(CurveLookup, KeepsItsSingleSteps)
     const std::vector<float> depths = {0, 0.3F};
     const std::vector<float> damages = {0, 1e7F};
     const float share = 0.1F / 0.3F;
-    EXPECT_EQ(dmg_curve_lookup(depths, damages, 0.1F), share * 1e7F);
+    EXPECT_EQ(damages::dmg_curve_lookup(depths, damages, 0.1F), share * 1e7F);
 }
 
 TEST(CurveLookup, NotANumberHasNoDamage)
 {
     const std::vector<float> depths = {0, 1};
     const std::vector<float> damages = {0, 10};
-    EXPECT_TRUE(std::isnan(dmg_curve_lookup(depths, damages, std::numeric_limits<float>::quiet_NaN())));
+    EXPECT_TRUE(std::isnan(damages::dmg_curve_lookup(depths, damages, std::numeric_limits<float>::quiet_NaN())));
 }
 
 TEST(CurveLookup, TheLastPointAndWhatLiesAboveItIsTold)
@@ -84,9 +84,10 @@ TEST(CurveLookup, TheLastPointAndWhatLiesAboveItIsTold)
     const ChildRun run = runInChild(folder, [] {
         const std::vector<float> depths = {0, 1, 2};
         const std::vector<float> damages = {5, 10, 7};
-        const bool good = dmg_curve_lookup(depths, damages, -99) == 5 && dmg_curve_lookup(depths, damages, 0) == 5 &&
-                          dmg_curve_lookup(depths, damages, 1) == 10 && dmg_curve_lookup(depths, damages, 2) == 7 &&
-                          dmg_curve_lookup(depths, damages, 9) == 7;
+        const bool good =
+            damages::dmg_curve_lookup(depths, damages, -99) == 5 &&
+            damages::dmg_curve_lookup(depths, damages, 0) == 5 && damages::dmg_curve_lookup(depths, damages, 1) == 10 &&
+            damages::dmg_curve_lookup(depths, damages, 2) == 7 && damages::dmg_curve_lookup(depths, damages, 9) == 7;
         say(good ? "good" : "bad");
     });
     EXPECT_EQ(run.console, "Depth exceeds highest value in curve.\n"

@@ -94,19 +94,19 @@ protected:
         const bool binary = extension == ".flt";
         give(binary);
         const std::string line = GetParam().options + names_ + output;
-        const std::size_t refused = waysGone(Way::readRefused) + waysGone(Way::oddText);
+        const std::size_t refused = waysGone(run::Way::readRefused) + waysGone(run::Way::oddText);
         const Outcome plain = runOperationOn(given_, line, true);
-        ASSERT_GT(waysGone(Way::readRefused) + waysGone(Way::oddText), refused) << line;
+        ASSERT_GT(waysGone(run::Way::readRefused) + waysGone(run::Way::oddText), refused) << line;
         ASSERT_GT(plain.files.size(), given_.size()) << line << '\n' << plain.console;
         for (const auto& [threads, piece, memory] :
              {Setting{"1", "", ""}, {"2", "777", ""}, {"7", "13", "1"}, {"3", "100000", "70000"}}) {
             const Environment environment(
                 {{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_PIECE", piece}, {"GRIDFORGE_MEMORY", memory}});
-            const std::size_t ahead = waysGone(Way::ahead);
-            const std::size_t spilled = filesOfCells();
+            const std::size_t ahead = waysGone(run::Way::ahead);
+            const std::size_t spilled = grid::filesOfCells();
             const Outcome fast = runOperationOn(given_, line);
-            EXPECT_GT(waysGone(Way::ahead), ahead) << line;
-            EXPECT_TRUE(binary || memory != "1" || filesOfCells() > spilled) << line;
+            EXPECT_GT(waysGone(run::Way::ahead), ahead) << line;
+            EXPECT_TRUE(binary || memory != "1" || grid::filesOfCells() > spilled) << line;
             EXPECT_EQ(fast.console, plain.console) << line;
             EXPECT_TRUE(fast.files == plain.files) << line << ": " << threads << " threads, pieces of " << piece
                                                    << " cells, memory of " << memory << " bytes";
@@ -156,13 +156,13 @@ std::string asc(const std::string& rows, const std::string& corner = "0")
     return "ncols 3\nnrows 2\nxllcorner " + corner + "\nyllcorner 0\ncellsize 1\nNODATA_value -9999\n" + rows;
 }
 
-void expectWay(Way way, const GivenFiles& given, bool refusesReads = false)
+void expectWay(run::Way way, const GivenFiles& given, bool refusesReads = false)
 {
     const std::size_t before = waysGone(way);
-    const std::size_t ahead = waysGone(Way::ahead);
+    const std::size_t ahead = waysGone(run::Way::ahead);
     const Outcome outcome = runOperationOn(given, "-max -src a.asc b.asc -out m.asc", refusesReads);
     EXPECT_EQ(waysGone(way), before + 1);
-    EXPECT_EQ(waysGone(Way::ahead), ahead + (way == Way::ahead ? 1 : 0));
+    EXPECT_EQ(waysGone(run::Way::ahead), ahead + (way == run::Way::ahead ? 1 : 0));
     EXPECT_EQ(outcome.files.at("m.asc").substr(outcome.files.at("m.asc").find("NODATA_value")),
               "NODATA_value -9999.0\r\n  7.000  8.000  9.000\r\n  4.000  5.000  6.000\r\n");
 }
@@ -172,49 +172,49 @@ const std::string kSevens = asc("7 8 9\n1 1 1\n");
 
 TEST(Ways, AheadWhereAllIsOrdinary)
 {
-    expectWay(Way::ahead, {{"a.asc", kOnes}, {"b.asc", kSevens}});
+    expectWay(run::Way::ahead, {{"a.asc", kOnes}, {"b.asc", kSevens}});
 }
 
 TEST(Ways, StepByStepForTextThatDoesNotHoldARowALine)
 {
-    expectWay(Way::oddText, {{"a.asc", kOnes}, {"b.asc", asc("7\n8 9\n1 1 1\n")}});
+    expectWay(run::Way::oddText, {{"a.asc", kOnes}, {"b.asc", asc("7\n8 9\n1 1 1\n")}});
 }
 
 TEST(Ways, StepByStepForALatticeThatDiffers)
 {
-    const std::size_t before = waysGone(Way::otherLattice);
-    InputFileList inputs;
+    const std::size_t before = waysGone(run::Way::otherLattice);
+    run::InputFileList inputs;
     const test::ScratchFolder folder;
     folder.give("a.asc", kOnes);
     folder.give("b.asc", asc("7 8 9\n1 1 1\n", "0.02"));
     inputs.add(folder.path() / "a.asc");
     inputs.add(folder.path() / "b.asc");
     EXPECT_FALSE(lookAtInputs(inputs));
-    EXPECT_EQ(waysGone(Way::otherLattice), before + 1);
+    EXPECT_EQ(waysGone(run::Way::otherLattice), before + 1);
 }
 
 TEST(Ways, StepByStepForAnInputThatIsOdd)
 {
-    const std::size_t before = waysGone(Way::oddInput);
-    InputFileList inputs;
+    const std::size_t before = waysGone(run::Way::oddInput);
+    run::InputFileList inputs;
     inputs.add("missing.asc");
     EXPECT_FALSE(lookAtInputs(inputs));
-    EXPECT_EQ(waysGone(Way::oddInput), before + 1);
+    EXPECT_EQ(waysGone(run::Way::oddInput), before + 1);
 }
 
 TEST(Ways, StepByStepWhereCellsFindNoRoom)
 {
     const Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "/nowhere"}});
-    expectWay(Way::noRoom, {{"a.asc", kOnes}, {"b.asc", kSevens}});
+    expectWay(run::Way::noRoom, {{"a.asc", kOnes}, {"b.asc", kSevens}});
 }
 
 TEST(Ways, StepByStepWhereAReadIsRefused)
 {
-    const std::size_t before = waysGone(Way::readRefused);
+    const std::size_t before = waysGone(run::Way::readRefused);
     const std::string head = "ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\nbyteorder LSBFIRST\n";
     const GivenFiles given = {{"a.hdr", head}, {"a.flt", std::string(8, 'x')}};
     const Outcome outcome = runOperationOn(given, "-max -src a.flt -out m.flt", true);
-    EXPECT_EQ(waysGone(Way::readRefused), before + 1);
+    EXPECT_EQ(waysGone(run::Way::readRefused), before + 1);
     EXPECT_EQ(outcome.files.at("m.flt"), std::string(8, 'x'));
 }
 

@@ -10,18 +10,18 @@
 namespace gridforge {
 namespace {
 
-using enum SpanTest;
-using enum FlagKind;
-using enum FlagValue;
-using enum Counting;
+using enum driver::SpanTest;
+using enum driver::FlagKind;
+using enum driver::FlagValue;
+using enum driver::Counting;
 
 struct Expected {
     std::string_view key;
     std::size_t span;
-    SpanTest test;
-    FlagKind kind;
-    FlagValue value;
-    Counting counting;
+    driver::SpanTest test;
+    driver::FlagKind kind;
+    driver::FlagValue value;
+    driver::Counting counting;
 };
 
 // The flags in their order, typed a second time from the manual and not from the table.
@@ -86,7 +86,7 @@ const std::vector<Expected> kExpected = {
     {"decimal", 7, contains, option, gluedInteger, never},
 };
 
-std::string_view keyOf(const FlagRow* row)
+std::string_view keyOf(const driver::FlagRow* row)
 {
     return row == nullptr ? "<none>" : row->key;
 }
@@ -94,7 +94,7 @@ std::string_view keyOf(const FlagRow* row)
 // The key of the flag that the argument is taken for.
 std::string_view found(const std::string& argument)
 {
-    return keyOf(findFlag(argument));
+    return keyOf(driver::findFlag(argument));
 }
 
 std::string withMark(std::string_view key)
@@ -104,10 +104,10 @@ std::string withMark(std::string_view key)
 
 TEST(FlagTable, HasEveryFlagInItsOrder)
 {
-    ASSERT_EQ(flagTable().size(), 58U);
+    ASSERT_EQ(driver::flagTable().size(), 58U);
     ASSERT_EQ(kExpected.size(), 58U);
     for (std::size_t i = 0; i < kExpected.size(); ++i) {
-        const FlagRow& row = flagTable()[i];
+        const driver::FlagRow& row = driver::flagTable()[i];
         const Expected& want = kExpected[i];
         EXPECT_EQ(row.key, want.key);
         EXPECT_EQ(row.span, want.span) << want.key;
@@ -120,14 +120,14 @@ TEST(FlagTable, HasEveryFlagInItsOrder)
 
 TEST(FlagTable, NoKeyIsShadowedByAnEarlierRow)
 {
-    for (const FlagRow& row : flagTable()) {
-        EXPECT_EQ(findFlag(withMark(row.key)), &row) << row.key << " is taken for " << found(withMark(row.key));
+    for (const driver::FlagRow& row : driver::flagTable()) {
+        EXPECT_EQ(driver::findFlag(withMark(row.key)), &row) << row.key << " is taken for " << found(withMark(row.key));
     }
 }
 
 TEST(FlagTable, CaseDoesNotCount)
 {
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         EXPECT_EQ(found(withMark(UPPERCASE(row.key))), row.key);
         EXPECT_EQ(found(withMark(LOWERCASE(row.key))), row.key);
     }
@@ -135,10 +135,10 @@ TEST(FlagTable, CaseDoesNotCount)
 
 TEST(FlagTable, ThreeMarksMeanTheSame)
 {
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         for (const char mark : {'-', '/', '\x96'}) {
             const std::string argument = join(mark, row.key);
-            EXPECT_TRUE(hasFlagMark(argument));
+            EXPECT_TRUE(driver::hasFlagMark(argument));
             EXPECT_EQ(found(argument), row.key);
         }
     }
@@ -146,17 +146,17 @@ TEST(FlagTable, ThreeMarksMeanTheSame)
 
 TEST(FlagTable, OtherFirstCharactersAreNoMark)
 {
-    EXPECT_FALSE(hasFlagMark(""));
-    EXPECT_FALSE(hasFlagMark("max"));
-    EXPECT_FALSE(hasFlagMark(" -max"));
-    EXPECT_FALSE(hasFlagMark("+max"));
-    EXPECT_FALSE(hasFlagMark("\\max"));
-    EXPECT_FALSE(hasFlagMark("\xE2\x80\x93max")); // an en dash in UTF-8 is three other bytes
+    EXPECT_FALSE(driver::hasFlagMark(""));
+    EXPECT_FALSE(driver::hasFlagMark("max"));
+    EXPECT_FALSE(driver::hasFlagMark(" -max"));
+    EXPECT_FALSE(driver::hasFlagMark("+max"));
+    EXPECT_FALSE(driver::hasFlagMark("\\max"));
+    EXPECT_FALSE(driver::hasFlagMark("\xE2\x80\x93max")); // an en dash in UTF-8 is three other bytes
 }
 
 TEST(FlagTable, KeyIsFoundAtTheHeadOfALongerWord)
 {
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         EXPECT_EQ(found(withMark(row.key) + "zz 9"), row.key);
     }
     EXPECT_EQ(found("-maxima"), "max");
@@ -172,18 +172,18 @@ TEST(FlagTable, KeyIsFoundAtTheHeadOfALongerWord)
 
 TEST(FlagTable, KeyCutShortIsNotThatFlag)
 {
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         const std::string argument = withMark(row.key.substr(0, row.key.size() - 1));
-        EXPECT_NE(findFlag(argument), &row) << argument;
+        EXPECT_NE(driver::findFlag(argument), &row) << argument;
     }
 }
 
 TEST(FlagTable, OnlyChangeAndCheckAllowACharacterAhead)
 {
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         const bool allowed = row.key == "change" || row.key == "check";
-        EXPECT_EQ(findFlag(join("-~", row.key)) == &row, allowed) << row.key;
-        EXPECT_NE(findFlag(join("-~~", row.key)), &row) << row.key;
+        EXPECT_EQ(driver::findFlag(join("-~", row.key)) == &row, allowed) << row.key;
+        EXPECT_NE(driver::findFlag(join("-~~", row.key)), &row) << row.key;
     }
     EXPECT_EQ(found("--change"), "change");
     EXPECT_EQ(found("-bcheck"), "check");
@@ -199,7 +199,7 @@ TEST(FlagTable, UnknownWordsAreNoFlag)
 
 TEST(FlagTable, EveryRowIsDescribedAndStoresSomething)
 {
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         EXPECT_FALSE(row.docs.description.empty()) << row.key;
         EXPECT_EQ(row.docs.description.find('\n'), std::string_view::npos) << row.key;
         EXPECT_EQ(row.docs.valueName.empty(), row.value == none) << row.key;
@@ -211,7 +211,7 @@ TEST(FlagTable, EveryRowIsDescribedAndStoresSomething)
 // The manual tells the defaults from the table; they stand a second time where the settings start.
 TEST(FlagTable, DefaultsAreThoseOfFreshSettings)
 {
-    const RunSettings fresh;
+    const run::RunSettings fresh;
     const auto text = [](float value) { return fixedText(static_cast<double>(value), 1); };
     const std::map<std::string_view, std::string> numbers = {
         {"cd", text(fresh.cutoff)},
@@ -230,13 +230,13 @@ TEST(FlagTable, DefaultsAreThoseOfFreshSettings)
         {"default_n", "-9999"}, // of the sections
         {"resize", ""},         // without default: the operation needs it
     };
-    for (const FlagRow& row : flagTable()) {
+    for (const driver::FlagRow& row : driver::flagTable()) {
         if (row.value == gluedReal || row.value == gluedInteger) {
             ASSERT_TRUE(numbers.contains(row.key)) << row.key;
             EXPECT_EQ(row.docs.defaultText, numbers.at(row.key)) << row.key;
         }
     }
-    EXPECT_EQ(fresh.resizeMethod, ResizeMethod::average);
+    EXPECT_EQ(fresh.resizeMethod, run::ResizeMethod::average);
 }
 
 } // namespace

@@ -186,9 +186,9 @@ TEST(ExportedExtract, AKeyInALineOfTheWorkWidthWantsItsSign)
 
 TEST(ExportedRoutines, LackOfMemoryEndsTheRun)
 {
-    const auto fails = [] { answer([]() -> std::int32_t { throw std::bad_alloc(); }); };
+    const auto fails = [] { exports::answer([]() -> std::int32_t { throw std::bad_alloc(); }); };
     EXPECT_EQ(endOf(fails), "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
-    const auto isTooLong = [] { answer([] { std::string().resize(std::string().max_size() + 1); }); };
+    const auto isTooLong = [] { exports::answer([] { std::string().resize(std::string().max_size() + 1); }); };
     EXPECT_EQ(endOf(isTooLong), "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
 }
 

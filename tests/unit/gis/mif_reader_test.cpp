@@ -187,10 +187,10 @@ TEST_F(MifReading, ColumnsPastTheLimitEndTheRun)
 // --- Kinds -----------------------------------------------------------------------------------------------------------
 
 // The .mif of a test's own, open for the search for objects.
-gis::mif::Input openObjects(const ScratchFolder& folder, std::string_view text)
+gis::mif::MifInput openObjects(const ScratchFolder& folder, std::string_view text)
 {
     folder.give("o.txt", text);
-    gis::mif::Input input;
+    gis::mif::MifInput input;
     OPENER(input.mifUnit, "I ", (folder.path() / "o.txt").string());
     return input;
 }
@@ -218,8 +218,8 @@ TEST_F(MifReading, KnowsEachKeyword)
             std::string mixed = keyword;
             mixed[1] = static_cast<char>(mixed[1] - 'A' + 'a');
             line.replace(line.find('%'), 1, mixed);
-            gis::mif::Input input = openObjects(folder, "    Pen (1,2,0)\nBrush (2,16777215)\n\nCenter 1 2\n3 4\n" +
-                                                            line + " 7 rest\nnext\n");
+            gis::mif::MifInput input = openObjects(folder, "    Pen (1,2,0)\nBrush (2,16777215)\n\nCenter 1 2\n3 4\n" +
+                                                               line + " 7 rest\nnext\n");
             gis::LayerObject object;
             ASSERT_TRUE(readKind(input, object)) << line;
             EXPECT_EQ(object.kind, kind) << line;
@@ -234,7 +234,7 @@ TEST_F(MifReading, KnowsEachKeyword)
 
 TEST_F(MifReading, WordsNeedNoBlankBehindThem)
 {
-    gis::mif::Input input = openObjects(folder, "Points\nLineString 5\nRegions\n");
+    gis::mif::MifInput input = openObjects(folder, "Points\nLineString 5\nRegions\n");
     gis::LayerObject object;
     EXPECT_TRUE(readKind(input, object) && object.kind == gis::Kind::point);
     EXPECT_EQ(input.rest, "s");
@@ -266,7 +266,7 @@ TEST_F(MifReading, RegionsOf10000RingsPassAndOfOneMoreEndTheRun)
 
 TEST_F(MifReading, CountsThatCannotBeReadStayOne)
 {
-    gis::mif::Input input = openObjects(folder, "Region x\nPline Multiple\nMultiPoint 4\n");
+    gis::mif::MifInput input = openObjects(folder, "Region x\nPline Multiple\nMultiPoint 4\n");
     gis::LayerObject object;
     ASSERT_TRUE(readKind(input, object));
     EXPECT_EQ(object.rings, 1);
@@ -541,10 +541,10 @@ TEST_F(MifReading, WhatIsMissingEndsTheRun)
 // The memory of a process opens like a file and refuses to be read at its start.
 TEST_F(MifReading, AReadThatTheSystemRefusesIsNoEndOfTheFile)
 {
-    const auto consoleOf = [&](const std::function<void(gis::mif::Input&)>& code) {
+    const auto consoleOf = [&](const std::function<void(gis::mif::MifInput&)>& code) {
         return runInChild(folder,
                           [&] {
-                              gis::mif::Input input;
+                              gis::mif::MifInput input;
                               OPENER(input.mifUnit, "I ", "/proc/self/mem");
                               code(input);
                           })
@@ -553,19 +553,19 @@ TEST_F(MifReading, AReadThatTheSystemRefusesIsNoEndOfTheFile)
     const auto ending = [](const std::string& message) {
         return testing::EndsWith("\n\n" + message + "\n\nPress Enter to Close\n");
     };
-    EXPECT_THAT(consoleOf([](gis::mif::Input& input) {
+    EXPECT_THAT(consoleOf([](gis::mif::MifInput& input) {
                     gis::LayerObject object;
                     readKind(input, object);
                 }),
                 ending("ERROR 0321 - Reading .mif file object type."));
-    EXPECT_THAT(consoleOf([](gis::mif::Input& input) {
+    EXPECT_THAT(consoleOf([](gis::mif::MifInput& input) {
                     gis::LayerObject object;
                     object.kind = gis::Kind::point;
                     gis::Coordinates c;
                     readCoordinates(input, object, c, 10, true);
                 }),
                 ending("ERROR 0308 - Reading .mif file.  Check file format is not corrupted."));
-    EXPECT_THAT(consoleOf([](gis::mif::Input& input) { readHeader(input); }),
+    EXPECT_THAT(consoleOf([](gis::mif::MifInput& input) { readHeader(input); }),
                 ending("ERROR 0315 - Could not find start of attribute definitions in .mif file"));
 }
 

@@ -229,7 +229,7 @@ TEST_F(ShpReading, KeepsTheHeader)
         gis::initialise();
         gis::OpenLayer& opened = gis::openFiles("l.shp");
         gis::readHeader(opened);
-        const gis::shp::ShpFile& shp = std::get<gis::shp::Input>(opened.files).shp;
+        const gis::shp::ShpFile& shp = std::get<gis::shp::ShpInput>(opened.files).shp;
         say(shp.fileCode, " ", shp.fileLength, " ", shp.version, " ", shp.shapeType);
         say(AREAL8(shp.xmin), AREAL8(shp.ymin), AREAL8(shp.xmax), AREAL8(shp.ymax));
     });
@@ -394,7 +394,7 @@ TEST(ShpReadingEnds, OnAShapeTypeThatIsNone)
     const ScratchFolder folder;
     giveShp(folder, "l", 1, {pointRecord(1, 2)});
     const ChildRun run = runInChild(folder, [] {
-        gis::shp::Input input;
+        gis::shp::ShpInput input;
         input.shp.recordShapeType = 11;
         gis::LayerObject object;
         gis::Coordinates c;
@@ -407,10 +407,10 @@ TEST(ShpReadingEnds, OnAShapeTypeThatIsNone)
 TEST(ShpReadingEnds, OnAReadThatTheSystemRefuses)
 {
     const ScratchFolder folder;
-    const auto consoleOf = [&](const std::function<void(gis::shp::Input&, gis::LayerObject&)>& code) {
+    const auto consoleOf = [&](const std::function<void(gis::shp::ShpInput&, gis::LayerObject&)>& code) {
         return runInChild(folder,
                           [&] {
-                              gis::shp::Input input;
+                              gis::shp::ShpInput input;
                               OPENER(input.shp.shpUnit, "BI", "/proc/self/mem");
                               gis::LayerObject object;
                               code(input, object);
@@ -418,11 +418,11 @@ TEST(ShpReadingEnds, OnAReadThatTheSystemRefuses)
             .console;
     };
     EXPECT_THAT(
-        consoleOf([](gis::shp::Input& input, gis::LayerObject&) { gis::shp::readFileHeader(input.shp.shpUnit); }),
+        consoleOf([](gis::shp::ShpInput& input, gis::LayerObject&) { gis::shp::readFileHeader(input.shp.shpUnit); }),
         EndsWith(ending("ERROR 0427 - Reading .shp file header.")));
-    EXPECT_THAT(consoleOf([](gis::shp::Input& input, gis::LayerObject& object) { readKind(input, object); }),
+    EXPECT_THAT(consoleOf([](gis::shp::ShpInput& input, gis::LayerObject& object) { readKind(input, object); }),
                 EndsWith(ending("ERROR 0424 - Reading .shp file object type.")));
-    EXPECT_THAT(consoleOf([](gis::shp::Input& input, gis::LayerObject& object) {
+    EXPECT_THAT(consoleOf([](gis::shp::ShpInput& input, gis::LayerObject& object) {
                     gis::Coordinates c;
                     input.shp.recordShapeType = 1;
                     readCoordinates(input, object, c, 10, true);

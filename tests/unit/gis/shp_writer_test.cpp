@@ -235,10 +235,10 @@ std::string ending(const std::string& message)
 
 // What the run says last, when `code` ends it on the files of a layer of the letters.
 std::string lastWordsOn(const ScratchFolder& folder, const char* letters,
-                        const std::function<void(gis::shp::Output&)>& code)
+                        const std::function<void(gis::shp::ShpOutput&)>& code)
 {
     return lastWords(folder, [&] {
-        gis::shp::Output output = gis::shp::create("l.shp", specFor(letters));
+        gis::shp::ShpOutput output = gis::shp::create("l.shp", specFor(letters));
         code(output);
     });
 }
@@ -247,13 +247,13 @@ TEST(ShpWriter, RefusesKindsThatHaveNoPlace)
 {
     const ScratchFolder folder;
     const gis::Feature ellipse = featureOf(Kind::ellipse, {{1, 1}});
-    EXPECT_THAT(lastWordsOn(folder, "P", [&](gis::shp::Output& output) { writeObject(output, ellipse); }),
+    EXPECT_THAT(lastWordsOn(folder, "P", [&](gis::shp::ShpOutput& output) { writeObject(output, ellipse); }),
                 EndsWith(ending("Should not be here [gisWriteObject-shp].  Please contact SUPPORT_CONTACT.")));
-    EXPECT_THAT(
-        lastWordsOn(folder, "P", [](gis::shp::Output& output) { writeRecord(output, featureOf(Kind::rectangle, {})); }),
-        EndsWith(ending("Should not be here [gisWriteRecord-dbf].  Please contact SUPPORT_CONTACT.")));
     EXPECT_THAT(lastWordsOn(folder, "P",
-                            [](gis::shp::Output& output) { writeObject(output.sets[0], featureOf(Kind::arc, {})); }),
+                            [](gis::shp::ShpOutput& output) { writeRecord(output, featureOf(Kind::rectangle, {})); }),
+                EndsWith(ending("Should not be here [gisWriteRecord-dbf].  Please contact SUPPORT_CONTACT.")));
+    EXPECT_THAT(lastWordsOn(folder, "P",
+                            [](gis::shp::ShpOutput& output) { writeObject(output.sets[0], featureOf(Kind::arc, {})); }),
                 EndsWith(ending("ERROR 0350 - Trying to write a SHP object that is not yet supported.  Please contact "
                                 "SUPPORT_CONTACT.")));
 }
@@ -280,7 +280,7 @@ TEST(ShpWriter, RefusesAFileOfTooManyWords)
 {
     const ScratchFolder folder;
     EXPECT_THAT(lastWordsOn(folder, "P",
-                            [](gis::shp::Output& output) {
+                            [](gis::shp::ShpOutput& output) {
                                 output.sets[0].shp.shxOffset = 2147483647 - 14;
                                 const gis::Feature point = featureOf(Kind::point, {{1, 1}});
                                 writeObject(output, point); // the last that fits

@@ -25,8 +25,8 @@ std::optional<std::vector<float>> decoded(const std::string& rows)
 {
     const ScratchFolder folder;
     folder.give("a.asc", kHead + rows);
-    const auto look = lookAtGrid((folder.path() / "a.asc").string());
-    CellStore cells;
+    const auto look = grid::lookAtGrid((folder.path() / "a.asc").string());
+    grid::CellStore cells;
     if (!look || !cells.take(look->header.cells(), folder.path()) || !decodeAsc(*look, cells)) {
         return std::nullopt;
     }
@@ -77,12 +77,12 @@ TEST(DecodeAsc, IsTheSameForAnyNumberOfThreads)
     ASSERT_GT(text.size(), std::size_t{1} << 23U);
     const ScratchFolder folder;
     folder.give("a.asc", text);
-    const auto look = lookAtGrid((folder.path() / "a.asc").string());
+    const auto look = grid::lookAtGrid((folder.path() / "a.asc").string());
     ASSERT_TRUE(look);
     for (const char* const threads : {"1", "3"}) {
         for (const char* const memory : {"1", "1000000000"}) {
             const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}});
-            CellStore store;
+            grid::CellStore store;
             ASSERT_TRUE(store.take(cells.size(), folder.path()));
             ASSERT_TRUE(decodeAsc(*look, store));
             std::vector<float> got(cells.size());

@@ -23,7 +23,7 @@ std::string formatted(const std::vector<float>& row, int width, int decimals)
 {
     const std::size_t size = row.size() * static_cast<std::size_t>(std::max(width, 0));
     std::vector<char> text(size, '?'); // a heap block of its size, so that a byte too far is found
-    formatAscRow(row, width, decimals, text.data());
+    grid::formatAscRow(row, width, decimals, text.data());
     return {text.data(), text.size()};
 }
 
@@ -207,11 +207,11 @@ TEST(AscFormat, AnyBitsHaveTheDigitsOfTheCLibrary)
     }
 }
 
-// --- Extremes --------------------------------------------------------------------------------------------------------
+// --- ValueRange --------------------------------------------------------------------------------------------------------
 
 TEST(FindExtremes, SmallestAndLargest)
 {
-    const Extremes found = findExtremes(std::vector<float>{3, -9999, 12.5F, 4});
+    const grid::ValueRange found = grid::findExtremes(std::vector<float>{3, -9999, 12.5F, 4});
     EXPECT_TRUE(found.any);
     EXPECT_EQ(found.smallest, -9999);
     EXPECT_EQ(found.largest, 12.5F);
@@ -222,14 +222,14 @@ TEST(FindExtremes, NotANumberTakesNoPart)
     std::vector<float> cells(200, kNaN);
     cells[137] = 5;
     cells[3] = 7;
-    const Extremes found = findExtremes(cells);
+    const grid::ValueRange found = grid::findExtremes(cells);
     EXPECT_EQ(found.smallest, 5);
     EXPECT_EQ(found.largest, 7);
 }
 
 TEST(FindExtremes, NothingGivesZeros)
 {
-    for (const Extremes& found : {findExtremes({}), findExtremes(std::vector<float>(100, kNaN))}) {
+    for (const grid::ValueRange& found : {grid::findExtremes({}), grid::findExtremes(std::vector<float>(100, kNaN))}) {
         EXPECT_FALSE(found.any);
         EXPECT_EQ(found.smallest, 0);
         EXPECT_EQ(found.largest, 0);
@@ -238,7 +238,7 @@ TEST(FindExtremes, NothingGivesZeros)
 
 TEST(FindExtremes, InfinityIsAValue)
 {
-    const Extremes found = findExtremes(std::vector<float>(100, kInfinity));
+    const grid::ValueRange found = grid::findExtremes(std::vector<float>(100, kInfinity));
     EXPECT_TRUE(found.any);
     EXPECT_EQ(found.smallest, kInfinity);
     EXPECT_EQ(found.largest, kInfinity);
@@ -259,9 +259,10 @@ TEST(FindExtremes, BlocksGiveWhatTheWholeGives)
             }
         }
         const std::size_t block = 1 + random() % 100;
-        Extremes found;
+        grid::ValueRange found;
         for (std::size_t at = 0; at < cells.size(); at += block) {
-            found = findExtremes(std::span<const float>(cells).subspan(at, std::min(block, cells.size() - at)), found);
+            found = grid::findExtremes(std::span<const float>(cells).subspan(at, std::min(block, cells.size() - at)),
+                                       found);
         }
         EXPECT_EQ(found.any, smallest <= largest);
         EXPECT_EQ(found.smallest, found.any ? smallest : 0);

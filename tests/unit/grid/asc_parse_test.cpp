@@ -41,21 +41,21 @@ ReadRows readRows(std::string_view text, std::size_t columns, std::size_t rowCou
     std::size_t to = std::min(text.size(), split != 0 ? split : piece);
     while (result.rows.size() < rowCount) {
         std::vector<float> row(columns, kUntouched);
-        AscRowState state;
+        grid::AscRowState state;
         for (;;) {
             // A copy of its own, so that a look beyond the window is one beyond the heap block.
             const std::vector<char> window(text.begin() + static_cast<std::ptrdiff_t>(from),
                                            text.begin() + static_cast<std::ptrdiff_t>(to));
             std::size_t consumed = 0;
-            const AscRow progress =
-                parseAscRow(state, {window.data(), window.size()}, to == text.size(), consumed, row);
-            if (progress == AscRow::failure) {
+            const grid::AscRow progress =
+                grid::parseAscRow(state, {window.data(), window.size()}, to == text.size(), consumed, row);
+            if (progress == grid::AscRow::failure) {
                 result.failed = true;
                 return result;
             }
             EXPECT_LE(consumed, window.size());
             from += consumed;
-            if (progress == AscRow::done) {
+            if (progress == grid::AscRow::done) {
                 break;
             }
             EXPECT_LT(to, text.size()) << "asks for more than there is";
@@ -373,13 +373,13 @@ TEST(AscParse, PiecesGiveWhatTheWholeGives)
 TEST(AscParse, WindowWithoutAnEndToItsValueIsHandedBack)
 {
     std::vector<float> row(1);
-    AscRowState state;
+    grid::AscRowState state;
     std::size_t consumed = 99;
-    EXPECT_EQ(parseAscRow(state, "  123", false, consumed, row), AscRow::more);
+    EXPECT_EQ(grid::parseAscRow(state, "  123", false, consumed, row), grid::AscRow::more);
     EXPECT_EQ(consumed, 2U);
-    EXPECT_EQ(parseAscRow(state, "1234", false, consumed, row), AscRow::more);
+    EXPECT_EQ(grid::parseAscRow(state, "1234", false, consumed, row), grid::AscRow::more);
     EXPECT_EQ(consumed, 0U);
-    EXPECT_EQ(parseAscRow(state, "12345", true, consumed, row), AscRow::done);
+    EXPECT_EQ(grid::parseAscRow(state, "12345", true, consumed, row), grid::AscRow::done);
     EXPECT_EQ(consumed, 5U);
     EXPECT_EQ(row[0], 12345);
 }
@@ -387,13 +387,13 @@ TEST(AscParse, WindowWithoutAnEndToItsValueIsHandedBack)
 TEST(AscParse, DroppedRestOfAlineMayBeOfAnyLength)
 {
     std::vector<float> row(1);
-    AscRowState state;
+    grid::AscRowState state;
     std::size_t consumed = 0;
-    EXPECT_EQ(parseAscRow(state, "5 6", false, consumed, row), AscRow::more);
+    EXPECT_EQ(grid::parseAscRow(state, "5 6", false, consumed, row), grid::AscRow::more);
     EXPECT_EQ(consumed, 3U);
-    EXPECT_EQ(parseAscRow(state, std::string(1000, '7'), false, consumed, row), AscRow::more);
+    EXPECT_EQ(grid::parseAscRow(state, std::string(1000, '7'), false, consumed, row), grid::AscRow::more);
     EXPECT_EQ(consumed, 1000U);
-    EXPECT_EQ(parseAscRow(state, "8\n9", false, consumed, row), AscRow::done);
+    EXPECT_EQ(grid::parseAscRow(state, "8\n9", false, consumed, row), grid::AscRow::done);
     EXPECT_EQ(consumed, 2U);
     EXPECT_EQ(row[0], 5);
 }

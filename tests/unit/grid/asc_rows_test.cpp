@@ -26,7 +26,7 @@ std::string rowSums(const std::string& text, std::size_t columns, int most)
         OPENER(unit, "I ", "cells.txt");
         for (int i = 0; i < most; ++i) {
             std::vector<float> row(columns);
-            if (!readAscRow(unit, row)) {
+            if (!grid::readAscRow(unit, row)) {
                 say("refused");
                 break;
             }

@@ -21,14 +21,14 @@ using test::Environment;
 using test::ScratchFolder;
 using testing::ElementsAre;
 
-std::vector<float> stored(const CellStore& store, std::size_t first, std::size_t count)
+std::vector<float> stored(const grid::CellStore& store, std::size_t first, std::size_t count)
 {
     std::vector<float> cells(count);
     EXPECT_TRUE(store.get(first, cells));
     return cells;
 }
 
-void putAndGet(CellStore& store)
+void putAndGet(grid::CellStore& store)
 {
     ASSERT_EQ(store.size(), 5U);
     ASSERT_TRUE(store.put(0, std::vector<float>{1, 2, 3}));
@@ -39,7 +39,7 @@ void putAndGet(CellStore& store)
 
 TEST(CellStore, HoldsCellsInMemory)
 {
-    CellStore store;
+    grid::CellStore store;
     ASSERT_TRUE(store.take(5, "."));
     EXPECT_FALSE(store.isInFile());
     putAndGet(store);
@@ -50,11 +50,11 @@ TEST(CellStore, HoldsWhatMemoryMayNotHoldInAFileWithoutAName)
 {
     const ScratchFolder folder;
     const Environment environment({{"GRIDFORGE_MEMORY", "19"}, {"GRIDFORGE_SCRATCH", folder.path()}});
-    const std::size_t before = filesOfCells();
-    CellStore store;
+    const std::size_t before = grid::filesOfCells();
+    grid::CellStore store;
     ASSERT_TRUE(store.take(5, "/nowhere"));
     EXPECT_TRUE(store.isInFile());
-    EXPECT_EQ(filesOfCells(), before + 1);
+    EXPECT_EQ(grid::filesOfCells(), before + 1);
     putAndGet(store);
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
@@ -63,14 +63,14 @@ TEST(CellStore, CountsTheMemoryOfAllStores)
 {
     const ScratchFolder folder;
     const Environment environment({{"GRIDFORGE_MEMORY", "39"}});
-    CellStore first;
+    grid::CellStore first;
     ASSERT_TRUE(first.take(5, folder.path()));
     EXPECT_FALSE(first.isInFile());
-    CellStore second;
+    grid::CellStore second;
     ASSERT_TRUE(second.take(5, folder.path()));
     EXPECT_TRUE(second.isInFile());
     first.release();
-    CellStore third;
+    grid::CellStore third;
     ASSERT_TRUE(third.take(5, folder.path()));
     EXPECT_FALSE(third.isInFile());
 }
@@ -78,7 +78,7 @@ TEST(CellStore, CountsTheMemoryOfAllStores)
 TEST(CellStore, TakesAnotherFolderWhereOneIsMissingButForTheOneGiven)
 {
     const Environment little({{"GRIDFORGE_MEMORY", "1"}});
-    CellStore store;
+    grid::CellStore store;
     EXPECT_TRUE(store.take(5, "/nowhere"));
     const Environment nowhere({{"GRIDFORGE_SCRATCH", "/nowhere"}});
     EXPECT_FALSE(store.take(5, "."));
@@ -103,7 +103,7 @@ protected:
     void expectKept() const { EXPECT_THAT(stored(store_, 0, 2), ElementsAre(1, 2)); }
 
     ScratchFolder folder_;
-    CellStore store_;
+    grid::CellStore store_;
     std::string bytes_ = {0, 0, '\x80', '\x3f', 0, 0, 0, '\x40'};
 };
 
@@ -142,7 +142,7 @@ TEST_F(CellsForAFile, AreCopiedWhereTheNameLeadsElsewhereOrIsNotTheOnlyOne)
 
 TEST_F(CellsForAFile, AreCopiedFromMemory)
 {
-    CellStore store;
+    grid::CellStore store;
     ASSERT_TRUE(store.take(2, folder_.path()));
     EXPECT_EQ(store.becomeFile(name()), SystemFile::none);
     EXPECT_FALSE(folder_.has("a.flt"));

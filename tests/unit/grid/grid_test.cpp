@@ -43,11 +43,11 @@ TEST(Grid, MemoryThatCannotBeHadIsToldNotTaken)
 
 TEST(GridKilobytes, WrapAt32Bits)
 {
-    EXPECT_EQ(gridKilobytes(10, 24), 0);             // 960 bytes
-    EXPECT_EQ(gridKilobytes(10, 25), 1);             // 1000 bytes
-    EXPECT_EQ(gridKilobytes(10000, 50000), 2000000); // 2.0e9 bytes still fit
+    EXPECT_EQ(grid::gridKilobytes(10, 24), 0);             // 960 bytes
+    EXPECT_EQ(grid::gridKilobytes(10, 25), 1);             // 1000 bytes
+    EXPECT_EQ(grid::gridKilobytes(10000, 50000), 2000000); // 2.0e9 bytes still fit
     // 4 * 30000 * 20000 = 2400000000, which wraps to 2400000000 - 4294967296 = -1894967296
-    EXPECT_EQ(gridKilobytes(30000, 20000), -1894967);
+    EXPECT_EQ(grid::gridKilobytes(30000, 20000), -1894967);
 }
 
 TEST(AllocateGrid, SaysWhatItTakesAndEndsWithoutMemory)
@@ -58,11 +58,11 @@ TEST(AllocateGrid, SaysWhatItTakesAndEndsWithoutMemory)
         header.nrows = 50;
         header.ncols = 60;
         Grid grid;
-        allocateGrid(grid, header, "external grid...");
+        grid::allocateGrid(grid, header, "external grid...");
         say(grid.nrows(), 'x', grid.ncols());
         header.nrows = 2147483647;
         header.ncols = 2147483647;
-        allocateGrid(grid, header, "too much...");
+        grid::allocateGrid(grid, header, "too much...");
     });
     EXPECT_TRUE(run.ended);
     // 2147483647^2 * 4 is 4 modulo 2^32.
@@ -79,14 +79,14 @@ TEST(AllocateGrid, AnArrayOfTheSameSizeIsClearedAndKept)
         header.nrows = 2;
         header.ncols = 3;
         Grid grid;
-        allocateGrid(grid, header, "a...");
+        grid::allocateGrid(grid, header, "a...");
         const float* const cells = grid.cells().data();
         grid(2, 3) = 5;
-        allocateGrid(grid, header, "a...");
+        grid::allocateGrid(grid, header, "a...");
         say(cells == grid.cells().data() ? "kept " : "other ", grid(2, 3) == 0 ? "zero" : "not zero");
         header.nrows = 3;
         header.ncols = 2; // as many cells in another shape
-        allocateGrid(grid, header, "a...");
+        grid::allocateGrid(grid, header, "a...");
         say(grid.nrows(), 'x', grid.ncols());
     });
     const std::string line = "Allocating 0Kb memory for a...\n";

@@ -16,7 +16,7 @@ using test::ScratchFolder;
 const std::string kExits = "\nPress Enter to Close\n";
 const std::string kOpened = "Trying to open file a.asc...OK.\nOpened File Unit:1001\n";
 
-void sayHeader(const OpenGrid& grid)
+void sayHeader(const grid::OpenGrid& grid)
 {
     const GridHeader& h = grid.header;
     const auto shortest = [](double value) {
@@ -35,7 +35,7 @@ std::string headerOf(const std::string& text)
 {
     ScratchFolder folder;
     folder.give("a.asc", text);
-    const ChildRun run = runInChild(folder, [] { sayHeader(openGrid("a.asc")); });
+    const ChildRun run = runInChild(folder, [] { sayHeader(grid::openGrid("a.asc")); });
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.errors, "");
     EXPECT_TRUE(run.console.starts_with(kOpened)) << run.console;
@@ -138,7 +138,7 @@ TEST(ReadGridHeader, OfAFltIsTheHdrInItsFolder)
 {
     ScratchFolder folder;
     folder.give("d/a.hdr", "ncols 3\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\nbyteorder MSBFIRST\n");
-    const ChildRun run = runInChild(folder, [] { sayHeader(openGrid("d\\a.FLT")); });
+    const ChildRun run = runInChild(folder, [] { sayHeader(grid::openGrid("d\\a.FLT")); });
     EXPECT_EQ(run.console, "Trying to open file d\\a.hdr...OK.\nOpened File Unit:1001\n"
                            "External Grid Info: 2 rows by 3 columns with 1. cell size.\n"
                            "format 2 size 2x3 corner 0. 0. cell 1. null -9999. next <byteorder MSBFIRST>\n");
@@ -148,7 +148,7 @@ TEST(ReadGridHeader, AnyOtherExtensionIsText)
 {
     ScratchFolder folder;
     folder.give("a.txt", "ncols 3\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\n7\n");
-    const ChildRun run = runInChild(folder, [] { sayHeader(openGrid("a.txt")); });
+    const ChildRun run = runInChild(folder, [] { sayHeader(grid::openGrid("a.txt")); });
     EXPECT_NE(run.console.find("format 1 size 2x3"), std::string::npos) << run.console;
 }
 
@@ -159,7 +159,7 @@ protected:
     std::string consoleOf(const std::string& gridName)
     {
         folder_.give(gridName, "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n7\n");
-        const ChildRun run = runInChild(folder_, [&] { say("text <", openGrid(gridName).projectionText, ">"); });
+        const ChildRun run = runInChild(folder_, [&] { say("text <", grid::openGrid(gridName).projectionText, ">"); });
         return run.console;
     }
 
@@ -209,7 +209,7 @@ TEST(ReadAscHeaderText, PassesOverForeignLines)
     const ChildRun run = runInChild(folder, [] {
         Unit unit = 0;
         OPENER(unit, "I ", "a.asc");
-        const AscHeaderText h = readAscHeaderText(unit, "shown");
+        const grid::AscHeaderText h = grid::readAscHeaderText(unit, "shown");
         std::string next;
         readLine(unit, next);
         say(h.ncols, ' ', h.nrows, ' ', h.classified ? "classified" : "plain", " <", next, ">");
@@ -231,7 +231,7 @@ TEST(ReadAscHeaderClasses, PassesOverTheClassTable)
     const ChildRun run = runInChild(folder, [] {
         Unit unit = 0;
         OPENER(unit, "I ", "a.asc");
-        const AscHeaderText h = readAscHeaderClasses(unit, "a");
+        const grid::AscHeaderText h = grid::readAscHeaderClasses(unit, "a");
         std::string next;
         readLine(unit, next);
         say(h.classes, h.classified ? " classified" : " plain", " <", next, ">");
@@ -248,7 +248,7 @@ TEST(ReadAscHeaderClasses, AnAbsurdClassCountEndsWithTheFile)
     const ChildRun run = runInChild(folder, [] {
         Unit unit = 0;
         OPENER(unit, "I ", "a.asc");
-        readAscHeaderClasses(unit, "a");
+        grid::readAscHeaderClasses(unit, "a");
         say(atEnd(unit) ? "end" : "more");
     });
     EXPECT_TRUE(run.console.ends_with("classes: ****\nend\n")) << run.console;
@@ -260,7 +260,7 @@ TEST(WriteAscHeaderText, WritesFixedFields)
     const ChildRun run = runInChild(folder, [] {
         Unit unit = 0;
         OPENER(unit, "O ", "a.asc");
-        writeAscHeaderText(unit, "shown", 3, 4, 100.25, -2, 2.5);
+        grid::writeAscHeaderText(unit, "shown", 3, 4, 100.25, -2, 2.5);
     });
     EXPECT_TRUE(run.console.ends_with("Writing Header for: shown\n"));
     EXPECT_EQ(folder.read("a.asc"), "ncols         4\r\nnrows         3\r\nxllcorner         100.250\r\n"

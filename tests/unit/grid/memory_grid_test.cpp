@@ -23,11 +23,11 @@ TEST(GridsInMemory, AreReadAndWrittenThroughTheDialogue)
                                "21 22\n11.5 -9999\n");
     giveMemoryAnswers("in\\a.asc\n");
 
-    OpenGrid grid = openGrid("missing.asc");
+    grid::OpenGrid grid = grid::openGrid("missing.asc");
     const GridHeader header = grid.header;
     Grid cells;
     ASSERT_TRUE(cells.allocate(header.nrows, header.ncols));
-    readCells(std::move(grid), cells);
+    grid::readCells(std::move(grid), cells);
     const auto want = std::to_array<float>({21, 22, 11.5, -9999});
     EXPECT_TRUE(std::ranges::equal(cells.cells(), want));
     EXPECT_THAT(test::MemoryRun::console(),
@@ -36,7 +36,7 @@ TEST(GridsInMemory, AreReadAndWrittenThroughTheDialogue)
                            "Check file exists and press enter or enter another file name: \n"
                            "Trying to open file in\\a.asc...OK.\n"));
 
-    writeGrid(kFormatFlt, "in\\out", header, cells, "PROJCS[]");
+    grid::writeGrid(grid::kFormatFlt, "in\\out", header, cells, "PROJCS[]");
     const std::string bytes = memoryFile("in/out.flt").value();
     ASSERT_EQ(bytes.size(), sizeof want);
     EXPECT_EQ(std::memcmp(bytes.data(), want.data(), sizeof want), 0);

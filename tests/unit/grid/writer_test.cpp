@@ -27,7 +27,7 @@ GridHeader headerOf(std::int32_t nrows, std::int32_t ncols)
 TEST(WriteGrid, KnowsTwoFormatsOnly)
 {
     const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] { writeGrid(3, "a", headerOf(1, 1), Grid(), ""); });
+    const ChildRun run = runInChild(folder, [] { grid::writeGrid(3, "a", headerOf(1, 1), Grid(), ""); });
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.console,
               "Should not be here [grid_format] - please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n");
@@ -41,7 +41,7 @@ TEST(WriteGrid, FieldsAreAsWideAsTheLargestMagnitudeNeeds)
             Grid cells;
             ASSERT_TRUE(cells.allocate(1, 2));
             cells(1, 1) = cell;
-            writeGrid(kFormatAsc, "a", headerOf(1, 2), cells, "");
+            grid::writeGrid(grid::kFormatAsc, "a", headerOf(1, 2), cells, "");
         });
         const std::string text = folder.read("a.asc");
         const std::size_t last = text.rfind('\n', text.size() - 2);
@@ -60,7 +60,7 @@ TEST(WriteGrid, NegativeDecimalsCountAsThree)
     runInChild(folder, [] {
         Grid cells;
         ASSERT_TRUE(cells.allocate(1, 1));
-        writeGrid(kFormatAsc, "a", headerOf(1, 1), cells, "", -1);
+        grid::writeGrid(grid::kFormatAsc, "a", headerOf(1, 1), cells, "", -1);
     });
     EXPECT_EQ(folder.read("a.asc"), "ncols 1\r\nnrows 1\r\nxllcorner 293000.5\r\nyllcorner -12.25\r\ncellsize 2.\r\n"
                                     "NODATA_value -9999.0\r\n  0.000\r\n");
@@ -77,7 +77,7 @@ TEST(WriteGrid, ARowLongerThanTheBufferIsOneLine)
             cells(2, column) = static_cast<float>(column % 10);
             cells(1, column) = static_cast<float>(column % 7);
         }
-        writeGrid(kFormatAsc, "a", headerOf(2, kColumns), cells, "");
+        grid::writeGrid(grid::kFormatAsc, "a", headerOf(2, kColumns), cells, "");
     });
     std::string expected;
     for (const std::int32_t divisor : {10, 7}) {
@@ -97,8 +97,8 @@ TEST(WriteGrid, TheProjectionIsOneLineBesideTheGrid)
     const ChildRun run = runInChild(folder, [] {
         Grid cells;
         ASSERT_TRUE(cells.allocate(1, 1));
-        writeGrid(kFormatFlt, "d\\a", headerOf(1, 1), cells, "PROJCS[\"x\"]  ");
-        writeGrid(kFormatFlt, "d\\old", headerOf(1, 1), cells, "   ");
+        grid::writeGrid(grid::kFormatFlt, "d\\a", headerOf(1, 1), cells, "PROJCS[\"x\"]  ");
+        grid::writeGrid(grid::kFormatFlt, "d\\old", headerOf(1, 1), cells, "   ");
     });
     EXPECT_EQ(folder.read("d/a.prj"), "PROJCS[\"x\"]\r\n");
     EXPECT_EQ(folder.read("d/old.prj"), "stays");
@@ -110,7 +110,7 @@ TEST(WriteGrid, TheProjectionIsOneLineBesideTheGrid)
 std::string comparison(const GridHeader& first, const GridHeader& second)
 {
     const ScratchFolder folder;
-    return runInChild(folder, [&] { compareGridDimensions(first, second); }).console;
+    return runInChild(folder, [&] { grid::compareGridDimensions(first, second); }).console;
 }
 
 const std::string kClosing =

@@ -197,7 +197,7 @@ TEST(OperationPages, EveryOperationHasOneInTheHouseSkeleton)
 {
     const std::vector<IndexLine> lines = index();
     ASSERT_GT(lines.size(), 10U);
-    for (const OperationRow& row : operationTable()) {
+    for (const driver::OperationRow& row : driver::operationTable()) {
         const std::string name = pageOf(lines, row.name);
         ASSERT_NE(name, "") << "-" << row.name << " is not in the index";
         const std::string page = readWhole(kPages / name);
@@ -217,8 +217,8 @@ TEST(OperationPages, EveryOperationHasOneInTheHouseSkeleton)
 TEST(OperationPages, EveryFlagOfAnOperationIsInTheIndex)
 {
     const std::vector<IndexLine> lines = index();
-    for (const FlagRow& flag : flagTable()) {
-        if (flag.kind == FlagKind::operation) {
+    for (const driver::FlagRow& flag : driver::flagTable()) {
+        if (flag.kind == driver::FlagKind::operation) {
             EXPECT_NE(pageOf(lines, flag.key), "") << flag.key;
         }
     }
@@ -230,7 +230,7 @@ TEST(OperationPages, TheIndexNamesFlagsAndPagesThatExist)
     for (const IndexLine& line : index()) {
         pages.insert(line.page);
         for (const std::string& flag : line.flags) {
-            const FlagRow* row = findFlag(flag);
+            const driver::FlagRow* row = driver::findFlag(flag);
             ASSERT_NE(row, nullptr) << flag;
             EXPECT_TRUE(flag == join('-', row->key) || flag == join('-', row->key, "...")) << flag;
         }
@@ -249,9 +249,9 @@ TEST(OperationPages, TellEveryFlag)
     for (const auto& entry : fs::directory_iterator(kPages)) {
         all += readWhole(entry.path());
     }
-    for (const FlagRow& row : flagTable()) {
-        EXPECT_TRUE(row.value == FlagValue::statistic ? all.find("`-statMean") != std::string::npos
-                                                      : tells(all, row.key))
+    for (const driver::FlagRow& row : driver::flagTable()) {
+        EXPECT_TRUE(row.value == driver::FlagValue::statistic ? all.find("`-statMean") != std::string::npos
+                                                              : tells(all, row.key))
             << "-" << row.key << " is on no page";
     }
 }

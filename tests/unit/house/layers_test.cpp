@@ -417,7 +417,7 @@ TEST(Layers, OnePlaceAsksForTheFamilyOfALayer)
 TEST(Layers, AQuestionForTheFamilyIsSeen)
 {
     EXPECT_TRUE(asksForFamily("    if (extension == \".mif\") {"));
-    EXPECT_TRUE(asksForFamily("std::get_if<mif::Input>(&layer.files)"));
+    EXPECT_TRUE(asksForFamily("std::get_if<mif::MifInput>(&layer.files)"));
     EXPECT_FALSE(asksForFamily("// the \".mif\" of a layer"));
     EXPECT_FALSE(asksForFamily("    say(\"Reading .mif file\");"));
 }

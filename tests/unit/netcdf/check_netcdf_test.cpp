@@ -18,7 +18,7 @@ using test::ScratchFolder;
 TEST(CheckNetcdf, NothingIsSaidOfSuccess)
 {
     const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] { checkNetcdf(NC_NOERR, "nf90_create"); });
+    const ChildRun run = runInChild(folder, [] { netcdf::checkNetcdf(NC_NOERR, "nf90_create"); });
     EXPECT_FALSE(run.ended);
     EXPECT_EQ(run.console, "");
 }
@@ -26,7 +26,7 @@ TEST(CheckNetcdf, NothingIsSaidOfSuccess)
 TEST(CheckNetcdf, AFailureNamesTheCallAndTheReasonAndEndsTheRun)
 {
     const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] { checkNetcdf(NC_EBADDIM, "nf90_def_dim(x)"); });
+    const ChildRun run = runInChild(folder, [] { netcdf::checkNetcdf(NC_EBADDIM, "nf90_def_dim(x)"); });
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_def_dim(x)\n"
@@ -38,7 +38,7 @@ TEST(CheckNetcdf, AFailureNamesTheCallAndTheReasonAndEndsTheRun)
 TEST(CheckNetcdf, AStatusOfTheSystemHasTheSystemsWords)
 {
     const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] { checkNetcdf(ENOSPC, "nf90_close"); });
+    const ChildRun run = runInChild(folder, [] { netcdf::checkNetcdf(ENOSPC, "nf90_close"); });
     EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_close\nNetcdf error message: No space left on device\n"
                            "\nPress Enter to Close\n");
 }
@@ -48,7 +48,7 @@ TEST(CheckNetcdf, ALongReasonIsCutAtEightyCharacters)
     const std::string reason = nc_strerror(NC_ECANTEXTEND);
     ASSERT_GT(reason.size(), 80U) << "another text of the library is needed here";
     const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] { checkNetcdf(NC_ECANTEXTEND, "nf90_close"); });
+    const ChildRun run = runInChild(folder, [] { netcdf::checkNetcdf(NC_ECANTEXTEND, "nf90_close"); });
     EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_close\nNetcdf error message: " + reason.substr(0, 80) +
                                "\n\nPress Enter to Close\n");
 }
@@ -56,7 +56,7 @@ TEST(CheckNetcdf, ALongReasonIsCutAtEightyCharacters)
 TEST(PrintNetcdfVersion, GivesTheLibrarysOwnText)
 {
     const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] { printNetcdfVersion(); });
+    const ChildRun run = runInChild(folder, [] { netcdf::printNetcdfVersion(); });
     EXPECT_FALSE(run.ended);
     EXPECT_TRUE(std::regex_match(run.console, std::regex("Checking netcdf version: [0-9]+\\.[0-9]+.{0,76}\n")))
         << run.console;

@@ -33,11 +33,11 @@ TEST(CellsByRows, TheSouthRowComesFirst)
 {
     const Grid grid = gridOf(3, 2);
     std::vector<float> band(4);
-    cellsByRows(grid, 1, band);
+    netcdf::cellsByRows(grid, 1, band);
     EXPECT_THAT(band, ElementsAre(1001, 1002, 2001, 2002));
-    cellsByRows(grid, 2, band);
+    netcdf::cellsByRows(grid, 2, band);
     EXPECT_THAT(band, ElementsAre(2001, 2002, 3001, 3002));
-    cellsByRows(grid, 3, std::span(band).first(2));
+    netcdf::cellsByRows(grid, 3, std::span(band).first(2));
     EXPECT_THAT(band, ElementsAre(3001, 3002, 3001, 3002));
 }
 
@@ -45,11 +45,11 @@ TEST(CellsByColumns, TheWestColumnComesFirstFromTheSouth)
 {
     const Grid grid = gridOf(3, 2);
     std::vector<float> band(6);
-    cellsByColumns(grid, 0, band);
+    netcdf::cellsByColumns(grid, 0, band);
     EXPECT_THAT(band, ElementsAre(1001, 2001, 3001, 1002, 2002, 3002));
-    cellsByColumns(grid, 2, std::span(band).first(2)); // the end of one column and the start of the next
+    netcdf::cellsByColumns(grid, 2, std::span(band).first(2)); // the end of one column and the start of the next
     EXPECT_THAT(std::vector(band.begin(), band.begin() + 2), ElementsAre(3001, 1002));
-    cellsByColumns(grid, 1, std::span(band).first(1)); // within a column
+    netcdf::cellsByColumns(grid, 1, std::span(band).first(1)); // within a column
     EXPECT_EQ(band[0], 2001);
 }
 
@@ -70,7 +70,7 @@ TEST(CellsByColumns, AgreesWithThePlainOrderForBandsOfAnySize)
         std::vector<float> all(plain.size(), -1);
         for (std::size_t first = 0; first < all.size(); first += bandSize) {
             const std::size_t count = std::min(bandSize, all.size() - first);
-            cellsByColumns(grid, first, std::span(all).subspan(first, count));
+            netcdf::cellsByColumns(grid, first, std::span(all).subspan(first, count));
         }
         ASSERT_EQ(all, plain) << nrows << " by " << ncols << ", bands of " << bandSize;
     }
@@ -79,11 +79,11 @@ TEST(CellsByColumns, AgreesWithThePlainOrderForBandsOfAnySize)
 TEST(RaiseMaximum, KeepsTheHigherOfCellsAboveTheNullByAHundredth)
 {
     std::vector<float> maximum = {-9999, -9999, 3, 3, 3};
-    raiseMaximum(std::vector<float>{-9999, -5, 2, 4, 3}, -9999, maximum);
+    netcdf::raiseMaximum(std::vector<float>{-9999, -5, 2, 4, 3}, -9999, maximum);
     EXPECT_THAT(maximum, ElementsAre(-9999, -5, 3, 4, 3));
 
     std::vector<float> aroundZero(4);
-    raiseMaximum(std::vector<float>{0.01F, std::nextafter(0.01F, 1.0F), -1, 0.5F}, 0, aroundZero);
+    netcdf::raiseMaximum(std::vector<float>{0.01F, std::nextafter(0.01F, 1.0F), -1, 0.5F}, 0, aroundZero);
     EXPECT_THAT(aroundZero, ElementsAre(0, std::nextafter(0.01F, 1.0F), 0, 0.5F));
 }
 
@@ -91,14 +91,14 @@ TEST(RaiseMaximum, WhereAHundredthIsLostInTheNullAnythingAboveItEnters)
 {
     constexpr float kHuge = -3.0e8F;
     std::vector<float> maximum = {kHuge, kHuge};
-    raiseMaximum(std::vector<float>{kHuge, std::nextafter(kHuge, 0.0F)}, kHuge, maximum);
+    netcdf::raiseMaximum(std::vector<float>{kHuge, std::nextafter(kHuge, 0.0F)}, kHuge, maximum);
     EXPECT_THAT(maximum, ElementsAre(kHuge, std::nextafter(kHuge, 0.0F)));
 }
 
 TEST(RaiseMaximum, ACellThatIsNoNumberNeverEnters)
 {
     std::vector<float> maximum = {-9999, 2};
-    raiseMaximum(std::vector<float>{std::nanf(""), std::nanf("")}, -9999, maximum);
+    netcdf::raiseMaximum(std::vector<float>{std::nanf(""), std::nanf("")}, -9999, maximum);
     EXPECT_THAT(maximum, ElementsAre(-9999, 2));
 }
 
@@ -122,7 +122,7 @@ TEST(RaiseMaximum, AgreesWithThePlainFormOnAnyBits)
                 plain[i] = cells[i];
             }
         }
-        raiseMaximum(cells, null, maximum);
+        netcdf::raiseMaximum(cells, null, maximum);
         ASSERT_EQ(std::memcmp(maximum.data(), plain.data(), plain.size() * sizeof(float)), 0);
     }
 }
@@ -136,12 +136,12 @@ TEST(RunNc, AMaximumThatNoMemoryHoldsEndsTheRun)
     folder.give("a.flt", "");
     folder.give("a.hdr", "ncols 4000\nnrows 5000\nxllcorner 0\nyllcorner 0\ncellsize 1\nbyteorder LSBFIRST\n");
     const test::ChildRun run = test::runInChild(folder, [] {
-        RunSettings settings;
+        run::RunSettings settings;
         settings.nc = true;
-        InputFileList inputs;
+        run::InputFileList inputs;
         inputs.add("a.flt");
         test::limitMemory(120); // enough for a grid of 80 MB and the library, not for another
-        runNc(settings, inputs);
+        netcdf::runNc(settings, inputs);
     });
     EXPECT_TRUE(run.ended);
     EXPECT_THAT(run.console, testing::EndsWith("Allocating 80000Kb memory for external grid...\n"

@@ -45,30 +45,32 @@ struct Made {
 Made writeSmall(const std::string& name, int mode)
 {
     Made made;
-    const int file = createNetcdf(name, mode, "nf90_create");
-    const int x = defineNetcdfDimension(file, "x", 3, "nf90_def_dim(x)");
-    const int y = defineNetcdfDimension(file, "y", 2, "nf90_def_dim(y)");
-    const int time = defineNetcdfDimension(file, "time", NC_UNLIMITED, "nf90_def_dim(time)");
-    putNetcdfTexts(file, NC_GLOBAL, std::array<NetcdfText, 2>{{{"title", "A title"}, {"comment", ""}}}, "nf90_put_att");
+    const int file = netcdf::createNetcdf(name, mode, "nf90_create");
+    const int x = netcdf::defineNetcdfDimension(file, "x", 3, "nf90_def_dim(x)");
+    const int y = netcdf::defineNetcdfDimension(file, "y", 2, "nf90_def_dim(y)");
+    const int time = netcdf::defineNetcdfDimension(file, "time", NC_UNLIMITED, "nf90_def_dim(time)");
+    netcdf::putNetcdfTexts(file, NC_GLOBAL, std::array<netcdf::NetcdfText, 2>{{{"title", "A title"}, {"comment", ""}}},
+                           "nf90_put_att");
 
-    made.time = defineNetcdfVariable(file, {"time", NC_DOUBLE, {&time, 1}}, "nf90_def_var(time)");
-    made.x = defineNetcdfVariable(file, {"x", NC_DOUBLE, {&x, 1}}, "nf90_def_var(x)");
-    putNetcdfTexts(file, made.x, std::array<NetcdfText, 1>{{{"units", "m"}}}, "nf90_put_att");
+    made.time = netcdf::defineNetcdfVariable(file, {"time", NC_DOUBLE, {&time, 1}}, "nf90_def_var(time)");
+    made.x = netcdf::defineNetcdfVariable(file, {"x", NC_DOUBLE, {&x, 1}}, "nf90_def_var(x)");
+    netcdf::putNetcdfTexts(file, made.x, std::array<netcdf::NetcdfText, 1>{{{"units", "m"}}}, "nf90_put_att");
     const std::array<int, 3> all{time, y, x};
-    made.series = defineNetcdfVariable(file, {"depth", NC_FLOAT, all}, "nf90_def_var(data)");
-    defineNetcdfFill(file, made.series, -999.0F, "nf90_def_var_fill(data)");
-    made.total = defineNetcdfVariable(file, {"total", NC_FLOAT, std::span(all).last(2)}, "nf90_def_var(data)");
-    defineNetcdfFill(file, made.total, -999.0F, "nf90_def_var_fill(data)");
-    checkNetcdf(nc_enddef(file), "nf90_enddef");
+    made.series = netcdf::defineNetcdfVariable(file, {"depth", NC_FLOAT, all}, "nf90_def_var(data)");
+    netcdf::defineNetcdfFill(file, made.series, -999.0F, "nf90_def_var_fill(data)");
+    made.total = netcdf::defineNetcdfVariable(file, {"total", NC_FLOAT, std::span(all).last(2)}, "nf90_def_var(data)");
+    netcdf::defineNetcdfFill(file, made.total, -999.0F, "nf90_def_var_fill(data)");
+    netcdf::checkNetcdf(nc_enddef(file), "nf90_enddef");
 
-    putNetcdfValues(file, made.x, std::vector<double>{0.5, 1.5, 2.5}, "nf90_put_var (x)");
-    putNetcdfTime(file, made.time, 1, 0.25, "nf90_put_var (time)");
-    putNetcdfTime(file, made.time, 2, 0.75, "nf90_put_var (time)");
-    putNetcdfRow(file, made.series, 1, 1, std::vector<float>{111, 112, 113}, "nf90_put_var (rg)"); // time, row, column
-    putNetcdfRow(file, made.series, 1, 2, std::vector<float>{121, 122, 123}, "nf90_put_var (rg)");
-    putNetcdfRow(file, made.series, 2, 2, std::vector<float>{221, 222, 223}, "nf90_put_var (rg)");
-    putNetcdfRow(file, made.total, 2, std::vector<float>{21, 22, 23}, "nf90_put_var (rg2)");
-    checkNetcdf(nc_close(file), "nf90_close");
+    netcdf::putNetcdfValues(file, made.x, std::vector<double>{0.5, 1.5, 2.5}, "nf90_put_var (x)");
+    netcdf::putNetcdfTime(file, made.time, 1, 0.25, "nf90_put_var (time)");
+    netcdf::putNetcdfTime(file, made.time, 2, 0.75, "nf90_put_var (time)");
+    netcdf::putNetcdfRow(file, made.series, 1, 1, std::vector<float>{111, 112, 113},
+                         "nf90_put_var (rg)"); // time, row, column
+    netcdf::putNetcdfRow(file, made.series, 1, 2, std::vector<float>{121, 122, 123}, "nf90_put_var (rg)");
+    netcdf::putNetcdfRow(file, made.series, 2, 2, std::vector<float>{221, 222, 223}, "nf90_put_var (rg)");
+    netcdf::putNetcdfRow(file, made.total, 2, std::vector<float>{21, 22, 23}, "nf90_put_var (rg2)");
+    netcdf::checkNetcdf(nc_close(file), "nf90_close");
     return made;
 }
 
@@ -100,7 +102,8 @@ TEST(NetcdfFile, BothSeparatorsLeadToTheFolder)
 {
     const ScratchFolder folder;
     folder.give("sub/keep", "");
-    const ChildRun run = runInChild(folder, [] { nc_close(createNetcdf("sub\\a.nc", NC_NETCDF4, "nf90_create")); });
+    const ChildRun run =
+        runInChild(folder, [] { nc_close(netcdf::createNetcdf("sub\\a.nc", NC_NETCDF4, "nf90_create")); });
     EXPECT_FALSE(run.ended) << run.console;
     EXPECT_TRUE(folder.has("sub/a.nc"));
 }
@@ -111,9 +114,9 @@ TEST(NetcdfFile, NamesThatLookLikeADriveOrAServerAreFiles)
     folder.give("c:/keep", "");
     folder.give("http:/host/keep", "");
     const ChildRun run = runInChild(folder, [] {
-        nc_close(createNetcdf("c:/a.nc", NC_NETCDF4, "nf90_create"));
-        nc_close(createNetcdf("http://host/a.nc", NC_NETCDF4, "nf90_create"));
-        nc_close(createNetcdf("b.nc#mode=zarr", NC_NETCDF4, "nf90_create"));
+        nc_close(netcdf::createNetcdf("c:/a.nc", NC_NETCDF4, "nf90_create"));
+        nc_close(netcdf::createNetcdf("http://host/a.nc", NC_NETCDF4, "nf90_create"));
+        nc_close(netcdf::createNetcdf("b.nc#mode=zarr", NC_NETCDF4, "nf90_create"));
     });
     EXPECT_FALSE(run.ended) << run.console;
     EXPECT_TRUE(folder.has("c:/a.nc"));
@@ -126,7 +129,7 @@ TEST(NetcdfFile, AFileThatCannotBeMadeEndsTheRun)
     const ScratchFolder folder;
     folder.give("folder.nc/keep", "");
     for (const char* name : {"none/a.nc", "folder.nc"}) {
-        const ChildRun run = runInChild(folder, [name] { createNetcdf(name, NC_NETCDF4, "nf90_create"); });
+        const ChildRun run = runInChild(folder, [name] { netcdf::createNetcdf(name, NC_NETCDF4, "nf90_create"); });
         EXPECT_TRUE(run.ended);
         EXPECT_EQ(run.console.find("ERROR - With nectdf call nf90_create\nNetcdf error message: "), 0U) << run.console;
         EXPECT_EQ(run.errors, "");

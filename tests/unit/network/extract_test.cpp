@@ -48,10 +48,10 @@ Terrain numbered(std::int32_t rows, std::int32_t columns)
     return made;
 }
 
-NbcSection sectionAt(const std::vector<double>& xy, const std::string& buffer = "", const std::string& extraction = "",
-                     float distance = 0)
+network::NbcSection sectionAt(const std::vector<double>& xy, const std::string& buffer = "",
+                              const std::string& extraction = "", float distance = 0)
 {
-    NbcSection section;
+    network::NbcSection section;
     for (std::size_t i = 0; i + 1 < xy.size(); i += 2) {
         section.pointX.push_back(xy[i]);
         section.pointY.push_back(xy[i + 1]);
@@ -64,9 +64,9 @@ NbcSection sectionAt(const std::vector<double>& xy, const std::string& buffer = 
     return section;
 }
 
-std::vector<float> elevations(const Terrain& t, NbcSection section)
+std::vector<float> elevations(const Terrain& t, network::NbcSection section)
 {
-    sampleSection(t.header, t.cells, PointValue::elevation, section);
+    network::sampleSection(t.header, t.cells, network::PointValue::elevation, section);
     return section.pointZ;
 }
 
@@ -91,12 +91,12 @@ struct PlainSum {
     }
 };
 
-float angle(const NbcSection& s, std::size_t from, std::size_t to)
+float angle(const network::NbcSection& s, std::size_t from, std::size_t to)
 {
     return static_cast<float>(atan2d(s.pointY[to] - s.pointY[from], s.pointX[to] - s.pointX[from]));
 }
 
-PlainSum plainPerp(const Terrain& t, const NbcSection& s, std::size_t i)
+PlainSum plainPerp(const Terrain& t, const network::NbcSection& s, std::size_t i)
 {
     const std::size_t last = s.pointX.size() - 1;
     float direction = i == 0      ? angle(s, 0, 1)
@@ -126,7 +126,7 @@ PlainSum plainPerp(const Terrain& t, const NbcSection& s, std::size_t i)
     return sum;
 }
 
-PlainSum plainBuffer(const Terrain& t, const NbcSection& s, std::size_t i)
+PlainSum plainBuffer(const Terrain& t, const network::NbcSection& s, std::size_t i)
 {
     std::array<double, 14> ringX{};
     std::array<double, 14> ringY{};
@@ -184,7 +184,7 @@ TEST(SampleSection, AgreesWithThePlainForms)
         const std::string method = std::array<const char*, 3>{"Max", "Min", "average"}[random() % 3];
         const float distance = size * static_cast<float>(random() % 200) / 10;
         for (const std::string buffer : {"Perp", "Buffer"}) {
-            const NbcSection section = sectionAt(xy, buffer, method, distance);
+            const network::NbcSection section = sectionAt(xy, buffer, method, distance);
             const std::vector<float> got = elevations(t, section);
             for (std::size_t i = 0; i < got.size(); ++i) {
                 const PlainSum plain = buffer == "Perp" ? plainPerp(t, section, i) : plainBuffer(t, section, i);
@@ -217,9 +217,9 @@ TEST(SampleSection, ANullCellKeepsTheEarlierValue)
 {
     Terrain t = numbered(3, 3);
     t.cells(2, 2) = kNullCell;
-    NbcSection section = sectionAt({2, 2, 3, 2});
+    network::NbcSection section = sectionAt({2, 2, 3, 2});
     section.pointZ = {1.5F, 2.5F};
-    EXPECT_EQ(sampleSection(t.header, t.cells, PointValue::elevation, section), 1);
+    EXPECT_EQ(network::sampleSection(t.header, t.cells, network::PointValue::elevation, section), 1);
     EXPECT_EQ(section.pointZ, (std::vector<float>{1.5F, 23}));
 }
 
@@ -267,8 +267,8 @@ TEST(SampleSection, BufferOverTheEdgeLeavesThePoint)
 TEST(SampleSection, MaterialsTakeThePointAlways)
 {
     const Terrain t = numbered(6, 6);
-    NbcSection section = sectionAt({3, 3, 4, 3}, "Perp", "Max", 4);
-    EXPECT_EQ(sampleSection(t.header, t.cells, PointValue::material, section), 2);
+    network::NbcSection section = sectionAt({3, 3, 4, 3}, "Perp", "Max", 4);
+    EXPECT_EQ(network::sampleSection(t.header, t.cells, network::PointValue::material, section), 2);
     EXPECT_EQ(section.pointMaterial, (std::vector<float>{33, 34}));
     EXPECT_EQ(section.pointZ, (std::vector<float>{kNullCell, kNullCell}));
 }
@@ -285,10 +285,10 @@ TEST(SampleSection, FarPlacesAndWidthsCostNothing)
 TEST(SamplePoints, PassesOverSectionsThatAreNotExtracted)
 {
     const Terrain t = numbered(6, 6);
-    NbcSections sections;
+    network::NbcSections sections;
     sections.all = {sectionAt({3, 3}, "Perp"), sectionAt({3, 3})};
     sections.all[1].extract = false;
-    samplePoints(t.header, t.cells, PointValue::elevation, sections);
+    network::samplePoints(t.header, t.cells, network::PointValue::elevation, sections);
     EXPECT_EQ(sections.all[0].pointZ, std::vector<float>{33});
     EXPECT_EQ(sections.all[1].pointZ, std::vector<float>{kNullCell});
 }

@@ -15,16 +15,16 @@ using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::Pointwise;
 
-NbcSection withPoints(const std::vector<double>& x, const std::vector<double>& y, float distance, float spacing,
-                      std::optional<float> material = {})
+network::NbcSection withPoints(const std::vector<double>& x, const std::vector<double>& y, float distance,
+                               float spacing, std::optional<float> material = {})
 {
-    NbcSections sections;
+    network::NbcSections sections;
     sections.all.emplace_back();
     sections.all[0].x = x;
     sections.all[0].y = y;
     sections.all[0].distance = distance;
     testing::internal::CaptureStdout();
-    nbc_insert_vertices(sections, spacing, material);
+    network::nbc_insert_vertices(sections, spacing, material);
     flushConsole();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Inserting additional vertices along sections...\n   Done\n");
     return sections.all[0];
@@ -33,7 +33,7 @@ NbcSection withPoints(const std::vector<double>& x, const std::vector<double>& y
 TEST(InsertVertices, EqualStepsBetweenTheEnds)
 {
     // 10 / 3 = 3 points, so four steps of 2.5.
-    const NbcSection section = withPoints({0, 10}, {5, 5}, 0, 3);
+    const network::NbcSection section = withPoints({0, 10}, {5, 5}, 0, 3);
     EXPECT_THAT(section.pointX, ElementsAre(0, 2.5, 5, 7.5, 10));
     EXPECT_THAT(section.pointY, ElementsAre(5, 5, 5, 5, 5));
     EXPECT_THAT(section.pointZ, ElementsAre(-9999, -9999, -9999, -9999, -9999));
@@ -42,7 +42,7 @@ TEST(InsertVertices, EqualStepsBetweenTheEnds)
 
 TEST(InsertVertices, AnInnerVertexStandsTwice)
 {
-    const NbcSection section = withPoints({0, 4, 4}, {0, 0, 3}, 0, 4);
+    const network::NbcSection section = withPoints({0, 4, 4}, {0, 0, 3}, 0, 4);
     EXPECT_THAT(section.pointX, ElementsAre(0, 4, 4, 4));
     EXPECT_THAT(section.pointY, ElementsAre(0, 0, 0, 3));
 }
@@ -62,7 +62,7 @@ TEST(InsertVertices, ASectionsOwnDistanceGoesFirst)
 
 TEST(InsertVertices, ADistanceBelow0KeepsTheVertices)
 {
-    const NbcSection section = withPoints({0, 40, 50}, {0, 1, 2}, -0.5F, 1, 6.5F);
+    const network::NbcSection section = withPoints({0, 40, 50}, {0, 1, 2}, -0.5F, 1, 6.5F);
     EXPECT_THAT(section.pointX, ElementsAre(0, 40, 50));
     EXPECT_THAT(section.pointY, ElementsAre(0, 1, 2));
     EXPECT_THAT(section.pointMaterial, ElementsAre(6.5F, 6.5F, 6.5F));
@@ -72,7 +72,7 @@ TEST(InsertVertices, StepsGoThroughSinglePrecision)
 {
     // The difference 0.1 is rounded to single precision before it is shared out.
     const double wide = 0.1 + 2;
-    const NbcSection section = withPoints({2, wide}, {0, 0}, 0, 0.09F);
+    const network::NbcSection section = withPoints({2, wide}, {0, 0}, 0, 0.09F);
     EXPECT_THAT(section.pointX,
                 ElementsAre(2.0, DoubleEq(2 + static_cast<double>(static_cast<float>(wide - 2)) * 0.5), wide));
 }

@@ -26,9 +26,9 @@ constexpr double kBeyond = std::numeric_limits<double>::infinity();
 
 using Vertices = std::vector<std::pair<double, double>>;
 
-NbcBranch branchOf(const std::string& name, const Vertices& vertices)
+network::NbcBranch branchOf(const std::string& name, const Vertices& vertices)
 {
-    NbcBranch branch;
+    network::NbcBranch branch;
     branch.name = name;
     for (const auto& [x, y] : vertices) {
         const bool first = branch.x.empty();
@@ -37,37 +37,37 @@ NbcBranch branchOf(const std::string& name, const Vertices& vertices)
         branch.x.push_back(x);
         branch.y.push_back(y);
     }
-    branch.extent = extentOf(branch.x, branch.y);
+    branch.extent = network::extentOf(branch.x, branch.y);
     return branch;
 }
 
-NbcSection sectionOf(const Vertices& vertices, bool split = true)
+network::NbcSection sectionOf(const Vertices& vertices, bool split = true)
 {
-    NbcSection section;
+    network::NbcSection section;
     for (const auto& [x, y] : vertices) {
         section.x.push_back(x);
         section.y.push_back(y);
     }
-    section.extent = extentOf(section.x, section.y);
+    section.extent = network::extentOf(section.x, section.y);
     section.split = split;
     return section;
 }
 
 // Without the console lines.
-void matchQuietly(NbcBranches& branches, NbcSections& sections)
+void matchQuietly(network::NbcBranches& branches, network::NbcSections& sections)
 {
     flushConsole();
     testing::internal::CaptureStdout();
-    nbc_match_sections(branches, sections);
+    network::nbc_match_sections(branches, sections);
     flushConsole();
     testing::internal::GetCapturedStdout();
 }
 
 // --- The plain form: every branch, every vertex, every segment -------------------------------------------------------
 
-bool plainSnap(NbcBranches& branches, std::size_t b, NbcSection& section)
+bool plainSnap(network::NbcBranches& branches, std::size_t b, network::NbcSection& section)
 {
-    NbcBranch& branch = branches.all[b];
+    network::NbcBranch& branch = branches.all[b];
     bool here = false;
     for (std::size_t v = 0; v < branch.x.size(); ++v) {
         for (std::size_t w = 1; w < section.x.size(); ++w) {
@@ -96,9 +96,9 @@ bool plainSnap(NbcBranches& branches, std::size_t b, NbcSection& section)
     return here;
 }
 
-void plainCross(NbcBranches& branches, std::size_t b, NbcSection& section)
+void plainCross(network::NbcBranches& branches, std::size_t b, network::NbcSection& section)
 {
-    NbcBranch& branch = branches.all[b];
+    network::NbcBranch& branch = branches.all[b];
     for (std::size_t v = 1; v < branch.x.size(); ++v) {
         for (std::size_t w = 1; w < section.x.size(); ++w) {
             if (section.intersected) {
@@ -130,13 +130,13 @@ void plainCross(NbcBranches& branches, std::size_t b, NbcSection& section)
     }
 }
 
-void plainMatch(NbcBranches& branches, NbcSections& sections)
+void plainMatch(network::NbcBranches& branches, network::NbcSections& sections)
 {
     branches.branchesAndSections = static_cast<std::int32_t>(branches.all.size());
     for (std::size_t s = 0; s < sections.all.size(); ++s) {
         for (std::size_t b = 0; b < branches.all.size(); ++b) {
-            if (!extents_overlap(branches, static_cast<std::int32_t>(b) + 1, sections,
-                                 static_cast<std::int32_t>(s) + 1)) {
+            if (!network::extents_overlap(branches, static_cast<std::int32_t>(b) + 1, sections,
+                                          static_cast<std::int32_t>(s) + 1)) {
                 continue;
             }
             if (!plainSnap(branches, b, sections.all[s])) {
@@ -148,10 +148,10 @@ void plainMatch(NbcBranches& branches, NbcSections& sections)
 
 using Told = std::tuple<bool, bool, std::string, float, double, double, std::int32_t, std::int32_t, std::int32_t>;
 
-std::vector<Told> toldOf(const NbcSections& sections)
+std::vector<Told> toldOf(const network::NbcSections& sections)
 {
     std::vector<Told> all;
-    for (const NbcSection& s : sections.all) {
+    for (const network::NbcSection& s : sections.all) {
         all.emplace_back(s.snapped, s.intersected, s.branchName, s.chainage, s.meetingX, s.meetingY, s.branch,
                          s.branchVertex, s.sectionVertex);
     }
@@ -160,35 +160,35 @@ std::vector<Told> toldOf(const NbcSections& sections)
 
 using Listed = std::tuple<bool, float, double, double, std::int32_t>;
 
-std::vector<std::vector<Listed>> listedOn(const NbcBranches& branches)
+std::vector<std::vector<Listed>> listedOn(const network::NbcBranches& branches)
 {
     std::vector<std::vector<Listed>> all;
-    for (const NbcBranch& branch : branches.all) {
+    for (const network::NbcBranch& branch : branches.all) {
         all.emplace_back();
-        for (const BranchSection& s : branch.sections) {
+        for (const network::BranchSection& s : branch.sections) {
             all.back().emplace_back(s.snapped, s.chainage, s.x, s.y, s.vertex);
         }
     }
     return all;
 }
 
-int countMeetings(const NbcSections& sections)
+int countMeetings(const network::NbcSections& sections)
 {
     int count = 0;
-    for (const NbcSection& section : sections.all) {
+    for (const network::NbcSection& section : sections.all) {
         count += (section.snapped ? 1 : 0) + (section.intersected ? 1 : 0);
     }
     return count;
 }
 
 // Both forms on copies; gives the number of meetings.
-int expectSame(const NbcBranches& branches, const NbcSections& sections)
+int expectSame(const network::NbcBranches& branches, const network::NbcSections& sections)
 {
-    NbcBranches plainBranches = branches;
-    NbcSections plainSections = sections;
+    network::NbcBranches plainBranches = branches;
+    network::NbcSections plainSections = sections;
     plainMatch(plainBranches, plainSections);
-    NbcBranches fastBranches = branches;
-    NbcSections fastSections = sections;
+    network::NbcBranches fastBranches = branches;
+    network::NbcSections fastSections = sections;
     matchQuietly(fastBranches, fastSections);
     EXPECT_EQ(toldOf(fastSections), toldOf(plainSections));
     EXPECT_EQ(listedOn(fastBranches), listedOn(plainBranches));
@@ -239,12 +239,12 @@ TEST(MatchSections, AgreesWithThePlainFormOnRandomNetworks)
     for (std::uint32_t seed = 0; seed < 150; ++seed) {
         Drawing drawing(seed, seed % 3 == 0 ? 0.1 : 1, seed % 4 == 0 ? 300000.7 : 0);
         const int range = 5 + static_cast<int>(drawing.number(60));
-        NbcBranches branches;
+        network::NbcBranches branches;
         const std::size_t branchCount = drawing.number(40);
         for (std::size_t b = 0; b < branchCount; ++b) {
             branches.all.push_back(branchOf("b" + std::to_string(b), drawing.walk(1 + drawing.number(60), range, 5)));
         }
-        NbcSections sections;
+        network::NbcSections sections;
         for (std::size_t s = 0; s < 40; ++s) {
             sections.all.push_back(
                 sectionOf(drawing.walk(1 + drawing.number(seed % 5 == 0 ? 100 : 4), range, 7), s % 5 != 0));
@@ -268,8 +268,8 @@ TEST(MatchSections, AgreesWithThePlainFormWhereLinesRunAlongEachOther)
             }
             return vertices;
         };
-        NbcBranches branches;
-        NbcSections sections;
+        network::NbcBranches branches;
+        network::NbcSections sections;
         for (int i = 0; i < 5; ++i) {
             branches.all.push_back(branchOf("b", along(100)));
         }
@@ -294,8 +294,8 @@ TEST(MatchSections, AgreesWithThePlainFormOnCoordinatesThatAreNoPlace)
             }
             return vertices;
         };
-        NbcBranches branches;
-        NbcSections sections;
+        network::NbcBranches branches;
+        network::NbcSections sections;
         for (int b = 0; b < 20; ++b) {
             branches.all.push_back(branchOf("b", spoil(drawing.walk(20, 10, 5))));
             // A chainage that is no number equals nothing, itself included.
@@ -306,8 +306,8 @@ TEST(MatchSections, AgreesWithThePlainFormOnCoordinatesThatAreNoPlace)
         for (int s = 0; s < 30; ++s) {
             sections.all.push_back(sectionOf(spoil(drawing.walk(3, 10, 5))));
         }
-        NbcBranches plainBranches = branches;
-        NbcSections plainSections = sections;
+        network::NbcBranches plainBranches = branches;
+        network::NbcSections plainSections = sections;
         plainMatch(plainBranches, plainSections);
         matchQuietly(branches, sections);
         ASSERT_EQ(sections.all.size(), plainSections.all.size());
@@ -321,11 +321,11 @@ TEST(MatchSections, AgreesWithThePlainFormOnCoordinatesThatAreNoPlace)
 
 // --- By hand ---------------------------------------------------------------------------------------------------------
 
-NbcSection matchOne(const Vertices& branch, const Vertices& section)
+network::NbcSection matchOne(const Vertices& branch, const Vertices& section)
 {
-    NbcBranches branches;
+    network::NbcBranches branches;
     branches.all.push_back(branchOf("b", branch));
-    NbcSections sections;
+    network::NbcSections sections;
     sections.all.push_back(sectionOf(section));
     matchQuietly(branches, sections);
     return sections.all[0];
@@ -351,7 +351,7 @@ TEST(MatchSections, TheThousandthIsASinglePrecisionOne)
 
 TEST(MatchSections, TheFirstVertexOfASectionIsNeverTried)
 {
-    const NbcSection section = matchOne({{0, 0}, {10, 0}, {20, 0}}, {{10, 0}, {10, 5}});
+    const network::NbcSection section = matchOne({{0, 0}, {10, 0}, {20, 0}}, {{10, 0}, {10, 5}});
     EXPECT_FALSE(section.snapped);
     // Its start is no part of a segment either.
     EXPECT_FALSE(section.intersected);
@@ -360,7 +360,7 @@ TEST(MatchSections, TheFirstVertexOfASectionIsNeverTried)
 TEST(MatchSections, TheFirstVertexOfTheBranchCountsBeforeThatOfTheSection)
 {
     // The section passes vertex 3 before vertex 1.
-    const NbcSection section = matchOne({{0, 0}, {10, 0}, {20, 0}}, {{25, 0}, {20, 0}, {0, 0}});
+    const network::NbcSection section = matchOne({{0, 0}, {10, 0}, {20, 0}}, {{25, 0}, {20, 0}, {0, 0}});
     EXPECT_EQ(section.branchVertex, 1);
     EXPECT_EQ(section.sectionVertex, 3);
     EXPECT_EQ(section.chainage, 0.0F);
@@ -368,7 +368,7 @@ TEST(MatchSections, TheFirstVertexOfTheBranchCountsBeforeThatOfTheSection)
 
 TEST(MatchSections, ACrossingKnowsItsChainageAndPlace)
 {
-    const NbcSection section = matchOne({{0, 0}, {3, 4}, {13, 4}}, {{7, 10}, {7, 0}});
+    const network::NbcSection section = matchOne({{0, 0}, {3, 4}, {13, 4}}, {{7, 10}, {7, 0}});
     EXPECT_TRUE(section.intersected);
     EXPECT_EQ(section.meetingX, 7.0);
     EXPECT_EQ(section.meetingY, 4.0);
@@ -388,17 +388,17 @@ TEST(MatchSections, SegmentsHoldTheirEndButNotTheirStart)
 
 TEST(ExtentsOverlap, TouchingCounts)
 {
-    NbcBranches branches;
+    network::NbcBranches branches;
     branches.all.push_back(branchOf("b", {{0, 0}, {10, 10}}));
-    NbcSections sections;
+    network::NbcSections sections;
     sections.all.push_back(sectionOf({{10, 10}, {12, 12}}));
     sections.all.push_back(sectionOf({{10.5, 0}, {12, 12}}));
     sections.all.push_back(sectionOf({{0, -5}, {12, -0.5}}));
     sections.all.push_back(sectionOf({{-5, 0}, {-0.5, 12}}));
     sections.all.push_back(sectionOf({{0, 10.5}, {12, 12}}));
-    EXPECT_TRUE(extents_overlap(branches, 1, sections, 1));
+    EXPECT_TRUE(network::extents_overlap(branches, 1, sections, 1));
     for (std::int32_t s = 2; s <= 5; ++s) {
-        EXPECT_FALSE(extents_overlap(branches, 1, sections, s)) << s;
+        EXPECT_FALSE(network::extents_overlap(branches, 1, sections, s)) << s;
     }
 }
 
@@ -406,11 +406,11 @@ TEST(MatchSections, MoreSectionsOnABranchThanTheLimitEndTheRun)
 {
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] {
-        NbcBranches branches;
+        network::NbcBranches branches;
         branches.all.push_back(branchOf("long", {{0, 0}, {10, 0}}));
-        NbcSections sections;
+        network::NbcSections sections;
         sections.all.assign(10001, sectionOf({{5, 5}, {5, -5}}));
-        nbc_match_sections(branches, sections);
+        network::nbc_match_sections(branches, sections);
     });
     EXPECT_TRUE(run.ended);
     EXPECT_THAT(run.console, testing::HasSubstr("ERROR - More than 10000 sections in branch: long\n"));
@@ -421,12 +421,12 @@ TEST(MatchSections, MoreSectionsOnABranchThanTheLimitEndTheRun)
 TEST(ExtentTree, MeetsTheItemsInTheirOrderAndStops)
 {
     for (const std::size_t count : {0U, 1U, 8U, 9U, 64U, 65U, 600U}) {
-        const ExtentTree tree(count, [](std::size_t i) {
+        const network::ExtentTree tree(count, [](std::size_t i) {
             const auto place = static_cast<double>(i);
-            return Extent{place, 0, place, 0};
+            return network::Extent{place, 0, place, 0};
         });
         std::vector<std::size_t> met;
-        EXPECT_FALSE(tree.search([](const Extent&) { return true; },
+        EXPECT_FALSE(tree.search([](const network::Extent&) { return true; },
                                  [&](std::size_t i) {
                                      met.push_back(i);
                                      return false;
@@ -436,7 +436,7 @@ TEST(ExtentTree, MeetsTheItemsInTheirOrderAndStops)
 
         // Of those from 70 on, the blocks before are never met, and the search ends with the first found.
         std::size_t first = 0;
-        const bool found = tree.search([](const Extent& block) { return block.xmax >= 70; },
+        const bool found = tree.search([](const network::Extent& block) { return block.xmax >= 70; },
                                        [&](std::size_t i) {
                                            EXPECT_GE(i, 64U);
                                            first = i;

@@ -15,9 +15,10 @@ namespace {
 using testing::ElementsAre;
 
 // A branch along the x axis; its chainages are its x.
-NbcBranch branchAlong(const std::vector<double>& x, const std::vector<BranchSection>& sections, float formLoss = 0)
+network::NbcBranch branchAlong(const std::vector<double>& x, const std::vector<network::BranchSection>& sections,
+                               float formLoss = 0)
 {
-    NbcBranch branch;
+    network::NbcBranch branch;
     branch.name = "b";
     branch.type = "R";
     branch.flag = 'T';
@@ -31,38 +32,38 @@ NbcBranch branchAlong(const std::vector<double>& x, const std::vector<BranchSect
     return branch;
 }
 
-BranchSection snapAt(const NbcBranch& branch, std::int32_t vertex)
+network::BranchSection snapAt(const network::NbcBranch& branch, std::int32_t vertex)
 {
     const double x = branch.x[static_cast<std::size_t>(vertex - 1)];
     return {true, static_cast<float>(x), x, 0, vertex};
 }
 
-BranchSection crossAt(double x, std::int32_t vertex)
+network::BranchSection crossAt(double x, std::int32_t vertex)
 {
     return {false, static_cast<float>(x), x, 0, vertex};
 }
 
-NbcLines splitQuietly(NbcBranches& branches, const NbcConnectors& connectors = {})
+network::NbcLines splitQuietly(network::NbcBranches& branches, const network::NbcConnectors& connectors = {})
 {
-    NbcLines lines;
+    network::NbcLines lines;
     testing::internal::CaptureStdout();
-    nbc_split_branches(branches, lines, connectors);
+    network::nbc_split_branches(branches, lines, connectors);
     flushConsole();
     testing::internal::GetCapturedStdout();
     return lines;
 }
 
-NbcLines linesOf(NbcBranch branch)
+network::NbcLines linesOf(network::NbcBranch branch)
 {
-    NbcBranches branches;
+    network::NbcBranches branches;
     branches.all.push_back(std::move(branch));
     return splitQuietly(branches);
 }
 
-std::vector<std::string> idsOf(const NbcLines& lines)
+std::vector<std::string> idsOf(const network::NbcLines& lines)
 {
     std::vector<std::string> ids;
-    for (const NbcLine& line : lines) {
+    for (const network::NbcLine& line : lines) {
         ids.push_back(line.id);
     }
     return ids;
@@ -70,7 +71,7 @@ std::vector<std::string> idsOf(const NbcLines& lines)
 
 TEST(SplitBranches, ABranchWithoutSectionsIsOneLine)
 {
-    const NbcLines lines = linesOf(branchAlong({0, 10, 20}, {}, -2));
+    const network::NbcLines lines = linesOf(branchAlong({0, 10, 20}, {}, -2));
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_EQ(lines[0].id, "b");
     EXPECT_EQ(lines[0].type, "R");
@@ -86,7 +87,7 @@ TEST(SplitBranches, ABranchWithoutSectionsIsOneLine)
 
 TEST(SplitBranches, AWholeBranchHasItsNameCutToTheId)
 {
-    NbcBranch branch = branchAlong({0, 10, 20}, {});
+    network::NbcBranch branch = branchAlong({0, 10, 20}, {});
     branch.name = "Upper tributary";
     EXPECT_THAT(idsOf(linesOf(branch)), ElementsAre("Upper tribut"));
     branch.name = "Twelve chars";
@@ -96,7 +97,7 @@ TEST(SplitBranches, AWholeBranchHasItsNameCutToTheId)
 TEST(SplitBranches, OneSectionSplitsOnlyWhereItsVertexNumberPicksIt)
 {
     // At vertex 2, whose place in a list of one is empty: whole.
-    const NbcBranch bare = branchAlong({0, 10, 20}, {});
+    const network::NbcBranch bare = branchAlong({0, 10, 20}, {});
     EXPECT_EQ(linesOf(branchAlong({0, 10, 20}, {snapAt(bare, 2)})).size(), 1U);
     // The numbers of two sections, 2 and 3, pick the second place, at the end, and the empty third: whole.
     EXPECT_EQ(linesOf(branchAlong({0, 10, 20}, {snapAt(bare, 2), snapAt(bare, 3)})).size(), 1U);
@@ -107,13 +108,13 @@ TEST(SplitBranches, OneSectionSplitsOnlyWhereItsVertexNumberPicksIt)
 
 TEST(SplitBranches, AVertexNumberOf0IsPassedOver)
 {
-    BranchSection odd = crossAt(5, 0);
+    network::BranchSection odd = crossAt(5, 0);
     EXPECT_EQ(linesOf(branchAlong({0, 10, 20}, {odd, odd})).size(), 1U);
 }
 
 TEST(SplitBranches, ManyCrossingsOfOneSegmentFollowEachOther)
 {
-    const NbcLines lines =
+    const network::NbcLines lines =
         linesOf(branchAlong({0, 10, 20, 30, 40}, {crossAt(18, 3), crossAt(12, 3), crossAt(15, 3)}, 0.4F));
     ASSERT_EQ(lines.size(), 4U);
     EXPECT_THAT(lines[0].x, ElementsAre(0, 10, 12));
@@ -134,9 +135,9 @@ TEST(SplitBranches, FormLossesCloseTo0)
 
 TEST(SplitBranches, WritesConnectorsBehindAllBranches)
 {
-    NbcBranches branches;
+    network::NbcBranches branches;
     branches.all = {branchAlong({0, 10}, {})};
-    const NbcLines lines = splitQuietly(branches, {{7, {1, 2, 3}, {4, 5, 6}}});
+    const network::NbcLines lines = splitQuietly(branches, {{7, {1, 2, 3}, {4, 5, 6}}});
     ASSERT_EQ(lines.size(), 2U);
     EXPECT_EQ(lines[1].type, "X");
     EXPECT_EQ(lines[1].id, "");
@@ -150,9 +151,9 @@ TEST(SplitBranches, WritesConnectorsBehindAllBranches)
 TEST(SplitBranches, OrderThatVerticesDoNotFollowStaysWithinBounds)
 {
     // Vertices so close that their chainages are equal: a snap to a later vertex may come before a crossing ahead of it.
-    NbcBranch branch = branchAlong({0, 10, 10, 10, 20, 30}, {});
+    network::NbcBranch branch = branchAlong({0, 10, 10, 10, 20, 30}, {});
     branch.sections = {snapAt(branch, 4), crossAt(10, 2), crossAt(10, 2), snapAt(branch, 3), crossAt(10, 3)};
-    const NbcLines lines = linesOf(branch);
+    const network::NbcLines lines = linesOf(branch);
     ASSERT_EQ(lines.size(), 6U);
     EXPECT_THAT(lines[0].x, ElementsAre(0, 10, 10, 10));
     EXPECT_TRUE(lines[1].x.empty()); // from vertex 4 to 2
@@ -161,7 +162,7 @@ TEST(SplitBranches, OrderThatVerticesDoNotFollowStaysWithinBounds)
 
 TEST(SplitBranches, LargeChainagesFillTheId)
 {
-    const NbcBranch bare = branchAlong({0, 99000, 99998}, {});
+    const network::NbcBranch bare = branchAlong({0, 99000, 99998}, {});
     EXPECT_THAT(idsOf(linesOf(branchAlong({0, 99000, 99998}, {crossAt(98765.9, 2), snapAt(bare, 2), crossAt(5, 2)}))),
                 ElementsAre("b_0", "b_00005", "b_98765", "b_99000"));
     // The highest chainage that a section may have.

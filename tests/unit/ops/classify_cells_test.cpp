@@ -16,7 +16,7 @@ constexpr float kNullA = -9999.0F;
 std::vector<std::int32_t> classesOf(const std::vector<float>& cells, const std::vector<float>& limits)
 {
     std::vector<std::int32_t> numbers(cells.size());
-    findClasses(cells, risingLimits(tableOf(limits)), numbers);
+    ops::findClasses(cells, ops::risingLimits(tableOf(limits)), numbers);
     return numbers;
 }
 
@@ -55,7 +55,7 @@ TEST(ClassifyCells, LeavesNullCellsNull)
 {
     const std::vector<float> cells = {5, kNullA, 15, 25};
     std::vector<float> output(4, 77.0F);
-    classifyCells(cells, kNullA, std::vector<float>{10, 20}, output);
+    ops::classifyCells(cells, kNullA, std::vector<float>{10, 20}, output);
     EXPECT_THAT(output, ElementsAre(1, kNullA, 2, 3));
 }
 
@@ -64,7 +64,7 @@ TEST(ClassifyCells, WorksBeyondAStretch)
     const std::vector<float> limits = {-1, 0, 1.5F};
     const std::vector<float> cells = oddCells(5001, kNullA, 52);
     std::vector<float> output(cells.size());
-    classifyCells(cells, kNullA, limits, output);
+    ops::classifyCells(cells, kNullA, limits, output);
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const float expected = cells[i] == kNullA ? kNullA : static_cast<float>(plainClass(cells[i], limits));
         ASSERT_EQ(output[i], expected);

@@ -17,7 +17,7 @@ TEST(KeepFrom, KeepsACellOfExactlyTheCutoff)
 {
     const std::vector<float> cells = {0.1F, 0.0999F, 0.2F, kNullA, -5.0F};
     std::vector<float> output(5, 77.0F);
-    keepFrom(cells, 0.1F, kNullA, output);
+    ops::keepFrom(cells, 0.1F, kNullA, output);
     EXPECT_THAT(output, ElementsAre(0.1F, kNullA, 0.2F, kNullA, kNullA));
 }
 
@@ -25,7 +25,7 @@ TEST(KeepFrom, TreatsTheNullAsANumber)
 {
     const std::vector<float> cells = {5.0F, 100.0F};
     std::vector<float> output(2, 77.0F);
-    keepFrom(cells, 10.0F, 100.0F, output);
+    ops::keepFrom(cells, 10.0F, 100.0F, output);
     EXPECT_THAT(output, ElementsAre(100.0F, 100.0F)); // the first failed, the second is the null and passed
 }
 
@@ -34,7 +34,7 @@ TEST(FilterFrom, TakesTheSecondGridsActiveCells)
     const std::vector<float> test = {1.0F, 1.0F, 0.5F, kNullA};
     const std::vector<float> values = {40.0F, kNullB, 42.0F, 43.0F};
     std::vector<float> output(4, 77.0F);
-    filterFrom(test, 1.0F, values, kNullB, kNullA, output);
+    ops::filterFrom(test, 1.0F, values, kNullB, kNullA, output);
     EXPECT_THAT(output, ElementsAre(40.0F, kNullA, kNullA, kNullA));
 }
 
@@ -43,7 +43,7 @@ TEST(FilterFrom, ANullTestCellPassesAtACutoffBelowIt)
     const std::vector<float> test = {kNullA};
     const std::vector<float> values = {40.0F};
     std::vector<float> output(1);
-    filterFrom(test, -10000.0F, values, kNullB, kNullA, output);
+    ops::filterFrom(test, -10000.0F, values, kNullB, kNullA, output);
     EXPECT_THAT(output, ElementsAre(40.0F));
 }
 
@@ -59,9 +59,9 @@ TEST(Cutoff, AgreesWithThePlainTestsOnRandomCells)
             filtered.push_back(a[i] >= cutoff && b[i] != kNullB ? b[i] : kNullA);
         }
         std::vector<float> output(a.size());
-        keepFrom(a, cutoff, kNullA, output);
+        ops::keepFrom(a, cutoff, kNullA, output);
         EXPECT_EQ(bitsOf(output), bitsOf(kept));
-        filterFrom(a, cutoff, b, kNullB, kNullA, output);
+        ops::filterFrom(a, cutoff, b, kNullB, kNullA, output);
         EXPECT_EQ(bitsOf(output), bitsOf(filtered));
     }
 }

@@ -20,14 +20,14 @@ const std::vector<float> kB = {2.0F, 3.0F, kNullB, kNullB, 0.0F, kNullA};
 TEST(SubtractActive, GivesNullWhereEitherIsNull)
 {
     std::vector<float> difference(6, 77.0F);
-    subtractActive({kA, kNullA}, {kB, kNullB}, difference);
+    ops::subtractActive({kA, kNullA}, {kB, kNullB}, difference);
     EXPECT_THAT(difference, ElementsAre(3.0F, kNullA, kNullA, kNullA, 0.0F, 10000.0F));
 }
 
 TEST(SubtractChange, TakesANullCellForZeroWhereTheOtherIsActive)
 {
     std::vector<float> difference(6, 77.0F);
-    subtractChange({kA, kNullA}, {kB, kNullB}, difference);
+    ops::subtractChange({kA, kNullA}, {kB, kNullB}, difference);
     EXPECT_THAT(difference, ElementsAre(3.0F, -3.0F, 7.0F, kNullA, 0.0F, 10000.0F));
 }
 
@@ -35,7 +35,7 @@ TEST(SubtractWetDry, MarksCellsThatAreActiveInOneGridOnly)
 {
     std::vector<float> difference(6, 77.0F);
     std::vector<float> wetDry(6, 77.0F);
-    subtractWetDry({kA, kNullA}, {kB, kNullB}, difference, wetDry);
+    ops::subtractWetDry({kA, kNullA}, {kB, kNullB}, difference, wetDry);
     EXPECT_THAT(difference, ElementsAre(3.0F, kNullA, kNullA, kNullA, 0.0F, 10000.0F));
     EXPECT_THAT(wetDry, ElementsAre(kNullA, -99.0F, 99.0F, kNullA, kNullA, kNullA));
 }
@@ -43,7 +43,7 @@ TEST(SubtractWetDry, MarksCellsThatAreActiveInOneGridOnly)
 TEST(SubtractChange, AZeroThatOnlyTheSecondHoldsGivesZero)
 {
     std::vector<float> difference(1);
-    subtractChange({std::vector<float>{kNullA}, kNullA}, {std::vector<float>{0.0F}, kNullB}, difference);
+    ops::subtractChange({std::vector<float>{kNullA}, kNullA}, {std::vector<float>{0.0F}, kNullB}, difference);
     EXPECT_EQ(bitsOf(difference), bitsOf({0.0F})); // 0.0 - 0.0, and not its negative
 }
 
@@ -70,11 +70,11 @@ TEST(Subtract, AgreesWithTheTableOfModesOnRandomCells)
         }
         std::vector<float> difference(count);
         std::vector<float> wetDry(count);
-        subtractActive({a, kNullA}, {b, kNullB}, difference);
+        ops::subtractActive({a, kNullA}, {b, kNullB}, difference);
         EXPECT_EQ(bitsOf(difference), bitsOf(active));
-        subtractChange({a, kNullA}, {b, kNullB}, difference);
+        ops::subtractChange({a, kNullA}, {b, kNullB}, difference);
         EXPECT_EQ(bitsOf(difference), bitsOf(change));
-        subtractWetDry({a, kNullA}, {b, kNullB}, difference, wetDry);
+        ops::subtractWetDry({a, kNullA}, {b, kNullB}, difference, wetDry);
         EXPECT_EQ(bitsOf(difference), bitsOf(active));
         EXPECT_EQ(bitsOf(wetDry), bitsOf(classes));
     }
@@ -87,20 +87,20 @@ TEST(Dif, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
         const std::vector<float> second(kVectorsAndRest, b);
         std::vector<float> difference(kVectorsAndRest);
         std::vector<float> wetDry(kVectorsAndRest);
-        subtractActive({first, kNullA}, {second, kNullB}, difference);
+        ops::subtractActive({first, kNullA}, {second, kNullB}, difference);
         EXPECT_TRUE(allQuietNaN(difference));
-        subtractChange({first, kNullA}, {second, kNullB}, difference);
+        ops::subtractChange({first, kNullA}, {second, kNullB}, difference);
         EXPECT_TRUE(allQuietNaN(difference));
-        subtractWetDry({first, kNullA}, {second, kNullB}, difference, wetDry);
+        ops::subtractWetDry({first, kNullA}, {second, kNullB}, difference, wetDry);
         EXPECT_TRUE(allQuietNaN(difference));
     }
     const std::vector<float> nulls(kVectorsAndRest, kNullA);
     const std::vector<float> odd(kVectorsAndRest, kOddNaN);
     std::vector<float> difference(kVectorsAndRest);
-    subtractChange({nulls, kNullA}, {odd, kNullB}, difference); // 0 - b
+    ops::subtractChange({nulls, kNullA}, {odd, kNullB}, difference); // 0 - b
     EXPECT_TRUE(allQuietNaN(difference));
     const std::vector<float> otherNulls(kVectorsAndRest, kNullB);
-    subtractChange({odd, kNullA}, {otherNulls, kNullB}, difference); // a is only copied
+    ops::subtractChange({odd, kNullA}, {otherNulls, kNullB}, difference); // a is only copied
     EXPECT_EQ(std::bit_cast<std::uint32_t>(difference.back()), std::bit_cast<std::uint32_t>(kOddNaN));
 }
 

@@ -11,12 +11,12 @@ namespace {
 // The scan of the command line refuses a lone name before, so this end is reached only from within.
 TEST(RunDifDeathTest, RefusesASingleInput)
 {
-    InputFileList inputs;
+    run::InputFileList inputs;
     inputs.add("a.asc");
     const auto run = [&] {
         dup2(STDERR_FILENO, STDOUT_FILENO);
         dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-        runDif(RunSettings{}, inputs);
+        ops::runDif(run::RunSettings{}, inputs);
     };
     EXPECT_EXIT(run(), testing::ExitedWithCode(0),
                 "Processing \"-dif\" option.\n"

@@ -17,7 +17,7 @@ TEST(MarkWet, HoldsToTheMagnitude)
 {
     const std::vector<float> cells = {0.00005F, -0.5F, 0.0001F, -0.0001F, 0.0F, kNullA, 2.0F};
     std::vector<float> output(7, 77.0F);
-    markWet(cells, kNullA, output);
+    ops::markWet(cells, kNullA, output);
     EXPECT_THAT(output, ElementsAre(kNullA, 1.0F, 1.0F, 1.0F, kNullA, kNullA, 1.0F));
 }
 
@@ -26,7 +26,7 @@ TEST(MarkWet, TheLimitIsASingle)
     // The double 0.0001 lies below its single, so a cell between the two would be wet by the double.
     const float below = std::nextafter(0.0001F, 0.0F);
     std::vector<float> output(1);
-    markWet(std::vector<float>{below}, kNullA, output);
+    ops::markWet(std::vector<float>{below}, kNullA, output);
     EXPECT_THAT(output, ElementsAre(kNullA));
 }
 

@@ -17,9 +17,9 @@ TEST(CountBins, CountsEachCellOnce)
 {
     const std::vector<float> cells = {5, 10, 10.5F, 20, 21, kNullA, kNaN};
     std::vector<std::int64_t> counts(3);
-    countBins(cells, kNullA, std::vector<float>{10, 20}, counts);
+    ops::countBins(cells, kNullA, std::vector<float>{10, 20}, counts);
     EXPECT_THAT(counts, ElementsAre(2, 2, 2));
-    countBins(cells, kNullA, std::vector<float>{10, 20}, counts); // adds up
+    ops::countBins(cells, kNullA, std::vector<float>{10, 20}, counts); // adds up
     EXPECT_THAT(counts, ElementsAre(4, 4, 4));
 }
 
@@ -35,7 +35,7 @@ TEST(CountBins, AgreesWithThePlainCount)
             }
         }
         std::vector<std::int64_t> counts(limits.size() + 1);
-        countBins(cells, kNullA, risingLimits(tableOf(limits)), counts);
+        ops::countBins(cells, kNullA, ops::risingLimits(tableOf(limits)), counts);
         EXPECT_EQ(counts, plain);
     }
 }

@@ -19,7 +19,7 @@ TEST(TakeMaximum, MissingCellsNeverBeatAValueAndTiesStay)
 {
     std::vector<float> kept = {1, 2, kNull, 4, kNull};
     std::vector<float> sources = {1, 1, kNull, 1, kNull};
-    takeMaximum(std::vector<float>{2, 1, 5, 4, -1}, -1, 2, kept, sources);
+    ops::takeMaximum(std::vector<float>{2, 1, 5, 4, -1}, -1, 2, kept, sources);
     EXPECT_THAT(kept, ElementsAre(2, 2, 5, 4, kNull));
     EXPECT_THAT(sources, ElementsAre(2, 1, 2, 1, kNull));
 }
@@ -28,7 +28,7 @@ TEST(TakeMinimum, TakesEmptyCellsByTheNullOfTheGridThatComes)
 {
     std::vector<float> kept = {1, 2, kNull, 4, kNull};
     std::vector<float> sources = {1, 1, kNull, 1, kNull};
-    takeMinimum(std::vector<float>{2, 1, 5, 4, kNull}, kNull, 2, kept, sources);
+    ops::takeMinimum(std::vector<float>{2, 1, 5, 4, kNull}, kNull, 2, kept, sources);
     EXPECT_THAT(kept, ElementsAre(1, 1, 5, 4, kNull));
     EXPECT_THAT(sources, ElementsAre(1, 2, 2, 1, kNull));
 }
@@ -37,7 +37,7 @@ TEST(TakeMaximum, CellsThatAreNoNumberNeverEnter)
 {
     std::vector<float> kept = {kNull, 2};
     std::vector<float> none;
-    takeMaximum(std::vector<float>{std::nanf(""), std::nanf("")}, kNull, 1, kept, none);
+    ops::takeMaximum(std::vector<float>{std::nanf(""), std::nanf("")}, kNull, 1, kept, none);
     EXPECT_THAT(kept, ElementsAre(kNull, 2));
 }
 
@@ -45,10 +45,10 @@ TEST(TakeMinimum, ACellThatIsNoNumberFillsAnEmptyOneAndStays)
 {
     std::vector<float> kept = {kNull, 2};
     std::vector<float> sources = {kNull, 1};
-    takeMinimum(std::vector<float>{std::nanf(""), std::nanf("")}, kNull, 2, kept, sources);
+    ops::takeMinimum(std::vector<float>{std::nanf(""), std::nanf("")}, kNull, 2, kept, sources);
     EXPECT_TRUE(std::isnan(kept[0]));
     EXPECT_EQ(kept[1], 2);
-    takeMinimum(std::vector<float>{1, 1}, kNull, 3, kept, sources);
+    ops::takeMinimum(std::vector<float>{1, 1}, kNull, 3, kept, sources);
     EXPECT_TRUE(std::isnan(kept[0]));
     EXPECT_THAT(sources, ElementsAre(2, 3));
 }
@@ -92,7 +92,7 @@ TEST(MaxMinKernels, AgreeWithThePlainRulesOnRandomCells)
             for (float& cell : cells) {
                 cell = values[random() % values.size()];
             }
-            const auto take = maximum ? takeMaximum : takeMinimum;
+            const auto take = maximum ? ops::takeMaximum : ops::takeMinimum;
             take(cells, null, static_cast<float>(grid), kept, sources);
             take(cells, null, static_cast<float>(grid), keptWithout, none);
             for (std::size_t i = 0; i < kCells; ++i) {

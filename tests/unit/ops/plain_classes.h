@@ -8,9 +8,9 @@
 
 namespace gridforge::test {
 
-inline ClassTable tableOf(const std::vector<float>& limits)
+inline ops::ClassTable tableOf(const std::vector<float>& limits)
 {
-    ClassTable table;
+    ops::ClassTable table;
     for (const float limit : limits) {
         table.push_back({.limit = limit, .name = "", .red = 0, .green = 0, .blue = 0});
     }

@@ -22,11 +22,11 @@ Grid gridOf(std::int32_t nrows, std::int32_t ncols, const std::vector<float>& ce
     return grid;
 }
 
-using Tiles = decltype(&averageTiles);
+using Tiles = decltype(&ops::averageTiles);
 
 std::vector<float> resized(Tiles tiles, const Grid& grid, std::int32_t factor, float null = kNullA)
 {
-    const Tiling tiling = tilingOf(grid.nrows(), grid.ncols(), factor);
+    const ops::Tiling tiling = ops::tilingOf(grid.nrows(), grid.ncols(), factor);
     Grid output;
     EXPECT_TRUE(output.allocate(tiling.rows, tiling.columns));
     tiles(grid.cells(), null, tiling, {1, tiling.rows}, output.cells());
@@ -35,7 +35,7 @@ std::vector<float> resized(Tiles tiles, const Grid& grid, std::int32_t factor, f
 
 TEST(TilingOf, LeavesTheRestToTheLastTiles)
 {
-    const Tiling tiling = tilingOf(10, 9, 3);
+    const ops::Tiling tiling = ops::tilingOf(10, 9, 3);
     EXPECT_EQ(tiling.rows, 4);
     EXPECT_EQ(tiling.columns, 3);
     EXPECT_EQ(tiling.lastRows, 1);
@@ -45,7 +45,7 @@ TEST(TilingOf, LeavesTheRestToTheLastTiles)
 TEST(TilingOf, AFactorPastTheGridGivesOneTile)
 {
     for (const std::int32_t factor : {5, 6, 2147483647}) {
-        const Tiling tiling = tilingOf(5, 3, factor);
+        const ops::Tiling tiling = ops::tilingOf(5, 3, factor);
         EXPECT_EQ(tiling.rows, 1);
         EXPECT_EQ(tiling.columns, 1);
         EXPECT_EQ(tiling.lastRows, 5);
@@ -60,38 +60,38 @@ TEST(Tiles, StartInTheSouthWest)
                              {31, 32, 33, //
                               21, 22, 23, //
                               11, 12, 13});
-    EXPECT_THAT(resized(averageTiles, grid, 2), testing::ElementsAre(31.5F, 33, (11 + 12 + 21 + 22) / 4.0F, 18));
-    EXPECT_THAT(resized(minimumTiles, grid, 2), testing::ElementsAre(31, 33, 11, 13));
-    EXPECT_THAT(resized(maximumTiles, grid, 2), testing::ElementsAre(32, 33, 22, 23));
+    EXPECT_THAT(resized(ops::averageTiles, grid, 2), testing::ElementsAre(31.5F, 33, (11 + 12 + 21 + 22) / 4.0F, 18));
+    EXPECT_THAT(resized(ops::minimumTiles, grid, 2), testing::ElementsAre(31, 33, 11, 13));
+    EXPECT_THAT(resized(ops::maximumTiles, grid, 2), testing::ElementsAre(32, 33, 22, 23));
 }
 
 TEST(Tiles, PassOverNullCells)
 {
     const Grid grid = gridOf(2, 4, {kNullA, 4, kNullA, kNullA, 1, kNullA, kNullA, kNullA});
-    EXPECT_THAT(resized(averageTiles, grid, 2), testing::ElementsAre(2.5F, kNullA));
-    EXPECT_THAT(resized(minimumTiles, grid, 2), testing::ElementsAre(1, kNullA));
-    EXPECT_THAT(resized(maximumTiles, grid, 2), testing::ElementsAre(4, kNullA));
+    EXPECT_THAT(resized(ops::averageTiles, grid, 2), testing::ElementsAre(2.5F, kNullA));
+    EXPECT_THAT(resized(ops::minimumTiles, grid, 2), testing::ElementsAre(1, kNullA));
+    EXPECT_THAT(resized(ops::maximumTiles, grid, 2), testing::ElementsAre(4, kNullA));
 }
 
 TEST(MinimumTiles, ATileWithNothingBelowItsStartIsNull)
 {
     const Grid grid = gridOf(1, 4, {100000, 100001, 200000, 99999});
-    EXPECT_THAT(resized(minimumTiles, grid, 2), testing::ElementsAre(kNullA, 99999));
-    EXPECT_THAT(resized(averageTiles, grid, 1), testing::ElementsAre(100000, 100001, 200000, 99999));
-    EXPECT_THAT(resized(minimumTiles, grid, 1), testing::ElementsAre(kNullA, kNullA, kNullA, 99999));
+    EXPECT_THAT(resized(ops::minimumTiles, grid, 2), testing::ElementsAre(kNullA, 99999));
+    EXPECT_THAT(resized(ops::averageTiles, grid, 1), testing::ElementsAre(100000, 100001, 200000, 99999));
+    EXPECT_THAT(resized(ops::minimumTiles, grid, 1), testing::ElementsAre(kNullA, kNullA, kNullA, 99999));
 }
 
 TEST(MaximumTiles, ANullAboveTheDataStands)
 {
     const Grid grid = gridOf(1, 2, {3, 4});
-    EXPECT_THAT(resized(maximumTiles, grid, 2, 9999.0F), testing::ElementsAre(9999));
+    EXPECT_THAT(resized(ops::maximumTiles, grid, 2, 9999.0F), testing::ElementsAre(9999));
 }
 
 TEST(AverageTiles, SumsInDouble)
 {
     // In single precision 16777216 + 1 stays 16777216, and the sum of all four were 16777218.
     const Grid grid = gridOf(2, 2, {1, 1, 16777216, 1});
-    EXPECT_THAT(resized(averageTiles, grid, 2), testing::ElementsAre(4194304.75F));
+    EXPECT_THAT(resized(ops::averageTiles, grid, 2), testing::ElementsAre(4194304.75F));
 }
 
 // The tiles one by one, as they read in words.
@@ -120,7 +120,7 @@ std::vector<float> plainTiles(Tiles kind, const Grid& grid, std::int32_t factor,
             const float average =
                 count > 0 ? static_cast<float>(sum / static_cast<double>(static_cast<float>(count))) : null;
             least = least == 100000.0F ? null : least;
-            result.push_back(kind == averageTiles ? average : kind == minimumTiles ? least : most);
+            result.push_back(kind == ops::averageTiles ? average : kind == ops::minimumTiles ? least : most);
         }
     }
     return result;
@@ -133,7 +133,7 @@ TEST(Tiles, AgreeWithThePlainWalkOnRandomGrids)
             const auto count = static_cast<std::size_t>(nrows * ncols);
             const auto seed = static_cast<std::uint32_t>(nrows * 100 + factor);
             const Grid grid = gridOf(nrows, ncols, oddCells(count, kNullA, seed));
-            for (const Tiles kind : {averageTiles, minimumTiles, maximumTiles}) {
+            for (const Tiles kind : {ops::averageTiles, ops::minimumTiles, ops::maximumTiles}) {
                 EXPECT_EQ(bitsOf(resized(kind, grid, factor)), bitsOf(plainTiles(kind, grid, factor, kNullA)))
                     << nrows << " by " << ncols << " by " << factor;
             }
@@ -145,14 +145,14 @@ TEST(Tiles, OfAnyRowsAreThoseOfTheWholeGrid)
 {
     const Grid grid = gridOf(23, 37, oddCells(std::size_t{23} * 37, kNullA, 7));
     for (const std::int32_t factor : {1, 4, 23}) {
-        const Tiling tiling = tilingOf(grid.nrows(), grid.ncols(), factor);
+        const ops::Tiling tiling = ops::tilingOf(grid.nrows(), grid.ncols(), factor);
         const auto columns = static_cast<std::size_t>(tiling.columns);
-        const std::vector<float> whole = resized(averageTiles, grid, factor);
+        const std::vector<float> whole = resized(ops::averageTiles, grid, factor);
         for (std::int32_t first = 1; first <= tiling.rows; ++first) {
             for (std::int32_t last = first; last <= tiling.rows; ++last) {
-                const CellRows rows = tiledRows(tiling, {first, last});
+                const ops::CellRows rows = ops::tiledRows(tiling, {first, last});
                 std::vector<float> output(static_cast<std::size_t>(last - first + 1) * columns);
-                averageTiles(rowsOf(grid, rows.first, rows.last), kNullA, tiling, {first, last}, output);
+                ops::averageTiles(run::rowsOf(grid, rows.first, rows.last), kNullA, tiling, {first, last}, output);
                 const auto from = whole.begin() + static_cast<std::ptrdiff_t>(columns) * (tiling.rows - last);
                 EXPECT_EQ(bitsOf(output), bitsOf({from, from + std::ssize(output)})) << first << " to " << last;
             }
@@ -168,7 +168,7 @@ TEST(Tiles, StayInsideTheGridWhereTheirCountIsRounded)
         Grid grid;
         ASSERT_TRUE(grid.allocate(1, ncols));
         grid(1, ncols) = 7;
-        const std::vector<float> output = resized(maximumTiles, grid, 1);
+        const std::vector<float> output = resized(ops::maximumTiles, grid, 1);
         if (ncols == 16777219) {
             ASSERT_EQ(output.size(), 16777220U);
             EXPECT_EQ(output[16777218], 7);
@@ -187,9 +187,9 @@ TEST(AverageTiles, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
         opposite[i] = i % 2 == 0 ? kInfinity : -kInfinity;
     }
     const auto columns = static_cast<std::int32_t>(opposite.size());
-    EXPECT_TRUE(allQuietNaN(resized(averageTiles, gridOf(1, columns, opposite), 2)));
+    EXPECT_TRUE(allQuietNaN(resized(ops::averageTiles, gridOf(1, columns, opposite), 2)));
     EXPECT_TRUE(
-        allQuietNaN(resized(averageTiles, gridOf(1, columns, std::vector<float>(opposite.size(), kOddNaN)), 2)));
+        allQuietNaN(resized(ops::averageTiles, gridOf(1, columns, std::vector<float>(opposite.size(), kOddNaN)), 2)));
 }
 
 } // namespace

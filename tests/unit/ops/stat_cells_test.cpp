@@ -38,7 +38,7 @@ struct Result {
     explicit Result(std::size_t cells) : values(cells, 77.0F), sources(cells, 77.0F) {}
 };
 
-using Find = void (*)(CellStack, float, std::span<float>, std::span<float>);
+using Find = void (*)(ops::CellStack, float, std::span<float>, std::span<float>);
 
 Result found(Find find, const Stack& stack, float null = kNullA)
 {
@@ -50,8 +50,8 @@ Result found(Find find, const Stack& stack, float null = kNullA)
 Result ranked(const Stack& stack, std::int32_t rank, float null = kNullA)
 {
     Result result(stack.cells());
-    const std::array<RankResult, 1> wanted{{{rank, result.values, result.sources}}};
-    findRanks(stack.spans(), null, wanted);
+    const std::array<ops::RankResult, 1> wanted{{{rank, result.values, result.sources}}};
+    ops::findRanks(stack.spans(), null, wanted);
     return result;
 }
 
@@ -60,21 +60,21 @@ const Stack kThree{{{3, 8, kNullA, 5}, {1, kNullA, kNullA, 5}, {2, 4, kNullA, 5}
 
 TEST(FindMinimum, ANullInAnyGridBlanksTheCell)
 {
-    const Result result = found(findMinimum, kThree);
+    const Result result = found(ops::findMinimum, kThree);
     EXPECT_THAT(result.values, ElementsAre(1, kNullA, kNullA, 5));
     EXPECT_THAT(result.sources, ElementsAre(2, kNullA, kNullA, 1));
 }
 
 TEST(FindMaximum, OnlyNullInAllGridsBlanksTheCell)
 {
-    const Result result = found(findMaximum, kThree);
+    const Result result = found(ops::findMaximum, kThree);
     EXPECT_THAT(result.values, ElementsAre(3, 8, kNullA, 5));
     EXPECT_THAT(result.sources, ElementsAre(1, 1, kNullA, 1));
 }
 
 TEST(FindMean, TheSourceIsTheLowestValueThatReachesIt)
 {
-    const Result result = found(findMean, kThree);
+    const Result result = found(ops::findMean, kThree);
     EXPECT_THAT(result.values, ElementsAre((3.0F + 1.0F + 2.0F) / 3.0F, kNullA, kNullA, 5));
     EXPECT_THAT(result.sources, ElementsAre(3, kNullA, kNullA, 1)); // the mean 2 is reached by the third grid's 2
 }
@@ -88,7 +88,7 @@ TEST(FindMean, HasNoSourceWhereRoundingLiftsItAboveAllValues)
     }
     ASSERT_GT(sum / 7.0F, 0.1F);
     const Stack stack{std::vector<std::vector<float>>(7, {0.1F})};
-    const Result result = found(findMean, stack);
+    const Result result = found(ops::findMean, stack);
     EXPECT_THAT(result.values, ElementsAre(sum / 7.0F));
     EXPECT_THAT(result.sources, ElementsAre(kNullA));
 }
@@ -118,7 +118,7 @@ TEST(StatCells, ANullAboveTheDataBlanksEveryStatistic)
 {
     const float null = 9999.0F;
     const Stack stack{{{5, null, 7}, {1, 4, 7}, {3, 2, 7}}}; // without a null too: no value reaches above it
-    for (const Find find : {findMinimum, findMaximum, findMean}) {
+    for (const Find find : {ops::findMinimum, ops::findMaximum, ops::findMean}) {
         EXPECT_THAT(found(find, stack, null).values, testing::Each(null));
         EXPECT_THAT(found(find, stack, null).sources, testing::Each(null));
     }
@@ -127,14 +127,14 @@ TEST(StatCells, ANullAboveTheDataBlanksEveryStatistic)
         EXPECT_THAT(ranked(stack, rank, null).sources, testing::Each(null));
     }
     std::vector<float> fraction(3, null);
-    findFraction(stack.spans(), null, fraction);
+    ops::findFraction(stack.spans(), null, fraction);
     EXPECT_THAT(fraction, testing::Each(null));
 }
 
 TEST(FindFraction, CountsWhatIsAboveTheNull)
 {
     std::vector<float> values(4, 77.0F);
-    findFraction(kThree.spans(), kNullA, values);
+    ops::findFraction(kThree.spans(), kNullA, values);
     EXPECT_THAT(values, ElementsAre(1, 2.0F / 3.0F, 77, 1)); // a dry cell stays as it was
 }
 
@@ -143,17 +143,17 @@ TEST(DryLimit, IsAHundredthAboveTheNullInSingles)
     const float limit = kNullA + 0.01F;
     const Stack at{{{limit}, {limit}}};
     const Stack above{{{std::nextafter(limit, 0.0F)}, {std::nextafter(limit, 0.0F)}}};
-    EXPECT_THAT(found(findMinimum, at).values, ElementsAre(kNullA));
-    EXPECT_THAT(found(findMinimum, above).values, ElementsAre(std::nextafter(limit, 0.0F)));
-    EXPECT_THAT(found(findMaximum, at).values, ElementsAre(kNullA));
-    EXPECT_THAT(found(findMean, at).values, ElementsAre(kNullA));
+    EXPECT_THAT(found(ops::findMinimum, at).values, ElementsAre(kNullA));
+    EXPECT_THAT(found(ops::findMinimum, above).values, ElementsAre(std::nextafter(limit, 0.0F)));
+    EXPECT_THAT(found(ops::findMaximum, at).values, ElementsAre(kNullA));
+    EXPECT_THAT(found(ops::findMean, at).values, ElementsAre(kNullA));
     EXPECT_THAT(ranked(at, 1).values, ElementsAre(kNullA));
     EXPECT_THAT(ranked(above, 1).sources, ElementsAre(1));
 }
 
 TEST(SortCell, KeepsListOrderOfEqualValues)
 {
-    const SortedCell sorted = sortCell(std::vector<float>{5, 3, 5, 3});
+    const ops::SortedCell sorted = ops::sortCell(std::vector<float>{5, 3, 5, 3});
     EXPECT_THAT(std::vector<float>(sorted.values.begin(), sorted.values.begin() + 4), ElementsAre(3, 3, 5, 5));
     EXPECT_THAT(std::vector<int>(sorted.sources.begin(), sorted.sources.begin() + 4), ElementsAre(2, 4, 1, 3));
 }
@@ -161,7 +161,7 @@ TEST(SortCell, KeepsListOrderOfEqualValues)
 TEST(SortCell, ValuesOfTheMarksSizeGiveWayToIt)
 {
     // The 4 of grid 1 is picked first and its place then holds 9.0e29, which is less than 1.0e30.
-    const SortedCell sorted = sortCell(std::vector<float>{4, 1.0e30F});
+    const ops::SortedCell sorted = ops::sortCell(std::vector<float>{4, 1.0e30F});
     EXPECT_EQ(sorted.values[1], 9.0e29F);
     EXPECT_EQ(sorted.sources[1], 1);
 }
@@ -270,11 +270,11 @@ void expectPlain(const Stack& stack, const Result& result, Plain plain)
 
 void expectAllPlain(const Stack& stack, float null)
 {
-    expectPlain(stack, found(findMinimum, stack, null),
+    expectPlain(stack, found(ops::findMinimum, stack, null),
                 [null](const std::vector<float>& v) { return plainExtreme(v, null, false); });
-    expectPlain(stack, found(findMaximum, stack, null),
+    expectPlain(stack, found(ops::findMaximum, stack, null),
                 [null](const std::vector<float>& v) { return plainExtreme(v, null, true); });
-    expectPlain(stack, found(findMean, stack, null),
+    expectPlain(stack, found(ops::findMean, stack, null),
                 [null](const std::vector<float>& v) { return plainMean(v, null); });
     for (std::size_t rank = 1; rank <= stack.grids.size(); ++rank) {
         expectPlain(stack, ranked(stack, static_cast<std::int32_t>(rank), null),
@@ -282,7 +282,7 @@ void expectAllPlain(const Stack& stack, float null)
     }
     std::vector<float> fraction(stack.cells(), 77.0F);
     std::vector<float> expected;
-    findFraction(stack.spans(), null, fraction);
+    ops::findFraction(stack.spans(), null, fraction);
     for (std::size_t i = 0; i < stack.cells(); ++i) {
         expected.push_back(plainFraction(stack.at(i), null, 77.0F));
     }
@@ -325,12 +325,12 @@ TEST(FindRanks, SeveralRanksAtOnceEachInItsPlace)
         // All ranks in falling order, and the first two.
         for (const std::uint32_t count : {n, 2U}) {
             std::vector<Result> results(count, Result(stack.cells()));
-            std::vector<RankResult> wanted;
+            std::vector<ops::RankResult> wanted;
             for (std::uint32_t p = 0; p < count; ++p) {
                 const auto rank = static_cast<std::int32_t>(count - p);
                 wanted.push_back({rank, results[p].values, results[p].sources});
             }
-            findRanks(stack.spans(), kNullA, wanted);
+            ops::findRanks(stack.spans(), kNullA, wanted);
             for (std::uint32_t p = 0; p < count; ++p) {
                 const Result alone = ranked(stack, wanted[p].rank);
                 EXPECT_EQ(results[p].values, alone.values);
@@ -344,7 +344,7 @@ TEST(FindMean, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 {
     const std::vector<float> highest(kVectorsAndRest, kInfinity);
     const std::vector<float> odd(kVectorsAndRest, kOddNaN);
-    const Result result = found(findMean, {{highest, odd}});
+    const Result result = found(ops::findMean, {{highest, odd}});
     EXPECT_TRUE(allQuietNaN(result.values));
     EXPECT_THAT(result.sources, testing::Each(kNullA)); // no value reaches it
 }

@@ -17,7 +17,7 @@ TEST(TransformCells, LeavesNullCellsAlone)
 {
     const std::vector<float> cells = {2.0F, kNullA, -4.0F};
     std::vector<float> output(3, 77.0F);
-    transformCells(cells, 0.5F, 10.0F, kNullA, output);
+    ops::transformCells(cells, 0.5F, 10.0F, kNullA, output);
     EXPECT_THAT(output, ElementsAre(11.0F, kNullA, 8.0F));
 }
 
@@ -27,7 +27,7 @@ TEST(TransformCells, RoundsTheProductBeforeTheSum)
     // were 1.
     const std::vector<float> cells = {4097.0F};
     std::vector<float> output(1);
-    transformCells(cells, 4097.0F, -16785408.0F, kNullA, output);
+    ops::transformCells(cells, 4097.0F, -16785408.0F, kNullA, output);
     EXPECT_THAT(output, ElementsAre(0.0F));
 }
 
@@ -36,7 +36,7 @@ TEST(MultiplyCells, NeedsBothCellsActive)
     const std::vector<float> a = {2.0F, kNullA, 4.0F, kNullA, 3.0F};
     const std::vector<float> b = {5.0F, 6.0F, kNullB, kNullB, kNullA};
     std::vector<float> output(5, 77.0F);
-    multiplyCells(a, kNullA, b, kNullB, output);
+    ops::multiplyCells(a, kNullA, b, kNullB, output);
     EXPECT_THAT(output, ElementsAre(10.0F, kNullA, kNullA, kNullA, -29997.0F)); // 3 x -9999: no null of the second grid
 }
 
@@ -53,21 +53,21 @@ TEST(TransformAndMultiply, AgreeWithThePlainFormsOnRandomCells)
         multiplied.push_back(a[i] != kNullA && b[i] != kNullB ? a[i] * b[i] : kNullA);
     }
     std::vector<float> output(a.size());
-    transformCells(a, 0.3048F, 10.7F, kNullA, output);
+    ops::transformCells(a, 0.3048F, 10.7F, kNullA, output);
     EXPECT_EQ(bitsOf(output), bitsOf(transformed));
-    multiplyCells(a, kNullA, b, kNullB, output);
+    ops::multiplyCells(a, kNullA, b, kNullB, output);
     EXPECT_EQ(bitsOf(output), bitsOf(multiplied));
 }
 
 TEST(TransformCells, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 {
     std::vector<float> output(kVectorsAndRest);
-    transformCells(std::vector<float>(kVectorsAndRest, kInfinity), 0.0F, 1.0F, kNullA, output); // infinity times 0
+    ops::transformCells(std::vector<float>(kVectorsAndRest, kInfinity), 0.0F, 1.0F, kNullA, output); // infinity times 0
     EXPECT_TRUE(allQuietNaN(output));
-    transformCells(std::vector<float>(kVectorsAndRest, kOddNaN), 1.0F, 0.0F, kNullA, output);
+    ops::transformCells(std::vector<float>(kVectorsAndRest, kOddNaN), 1.0F, 0.0F, kNullA, output);
     EXPECT_TRUE(allQuietNaN(output));
-    multiplyCells(std::vector<float>(kVectorsAndRest, kInfinity), kNullA, std::vector<float>(kVectorsAndRest, 0.0F),
-                  kNullB, output);
+    ops::multiplyCells(std::vector<float>(kVectorsAndRest, kInfinity), kNullA,
+                       std::vector<float>(kVectorsAndRest, 0.0F), kNullB, output);
     EXPECT_TRUE(allQuietNaN(output));
 }
 

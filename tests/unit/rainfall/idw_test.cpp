@@ -11,9 +11,9 @@
 namespace gridforge::test {
 namespace {
 
-void expectPlain(const RfIdwTables& fast, const PlainIdw& plain, const GridHeader& grid, int round)
+void expectPlain(const rainfall::RfIdwTables& fast, const PlainIdw& plain, const GridHeader& grid, int round)
 {
-    const RfIdwMethod& method = fast.method;
+    const rainfall::RfIdwMethod& method = fast.method;
     for (std::int32_t r = 1; r <= grid.nrows; ++r) {
         for (std::int32_t c = 1; c <= grid.ncols; ++c) {
             const double sum = plain.weightSum[plain.cell(r, c)];
@@ -43,11 +43,12 @@ void expectPlain(const RfIdwTables& fast, const PlainIdw& plain, const GridHeade
     }
 }
 
-RfIdwTables weighed(const GridHeader& grid, const RfPoints& points, const RfIdwMethod& method)
+rainfall::RfIdwTables weighed(const GridHeader& grid, const rainfall::RfPoints& points,
+                              const rainfall::RfIdwMethod& method)
 {
-    RfIdwTables tables;
-    allocateTables(grid, method, points.count(), tables);
-    rf_idw_weights(grid, points, tables);
+    rainfall::RfIdwTables tables;
+    rainfall::allocateTables(grid, method, points.count(), tables);
+    rainfall::rf_idw_weights(grid, points, tables);
     return tables;
 }
 
@@ -57,11 +58,11 @@ protected:
     double upTo(unsigned n) { return static_cast<double>(random_() % n); }
 
     // On a lattice of half cells, so that many are equally far and some lie on centres, or anywhere.
-    RfPoints scattered(int count, const GridHeader& grid, bool onLattice)
+    rainfall::RfPoints scattered(int count, const GridHeader& grid, bool onLattice)
     {
-        RfPoints points;
+        rainfall::RfPoints points;
         for (int i = 0; i < count; ++i) {
-            RfPoint point;
+            rainfall::RfPoint point;
             const double shift = onLattice ? 0.0 : upTo(1000) / 1000;
             point.x = grid.xll + ((upTo(120) - 10) * 0.5 + shift) * grid.cellsize8;
             point.y = grid.yll + ((upTo(100) - 10) * 0.5 - shift) * grid.cellsize8;
@@ -77,8 +78,8 @@ TEST_F(IdwWeights, OfASubsetAreThoseOfThePlainSearches)
         const bool large = round % 2 == 0;
         const GridHeader grid = rainfallGrid(1 + round % 41, 53 - round % 17, large ? 293000.25 : 0.0,
                                              large ? 6178000.5 : 0.0, round % 3 == 0 ? 0.7F : 25.0F);
-        const RfPoints points = scattered(2 + round % 60, grid, round % 4 != 0);
-        RfIdwMethod method;
+        const rainfall::RfPoints points = scattered(2 + round % 60, grid, round % 4 != 0);
+        rainfall::RfIdwMethod method;
         method.useAll = false;
         method.listLength = 1 + static_cast<std::int32_t>(random_()) % (points.count() - 1);
         method.listLength = std::clamp(method.listLength, 1, points.count() - 1);
@@ -96,15 +97,15 @@ TEST_F(IdwWeights, OfPointsFurtherThanAListedOneAreThoseOfThePlainSearches)
     int round = 0;
     for (const double far : {9999990.0, 9999999.0, 10000100.0, 3e7, 1e39, 1e300, inf, nan}) {
         for (const double also : {far, 2 * far, 5.0, 600.0}) {
-            RfPoints points;
+            rainfall::RfPoints points;
             for (const double x : {far, 3 * far, also, 12.0, also}) {
-                RfPoint point;
+                rainfall::RfPoint point;
                 point.x = x;
                 point.y = 20;
                 points.records.push_back(point);
             }
             for (const std::int32_t listLength : {1, 2, 3, 4}) {
-                const RfIdwMethod method{false, listLength, -99.0F, 2.0F};
+                const rainfall::RfIdwMethod method{false, listLength, -99.0F, 2.0F};
                 expectPlain(weighed(grid, points, method), weighPlainly(grid, points, method), grid, ++round);
             }
         }
@@ -117,8 +118,8 @@ TEST_F(IdwWeights, OfAllPointsAreThoseOfThePlainLoop)
         const bool large = round % 2 == 0;
         const GridHeader grid = rainfallGrid(1 + round % 11, 13, large ? 293000.25 : 0.0, large ? 6178000.5 : 0.0,
                                              round % 3 == 0 ? 0.7F : 25.0F);
-        const RfPoints points = scattered(round % 20, grid, round % 4 != 0);
-        RfIdwMethod method;
+        const rainfall::RfPoints points = scattered(round % 20, grid, round % 4 != 0);
+        rainfall::RfIdwMethod method;
         method.listLength = points.count() + round % 3; // more: hyetographs outnumber the points
         method.maxDistance = round % 5 == 0 ? 6.0F * grid.cellsize : 0.0F;
         method.exponent = round % 7 == 0 ? 3.25F : 2.0F;
@@ -134,12 +135,12 @@ TEST(IdwMemory, DistancesThatCannotBeHadEndTheRun)
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] {
         const GridHeader grid = rainfallGrid(1, 1, 0, 0, 1.0F);
-        RfPoints points;
+        rainfall::RfPoints points;
         points.records.resize(2000000); // 8 MB of distances
-        RfIdwTables tables;
-        allocateTables(grid, {false, 1, -99.0F, 2.0F}, points.count(), tables);
+        rainfall::RfIdwTables tables;
+        rainfall::allocateTables(grid, {false, 1, -99.0F, 2.0F}, points.count(), tables);
         limitMemory(4);
-        rf_idw_weights(grid, points, tables);
+        rainfall::rf_idw_weights(grid, points, tables);
     });
     EXPECT_TRUE(run.ended);
     EXPECT_THAT(run.console, testing::HasSubstr("\nERROR - Allocating RAM for storing IDW distances\n"));
@@ -148,9 +149,9 @@ TEST(IdwMemory, DistancesThatCannotBeHadEndTheRun)
 TEST(IdwMethod, SettlesWhichPointsAreUsed)
 {
     const auto settled = [](std::int32_t wanted, std::int32_t points, std::int32_t hyetographs) {
-        RfSettings settings;
+        rainfall::RfSettings settings;
         settings.idwMaxPoints = wanted;
-        const RfIdwMethod method = settleIdwMethod(settings, points, hyetographs);
+        const rainfall::RfIdwMethod method = rainfall::settleIdwMethod(settings, points, hyetographs);
         return std::pair{method.useAll, method.listLength};
     };
     EXPECT_EQ(settled(0, 4, 3), (std::pair{true, 4}));

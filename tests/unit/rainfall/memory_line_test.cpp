@@ -14,9 +14,9 @@ TEST(MethodMemory, IsToldInWrapping32Bits)
         GridHeader grid;
         grid.nrows = 20000;
         grid.ncols = 15000; // 3e8 cells
-        sayMethodMemory(grid, 4);
-        sayMethodMemory(grid, 8);
-        sayMethodMemory(grid, 20);
+        rainfall::sayMethodMemory(grid, 4);
+        rainfall::sayMethodMemory(grid, 8);
+        rainfall::sayMethodMemory(grid, 20);
     });
     EXPECT_EQ(run.console, "Memory required: 1200000kB\n"
                            "Memory required: -1894967kB\n"  // 2.4e9 - 2^32 = -1894967296

@@ -61,7 +61,7 @@ bool sameCellBits(const CellArray<Value>& a, const CellArray<Value>& b)
 // --- Polygons --------------------------------------------------------------------------------------------------------
 
 inline std::int64_t paintPlainly(const std::vector<double>& x, const std::vector<double>& y, const GridHeader& grid,
-                                 std::int32_t hyetograph, float factor, RfPolygonTables& tables)
+                                 std::int32_t hyetograph, float factor, rainfall::RfPolygonTables& tables)
 {
     const auto np = static_cast<std::int32_t>(x.size());
     const std::array<std::int32_t, 1> ir{np - 1};
@@ -96,9 +96,9 @@ inline std::int64_t paintPlainly(const std::vector<double>& x, const std::vector
 // The scan line with its counts of crossings, column by column.
 class PlainTin {
 public:
-    PlainTin(const GridHeader& grid, RfTinTables& tables) : grid_(grid), tables_(tables) {}
+    PlainTin(const GridHeader& grid, rainfall::RfTinTables& tables) : grid_(grid), tables_(tables) {}
 
-    void paint(std::int32_t e, const RfTriangle& triangle, const RfTinPoints& points)
+    void paint(std::int32_t e, const rainfall::RfTriangle& triangle, const rainfall::RfTinPoints& points)
     {
         const double size = grid_.cellsize8;
         double X[7];
@@ -211,7 +211,7 @@ private:
     }
 
     const GridHeader& grid_;
-    RfTinTables& tables_;
+    rainfall::RfTinTables& tables_;
 };
 
 // --- IDW -------------------------------------------------------------------------------------------------------------
@@ -236,7 +236,8 @@ struct PlainIdw {
     }
 };
 
-inline PlainIdw weighPlainly(const GridHeader& grid, const RfPoints& points, const RfIdwMethod& method)
+inline PlainIdw weighPlainly(const GridHeader& grid, const rainfall::RfPoints& points,
+                             const rainfall::RfIdwMethod& method)
 {
     PlainIdw plain;
     plain.columns = grid.ncols;
@@ -255,8 +256,8 @@ inline PlainIdw weighPlainly(const GridHeader& grid, const RfPoints& points, con
             double& sum = plain.weightSum[plain.cell(r, c)];
             if (method.useAll) {
                 for (std::int32_t p = 1; p <= method.listLength; ++p) {
-                    const RfPoint point =
-                        p <= points.count() ? points.records[static_cast<std::size_t>(p - 1)] : RfPoint();
+                    const rainfall::RfPoint point =
+                        p <= points.count() ? points.records[static_cast<std::size_t>(p - 1)] : rainfall::RfPoint();
                     const float d = DISTANCE_8(x, y, point.x, point.y);
                     double& weight = plain.weight[plain.place(r, c, p)];
                     weight = limited && d > method.maxDistance
@@ -267,7 +268,7 @@ inline PlainIdw weighPlainly(const GridHeader& grid, const RfPoints& points, con
                 continue;
             }
             std::vector<float> d;
-            for (const RfPoint& point : points.records) {
+            for (const rainfall::RfPoint& point : points.records) {
                 d.push_back(DISTANCE_8(x, y, point.x, point.y));
             }
             for (std::int32_t k = 1; k <= method.listLength; ++k) {
@@ -296,19 +297,20 @@ inline PlainIdw weighPlainly(const GridHeader& grid, const RfPoints& points, con
 
 // --- Steps -----------------------------------------------------------------------------------------------------------
 
-inline std::vector<float> plainValues(const RfHyetographs& hyetographs, const RfPoints& points, std::size_t t)
+inline std::vector<float> plainValues(const rainfall::RfHyetographs& hyetographs, const rainfall::RfPoints& points,
+                                      std::size_t t)
 {
     std::vector<float> values(1 + static_cast<std::size_t>(std::max(points.count(), hyetographs.count())), 0.0F);
     for (std::size_t p = 1; p <= points.records.size(); ++p) {
-        const RfPoint& point = points.records[p - 1];
+        const rainfall::RfPoint& point = points.records[p - 1];
         const float depth = hyetographs.records[static_cast<std::size_t>(point.hyetograph - 1)].depth[t];
         values[p] = (depth * point.record.f1) * point.record.f2;
     }
     return values;
 }
 
-inline void stepPolygonPlainly(const RfHyetographs& hyetographs, std::size_t t, const RfPolygonTables& tables,
-                               RfGrids& grids)
+inline void stepPolygonPlainly(const rainfall::RfHyetographs& hyetographs, std::size_t t,
+                               const rainfall::RfPolygonTables& tables, rainfall::RfGrids& grids)
 {
     std::ranges::fill(grids.step.cells(), -999.0F);
     for (std::int32_t r = 1; r <= grids.step.nrows(); ++r) {
@@ -323,8 +325,9 @@ inline void stepPolygonPlainly(const RfHyetographs& hyetographs, std::size_t t, 
     }
 }
 
-inline void stepTinPlainly(const RfHyetographs& hyetographs, const RfPoints& points, std::size_t t,
-                           const std::vector<RfTriangle>& triangles, const RfTinTables& tables, RfGrids& grids)
+inline void stepTinPlainly(const rainfall::RfHyetographs& hyetographs, const rainfall::RfPoints& points, std::size_t t,
+                           const std::vector<rainfall::RfTriangle>& triangles, const rainfall::RfTinTables& tables,
+                           rainfall::RfGrids& grids)
 {
     const std::vector<float> values = plainValues(hyetographs, points, t);
     std::ranges::fill(grids.step.cells(), -999.0F);
@@ -347,8 +350,8 @@ inline void stepTinPlainly(const RfHyetographs& hyetographs, const RfPoints& poi
     }
 }
 
-inline void stepIdwPlainly(const RfHyetographs& hyetographs, const RfPoints& points, std::size_t t,
-                           const PlainIdw& plain, bool useAll, RfGrids& grids)
+inline void stepIdwPlainly(const rainfall::RfHyetographs& hyetographs, const rainfall::RfPoints& points, std::size_t t,
+                           const PlainIdw& plain, bool useAll, rainfall::RfGrids& grids)
 {
     const std::vector<float> values = plainValues(hyetographs, points, t);
     for (std::int32_t r = 1; r <= grids.step.nrows(); ++r) {

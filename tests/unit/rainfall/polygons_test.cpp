@@ -31,10 +31,10 @@ TEST(PaintRegion, GivesTheCellsOfThePlainLoop)
         const bool large = round % 2 == 0;
         const float cell = round % 3 == 0 ? 0.1F : (round % 3 == 1 ? 1.0F : 7.3F);
         const GridHeader grid = rainfallGrid(23, 31, large ? 293000.25 : 0.0, large ? 6178000.5 : 0.0, cell);
-        RfPolygonTables fast;
-        RfPolygonTables plain;
-        allocateTables(grid, fast);
-        allocateTables(grid, plain);
+        rainfall::RfPolygonTables fast;
+        rainfall::RfPolygonTables plain;
+        rainfall::allocateTables(grid, fast);
+        rainfall::allocateTables(grid, plain);
         for (std::int32_t region = 1; region <= 3; ++region) {
             Ring ring;
             for (int k = 0; k < 3 + round % 9; ++k) { // halves of cells meet centres, edges and each other
@@ -44,7 +44,8 @@ TEST(PaintRegion, GivesTheCellsOfThePlainLoop)
             ring.close();
             const float factor = 0.5F * static_cast<float>(region);
             const std::int32_t hyetograph = region - 1; // the first marks with 0
-            const std::int64_t both = paintRegion(rfRegion(ring.x, ring.y), grid, hyetograph, factor, fast);
+            const std::int64_t both =
+                rainfall::paintRegion(rainfall::rfRegion(ring.x, ring.y), grid, hyetograph, factor, fast);
             ASSERT_EQ(both, paintPlainly(ring.x, ring.y, grid, hyetograph, factor, plain));
             shared += both;
         }
@@ -59,18 +60,18 @@ TEST(PaintRegion, GivesTheCellsOfThePlainLoop)
 TEST(PaintRegion, FarAndEmptyRegionsTouchNothing)
 {
     const GridHeader grid = rainfallGrid(3, 4, 0, 0, 1.0F);
-    RfPolygonTables tables;
-    allocateTables(grid, tables);
+    rainfall::RfPolygonTables tables;
+    rainfall::allocateTables(grid, tables);
     for (const double far : {1e300, -1e300, 1e9, -1e9}) {
         Ring ring{{far, far, far / 2}, {0, 2, 1}};
         ring.close();
-        EXPECT_EQ(paintRegion(rfRegion(ring.x, ring.y), grid, 1, 1.0F, tables), 0);
+        EXPECT_EQ(rainfall::paintRegion(rainfall::rfRegion(ring.x, ring.y), grid, 1, 1.0F, tables), 0);
     }
     const Ring none;
-    EXPECT_EQ(paintRegion(rfRegion(none.x, none.y), grid, 1, 1.0F, tables), 0);
+    EXPECT_EQ(rainfall::paintRegion(rainfall::rfRegion(none.x, none.y), grid, 1, 1.0F, tables), 0);
     for (std::size_t count = 1; count <= 4; ++count) { // fewer vertices than a ring has
         const std::vector<double> few(count, 1.5);
-        EXPECT_EQ(paintRegion(rfRegion(few, few), grid, 1, 1.0F, tables), 0);
+        EXPECT_EQ(rainfall::paintRegion(rainfall::rfRegion(few, few), grid, 1, 1.0F, tables), 0);
     }
     EXPECT_TRUE(std::ranges::all_of(tables.index.cells(), [](std::int32_t index) { return index == -999; }));
 }
@@ -82,9 +83,9 @@ TEST(PaintRegion, WithoutASizeOrAnOriginNothingBreaks)
     const double nan = std::numeric_limits<double>::quiet_NaN();
     for (const GridHeader& grid :
          {rainfallGrid(3, 4, nan, nan, 1.0F), rainfallGrid(3, 4, std::numeric_limits<double>::infinity(), 0, 1.0F)}) {
-        RfPolygonTables tables;
-        allocateTables(grid, tables);
-        paintRegion(rfRegion(ring.x, ring.y), grid, 1, 1.0F, tables);
+        rainfall::RfPolygonTables tables;
+        rainfall::allocateTables(grid, tables);
+        rainfall::paintRegion(rainfall::rfRegion(ring.x, ring.y), grid, 1, 1.0F, tables);
     }
 }
 

@@ -28,10 +28,10 @@ TEST(RainfallNc, IsClassicUnlessNetcdf4IsAskedFor)
     for (const bool netcdf4 : {false, true}) {
         const std::string name = (folder.path() / (netcdf4 ? "new.nc" : "old.nc")).string();
         runInChild(folder, [&] {
-            RfNcRecord record;
+            rainfall::RfNcRecord record;
             record.netcdf4 = netcdf4;
-            rf_nc_init(name, record, rainfallGrid(2, 3, 0, 0, 1.0F));
-            closeRainfallNc(record);
+            rainfall::rf_nc_init(name, record, rainfallGrid(2, 3, 0, 0, 1.0F));
+            rainfall::closeRainfallNc(record);
         });
         int file = -1;
         ASSERT_EQ(nc_open(name.c_str(), NC_NOWRITE, &file), NC_NOERR);
@@ -48,8 +48,8 @@ TEST(RainfallNc, CellsKeepTheirPlace)
     const std::string name = (folder.path() / "a.nc").string();
     runInChild(folder, [&] {
         const GridHeader grid = rainfallGrid(2, 3, 100, 200, 10.0F);
-        RfNcRecord record;
-        rf_nc_init(name, record, grid);
+        rainfall::RfNcRecord record;
+        rainfall::rf_nc_init(name, record, grid);
         Grid cells = cellsOf(grid);
         for (const int step : {1, 2}) {
             for (int row = 1; row <= 2; ++row) {
@@ -57,10 +57,10 @@ TEST(RainfallNc, CellsKeepTheirPlace)
                     cells(row, column) = static_cast<float>(100 * step + 10 * row + column);
                 }
             }
-            putStep(record, step, 0.5F * static_cast<float>(step), cells);
+            rainfall::putStep(record, step, 0.5F * static_cast<float>(step), cells);
         }
-        putTotal(record, cells);
-        closeRainfallNc(record);
+        rainfall::putTotal(record, cells);
+        rainfall::closeRainfallNc(record);
     });
     int file = -1;
     ASSERT_EQ(nc_open(name.c_str(), NC_NOWRITE, &file), NC_NOERR);
@@ -84,36 +84,36 @@ TEST(RainfallNc, AFailureNamesItsCall)
 {
     struct Case {
         const char* call;
-        std::function<void(RfNcRecord&, const Grid&)> work;
+        std::function<void(rainfall::RfNcRecord&, const Grid&)> work;
     };
     const std::vector<Case> cases{
         {"nf90_put_var (time)",
-         [](RfNcRecord& record, const Grid& cells) {
+         [](rainfall::RfNcRecord& record, const Grid& cells) {
              record.time = 99;
-             putStep(record, 1, 0.0F, cells);
+             rainfall::putStep(record, 1, 0.0F, cells);
          }},
         {"nf90_put_var (rf_val)",
-         [](RfNcRecord& record, const Grid& cells) {
+         [](rainfall::RfNcRecord& record, const Grid& cells) {
              record.rainfallDepth = 99;
-             putStep(record, 1, 0.0F, cells);
+             rainfall::putStep(record, 1, 0.0F, cells);
          }},
         {"nf90_put_var (rf_cum)",
-         [](RfNcRecord& record, const Grid& cells) {
+         [](rainfall::RfNcRecord& record, const Grid& cells) {
              record.totalRainfallDepth = 99;
-             putTotal(record, cells);
+             rainfall::putTotal(record, cells);
          }},
         {"nf90_close",
-         [](RfNcRecord& record, const Grid&) {
+         [](rainfall::RfNcRecord& record, const Grid&) {
              nc_close(record.file);
-             closeRainfallNc(record);
+             rainfall::closeRainfallNc(record);
          }},
     };
     const ScratchFolder folder;
     for (const Case& wrong : cases) {
         const ChildRun run = runInChild(folder, [&] {
             const GridHeader grid = rainfallGrid(2, 3, 0, 0, 1.0F);
-            RfNcRecord record;
-            rf_nc_init("a.nc", record, grid);
+            rainfall::RfNcRecord record;
+            rainfall::rf_nc_init("a.nc", record, grid);
             wrong.work(record, cellsOf(grid));
         });
         EXPECT_TRUE(run.ended);
@@ -129,8 +129,8 @@ TEST(RainfallNc, CoordinatesThatCannotBeHadEndTheRun)
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] {
         limitMemory(20);
-        RfNcRecord record;
-        rf_nc_init("a.nc", record, rainfallGrid(1, 4000000, 0, 0, 1.0F)); // 32 MB of x
+        rainfall::RfNcRecord record;
+        rainfall::rf_nc_init("a.nc", record, rainfallGrid(1, 4000000, 0, 0, 1.0F)); // 32 MB of x
     });
     EXPECT_TRUE(run.ended);
     EXPECT_THAT(run.console, HasSubstr("\nERROR ???? - Could not allocate temporary memory for netcdf coordinates.\n"));

@@ -20,22 +20,22 @@ TEST(PaintTriangle, GivesTheCellsAndRatiosOfTheScanLine)
         const bool large = round % 2 == 0;
         const float cell = round % 3 == 0 ? 0.7F : 10.0F;
         const GridHeader grid = rainfallGrid(19, 25, large ? 293000.25 : 0.0, large ? 6178000.5 : 0.0, cell);
-        RfTinTables fast;
-        RfTinTables plain;
-        allocateTables(grid, fast);
-        allocateTables(grid, plain);
+        rainfall::RfTinTables fast;
+        rainfall::RfTinTables plain;
+        rainfall::allocateTables(grid, fast);
+        rainfall::allocateTables(grid, plain);
         PlainTin twin(grid, plain);
         for (std::int32_t e = 1; e <= 4; ++e) {
             // On halves of cells, in and around the grid; some are flat, some a single point.
-            RfTinPoints points;
+            rainfall::RfTinPoints points;
             const bool free = round % 5 == 0;
             for (int v = 0; v < 3; ++v) {
                 const double shift = free ? upTo(1000) / 1000 : 0.0;
                 points.x.push_back(grid.xll + ((upTo(70) - 10) * 0.5 + shift) * grid.cellsize8);
                 points.y.push_back(grid.yll + ((upTo(58) - 10) * 0.5 - shift) * grid.cellsize8);
             }
-            const RfTriangle triangle{1, 2, 3};
-            paintTriangle(e, rfCorners(triangle, points, grid), grid, fast);
+            const rainfall::RfTriangle triangle{1, 2, 3};
+            rainfall::paintTriangle(e, rainfall::rfCorners(triangle, points, grid), grid, fast);
             twin.paint(e, triangle, points);
         }
         ASSERT_TRUE(sameCellBits(fast.triangle, plain.triangle)) << round;
@@ -51,14 +51,14 @@ TEST(PaintTriangle, FarAndOddTrianglesStayInTheGrid)
     const GridHeader grid = rainfallGrid(5, 6, 0, 0, 1.0F);
     const double inf = std::numeric_limits<double>::infinity();
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    const RfTriangle triangle{1, 2, 3};
+    const rainfall::RfTriangle triangle{1, 2, 3};
     for (const double far : {1e300, -1e300, 1e10, -1e10, 3e9, inf, nan}) {
-        for (const RfTinPoints& points :
-             {RfTinPoints{{far, 3, 1}, {1, far, 4}, {}}, RfTinPoints{{far, -far, 1}, {1, 2, 4}, {}},
-              RfTinPoints{{1, 2, 3}, {far, -far, 4}, {}}}) {
-            RfTinTables tables;
-            allocateTables(grid, tables);
-            paintTriangle(1, rfCorners(triangle, points, grid), grid, tables);
+        for (const rainfall::RfTinPoints& points :
+             {rainfall::RfTinPoints{{far, 3, 1}, {1, far, 4}, {}}, rainfall::RfTinPoints{{far, -far, 1}, {1, 2, 4}, {}},
+              rainfall::RfTinPoints{{1, 2, 3}, {far, -far, 4}, {}}}) {
+            rainfall::RfTinTables tables;
+            rainfall::allocateTables(grid, tables);
+            rainfall::paintTriangle(1, rainfall::rfCorners(triangle, points, grid), grid, tables);
             EXPECT_LE(std::ranges::count(tables.triangle.cells(), 1), 30);
         }
     }
@@ -67,27 +67,27 @@ TEST(PaintTriangle, FarAndOddTrianglesStayInTheGrid)
 TEST(CellFactors, AreTheRatiosAlongTheEdgeAndFromTheApex)
 {
     const GridHeader grid = rainfallGrid(4, 4, 0, 0, 1.0F);
-    RfTinTables tables;
-    allocateTables(grid, tables);
+    rainfall::RfTinTables tables;
+    rainfall::allocateTables(grid, tables);
     // The edge from (0, 0) to (4, 0), the apex at (0, 4): the line from there through (1, 2) cuts the edge at (2, 0).
-    rf_cell_factors(2, 1, 7, {{0, 4, 0}, {0, 0, 4}}, grid, tables);
+    rainfall::rf_cell_factors(2, 1, 7, {{0, 4, 0}, {0, 0, 4}}, grid, tables);
     EXPECT_EQ(tables.triangle(2, 1), 7);
     EXPECT_FLOAT_EQ(tables.ratioA(2, 1), 0.5F);
     EXPECT_FLOAT_EQ(tables.ratioB(2, 1), 0.5F); // sqrt(1 + 4) of sqrt(4 + 16)
     // Right below the apex.
-    rf_cell_factors(1, 1, 7, {{0, 4, 1}, {0, 0, 4}}, grid, tables);
+    rainfall::rf_cell_factors(1, 1, 7, {{0, 4, 1}, {0, 0, 4}}, grid, tables);
     EXPECT_FLOAT_EQ(tables.ratioA(1, 1), 0.25F);
     EXPECT_FLOAT_EQ(tables.ratioB(1, 1), 0.75F);
     // An upright edge.
-    rf_cell_factors(2, 2, 7, {{0, 0, 4}, {0, 4, 2}}, grid, tables);
+    rainfall::rf_cell_factors(2, 2, 7, {{0, 0, 4}, {0, 4, 2}}, grid, tables);
     EXPECT_FLOAT_EQ(tables.ratioA(2, 2), 0.5F);
     EXPECT_FLOAT_EQ(tables.ratioB(2, 2), 0.5F);
     // An upright edge with the apex and the cell on it: the cut is vertex 1.
-    rf_cell_factors(3, 2, 7, {{2, 2, 2}, {0, 4, 6}}, grid, tables);
+    rainfall::rf_cell_factors(3, 2, 7, {{2, 2, 2}, {0, 4, 6}}, grid, tables);
     EXPECT_FLOAT_EQ(tables.ratioA(3, 2), 0.0F);
     EXPECT_FLOAT_EQ(tables.ratioB(3, 2), 0.5F); // 3 of 6
     // An edge without length, and the cut at the apex.
-    rf_cell_factors(1, 3, 7, {{2, 2, 2}, {1, 1, 1}}, grid, tables);
+    rainfall::rf_cell_factors(1, 3, 7, {{2, 2, 2}, {1, 1, 1}}, grid, tables);
     EXPECT_EQ(tables.ratioA(1, 3), 0.5F);
     EXPECT_EQ(tables.ratioB(1, 3), 0.5F);
 }
@@ -98,9 +98,9 @@ TEST(CellFactors, EndTheRunOutsideTheGrid)
     for (const auto& [row, column] : {std::pair{3, 1}, std::pair{1, 4}}) {
         const ChildRun run = runInChild(folder, [row = row, column = column] {
             const GridHeader grid = rainfallGrid(2, 3, 0, 0, 1.0F);
-            RfTinTables tables;
-            allocateTables(grid, tables);
-            rf_cell_factors(row, column, 1, {{0, 1, 0}, {0, 0, 1}}, grid, tables);
+            rainfall::RfTinTables tables;
+            rainfall::allocateTables(grid, tables);
+            rainfall::rf_cell_factors(row, column, 1, {{0, 1, 0}, {0, 0, 1}}, grid, tables);
         });
         EXPECT_TRUE(run.ended);
         EXPECT_THAT(run.console,
@@ -115,10 +115,10 @@ TEST(ReadTriangles, DistancesThatCannotBeHadEndTheRun)
     }
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] {
-        RfPoints points;
+        rainfall::RfPoints points;
         points.records.resize(2000000); // 8 MB of distances
         limitMemory(4);
-        rf_read_triangles("none.rfc", points);
+        rainfall::rf_read_triangles("none.rfc", points);
     });
     EXPECT_TRUE(run.ended);
     EXPECT_THAT(run.console,
@@ -130,10 +130,11 @@ TEST(TinFactors, CountsTheTenThousandthTriangleOnItsLine)
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] {
         const GridHeader grid = rainfallGrid(1, 1, 0, 0, 1.0F);
-        RfTinTables tables;
-        allocateTables(grid, tables);
-        const RfTinPoints points{{90, 91, 90}, {90, 90, 91}, {1, 1, 1}};
-        rf_tin_factors(std::vector<RfTriangle>(10000, RfTriangle{1, 2, 3}), points, grid, tables);
+        rainfall::RfTinTables tables;
+        rainfall::allocateTables(grid, tables);
+        const rainfall::RfTinPoints points{{90, 91, 90}, {90, 90, 91}, {1, 1, 1}};
+        rainfall::rf_tin_factors(std::vector<rainfall::RfTriangle>(10000, rainfall::RfTriangle{1, 2, 3}), points, grid,
+                                 tables);
     });
     EXPECT_EQ(run.console, "Calculating grid interpolation factors...\nElement:    10000\n"
                            "Finished calculating grid interpolation factors.\n");

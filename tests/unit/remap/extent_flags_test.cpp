@@ -22,7 +22,8 @@ TEST(FlagValues, AValueStandsMoreThanAHundredthAboveNull)
 {
     const float threshold = kNull + 0.01F;
     std::vector<std::uint8_t> flags(5, 7);
-    flagValues(std::vector<float>{kNull, threshold, std::nextafter(threshold, 0.0F), 3, std::nanf("")}, kNull, flags);
+    remap::flagValues(std::vector<float>{kNull, threshold, std::nextafter(threshold, 0.0F), 3, std::nanf("")}, kNull,
+                      flags);
     EXPECT_THAT(flags, ElementsAre(0, 0, 1, 1, 0));
 }
 
@@ -30,20 +31,20 @@ TEST(FlagWetAndAddFreeboard, RaisesWetCellsOnly)
 {
     std::vector<float> levels = {1, kNull, 2.5F};
     std::vector<std::uint8_t> flags(3);
-    flagWetAndAddFreeboard(levels, kNull, 0.25F, flags);
+    remap::flagWetAndAddFreeboard(levels, kNull, 0.25F, flags);
     EXPECT_THAT(levels, ElementsAre(1.25F, kNull, 2.75F));
     EXPECT_THAT(flags, ElementsAre(1, 0, 1));
 }
 
 TEST(BufferExtent, ReachesToTheDistanceAndNotPastIt)
 {
-    const CellFlags wet = test::flagsOf({{0, 0, 0, 0, 0}, //
-                                         {0, 0, 0, 0, 0},
-                                         {0, 0, 1, 0, 0},
-                                         {0, 0, 0, 0, 0},
-                                         {0, 0, 0, 0, 0}});
+    const remap::CellFlags wet = test::flagsOf({{0, 0, 0, 0, 0}, //
+                                                {0, 0, 0, 0, 0},
+                                                {0, 0, 1, 0, 0},
+                                                {0, 0, 0, 0, 0},
+                                                {0, 0, 0, 0, 0}});
     auto extent = test::sameCells<std::uint8_t>(5, 5, 1);
-    const ExtentCounts counts = bufferExtent(wet, 10, 20, extent);
+    const remap::ExtentCounts counts = remap::bufferExtent(wet, 10, 20, extent);
     EXPECT_EQ(test::tableOf(extent), (Table{{0, 0, 1, 0, 0}, // two cells away; beside it are 22.4
                                             {0, 1, 1, 1, 0},
                                             {1, 1, 1, 1, 1},
@@ -52,7 +53,7 @@ TEST(BufferExtent, ReachesToTheDistanceAndNotPastIt)
     EXPECT_EQ(counts.wet, 1);
     EXPECT_EQ(counts.buffered, 12);
 
-    bufferExtent(wet, 10, std::nextafter(20.0F, 0.0F), extent);
+    remap::bufferExtent(wet, 10, std::nextafter(20.0F, 0.0F), extent);
     EXPECT_EQ(test::tableOf(extent), (Table{{0, 0, 0, 0, 0}, //
                                             {0, 1, 1, 1, 0},
                                             {0, 1, 1, 1, 0},
@@ -64,7 +65,7 @@ TEST(BufferExtent, WithoutAWetCellFlagsNothing)
 {
     const auto wet = test::sameCells<std::uint8_t>(2, 2, 0);
     auto extent = test::sameCells<std::uint8_t>(2, 2, 1);
-    const ExtentCounts counts = bufferExtent(wet, 1, 100, extent);
+    const remap::ExtentCounts counts = remap::bufferExtent(wet, 1, 100, extent);
     EXPECT_EQ(test::tableOf(extent), test::tableOf(wet));
     EXPECT_EQ(counts.wet, 0);
     EXPECT_EQ(counts.buffered, 0);
@@ -72,12 +73,12 @@ TEST(BufferExtent, WithoutAWetCellFlagsNothing)
 
 TEST(BufferExtent, OneCellAndHugeDistancesHold)
 {
-    const CellFlags wet = test::flagsOf({{1}});
+    const remap::CellFlags wet = test::flagsOf({{1}});
     auto extent = test::sameCells<std::uint8_t>(1, 1, 0);
-    EXPECT_EQ(bufferExtent(wet, 1, std::numeric_limits<float>::infinity(), extent).wet, 1);
-    const CellFlags line = test::flagsOf({{1, 0, 0, 0}});
+    EXPECT_EQ(remap::bufferExtent(wet, 1, std::numeric_limits<float>::infinity(), extent).wet, 1);
+    const remap::CellFlags line = test::flagsOf({{1, 0, 0, 0}});
     auto reached = test::sameCells<std::uint8_t>(1, 4, 0);
-    EXPECT_EQ(bufferExtent(line, 1, 3.0e38F, reached).buffered, 3);
+    EXPECT_EQ(remap::bufferExtent(line, 1, 3.0e38F, reached).buffered, 3);
 }
 
 TEST(BufferExtent, IsThatOfAWindowForEachCell)
@@ -95,7 +96,7 @@ TEST(BufferExtent, IsThatOfAWindowForEachCell)
         const test::plain::Counts counts = test::plain::bufferExtent(wet, dx, buffer, expected);
 
         auto extent = test::sameCells<std::uint8_t>(nrows, ncols, 1);
-        const ExtentCounts found = bufferExtent(test::cellsOf(wet), dx, buffer, extent);
+        const remap::ExtentCounts found = remap::bufferExtent(test::cellsOf(wet), dx, buffer, extent);
         ASSERT_EQ(test::tableOf(extent), test::tableOf(expected)) << "trial " << trial;
         ASSERT_EQ(found.wet, counts.wet);
         ASSERT_EQ(found.buffered, counts.buffered);
@@ -106,7 +107,7 @@ TEST(FlagWetAndAddFreeboard, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 {
     std::vector<float> levels(test::kVectorsAndRest, test::kInfinity);
     std::vector<std::uint8_t> flags(levels.size());
-    flagWetAndAddFreeboard(levels, kNull, -test::kInfinity, flags);
+    remap::flagWetAndAddFreeboard(levels, kNull, -test::kInfinity, flags);
     EXPECT_TRUE(test::allQuietNaN(levels));
 }
 

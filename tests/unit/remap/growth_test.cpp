@@ -20,7 +20,7 @@ struct Growth {
     {
         const auto nrows = static_cast<std::int32_t>(map.size());
         const auto ncols = static_cast<std::int32_t>(map.front().size());
-        states = test::sameCells(nrows, ncols, CellState::untouched);
+        states = test::sameCells(nrows, ncols, remap::CellState::untouched);
         levels = test::sameCells<float>(nrows, ncols, 5);
         ground = test::sameCells<float>(nrows, ncols, 5);
         for (std::int32_t row = 1; row <= nrows; ++row) {
@@ -33,32 +33,32 @@ struct Growth {
     void set(std::int32_t row, std::int32_t column, char cell)
     {
         switch (cell) {
-        case 'w': states(row, column) = CellState::wet; break;
-        case '-': states(row, column) = CellState::dry; break;
+        case 'w': states(row, column) = remap::CellState::wet; break;
+        case '-': states(row, column) = remap::CellState::dry; break;
         case '#': ground(row, column) = 6; break;
         case 'n': ground(row, column) = kGroundNull; break;
         default: break;
         }
     }
 
-    std::int64_t sweep() { return growWetArea(front, states, levels, ground, kGroundNull); }
+    std::int64_t sweep() { return remap::growWetArea(front, states, levels, ground, kGroundNull); }
 
     Map map() const
     {
         Map lines;
         for (const auto& line : test::tableOf(states)) {
             lines.emplace_back();
-            for (const CellState state : line) {
+            for (const remap::CellState state : line) {
                 lines.back() += "-.w"[static_cast<int>(state) + 1];
             }
         }
         return lines;
     }
 
-    CellStates states;
+    remap::CellStates states;
     Grid levels;
     Grid ground;
-    GrowthFront front;
+    remap::GrowthFront front;
 };
 
 TEST(GrowWetArea, RunsFarNorthAndEastInOneSweepAndOneCellSouthAndWest)
@@ -115,13 +115,13 @@ TEST(GrowWetArea, CellsThatStartDryStopIt)
     EXPECT_EQ(growth.map(), (Map{"w-."}));
 }
 
-CellStates statesOf(const test::plain::Integers& states)
+remap::CellStates statesOf(const test::plain::Integers& states)
 {
-    auto cells = test::sameCells(states.nrows, states.ncols, CellState::untouched);
+    auto cells = test::sameCells(states.nrows, states.ncols, remap::CellState::untouched);
     for (int r = 1; r <= states.nrows; ++r) {
         for (int c = 1; c <= states.ncols; ++c) {
             if (states(r, c) == 1 || states(r, c) == -1) {
-                cells(r, c) = CellState{static_cast<std::int8_t>(states(r, c))};
+                cells(r, c) = remap::CellState{static_cast<std::int8_t>(states(r, c))};
             }
         }
     }
@@ -141,13 +141,14 @@ TEST(GrowWetArea, IsThatOfAPlainSweepInEachIteration)
             states.values[i] = test::randomBetween(random, 1, 40) == 1 ? 1 : -9999;
             ground.values[i] = test::randomBetween(random, 1, 20) == 1 ? kGroundNull : ground.values[i];
         }
-        CellStates fast = statesOf(states);
+        remap::CellStates fast = statesOf(states);
         const Grid levelCells = test::cellsOf(levels);
         const Grid groundCells = test::cellsOf(ground);
-        GrowthFront front;
+        remap::GrowthFront front;
         for (std::int64_t extra = 1, k = 1; extra > 0; ++k) {
             extra = test::plain::sweep(states, levels, ground, kGroundNull);
-            ASSERT_EQ(growWetArea(front, fast, levelCells, groundCells, kGroundNull), extra) << "trial " << trial;
+            ASSERT_EQ(remap::growWetArea(front, fast, levelCells, groundCells, kGroundNull), extra)
+                << "trial " << trial;
             ASSERT_EQ(test::tableOf(fast), test::tableOf(statesOf(states))) << "trial " << trial << ", iteration " << k;
         }
     }

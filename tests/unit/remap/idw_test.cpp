@@ -15,7 +15,7 @@ constexpr float kNull = -9999.0F;
 
 float sample(double x, double y, const Grid& levels)
 {
-    return sampleCoarseLevel(x, y, {0, 2, levels.ncols()}, {0, 2, levels.nrows()}, levels, kNull);
+    return remap::sampleCoarseLevel(x, y, {0, 2, levels.ncols()}, {0, 2, levels.nrows()}, levels, kNull);
 }
 
 TEST(SampleCoarseLevel, IsTheLevelAtACoarseCentre)
@@ -74,15 +74,15 @@ TEST(SampleCoarseLevel, IsThatOfTheTableOfCorners)
         const Grid grid = test::cellsOf(levels);
         const double corner = trial % 2 == 0 ? 0.0 : 293000.5;
         const test::plain::Lattice lattice{corner, 2 * corner, trial % 3 == 0 ? 5.0 : static_cast<double>(0.7F)};
-        const Axis columns{lattice.xll, lattice.size, grid.ncols()};
-        const Axis rows{lattice.yll, lattice.size, grid.nrows()};
+        const remap::Axis columns{lattice.xll, lattice.size, grid.ncols()};
+        const remap::Axis rows{lattice.yll, lattice.size, grid.nrows()};
         for (int i = 0; i < 400; ++i) {
             // Every other one on a centre, an edge or a diagonal.
             const double steps = i % 2 == 0 ? 4 : 1000;
             const auto cells = [&] { return std::round(test::randomReal(random, -2, 6) * steps) / steps; };
             const double x = lattice.xll + cells() * lattice.size;
             const double y = lattice.yll + cells() * lattice.size;
-            ASSERT_EQ(sampleCoarseLevel(x, y, columns, rows, grid, kNull),
+            ASSERT_EQ(remap::sampleCoarseLevel(x, y, columns, rows, grid, kNull),
                       test::plain::sample(x, y, lattice, levels, kNull))
                 << x << ", " << y << ", trial " << trial;
         }
@@ -94,22 +94,22 @@ TEST(InterpolateIdwRow, MarksACellWetOverAWetCoarseCellWhateverItsLevel)
     // Coarse cells of 2, the first wet, the second extended. Ground of 9 stands above the level.
     const Grid model = test::gridOf({{5, kNull}});
     const Grid extended = test::gridOf({{5, 5}});
-    const CoarseLevels coarse{{0, 2, 2}, {0, 2, 1}, model, extended, kNull, 0};
-    const IdwPlaces places = idwPlaces(coarse, {0, 1, 4}, {0, 1, 2});
+    const remap::CoarseLevels coarse{{0, 2, 2}, {0, 2, 1}, model, extended, kNull, 0};
+    const remap::IdwPlaces places = remap::idwPlaces(coarse, {0, 1, 4}, {0, 1, 2});
     std::vector<float> levels(4);
-    std::vector<CellState> states(4, CellState::untouched);
-    interpolateIdwRow(coarse, places, 1, std::vector<float>{9, 1, 1, 9}, levels, states);
+    std::vector<remap::CellState> states(4, remap::CellState::untouched);
+    remap::interpolateIdwRow(coarse, places, 1, std::vector<float>{9, 1, 1, 9}, levels, states);
     EXPECT_EQ(levels, (std::vector<float>{kNull, 5, 5, kNull}));
-    EXPECT_EQ(states,
-              (std::vector<CellState>{CellState::wet, CellState::wet, CellState::untouched, CellState::untouched}));
+    EXPECT_EQ(states, (std::vector<remap::CellState>{remap::CellState::wet, remap::CellState::wet,
+                                                     remap::CellState::untouched, remap::CellState::untouched}));
 }
 
 TEST(PlacesInCells, RoundHalvesAwayFromZeroAndLeaveOutWhatIsOutside)
 {
     // Three coarse cells of 2. The fine centres -2, 0, 2, 4, 6, 8 stand at -0.5, 0.5, 1.5, 2.5, 3.5, 4.5 cells.
     std::vector<std::int32_t> cells;
-    const std::vector<CellPlace> places = placesInCells({-3, 2, 6}, {0, 2, 3});
-    for (const CellPlace& place : places) {
+    const std::vector<remap::NearestCell> places = remap::placesInCells({-3, 2, 6}, {0, 2, 3});
+    for (const remap::NearestCell& place : places) {
         cells.push_back(place.cell);
     }
     EXPECT_EQ(cells, (std::vector<std::int32_t>{0, 1, 2, 3, 0, 0}));
@@ -118,20 +118,20 @@ TEST(PlacesInCells, RoundHalvesAwayFromZeroAndLeaveOutWhatIsOutside)
 
 TEST(IsNearCell, CountsADistanceOfOneCellSize)
 {
-    EXPECT_TRUE(isNearCell({1, 3}, {1, 4}, 5));
-    EXPECT_FALSE(isNearCell({1, 3.001}, {1, 4}, 5));
+    EXPECT_TRUE(remap::isNearCell({1, 3}, {1, 4}, 5));
+    EXPECT_FALSE(remap::isNearCell({1, 3.001}, {1, 4}, 5));
 }
 
 TEST(DepthsOfWetCells, NeedAWetCellAndALevelNotBelowTheGround)
 {
-    const std::vector<CellState> states = {CellState::wet, CellState::wet, CellState::wet, CellState::untouched,
-                                           CellState::dry};
+    const std::vector<remap::CellState> states = {remap::CellState::wet, remap::CellState::wet, remap::CellState::wet,
+                                                  remap::CellState::untouched, remap::CellState::dry};
     std::vector<float> ground = {1, 3, 4, 1, 1};
-    depthsOfWetCells(states, std::vector<float>{3, 3, 3, 3, 3}, kNull, ground);
+    remap::depthsOfWetCells(states, std::vector<float>{3, 3, 3, 3, 3}, kNull, ground);
     EXPECT_EQ(ground, (std::vector<float>{2, 0, kNull, kNull, kNull}));
 
     std::vector<float> levels = {3, 3, 3, 3, 3};
-    dropDryLevels(states, kNull, levels);
+    remap::dropDryLevels(states, kNull, levels);
     EXPECT_EQ(levels, (std::vector<float>{3, 3, 3, kNull, kNull}));
 }
 
@@ -145,9 +145,9 @@ TEST(SampleCoarseLevel, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 
 TEST(DepthsOfWetCells, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 {
-    const std::vector<CellState> states(test::kVectorsAndRest, CellState::wet);
+    const std::vector<remap::CellState> states(test::kVectorsAndRest, remap::CellState::wet);
     std::vector<float> ground(states.size(), test::kInfinity);
-    depthsOfWetCells(states, std::vector<float>(states.size(), test::kInfinity), kNull, ground);
+    remap::depthsOfWetCells(states, std::vector<float>(states.size(), test::kInfinity), kNull, ground);
     EXPECT_TRUE(test::allQuietNaN(ground));
 }
 

@@ -18,11 +18,11 @@ constexpr float kNull = -9999.0F;
 TEST(TakeNearestLevels, TakesTheWetCellThatIsNear)
 {
     const Grid levels = test::gridOf({{5, kNull, 7}});
-    const CoarseLevels coarse{{0, 2, 3}, {0, 2, 1}, levels, levels, kNull, 0};
-    const auto columns = placesInCells({-2, 1, 10}, coarse.columns);
-    const auto rows = placesInCells({0, 1, 2}, coarse.rows);
+    const remap::CoarseLevels coarse{{0, 2, 3}, {0, 2, 1}, levels, levels, kNull, 0};
+    const auto columns = remap::placesInCells({-2, 1, 10}, coarse.columns);
+    const auto rows = remap::placesInCells({0, 1, 2}, coarse.rows);
     std::vector<float> found(10);
-    takeNearestLevels(coarse, columns, rows[0], found);
+    remap::takeNearestLevels(coarse, columns, rows[0], found);
     // Centres -1.5, -0.5, 0.5 to 7.5 stand at (x + 1) / 2 cells: the first at -0.25, the last two past 3.5.
     const float n = kNull;
     EXPECT_EQ(found, (std::vector<float>{n, n, 5, 5, n, n, 7, 7, n, n}));
@@ -31,14 +31,14 @@ TEST(TakeNearestLevels, TakesTheWetCellThatIsNear)
 TEST(DepthsOfLevels, NeedALevelNotBelowTheGround)
 {
     std::vector<float> depths(4);
-    depthsOfLevels(std::vector<float>{1, 3, 4, kNull}, std::vector<float>{3, 3, 3, kNull}, kNull, depths);
+    remap::depthsOfLevels(std::vector<float>{1, 3, 4, kNull}, std::vector<float>{3, 3, 3, kNull}, kNull, depths);
     EXPECT_EQ(depths, (std::vector<float>{2, 0, kNull, kNull}));
 }
 
 TEST(DepthsOnGround, AlsoNeedGroundAboveTheTerrainsNull)
 {
     std::vector<float> depths(3);
-    depthsOnGround(std::vector<float>{-1 + 0.1F, -1, 1}, -1, std::vector<float>{3, 3, 3}, kNull, depths);
+    remap::depthsOnGround(std::vector<float>{-1 + 0.1F, -1, 1}, -1, std::vector<float>{3, 3, 3}, kNull, depths);
     EXPECT_EQ(depths, (std::vector<float>{3 - (-1 + 0.1F), kNull, 2}));
 }
 
@@ -48,7 +48,7 @@ TEST(SpreadLevels, NullCellsTakeTheMeanOfTheirNeighbours)
     const Grid ground = test::gridOf({{6, 0, 9}, {0, 0, 0}});
     Grid spread = test::gridOf(Table(2, std::vector<float>(3, kNull)));
     // North-west (8 + 4) / 2 on ground 6; north-east 8 under ground 9; middle south (4 + 8) / 2; south-east has none.
-    EXPECT_EQ(spreadLevels(levels, ground, kNull, kNull, spread), 2);
+    EXPECT_EQ(remap::spreadLevels(levels, ground, kNull, kNull, spread), 2);
     EXPECT_EQ(test::tableOf(spread), (Table{{6, 8, kNull}, {4, 6, kNull}}));
 }
 
@@ -57,7 +57,7 @@ TEST(SpreadLevels, SumsWestEastSouthNorthInSinglePrecision)
     const Grid levels = test::gridOf({{kNull, -1.0e8F, kNull}, {1.0e8F, kNull, 1}, {kNull, 5, kNull}});
     const Grid ground = test::gridOf(Table(3, std::vector<float>(3, -100)));
     Grid spread = test::gridOf(Table(3, std::vector<float>(3, kNull)));
-    spreadLevels(levels, ground, kNull, kNull, spread);
+    remap::spreadLevels(levels, ground, kNull, kNull, spread);
     const float sum = ((1.0e8F + 1.0F) + 5.0F) + -1.0e8F; // 8, not 6: each sum is rounded
     EXPECT_EQ(spread(2, 2), sum / 4);
 }
@@ -67,7 +67,7 @@ TEST(SpreadLevels, NeedsGroundAboveTheTerrainsNull)
     const Grid levels = test::gridOf({{kNull, 8, kNull}});
     const Grid ground = test::gridOf({{-1, 0, -1 + 0.1F}});
     Grid spread = test::gridOf({{kNull, kNull, kNull}});
-    EXPECT_EQ(spreadLevels(levels, ground, -1, kNull, spread), 1);
+    EXPECT_EQ(remap::spreadLevels(levels, ground, -1, kNull, spread), 1);
     EXPECT_EQ(test::tableOf(spread), (Table{{kNull, 8, 8}}));
 }
 
@@ -75,27 +75,27 @@ TEST(TakeNearestCorners, TakesTheNearestCoarseCellWithinTheQuads)
 {
     // Coarse centres 1, 3, 5; fine centres 0.5 to 5.5. At 2, half way, the lower one would be taken.
     const Grid coarse = test::gridOf({{4, 5, 6}, {1, 2, 3}});
-    const auto columns = placesInQuads({0, 1, 6}, {0, 2, 3});
-    const auto rows = placesInQuads({0, 1, 4}, {0, 2, 2});
+    const auto columns = remap::placesInQuads({0, 1, 6}, {0, 2, 3});
+    const auto rows = remap::placesInQuads({0, 1, 4}, {0, 2, 2});
     const auto rowOf = [&](std::size_t row) {
         std::vector<float> found(6);
-        takeNearestCorners(coarse, columns, rows[row - 1], kNull, found);
+        remap::takeNearestCorners(coarse, columns, rows[row - 1], kNull, found);
         return found;
     };
     const float n = kNull;
     EXPECT_EQ(rowOf(1), (std::vector<float>{n, n, n, n, n, n}));
     EXPECT_EQ(rowOf(2), (std::vector<float>{n, 1, 2, 2, 3, n}));
     EXPECT_EQ(rowOf(3), (std::vector<float>{n, 4, 5, 5, 6, n}));
-    EXPECT_EQ(placesInQuads({1.5, 1, 1}, {0, 2, 3})[0].nearest, 1);
+    EXPECT_EQ(remap::placesInQuads({1.5, 1, 1}, {0, 2, 3})[0].nearest, 1);
 }
 
 TEST(CutToDepths, KeepsWhatHasADepthNotBelowZero)
 {
     std::vector<float> values = {1, 2, 3, 4};
-    cutToDepths(std::vector<float>{0, -0.5F, kNull, std::nanf("")}, kNull, values);
+    remap::cutToDepths(std::vector<float>{0, -0.5F, kNull, std::nanf("")}, kNull, values);
     EXPECT_EQ(values, (std::vector<float>{1, kNull, kNull, kNull}));
     std::vector<float> kept = {1};
-    cutToDepths(std::vector<float>{9999}, 9999, kept); // a positive null is not below zero: nothing is cut
+    remap::cutToDepths(std::vector<float>{9999}, 9999, kept); // a positive null is not below zero: nothing is cut
     EXPECT_EQ(kept, (std::vector<float>{1}));
 }
 
@@ -103,7 +103,7 @@ TEST(DepthsOfLevels, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 {
     const std::vector<float> endless(test::kVectorsAndRest, test::kInfinity);
     std::vector<float> depths(endless.size());
-    depthsOfLevels(endless, endless, kNull, depths); // infinity is not below itself
+    remap::depthsOfLevels(endless, endless, kNull, depths); // infinity is not below itself
     EXPECT_TRUE(test::allQuietNaN(depths));
 }
 

@@ -37,7 +37,7 @@ inline Grid gridOf(const Table<float>& table)
     return cellsFrom(table);
 }
 
-inline CellFlags flagsOf(const Table<std::uint8_t>& table)
+inline remap::CellFlags flagsOf(const Table<std::uint8_t>& table)
 {
     return cellsFrom(table);
 }

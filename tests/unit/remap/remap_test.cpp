@@ -19,15 +19,15 @@ using test::ScratchFolder;
 
 ChildRun remapBy(std::int32_t method, const ScratchFolder& folder)
 {
-    RunSettings settings;
+    run::RunSettings settings;
     settings.interpolation = method;
     settings.bufferGiven = true;
     settings.bufferDistance = 1;
     settings.waterLevelGrid = "wl.asc";
     settings.demGrid = "dem.asc";
-    InputFileList inputs;
+    run::InputFileList inputs;
     inputs.add("wl.asc");
-    return runInChild(folder, [&] { runRemap(settings, inputs); });
+    return runInChild(folder, [&] { remap::runRemap(settings, inputs); });
 }
 
 TEST(RunRemap, RefusesAMethodThatIsNone)
@@ -59,7 +59,7 @@ TEST(RunRemap, ByTheNearestMethodSpreadsForAThousandIterations)
     const ScratchFolder folder;
     folder.give("wl.asc", ascGrid({{n, 5, n, n, n, n}}));
     folder.give("dem.asc", ascGrid({{6, 2, 1, 0, -99, 0}}, {.null = -99}));
-    const ChildRun run = remapBy(kInterpolateNearest, folder);
+    const ChildRun run = remapBy(remap::kInterpolateNearest, folder);
     EXPECT_EQ(run.errors, "");
     const auto cells = [&](const std::string& name) { return readWrittenAsc(folder.read(name)).cells; };
 
@@ -91,7 +91,7 @@ TEST(RunRemap, ByTheNearestMethodTakesMeansOfOldLevels)
     const ScratchFolder folder;
     folder.give("wl.asc", ascGrid({{4, n, n, n, 8}}));
     folder.give("dem.asc", ascGrid({{0, 0, 0, 0, 0}}));
-    remapBy(kInterpolateNearest, folder);
+    remapBy(remap::kInterpolateNearest, folder);
     EXPECT_EQ(readWrittenAsc(folder.read("wl_h_iter100.asc")).cells, (Cells{{4, 4, 6, 8, 8}}));
 }
 

@@ -18,30 +18,30 @@ constexpr float kNull = -9999.0F;
 
 TEST(IdwOneCell, WeighsNeighboursByInverseSquare)
 {
-    const CellFlags wet = test::flagsOf({{1, 0, 0}, {0, 0, 1}, {0, 0, 0}});
+    const remap::CellFlags wet = test::flagsOf({{1, 0, 0}, {0, 0, 1}, {0, 0, 0}});
     const Grid levels = test::gridOf({{9, 0, 0}, {0, 0, 6}, {0, 0, 0}});
     // The east neighbour, in row 2, stands before the one in row 3.
     const float corner = 1.0F / (std::sqrt(2.0F) * std::sqrt(2.0F));
-    EXPECT_EQ(idwOneCell(2, 2, wet, levels, 2.0F), (6 + corner * 9) / (1 + corner));
+    EXPECT_EQ(remap::idwOneCell(2, 2, wet, levels, 2.0F), (6 + corner * 9) / (1 + corner));
 }
 
 TEST(ExtendOneCellRow, WetCellsKeepTheirsAndUnflaggedOnesStayNull)
 {
-    const CellFlags wet = test::flagsOf({{1, 0, 0}});
-    const CellFlags extent = test::flagsOf({{1, 1, 0}});
+    const remap::CellFlags wet = test::flagsOf({{1, 0, 0}});
+    const remap::CellFlags extent = test::flagsOf({{1, 1, 0}});
     const Grid levels = test::gridOf({{7, kNull, kNull}});
     Grid extended = test::gridOf({{kNull, kNull, kNull}});
-    extendOneCellRow(1, wet, extent, levels, extended);
+    remap::extendOneCellRow(1, wet, extent, levels, extended);
     EXPECT_EQ(test::tableOf(extended), (Table{{7, 7, kNull}}));
 }
 
 // A quad with corners (1,1), (1,3), (3,3), (3,1).
 struct QuadOfFour {
     Grid levels = test::gridOf({{2, 3}, {1, 4}});
-    CoarseLevels coarse{{0, 2, 2}, {0, 2, 2}, levels, levels, kNull, 0};
-    PreparedQuad quad = prepareQuad(coarse, 1, 1);
+    remap::CoarseLevels coarse{{0, 2, 2}, {0, 2, 2}, levels, levels, kNull, 0};
+    remap::PreparedQuad quad = remap::prepareQuad(coarse, 1, 1);
 
-    char under(double x, double y) const { return "WNES"[&triangleUnder(quad, {x, y}) - quad.triangles.data()]; }
+    char under(double x, double y) const { return "WNES"[&remap::triangleUnder(quad, {x, y}) - quad.triangles.data()]; }
 };
 
 TEST(TriangleUnder, IsTheOneOfTheSide)
@@ -67,8 +67,8 @@ TEST(PrepareQuad, TheCentreIsTheMeanOfTheCornersInTheirOrder)
 {
     // In single precision the order counts: south-west, north-west, north-east, south-east.
     const Grid levels = test::gridOf({{1.0F, -1.0e8F}, {1.0e8F, 3.0F}});
-    const CoarseLevels coarse{{0, 2, 2}, {0, 2, 2}, levels, levels, kNull, 0};
-    const float centre = prepareQuad(coarse, 1, 1).triangles[0].triangle.apexValue;
+    const remap::CoarseLevels coarse{{0, 2, 2}, {0, 2, 2}, levels, levels, kNull, 0};
+    const float centre = remap::prepareQuad(coarse, 1, 1).triangles[0].triangle.apexValue;
     EXPECT_EQ(centre, 0.25F * 3.0F); // 1e8 + 1 is 1e8, less 1e8 is 0, and 3
 }
 
@@ -81,18 +81,19 @@ struct TinGrids {
 TinGrids runTin(const Grid& model, const Grid& extended, const test::plain::Lattice& coarse, float null,
                 float freeboard, const Grid& ground, const test::plain::Lattice& fine)
 {
-    const Axis columns{coarse.xll, coarse.size, model.ncols()};
-    const Axis rows{coarse.yll, coarse.size, model.nrows()};
-    const CoarseLevels levels{columns, rows, model, extended, null, freeboard};
-    TinWalk walk = startTinWalk(levels, {fine.xll, fine.size, ground.ncols()}, {fine.yll, fine.size, ground.nrows()});
+    const remap::Axis columns{coarse.xll, coarse.size, model.ncols()};
+    const remap::Axis rows{coarse.yll, coarse.size, model.nrows()};
+    const remap::CoarseLevels levels{columns, rows, model, extended, null, freeboard};
+    remap::TinWalk walk =
+        remap::startTinWalk(levels, {fine.xll, fine.size, ground.ncols()}, {fine.yll, fine.size, ground.nrows()});
     auto fineLevels = test::sameCells<float>(ground.nrows(), ground.ncols(), 77);
     auto fineDepths = test::sameCells<float>(ground.nrows(), ground.ncols(), 77);
     std::ranges::copy(ground.cells(), fineDepths.cells().begin());
-    auto states = test::sameCells(ground.nrows(), ground.ncols(), startState(null));
+    auto states = test::sameCells(ground.nrows(), ground.ncols(), remap::startState(null));
     for (std::int32_t row = 1; row <= ground.nrows(); ++row) {
-        interpolateTinRow(levels, walk, row, fineLevels.row(row), states.row(row));
+        remap::interpolateTinRow(levels, walk, row, fineLevels.row(row), states.row(row));
     }
-    depthsWhereWet(states.cells(), null, fineLevels.cells(), fineDepths.cells());
+    remap::depthsWhereWet(states.cells(), null, fineLevels.cells(), fineDepths.cells());
     return {test::tableOf(fineLevels), test::tableOf(fineDepths)};
 }
 
@@ -213,28 +214,28 @@ TEST(Tin, IsThatOfALoopOverTheFineCells)
 
 TEST(StartState, IsTheNullAsAnInteger)
 {
-    EXPECT_EQ(startState(-9999.0F), CellState::untouched);
-    EXPECT_EQ(startState(0.9F), CellState::untouched);
-    EXPECT_EQ(startState(1.0F), CellState::wet);
-    EXPECT_EQ(startState(1.99F), CellState::wet);
-    EXPECT_EQ(startState(2.0F), CellState::untouched);
-    EXPECT_EQ(startState(-1.99F), CellState::dry);
-    EXPECT_EQ(startState(std::nanf("")), CellState::untouched);
+    EXPECT_EQ(remap::startState(-9999.0F), remap::CellState::untouched);
+    EXPECT_EQ(remap::startState(0.9F), remap::CellState::untouched);
+    EXPECT_EQ(remap::startState(1.0F), remap::CellState::wet);
+    EXPECT_EQ(remap::startState(1.99F), remap::CellState::wet);
+    EXPECT_EQ(remap::startState(2.0F), remap::CellState::untouched);
+    EXPECT_EQ(remap::startState(-1.99F), remap::CellState::dry);
+    EXPECT_EQ(remap::startState(std::nanf("")), remap::CellState::untouched);
 }
 
 TEST(IdwOneCell, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 {
-    const CellFlags wet = test::flagsOf({{1, 0, 1}});
+    const remap::CellFlags wet = test::flagsOf({{1, 0, 1}});
     const Grid levels = test::gridOf({{test::kInfinity, 0, -test::kInfinity}});
-    EXPECT_TRUE(test::allQuietNaN(std::vector{idwOneCell(1, 2, wet, levels, 2.0F)}));
+    EXPECT_TRUE(test::allQuietNaN(std::vector{remap::idwOneCell(1, 2, wet, levels, 2.0F)}));
 }
 
 TEST(DepthsWhereWet, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 {
-    const std::vector<CellState> states(test::kVectorsAndRest, CellState::wet);
+    const std::vector<remap::CellState> states(test::kVectorsAndRest, remap::CellState::wet);
     std::vector<float> levels(states.size(), test::kInfinity);
     std::vector<float> ground = levels;
-    depthsWhereWet(states, kNull, levels, ground);
+    remap::depthsWhereWet(states, kNull, levels, ground);
     EXPECT_TRUE(test::allQuietNaN(ground));
 }
 

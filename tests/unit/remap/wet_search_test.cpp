@@ -12,13 +12,13 @@
 namespace gridforge {
 namespace {
 
-std::optional<float> search(std::int32_t points, std::int32_t row, std::int32_t column, const CellFlags& wet,
+std::optional<float> search(std::int32_t points, std::int32_t row, std::int32_t column, const remap::CellFlags& wet,
                             const Grid& levels)
 {
-    WetIndex index;
-    EXPECT_TRUE(indexWetCells(wet, index));
-    ListedCells listed;
-    return idwPoint(points, row, column, index, levels, listed, kIdwExponent);
+    remap::WetIndex index;
+    EXPECT_TRUE(remap::indexWetCells(wet, index));
+    remap::ListedCells listed;
+    return remap::idwPoint(points, row, column, index, levels, listed, remap::kIdwExponent);
 }
 
 // A lattice of dry cells, to be made wet one by one.
@@ -37,7 +37,7 @@ struct Lattice {
         return search(points, row, column, wet, levels);
     }
 
-    CellFlags wet;
+    remap::CellFlags wet;
     Grid levels;
 };
 
@@ -127,11 +127,11 @@ TEST(IdwPoint, IsThatOfTheScanByRings)
         const test::plain::Flags wet =
             test::randomFlags(random, nrows, ncols, shares[static_cast<std::size_t>(trial % 4)]);
         const test::plain::Reals levels = test::randomReals(random, nrows, ncols, -5, 60);
-        const CellFlags flags = test::cellsOf(wet);
+        const remap::CellFlags flags = test::cellsOf(wet);
         const Grid grid = test::cellsOf(levels);
-        WetIndex index;
-        ASSERT_TRUE(indexWetCells(flags, index));
-        ListedCells listed;
+        remap::WetIndex index;
+        ASSERT_TRUE(remap::indexWetCells(flags, index));
+        remap::ListedCells listed;
         const int points = std::vector<int>{1, 2, 3, 4, 5, 9, 12, 20, 50}[static_cast<std::size_t>(trial % 9)];
         for (int r = 1; r <= nrows; ++r) {
             for (int c = 1; c <= ncols; ++c) {
@@ -140,7 +140,7 @@ TEST(IdwPoint, IsThatOfTheScanByRings)
                 }
                 const auto expected = test::plain::idwPoint(points, r, c, wet, levels, 2.0F);
                 endless += expected ? 0 : 1;
-                ASSERT_EQ(idwPoint(points, r, c, index, grid, listed, 2.0F), expected)
+                ASSERT_EQ(remap::idwPoint(points, r, c, index, grid, listed, 2.0F), expected)
                     << "trial " << trial << ", " << points << " points, cell " << r << ", " << c;
             }
         }
@@ -157,14 +157,14 @@ TEST(IdwPoint, PastTheDistanceOfPickedCellsTheFirstIsPickedAgain)
         wet(1, c) = 1;
         levels(1, c) = static_cast<float>(c - 99999);
     }
-    const CellFlags flags = test::cellsOf(wet);
+    const remap::CellFlags flags = test::cellsOf(wet);
     const Grid grid = test::cellsOf(levels);
-    WetIndex index;
-    ASSERT_TRUE(indexWetCells(flags, index));
-    ListedCells listed;
+    remap::WetIndex index;
+    ASSERT_TRUE(remap::indexWetCells(flags, index));
+    remap::ListedCells listed;
     for (const int column : {1, 2, 3, 4, 5}) {
         for (const int points : {1, 2, 3, 4}) {
-            EXPECT_EQ(idwPoint(points, 1, column, index, grid, listed, 2.0F),
+            EXPECT_EQ(remap::idwPoint(points, 1, column, index, grid, listed, 2.0F),
                       test::plain::idwPoint(points, 1, column, wet, levels, 2.0F))
                 << "from " << column << " with " << points;
         }

@@ -35,10 +35,10 @@ TEST(LoadGrid, SaysNothingOfItsOwn)
     giveMemoryFile("a.asc", ascOf("0", "-1", "5 6"));
     Grid cells;
     ASSERT_TRUE(cells.allocate(1, 2));
-    const LoadedGrid loaded = loadGrid("a.asc", {}, cells);
+    const run::LoadedGrid loaded = run::loadGrid("a.asc", {}, cells);
     EXPECT_EQ(MemoryRun::console(), opened("a.asc") + kCellsRead);
     EXPECT_EQ(loaded.header.null, -1.0F);
-    EXPECT_EQ(loaded.format, kFormatAsc);
+    EXPECT_EQ(loaded.format, grid::kFormatAsc);
     EXPECT_EQ(cells(1, 2), 6.0F);
 }
 
@@ -55,15 +55,15 @@ TEST(LoadGrid, GoesThroughItsStepsInOrder)
     first.cellsize8 = 1;
     Grid cells;
     const auto prepare = [&](const GridHeader& header) { say("columns ", header.ncols, " of ", cells.ncols()); };
-    const LoadSteps steps{.opening = "opening",
-                          .match = &first,
-                          .matching = "matching",
-                          .matched = "matched",
-                          .purpose = "these cells",
-                          .prepare = prepare,
-                          .reading = "reading",
-                          .done = "done"};
-    const LoadedGrid loaded = loadGrid("a.asc", steps, cells);
+    const run::LoadSteps steps{.opening = "opening",
+                               .match = &first,
+                               .matching = "matching",
+                               .matched = "matched",
+                               .purpose = "these cells",
+                               .prepare = prepare,
+                               .reading = "reading",
+                               .done = "done"};
+    const run::LoadedGrid loaded = run::loadGrid("a.asc", steps, cells);
     EXPECT_EQ(MemoryRun::console(),
               "opening\n"
               "Trying to open file a.prj...OK.\nOpened File Unit:1001\n"
@@ -88,7 +88,7 @@ TEST(LoadGrid, AnotherLatticeEndsTheRun)
         first.yll = 0;
         first.cellsize8 = 1;
         Grid cells;
-        loadGrid("a.asc", {.match = &first, .matching = "matching", .matched = "not reached"}, cells);
+        run::loadGrid("a.asc", {.match = &first, .matching = "matching", .matched = "not reached"}, cells);
     });
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.console, opened("a.asc") + "matching\n"
@@ -103,12 +103,12 @@ TEST(LoadEach, GivesEachInputOfOneLattice)
     giveMemoryFile("a.asc", ascOf("0", "-1", "5 6"));
     giveMemoryFile("b.asc", ascOf("0", "-2", "7 8"));
     giveMemoryFile("b.prj", "PROJCS[b]\n");
-    InputFileList inputs;
+    run::InputFileList inputs;
     inputs.add("a.asc");
     inputs.add("b.asc");
     Grid cells;
     std::vector<float> found;
-    const LoadedGrid loaded = loadEach(
+    const run::LoadedGrid loaded = run::loadEach(
         inputs, "these cells", [](const GridHeader& header) { say("null ", static_cast<std::int32_t>(header.null)); },
         cells,
         [&](std::int32_t i, const GridHeader& header) {

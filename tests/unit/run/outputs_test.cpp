@@ -20,7 +20,7 @@ std::string consoleOf(const Call& call)
 
 std::string nameOf(std::string_view source, std::string_view suffix)
 {
-    return outputNameRule(RunSettings{}, source, suffix);
+    return run::outputNameRule(run::RunSettings{}, source, suffix);
 }
 
 TEST(OutputNameRule, SourceWithoutExtensionAndTheSuffix)
@@ -42,11 +42,11 @@ TEST(OutputNameRule, IsCutAt1000Characters)
 
 TEST(OutputNameRule, GivenNameStandsAsItIs)
 {
-    RunSettings settings;
+    run::RunSettings settings;
     settings.outputNameGiven = true;
     settings.outputName = "result.txt";
     std::string name;
-    EXPECT_EQ(consoleOf([&] { name = outputNameRule(settings, "a.asc", "(max)"); }),
+    EXPECT_EQ(consoleOf([&] { name = run::outputNameRule(settings, "a.asc", "(max)"); }),
               "Using output file name specified with -out switch: \"result.txt\"\n");
     EXPECT_EQ(name, "result.txt");
 }
@@ -72,11 +72,11 @@ TEST(OutputFormatRule, AsSpecifiedOrAsTheFirstGrid)
                                            {false, false, 1, 1, byInputs},
                                            {false, false, 2, 2, byInputs}};
     for (const FormatCase& c : cases) {
-        RunSettings settings;
+        run::RunSettings settings;
         settings.formatSpecified = c.specified;
         settings.ascWanted = c.asc;
         std::int32_t format = 0;
-        EXPECT_EQ(consoleOf([&] { format = outputFormatRule(settings, c.first); }), c.line);
+        EXPECT_EQ(consoleOf([&] { format = run::outputFormatRule(settings, c.first); }), c.line);
         EXPECT_EQ(format, c.expected);
     }
 }

@@ -27,41 +27,42 @@ GridHeader header(std::int32_t nrows, std::int32_t ncols, double xll, double yll
 TEST(SamplesToSide, RoundsUpPastTheSearchDistance)
 {
     const GridHeader h = header(10, 10, 0, 0, 2.0F);
-    EXPECT_EQ(samplesToSide(h, 7.0F, 0.5F), 2); // 1.75 + 1
-    EXPECT_EQ(samplesToSide(h, 7.0F, 1.0F), 4); // 3.5 + 1
-    EXPECT_EQ(samplesToSide(h, 8.0F, 0.5F), 3); // 2 + 1
-    EXPECT_EQ(samplesToSide(h, -8.0F, 0.5F), -1);
-    EXPECT_EQ(samplesToSide(h, 1e30F, 1.0F), std::numeric_limits<std::int32_t>::max());
-    EXPECT_EQ(-samplesToSide(h, -1e30F, 1.0F), std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(run::samplesToSide(h, 7.0F, 0.5F), 2); // 1.75 + 1
+    EXPECT_EQ(run::samplesToSide(h, 7.0F, 1.0F), 4); // 3.5 + 1
+    EXPECT_EQ(run::samplesToSide(h, 8.0F, 0.5F), 3); // 2 + 1
+    EXPECT_EQ(run::samplesToSide(h, -8.0F, 0.5F), -1);
+    EXPECT_EQ(run::samplesToSide(h, 1e30F, 1.0F), std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(-run::samplesToSide(h, -1e30F, 1.0F), std::numeric_limits<std::int32_t>::max());
 }
 
 TEST(AcrossLine, StepsOneCellAlongTheAngle)
 {
     const GridHeader h = header(10, 10, 100, 200, 2.0F);
-    const AcrossLine north = acrossLine(h, 105, 207, 90.0F);
+    const run::AcrossLine north = run::acrossLine(h, 105, 207, 90.0F);
     EXPECT_EQ(north.sampleX(3), 105);
     EXPECT_EQ(north.sampleY(3), 213);
-    const AcrossLine slanted = acrossLine(h, 0, 0, 45.0F);
+    const run::AcrossLine slanted = run::acrossLine(h, 0, 0, 45.0F);
     EXPECT_EQ(slanted.sampleX(1), 2 * static_cast<double>(static_cast<float>(std::sqrt(0.5))));
 }
 
 TEST(SampleCell, RoundsToTheCellWhoseCornerIsNearest)
 {
     const GridHeader h = header(10, 10, 100, 200, 2.0F);
-    const AcrossLine line = acrossLine(h, 105.1, 206.9, 0.0F); // (105.1 - 100) / 2 = 2.55, (206.9 - 200) / 2 = 3.45
-    EXPECT_EQ(sampleCell(line, h, 0).column, 3);
-    EXPECT_EQ(sampleCell(line, h, 0).row, 3);
-    EXPECT_EQ(sampleCell(line, h, -2).column, 1);
-    EXPECT_EQ(sampleCellX(h, 3), 105); // 100 + 6 - 1
-    EXPECT_EQ(sampleCellY(h, 1), 201);
+    const run::AcrossLine line =
+        run::acrossLine(h, 105.1, 206.9, 0.0F); // (105.1 - 100) / 2 = 2.55, (206.9 - 200) / 2 = 3.45
+    EXPECT_EQ(run::sampleCell(line, h, 0).column, 3);
+    EXPECT_EQ(run::sampleCell(line, h, 0).row, 3);
+    EXPECT_EQ(run::sampleCell(line, h, -2).column, 1);
+    EXPECT_EQ(run::sampleCellX(h, 3), 105); // 100 + 6 - 1
+    EXPECT_EQ(run::sampleCellY(h, 1), 201);
 }
 
 // --- Against the plain loop over all samples -------------------------------------------------------------------------
 
-FoundSample plainSearch(const AcrossLine& line, const GridHeader& h, const Grid& cells, const SampleRange& range,
-                        bool lowest)
+sampling::FoundSample plainSearch(const run::AcrossLine& line, const GridHeader& h, const Grid& cells,
+                                  const run::SampleRange& range, bool lowest)
 {
-    FoundSample found{lowest ? 99999.0F : -99999.0F, 0, 0};
+    sampling::FoundSample found{lowest ? 99999.0F : -99999.0F, 0, 0};
     for (std::int32_t k = range.first; k <= range.last; ++k) {
         const double x = line.x + (h.cellsize8 * k) * line.ux;
         const double y = line.y + (h.cellsize8 * k) * line.uy;
@@ -74,14 +75,14 @@ FoundSample plainSearch(const AcrossLine& line, const GridHeader& h, const Grid&
         if (value == h.null || !(lowest ? value < found.value : value > found.value)) {
             continue;
         }
-        found = lowest ? FoundSample{value, h.xll + column * h.cellsize8 - 0.5 * h.cellsize8,
-                                     h.yll + row * h.cellsize8 - 0.5 * h.cellsize8}
-                       : FoundSample{value, x, y};
+        found = lowest ? sampling::FoundSample{value, h.xll + column * h.cellsize8 - 0.5 * h.cellsize8,
+                                               h.yll + row * h.cellsize8 - 0.5 * h.cellsize8}
+                       : sampling::FoundSample{value, x, y};
     }
     return found;
 }
 
-void expectSame(const FoundSample& found, const FoundSample& wanted)
+void expectSame(const sampling::FoundSample& found, const sampling::FoundSample& wanted)
 {
     EXPECT_EQ(found.value, wanted.value);
     EXPECT_EQ(found.x, wanted.x);
@@ -106,13 +107,14 @@ TEST(Samples, FindWhatThePlainLoopsFind)
         const double y = h.yll + (unit(random) * 3 - 1) * h.nrows * h.cellsize8;
         const float angle = random() % 2 == 0 ? 90.0F * static_cast<float>(random() % 5) - 90.0F
                                               : static_cast<float>(unit(random) * 360 - 90);
-        const AcrossLine line = acrossLine(h, x, y, angle);
+        const run::AcrossLine line = run::acrossLine(h, x, y, angle);
         const auto width = static_cast<std::int32_t>(unit(random) * 150);
-        for (const SampleRange range : {SampleRange{-width, width}, SampleRange{0, width}, SampleRange{-width, 0}}) {
-            const FoundSample lowest = plainSearch(line, h, cells, range, true);
+        for (const run::SampleRange range :
+             {run::SampleRange{-width, width}, run::SampleRange{0, width}, run::SampleRange{-width, 0}}) {
+            const sampling::FoundSample lowest = plainSearch(line, h, cells, range, true);
             found += lowest.value < 99999.0F ? 1 : 0;
-            expectSame(lowestSample(line, h, cells, range), lowest);
-            expectSame(highestSample(line, h, cells, range), plainSearch(line, h, cells, range, false));
+            expectSame(sampling::lowestSample(line, h, cells, range), lowest);
+            expectSame(sampling::highestSample(line, h, cells, range), plainSearch(line, h, cells, range, false));
         }
         ASSERT_FALSE(testing::Test::HasFailure()) << "round " << round;
     }
@@ -127,10 +129,10 @@ TEST(Samples, AVastSearchDistanceCostsNothing)
     cells(2, 2) = -5;
     constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
     for (int i = 0; i < 100; ++i) {
-        EXPECT_EQ(lowestSample(acrossLine(h, 2, 2, 33.0F), h, cells, {-kMost, kMost}).value, -5);
+        EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, 2, 2, 33.0F), h, cells, {-kMost, kMost}).value, -5);
     }
-    EXPECT_EQ(lowestSample(acrossLine(h, 50, 50, 0.0F), h, cells, {-kMost, kMost}).value, 99999.0F);
-    EXPECT_EQ(lowestSample(acrossLine(h, 2, 2, 0.0F), h, cells, {1, -1}).value, 99999.0F);
+    EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, 50, 50, 0.0F), h, cells, {-kMost, kMost}).value, 99999.0F);
+    EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, 2, 2, 0.0F), h, cells, {1, -1}).value, 99999.0F);
 }
 
 TEST(Samples, APlaceThatIsNoNumberIsOffTheGrid)
@@ -140,10 +142,12 @@ TEST(Samples, APlaceThatIsNoNumberIsOffTheGrid)
     ASSERT_TRUE(cells.allocate(3, 3));
     const double none = std::numeric_limits<double>::quiet_NaN();
     const double infinite = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(lowestSample(acrossLine(h, none, 2, 33.0F), h, cells, {-9, 9}).value, 99999.0F);
-    EXPECT_EQ(lowestSample(acrossLine(h, infinite, 2, 33.0F), h, cells, {-9, 9}).value, 99999.0F);
-    EXPECT_EQ(highestSample(acrossLine(h, 2, 2, std::numeric_limits<float>::quiet_NaN()), h, cells, {-9, 9}).value,
-              -99999.0F);
+    EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, none, 2, 33.0F), h, cells, {-9, 9}).value, 99999.0F);
+    EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, infinite, 2, 33.0F), h, cells, {-9, 9}).value, 99999.0F);
+    EXPECT_EQ(
+        sampling::highestSample(run::acrossLine(h, 2, 2, std::numeric_limits<float>::quiet_NaN()), h, cells, {-9, 9})
+            .value,
+        -99999.0F);
 }
 
 } // namespace

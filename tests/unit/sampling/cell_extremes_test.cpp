@@ -15,32 +15,32 @@ namespace {
 constexpr float kNullCell = -9999.0F;
 
 // The plain form: every cell of the window, row by row from the south.
-FoundExtremes plainExtremes(const CellSearch& s, const GridHeader& h, const Grid& cells)
+sampling::FoundExtremes plainExtremes(const sampling::CellSearch& s, const GridHeader& h, const Grid& cells)
 {
-    FoundExtremes found;
+    sampling::FoundExtremes found;
     float low = 99999.0F;
     float high = -99999.0F;
     for (std::int32_t r = s.window.firstRow; r <= s.window.lastRow; ++r) {
         for (std::int32_t c = s.window.firstColumn; c <= s.window.lastColumn; ++c) {
             const double x = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8;
             const double y = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8;
-            if (!insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
+            if (!sampling::insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
                 continue;
             }
             if (cells(r, c) < low) {
                 low = cells(r, c);
-                found.lowest = FoundCell{low, DISTANCE_8(s.x, s.y, x, y), x, y};
+                found.lowest = sampling::FoundCell{low, DISTANCE_8(s.x, s.y, x, y), x, y};
             }
             if (cells(r, c) > high) {
                 high = cells(r, c);
-                found.highest = FoundCell{high, DISTANCE_8(s.x, s.y, x, y), x, y};
+                found.highest = sampling::FoundCell{high, DISTANCE_8(s.x, s.y, x, y), x, y};
             }
         }
     }
     return found;
 }
 
-void expectSame(const std::optional<FoundCell>& found, const std::optional<FoundCell>& wanted)
+void expectSame(const std::optional<sampling::FoundCell>& found, const std::optional<sampling::FoundCell>& wanted)
 {
     ASSERT_EQ(found.has_value(), wanted.has_value());
     if (found) {
@@ -128,17 +128,17 @@ TEST(CellExtremes, AreThoseOfThePlainLoop)
                 made.cells(r, c) = random() % 100 < nulls ? kNullCell : surface(grid % 8, c, r, random);
             }
         }
-        ExtremeSearch extremes(h, made.cells);
+        sampling::ExtremeSearch extremes(h, made.cells);
         std::uniform_real_distribution<float> share(0, static_cast<float>(std::min(h.nrows, h.ncols)));
         for (int point = 0; point < 20; ++point) {
             const double x = placeOn(h.xll, h.cellsize8, h.ncols, random);
             const double y = placeOn(h.yll, h.cellsize8, h.nrows, random);
-            const CellSearch search = searchAround(h, x, y, share(random) * h.cellsize);
-            if (!isWithinGrid(search.window, h)) {
+            const sampling::CellSearch search = sampling::searchAround(h, x, y, share(random) * h.cellsize);
+            if (!run::isWithinGrid(search.window, h)) {
                 continue;
             }
-            const FoundExtremes wanted = plainExtremes(search, h, made.cells);
-            const FoundExtremes got = extremes.find(search);
+            const sampling::FoundExtremes wanted = plainExtremes(search, h, made.cells);
+            const sampling::FoundExtremes got = extremes.find(search);
             expectSame(got.lowest, wanted.lowest);
             expectSame(got.highest, wanted.highest);
             ASSERT_FALSE(testing::Test::HasFailure()) << "grid " << grid << ", point " << point;
@@ -158,15 +158,15 @@ TEST(CellExtremes, KeepTheFirstOfEqualOnes)
     for (float& cell : made.cells.cells()) {
         cell = 3;
     }
-    ExtremeSearch extremes(made.header, made.cells);
-    const FoundExtremes near = extremes.find(searchAround(made.header, 4.5, 4.5, 2.0F));
+    sampling::ExtremeSearch extremes(made.header, made.cells);
+    const sampling::FoundExtremes near = extremes.find(sampling::searchAround(made.header, 4.5, 4.5, 2.0F));
     EXPECT_EQ(near.lowest->x, 4);
     EXPECT_EQ(near.lowest->y, 4);
     EXPECT_EQ(near.highest->x, 4);
     EXPECT_EQ(near.highest->y, 4);
     // Over many tiles: the southern vertex of the polygon is at 50.5, and half a unit above it the sides are 0.5 / tan 15 =
     // 1.87 to each side, from 98.63 on.
-    const FoundExtremes wide = extremes.find(searchAround(made.header, 100.5, 100.5, 100.0F));
+    const sampling::FoundExtremes wide = extremes.find(sampling::searchAround(made.header, 100.5, 100.5, 100.0F));
     EXPECT_EQ(wide.lowest->y, 51);
     EXPECT_EQ(wide.lowest->x, 99);
     EXPECT_EQ(wide.highest->x, 99);
@@ -176,8 +176,8 @@ TEST(CellExtremes, OfAnEmptyWindowAreNone)
 {
     Made made;
     setLattice(made, 9, 9, false, 1.0F);
-    ExtremeSearch extremes(made.header, made.cells);
-    const FoundExtremes found = extremes.find(searchAround(made.header, 4.5, 4.5, -4.0F));
+    sampling::ExtremeSearch extremes(made.header, made.cells);
+    const sampling::FoundExtremes found = extremes.find(sampling::searchAround(made.header, 4.5, 4.5, -4.0F));
     EXPECT_FALSE(found.lowest);
     EXPECT_FALSE(found.highest);
 }

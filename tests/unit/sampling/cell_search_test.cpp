@@ -15,28 +15,28 @@ constexpr float kNullCell = -9999.0F;
 
 // --- The plain form: every cell of the window, row by row from the south --------------------------------------------
 
-std::optional<FoundCell> plainNearest(const CellSearch& s, const GridHeader& h, const Grid& cells)
+std::optional<sampling::FoundCell> plainNearest(const sampling::CellSearch& s, const GridHeader& h, const Grid& cells)
 {
-    std::optional<FoundCell> best;
+    std::optional<sampling::FoundCell> best;
     float distance = 99999.0F;
     for (std::int32_t r = s.window.firstRow; r <= s.window.lastRow; ++r) {
         for (std::int32_t c = s.window.firstColumn; c <= s.window.lastColumn; ++c) {
             const double x = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8;
             const double y = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8;
-            if (!insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
+            if (!sampling::insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
                 continue;
             }
             const float d = DISTANCE_8(s.x, s.y, x, y);
             if (d < distance) {
                 distance = d;
-                best = FoundCell{cells(r, c), d, x, y};
+                best = sampling::FoundCell{cells(r, c), d, x, y};
             }
         }
     }
     return best;
 }
 
-void expectSame(const std::optional<FoundCell>& found, const std::optional<FoundCell>& wanted)
+void expectSame(const std::optional<sampling::FoundCell>& found, const std::optional<sampling::FoundCell>& wanted)
 {
     ASSERT_EQ(found.has_value(), wanted.has_value());
     if (found) {
@@ -108,18 +108,18 @@ TEST(CellSearch, FindsWhatThePlainLoopFinds)
         Made made;
         make(made, random, std::array{0, 50, 95, 99, 100}[static_cast<std::size_t>(grid) % 5]);
         const GridHeader& h = made.header;
-        EmptyTiles tiles(h, made.cells);
+        sampling::EmptyTiles tiles(h, made.cells);
         for (int point = 0; point < 30; ++point) {
             const double x = placeOn(h.xll, h.cellsize8, h.ncols, random);
             const double y = placeOn(h.yll, h.cellsize8, h.nrows, random);
-            const CellSearch search = searchAround(h, x, y, share(random) * h.cellsize);
-            if (!isWithinGrid(search.window, h)) {
+            const sampling::CellSearch search = sampling::searchAround(h, x, y, share(random) * h.cellsize);
+            if (!run::isWithinGrid(search.window, h)) {
                 continue;
             }
             ++searched;
             const auto wanted = plainNearest(search, h, made.cells);
             found += wanted ? 1 : 0;
-            expectSame(nearestCell(search, h, made.cells, tiles), wanted);
+            expectSame(sampling::nearestCell(search, h, made.cells, tiles), wanted);
             ASSERT_FALSE(testing::Test::HasFailure()) << "grid " << grid << ", point " << point;
         }
     }
@@ -146,17 +146,17 @@ void numbered(Made& made, std::int32_t rows, std::int32_t columns)
 }
 
 // By tiles of which nothing is known yet.
-std::optional<FoundCell> nearest(const Made& made, const CellSearch& search)
+std::optional<sampling::FoundCell> nearest(const Made& made, const sampling::CellSearch& search)
 {
-    EmptyTiles tiles(made.header, made.cells);
-    return nearestCell(search, made.header, made.cells, tiles);
+    sampling::EmptyTiles tiles(made.header, made.cells);
+    return sampling::nearestCell(search, made.header, made.cells, tiles);
 }
 
 TEST(NearestCell, OfEquallyNearOnesTakesTheFirstFromTheSouthWest)
 {
     Made made;
     numbered(made, 9, 9);
-    const CellSearch search = searchAround(made.header, 4.5, 4.5, 6.0F);
+    const sampling::CellSearch search = sampling::searchAround(made.header, 4.5, 4.5, 6.0F);
     EXPECT_EQ(nearest(made, search)->value, 44); // corners (4, 4), (5, 4), (4, 5), (5, 5)
     made.cells(4, 4) = kNullCell;
     EXPECT_EQ(nearest(made, search)->value, 45);
@@ -170,7 +170,7 @@ TEST(NearestCell, MeasuresToTheNorthEastCorner)
 {
     Made made;
     numbered(made, 9, 9);
-    const auto found = nearest(made, searchAround(made.header, 4.3, 4.4, 4.0F));
+    const auto found = nearest(made, sampling::searchAround(made.header, 4.3, 4.4, 4.0F));
     EXPECT_EQ(found->value, 44); // the cell (5, 5) holds the point, but its corner is further
     EXPECT_FLOAT_EQ(found->distance, 0.5F);
     EXPECT_EQ(found->x, 4);
@@ -181,8 +181,8 @@ TEST(NearestCell, FindsNothingBeyondThePolygonOrInAnEmptyWindow)
 {
     Made made;
     numbered(made, 9, 9);
-    EXPECT_FALSE(nearest(made, searchAround(made.header, 4.5, 4.5, 1.0F))); // corners 0.71 away
-    EXPECT_FALSE(nearest(made, searchAround(made.header, 4.5, 4.5, -4.0F)));
+    EXPECT_FALSE(nearest(made, sampling::searchAround(made.header, 4.5, 4.5, 1.0F))); // corners 0.71 away
+    EXPECT_FALSE(nearest(made, sampling::searchAround(made.header, 4.5, 4.5, -4.0F)));
 }
 
 TEST(NearestCell, FindsNothingAt99999OrFurther)
@@ -196,7 +196,7 @@ TEST(NearestCell, FindsNothingAt99999OrFurther)
     }
     made.cells(5, 5) = 55; // its corner is (500000, 500000)
     const auto from = [&](double distance) {
-        return nearest(made, searchAround(made.header, 500000 - distance, 500000, 300000.0F));
+        return nearest(made, sampling::searchAround(made.header, 500000 - distance, 500000, 300000.0F));
     };
     EXPECT_FALSE(from(99999));
     ASSERT_TRUE(from(99998));

@@ -9,11 +9,11 @@ namespace {
 
 TEST(CellTiles, HaveSixtyFourRowsAndColumns)
 {
-    EXPECT_EQ(tileOf(1), 0);
-    EXPECT_EQ(tileOf(64), 0);
-    EXPECT_EQ(tileOf(65), 1);
-    EXPECT_EQ(firstOfTile(0), 1);
-    EXPECT_EQ(firstOfTile(2), 129);
+    EXPECT_EQ(sampling::tileOf(1), 0);
+    EXPECT_EQ(sampling::tileOf(64), 0);
+    EXPECT_EQ(sampling::tileOf(65), 1);
+    EXPECT_EQ(sampling::firstOfTile(0), 1);
+    EXPECT_EQ(sampling::firstOfTile(2), 129);
 }
 
 TEST(CellTiles, AreEmptyWhereAllCellsAreNull)
@@ -27,7 +27,7 @@ TEST(CellTiles, AreEmptyWhereAllCellsAreNull)
     cells(64, 64) = 1;                                       // the last of its tile
     cells(65, 65) = std::numeric_limits<float>::quiet_NaN(); // is no null
     cells(130, 70) = -std::numeric_limits<float>::infinity();
-    EmptyTiles tiles(header, cells);
+    sampling::EmptyTiles tiles(header, cells);
     EXPECT_FALSE(tiles.isEmpty(0, 0));
     EXPECT_TRUE(tiles.isEmpty(0, 1));
     EXPECT_TRUE(tiles.isEmpty(1, 0));

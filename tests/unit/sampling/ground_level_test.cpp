@@ -35,13 +35,13 @@ struct Numbered {
 
 TEST(LevelRule, IsToldByWordsAnywhereInTheOptionsAndMaxWins)
 {
-    EXPECT_EQ(levelRule(""), LevelRule::mean);
-    EXPECT_EQ(levelRule("Perp"), LevelRule::mean);
-    EXPECT_EQ(levelRule("Max"), LevelRule::highest);
-    EXPECT_EQ(levelRule("perpMAXIMUM"), LevelRule::highest);
-    EXPECT_EQ(levelRule("Min"), LevelRule::lowest);
-    EXPECT_EQ(levelRule("administer"), LevelRule::lowest);
-    EXPECT_EQ(levelRule("Min Max"), LevelRule::highest);
+    EXPECT_EQ(sampling::levelRule(""), sampling::LevelRule::mean);
+    EXPECT_EQ(sampling::levelRule("Perp"), sampling::LevelRule::mean);
+    EXPECT_EQ(sampling::levelRule("Max"), sampling::LevelRule::highest);
+    EXPECT_EQ(sampling::levelRule("perpMAXIMUM"), sampling::LevelRule::highest);
+    EXPECT_EQ(sampling::levelRule("Min"), sampling::LevelRule::lowest);
+    EXPECT_EQ(sampling::levelRule("administer"), sampling::LevelRule::lowest);
+    EXPECT_EQ(sampling::levelRule("Min Max"), sampling::LevelRule::highest);
 }
 
 // --- One cell --------------------------------------------------------------------------------------------------------
@@ -49,7 +49,7 @@ TEST(LevelRule, IsToldByWordsAnywhereInTheOptionsAndMaxWins)
 TEST(LevelOfCell, RoundsFromAHalfMapUnitOn)
 {
     const Numbered made;
-    const auto level = [&](double x, double y) { return levelOfCell(made.header, made.cells, x, y).value; };
+    const auto level = [&](double x, double y) { return sampling::levelOfCell(made.header, made.cells, x, y).value; };
     EXPECT_EQ(level(4.3, 4.4), 44);
     EXPECT_EQ(level(4.5, 4.5), 44); // a half is not above a half
     EXPECT_EQ(level(4.51, 4.4), 45);
@@ -62,11 +62,11 @@ TEST(LevelOfCell, ComparesWithMapUnitsWhateverTheCellSize)
 {
     const Numbered large(10.0F);
     // Half of a cell of 10 is 5, yet 0.6 beyond its start goes to the next index.
-    EXPECT_EQ(levelOfCell(large.header, large.cells, 40.4, 40.4).value, 44);
-    EXPECT_EQ(levelOfCell(large.header, large.cells, 40.6, 40.4).value, 45);
+    EXPECT_EQ(sampling::levelOfCell(large.header, large.cells, 40.4, 40.4).value, 44);
+    EXPECT_EQ(sampling::levelOfCell(large.header, large.cells, 40.6, 40.4).value, 45);
     const Numbered small(0.5F);
     // What is left of a cell of 0.5 is never above 0.5.
-    EXPECT_EQ(levelOfCell(small.header, small.cells, 2.49, 2.0).value, 44);
+    EXPECT_EQ(sampling::levelOfCell(small.header, small.cells, 2.49, 2.0).value, 44);
 }
 
 TEST(LevelOfCell, OutsideTheGridIs99999)
@@ -74,7 +74,7 @@ TEST(LevelOfCell, OutsideTheGridIs99999)
     const Numbered made;
     for (const auto& [x, y] : {std::pair(0.4, 5.0), std::pair(9.6, 5.0), std::pair(5.0, 0.4), std::pair(5.0, 9.6),
                                std::pair(-0.7, 5.0), std::pair(1e300, 5.0), std::pair(5.0, std::nan(""))}) {
-        const GroundLevel level = levelOfCell(made.header, made.cells, x, y);
+        const sampling::GroundLevel level = sampling::levelOfCell(made.header, made.cells, x, y);
         EXPECT_TRUE(level.outside) << x << " " << y;
         EXPECT_EQ(level.value, 99999.0F);
     }
@@ -84,34 +84,35 @@ TEST(LevelOfCell, GivesNullAsItStands)
 {
     Numbered made;
     made.cells(4, 4) = kNullCell;
-    const GroundLevel level = levelOfCell(made.header, made.cells, 4, 4);
+    const sampling::GroundLevel level = sampling::levelOfCell(made.header, made.cells, 4, 4);
     EXPECT_EQ(level.value, kNullCell);
     EXPECT_FALSE(level.outside);
 }
 
 // --- Four cells ------------------------------------------------------------------------------------------------------
 
-float ofFour(const Numbered& made, double x, double y, LevelRule rule)
+float ofFour(const Numbered& made, double x, double y, sampling::LevelRule rule)
 {
-    return levelOfFourCells(made.header, made.cells, x, y, rule).value;
+    return sampling::levelOfFourCells(made.header, made.cells, x, y, rule).value;
 }
 
 TEST(LevelOfFourCells, TakesTheCellOfThePointAndItsNorthEastNeighbours)
 {
     const Numbered made;
-    EXPECT_EQ(ofFour(made, 4.9, 5.1, LevelRule::highest), 65); // rows 5 and 6, columns 4 and 5
-    EXPECT_EQ(ofFour(made, 4.9, 5.1, LevelRule::lowest), 54);
-    EXPECT_EQ(ofFour(made, 4.9, 5.1, LevelRule::mean), (54 + 55 + 64 + 65) / 4.0F);
+    EXPECT_EQ(ofFour(made, 4.9, 5.1, sampling::LevelRule::highest), 65); // rows 5 and 6, columns 4 and 5
+    EXPECT_EQ(ofFour(made, 4.9, 5.1, sampling::LevelRule::lowest), 54);
+    EXPECT_EQ(ofFour(made, 4.9, 5.1, sampling::LevelRule::mean), (54 + 55 + 64 + 65) / 4.0F);
 }
 
 TEST(LevelOfFourCells, LeavesNullsOutAndIsNullWhereAllAre)
 {
     Numbered made;
     made.cells(5, 4) = kNullCell;
-    EXPECT_EQ(ofFour(made, 4, 5, LevelRule::mean), (55 + 64 + 65) / 3.0F);
-    EXPECT_EQ(ofFour(made, 4, 5, LevelRule::lowest), 55);
+    EXPECT_EQ(ofFour(made, 4, 5, sampling::LevelRule::mean), (55 + 64 + 65) / 3.0F);
+    EXPECT_EQ(ofFour(made, 4, 5, sampling::LevelRule::lowest), 55);
     made.cells(5, 5) = made.cells(6, 4) = made.cells(6, 5) = kNullCell;
-    const GroundLevel level = levelOfFourCells(made.header, made.cells, 4, 5, LevelRule::mean);
+    const sampling::GroundLevel level =
+        sampling::levelOfFourCells(made.header, made.cells, 4, 5, sampling::LevelRule::mean);
     EXPECT_EQ(level.value, kNullCell);
     EXPECT_EQ(level.count, 0);
     EXPECT_FALSE(level.outside);
@@ -120,11 +121,12 @@ TEST(LevelOfFourCells, LeavesNullsOutAndIsNullWhereAllAre)
 TEST(LevelOfFourCells, NeedsAllFourInTheGrid)
 {
     const Numbered made;
-    EXPECT_EQ(ofFour(made, 1, 1, LevelRule::lowest), 11);
-    EXPECT_EQ(ofFour(made, 8.9, 8.9, LevelRule::highest), 99);
+    EXPECT_EQ(ofFour(made, 1, 1, sampling::LevelRule::lowest), 11);
+    EXPECT_EQ(ofFour(made, 8.9, 8.9, sampling::LevelRule::highest), 99);
     for (const auto& [x, y] : {std::pair(0.9, 5.0), std::pair(5.0, 0.9), std::pair(9.0, 5.0), std::pair(5.0, 9.0),
                                std::pair(1e300, 5.0), std::pair(std::nan(""), 5.0)}) {
-        EXPECT_TRUE(levelOfFourCells(made.header, made.cells, x, y, LevelRule::mean).outside) << x << " " << y;
+        EXPECT_TRUE(sampling::levelOfFourCells(made.header, made.cells, x, y, sampling::LevelRule::mean).outside)
+            << x << " " << y;
     }
 }
 
@@ -133,10 +135,10 @@ TEST(LevelOfFourCells, SumsInSinglePrecisionFromTheSouthWest)
     Numbered made;
     made.cells(1, 1) = 16777216.0F;
     made.cells(1, 2) = made.cells(2, 1) = made.cells(2, 2) = 1.0F;
-    EXPECT_EQ(ofFour(made, 1, 1, LevelRule::mean), 4194304.0F); // each 1 is lost in a sum of 2^24
+    EXPECT_EQ(ofFour(made, 1, 1, sampling::LevelRule::mean), 4194304.0F); // each 1 is lost in a sum of 2^24
     made.cells(1, 1) = 1.0F;
     made.cells(2, 2) = 16777216.0F;
-    EXPECT_EQ(ofFour(made, 1, 1, LevelRule::mean), 4194305.0F); // 2^24 + 3 becomes 2^24 + 4
+    EXPECT_EQ(ofFour(made, 1, 1, sampling::LevelRule::mean), 4194305.0F); // 2^24 + 3 becomes 2^24 + 4
 }
 
 // --- Across the line -------------------------------------------------------------------------------------------------
@@ -144,18 +146,18 @@ TEST(LevelOfFourCells, SumsInSinglePrecisionFromTheSouthWest)
 TEST(LevelAcross, TakesTheSamplesInTheGridAndTheirCells)
 {
     Numbered made;
-    const AcrossLine north = acrossLine(made.header, 4, 5, 90.0F);
-    const auto level = [&](std::int32_t k, LevelRule rule) {
-        return levelAcross(north, made.header, made.cells, {-k, k}, rule);
+    const run::AcrossLine north = run::acrossLine(made.header, 4, 5, 90.0F);
+    const auto level = [&](std::int32_t k, sampling::LevelRule rule) {
+        return sampling::levelAcross(north, made.header, made.cells, {-k, k}, rule);
     };
-    EXPECT_EQ(level(1, LevelRule::mean).value, (44 + 54 + 64) / 3.0F);
-    EXPECT_EQ(level(1, LevelRule::mean).count, 3);
-    const GroundLevel highest = level(3, LevelRule::highest);
+    EXPECT_EQ(level(1, sampling::LevelRule::mean).value, (44 + 54 + 64) / 3.0F);
+    EXPECT_EQ(level(1, sampling::LevelRule::mean).count, 3);
+    const sampling::GroundLevel highest = level(3, sampling::LevelRule::highest);
     EXPECT_EQ(highest.value, 84);
     EXPECT_EQ(highest.x, 3.5); // the centre of the cell
     EXPECT_EQ(highest.y, 7.5);
     made.cells(1, 4) = kNullCell;
-    const GroundLevel lowest = level(50, LevelRule::lowest); // to rows 1 and 9
+    const sampling::GroundLevel lowest = level(50, sampling::LevelRule::lowest); // to rows 1 and 9
     EXPECT_EQ(lowest.value, 24);
     EXPECT_EQ(lowest.y, 1.5);
     EXPECT_EQ(lowest.count, 8);
@@ -167,9 +169,10 @@ TEST(LevelAcross, KeepsTheFirstOfEqualCells)
     for (float& cell : made.cells.cells()) {
         cell = 7;
     }
-    const AcrossLine north = acrossLine(made.header, 4, 5, 90.0F);
-    EXPECT_EQ(levelAcross(north, made.header, made.cells, {-2, 2}, LevelRule::highest).y, 2.5); // row 3, by k = -2
-    EXPECT_EQ(levelAcross(north, made.header, made.cells, {-2, 2}, LevelRule::lowest).y, 2.5);
+    const run::AcrossLine north = run::acrossLine(made.header, 4, 5, 90.0F);
+    EXPECT_EQ(sampling::levelAcross(north, made.header, made.cells, {-2, 2}, sampling::LevelRule::highest).y,
+              2.5); // row 3, by k = -2
+    EXPECT_EQ(sampling::levelAcross(north, made.header, made.cells, {-2, 2}, sampling::LevelRule::lowest).y, 2.5);
 }
 
 TEST(LevelAcross, IsOutsideWhereNoSampleHasAValue)
@@ -178,23 +181,26 @@ TEST(LevelAcross, IsOutsideWhereNoSampleHasAValue)
     for (float& cell : made.cells.cells()) {
         cell = kNullCell;
     }
-    const AcrossLine north = acrossLine(made.header, 4, 5, 90.0F);
-    const GroundLevel level = levelAcross(north, made.header, made.cells, {-2, 2}, LevelRule::highest);
+    const run::AcrossLine north = run::acrossLine(made.header, 4, 5, 90.0F);
+    const sampling::GroundLevel level =
+        sampling::levelAcross(north, made.header, made.cells, {-2, 2}, sampling::LevelRule::highest);
     EXPECT_TRUE(level.outside);
     EXPECT_EQ(level.value, 99999.0F);
     EXPECT_EQ(level.count, 0);
     const Numbered filled;
-    EXPECT_TRUE(
-        levelAcross(acrossLine(filled.header, 40, 5, 90.0F), filled.header, filled.cells, {-2, 2}, LevelRule::mean)
-            .outside);
+    EXPECT_TRUE(sampling::levelAcross(run::acrossLine(filled.header, 40, 5, 90.0F), filled.header, filled.cells,
+                                      {-2, 2}, sampling::LevelRule::mean)
+                    .outside);
 }
 
 // --- In a circle -----------------------------------------------------------------------------------------------------
 
-GroundLevel inCircle(const GridHeader& header, const Grid& cells, double x, double y, float width, LevelRule rule)
+sampling::GroundLevel inCircle(const GridHeader& header, const Grid& cells, double x, double y, float width,
+                               sampling::LevelRule rule)
 {
-    InsideWalk walk;
-    return levelInCircle(searchPolygon(x, y, width), searchWindow(header, x, y, width), header, cells, rule, walk);
+    sampling::InsideWalk walk;
+    return sampling::levelInCircle(sampling::searchPolygon(x, y, width), run::searchWindow(header, x, y, width), header,
+                                   cells, rule, walk);
 }
 
 TEST(LevelInCircle, TakesTheCellsWhoseCentresAreInside)
@@ -202,15 +208,17 @@ TEST(LevelInCircle, TakesTheCellsWhoseCentresAreInside)
     Numbered made;
     // Around the centre of cell (5, 5) its eight neighbours lie up to 1.42 away; the sides of the polygon lie 1.9 cos 15
     // = 1.83 away, and the next centres 2.
-    const auto level = [&](LevelRule rule) { return inCircle(made.header, made.cells, 4.5, 4.5, 3.8F, rule); };
-    EXPECT_EQ(level(LevelRule::mean).value, 55);
-    EXPECT_EQ(level(LevelRule::mean).count, 9);
-    const GroundLevel highest = level(LevelRule::highest);
+    const auto level = [&](sampling::LevelRule rule) {
+        return inCircle(made.header, made.cells, 4.5, 4.5, 3.8F, rule);
+    };
+    EXPECT_EQ(level(sampling::LevelRule::mean).value, 55);
+    EXPECT_EQ(level(sampling::LevelRule::mean).count, 9);
+    const sampling::GroundLevel highest = level(sampling::LevelRule::highest);
     EXPECT_EQ(highest.value, 66);
     EXPECT_EQ(highest.x, 5.5);
     EXPECT_EQ(highest.y, 5.5);
     made.cells(4, 4) = kNullCell;
-    const GroundLevel lowest = level(LevelRule::lowest);
+    const sampling::GroundLevel lowest = level(sampling::LevelRule::lowest);
     EXPECT_EQ(lowest.value, 45);
     EXPECT_EQ(lowest.x, 4.5);
     EXPECT_EQ(lowest.y, 3.5);
@@ -220,38 +228,39 @@ TEST(LevelInCircle, TakesTheCellsWhoseCentresAreInside)
 TEST(LevelInCircle, IsOutsideByItsWindowAndNullByItsCells)
 {
     Numbered made;
-    EXPECT_TRUE(inCircle(made.header, made.cells, 2.8, 4.5, 3.8F, LevelRule::mean).outside); // column 0.9
-    EXPECT_FALSE(inCircle(made.header, made.cells, 2.9, 4.5, 3.8F, LevelRule::mean).outside);
-    EXPECT_FALSE(inCircle(made.header, made.cells, 7.1, 4.5, 3.8F, LevelRule::mean).outside); // to 9
-    EXPECT_TRUE(inCircle(made.header, made.cells, 7.2, 4.5, 3.8F, LevelRule::mean).outside);  // to 9.1
+    EXPECT_TRUE(inCircle(made.header, made.cells, 2.8, 4.5, 3.8F, sampling::LevelRule::mean).outside); // column 0.9
+    EXPECT_FALSE(inCircle(made.header, made.cells, 2.9, 4.5, 3.8F, sampling::LevelRule::mean).outside);
+    EXPECT_FALSE(inCircle(made.header, made.cells, 7.1, 4.5, 3.8F, sampling::LevelRule::mean).outside); // to 9
+    EXPECT_TRUE(inCircle(made.header, made.cells, 7.2, 4.5, 3.8F, sampling::LevelRule::mean).outside);  // to 9.1
     for (float& cell : made.cells.cells()) {
         cell = kNullCell;
     }
-    const GroundLevel level = inCircle(made.header, made.cells, 4.5, 4.5, 3.8F, LevelRule::highest);
+    const sampling::GroundLevel level = inCircle(made.header, made.cells, 4.5, 4.5, 3.8F, sampling::LevelRule::highest);
     EXPECT_FALSE(level.outside);
     EXPECT_EQ(level.value, kNullCell);
     EXPECT_EQ(level.count, 0);
 }
 
 // The plain twin: each cell of the window by itself.
-GroundLevel inCirclePlainly(const GridHeader& h, const Grid& cells, double x, double y, float width, LevelRule rule)
+sampling::GroundLevel inCirclePlainly(const GridHeader& h, const Grid& cells, double x, double y, float width,
+                                      sampling::LevelRule rule)
 {
-    const SearchPolygon polygon = searchPolygon(x, y, width);
-    const CellWindow w = searchWindow(h, x, y, width);
-    GroundLevel level;
+    const sampling::SearchPolygon polygon = sampling::searchPolygon(x, y, width);
+    const run::CellWindow w = run::searchWindow(h, x, y, width);
+    sampling::GroundLevel level;
     float sum = 0;
     for (std::int32_t r = w.firstRow; r <= w.lastRow; ++r) {
         for (std::int32_t c = w.firstColumn; c <= w.lastColumn; ++c) {
             const double px = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8 - 0.5 * h.cellsize8;
             const double py = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8 - 0.5 * h.cellsize8;
             const float value = cells(r, c);
-            if (!insideSearchPolygon(polygon, px, py) || value == h.null) {
+            if (!sampling::insideSearchPolygon(polygon, px, py) || value == h.null) {
                 continue;
             }
             ++level.count;
             sum += value;
-            const bool better = rule == LevelRule::highest ? value > level.value : value < level.value;
-            if (rule != LevelRule::mean && (level.count == 1 || better)) {
+            const bool better = rule == sampling::LevelRule::highest ? value > level.value : value < level.value;
+            if (rule != sampling::LevelRule::mean && (level.count == 1 || better)) {
                 level.value = value;
                 level.x = px;
                 level.y = py;
@@ -260,7 +269,7 @@ GroundLevel inCirclePlainly(const GridHeader& h, const Grid& cells, double x, do
     }
     if (level.count == 0) {
         level.value = h.null;
-    } else if (rule == LevelRule::mean) {
+    } else if (rule == sampling::LevelRule::mean) {
         level.value = sum / static_cast<float>(level.count);
     }
     return level;
@@ -281,15 +290,16 @@ TEST(LevelInCircle, GivesTheBitsOfThePlainLoop)
         const double x = made.header.xll + std::floor(unit(random) * 160) * 0.25;
         const double y = made.header.yll + std::floor(unit(random) * 160) * 0.25;
         const auto width = static_cast<float>(unit(random) * 30);
-        if (!isWithinGrid(searchWindow(made.header, x, y, width), made.header)) {
+        if (!run::isWithinGrid(run::searchWindow(made.header, x, y, width), made.header)) {
             continue;
         }
-        for (const LevelRule rule : {LevelRule::mean, LevelRule::highest, LevelRule::lowest}) {
-            const GroundLevel found = inCircle(made.header, made.cells, x, y, width, rule);
-            const GroundLevel plain = inCirclePlainly(made.header, made.cells, x, y, width, rule);
+        for (const sampling::LevelRule rule :
+             {sampling::LevelRule::mean, sampling::LevelRule::highest, sampling::LevelRule::lowest}) {
+            const sampling::GroundLevel found = inCircle(made.header, made.cells, x, y, width, rule);
+            const sampling::GroundLevel plain = inCirclePlainly(made.header, made.cells, x, y, width, rule);
             ASSERT_EQ(found.value, plain.value) << round;
             ASSERT_EQ(found.count, plain.count) << round;
-            if (rule != LevelRule::mean && plain.count > 0) {
+            if (rule != sampling::LevelRule::mean && plain.count > 0) {
                 ASSERT_EQ(found.x, plain.x) << round;
                 ASSERT_EQ(found.y, plain.y) << round;
                 ++compared;

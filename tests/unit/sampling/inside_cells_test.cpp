@@ -42,7 +42,7 @@ TEST(SampledRegion, TakesTheVerticesAsReadAndTheirBounds)
     gis::Coordinates read = ringOf({3, 7, 5}, {4, 5, 9});
     read.reserve(20); // what lies behind the vertices does not count
     read.x[7] = 1e6;
-    const SampledRegion region = sampledRegion(read);
+    const sampling::SampledRegion region = sampling::sampledRegion(read);
     EXPECT_THAT(region.x, ElementsAre(3, 7, 5, 3, 7));
     EXPECT_THAT(region.y, ElementsAre(4, 5, 9, 4, 5));
     EXPECT_EQ(region.xmin, 3);
@@ -53,7 +53,7 @@ TEST(SampledRegion, TakesTheVerticesAsReadAndTheirBounds)
 
 TEST(SampledRegion, BoundsStartFromWhereTheyAreTold)
 {
-    const SampledRegion region = sampledRegion(ringOf({30, 70, 50}, {-40, -50, -90}), 20);
+    const sampling::SampledRegion region = sampling::sampledRegion(ringOf({30, 70, 50}, {-40, -50, -90}), 20);
     EXPECT_EQ(region.xmin, 20);
     EXPECT_EQ(region.xmax, 70);
     EXPECT_EQ(region.ymin, -90);
@@ -63,7 +63,8 @@ TEST(SampledRegion, BoundsStartFromWhereTheyAreTold)
 TEST(RegionWindow, TruncatesBothBounds)
 {
     const GridHeader header = headerOf(10, 10, 100, 200, 2);
-    const CellWindow w = regionWindow(sampledRegion(ringOf({103, 107.9, 105}, {204, 205, 209})), header);
+    const run::CellWindow w =
+        sampling::regionWindow(sampling::sampledRegion(ringOf({103, 107.9, 105}, {204, 205, 209})), header);
     EXPECT_EQ(w.firstColumn, 1); // 3 / 2
     EXPECT_EQ(w.lastColumn, 4);  // 7.9 / 2 + 1
     EXPECT_EQ(w.firstRow, 2);    // 4 / 2
@@ -72,8 +73,8 @@ TEST(RegionWindow, TruncatesBothBounds)
 
 TEST(RegionWindow, LeftOfTheGridTruncatesTowardsZero)
 {
-    const CellWindow w =
-        regionWindow(sampledRegion(ringOf({-1.5, 0.5, 0.5}, {-0.5, -2.5, 0.5})), headerOf(10, 10, 0, 0, 1));
+    const run::CellWindow w = sampling::regionWindow(
+        sampling::sampledRegion(ringOf({-1.5, 0.5, 0.5}, {-0.5, -2.5, 0.5})), headerOf(10, 10, 0, 0, 1));
     EXPECT_EQ(w.firstColumn, -1);
     EXPECT_EQ(w.lastColumn, 1);
     EXPECT_EQ(w.firstRow, -2);
@@ -82,8 +83,8 @@ TEST(RegionWindow, LeftOfTheGridTruncatesTowardsZero)
 
 TEST(RegionWindow, FarCoordinatesStayInTheIntegers)
 {
-    const CellWindow w =
-        regionWindow(sampledRegion(ringOf({-1e300, 1e300, 0}, {-1e300, 1e300, 0})), headerOf(10, 10, 0, 0, 1));
+    const run::CellWindow w = sampling::regionWindow(
+        sampling::sampledRegion(ringOf({-1e300, 1e300, 0}, {-1e300, 1e300, 0})), headerOf(10, 10, 0, 0, 1));
     EXPECT_EQ(w.firstColumn, std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(w.lastColumn, std::numeric_limits<std::int32_t>::max());
 }
@@ -95,12 +96,14 @@ struct CellRun {
     bool operator==(const CellRun&) const = default;
 };
 
-std::vector<CellRun> runsOf(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk)
+std::vector<CellRun> runsOf(const GridHeader& header, const run::CellWindow& window, sampling::CellPlace place,
+                            sampling::InsideWalk& walk)
 {
     std::vector<CellRun> runs;
-    forEachInsideRun(header, window, place, walk, [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-        runs.push_back({row, first, count});
-    });
+    sampling::forEachInsideRun(header, window, place, walk,
+                               [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                                   runs.push_back({row, first, count});
+                               });
     return runs;
 }
 
@@ -109,20 +112,21 @@ TEST(InsideRuns, GoByRowsFromTheSouthAndFromTheWest)
     //   y          a U: two prongs above row 3
     //   6  #  #    (the corners of columns 2 and 6)
     //   3  ####
-    const SampledRegion region =
-        sampledRegion(ringOf({1.5, 6.5, 6.5, 5.5, 5.5, 2.5, 2.5, 1.5}, {1.5, 1.5, 6.5, 6.5, 3.5, 3.5, 6.5, 6.5}));
+    const sampling::SampledRegion region = sampling::sampledRegion(
+        ringOf({1.5, 6.5, 6.5, 5.5, 5.5, 2.5, 2.5, 1.5}, {1.5, 1.5, 6.5, 6.5, 3.5, 3.5, 6.5, 6.5}));
     const GridHeader header = headerOf(9, 9, 0, 0, 1);
-    InsideWalk walk;
-    prepareWalk(region, walk);
-    EXPECT_THAT(runsOf(header, regionWindow(region, header), CellPlace::northEastCorner, walk),
+    sampling::InsideWalk walk;
+    sampling::prepareWalk(region, walk);
+    EXPECT_THAT(runsOf(header, sampling::regionWindow(region, header), sampling::CellPlace::northEastCorner, walk),
                 ElementsAre(CellRun{2, 2, 5}, CellRun{3, 2, 5}, CellRun{4, 2, 1}, CellRun{4, 6, 1}, CellRun{5, 2, 1},
                             CellRun{5, 6, 1}, CellRun{6, 2, 1}, CellRun{6, 6, 1}));
     // The centres of a grid that starts at 0.25 lie at 1.75 to 5.75 in columns 2 to 6, those of row 3 at 2.5.
-    CellWindow one;
+    run::CellWindow one;
     one.firstRow = one.lastRow = 3;
     one.firstColumn = 1;
     one.lastColumn = 9;
-    EXPECT_THAT(runsOf(headerOf(9, 9, 0.25, 0, 1), one, CellPlace::centre, walk), ElementsAre(CellRun{3, 2, 5}));
+    EXPECT_THAT(runsOf(headerOf(9, 9, 0.25, 0, 1), one, sampling::CellPlace::centre, walk),
+                ElementsAre(CellRun{3, 2, 5}));
 }
 
 TEST(InsideRuns, AgreeWithThePlainTestOfEachCell)
@@ -130,37 +134,38 @@ TEST(InsideRuns, AgreeWithThePlainTestOfEachCell)
     std::mt19937 random(5);
     const auto upTo = [&](int n) { return static_cast<double>(random() % static_cast<unsigned>(n)); };
     std::size_t inside = 0;
-    InsideWalk walk;
+    sampling::InsideWalk walk;
     for (int round = 0; round < 400; ++round) {
         const bool large = round % 2 == 0;
         const GridHeader header =
             headerOf(30, 40, large ? 293000.25 : 0, large ? 6178000.5 : 0, round % 3 == 0 ? 0.7F : 1.0F);
-        CellWindow window;
+        run::CellWindow window;
         window.firstRow = 1 + static_cast<std::int32_t>(upTo(4));
         window.firstColumn = 1 + static_cast<std::int32_t>(upTo(4));
         window.lastRow = header.nrows;
         window.lastColumn = header.ncols;
-        const CellPlace place = round % 5 < 2 ? CellPlace::centre : CellPlace::northEastCorner;
+        const sampling::CellPlace place =
+            round % 5 < 2 ? sampling::CellPlace::centre : sampling::CellPlace::northEastCorner;
         std::vector<double> x;
         std::vector<double> y;
         for (int k = 0; k < 3 + round % 12; ++k) { // steps of a half meet corners, edges and each other
             x.push_back(header.xll + upTo(70) * 0.5);
             y.push_back(header.yll + upTo(50) * 0.5);
         }
-        const SampledRegion region = sampledRegion(ringOf(x, y));
-        const SearchPolygon circle = searchPolygon(x[0], y[0], static_cast<float>(upTo(30)));
+        const sampling::SampledRegion region = sampling::sampledRegion(ringOf(x, y));
+        const sampling::SearchPolygon circle = sampling::searchPolygon(x[0], y[0], static_cast<float>(upTo(30)));
         const bool round12 = round % 7 == 0;
-        round12 ? prepareWalk(circle, walk) : prepareWalk(region, walk);
+        round12 ? sampling::prepareWalk(circle, walk) : sampling::prepareWalk(region, walk);
         std::vector<CellRun> wanted;
         for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
             for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-                const double half = place == CellPlace::centre ? 0.5 * header.cellsize8 : 0;
+                const double half = place == sampling::CellPlace::centre ? 0.5 * header.cellsize8 : 0;
                 const double px =
                     header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8 - half;
                 const double py = header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8 - half;
                 const auto np = static_cast<std::int32_t>(region.x.size());
                 const std::array<std::int32_t, 1> ir = {np - 1};
-                if (round12 ? !insideSearchPolygon(circle, px, py)
+                if (round12 ? !sampling::insideSearchPolygon(circle, px, py)
                             : !INSIDE_POLYGON_8(px, py, region.x, region.y, np, region.xmin, ir, 1)) {
                     continue;
                 }

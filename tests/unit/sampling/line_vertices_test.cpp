@@ -26,69 +26,72 @@ gis::Coordinates lineOf(std::vector<double> x, std::vector<double> y)
 
 TEST(InsertVertices, ASegmentOfExactlyTheSpacingGetsNone)
 {
-    const LineVertices line = insertVertices(lineOf({0, 10}, {5, 5}), 10.0F, kEnough);
+    const sampling::LineVertices line = sampling::insertVertices(lineOf({0, 10}, {5, 5}), 10.0F, kEnough);
     EXPECT_THAT(line.x, ElementsAre(0, 10));
     EXPECT_THAT(line.y, ElementsAre(5, 5));
 }
 
 TEST(InsertVertices, ASegmentOfTwoAndAHalfSpacingsGetsTwo)
 {
-    const LineVertices line = insertVertices(lineOf({0, 0}, {0, 25}), 10.0F, kEnough);
+    const sampling::LineVertices line = sampling::insertVertices(lineOf({0, 0}, {0, 25}), 10.0F, kEnough);
     EXPECT_THAT(line.y, ElementsAre(0, 25 * (1.0 / 3.0), 25 * (2.0 / 3.0), 25));
 }
 
 TEST(InsertVertices, EachSegmentIsDividedByItself)
 {
-    const LineVertices line = insertVertices(lineOf({0, 12, 15, 27}, {0, 0, 4, 4}), 6.0F, kEnough);
+    const sampling::LineVertices line = sampling::insertVertices(lineOf({0, 12, 15, 27}, {0, 0, 4, 4}), 6.0F, kEnough);
     EXPECT_THAT(line.x, ElementsAre(0, 4, 8, 12, 15, 19, 23, 27)); // 12 is twice the spacing: two more, so thirds
     EXPECT_THAT(line.y, ElementsAre(0, 0, 0, 0, 4, 4, 4, 4));
 }
 
 TEST(InsertVertices, ANegativeOrMissingSpacingInsertsNothing)
 {
-    EXPECT_EQ(insertVertices(lineOf({0, 12}, {0, 0}), -1.0F, kEnough).count(), 2U);
-    EXPECT_EQ(insertVertices(lineOf({0, 12}, {0, 0}), std::numeric_limits<float>::quiet_NaN(), kEnough).count(), 2U);
-    EXPECT_EQ(insertVertices(lineOf({3, 3}, {4, 4}), 0.0F, kEnough).count(), 2U); // no length, so nothing to divide
+    EXPECT_EQ(sampling::insertVertices(lineOf({0, 12}, {0, 0}), -1.0F, kEnough).count(), 2U);
+    EXPECT_EQ(
+        sampling::insertVertices(lineOf({0, 12}, {0, 0}), std::numeric_limits<float>::quiet_NaN(), kEnough).count(),
+        2U);
+    EXPECT_EQ(sampling::insertVertices(lineOf({3, 3}, {4, 4}), 0.0F, kEnough).count(),
+              2U); // no length, so nothing to divide
 }
 
 TEST(InsertVertices, TakesLinesOfOneVertexAndNone)
 {
-    EXPECT_THAT(insertVertices(lineOf({3}, {4}), 1.0F, kEnough).x, ElementsAre(3));
-    EXPECT_EQ(insertVertices(gis::Coordinates{}, 1.0F, kEnough).count(), 0U);
+    EXPECT_THAT(sampling::insertVertices(lineOf({3}, {4}), 1.0F, kEnough).x, ElementsAre(3));
+    EXPECT_EQ(sampling::insertVertices(gis::Coordinates{}, 1.0F, kEnough).count(), 0U);
 }
 
 TEST(InsertVertices, AsManyVerticesAsAllowedPassAndOneMoreEndsTheRun)
 {
     const gis::Coordinates line = lineOf({0, 12, 15}, {0, 0, 4});
-    EXPECT_EQ(insertVertices(line, 6.0F, 5).count(), 5U); // two go into the segment of 12
+    EXPECT_EQ(sampling::insertVertices(line, 6.0F, 5).count(), 5U); // two go into the segment of 12
     const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [&line] { insertVertices(line, 6.0F, 4); });
+    const ChildRun run = runInChild(folder, [&line] { sampling::insertVertices(line, 6.0F, 4); });
     EXPECT_EQ(run.console, "ERROR - Number of vertices in polyline exceeds maximum: 4\n\nPress Enter to Close\n");
 }
 
 TEST(LineAngle, EndsFollowTheirSegmentAndVerticesBetweenTheirNeighbours)
 {
-    const LineVertices line{{0, 2, 2}, {0, 0, 2}};
-    EXPECT_EQ(lineAngle(line, 0), 0.0F);
-    EXPECT_EQ(lineAngle(line, 1), 45.0F);
-    EXPECT_EQ(lineAngle(line, 2), 90.0F);
+    const sampling::LineVertices line{{0, 2, 2}, {0, 0, 2}};
+    EXPECT_EQ(sampling::lineAngle(line, 0), 0.0F);
+    EXPECT_EQ(sampling::lineAngle(line, 1), 45.0F);
+    EXPECT_EQ(sampling::lineAngle(line, 2), 90.0F);
 }
 
 TEST(LineAngle, ALineOfOneSegmentHasOneAngle)
 {
-    const LineVertices line{{0, -3}, {0, 0}};
-    EXPECT_EQ(lineAngle(line, 0), 180.0F);
-    EXPECT_EQ(lineAngle(line, 1), 180.0F);
-    EXPECT_EQ(lineAngle({{5}, {7}}, 0), 0.0F);
+    const sampling::LineVertices line{{0, -3}, {0, 0}};
+    EXPECT_EQ(sampling::lineAngle(line, 0), 180.0F);
+    EXPECT_EQ(sampling::lineAngle(line, 1), 180.0F);
+    EXPECT_EQ(sampling::lineAngle({{5}, {7}}, 0), 0.0F);
 }
 
 TEST(PerpendicularAngle, IsA90DegreesTurnToTheLeft)
 {
-    EXPECT_EQ(perpendicularAngle(0.0F), 90.0F);
-    EXPECT_EQ(perpendicularAngle(180.0F), 270.0F);
-    EXPECT_EQ(perpendicularAngle(-135.0F), -45.0F);
-    EXPECT_EQ(perpendicularAngle(271.0F), 1.0F);
-    EXPECT_EQ(perpendicularAngle(270.0F), 360.0F);
+    EXPECT_EQ(sampling::perpendicularAngle(0.0F), 90.0F);
+    EXPECT_EQ(sampling::perpendicularAngle(180.0F), 270.0F);
+    EXPECT_EQ(sampling::perpendicularAngle(-135.0F), -45.0F);
+    EXPECT_EQ(sampling::perpendicularAngle(271.0F), 1.0F);
+    EXPECT_EQ(sampling::perpendicularAngle(270.0F), 360.0F);
 }
 
 } // namespace

@@ -19,19 +19,20 @@ using testing::FloatEq;
 TEST(HeightLadder, StartsAMillimetreUpAndGoesOnByTenths)
 {
     // floor(1.002 x 10) = 10, and one more: 11 tenths.
-    EXPECT_THAT(heightLadder(1.0F, 1.25F), ElementsAre(FloatEq(1.001F), FloatEq(1.1F), FloatEq(1.2F), FloatEq(1.3F)));
+    EXPECT_THAT(sampling::heightLadder(1.0F, 1.25F),
+                ElementsAre(FloatEq(1.001F), FloatEq(1.1F), FloatEq(1.2F), FloatEq(1.3F)));
     // A maximum below the second height still gets a third: only steps are compared with it.
-    EXPECT_THAT(heightLadder(1.0F, 1.05F), ElementsAre(FloatEq(1.001F), FloatEq(1.1F), FloatEq(1.2F)));
+    EXPECT_THAT(sampling::heightLadder(1.0F, 1.05F), ElementsAre(FloatEq(1.001F), FloatEq(1.1F), FloatEq(1.2F)));
     // 1.0985 + 0.002 passes the tenth: floor(11.005) + 1 = 12.
-    EXPECT_THAT(heightLadder(1.0985F, 1.11F), ElementsAre(FloatEq(1.0995F), FloatEq(1.2F), FloatEq(1.3F)));
+    EXPECT_THAT(sampling::heightLadder(1.0985F, 1.11F), ElementsAre(FloatEq(1.0995F), FloatEq(1.2F), FloatEq(1.3F)));
     // floor(-50.48) + 1 = -50.
-    EXPECT_THAT(heightLadder(-5.05F, -4.85F),
+    EXPECT_THAT(sampling::heightLadder(-5.05F, -4.85F),
                 ElementsAre(FloatEq(-5.049F), FloatEq(-5.0F), FloatEq(-4.9F), FloatEq(-4.8F)));
 }
 
 TEST(HeightLadder, IsMadeInSinglePrecisionStepByStep)
 {
-    const std::vector<float> heights = heightLadder(1.0F, 2.85F);
+    const std::vector<float> heights = sampling::heightLadder(1.0F, 2.85F);
     float height = 11.0F / 10.0F;
     for (std::size_t i = 1; i < heights.size(); ++i) {
         ASSERT_EQ(heights[i], height) << i;
@@ -52,16 +53,16 @@ std::vector<int> millimetres(const std::vector<float>& heights)
 TEST(HeightLadder, TheFirstStageEndsAtAWholeHeightPastStepTen)
 {
     // From 1.9 the 11th step is 3.0: quarters follow.
-    auto heights = millimetres(heightLadder(1.85F, 3.3F));
+    auto heights = millimetres(sampling::heightLadder(1.85F, 3.3F));
     EXPECT_EQ(heights.front(), 1900);
     ASSERT_EQ(heights.size(), 14U);
     EXPECT_THAT(std::vector<int>(heights.end() - 4, heights.end()), ElementsAre(2900, 3000, 3250, 3500));
     // From 2.0 the 10th step is 3.0: tenths go on, to 4.0 by the 20th step.
-    heights = millimetres(heightLadder(1.95F, 4.3F));
+    heights = millimetres(sampling::heightLadder(1.95F, 4.3F));
     EXPECT_THAT(std::vector<int>(heights.end() - 4, heights.end()), ElementsAre(3900, 4000, 4250, 4500));
     EXPECT_EQ(heights[11], 3100);
     // From 2.1 the 9th step is 3.0, and the 19th, 4.0, ends the stage one step early.
-    heights = millimetres(heightLadder(2.0F, 4.3F));
+    heights = millimetres(sampling::heightLadder(2.0F, 4.3F));
     EXPECT_EQ(heights[10], 3100);
     EXPECT_THAT(std::vector<int>(heights.end() - 3, heights.end()), ElementsAre(4000, 4250, 4500));
     EXPECT_EQ(heights.size(), 1U + 19 + 2);
@@ -69,13 +70,13 @@ TEST(HeightLadder, TheFirstStageEndsAtAWholeHeightPastStepTen)
 
 TEST(HeightLadder, AWholeHeightAboveTheMaximumEndsTheLadder)
 {
-    const auto heights = millimetres(heightLadder(1.85F, 2.95F));
+    const auto heights = millimetres(sampling::heightLadder(1.85F, 2.95F));
     EXPECT_EQ(heights.back(), 3000);
 }
 
 TEST(HeightLadder, GetsCoarserAndEndsAtAHundredHeights)
 {
-    const auto heights = millimetres(heightLadder(-0.05F, 5000.0F));
+    const auto heights = millimetres(sampling::heightLadder(-0.05F, 5000.0F));
     ASSERT_EQ(heights.size(), 99U); // and the first
     EXPECT_EQ(heights[0], 0);
     EXPECT_EQ(heights[20], 2000);
@@ -93,25 +94,26 @@ TEST(HeightLadder, GetsCoarserAndEndsAtAHundredHeights)
 
 TEST(HeightLadder, FarValuesStayInRange)
 {
-    EXPECT_LE(heightLadder(-1e30F, 1e30F).size(), 100U);
-    EXPECT_LE(heightLadder(1e10F, 2e10F).size(), 100U);
+    EXPECT_LE(sampling::heightLadder(-1e30F, 1e30F).size(), 100U);
+    EXPECT_LE(sampling::heightLadder(1e10F, 2e10F).size(), 100U);
 }
 
 // --- Counting --------------------------------------------------------------------------------------------------------
 
 TEST(CountByHeight, EachValueCountsAtTheFirstHeightThatItDoesNotExceed)
 {
-    const HeightCounts counts =
-        countByHeight(std::vector<float>{0.5F, 1.0F, 1.5F, 2.0F, 2.5F, 4.0F, 4.5F}, std::vector<float>{1, 2, 3, 4});
+    const sampling::HeightCounts counts = sampling::countByHeight(
+        std::vector<float>{0.5F, 1.0F, 1.5F, 2.0F, 2.5F, 4.0F, 4.5F}, std::vector<float>{1, 2, 3, 4});
     EXPECT_THAT(counts.upTo, ElementsAre(2, 4, 5, 6));
     EXPECT_EQ(counts.above, 1);
 }
 
 TEST(CountByHeight, TheFirstHeightHasACellAtLeast)
 {
-    const HeightCounts counts = countByHeight(std::vector<float>{1.5F, 1.7F}, std::vector<float>{1, 2, 3});
+    const sampling::HeightCounts counts =
+        sampling::countByHeight(std::vector<float>{1.5F, 1.7F}, std::vector<float>{1, 2, 3});
     EXPECT_THAT(counts.upTo, ElementsAre(1, 3, 3));
-    EXPECT_THAT(countByHeight({}, std::vector<float>{1, 2}).upTo, ElementsAre(1, 1));
+    EXPECT_THAT(sampling::countByHeight({}, std::vector<float>{1, 2}).upTo, ElementsAre(1, 1));
 }
 
 TEST(CountByHeight, AgreesWithAPlainLoopForHeightsThatFallToo)
@@ -144,7 +146,7 @@ TEST(CountByHeight, AgreesWithAPlainLoopForHeightsThatFallToo)
         for (std::size_t i = 1; i < plain.size(); ++i) {
             plain[i] += plain[i - 1];
         }
-        const HeightCounts counts = countByHeight(values, heights);
+        const sampling::HeightCounts counts = sampling::countByHeight(values, heights);
         ASSERT_EQ(counts.upTo, plain) << round;
         ASSERT_EQ(counts.above, above) << round;
     }
@@ -173,7 +175,7 @@ void make(Made& made, std::int32_t rows, std::int32_t columns)
     }
 }
 
-SampledRegion ring(const std::vector<double>& x, const std::vector<double>& y)
+sampling::SampledRegion ring(const std::vector<double>& x, const std::vector<double>& y)
 {
     gis::Coordinates read;
     for (std::size_t i = 0; i < x.size() + 2; ++i) {
@@ -181,7 +183,7 @@ SampledRegion ring(const std::vector<double>& x, const std::vector<double>& y)
         read.x[i] = x[i % x.size()];
         read.y[i] = y[i % y.size()];
     }
-    return sampledRegion(read);
+    return sampling::sampledRegion(read);
 }
 
 TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
@@ -201,9 +203,9 @@ TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
             x.push_back(1 + upTo(75) * 0.5);
             y.push_back(1 + upTo(55) * 0.5);
         }
-        const SampledRegion region = ring(x, y);
-        const CellWindow window = regionWindow(region, made.header);
-        ASSERT_TRUE(isWithinGrid(window, made.header));
+        const sampling::SampledRegion region = ring(x, y);
+        const run::CellWindow window = sampling::regionWindow(region, made.header);
+        ASSERT_TRUE(run::isWithinGrid(window, made.header));
         std::vector<float> plain;
         const auto np = static_cast<std::int32_t>(region.x.size());
         const std::array<std::int32_t, 1> ir = {np - 1};
@@ -216,7 +218,7 @@ TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
             }
         }
         std::vector<float> values;
-        ASSERT_TRUE(collectInside(region, made.header, made.cells, window, 1200, values));
+        ASSERT_TRUE(sampling::collectInside(region, made.header, made.cells, window, 1200, values));
         ASSERT_EQ(values, plain) << round;
         taken += values.size();
     }
@@ -227,12 +229,12 @@ TEST(CollectInside, TellsWhenThereAreTooMany)
 {
     Made made;
     make(made, 9, 9);
-    const SampledRegion square = ring({1.5, 4.5, 4.5, 1.5}, {1.5, 1.5, 4.5, 4.5}); // 9 corners
-    const CellWindow window = regionWindow(square, made.header);
+    const sampling::SampledRegion square = ring({1.5, 4.5, 4.5, 1.5}, {1.5, 1.5, 4.5, 4.5}); // 9 corners
+    const run::CellWindow window = sampling::regionWindow(square, made.header);
     std::vector<float> values;
-    EXPECT_TRUE(collectInside(square, made.header, made.cells, window, 9, values));
+    EXPECT_TRUE(sampling::collectInside(square, made.header, made.cells, window, 9, values));
     values.clear();
-    EXPECT_FALSE(collectInside(square, made.header, made.cells, window, 8, values));
+    EXPECT_FALSE(sampling::collectInside(square, made.header, made.cells, window, 8, values));
     EXPECT_LE(values.size(), 9U);
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 TEST(SearchPolygon, StartsInTheEastAndGoesRoundEvery30Degrees)
 {
-    const SearchPolygon polygon = searchPolygon(100, 200, 10.0F);
+    const sampling::SearchPolygon polygon = sampling::searchPolygon(100, 200, 10.0F);
     EXPECT_EQ(polygon.x[0], 105);
     EXPECT_EQ(polygon.y[0], 200);
     EXPECT_EQ(polygon.x[3], 100);
@@ -26,7 +26,7 @@ TEST(SearchPolygon, StartsInTheEastAndGoesRoundEvery30Degrees)
 
 TEST(SearchPolygon, OffsetsAreSinglePrecision)
 {
-    const SearchPolygon polygon = searchPolygon(0, 0, 10.0F);
+    const sampling::SearchPolygon polygon = sampling::searchPolygon(0, 0, 10.0F);
     EXPECT_EQ(polygon.x[1], static_cast<double>(5.0F * 0.866025403784438647F));
     EXPECT_NE(polygon.x[1], 5 * 0.866025403784438647);
 }
@@ -34,14 +34,14 @@ TEST(SearchPolygon, OffsetsAreSinglePrecision)
 TEST(SearchPolygon, AroundNowhereHasTheBitsOfTheQuietNotANumber)
 {
     const auto odd = std::bit_cast<double>(0xfff8123456789abcU);
-    const SearchPolygon polygon = searchPolygon(odd, odd, 10.0F);
+    const sampling::SearchPolygon polygon = sampling::searchPolygon(odd, odd, 10.0F);
     EXPECT_EQ(std::bit_cast<std::uint64_t>(polygon.x[5]), 0x7ff8000000000000U);
     EXPECT_EQ(std::bit_cast<std::uint64_t>(polygon.y[13]), 0x7ff8000000000000U);
 }
 
 TEST(SearchPolygon, RepeatsTheFirstTwoVertices)
 {
-    const SearchPolygon polygon = searchPolygon(1, 2, 3.0F);
+    const sampling::SearchPolygon polygon = sampling::searchPolygon(1, 2, 3.0F);
     EXPECT_EQ(polygon.x[12], polygon.x[0]);
     EXPECT_EQ(polygon.y[12], polygon.y[0]);
     EXPECT_EQ(polygon.x[13], polygon.x[1]);
@@ -50,14 +50,14 @@ TEST(SearchPolygon, RepeatsTheFirstTwoVertices)
 
 TEST(SearchPolygon, HasSidesWhereTheCircleBulges)
 {
-    const SearchPolygon polygon = searchPolygon(0, 0, 2.0F);
+    const sampling::SearchPolygon polygon = sampling::searchPolygon(0, 0, 2.0F);
     const double apothem = std::cos(std::acos(-1.0) / 12); // of a polygon of 12 sides around radius 1: 0.966
     const double c = std::cos(std::acos(-1.0) / 12);
     const double s = std::sin(std::acos(-1.0) / 12);
-    EXPECT_TRUE(insideSearchPolygon(polygon, 0.99 * apothem * c, 0.99 * apothem * s));
-    EXPECT_FALSE(insideSearchPolygon(polygon, 1.01 * apothem * c, 1.01 * apothem * s));
-    EXPECT_TRUE(insideSearchPolygon(polygon, 0.1, 0.05));
-    EXPECT_FALSE(insideSearchPolygon(polygon, 0.9, 0.9));
+    EXPECT_TRUE(sampling::insideSearchPolygon(polygon, 0.99 * apothem * c, 0.99 * apothem * s));
+    EXPECT_FALSE(sampling::insideSearchPolygon(polygon, 1.01 * apothem * c, 1.01 * apothem * s));
+    EXPECT_TRUE(sampling::insideSearchPolygon(polygon, 0.1, 0.05));
+    EXPECT_FALSE(sampling::insideSearchPolygon(polygon, 0.9, 0.9));
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 namespace gridforge::test {
 namespace {
 
-SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& y)
+sampling::SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& y)
 {
     gis::Coordinates read;
     for (std::size_t i = 0; i < x.size() + 2; ++i) {
@@ -18,7 +18,7 @@ SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& 
         read.x[i] = x[i % x.size()];
         read.y[i] = y[i % y.size()];
     }
-    return sampledRegion(read);
+    return sampling::sampledRegion(read);
 }
 
 GridHeader headerOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
@@ -34,8 +34,8 @@ GridHeader headerOf(std::int32_t nrows, std::int32_t ncols, double xll, double y
 }
 
 // The plain twin of the kernel: each cell by itself.
-void copyInsidePlainly(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& w,
-                       Grid& output)
+void copyInsidePlainly(const sampling::SampledRegion& region, const GridHeader& header, const Grid& cells,
+                       const run::CellWindow& w, Grid& output)
 {
     const auto np = static_cast<std::int32_t>(region.x.size());
     const std::array<std::int32_t, 1> ir = {np - 1};
@@ -69,8 +69,8 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
             x.push_back(header.xll + upTo(50) * 0.5);
             y.push_back(header.yll + upTo(40) * 0.5);
         }
-        const SampledRegion region = regionOf(x, y);
-        CellWindow w = regionWindow(region, header);
+        const sampling::SampledRegion region = regionOf(x, y);
+        run::CellWindow w = sampling::regionWindow(region, header);
         w.firstRow = std::max(w.firstRow, 1);
         w.lastRow = std::min(w.lastRow, header.nrows);
         w.firstColumn = std::max(w.firstColumn, 1);
@@ -81,7 +81,7 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
         ASSERT_TRUE(plain.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));
         std::ranges::fill(fast.cells(), -1.0F);
         std::ranges::fill(plain.cells(), -1.0F);
-        copyInside(region, header, cells, w, fast);
+        sampling::copyInside(region, header, cells, w, fast);
         copyInsidePlainly(region, header, cells, w, plain);
         ASSERT_TRUE(std::ranges::equal(fast.cells(), plain.cells())) << round;
     }
