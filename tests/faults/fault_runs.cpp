@@ -453,6 +453,13 @@ const std::vector<FaultRun>& faultRuns()
     return runs;
 }
 
+FaultRun withThreads(FaultRun run)
+{
+    const bool isLarge = run.name.ends_with("Large") || run.name.ends_with("Long");
+    run.settings = {{"GRIDFORGE_THREADS", "3"}, {"GRIDFORGE_PIECE", isLarge ? "50000" : "2"}};
+    return run;
+}
+
 std::size_t numberOf(const FaultRun& run)
 {
     const auto found = std::ranges::find(faultRuns(), run.name, &FaultRun::name);

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace gridforge::test {
@@ -16,6 +17,8 @@ struct FaultRun {
     std::string arguments; // separated by blanks
     void (*give)(ToolRun& run);
     bool writesGrids; // .asc or .flt
+    // Variables of the environment, as names and values.
+    std::vector<std::pair<std::string, std::string>> settings = {};
 };
 
 inline void PrintTo(const FaultRun& run, std::ostream* out)
@@ -24,6 +27,8 @@ inline void PrintTo(const FaultRun& run, std::ostream* out)
 }
 
 const std::vector<FaultRun>& faultRuns();
+// The run with several threads, each of which gets some of the cells.
+FaultRun withThreads(FaultRun run);
 // The position among them.
 std::size_t numberOf(const FaultRun& run);
 // All of them; under a sanitizer, where a start takes long, one of several.

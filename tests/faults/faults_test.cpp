@@ -473,14 +473,17 @@ TEST_P(Faults, AtRandomThatCanBeTriedAgainDoNothing)
     const SystemRun good = runSystem(GetParam(), "watch");
     std::size_t disturbances = 0;
     for (int seed = 1; seed <= (isWholeAsked() ? 20 : 2); ++seed) {
-        const std::string mission = "disturb " + std::to_string(seed);
-        const SystemRun disturbed = runSystem(GetParam(), mission);
-        countDisturbed();
-        const bool isAsGood = disturbed.status == 0 && disturbed.error.empty() && disturbed.console == good.console &&
-                              disturbed.files == good.files && disturbed.permissions == good.permissions;
-        EXPECT_TRUE(isAsGood) << "status " << disturbed.status << ", standard error |" << disturbed.error << "|\n"
-                              << disturbed.console << commandOf(GetParam(), mission);
-        disturbances += disturbed.calls.size();
+        for (const FaultRun& run : {GetParam(), withThreads(GetParam())}) {
+            const std::string mission = "disturb " + std::to_string(seed);
+            const SystemRun disturbed = runSystem(run, mission);
+            countDisturbed();
+            const bool isAsGood = disturbed.status == 0 && disturbed.error.empty() &&
+                                  disturbed.console == good.console && disturbed.files == good.files &&
+                                  disturbed.permissions == good.permissions;
+            EXPECT_TRUE(isAsGood) << "status " << disturbed.status << ", standard error |" << disturbed.error << "|\n"
+                                  << disturbed.console << commandOf(run, mission);
+            disturbances += disturbed.calls.size();
+        }
     }
     EXPECT_TRUE(disturbances > 0 || good.given.empty());
 }

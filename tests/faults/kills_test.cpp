@@ -83,6 +83,32 @@ TEST_P(Kills, LeaveNoGridThatLooksWholeButIsNot)
     }
 }
 
+// Which call is the n-th to change a file differs from run to run, and there may be fewer than in the run that is watched.
+TEST_P(Kills, OfThreadsLeaveNoGridThatLooksWholeButIsNot)
+{
+    const FaultRun run = withThreads(GetParam());
+    const SystemRun finished = runSystem(run, "watch");
+    ASSERT_EQ(finished.status, 0) << commandOf(run, "watch");
+    countRun();
+    const auto isChange = [](const SystemCall& call) { return call.event > 0; };
+    const auto changes = std::ranges::count_if(finished.calls, isChange);
+    const std::vector<std::string> moments =
+        isWholeAsked() ? std::vector<std::string>{"after", "within 3"} : std::vector<std::string>{"after"};
+    GridsLeft left(finished.given, finished.files);
+    for (long event = 1; event <= changes; ++event) {
+        for (const std::string& moment : moments) {
+            const std::string mission = "kill " + std::to_string(event) + " " + moment;
+            const SystemRun killed = runSystem(run, mission);
+            EXPECT_TRUE(killed.status == kKilled || killed.files == finished.files) << commandOf(run, mission);
+            left.add(killed.files, mission, "a kill with threads " + moment + " change " + std::to_string(event));
+            countKill();
+        }
+    }
+    for (const WrongGrid& grid : left.wrong(Readers::toolAndGdal)) {
+        ADD_FAILURE() << grid.what << '\n' << commandOf(run, grid.mission);
+    }
+}
+
 std::vector<FaultRun> runsWithGrids()
 {
     std::vector<FaultRun> runs = startedRuns();

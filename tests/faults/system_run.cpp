@@ -76,6 +76,10 @@ void prepare(ToolRun& start, const FaultRun& run, const std::string& program)
     if (!program.empty()) {
         start.program(program);
     }
+    for (const auto& [name, value] :
+         run.settings) { // the first value of a variable counts: these come before askSystem's
+        start.environment(name, value);
+    }
     run.give(start);
 }
 

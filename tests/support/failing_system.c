@@ -80,7 +80,7 @@ static int logFile = -1;
 static int armed = 0;
 static long calls[FUNCTIONS];
 static long events = 0;
-/* Held while a call is counted, judged and logged: threads make calls side by side. */
+/* Held while a call is counted, judged and logged, and while a file gets its name: threads make calls side by side. */
 static pthread_mutex_t turn = PTHREAD_MUTEX_INITIALIZER;
 /* The module itself is calling. Of this model no thread has to ask for the memory of the variable. */
 static __thread int busy __attribute__((tls_model("initial-exec"))) = 0;
@@ -238,8 +238,10 @@ static int isUnnamed(int flags)
 static void noteOpen(int file, const char* name, int flags)
 {
     if (file > STDERR_FILENO && file < MOST_FILES) {
+        pthread_mutex_lock(&turn);
         snprintf(files[file].name, sizeof files[file].name, "%s", name);
         files[file].role = (flags & O_ACCMODE) == O_RDONLY ? 'r' : 'w';
+        pthread_mutex_unlock(&turn);
     }
 }
 
@@ -247,6 +249,7 @@ static void noteOpen(int file, const char* name, int flags)
 static void noteName(const char* from, const char* to)
 {
     int file = -1;
+    pthread_mutex_lock(&turn);
     if (sscanf(from, "/proc/self/fd/%d", &file) != 1) {
         for (file = 0; file < MOST_FILES && (files[file].role == 0 || strcmp(files[file].name, from) != 0); ++file) {
         }
@@ -254,6 +257,7 @@ static void noteName(const char* from, const char* to)
     if (file > STDERR_FILENO && file < MOST_FILES) {
         snprintf(files[file].name, sizeof files[file].name, "%s", to);
     }
+    pthread_mutex_unlock(&turn);
 }
 
 static char roleOf(int file)
@@ -362,7 +366,7 @@ static struct Verdict killing(const struct Call* call)
             die();
         }
         verdict.way = mission.when == WITHIN ? DIE_WITHIN : DIE_AFTER;
-        verdict.bytes = (size_t)mission.bytes;
+        verdict.bytes = (size_t)(mission.bytes < call->bytes ? mission.bytes : call->bytes);
     }
     return verdict;
 }
