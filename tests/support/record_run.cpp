@@ -38,9 +38,15 @@ std::string obstacle(const RecordedRun& run)
         return "started by another program";
     }
     // Another executable may make other calls, or in another order.
-    if (std::any_of(run.environment.begin(), run.environment.end(),
-                    [](const std::string& one) { return one.starts_with("GRIDFORGE_SYSTEM="); })) {
+    const auto sets = [](const std::vector<std::string>& words, std::string_view variable) {
+        return std::any_of(words.begin(), words.end(),
+                           [&](const std::string& word) { return word.starts_with(variable); });
+    };
+    if (sets(run.environment, "GRIDFORGE_SYSTEM=")) {
         return "fails at a call of the system";
+    }
+    if (sets(run.arguments, "GRIDFORGE_FAIL_NETCDF=")) {
+        return "fails at a call of a library";
     }
     return "";
 }

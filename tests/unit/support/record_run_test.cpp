@@ -91,6 +91,11 @@ TEST(RecordRun, SaysWhatCannotBeRepeated)
               "left out=started by another program");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("GRIDFORGE_SYSTEM=watch"); }),
               "left out=fails at a call of the system");
+    EXPECT_EQ(reasonFor([](RecordedRun& run) {
+                  run.program = "/usr/bin/env";
+                  run.arguments = {"GRIDFORGE_FAIL_NETCDF=nc_sync 1", toolPath(), "-nc"};
+              }),
+              "left out=fails at a call of a library");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { mkfifo((run.folder / "in").c_str(), 0600); }),
               "left out=its files cannot be copied");
 }
