@@ -1,5 +1,5 @@
-// A series of grids into NetCDF by whole runs of -nc, beside a loop that does no more than hand the same cells to the library:
-// what packing and writing them costs at the least. Files are compared before anything is timed.
+// A series of grids into NetCDF by whole runs of -nc, by as many threads as GRIDFORGE_THREADS says, beside a loop that hands the
+// same cells to the library, which packs them by one. Files are compared before anything is timed.
 #include "grid/grid.h"
 #include "grid/writer.h"
 #include "netcdf/nc.h"

@@ -24,19 +24,19 @@ std::size_t& filesTaken()
     return files;
 }
 
-// The other half is for the buffers of the run and for the system's copies of its files.
-std::uint64_t bytesThatMayWait()
-{
-    static const std::uint64_t share = theSystem().memoryLeft() / 2;
-    return environmentNumber("GRIDFORGE_MEMORY").value_or(share);
-}
-
 std::int64_t placeOf(std::size_t cell)
 {
     return static_cast<std::int64_t>(cell * sizeof(float));
 }
 
 } // namespace
+
+// The other half is for the buffers of the run and for the system's copies of its files.
+std::uint64_t bytesThatMayWait()
+{
+    static const std::uint64_t share = theSystem().memoryLeft() / 2;
+    return environmentNumber("GRIDFORGE_MEMORY").value_or(share);
+}
 
 CellStore& CellStore::operator=(CellStore&& other) noexcept
 {

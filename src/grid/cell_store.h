@@ -6,6 +6,7 @@
 #include "host/system.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 
@@ -51,6 +52,9 @@ private:
     SystemFile file_ = SystemFile::none;
     std::size_t size_ = 0;
 };
+
+// How many bytes of cells may wait in memory.
+std::uint64_t bytesThatMayWait();
 
 // How many times cells went to a file in this process. For tests: nothing else shows it.
 std::size_t filesOfCells();

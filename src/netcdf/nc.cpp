@@ -3,96 +3,28 @@
 #include "core/computed.h"
 #include "core/names.h"
 #include "core/product.h"
+#include "grid/grid.h"
 #include "host/ends.h"
+#include "netcdf/cell_writer.h"
 #include "netcdf/check_netcdf.h"
+#include "netcdf/kept_maximum.h"
+#include "netcdf/laid_grids.h"
+#include "netcdf/layout.h"
 #include "netcdf/netcdf_file.h"
+#include "run/cells_ahead.h"
 #include "run/load.h"
 #include "run/outputs.h"
 
 #include <algorithm>
 #include <array>
-#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace gridforge::netcdf {
-
-// --- Kernels ---------------------------------------------------------------------------------------------------------
-
-void cellsByRows(const Grid& grid, std::int32_t firstRow, std::span<float> band)
-{
-    const auto columns = static_cast<std::size_t>(grid.ncols());
-    assert(band.size() % columns == 0);
-    for (std::int32_t row = firstRow; !band.empty(); ++row) {
-        std::ranges::copy(grid.row(row), band.begin());
-        band = band.subspan(columns);
-    }
-}
-
-namespace {
-
-// As many columns are taken together as fill a line of the processor's cache.
-constexpr std::int32_t kColumnsTogether = 16;
-
-// The cells of some columns, rows `firstRow` to `lastRow`, each from the south.
-void turnColumns(const Grid& grid, std::int32_t firstColumn, std::int32_t count, std::int32_t firstRow,
-                 std::int32_t lastRow, float* out)
-{
-    const std::size_t rows = static_cast<std::size_t>(lastRow) - static_cast<std::size_t>(firstRow) + 1;
-    const auto c = static_cast<std::size_t>(firstColumn - 1);
-    const auto columns = static_cast<std::size_t>(count);
-    for (std::int32_t row = firstRow; row <= lastRow; ++row, ++out) {
-        const float* const cells = grid.row(row).data() + c;
-        if (count == kColumnsTogether) { // known ahead, so the loop is unrolled
-            for (std::size_t i = 0; i < kColumnsTogether; ++i) {
-                out[i * rows] = cells[i];
-            }
-        } else {
-            for (std::size_t i = 0; i < columns; ++i) {
-                out[i * rows] = cells[i];
-            }
-        }
-    }
-}
-
-} // namespace
-
-void cellsByColumns(const Grid& grid, std::size_t first, std::span<float> band)
-{
-    assert(first + band.size() <= grid.cells().size());
-    const auto rows = static_cast<std::size_t>(grid.nrows());
-    while (!band.empty()) {
-        const auto column = static_cast<std::int32_t>(first / rows) + 1;
-        const std::size_t below = first % rows; // cells of this column that stand ahead of the band
-        std::size_t taken = std::min(rows - below, band.size());
-        std::int32_t together = 1;
-        if (taken == rows) {
-            together = std::min(kColumnsTogether, static_cast<std::int32_t>(band.size() / rows));
-            taken *= static_cast<std::size_t>(together);
-        }
-        const std::size_t ofEach = taken / static_cast<std::size_t>(together);
-        turnColumns(grid, column, together, static_cast<std::int32_t>(below) + 1,
-                    static_cast<std::int32_t>(below + ofEach), band.data());
-        first += taken;
-        band = band.subspan(taken);
-    }
-}
-
-void raiseMaximum(std::span<const float> cells, float null, std::span<float> maximum)
-{
-    assert(cells.size() == maximum.size());
-    const float above = null + 0.01F;
-    // No branches on cells, so that the loop vectorises.
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        const float cell = cells[i];
-        maximum[i] = ((cell > above) & (cell > maximum[i])) ? cell : maximum[i];
-    }
-}
 
 // --- The file --------------------------------------------------------------------------------------------------------
 
@@ -234,46 +166,6 @@ void writeCoordinates(const SeriesFile& file, const GridHeader& header)
     say("   Done.");
 }
 
-// --- Cells into the file ---------------------------------------------------------------------------------------------
-
-// Cells go to the library in bands of rows of the file that stay in the cache of the processor: more at once costs fresh
-// memory, and less a call for every row of a narrow grid.
-constexpr std::size_t kBandCells = 262'144;
-
-// How the cells of a grid lie in the file. As a block they stand column after column in the places that the file has for
-// rows, so those of a grid that is not square do not lie at their x and y. Deliberate: readers of such files of old expect
-// it, and -nc_part puts every row in its place.
-enum class Layout { block, rows };
-
-void fillBand(const Grid& grid, Layout layout, std::int32_t firstRow, std::span<float> band)
-{
-    if (layout == Layout::rows) {
-        cellsByRows(grid, firstRow, band);
-    } else {
-        cellsByColumns(grid, static_cast<std::size_t>(firstRow - 1) * static_cast<std::size_t>(grid.ncols()), band);
-    }
-}
-
-// Writes the grid to a variable (time, y, x) at `position`, or (y, x) for none, and all that is pending to the disk.
-void writeCells(int file, int variable, std::optional<std::int32_t> position, const Grid& grid, Layout layout)
-{
-    const std::string_view call = layout == Layout::rows ? "nf90_put_var (rg)" : "nf90_put_var (rg2)";
-    const auto columns = static_cast<std::size_t>(grid.ncols());
-    const auto rows = static_cast<std::size_t>(grid.nrows());
-    const std::size_t rowsOfBand = std::clamp<std::size_t>(kBandCells / columns, 1, rows);
-    std::vector<float> band(rowsOfBand * columns);
-    const std::size_t skipped = position ? 0 : 1;
-    for (std::size_t row = 0; row < rows; row += rowsOfBand) {
-        const std::size_t taken = std::min(rowsOfBand, rows - row);
-        const std::array<std::size_t, 3> start{static_cast<std::size_t>(position.value_or(1) - 1), row, 0};
-        const std::array<std::size_t, 3> count{1, taken, columns};
-        fillBand(grid, layout, static_cast<std::int32_t>(row + 1), std::span(band).first(taken * columns));
-        checkNetcdf(nc_put_vara_float(file, variable, start.data() + skipped, count.data() + skipped, band.data()),
-                    call);
-    }
-    checkNetcdf(nc_sync(file), "nf90_sync (rg)");
-}
-
 // --- The run ---------------------------------------------------------------------------------------------------------
 
 void writeTime(const SeriesFile& file, std::int32_t i)
@@ -283,12 +175,97 @@ void writeTime(const SeriesFile& file, std::int32_t i)
     say("   Done");
 }
 
-void startMaximum(const GridHeader& header, Grid& maximum)
+// The grids of a series on their way into the file.
+class Series {
+public:
+    Series(const run::RunSettings& settings, const run::InputFileList& inputs, const std::string& name)
+        : settings_(settings), inputs_(inputs), layout_(settings.ncPart ? Layout::rows : Layout::block),
+          file_(openSeries(settings, name)), grids_(inputs, layout_, name)
+    {
+    }
+
+    void load(std::int32_t i);
+    void write(std::int32_t i);
+    void close();
+
+private:
+    void prepare(std::int32_t i, bool ahead, const GridHeader& header);
+    CellVariable variable(const char* name, int id) const { return {file_.id, id, name}; }
+    std::string_view call() const { return layout_ == Layout::rows ? "nf90_put_var (rg)" : "nf90_put_var (rg2)"; }
+    void writeMaximum();
+    void sync() const { checkNetcdf(nc_sync(file_.id), "nf90_sync (rg)"); }
+
+    const run::RunSettings& settings_;
+    const run::InputFileList& inputs_;
+    Layout layout_;
+    SeriesFile file_;
+    LaidGrids grids_;
+    GridHeader first_;
+    Grid cells_; // of a grid that is read step by step
+    KeptMaximum maximum_;
+    std::optional<CellWriter> writer_;
+};
+
+void Series::prepare(std::int32_t i, bool ahead, const GridHeader& header)
 {
-    if (!maximum.allocate(header.nrows, header.ncols)) {
+    if (i == 1) {
+        first_ = header;
+        defineSeries(settings_, first_, file_);
+        writeCoordinates(file_, first_);
+    }
+    writeTime(file_, i);
+    if (ahead) {
+        grid::sayAllocation(first_, "external grid...");
+    } else {
+        grid::allocateGrid(cells_, first_, "external grid...");
+    }
+    if ((!ahead && !grids_.take(i, first_)) || (i == 1 && !maximum_.start(first_, grids_.folder()))) {
         failMemory();
     }
-    std::ranges::fill(maximum.cells(), header.null);
+}
+
+void Series::load(std::int32_t i)
+{
+    const run::Way way = grids_.layAhead(i, writer_ ? writer_->gridsTogether() : 1);
+    run::countWay(way);
+    const bool ahead = way == run::Way::ahead;
+    say("Processing File: ", i, ": ", inputs_[i]);
+    run::loadGrid(inputs_[i],
+                  {.match = i > 1 ? &first_ : nullptr,
+                   .prepare = [&](const GridHeader& header) { prepare(i, ahead, header); },
+                   .ahead = ahead},
+                  cells_);
+    if (!ahead && !grids_.lay(cells_)) {
+        failMemory();
+    }
+}
+
+void Series::write(std::int32_t i)
+{
+    if (!writer_) {
+        writer_.emplace(variable("data_temporal", file_.series), first_, call());
+    }
+    writer_->write(i, grids_.from(i));
+    sync();
+    if (!maximum_.raise(grids_.from(i).front())) {
+        failMemory();
+    }
+    if (i == inputs_.count()) {
+        writeMaximum();
+    }
+}
+
+void Series::writeMaximum()
+{
+    writer_.reset(); // its memory serves the next
+    CellWriter writer(variable("data_max", file_.maximum), first_, call());
+    writer.write(std::nullopt, {&maximum_.cells(), 1});
+    sync();
+}
+
+void Series::close()
+{
+    closeNetcdf(file_.id, "nf90_close");
 }
 
 } // namespace
@@ -296,34 +273,13 @@ void startMaximum(const GridHeader& header, Grid& maximum)
 void runNc(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     say("Converting grid into netcdf format.");
-    SeriesFile file = openSeries(settings, outputName(settings, inputs));
+    Series series(settings, inputs, outputName(settings, inputs));
 
     say("Processing ", inputs.count(), " input grids.");
-    const Layout layout = settings.ncPart ? Layout::rows : Layout::block;
-    GridHeader first;
-    Grid cells;
-    Grid maximum;
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
-        say("Processing File: ", i, ": ", inputs[i]);
-        const auto prepare = [&](const GridHeader& header) {
-            if (i == 1) {
-                first = header;
-                defineSeries(settings, first, file);
-                writeCoordinates(file, first);
-            }
-            writeTime(file, i);
-            grid::allocateGrid(cells, first, "external grid...");
-            if (i == 1) {
-                startMaximum(first, maximum);
-            }
-        };
-        run::loadGrid(inputs[i], {.match = i > 1 ? &first : nullptr, .prepare = prepare}, cells);
+        series.load(i);
         say("Writing data to netcdf file...");
-        writeCells(file.id, file.series, i, cells, layout);
-        raiseMaximum(cells.cells(), first.null, maximum.cells());
-        if (i == inputs.count()) {
-            writeCells(file.id, file.maximum, std::nullopt, maximum, layout);
-        }
+        series.write(i);
         say("   Done");
 
         say("Deallocating memory..."); // kept for the next grid, which is announced and cleared as if it were fresh
@@ -331,7 +287,7 @@ void runNc(const run::RunSettings& settings, const run::InputFileList& inputs)
     }
 
     say("Closing netcdf file...");
-    closeNetcdf(file.id, "nf90_close");
+    series.close();
     say("   Done.");
 }
 

@@ -34,7 +34,7 @@ WayCounts& wayCounts()
 // Counts a way, and is the result where it leads to no outputs.
 std::nullopt_t went(Way way)
 {
-    ++wayCounts()[static_cast<std::size_t>(way)];
+    countWay(way);
     return std::nullopt;
 }
 
@@ -264,6 +264,11 @@ OutputWish outputWish(const RunSettings& settings, std::string_view namedAfter, 
     const std::int32_t wanted = settings.ascWanted ? grid::kFormatAsc : grid::kFormatFlt;
     const std::string_view name = settings.outputNameGiven ? std::string_view(settings.outputName) : namedAfter;
     return {systemName(FILEFOLDERPATH(name)), (settings.formatSpecified ? wanted : format) == grid::kFormatFlt, grids};
+}
+
+void countWay(Way way)
+{
+    ++wayCounts()[static_cast<std::size_t>(way)];
 }
 
 std::size_t waysGone(Way way)

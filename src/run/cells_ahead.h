@@ -23,6 +23,7 @@ namespace gridforge::run {
 enum class Way { ahead, oddInput, otherLattice, oddText, readRefused, noRoom };
 // How often in this process. For tests: nothing else shows it.
 std::size_t waysGone(Way way);
+void countWay(Way way);
 
 // Inputs of one lattice, as a silent look found them. None where one is out of the ordinary or of another lattice.
 std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs);

@@ -1,8 +1,10 @@
-/* Loaded into the tool by LD_PRELOAD, these stand before the routines of the NetCDF library and pass every call on, except
- * the one that GRIDFORGE_FAIL_NETCDF names: with "nc_def_var 3" the third call of nc_def_var fails. */
+/* Loaded into the tool by LD_PRELOAD, these stand before the routines of the NetCDF library, and before those of HDF5 that the
+ * tool itself calls, and pass every call on, except the one that GRIDFORGE_FAIL_NETCDF names: with "nc_def_var 3" the third
+ * call of nc_def_var fails. Calls that the NetCDF library makes of HDF5 count too. */
 #define _GNU_SOURCE
 
 #include <dlfcn.h>
+#include <hdf5.h>
 #include <netcdf.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -16,16 +18,17 @@ static int failsNow(const char* name, int call)
     return wanted != NULL && strcmp(wanted, this) == 0;
 }
 
-/* The routine `name`, with its parameters and the arguments to pass on. */
-#define STAND_BEFORE(name, parameters, arguments)                                                                      \
+/* The routine `name`, with its parameters and the arguments to pass on, and its status where it fails. */
+#define STAND_BEFORE_WITH(status, name, parameters, arguments)                                                         \
     int name parameters                                                                                                \
     {                                                                                                                  \
         static int calls = 0;                                                                                          \
         int(*real) parameters = NULL;                                                                                  \
         void* const found = dlsym(RTLD_NEXT, #name);                                                                   \
         memcpy(&real, &found, sizeof real);                                                                            \
-        return failsNow(#name, ++calls) ? NC_EPERM : real arguments;                                                   \
+        return failsNow(#name, ++calls) ? (status) : real arguments;                                                   \
     }
+#define STAND_BEFORE(name, parameters, arguments) STAND_BEFORE_WITH(NC_EPERM, name, parameters, arguments)
 
 STAND_BEFORE(nc_put_att_text, (int file, int variable, const char* name, size_t length, const char* text),
              (file, variable, name, length, text))
@@ -43,3 +46,8 @@ STAND_BEFORE(nc_put_var1_double, (int file, int variable, const size_t* index, c
              (file, variable, index, value))
 STAND_BEFORE(nc_sync, (int file), (file))
 STAND_BEFORE(nc_close, (int file), (file))
+
+STAND_BEFORE_WITH(-1, H5Dset_extent, (hid_t dataset, const hsize_t* sizes), (dataset, sizes))
+STAND_BEFORE_WITH(-1, H5Dwrite_chunk,
+                  (hid_t dataset, hid_t how, uint32_t left, const hsize_t* start, size_t size, const void* bytes),
+                  (dataset, how, left, start, size, bytes))

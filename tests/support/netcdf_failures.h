@@ -10,10 +10,12 @@
 
 namespace gridforge::test {
 
-// A call of the library, as "nc_def_var 3" for its third one, and the name that the tool has for it.
+// A call of the library, as "nc_def_var 3" for its third one, the name that the tool has for it, and the status that the
+// message is of.
 struct NetcdfFailure {
     const char* call;
     const char* name;
+    int status = NC_EPERM;
 };
 
 // Arguments of /usr/bin/env for a run of the tool with `arguments`, in which the call fails.
@@ -35,9 +37,9 @@ inline void expectNetcdfFailure(ToolRun& run, const NetcdfFailure& failure)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run,
-                         {std::string("ERROR - With nectdf call ") + failure.name,
-                          std::string("Netcdf error message: ") + nc_strerror(NC_EPERM), "", "Press Enter to Close"})
+    EXPECT_CONSOLE_HOLDS(run, {std::string("ERROR - With nectdf call ") + failure.name,
+                               std::string("Netcdf error message: ") + nc_strerror(failure.status), "",
+                               "Press Enter to Close"})
         << failure.call;
 }
 

@@ -259,6 +259,76 @@ TEST(NcCli, LargeGridsArriveWholeInBothLayouts)
     }
 }
 
+Cells randomCells(std::size_t rows, std::size_t columns, std::uint32_t seed)
+{
+    std::mt19937 random(seed);
+    Cells cells(rows, std::vector<double>(columns));
+    for (auto& row : cells) {
+        for (double& cell : row) {
+            cell = random() % 4 == 0 ? kNull : static_cast<double>(random() % 4096) / 16;
+        }
+    }
+    return cells;
+}
+
+void giveFlt(ToolRun& run, const std::string& name, const Cells& cells)
+{
+    run.give(name + ".flt", fltCells(cells));
+    run.give(name + ".hdr", hdr(cells));
+}
+
+struct Means {
+    const char* threads;
+    const char* memory;
+    const char* piece;
+};
+
+void use(ToolRun& run, const Means& means)
+{
+    run.environment("GRIDFORGE_THREADS", means.threads);
+    run.environment("GRIDFORGE_MEMORY", means.memory);
+    run.environment("GRIDFORGE_PIECE", means.piece);
+}
+
+TEST(NcCli, FilesAreTheSameWhateverTheThreadsTheMemoryAndThePieces)
+{
+    const Means allMeans[] = {
+        {"1", "1000000", "100000"}, {"2", "1000000", "10"}, {"7", "1000000", "100"}, {"7", "1", "100"}};
+    const Cells cells = randomCells(31, 17, 9);
+    std::string wrapped = ascGrid(cells);
+    wrapped[wrapped.find(' ', wrapped.size() / 2)] = '\n'; // a row on two lines: the grid is read step by step
+    for (const char* part : {"-nc_part0", "-nc_part1"}) {
+        std::string file;
+        for (const Means& means : allMeans) {
+            ToolRun run({"-b", "-nc", "a.flt", "b.asc", "c.flt", "d.asc", "a.flt", "b.asc", part});
+            giveFlt(run, "a", randomCells(31, 17, 7));
+            run.give("b.asc", ascGrid(randomCells(31, 17, 8)));
+            giveFlt(run, "c", cells);
+            run.give("d.asc", wrapped);
+            use(run, means);
+            run.start();
+            ASSERT_TRUE(run.says("Finished.")) << run.console();
+            file = file.empty() ? run.read("a.nc") : file;
+            EXPECT_TRUE(run.read("a.nc") == file) << part << ' ' << means.threads << ' ' << means.memory;
+        }
+    }
+}
+
+TEST(NcCli, SoAreFilesOfSeveralChunksAGrid)
+{
+    const Cells cells = randomCells(2017, 2203, 9); // 17.8 MB, a chunk has 16
+    std::string file;
+    for (const Means& means : {Means{"1", "100000000", "1000000"}, Means{"7", "1", "100000"}}) {
+        ToolRun run({"-b", "-nc", "a.flt"});
+        giveFlt(run, "a", cells);
+        use(run, means);
+        run.start();
+        ASSERT_TRUE(run.says("Finished.")) << run.console();
+        file = file.empty() ? run.read("a.nc") : file;
+        EXPECT_TRUE(run.read("a.nc") == file);
+    }
+}
+
 // --- Flags -----------------------------------------------------------------------------------------------------------
 
 struct PackingCase {
@@ -289,6 +359,23 @@ TEST(NcCli, EveryVariableIsPackedAsTheFlagsSay)
             EXPECT_TRUE(file.packing(name.c_str()) == packing.packing) << packing.flags << ' ' << name;
         }
         EXPECT_THAT(file.values("data_max"), ElementsAre(111, 121, 112, 122, 113, 123));
+    }
+}
+
+TEST(NcCli, CellsOfEveryLevelAreReadBack)
+{
+    for (int level = 0; level <= 9; ++level) {
+        for (const char* shuffle : {"-nc_shuffle0", "-nc_shuffle1"}) {
+            ToolRun run({"-b", "-nc", "a.asc", "b.asc", "-nc_part1", "-nc_comp" + std::to_string(level), shuffle});
+            run.give("a.asc", ascGrid(kFirst));
+            run.give("b.asc", ascGrid(kSecond));
+            run.start();
+            const NetcdfReading file(run, "a.nc");
+            EXPECT_EQ(file.packing("data_temporal").level, level);
+            EXPECT_THAT(file.values("data_temporal"), ElementsAre(111, 112, 113, 121, 122, 123,     //
+                                                                  kNull, 12, 13, 221, kNull, 223)); // south row first
+            EXPECT_THAT(file.values("data_max"), ElementsAre(111, 112, 113, 221, 122, 223));
+        }
     }
 }
 
@@ -514,22 +601,32 @@ TEST(NcCli, EveryCallThatFailsIsNamed)
         {"nc_put_vara_double 2", "nf90_put_var (y)"},
         {"nc_put_var1_double 1", "nf90_put_var (time)"},
         {"nc_put_var1_double 2", "nf90_put_var (time)"},
-        {"nc_put_vara_float 1", "nf90_put_var (rg2)"},
+        {"H5Dwrite_chunk 1", "nf90_put_var (rg2)", NC_EHDFERR},
         {"nc_sync 1", "nf90_sync (rg)"},
-        {"nc_put_vara_float 3", "nf90_put_var (rg2)"}, // of the maximum
+        {"H5Dwrite_chunk 2", "nf90_put_var (rg2)", NC_EHDFERR},
+        {"H5Dwrite_chunk 3", "nf90_put_var (rg2)", NC_EHDFERR}, // of the maximum
         {"nc_sync 3", "nf90_sync (rg)"},
         {"nc_close 1", "nf90_close"},
     };
-    const auto expectNamed = [](const NetcdfFailure& failure, const char* part) {
-        ToolRun run(failingNetcdfArguments(failure, {"-nc", "a.asc", "b.asc", part}));
+    const auto expectNamed = [](const NetcdfFailure& failure, const std::vector<std::string>& flags) {
+        std::vector<std::string> arguments = {"-nc", "a.asc", "b.asc"};
+        arguments.insert(arguments.end(), flags.begin(), flags.end());
+        ToolRun run(failingNetcdfArguments(failure, arguments));
         run.give("a.asc", ascGrid(kFirst));
         run.give("b.asc", ascGrid(kSecond));
         expectNetcdfFailure(run, failure);
     };
     for (const NetcdfFailure& failure : failures) {
-        expectNamed(failure, "-nc_part0");
+        expectNamed(failure, {});
     }
-    expectNamed({"nc_put_vara_float 1", "nf90_put_var (rg)"}, "-nc_part1");
+    expectNamed({"H5Dwrite_chunk 1", "nf90_put_var (rg)", NC_EHDFERR}, {"-nc_part1"});
+    expectNamed({"H5Dwrite_chunk 3", "nf90_put_var (rg)", NC_EHDFERR}, {"-nc_part1"});
+    // The series grows: the library lets it do so for the time and for the cells.
+    expectNamed({"H5Dset_extent 1", "nf90_put_var (time)", NC_EHDFERR}, {});
+    expectNamed({"H5Dset_extent 2", "nf90_put_var (rg2)", NC_EHDFERR}, {});
+    // A maximum that is not packed in any way is not cut into chunks either.
+    expectNamed({"nc_put_vara_float 1", "nf90_put_var (rg2)"}, {"-nc_comp0", "-nc_shuffle0"});
+    expectNamed({"nc_put_vara_float 1", "nf90_put_var (rg)"}, {"-nc_comp0", "-nc_shuffle0", "-nc_part1"});
 }
 
 // A limit on the size of files stands for the full disk: 512-byte or 1024-byte units, as the shell counts.
@@ -542,22 +639,26 @@ TEST(NcCli, AFullDiskIsNeverSilent)
             cell = static_cast<double>(random()); // does not pack well
         }
     }
-    const char* const steps[] = {"nf90_enddef", "nf90_sync (rg)"};
-    const char* const limits[] = {"4", "200"};
-    for (int i = 0; i < 2; ++i) {
-        for (const char* part : {"-nc_part0", "-nc_part1"}) {
-            ToolRun run({"-c", "ulimit -f " + std::string(limits[i]) + "; exec \"$0\" \"$@\"", toolPath(), "-nc",
-                         "a.flt", part});
-            run.program("/bin/sh");
-            run.give("a.flt", fltCells(cells));
-            run.give("a.hdr", hdr(cells));
-            run.start();
-            EXPECT_EQ(run.status(), 0);
-            EXPECT_EQ(run.error(), "");
-            EXPECT_CONSOLE_HOLDS(run,
-                                 joined({{"ERROR - With nectdf call " + std::string(steps[i])},
-                                         errorEnd("Netcdf error message: " + std::string(nc_strerror(NC_EHDFERR)))}));
-        }
+    struct Limit {
+        const char* size;
+        const char* part;
+        const char* call;
+    };
+    const Limit limits[] = {{"4", "-nc_part0", "nf90_enddef"},
+                            {"4", "-nc_part1", "nf90_enddef"},
+                            {"200", "-nc_part0", "nf90_put_var (rg2)"},
+                            {"200", "-nc_part1", "nf90_put_var (rg)"}};
+    for (const Limit& limit : limits) {
+        ToolRun run({"-c", "ulimit -f " + std::string(limit.size) + "; exec \"$0\" \"$@\"", toolPath(), "-nc", "a.flt",
+                     limit.part});
+        run.program("/bin/sh");
+        run.give("a.flt", fltCells(cells));
+        run.give("a.hdr", hdr(cells));
+        run.start();
+        EXPECT_EQ(run.status(), 0);
+        EXPECT_EQ(run.error(), "");
+        EXPECT_CONSOLE_HOLDS(run, joined({{"ERROR - With nectdf call " + std::string(limit.call)},
+                                          errorEnd("Netcdf error message: " + std::string(nc_strerror(NC_EHDFERR)))}));
     }
 }
 
@@ -565,7 +666,7 @@ TEST(NcCli, AFailedCloseOfTheFileEndsTheRun)
 {
     ToolRun run("-b -nc a.asc");
     run.give("a.asc", ascGrid(kFirst));
-    askSystem(run, "fail close 2 5"); // the grid is closed first; 5 is the error of a device
+    askSystem(run, "fail close 4 5"); // the grid and what it is read through come first; 5 is the error of a device
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_CONSOLE_HOLDS(run, {"Closing netcdf file...", "ERROR - With nectdf call nf90_close",

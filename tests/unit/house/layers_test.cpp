@@ -170,7 +170,8 @@ std::string angledInclude(const std::string& line)
 bool belongsToForms(const std::string& header)
 {
     static const std::set<std::string> reaching{"csignal", "cstdio", "ctime", "filesystem", "fstream", "iostream"};
-    static const std::set<std::string> libraries{"gridforge/gridforge.h", "immintrin.h", "netcdf.h"};
+    static const std::set<std::string> libraries{"gridforge/gridforge.h", "hdf5.h", "immintrin.h", "libdeflate.h",
+                                                 "netcdf.h"};
     return reaching.contains(header) || (header.ends_with(".h") && !libraries.contains(header));
 }
 

@@ -1,0 +1,29 @@
+// The highest value of each cell over the grids of a series.
+#pragma once
+
+#include "grid/cell_store.h"
+#include "plane/grid_header.h"
+
+#include <span>
+#include <string>
+
+namespace gridforge::netcdf {
+
+// Kernel. Keeps the higher of both where a cell lies above null + 0.01. `maximum` starts at the null.
+void raiseMaximum(std::span<const float> cells, float null, std::span<float> maximum);
+
+// Waits in a store, in the order in which the grids are laid. False is returned where memory or disk cannot be had.
+class KeptMaximum {
+public:
+    // Null throughout, for grids of this lattice.
+    [[nodiscard]] bool start(const GridHeader& lattice, const std::string& folder);
+    [[nodiscard]] bool raise(const grid::CellStore& laid);
+
+    const grid::CellStore& cells() const { return cells_; }
+
+private:
+    grid::CellStore cells_;
+    float null_ = 0;
+};
+
+} // namespace gridforge::netcdf

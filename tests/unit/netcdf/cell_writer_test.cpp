@@ -1,0 +1,164 @@
+#include "netcdf/cell_writer.h"
+
+#include "support/child_run.h"
+#include "support/environment.h"
+#include "support/scratch_folder.h"
+
+#include <array>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netcdf.h>
+#include <string>
+#include <vector>
+
+namespace gridforge {
+namespace {
+
+using test::Environment;
+
+constexpr std::size_t kRows = 5;
+constexpr std::size_t kColumns = 7;
+constexpr std::size_t kCells = kRows * kColumns;
+
+// A file of the library with a series and a single grid, in chunks of `chunkRows` by 3 where that is not 0.
+class Target {
+public:
+    explicit Target(const test::ScratchFolder& folder, std::size_t chunkRows) : name_((folder.path() / "a.nc").string())
+    {
+        std::array<int, 3> dimensions{};
+        EXPECT_EQ(nc_create(name_.c_str(), NC_NETCDF4, &file_), NC_NOERR);
+        EXPECT_EQ(nc_def_dim(file_, "time", NC_UNLIMITED, dimensions.data()), NC_NOERR);
+        EXPECT_EQ(nc_def_dim(file_, "y", kRows, &dimensions[1]), NC_NOERR);
+        EXPECT_EQ(nc_def_dim(file_, "x", kColumns, &dimensions[2]), NC_NOERR);
+        EXPECT_EQ(nc_def_var(file_, "series", NC_FLOAT, 3, dimensions.data(), &series_), NC_NOERR);
+        EXPECT_EQ(nc_def_var(file_, "single", NC_FLOAT, 2, dimensions.data() + 1, &single_), NC_NOERR);
+        if (chunkRows > 0) {
+            const std::array<std::size_t, 3> chunk{1, chunkRows, 3};
+            EXPECT_EQ(nc_def_var_chunking(file_, series_, NC_CHUNKED, chunk.data()), NC_NOERR);
+            EXPECT_EQ(nc_def_var_chunking(file_, single_, NC_CHUNKED, chunk.data() + 1), NC_NOERR);
+            EXPECT_EQ(nc_def_var_deflate(file_, series_, 1, 1, 1), NC_NOERR);
+            EXPECT_EQ(nc_def_var_deflate(file_, single_, 1, 1, 1), NC_NOERR);
+        }
+        EXPECT_EQ(nc_enddef(file_), NC_NOERR);
+    }
+    ~Target() { nc_close(file_); }
+    Target(const Target&) = delete;
+    Target& operator=(const Target&) = delete;
+
+    netcdf::CellVariable series() const { return {file_, series_, "series"}; }
+    netcdf::CellVariable single() const { return {file_, single_, "single"}; }
+
+    std::vector<float> values(int id, std::size_t count)
+    {
+        nc_close(file_);
+        EXPECT_EQ(nc_open(name_.c_str(), NC_NOWRITE, &file_), NC_NOERR);
+        std::vector<float> values(count);
+        EXPECT_EQ(nc_get_var_float(file_, id, values.data()), NC_NOERR);
+        return values;
+    }
+
+private:
+    std::string name_;
+    int file_ = -1;
+    int series_ = -1;
+    int single_ = -1;
+};
+
+GridHeader lattice()
+{
+    GridHeader lattice;
+    lattice.nrows = kRows;
+    lattice.ncols = kColumns;
+    return lattice;
+}
+
+// Grid g has the cells 100 g, 100 g + 1 and so on.
+std::vector<grid::CellStore> gridsOf(std::size_t count, const std::string& folder)
+{
+    std::vector<grid::CellStore> grids(count);
+    for (std::size_t g = 0; g < count; ++g) {
+        EXPECT_TRUE(grids[g].take(kCells, folder));
+        for (std::size_t i = 0; i < kCells; ++i) {
+            EXPECT_TRUE(grids[g].put(i, std::vector<float>{static_cast<float>(100 * g + i)}));
+        }
+    }
+    return grids;
+}
+
+void expectGrids(const std::vector<float>& values)
+{
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        ASSERT_EQ(values[i], static_cast<float>(100 * (i / kCells) + i % kCells)) << i;
+    }
+}
+
+// Grids are written one after the other, as many laid at a time as the writer wishes.
+void writeAll(netcdf::CellWriter& writer, std::size_t count, const std::string& folder)
+{
+    const std::vector<grid::CellStore> grids = gridsOf(count, folder);
+    std::size_t laidTo = 0;
+    for (std::size_t g = 0; g < count; ++g) {
+        if (g == laidTo) {
+            laidTo = std::min(count, g + writer.gridsTogether());
+        }
+        writer.write(static_cast<std::int32_t>(g + 1), std::span(grids).subspan(g, laidTo - g));
+    }
+}
+
+TEST(CellWriter, CellsArriveThroughChunksOfAnySizeAndTheLibraryAlike)
+{
+    for (const char* threads : {"1", "2", "5", "40"}) {
+        for (const char* memory : {"1", "100", "1000000"}) {
+            const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}});
+            for (const std::size_t chunkRows : {0U, 1U, 2U, 5U}) {
+                const test::ScratchFolder folder;
+                Target target(folder, chunkRows);
+                const int series = target.series().id;
+                {
+                    netcdf::CellWriter writer(target.series(), lattice(), "nf90_put_var (rg)");
+                    EXPECT_TRUE(writer.packsChunks());
+                    writeAll(writer, 11, folder.path());
+                    netcdf::CellWriter single(target.single(), lattice(), "nf90_put_var (rg)");
+                    EXPECT_EQ(single.packsChunks(), chunkRows > 0);
+                    single.write(std::nullopt, gridsOf(1, folder.path()));
+                }
+                const int id = target.single().id;
+                expectGrids(target.values(series, 11 * kCells));
+                expectGrids(target.values(id, kCells));
+            }
+        }
+    }
+}
+
+TEST(CellWriter, GridsOfFewChunksArePackedSeveralAtATime)
+{
+    const test::ScratchFolder folder;
+    const Target target(folder, 5); // three chunks a grid
+    const auto together = [&](const char* threads, const char* memory) {
+        const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}});
+        return netcdf::CellWriter(target.series(), lattice(), "nf90_put_var (rg)").gridsTogether();
+    };
+    EXPECT_EQ(together("1", "1000000"), 1U);
+    EXPECT_EQ(together("2", "1000000"), 1U); // four chunks
+    EXPECT_EQ(together("3", "1000000"), 2U); // six
+    EXPECT_EQ(together("6", "1000000"), 4U);
+    EXPECT_EQ(together("6", "720"), 2U); // of 2 * 60 bytes a chunk
+    EXPECT_EQ(together("6", "1"), 1U);
+}
+
+TEST(CellWriter, ARefusalHasTheNameOfTheCall)
+{
+    const test::ScratchFolder folder;
+    const test::ChildRun run = test::runInChild(folder, [&] {
+        const Target target(folder, 2);
+        netcdf::CellWriter writer(target.series(), lattice(), "nf90_put_var (rg)");
+        writer.write(0, gridsOf(1, ".")); // no such position
+    });
+    EXPECT_TRUE(run.ended);
+    EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_put_var (rg)\nNetcdf error message: NetCDF: HDF error\n"
+                           "\nPress Enter to Close\n");
+    EXPECT_EQ(run.errors, "");
+}
+
+} // namespace
+} // namespace gridforge
