@@ -54,7 +54,7 @@ void turnCells(std::span<const float> rows, std::size_t columns, float* target, 
     }
 }
 
-// --- Tiles -----------------------------------------------------------------------------------------------------------
+// --- LayTiles -----------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -64,7 +64,7 @@ constexpr std::size_t kFileTileCells = std::size_t{1} << 20;
 constexpr std::size_t kFileTileColumns = std::size_t{1} << 10;
 
 // A rectangle of cells by rows from the north and columns from the west, both from 0.
-struct Tile {
+struct LayTile {
     std::size_t row;
     std::size_t rows;
     std::size_t column;
@@ -72,9 +72,9 @@ struct Tile {
 };
 
 // The tiles that a grid is cut into.
-class Tiles {
+class LayTiles {
 public:
-    Tiles(Layout layout, const GridHeader& lattice, bool inFile)
+    LayTiles(Layout layout, const GridHeader& lattice, bool inFile)
         : nrows_(static_cast<std::size_t>(lattice.nrows)), ncols_(static_cast<std::size_t>(lattice.ncols))
     {
         const std::size_t cells = cellsPerPiece(inFile ? kFileTileCells : kTileCells);
@@ -86,7 +86,7 @@ public:
 
     std::size_t cells() const { return rows_ * columns_; }
     std::size_t count() const { return across_ * ((nrows_ + rows_ - 1) / rows_); }
-    Tile operator[](std::size_t i) const
+    LayTile operator[](std::size_t i) const
     {
         const std::size_t row = i / across_ * rows_;
         const std::size_t column = i % across_ * columns_;
@@ -101,7 +101,7 @@ private:
     std::size_t across_ = 0;
 };
 
-bool fetchTile(const GetCells& source, const Tile& tile, std::size_t ncols, std::span<float> cells)
+bool fetchTile(const GetCells& source, const LayTile& tile, std::size_t ncols, std::span<float> cells)
 {
     if (tile.columns == ncols) {
         return source(tile.row * ncols, cells);
@@ -115,7 +115,7 @@ bool fetchTile(const GetCells& source, const Tile& tile, std::size_t ncols, std:
 }
 
 // Rows of whole width.
-bool layRows(std::span<const float> cells, const Tile& tile, std::size_t nrows, std::span<float> room,
+bool layRows(std::span<const float> cells, const LayTile& tile, std::size_t nrows, std::span<float> room,
              grid::CellStore& laid)
 {
     const std::size_t first = (nrows - tile.row - tile.rows) * tile.columns;
@@ -127,7 +127,7 @@ bool layRows(std::span<const float> cells, const Tile& tile, std::size_t nrows, 
     return !laid.isInFile() || laid.put(first, target.first(cells.size()));
 }
 
-bool layColumns(std::span<const float> cells, const Tile& tile, std::size_t nrows, std::span<float> room,
+bool layColumns(std::span<const float> cells, const LayTile& tile, std::size_t nrows, std::span<float> room,
                 grid::CellStore& laid)
 {
     const std::size_t first = tile.column * nrows + (nrows - tile.row - tile.rows);
@@ -151,7 +151,7 @@ bool layColumns(std::span<const float> cells, const Tile& tile, std::size_t nrow
 
 bool layCells(const GetCells& source, Layout layout, const GridHeader& lattice, grid::CellStore& laid)
 {
-    const Tiles tiles(layout, lattice, laid.isInFile());
+    const LayTiles tiles(layout, lattice, laid.isInFile());
     WorkerRooms<float> rooms;
     const std::size_t roomCells = tiles.cells() * (laid.isInFile() ? 2 : 1);
     if (!rooms.take(std::min(threadCount(), tiles.count()), roomCells)) {
@@ -161,7 +161,7 @@ bool layCells(const GetCells& source, Layout layout, const GridHeader& lattice, 
     const auto ncols = static_cast<std::size_t>(lattice.ncols);
     std::atomic<bool> good = true;
     parallelFor(tiles.count(), [&](std::size_t i, std::size_t worker) {
-        const Tile tile = tiles[i];
+        const LayTile tile = tiles[i];
         const std::span<float> room = rooms.of(worker);
         const std::span<float> cells = room.first(tile.rows * tile.columns);
         const std::span<float> further = room.subspan(cells.size());
