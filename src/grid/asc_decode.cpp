@@ -35,7 +35,8 @@ class Windows {
 public:
     explicit Windows(const GridLook& look)
         : file_(look.file.empty() ? SystemFile::none : theSystem().open(look.file, OpenFor::reading)),
-          next_(look.cellsFrom), end_(look.size)
+          next_(look.cellsFrom), end_(look.size),
+          room_(static_cast<std::size_t>(std::clamp<std::int64_t>(end_ - next_, 1, std::int64_t{kWindow})))
     {
     }
     ~Windows()
@@ -47,10 +48,7 @@ public:
     Windows(const Windows&) = delete;
     Windows& operator=(const Windows&) = delete;
 
-    [[nodiscard]] bool open()
-    {
-        return file_ != SystemFile::none && text_.allocate(kWindow) && spare_.allocate(kWindow);
-    }
+    [[nodiscard]] bool open() { return file_ != SystemFile::none && text_.allocate(room_) && spare_.allocate(room_); }
     bool atEnd() const { return next_ == end_; }
     // The lines of the window read last.
     std::string_view lines() const { return {text_.all().data(), whole_}; }
@@ -60,7 +58,7 @@ public:
     {
         const std::size_t left = filled_ - whole_;
         std::ranges::copy(text_.all().subspan(whole_, left), spare_.all().begin());
-        const auto count = static_cast<std::size_t>(std::min(end_ - next_, static_cast<std::int64_t>(kWindow - left)));
+        const auto count = static_cast<std::size_t>(std::min(end_ - next_, static_cast<std::int64_t>(room_ - left)));
         const auto target = std::as_writable_bytes(spare_.all()).subspan(left, count);
         if (!readAllAt(file_, next_, target)) {
             return false;
@@ -84,6 +82,7 @@ private:
     SystemFile file_;
     std::int64_t next_;
     std::int64_t end_;
+    std::size_t room_; // of a window
     HugeArray<char> text_;
     HugeArray<char> spare_;
     std::size_t filled_ = 0;
@@ -190,15 +189,17 @@ bool decodeAsc(const GridLook& look, CellStore& cells)
             return false;
         }
         const std::vector<LinePiece> pieces = split(windows.lines(), firstRow);
-        // One thread reads on while the others parse.
-        parallelFor(pieces.size() + 1, [&](std::size_t piece, std::size_t worker) {
-            const bool done = piece == 0 ? windows.read() : decoder.decode(pieces[piece - 1], worker);
+        const bool isLast = windows.atEnd();
+        // Unless it was the last, one thread reads on while the others parse.
+        const std::size_t reads = isLast ? 0 : 1;
+        parallelFor(pieces.size() + reads, [&](std::size_t piece, std::size_t worker) {
+            const bool done = piece < reads ? windows.read() : decoder.decode(pieces[piece - reads], worker);
             if (!done) {
                 good = false;
             }
         });
         firstRow = pieces.back().firstRow + pieces.back().rows;
-        if (windows.atEnd() && windows.lines().empty()) {
+        if (isLast) {
             break;
         }
     }

@@ -1,8 +1,10 @@
 #include "ops/class_table.h"
 
+#include "core/control_fields.h"
 #include "core/numbers.h"
 #include "host/control_lines.h"
 #include "host/ends.h"
+#include "host/quiet_input.h"
 #include "host/units.h"
 
 namespace gridforge::ops {
@@ -10,10 +12,10 @@ namespace gridforge::ops {
 namespace {
 
 constexpr std::size_t kNameColumns = 100;
+constexpr float kNoLimit = -9999.0F;
 
 ClassRow colouredRow(const std::string& line)
 {
-    constexpr float kNoLimit = -9999.0F;
     const std::string lower = LOWERCASE(line);
     ClassRow row;
     row.limit = EXTRACTREAL(line, lower, "Value", 1, kNoLimit);
@@ -38,6 +40,19 @@ ClassRow plainRow(const std::string& line)
         fail(line);
     }
     return row;
+}
+
+// As the routines above take it, or none where they would end the run.
+std::optional<float> limitIn(const std::string& line, bool coloured)
+{
+    ClassRow row;
+    if (!coloured) {
+        FreeForm values(line);
+        return isRead(values.next(row.limit)) ? std::optional(row.limit) : std::nullopt;
+    }
+    const std::optional<std::string> text = keyOrColumnValue(line, LOWERCASE(line), "Value", 1, ValueEnd::atComma);
+    row.limit = kNoLimit;
+    return text && (text->empty() || readFree(*text, row.limit)) ? std::optional(row.limit) : std::nullopt;
 }
 
 std::string nextLine(Unit unit)
@@ -74,6 +89,23 @@ ClassTable readClassTable(std::string_view file, bool coloured, const ClassWords
         fail(words.tooFew);
     }
     return table;
+}
+
+std::optional<std::vector<float>> lookAtLimits(std::string_view file, bool coloured)
+{
+    const auto lines = lookAtLines(file, kMaxClasses + 1);
+    if (!lines || lines->size() < 3) { // a heading and two rows
+        return std::nullopt;
+    }
+    ClassTable table;
+    for (std::size_t i = 1; i < lines->size(); ++i) {
+        const std::optional<float> limit = limitIn((*lines)[i], coloured);
+        if (!limit) {
+            return std::nullopt;
+        }
+        table.emplace_back().limit = *limit;
+    }
+    return risingLimits(table);
 }
 
 std::vector<float> risingLimits(const ClassTable& table)

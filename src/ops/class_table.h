@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,9 @@ struct ClassWords {
 // Reads a heading and then rows of limit and name, and with `coloured` red, green and blue, up to kMaxClasses. A row
 // that cannot be read, a row too many and less than two rows end the run. The order of the limits is not looked at.
 ClassTable readClassTable(std::string_view file, bool coloured, const ClassWords& words);
+
+// The limits that readClassTable will find, without a word. None where anything about the table is out of the ordinary.
+std::optional<std::vector<float>> lookAtLimits(std::string_view file, bool coloured);
 
 // The limits in a form that never falls, with the same class for every value: a limit that lies below an earlier one,
 // or is not a number, is never the first that a value reaches.

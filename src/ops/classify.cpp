@@ -3,18 +3,19 @@
 #include "core/names.h"
 #include "core/numbers.h"
 #include "grid/header.h"
-#include "grid/writer.h"
 #include "host/ends.h"
 #include "host/units.h"
 #include "ops/class_table.h"
 #include "ops/classify_cells.h"
-#include "run/load.h"
+#include "run/cell_story.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace gridforge::ops {
 
@@ -110,7 +111,8 @@ void writeNumbers(Unit unit, std::span<const float> cells, float null, const Num
     writeLine(unit, "");
 }
 
-void writeClassifiedAsc(const std::string& name, const GridHeader& header, const Grid& classes, const ClassTable& table)
+void writeClassifiedAsc(const std::string& name, const GridHeader& header, const grid::CellSource& classes,
+                        const ClassTable& table)
 {
     say("Writting .asc in classified format.");
     Unit unit = 0;
@@ -120,8 +122,15 @@ void writeClassifiedAsc(const std::string& name, const GridHeader& header, const
     writeClassLines(unit, table);
     say("Allocating ", grid::gridKilobytes(header.nrows, header.ncols), "Kb memory for conversion to integer grid...");
     const NumberTexts texts;
+    const auto columns = static_cast<std::size_t>(header.ncols);
+    std::vector<float> room(columns);
     for (std::int32_t row = header.nrows; row >= 1; --row) {
-        writeNumbers(unit, classes.row(row), header.null, texts);
+        const std::size_t first = static_cast<std::size_t>(header.nrows - row) * columns;
+        const auto cells = classes.get(first, columns, room);
+        if (!cells) {
+            failMemory(); // cells that waited and cannot be read again
+        }
+        writeNumbers(unit, *cells, header.null, texts);
         if (row % run::kProgressRows == 0) {
             progress(row);
         }
@@ -151,30 +160,31 @@ void runClassify(const run::RunSettings& givenSettings, const run::InputFileList
         settings.formatSpecified = true;
     }
 
-    Grid input;
-    Grid output;
-    const run::LoadSteps steps{
-        .opening = "Loading grid data...",
-        .purpose = "storing input grid...",
-        .prepare = [&](const GridHeader& lattice) { grid::allocateGrid(output, lattice, "storing output grid..."); },
-        .reading = "Reading data...",
-        .done = "   Done."};
-    const run::LoadedGrid loaded = run::loadGrid(inputs[1], steps, input);
+    const std::optional<std::vector<float>> looked = lookAtLimits(settings.classFile, settings.rgb);
+    std::vector<float> limits = looked.value_or(std::vector<float>());
+    const auto kernel = [&limits](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces classes) {
+        classifyCells(cells[0], piece.nulls[0], limits, classes[0]);
+    };
+    run::CellStory story(settings, inputs, {.ordinary = looked.has_value()}, kernel);
+    const run::LoadedGrid loaded = story.load(
+        1, {.opening = "Loading grid data...",
+            .purpose = "storing input grid...",
+            .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
+            .reading = "Reading data...",
+            .done = "   Done."});
     const GridHeader& header = loaded.header;
 
     ClassTable table = readClassTable(settings.classFile, settings.rgb, kWords);
     checkOrder(table);
-    const std::vector<float> limits = risingLimits(table);
-    run::overRows("Processing Row:", header.nrows, header.ncols, [&](const run::CellBlock& block) {
-        classifyCells(run::cellsOf(input, block), header.null, limits, run::cellsOf(output, block));
-    });
+    limits = risingLimits(table);
+    story.compute("Processing Row:");
     say("   Done.");
 
     const std::string base = run::outputNameRule(settings, inputs[1], "_classified");
     const std::int32_t format = run::outputFormatRule(settings, loaded.format);
     if (!settings.grc) {
         say("Writing clssified grid to: ", base);
-        grid::writeGrid(format, base, header, output, loaded.projectionText, settings.decimals);
+        story.write(0, format, base, header, loaded.projectionText, settings.decimals);
         return;
     }
     if (format != grid::kFormatAsc) {
@@ -183,7 +193,7 @@ void runClassify(const run::RunSettings& givenSettings, const run::InputFileList
     if (!settings.rgb) {
         shadeClasses(table);
     }
-    writeClassifiedAsc(withAsc(base), header, output, table);
+    writeClassifiedAsc(withAsc(base), header, story.cells(0), table);
 }
 
 } // namespace gridforge::ops

@@ -2,9 +2,8 @@
 #include "ops/conv.h"
 
 #include "core/numbers.h"
-#include "grid/writer.h"
 #include "host/ends.h"
-#include "run/load.h"
+#include "run/cell_story.h"
 #include "run/outputs.h"
 #include "run/still_to_read.h"
 
@@ -32,18 +31,18 @@ std::int32_t convertedFormat(const run::RunSettings& settings, std::int32_t form
     return grid::kFormatAsc;
 }
 
-void convert(const run::RunSettings& settings, const std::string& name, std::span<const run::InputGrid> stillToRead)
+void convert(const run::RunSettings& settings, const run::InputFileList& input,
+             std::span<const run::InputGrid> stillToRead)
 {
-    Grid cells;
-    const run::LoadedGrid grid = run::loadGrid(name, {.purpose = "external grid..."}, cells);
+    run::CellStory story(settings, input);
+    const run::LoadedGrid grid = story.load(1, {.purpose = "external grid..."});
 
     const std::int32_t format = convertedFormat(settings, grid.format);
-    const std::string base = run::outputNameRule(settings, name, "");
+    const std::string base = run::outputNameRule(settings, input[1], "");
     run::requireNoInput(format, base, stillToRead);
-    grid::writeGrid(format, base, grid.header, cells, grid.projectionText, settings.decimals);
+    story.write(0, format, base, grid.header, grid.projectionText, settings.decimals);
 
     say("Deallocating memory...");
-    cells.release();
     say("   Done.");
 }
 
@@ -62,7 +61,7 @@ void runConv(const run::RunSettings& settings, const run::InputFileList& inputs)
     const std::vector<run::InputGrid> grids = run::inputGrids(inputs);
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         say("Proecsing File:", integerField(i, kIndexColumns), ": ", inputs[i]);
-        convert(settings, inputs[i], std::span(grids).subspan(static_cast<std::size_t>(i)));
+        convert(settings, inputs.only(i), std::span(grids).subspan(static_cast<std::size_t>(i)));
     }
 }
 

@@ -6,10 +6,11 @@
 #include "host/units.h"
 #include "ops/class_table.h"
 #include "ops/histogram_cells.h"
-#include "run/load.h"
-#include "run/rows.h"
+#include "run/cell_story.h"
 
 #include <numeric>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -78,20 +79,23 @@ void runHistogram(const run::RunSettings& settings, const run::InputFileList& in
     if (inputs.count() > 1) {
         fail("ERROR - Only a single grid file accepetd for \"-histogram\" option.");
     }
-    Grid input;
-    const run::LoadSteps steps{.opening = "Loading grid data...",
-                               .purpose = "storing input grid...",
-                               .reading = "Reading data...",
-                               .done = "   Done."};
-    const GridHeader header = run::loadGrid(inputs[1], steps, input).header;
+    const std::optional<std::vector<float>> looked = lookAtLimits(settings.classFile, false);
+    std::vector<float> limits = looked.value_or(std::vector<float>());
+    const auto kernel = [&limits](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces) {
+        countBins(cells[0], piece.nulls[0], limits, piece.tallies.first(limits.size() + 1));
+    };
+    run::CellStory story(settings, inputs, {.grids = 0, .tallies = kMaxClasses + 1, .ordinary = looked.has_value()},
+                         kernel);
+    story.load(1, {.opening = "Loading grid data...",
+                   .purpose = "storing input grid...",
+                   .reading = "Reading data...",
+                   .done = "   Done."});
 
     const ClassTable bins = readClassTable(settings.classFile, false, kWords);
     checkOrder(bins);
-    const std::vector<float> limits = risingLimits(bins);
-    std::vector<std::int64_t> counts(bins.size() + 1);
-    run::overRows("Processing Row:", header.nrows, header.ncols, [&](const run::CellBlock& block) {
-        countBins(run::cellsOf(input, block), header.null, limits, counts);
-    });
+    limits = risingLimits(bins);
+    story.compute("Processing Row:");
+    const std::span<const std::int64_t> counts = story.tallies().first(bins.size() + 1);
     say("   Done.");
     const std::int64_t total = std::accumulate(counts.begin(), counts.end(), std::int64_t{0});
     say("Found ", total, " non-null values.");

@@ -3,12 +3,17 @@
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "ops/stat_cells.h"
+#include "run/cells_ahead.h"
 #include "run/legend.h"
 #include "run/load.h"
 #include "run/outputs.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <functional>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -16,13 +21,30 @@ namespace gridforge::ops {
 
 namespace {
 
+// One statistic, or all ranks: what is made of the cells of all grids, and which of the grids that the run makes are its own.
+struct Statistic {
+    std::function<void(CellStack grids, float null, run::OutputPieces results)> compute;
+    std::size_t firstGrid = 0;
+    std::size_t grids = 2;
+};
+
+struct Statistics {
+    std::optional<Statistic> minimum;
+    std::optional<Statistic> maximum;
+    std::optional<Statistic> ranks;
+    std::optional<Statistic> mean;
+    std::optional<Statistic> fraction;
+    std::size_t grids = 0; // of all
+};
+
 // All grids of the run, and how the results are written.
 struct StatRun {
     GridHeader first;
     std::int32_t firstFormat = grid::kFormatAsc;
-    std::string projectionText; // of the last grid
-    std::vector<Grid> grids;
-    std::vector<std::span<const float>> cells; // of each grid
+    std::string projectionText;                        // of the last grid
+    std::optional<std::vector<grid::CellStore>> ready; // the results, where they were computed ahead
+    std::vector<Grid> grids;                           // else the inputs
+    std::vector<std::span<const float>> cells;         // of each grid
     std::string base;
     std::int32_t format = grid::kFormatAsc;
     std::int32_t decimals = 0;
@@ -55,11 +77,13 @@ void allocateSilently(Grid& grid, const GridHeader& header)
     }
 }
 
-ValueAndSource allocatePair(const GridHeader& header)
+ValueAndSource allocatePair(const StatRun& run)
 {
     ValueAndSource pair;
-    allocateSilently(pair.values, header);
-    allocateSilently(pair.sources, header);
+    if (!run.ready) {
+        allocateSilently(pair.values, run.first);
+        allocateSilently(pair.sources, run.first);
+    }
     return pair;
 }
 
@@ -100,7 +124,9 @@ void allocateAll(const GridHeader& first, StatRun& run)
     const auto grids = static_cast<std::int32_t>(run.grids.size());
     say("Allocating ", megabytes(first, grids, 4), " Mb of memory for storing all grids.");
     for (Grid& grid : run.grids) {
-        allocateSilently(grid, first);
+        if (!run.ready) {
+            allocateSilently(grid, first);
+        }
     }
 }
 
@@ -115,10 +141,11 @@ void requireSameNull(const GridHeader& header, const run::InputFileList& inputs,
 run::LoadSteps stepsOf(const run::InputFileList& inputs, std::int32_t i, StatRun& run)
 {
     if (i == 1) {
-        return {.prepare = [&](const GridHeader& first) { allocateAll(first, run); }};
+        return {.prepare = [&](const GridHeader& first) { allocateAll(first, run); }, .ahead = run.ready.has_value()};
     }
     return {.match = &run.first,
-            .prepare = [&inputs, i, &run](const GridHeader& header) { requireSameNull(header, inputs, i, run); }};
+            .prepare = [&inputs, i, &run](const GridHeader& header) { requireSameNull(header, inputs, i, run); },
+            .ahead = run.ready.has_value()};
 }
 
 void readAll(const run::InputFileList& inputs, StatRun& run)
@@ -137,29 +164,54 @@ void readAll(const run::InputFileList& inputs, StatRun& run)
     say("Finished reading input grids.");
 }
 
-void write(const StatRun& run, std::string_view announced, std::string_view suffix, const Grid& cells)
+// Statistic by statistic, unless they were computed ahead.
+void compute(const StatRun& run, const Statistic& statistic, run::OutputPieces results)
+{
+    if (!run.ready) {
+        statistic.compute(run.cells, run.first.null, results);
+    }
+}
+
+// Grid `i` of those that the run makes, which is `cells` where it was not computed ahead.
+void write(StatRun& run, std::string_view announced, std::string_view suffix, std::size_t i, const Grid& cells)
 {
     const std::string name = join(run.base, suffix);
     say(announced, name);
-    grid::writeGrid(run.format, name, run.first, cells, run.projectionText, run.decimals);
+    const grid::CellSource source = run.ready ? grid::CellSource((*run.ready)[i], run.first) : grid::CellSource(cells);
+    grid::writeGrid(run.format, name, run.first, source, run.projectionText, run.decimals);
+    if (run.ready) {
+        (*run.ready)[i].release();
+    }
 }
 
-void doMinimum(const StatRun& run, ValueAndSource& result)
+// What is said and written of the minimum, the maximum and the mean.
+struct PairWords {
+    std::string_view processing;
+    std::string_view values;
+    std::string_view sources;
+    std::string_view name;
+};
+constexpr PairWords kMinimum{"Processing grid minimums...",
+                             "Writing minimum values to: ", "Writing minimum source file to: ", "_Min"};
+constexpr PairWords kMaximum{"Processing grid maximums...",
+                             "Writing maximums values to: ", "Writing maximums source file to: ", "_Max"};
+constexpr PairWords kMean{"Processing grid mean...",
+                          "Writing mean values to: ", "Writing mean source file to: ", "_Mean"};
+
+void doPair(StatRun& run, const Statistic& statistic, const PairWords& words, ValueAndSource& result)
 {
-    say("Processing grid minimums...");
-    findMinimum(run.cells, run.first.null, result.values.cells(), result.sources.cells());
+    say(words.processing);
+    const std::array<std::span<float>, 2> results = {result.values.cells(), result.sources.cells()};
+    compute(run, statistic, results);
     say("Done.");
-    write(run, "Writing minimum values to: ", "_Min_Val", result.values);
-    write(run, "Writing minimum source file to: ", "_Min_Src", result.sources);
+    write(run, words.values, join(words.name, "_Val"), statistic.firstGrid, result.values);
+    write(run, words.sources, join(words.name, "_Src"), statistic.firstGrid + 1, result.sources);
 }
 
-void doMaximum(const StatRun& run, ValueAndSource& result)
+bool areRanks(const std::vector<std::int32_t>& ranks, std::int32_t grids)
 {
-    say("Processing grid maximums...");
-    findMaximum(run.cells, run.first.null, result.values.cells(), result.sources.cells());
-    say("Done.");
-    write(run, "Writing maximums values to: ", "_Max_Val", result.values);
-    write(run, "Writing maximums source file to: ", "_Max_Src", result.sources);
+    return std::ssize(ranks) <= grids &&
+           std::ranges::all_of(ranks, [grids](std::int32_t rank) { return rank >= 1 && rank <= grids; });
 }
 
 void checkRanks(const std::vector<std::int32_t>& ranks, std::int32_t grids)
@@ -174,42 +226,93 @@ void checkRanks(const std::vector<std::int32_t>& ranks, std::int32_t grids)
     }
 }
 
-void doRanks(const StatRun& run, const RankList& list)
+void doRanks(StatRun& run, const Statistic& statistic, const RankList& list)
 {
-    const auto grids = static_cast<std::int32_t>(run.grids.size());
-    checkRanks(list.ranks, grids);
+    checkRanks(list.ranks, static_cast<std::int32_t>(run.grids.size()));
     const auto count = static_cast<std::int32_t>(list.ranks.size());
     say("Allocating ", megabytes(run.first, count, 8), " Mb of memory for storing ranked grids.");
     std::vector<ValueAndSource> ranked;
-    std::vector<RankResult> results;
-    for (const std::int32_t rank : list.ranks) {
-        ValueAndSource& pair = ranked.emplace_back(allocatePair(run.first));
-        results.push_back({rank, pair.values.cells(), pair.sources.cells()});
+    std::vector<std::span<float>> results;
+    for (std::size_t p = 0; p < list.ranks.size(); ++p) {
+        ValueAndSource& pair = ranked.emplace_back(allocatePair(run));
+        results.push_back(pair.values.cells());
+        results.push_back(pair.sources.cells());
     }
-    findRanks(run.cells, run.first.null, results);
+    compute(run, statistic, results);
     for (std::size_t p = 0; p < ranked.size(); ++p) {
         const std::int32_t rank = list.ranks[p];
         const std::string kind = rank == list.median ? "_Median" : join("_Rank", rank);
-        write(run, "Writing rank values to: ", kind + "_Val", ranked[p].values);
-        write(run, "Writing rank / median source file to: ", kind + "_Src", ranked[p].sources);
+        const std::size_t i = statistic.firstGrid + 2 * p;
+        write(run, "Writing rank values to: ", kind + "_Val", i, ranked[p].values);
+        write(run, "Writing rank / median source file to: ", kind + "_Src", i + 1, ranked[p].sources);
     }
 }
 
-void doMean(const StatRun& run, ValueAndSource& result)
-{
-    say("Processing grid mean...");
-    findMean(run.cells, run.first.null, result.values.cells(), result.sources.cells());
-    say("Done.");
-    write(run, "Writing mean values to: ", "_Mean_Val", result.values);
-    write(run, "Writing mean source file to: ", "_Mean_Src", result.sources);
-}
-
-void doFraction(const StatRun& run, ValueAndSource& result)
+void doFraction(StatRun& run, const Statistic& statistic, ValueAndSource& result)
 {
     say("Processing grid fraction wet...");
-    findFraction(run.cells, run.first.null, result.values.cells());
+    const std::array<std::span<float>, 1> results = {result.values.cells()};
+    compute(run, statistic, results);
     say("Done.");
-    write(run, "Writing fraction values to: ", "_Frac_Wet", result.values);
+    write(run, "Writing fraction values to: ", "_Frac_Wet", statistic.firstGrid, result.values);
+}
+
+// What the settings ask for, in the order in which it is told.
+Statistics statisticsOf(const run::RunSettings& settings, const RankList& list)
+{
+    Statistics all;
+    const auto add = [&all](std::optional<Statistic>& statistic, std::size_t grids, auto compute) {
+        statistic = Statistic{compute, all.grids, grids};
+        all.grids += grids;
+    };
+    if (settings.statMin || settings.statAll) {
+        add(all.minimum, 2,
+            [](CellStack grids, float null, run::OutputPieces to) { findMinimum(grids, null, to[0], to[1]); });
+    }
+    if (settings.statMax || settings.statAll) {
+        add(all.maximum, 2,
+            [](CellStack grids, float null, run::OutputPieces to) { findMaximum(grids, null, to[0], to[1]); });
+    }
+    if (!list.ranks.empty()) {
+        add(all.ranks, 2 * list.ranks.size(), [ranks = list.ranks](CellStack grids, float null, run::OutputPieces to) {
+            std::vector<RankResult> results;
+            for (std::size_t p = 0; p < ranks.size(); ++p) {
+                results.push_back({ranks[p], to[2 * p], to[2 * p + 1]});
+            }
+            findRanks(grids, null, results);
+        });
+    }
+    if (settings.statMean || settings.statAll) {
+        add(all.mean, 2,
+            [](CellStack grids, float null, run::OutputPieces to) { findMean(grids, null, to[0], to[1]); });
+    }
+    if (settings.statFrac || settings.statAll) {
+        add(all.fraction, 1, [](CellStack grids, float null, run::OutputPieces to) {
+            std::ranges::fill(to[0], null); // it stays where a cell is dry, as any pass before has it
+            findFraction(grids, null, to[0]);
+        });
+    }
+    return all;
+}
+
+std::optional<std::vector<grid::CellStore>> resultsAhead(const run::RunSettings& settings,
+                                                         const run::InputFileList& inputs, const RankList& list,
+                                                         const Statistics& statistics)
+{
+    const auto looks = run::lookAtInputs(inputs, areRanks(list.ranks, inputs.count()));
+    if (!looks) {
+        return std::nullopt;
+    }
+    const auto kernel = [&statistics](const run::CellPiece& piece, run::InputPieces grids, run::OutputPieces results) {
+        for (const auto* statistic :
+             {&statistics.minimum, &statistics.maximum, &statistics.ranks, &statistics.mean, &statistics.fraction}) {
+            if (statistic->has_value()) {
+                const Statistic& one = **statistic;
+                one.compute(grids, piece.nulls[0], results.subspan(one.firstGrid, one.grids));
+            }
+        }
+    };
+    return run::mapAhead(*looks, run::outputWish(settings, inputs[1], looks->front().format, statistics.grids), kernel);
 }
 
 } // namespace
@@ -220,7 +323,9 @@ void runStat(const run::RunSettings& settings, const run::InputFileList& inputs)
     checkCount(inputs.count());
     const RankList list = settleRanks(settings, inputs.count());
 
+    const Statistics statistics = statisticsOf(settings, list);
     StatRun run;
+    run.ready = resultsAhead(settings, inputs, list, statistics);
     readAll(inputs, run);
     run.base = run::outputNameRule(settings, inputs[1], "");
     run.format = run::outputFormatRule(settings, run.firstFormat);
@@ -228,25 +333,21 @@ void runStat(const run::RunSettings& settings, const run::InputFileList& inputs)
     run::writeSourceLegend(run.base + "_Src_legend.csv", inputs);
 
     // One pair of arrays serves all statistics but the ranks.
-    ValueAndSource result = allocatePair(run.first);
-    if (settings.statMin || settings.statAll) {
-        doMinimum(run, result);
+    ValueAndSource result = allocatePair(run);
+    if (statistics.minimum) {
+        doPair(run, *statistics.minimum, kMinimum, result);
     }
-    if (settings.statMax || settings.statAll) {
-        doMaximum(run, result);
+    if (statistics.maximum) {
+        doPair(run, *statistics.maximum, kMaximum, result);
     }
-    if (!list.ranks.empty()) {
-        doRanks(run, list);
+    if (statistics.ranks) {
+        doRanks(run, *statistics.ranks, list);
     }
-    if (settings.statMean || settings.statAll) {
-        doMean(run, result);
+    if (statistics.mean) {
+        doPair(run, *statistics.mean, kMean, result);
     }
-    if (settings.statFrac || settings.statAll) {
-        // The fraction leaves dry cells as the pass before did, which is null; without one they are made so here.
-        if (!settings.statMin && !settings.statMax && !settings.statMean && !settings.statAll) {
-            std::ranges::fill(result.values.cells(), run.first.null);
-        }
-        doFraction(run, result);
+    if (statistics.fraction) {
+        doFraction(run, *statistics.fraction, result);
     }
 }
 

@@ -23,7 +23,7 @@ CellStory::CellStory(const RunSettings& settings, const InputFileList& inputs, c
     : names_(inputs), mapKernel_(std::move(kernel)), inputs_(static_cast<std::size_t>(inputs.count())),
       nulls_(static_cast<std::size_t>(inputs.count())), tallies_(plan.tallies)
 {
-    if (const auto looks = lookAtInputs(inputs)) {
+    if (const auto looks = lookAtInputs(inputs, plan.ordinary)) {
         keep(mapAhead(*looks, wishOf(settings, inputs, plan, *looks), mapKernel_, tallies_));
     }
 }
@@ -32,8 +32,18 @@ CellStory::CellStory(const RunSettings& settings, const InputFileList& inputs, c
     : names_(inputs), foldKernel_(std::move(kernel)), inputs_(1), nulls_(static_cast<std::size_t>(inputs.count())),
       tallies_(plan.tallies)
 {
-    if (const auto looks = lookAtInputs(inputs)) {
+    if (const auto looks = lookAtInputs(inputs, plan.ordinary)) {
         keep(foldAhead(*looks, wishOf(settings, inputs, plan, *looks), foldKernel_, tallies_));
+    }
+}
+
+CellStory::CellStory(const RunSettings& settings, const InputFileList& input) : names_(input), inputs_(1), nulls_(1)
+{
+    if (const auto looks = lookAtInputs(input)) {
+        const grid::GridLook& look = looks->front();
+        OutputWish wish = outputWish(settings, input[1], look.format, 1);
+        wish.binary = look.format == grid::kFormatAsc;
+        keep(copyAhead(look, wish));
     }
 }
 
@@ -132,14 +142,20 @@ void CellStory::take(std::int32_t i)
     work({.start = 0, .count = lattice_.cells()}, i);
 }
 
+grid::CellSource CellStory::cells(std::size_t i)
+{
+    if (ahead_) {
+        return {ready_[i], lattice_};
+    }
+    return outputs_.empty() ? inputs_.front() : outputs_[i];
+}
+
 void CellStory::write(std::size_t i, std::int32_t format, std::string_view base, const GridHeader& header,
                       std::string_view projectionText, std::int32_t decimals)
 {
+    grid::writeGrid(format, base, header, cells(i), projectionText, decimals);
     if (ahead_) {
-        grid::writeGrid(format, base, header, grid::CellSource(ready_[i], header), projectionText, decimals);
         ready_[i].release();
-    } else {
-        grid::writeGrid(format, base, header, outputs_[i], projectionText, decimals);
     }
 }
 

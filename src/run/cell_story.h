@@ -2,6 +2,7 @@
 // which they are unless what the run writes could be computed ahead. An operation is one text for both ways.
 #pragma once
 
+#include "grid/cell_source.h"
 #include "grid/cell_store.h"
 #include "grid/grid.h"
 #include "run/cells_ahead.h"
@@ -26,6 +27,7 @@ struct CellPlan {
     std::size_t grids = 1;
     std::size_t tallies = 0;
     std::string_view namedAfter = {}; // the input that names the output; the first where it is blank
+    bool ordinary = true;             // what else the cells depend on; if not, the run goes step by step
 };
 
 class CellStory {
@@ -34,6 +36,9 @@ public:
     CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, MapKernel kernel);
     // Of one that takes one input after the other.
     CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, FoldKernel kernel);
+
+    // Of none: the one input is written in its other format.
+    CellStory(const RunSettings& settings, const InputFileList& input);
 
     bool isAhead() const { return ahead_; }
 
@@ -54,6 +59,8 @@ public:
     void take(std::int32_t i);
 
     std::span<const std::int64_t> tallies() const { return tallies_; }
+    // Grid `i` on its way to a file of its own kind.
+    grid::CellSource cells(std::size_t i);
     // Grid `i` is written, and its cells are gone where they waited.
     void write(std::size_t i, std::int32_t format, std::string_view base, const GridHeader& header,
                std::string_view projectionText, std::int32_t decimals);

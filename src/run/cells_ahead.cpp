@@ -281,8 +281,11 @@ std::size_t partsOf(std::size_t cells)
     return (cells + cellsOfPart() - 1) / cellsOfPart();
 }
 
-std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs)
+std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs, bool ordinary)
 {
+    if (!ordinary) {
+        return went(Way::oddInput);
+    }
     std::vector<grid::GridLook> looks;
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         std::optional<grid::GridLook> look = grid::lookAtGrid(inputs[i]);
@@ -374,6 +377,24 @@ std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::Grid
     }
     went(Way::ahead);
     pass.putTallies(tallies);
+    return outputs;
+}
+
+std::optional<std::vector<grid::CellStore>> copyAhead(const grid::GridLook& look, const OutputWish& wish)
+{
+    if (look.format == grid::kFormatFlt) {
+        return mapAhead(std::span(&look, 1), wish, [](const CellPiece&, InputPieces cells, OutputPieces copy) {
+            std::ranges::copy(cells[0], copy[0].begin());
+        });
+    }
+    auto outputs = takeOutputs(look.header.cells(), wish);
+    if (!outputs) {
+        return went(Way::noRoom);
+    }
+    if (!grid::decodeAsc(look, outputs->front())) {
+        return went(Way::oddText);
+    }
+    went(Way::ahead);
     return outputs;
 }
 

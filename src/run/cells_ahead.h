@@ -25,8 +25,9 @@ enum class Way { ahead, oddInput, otherLattice, oddText, readRefused, noRoom };
 std::size_t waysGone(Way way);
 void countWay(Way way);
 
-// Inputs of one lattice, as a silent look found them. None where one is out of the ordinary or of another lattice.
-std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs);
+// Inputs of one lattice, as a silent look found them. None where one is out of the ordinary or of another lattice, or what
+// else the run needs is not `ordinary`.
+std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs, bool ordinary = true);
 
 // Where the computed grids will be written, most likely. Another place or format costs only time.
 struct OutputWish {
@@ -67,5 +68,8 @@ std::optional<std::vector<grid::CellStore>> mapAhead(std::span<const grid::GridL
                                                      const MapKernel& kernel, std::span<std::int64_t> tallies = {});
 std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::GridLook> inputs, const OutputWish& wish,
                                                       const FoldKernel& kernel, std::span<std::int64_t> tallies = {});
+
+// The cells of an input as they are.
+std::optional<std::vector<grid::CellStore>> copyAhead(const grid::GridLook& input, const OutputWish& wish);
 
 } // namespace gridforge::run

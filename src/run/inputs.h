@@ -21,12 +21,18 @@ public:
     void add(std::string name) { names_.push_back(std::move(name)); }
     // The last input named the output, so it is no input.
     void dropLast() { names_.pop_back(); }
-    // The first `count` of them.
+    // The first `count` of them, and input `i` alone.
     InputFileList first(std::int32_t count) const
     {
         InputFileList some;
         some.names_.assign(names_.begin(), names_.begin() + count);
         return some;
+    }
+    InputFileList only(std::int32_t i) const
+    {
+        InputFileList one;
+        one.add((*this)[i]);
+        return one;
     }
 
 private:

@@ -402,6 +402,7 @@ const std::vector<FaultRun>& faultRuns()
         {"Cutoff", "-b -cd5 a.asc", giveAscs, true},
         {"CutoffTwo", "-b -cd5 a.flt b.flt", giveFlts, true},
         {"ResizeAverage", "-b -resize2 a.asc", giveAscs, true},
+        {"ResizeLarge", "-b -resize1 a.flt -out d.flt", giveLargeFlts, true},
         {"ResizeMaximum", "-b -resize2 -rm_max a.flt", giveFlts, true},
         {"Classify", "-b -classify classes.csv a.asc", giveClasses, true},
         {"ClassifyColours", "-b -classify classes.csv -RGB -grc a.asc", giveClasses, true},

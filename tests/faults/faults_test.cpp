@@ -181,11 +181,11 @@ std::vector<Lines> rightEnds(const SystemCall& call, Kind kind)
     return ends;
 }
 
-// Is this a look at a grid that is opened once more later? Where a look fails, the run goes step by step.
+// Is this a look at a grid or a table that is opened once more later? Where a look fails, the run goes step by step.
 bool isLook(const SystemCall& call, const SystemRun& good)
 {
     const bool isStat = call.function == "stat";
-    if (!endsAsOne(call.file, ".asc .flt .hdr") || !(isStat || call.role == 'r')) {
+    if (!endsAsOne(call.file, ".asc .flt .hdr .csv") || !(isStat || call.role == 'r')) {
         return false;
     }
     bool isLater = false;

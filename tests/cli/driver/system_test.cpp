@@ -17,10 +17,11 @@ std::string fail(const std::string& function, int number, int error)
     return "fail " + function + " " + std::to_string(number) + " " + std::to_string(error);
 }
 
-struct ConvRun : ToolRun {
-    explicit ConvRun(const std::string& mission) : ToolRun("-b -conv a.asc")
+// Writes kCells, always step by step.
+struct GridRun : ToolRun {
+    explicit GridRun(const std::string& mission) : ToolRun("-b -xyz a.xyz -out a.flt")
     {
-        give("a.asc", ascGrid(kCells));
+        give("a.xyz", "0 1 1\n1 1 2\n2 1 -9999\n0 0 4\n1 0 5\n2 0 6\n");
         askSystem(*this, mission);
         start();
         EXPECT_EQ(status(), 0);
@@ -30,7 +31,7 @@ struct ConvRun : ToolRun {
 
 void expectGood(const std::string& mission)
 {
-    const ConvRun run(mission);
+    const GridRun run(mission);
     EXPECT_TRUE(run.says("Finished.")) << mission;
     EXPECT_GRID(run, "a.flt", kCells);
     EXPECT_NO_OTHER_FILES(run);
@@ -40,7 +41,7 @@ void expectGood(const std::string& mission)
 TEST(SystemCli, AFailedWriteEndsTheRun)
 {
     for (const int error : {ENOSPC, EIO}) {
-        const ConvRun run(fail("write", 2, error));
+        const GridRun run(fail("write", 2, error));
         EXPECT_CONSOLE_HOLDS(
             run, {"Finished writing FLT grid.", "ERROR - Could not write to file: a.flt", "", "Press Enter to Close"});
     }
@@ -48,18 +49,18 @@ TEST(SystemCli, AFailedWriteEndsTheRun)
 
 TEST(SystemCli, AFailedCloseOfAnOutputEndsTheRun)
 {
-    const ConvRun cells(fail("close", 2, EIO));
+    const GridRun cells(fail("close", 2, EIO));
     EXPECT_CONSOLE_HOLDS(
         cells, {"Finished writing FLT grid.", "ERROR - Could not write to file: a.flt", "", "Press Enter to Close"});
     // The file of the header is closed when the cells are there.
-    const ConvRun header(fail("close", 3, EIO));
+    const GridRun header(fail("close", 3, EIO));
     EXPECT_CONSOLE_HOLDS(
         header, {"...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr", "", "Press Enter to Close"});
 }
 
 TEST(SystemCli, AFailedWriteOfTheFirstLetterEndsTheRun)
 {
-    const ConvRun run(fail("pwrite", 1, EIO));
+    const GridRun run(fail("pwrite", 1, EIO));
     EXPECT_CONSOLE_HOLDS(
         run, {"...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr", "", "Press Enter to Close"});
 }
@@ -69,11 +70,22 @@ TEST(SystemCli, AFailedCloseOfAnInputIsIgnored)
     expectGood(fail("close", 1, EIO));
 }
 
+// What is read of the header before the run tells of it may fail.
 TEST(SystemCli, AFailedReadEndsTheRun)
 {
-    const ConvRun run(fail("read", 1, EIO));
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"ERROR 2334 - Reading Grid file header information.", "Line = ", "", "Press Enter to Close"});
+    int ends = 0;
+    for (int number = 1; number <= 10; ++number) {
+        ToolRun run("-b -conv a.asc");
+        run.give("a.asc", ascGrid(kCells));
+        askSystem(run, fail("read", number, EIO));
+        run.start();
+        if (!run.says("Finished.")) {
+            ++ends;
+            EXPECT_CONSOLE_HOLDS(
+                run, {"ERROR 2334 - Reading Grid file header information.", "Line = ", "", "Press Enter to Close"});
+        }
+    }
+    EXPECT_EQ(ends, 1);
 }
 
 // The answer is there all the same, and a second read would find it.
@@ -172,26 +184,48 @@ TEST(SystemCli, AnAscLooksWholeNoSoonerThanItIs)
     EXPECT_EQ(kill(3, "after"), kWholeAsc);
 }
 
-// The .hdr is opened and written, the .flt opened, given its room, written and closed; then the first letter of the .hdr is
-// written, and it is closed.
+using HeaderAndSize = std::pair<std::string, std::size_t>;
+
+HeaderAndSize filesOfConversion(int event, const std::string& when, const std::string& otherName)
+{
+    ToolRun run("-b -conv a.asc");
+    run.give("a.asc", ascGrid(kCells));
+    run.give("a.flt", fltCells({{1, 2}, {3, 4}, {5, 6}}));
+    run.give("a.hdr", hdr(2, 3));
+    if (!otherName.empty()) {
+        std::filesystem::create_hard_link(run.folder() / "a.flt", run.folder() / otherName);
+    }
+    auto files = filesAfterKill(run, event, when);
+    return {files["a.hdr"], files["a.flt"].size()};
+}
+
+const std::string kHeader = "ncols 3\r\nnrows 2\r\nxllcorner 0.\r\nyllcorner 0.\r\ncellsize 1.\r\nNODATA_value "
+                            "-9999.0\r\nbyteorder LSBFIRST\r\n";
+
+// The cells wait in a file without a name, which is opened, given its room and written. The .hdr is opened and written, the .flt
+// opened. The file with the cells is cut to its size, gets a passing name and then that of the .flt; the old one and itself are
+// closed. Then the first letter of the .hdr is written, and it is closed.
 TEST(SystemCli, AHeaderLooksWholeNoSoonerThanItsCells)
 {
-    const std::string header = "ncols 3\r\nnrows 2\r\nxllcorner 0.\r\nyllcorner 0.\r\ncellsize 1.\r\nNODATA_value "
-                               "-9999.0\r\nbyteorder LSBFIRST\r\n";
-    const auto kill = [](int event, const std::string& when) {
-        ToolRun run("-b -conv a.asc");
-        run.give("a.asc", ascGrid(kCells));
-        run.give("a.flt", fltCells({{1, 2}, {3, 4}, {5, 6}}));
-        run.give("a.hdr", hdr(2, 3));
-        auto files = filesAfterKill(run, event, when);
-        return std::pair(files["a.hdr"], files["a.flt"].size());
-    };
-    EXPECT_EQ(kill(1, "after"), std::pair(std::string(), 24UL));
-    EXPECT_EQ(kill(2, "after"), std::pair("?" + header.substr(1), 24UL));
-    EXPECT_EQ(kill(3, "after"), std::pair("?" + header.substr(1), 0UL));
-    EXPECT_EQ(kill(5, "within 12"), std::pair("?" + header.substr(1), 12UL));
-    EXPECT_EQ(kill(6, "after"), std::pair("?" + header.substr(1), 24UL));
-    EXPECT_EQ(kill(7, "after"), std::pair(header, 24UL));
+    const auto kill = [](int event, const std::string& when) { return filesOfConversion(event, when, ""); };
+    EXPECT_EQ(kill(4, "after"), HeaderAndSize("", 24));
+    EXPECT_EQ(kill(5, "after"), HeaderAndSize("?" + kHeader.substr(1), 24));
+    EXPECT_EQ(kill(6, "after"), HeaderAndSize("?" + kHeader.substr(1), 0));
+    EXPECT_EQ(kill(8, "after"), HeaderAndSize("?" + kHeader.substr(1), 0));
+    EXPECT_EQ(kill(9, "after"), HeaderAndSize("?" + kHeader.substr(1), 24));
+    EXPECT_EQ(kill(11, "after"), HeaderAndSize("?" + kHeader.substr(1), 24));
+    EXPECT_EQ(kill(12, "after"), HeaderAndSize(kHeader, 24));
+}
+
+// A .flt with another name is not replaced: it is opened, given its room and written.
+TEST(SystemCli, AHeaderLooksWholeNoSoonerThanCellsThatAreCopied)
+{
+    const auto kill = [](int event, const std::string& when) { return filesOfConversion(event, when, "b.flt"); };
+    EXPECT_EQ(kill(4, "after"), HeaderAndSize("", 24));
+    EXPECT_EQ(kill(6, "after"), HeaderAndSize("?" + kHeader.substr(1), 0));
+    EXPECT_EQ(kill(9, "within 12"), HeaderAndSize("?" + kHeader.substr(1), 12));
+    EXPECT_EQ(kill(10, "after"), HeaderAndSize("?" + kHeader.substr(1), 24));
+    EXPECT_EQ(kill(11, "after"), HeaderAndSize(kHeader, 24));
 }
 
 } // namespace

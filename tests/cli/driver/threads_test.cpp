@@ -4,6 +4,7 @@
 #include "support/system_failures.h"
 #include "support/tool_run.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
@@ -46,11 +47,12 @@ void giveGrids(ToolRun& run, const std::string& extension)
     }
 }
 
-Left runWith(const std::string& arguments, const std::string& extension, const Settings& settings,
-             const std::string& mission = "")
+using Give = std::function<void(ToolRun&)>;
+
+Left runWith(const std::string& arguments, const Give& give, const Settings& settings, const std::string& mission = "")
 {
     ToolRun run(("-b " + arguments).c_str());
-    giveGrids(run, extension);
+    give(run);
     for (const auto& [name, value] : settings) {
         run.environment(name, value);
     }
@@ -59,7 +61,6 @@ Left runWith(const std::string& arguments, const std::string& extension, const S
     }
     run.start();
     EXPECT_EQ(run.status(), 0);
-    EXPECT_TRUE(run.says("Finished.")) << run.console();
     return {run.console(), run.files()};
 }
 
@@ -77,13 +78,14 @@ const std::vector<Settings>& settingsToTry()
     return settings;
 }
 
-void compareAll(const std::string& arguments, const std::string& extension)
+// Returns the console, the same of all.
+std::string compare(const std::string& arguments, const Give& give)
 {
     constexpr int kIoError = 5;
     const Left plain =
-        runWith(arguments, extension, {{"GRIDFORGE_THREADS", "1"}}, "fail pread 1 " + std::to_string(kIoError));
+        runWith(arguments, give, {{"GRIDFORGE_THREADS", "1"}}, "fail pread 1 " + std::to_string(kIoError));
     for (const Settings& settings : settingsToTry()) {
-        const Left left = runWith(arguments, extension, settings);
+        const Left left = runWith(arguments, give, settings);
         std::string shown = arguments;
         for (const auto& [name, value] : settings) {
             shown.append(", ").append(name).append("=").append(value);
@@ -91,6 +93,13 @@ void compareAll(const std::string& arguments, const std::string& extension)
         EXPECT_EQ(left.console, plain.console) << shown;
         EXPECT_TRUE(left.files == plain.files) << shown;
     }
+    return plain.console;
+}
+
+void compareAll(const std::string& arguments, const std::string& extension)
+{
+    const std::string console = compare(arguments, [&extension](ToolRun& run) { giveGrids(run, extension); });
+    EXPECT_NE(console.find("\nFinished.\n"), std::string::npos) << console;
 }
 
 TEST(ThreadsCli, ChangeNoExtremesOfTextGrids)
@@ -114,6 +123,71 @@ TEST(ThreadsCli, ChangeNothingInWhatIsMadeOfAGridOrTwo)
     compareAll("-fe a.flt", ".flt");
     compareAll("-count -cd40 a.flt", ".flt");
     compareAll("-fuzzy a.flt b.flt c.flt", ".flt");
+}
+
+TEST(ThreadsCli, ChangeNothingInConversionsTablesAndStatistics)
+{
+    compareAll("-conv a.asc b.asc", ".asc");
+    compareAll("-conv a.flt b.flt", ".flt");
+    compareAll("-statAll -statRank2 a.flt b.flt c.flt", ".flt");
+    const Give giveClasses = [](ToolRun& run) {
+        giveGrids(run, ".flt");
+        run.give("c.csv", "Limit,Name\n10,Low\n100,High\n");
+    };
+    EXPECT_NE(compare("-classify c.csv -grc -asc a.flt", giveClasses).find("\nFinished.\n"), std::string::npos);
+    EXPECT_NE(compare("-histogram c.csv a.flt", giveClasses).find("\nFinished.\n"), std::string::npos);
+}
+
+// --- Inputs that are out of the ordinary -------------------------------------------------------------------------------
+
+void compareMaximum(const std::string& line, const std::string& arguments, const std::string& extension,
+                    const Give& spoil)
+{
+    const std::string console = compare(arguments, [&](ToolRun& run) {
+        giveGrids(run, extension);
+        spoil(run);
+    });
+    EXPECT_NE(console.find(line + "\n"), std::string::npos) << console;
+}
+
+TEST(ThreadsCli, ChangeNothingWhereAFileIsMissing)
+{
+    compareMaximum("Finished.", "-max a.flt d.flt", ".flt", [](ToolRun& run) {
+        run.give("d.flt", fltCells(someCells(2)));
+        run.type("b.hdr");
+    });
+    compareMaximum("CHECK 0008 - \"d.hdr\" cannot be found", "-max a.flt d.flt", ".flt",
+                   [](ToolRun& run) { run.give("d.flt", fltCells(someCells(2))); });
+}
+
+TEST(ThreadsCli, ChangeNothingWhereAFileIsShortOrTooLong)
+{
+    const std::string cells = fltCells(someCells(2));
+    compareMaximum("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.",
+                   "-max a.flt b.flt c.flt", ".flt",
+                   [&](ToolRun& run) { run.give("c.flt", cells.substr(0, cells.size() - 1)); });
+    compareMaximum("Finished.", "-max a.flt b.flt c.flt", ".flt",
+                   [&](ToolRun& run) { run.give("b.flt", cells + "more"); });
+}
+
+TEST(ThreadsCli, ChangeNothingWhereTheLastRowIsBad)
+{
+    std::string text = ascGrid(someCells(2));
+    text.replace(text.size() - 2, 1, "x");
+    compareMaximum("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.",
+                   "-max a.asc b.asc c.asc", ".asc", [&](ToolRun& run) { run.give("c.asc", text); });
+}
+
+TEST(ThreadsCli, ChangeNothingWhereTheThirdLatticeDiffers)
+{
+    compareMaximum("ERROR - x coordinates of input grids do not match. xll = 0. and 1.", "-max a.asc b.asc c.asc",
+                   ".asc", [](ToolRun& run) { run.give("c.asc", ascGrid(someCells(2), {.xll = 1})); });
+}
+
+TEST(ThreadsCli, ChangeNothingWhereTheOutputIsAnInput)
+{
+    compareMaximum("Finished.", "-max a.flt b.flt c.flt -out b", ".flt", [](ToolRun&) {});
+    compareMaximum("Finished.", "-dif a.asc b.asc -out a", ".asc", [](ToolRun&) {});
 }
 
 } // namespace

@@ -59,6 +59,9 @@ std::ostream& operator<<(std::ostream& out, const Case& one)
     return out << one.name;
 }
 
+const std::string kClasses = "Limit,Name\n-5,Low\n0,\"None, or so\"\n12.5,Some\n100,High\n";
+const std::string kColours = "Value,Name,Red,Green,Blue\n-5,Low,0,255,0\n50,\"b, c\",255,128,0\n100,Top,9,9,9\n";
+
 std::vector<Case> cases()
 {
     return {
@@ -77,6 +80,15 @@ std::vector<Case> cases()
         {"Fuzzy", "-fuzzy", {-9999, -9999, -1}},
         {"Count", "-count", {-9999}},
         {"CountAboveCutoff", "-count -cd12.5", {-9999}},
+        {"Convert", "-conv", {-9999}},
+        {"ConvertSome", "-conv -decimal1", {-9999, -1}},
+        {"Classify", "-classify c.csv", {-9999}, {{"c.csv", kClasses}}},
+        {"ClassifyByColours", "-classify c.csv -RGB -grc -asc", {-9999}, {{"c.csv", kColours}}},
+        {"Histogram", "-histogram c.csv", {-9999}, {{"c.csv", kClasses}}},
+        {"StatAll", "-statAll", {-9999, -9999, -9999}},
+        {"StatMedian", "-statMedian", {-9999, -9999}},
+        {"StatRanks", "-statRankAll -statFrac", {-9999, -9999, -9999}},
+        {"StatMinimumAndMean", "-statMin -statMean", {-1, -1}},
     };
 }
 
