@@ -4,7 +4,6 @@
 #include "host/threads.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cassert>
 
@@ -17,19 +16,13 @@ namespace {
 // As many cells as fill a line of the processor's cache.
 constexpr std::size_t kLine = 16;
 
-// A square of cells. Both sides go line by line: where rows or columns are a power of two apart, lines that are left half
-// written would push each other out of the cache.
+// A square of cells, so that both sides go by whole lines.
 void turnSquare(const float* north, std::size_t columns, float* target, std::size_t apart)
 {
-    std::array<float, kLine * kLine> turned{};
-    const float* row = north;
-    for (std::size_t r = kLine; r-- > 0; row += columns) {
-        for (std::size_t c = 0; c < kLine; ++c) {
-            turned[c * kLine + r] = row[c];
-        }
-    }
     for (std::size_t c = 0; c < kLine; ++c) {
-        std::copy_n(turned.data() + c * kLine, kLine, target + c * apart);
+        for (std::size_t r = 0; r < kLine; ++r) {
+            target[c * apart + r] = north[(kLine - 1 - r) * columns + c];
+        }
     }
 }
 
@@ -54,7 +47,7 @@ void turnCells(std::span<const float> rows, std::size_t columns, float* target, 
     }
 }
 
-// --- LayTiles -----------------------------------------------------------------------------------------------------------
+// --- Tiles -----------------------------------------------------------------------------------------------------------
 
 namespace {
 
