@@ -5,7 +5,6 @@
 #include "gis/layer_name.h"
 #include "gis/layer_reader.h"
 #include "gis/layer_table.h"
-#include "gis/layer_tracking.h"
 #include "gis/layer_writer.h"
 #include "gis/projection.h"
 #include "host/console.h"

@@ -1,31 +1,42 @@
 #include "gis/layer_table.h"
 
+#include "core/names.h"
+#include "core/text.h"
 #include "gis/gis_messages.h"
 #include "gis/layer_reader.h"
-#include "gis/layer_tracking.h"
+#include "host/file_system.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <utility>
+#include <vector>
 
 namespace gridforge::gis {
 
 namespace {
+
+constexpr std::size_t kMaxTrackedLayers = 1000;
 
 struct Slot {
     bool taken = false;
     std::unique_ptr<OpenLayer> input;
 };
 
-std::array<Slot, kMaxLayers>& slots()
+struct LayerTable {
+    std::array<Slot, kMaxLayers> slots;
+    std::vector<std::string> inputNames; // with their folders, without extension
+};
+
+LayerTable& table()
 {
-    static std::array<Slot, kMaxLayers> theSlots;
-    return theSlots;
+    static LayerTable theTable;
+    return theTable;
 }
 
 Slot& slotOf(std::int32_t id)
 {
-    return slots()[static_cast<std::size_t>(id - 1)];
+    return table().slots[static_cast<std::size_t>(id - 1)];
 }
 
 } // namespace
@@ -33,8 +44,7 @@ Slot& slotOf(std::int32_t id)
 void initialise()
 {
     gisMessages() = {};
-    slots() = {};
-    forgetTrackedLayers();
+    table() = {};
 }
 
 std::int32_t findFreeId()
@@ -66,6 +76,21 @@ void releaseId(std::int32_t id)
 OpenLayer* inputLayer(std::int32_t id)
 {
     return id >= 1 && id <= kMaxLayers ? slotOf(id).input.get() : nullptr;
+}
+
+void trackLayer(std::string_view fileName)
+{
+    const std::string base = FILENAMEPATH(fullName(fileName));
+    std::vector<std::string>& names = table().inputNames;
+    if (std::ranges::any_of(names, [&](const std::string& known) { return ASAME(known, base); })) {
+        return;
+    }
+    if (names.size() + 1 >= kMaxTrackedLayers) {
+        gisWarn("WARNING 0317 - Exceeded limit of input GIS layers that can be tracked (layer referencing may not be "
+                "complete).");
+        return;
+    }
+    names.push_back(base);
 }
 
 } // namespace gridforge::gis

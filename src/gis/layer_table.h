@@ -1,9 +1,10 @@
-// The table from the IDs that the console shows, 1 to 100, to the open layers of a run.
+// The table from the IDs that the console shows, 1 to 100, to the open layers of a run, and the list of its input layers.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace gridforge::gis {
 
@@ -23,5 +24,9 @@ void releaseId(std::int32_t id);
 
 // The open input layer of the ID, or null.
 OpenLayer* inputLayer(std::int32_t id);
+
+// Lists an input layer when it is new to the run. Only the limit of the list shows: a warning for each new layer from
+// number 1000 on.
+void trackLayer(std::string_view fileName);
 
 } // namespace gridforge::gis
