@@ -1,6 +1,7 @@
-// The seam to the operating system: all that the tool asks of it, as one record of routines. Nothing outside the folders
-// of its forms includes a header of a system. `posix` and `windows` ask the system that the tool is built for; `memory`
-// keeps files and console in memory. Names of files are those that `systemName` returns.
+// The seam to the operating system: a record of routines for files, console, time and limits, and a few routines beside it
+// for the process itself. Nothing outside the folders of its forms includes a header of a system. `posix` and `windows` ask
+// the system that the tool is built for; `memory` keeps files and console in memory. Names of files are those that
+// `systemName` returns.
 #pragma once
 
 #include "core/huge_array.h"
@@ -95,7 +96,8 @@ struct System {
     std::int64_t (*readConsole)(std::span<char> target); // waits for input; 0 at its end
     void (*writeConsole)(std::string_view text);         // all of it, unless nobody reads the console any more
     bool (*consoleIsWatched)();                          // by a person, who is to see each line at once
-    std::int64_t (*now)();
+    std::int64_t (*now)();                               // nanoseconds
+    void (*wait)(std::int64_t nanoseconds);              // without using the processor
     CalendarDate (*today)();
 
     // --- What the process may take

@@ -1,15 +1,15 @@
 #include "core/numbers.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "host/system.h"
 #include "remap/growth.h"
 #include "remap/idw.h"
 #include "remap/progress.h"
 #include "remap/remap_run.h"
 
 #include <algorithm>
-#include <chrono>
+#include <cstdint>
 #include <limits>
-#include <thread>
 #include <utility>
 
 namespace gridforge::remap {
@@ -24,8 +24,9 @@ constexpr std::int32_t kReportIterations = 100;
 {
     say("WARNING - Fewer wet cells within reach than IDW points, the search does not end. Press Ctrl+C to stop.");
     flushConsole();
+    constexpr std::int64_t kHour = 3'600'000'000'000;
     for (;;) {
-        std::this_thread::sleep_for(std::chrono::hours(24));
+        theSystem().wait(kHour);
     }
 }
 

@@ -329,6 +329,12 @@ std::int64_t timeNow()
     return memory().steps;
 }
 
+// Time passes at once.
+void waitFor(std::int64_t nanoseconds)
+{
+    memory().steps += nanoseconds;
+}
+
 CalendarDate dateOfToday()
 {
     return {2000, 1, 1};
@@ -363,6 +369,7 @@ const System& memorySystem()
         .writeConsole = writeToConsole,
         .consoleIsWatched = isConsoleWatched,
         .now = timeNow,
+        .wait = waitFor,
         .today = dateOfToday,
         .processors = [] { return std::size_t{1}; },
         .temporaryFolder = [] { return std::string(); },

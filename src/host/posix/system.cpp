@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csetjmp>
 #include <csignal>
 #include <cstdio>
@@ -17,6 +18,7 @@
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 namespace gridforge::inline host {
@@ -321,6 +323,11 @@ std::int64_t timeNow()
     return nanoseconds(now);
 }
 
+void waitFor(std::int64_t nanoseconds)
+{
+    std::this_thread::sleep_for(std::chrono::nanoseconds(nanoseconds));
+}
+
 CalendarDate dateOfToday()
 {
     constexpr int kFirstYear = 1900;
@@ -372,6 +379,7 @@ const System& nativeSystem()
         .writeConsole = writeToConsole,
         .consoleIsWatched = isConsoleWatched,
         .now = timeNow,
+        .wait = waitFor,
         .today = dateOfToday,
         .processors = processorsToUse,
         .temporaryFolder = [] { return std::string("/tmp"); },

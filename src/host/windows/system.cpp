@@ -318,6 +318,13 @@ std::int64_t timeNow()
     return nanoseconds(joined(now.dwHighDateTime, now.dwLowDateTime));
 }
 
+// The system waits whole milliseconds, of which it takes 32 bits.
+void waitFor(std::int64_t nanoseconds)
+{
+    constexpr std::int64_t kMillisecond = 1'000'000;
+    Sleep(static_cast<DWORD>(std::clamp<std::int64_t>(nanoseconds / kMillisecond, 0, MAXDWORD - 1)));
+}
+
 CalendarDate dateOfToday()
 {
     SYSTEMTIME now = {};
@@ -399,6 +406,7 @@ const System& nativeSystem()
         .writeConsole = writeToConsole,
         .consoleIsWatched = isConsoleWatched,
         .now = timeNow,
+        .wait = waitFor,
         .today = dateOfToday,
         .processors = processorsToUse,
         .temporaryFolder = folderForTemporaryFiles,

@@ -204,6 +204,14 @@ TEST_P(EachSystem, StampsChangesByItsClock)
     EXPECT_GE(facts(folder())->lastChange, before);
 }
 
+TEST_P(EachSystem, WaitsByItsClock)
+{
+    constexpr std::int64_t kMillisecond = 1'000'000;
+    const std::int64_t before = system_.now();
+    system_.wait(20 * kMillisecond);
+    EXPECT_GE(system_.now() - before, 10 * kMillisecond) << "half of it: somebody may set the clock";
+}
+
 TEST_P(EachSystem, ListsTheNamesOfAFolder)
 {
     for (const char* last : {"b", ".a", "d/x", "d/y/z"}) {
