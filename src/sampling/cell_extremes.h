@@ -3,7 +3,7 @@
 
 #include "grid/grid.h"
 #include "sampling/cell_search.h"
-#include "sampling/inside_cells.h"
+#include "sampling/inside_runs.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,7 +3,7 @@
 
 #include "grid/grid.h"
 #include "run/across_line.h"
-#include "sampling/inside_cells.h"
+#include "sampling/inside_runs.h"
 #include "sampling/search_polygon.h"
 
 #include <cstdint>

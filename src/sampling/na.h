@@ -4,7 +4,7 @@
 #include "grid/grid.h"
 #include "run/inputs.h"
 #include "run/run_settings.h"
-#include "sampling/inside_cells.h"
+#include "sampling/inside_runs.h"
 
 #include <cstddef>
 #include <cstdint>

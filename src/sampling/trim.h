@@ -5,7 +5,7 @@
 #include "run/cell_window.h"
 #include "run/inputs.h"
 #include "run/run_settings.h"
-#include "sampling/inside_cells.h"
+#include "sampling/inside_runs.h"
 
 namespace gridforge::sampling {
 

@@ -1,4 +1,4 @@
-#include "sampling/inside_cells.h"
+#include "sampling/inside_runs.h"
 
 #include "plane/geometry.h"
 
