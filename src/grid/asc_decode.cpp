@@ -18,17 +18,23 @@ namespace gridforge::grid {
 
 namespace {
 
-constexpr std::size_t kWindow = std::size_t{1} << 23;
+constexpr std::size_t kWindowOfThread = std::size_t{1} << 20; // stays in the cache
+constexpr std::size_t kLeastWindow = 2 * kWindowOfThread;
+constexpr std::size_t kMostWindow = 16 * kWindowOfThread;
 constexpr std::size_t kPieceBytes = std::size_t{1} << 18;
 // A cell with an empty value is left as it was, which shows by these bits: no text gives them.
 constexpr std::uint32_t kUntouched = 0x7FA5C3E1U;
 
-// Whole lines of a window.
+// Whole lines of a window, each a row.
 struct LinePiece {
-    std::string_view text;
     std::size_t firstRow = 0;
-    std::size_t rows = 0;
+    std::vector<std::string_view> lines;
 };
+
+std::size_t windowBytes()
+{
+    return std::clamp(threadCount() * kWindowOfThread, kLeastWindow, kMostWindow);
+}
 
 // Text from a file, window after window, each ending with a whole line.
 class Windows {
@@ -36,7 +42,7 @@ public:
     explicit Windows(const GridLook& look)
         : file_(look.file.empty() ? SystemFile::none : theSystem().open(look.file, OpenFor::reading)),
           next_(look.cellsFrom), end_(look.size),
-          room_(static_cast<std::size_t>(std::clamp<std::int64_t>(end_ - next_, 1, std::int64_t{kWindow})))
+          room_(std::clamp<std::size_t>(static_cast<std::size_t>(end_ - next_), 1, windowBytes()))
     {
     }
     ~Windows()
@@ -90,36 +96,38 @@ private:
     std::size_t whole_ = 0; // bytes of the text up to the end of its last line
 };
 
-// Splits lines into pieces and counts their rows; the last line may lack its end.
-std::vector<LinePiece> split(std::string_view lines, std::size_t firstRow)
+// Splits lines into pieces; the last line may lack its end.
+std::vector<LinePiece> split(std::string_view text, std::size_t firstRow)
 {
     std::vector<LinePiece> pieces;
-    while (!lines.empty()) {
-        const std::size_t cut = lines.size() <= kPieceBytes ? std::string_view::npos : lines.find('\n', kPieceBytes);
-        const std::string_view text = lines.substr(0, cut == std::string_view::npos ? lines.size() : cut + 1);
-        const auto rows = static_cast<std::size_t>(std::ranges::count(text, '\n')) + (text.ends_with('\n') ? 0 : 1);
-        pieces.push_back({text, firstRow, rows});
-        firstRow += rows;
-        lines.remove_prefix(text.size());
+    std::size_t left = 0; // bytes that the last piece may still take
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        const std::string_view line = text.substr(0, end == std::string_view::npos ? end : end + 1);
+        if (left < line.size()) {
+            pieces.push_back({firstRow, {}});
+            left = std::max(kPieceBytes, line.size());
+        }
+        pieces.back().lines.push_back(line);
+        left -= line.size();
+        ++firstRow;
+        text.remove_prefix(line.size());
     }
     return pieces;
 }
 
-// One row from the head of `text`, which loses its line. False where the row is not all of one line.
-bool parseLine(std::string_view& text, std::span<float> row)
+// False where the row is not all of the line.
+bool parseLine(std::string_view line, std::span<float> row)
 {
-    const std::size_t end = text.find('\n');
-    const std::size_t length = end == std::string_view::npos ? text.size() : end + 1;
-    const bool mayBeEmpty = text.substr(0, length).find(',') != std::string_view::npos;
+    const bool mayBeEmpty = line.find(',') != std::string_view::npos;
     if (mayBeEmpty) {
         std::ranges::fill(row, std::bit_cast<float>(kUntouched));
     }
     AscRowState state;
     std::size_t consumed = 0;
-    if (parseAscRow(state, text, end == std::string_view::npos, consumed, row) != AscRow::done || consumed != length) {
+    if (parseAscRow(state, line, true, consumed, row) != AscRow::done || consumed != line.size()) {
         return false;
     }
-    text.remove_prefix(length);
     return !mayBeEmpty ||
            std::ranges::none_of(row, [](float cell) { return std::bit_cast<std::uint32_t>(cell) == kUntouched; });
 }
@@ -139,14 +147,14 @@ public:
 
     bool decode(const LinePiece& piece, std::size_t worker)
     {
-        std::string_view text = piece.text;
-        const std::size_t end = std::min(piece.firstRow + piece.rows, rows_);
+        const std::size_t end = std::min(piece.firstRow + piece.lines.size(), rows_);
         for (std::size_t row = piece.firstRow; row < end; row += roomRows_) {
             const std::size_t rows = std::min(roomRows_, end - row);
             const bool inFile = cells_.isInFile();
             const std::span<float> target = inFile ? rooms_.of(worker).first(rows * columns_)
                                                    : cells_.inMemory().subspan(row * columns_, rows * columns_);
-            if (!parseLines(text, target) || (inFile && !cells_.put(row * columns_, target))) {
+            const auto lines = std::span(piece.lines).subspan(row - piece.firstRow, rows);
+            if (!parseLines(lines, target) || (inFile && !cells_.put(row * columns_, target))) {
                 return false;
             }
         }
@@ -156,10 +164,10 @@ public:
 private:
     static constexpr std::size_t kRoomCells = std::size_t{1} << 16;
 
-    bool parseLines(std::string_view& text, std::span<float> rows) const
+    bool parseLines(std::span<const std::string_view> lines, std::span<float> rows) const
     {
-        for (; !rows.empty(); rows = rows.subspan(columns_)) {
-            if (!parseLine(text, rows.first(columns_))) {
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+            if (!parseLine(lines[i], rows.subspan(i * columns_, columns_))) {
                 return false;
             }
         }
@@ -198,7 +206,7 @@ bool decodeAsc(const GridLook& look, CellStore& cells)
                 good = false;
             }
         });
-        firstRow = pieces.back().firstRow + pieces.back().rows;
+        firstRow = pieces.back().firstRow + pieces.back().lines.size();
         if (isLast) {
             break;
         }

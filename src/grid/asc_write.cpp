@@ -65,8 +65,8 @@ public:
 
     [[nodiscard]] bool takeRooms()
     {
-        return fetched_.take(threadCount(), fetchedCells(cells_, split_.rows * columns())) &&
-               text_.take(threadCount(), split_.rows * rowBytes());
+        return fetched_.take(workersOf(split_.pieces), fetchedCells(cells_, split_.rows * columns())) &&
+               text_.take(workersOf(split_.pieces), split_.rows * rowBytes());
     }
 
     std::int64_t bytes() const
@@ -163,7 +163,7 @@ std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals)
     const auto columns = static_cast<std::size_t>(cells.ncols());
     std::vector<ValueRange> found(split.pieces);
     WorkerRooms<float> rooms;
-    std::atomic<bool> good = rooms.take(threadCount(), fetchedCells(cells, split.rows * columns));
+    std::atomic<bool> good = rooms.take(workersOf(split.pieces), fetchedCells(cells, split.rows * columns));
     parallelFor(split.pieces, [&](std::size_t piece, std::size_t worker) {
         const std::size_t first = piece * split.rows * columns;
         const std::size_t count = std::min(split.rows * columns, cells.size() - first);

@@ -18,6 +18,11 @@ std::size_t threadCount()
     return static_cast<std::size_t>(std::min(wanted, kMostThreads));
 }
 
+std::size_t workersOf(std::size_t pieces)
+{
+    return std::clamp<std::size_t>(pieces, 1, threadCount());
+}
+
 std::size_t cellsPerPiece(std::size_t usual)
 {
     return static_cast<std::size_t>(environmentNumber("GRIDFORGE_PIECE").value_or(usual));
@@ -32,7 +37,7 @@ void parallelFor(std::size_t pieces, const PieceWork& work)
         }
     };
     std::vector<std::jthread> others; // waits for them where it ends
-    const std::size_t count = std::min(pieces, threadCount());
+    const std::size_t count = workersOf(pieces);
     others.reserve(count);
     try {
         for (std::size_t worker = 1; worker < count; ++worker) {

@@ -9,8 +9,11 @@ namespace gridforge::inline host {
 // As many threads as GRIDFORGE_THREADS says; where it says nothing of use, as many as the process may use processors.
 std::size_t threadCount();
 
+// How many workers so many pieces have: at least one.
+std::size_t workersOf(std::size_t pieces);
+
 // What is to be done with a piece. Calls for several pieces run at the same time, each with a worker number of its own
-// below threadCount(). A piece never prints, opens a unit or ends the run, and lets no exception out.
+// below workersOf(pieces). A piece never prints, opens a unit or ends the run, and lets no exception out.
 using PieceWork = std::function<void(std::size_t piece, std::size_t worker)>;
 
 // Does all pieces below `pieces`, in no order, and returns when the last is done. Where no thread can be started the

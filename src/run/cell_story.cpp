@@ -111,7 +111,7 @@ void CellStory::work(const CellBlock& block, std::int32_t i)
     if (ahead_) {
         return;
     }
-    const CellPiece piece{.first = block.start, .count = block.count, .part = 0, .nulls = nulls_, .tallies = tallies_};
+    const CellPiece piece{.first = block.start, .count = block.count, .nulls = nulls_, .tallies = tallies_};
     std::vector<std::span<float>> outputs;
     for (Grid& grid : outputs_) {
         outputs.push_back(cellsOf(grid, block));

@@ -43,6 +43,11 @@ std::size_t cellsOfPart()
     return cellsPerPiece(kPartCells);
 }
 
+std::size_t partsOf(std::size_t cells)
+{
+    return (cells + cellsOfPart() - 1) / cellsOfPart();
+}
+
 // --- Inputs ----------------------------------------------------------------------------------------------------------
 
 // The cells of an input by position: those of a binary grid in its file, those of a text in a store.
@@ -135,7 +140,8 @@ class Pass {
 public:
     Pass(std::span<const grid::GridLook> looks, std::size_t inputRooms, std::span<grid::CellStore> outputs,
          std::size_t tallies)
-        : cells_(looks.front().header.cells()), inputRooms_(inputRooms), outputs_(outputs), rooms_(threadCount())
+        : cells_(looks.front().header.cells()), inputRooms_(inputRooms), outputs_(outputs),
+          rooms_(workersOf(partsOf(cells_)))
     {
         for (const grid::GridLook& look : looks) {
             nulls_.push_back(look.header.null);
@@ -174,7 +180,7 @@ public:
             }
             for (std::size_t first = start; first < end && way == Way::ahead; first += pieceCells_) {
                 WorkerRoom& room = rooms_[worker];
-                const CellPiece piece{first, std::min(pieceCells_, end - first), part, nulls_, room.tallies};
+                const CellPiece piece{first, std::min(pieceCells_, end - first), nulls_, room.tallies};
                 if (const Way gone = work(piece, room); gone != Way::ahead) {
                     way = gone;
                 }
@@ -274,11 +280,6 @@ void countWay(Way way)
 std::size_t waysGone(Way way)
 {
     return wayCounts()[static_cast<std::size_t>(way)];
-}
-
-std::size_t partsOf(std::size_t cells)
-{
-    return (cells + cellsOfPart() - 1) / cellsOfPart();
 }
 
 std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs, bool ordinary)

@@ -39,19 +39,13 @@ struct OutputWish {
 // By the settings, and by the input that names and format are taken from where these say nothing.
 OutputWish outputWish(const RunSettings& settings, std::string_view namedAfter, std::int32_t format, std::size_t grids);
 
-// A stretch of cells in the order of the files, and the part of the grid that it belongs to. A kernel is called for several
-// parts at once, and for the pieces of a part from its first to its last.
+// A stretch of cells in the order of the files. A kernel is called for several at once.
 struct CellPiece {
     std::size_t first = 0;
     std::size_t count = 0;
-    std::size_t part = 0;
     std::span<const float> nulls = {};    // of all inputs
     std::span<std::int64_t> tallies = {}; // what is counted in the cells is added to these
 };
-
-// How many parts a grid of so many cells has: what kernels count and find goes into a record for each part, and these are
-// joined in their order.
-std::size_t partsOf(std::size_t cells);
 
 using InputPieces = std::span<const std::span<const float>>;
 using OutputPieces = std::span<const std::span<float>>;

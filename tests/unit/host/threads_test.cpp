@@ -20,12 +20,20 @@ TEST(ThreadCount, IsThatOfTheEnvironmentOrOfTheProcessors)
     EXPECT_EQ(threadCount(), 7U);
 }
 
+TEST(WorkersOf, AreNoMoreThanPiecesOrThreads)
+{
+    const Environment environment({{"GRIDFORGE_THREADS", "4"}});
+    EXPECT_EQ(workersOf(0), 1U);
+    EXPECT_EQ(workersOf(3), 3U);
+    EXPECT_EQ(workersOf(100), 4U);
+}
+
 TEST(ParallelFor, DoesEachPieceOnceWithAWorkerOfItsOwn)
 {
     for (const char* const threads : {"1", "2", "7"}) {
         const Environment environment({{"GRIDFORGE_THREADS", threads}});
         std::vector<int> done(1000);
-        std::vector<std::atomic<int>> busy(threadCount());
+        std::vector<std::atomic<int>> busy(workersOf(done.size()));
         std::atomic<bool> shared = false;
         parallelFor(done.size(), [&](std::size_t piece, std::size_t worker) {
             shared = shared || busy.at(worker)++ != 0;
