@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,7 +11,7 @@ namespace gridforge::test {
 
 class Environment {
 public:
-    explicit Environment(std::vector<std::pair<std::string, std::string>> settings) : settings_(std::move(settings))
+    Environment(std::initializer_list<std::pair<std::string, std::string>> settings) : settings_(settings)
     {
         for (const auto& [name, value] : settings_) {
             setenv(name.c_str(), value.c_str(), 1);
