@@ -15,7 +15,7 @@ bool CHECKLINE(std::string_view line, std::string_view key, std::string_view sep
 
 // The number from 1 of the comma field that is ASAME with `name`, or `fallback`. Quotes do not count.
 std::int32_t CSVCOLUMN(std::string_view text, std::string_view name, std::int32_t fallback);
-// The real in comma field `column`; 0.0 and false when there is none that can be read.
+// The real in comma field `column`; 0.0 and false if it is missing or cannot be read.
 bool CSVVALUE(std::string_view text, std::int32_t column, float& value);
 
 enum class ValueEnd { atComma, atLineEnd };

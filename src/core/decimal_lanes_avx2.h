@@ -62,12 +62,12 @@ GRIDFORGE_AVX2 inline DigitPair digitPair(const char* end0, std::size_t length0,
     const std::uint8_t* const mask0 = kLastBytes.data() + 1 + length0;
     const std::uint8_t* const mask1 = kLastBytes.data() + 1 + length1;
     const __m256i value = loadPair(mask0, mask1);
-    const __m256i behindFirst = loadPair(mask0 - 1, mask1 - 1);
+    const __m256i afterFirst = loadPair(mask0 - 1, mask1 - 1);
     const __m256i text =
         _mm256_and_si256(_mm256_sub_epi8(loadPair(end0 - kLane, end1 - kLane), _mm256_set1_epi8('0')), value);
 
     DigitPair pair;
-    pair.minus = _mm256_andnot_si256(behindFirst, _mm256_cmpeq_epi8(text, _mm256_set1_epi8('-' - '0')));
+    pair.minus = _mm256_andnot_si256(afterFirst, _mm256_cmpeq_epi8(text, _mm256_set1_epi8('-' - '0')));
     const __m256i point = _mm256_cmpeq_epi8(text, _mm256_set1_epi8('.' - '0'));
     pair.anyDigit = _mm256_andnot_si256(_mm256_or_si256(pair.minus, point), value);
     const auto points = static_cast<std::uint32_t>(_mm256_movemask_epi8(point));
@@ -87,7 +87,7 @@ GRIDFORGE_AVX2 inline __m256d digitsToNumbers(__m256i a, __m256i b)
     const __m256i foursA = _mm256_madd_epi16(_mm256_maddubs_epi16(a, tens), hundreds);
     const __m256i foursB = _mm256_madd_epi16(_mm256_maddubs_epi16(b, tens), hundreds);
     const __m256i eights = _mm256_madd_epi16(_mm256_packus_epi32(foursA, foursB), _mm256_set1_epi32(1 << 16 | 10000));
-    // 32 bits under the exponent of 2^52 are a double already, but for the 2^52.
+    // 32 bits under the exponent of 2^52 are already a double, with 2^52 added.
     const __m256d big = _mm256_set1_pd(0x1p52);
     const __m256i high = _mm256_blend_epi32(eights, _mm256_castpd_si256(big), 0xAA);
     const __m256i low = _mm256_or_si256(_mm256_srli_epi64(eights, 32), _mm256_castpd_si256(big));

@@ -39,7 +39,7 @@ std::size_t largestBelowMark(std::span<const DmgRes> listed)
 
 } // namespace
 
-// The rule behind it: the largest AEP is searched anew for each place, and a grid taken gets -1. So what is not above -1
+// The rule that it follows: the largest AEP is searched anew for each place, and a grid taken gets -1. So what is not above -1
 // never has its turn once a grid was taken: in its place the first grid with the mark is taken once more, with the mark
 // as its AEP. Deliberate; an AEP is not negative.
 std::vector<DmgRes> sortByFrequency(std::span<const DmgRes> listed)
@@ -184,7 +184,7 @@ public:
     }
 
 private:
-    // Only the low corner is tested, and then the level stays as it is; deliberate, a polygon that sticks out of the
+    // Only the low corner is tested, and then the level stays as it is, on purpose: a polygon that sticks out of the
     // grid in the south or west has the level of the building before it.
     void findPolygon(const DmgBuilding& building, float& level)
     {

@@ -32,8 +32,8 @@ bool nextControlLine(Unit unit, ControlLine& line)
     return false;
 }
 
-// What stands in the command from a column on, counted from 1. The column is fixed, so words ahead of the command put
-// the values off; deliberate.
+// What stands in the command from a column on, counted from 1. The column is fixed, so words before the command put
+// the values off, on purpose: files are read as they always were.
 std::string_view fromColumn(const std::string& command, std::size_t column)
 {
     return std::string_view(command).substr(std::min(column - 1, command.size()));
@@ -86,7 +86,7 @@ void addBuildingFile(const ControlLine& line, DmgControl& control)
 
 void addCurve(const ControlLine& line, const DmgLimits& limits, DmgControl& control)
 {
-    constexpr std::size_t kNameColumn = 12; // behind "Read Curve" and a blank
+    constexpr std::size_t kNameColumn = 12; // after "Read Curve" and a blank
     const auto count = static_cast<std::int64_t>(control.curves.size()) + 1;
     say("Debug - dmg_curve_%ncurve: ", count);
     say("Debug - i: ", count);
@@ -102,7 +102,7 @@ void addCurve(const ControlLine& line, const DmgLimits& limits, DmgControl& cont
     control.curves.push_back(std::move(curve));
 }
 
-// The probability in percent, told as such behind "Read Result %" or as a fraction behind "Read Result".
+// The probability in percent, given as such after "Read Result %" or as a fraction after "Read Result".
 float probability(const ControlLine& line)
 {
     constexpr std::size_t kPercentColumn = 14;

@@ -67,7 +67,7 @@ gis::Kind kindOf(const DmgBuilding& building)
     }
 }
 
-// The building as an object, without its record. A polygon gives up the slot behind its closing vertex.
+// The building as an object, without its record. A polygon loses the slot after its closing vertex.
 void takeShape(const DmgBuilding& building, gis::Feature& feature)
 {
     feature.kind = kindOf(building);

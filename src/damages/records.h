@@ -32,7 +32,7 @@ inline constexpr std::int32_t kPolygonBuilding = 2;
 
 struct DmgBuilding {
     std::int32_t type = 0;
-    std::int32_t vertices = 0; // 1 of a point; of a polygon as read, with the closing vertex and the slot behind it
+    std::int32_t vertices = 0; // 1 of a point; of a polygon as read, with the closing vertex and the slot after it
     std::int32_t curve = 0;    // from 1
     std::string Prop_ID;
     float FFL = 0; // floor level
@@ -44,7 +44,7 @@ struct DmgBuilding {
     double ymin = 0;
     double ymax = 0;
     std::vector<float> damage; // by results grid, in the order of the calculation
-    float AAD = 0;             // average annual damage: nothing computes it, the outputs show 0; deliberate
+    float AAD = 0;             // average annual damage: nothing computes it, the outputs show 0 on purpose
 };
 
 // A results grid and its annual exceedance probability in percent.

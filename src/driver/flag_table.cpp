@@ -109,7 +109,7 @@ using enum FlagKind;
 using enum FlagValue;
 using enum Counting;
 
-// Longer keys stand ahead of the keys that are their prefixes, and "b" behind all that begin with it: the order is part
+// Longer keys stand before the keys that are their prefixes, and "b" after all that begin with it: the order is part
 // of what each flag means. The spans of "change" and "check" are one longer than their keys, so "--change" is "-change"
 // too. "-nowetdry" and "-change" count as operations though they are options of "-dif"; the validation relies on it.
 // clang-format off

@@ -18,9 +18,9 @@ enum class FlagKind { operation, option };
 enum class FlagValue {
     none,
     next,      // the whole next argument
-    gluedReal, // a number right behind the key
+    gluedReal, // a number right after the key
     gluedInteger,
-    statistic // a word or rank anywhere behind the mark
+    statistic // a word or rank anywhere after the mark
 };
 // When a flag counts as the operation of the run.
 enum class Counting { never, atFlag, atValue, afterScan };
@@ -43,7 +43,7 @@ struct GluedChecks {
 
 struct FlagRow {
     std::string_view key; // without mark
-    std::size_t span;     // characters behind the mark in which the key is looked for
+    std::size_t span;     // characters after the mark in which the key is looked for
     SpanTest test;
     FlagKind kind;
     FlagValue value;
@@ -60,7 +60,7 @@ std::span<const FlagRow> flagTable();
 
 // "-", "/" or the en dash of Windows-1252 as the first character.
 bool hasFlagMark(std::string_view argument);
-// The row of an argument that begins with a mark; nullptr when there is none.
+// The row of an argument that begins with a mark; nullptr if it has no row.
 const FlagRow* findFlag(std::string_view argument);
 
 } // namespace gridforge::driver

@@ -31,7 +31,7 @@ void requireValue(const FlagRow& row, const std::string& argument)
     refuse(last, quoted(argument));
 }
 
-// A number that cannot be read gets the words of the grid reader, row 0: deliberate, callers know them.
+// A number that cannot be read gets the words of the grid reader, row 0, on purpose: callers look for them.
 void readGlued(const FlagRow& row, const std::string& argument, CommandLine& line)
 {
     requireValue(row, argument);

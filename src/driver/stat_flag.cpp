@@ -26,8 +26,8 @@ constexpr std::array<StatisticRow, 6> kStatistics = {{{"All", &run::RunSettings:
                                                       {"Max", &run::RunSettings::statMax},
                                                       {"Frac", &run::RunSettings::statFrac}}};
 
-// The key was found whatever its case, but its rank only stands behind the exact spelling; without that the text begins
-// at the fourth character, which is no number. Deliberate: -statrank5 is refused.
+// The key was found whatever its case, but its rank only stands after the exact spelling; without that the text begins
+// at the fourth character, which is no number. So -statrank5 is refused, on purpose.
 std::string rankText(const std::string& argument)
 {
     constexpr std::size_t kFourthCharacter = 3;

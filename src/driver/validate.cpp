@@ -101,7 +101,7 @@ void checkFormats(run::RunSettings& settings)
     }
 }
 
-// Neither clears anything, and the second goes on in spite of its word ERROR; deliberate.
+// Neither clears anything, and the second goes on in spite of its word ERROR, on purpose: scripts rely on it.
 void checkIgnoredOptions(const run::RunSettings& settings)
 {
     if (settings.grc && !settings.classify) {

@@ -59,7 +59,7 @@ public:
     // The lines of the window read last.
     std::string_view lines() const { return {text_.all().data(), whole_}; }
 
-    // Reads on behind what is left of the last window. False where the system refuses, or a line is too long.
+    // Reads on after what is left of the last window. False if the system refuses, or a line is too long.
     bool read()
     {
         const std::size_t left = filled_ - whole_;

@@ -31,7 +31,7 @@ constexpr auto kPairs = [] {
     return pairs;
 }();
 
-// Writes the digits of `value`, at least `least` of them, so that they end at `end`; tells where they begin.
+// Writes the digits of `value`, at least `least` of them, so that they end at `end`; returns where they begin.
 char* writeDigits(std::uint64_t value, std::int32_t least, char* end)
 {
     char* at = end;

@@ -10,7 +10,7 @@ namespace gridforge::grid {
 
 enum class AscRow {
     done,   // the row is full and the rest of its last line has been taken
-    more,   // the window is used up, but for the head of a value that may go on in the next
+    more,   // the window is used up, except for the head of a value that may go on in the next
     failure // a value that is no number, or the text has ended before the row was full
 };
 
@@ -20,7 +20,7 @@ struct AscRowState {
     bool afterValue = false; // a value stands before on this line, so a comma is no more than its separator
 };
 
-// Goes on with `row` in `window`, the text from where the last call stopped; `lastWindow` tells that no text follows
+// Goes on with `row` in `window`, the text from where the last call stopped; with `lastWindow` no text follows
 // it. `consumed` is how much of the window is done with: the next window starts there. When that is nothing and there
 // is no room for more text, the value is too long to be one. Every value is rounded once, straight to 32 bits. An empty
 // value (two commas, or a comma at the head of a line) leaves its cell as it was. A row may run over several lines.

@@ -62,7 +62,7 @@ GRIDFORGE_AVX2 std::size_t findValues(std::string_view text, std::size_t most, b
         if ((ends | breaks) != 0) {
             afterValue = (ends & ~breaks) > breaks;
         }
-        // A value that goes on behind the block is left to the next one, which begins with it.
+        // A value that goes on after the block is left to the next one, which begins with it.
         const bool cut = emptyAhead == 0 && bits.values >> (kByteBlock - 1) != 0;
         const int advance = cut ? 63 - std::countl_zero(starts) : std::countr_one(plain);
         at += static_cast<std::size_t>(advance);

@@ -7,7 +7,7 @@
 
 namespace gridforge::grid {
 
-// Reads the next row of cells free-form, over as many lines as it takes, and passes over the rest of its last line.
+// Reads the next row of cells free-form, over as many lines as it takes, and skips the rest of its last line.
 // False on a value that is no number and on an early end of the file.
 bool readAscRow(Unit unit, std::span<float> row);
 

@@ -53,7 +53,7 @@ bool readMoreInput()
     return true;
 }
 
-// Shells put a byte order mark in front of what they send through a pipe. Reads no further than the first byte that
+// Shells put a byte order mark before what they send through a pipe. Reads no further than the first byte that
 // does not belong to one, as a person may type it. False where there is no input.
 bool skipByteOrderMark()
 {

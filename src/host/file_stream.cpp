@@ -147,7 +147,7 @@ bool FileStream::readLine(std::string& line, std::size_t width)
         const std::size_t newline = bytes.find('\n');
         ended = newline != std::string_view::npos;
         const std::string_view piece = ended ? bytes.substr(0, newline) : bytes;
-        // One character more than the width, so that a CR behind a full line is seen as such.
+        // One character more than the width, so that a CR after a full line is seen as such.
         line += piece.substr(0, width + 1 - std::min(line.size(), width + 1));
         take(piece.size() + (ended ? 1 : 0));
     }
@@ -155,7 +155,7 @@ bool FileStream::readLine(std::string& line, std::size_t width)
         line.pop_back();
     }
     line.resize(trimRight(std::string_view(line).substr(0, width)).size());
-    return ended || !unreadable_; // half a line is none
+    return ended || !unreadable_; // a line that a failed read cuts short is not returned
 }
 
 void FileStream::stepBack()
@@ -252,7 +252,7 @@ bool FileStream::write(std::string_view bytes)
         return false;
     }
     if (bytes.empty()) {
-        return true; // nothing may have no address, which is nothing to copy from
+        return true; // an empty view may be null; memcpy must not see it
     }
     std::memcpy(buffer_.get() + end_, bytes.data(), bytes.size());
     end_ += bytes.size();

@@ -1,4 +1,4 @@
-// One open file behind a unit: a file of the system and a buffer that either reads ahead or collects what is written.
+// The open file of a unit: a file of the system and a buffer that either reads ahead or collects what is written.
 #pragma once
 
 #include "host/system.h"
@@ -70,7 +70,7 @@ public:
 private:
     void takeBuffer();
     bool hasByte(); // to take; reads on where the buffer is used up
-    bool fill();    // reads behind the buffered bytes; false when nothing came
+    bool fill();    // reads on after the buffered bytes; false when nothing came
     bool writeOut(const char* bytes, std::size_t count);
 
     SystemFile file_ = SystemFile::none;

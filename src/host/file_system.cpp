@@ -134,7 +134,7 @@ std::string systemName(std::string_view name)
 std::optional<std::string> findInput(std::string_view name)
 {
     std::string own = systemName(name);
-    // A file that the system cannot tell of, as on a faulty disk, is not a missing one: the attempt to open it decides.
+    // A file that the system knows nothing about, as on a faulty disk, is not missing: the attempt to open it decides.
     FileFacts facts;
     const SystemStatus status = theSystem().facts(own, facts);
     if (status == SystemStatus::done ? !facts.isFolder : mayBeThere(status)) {

@@ -27,7 +27,7 @@ struct MessageRecord {
     std::int32_t checkMifUnit = 0;
     std::int32_t checkMidUnit = 0;
     std::array<PaddedText<kMessageWidth>, 4> line;
-    PaddedText<kPrefixWidth> prefix; // ahead of line 1
+    PaddedText<kPrefixWidth> prefix; // before line 1
     double labelDx = 0;
     double labelDy = 0;
     std::int32_t errorCount = 0;
@@ -45,7 +45,7 @@ struct MessageRecord {
 // The record that a caller fills before DMESSAGE.
 MessageRecord& DMESSAGES();
 
-// Writes the message of the record behind `blankLines` empty lines (none when below 0) and clears the record. -2 and
+// Writes the message of the record after `blankLines` empty lines (none when below 0) and clears the record. -2 and
 // below keep the text out of the log.
 void DMESSAGE(std::int32_t blankLines);
 // DMESSAGE with a position, drawn in the message layer.

@@ -31,7 +31,7 @@ enum class SystemStatus {
     done,
     noSuchFile,
     outOfMemory,
-    refused, // no file of that name can be opened: a folder of it is none or shut, or the name is no name
+    refused, // no file of that name can be opened: it goes through what is not a folder or a closed one, or is not valid
     unknown, // the system cannot tell, as of a faulty disk
 };
 

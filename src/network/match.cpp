@@ -115,14 +115,14 @@ struct SearchedBranch {
 
 struct SearchedSection {
     ExtentTree vertices;
-    Extent behindFirst = kNowhere; // of all vertices but the first
+    Extent afterFirst = kNowhere; // of all vertices except the first
 };
 
 SearchedSection searchedSection(const NbcSection& section)
 {
     SearchedSection searched;
     searched.vertices = vertexTree(section.x, section.y);
-    Extent& extent = searched.behindFirst;
+    Extent& extent = searched.afterFirst;
     for (std::size_t w = 1; w < section.x.size(); ++w) {
         extent.xmin = std::fmin(extent.xmin, section.x[w]);
         extent.ymin = std::fmin(extent.ymin, section.y[w]);
@@ -160,7 +160,7 @@ std::optional<Meeting> findSnap(const NbcBranch& branch, const SearchedBranch& s
                                 const SearchedSection& wanted)
 {
     std::optional<Meeting> found;
-    const auto mayHoldVertices = [&](const Extent& block) { return mayBeNear(block, wanted.behindFirst); };
+    const auto mayHoldVertices = [&](const Extent& block) { return mayBeNear(block, wanted.afterFirst); };
     searched.vertices.search(mayHoldVertices, [&](std::size_t v) {
         const Extent vertex = vertexExtent(branch.x, branch.y, v);
         const auto mayHoldVertex = [&](const Extent& block) { return mayBeNear(block, vertex); };
@@ -177,8 +177,8 @@ std::optional<Meeting> findSnap(const NbcBranch& branch, const SearchedBranch& s
 
 // --- Crossing --------------------------------------------------------------------------------------------------------
 
-// Tells extents that lie well to one side of the line through the first segment of a section. A segment within one
-// cannot be told to cross that, whatever the rounding: the margin is many times what the products may be off.
+// Finds extents that lie well to one side of the line through the first segment of a section. No segment within one is
+// ever found to cross it, whatever the rounding: the margin is many times what the products may be off.
 class SideOfSection {
 public:
     explicit SideOfSection(const NbcSection& section)

@@ -174,7 +174,7 @@ constexpr std::array<Command, 19> kCommands = {{
      [](const ControlLine& line, Build& build) { build.writeCheck = build.writeCheck || ASAME(line.value, "On"); }},
 }};
 
-// Commands that nobody knows are passed over without a word.
+// Unknown commands are ignored without a message.
 void runCommand(const ControlLine& line, Build& build)
 {
     const auto* const found =

@@ -1,4 +1,4 @@
-// -nbc builds a network from branches and sections as a control file tells.
+// -nbc builds a network from branches and sections, as a control file asks for.
 #pragma once
 
 #include "run/inputs.h"

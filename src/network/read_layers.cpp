@@ -99,7 +99,7 @@ bool parseCutLine(const std::string& dataLine, NbcSection& section)
     return line.isGood();
 }
 
-// The skew behind these values is not read.
+// The skew after these values is not read.
 bool parseTabLine(const std::string& dataLine, NbcSection& section)
 {
     AttributeLine line(dataLine);

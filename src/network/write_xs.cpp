@@ -36,7 +36,7 @@ void addExtension(NbcSection& section)
     }
 }
 
-// Gives a section without a source one after the branch that it meets; false where there is none.
+// Gives a section without a source one after the branch that it meets; false if it meets none.
 bool settleSource(NbcSection& section)
 {
     constexpr std::int32_t kDecimals = 3;
@@ -97,7 +97,7 @@ gis::Feature featureOf(const NbcSection& section)
 }
 
 // The extracted sections that `belongs` picks, to a layer or, without a name, to none. Sections without a name for their
-// table are all told before they end the run.
+// table are all reported before they end the run.
 template <typename Belongs>
 void writeLayer(NbcSections& sections, const std::string* name, const gis::Projection& projection, Belongs belongs)
 {

@@ -95,7 +95,7 @@ void writeClassLines(Unit unit, const ClassTable& table)
     writeLine(unit, classLine(above, {.limit = 0, .name = "Above", .red = 255, .green = 0, .blue = 0}));
 }
 
-// The numbers come from the classified cells, so a class whose number is the grid's null is written 0 too; deliberate.
+// The numbers come from the classified cells, so a class whose number is the grid's null is written 0 too, on purpose.
 void writeNumbers(Unit unit, std::span<const float> cells, float null, const NumberTexts& texts)
 {
     constexpr std::size_t kPiece = kWriteRoom / kNumberWidth;
@@ -156,7 +156,7 @@ void runClassify(const run::RunSettings& givenSettings, const run::InputFileList
     }
     if (settings.rgb && !settings.grc) {
         say("WARNING - Must specify \"-grc\" to get classified .asc grid.");
-        // So the output is a .flt unless -asc is given too; deliberate.
+        // So the output is a .flt unless -asc is given too, on purpose: scripts rely on the name.
         settings.formatSpecified = true;
     }
 

@@ -54,7 +54,7 @@ void runConv(const run::RunSettings& settings, const run::InputFileList& inputs)
 
     say("Converting grid formats.");
     if (inputs.count() > 1 && settings.outputNameGiven) {
-        // The run goes on all the same, and the last grid stays; deliberate.
+        // The run goes on all the same, and the last grid stays, on purpose: scripts rely on it.
         say("ERROR - Cannot use \"-out\" option when converting multiple grids.");
     }
     say("Processing ", AINTEGER(inputs.count()), " input grids.");

@@ -39,7 +39,7 @@ void runCount(const run::RunSettings& settings, const run::InputFileList& inputs
 
     const std::string countLine = join("Number of wet cells: ", integerField(story.tallies()[0], kCountWidth));
     say(countLine);
-    // The name follows the input whatever -out says; deliberate.
+    // The name follows the input whatever -out says, on purpose: scripts rely on it.
     writeCount(FILENAMEPATH(inputs[1]), countLine);
 }
 

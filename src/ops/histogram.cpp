@@ -35,7 +35,7 @@ void checkOrder(const ClassTable& bins)
     }
 }
 
-// With -out the table has no name, and the run ends where it would be opened; deliberate.
+// With -out the table has no name, and the run ends where it would be opened, on purpose.
 std::string tableName(const run::RunSettings& settings, const run::InputFileList& inputs)
 {
     if (settings.outputNameGiven) {

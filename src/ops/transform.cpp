@@ -83,7 +83,7 @@ void runMultiply(const run::RunSettings& givenSettings, const run::InputFileList
     story.compute("Processing Row:");
     say("   Done.");
 
-    // The second name comes with its folder, which then stands in the middle of the output's; deliberate.
+    // The second name comes with its folder, which then stands in the middle of the output's, on purpose.
     const std::string ruled = join(FILENAMEPATH(inputs[1]), "_mlt_", FILENAMEPATH(inputs[2]));
     const std::string base = specifiedNameOr(settings, ruled);
     const std::int32_t format = run::outputFormatRule(settings, first.format);

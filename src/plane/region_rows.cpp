@@ -83,7 +83,7 @@ double fillHighest(PreparedRegion& region, std::size_t from, std::size_t to)
     return highest;
 }
 
-// Tells `take` each edge among from..to-1 that reaches py.
+// Calls `take` for each edge among from..to-1 that reaches py.
 template <typename Take>
 void forEdgesAt(const PreparedRegion& region, double py, std::size_t from, std::size_t to, const Take& take)
 {

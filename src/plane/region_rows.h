@@ -14,12 +14,12 @@ struct RegionEdge {
     double y1 = 0;
     double x2 = 0;
     double y2 = 0;
-    double yAhead = 0; // of the nearest vertex ahead of vertex 1 that is not at y1
+    double yAhead = 0; // of the nearest vertex before vertex 1 that is not at y1
 };
 
 // What prepareRegion makes. May be used for one region after another: its memory stays.
 struct PreparedRegion {
-    std::vector<RegionEdge> edges; // but for level ones, by their lower y
+    std::vector<RegionEdge> edges; // all except horizontal ones, sorted by lower y
     std::vector<double> highestY;  // over the part of `edges` that a place is the middle of
     std::vector<double> levels;    // the y of all edge ends, rising
     double rayStart = 0;

@@ -7,7 +7,7 @@
 namespace gridforge::inline plane {
 
 // Calls `ring(second, end)` for each ring, vertices counted from 1: its edges start at the vertices from its second to its
-// closing one, and the last of them ends in the slot behind. A ring whose end does not lie between its second vertex and
+// closing one, and the last of them ends in the slot after it. A ring whose end does not lie between its second vertex and
 // the last edge runs on to the last edge. False when the rings end before the vertices.
 template <typename Ring>
 bool walkRings(std::int32_t np, std::span<const std::int32_t> ir, std::int32_t nr, const Ring& ring)
@@ -27,8 +27,8 @@ bool walkRings(std::int32_t np, std::span<const std::int32_t> ir, std::int32_t n
     return true;
 }
 
-// The y of the nearest vertex ahead of vertex `second`, going back from `end`, that is not at the y of `second` itself; that
-// y when there is none.
+// The y of the nearest vertex before vertex `second`, going back from `end`, that is not at the y of `second` itself; that
+// y if all are.
 template <typename Real>
 Real yAheadOfSecond(std::span<const Real> y, std::size_t second, std::size_t end)
 {

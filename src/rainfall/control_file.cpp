@@ -84,7 +84,7 @@ void readMethod(const ControlLine& line, RfSettings& settings)
 
 void readNewHyetograph(const ControlLine& line, RfHyetographs& hyetographs)
 {
-    // The name is what stands behind the first words of the command, also where the key stands later in it.
+    // The name is what stands after the first words of the command, even if the key stands later in it.
     constexpr std::size_t kNameStart = std::string_view("Rainfall Hyetograph").size();
     addHyetograph(std::string(trimLeft(std::string_view(line.command).substr(kNameStart))), hyetographs);
     say("New hyetogrpah :", hyetographs.records.back().name);
@@ -179,13 +179,13 @@ GridHeader settleRfGrid(const RfSettings& settings)
         fail("ERROR - Both \"Grid Size (X,Y) == \" and \"Grid Size (N,M) ==\" specified.");
     }
     if (settings.sizeX > kLeastSizeX && settings.sizeY > kLeastSizeY) {
-        // X makes the rows and Y the columns; deliberate, control files of domains that are not square count on it.
+        // X makes the rows and Y the columns, on purpose: control files of domains that are not square rely on it.
         say("Determining rainfall grid size.");
         grid.nrows = roundToInt(static_cast<double>(settings.sizeX / settings.cell));
         grid.ncols = roundToInt(static_cast<double>(settings.sizeY / settings.cell));
     }
     say("Rainfall Grid Dimensions (N,M): ", grid.nrows, ",", grid.ncols);
-    // The size is asked for though the numbers would do: a file with "(N,M)" alone stops here; deliberate.
+    // The size is required though the numbers would do: a file with "(N,M)" alone stops here, on purpose.
     if (grid.nrows <= 0 || grid.ncols <= 0 || !(settings.sizeX > 0.0F)) {
         fail("ERROR - Rainfall grid dimensions are invalid.");
     }

@@ -40,7 +40,7 @@ bool isBeyond(float distance, const RfIdwMethod& method)
     return method.maxDistance > kLeastDistance && distance > method.maxDistance;
 }
 
-// Infinite at the point itself; deliberate, such a cell becomes not-a-number.
+// Infinite at the point itself, on purpose: such a cell becomes not-a-number.
 float weightAt(float distance, const RfIdwMethod& method)
 {
     return 1.0F / power(distance, method.exponent);

@@ -128,7 +128,7 @@ RfRecord recordOfRegion(const std::string& dataLine, const RfRegion& region, dou
     return record;
 }
 
-// Where no hyetograph has the name, `number` stays that of the region before; deliberate, control files of old run on.
+// Where no hyetograph has the name, `number` stays that of the region before, on purpose: old control files rely on it.
 void matchRegion(const std::string& name, const RfHyetographs& hyetographs, std::int32_t& number)
 {
     const std::int32_t found = findHyetograph(name, hyetographs);

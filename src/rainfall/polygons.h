@@ -19,7 +19,7 @@ struct RfPolygonTables {
 // Takes the tables, with the null of the grid in each cell.
 void allocateTables(const GridHeader& grid, RfPolygonTables& tables);
 
-// A region of one ring as read: its closing vertex and the slot behind it belong to it.
+// A region of one ring as read: its closing vertex and the slot after it belong to it.
 struct RfRegion {
     std::span<const double> x;
     std::span<const double> y;

@@ -11,7 +11,7 @@ namespace gridforge::rainfall {
 
 namespace {
 
-// The rain at each point, from 1 on; place 0 and the places behind the points hold 0.
+// The rain at each point, from 1 on; place 0 and the places after the points hold 0.
 std::vector<float> pointValues(const RfHyetographs& hyetographs, const RfPoints& points, std::size_t step)
 {
     const auto places = static_cast<std::size_t>(std::max(points.count(), hyetographs.count())) + 1;
@@ -53,8 +53,8 @@ void rf_step_tin(const RfHyetographs& hyetographs, const RfPoints& points, std::
     say("placeholder");
     const std::vector<float> values = pointValues(hyetographs, points, step);
     say("placeholder");
-    // The value is looked up by the number of the point's hyetograph, as if that were the number of the point;
-    // deliberate, results of old rest on it. With points in the order of the hyetographs it is the point's own.
+    // The value is looked up by the number of the point's hyetograph, as if that were the number of the point,
+    // on purpose: earlier results rely on it. With points in the order of the hyetographs it is the point's own.
     std::vector<std::array<float, 3>> corners;
     corners.reserve(triangles.size());
     for (const RfTriangle& triangle : triangles) {

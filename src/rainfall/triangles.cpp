@@ -108,7 +108,7 @@ EdgeRows rowsOfEdge(double y1, double y2, double size, const CellRange& rows)
     return {static_cast<std::int32_t>(std::min(row1, row2)), static_cast<std::int32_t>(std::max(row1, row2) - 1)};
 }
 
-// The column behind the place where edge 1-2 crosses the level.
+// The column after the place where edge 1-2 crosses the level.
 std::int64_t crossingColumn(double x1, double y1, double x2, double y2, double level, double size)
 {
     double x = x1;
@@ -134,7 +134,7 @@ public:
         }
     }
 
-    // Calls `work` with the first column of each stretch inside and the one behind it: in from the first crossing, out
+    // Calls `work` with the first column of each stretch inside and the one after it: in from the first crossing, out
     // from the second on, in again from the third on, up to `end`.
     template <typename Work>
     void forStretches(std::int32_t end, Work&& work)

@@ -34,7 +34,7 @@ std::int32_t rowOf(const AcrossLine& line, const GridHeader& header, std::int32_
     return roundToInt((line.sampleY(k) - header.yll) / line.dx);
 }
 
-// The first sample of the range that `holds`, `last` + 1 where there is none; behind it all hold.
+// The first sample of the range that `holds`, `last` + 1 if none does; all after it hold.
 template <typename Holds>
 std::int64_t firstThat(const SampleRange& range, Holds holds)
 {
@@ -60,12 +60,12 @@ SampleRange clip(const SampleRange& range, std::int32_t count, bool rises, Index
     }
     const auto from = rises ? firstThat(range, [&](std::int32_t k) { return index(k) >= 1; })
                             : firstThat(range, [&](std::int32_t k) { return index(k) <= count; });
-    const auto behind = rises ? firstThat(range, [&](std::int32_t k) { return index(k) > count; })
-                              : firstThat(range, [&](std::int32_t k) { return index(k) < 1; });
-    if (from >= behind) {
+    const auto after = rises ? firstThat(range, [&](std::int32_t k) { return index(k) > count; })
+                             : firstThat(range, [&](std::int32_t k) { return index(k) < 1; });
+    if (from >= after) {
         return {};
     }
-    return {static_cast<std::int32_t>(from), static_cast<std::int32_t>(behind - 1)};
+    return {static_cast<std::int32_t>(from), static_cast<std::int32_t>(after - 1)};
 }
 
 } // namespace

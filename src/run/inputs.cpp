@@ -64,7 +64,7 @@ InputFileList expandInputs(const std::vector<std::string>& rawInputList)
 
 void failTooManyInputs()
 {
-    // The number in the text is not the limit; deliberate, callers know the words.
+    // The number in the text is not the limit, on purpose: callers look for these words.
     fail("ERROR - More the 100 input files specified. Please contact ", kSupportContact, " to get this raised.");
 }
 

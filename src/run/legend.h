@@ -1,4 +1,4 @@
-// The table beside a source grid, which tells the file behind each value in it.
+// The table beside a source grid: which file each of its values stands for.
 #pragma once
 
 #include "run/inputs.h"

@@ -65,7 +65,7 @@ std::string resultRecord(float z, float width, const std::string& options)
     return join(real(z, kWideReal), ",", real(0, kReal), ",", real(width, kReal), ",", quotedValue(options));
 }
 
-// Of the search lines and the cells found. The quotation mark in front of the comma is part of its form.
+// Of the search lines and the cells found. The quotation mark before the comma is part of its form.
 std::string checkRecord(float z, std::int64_t count, const std::string& options)
 {
     constexpr int kReal = 9;
@@ -165,7 +165,7 @@ private:
         writeFoundCell(level, breakline);
         if (check_) {
             check_->write({.kind = gis::Kind::region,
-                           .x = {polygon.x.begin(), polygon.x.end() - 1}, // without the slot behind the closing vertex
+                           .x = {polygon.x.begin(), polygon.x.end() - 1}, // without the slot after the closing vertex
                            .y = {polygon.y.begin(), polygon.y.end() - 1},
                            .record = circleRecord(level, breakline.options)});
         }

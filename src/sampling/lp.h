@@ -14,10 +14,10 @@ struct FoundSample {
     double y = 0;
 };
 
-// The lowest cell of the samples, 99999.0 where there is none, at the place of its cell.
+// The lowest cell of the samples, 99999.0 if none has a value, at the place of its cell.
 FoundSample lowestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
                          const run::SampleRange& range);
-// The highest one, -99999.0 where there is none, at the place of its sample.
+// The highest one, -99999.0 if none has a value, at the place of its sample.
 FoundSample highestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
                           const run::SampleRange& range);
 

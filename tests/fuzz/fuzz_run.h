@@ -61,7 +61,7 @@ inline void readLayer(const std::string& name, bool coordinates)
     }
 }
 
-// The bytes before and behind the first of `separator`; nothing behind where there is none.
+// The bytes before and after the first `separator`; without one all are before.
 inline std::pair<std::string_view, std::string_view> split(std::string_view bytes, std::string_view separator)
 {
     const std::size_t at = bytes.find(separator);

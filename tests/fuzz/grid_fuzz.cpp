@@ -1,4 +1,4 @@
-// Reads a text grid, header and cells, or, behind a zero byte, the .hdr and cells of a binary one.
+// Reads a text grid, header and cells, or, after a zero byte, the .hdr and cells of a binary one.
 #include "fuzz_run.h"
 #include "grid/header.h"
 #include "grid/reader.h"

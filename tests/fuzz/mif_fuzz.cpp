@@ -1,4 +1,4 @@
-// Reads a .mif and, behind a zero byte, its .mid.
+// Reads a .mif and, after a zero byte, its .mid.
 #include "fuzz_run.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

@@ -1,4 +1,4 @@
-// Reads a .shp and, behind the word "@dbf", its .dbf.
+// Reads a .shp and, after the word "@dbf", its .dbf.
 #include "fuzz_run.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

@@ -344,7 +344,7 @@ void readPolyline(MifInput& input, Coordinates& c, std::int32_t maxVertices, boo
     }
 }
 
-// A ring as read: its vertices, and behind them the slot that repeats the second one.
+// A ring as read: its vertices, and after them the slot that repeats the second one.
 void readRing(MifInput& input, Coordinates& c, std::int32_t start)
 {
     c.reserve(c.np + 1);

@@ -21,7 +21,7 @@ Number fromBytes(const std::byte* bytes)
     return std::bit_cast<Number>(own);
 }
 
-// Puts the bytes of `value` at `target`, in the given order, and returns the place behind them.
+// Puts the bytes of `value` at `target`, in the given order, and returns the place after them.
 template <std::endian order = std::endian::little, typename Number>
 char* putBytes(char* target, Number value)
 {

@@ -183,7 +183,7 @@ void readPart(ShpFile& shp, LayerObject& object, Coordinates& c, std::int32_t ma
     readVertices(shp.shpUnit, 0, c.np, c);
 }
 
-// Turns the part starts of the file into ring ends, with the slot behind each ring that repeats its second vertex. A ring
+// Turns the part starts of the file into ring ends, with the slot after each ring that repeats its second vertex. A ring
 // of fewer than two vertices has none, and its slot stays as it was.
 void readRings(const ShpFile& shp, LayerObject& object, std::int32_t points, Coordinates& c)
 {

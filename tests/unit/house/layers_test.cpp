@@ -131,7 +131,7 @@ TEST(Layers, AForbiddenIncludeIsSeen)
     EXPECT_EQ(objection("ops", "../grid/header.h"), "is not named as folder/file.h");
 }
 
-// The libraries are told the same picture in CMakeLists.txt; this keeps the two from drifting apart.
+// CMakeLists.txt has the same picture; this keeps the two from drifting apart.
 TEST(Layers, TheBuildLinksTheSamePicture)
 {
     std::map<std::string, std::set<std::string>> linked;
@@ -467,7 +467,7 @@ std::string textOf(const fs::path& file)
     return text.str();
 }
 
-// Compilers are told of vector instructions in one place, and processors asked in one.
+// One place names vector instructions to compilers, and one asks the processor.
 TEST(Processor, OnlyFilesOfAvx2NameVectorInstructions)
 {
     std::size_t vectorFiles = 0;
