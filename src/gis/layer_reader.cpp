@@ -6,6 +6,7 @@
 #include "plane/geometry.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace gridforge::gis {
 
@@ -176,6 +177,7 @@ void close(OpenLayer& layer)
 
 LayerObject* LayerReader::next()
 {
+    assert(layer_ != nullptr); // it has not been closed
     while (!layer_->end) {
         if (readKind(*layer_, object_)) {
             readRecord(*layer_, object_.name, object_.record);

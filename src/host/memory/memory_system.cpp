@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
@@ -11,6 +12,9 @@
 namespace gridforge::inline host {
 
 namespace {
+
+// What is written past this is refused, as on a full disk.
+constexpr std::int64_t kLargestFile = std::int64_t{1} << 30;
 
 struct MemoryFile {
     std::string bytes;
@@ -162,7 +166,8 @@ std::int64_t readFile(SystemFile file, std::span<char> target)
 std::int64_t writeFileAt(SystemFile file, std::int64_t position, std::span<const char> bytes)
 {
     const OpenMemoryFile& to = opened(file);
-    if (position < 0 || to.purpose == OpenFor::reading) {
+    const bool fits = position >= 0 && position <= kLargestFile - std::ssize(bytes);
+    if (!fits || to.purpose == OpenFor::reading) {
         return -1;
     }
     std::string& all = to.file->bytes;
@@ -198,7 +203,7 @@ bool seekInFile(SystemFile file, std::int64_t position)
 bool truncateFile(SystemFile file, std::int64_t size)
 {
     const OpenMemoryFile& at = opened(file);
-    if (size < 0 || at.purpose == OpenFor::reading) {
+    if (size < 0 || size > kLargestFile || at.purpose == OpenFor::reading) {
         return false;
     }
     at.file->bytes.resize(static_cast<std::size_t>(size));
@@ -250,7 +255,7 @@ SystemStatus factsOfName(const std::string& name, FileFacts& facts)
         facts = factsIn(*file);
         return SystemStatus::done;
     }
-    if (!isFolder(name)) {
+    if (name.empty() || !isFolder(name)) {
         return SystemStatus::noSuchFile;
     }
     // Folders have no record of their own: each may have changed with any step, and its name is its identity.
@@ -373,7 +378,7 @@ const System& memorySystem()
         .today = dateOfToday,
         .processors = [] { return std::size_t{1}; },
         .temporaryFolder = [] { return std::string(); },
-        .memoryLeft = [] { return std::uint64_t{1} << 30; },
+        .memoryLeft = [] { return std::uint64_t{kLargestFile}; },
     };
     return kMemory;
 }

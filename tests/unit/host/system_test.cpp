@@ -9,6 +9,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -255,6 +256,41 @@ TEST_P(EachSystem, KnowsTheFullNameOfWhatExists)
     EXPECT_THAT(*full, StartsWith("/"));
     EXPECT_TRUE(full->ends_with("/d/x"));
     EXPECT_EQ(system_.fullName(name("none")), std::nullopt);
+}
+
+TEST_P(EachSystem, RefusesPositionsThatNoFileHas)
+{
+    constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
+    const SystemFile file = open("a", OpenFor::updating);
+    EXPECT_EQ(system_.write(file, std::string("abc")), 3);
+    EXPECT_LT(system_.writeAt(file, kLast, std::string("xy")), 0);
+    EXPECT_FALSE(system_.truncate(file, -1));
+    EXPECT_TRUE(system_.close(file));
+    EXPECT_EQ(bytesOf("a"), "abc");
+}
+
+TEST_P(EachSystem, FindsNothingUnderAnEmptyName)
+{
+    FileFacts found;
+    EXPECT_EQ(system_.facts("", found), SystemStatus::noSuchFile);
+    EXPECT_EQ(system_.lookUp(""), SystemStatus::noSuchFile);
+    EXPECT_EQ(system_.fullName(""), std::nullopt);
+}
+
+TEST(MemorySystem, RefusesFilesThatMemoryHasNoRoomFor)
+{
+    constexpr std::int64_t kTerabyte = std::int64_t{1} << 40;
+    clearMemorySystem();
+    giveMemoryFile("a", "abc");
+    const System& system = memorySystem();
+    const SystemFile file = system.open("a", OpenFor::updating);
+    EXPECT_LT(system.writeAt(file, kTerabyte, std::string("x")), 0);
+    EXPECT_TRUE(system.seek(file, kTerabyte));
+    EXPECT_LT(system.write(file, std::string("x")), 0);
+    EXPECT_FALSE(system.truncate(file, kTerabyte));
+    EXPECT_FALSE(system.setAside(file, kTerabyte));
+    EXPECT_TRUE(system.close(file));
+    EXPECT_EQ(memoryFile("a"), "abc");
 }
 
 TEST(MemorySystem, HoldsTheConsole)
