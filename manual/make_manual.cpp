@@ -1,7 +1,10 @@
-// Writes the manual page (gridforge.1) and the completion of the shell (gridforge.bash) into a folder, both from the table
-// of flags that the scan uses, so that neither can tell of other flags than the tool knows.
+// Writes the manual page (gridforge.1), the completion of the shell (gridforge.bash) and the description for programs
+// (gridforge.json) into a folder, all from the tables that the tool itself uses, so that none can tell of other flags than
+// the tool knows.
 #include "core/text.h"
+#include "description.h"
 #include "driver/flag_table.h"
+#include "driver/operations.h"
 
 #include <algorithm>
 #include <fstream>
@@ -218,6 +221,21 @@ std::string kindOfValue(const driver::FlagRow& row)
     }
 }
 
+// The operations that take an option, by their first flags.
+std::string takers(const driver::FlagRow& row)
+{
+    if (row.docs.operations.empty()) {
+        return {};
+    }
+    std::string names;
+    for (const driver::OperationRow& operation : driver::operationTable()) {
+        if (driver::takenBy(row, operation.name) && driver::operationOf(row) != operation.name) {
+            names += join(names.empty() ? "Option of " : ", ", roff(join('-', operation.name)));
+        }
+    }
+    return names.empty() ? names : names + ".\n";
+}
+
 void writeFlag(std::ostream& page, const driver::FlagRow& row)
 {
     const std::string name = roff(join('-', row.key));
@@ -234,6 +252,10 @@ void writeFlag(std::ostream& page, const driver::FlagRow& row)
     page << roff(description) << ".\n";
     const std::string kind = kindOfValue(row);
     page << (kind.empty() ? "Default: " : join("Value: ", kind, ". Default: ")) << roff(defaultOf(row)) << ".\n";
+    if (!row.docs.unit.empty()) {
+        page << "Unit: " << row.docs.unit << ".\n";
+    }
+    page << takers(row);
 }
 
 void writePage(std::ostream& page)
@@ -339,6 +361,7 @@ int main(int count, char** words)
     }
     const std::string folder = words[1];
     const bool written = gridforge::writeFile(folder + "/gridforge.1", gridforge::writePage) &&
-                         gridforge::writeFile(folder + "/gridforge.bash", gridforge::writeCompletion);
+                         gridforge::writeFile(folder + "/gridforge.bash", gridforge::writeCompletion) &&
+                         gridforge::writeFile(folder + "/gridforge.json", gridforge::writeDescription);
     return written ? 0 : 1;
 }

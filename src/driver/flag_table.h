@@ -25,10 +25,27 @@ enum class FlagValue {
 // When a flag counts as the operation of the run.
 enum class Counting { never, atFlag, atValue, afterScan };
 
+// What a value is; a toggle has none.
+enum class ValueKind { toggle, number, integer, grid, layer, table, controlFile, choice, name };
+
+// How an operation takes an option.
+struct FlagUse {
+    bool required = false;
+    bool repeated = false;       // each one counts, not the last alone
+    std::string_view needs = {}; // a flag that must be given too
+    std::string_view group = {}; // of the flags of a group the last one counts
+};
+
 struct FlagDocs {
     std::string_view description; // one line
-    std::string_view valueName = {};
+    // The operations that take it, by name, with blanks between; none are named where all do. A flag that asks for an
+    // operation names that one first, and is an option of the others.
+    std::string_view operations;
+    ValueKind holds = ValueKind::toggle;
+    std::string_view valueName = {};   // of a choice its words, with bars between
     std::string_view defaultText = {}; // where it is not off, 0 or blank
+    std::string_view unit = {};
+    FlagUse use = {};
 };
 
 // What is said and tested around the reading of a glued number.
@@ -57,6 +74,11 @@ struct FlagRow {
 
 // In matching order: the first row that matches is the flag.
 std::span<const FlagRow> flagTable();
+
+// Is the operation of this name among those that take the flag?
+bool takenBy(const FlagRow& row, std::string_view operation);
+// The operation that the flag asks for; "" for an option.
+std::string_view operationOf(const FlagRow& row);
 
 // "-", "/" or the en dash of Windows-1252 as the first character.
 bool hasFlagMark(std::string_view argument);

@@ -33,35 +33,205 @@ namespace gridforge::driver {
 namespace {
 
 using S = run::RunSettings;
+using enum FileKind;
+
+// clang-format off
+constexpr std::array<OutputRow, 6> kMaxOutputs = {{
+    {grid, "{first}(maxmax)", "{out}", "max"},
+    {grid, "{first}(maxmax)_src", "{out}_src", "max", "src"},
+    {table, "{first}(maxmax)_src_legend.csv", "{out}_src_legend.csv", "max", "src"},
+    {grid, "{first}(minmin)", "{out}", "min"},
+    {grid, "{first}(minmin)_src", "{out}_src", "min", "src"},
+    {table, "{first}(minmin)_src_legend.csv", "{out}_src_legend.csv", "min", "src"},
+}};
+constexpr std::array<OutputRow, 1> kConvOutputs = {{
+    {grid, "{input}", "{out}"},
+}};
+constexpr std::array<OutputRow, 1> kNcOutputs = {{
+    {netcdf, "{first}.nc", "{out}.nc"},
+}};
+constexpr std::array<OutputRow, 2> kDifOutputs = {{
+    {grid, "{first} - {second}", "{out}"},
+    {grid, "{first} - {second}_wd", "{out}_wd", "", "change nowetdry"},
+}};
+constexpr std::array<OutputRow, 2> kCdOutputs = {{
+    {grid, "{first}_cd{value}", "{out}", "", "", "of one input"},
+    {grid, "{second}_filtered{value}", "{out}", "", "", "of two inputs"},
+}};
+constexpr std::array<OutputRow, 1> kTransMOutputs = {{
+    {grid, "{first}_trans", "{out}"},
+}};
+constexpr std::array<OutputRow, 1> kFeOutputs = {{
+    {grid, "{first}_extent", "{out}"},
+}};
+constexpr std::array<OutputRow, 1> kFuzzyOutputs = {{
+    {grid, "{first}_fuzzy", "{out}"},
+}};
+constexpr std::array<OutputRow, 1> kCountOutputs = {{
+    {table, "{first}_count.txt"},
+}};
+constexpr std::array<OutputRow, 1> kResizeOutputs = {{
+    {grid, "{first}_resize{value}", "{out}"},
+}};
+constexpr std::array<OutputRow, 1> kClassifyOutputs = {{
+    {grid, "{first}_classified", "{out}"},
+}};
+constexpr std::array<OutputRow, 1> kHistogramOutputs = {{
+    {table, "{first}_histogram.csv"},
+}};
+constexpr std::array<OutputRow, 3> kCpOutputs = {{
+    {layer, "{layer}_Res", "{out}"},
+    {layer, "{layer}_Cn", "{out}_Cn"},
+    {table, "{layer}.csv", "{out}.csv"},
+}};
+constexpr std::array<OutputRow, 2> kLpOutputs = {{
+    {table, "{layer}_{label}.csv", "{out}_{label}.csv", "", "", "of each line"},
+    {layer, "{layer}_LP_check", "{out}", "check"},
+}};
+constexpr std::array<OutputRow, 2> kBrklineOutputs = {{
+    {layer, "{layer}_brkline"},
+    {layer, "{layer}_check", "", "check"},
+}};
+constexpr std::array<OutputRow, 3> kXsOutputs = {{
+    {layer, "1d_nwk{rest}", "", "branch", "", "in the folder of the branches"},
+    {layer, "1d_xs{rest}", "", "", "", "in the folder of the sections"},
+    {table, "{table}", "", "", "", "of each section, by its first attribute or csv/{branch}_{chainage}.csv"},
+}};
+constexpr std::array<OutputRow, 4> kNbcOutputs = {{
+    {layer, "1d_nwk{rest}", "", "", "", "in the folder of the branches, unless the control file says otherwise"},
+    {layer, "1d_xs{rest}", "", "", "", "in the folder of the sections, unless the control file says otherwise"},
+    {table, "{table}", "", "", "", "of each section, by its first attribute or csv/{branch}_{chainage}.csv"},
+    {layer, "{control}.nbc_check", "", "", "", "with Write Check == On"},
+}};
+constexpr std::array<OutputRow, 1> kNaOutputs = {{
+    {table, "{table}", "", "", "", "of each region, by its first attribute"},
+}};
+constexpr std::array<OutputRow, 1> kMultiplyOutputs = {{
+    {grid, "{first}_mlt_{second}", "{out}"},
+}};
+constexpr std::array<OutputRow, 1> kXyzOutputs = {{
+    {grid, "{first}_xyz_to_grid", "{out}"},
+}};
+constexpr std::array<OutputRow, 4> kTrimOutputs = {{
+    {grid, "{region}_{input}", "{out}", "", "", "of one input and one region"},
+    {grid, "{region}_{input}", "{out}_{input}", "", "", "of several inputs and one region"},
+    {grid, "{region}_{input}", "{out}_{region}", "", "", "of one input and several regions"},
+    {grid, "{region}_{input}", "{out}_{input}_{region}", "", "", "of several inputs and regions"},
+}};
+constexpr std::array<OutputRow, 2> kDamagesOutputs = {{
+    {layer, "{layer}_Damages", "{out}", "", "", "after the first layer of the control file"},
+    {table, "{layer}_Damages.csv", "{out}.csv", "", "", "after the first layer of the control file"},
+}};
+constexpr std::array<OutputRow, 7> kRfOutputs = {{
+    {grid, "{control}_t{time}", "", "", "", "of each time, with RF Grid Format == ASC or FLT"},
+    {grid, "{control}_total", "", "", "", "with RF Grid Format == ASC or FLT"},
+    {netcdf, "{control}.nc", "", "", "", "with RF Grid Format == NC"},
+    {table, "{control}_index.csv"},
+    {grid, "rf_index", "", "", "", "with RF Interpolation Method == Polygon"},
+    {grid, "rf_fac", "", "", "", "with RF Interpolation Method == Polygon"},
+    {grid, "rf_giit", "", "", "", "with RF Interpolation Method == TIN"},
+}};
+constexpr std::array<OutputRow, 5> kRemapOutputs = {{
+    {grid, "{levels}_remap_h"},
+    {grid, "{levels}_remap_d"},
+    {grid, "{levels}_h_IDW", "", "idw_npt bd fb", "", "by the IDW method"},
+    {grid, "{levels}_d2_iter{n}", "", "idw_npt bd fb", "", "of each 100th iteration of the IDW method"},
+    {grid, "{input}_remap", "", "", "", "of each input without _h_ and _d_ in its name"},
+}};
+constexpr std::array<OutputRow, 12> kStatOutputs = {{
+    {grid, "{first}_Min_Val", "{out}_Min_Val", "statMin statAll"},
+    {grid, "{first}_Min_Src", "{out}_Min_Src", "statMin statAll"},
+    {grid, "{first}_Max_Val", "{out}_Max_Val", "statMax statAll"},
+    {grid, "{first}_Max_Src", "{out}_Max_Src", "statMax statAll"},
+    {grid, "{first}_Mean_Val", "{out}_Mean_Val", "statMean statAll"},
+    {grid, "{first}_Mean_Src", "{out}_Mean_Src", "statMean statAll"},
+    {grid, "{first}_Median_Val", "{out}_Median_Val", "statMedian statAll"},
+    {grid, "{first}_Median_Src", "{out}_Median_Src", "statMedian statAll"},
+    {grid, "{first}_Frac_Wet", "{out}_Frac_Wet", "statFrac statAll"},
+    {grid, "{first}_Rank{rank}_Val", "{out}_Rank{rank}_Val", "statRank statRankAll", "", "of each rank"},
+    {grid, "{first}_Rank{rank}_Src", "{out}_Rank{rank}_Src", "statRank statRankAll", "", "of each rank"},
+    {table, "{first}_Src_legend.csv", "{out}_Src_legend.csv"},
+}};
+// clang-format on
 
 // The order counts only where validation lets a pair through: "-count -cd" is a count.
 // clang-format off
 constexpr std::array<OperationRow, 25> kOperations = {{
-    {"max",       [](const S& s) { return s.max || s.min; },   ops::runMaxMin},
-    {"conv",      [](const S& s) { return s.conv; },           ops::runConv},
-    {"nc",        [](const S& s) { return s.nc; },             netcdf::runNc},
-    {"dif",       [](const S& s) { return s.dif; },            ops::runDif},
-    {"cd",        [](const S& s) { return s.cd && !s.count; }, ops::runCutoff},
-    {"trans_m",   [](const S& s) { return s.trans; },          ops::runTransform},
-    {"fe",        [](const S& s) { return s.fe; },             ops::runFloodExtent},
-    {"fuzzy",     [](const S& s) { return s.fuzzy; },          ops::runFuzzy},
-    {"count",     [](const S& s) { return s.count; },          ops::runCount},
-    {"resize",    [](const S& s) { return s.resize; },         ops::runResize},
-    {"classify",  [](const S& s) { return s.classify; },       ops::runClassify},
-    {"histogram", [](const S& s) { return s.histogram; },      ops::runHistogram},
-    {"cp",        [](const S& s) { return s.cp; },             sampling::runCalibrationPoints},
-    {"lp",        [](const S& s) { return s.lp; },             sampling::runLongProfile},
-    {"brkline",   [](const S& s) { return s.brkline; },        sampling::runBreaklines},
-    {"xs",        [](const S& s) { return s.xs; },             network::runXs},
-    {"nbc",       [](const S& s) { return s.nbc; },            network::runNbc},
-    {"na",        [](const S& s) { return s.na; },             sampling::runNodalArea},
-    {"multiply",  [](const S& s) { return s.multiply; },       ops::runMultiply},
-    {"xyz",       [](const S& s) { return s.xyz; },            sampling::runXyz},
-    {"trim",      [](const S& s) { return s.trim; },           sampling::runTrim},
-    {"damages",   [](const S& s) { return s.damages; },        damages::runDamages},
-    {"rf",        [](const S& s) { return s.rf; },             rainfall::runRainfall},
-    {"remap",     [](const S& s) { return s.remap; },          remap::runRemap},
-    {"stat",      [](const S& s) { return s.stat; },           ops::runStat},
+    {"max",
+     {"highest or lowest value of each cell over many grids", "max-min", {1, run::kMaxInputs}, kMaxOutputs},
+     [](const S& s) { return s.max || s.min; }, ops::runMaxMin},
+    {"conv",
+     {"turns .asc grids into .flt and back", "conv", {1, run::kMaxInputs}, kConvOutputs},
+     [](const S& s) { return s.conv; }, ops::runConv},
+    {"nc",
+     {"a series of grids in one NetCDF file, with their maximum", "nc", {1, run::kMaxInputs}, kNcOutputs},
+     [](const S& s) { return s.nc; }, netcdf::runNc},
+    {"dif",
+     {"difference of two grids, and where only one is active", "dif", {2, 2, Surplus::refused, true}, kDifOutputs},
+     [](const S& s) { return s.dif; }, ops::runDif},
+    {"cd",
+     {"cells that reach a cutoff, or a second grid's cells there", "cd", {1, 2, Surplus::refused, true}, kCdOutputs},
+     [](const S& s) { return s.cd && !s.count; }, ops::runCutoff},
+    {"trans_m",
+     {"y = m x + c", "transform", {1, 1, Surplus::ignored}, kTransMOutputs},
+     [](const S& s) { return s.trans; }, ops::runTransform},
+    {"fe",
+     {"mask of the wet cells", "fe", {1, 1, Surplus::ignored}, kFeOutputs},
+     [](const S& s) { return s.fe; }, ops::runFloodExtent},
+    {"fuzzy",
+     {"fraction of grids in which a cell is active", "fuzzy", {1, run::kMaxInputs}, kFuzzyOutputs},
+     [](const S& s) { return s.fuzzy; }, ops::runFuzzy},
+    {"count",
+     {"number of wet cells", "count", {1, 1, Surplus::ignored}, kCountOutputs},
+     [](const S& s) { return s.count; }, ops::runCount},
+    {"resize",
+     {"coarser grid by average, minimum or maximum", "resize", {1, 1}, kResizeOutputs},
+     [](const S& s) { return s.resize; }, ops::runResize},
+    {"classify",
+     {"class numbers in place of values", "classify", {1, 1}, kClassifyOutputs},
+     [](const S& s) { return s.classify; }, ops::runClassify},
+    {"histogram",
+     {"counts of cells by bins", "histogram", {1, 1}, kHistogramOutputs},
+     [](const S& s) { return s.histogram; }, ops::runHistogram},
+    {"cp",
+     {"observed points against the nearest cells of a grid", "cp", {1, 1, Surplus::ignored}, kCpOutputs},
+     [](const S& s) { return s.cp; }, sampling::runCalibrationPoints},
+    {"lp",
+     {"long profiles, invert and banks, along lines", "lp", {1, 1, Surplus::ignored}, kLpOutputs},
+     [](const S& s) { return s.lp; }, sampling::runLongProfile},
+    {"brkline",
+     {"lines with ground elevations at vertices along them", "brkline", {1, 1}, kBrklineOutputs},
+     [](const S& s) { return s.brkline; }, sampling::runBreaklines},
+    {"xs",
+     {"cross-sections from grids, and a network with -branch", "xs", {1, run::kMaxInputs}, kXsOutputs},
+     [](const S& s) { return s.xs; }, network::runXs},
+    {"nbc",
+     {"a 1D network and its cross-sections by a control file", "nbc", {0, 0}, kNbcOutputs},
+     [](const S& s) { return s.nbc; }, network::runNbc},
+    {"na",
+     {"tables of height and area of the terrain inside regions", "na", {1, 1}, kNaOutputs},
+     [](const S& s) { return s.na; }, sampling::runNodalArea},
+    {"multiply",
+     {"product of two grids", "multiply", {2, 2, Surplus::refused, true}, kMultiplyOutputs},
+     [](const S& s) { return s.multiply; }, ops::runMultiply},
+    {"xyz",
+     {"a grid out of a text file of points", "xyz", {1, 1, Surplus::ignored, false, ValueKind::table}, kXyzOutputs},
+     [](const S& s) { return s.xyz; }, sampling::runXyz},
+    {"trim",
+     {"a grid for each region of a layer", "trim", {1, run::kMaxInputs}, kTrimOutputs},
+     [](const S& s) { return s.trim; }, sampling::runTrim},
+    {"damages",
+     {"what floods cost each building", "damages", {0, 0}, kDamagesOutputs},
+     [](const S& s) { return s.damages; }, damages::runDamages},
+    {"rf",
+     {"rainfall at gauges or over areas to a grid for each time step", "rf", {0, 0}, kRfOutputs},
+     [](const S& s) { return s.rf; }, rainfall::runRainfall},
+    {"remap",
+     {"water levels of a coarse model on a finer terrain", "remap", {0, run::kMaxInputs - 1}, kRemapOutputs},
+     [](const S& s) { return s.remap; }, remap::runRemap},
+    {"stat",
+     {"minimum, maximum, mean, median, ranks and fraction wet over grids", "stat", {2, 10}, kStatOutputs},
+     [](const S& s) { return s.stat; }, ops::runStat},
 }};
 // clang-format on
 

@@ -1,16 +1,53 @@
 // The operations of the tool in their order of precedence.
 #pragma once
 
+#include "driver/flag_table.h"
 #include "run/inputs.h"
 #include "run/run_settings.h"
 
+#include <cstdint>
 #include <span>
 #include <string_view>
 
 namespace gridforge::driver {
 
+// What becomes of inputs beyond the most that an operation takes.
+enum class Surplus { refused, ignored };
+
+// The inputs that stand on the command line by themselves. Those that follow a flag are in the flag's row.
+struct InputRule {
+    std::int32_t least;
+    std::int32_t most;
+    Surplus surplus = Surplus::refused;
+    bool thenOutputName = false; // one more name is that of the main output
+    ValueKind kind = ValueKind::grid;
+};
+
+enum class FileKind { grid, layer, table, netcdf };
+
+// A file, or one of each of something. In the names {first}, {second} and {last} stand for inputs, {input} for each of
+// them, {layer}, {control} and {levels} for the file after a flag, all without extension; {out} for the name of -out and
+// {value} for the number of the operation's flag; other words for what they say. Grids and layers have the extension of their
+// format, which the names do not show.
+struct OutputRow {
+    FileKind kind;
+    std::string_view name;
+    std::string_view outName = {}; // with -out; "" where that does not change it
+    std::string_view when = {};    // flags, of which it needs one; "" none
+    std::string_view unless = {};  // flags with which it is not written
+    std::string_view note = {};    // what else it depends on
+};
+
+struct OperationDocs {
+    std::string_view description; // one line, that of the index of the pages
+    std::string_view page;        // in docs/operations, without extension
+    InputRule inputs;
+    std::span<const OutputRow> outputs;
+};
+
 struct OperationRow {
     std::string_view name; // the flag that asks for it
+    OperationDocs docs;
     bool (*selected)(const run::RunSettings&);
     void (*run)(const run::RunSettings&, const run::InputFileList&);
 };
