@@ -300,12 +300,6 @@ bool FileStream::markFinished()
 
 // --- Both ------------------------------------------------------------------------------------------------------------
 
-std::int64_t FileStream::size() const
-{
-    const std::optional<FileFacts> facts = theSystem().factsOfOpen(file_);
-    return facts ? facts->size : 0;
-}
-
 std::int64_t FileStream::position() const
 {
     return bufferOffset_ + static_cast<std::int64_t>(direction_ == Direction::in ? begin_ : end_);

@@ -62,7 +62,6 @@ public:
     void markUnfinished();
     [[nodiscard]] bool markFinished();
 
-    std::int64_t size() const;
     std::int64_t position() const;
     // An input that cannot be moved there fails its next read.
     [[nodiscard]] bool seek(std::int64_t position);

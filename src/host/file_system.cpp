@@ -148,13 +148,6 @@ bool inputExists(std::string_view name)
     return findInput(name).has_value();
 }
 
-std::optional<std::int64_t> lastWriteTime(std::string_view name)
-{
-    const std::optional<std::string> input = findInput(name);
-    const std::optional<FileFacts> facts = input ? factsOf(*input) : std::nullopt;
-    return facts ? std::optional(facts->lastWrite) : std::nullopt;
-}
-
 std::string fullName(std::string_view name)
 {
     return theSystem().fullName(systemName(name)).value_or(std::string(name));

@@ -1,7 +1,6 @@
 // The boundary to the operating system's file names: the one place where "\" becomes the platform's separator.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,8 +15,6 @@ std::string systemName(std::string_view name);
 // Nothing if there is no such file or more than one. A folder is no file.
 std::optional<std::string> findInput(std::string_view name);
 bool inputExists(std::string_view name);
-// Last-write time of an input in nanoseconds; none when it cannot be had.
-std::optional<std::int64_t> lastWriteTime(std::string_view name);
 
 // The name with all its folders and without links where the system knows the file, else as given.
 std::string fullName(std::string_view name);

@@ -23,8 +23,7 @@ enum class SystemFile : std::intptr_t { none = -1 };
 enum class OpenFor {
     reading,
     replacing, // writes a new file, or over all of an old one
-    appending,
-    updating, // reads and writes in place; a missing file is made
+    updating,  // reads and writes in place; a missing file is made
 };
 
 enum class SystemStatus {
@@ -47,9 +46,8 @@ struct FileIdentity {
 struct FileFacts {
     bool isFolder = false;
     std::int64_t size = 0;
-    // Times in nanoseconds, by the clock of `now`. The last change is that of the bytes, the name or the rights, and shows
-    // also where a program set the time of writing back.
-    std::int64_t lastWrite = 0;
+    // The last change of the bytes, the name or the rights, which shows also where a program set the time of writing back:
+    // in nanoseconds, by the clock of `now`.
     std::int64_t lastChange = 0;
     FileIdentity identity;
 };
@@ -88,8 +86,6 @@ struct System {
     SystemStatus (*lookUp)(const std::string& name); // done: an entry of that name exists, even if it leads nowhere
     // Adds the names in the folder, except "." and "..", in no order.
     SystemStatus (*list)(const std::string& folder, std::vector<std::string>& names);
-    bool (*rename)(const std::string& from, const std::string& to); // over a file of the new name
-    bool (*remove)(const std::string& name);
     std::optional<std::string> (*fullName)(const std::string& name); // with all folders, links followed; must exist
 
     // --- Console and time

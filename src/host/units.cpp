@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <optional>
 #include <set>
 #include <utility>
@@ -23,19 +24,14 @@ namespace {
 
 constexpr std::int32_t kFreeUnits = 1000;
 constexpr int kUnitWidth = 4;
-constexpr std::size_t kGetNamWidth = 80;
 
 struct UnitEntry {
     FileStream stream;
-    std::int32_t kind = 0;
     WriteFailure writeFailure = nullptr;
-    std::string storedName; // of a named entry, open or not
 };
 
 struct UnitTable {
     std::int32_t base = kFreeUnits;
-    std::int32_t lastNamed = kFreeUnits;
-    std::array<UnitEntry, kNamedUnits> named;
     std::vector<UnitEntry> free;
     std::set<FileIdentity> written; // output files that were closed in this run
     bool writeFailed = false;
@@ -44,7 +40,7 @@ struct UnitTable {
 UnitTable& table()
 {
     static UnitTable theTable = [] {
-        closeFilesAtEnd([] { closeAllUnits(false); });
+        closeFilesAtEnd(closeAllUnits);
         return UnitTable();
     }();
     return theTable;
@@ -53,10 +49,6 @@ UnitTable& table()
 UnitEntry* findEntry(Unit unit)
 {
     UnitTable& t = table();
-    const std::int32_t firstNamed = t.lastNamed - kNamedUnits + 1;
-    if (unit >= firstNamed && unit <= t.lastNamed) {
-        return &t.named[static_cast<std::size_t>(unit - firstNamed)];
-    }
     if (unit > t.base && unit - t.base <= static_cast<std::int32_t>(t.free.size())) {
         return &t.free[static_cast<std::size_t>(unit - t.base - 1)];
     }
@@ -75,9 +67,6 @@ FileStream& stream(Unit unit)
 Unit unitOf(const UnitEntry& entry)
 {
     const UnitTable& t = table();
-    if (&entry >= t.named.data() && &entry < t.named.data() + t.named.size()) {
-        return t.lastNamed - kNamedUnits + 1 + static_cast<std::int32_t>(&entry - t.named.data());
-    }
     return t.base + 1 + static_cast<std::int32_t>(&entry - t.free.data());
 }
 
@@ -112,7 +101,6 @@ void noteWritten(const FileStream& stream)
 
 void closeEntry(UnitEntry& entry)
 {
-    entry.kind = 0;
     if (entry.stream.isOutput()) {
         noteWritten(entry.stream);
     }
@@ -132,11 +120,6 @@ void sayClosed(Unit& unit)
 template <typename Action>
 void forEachOpen(Action action)
 {
-    for (UnitEntry& entry : table().named) {
-        if (entry.stream.isOpen()) {
-            action(entry);
-        }
-    }
     for (UnitEntry& entry : table().free) {
         if (entry.stream.isOpen()) {
             action(entry);
@@ -155,49 +138,28 @@ struct OpenMode {
 
 constexpr std::string_view kTextInput = "I";
 
-constexpr std::array<OpenMode, 15> kOpenModes = {{
+constexpr std::array<OpenMode, 7> kOpenModes = {{
     {kTextInput, Direction::in, OpenFor::reading, false},
-    {"UI", Direction::in, OpenFor::reading, false},
     {"BI", Direction::in, OpenFor::reading, false},
     {"BE", Direction::in, OpenFor::reading, false},
     {"O", Direction::out, OpenFor::replacing, true},
-    {"F", Direction::out, OpenFor::replacing, true},
-    {"UO", Direction::out, OpenFor::replacing, true},
     {"BO", Direction::out, OpenFor::replacing, true},
-    {"BN", Direction::out, OpenFor::replacing, true},
-    {"A", Direction::out, OpenFor::appending, false},
-    {"AB", Direction::out, OpenFor::appending, false},
-    {"S", Direction::out, OpenFor::updating, false},
     {"SB", Direction::out, OpenFor::updating, false},
     {"SE", Direction::out, OpenFor::updating, false},
-    {"IO", Direction::out, OpenFor::updating, false},
 }};
 
-const OpenMode* findMode(std::string_view mode)
+const OpenMode& modeOf(std::string_view mode)
 {
     const auto* const found = std::find_if(kOpenModes.begin(), kOpenModes.end(),
                                            [&](const OpenMode& m) { return m.letters == trimRight(mode); });
-    return found == kOpenModes.end() ? nullptr : found;
+    assert(found != kOpenModes.end());
+    return *found;
 }
 
-std::int32_t kindOf(std::string_view name)
-{
-    const std::string extension = FILEEXT(name);
-    if (extension == ".mif") {
-        return 101;
-    }
-    if (extension == ".mid") {
-        return 102;
-    }
-    return extension == ".12da" ? 111 : 0;
-}
-
-void askName(std::string& name, std::string_view type)
+void askName(std::string& name)
 {
     do {
-        const std::string answer = trimRight(type).empty()
-                                       ? ask("Check file exists and press enter or enter another file name: ")
-                                       : ask(join("What is the ", trimRight(type), " file name? "));
+        const std::string answer = ask("Check file exists and press enter or enter another file name: ");
         if (trim(answer).empty()) {
             say("No file name entered.  Trying file again...");
         } else {
@@ -227,10 +189,10 @@ bool releaseOpenFile(const std::string& name)
 
 // One warning each time that a file is written again, although layers open some of their files twice. Files of one base
 // name share a .prj, which is replaced without a word.
-void warnOfReplacement(const std::string& name, OpenFor purpose)
+void warnOfReplacement(const std::string& name)
 {
     const std::optional<FileIdentity> file = identityOfOutput(name);
-    if (purpose == OpenFor::appending || FILEEXT(name) == ".prj" || !file || table().written.erase(*file) == 0) {
+    if (FILEEXT(name) == ".prj" || !file || table().written.erase(*file) == 0) {
         return;
     }
     say("WARNING - Output file was already written in this run and is replaced: ", name);
@@ -258,73 +220,57 @@ SystemFile openOutput(const std::string& name, OpenFor purpose)
     }
 }
 
-// Opens through the dialogue on the entry of `unit`; the name is the one opened in the end. False for an unknown mode.
-bool openOn(UnitEntry& entry, Unit unit, std::string_view mode, std::string& name, std::string_view type)
+// Opens through the dialogue on the entry of `unit`; the name may change in it.
+void openOn(UnitEntry& entry, Unit unit, const OpenMode& how, std::string name)
 {
-    const OpenMode* how = findMode(mode);
-    if (how == nullptr) {
-        say("  Unrecognised file type ", mode, " file ", name);
-        return false;
-    }
-    bool askFirst = name.empty();
+    bool askFirst = false;
     for (;;) {
         if (askFirst) {
-            askName(name, type);
+            askName(name);
         }
         name = CLEANPATH(name);
-        if (how->direction == Direction::out) {
-            warnOfReplacement(name, how->purpose);
+        if (how.direction == Direction::out) {
+            warnOfReplacement(name);
         }
         sayOpen("Trying to open file ", name, "...");
-        if (how->direction == Direction::in) {
+        if (how.direction == Direction::in) {
             const std::optional<std::string> input = findInput(name);
-            const SystemFile file = input ? theSystem().open(*input, how->purpose) : SystemFile::none;
+            const SystemFile file = input ? theSystem().open(*input, how.purpose) : SystemFile::none;
             if (file == SystemFile::none) {
                 say("CHECK 0008 - ", quoted(name), " cannot be found");
                 askFirst = true;
                 continue;
             }
-            entry.stream = FileStream(file, how->direction, name);
-            if (how->letters == kTextInput) {
+            entry.stream = FileStream(file, how.direction, name);
+            if (how.letters == kTextInput) {
                 entry.stream.skipByteOrderMark();
             }
             sayOn("OK.");
             say("Opened File Unit:", integerField(unit, kUnitWidth));
         } else {
-            if (how->replaces && !releaseOpenFile(name)) {
+            if (how.replaces && !releaseOpenFile(name)) {
                 askFirst = false; // there is a name, so it is tried again until the user lets go of the file
                 continue;
             }
-            entry.stream = FileStream(openOutput(name, how->purpose), how->direction, name);
+            entry.stream = FileStream(openOutput(name, how.purpose), how.direction, name);
             sayOn("OK.  File Unit:", integerField(unit, kUnitWidth));
         }
-        entry.kind = kindOf(name);
-        return true;
+        return;
     }
-}
-
-UnitEntry& namedEntry(std::int32_t entry, std::string_view routine)
-{
-    if (entry < 1 || entry > kNamedUnits) {
-        say(routine);
-        endNow();
-    }
-    return table().named[static_cast<std::size_t>(entry - 1)];
 }
 
 } // namespace
 
 void startUnits(std::int32_t base)
 {
-    closeAllUnits(false);
+    closeAllUnits();
     table() = UnitTable();
     table().base = base;
-    table().lastNamed = std::max(base, 9);
 }
 
-void OPENER(Unit& unit, std::string_view mode, std::string_view name, std::string_view type)
+void OPENER(Unit& unit, std::string_view mode, std::string_view name)
 {
-    std::string opened = cut(name, kNameWidth);
+    const std::string opened = cut(name, kNameWidth);
     if (opened.empty()) {
         say("Empty filename specified.  Bailing out.  Please contact ", kSupportContact, ".");
         pause("Press Enter to Close");
@@ -341,7 +287,8 @@ void OPENER(Unit& unit, std::string_view mode, std::string_view name, std::strin
         entry = free.end() - 1;
     }
     const Unit number = table().base + 1 + static_cast<std::int32_t>(entry - free.begin());
-    unit = openOn(*entry, number, mode, opened, type) ? number : 0;
+    openOn(*entry, number, modeOf(mode), opened);
+    unit = number;
 }
 
 void CLOSER(Unit& unit)
@@ -354,11 +301,8 @@ void CLOSER(Unit& unit)
     sayClosed(unit);
 }
 
-void closeAllUnits(bool announce)
+void closeAllUnits()
 {
-    if (announce) {
-        say("Closing all file units...");
-    }
     forEachOpen(closeEntry);
 }
 
@@ -377,62 +321,6 @@ const std::string& unitName(Unit unit)
     static const std::string none;
     const UnitEntry* entry = findEntry(unit);
     return entry == nullptr ? none : entry->stream.name();
-}
-
-std::int32_t unitKind(Unit unit)
-{
-    const UnitEntry* entry = findEntry(unit);
-    return entry == nullptr ? 0 : entry->kind;
-}
-
-// --- Named units -----------------------------------------------------------------------------------------------------
-
-void openNamed(std::int32_t entry, std::string_view mode, std::string_view type)
-{
-    UnitEntry& named = namedEntry(entry, "Incorrect file number - OPENER");
-    if (named.stream.isOpen()) {
-        say("File already opened - OPENER");
-        endNow();
-    }
-    openOn(named, namedUnit(entry), mode, named.storedName, type);
-}
-
-void openNamedAs(std::int32_t entry, std::string_view name, std::string_view mode, std::string_view type)
-{
-    namedEntry(entry, "Incorrect file number - OPENER").storedName = cut(name, kNameWidth);
-    openNamed(entry, mode, type);
-}
-
-void openNamedWith(std::int32_t entry, std::string_view prefix, std::string_view suffix, std::string_view mode,
-                   std::string_view type)
-{
-    const std::string stored = namedEntry(entry, "Incorrect file number - OPENER").storedName;
-    openNamedAs(entry, join(trimRight(prefix), stored, suffix), mode, type);
-}
-
-void openNamedInput(std::int32_t entry)
-{
-    openNamed(entry, "I ", "input");
-}
-
-void openNamedOutput(std::int32_t entry)
-{
-    openNamed(entry, "F ", "output");
-}
-
-bool NAMED(std::int32_t entry)
-{
-    return !namedEntry(entry, "Invalid file number - NAMED").storedName.empty();
-}
-
-std::string GETNAM(std::int32_t entry)
-{
-    return cut(namedEntry(entry, "Invalid file number - GETNAM").storedName, kGetNamWidth);
-}
-
-Unit namedUnit(std::int32_t entry)
-{
-    return table().lastNamed - kNamedUnits + entry;
 }
 
 // --- Reading ---------------------------------------------------------------------------------------------------------
@@ -475,11 +363,6 @@ void takeBytes(Unit unit, std::size_t count)
 bool readBytes(Unit unit, std::span<std::byte> target)
 {
     return stream(unit).readBytes(target);
-}
-
-std::int64_t fileSize(Unit unit)
-{
-    return stream(unit).size();
 }
 
 void seekTo(Unit unit, std::int64_t position)
@@ -582,37 +465,6 @@ void finishLater(FileStream file)
     if (!file.markFinished() || !file.close()) {
         failWriting(file.name());
     }
-}
-
-// --- Save dates ------------------------------------------------------------------------------------------------------
-
-bool checkSaveDate(std::string_view first, std::string_view second, Unit& firstUnit, Unit& secondUnit, bool mustHold)
-{
-    const std::string_view code = mustHold ? "ERROR 0004" : "WARNING 0004";
-    sayOpen("Checking save date is later than that of ", first, "...");
-    const auto firstTime = lastWriteTime(first);
-    const auto secondTime = lastWriteTime(second);
-    if (!firstTime || !secondTime) {
-        sayOn("NOT OK");
-        say(code, " - Could not access save date of ", first, " to check with ", second);
-        if (mustHold) {
-            fail("NOTE - If using KESTOR.exe, use CHECK MI SAVE DATE == WARNING or OFF to suppress check");
-        }
-        return true;
-    }
-    if (*firstTime <= *secondTime) {
-        sayOn("OK");
-        return true;
-    }
-    sayOn("NOT OK");
-    say(code, " - Save date of ", quoted(first), " file is later than that of ", quoted(second));
-    if (!mustHold) {
-        return true;
-    }
-    CLOSER(firstUnit);
-    CLOSER(secondUnit);
-    pauseForRetry("Re-export mif file and press Enter, or close window.");
-    return false;
 }
 
 } // namespace gridforge::inline host

@@ -15,38 +15,22 @@ namespace gridforge::inline host {
 
 using Unit = std::int32_t;
 
-// Prepares the empty unit tables: free units are base + 1 to base + 1000.
+// Prepares an empty table of units, which are base + 1 to base + 1000.
 void startUnits(std::int32_t base);
 
-// Opens `name` on the first free unit through the console dialogue and stores the unit. `mode` is one of
-// "I ", "UI", "BI", "BE" (input), "O ", "F ", "UO", "BO", "BN" (replaced), "A ", "AB" (appended), "S ", "SB", "SE"
-// (opened in place) and "IO"; `type` is what the file is called when its name must be asked for. The name may change in
-// the dialogue: unitName tells the one opened.
-void OPENER(Unit& unit, std::string_view mode, std::string_view name, std::string_view type = "");
+// Opens `name` on the first free unit through the console dialogue and stores the unit. `mode` is "I " for text, "BI" or
+// "BE" for bytes that are read; "O " or "BO" for a file that is replaced; "SB" or "SE" for one opened in place. The name
+// may change in the dialogue: unitName returns the one opened.
+void OPENER(Unit& unit, std::string_view mode, std::string_view name);
 // Closes the unit with its console line and sets it to 0; 0 and unknown units do nothing.
 void CLOSER(Unit& unit);
-// Closes every open unit, with or without the console line "Closing all file units...".
-void closeAllUnits(bool announce);
+// Closes every open unit without a word.
+void closeAllUnits();
 
 // The file that `name` would be written to is open for input.
 bool isOpenAsInput(std::string_view name);
 
 const std::string& unitName(Unit unit);
-// 101 for .mif, 102 for .mid, 111 for .12da, else 0.
-std::int32_t unitKind(Unit unit);
-
-// --- Named units -----------------------------------------------------------------------------------------------------
-
-inline constexpr std::int32_t kNamedUnits = 8;
-void openNamed(std::int32_t entry, std::string_view mode, std::string_view type);
-void openNamedAs(std::int32_t entry, std::string_view name, std::string_view mode, std::string_view type);
-void openNamedWith(std::int32_t entry, std::string_view prefix, std::string_view suffix, std::string_view mode,
-                   std::string_view type);
-void openNamedInput(std::int32_t entry);
-void openNamedOutput(std::int32_t entry);
-bool NAMED(std::int32_t entry);
-std::string GETNAM(std::int32_t entry);
-Unit namedUnit(std::int32_t entry);
 
 // --- Reading text ----------------------------------------------------------------------------------------------------
 
@@ -72,7 +56,6 @@ void takeBytes(Unit unit, std::size_t count);
 inline constexpr std::size_t kReadAhead = std::size_t{1} << 20;
 // Fills `target`; false when the file ends before.
 bool readBytes(Unit unit, std::span<std::byte> target);
-std::int64_t fileSize(Unit unit);
 // Position from 0 of the next byte read or written.
 void seekTo(Unit unit, std::int64_t position);
 std::int64_t position(Unit unit);
@@ -108,12 +91,5 @@ void finishLater(FileStream file);
 // of the run. It lasts until the unit is closed.
 using WriteFailure = void (*)(Unit unit);
 void onWriteFailure(Unit unit, WriteFailure handler);
-
-// --- Save dates ------------------------------------------------------------------------------------------------------
-
-// Compares the last-write times of a pair of files that belong together, where `first` should not be newer than
-// `second`. True when the run may go on: with `mustHold` a newer `first` closes both units, waits for the user to save
-// again and gives false, so that the caller opens afresh; otherwise it is only a warning.
-bool checkSaveDate(std::string_view first, std::string_view second, Unit& firstUnit, Unit& secondUnit, bool mustHold);
 
 } // namespace gridforge::inline host

@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         CLOSER(dbf.dbfUnit);
     } catch (const fuzz::EndOfRun&) {
-        closeAllUnits(false);
+        closeAllUnits();
     }
     return 0;
 }

@@ -57,7 +57,7 @@ inline void readLayer(const std::string& name, bool coordinates)
         }
         gis::close(layer);
     } catch (const EndOfRun&) {
-        closeAllUnits(false);
+        closeAllUnits();
     }
 }
 

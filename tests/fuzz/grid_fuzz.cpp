@@ -21,7 +21,7 @@ void readGrid(const std::string& name)
         }
     } catch (const fuzz::EndOfRun&) {
     }
-    closeAllUnits(false);
+    closeAllUnits();
 }
 
 } // namespace

@@ -52,7 +52,7 @@ ChildRun runInChild(const ScratchFolder& folder, const std::function<void()>& co
         }
         startUnits(1000);
         code();
-        closeAllUnits(false);
+        closeAllUnits();
         flushConsole();
         _exit(kCodeReturned);
     }

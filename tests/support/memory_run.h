@@ -22,7 +22,7 @@ public:
     }
     ~MemoryRun()
     {
-        closeAllUnits(false);
+        closeAllUnits();
         endLine();
         flushConsole();
         useSystem(nativeSystem());

@@ -71,7 +71,7 @@ inline Outcome runOperationOn(const GivenFiles& given, const std::string& comman
     driver::CommandLine line = driver::scanArguments(arguments);
     validate(line);
     driver::runOperation(line.settings, run::expandInputs(line.rawInputList));
-    closeAllUnits(false);
+    closeAllUnits();
     endLine();
     flushConsole();
 

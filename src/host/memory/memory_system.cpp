@@ -19,7 +19,7 @@ constexpr std::int64_t kLargestFile = std::int64_t{1} << 30;
 struct MemoryFile {
     std::string bytes;
     std::uint64_t number = 0;
-    std::int64_t lastWrite = 0;
+    std::int64_t lastChange = 0;
 };
 
 struct OpenMemoryFile {
@@ -77,7 +77,7 @@ std::shared_ptr<MemoryFile> find(const std::string& name)
 
 void touch(MemoryFile& file)
 {
-    file.lastWrite = ++memory().steps;
+    file.lastChange = ++memory().steps;
 }
 
 std::shared_ptr<MemoryFile> make(const std::string& name)
@@ -91,8 +91,7 @@ std::shared_ptr<MemoryFile> make(const std::string& name)
 
 FileFacts factsIn(const MemoryFile& file)
 {
-    return {
-        false, static_cast<std::int64_t>(file.bytes.size()), file.lastWrite, file.lastWrite, {1, file.number, true}};
+    return {false, static_cast<std::int64_t>(file.bytes.size()), file.lastChange, {1, file.number, true}};
 }
 
 OpenMemoryFile& opened(SystemFile file)
@@ -183,9 +182,6 @@ std::int64_t writeFileAt(SystemFile file, std::int64_t position, std::span<const
 std::int64_t writeFile(SystemFile file, std::span<const char> bytes)
 {
     OpenMemoryFile& to = opened(file);
-    if (to.purpose == OpenFor::appending) {
-        to.position = to.file->bytes.size();
-    }
     const std::int64_t count = writeFileAt(file, static_cast<std::int64_t>(to.position), bytes);
     to.position += static_cast<std::size_t>(std::max<std::int64_t>(count, 0));
     return count;
@@ -259,7 +255,7 @@ SystemStatus factsOfName(const std::string& name, FileFacts& facts)
         return SystemStatus::noSuchFile;
     }
     // Folders have no record of their own: each may have changed with any step, and its name is its identity.
-    facts = {true, 0, memory().steps, memory().steps, {2, std::hash<std::string>()(folderStart(name)), false}};
+    facts = {true, 0, memory().steps, {2, std::hash<std::string>()(folderStart(name)), false}};
     return SystemStatus::done;
 }
 
@@ -283,24 +279,6 @@ SystemStatus listFolder(const std::string& folder, std::vector<std::string>& nam
     }
     names.insert(names.end(), found.begin(), found.end());
     return SystemStatus::done;
-}
-
-bool renameFile(const std::string& from, const std::string& to)
-{
-    const std::shared_ptr<MemoryFile> file = find(from);
-    if (!file || isFolder(to) || !mayBeMade(to)) {
-        return false;
-    }
-    memory().files.erase(plainName(from));
-    memory().files[plainName(to)] = file;
-    ++memory().steps;
-    return true;
-}
-
-bool removeFile(const std::string& name)
-{
-    ++memory().steps;
-    return memory().files.erase(plainName(name)) == 1;
 }
 
 std::optional<std::string> fullNameOf(const std::string& name)
@@ -367,8 +345,6 @@ const System& memorySystem()
         .facts = factsOfName,
         .lookUp = lookUpName,
         .list = listFolder,
-        .rename = renameFile,
-        .remove = removeFile,
         .fullName = fullNameOf,
         .readConsole = readFromConsole,
         .writeConsole = writeToConsole,

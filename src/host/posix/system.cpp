@@ -70,8 +70,7 @@ FileFacts factsIn(const struct stat& status)
     FileFacts facts;
     facts.isFolder = S_ISDIR(status.st_mode);
     facts.size = status.st_size;
-    facts.lastWrite = nanoseconds(status.st_mtim);
-    facts.lastChange = std::max(facts.lastWrite, nanoseconds(status.st_ctim));
+    facts.lastChange = std::max(nanoseconds(status.st_mtim), nanoseconds(status.st_ctim));
     facts.identity = {status.st_dev, status.st_ino, S_ISREG(status.st_mode)};
     return facts;
 }
@@ -84,7 +83,6 @@ SystemFile openFile(const std::string& name, OpenFor purpose)
     switch (purpose) {
     case OpenFor::reading: flags |= O_RDONLY; break;
     case OpenFor::replacing: flags |= O_CREAT | O_WRONLY | O_TRUNC; break;
-    case OpenFor::appending: flags |= O_CREAT | O_WRONLY | O_APPEND; break;
     case OpenFor::updating: flags |= O_CREAT | O_RDWR; break;
     }
     const auto descriptor = static_cast<int>(uninterrupted([&] { return ::open(name.c_str(), flags, kNewFileMode); }));
@@ -258,16 +256,6 @@ SystemStatus listFolder(const std::string& folder, std::vector<std::string>& nam
     return statusOf(errno);
 }
 
-bool renameFile(const std::string& from, const std::string& to)
-{
-    return std::rename(from.c_str(), to.c_str()) == 0;
-}
-
-bool removeFile(const std::string& name)
-{
-    return ::unlink(name.c_str()) == 0;
-}
-
 std::optional<std::string> fullNameOf(const std::string& name)
 {
     std::error_code unknown;
@@ -372,8 +360,6 @@ const System& nativeSystem()
         .facts = factsOfName,
         .lookUp = lookUpName,
         .list = listFolder,
-        .rename = renameFile,
-        .remove = removeFile,
         .fullName = fullNameOf,
         .readConsole = readFromConsole,
         .writeConsole = writeToConsole,

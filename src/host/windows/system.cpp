@@ -78,8 +78,7 @@ std::optional<FileFacts> factsIn(HANDLE handle)
     FileFacts facts;
     facts.isFolder = (status.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     facts.size = joined(status.nFileSizeHigh, status.nFileSizeLow);
-    facts.lastWrite = nanoseconds(times.LastWriteTime.QuadPart);
-    facts.lastChange = std::max(facts.lastWrite, nanoseconds(times.ChangeTime.QuadPart));
+    facts.lastChange = std::max(nanoseconds(times.LastWriteTime.QuadPart), nanoseconds(times.ChangeTime.QuadPart));
     facts.identity = {status.dwVolumeSerialNumber,
                       static_cast<std::uint64_t>(joined(status.nFileIndexHigh, status.nFileIndexLow)),
                       !facts.isFolder && GetFileType(handle) == FILE_TYPE_DISK};
@@ -98,7 +97,6 @@ SystemFile openFile(const std::string& name, OpenFor purpose)
         creation = OPEN_EXISTING;
         break;
     case OpenFor::replacing: creation = CREATE_ALWAYS; break;
-    case OpenFor::appending: access = FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE; break;
     case OpenFor::updating: access = GENERIC_READ | GENERIC_WRITE; break;
     }
     constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
@@ -270,16 +268,6 @@ SystemStatus listFolder(const std::string& folder, std::vector<std::string>& nam
     return error == ERROR_NO_MORE_FILES ? SystemStatus::done : statusOf(error);
 }
 
-bool renameFile(const std::string& from, const std::string& to)
-{
-    return MoveFileExW(wide(from).c_str(), wide(to).c_str(), MOVEFILE_REPLACE_EXISTING) != 0;
-}
-
-bool removeFile(const std::string& name)
-{
-    return DeleteFileW(wide(name).c_str()) != 0;
-}
-
 std::optional<std::string> fullNameOf(const std::string& name)
 {
     std::error_code unknown;
@@ -399,8 +387,6 @@ const System& nativeSystem()
         .facts = factsOfName,
         .lookUp = lookUpName,
         .list = listFolder,
-        .rename = renameFile,
-        .remove = removeFile,
         .fullName = fullNameOf,
         .readConsole = readFromConsole,
         .writeConsole = writeToConsole,

@@ -35,7 +35,7 @@ protected:
         startUnits(1000);
         gis::initialise();
     }
-    ~MifReading() override { closeAllUnits(false); }
+    ~MifReading() override { closeAllUnits(); }
 
     // All objects of a .mif with this body, by the loop of the operations.
     std::vector<ReadObject> read(std::string_view body, int records, std::int32_t maxVertices = 1000)

@@ -153,15 +153,5 @@ TEST_F(FindInput, LeavesTheDirectorySearchExact)
     EXPECT_EQ(search("a*").end, SearchEnd::noSuchFile);
 }
 
-TEST(LastWriteTime, IsThatOfAnInput)
-{
-    const test::ScratchFolder folder;
-    folder.give("d/x", "");
-    EXPECT_TRUE(lastWriteTime((folder.path() / "d\\x").string()).has_value());
-    EXPECT_EQ(lastWriteTime((folder.path() / "d/X").string()), lastWriteTime((folder.path() / "d/x").string()));
-    EXPECT_FALSE(lastWriteTime((folder.path() / "d").string()).has_value());
-    EXPECT_FALSE(lastWriteTime((folder.path() / "e").string()).has_value());
-}
-
 } // namespace
 } // namespace gridforge

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <utime.h>
 #include <vector>
 
 namespace gridforge {
@@ -102,15 +101,14 @@ TEST(Opener, TakesAllBytesOfABinaryFile)
     const ScratchFolder folder;
     folder.give("a.bin", "\xEF\xBB\xBFrest");
     const ChildRun run = runInChild(folder, [] {
-        for (const char* mode : {"BI", "BE", "UI"}) {
+        for (const char* mode : {"BI", "BE"}) {
             Unit unit = 0;
             OPENER(unit, mode, "a.bin");
             say(readyBytes(unit) == "\xEF\xBB\xBFrest" ? "all" : "some");
         }
     });
     EXPECT_EQ(run.console, "Trying to open file a.bin...OK.\nOpened File Unit:1001\nall\n"
-                           "Trying to open file a.bin...OK.\nOpened File Unit:1002\nall\n"
-                           "Trying to open file a.bin...OK.\nOpened File Unit:1003\nall\n");
+                           "Trying to open file a.bin...OK.\nOpened File Unit:1002\nall\n");
 }
 
 TEST(Opener, WritesLinesWithCrLf)
@@ -127,23 +125,18 @@ TEST(Opener, WritesLinesWithCrLf)
     EXPECT_EQ(folder.read("b.txt"), "first\r\nsecond");
 }
 
-TEST(Opener, AppendsAndOpensInPlace)
+TEST(Opener, OpensInPlace)
 {
     ScratchFolder folder;
-    folder.give("a.txt", "12345");
     folder.give("s.bin", "12345");
     runInChild(folder, [] {
-        Unit a = 0;
         Unit s = 0;
-        OPENER(a, "A ", "a.txt");
-        writeText(a, "67");
         OPENER(s, "SB", "s.bin");
         writeText(s, "ab");
         seekTo(s, 3);
         writeText(s, "c");
         truncateHere(s);
     });
-    EXPECT_EQ(folder.read("a.txt"), "1234567");
     EXPECT_EQ(folder.read("s.bin"), "ab3c");
 }
 
@@ -176,7 +169,7 @@ TEST(Opener, FindsAnInputInOtherCaseAndKeepsTheNameAskedFor)
 {
     ScratchFolder folder;
     folder.give("A.TXT", "capitals");
-    for (const char* mode : {"I ", "UI", "BI", "BE"}) {
+    for (const char* mode : {"I ", "BI", "BE"}) {
         const ChildRun run = runInChild(folder, [mode] {
             Unit unit = 0;
             OPENER(unit, mode, "a.txt");
@@ -193,7 +186,7 @@ TEST(Opener, WritesAnOutputUnderItsOwnName)
 {
     ScratchFolder folder;
     folder.give("A.TXT", "capitals");
-    for (const char* mode : {"O ", "A ", "S ", "IO"}) {
+    for (const char* mode : {"O ", "BO", "SB", "SE"}) {
         runInChild(folder, [mode] {
             Unit unit = 0;
             OPENER(unit, mode, "a.txt");
@@ -203,20 +196,6 @@ TEST(Opener, WritesAnOutputUnderItsOwnName)
         std::filesystem::remove(folder.path() / "a.txt");
     }
     EXPECT_EQ(folder.read("A.TXT"), "capitals");
-}
-
-TEST(Opener, AsksByTheTypeOfTheFile)
-{
-    ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] {
-        Unit unit = 0;
-        OPENER(unit, "I ", "a.txt", "input");
-    });
-    EXPECT_TRUE(run.ended);
-    EXPECT_EQ(run.console, "Trying to open file a.txt...\n"
-                           "CHECK 0008 - \"a.txt\" cannot be found\n"
-                           "What is the input file name? \n" +
-                               kExits);
 }
 
 TEST(Opener, TakesAFolderForAMissingInput)
@@ -255,7 +234,7 @@ TEST(Opener, WaitsWhereAnOutputCannotBeOpened)
     EXPECT_EQ(run.console, "Trying to open file no\\x.txt...Can't Open\n" + block + "Can't Open\n" + block + kExits);
 }
 
-TEST(Opener, RefusesABlankNameAndAnUnknownMode)
+TEST(Opener, RefusesABlankName)
 {
     ScratchFolder folder;
     const ChildRun blank = runInChild(folder, [] {
@@ -265,13 +244,6 @@ TEST(Opener, RefusesABlankNameAndAnUnknownMode)
     EXPECT_TRUE(blank.ended);
     EXPECT_EQ(blank.console,
               "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT.\nPress Enter to Close\n");
-
-    const ChildRun mode = runInChild(folder, [] {
-        Unit unit = 7;
-        OPENER(unit, "XX", "a.txt");
-        say(unit);
-    });
-    EXPECT_EQ(mode.console, "  Unrecognised file type XX file a.txt\n0\n");
 }
 
 TEST(Opener, AsksBeforeItTakesAFileThatIsOpen)
@@ -327,7 +299,7 @@ const std::string kWritten = "OK.  File Unit:1001\n...Closed File Unit:1001\n";
 TEST(Opener, WarnsEachTimeItReplacesAFileOfThisRun)
 {
     const ScratchFolder folder;
-    for (const char* mode : {"O ", "F ", "UO", "BO", "BN", "S ", "SB", "SE", "IO"}) {
+    for (const char* mode : {"O ", "BO", "SB", "SE"}) {
         const std::string again = kReplaced + "./a.txt\nTrying to open file ./a.txt..." + kWritten;
         EXPECT_EQ(openInTurn(folder, {{"O ", "a.txt"}, {mode, ".//a.txt"}, {mode, ".//a.txt"}}),
                   "Trying to open file a.txt..." + kWritten + again + again)
@@ -341,11 +313,10 @@ TEST(Opener, DoesNotWarnOfWhatIsNotReplaced)
     folder.give("older.txt", "");
     const auto opened = [](const std::string& name) { return "Trying to open file " + name + "..." + kWritten; };
     EXPECT_EQ(openInTurn(folder, {{"O ", "older.txt"}}), opened("older.txt"));
-    EXPECT_EQ(openInTurn(folder, {{"O ", "a.txt"}, {"A ", "a.txt"}, {"AB", "a.txt"}}),
-              opened("a.txt") + opened("a.txt") + opened("a.txt"));
     EXPECT_EQ(openInTurn(folder, {{"O ", "a.PRJ"}, {"O ", "a.PRJ"}}), opened("a.PRJ") + opened("a.PRJ"));
     EXPECT_EQ(openInTurn(folder, {{"O ", "/dev/null"}, {"O ", "/dev/null"}}),
               opened("/dev/null") + opened("/dev/null"));
+    folder.give("a.txt", "");
     EXPECT_EQ(openInTurn(folder, {{"I ", "a.txt"}, {"O ", "a.txt"}}),
               "Trying to open file a.txt...OK.\nOpened File Unit:1001\n...Closed File Unit:1001\n" + opened("a.txt"));
 }
@@ -381,24 +352,6 @@ TEST(Opener, StopsAtThe1001stFile)
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.status, 0);
     EXPECT_TRUE(run.console.ends_with("\nOpened File Unit:2000\nNo free file numbers.\n"));
-}
-
-TEST(Opener, KnowsTheKindByTheExtension)
-{
-    ScratchFolder folder;
-    for (const char* name : {"a.MIF", "a.mid", "a.12da", "a.txt"}) {
-        folder.give(name, "");
-    }
-    const ChildRun run = runInChild(folder, [] {
-        Unit unit = 0;
-        std::string kinds;
-        for (const char* name : {"a.MIF", "a.mid", "a.12da", "a.txt"}) {
-            OPENER(unit, "I ", name);
-            kinds += join(unitKind(unit), ' ');
-        }
-        say(kinds);
-    });
-    EXPECT_TRUE(run.console.ends_with("\n101 102 111 0 \n")) << run.console;
 }
 
 TEST(Units, ReadsLinesCutAtTheirWidth)
@@ -454,7 +407,7 @@ TEST(Units, ReadsBytesAcrossTheBuffer)
         std::vector<std::byte> body(2'900'000);
         std::vector<std::byte> tail(100'000);
         const bool good = readBytes(unit, head) && readBytes(unit, body);
-        say(good ? "good" : "bad", " at ", position(unit), " of ", fileSize(unit));
+        say(good ? "good" : "bad", " at ", position(unit));
         say(std::memcmp(body.data(), bytes.data() + 10, body.size()) == 0 ? "same" : "other");
         say(readBytes(unit, tail) ? "too much" : "short");
         seekTo(unit, 251);
@@ -462,7 +415,7 @@ TEST(Units, ReadsBytesAcrossTheBuffer)
         say(static_cast<int>(head[1]));
     });
     EXPECT_EQ(run.console, "Trying to open file a.bin...OK.\nOpened File Unit:1001\n"
-                           "good at 2900010 of 3000000\nsame\nshort\n1\n");
+                           "good at 2900010\nsame\nshort\n1\n");
 }
 
 TEST(Units, AFullDiskEndsTheRunWithAMessage)
@@ -518,13 +471,6 @@ TEST(Units, ExitsClosesAllOutputsBeforeItWaits)
     EXPECT_EQ(folder.read("a") + folder.read("b") + folder.read("c"), "123");
 }
 
-TEST(Units, CloseAllSaysSo)
-{
-    ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] { closeAllUnits(true); });
-    EXPECT_EQ(run.console, "Closing all file units...\n");
-}
-
 TEST(Units, ARefusedReadIsAFailedOne)
 {
     ScratchFolder folder;
@@ -539,93 +485,6 @@ TEST(Units, ARefusedReadIsAFailedOne)
             readFailed(unit) ? ", failed" : ", ended");
     });
     EXPECT_TRUE(run.console.ends_with("goes on, not read, failed\n")) << run.console;
-}
-
-// --- Named units -----------------------------------------------------------------------------------------------------
-
-TEST(NamedUnits, OpenTheirStoredNameOnTheUnitsBelowTheBase)
-{
-    ScratchFolder folder;
-    folder.give("in.txt", "x");
-    const ChildRun run = runInChild(
-        folder,
-        [] {
-            openNamedAs(1, "in.txt", "I ", "input");
-            openNamedAs(8, "run", "O ", "output");
-            openNamedWith(2, "p_", "_s", "O ", "output");
-            say(NAMED(1) ? "named" : "not named", ' ', NAMED(3) ? "named" : "not named", ' ', GETNAM(8));
-        },
-        "q\n");
-    EXPECT_EQ(run.console, "Trying to open file in.txt...OK.\nOpened File Unit: 993\n"
-                           "Trying to open file run...OK.  File Unit:1000\n"
-                           "Trying to open file p__s...OK.  File Unit: 994\n"
-                           "named not named run\n");
-}
-
-TEST(NamedUnits, AskForANameThatTheyDoNotHave)
-{
-    ScratchFolder folder;
-    const ChildRun run = runInChild(
-        folder, [] { openNamedOutput(3); }, "\nout.txt\n");
-    EXPECT_EQ(run.console, "What is the output file name? \n"
-                           "No file name entered.  Trying file again...\n"
-                           "What is the output file name? \n"
-                           "Trying to open file out.txt...OK.  File Unit: 995\n");
-}
-
-TEST(NamedUnits, StopOnBadNumbersAndOnOpenEntries)
-{
-    ScratchFolder folder;
-    EXPECT_EQ(runInChild(folder, [] { openNamedInput(9); }).console, "Incorrect file number - OPENER\n");
-    EXPECT_EQ(runInChild(folder, [] { NAMED(9); }).console, "Invalid file number - NAMED\n");
-    EXPECT_EQ(runInChild(folder, [] { GETNAM(0); }).console, "Invalid file number - GETNAM\n");
-    const ChildRun twice = runInChild(folder, [] {
-        openNamedAs(1, "a", "O ", "output");
-        openNamedAs(1, "a", "O ", "output");
-    });
-    EXPECT_TRUE(twice.ended);
-    EXPECT_TRUE(twice.console.ends_with("File already opened - OPENER\n"));
-}
-
-// --- Save dates ------------------------------------------------------------------------------------------------------
-
-void setSaveDate(const ScratchFolder& folder, const char* name, time_t date)
-{
-    const utimbuf times = {date, date};
-    utime((folder.path() / name).c_str(), &times);
-}
-
-TEST(SaveDate, OfTheFirstMustNotBeLater)
-{
-    ScratchFolder folder;
-    folder.give("a.mif", "");
-    folder.give("a.tab", "");
-    setSaveDate(folder, "a.mif", 1000);
-    setSaveDate(folder, "a.tab", 1000);
-    const auto check = [](bool mustHold) {
-        return [mustHold] {
-            Unit a = 0;
-            Unit b = 0;
-            say(checkSaveDate("a.mif", "a.tab", a, b, mustHold) ? "goes on" : "again");
-        };
-    };
-    const std::string head = "Checking save date is later than that of a.mif...";
-    EXPECT_EQ(runInChild(folder, check(true)).console, head + "OK\ngoes on\n");
-
-    setSaveDate(folder, "a.mif", 1001);
-    const std::string later = " - Save date of \"a.mif\" file is later than that of \"a.tab\"\n";
-    EXPECT_EQ(runInChild(folder, check(false)).console, head + "NOT OK\nWARNING 0004" + later + "goes on\n");
-    const std::string again = "Re-export mif file and press Enter, or close window.\n";
-    EXPECT_EQ(runInChild(folder, check(true), "\n").console, head + "NOT OK\nERROR 0004" + later + again + "again\n");
-    // Nobody is there to save it again, so the check must not go round for ever.
-    EXPECT_EQ(runInChild(folder, check(true)).console, head + "NOT OK\nERROR 0004" + later + again + kExits);
-
-    std::filesystem::remove(folder.path() / "a.tab");
-    const std::string unknown = " - Could not access save date of a.mif to check with a.tab\n";
-    EXPECT_EQ(runInChild(folder, check(false)).console, head + "NOT OK\nWARNING 0004" + unknown + "goes on\n");
-    EXPECT_EQ(runInChild(folder, check(true)).console,
-              head + "NOT OK\nERROR 0004" + unknown +
-                  "NOTE - If using KESTOR.exe, use CHECK MI SAVE DATE == WARNING or OFF to suppress check\n" + kExits);
 }
 
 } // namespace
