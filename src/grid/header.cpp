@@ -109,93 +109,12 @@ OpenGrid openGrid(std::string_view name)
     return grid;
 }
 
-// --- The tolerant readers --------------------------------------------------------------------------------------------
-
-namespace {
-
-// The value stands behind the key's own length from the head of the line; one that cannot be read changes nothing.
-template <typename Value>
-bool takeValue(std::string_view line, std::string_view key, Value& target)
-{
-    if (!FLAGEXISTS(line, key)) {
-        return false;
-    }
-    readFree(line.substr(std::min(key.size(), line.size())), target);
-    return true;
-}
-
-void passLines(Unit unit, std::int32_t count)
-{
-    std::string line;
-    for (std::int32_t i = 0; i < count && readLine(unit, line); ++i) {
-    }
-}
-
-AscHeaderText readTolerant(Unit unit, std::string_view displayName, bool knowsClasses)
-{
-    say("Reading Header for: ", displayName);
-    AscHeaderText header;
-    std::string line;
-    while (!header.classified && readLine(unit, line)) {
-        line = TRIMF(line);
-        if (takeValue(line, "ncols", header.ncols) || takeValue(line, "nrows", header.nrows) ||
-            takeValue(line, "xllcorner", header.xll) || takeValue(line, "yllcorner", header.yll) ||
-            takeValue(line, "cellsize", header.cellsize) || takeValue(line, "NODATA_value", header.null)) {
-            continue;
-        }
-        if (knowsClasses && takeValue(line, "nClasses", header.classes)) {
-            header.classified = true;
-            passLines(unit, header.classes);
-        } else if (NUMBERLINE(line)) {
-            stepBack(unit);
-            break;
-        }
-    }
-    return header;
-}
-
-constexpr int kCountColumns = 12;
-constexpr int kCornerColumns = 16;
-constexpr int kCornerDecimals = 3;
-
-void sayHeader(const AscHeaderText& header)
-{
-    constexpr int kCellColumns = 10;
-    constexpr int kCellDecimals = 3;
-    constexpr int kNullColumns = 12;
-    constexpr int kClassColumns = 4;
-    say("Number Rows:", integerField(header.nrows, kCountColumns));
-    say("Number Columns:", integerField(header.ncols, kCountColumns));
-    say("XLL Corner:", realField(header.xll, kCornerColumns, kCornerDecimals));
-    say("YLL Corner:", realField(header.yll, kCornerColumns, kCornerDecimals));
-    say("Cell Size:", realField(static_cast<double>(header.cellsize), kCellColumns, kCellDecimals));
-    if (header.classified) {
-        say("Classified grid with number of classes: ", integerField(header.classes, kClassColumns));
-    } else {
-        say("NODATA_value: ", realField(static_cast<double>(header.null), kNullColumns, kCellDecimals));
-    }
-}
-
-} // namespace
-
-AscHeaderText readAscHeaderText(Unit unit, std::string_view displayName)
-{
-    const AscHeaderText header = readTolerant(unit, displayName, false);
-    sayHeader(header);
-    return header;
-}
-
-AscHeaderText readAscHeaderClasses(Unit unit, std::string_view displayName)
-{
-    const AscHeaderText header = readTolerant(unit, displayName, true);
-    sayHeader(header);
-    return header;
-}
-
 void writeAscHeaderText(Unit unit, std::string_view displayName, std::int32_t nrows, std::int32_t ncols, double xll,
                         double yll, double cellsize)
 {
     constexpr int kColumns = 10;
+    constexpr int kCornerColumns = 16;
+    constexpr int kCornerDecimals = 3;
     constexpr int kCellColumns = 8;
     constexpr int kCellDecimals = 2;
     say("Writing Header for: ", displayName);

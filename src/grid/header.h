@@ -28,21 +28,6 @@ struct OpenGrid {
 // What cannot be read or is not complete ends the run with its message.
 OpenGrid openGrid(std::string_view name);
 
-// What the tolerant readers find in the head of an open text unit; what is not there keeps its default.
-struct AscHeaderText {
-    std::int32_t nrows = 0;
-    std::int32_t ncols = 0;
-    double xll = 0;
-    double yll = 0;
-    float cellsize = 0;
-    float null = kDefaultNull;
-    bool classified = false;
-    std::int32_t classes = 0;
-};
-AscHeaderText readAscHeaderText(Unit unit, std::string_view displayName);
-// Also knows classified grids: passes over their class table.
-AscHeaderText readAscHeaderClasses(Unit unit, std::string_view displayName);
-
 // Writes the first five header lines in fixed-width form; the caller writes the null.
 void writeAscHeaderText(Unit unit, std::string_view displayName, std::int32_t nrows, std::int32_t ncols, double xll,
                         double yll, double cellsize);

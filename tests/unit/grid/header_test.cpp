@@ -199,60 +199,7 @@ TEST_F(Projection, ThatCannotBeReadEndsTheRun)
     EXPECT_EQ(consoleOf("a.asc"), kPrjOpened + "ERROR - Reading projection file information.\nLine = \n" + kExits);
 }
 
-// --- The tolerant readers and the fixed-width writer -----------------------------------------------------------------
-
-TEST(ReadAscHeaderText, PassesOverForeignLines)
-{
-    ScratchFolder folder;
-    folder.give("a.asc", "a free line\n  ncols 4\nnrows x\nnrows 3\nxllcorner 1.5\nyllcorner -2\ncellsize 2.5\n"
-                         "NODATA_value -1\n 1 2\n");
-    const ChildRun run = runInChild(folder, [] {
-        Unit unit = 0;
-        OPENER(unit, "I ", "a.asc");
-        const grid::AscHeaderText h = grid::readAscHeaderText(unit, "shown");
-        std::string next;
-        readLine(unit, next);
-        say(h.ncols, ' ', h.nrows, ' ', h.classified ? "classified" : "plain", " <", next, ">");
-    });
-    EXPECT_EQ(run.console, kOpened + "Reading Header for: shown\n"
-                                     "Number Rows:           3\n"
-                                     "Number Columns:           4\n"
-                                     "XLL Corner:           1.500\n"
-                                     "YLL Corner:          -2.000\n"
-                                     "Cell Size:     2.500\n"
-                                     "NODATA_value:       -1.000\n"
-                                     "4 3 plain < 1 2>\n");
-}
-
-TEST(ReadAscHeaderClasses, PassesOverTheClassTable)
-{
-    ScratchFolder folder;
-    folder.give("a.asc", "ncols 4\nnrows 3\nxllcorner 0\nyllcorner 0\ncellsize 1\nnClasses 2\n1 low\n2 high\n0 1\n");
-    const ChildRun run = runInChild(folder, [] {
-        Unit unit = 0;
-        OPENER(unit, "I ", "a.asc");
-        const grid::AscHeaderText h = grid::readAscHeaderClasses(unit, "a");
-        std::string next;
-        readLine(unit, next);
-        say(h.classes, h.classified ? " classified" : " plain", " <", next, ">");
-    });
-    EXPECT_TRUE(run.console.ends_with("Cell Size:     1.000\n"
-                                      "Classified grid with number of classes:    2\n2 classified <0 1>\n"))
-        << run.console;
-}
-
-TEST(ReadAscHeaderClasses, AnAbsurdClassCountEndsWithTheFile)
-{
-    ScratchFolder folder;
-    folder.give("a.asc", "nClasses 2147483647\nx\n");
-    const ChildRun run = runInChild(folder, [] {
-        Unit unit = 0;
-        OPENER(unit, "I ", "a.asc");
-        grid::readAscHeaderClasses(unit, "a");
-        say(atEnd(unit) ? "end" : "more");
-    });
-    EXPECT_TRUE(run.console.ends_with("classes: ****\nend\n")) << run.console;
-}
+// --- The fixed-width writer ------------------------------------------------------------------------------------------
 
 TEST(WriteAscHeaderText, WritesFixedFields)
 {
