@@ -191,11 +191,6 @@ constexpr std::array<std::string_view, 173> kUsage = {
 
 } // namespace
 
-std::span<const std::string_view> usageText()
-{
-    return kUsage;
-}
-
 void showUsage()
 {
     for (const std::string_view line : kUsage) {

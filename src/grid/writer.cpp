@@ -145,20 +145,20 @@ void writeGrid(std::int32_t format, std::string_view base, const GridHeader& hea
 
 namespace {
 
-bool isApart(double first, double second, double tolerance)
+bool isApart(double first, double second)
 {
-    return std::fabs(first - second) > tolerance;
+    return std::fabs(first - second) > kGridTolerance;
 }
 
 } // namespace
 
-bool isSameLattice(const GridHeader& first, const GridHeader& second, double tolerance)
+bool isSameLattice(const GridHeader& first, const GridHeader& second)
 {
-    return first.nrows == second.nrows && first.ncols == second.ncols && !isApart(first.xll, second.xll, tolerance) &&
-           !isApart(first.yll, second.yll, tolerance) && !isApart(first.cellsize8, second.cellsize8, tolerance);
+    return first.nrows == second.nrows && first.ncols == second.ncols && !isApart(first.xll, second.xll) &&
+           !isApart(first.yll, second.yll) && !isApart(first.cellsize8, second.cellsize8);
 }
 
-void compareGridDimensions(const GridHeader& first, const GridHeader& second, double tolerance)
+void compareGridDimensions(const GridHeader& first, const GridHeader& second)
 {
     bool match = true;
     const auto report = [&match](std::string_view message, const std::string& a, const std::string& b) {
@@ -173,13 +173,13 @@ void compareGridDimensions(const GridHeader& first, const GridHeader& second, do
         report("ERROR - number of columns for input grids do not match. Columns = ", AINTEGER(first.ncols),
                AINTEGER(second.ncols));
     }
-    if (isApart(first.xll, second.xll, tolerance)) {
+    if (isApart(first.xll, second.xll)) {
         report("ERROR - x coordinates of input grids do not match. xll = ", AREAL8(first.xll), AREAL8(second.xll));
     }
-    if (isApart(first.yll, second.yll, tolerance)) {
+    if (isApart(first.yll, second.yll)) {
         report("ERROR - y coordinates of input grids do not match. yll = ", AREAL8(first.yll), AREAL8(second.yll));
     }
-    if (isApart(first.cellsize8, second.cellsize8, tolerance)) {
+    if (isApart(first.cellsize8, second.cellsize8)) {
         report("ERROR - cell size of input grids do not match. cell sizes = ", AREAL8(first.cellsize8),
                AREAL8(second.cellsize8));
     }

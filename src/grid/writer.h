@@ -28,8 +28,8 @@ void writeGrid(std::int32_t format, std::string_view base, const GridHeader& hea
 inline constexpr double kGridTolerance = static_cast<double>(0.01F);
 
 // The grids do not differ in size, corner or cell size.
-bool isSameLattice(const GridHeader& first, const GridHeader& second, double tolerance = kGridTolerance);
+bool isSameLattice(const GridHeader& first, const GridHeader& second);
 // Reports each of size, corner and cell size in which the grids differ, and ends the run when one does.
-void compareGridDimensions(const GridHeader& first, const GridHeader& second, double tolerance = kGridTolerance);
+void compareGridDimensions(const GridHeader& first, const GridHeader& second);
 
 } // namespace gridforge::grid

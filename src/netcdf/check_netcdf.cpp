@@ -32,9 +32,4 @@ void checkNetcdf(int status, std::string_view call)
     fail("Netcdf error message: ", cut(nc_strerror(status), kLibraryTextWidth));
 }
 
-void printNetcdfVersion()
-{
-    say("Checking netcdf version: ", cut(nc_inq_libvers(), kLibraryTextWidth));
-}
-
 } // namespace gridforge::netcdf

@@ -8,7 +8,4 @@ namespace gridforge::netcdf {
 // Passes where `status` is 0; otherwise names the call and the library's reason and ends the run.
 void checkNetcdf(int status, std::string_view call);
 
-// The version of the library that the program runs with.
-void printNetcdfVersion();
-
 } // namespace gridforge::netcdf

@@ -284,12 +284,6 @@ float chainageAt(const NbcBranch& branch, const Meeting& meeting)
 
 } // namespace
 
-bool extents_overlap(const NbcBranches& branches, std::int32_t b, const NbcSections& sections, std::int32_t s)
-{
-    return overlap(branches.all[static_cast<std::size_t>(b - 1)].extent,
-                   sections.all[static_cast<std::size_t>(s - 1)].extent);
-}
-
 void nbc_match_sections(NbcBranches& branches, NbcSections& sections)
 {
     say("Determining if cross-sections snap or intersect branches...");

@@ -53,7 +53,6 @@ struct RunSettings {
     bool bufferGiven = false;   // -bd
     bool defaultNGiven = false; // -default_n
     bool batch = false;
-    bool longProfileOutput = true;
 
     // Output name and format
     bool outputNameGiven = false;

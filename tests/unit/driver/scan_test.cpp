@@ -141,7 +141,6 @@ TEST(Scan, DefaultsAreThoseOfARunWithoutFlags)
     EXPECT_EQ(settings.idwPoints, 0);
     EXPECT_EQ(settings.pointToleranceX, 0.5F);
     EXPECT_EQ(settings.pointToleranceY, 0.5F);
-    EXPECT_TRUE(settings.longProfileOutput);
 }
 
 TEST(Scan, PlainArgumentsKeepTheirOrder)

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <gtest/gtest.h>
 #include <netcdf.h>
-#include <regex>
 #include <string>
 
 namespace gridforge {
@@ -51,15 +50,6 @@ TEST(CheckNetcdf, ALongReasonIsCutAtEightyCharacters)
     const ChildRun run = runInChild(folder, [] { netcdf::checkNetcdf(NC_ECANTEXTEND, "nf90_close"); });
     EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_close\nNetcdf error message: " + reason.substr(0, 80) +
                                "\n\nPress Enter to Close\n");
-}
-
-TEST(PrintNetcdfVersion, GivesTheLibrarysOwnText)
-{
-    const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] { netcdf::printNetcdfVersion(); });
-    EXPECT_FALSE(run.ended);
-    EXPECT_TRUE(std::regex_match(run.console, std::regex("Checking netcdf version: [0-9]+\\.[0-9]+.{0,76}\n")))
-        << run.console;
 }
 
 } // namespace
