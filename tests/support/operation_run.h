@@ -59,6 +59,7 @@ inline Outcome runOperationOn(const GivenFiles& given, const std::string& comman
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder.path());
     const System system = systemForOperations(refusesReads);
+    flushConsole(); // what other tests left
     useSystem(system);
     restartConsole();
     startUnits(1000);
