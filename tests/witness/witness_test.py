@@ -159,13 +159,14 @@ class FindingTest(WitnessRun):
         self.assert_finds('"$TOOL" "$@"; while :; do :; done', "end: exit 0 | overtime", "--only", "missing", "--seconds-a-run", "1")
 
     @unittest.skipIf(runs.Tool(TOOL).sanitized, "the memory of a sanitized tool is not compared")
-    def test_finds_a_third_more_memory(self):
+    def test_finds_more_memory_than_buffers_need(self):
         runner = runs.Runner(RUNNER)
         self.addCleanup(runner.close)
         scratch = runs.Scratch(self.path("scratch"), runner)
         case = inputs.Case(self.path("cases/all/missing"), "missing")
         peak = scratch.run(runs.Tool(TOOL), case.load(), LIMITS).peak_kb
-        more = 'head -c %d /dev/zero | tail -c %d > /dev/null' % (peak * 1330, peak * 1330)
+        size = (peak * 133 // 100 + compare.MEMORY_KB) * 1024
+        more = 'head -c %d /dev/zero | tail -c %d > /dev/null' % (size, size)
         self.assert_finds('"$TOOL" "$@"; ' + more, "more memory", "--only", "missing")
 
 
@@ -396,7 +397,7 @@ class ComparisonTest(WithFolder):
         self.assertEqual(kinds(good, good, good), ["only the new one leaves .z", "bytes of .t", "bytes of .y"])
 
     def test_memory_that_counts_as_more(self):
-        for old, new, more in ((13000, 13500, False), (13000, 16900, True), (13000, 9000, False), (1000000, 1090000, False),
+        for old, new, more in ((13000, 13500, False), (13000, 20900, False), (13000, 23000, True), (13000, 9000, False), (1000000, 1090000, False),
                                (1000000, 1120000, True)):
             self.assertEqual(compare.more_memory(self.outcome(old), self.outcome(new)), more, (old, new))
 
