@@ -61,6 +61,7 @@ inline Outcome runOperationOn(const GivenFiles& given, const std::string& comman
     const System system = systemForOperations(refusesReads);
     flushConsole(); // what other tests left
     useSystem(system);
+    takeMemoryConsole(); // and what they said there
     restartConsole();
     startUnits(1000);
 
