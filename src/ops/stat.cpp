@@ -257,7 +257,7 @@ void doFraction(StatRun& run, const Statistic& statistic, ValueAndSource& result
     write(run, "Writing fraction values to: ", "_Frac_Wet", statistic.firstGrid, result.values);
 }
 
-// What the settings ask for, in the order in which it is told.
+// What the settings ask for, in the order in which the console has it.
 Statistics statisticsOf(const run::RunSettings& settings, const RankList& list)
 {
     Statistics all;

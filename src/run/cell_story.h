@@ -52,7 +52,7 @@ public:
     void allocateInput(std::int32_t i, const GridHeader& header, std::string_view purpose);
     void allocate(std::size_t i, const GridHeader& header, std::string_view purpose);
 
-    // Row by row as overRows tells it: all cells, or those of input `i`.
+    // Row by row as overRows reports it: all cells, or those of input `i`.
     void compute(std::string_view heading);
     void take(std::int32_t i, std::string_view heading);
     // The same without a word.

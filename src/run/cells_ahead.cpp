@@ -244,7 +244,7 @@ private:
     std::size_t pieceCells_ = 0;
 };
 
-// Opens inputs from `first` on, and returns how many: as many binary ones as files may be open, or one text. `way` tells why
+// Opens inputs from `first` on, and returns how many: as many binary ones as files may be open, or one text. `way` says why
 // no more.
 std::size_t openGroup(std::span<const grid::GridLook> looks, std::size_t first, const std::string& folder,
                       std::vector<InputCells>& group, Way& way)

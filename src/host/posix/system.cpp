@@ -176,7 +176,7 @@ SystemFile openUnnamedFile(const std::string& folder)
     return openNameless(folder);
 }
 
-// A file system that cannot set bytes aside is believed to have them: a write that fails tells.
+// A file system that cannot set bytes aside is believed to have them: a write that fails reports it.
 bool setAsideFor(SystemFile file, std::int64_t size)
 {
 #ifdef __linux__
