@@ -1,6 +1,7 @@
 #include "sampling/inside_runs.h"
 
 #include "plane/geometry.h"
+#include "support/lattice.h"
 
 #include <array>
 #include <gmock/gmock.h>
@@ -12,18 +13,6 @@ namespace gridforge::test {
 namespace {
 
 using testing::ElementsAre;
-
-GridHeader headerOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
-{
-    GridHeader header;
-    header.nrows = nrows;
-    header.ncols = ncols;
-    header.xll = xll;
-    header.yll = yll;
-    header.cellsize = cellsize;
-    header.cellsize8 = static_cast<double>(cellsize);
-    return header;
-}
 
 // A ring of open vertices as a reader gives it.
 gis::Coordinates ringOf(const std::vector<double>& x, const std::vector<double>& y)

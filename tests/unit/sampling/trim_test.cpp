@@ -1,6 +1,7 @@
 #include "sampling/trim.h"
 
 #include "plane/geometry.h"
+#include "support/lattice.h"
 
 #include <algorithm>
 #include <array>
@@ -19,18 +20,6 @@ sampling::SampledRegion regionOf(const std::vector<double>& x, const std::vector
         read.y[i] = y[i % y.size()];
     }
     return sampling::sampledRegion(read);
-}
-
-GridHeader headerOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
-{
-    GridHeader header;
-    header.nrows = nrows;
-    header.ncols = ncols;
-    header.xll = xll;
-    header.yll = yll;
-    header.cellsize = cellsize;
-    header.cellsize8 = static_cast<double>(cellsize);
-    return header;
 }
 
 // The plain twin of the kernel: each cell by itself.
