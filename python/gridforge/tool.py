@@ -1,0 +1,51 @@
+"""Where the tool and its description are."""
+from __future__ import annotations
+
+import os
+import shutil
+from pathlib import Path
+
+PACKAGE = Path(__file__).resolve().parent
+EXECUTABLE = "gridforge.exe" if os.name == "nt" else "gridforge"
+DESCRIPTION = "gridforge.json"
+
+
+class ToolNotFound(Exception):
+    """The executable is nowhere, or the place that a variable names holds none."""
+
+
+def _is_executable(path: Path) -> bool:
+    return path.is_file() and os.access(path, os.X_OK)
+
+
+def _prefixes() -> list[Path]:
+    """The folders that the package may be installed below, the nearest first."""
+    return list(PACKAGE.parents)[:5]
+
+
+def find_tool() -> Path:
+    """The executable: that of GRIDFORGE, else the one installed together with this package, else that of PATH."""
+    named = os.environ.get("GRIDFORGE", "")
+    if named:
+        if not _is_executable(Path(named)):
+            raise ToolNotFound(f"The variable GRIDFORGE names no executable: {named}")
+        return Path(named).resolve()
+    for prefix in _prefixes():
+        if _is_executable(prefix / "bin" / EXECUTABLE):
+            return prefix / "bin" / EXECUTABLE
+    found = shutil.which(EXECUTABLE)
+    if found is None:
+        raise ToolNotFound("The tool gridforge is not installed. Put it into PATH, or name it in the variable GRIDFORGE.")
+    return Path(found).resolve()
+
+
+def find_description() -> Path:
+    """gridforge.json: that of GRIDFORGE_JSON, else the one installed together with this package, else the package's own."""
+    named = os.environ.get("GRIDFORGE_JSON", "")
+    if named:
+        return Path(named)
+    for prefix in _prefixes():
+        installed = prefix / "share" / "gridforge" / DESCRIPTION
+        if installed.is_file():
+            return installed
+    return PACKAGE / DESCRIPTION
