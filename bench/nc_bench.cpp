@@ -30,15 +30,13 @@ struct Inputs {
     std::filesystem::path folder;
     run::InputFileList names;
     std::vector<Grid> grids;
-    run::RunSettings settings;
+    run::Common common;
 
     Inputs() : folder(std::filesystem::temp_directory_path() / ("nc_bench_" + std::to_string(getpid())))
     {
         const QuietConsole quiet;
         std::filesystem::create_directory(folder);
-        settings.nc = true;
-        settings.outputNameGiven = true;
-        settings.outputName = (folder / "series.nc").string();
+        common.out = (folder / "series.nc").string();
         for (std::int32_t i = 1; i <= kGrids; ++i) {
             makeGrid(i);
         }
@@ -84,9 +82,9 @@ const Inputs& inputs()
 void run(bool byRows)
 {
     const QuietConsole quiet;
-    run::RunSettings settings = inputs().settings;
-    settings.ncPart = byRows;
-    netcdf::runNc(settings, inputs().names);
+    netcdf::NcOptions options;
+    options.part = byRows;
+    netcdf::runNc(inputs().common, options, inputs().names);
 }
 
 void require(int status)
@@ -105,7 +103,7 @@ Blocks blocksInFile()
     int file = 0;
     int series = 0;
     int maximum = 0;
-    require(nc_open(inputs().settings.outputName.c_str(), NC_NOWRITE, &file));
+    require(nc_open(inputs().common.out->c_str(), NC_NOWRITE, &file));
     require(nc_inq_varid(file, "data_temporal", &series));
     require(nc_inq_varid(file, "data_max", &maximum));
     Blocks blocks(kGrids + 1, std::vector<float>(kCells));

@@ -76,14 +76,13 @@ public:
     std::string path(const std::string& name) const { return (folder_ / name).string(); }
     std::int64_t cells() const { return static_cast<std::int64_t>(side_) * side_; }
 
-    run::RunSettings settings(std::int32_t method) const
+    remap::RemapOptions options(remap::Interpolation method) const
     {
-        run::RunSettings settings;
-        settings.remap = true;
-        settings.interpolation = method;
-        settings.waterLevelGrid = path("level.flt");
-        settings.demGrid = path("ground.flt");
-        return settings;
+        remap::RemapOptions options;
+        options.interpolation = method;
+        options.waterLevelGrid = path("level.flt");
+        options.demGrid = path("ground.flt");
+        return options;
     }
 
 private:
@@ -150,36 +149,35 @@ void readAndWriteTwice(benchmark::State& state, Flood flood)
     finish(state, model);
 }
 
-void remap(benchmark::State& state, Flood flood, void (*choose)(run::RunSettings&, const Model&))
+void remap(benchmark::State& state, Flood flood, void (*choose)(remap::RemapOptions&, const Model&))
 {
     const Model& model = modelOf(flood, static_cast<std::int32_t>(state.range(0)));
-    run::RunSettings settings = model.settings(run::kInterpolateTin);
-    choose(settings, model);
+    remap::RemapOptions options = model.options(remap::Interpolation::tin);
+    choose(options, model);
     run::InputFileList inputs;
-    inputs.add(settings.waterLevelGrid);
+    inputs.add(options.waterLevelGrid);
     for (auto _ : state) {
         const QuietConsole quiet;
-        remap::runRemap(settings, inputs);
+        remap::runRemap({}, options, inputs);
     }
     finish(state, model);
 }
 
-void byTin(run::RunSettings&, const Model&) {}
+void byTin(remap::RemapOptions&, const Model&) {}
 
-void byIdwInBuffer(run::RunSettings& settings, const Model&)
+void byIdwInBuffer(remap::RemapOptions& options, const Model&)
 {
-    settings.interpolation = run::kInterpolateIdw;
-    settings.bufferGiven = true;
-    settings.bufferDistance = 100;
+    options.interpolation = remap::Interpolation::idw;
+    options.buffer = 100.0F;
 }
 
-void byIdwInExtent(run::RunSettings& settings, const Model& model)
+void byIdwInExtent(remap::RemapOptions& options, const Model& model)
 {
-    settings.interpolation = run::kInterpolateIdw;
-    settings.extentGrid = model.path("extent.flt");
+    options.interpolation = remap::Interpolation::idw;
+    options.extentGrid = model.path("extent.flt");
 }
 
-void add(const char* name, Flood flood, std::int32_t side, void (*choose)(run::RunSettings&, const Model&))
+void add(const char* name, Flood flood, std::int32_t side, void (*choose)(remap::RemapOptions&, const Model&))
 {
     const auto work = [=](benchmark::State& state) {
         choose == nullptr ? readAndWriteTwice(state, flood) : remap(state, flood, choose);

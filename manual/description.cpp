@@ -131,7 +131,7 @@ std::string describe(const driver::FlagRow& row)
                    {"choices", parts(docs.holds == driver::ValueKind::choice ? docs.valueName : "", '|', "")},
                    {"required", truth(docs.use.required)},
                    {"repeated", truth(docs.use.repeated)},
-                   {"acts", truth(row.atFlag != nullptr)},
+                   {"acts", truth(row.atFlag != nullptr || row.kind == driver::FlagKind::operation)},
                    {"needs", parts(docs.use.needs, ' ', "-")},
                    {"group", textOrNull(docs.use.group)}});
 }

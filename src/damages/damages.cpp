@@ -63,14 +63,14 @@ void calculate(const DmgControl& control, const std::vector<DmgRes>& results, st
 
 } // namespace
 
-DamageNames damageNames(const run::RunSettings& settings, std::string_view firstLayer)
+DamageNames damageNames(const run::Common& common, std::string_view firstLayer)
 {
-    if (!settings.outputNameGiven) {
+    if (!common.out) {
         const std::string base = FILENAMEPATH(firstLayer) + "_Damages";
         const std::string extension = cut(FILEEXT(firstLayer), kExtensionWidth);
         return {cut(base + extension, kNameWidth), cut(base + ".csv", kNameWidth)};
     }
-    const std::string& out = settings.outputName;
+    const std::string& out = *common.out;
     if (gis::hasLayerExtension(out)) {
         return {out, cut(FILENAMEPATH(out) + ".csv", kNameWidth)};
     }
@@ -78,7 +78,7 @@ DamageNames damageNames(const run::RunSettings& settings, std::string_view first
     return {out, out};
 }
 
-void runDamages(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runDamages(const run::Common& common, const run::InputFileList& inputs)
 {
     say("Damage Calculation.");
     if (inputs.count() > 1) {
@@ -98,10 +98,10 @@ void runDamages(const run::RunSettings& settings, const run::InputFileList& inpu
     const std::vector<DmgRes> dmg_res = sortResults(control.results);
     calculate(control, dmg_res, dmg_building);
 
-    if (settings.outputNameGiven) {
+    if (common.out) {
         say("Using specified output file.");
     }
-    const DamageNames names = damageNames(settings, control.buildingFiles.empty() ? "" : control.buildingFiles.front());
+    const DamageNames names = damageNames(common, control.buildingFiles.empty() ? "" : control.buildingFiles.front());
     say("Output GIS File: ", names.gis);
     say("Output CSV File: ", names.csv);
     dmg_write_gis(names, control.projection, dmg_building, dmg_res, control.curves);

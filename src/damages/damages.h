@@ -2,16 +2,16 @@
 #pragma once
 
 #include "damages/output.h"
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 
 #include <string_view>
 
 namespace gridforge::damages {
 
 // The outputs: beside the first building layer, or as -out says.
-DamageNames damageNames(const run::RunSettings& settings, std::string_view firstLayer);
+DamageNames damageNames(const run::Common& common, std::string_view firstLayer);
 
-void runDamages(const run::RunSettings& settings, const run::InputFileList& inputs);
+void runDamages(const run::Common& common, const run::InputFileList& inputs);
 
 } // namespace gridforge::damages

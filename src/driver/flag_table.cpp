@@ -5,6 +5,8 @@
 #include "run/inputs.h"
 
 #include <algorithm>
+#include <optional>
+#include <tuple>
 
 namespace gridforge::driver {
 
@@ -14,47 +16,80 @@ constexpr float kSmallestBufferDistance = 0.001F;
 
 // --- What a flag sets ------------------------------------------------------------------------------------------------
 
-template <bool run::RunSettings::*... switches>
-void on(run::RunSettings& settings)
+template <typename Options, typename Value>
+Value& at(Settings& settings, Value Options::*option)
 {
-    ((settings.*switches = true), ...);
+    return get<Options>(settings).*option;
 }
 
-template <run::ResizeMethod method>
-void resizeBy(run::RunSettings& settings)
+template <auto... switches>
+void on(Settings& settings)
 {
-    settings.resizeMethod = method;
+    ((at(settings, switches) = true), ...);
+}
+
+template <auto option, auto value>
+void choose(Settings& settings)
+{
+    at(settings, option) = value;
+}
+
+// The option counts as given from the flag on, whatever its value will be.
+template <auto option>
+void give(Settings& settings)
+{
+    if (!at(settings, option)) {
+        at(settings, option).emplace();
+    }
 }
 
 // The method follows the order of flags: the last one that names a method wins, and -remap itself names TIN.
-template <std::int32_t method, bool run::RunSettings::*... switches>
-void interpolateBy(run::RunSettings& settings)
+template <remap::Interpolation method>
+void interpolateBy(Settings& settings)
 {
-    settings.interpolation = method;
-    on<switches...>(settings);
+    choose<&remap::RemapOptions::interpolation, method>(settings);
+}
+
+void growByIdw(Settings& settings)
+{
+    interpolateBy<remap::Interpolation::idw>(settings);
+    give<&remap::RemapOptions::buffer>(settings);
 }
 
 // --- Where a value goes ----------------------------------------------------------------------------------------------
 
-template <std::string run::RunSettings::*name>
+template <auto option>
 bool text(CommandLine& line, const std::string& value)
 {
-    line.settings.*name = value;
+    at(line.settings, option) = value;
     return true;
 }
 
-template <auto number>
-bool glued(CommandLine& line, const std::string& value)
+template <typename Number>
+bool readNumber(const std::string& value, Number& number)
 {
-    return readFree(value, line.settings.*number);
+    return readFree(value, number);
 }
 
-template <bool run::RunSettings::*setting>
+template <typename Number>
+bool readNumber(const std::string& value, std::optional<Number>& given)
+{
+    return readFree(value, *given);
+}
+
+template <auto... options>
+bool glued(CommandLine& line, const std::string& value)
+{
+    return (readNumber(value, at(line.settings, options)) && ...);
+}
+
+template <auto option>
 bool gluedSwitch(CommandLine& line, const std::string& value)
 {
-    std::int32_t number = line.settings.*setting ? 1 : 0;
+    bool& setting = at(line.settings, option);
+    std::int32_t number = setting ? 1 : 0;
     const bool read = readFree(value, number);
-    line.settings.*setting = number != 0;
+    setting = number != 0;
     return read;
 }
 
@@ -66,7 +101,7 @@ bool rawInput(CommandLine& line, const std::string& value)
 
 bool materialGrid(CommandLine& line, const std::string& value)
 {
-    line.settings.materialGrids.push_back(value);
+    get<network::XsOptions>(line.settings).materialGrids.push_back(value);
     return true;
 }
 
@@ -74,7 +109,7 @@ bool materialGrid(CommandLine& line, const std::string& value)
 // remap relies on finding it first; a name typed ahead of -wl is lost and leaves a blank last place. Deliberate.
 bool waterLevelGrid(CommandLine& line, const std::string& value)
 {
-    line.settings.waterLevelGrid = value;
+    get<remap::RemapOptions>(line.settings).waterLevelGrid = value;
     addRawInput(line, {});
     line.rawInputList.front() = value;
     return true;
@@ -95,15 +130,27 @@ constexpr GluedChecks kProfileDistanceChecks = {
                 "   Please ensure NO space exists between flag and value (e.g. lpmd500). Read argument: "}};
 constexpr GluedChecks kFreeboardChecks = {
     .notice = "CHECK - Free boarding specified, use IDW interporation.",
-    .refused = [](const run::RunSettings& settings) { return settings.freeboard < 0.0F; },
+    .refused = [](const Settings& settings) { return get<remap::RemapOptions>(settings).freeboard < 0.0F; },
     .refusal = "ERROR - Freeboard can not be less than 0."};
 constexpr GluedChecks kBufferChecks = {
     .notice = "CHECK - Buffer distance specified, use IDW interporation.",
     // Not-a-number is refused too.
-    .refused = [](const run::RunSettings& settings) { return !(settings.bufferDistance > kSmallestBufferDistance); },
+    .refused =
+        [](const Settings& settings) { return !(get<remap::RemapOptions>(settings).buffer > kSmallestBufferDistance); },
     .refusal = "ERROR - Buffer distance can not be less than or equal to 0."};
 
-using S = run::RunSettings;
+using network::XsOptions;
+using ops::ClassifyOptions;
+using ops::DifOptions;
+using ops::MaxMinOptions;
+using ops::ResizeOptions;
+using ops::TransformOptions;
+using remap::Interpolation;
+using remap::RemapOptions;
+using run::Common;
+using sampling::BrklineOptions;
+using sampling::CpOptions;
+using sampling::LpOptions;
 using enum SpanTest;
 using enum FlagKind;
 using enum FlagValue;
@@ -125,121 +172,111 @@ constexpr std::string_view kDecimals =
 // clang-format off
 constexpr std::array<FlagRow, 58> kFlags = {{
     {"max",        3,  contains, operation, none,         atFlag,    {"highest value of each cell over the input grids, with its source grid", "max"},
-                                                                     on<&S::max>},
-    {"min",        3,  contains, operation, none,         atFlag,    {"lowest value of each cell over the input grids, with its source grid", "max"},
-                                                                     on<&S::min>},
-    {"dif",        3,  contains, operation, none,         atFlag,    {"first grid minus second grid", "dif"},
-                                                                     on<&S::dif>},
+                                                                     choose<&MaxMinOptions::extreme, ops::Extreme::maximum>},
+    {"min",        3,  contains, operation, none,         atFlag,    {"lowest value of each cell over the input grids, with its source grid", "max"}},
+    {"dif",        3,  contains, operation, none,         atFlag,    {"first grid minus second grid", "dif"}},
     {"src",        3,  contains, option,    none,         never,     {"no source grid and no legend", "max"},
-                                                                     on<&S::src>},
+                                                                     on<&MaxMinOptions::src>},
     {"brkline",    7,  same,     operation, next,         atFlag,    {"breakline elevations from a terrain grid", "brkline", layer, "layer"},
-                                                                     on<&S::brkline>, text<&S::brklineLayer>},
+                                                                     nullptr, text<&BrklineOptions::layer>},
     {"cd",         2,  contains, operation, gluedReal,    atFlag,    {"keep only cells at or above the cutoff value", "cd count", number, "value", "0.0", "cell values"},
-                                                                     on<&S::cd>, glued<&S::cutoff>, kCutoffChecks},
+                                                                     give<&ops::CountOptions::cutoff>, glued<&ops::CutoffOptions::cutoff, &ops::CountOptions::cutoff>, kCutoffChecks},
     {"out",        3,  same,     option,    next,         never,     {"name of the main output", kNamedOutputs, name, "name"},
-                                                                     on<&S::outputNameGiven>, text<&S::outputName>},
+                                                                     give<&Common::out>, text<&Common::out>},
     {"resize",     6,  same,     operation, gluedInteger, atFlag,    {"coarser grid by a whole factor", "resize", integer, "factor", "", "cells"},
-                                                                     on<&S::resize>, glued<&S::resizeFactor>},
+                                                                     nullptr, glued<&ResizeOptions::factor>},
     {"trans_m",    7,  same,     operation, gluedReal,    afterScan, {"transform y = mx + c: the multiplier", "trans_m", number, "m", "1.0"},
-                                                                     on<&S::trans>, glued<&S::transformM>},
+                                                                     nullptr, glued<&TransformOptions::m>},
     {"trans_c",    7,  same,     operation, gluedReal,    afterScan, {"transform y = mx + c: the constant", "trans_m", number, "c", "0.0", "cell values"},
-                                                                     on<&S::trans>, glued<&S::transformC>},
+                                                                     nullptr, glued<&TransformOptions::c>},
     {"rm_max",     6,  same,     option,    none,         never,     {"resize to the maximum of each block", "resize", toggle, "", "", "", {.group = "resizeMethod"}},
-                                                                     resizeBy<run::ResizeMethod::maximum>},
+                                                                     choose<&ResizeOptions::method, ops::ResizeMethod::maximum>},
     {"rm_min",     6,  same,     option,    none,         never,     {"resize to the minimum of each block", "resize", toggle, "", "", "", {.group = "resizeMethod"}},
-                                                                     resizeBy<run::ResizeMethod::minimum>},
+                                                                     choose<&ResizeOptions::method, ops::ResizeMethod::minimum>},
     {"rm_avg",     6,  same,     option,    none,         never,     {"resize to the average of each block", "resize", toggle, "", "on", "", {.group = "resizeMethod"}},
-                                                                     resizeBy<run::ResizeMethod::average>},
+                                                                     choose<&ResizeOptions::method, ops::ResizeMethod::average>},
     {"classify",   8,  same,     operation, next,         atFlag,    {"classes of a grid by a class file", "classify", table, "classes.csv"},
-                                                                     on<&S::classify>, text<&S::classFile>},
+                                                                     nullptr, text<&ClassifyOptions::classFile>},
     {"RGB",        3,  same,     option,    none,         never,     {"the class file carries colours", "classify"},
-                                                                     on<&S::rgb>},
-    {"count",      5,  same,     operation, none,         atFlag,    {"number of active cells, with -cd of those above the cutoff", "count"},
-                                                                     on<&S::count>},
-    {"fe",         2,  same,     operation, none,         atFlag,    {"flood extent: 1 where the input is active and not 0", "fe"},
-                                                                     on<&S::fe>},
+                                                                     on<&ClassifyOptions::rgb>},
+    {"count",      5,  same,     operation, none,         atFlag,    {"number of active cells, with -cd of those above the cutoff", "count"}},
+    {"fe",         2,  same,     operation, none,         atFlag,    {"flood extent: 1 where the input is active and not 0", "fe"}},
     {"nowetdry",   8,  contains, option,    none,         atFlag,    {"no wet/dry test", "dif", toggle, "", "", "", {.needs = "change"}},
-                                                                     on<&S::nowetdry>},
+                                                                     on<&DifOptions::nowetdry>},
     {"change",     7,  contains, option,    none,         atFlag,    {"change where one of the cells is null", "dif"},
-                                                                     on<&S::change>},
+                                                                     on<&DifOptions::change>},
     {"check",      6,  contains, option,    none,         never,     {"extra check output", "lp brkline"},
-                                                                     on<&S::check>},
-    {"xyz",        3,  contains, operation, none,         atFlag,    {"point file to grid", "xyz"},
-                                                                     on<&S::xyz>},
-    {"fuzzy",      5,  contains, operation, none,         atFlag,    {"fuzzy map of the input grids", "fuzzy"},
-                                                                     on<&S::fuzzy>},
+                                                                     on<&LpOptions::check, &BrklineOptions::check>},
+    {"xyz",        3,  contains, operation, none,         atFlag,    {"point file to grid", "xyz"}},
+    {"fuzzy",      5,  contains, operation, none,         atFlag,    {"fuzzy map of the input grids", "fuzzy"}},
     {"asc",        3,  contains, option,    none,         never,     {"write grids as .asc", kGridFormats, toggle, "", "the format of the inputs", "", {.group = "gridFormat"}},
-                                                                     on<&S::formatSpecified, &S::ascWanted>},
+                                                                     on<&WantedFormats::asc>},
     {"flt",        3,  contains, option,    none,         never,     {"write grids as .flt", kGridFormats, toggle, "", "the format of the inputs", "", {.group = "gridFormat"}},
-                                                                     on<&S::formatSpecified, &S::fltWanted>},
-    {"conv",       4,  contains, operation, none,         atFlag,    {"conversion between .asc and .flt", "conv"},
-                                                                     on<&S::conv>},
-    {"multiply",   8,  contains, operation, none,         atFlag,    {"product of the input grids", "multiply"},
-                                                                     on<&S::multiply>},
+                                                                     on<&WantedFormats::flt>},
+    {"conv",       4,  contains, operation, none,         atFlag,    {"conversion between .asc and .flt", "conv"}},
+    {"multiply",   8,  contains, operation, none,         atFlag,    {"product of the input grids", "multiply"}},
     {"histogram",  9,  contains, operation, next,         atFlag,    {"number of cells in each bin", "histogram", table, "bins.csv"},
-                                                                     on<&S::histogram>, text<&S::classFile>},
+                                                                     nullptr, text<&ops::HistogramOptions::binFile>},
     {"grc",        3,  contains, option,    none,         never,     {"grid class output", "classify"},
-                                                                     on<&S::grc>},
+                                                                     on<&ClassifyOptions::grc>},
     {"xs",         2,  contains, operation, next,         atFlag,    {"cross-sections of a layer from grids", "xs", layer, "layer"},
-                                                                     on<&S::xs>, text<&S::xsLayer>},
+                                                                     nullptr, text<&XsOptions::sectionLayer>},
     {"nbc",        3,  contains, operation, next,         atFlag,    {"1D network by a control file", "nbc", controlFile, "file.nbc"},
-                                                                     on<&S::nbc>, rawInput},
+                                                                     nullptr, rawInput},
     {"branch",     6,  contains, option,    next,         never,     {"the branch layer", "xs", layer, "layer"},
-                                                                     nullptr, text<&S::branchLayer>},
+                                                                     nullptr, text<&XsOptions::branchLayer>},
     {"remap",      5,  contains, operation, none,         atFlag,    {"water level grid to a finer terrain grid; sets TIN", "remap"},
-                                                                     interpolateBy<run::kInterpolateTin, &S::remap>},
+                                                                     interpolateBy<Interpolation::tin>},
     {"na",         2,  contains, operation, next,         atFlag,    {"nodal areas of a layer", "na", layer, "layer"},
-                                                                     on<&S::na>, text<&S::naLayer>},
+                                                                     nullptr, text<&sampling::NaOptions::layer>},
     {"mat",        3,  contains, option,    next,         never,     {"a material grid; may be repeated", "xs", grid, "grid", "", "", {.repeated = true}},
                                                                      nullptr, materialGrid},
     {"cpsd",       4,  contains, option,    gluedReal,    never,     {"search distance", "cp lp", number, "distance", "1000.0", "map units"},
-                                                                     nullptr, glued<&S::cpSearchDistance>, kSearchDistanceChecks},
+                                                                     nullptr, glued<&CpOptions::searchDistance, &LpOptions::searchDistance>, kSearchDistanceChecks},
     {"cpmm",       4,  contains, option,    gluedReal,    never,     {"search distance of the minimum and maximum", "cp", number, "distance", "100.0", "map units"},
-                                                                     on<&S::cpmm>, glued<&S::cpMinMaxDistance>, kMinMaxDistanceChecks},
+                                                                     on<&CpOptions::extremes>, glued<&CpOptions::extremesDistance>, kMinMaxDistanceChecks},
     {"lpmd",       4,  contains, option,    gluedReal,    never,     {"distance between points", "lp", number, "distance", "100.0", "map units"},
-                                                                     nullptr, glued<&S::lpDistance>, kProfileDistanceChecks},
+                                                                     nullptr, glued<&LpOptions::spacing>, kProfileDistanceChecks},
     {"lp",         2,  same,     operation, next,         atFlag,    {"long profiles along the lines of a layer", "lp", layer, "layer"},
-                                                                     on<&S::lp>, text<&S::lpLayer>},
+                                                                     nullptr, text<&LpOptions::layer>},
     {"config",     6,  contains, option,    next,         never,     {"the config file", "cp", table, "file"},
-                                                                     nullptr, text<&S::configFile>},
+                                                                     nullptr, text<&CpOptions::configFile>},
     {"cp",         2,  contains, operation, next,         atFlag,    {"calibration points of a layer against a grid", "cp", layer, "layer"},
-                                                                     on<&S::cp>, text<&S::cpLayer>},
+                                                                     nullptr, text<&CpOptions::layer>},
     {"trim",       4,  contains, operation, next,         atFlag,    {"a grid for each region of a layer", "trim", layer, "layer"},
-                                                                     on<&S::trim>, text<&S::trimLayer>},
+                                                                     nullptr, text<&sampling::TrimOptions::layer>},
     {"nc_comp",    7,  contains, option,    gluedInteger, never,     {"NetCDF compression level", "nc", integer, "level", "1"},
-                                                                     nullptr, glued<&S::ncCompression>},
+                                                                     nullptr, glued<&netcdf::NcOptions::compression>},
     {"nc_shuffle", 10, contains, option,    gluedInteger, never,     {"NetCDF shuffle: 0 is off", "nc", choice, "0|1", "1"},
-                                                                     nullptr, gluedSwitch<&S::ncShuffle>},
+                                                                     nullptr, gluedSwitch<&netcdf::NcOptions::shuffle>},
     {"nc_part",    7,  contains, option,    gluedInteger, never,     {"NetCDF part switch: 0 is off", "nc", choice, "0|1", "0"},
-                                                                     nullptr, gluedSwitch<&S::ncPart>},
+                                                                     nullptr, gluedSwitch<&netcdf::NcOptions::part>},
     {"idw_npt",    7,  contains, option,    gluedInteger, never,     {"IDW with that number of points", "remap", integer, "points", "12", "points"},
-                                                                     interpolateBy<run::kInterpolateIdw>, glued<&S::idwPoints>},
+                                                                     interpolateBy<Interpolation::idw>, glued<&RemapOptions::idwPoints>},
     {"tin",        3,  contains, option,    none,         never,     {"TIN", "remap", toggle, "", "on"},
-                                                                     interpolateBy<run::kInterpolateTin>},
+                                                                     interpolateBy<Interpolation::tin>},
     {"wl",         2,  contains, option,    next,         never,     {"the water level grid; becomes input 1", "remap", grid, "grid", "", "", {.required = true}},
                                                                      nullptr, waterLevelGrid},
     {"dem",        3,  contains, option,    next,         never,     {"the terrain grid", "remap", grid, "grid", "", "", {.required = true}},
-                                                                     nullptr, text<&S::demGrid>},
+                                                                     nullptr, text<&RemapOptions::demGrid>},
     {"ext",        3,  contains, option,    next,         never,     {"the extent grid", "remap", grid, "grid"},
-                                                                     nullptr, text<&S::extentGrid>},
+                                                                     nullptr, text<&RemapOptions::extentGrid>},
     {"fb",         2,  contains, option,    gluedReal,    never,     {"freeboard; sets IDW", "remap", number, "freeboard", "0.0", "cell values"},
-                                                                     interpolateBy<run::kInterpolateIdw>, glued<&S::freeboard>, kFreeboardChecks},
+                                                                     interpolateBy<Interpolation::idw>, glued<&RemapOptions::freeboard>, kFreeboardChecks},
     {"bd",         2,  contains, option,    gluedReal,    never,     {"buffer distance; sets IDW", "remap", number, "distance", "0.0", "map units"},
-                                                                     interpolateBy<run::kInterpolateIdw, &S::bufferGiven>, glued<&S::bufferDistance>, kBufferChecks},
-    {"nc",         2,  contains, operation, none,         atFlag,    {"grids to a NetCDF series", "nc"},
-                                                                     on<&S::nc>},
+                                                                     growByIdw, glued<&RemapOptions::buffer>, kBufferChecks},
+    {"nc",         2,  contains, operation, none,         atFlag,    {"grids to a NetCDF series", "nc"}},
     {"default_n",  9,  contains, option,    gluedReal,    never,     {"material of points that no material grid gives one", "xs", number, "value", "-9999"},
-                                                                     on<&S::defaultNGiven>, glued<&S::defaultN>},
+                                                                     give<&XsOptions::defaultN>, glued<&XsOptions::defaultN>},
     {"damages",    7,  contains, operation, next,         atValue,   {"flood damages by a control file", "damages", controlFile, "file.dmg"},
-                                                                     on<&S::damages>, rawInput},
+                                                                     nullptr, rawInput},
     {"b",          1,  contains, option,    none,         never,     {"batch mode: no wait for Enter after a run that finished", kEveryOperation},
-                                                                     on<&S::batch>},
+                                                                     on<&Common::batch>},
     {"rf",         2,  contains, operation, next,         atValue,   {"rainfall grids by a control file", "rf", controlFile, "file"},
-                                                                     on<&S::rf>, rawInput},
-    {"stat",       4,  contains, operation, statistic,    afterScan, {"statistics of the input grids; flags add up", "stat", choice, "All|Mean|Median|Min|Max|Frac|Rank<n>|RankAll", "", "", {.repeated = true}},
-                                                                     on<&S::stat>},
+                                                                     nullptr, rawInput},
+    {"stat",       4,  contains, operation, statistic,    afterScan, {"statistics of the input grids; flags add up", "stat", choice, "All|Mean|Median|Min|Max|Frac|Rank<n>|RankAll", "", "", {.repeated = true}}},
     {"decimal",    7,  contains, option,    gluedInteger, never,     {"decimal places of .asc cells", kDecimals, integer, "places", "3", "decimals"},
-                                                                     nullptr, glued<&S::decimals>},
+                                                                     nullptr, glued<&Common::decimals>},
 }};
 // clang-format on
 

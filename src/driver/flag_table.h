@@ -54,7 +54,7 @@ struct GluedChecks {
     std::array<std::string_view, 2> missing = {};
     std::string_view notice = {}; // said before the number is read
     // True for a number that is refused: the run ends with `refusal` at once, without a pause.
-    bool (*refused)(const run::RunSettings&) = nullptr;
+    bool (*refused)(const Settings&) = nullptr;
     std::string_view refusal = {};
 };
 
@@ -66,7 +66,7 @@ struct FlagRow {
     FlagValue value;
     Counting counting;
     FlagDocs docs;
-    void (*atFlag)(run::RunSettings&) = nullptr;
+    void (*atFlag)(Settings&) = nullptr;
     // False when `text` is not a number of the flag's kind. An empty number before a comma leaves the setting.
     bool (*storeValue)(CommandLine&, const std::string& text) = nullptr;
     GluedChecks checks = {};

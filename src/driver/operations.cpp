@@ -27,12 +27,13 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
+#include <type_traits>
 
 namespace gridforge::driver {
 
 namespace {
 
-using S = run::RunSettings;
 using enum FileKind;
 
 // clang-format off
@@ -154,84 +155,111 @@ constexpr std::array<OutputRow, 12> kStatOutputs = {{
 }};
 // clang-format on
 
-// The order counts only where validation lets a pair through: "-count -cd" is a count.
+// --- How a run is called ---------------------------------------------------------------------------------------------
+
+template <typename Wanted>
+const Wanted& found(const Settings& settings, const run::InputFileList& inputs)
+{
+    if constexpr (std::is_same_v<Wanted, run::InputFileList>) {
+        return inputs;
+    } else {
+        return get<Wanted>(settings);
+    }
+}
+
+template <typename... Parameters>
+void call(void (*run)(const Parameters&...), const Settings& settings, const run::InputFileList& inputs)
+{
+    run(found<Parameters>(settings, inputs)...);
+}
+
+// With the records that its parameters ask for.
+template <auto run>
+void with(const Settings& settings, const run::InputFileList& inputs)
+{
+    call(run, settings, inputs);
+}
+
+// --- The table -------------------------------------------------------------------------------------------------------
+
+// The order counts only where validation lets a pair through.
 // clang-format off
 constexpr std::array<OperationRow, 25> kOperations = {{
     {"max",
      {"highest or lowest value of each cell over many grids", "max-min", {1, run::kMaxInputs}, kMaxOutputs},
-     [](const S& s) { return s.max || s.min; }, ops::runMaxMin},
+     with<ops::runMaxMin>},
     {"conv",
      {"turns .asc grids into .flt and back", "conv", {1, run::kMaxInputs}, kConvOutputs},
-     [](const S& s) { return s.conv; }, ops::runConv},
+     with<ops::runConv>},
     {"nc",
      {"a series of grids in one NetCDF file, with their maximum", "nc", {1, run::kMaxInputs}, kNcOutputs},
-     [](const S& s) { return s.nc; }, netcdf::runNc},
+     with<netcdf::runNc>},
     {"dif",
      {"difference of two grids, and where only one is active", "dif", {2, 2, Surplus::refused, true}, kDifOutputs},
-     [](const S& s) { return s.dif; }, ops::runDif},
+     with<ops::runDif>},
     {"cd",
      {"cells that reach a cutoff, or a second grid's cells there", "cd", {1, 2, Surplus::refused, true}, kCdOutputs},
-     [](const S& s) { return s.cd && !s.count; }, ops::runCutoff},
+     with<ops::runCutoff>, "count"},
     {"trans_m",
      {"y = m x + c", "transform", {1, 1, Surplus::ignored}, kTransMOutputs},
-     [](const S& s) { return s.trans; }, ops::runTransform},
+     with<ops::runTransform>},
     {"fe",
      {"mask of the wet cells", "fe", {1, 1, Surplus::ignored}, kFeOutputs},
-     [](const S& s) { return s.fe; }, ops::runFloodExtent},
+     with<ops::runFloodExtent>},
     {"fuzzy",
      {"fraction of grids in which a cell is active", "fuzzy", {1, run::kMaxInputs}, kFuzzyOutputs},
-     [](const S& s) { return s.fuzzy; }, ops::runFuzzy},
+     with<ops::runFuzzy>},
     {"count",
      {"number of wet cells", "count", {1, 1, Surplus::ignored}, kCountOutputs},
-     [](const S& s) { return s.count; }, ops::runCount},
+     with<ops::runCount>},
     {"resize",
      {"coarser grid by average, minimum or maximum", "resize", {1, 1}, kResizeOutputs},
-     [](const S& s) { return s.resize; }, ops::runResize},
+     with<ops::runResize>},
     {"classify",
      {"class numbers in place of values", "classify", {1, 1}, kClassifyOutputs},
-     [](const S& s) { return s.classify; }, ops::runClassify},
+     with<ops::runClassify>},
     {"histogram",
      {"counts of cells by bins", "histogram", {1, 1}, kHistogramOutputs},
-     [](const S& s) { return s.histogram; }, ops::runHistogram},
+     with<ops::runHistogram>},
     {"cp",
      {"observed points against the nearest cells of a grid", "cp", {1, 1, Surplus::ignored}, kCpOutputs},
-     [](const S& s) { return s.cp; }, sampling::runCalibrationPoints},
+     with<sampling::runCalibrationPoints>},
     {"lp",
      {"long profiles, invert and banks, along lines", "lp", {1, 1, Surplus::ignored}, kLpOutputs},
-     [](const S& s) { return s.lp; }, sampling::runLongProfile},
+     with<sampling::runLongProfile>},
     {"brkline",
      {"lines with ground elevations at vertices along them", "brkline", {1, 1}, kBrklineOutputs},
-     [](const S& s) { return s.brkline; }, sampling::runBreaklines},
+     with<sampling::runBreaklines>},
     {"xs",
      {"cross-sections from grids, and a network with -branch", "xs", {1, run::kMaxInputs}, kXsOutputs},
-     [](const S& s) { return s.xs; }, network::runXs},
+     with<network::runXs>},
     {"nbc",
      {"a 1D network and its cross-sections by a control file", "nbc", {0, 0}, kNbcOutputs},
-     [](const S& s) { return s.nbc; }, network::runNbc},
+     with<network::runNbc>},
     {"na",
      {"tables of height and area of the terrain inside regions", "na", {1, 1}, kNaOutputs},
-     [](const S& s) { return s.na; }, sampling::runNodalArea},
+     with<sampling::runNodalArea>},
     {"multiply",
      {"product of two grids", "multiply", {2, 2, Surplus::refused, true}, kMultiplyOutputs},
-     [](const S& s) { return s.multiply; }, ops::runMultiply},
+     with<ops::runMultiply>},
     {"xyz",
      {"a grid out of a text file of points", "xyz", {1, 1, Surplus::ignored, false, ValueKind::table}, kXyzOutputs},
-     [](const S& s) { return s.xyz; }, sampling::runXyz},
+     with<sampling::runXyz>},
     {"trim",
      {"a grid for each region of a layer", "trim", {1, run::kMaxInputs}, kTrimOutputs},
-     [](const S& s) { return s.trim; }, sampling::runTrim},
+     with<sampling::runTrim>},
     {"damages",
      {"what floods cost each building", "damages", {0, 0}, kDamagesOutputs},
-     [](const S& s) { return s.damages; }, damages::runDamages},
+     with<damages::runDamages>},
     {"rf",
      {"rainfall at gauges or over areas to a grid for each time step", "rf", {0, 0}, kRfOutputs},
-     [](const S& s) { return s.rf; }, rainfall::runRainfall},
+     with<rainfall::runRainfall>},
     {"remap",
      {"water levels of a coarse model on a finer terrain", "remap", {0, run::kMaxInputs - 1}, kRemapOutputs},
-     [](const S& s) { return s.remap; }, remap::runRemap},
+     with<remap::runRemap>},
     {"stat",
      {"minimum, maximum, mean, median, ranks and fraction wet over grids", "stat", {2, 10}, kStatOutputs},
-     [](const S& s) { return s.stat; }, ops::runStat},
+     with<ops::runStat>},
 }};
 // clang-format on
 
@@ -242,18 +270,19 @@ std::span<const OperationRow> operationTable()
     return kOperations;
 }
 
-const OperationRow* selectOperation(const run::RunSettings& settings)
+const OperationRow* selectOperation(const CommandLine& line)
 {
-    const auto found =
-        std::ranges::find_if(kOperations, [&](const OperationRow& row) { return row.selected(settings); });
+    const auto found = std::ranges::find_if(kOperations, [&](const OperationRow& row) {
+        return line.asked.contains(row.name) && !line.asked.contains(row.yieldsTo);
+    });
     return found == kOperations.end() ? nullptr : &*found;
 }
 
-void runOperation(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runOperation(const CommandLine& line, const run::InputFileList& inputs)
 {
-    const OperationRow* operation = selectOperation(settings);
+    const OperationRow* operation = selectOperation(line);
     if (operation != nullptr) {
-        operation->run(settings, inputs);
+        operation->run(line.settings, inputs);
     }
 }
 

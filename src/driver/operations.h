@@ -1,9 +1,9 @@
 // The operations of the tool in their order of precedence.
 #pragma once
 
+#include "driver/command_line.h"
 #include "driver/flag_table.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 
 #include <cstdint>
 #include <span>
@@ -48,16 +48,16 @@ struct OperationDocs {
 struct OperationRow {
     std::string_view name; // the flag that asks for it
     OperationDocs docs;
-    bool (*selected)(const run::RunSettings&);
-    void (*run)(const run::RunSettings&, const run::InputFileList&);
+    void (*run)(const Settings&, const run::InputFileList&);
+    std::string_view yieldsTo = {}; // the operation that runs where both are asked for, though it stands later
 };
 
 std::span<const OperationRow> operationTable();
 
-// The first operation whose settings ask for it; nullptr when none does.
-const OperationRow* selectOperation(const run::RunSettings& settings);
+// The first operation that is asked for; nullptr when none is.
+const OperationRow* selectOperation(const CommandLine& line);
 
 // Runs that operation to its end. None is no error: the flags of some options alone pass as an operation.
-void runOperation(const run::RunSettings& settings, const run::InputFileList& inputs);
+void runOperation(const CommandLine& line, const run::InputFileList& inputs);
 
 } // namespace gridforge::driver

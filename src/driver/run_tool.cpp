@@ -38,8 +38,8 @@ void runTool(const std::vector<std::string>& arguments)
     CommandLine line = scanArguments(arguments);
     validate(line);
     const run::InputFileList inputs = run::expandInputs(line.rawInputList);
-    runOperation(line.settings, inputs);
-    endFinished(line.settings.batch);
+    runOperation(line, inputs);
+    endFinished(get<run::Common>(line.settings).batch);
 }
 
 } // namespace gridforge::driver

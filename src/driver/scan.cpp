@@ -52,13 +52,16 @@ void takeFlag(const FlagRow& row, const std::string& argument, CommandLine& line
     if (row.atFlag != nullptr) {
         row.atFlag(line.settings);
     }
+    if (row.kind == FlagKind::operation) {
+        line.asked.insert(operationOf(row));
+    }
     if (row.counting == Counting::atFlag) {
         ++line.operations;
     }
     switch (row.value) {
     case FlagValue::gluedReal:
     case FlagValue::gluedInteger: readGlued(row, argument, line); break;
-    case FlagValue::statistic: addStatistic(line.settings, argument); break;
+    case FlagValue::statistic: addStatistic(get<ops::StatOptions>(line.settings), argument); break;
     case FlagValue::none:
     case FlagValue::next: break;
     }

@@ -15,16 +15,16 @@ constexpr std::string_view kRank = "Rank";
 
 struct StatisticRow {
     std::string_view key;
-    bool run::RunSettings::*setting;
+    bool ops::StatOptions::*option;
 };
 
 // In order: the first key that stands in the argument is meant.
-constexpr std::array<StatisticRow, 6> kStatistics = {{{"All", &run::RunSettings::statAll},
-                                                      {"Mean", &run::RunSettings::statMean},
-                                                      {"Median", &run::RunSettings::statMedian},
-                                                      {"Min", &run::RunSettings::statMin},
-                                                      {"Max", &run::RunSettings::statMax},
-                                                      {"Frac", &run::RunSettings::statFrac}}};
+constexpr std::array<StatisticRow, 6> kStatistics = {{{"All", &ops::StatOptions::all},
+                                                      {"Mean", &ops::StatOptions::mean},
+                                                      {"Median", &ops::StatOptions::median},
+                                                      {"Min", &ops::StatOptions::minimum},
+                                                      {"Max", &ops::StatOptions::maximum},
+                                                      {"Frac", &ops::StatOptions::fraction}}};
 
 // The key was found whatever its case, but its rank only stands after the exact spelling; without that the text begins
 // at the fourth character, which is no number. So -statrank5 is refused, on purpose.
@@ -35,13 +35,13 @@ std::string rankText(const std::string& argument)
     return argument.substr(at == std::string::npos ? kFourthCharacter : at + kRank.size());
 }
 
-void addRank(run::RunSettings& settings, const std::string& text)
+void addRank(ops::StatOptions& options, const std::string& text)
 {
     std::int32_t rank = 0;
     if (FLAGEXISTS(text, "All")) {
-        settings.statRankAll = true;
+        options.allRanks = true;
     } else if (CHECKINT(text, rank)) {
-        settings.statRanks.push_back(rank);
+        options.ranks.push_back(rank);
         say("Adding Rank: ", rank);
     } else {
         refuse("ERROR - Reading \"-statRank\" should be followed by \"All\" or integer rank instead: ", quoted(text));
@@ -50,15 +50,15 @@ void addRank(run::RunSettings& settings, const std::string& text)
 
 } // namespace
 
-void addStatistic(run::RunSettings& settings, const std::string& argument)
+void addStatistic(ops::StatOptions& options, const std::string& argument)
 {
     if (FLAGEXISTS(argument, kRank)) {
-        addRank(settings, rankText(argument));
+        addRank(options, rankText(argument));
         return;
     }
     for (const StatisticRow& row : kStatistics) {
         if (FLAGEXISTS(argument, row.key)) {
-            settings.*row.setting = true;
+            options.*row.option = true;
             return;
         }
     }

@@ -2,7 +2,11 @@
 
 #include "core/names.h"
 #include "core/text.h"
+#include "grid/grid.h"
 #include "host/ends.h"
+
+#include <string_view>
+#include <tuple>
 
 namespace gridforge::driver {
 
@@ -15,9 +19,9 @@ void warn(std::string_view text)
 }
 
 // Refuses the statistics too, though the usage screen offers them.
-void checkSourceSwitch(const run::RunSettings& settings)
+void checkSourceSwitch(const CommandLine& line)
 {
-    if (settings.src && !settings.max && !settings.min) {
+    if (get<ops::MaxMinOptions>(line.settings).src && !line.asked.contains("max")) {
         fail("ERROR - The src switch is only used in combination with the min and max commands. "
              "Please check your batch syntax.");
     }
@@ -25,10 +29,10 @@ void checkSourceSwitch(const run::RunSettings& settings)
 
 std::int32_t countOperations(const CommandLine& line)
 {
-    const run::RunSettings& settings = line.settings;
-    const std::int32_t transform = settings.trans ? 1 : 0;
-    const std::int32_t countOfCutoff = settings.count && settings.cd ? 1 : 0; // the pair is one operation
-    const std::int32_t statistics = settings.stat ? 1 : 0;
+    const auto asks = [&line](std::string_view operation) { return line.asked.contains(operation); };
+    const std::int32_t transform = asks("trans_m") ? 1 : 0;
+    const std::int32_t countOfCutoff = asks("count") && asks("cd") ? 1 : 0; // the pair is one operation
+    const std::int32_t statistics = asks("stat") ? 1 : 0;
     return line.operations + transform - countOfCutoff + statistics;
 }
 
@@ -39,22 +43,21 @@ void checkOneOperation(const CommandLine& line)
     if (operations == 0) {
         fail("ERROR - No operational flag specified.");
     }
-    if (operations > 1 && !(line.settings.change && line.settings.dif)) {
+    if (operations > 1 && !(get<ops::DifOptions>(line.settings).change && line.asked.contains("dif"))) {
         refuse("ERROR - More than one operational flag specified.");
     }
 }
 
-void checkColours(run::RunSettings& settings)
+void checkColours(const CommandLine& line)
 {
-    if (settings.rgb && !settings.classify) {
+    if (get<ops::ClassifyOptions>(line.settings).rgb && !line.asked.contains("classify")) {
         warn("WARNING - RGB option only valid for classify operation. Flag ignored.");
-        settings.rgb = false;
     }
 }
 
 void checkDifferenceFiles(CommandLine& line)
 {
-    if (!line.settings.dif) {
+    if (!line.asked.contains("dif")) {
         return;
     }
     const std::size_t count = line.rawInputList.size();
@@ -63,8 +66,7 @@ void checkDifferenceFiles(CommandLine& line)
     }
     if (count == 3) {
         say("Using 3rd filename for setting output filename");
-        line.settings.outputNameGiven = true;
-        line.settings.outputName = line.rawInputList.back();
+        get<run::Common>(line.settings).out = line.rawInputList.back();
         line.rawInputList.pop_back();
     }
     if (count > 3) {
@@ -72,42 +74,44 @@ void checkDifferenceFiles(CommandLine& line)
     }
 }
 
-void checkOutputName(run::RunSettings& settings)
+void checkOutputName(run::Common& common, WantedFormats& formats)
 {
-    if (!settings.outputNameGiven) {
+    if (!common.out) {
         return;
     }
-    say("Checking specified output name: ", settings.outputName, " includes file extension...");
-    const std::string extension = FILEEXT(settings.outputName);
-    const std::string bare = settings.outputName.substr(0, settings.outputName.size() - extension.size());
+    say("Checking specified output name: ", *common.out, " includes file extension...");
+    const std::string extension = FILEEXT(*common.out);
+    const std::string bare = common.out->substr(0, common.out->size() - extension.size());
     if (extension == ".asc") {
-        settings.outputName = bare;
+        common.out = bare;
         say("Output file extension is .asc, setting output format to -asc.");
-        settings.formatSpecified = true;
-        settings.ascWanted = true;
+        formats.asc = true;
     } else if (extension == ".flt") {
-        settings.outputName = bare;
+        common.out = bare;
         say("Output file extension is .flt, setting output format to -flt.");
-        settings.formatSpecified = true;
-        settings.fltWanted = true;
+        formats.flt = true;
     }
 }
 
-void checkFormats(run::RunSettings& settings)
+void settleFormat(const WantedFormats& formats, run::Common& common)
 {
-    if (settings.ascWanted && settings.fltWanted) {
+    if (formats.asc && formats.flt) {
         warn("WARNING - Both -asc and -flt specified.  Outputting to .flt grid.");
-        settings.ascWanted = false;
+    }
+    if (formats.flt) {
+        common.format = grid::kFormatFlt;
+    } else if (formats.asc) {
+        common.format = grid::kFormatAsc;
     }
 }
 
 // Neither clears anything, and the second goes on in spite of its word ERROR, on purpose: scripts rely on it.
-void checkIgnoredOptions(const run::RunSettings& settings)
+void checkIgnoredOptions(const CommandLine& line)
 {
-    if (settings.grc && !settings.classify) {
+    if (get<ops::ClassifyOptions>(line.settings).grc && !line.asked.contains("classify")) {
         warn("WARNING - \"-grc\" option only used with \"classify\". Flag ignored.");
     }
-    if (!settings.materialGrids.empty() && !settings.xs) {
+    if (!get<network::XsOptions>(line.settings).materialGrids.empty() && !line.asked.contains("xs")) {
         warn("ERROR - \"-mat\" option only used with \"xs\". Flag ignored.");
     }
 }
@@ -116,13 +120,15 @@ void checkIgnoredOptions(const run::RunSettings& settings)
 
 void validate(CommandLine& line)
 {
-    checkSourceSwitch(line.settings);
+    run::Common& common = get<run::Common>(line.settings);
+    WantedFormats& formats = get<WantedFormats>(line.settings);
+    checkSourceSwitch(line);
     checkOneOperation(line);
-    checkColours(line.settings);
+    checkColours(line);
     checkDifferenceFiles(line);
-    checkOutputName(line.settings);
-    checkFormats(line.settings);
-    checkIgnoredOptions(line.settings);
+    checkOutputName(common, formats);
+    settleFormat(formats, common);
+    checkIgnoredOptions(line);
 }
 
 } // namespace gridforge::driver

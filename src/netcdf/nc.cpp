@@ -56,19 +56,19 @@ constexpr std::array<NetcdfText, 4> kXTexts{
     {{"standard_name", "X"}, {"long_name", "x-coordinate in Cartesian system"}, {"units", "m"}, {"axis", "X"}}};
 
 // The name of -out, or that of the first grid, with the extension .nc.
-std::string outputName(const run::RunSettings& settings, const run::InputFileList& inputs)
+std::string outputName(const run::Common& common, const run::InputFileList& inputs)
 {
-    std::string name = run::outputNameRule(settings, inputs[1], "");
-    if (!settings.outputNameGiven || !ASAME(FILEEXT(name), ".nc")) {
+    std::string name = run::outputNameRule(common, inputs[1], "");
+    if (!common.out || !ASAME(FILEEXT(name), ".nc")) {
         name = cut(name + ".nc", kNameWidth);
     }
     return name;
 }
 
-SeriesFile openSeries(const run::RunSettings& settings, const std::string& name)
+SeriesFile openSeries(const NcOptions& options, const std::string& name)
 {
-    say("Using NetCDF Compression Level: ", settings.ncCompression);
-    say("Using NetCDF Shuffle == ", settings.ncShuffle ? 'T' : 'F');
+    say("Using NetCDF Compression Level: ", options.compression);
+    say("Using NetCDF Shuffle == ", options.shuffle ? 'T' : 'F');
     say("Opening output netcdf file: ", name);
     SeriesFile file;
     file.id = createNetcdf(name, NC_NETCDF4, "nf90_create");
@@ -77,10 +77,10 @@ SeriesFile openSeries(const run::RunSettings& settings, const std::string& name)
 }
 
 // The library itself judges the level; at 0 it leaves deflate off.
-int definePacked(const run::RunSettings& settings, int file, const NetcdfVariable& variable, std::string_view call)
+int definePacked(const NcOptions& options, int file, const NetcdfVariable& variable, std::string_view call)
 {
     const int id = defineNetcdfVariable(file, variable, call);
-    checkNetcdf(nc_def_var_deflate(file, id, settings.ncShuffle ? 1 : 0, 1, settings.ncCompression), call);
+    checkNetcdf(nc_def_var_deflate(file, id, options.shuffle ? 1 : 0, 1, options.compression), call);
     return id;
 }
 
@@ -107,15 +107,15 @@ void cacheChunksOfRow(int file, int variable, std::size_t columns, std::string_v
     checkNetcdf(nc_set_var_chunk_cache(file, variable, bytes, slots, preemption), call);
 }
 
-int defineCells(const run::RunSettings& settings, int file, const NetcdfVariable& variable, const GridHeader& header)
+int defineCells(const NcOptions& options, int file, const NetcdfVariable& variable, const GridHeader& header)
 {
-    const int id = definePacked(settings, file, variable, "nf90_def_var(data)");
+    const int id = definePacked(options, file, variable, "nf90_def_var(data)");
     cacheChunksOfRow(file, id, static_cast<std::size_t>(header.ncols), "nf90_def_var(data)");
     defineNetcdfFill(file, id, header.null, "nf90_def_var_fill(data)");
     return id;
 }
 
-void defineSeries(const run::RunSettings& settings, const GridHeader& header, SeriesFile& file)
+void defineSeries(const NcOptions& options, const GridHeader& header, SeriesFile& file)
 {
     say("Processing 1st file - defining netcdf output file.");
     say("Defining dimensions in netcdf file:");
@@ -125,16 +125,16 @@ void defineSeries(const run::RunSettings& settings, const GridHeader& header, Se
     say("   Finished defining dimensions.");
 
     say("Defining variables in netcdf file:");
-    file.time = definePacked(settings, file.id, {"time", NC_DOUBLE, {&time, 1}}, "nf90_def_var(time)");
+    file.time = definePacked(options, file.id, {"time", NC_DOUBLE, {&time, 1}}, "nf90_def_var(time)");
     putNetcdfTexts(file.id, file.time, kTimeTexts, "nf90_put_att");
-    file.y = definePacked(settings, file.id, {"y", NC_DOUBLE, {&y, 1}}, "nf90_def_var(y)");
+    file.y = definePacked(options, file.id, {"y", NC_DOUBLE, {&y, 1}}, "nf90_def_var(y)");
     putNetcdfTexts(file.id, file.y, kYTexts, "nf90_put_att");
-    file.x = definePacked(settings, file.id, {"x", NC_DOUBLE, {&x, 1}}, "nf90_def_var(x)");
+    file.x = definePacked(options, file.id, {"x", NC_DOUBLE, {&x, 1}}, "nf90_def_var(x)");
     putNetcdfTexts(file.id, file.x, kXTexts, "nf90_put_att");
     const std::array<int, 3> timeYX{time, y, x};
     const std::array<int, 2> yx{y, x};
-    file.series = defineCells(settings, file.id, {"data_temporal", NC_FLOAT, timeYX}, header);
-    file.maximum = defineCells(settings, file.id, {"data_max", NC_FLOAT, yx}, header);
+    file.series = defineCells(options, file.id, {"data_temporal", NC_FLOAT, timeYX}, header);
+    file.maximum = defineCells(options, file.id, {"data_max", NC_FLOAT, yx}, header);
     checkNetcdf(nc_enddef(file.id), "nf90_enddef");
     say("   Finished defining variables.");
 }
@@ -178,9 +178,9 @@ void writeTime(const SeriesFile& file, std::int32_t i)
 // The grids of a series on their way into the file.
 class Series {
 public:
-    Series(const run::RunSettings& settings, const run::InputFileList& inputs, const std::string& name)
-        : settings_(settings), inputs_(inputs), layout_(settings.ncPart ? Layout::rows : Layout::block),
-          file_(openSeries(settings, name)), grids_(inputs, layout_, name)
+    Series(const NcOptions& options, const run::InputFileList& inputs, const std::string& name)
+        : options_(options), inputs_(inputs), layout_(options.part ? Layout::rows : Layout::block),
+          file_(openSeries(options, name)), grids_(inputs, layout_, name)
     {
     }
 
@@ -195,7 +195,7 @@ private:
     void writeMaximum();
     void sync() const { checkNetcdf(nc_sync(file_.id), "nf90_sync (rg)"); }
 
-    const run::RunSettings& settings_;
+    const NcOptions& options_;
     const run::InputFileList& inputs_;
     Layout layout_;
     SeriesFile file_;
@@ -210,7 +210,7 @@ void Series::prepare(std::int32_t i, bool ahead, const GridHeader& header)
 {
     if (i == 1) {
         first_ = header;
-        defineSeries(settings_, first_, file_);
+        defineSeries(options_, first_, file_);
         writeCoordinates(file_, first_);
     }
     writeTime(file_, i);
@@ -270,10 +270,10 @@ void Series::close()
 
 } // namespace
 
-void runNc(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runNc(const run::Common& common, const NcOptions& options, const run::InputFileList& inputs)
 {
     say("Converting grid into netcdf format.");
-    Series series(settings, inputs, outputName(settings, inputs));
+    Series series(options, inputs, outputName(common, inputs));
 
     say("Processing ", inputs.count(), " input grids.");
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {

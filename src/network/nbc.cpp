@@ -231,7 +231,7 @@ void writeNetwork(Build& build)
 
 } // namespace
 
-void runNbc(const run::RunSettings& /*settings*/, const run::InputFileList& inputs)
+void runNbc(const run::InputFileList& inputs)
 {
     say("Processing .nbc File... ");
     if (inputs.count() > 1) {

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "run/inputs.h"
-#include "run/run_settings.h"
 
 namespace gridforge::network {
 
-void runNbc(const run::RunSettings& settings, const run::InputFileList& inputs);
+void runNbc(const run::InputFileList& inputs);
 
 } // namespace gridforge::network

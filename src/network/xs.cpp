@@ -45,13 +45,12 @@ void describeSections(bool materials, NbcSections& sections)
 }
 
 // Puts points along the sections, a cell of the first grid apart.
-void placePoints(const run::RunSettings& settings, const std::string& firstGrid, NbcSections& sections)
+void placePoints(std::optional<float> defaultN, const std::string& firstGrid, NbcSections& sections)
 {
     say("Loading header information from 1st elevation grid...");
     grid::OpenGrid grid = grid::openGrid(firstGrid);
     CLOSER(grid.unit);
-    nbc_insert_vertices(sections, grid.header.cellsize,
-                        settings.defaultNGiven ? std::optional(settings.defaultN) : std::nullopt);
+    nbc_insert_vertices(sections, grid.header.cellsize, defaultN);
 }
 
 void sampleGrid(const std::string& name, std::string_view purpose, PointValue target, NbcSections& sections)
@@ -80,26 +79,26 @@ void checkMaterialsFile(const std::string& name)
 
 } // namespace
 
-void runXs(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runXs(const XsOptions& options, const run::InputFileList& inputs)
 {
-    const bool materials = !settings.materialGrids.empty();
+    const bool materials = !options.materialGrids.empty();
     say("Processing -xs option... ");
     gis::Projection projection;
-    get_projection(settings.xsLayer, projection);
+    get_projection(options.sectionLayer, projection);
     NbcSections sections = createSections();
-    nbc_read_sections(settings.xsLayer, sections);
-    if (!settings.branchLayer.empty()) {
-        buildNetwork(settings.branchLayer, projection, sections);
+    nbc_read_sections(options.sectionLayer, sections);
+    if (!options.branchLayer.empty()) {
+        buildNetwork(options.branchLayer, projection, sections);
     }
     describeSections(materials, sections);
-    nbc_write_xs_single(sections, xsLayerName(settings.xsLayer), projection);
+    nbc_write_xs_single(sections, xsLayerName(options.sectionLayer), projection);
 
-    placePoints(settings, inputs[1], sections);
+    placePoints(options.defaultN, inputs[1], sections);
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         say("Loading elevation grid data...");
         sampleGrid(inputs[i], "storing elevation grid...", PointValue::elevation, sections);
     }
-    for (const std::string& name : settings.materialGrids) {
+    for (const std::string& name : options.materialGrids) {
         checkMaterialsFile(name);
         say("Loading materials grid data...");
         sampleGrid(name, "storing materials grid...", PointValue::material, sections);

@@ -2,10 +2,22 @@
 #pragma once
 
 #include "run/inputs.h"
-#include "run/run_settings.h"
+
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace gridforge::network {
 
-void runXs(const run::RunSettings& settings, const run::InputFileList& inputs);
+struct XsOptions {
+    std::string sectionLayer;
+    std::string branchLayer; // blank: no network is made
+    std::vector<std::string> materialGrids;
+    std::optional<float> defaultN; // of points that no material grid gives one
+
+    friend bool operator==(const XsOptions&, const XsOptions&) = default;
+};
+
+void runXs(const XsOptions& options, const run::InputFileList& inputs);
 
 } // namespace gridforge::network

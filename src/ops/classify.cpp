@@ -147,25 +147,25 @@ std::string withAsc(const std::string& name)
 
 } // namespace
 
-void runClassify(const run::RunSettings& givenSettings, const run::InputFileList& inputs)
+void runClassify(const run::Common& givenCommon, const ClassifyOptions& options, const run::InputFileList& inputs)
 {
-    run::RunSettings settings = givenSettings;
+    run::Common common = givenCommon;
     say("Classifying  grid.");
     if (inputs.count() > 1) {
         fail("ERROR - Only a single grid file accepted for \"-classify\" option.");
     }
-    if (settings.rgb && !settings.grc) {
+    if (options.rgb && !options.grc) {
         say("WARNING - Must specify \"-grc\" to get classified .asc grid.");
         // So the output is a .flt unless -asc is given too, on purpose: scripts rely on the name.
-        settings.formatSpecified = true;
+        common.format = common.format.value_or(grid::kFormatFlt);
     }
 
-    const std::optional<std::vector<float>> looked = lookAtLimits(settings.classFile, settings.rgb);
+    const std::optional<std::vector<float>> looked = lookAtLimits(options.classFile, options.rgb);
     std::vector<float> limits = looked.value_or(std::vector<float>());
     const auto kernel = [&limits](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces classes) {
         classifyCells(cells[0], piece.nulls[0], limits, classes[0]);
     };
-    run::CellStory story(settings, inputs, {.ordinary = looked.has_value()}, kernel);
+    run::CellStory story(common, inputs, {.ordinary = looked.has_value()}, kernel);
     const run::LoadedGrid loaded = story.load(
         1, {.opening = "Loading grid data...",
             .purpose = "storing input grid...",
@@ -174,23 +174,23 @@ void runClassify(const run::RunSettings& givenSettings, const run::InputFileList
             .done = "   Done."});
     const GridHeader& header = loaded.header;
 
-    ClassTable table = readClassTable(settings.classFile, settings.rgb, kWords);
+    ClassTable table = readClassTable(options.classFile, options.rgb, kWords);
     checkOrder(table);
     limits = risingLimits(table);
     story.compute("Processing Row:");
     say("   Done.");
 
-    const std::string base = run::outputNameRule(settings, inputs[1], "_classified");
-    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
-    if (!settings.grc) {
+    const std::string base = run::outputNameRule(common, inputs[1], "_classified");
+    const std::int32_t format = run::outputFormatRule(common, loaded.format);
+    if (!options.grc) {
         say("Writing clssified grid to: ", base);
-        story.write(0, format, base, header, loaded.projectionText, settings.decimals);
+        story.write(0, format, base, header, loaded.projectionText, common.decimals);
         return;
     }
     if (format != grid::kFormatAsc) {
         fail("ERROR - \"-grc\" option only valid, if outputting to a .asc grid.");
     }
-    if (!settings.rgb) {
+    if (!options.rgb) {
         shadeClasses(table);
     }
     writeClassifiedAsc(withAsc(base), header, story.cells(0), table);

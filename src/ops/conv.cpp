@@ -15,32 +15,31 @@ namespace gridforge::ops {
 namespace {
 
 // The direction alone decides; -asc and -flt only forbid to convert a grid to the format that it has.
-std::int32_t convertedFormat(const run::RunSettings& settings, std::int32_t format)
+std::int32_t convertedFormat(const run::Common& common, std::int32_t format)
 {
     if (format == grid::kFormatAsc) {
-        if (settings.formatSpecified && settings.ascWanted) {
+        if (common.format == grid::kFormatAsc) {
             fail("ERROR - Input grid is .asc format and \"-asc\" specified.");
         }
         say("Converting .asc to .flt...");
         return grid::kFormatFlt;
     }
-    if (settings.formatSpecified && settings.fltWanted) {
+    if (common.format == grid::kFormatFlt) {
         fail("ERROR - Input grid is .flt format and \"-flt\" specified.");
     }
     say("Converting .flt to .asc...");
     return grid::kFormatAsc;
 }
 
-void convert(const run::RunSettings& settings, const run::InputFileList& input,
-             std::span<const run::InputGrid> stillToRead)
+void convert(const run::Common& common, const run::InputFileList& input, std::span<const run::InputGrid> stillToRead)
 {
-    run::CellStory story(settings, input);
+    run::CellStory story(common, input);
     const run::LoadedGrid grid = story.load(1, {.purpose = "external grid..."});
 
-    const std::int32_t format = convertedFormat(settings, grid.format);
-    const std::string base = run::outputNameRule(settings, input[1], "");
+    const std::int32_t format = convertedFormat(common, grid.format);
+    const std::string base = run::outputNameRule(common, input[1], "");
     run::requireNoInput(format, base, stillToRead);
-    story.write(0, format, base, grid.header, grid.projectionText, settings.decimals);
+    story.write(0, format, base, grid.header, grid.projectionText, common.decimals);
 
     say("Deallocating memory...");
     say("   Done.");
@@ -48,12 +47,12 @@ void convert(const run::RunSettings& settings, const run::InputFileList& input,
 
 } // namespace
 
-void runConv(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runConv(const run::Common& common, const run::InputFileList& inputs)
 {
     constexpr int kIndexColumns = 3;
 
     say("Converting grid formats.");
-    if (inputs.count() > 1 && settings.outputNameGiven) {
+    if (inputs.count() > 1 && common.out) {
         // The run goes on all the same, and the last grid stays, on purpose: scripts rely on it.
         say("ERROR - Cannot use \"-out\" option when converting multiple grids.");
     }
@@ -61,7 +60,7 @@ void runConv(const run::RunSettings& settings, const run::InputFileList& inputs)
     const std::vector<run::InputGrid> grids = run::inputGrids(inputs);
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         say("Proecsing File:", integerField(i, kIndexColumns), ": ", inputs[i]);
-        convert(settings, inputs.only(i), std::span(grids).subspan(static_cast<std::size_t>(i)));
+        convert(common, inputs.only(i), std::span(grids).subspan(static_cast<std::size_t>(i)));
     }
 }
 

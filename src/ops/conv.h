@@ -1,11 +1,11 @@
 // -conv: each input grid in the other file format.
 #pragma once
 
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 
 namespace gridforge::ops {
 
-void runConv(const run::RunSettings& settings, const run::InputFileList& inputs);
+void runConv(const run::Common& common, const run::InputFileList& inputs);
 
 } // namespace gridforge::ops

@@ -24,14 +24,14 @@ void writeCount(const std::string& base, std::string_view countLine)
 
 } // namespace
 
-void runCount(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runCount(const run::Common& common, const CountOptions& options, const run::InputFileList& inputs)
 {
     constexpr int kCountWidth = 14;
-    const auto kernel = [&settings](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces) {
+    const auto kernel = [&options](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces) {
         const float null = piece.nulls[0];
-        piece.tallies[0] += settings.cd ? countAbove(cells[0], null, settings.cutoff) : countActive(cells[0], null);
+        piece.tallies[0] += options.cutoff ? countAbove(cells[0], null, *options.cutoff) : countActive(cells[0], null);
     };
-    run::CellStory story(settings, inputs.first(1), {.grids = 0, .tallies = 1}, kernel);
+    run::CellStory story(common, inputs.first(1), {.grids = 0, .tallies = 1}, kernel);
     story.load(1, {.opening = "Loading grid data...", .purpose = "storing input grid..."});
 
     say("Counting number of wet cells.");

@@ -14,7 +14,7 @@ namespace gridforge::ops {
 
 namespace {
 
-void settleInputs(run::RunSettings& settings, run::InputFileList& inputs)
+void settleInputs(run::Common& common, run::InputFileList& inputs)
 {
     if (inputs.count() > 1) {
         say("More than one input file specified, using ", quoted(inputs[1]), " for setting cutoff depth / threshold.");
@@ -23,7 +23,7 @@ void settleInputs(run::RunSettings& settings, run::InputFileList& inputs)
         fail("ERROR - More than three files specified with the cutoff depth option.");
     }
     if (inputs.count() == 3) {
-        takeThirdAsOutput(settings, inputs);
+        takeThirdAsOutput(common, inputs);
     }
 }
 
@@ -33,29 +33,29 @@ std::string ruledName(const run::InputFileList& inputs, float cutoff)
     return join(FILENAMEPATH(inputs[inputs.count()]), filters ? "_filtered" : "_cd", AREAL(cutoff));
 }
 
-run::MapKernel kernelOf(const run::RunSettings& settings, bool filters)
+run::MapKernel kernelOf(float cutoff, bool filters)
 {
-    return [&settings, filters](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
+    return [cutoff, filters](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
         const float null = piece.nulls[0];
         if (filters) {
-            filterFrom(cells[0], settings.cutoff, cells[1], piece.nulls[1], null, output[0]);
+            filterFrom(cells[0], cutoff, cells[1], piece.nulls[1], null, output[0]);
         } else {
-            keepFrom(cells[0], settings.cutoff, null, output[0]);
+            keepFrom(cells[0], cutoff, null, output[0]);
         }
     };
 }
 
 } // namespace
 
-void runCutoff(const run::RunSettings& givenSettings, const run::InputFileList& givenInputs)
+void runCutoff(const run::Common& givenCommon, const CutoffOptions& options, const run::InputFileList& givenInputs)
 {
-    run::RunSettings settings = givenSettings;
+    run::Common common = givenCommon;
     run::InputFileList inputs = givenInputs;
     say("Processing cutoff option.");
-    settleInputs(settings, inputs);
+    settleInputs(common, inputs);
     const bool filters = inputs.count() == 2;
 
-    run::CellStory story(settings, inputs, {.namedAfter = inputs[inputs.count()]}, kernelOf(settings, filters));
+    run::CellStory story(common, inputs, {.namedAfter = inputs[inputs.count()]}, kernelOf(options.cutoff, filters));
     const run::LoadedGrid first = story.load(
         1, {.purpose = "storing grid 1...",
             .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
@@ -71,10 +71,10 @@ void runCutoff(const run::RunSettings& givenSettings, const run::InputFileList& 
     story.compute("Processing Row:");
     say("   Done.");
 
-    const std::string base = specifiedNameOr(settings, ruledName(inputs, settings.cutoff));
-    const std::int32_t format = run::outputFormatRule(settings, first.format);
+    const std::string base = specifiedNameOr(common, ruledName(inputs, options.cutoff));
+    const std::int32_t format = run::outputFormatRule(common, first.format);
     say("Writing output to: ", base);
-    story.write(0, format, base, header, last.projectionText, settings.decimals);
+    story.write(0, format, base, header, last.projectionText, common.decimals);
 }
 
 } // namespace gridforge::ops

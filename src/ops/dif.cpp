@@ -15,14 +15,14 @@ namespace {
 constexpr std::size_t kDifference = 0;
 constexpr std::size_t kWetDry = 1;
 
-run::MapKernel kernelOf(const run::RunSettings& settings)
+run::MapKernel kernelOf(const DifOptions& options)
 {
-    return [&settings](const run::CellPiece& piece, run::InputPieces inputs, run::OutputPieces outputs) {
+    return [&options](const run::CellPiece& piece, run::InputPieces inputs, run::OutputPieces outputs) {
         const DifGrid a{inputs[0], piece.nulls[0]};
         const DifGrid b{inputs[1], piece.nulls[1]};
-        if (settings.nowetdry) {
+        if (options.nowetdry) {
             subtractActive(a, b, outputs[kDifference]);
-        } else if (settings.change) {
+        } else if (options.change) {
             subtractChange(a, b, outputs[kDifference]);
         } else {
             subtractWetDry(a, b, outputs[kDifference], outputs[kWetDry]);
@@ -41,23 +41,23 @@ void checkInputs(const run::InputFileList& inputs)
 }
 
 // Only wildcards leave a third input, and it then names the output.
-std::string outputBase(const run::RunSettings& settings, const run::InputFileList& inputs)
+std::string outputBase(const run::Common& common, const run::InputFileList& inputs)
 {
-    if (!settings.outputNameGiven && inputs.count() == 3) {
+    if (!common.out && inputs.count() == 3) {
         return FILENAMEPATH(inputs[3]);
     }
-    return run::outputNameRule(settings, inputs[1], join(" - ", FILENAME(inputs[2])));
+    return run::outputNameRule(common, inputs[1], join(" - ", FILENAME(inputs[2])));
 }
 
 } // namespace
 
-void runDif(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runDif(const run::Common& common, const DifOptions& options, const run::InputFileList& inputs)
 {
     say("Processing \"-dif\" option.");
     checkInputs(inputs);
 
-    const bool writesWetDry = !settings.nowetdry && !settings.change;
-    run::CellStory story(settings, inputs.first(2), {.grids = writesWetDry ? 2U : 1U}, kernelOf(settings));
+    const bool writesWetDry = !options.nowetdry && !options.change;
+    run::CellStory story(common, inputs.first(2), {.grids = writesWetDry ? 2U : 1U}, kernelOf(options));
     const auto allocateOthers = [&](const GridHeader& lattice) {
         story.allocateInput(2, lattice, "storing grid 2...");
         story.allocate(kDifference, lattice, "storing difference grid...");
@@ -72,13 +72,13 @@ void runDif(const run::RunSettings& settings, const run::InputFileList& inputs)
     story.compute("Processing row:");
     say("Done processing differences.");
 
-    const std::string base = outputBase(settings, inputs);
-    const std::int32_t format = run::outputFormatRule(settings, first.format);
+    const std::string base = outputBase(common, inputs);
+    const std::int32_t format = run::outputFormatRule(common, first.format);
     say("Writing difference values to: ", base);
-    story.write(kDifference, format, base, header, second.projectionText, settings.decimals);
+    story.write(kDifference, format, base, header, second.projectionText, common.decimals);
     if (writesWetDry) {
         say("Writing wet/dry file to: ", base, "_wd");
-        story.write(kWetDry, format, base + "_wd", header, second.projectionText, settings.decimals);
+        story.write(kWetDry, format, base + "_wd", header, second.projectionText, common.decimals);
     }
     say("");
 }

@@ -9,12 +9,12 @@
 
 namespace gridforge::ops {
 
-void runFloodExtent(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runFloodExtent(const run::Common& common, const run::InputFileList& inputs)
 {
     const auto kernel = [](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
         markWet(cells[0], piece.nulls[0], output[0]);
     };
-    run::CellStory story(settings, inputs.first(1), {}, kernel);
+    run::CellStory story(common, inputs.first(1), {}, kernel);
     const run::LoadedGrid loaded = story.load(
         1, {.opening = "Loading grid data...",
             .purpose = "storing input grid...",
@@ -23,11 +23,11 @@ void runFloodExtent(const run::RunSettings& settings, const run::InputFileList& 
     say("Creating flood extent.");
     story.compute("Processing Row:");
 
-    const std::string base = run::outputNameRule(settings, inputs[1], "_extent");
-    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
+    const std::string base = run::outputNameRule(common, inputs[1], "_extent");
+    const std::int32_t format = run::outputFormatRule(common, loaded.format);
     // The words of the transform; deliberate.
     say("Writing transformed values to: ", base);
-    story.write(0, format, base, loaded.header, loaded.projectionText, settings.decimals);
+    story.write(0, format, base, loaded.header, loaded.projectionText, common.decimals);
 }
 
 } // namespace gridforge::ops

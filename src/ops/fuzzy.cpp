@@ -11,7 +11,7 @@
 
 namespace gridforge::ops {
 
-void runFuzzy(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runFuzzy(const run::Common& common, const run::InputFileList& inputs)
 {
     say("Loading header info...");
     const auto last = static_cast<std::size_t>(inputs.count()) - 1;
@@ -26,7 +26,7 @@ void runFuzzy(const run::RunSettings& settings, const run::InputFileList& inputs
             scaleCounts(static_cast<std::int32_t>(last + 1), null, kept[0]);
         }
     };
-    run::CellStory story(settings, inputs, {}, kernel);
+    run::CellStory story(common, inputs, {}, kernel);
     const auto prepare = [&](const GridHeader& first) { story.allocate(0, first, "storing output grid..."); };
     const auto take = [&](std::int32_t i) {
         story.take(i, "Processing row:");
@@ -38,10 +38,10 @@ void runFuzzy(const run::RunSettings& settings, const run::InputFileList& inputs
     run::overRows("Processing row:", header.nrows, header.ncols,
                   [](const run::CellBlock&) {}); // done with the last grid
 
-    const std::string base = run::outputNameRule(settings, inputs[1], "_fuzzy");
-    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
+    const std::string base = run::outputNameRule(common, inputs[1], "_fuzzy");
+    const std::int32_t format = run::outputFormatRule(common, loaded.format);
     say("Writing fuzzy values to: ", base);
-    story.write(0, format, base, header, loaded.projectionText, settings.decimals);
+    story.write(0, format, base, header, loaded.projectionText, common.decimals);
 }
 
 } // namespace gridforge::ops

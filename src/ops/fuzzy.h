@@ -1,11 +1,11 @@
 // -fuzzy: the fraction of a list of grids in which each cell is active.
 #pragma once
 
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 
 namespace gridforge::ops {
 
-void runFuzzy(const run::RunSettings& settings, const run::InputFileList& inputs);
+void runFuzzy(const run::Common& common, const run::InputFileList& inputs);
 
 } // namespace gridforge::ops

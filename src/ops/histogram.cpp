@@ -36,10 +36,10 @@ void checkOrder(const ClassTable& bins)
 }
 
 // With -out the table has no name, and the run ends where it would be opened, on purpose.
-std::string tableName(const run::RunSettings& settings, const run::InputFileList& inputs)
+std::string tableName(const run::Common& common, const run::InputFileList& inputs)
 {
-    if (settings.outputNameGiven) {
-        say("Using output file name specified with -out switch: ", quoted(settings.outputName));
+    if (common.out) {
+        say("Using output file name specified with -out switch: ", quoted(*common.out));
         return "";
     }
     // Twice: a name with two extensions loses both.
@@ -73,25 +73,25 @@ void writeTable(const std::string& name, const ClassTable& bins, std::span<const
 
 } // namespace
 
-void runHistogram(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runHistogram(const run::Common& common, const HistogramOptions& options, const run::InputFileList& inputs)
 {
     say("Creating Historgram.");
     if (inputs.count() > 1) {
         fail("ERROR - Only a single grid file accepetd for \"-histogram\" option.");
     }
-    const std::optional<std::vector<float>> looked = lookAtLimits(settings.classFile, false);
+    const std::optional<std::vector<float>> looked = lookAtLimits(options.binFile, false);
     std::vector<float> limits = looked.value_or(std::vector<float>());
     const auto kernel = [&limits](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces) {
         countBins(cells[0], piece.nulls[0], limits, piece.tallies.first(limits.size() + 1));
     };
-    run::CellStory story(settings, inputs, {.grids = 0, .tallies = kMaxClasses + 1, .ordinary = looked.has_value()},
+    run::CellStory story(common, inputs, {.grids = 0, .tallies = kMaxClasses + 1, .ordinary = looked.has_value()},
                          kernel);
     story.load(1, {.opening = "Loading grid data...",
                    .purpose = "storing input grid...",
                    .reading = "Reading data...",
                    .done = "   Done."});
 
-    const ClassTable bins = readClassTable(settings.classFile, false, kWords);
+    const ClassTable bins = readClassTable(options.binFile, false, kWords);
     checkOrder(bins);
     limits = risingLimits(bins);
     story.compute("Processing Row:");
@@ -100,7 +100,7 @@ void runHistogram(const run::RunSettings& settings, const run::InputFileList& in
     const std::int64_t total = std::accumulate(counts.begin(), counts.end(), std::int64_t{0});
     say("Found ", total, " non-null values.");
 
-    writeTable(tableName(settings, inputs), bins, counts, total);
+    writeTable(tableName(common, inputs), bins, counts, total);
 }
 
 } // namespace gridforge::ops

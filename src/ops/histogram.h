@@ -1,11 +1,19 @@
 // -histogram: how many cells of a grid fall in each of a table of bins.
 #pragma once
 
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
+
+#include <string>
 
 namespace gridforge::ops {
 
-void runHistogram(const run::RunSettings& settings, const run::InputFileList& inputs);
+struct HistogramOptions {
+    std::string binFile;
+
+    friend bool operator==(const HistogramOptions&, const HistogramOptions&) = default;
+};
+
+void runHistogram(const run::Common& common, const HistogramOptions& options, const run::InputFileList& inputs);
 
 } // namespace gridforge::ops

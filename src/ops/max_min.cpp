@@ -14,34 +14,34 @@ namespace {
 constexpr std::size_t kExtreme = 0;
 constexpr std::size_t kSource = 1;
 
-run::FoldKernel kernelOf(const run::RunSettings& settings)
+run::FoldKernel kernelOf(bool maximum, bool withSources)
 {
-    return
-        [&settings](const run::CellPiece& piece, std::size_t i, std::span<const float> cells, run::OutputPieces kept) {
-            const Taken taken{cells, piece.nulls[i], static_cast<float>(i + 1)};
-            const std::span<float> sources = settings.src ? std::span<float>() : kept[kSource];
-            if (i == 0) {
-                startExtremes(taken, settings.max, piece.nulls[0], kept[kExtreme], sources);
-            } else {
-                takeExtremes(taken, settings.max, kept[kExtreme], sources);
-            }
-        };
+    return [maximum, withSources](const run::CellPiece& piece, std::size_t i, std::span<const float> cells,
+                                  run::OutputPieces kept) {
+        const Taken taken{cells, piece.nulls[i], static_cast<float>(i + 1)};
+        const std::span<float> sources = withSources ? kept[kSource] : std::span<float>();
+        if (i == 0) {
+            startExtremes(taken, maximum, piece.nulls[0], kept[kExtreme], sources);
+        } else {
+            takeExtremes(taken, maximum, kept[kExtreme], sources);
+        }
+    };
 }
 
 } // namespace
 
-void runMaxMin(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runMaxMin(const run::Common& common, const MaxMinOptions& options, const run::InputFileList& inputs)
 {
-    const bool maximum = settings.max;
+    const bool maximum = options.extreme == Extreme::maximum;
     say("Processing \"-", maximum ? "max" : "min", "\" option.");
-    if (settings.src) {
+    if (options.src) {
         say("Supressing source grid following \"-src\" option.");
     }
 
-    run::CellStory story(settings, inputs, {.grids = settings.src ? 1U : 2U}, kernelOf(settings));
+    run::CellStory story(common, inputs, {.grids = options.src ? 1U : 2U}, kernelOf(maximum, !options.src));
     const auto allocateKept = [&](const GridHeader& first) {
         story.allocate(kExtreme, first, "storing maximum / minimum values data...");
-        if (!settings.src) {
+        if (!options.src) {
             story.allocate(kSource, first, "storing maximums / minimum source data...");
         }
     };
@@ -52,15 +52,15 @@ void runMaxMin(const run::RunSettings& settings, const run::InputFileList& input
     };
     const auto [first, firstFormat, projectionText] = story.loadEach("external grid...", allocateKept, take);
 
-    const std::string base = run::outputNameRule(settings, inputs[1], maximum ? "(maxmax)" : "(minmin)");
-    const std::int32_t format = run::outputFormatRule(settings, firstFormat);
+    const std::string base = run::outputNameRule(common, inputs[1], maximum ? "(maxmax)" : "(minmin)");
+    const std::int32_t format = run::outputFormatRule(common, firstFormat);
     say("Writing maximum / minimum values to: ", base);
-    story.write(kExtreme, format, base, first, projectionText, settings.decimals);
-    if (settings.src) {
+    story.write(kExtreme, format, base, first, projectionText, common.decimals);
+    if (options.src) {
         return;
     }
     say("Writing maximum / minimum source file to: ", base, "_src");
-    story.write(kSource, format, base + "_src", first, projectionText, settings.decimals);
+    story.write(kSource, format, base + "_src", first, projectionText, common.decimals);
     run::writeSourceLegend(base + "_src_legend.csv", inputs);
 }
 

@@ -15,12 +15,12 @@ namespace gridforge::ops {
 
 namespace {
 
-void checkRequest(const run::RunSettings& settings, const run::InputFileList& inputs)
+void checkRequest(const ResizeOptions& options, const run::InputFileList& inputs)
 {
     if (inputs.count() > 1) {
         fail("ERROR - More than one grid file specified with the resize option.");
     }
-    if (settings.resizeFactor < 1) {
+    if (options.factor < 1) {
         fail("ERROR - Resize factor must be 1 or more.");
     }
 }
@@ -47,11 +47,11 @@ GridHeader resizedHeader(const GridHeader& header, const Tiling& tiling, double 
 
 } // namespace
 
-void runResize(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runResize(const run::Common& common, const ResizeOptions& options, const run::InputFileList& inputs)
 {
     say("Resizing grid.");
-    checkRequest(settings, inputs);
-    const std::int32_t factor = settings.resizeFactor;
+    checkRequest(options, inputs);
+    const std::int32_t factor = options.factor;
 
     Grid input;
     const run::LoadedGrid loaded =
@@ -65,9 +65,9 @@ void runResize(const run::RunSettings& settings, const run::InputFileList& input
     Grid output;
     grid::allocateGrid(output, resized, "storing output grid...");
 
-    const auto tilesOf = settings.resizeMethod == run::ResizeMethod::average   ? averageTiles
-                         : settings.resizeMethod == run::ResizeMethod::minimum ? minimumTiles
-                                                                               : maximumTiles;
+    const auto tilesOf = options.method == ResizeMethod::average   ? averageTiles
+                         : options.method == ResizeMethod::minimum ? minimumTiles
+                                                                   : maximumTiles;
     sayOpen("Processing Output Row:");
     for (std::int32_t done = 0; done < tiling.rows;) {
         const CellRows tileRows{done + 1, done + std::min(run::kProgressRows, tiling.rows - done)};
@@ -81,10 +81,10 @@ void runResize(const run::RunSettings& settings, const run::InputFileList& input
     }
     endLine();
 
-    const std::string base = run::outputNameRule(settings, inputs[1], join("_resize", factor));
-    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
+    const std::string base = run::outputNameRule(common, inputs[1], join("_resize", factor));
+    const std::int32_t format = run::outputFormatRule(common, loaded.format);
     say("Writing resized grid to: ", base);
-    grid::writeGrid(format, base, resized, output, loaded.projectionText, settings.decimals);
+    grid::writeGrid(format, base, resized, output, loaded.projectionText, common.decimals);
 }
 
 } // namespace gridforge::ops

@@ -1,11 +1,22 @@
 // -resize: a coarser grid, each of whose cells is the average, minimum or maximum of a square of input cells.
 #pragma once
 
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
+
+#include <cstdint>
 
 namespace gridforge::ops {
 
-void runResize(const run::RunSettings& settings, const run::InputFileList& inputs);
+enum class ResizeMethod { average, maximum, minimum };
+
+struct ResizeOptions {
+    std::int32_t factor = 0;
+    ResizeMethod method = ResizeMethod::average;
+
+    friend bool operator==(const ResizeOptions&, const ResizeOptions&) = default;
+};
+
+void runResize(const run::Common& common, const ResizeOptions& options, const run::InputFileList& inputs);
 
 } // namespace gridforge::ops

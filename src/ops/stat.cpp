@@ -98,17 +98,17 @@ void checkCount(std::int32_t grids)
     say("Processing stats from ", grids, " grids.");
 }
 
-RankList settleRanks(const run::RunSettings& settings, std::int32_t grids)
+RankList settleRanks(const StatOptions& options, std::int32_t grids)
 {
-    RankList list{settings.statRanks, 0};
-    if (settings.statRankAll) {
+    RankList list{options.ranks, 0};
+    if (options.allRanks) {
         say("Processing all ", grids, " ranks");
         list.ranks.clear();
         for (std::int32_t rank = 1; rank <= grids; ++rank) {
             list.ranks.push_back(rank);
         }
     }
-    if (settings.statAll || settings.statMedian) {
+    if (options.all || options.median) {
         // The upper of the two middle values where there are two.
         list.median = grids / 2 + 1;
         say("For ", grids, " files the median rank is ", list.median);
@@ -257,19 +257,19 @@ void doFraction(StatRun& run, const Statistic& statistic, ValueAndSource& result
     write(run, "Writing fraction values to: ", "_Frac_Wet", statistic.firstGrid, result.values);
 }
 
-// What the settings ask for, in the order in which the console has it.
-Statistics statisticsOf(const run::RunSettings& settings, const RankList& list)
+// What the options ask for, in the order in which the console has it.
+Statistics statisticsOf(const StatOptions& options, const RankList& list)
 {
     Statistics all;
     const auto add = [&all](std::optional<Statistic>& statistic, std::size_t grids, auto compute) {
         statistic = Statistic{compute, all.grids, grids};
         all.grids += grids;
     };
-    if (settings.statMin || settings.statAll) {
+    if (options.minimum || options.all) {
         add(all.minimum, 2,
             [](CellStack grids, float null, run::OutputPieces to) { findMinimum(grids, null, to[0], to[1]); });
     }
-    if (settings.statMax || settings.statAll) {
+    if (options.maximum || options.all) {
         add(all.maximum, 2,
             [](CellStack grids, float null, run::OutputPieces to) { findMaximum(grids, null, to[0], to[1]); });
     }
@@ -282,11 +282,11 @@ Statistics statisticsOf(const run::RunSettings& settings, const RankList& list)
             findRanks(grids, null, results);
         });
     }
-    if (settings.statMean || settings.statAll) {
+    if (options.mean || options.all) {
         add(all.mean, 2,
             [](CellStack grids, float null, run::OutputPieces to) { findMean(grids, null, to[0], to[1]); });
     }
-    if (settings.statFrac || settings.statAll) {
+    if (options.fraction || options.all) {
         add(all.fraction, 1, [](CellStack grids, float null, run::OutputPieces to) {
             std::ranges::fill(to[0], null); // it stays where a cell is dry, as any pass before has it
             findFraction(grids, null, to[0]);
@@ -295,9 +295,8 @@ Statistics statisticsOf(const run::RunSettings& settings, const RankList& list)
     return all;
 }
 
-std::optional<std::vector<grid::CellStore>> resultsAhead(const run::RunSettings& settings,
-                                                         const run::InputFileList& inputs, const RankList& list,
-                                                         const Statistics& statistics)
+std::optional<std::vector<grid::CellStore>> resultsAhead(const run::Common& common, const run::InputFileList& inputs,
+                                                         const RankList& list, const Statistics& statistics)
 {
     const auto looks = run::lookAtInputs(inputs, areRanks(list.ranks, inputs.count()));
     if (!looks) {
@@ -312,24 +311,24 @@ std::optional<std::vector<grid::CellStore>> resultsAhead(const run::RunSettings&
             }
         }
     };
-    return run::mapAhead(*looks, run::outputWish(settings, inputs[1], looks->front().format, statistics.grids), kernel);
+    return run::mapAhead(*looks, run::outputWish(common, inputs[1], looks->front().format, statistics.grids), kernel);
 }
 
 } // namespace
 
-void runStat(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runStat(const run::Common& common, const StatOptions& options, const run::InputFileList& inputs)
 {
     say("Processing Grid Stats.");
     checkCount(inputs.count());
-    const RankList list = settleRanks(settings, inputs.count());
+    const RankList list = settleRanks(options, inputs.count());
 
-    const Statistics statistics = statisticsOf(settings, list);
+    const Statistics statistics = statisticsOf(options, list);
     StatRun run;
-    run.ready = resultsAhead(settings, inputs, list, statistics);
+    run.ready = resultsAhead(common, inputs, list, statistics);
     readAll(inputs, run);
-    run.base = run::outputNameRule(settings, inputs[1], "");
-    run.format = run::outputFormatRule(settings, run.firstFormat);
-    run.decimals = settings.decimals;
+    run.base = run::outputNameRule(common, inputs[1], "");
+    run.format = run::outputFormatRule(common, run.firstFormat);
+    run.decimals = common.decimals;
     run::writeSourceLegend(run.base + "_Src_legend.csv", inputs);
 
     // One pair of arrays serves all statistics but the ranks.

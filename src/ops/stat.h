@@ -1,11 +1,27 @@
 // -stat...: minimum, maximum, mean, median, ranks and fraction wet of each cell over 2 to 10 grids.
 #pragma once
 
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
+
+#include <cstdint>
+#include <vector>
 
 namespace gridforge::ops {
 
-void runStat(const run::RunSettings& settings, const run::InputFileList& inputs);
+struct StatOptions {
+    bool all = false; // but the ranks
+    bool mean = false;
+    bool median = false;
+    bool minimum = false;
+    bool maximum = false;
+    bool fraction = false;
+    bool allRanks = false;
+    std::vector<std::int32_t> ranks;
+
+    friend bool operator==(const StatOptions&, const StatOptions&) = default;
+};
+
+void runStat(const run::Common& common, const StatOptions& options, const run::InputFileList& inputs);
 
 } // namespace gridforge::ops

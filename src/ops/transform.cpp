@@ -12,18 +12,18 @@
 
 namespace gridforge::ops {
 
-void runTransform(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runTransform(const run::Common& common, const TransformOptions& options, const run::InputFileList& inputs)
 {
     constexpr int kWidth = 10;
     constexpr int kDecimals = 4;
     say("Transforming data (y = mx + c).");
-    say("Multiplier (m) = ", realField(settings.transformM, kWidth, kDecimals));
-    say("Add Value  (c) = ", realField(settings.transformC, kWidth, kDecimals));
+    say("Multiplier (m) = ", realField(options.m, kWidth, kDecimals));
+    say("Add Value  (c) = ", realField(options.c, kWidth, kDecimals));
 
-    const auto kernel = [&settings](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
-        transformCells(cells[0], settings.transformM, settings.transformC, piece.nulls[0], output[0]);
+    const auto kernel = [&options](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
+        transformCells(cells[0], options.m, options.c, piece.nulls[0], output[0]);
     };
-    run::CellStory story(settings, inputs.first(1), {}, kernel);
+    run::CellStory story(common, inputs.first(1), {}, kernel);
     const run::LoadedGrid loaded = story.load(
         1, {.purpose = "storing input grid...",
             .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
@@ -33,15 +33,15 @@ void runTransform(const run::RunSettings& settings, const run::InputFileList& in
     story.compute("Processing Row:");
     say("Done");
 
-    const std::string base = run::outputNameRule(settings, inputs[1], "_trans");
-    const std::int32_t format = run::outputFormatRule(settings, loaded.format);
+    const std::string base = run::outputNameRule(common, inputs[1], "_trans");
+    const std::int32_t format = run::outputFormatRule(common, loaded.format);
     say("Writing transformed values to: ", base);
-    story.write(0, format, base, loaded.header, loaded.projectionText, settings.decimals);
+    story.write(0, format, base, loaded.header, loaded.projectionText, common.decimals);
 }
 
 namespace {
 
-void settleMultiplyInputs(run::RunSettings& settings, run::InputFileList& inputs)
+void settleMultiplyInputs(run::Common& common, run::InputFileList& inputs)
 {
     if (inputs.count() == 1) {
         fail("ERROR - Multiply function requires two input grids.");
@@ -53,25 +53,25 @@ void settleMultiplyInputs(run::RunSettings& settings, run::InputFileList& inputs
         say("Two input grids specified.");
         return;
     }
-    if (settings.outputNameGiven) {
+    if (common.out) {
         fail("ERROR - Unable to use third grid for output as \"-out\" has been specified.");
     }
-    takeThirdAsOutput(settings, inputs);
+    takeThirdAsOutput(common, inputs);
 }
 
 } // namespace
 
-void runMultiply(const run::RunSettings& givenSettings, const run::InputFileList& givenInputs)
+void runMultiply(const run::Common& givenCommon, const run::InputFileList& givenInputs)
 {
-    run::RunSettings settings = givenSettings;
+    run::Common common = givenCommon;
     run::InputFileList inputs = givenInputs;
     say("Processing multiply option.");
-    settleMultiplyInputs(settings, inputs);
+    settleMultiplyInputs(common, inputs);
 
     const auto kernel = [](const run::CellPiece& piece, run::InputPieces cells, run::OutputPieces output) {
         multiplyCells(cells[0], piece.nulls[0], cells[1], piece.nulls[1], output[0]);
     };
-    run::CellStory story(settings, inputs, {}, kernel);
+    run::CellStory story(common, inputs, {}, kernel);
     const run::LoadedGrid first = story.load(
         1, {.purpose = "storing grid 1...",
             .prepare = [&](const GridHeader& lattice) { story.allocate(0, lattice, "storing output grid..."); },
@@ -85,10 +85,10 @@ void runMultiply(const run::RunSettings& givenSettings, const run::InputFileList
 
     // The second name comes with its folder, which then stands in the middle of the output's, on purpose.
     const std::string ruled = join(FILENAMEPATH(inputs[1]), "_mlt_", FILENAMEPATH(inputs[2]));
-    const std::string base = specifiedNameOr(settings, ruled);
-    const std::int32_t format = run::outputFormatRule(settings, first.format);
+    const std::string base = specifiedNameOr(common, ruled);
+    const std::int32_t format = run::outputFormatRule(common, first.format);
     say("Writing output to: ", base);
-    story.write(0, format, base, header, second.projectionText, settings.decimals);
+    story.write(0, format, base, header, second.projectionText, common.decimals);
 }
 
 } // namespace gridforge::ops

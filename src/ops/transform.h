@@ -1,12 +1,19 @@
 // -trans_m and -trans_c: y = m x + c on one grid. -multiply: two grids multiplied cell by cell.
 #pragma once
 
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 
 namespace gridforge::ops {
 
-void runTransform(const run::RunSettings& settings, const run::InputFileList& inputs);
-void runMultiply(const run::RunSettings& settings, const run::InputFileList& inputs);
+struct TransformOptions {
+    float m = 1.0F;
+    float c = 0.0F;
+
+    friend bool operator==(const TransformOptions&, const TransformOptions&) = default;
+};
+
+void runTransform(const run::Common& common, const TransformOptions& options, const run::InputFileList& inputs);
+void runMultiply(const run::Common& common, const run::InputFileList& inputs);
 
 } // namespace gridforge::ops

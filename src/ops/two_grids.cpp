@@ -7,22 +7,21 @@
 
 namespace gridforge::ops {
 
-void takeThirdAsOutput(run::RunSettings& settings, run::InputFileList& inputs)
+void takeThirdAsOutput(run::Common& common, run::InputFileList& inputs)
 {
     assert(inputs.count() == 3);
     say("   Using third filename as output: ", quoted(inputs[3]), '.');
-    settings.outputName = inputs[3];
-    settings.outputNameGiven = true;
+    common.out = inputs[3];
     inputs.dropLast();
 }
 
-std::string specifiedNameOr(const run::RunSettings& settings, std::string_view ruled)
+std::string specifiedNameOr(const run::Common& common, std::string_view ruled)
 {
-    if (!settings.outputNameGiven) {
+    if (!common.out) {
         return cut(ruled, kNameWidth);
     }
-    say("Using specified output file name: ", quoted(settings.outputName));
-    return settings.outputName;
+    say("Using specified output file name: ", quoted(*common.out));
+    return *common.out;
 }
 
 } // namespace gridforge::ops

@@ -182,7 +182,7 @@ void readControlFile(Rainfall& rain)
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runRainfall(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runRainfall(const run::Common& common, const run::InputFileList& inputs)
 {
     say("Rainfall interpolation to grid.");
     if (inputs.count() > 1) {
@@ -190,7 +190,7 @@ void runRainfall(const run::RunSettings& settings, const run::InputFileList& inp
     }
     Rainfall rain;
     rain.controlFile = inputs[1];
-    rain.decimals = settings.decimals;
+    rain.decimals = common.decimals;
     say("Rainfall control file: ", rain.controlFile);
     readControlFile(rain);
     requireSameTimes(rain.hyetographs);

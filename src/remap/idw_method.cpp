@@ -45,7 +45,7 @@ void extendCoarseLevels(RemapRun& run, std::int32_t points)
     std::ranges::fill(run.workGrid.cells(), run.null());
     say("Beginning IDW interpolation, this may take a while.");
     extendByIdw(run, points);
-    writeCoarse(run, run.settings.waterLevelGrid, "_h_IDW", run.workGrid);
+    writeCoarse(run, run.options.waterLevelGrid, "_h_IDW", run.workGrid);
 }
 
 void interpolateToTerrain(RemapRun& run)
@@ -59,10 +59,10 @@ void interpolateToTerrain(RemapRun& run)
 
 std::int32_t iterationLimit(const RemapRun& run)
 {
-    if (!run.settings.bufferGiven) {
+    if (!run.options.buffer) {
         return kDefaultIterations;
     }
-    const std::int32_t steps = truncateToInt(static_cast<double>(run.settings.bufferDistance) / run.terrain.cellsize8);
+    const std::int32_t steps = truncateToInt(static_cast<double>(*run.options.buffer) / run.terrain.cellsize8);
     return steps == std::numeric_limits<std::int32_t>::max() ? steps : steps + 1;
 }
 
@@ -73,7 +73,7 @@ void reportIteration(RemapRun& run, std::int32_t iteration)
         std::ranges::copy(run.levelGrid.row(row), run.depthGrid.row(row).begin());
         dropDryLevels(run.cellState.row(row), run.null(), run.depthGrid.row(row));
     });
-    writeFine(run, run.settings.waterLevelGrid, join("_d2_iter", iteration), run.depthGrid);
+    writeFine(run, run.options.waterLevelGrid, join("_d2_iter", iteration), run.depthGrid);
 }
 
 void extendOutward(RemapRun& run)
@@ -121,15 +121,15 @@ void extendByIdw(RemapRun& run, std::int32_t points)
 
 void runIdwMethod(RemapRun& run)
 {
-    const std::int32_t points = announcePoints(run.settings.idwPoints);
+    const std::int32_t points = announcePoints(run.options.idwPoints);
     startCellStates(run);
     extendCoarseLevels(run, points);
     interpolateToTerrain(run);
     extendOutward(run);
     dropDryLevels(run.cellState.cells(), run.null(), run.levelGrid.cells());
-    writeFine(run, run.settings.waterLevelGrid, "_remap_h", run.levelGrid);
+    writeFine(run, run.options.waterLevelGrid, "_remap_h", run.levelGrid);
     calculateDepths(run);
-    writeFine(run, run.settings.waterLevelGrid, "_remap_d", run.depthGrid);
+    writeFine(run, run.options.waterLevelGrid, "_remap_d", run.depthGrid);
 }
 
 } // namespace gridforge::remap

@@ -32,7 +32,7 @@ void calculateDepths(RemapRun& run)
 // One iteration. Every so many it reports, the levels before the depths.
 std::int64_t iterate(RemapRun& run, std::int32_t iteration, bool reports)
 {
-    const std::string& source = run.settings.waterLevelGrid;
+    const std::string& source = run.options.waterLevelGrid;
     const std::int64_t extra = spreadLevels(run.levelGrid, run.demGrid, run.terrain.null, run.null(), run.depthGrid);
     if (reports) {
         writeFine(run, source, join("_h_iter", iteration), run.depthGrid);
@@ -64,7 +64,7 @@ void spread(RemapRun& run)
 
 void runNearestMethod(RemapRun& run)
 {
-    const std::string& source = run.settings.waterLevelGrid;
+    const std::string& source = run.options.waterLevelGrid;
     takeLevels(run);
     writeFine(run, source, "_raw_h", run.levelGrid);
     calculateDepths(run);

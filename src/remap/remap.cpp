@@ -44,28 +44,28 @@ void allocateFlags(CellFlags& flags, const GridHeader& header, std::string_view 
 }
 
 // Gives the number of the first extra grid in the list.
-std::int32_t announceInputs(const run::RunSettings& settings, const run::InputFileList& inputs)
+std::int32_t announceInputs(const RemapOptions& options, const run::InputFileList& inputs)
 {
     std::int32_t firstExtra = 1;
-    if (settings.waterLevelGrid.empty()) {
+    if (options.waterLevelGrid.empty()) {
         say("ERROR - Water level grid is required."); // and on: the read that follows fails
     } else {
-        say("   Water Level Grid: ", settings.waterLevelGrid);
+        say("   Water Level Grid: ", options.waterLevelGrid);
         firstExtra = 2;
     }
-    if (settings.demGrid.empty()) {
+    if (options.demGrid.empty()) {
         fail("ERROR - DEM grid is required.");
     }
-    say("   High Res DEM:     ", settings.demGrid);
-    if (!settings.extentGrid.empty()) {
-        say("   Max Extent Grid:  ", settings.extentGrid);
+    say("   High Res DEM:     ", options.demGrid);
+    if (!options.extentGrid.empty()) {
+        say("   Max Extent Grid:  ", options.extentGrid);
     }
     say("   Number of grids to remap without interporation:  ", AINTEGER(inputs.count() - firstExtra + 1));
     for (std::int32_t i = firstExtra; i <= inputs.count(); ++i) {
         say("   ", inputs[i]);
     }
-    if (settings.freeboard > kAnnouncedFreeboard) {
-        say("Adding user specified freeboard of: ", AREAL(settings.freeboard));
+    if (options.freeboard > kAnnouncedFreeboard) {
+        say("Adding user specified freeboard of: ", AREAL(options.freeboard));
     }
     return firstExtra;
 }
@@ -74,12 +74,12 @@ std::int32_t announceInputs(const run::RunSettings& settings, const run::InputFi
 std::int32_t loadWaterLevels(RemapRun& run)
 {
     const run::LoadSteps steps{.purpose = "storing water levels...", .reading = "Reading WL data"};
-    const run::LoadedGrid levels = run::loadGrid(run.settings.waterLevelGrid, steps, run.wlGrid);
+    const run::LoadedGrid levels = run::loadGrid(run.options.waterLevelGrid, steps, run.wlGrid);
     run.coarse = levels.header;
 
     allocateFlags(run.wetFlags, run.coarse, "mod wet/dry flags");
     say("Adding freeboard and setting wet/dry flags for modelled grid...");
-    flagWetAndAddFreeboard(run.wlGrid.cells(), run.null(), run.settings.freeboard, run.wetFlags.cells());
+    flagWetAndAddFreeboard(run.wlGrid.cells(), run.null(), run.options.freeboard, run.wetFlags.cells());
     say("   Done.");
 
     allocateFlags(run.extentFlags, run.coarse, "maximum extent flags");
@@ -100,7 +100,7 @@ void flagExtentGrid(RemapRun& run)
                                .matching = "Checking water level and maximum extent grids match...",
                                .matched = "    Done.",
                                .reading = "Reading max extent data"};
-    const float null = run::loadGrid(run.settings.extentGrid, steps, run.workGrid).header.null;
+    const float null = run::loadGrid(run.options.extentGrid, steps, run.workGrid).header.null;
     say("Setting maximum extent flags based on maximum modelled grid...");
     flagValues(run.workGrid.cells(), null, run.extentFlags.cells());
     say("   Done.");
@@ -108,16 +108,16 @@ void flagExtentGrid(RemapRun& run)
 
 void setExtentFlags(RemapRun& run)
 {
-    const run::RunSettings& settings = run.settings;
-    if (settings.interpolation == run::kInterpolateTin) {
+    const RemapOptions& options = run.options;
+    if (options.interpolation == Interpolation::tin) {
         const auto buffer = static_cast<float>(kTinReach * run.coarse.cellsize8);
         say("Setting extent flags for tin interporation ", AREAL(buffer));
         flagBuffer(run, buffer);
-    } else if (!settings.extentGrid.empty()) {
+    } else if (!options.extentGrid.empty()) {
         flagExtentGrid(run);
-    } else if (settings.bufferGiven) {
-        say("Setting maximum extent flags based on buffer distance of ", AREAL(settings.bufferDistance));
-        flagBuffer(run, settings.bufferDistance);
+    } else if (options.buffer) {
+        say("Setting maximum extent flags based on buffer distance of ", AREAL(*options.buffer));
+        flagBuffer(run, *options.buffer);
     } else {
         say("WARNING - Maximum extent not limited by buffer distance or specified extent, processing may be slow.");
         pauseForEnter();
@@ -129,7 +129,7 @@ void loadTerrain(RemapRun& run)
 {
     const run::LoadSteps steps{
         .opening = "Reading DEM header...", .purpose = "storing DEM.", .reading = "Reading DEM data"};
-    const run::LoadedGrid terrain = run::loadGrid(run.settings.demGrid, steps, run.demGrid);
+    const run::LoadedGrid terrain = run::loadGrid(run.options.demGrid, steps, run.demGrid);
     run.terrain = terrain.header;
     run.projectionText = terrain.projectionText;
 
@@ -142,10 +142,11 @@ void loadTerrain(RemapRun& run)
 
 void runMethod(RemapRun& run)
 {
-    switch (run.settings.interpolation) {
-    case kInterpolateNearest: runNearestMethod(run); break;
-    case run::kInterpolateIdw: runIdwMethod(run); break;
-    case run::kInterpolateTin: runTinMethod(run); break;
+    switch (run.options.interpolation) {
+    case Interpolation::nearest: runNearestMethod(run); break;
+    case Interpolation::idw: runIdwMethod(run); break;
+    case Interpolation::tin: runTinMethod(run); break;
+    case Interpolation::none:
     default: fail("ERROR - Incorrect Remap method");
     }
 }
@@ -153,7 +154,7 @@ void runMethod(RemapRun& run)
 void writeOutput(const RemapRun& run, const std::string& base, const GridHeader& header, const Grid& cells)
 {
     run::requireNoInput(run.format, base, run.stillToRead);
-    grid::writeGrid(run.format, base, header, cells, run.projectionText, run.settings.decimals);
+    grid::writeGrid(run.format, base, header, cells, run.projectionText, run.decimals);
 }
 
 } // namespace
@@ -180,17 +181,18 @@ void startCellStates(RemapRun& run)
     }
 }
 
-void runRemap(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runRemap(const run::Common& common, const RemapOptions& options, const run::InputFileList& inputs)
 {
     say("Processing -remap option.");
-    const std::int32_t firstExtra = announceInputs(settings, inputs);
+    const std::int32_t firstExtra = announceInputs(options, inputs);
 
-    RemapRun run(settings);
+    RemapRun run(options);
     run.stillToRead = extraGridsToRead(inputs, firstExtra);
     const std::int32_t inputFormat = loadWaterLevels(run);
     setExtentFlags(run);
     loadTerrain(run);
-    run.format = run::outputFormatRule(settings, inputFormat);
+    run.format = run::outputFormatRule(common, inputFormat);
+    run.decimals = common.decimals;
     runMethod(run);
 
     say("");

@@ -4,9 +4,9 @@
 #include "grid/grid.h"
 #include "remap/cell_state.h"
 #include "remap/extent_flags.h"
+#include "remap/remap.h"
 #include "remap/tin.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 #include "run/still_to_read.h"
 
 #include <cstdint>
@@ -17,9 +17,9 @@
 namespace gridforge::remap {
 
 struct RemapRun {
-    explicit RemapRun(const run::RunSettings& given) : settings(given) {}
+    explicit RemapRun(const RemapOptions& given) : options(given) {}
 
-    const run::RunSettings& settings;
+    const RemapOptions& options;
 
     // Coarse
     GridHeader coarse; // of the water level grid
@@ -36,13 +36,14 @@ struct RemapRun {
     CellStates cellState;
 
     std::int32_t format = grid::kFormatAsc; // of all outputs
-    std::string projectionText;             // of the grid whose header was read last, which that of the outputs is
+    std::int32_t decimals = 0;
+    std::string projectionText; // of the grid whose header was read last, which that of the outputs is
     std::vector<run::InputGrid> stillToRead;
 
     float null() const { return coarse.null; }
     CoarseLevels coarseLevels() const
     {
-        return {columnAxis(coarse), rowAxis(coarse), wlGrid, workGrid, null(), settings.freeboard};
+        return {columnAxis(coarse), rowAxis(coarse), wlGrid, workGrid, null(), options.freeboard};
     }
 };
 

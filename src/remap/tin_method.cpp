@@ -50,8 +50,8 @@ void runTinMethod(RemapRun& run)
     extendByOneCell(run);
     interpolate(run);
     announceDepths(run);
-    writeFine(run, run.settings.waterLevelGrid, "_remap_h", run.levelGrid);
-    writeFine(run, run.settings.waterLevelGrid, "_remap_d", run.depthGrid);
+    writeFine(run, run.options.waterLevelGrid, "_remap_h", run.levelGrid);
+    writeFine(run, run.options.waterLevelGrid, "_remap_d", run.depthGrid);
 }
 
 } // namespace gridforge::remap

@@ -10,38 +10,38 @@ namespace gridforge::run {
 
 namespace {
 
-OutputWish wishOf(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan,
+OutputWish wishOf(const Common& common, const InputFileList& inputs, const CellPlan& plan,
                   const std::vector<grid::GridLook>& looks)
 {
     const std::string_view name = plan.namedAfter.empty() ? std::string_view(inputs[1]) : plan.namedAfter;
-    return outputWish(settings, name, looks.front().format, plan.grids);
+    return outputWish(common, name, looks.front().format, plan.grids);
 }
 
 } // namespace
 
-CellStory::CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, MapKernel kernel)
+CellStory::CellStory(const Common& common, const InputFileList& inputs, const CellPlan& plan, MapKernel kernel)
     : names_(inputs), mapKernel_(std::move(kernel)), inputs_(static_cast<std::size_t>(inputs.count())),
       nulls_(static_cast<std::size_t>(inputs.count())), tallies_(plan.tallies)
 {
     if (const auto looks = lookAtInputs(inputs, plan.ordinary)) {
-        keep(mapAhead(*looks, wishOf(settings, inputs, plan, *looks), mapKernel_, tallies_));
+        keep(mapAhead(*looks, wishOf(common, inputs, plan, *looks), mapKernel_, tallies_));
     }
 }
 
-CellStory::CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, FoldKernel kernel)
+CellStory::CellStory(const Common& common, const InputFileList& inputs, const CellPlan& plan, FoldKernel kernel)
     : names_(inputs), foldKernel_(std::move(kernel)), inputs_(1), nulls_(static_cast<std::size_t>(inputs.count())),
       tallies_(plan.tallies)
 {
     if (const auto looks = lookAtInputs(inputs, plan.ordinary)) {
-        keep(foldAhead(*looks, wishOf(settings, inputs, plan, *looks), foldKernel_, tallies_));
+        keep(foldAhead(*looks, wishOf(common, inputs, plan, *looks), foldKernel_, tallies_));
     }
 }
 
-CellStory::CellStory(const RunSettings& settings, const InputFileList& input) : names_(input), inputs_(1), nulls_(1)
+CellStory::CellStory(const Common& common, const InputFileList& input) : names_(input), inputs_(1), nulls_(1)
 {
     if (const auto looks = lookAtInputs(input)) {
         const grid::GridLook& look = looks->front();
-        OutputWish wish = outputWish(settings, input[1], look.format, 1);
+        OutputWish wish = outputWish(common, input[1], look.format, 1);
         wish.binary = look.format == grid::kFormatAsc;
         keep(copyAhead(look, wish));
     }

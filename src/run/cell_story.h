@@ -6,10 +6,10 @@
 #include "grid/cell_store.h"
 #include "grid/grid.h"
 #include "run/cells_ahead.h"
+#include "run/common.h"
 #include "run/inputs.h"
 #include "run/load.h"
 #include "run/rows.h"
-#include "run/run_settings.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,12 +33,12 @@ struct CellPlan {
 class CellStory {
 public:
     // Of a kernel that takes the cells of all inputs at once.
-    CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, MapKernel kernel);
+    CellStory(const Common& common, const InputFileList& inputs, const CellPlan& plan, MapKernel kernel);
     // Of one that takes one input after the other.
-    CellStory(const RunSettings& settings, const InputFileList& inputs, const CellPlan& plan, FoldKernel kernel);
+    CellStory(const Common& common, const InputFileList& inputs, const CellPlan& plan, FoldKernel kernel);
 
     // Of none: the one input is written in its other format.
-    CellStory(const RunSettings& settings, const InputFileList& input);
+    CellStory(const Common& common, const InputFileList& input);
 
     bool isAhead() const { return ahead_; }
 

@@ -265,11 +265,10 @@ std::size_t openGroup(std::span<const grid::GridLook> looks, std::size_t first, 
 
 } // namespace
 
-OutputWish outputWish(const RunSettings& settings, std::string_view namedAfter, std::int32_t format, std::size_t grids)
+OutputWish outputWish(const Common& common, std::string_view namedAfter, std::int32_t format, std::size_t grids)
 {
-    const std::int32_t wanted = settings.ascWanted ? grid::kFormatAsc : grid::kFormatFlt;
-    const std::string_view name = settings.outputNameGiven ? std::string_view(settings.outputName) : namedAfter;
-    return {systemName(FILEFOLDERPATH(name)), (settings.formatSpecified ? wanted : format) == grid::kFormatFlt, grids};
+    const std::string_view name = common.out ? std::string_view(*common.out) : namedAfter;
+    return {systemName(FILEFOLDERPATH(name)), common.format.value_or(format) == grid::kFormatFlt, grids};
 }
 
 void countWay(Way way)

@@ -6,8 +6,8 @@
 
 #include "grid/cell_store.h"
 #include "grid/look.h"
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -36,8 +36,8 @@ struct OutputWish {
     std::size_t grids = 1;
 };
 
-// By the settings, and by the input that names and format are taken from where these say nothing.
-OutputWish outputWish(const RunSettings& settings, std::string_view namedAfter, std::int32_t format, std::size_t grids);
+// By the options, and by the input that names and format are taken from where these say nothing.
+OutputWish outputWish(const Common& common, std::string_view namedAfter, std::int32_t format, std::size_t grids);
 
 // A stretch of cells in the order of the files. A kernel is called for several at once.
 struct CellPiece {

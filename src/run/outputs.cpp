@@ -7,42 +7,39 @@
 
 namespace gridforge::run {
 
-std::string outputNameRule(const RunSettings& settings, std::string_view source, std::string_view suffix)
+std::string outputNameRule(const Common& common, std::string_view source, std::string_view suffix)
 {
-    if (settings.outputNameGiven) {
-        say("Using output file name specified with -out switch: ", quoted(settings.outputName));
-        return settings.outputName;
+    if (common.out) {
+        say("Using output file name specified with -out switch: ", quoted(*common.out));
+        return *common.out;
     }
     return cut(join(FILENAMEPATH(source), suffix), kNameWidth);
 }
 
 namespace {
 
-std::int32_t specifiedFormat(const RunSettings& settings)
+std::int32_t specified(std::int32_t format)
 {
-    if (settings.ascWanted) {
-        say("Using output format .asc as specified.");
-        return grid::kFormatAsc;
-    }
-    say("Using output format .flt as specified.");
-    return grid::kFormatFlt;
+    say(format == grid::kFormatAsc ? "Using output format .asc as specified."
+                                   : "Using output format .flt as specified.");
+    return format;
 }
 
 } // namespace
 
-std::int32_t outputFormatRule(const RunSettings& settings, std::int32_t firstFormat)
+std::int32_t outputFormatRule(const Common& common, std::int32_t firstFormat)
 {
-    if (settings.formatSpecified) {
-        return specifiedFormat(settings);
+    if (common.format) {
+        return specified(*common.format);
     }
     say("Setting output format based on input grids.  To set use -asc or -flt.");
     return firstFormat;
 }
 
-std::int32_t ascUnlessSpecified(const RunSettings& settings)
+std::int32_t ascUnlessSpecified(const Common& common)
 {
-    if (settings.formatSpecified) {
-        return specifiedFormat(settings);
+    if (common.format) {
+        return specified(*common.format);
     }
     say("Setting output grid to .asc by default.  To set use -asc or -flt.");
     return grid::kFormatAsc;

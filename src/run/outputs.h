@@ -1,7 +1,7 @@
 // The rules that name an output and choose its format.
 #pragma once
 
-#include "run/run_settings.h"
+#include "run/common.h"
 
 #include <cstdint>
 #include <string>
@@ -11,11 +11,11 @@ namespace gridforge::run {
 
 // The base name, without extension, of the main output: the name given with -out, or that of `source` without extension
 // and with the operation's suffix.
-std::string outputNameRule(const RunSettings& settings, std::string_view source, std::string_view suffix);
+std::string outputNameRule(const Common& common, std::string_view source, std::string_view suffix);
 
 // The format wanted by -asc or -flt, or that of the first input grid.
-std::int32_t outputFormatRule(const RunSettings& settings, std::int32_t firstFormat);
+std::int32_t outputFormatRule(const Common& common, std::int32_t firstFormat);
 // The format wanted by -asc or -flt, or .asc whatever the inputs are.
-std::int32_t ascUnlessSpecified(const RunSettings& settings);
+std::int32_t ascUnlessSpecified(const Common& common);
 
 } // namespace gridforge::run

@@ -101,12 +101,12 @@ gis::LayerSpec checkSpec(const gis::Projection& projection)
             .families = "PLR"};
 }
 
-BreaklineLayers openOutputs(const run::RunSettings& settings, const gis::Projection& projection)
+BreaklineLayers openOutputs(const BrklineOptions& options, const gis::Projection& projection)
 {
-    const std::string stem = gis::layerStem(settings.brklineLayer, "L"); // lines, as we write them
-    const std::string extension = FILEEXT(settings.brklineLayer);
+    const std::string stem = gis::layerStem(options.layer, "L"); // lines, as we write them
+    const std::string extension = FILEEXT(options.layer);
     BreaklineLayers outputs{gis::createLayer(join(stem, "_brkline", extension), resultSpec(projection)), {}};
-    if (settings.check) {
+    if (options.check) {
         outputs.check = gis::createLayer(join(stem, "_check", extension), checkSpec(projection));
     }
     return outputs;
@@ -214,13 +214,13 @@ void writeBreakline(const Breakline& breakline, float null, LevelSampler& sample
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runBreaklines(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runBreaklines(const BrklineOptions& options, const run::InputFileList& inputs)
 {
     say("Processing -brkline option... ");
     requireOneGrid(inputs);
-    SampledLayer input = openSampledLayer(settings.brklineLayer);
-    BreaklineLayers outputs = openOutputs(settings, input.projection);
-    say("Extracting elevations along breakline file: ", settings.brklineLayer);
+    SampledLayer input = openSampledLayer(options.layer);
+    BreaklineLayers outputs = openOutputs(options, input.projection);
+    say("Extracting elevations along breakline file: ", options.layer);
     const Terrain terrain = readTerrain(inputs[1]);
 
     say("Searching for Lines and Polylines...");

@@ -2,10 +2,18 @@
 #pragma once
 
 #include "run/inputs.h"
-#include "run/run_settings.h"
+
+#include <string>
 
 namespace gridforge::sampling {
 
-void runBreaklines(const run::RunSettings& settings, const run::InputFileList& inputs);
+struct BrklineOptions {
+    std::string layer;
+    bool check = false; // writes a check layer
+
+    friend bool operator==(const BrklineOptions&, const BrklineOptions&) = default;
+};
+
+void runBreaklines(const BrklineOptions& options, const run::InputFileList& inputs);
 
 } // namespace gridforge::sampling

@@ -69,15 +69,15 @@ struct Names {
     std::string summary;
 };
 
-Names settleNames(const run::RunSettings& settings)
+Names settleNames(const run::Common& common, const std::string& layer)
 {
-    const std::string extension = FILEEXT(settings.cpLayer);
-    if (settings.outputNameGiven) {
-        say("Using specified output file: ", settings.outputName);
-        const std::string base = FILENAMEPATH(settings.outputName);
-        return {settings.outputName, base + "_Cn" + extension, base + ".csv"};
+    const std::string extension = FILEEXT(layer);
+    if (common.out) {
+        say("Using specified output file: ", *common.out);
+        const std::string base = FILENAMEPATH(*common.out);
+        return {*common.out, base + "_Cn" + extension, base + ".csv"};
     }
-    const std::string base = FILENAMEPATH(settings.cpLayer);
+    const std::string base = FILENAMEPATH(layer);
     return {base + "_Res" + extension, base + "_Cn" + extension, base + ".csv"};
 }
 
@@ -147,8 +147,8 @@ struct LastFound {
 
 class PointSampler {
 public:
-    PointSampler(const run::RunSettings& settings, const Terrain& terrain, gis::LayerWriter& connections)
-        : settings_(settings), header_(terrain.header), cells_(terrain.cells), connections_(connections),
+    PointSampler(const CpOptions& options, const Terrain& terrain, gis::LayerWriter& connections)
+        : options_(options), header_(terrain.header), cells_(terrain.cells), connections_(connections),
           emptyTiles_(terrain.header, terrain.cells), extremes_(terrain.header, terrain.cells)
     {
     }
@@ -161,7 +161,7 @@ public:
             point.difference = point.modelled - point.observed;
             point.distance = kNotMeasured;
         }
-        if (settings_.cpmm) {
+        if (options_.extremes) {
             sampleExtremes(point);
         }
     }
@@ -172,7 +172,7 @@ private:
 
     void sampleNearest(CalibrationPoint& point)
     {
-        const CellSearch search = searchAround(header_, point.x, point.y, settings_.cpSearchDistance);
+        const CellSearch search = searchAround(header_, point.x, point.y, options_.searchDistance);
         if (const auto found =
                 isSearchable(search) ? nearestCell(search, header_, cells_, emptyTiles_) : std::nullopt) {
             last_.nearest = *found;
@@ -185,7 +185,7 @@ private:
 
     void sampleExtremes(CalibrationPoint& point)
     {
-        const CellSearch search = searchAround(header_, point.x, point.y, settings_.cpMinMaxDistance);
+        const CellSearch search = searchAround(header_, point.x, point.y, options_.extremesDistance);
         if (isSearchable(search)) {
             const FoundExtremes found = extremes_.find(search);
             if (found.lowest) {
@@ -212,7 +212,7 @@ private:
                             .style = {.first = "Pen (1,59,0)"}});
     }
 
-    const run::RunSettings& settings_;
+    const CpOptions& options_;
     const GridHeader& header_;
     const Grid& cells_;
     gis::LayerWriter& connections_;
@@ -238,27 +238,28 @@ void writeResult(const CalibrationPoint& point, bool withExtremes, const std::st
 
 } // namespace
 
-void runCalibrationPoints(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runCalibrationPoints(const run::Common& common, const CpOptions& options, const run::InputFileList& inputs)
 {
     say("Processing calibration points.");
-    say("Using search distance of ", AREAL(settings.cpSearchDistance));
+    say("Using search distance of ", AREAL(options.searchDistance));
     say("   Use -cpsd<distance> input argument to modify.");
-    if (settings.cpmm) {
-        say("Extracting max/min with search disatnce of ", AREAL(settings.cpMinMaxDistance));
+    if (options.extremes) {
+        say("Extracting max/min with search disatnce of ", AREAL(options.extremesDistance));
     }
-    const bool withSymbols = !settings.configFile.empty();
+    const bool withSymbols = !options.configFile.empty();
     std::vector<SymbolThreshold> thresholds;
     if (withSymbols) {
-        thresholds = readSymbolThresholds(settings.configFile);
+        thresholds = readSymbolThresholds(options.configFile);
     }
 
-    SampledLayer input = openSampledLayer(settings.cpLayer);
-    std::vector<gis::Column> columns = resultColumns(input.layer.columns(), settings.cpmm);
-    PointOutputs outputs = openOutputs(settleNames(settings), input.projection, std::move(columns), settings.cpmm);
+    SampledLayer input = openSampledLayer(options.layer);
+    std::vector<gis::Column> columns = resultColumns(input.layer.columns(), options.extremes);
+    PointOutputs outputs =
+        openOutputs(settleNames(common, options.layer), input.projection, std::move(columns), options.extremes);
     const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for Points...");
-    PointSampler sampler(settings, terrain, outputs.connections);
+    PointSampler sampler(options, terrain, outputs.connections);
     gis::Coordinates read;
     while (gis::LayerObject* object = input.layer.next()) {
         if (object->kind != gis::Kind::point) {
@@ -270,7 +271,7 @@ void runCalibrationPoints(const run::RunSettings& settings, const run::InputFile
         point.y = read.y[0];
         sampler.sample(point);
         const std::string symbol = withSymbols ? symbolStyle(thresholds, point.difference) : "";
-        writeResult(point, settings.cpmm, symbol, outputs);
+        writeResult(point, options.extremes, symbol, outputs);
     }
     input.layer.close();
     outputs.result.close();

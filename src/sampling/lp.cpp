@@ -189,13 +189,13 @@ void writeFoundPoints(const Profile& profile, CheckLayer& check)
 
 // --- Names and the check layer ---------------------------------------------------------------------------------------
 
-std::string checkLayerName(const run::RunSettings& settings)
+std::string checkLayerName(const run::Common& common, const std::string& input)
 {
-    const std::string extension = FILEEXT(settings.lpLayer);
-    if (!settings.outputNameGiven) {
-        return FILENAMEPATH(settings.lpLayer) + "_LP_check" + extension;
+    const std::string extension = FILEEXT(input);
+    if (!common.out) {
+        return FILENAMEPATH(input) + "_LP_check" + extension;
     }
-    std::string name = settings.outputName;
+    std::string name = *common.out;
     if (!gis::hasLayerExtension(name)) {
         name += extension;
         say("   Appending file extension - revised file: ", name);
@@ -203,13 +203,11 @@ std::string checkLayerName(const run::RunSettings& settings)
     return name;
 }
 
-CheckLayer createCheckLayer(const run::RunSettings& settings, const gis::Projection& projection)
+CheckLayer createCheckLayer(const std::string& name, const gis::Projection& projection)
 {
     const std::vector<gis::Column> columns = {
         {"Elevation", "Float"}, {"Type", "Char", kTextWidth}, {"Label", "Char", kTextWidth}, {"Chainage", "Float"}};
-    return {
-        gis::createLayer(checkLayerName(settings), {.columns = columns, .projection = projection, .families = "PL"}),
-        {}};
+    return {gis::createLayer(name, {.columns = columns, .projection = projection, .families = "PL"}), {}};
 }
 
 std::string readLabel(const std::string& record)
@@ -237,22 +235,22 @@ Profile prepareProfile(std::string label, const gis::Coordinates& read, float sp
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runLongProfile(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runLongProfile(const run::Common& common, const LpOptions& options, const run::InputFileList& inputs)
 {
     say("Processing long profile extract.");
-    say("Using a spacing along the line of ", AREAL(settings.lpDistance));
+    say("Using a spacing along the line of ", AREAL(options.spacing));
     say("   Use -lpmd<distance> input argument to modify.");
-    say("Using search distance of ", AREAL(settings.cpSearchDistance));
+    say("Using search distance of ", AREAL(options.searchDistance));
     say("   Use -cpsd<distance> input argument to modify.");
-    say("Long Profile input file: ", settings.lpLayer);
-    SampledLayer input = openSampledLayer(settings.lpLayer);
+    say("Long Profile input file: ", options.layer);
+    SampledLayer input = openSampledLayer(options.layer);
     std::optional<CheckLayer> check;
-    if (settings.check) {
-        check = createCheckLayer(settings, input.projection);
-    } else if (settings.outputNameGiven) {
-        say("Using specified output file: ", settings.outputName);
+    if (options.check) {
+        check = createCheckLayer(checkLayerName(common, options.layer), input.projection);
+    } else if (common.out) {
+        say("Using specified output file: ", *common.out);
     }
-    const std::string base = FILENAMEPATH(settings.outputNameGiven ? settings.outputName : settings.lpLayer);
+    const std::string base = FILENAMEPATH(common.out.value_or(options.layer));
     const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for Lines and Polylines...");
@@ -265,9 +263,9 @@ void runLongProfile(const run::RunSettings& settings, const run::InputFileList& 
         input.layer.readCoordinates(*object, read, kMaxSampledVertices);
         std::string label = readLabel(object->record);
         say("Polyline ", ++lines, " with ", read.np, " nodes...");
-        Profile profile = prepareProfile(std::move(label), read, settings.lpDistance);
+        Profile profile = prepareProfile(std::move(label), read, options.spacing);
         placeVertices(profile);
-        sampleVertices(profile, settings.cpSearchDistance, terrain, check);
+        sampleVertices(profile, options.searchDistance, terrain, check);
         writeProfile(join(base, "_", profile.label, ".csv"), profile);
         if (check) {
             writeFoundPoints(profile, *check);

@@ -3,8 +3,10 @@
 
 #include "grid/grid.h"
 #include "run/across_line.h"
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
+
+#include <string>
 
 namespace gridforge::sampling {
 
@@ -21,6 +23,15 @@ FoundSample lowestSample(const run::AcrossLine& line, const GridHeader& header, 
 FoundSample highestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
                           const run::SampleRange& range);
 
-void runLongProfile(const run::RunSettings& settings, const run::InputFileList& inputs);
+struct LpOptions {
+    std::string layer;
+    float spacing = 100.0F; // of the points along a line
+    float searchDistance = 1000.0F;
+    bool check = false; // writes the found points as a layer
+
+    friend bool operator==(const LpOptions&, const LpOptions&) = default;
+};
+
+void runLongProfile(const run::Common& common, const LpOptions& options, const run::InputFileList& inputs);
 
 } // namespace gridforge::sampling

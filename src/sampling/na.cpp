@@ -229,11 +229,11 @@ void tabulateRegion(const SampledRegion& region, const NodeRecord& node, const T
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runNodalArea(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runNodalArea(const NaOptions& options, const run::InputFileList& inputs)
 {
     say("Processing -na option... ");
     requireOneGrid(inputs);
-    gis::LayerReader layer = openSampledLayer(settings.naLayer).layer;
+    gis::LayerReader layer = openSampledLayer(options.layer).layer;
     const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for region objects...");

@@ -3,12 +3,12 @@
 
 #include "grid/grid.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 #include "sampling/inside_runs.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace gridforge::sampling {
@@ -29,6 +29,12 @@ struct HeightCounts {
 // Each value counts at the first height that it does not exceed.
 HeightCounts countByHeight(std::span<const float> values, std::span<const float> heights);
 
-void runNodalArea(const run::RunSettings& settings, const run::InputFileList& inputs);
+struct NaOptions {
+    std::string layer;
+
+    friend bool operator==(const NaOptions&, const NaOptions&) = default;
+};
+
+void runNodalArea(const NaOptions& options, const run::InputFileList& inputs);
 
 } // namespace gridforge::sampling

@@ -113,13 +113,13 @@ GridHeader windowHeader(const run::CellWindow& w, const GridHeader& header)
 
 // --- The output ------------------------------------------------------------------------------------------------------
 
-std::string outputName(const run::RunSettings& settings, const std::string& grid, const std::string& region,
-                       bool manyGrids, bool manyRegions)
+std::string outputName(const run::Common& common, const std::string& grid, const std::string& region, bool manyGrids,
+                       bool manyRegions)
 {
-    const std::string& out = settings.outputName;
-    if (!settings.outputNameGiven) {
+    if (!common.out) {
         return join(region, "_", grid);
     }
+    const std::string& out = *common.out;
     if (manyGrids && manyRegions) {
         say("WARNING - More than 1 grid file and region used in conjunction with \"-out\" flag.");
         say("   Appending grid and region name...");
@@ -158,10 +158,10 @@ void copyInside(const SampledRegion& region, const GridHeader& header, const Gri
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runTrim(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runTrim(const run::Common& common, const TrimOptions& options, const run::InputFileList& inputs)
 {
     say("Processing \"-trim\" option.");
-    const std::vector<TrimRegion> regions = readRegions(settings.trimLayer);
+    const std::vector<TrimRegion> regions = readRegions(options.layer);
 
     say("Processing ", inputs.count(), " input grids.");
     const std::vector<run::InputGrid> grids = run::inputGrids(inputs);
@@ -188,11 +188,11 @@ void runTrim(const run::RunSettings& settings, const run::InputFileList& inputs)
             copyInside(region, header, cells, window, output);
 
             const std::string target =
-                outputName(settings, FILENAMEPATH(gridName), name, inputs.count() > 1, regions.size() > 1);
-            const std::int32_t format = run::ascUnlessSpecified(settings);
+                outputName(common, FILENAMEPATH(gridName), name, inputs.count() > 1, regions.size() > 1);
+            const std::int32_t format = run::ascUnlessSpecified(common);
             say("Writing output to: ", target);
             run::requireNoInput(format, target, stillToRead);
-            grid::writeGrid(format, target, outputHeader, output, loaded.projectionText, settings.decimals);
+            grid::writeGrid(format, target, outputHeader, output, loaded.projectionText, common.decimals);
         }
     }
 }

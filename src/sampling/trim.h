@@ -3,9 +3,11 @@
 
 #include "grid/grid.h"
 #include "run/cell_window.h"
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 #include "sampling/inside_runs.h"
+
+#include <string>
 
 namespace gridforge::sampling {
 
@@ -14,6 +16,12 @@ namespace gridforge::sampling {
 void copyInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const run::CellWindow& window,
                 Grid& output);
 
-void runTrim(const run::RunSettings& settings, const run::InputFileList& inputs);
+struct TrimOptions {
+    std::string layer;
+
+    friend bool operator==(const TrimOptions&, const TrimOptions&) = default;
+};
+
+void runTrim(const run::Common& common, const TrimOptions& options, const run::InputFileList& inputs);
 
 } // namespace gridforge::sampling

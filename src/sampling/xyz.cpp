@@ -197,11 +197,14 @@ Grid allocateCells(const GridHeader& header)
     return cells;
 }
 
-std::string outputName(const run::RunSettings& settings, const std::string& input)
+// Points that are no farther apart than this tell nothing of the spacing.
+constexpr float kNoSeparation = 0.5F;
+
+std::string outputName(const run::Common& common, const std::string& input)
 {
-    if (settings.outputNameGiven) {
-        say("Using specified output file name: ", quoted(settings.outputName));
-        return settings.outputName;
+    if (common.out) {
+        say("Using specified output file name: ", quoted(*common.out));
+        return *common.out;
     }
     return cut(join(FILENAMEPATH(input), "_xyz_to_grid"), kNameWidth);
 }
@@ -210,14 +213,13 @@ std::string outputName(const run::RunSettings& settings, const std::string& inpu
 
 // --- The run ---------------------------------------------------------------------------------------------------------
 
-void runXyz(const run::RunSettings& settings, const run::InputFileList& inputs)
+void runXyz(const run::Common& common, const run::InputFileList& inputs)
 {
     say("Processing \"-xyz\" option.");
     const PointList points = readPointFile(inputs[1]);
 
     say("Determing extents...");
-    const PointExtents extents =
-        findExtents(points.x.all(), points.y.all(), settings.pointToleranceX, settings.pointToleranceY);
+    const PointExtents extents = findExtents(points.x.all(), points.y.all(), kNoSeparation, kNoSeparation);
     say("   Done");
     reportExtents(extents);
     requireSquareCells(extents);
@@ -230,10 +232,10 @@ void runXyz(const run::RunSettings& settings, const run::InputFileList& inputs)
     sortIntoCells(points.x.all(), points.y.all(), points.z.all(), extents, cells);
     say("   Done");
 
-    const std::string name = outputName(settings, inputs[1]);
-    const std::int32_t format = run::ascUnlessSpecified(settings);
+    const std::string name = outputName(common, inputs[1]);
+    const std::int32_t format = run::ascUnlessSpecified(common);
     say("Writing output to: ", name);
-    grid::writeGrid(format, name, header, cells, "", settings.decimals);
+    grid::writeGrid(format, name, header, cells, "", common.decimals);
 }
 
 } // namespace gridforge::sampling

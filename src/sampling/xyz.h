@@ -3,8 +3,8 @@
 
 #include "core/huge_array.h"
 #include "grid/grid.h"
+#include "run/common.h"
 #include "run/inputs.h"
-#include "run/run_settings.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -35,6 +35,6 @@ PointExtents findExtents(std::span<const double> x, std::span<const double> y, f
 void sortIntoCells(std::span<const double> x, std::span<const double> y, std::span<const float> z,
                    const PointExtents& extents, Grid& cells);
 
-void runXyz(const run::RunSettings& settings, const run::InputFileList& inputs);
+void runXyz(const run::Common& common, const run::InputFileList& inputs);
 
 } // namespace gridforge::sampling

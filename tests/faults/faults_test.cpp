@@ -501,8 +501,7 @@ TEST(FaultRuns, AreOfAllOperations)
     for (const FaultRun& run : faultRuns()) {
         std::istringstream rest(run.arguments);
         const std::vector<std::string> arguments{std::istream_iterator<std::string>(rest), {}};
-        const driver::OperationRow* const operation =
-            driver::selectOperation(driver::scanArguments(arguments).settings);
+        const driver::OperationRow* const operation = driver::selectOperation(driver::scanArguments(arguments));
         if (operation != nullptr) {
             missing.erase(operation->name);
         }

@@ -72,7 +72,7 @@ inline Outcome runOperationOn(const GivenFiles& given, const std::string& comman
     }
     driver::CommandLine line = driver::scanArguments(arguments);
     validate(line);
-    driver::runOperation(line.settings, run::expandInputs(line.rawInputList));
+    driver::runOperation(line, run::expandInputs(line.rawInputList));
     closeAllUnits();
     endLine();
     flushConsole();

@@ -197,13 +197,13 @@ TEST(FlagTable, UnknownWordsAreNoFlag)
     }
 }
 
-TEST(FlagTable, EveryRowIsDescribedAndStoresSomething)
+TEST(FlagTable, EveryRowIsDescribedAndDoesSomething)
 {
     for (const driver::FlagRow& row : driver::flagTable()) {
         EXPECT_FALSE(row.docs.description.empty()) << row.key;
         EXPECT_EQ(row.docs.description.find('\n'), std::string_view::npos) << row.key;
         EXPECT_EQ(row.docs.valueName.empty(), row.value == none) << row.key;
-        EXPECT_TRUE(row.atFlag != nullptr || row.storeValue != nullptr) << row.key;
+        EXPECT_TRUE(row.atFlag != nullptr || row.storeValue != nullptr || row.kind == operation) << row.key;
         EXPECT_EQ(row.storeValue != nullptr, row.value != none && row.value != statistic) << row.key;
     }
 }
@@ -211,21 +211,21 @@ TEST(FlagTable, EveryRowIsDescribedAndStoresSomething)
 // The manual tells the defaults from the table; they stand a second time where the settings start.
 TEST(FlagTable, DefaultsAreThoseOfFreshSettings)
 {
-    const run::RunSettings fresh;
+    const driver::Settings fresh;
     const auto text = [](float value) { return fixedText(static_cast<double>(value), 1); };
     const std::map<std::string_view, std::string> numbers = {
-        {"cd", text(fresh.cutoff)},
-        {"trans_m", text(fresh.transformM)},
-        {"trans_c", text(fresh.transformC)},
-        {"cpsd", text(fresh.cpSearchDistance)},
-        {"cpmm", text(fresh.cpMinMaxDistance)},
-        {"lpmd", text(fresh.lpDistance)},
-        {"nc_comp", AINTEGER(fresh.ncCompression)},
-        {"nc_shuffle", AINTEGER(fresh.ncShuffle ? 1 : 0)},
-        {"nc_part", AINTEGER(fresh.ncPart ? 1 : 0)},
-        {"fb", text(fresh.freeboard)},
-        {"bd", text(fresh.bufferDistance)},
-        {"decimal", AINTEGER(fresh.decimals)},
+        {"cd", text(get<ops::CutoffOptions>(fresh).cutoff)},
+        {"trans_m", text(get<ops::TransformOptions>(fresh).m)},
+        {"trans_c", text(get<ops::TransformOptions>(fresh).c)},
+        {"cpsd", text(get<sampling::CpOptions>(fresh).searchDistance)},
+        {"cpmm", text(get<sampling::CpOptions>(fresh).extremesDistance)},
+        {"lpmd", text(get<sampling::LpOptions>(fresh).spacing)},
+        {"nc_comp", AINTEGER(get<netcdf::NcOptions>(fresh).compression)},
+        {"nc_shuffle", AINTEGER(get<netcdf::NcOptions>(fresh).shuffle ? 1 : 0)},
+        {"nc_part", AINTEGER(get<netcdf::NcOptions>(fresh).part ? 1 : 0)},
+        {"fb", text(get<remap::RemapOptions>(fresh).freeboard)},
+        {"bd", text(get<remap::RemapOptions>(fresh).buffer.value_or(0.0F))},
+        {"decimal", AINTEGER(get<run::Common>(fresh).decimals)},
         {"idw_npt", "12"},      // of the remap
         {"default_n", "-9999"}, // of the sections
         {"resize", ""},         // without default: the operation needs it
@@ -236,7 +236,7 @@ TEST(FlagTable, DefaultsAreThoseOfFreshSettings)
             EXPECT_EQ(row.docs.defaultText, numbers.at(row.key)) << row.key;
         }
     }
-    EXPECT_EQ(fresh.resizeMethod, run::ResizeMethod::average);
+    EXPECT_EQ(get<ops::ResizeOptions>(fresh).method, ops::ResizeMethod::average);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "driver/operations.h"
 
 #include "driver/flag_table.h"
+#include "driver/scan.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,11 +11,9 @@
 namespace gridforge {
 namespace {
 
-std::string_view selected(void (*set)(run::RunSettings&))
+std::string_view selected(const std::vector<std::string>& arguments)
 {
-    run::RunSettings settings;
-    set(settings);
-    const driver::OperationRow* row = driver::selectOperation(settings);
+    const driver::OperationRow* row = driver::selectOperation(driver::scanArguments(arguments));
     return row == nullptr ? "<none>" : row->name;
 }
 
@@ -29,51 +28,52 @@ TEST(Operations, StandInTheirOrder)
                                             "multiply", "xyz", "trim", "damages", "rf", "remap", "stat"));
 }
 
-TEST(Operations, EachIsSelectedByItsOwnSetting)
+TEST(Operations, EachIsSelectedByItsOwnFlag)
 {
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.max = true; }), "max");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.min = true; }), "max");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.conv = true; }), "conv");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.nc = true; }), "nc");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.dif = true; }), "dif");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.cd = true; }), "cd");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.trans = true; }), "trans_m");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.fe = true; }), "fe");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.fuzzy = true; }), "fuzzy");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.count = true; }), "count");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.resize = true; }), "resize");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.classify = true; }), "classify");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.histogram = true; }), "histogram");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.cp = true; }), "cp");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.lp = true; }), "lp");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.brkline = true; }), "brkline");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.xs = true; }), "xs");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.nbc = true; }), "nbc");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.na = true; }), "na");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.multiply = true; }), "multiply");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.xyz = true; }), "xyz");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.trim = true; }), "trim");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.damages = true; }), "damages");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.rf = true; }), "rf");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.remap = true; }), "remap");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.stat = true; }), "stat");
+    EXPECT_EQ(selected({"-max"}), "max");
+    EXPECT_EQ(selected({"-min"}), "max");
+    EXPECT_EQ(selected({"-conv"}), "conv");
+    EXPECT_EQ(selected({"-nc"}), "nc");
+    EXPECT_EQ(selected({"-dif"}), "dif");
+    EXPECT_EQ(selected({"-cd1"}), "cd");
+    EXPECT_EQ(selected({"-trans_m2"}), "trans_m");
+    EXPECT_EQ(selected({"-trans_c2"}), "trans_m");
+    EXPECT_EQ(selected({"-fe"}), "fe");
+    EXPECT_EQ(selected({"-fuzzy"}), "fuzzy");
+    EXPECT_EQ(selected({"-count"}), "count");
+    EXPECT_EQ(selected({"-resize2"}), "resize");
+    EXPECT_EQ(selected({"-classify", "c"}), "classify");
+    EXPECT_EQ(selected({"-histogram", "c"}), "histogram");
+    EXPECT_EQ(selected({"-cp", "l"}), "cp");
+    EXPECT_EQ(selected({"-lp", "l"}), "lp");
+    EXPECT_EQ(selected({"-brkline", "l"}), "brkline");
+    EXPECT_EQ(selected({"-xs", "l"}), "xs");
+    EXPECT_EQ(selected({"-nbc", "n"}), "nbc");
+    EXPECT_EQ(selected({"-na", "l"}), "na");
+    EXPECT_EQ(selected({"-multiply"}), "multiply");
+    EXPECT_EQ(selected({"-xyz"}), "xyz");
+    EXPECT_EQ(selected({"-trim", "l"}), "trim");
+    EXPECT_EQ(selected({"-damages", "d"}), "damages");
+    EXPECT_EQ(selected({"-rf", "r"}), "rf");
+    EXPECT_EQ(selected({"-remap"}), "remap");
+    EXPECT_EQ(selected({"-statMin"}), "stat");
 }
 
 TEST(Operations, CutoffWithCountIsACount)
 {
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.cd = s.count = true; }), "count");
+    EXPECT_EQ(selected({"-cd1", "-count"}), "count");
 }
 
 TEST(Operations, EarlierOneWinsWhereTwoPass)
 {
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.dif = s.change = s.max = true; }), "max");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.dif = s.change = s.stat = true; }), "dif");
+    EXPECT_EQ(selected({"-dif", "-change", "-max"}), "max");
+    EXPECT_EQ(selected({"-dif", "-change", "-statMin"}), "dif");
 }
 
 TEST(Operations, OptionsAloneSelectNone)
 {
-    EXPECT_EQ(selected([](run::RunSettings&) {}), "<none>");
-    EXPECT_EQ(selected([](run::RunSettings& s) { s.change = s.nowetdry = true; }), "<none>");
+    EXPECT_EQ(selected({}), "<none>");
+    EXPECT_EQ(selected({"-change", "-nowetdry"}), "<none>");
 }
 
 TEST(Operations, EachIsNamedByAnOperationFlag)

@@ -27,13 +27,11 @@ TEST(RunNc, CellsThatFindNoRoomToWaitEndTheRun)
     folder.give("a.flt", "");
     folder.give("a.hdr", "ncols 4000\nnrows 5000\nxllcorner 0\nyllcorner 0\ncellsize 1\nbyteorder LSBFIRST\n");
     const test::ChildRun run = test::runInChild(folder, [] {
-        run::RunSettings settings;
-        settings.nc = true;
         run::InputFileList inputs;
         inputs.add("a.flt");
         const test::Environment environment({{"GRIDFORGE_SCRATCH", "/nowhere"}});
         test::limitMemory(120); // enough for a grid of 80 MB and the library, not for another
-        netcdf::runNc(settings, inputs);
+        netcdf::runNc({}, {}, inputs);
     });
     EXPECT_TRUE(run.ended);
     EXPECT_THAT(run.console, testing::EndsWith("Allocating 80000Kb memory for external grid...\n"
@@ -54,14 +52,12 @@ std::string waysOf(const test::ScratchFolder& folder, const std::vector<std::str
                           run::waysGone(run::Way::otherLattice), run::waysGone(run::Way::oddText)};
     };
     const test::ChildRun run = test::runInChild(folder, [&] {
-        run::RunSettings settings;
-        settings.nc = true;
         run::InputFileList inputs;
         for (const std::string& name : names) {
             inputs.add(name);
         }
         const auto before = counts();
-        netcdf::runNc(settings, inputs);
+        netcdf::runNc({}, {}, inputs);
         const auto after = counts();
         say("ways: ", after[0] - before[0], ' ', after[1] - before[1], ' ', after[2] - before[2], ' ',
             after[3] - before[3]);

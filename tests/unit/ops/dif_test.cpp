@@ -16,7 +16,7 @@ TEST(RunDifDeathTest, RefusesASingleInput)
     const auto run = [&] {
         dup2(STDERR_FILENO, STDOUT_FILENO);
         dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-        ops::runDif(run::RunSettings{}, inputs);
+        ops::runDif({}, {}, inputs);
     };
     EXPECT_EXIT(run(), testing::ExitedWithCode(0),
                 "Processing \"-dif\" option.\n"

@@ -1,4 +1,4 @@
-// Runs of the operation with settings that no flag makes.
+// Runs of the operation with options that no flag makes.
 #include "remap/remap.h"
 
 #include "host/console.h"
@@ -17,22 +17,21 @@ using test::ChildRun;
 using test::readWrittenAsc;
 using test::ScratchFolder;
 
-ChildRun remapBy(std::int32_t method, const ScratchFolder& folder)
+ChildRun remapBy(remap::Interpolation method, const ScratchFolder& folder)
 {
-    run::RunSettings settings;
-    settings.interpolation = method;
-    settings.bufferGiven = true;
-    settings.bufferDistance = 1;
-    settings.waterLevelGrid = "wl.asc";
-    settings.demGrid = "dem.asc";
+    remap::RemapOptions options;
+    options.interpolation = method;
+    options.buffer = 1.0F;
+    options.waterLevelGrid = "wl.asc";
+    options.demGrid = "dem.asc";
     run::InputFileList inputs;
     inputs.add("wl.asc");
-    return runInChild(folder, [&] { remap::runRemap(settings, inputs); });
+    return runInChild(folder, [&] { remap::runRemap({}, options, inputs); });
 }
 
 TEST(RunRemap, RefusesAMethodThatIsNone)
 {
-    for (const std::int32_t method : {0, 4}) {
+    for (const auto method : {remap::Interpolation::none, static_cast<remap::Interpolation>(4)}) {
         const ScratchFolder folder;
         folder.give("wl.asc", ascGrid({{5}}));
         folder.give("dem.asc", ascGrid({{1}}));
@@ -59,7 +58,7 @@ TEST(RunRemap, ByTheNearestMethodSpreadsForAThousandIterations)
     const ScratchFolder folder;
     folder.give("wl.asc", ascGrid({{n, 5, n, n, n, n}}));
     folder.give("dem.asc", ascGrid({{6, 2, 1, 0, -99, 0}}, {.null = -99}));
-    const ChildRun run = remapBy(remap::kInterpolateNearest, folder);
+    const ChildRun run = remapBy(remap::Interpolation::nearest, folder);
     EXPECT_EQ(run.errors, "");
     const auto cells = [&](const std::string& name) { return readWrittenAsc(folder.read(name)).cells; };
 
@@ -91,7 +90,7 @@ TEST(RunRemap, ByTheNearestMethodTakesMeansOfOldLevels)
     const ScratchFolder folder;
     folder.give("wl.asc", ascGrid({{4, n, n, n, 8}}));
     folder.give("dem.asc", ascGrid({{0, 0, 0, 0, 0}}));
-    remapBy(remap::kInterpolateNearest, folder);
+    remapBy(remap::Interpolation::nearest, folder);
     EXPECT_EQ(readWrittenAsc(folder.read("wl_h_iter100.asc")).cells, (Cells{{4, 4, 6, 8, 8}}));
 }
 

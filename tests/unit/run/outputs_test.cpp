@@ -3,6 +3,7 @@
 #include "host/console.h"
 
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace gridforge {
 namespace {
@@ -20,7 +21,7 @@ std::string consoleOf(const Call& call)
 
 std::string nameOf(std::string_view source, std::string_view suffix)
 {
-    return run::outputNameRule(run::RunSettings{}, source, suffix);
+    return run::outputNameRule(run::Common{}, source, suffix);
 }
 
 TEST(OutputNameRule, SourceWithoutExtensionAndTheSuffix)
@@ -42,11 +43,10 @@ TEST(OutputNameRule, IsCutAt1000Characters)
 
 TEST(OutputNameRule, GivenNameStandsAsItIs)
 {
-    run::RunSettings settings;
-    settings.outputNameGiven = true;
-    settings.outputName = "result.txt";
+    run::Common common;
+    common.out = "result.txt";
     std::string name;
-    EXPECT_EQ(consoleOf([&] { name = run::outputNameRule(settings, "a.asc", "(max)"); }),
+    EXPECT_EQ(consoleOf([&] { name = run::outputNameRule(common, "a.asc", "(max)"); }),
               "Using output file name specified with -out switch: \"result.txt\"\n");
     EXPECT_EQ(name, "result.txt");
 }
@@ -57,8 +57,7 @@ TEST(OutputNameRule, SaysNothingOfANameOfItsOwn)
 }
 
 struct FormatCase {
-    bool specified;
-    bool asc;
+    std::optional<std::int32_t> wanted;
     std::int32_t first;
     std::int32_t expected;
     std::string line;
@@ -67,16 +66,15 @@ struct FormatCase {
 TEST(OutputFormatRule, AsSpecifiedOrAsTheFirstGrid)
 {
     const std::string byInputs = "Setting output format based on input grids.  To set use -asc or -flt.\n";
-    const std::vector<FormatCase> cases = {{true, true, 2, 1, "Using output format .asc as specified.\n"},
-                                           {true, false, 1, 2, "Using output format .flt as specified.\n"},
-                                           {false, false, 1, 1, byInputs},
-                                           {false, false, 2, 2, byInputs}};
+    const std::vector<FormatCase> cases = {{1, 2, 1, "Using output format .asc as specified.\n"},
+                                           {2, 1, 2, "Using output format .flt as specified.\n"},
+                                           {std::nullopt, 1, 1, byInputs},
+                                           {std::nullopt, 2, 2, byInputs}};
     for (const FormatCase& c : cases) {
-        run::RunSettings settings;
-        settings.formatSpecified = c.specified;
-        settings.ascWanted = c.asc;
+        run::Common common;
+        common.format = c.wanted;
         std::int32_t format = 0;
-        EXPECT_EQ(consoleOf([&] { format = run::outputFormatRule(settings, c.first); }), c.line);
+        EXPECT_EQ(consoleOf([&] { format = run::outputFormatRule(common, c.first); }), c.line);
         EXPECT_EQ(format, c.expected);
     }
 }
