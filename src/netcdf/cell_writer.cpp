@@ -22,29 +22,30 @@ constexpr std::size_t kBandCells = 262'144;
 
 } // namespace
 
-CellWriter::CellWriter(const CellVariable& variable, const GridHeader& lattice, std::string_view call)
+CellWriter::CellWriter(const CellVariable& variable, const GridHeader& lattice, std::size_t grids,
+                       std::string_view call)
     : variable_(variable), nrows_(static_cast<std::size_t>(lattice.nrows)),
       ncols_(static_cast<std::size_t>(lattice.ncols)), call_(call),
       dataset_(ChunkDataset::open(variable.file, variable.name))
 {
-    if (dataset_ && !takeRooms()) {
+    if (dataset_ && !takeRooms(grids)) {
         packers_.clear();
         packed_.clear();
     }
 }
 
-// As many chunks as may wait; where memory is short after all, one.
-bool CellWriter::takeRooms()
+// As many chunks as keep the threads busy, may wait and will come; where memory is short after all, one.
+bool CellWriter::takeRooms(std::size_t grids)
 {
     const std::size_t threads = threadCount();
-    const std::size_t wanted = threads == 1 ? 1 : threads * kChunksPerThread;
+    const std::size_t wanted = threads == 1 ? 1 : std::min(threads * kChunksPerThread, grids * chunksOfGrid());
     const std::uint64_t bytesEach = 2 * std::uint64_t{dataset_->form().bytes()};
     const auto mayWait =
         static_cast<std::size_t>(std::min<std::uint64_t>(grid::bytesThatMayWait() / bytesEach, wanted));
-    return takeRooms(std::max<std::size_t>(mayWait, 1)) || takeRooms(1);
+    return takeRoomsOf(std::max<std::size_t>(mayWait, 1)) || takeRoomsOf(1);
 }
 
-bool CellWriter::takeRooms(std::size_t chunks)
+bool CellWriter::takeRoomsOf(std::size_t chunks)
 {
     packers_ = std::vector<ChunkPacker>(std::min(threadCount(), chunks));
     packed_ = std::vector<Packed>(chunks);

@@ -27,8 +27,8 @@ struct CellVariable {
 // can pack, or memory for that is short, the cells go to the library as they are.
 class CellWriter {
 public:
-    // `call` is the name under which refusals are reported.
-    CellWriter(const CellVariable& variable, const GridHeader& lattice, std::string_view call);
+    // For as many `grids` of the lattice as will be written. `call` is the name under which refusals are reported.
+    CellWriter(const CellVariable& variable, const GridHeader& lattice, std::size_t grids, std::string_view call);
 
     bool packsChunks() const { return !packers_.empty(); }
     // How many grids are packed at once: so many should be laid when one of them is written.
@@ -44,8 +44,8 @@ private:
         std::size_t bytes = 0; // 0: the cells could not be had
     };
 
-    bool takeRooms();
-    bool takeRooms(std::size_t chunks);
+    bool takeRooms(std::size_t grids);
+    bool takeRoomsOf(std::size_t chunks);
     std::size_t chunksAcross() const;
     std::size_t chunksOfGrid() const;
     void packFrom(std::size_t chunk, std::span<const grid::CellStore> laid);

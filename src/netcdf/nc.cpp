@@ -243,7 +243,8 @@ void Series::load(std::int32_t i)
 void Series::write(std::int32_t i)
 {
     if (!writer_) {
-        writer_.emplace(variable("data_temporal", file_.series), first_, call());
+        writer_.emplace(variable("data_temporal", file_.series), first_,
+                        static_cast<std::size_t>(inputs_.count()), call());
     }
     writer_->write(i, grids_.from(i));
     sync();
@@ -258,7 +259,7 @@ void Series::write(std::int32_t i)
 void Series::writeMaximum()
 {
     writer_.reset(); // its memory serves the next
-    CellWriter writer(variable("data_max", file_.maximum), first_, call());
+    CellWriter writer(variable("data_max", file_.maximum), first_, 1, call());
     writer.write(std::nullopt, {&maximum_.cells(), 1});
     sync();
 }

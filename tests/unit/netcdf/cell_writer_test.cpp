@@ -115,10 +115,10 @@ TEST(CellWriter, CellsArriveThroughChunksOfAnySizeAndTheLibraryAlike)
                 Target target(folder, chunkRows);
                 const int series = target.series().id;
                 {
-                    netcdf::CellWriter writer(target.series(), lattice(), "nf90_put_var (rg)");
+                    netcdf::CellWriter writer(target.series(), lattice(), 11, "nf90_put_var (rg)");
                     EXPECT_TRUE(writer.packsChunks());
                     writeAll(writer, 11, folder.path());
-                    netcdf::CellWriter single(target.single(), lattice(), "nf90_put_var (rg)");
+                    netcdf::CellWriter single(target.single(), lattice(), 1, "nf90_put_var (rg)");
                     EXPECT_EQ(single.packsChunks(), chunkRows > 0);
                     single.write(std::nullopt, gridsOf(1, folder.path()));
                 }
@@ -134,9 +134,9 @@ TEST(CellWriter, GridsOfFewChunksArePackedSeveralAtATime)
 {
     const test::ScratchFolder folder;
     const Target target(folder, 5); // three chunks a grid
-    const auto together = [&](const char* threads, const char* memory) {
+    const auto together = [&](const char* threads, const char* memory, std::size_t grids = 100) {
         const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}});
-        return netcdf::CellWriter(target.series(), lattice(), "nf90_put_var (rg)").gridsTogether();
+        return netcdf::CellWriter(target.series(), lattice(), grids, "nf90_put_var (rg)").gridsTogether();
     };
     EXPECT_EQ(together("1", "1000000"), 1U);
     EXPECT_EQ(together("2", "1000000"), 1U); // four chunks
@@ -144,6 +144,7 @@ TEST(CellWriter, GridsOfFewChunksArePackedSeveralAtATime)
     EXPECT_EQ(together("6", "1000000"), 4U);
     EXPECT_EQ(together("6", "720"), 2U); // of 2 * 60 bytes a chunk
     EXPECT_EQ(together("6", "1"), 1U);
+    EXPECT_EQ(together("6", "1000000", 3), 3U); // no more come
 }
 
 TEST(CellWriter, ARefusalHasTheNameOfTheCall)
@@ -151,7 +152,7 @@ TEST(CellWriter, ARefusalHasTheNameOfTheCall)
     const test::ScratchFolder folder;
     const test::ChildRun run = test::runInChild(folder, [&] {
         const Target target(folder, 2);
-        netcdf::CellWriter writer(target.series(), lattice(), "nf90_put_var (rg)");
+        netcdf::CellWriter writer(target.series(), lattice(), 1, "nf90_put_var (rg)");
         writer.write(0, gridsOf(1, ".")); // no such position
     });
     EXPECT_TRUE(run.ended);
