@@ -243,8 +243,8 @@ void Series::load(std::int32_t i)
 void Series::write(std::int32_t i)
 {
     if (!writer_) {
-        writer_.emplace(variable("data_temporal", file_.series), first_,
-                        static_cast<std::size_t>(inputs_.count()), call());
+        writer_.emplace(variable("data_temporal", file_.series), first_, static_cast<std::size_t>(inputs_.count()),
+                        call());
     }
     writer_->write(i, grids_.from(i));
     sync();
