@@ -1,9 +1,13 @@
 """Runs gridforge from Python and tells a program what happened."""
 from __future__ import annotations
 
+from .arguments import WrongUse
 from .description import Description, DescriptionError, Flag, InputRule, Operation, OutputRule, load_description
+from .progress import Progress
+from .record import File, Record
+from .running import RunError, run
 from .tool import ToolNotFound, find_description, find_tool
 
 __version__ = "0.1.0"
-__all__ = ["Description", "DescriptionError", "Flag", "InputRule", "Operation", "OutputRule", "ToolNotFound",
-           "find_description", "find_tool", "load_description"]
+__all__ = ["Description", "DescriptionError", "File", "Flag", "InputRule", "Operation", "OutputRule", "Progress", "Record",
+           "RunError", "ToolNotFound", "WrongUse", "find_description", "find_tool", "load_description", "run"]
