@@ -152,15 +152,15 @@ class StageTest(ScratchTest):
 
     def test_tables_whose_folder_an_attribute_names(self):
         self.give("in/a.asc", grid(*[range(row, row + 9) for row in range(9)]))
-        (self.folder / "in/csv").mkdir()
+        (self.folder / "csv").mkdir()
         self.give("in/nodes.mif", 'Version 300\nCharset "WindowsLatin1"\nDelimiter ","\nCoordSys NonEarth Units "m" Bounds '
                   '(0, 0) (100, 100)\nColumns 12\n  ID Char(50)\n  A Char(2)\n  B Char(8)\n' +
                   "".join(f"  {name} Char(20)\n" for name in "CDEFGH") + "  I Float\n  J Float\n  Skew Float\nData\n\n"
                   "Region 1\n5\n1.5 1.5\n4.5 1.5\n4.5 4.5\n1.5 4.5\n1.5 1.5\n    Pen (1,2,0)\n")
         self.give("in/nodes.mid", '"csv/pond.csv","S","Node","a","b","c","d","e","f",1.5,2.5,0\n')
         record = gridforge.run(["-na", "in/nodes.mif", "in/a.asc"], stage=True)
-        self.assertEqual(record.output_names, ["in/csv/pond.csv"])
-        self.assertEqual(self.files("in/csv"), ["pond.csv"])
+        self.assertEqual(record.output_names, ["csv/pond.csv"])
+        self.assertEqual(self.files("csv"), ["pond.csv"])
 
     def test_an_input_that_changes_during_the_run(self):
         source = self.give("a.asc", grid([1, 2]))
