@@ -192,7 +192,7 @@ def _check_record_place(name: Optional[str]) -> None:
 
 def _run(options: Options, cancel: threading.Event) -> tuple[Optional[Record], int]:
     settings = Settings(stage="--stage" in options.switches, overwrite="--overwrite" in options.switches,
-                        keep="--keep" in options.switches, inputs=options.inputs, timeout=options.timeout,
+                        keep="--keep" in options.switches, named_inputs=options.inputs, timeout=options.timeout,
                         sums="--json" in options.values, cancel=cancel, dies_with_us=True)
     planned = plan(options.arguments, settings)
     if "--dry-run" in options.switches:

@@ -43,7 +43,7 @@ class Settings:
     stage: bool = False
     overwrite: bool = False
     keep: bool = False
-    inputs: Sequence[Name] = ()
+    named_inputs: Sequence[Name] = ()
     timeout: Optional[float] = None
     log: Optional[IO[bytes]] = None
     sums: bool = True
@@ -80,7 +80,7 @@ def plan(arguments: Iterable[Name], settings: Settings) -> Plan:
     scanned = scan(given, description, folder)
     operation = operation_of(scanned, description)
     handed = hand_over(scanned, folder) if given else []
-    named = [text_of(name) for name in settings.inputs]
+    named = [text_of(name) for name in settings.named_inputs]
     if settings.stage:
         handed = [argument if argument.role == "flag" else replace(argument, text=simple_name(argument.text, folder))
                   for argument in handed]
@@ -315,7 +315,7 @@ def execute(p: Plan) -> Record:
 
 
 def run(arguments: Iterable[Name], *, folder: Union[str, "os.PathLike[str]", None] = None, stage: bool = False,
-        overwrite: bool = False, keep: bool = False, inputs: Sequence[Name] = (), timeout: Optional[float] = None,
+        overwrite: bool = False, keep: bool = False, named_inputs: Sequence[Name] = (), timeout: Optional[float] = None,
         log: Optional[IO[bytes]] = None, sums: bool = True, environment: Optional[Mapping[str, str]] = None,
         on_line: Optional[Callable[[str], None]] = None, on_progress: Optional[Callable[[Progress], None]] = None,
         cancel: Optional[Cancel] = None) -> Record:
@@ -326,7 +326,7 @@ def run(arguments: Iterable[Name], *, folder: Union[str, "os.PathLike[str]", Non
     stage        in a scratch folder, from which finished outputs are moved to their places
     overwrite    with `stage`: over files that are there
     keep         with `stage`: keep the scratch folder if the run fails
-    inputs       with `stage`: files that only control files name
+    named_inputs with `stage`: files that only control files name
     timeout      seconds after which the run is ended
     log          a binary file that gets the console
     sums         make SHA-256 sums of all inputs and outputs, which reads them once more
@@ -335,5 +335,5 @@ def run(arguments: Iterable[Name], *, folder: Union[str, "os.PathLike[str]", Non
     on_progress  called once a second with the progress
     cancel       an event; the run is ended when it is set
     """
-    return execute(plan(arguments, Settings(folder, stage, overwrite, keep, inputs, timeout, log, sums, environment or {},
+    return execute(plan(arguments, Settings(folder, stage, overwrite, keep, named_inputs, timeout, log, sums, environment or {},
                                             on_line, on_progress, cancel)))

@@ -141,13 +141,13 @@ class StageTest(ScratchTest):
                   '    Symbol (35,0,12)\n')
         self.give("rain/gauges.mid", '"p",1,1\n')
         self.assertEqual(self.failed("-rf", "storm.rfc"), 'CHECK 0008 - "rain/p.csv" cannot be found')
-        record = gridforge.run(["-rf", "storm.rfc"], stage=True, inputs=["rain/p.csv", self.folder / "rain/*.mif"])
+        record = gridforge.run(["-rf", "storm.rfc"], stage=True, named_inputs=["rain/p.csv", self.folder / "rain/*.mif"])
         self.assertEqual(set(record.output_names), {"storm_index.csv", "storm_t0..asc", "storm_t0.5.asc", "storm_total.asc"})
         self.assertEqual({file.name for file in record.inputs},
                          {"storm.rfc", "rain/p.csv", "rain/gauges.mif", "rain/gauges.mid"})
         self.assertEqual({file.size is None for file in record.inputs}, {False})
         with self.assertRaises(gridforge.WrongUse) as raised:
-            gridforge.run(["-rf", "storm.rfc"], stage=True, inputs=["rain/q.csv"])
+            gridforge.run(["-rf", "storm.rfc"], stage=True, named_inputs=["rain/q.csv"])
         self.assertEqual(str(raised.exception), "No such input: rain/q.csv")
 
     def test_tables_whose_folder_an_attribute_names(self):
