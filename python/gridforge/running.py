@@ -88,7 +88,7 @@ def plan(arguments: Iterable[Name], settings: Settings) -> Plan:
     for name in named:
         if not Look(folder).matching(name):
             raise WrongUse(f"No such input: {name}")
-    return Plan(find_tool(), description, folder, given, handed, operation, named, settings)
+    return Plan(find_tool(_environment(settings)), description, folder, given, handed, operation, named, settings)
 
 
 # --- Files ---------------------------------------------------------------------------------------------------------------

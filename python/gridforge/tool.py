@@ -4,6 +4,7 @@ from __future__ import annotations
 import os
 import shutil
 from pathlib import Path
+from typing import Mapping, Union
 
 PACKAGE = Path(__file__).resolve().parent
 EXECUTABLE = "gridforge.exe" if os.name == "nt" else "gridforge"
@@ -23,9 +24,11 @@ def _prefixes() -> list[Path]:
     return list(PACKAGE.parents)[:5]
 
 
-def find_tool() -> Path:
-    """The executable: that of GRIDFORGE, else the one installed together with this package, else that of PATH."""
-    named = os.environ.get("GRIDFORGE", "")
+def find_tool(environment: Union[Mapping[str, str], None] = None) -> Path:
+    """The executable: that of GRIDFORGE, else the one installed together with this package, else that of PATH. The variables are
+    those of `environment`, or of the process."""
+    variables = os.environ if environment is None else environment
+    named = variables.get("GRIDFORGE", "")
     if named:
         if not _is_executable(Path(named)):
             raise ToolNotFound(f"The variable GRIDFORGE names no executable: {named}")
@@ -33,7 +36,7 @@ def find_tool() -> Path:
     for prefix in _prefixes():
         if _is_executable(prefix / "bin" / EXECUTABLE):
             return prefix / "bin" / EXECUTABLE
-    found = shutil.which(EXECUTABLE)
+    found = shutil.which(EXECUTABLE, path=variables.get("PATH"))
     if found is None:
         raise ToolNotFound("The tool gridforge is not installed. Put it into PATH, or name it in the variable GRIDFORGE.")
     return Path(found).resolve()

@@ -36,6 +36,12 @@ class RunTest(ScratchTest):
         os.environ["GRIDFORGE_THREADS"] = "none"
         self.assertEqual(gridforge.run(["-fe", "a.asc"]).threads, len(os.sched_getaffinity(0)))
 
+    def test_another_tool(self):
+        tool = self.give("other", "#!/bin/sh\necho Other\necho Finished.\n")
+        tool.chmod(0o755)
+        record = gridforge.run(["-fe", "a.asc"], environment={"GRIDFORGE": str(tool)})
+        self.assertEqual((record.build, record.tool), ("Other", str(tool)))
+
     def test_another_folder(self):
         self.give_grids("in/a.asc")
         record = gridforge.run(["-fe", "a.asc"], folder=self.folder / "in")
