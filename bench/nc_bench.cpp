@@ -68,7 +68,7 @@ private:
             }
         }
         const std::string base = (folder / ("g" + std::to_string(i))).string();
-        grid::writeGrid(grid::kFormatFlt, base, header, grid, "");
+        grid::writeGrid(grid::Format::flt, base, header, grid, "");
         names.add(base + ".flt");
     }
 };

@@ -56,7 +56,7 @@ public:
         fillEach(grid, fine, [&](double x, double y) {
             return groundAt(x, y) + static_cast<float>(random() % 100) * 0.001F; // as rough as a survey
         });
-        grid::writeGrid(grid::kFormatFlt, path("ground"), fine, grid, "");
+        grid::writeGrid(grid::Format::flt, path("ground"), fine, grid, "");
 
         const GridHeader coarse = squareOf(side / kCoarseness, kFineSize * kCoarseness);
         fillEach(grid, coarse, [&](double x, double y) {
@@ -64,10 +64,10 @@ public:
             const bool wet = flood == Flood::everywhere || groundAt(x, y) < level;
             return wet ? level + static_cast<float>(random() % 100) * 0.0001F : coarse.null;
         });
-        grid::writeGrid(grid::kFormatFlt, path("level"), coarse, grid, "");
+        grid::writeGrid(grid::Format::flt, path("level"), coarse, grid, "");
         // As far as 200 m up the sides of the valleys.
         fillEach(grid, coarse, [&](double x, double y) { return groundAt(x, y) < 34 ? 1.0F : coarse.null; });
-        grid::writeGrid(grid::kFormatFlt, path("extent"), coarse, grid, "");
+        grid::writeGrid(grid::Format::flt, path("extent"), coarse, grid, "");
     }
     ~Model() { std::filesystem::remove_all(folder_); }
     Model(const Model&) = delete;
@@ -143,8 +143,8 @@ void readAndWriteTwice(benchmark::State& state, Flood flood)
         Grid grid;
         grid::allocateGrid(grid, header, "terrain");
         grid::readCells(std::move(opened), grid);
-        grid::writeGrid(grid::kFormatFlt, model.path("level_remap_h"), header, grid, "");
-        grid::writeGrid(grid::kFormatFlt, model.path("level_remap_d"), header, grid, "");
+        grid::writeGrid(grid::Format::flt, model.path("level_remap_h"), header, grid, "");
+        grid::writeGrid(grid::Format::flt, model.path("level_remap_d"), header, grid, "");
     }
     finish(state, model);
 }

@@ -99,9 +99,9 @@ void settleFormat(const WantedFormats& formats, run::Common& common)
         warn("WARNING - Both -asc and -flt specified.  Outputting to .flt grid.");
     }
     if (formats.flt) {
-        common.format = grid::kFormatFlt;
+        common.format = grid::Format::flt;
     } else if (formats.asc) {
-        common.format = grid::kFormatAsc;
+        common.format = grid::Format::asc;
     }
 }
 

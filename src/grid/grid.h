@@ -1,4 +1,4 @@
-// The formats of grids, and memory for their cells.
+// The file formats of grids, and memory for their cells.
 #pragma once
 
 #include "plane/cell_array.h"
@@ -9,9 +9,7 @@
 
 namespace gridforge::grid {
 
-// File formats of a grid (`gridFormat`).
-inline constexpr std::int32_t kFormatAsc = 1;
-inline constexpr std::int32_t kFormatFlt = 2;
+enum class Format { asc, flt };
 
 // Writes "Allocating <n>Kb memory for <purpose>" and takes an array of the header's size, zero at first; ends the run
 // where the memory cannot be had. An array already of that size is reused and cleared.

@@ -94,7 +94,7 @@ OpenGrid openGrid(std::string_view name)
     OpenGrid grid;
     grid.name = name;
     grid.projectionText = readProjection(name);
-    grid.format = isBinary(name) ? kFormatFlt : kFormatAsc;
+    grid.format = isBinary(name) ? Format::flt : Format::asc;
     OPENER(grid.unit, "I ", gridInputFiles(name).front());
 
     GridHeader& header = grid.header;

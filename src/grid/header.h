@@ -21,7 +21,7 @@ std::vector<std::string> gridInputFiles(std::string_view name);
 struct OpenGrid {
     std::string name; // as asked for
     GridHeader header;
-    std::int32_t format = kFormatAsc;
+    Format format = Format::asc;
     std::string projectionText; // the PROJCS line, blank if none
     Unit unit = 0;              // the .asc at its first line of cells, or the .hdr
 };

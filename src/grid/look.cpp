@@ -37,8 +37,8 @@ std::optional<GridLook> lookAtGrid(std::string_view name)
     if (!stream.isOpen() || !lookAtKeywords(stream, look.header)) {
         return std::nullopt;
     }
-    look.format = isBinary(name) ? kFormatFlt : kFormatAsc;
-    if (look.format == kFormatAsc) {
+    look.format = isBinary(name) ? Format::flt : Format::asc;
+    if (look.format == Format::asc) {
         look.file = headed->name;
         look.size = headed->size;
         look.cellsFrom = stream.position();

@@ -14,7 +14,7 @@ namespace gridforge::grid {
 // most likely ends no run.
 struct GridLook {
     GridHeader header;
-    std::int32_t format = kFormatAsc;
+    Format format = Format::asc;
     std::string file;           // of the cells, as the system takes it
     std::int64_t cellsFrom = 0; // position in it
     std::int64_t size = 0;      // of the file

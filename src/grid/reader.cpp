@@ -53,7 +53,7 @@ void goThroughFltCells(std::string_view name, Unit& unit, ReadBytes read)
 
 void readCells(OpenGrid grid, Grid& cells)
 {
-    if (grid.format == kFormatFlt) {
+    if (grid.format == Format::flt) {
         goThroughFltCells(grid.name, grid.unit,
                           [&] { return readBytes(grid.unit, std::as_writable_bytes(cells.cells())); });
     } else {
@@ -64,7 +64,7 @@ void readCells(OpenGrid grid, Grid& cells)
 
 void passCells(OpenGrid grid)
 {
-    if (grid.format == kFormatFlt) {
+    if (grid.format == Format::flt) {
         goThroughFltCells(grid.name, grid.unit, [] { return true; });
     } else {
         goThroughAscCells(grid.unit, grid.header.nrows, [](std::int32_t) { return true; });

@@ -116,24 +116,24 @@ void writeProjection(std::string_view base, std::string_view projectionText)
 
 } // namespace
 
-std::vector<std::string> gridOutputFiles(std::int32_t format, std::string_view base)
+std::vector<std::string> gridOutputFiles(Format format, std::string_view base)
 {
-    if (format == kFormatAsc) {
+    if (format == Format::asc) {
         return {join(base, ".asc")};
     }
     return {join(base, ".hdr"), join(base, ".flt")};
 }
 
-void writeGrid(std::int32_t format, std::string_view base, const GridHeader& header, const CellSource& cells,
+void writeGrid(Format format, std::string_view base, const GridHeader& header, const CellSource& cells,
                std::string_view projectionText, std::int32_t decimals)
 {
-    if (format != kFormatAsc && format != kFormatFlt) {
+    if (format != Format::asc && format != Format::flt) {
         shouldNotBeHere("grid_format");
     }
-    if (format == kFormatAsc && decimals > kMaxDecimals) {
+    if (format == Format::asc && decimals > kMaxDecimals) {
         fail("ERROR - Number of decimal places exceeds maximum: ", kMaxDecimals);
     }
-    if (format == kFormatAsc) {
+    if (format == Format::asc) {
         writeAsc(base, header, cells, decimals < 0 ? kDefaultDecimals : decimals);
     } else {
         writeFlt(base, header, cells);

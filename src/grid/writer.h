@@ -17,11 +17,11 @@ inline constexpr std::int32_t kDefaultDecimals = 3;
 inline constexpr std::int32_t kMaxDecimals = 1'000'000;
 
 // The files of the output grid `base`, without its .prj.
-std::vector<std::string> gridOutputFiles(std::int32_t format, std::string_view base);
+std::vector<std::string> gridOutputFiles(Format format, std::string_view base);
 
 // Writes the grid `base` with the extension of `format` and, where `projectionText` is not blank, its .prj. Size,
 // corner, cell size and null are those of `header`; below 0 `decimals` counts as 3.
-void writeGrid(std::int32_t format, std::string_view base, const GridHeader& header, const CellSource& cells,
+void writeGrid(Format format, std::string_view base, const GridHeader& header, const CellSource& cells,
                std::string_view projectionText, std::int32_t decimals = kDefaultDecimals);
 
 // 0.01 in single precision, widened: what corners and cell sizes of the grids of one operation may differ by.

@@ -56,7 +56,7 @@ run::Way LaidGrids::layNext(std::int32_t i)
     if (!laid.take(look->header.cells(), folder_)) {
         return run::Way::noRoom;
     }
-    const run::Way way = look->format == grid::kFormatFlt ? layBinary(*look, laid) : layText(*look, laid);
+    const run::Way way = look->format == grid::Format::flt ? layBinary(*look, laid) : layText(*look, laid);
     if (way == run::Way::ahead && !lattice_) {
         lattice_ = look->header;
     }

@@ -157,7 +157,7 @@ void runClassify(const run::Common& givenCommon, const ClassifyOptions& options,
     if (options.rgb && !options.grc) {
         say("WARNING - Must specify \"-grc\" to get classified .asc grid.");
         // So the output is a .flt unless -asc is given too, on purpose: scripts rely on the name.
-        common.format = common.format.value_or(grid::kFormatFlt);
+        common.format = common.format.value_or(grid::Format::flt);
     }
 
     const std::optional<std::vector<float>> looked = lookAtLimits(options.classFile, options.rgb);
@@ -181,13 +181,13 @@ void runClassify(const run::Common& givenCommon, const ClassifyOptions& options,
     say("   Done.");
 
     const std::string base = run::outputNameRule(common, inputs[1], "_classified");
-    const std::int32_t format = run::outputFormatRule(common, loaded.format);
+    const grid::Format format = run::outputFormatRule(common, loaded.format);
     if (!options.grc) {
         say("Writing clssified grid to: ", base);
         story.write(0, format, base, header, loaded.projectionText, common.decimals);
         return;
     }
-    if (format != grid::kFormatAsc) {
+    if (format != grid::Format::asc) {
         fail("ERROR - \"-grc\" option only valid, if outputting to a .asc grid.");
     }
     if (!options.rgb) {

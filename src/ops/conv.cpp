@@ -15,20 +15,20 @@ namespace gridforge::ops {
 namespace {
 
 // The direction alone decides; -asc and -flt only forbid to convert a grid to the format that it has.
-std::int32_t convertedFormat(const run::Common& common, std::int32_t format)
+grid::Format convertedFormat(const run::Common& common, grid::Format format)
 {
-    if (format == grid::kFormatAsc) {
-        if (common.format == grid::kFormatAsc) {
+    if (format == grid::Format::asc) {
+        if (common.format == grid::Format::asc) {
             fail("ERROR - Input grid is .asc format and \"-asc\" specified.");
         }
         say("Converting .asc to .flt...");
-        return grid::kFormatFlt;
+        return grid::Format::flt;
     }
-    if (common.format == grid::kFormatFlt) {
+    if (common.format == grid::Format::flt) {
         fail("ERROR - Input grid is .flt format and \"-flt\" specified.");
     }
     say("Converting .flt to .asc...");
-    return grid::kFormatAsc;
+    return grid::Format::asc;
 }
 
 void convert(const run::Common& common, const run::InputFileList& input, std::span<const run::InputGrid> stillToRead)
@@ -36,7 +36,7 @@ void convert(const run::Common& common, const run::InputFileList& input, std::sp
     run::CellStory story(common, input);
     const run::LoadedGrid grid = story.load(1, {.purpose = "external grid..."});
 
-    const std::int32_t format = convertedFormat(common, grid.format);
+    const grid::Format format = convertedFormat(common, grid.format);
     const std::string base = run::outputNameRule(common, input[1], "");
     run::requireNoInput(format, base, stillToRead);
     story.write(0, format, base, grid.header, grid.projectionText, common.decimals);

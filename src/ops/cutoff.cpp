@@ -72,7 +72,7 @@ void runCutoff(const run::Common& givenCommon, const CutoffOptions& options, con
     say("   Done.");
 
     const std::string base = specifiedNameOr(common, ruledName(inputs, options.cutoff));
-    const std::int32_t format = run::outputFormatRule(common, first.format);
+    const grid::Format format = run::outputFormatRule(common, first.format);
     say("Writing output to: ", base);
     story.write(0, format, base, header, last.projectionText, common.decimals);
 }

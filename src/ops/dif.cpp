@@ -73,7 +73,7 @@ void runDif(const run::Common& common, const DifOptions& options, const run::Inp
     say("Done processing differences.");
 
     const std::string base = outputBase(common, inputs);
-    const std::int32_t format = run::outputFormatRule(common, first.format);
+    const grid::Format format = run::outputFormatRule(common, first.format);
     say("Writing difference values to: ", base);
     story.write(kDifference, format, base, header, second.projectionText, common.decimals);
     if (writesWetDry) {

@@ -24,7 +24,7 @@ void runFloodExtent(const run::Common& common, const run::InputFileList& inputs)
     story.compute("Processing Row:");
 
     const std::string base = run::outputNameRule(common, inputs[1], "_extent");
-    const std::int32_t format = run::outputFormatRule(common, loaded.format);
+    const grid::Format format = run::outputFormatRule(common, loaded.format);
     // The words of the transform; deliberate.
     say("Writing transformed values to: ", base);
     story.write(0, format, base, loaded.header, loaded.projectionText, common.decimals);

@@ -39,7 +39,7 @@ void runFuzzy(const run::Common& common, const run::InputFileList& inputs)
                   [](const run::CellBlock&) {}); // done with the last grid
 
     const std::string base = run::outputNameRule(common, inputs[1], "_fuzzy");
-    const std::int32_t format = run::outputFormatRule(common, loaded.format);
+    const grid::Format format = run::outputFormatRule(common, loaded.format);
     say("Writing fuzzy values to: ", base);
     story.write(0, format, base, header, loaded.projectionText, common.decimals);
 }

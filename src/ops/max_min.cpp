@@ -53,7 +53,7 @@ void runMaxMin(const run::Common& common, const MaxMinOptions& options, const ru
     const auto [first, firstFormat, projectionText] = story.loadEach("external grid...", allocateKept, take);
 
     const std::string base = run::outputNameRule(common, inputs[1], maximum ? "(maxmax)" : "(minmin)");
-    const std::int32_t format = run::outputFormatRule(common, firstFormat);
+    const grid::Format format = run::outputFormatRule(common, firstFormat);
     say("Writing maximum / minimum values to: ", base);
     story.write(kExtreme, format, base, first, projectionText, common.decimals);
     if (options.src) {

@@ -82,7 +82,7 @@ void runResize(const run::Common& common, const ResizeOptions& options, const ru
     endLine();
 
     const std::string base = run::outputNameRule(common, inputs[1], join("_resize", factor));
-    const std::int32_t format = run::outputFormatRule(common, loaded.format);
+    const grid::Format format = run::outputFormatRule(common, loaded.format);
     say("Writing resized grid to: ", base);
     grid::writeGrid(format, base, resized, output, loaded.projectionText, common.decimals);
 }

@@ -40,13 +40,13 @@ struct Statistics {
 // All grids of the run, and how the results are written.
 struct StatRun {
     GridHeader first;
-    std::int32_t firstFormat = grid::kFormatAsc;
+    grid::Format firstFormat = grid::Format::asc;
     std::string projectionText;                        // of the last grid
     std::optional<std::vector<grid::CellStore>> ready; // the results, where they were computed ahead
     std::vector<Grid> grids;                           // else the inputs
     std::vector<std::span<const float>> cells;         // of each grid
     std::string base;
-    std::int32_t format = grid::kFormatAsc;
+    grid::Format format = grid::Format::asc;
     std::int32_t decimals = 0;
 };
 

@@ -34,7 +34,7 @@ void runTransform(const run::Common& common, const TransformOptions& options, co
     say("Done");
 
     const std::string base = run::outputNameRule(common, inputs[1], "_trans");
-    const std::int32_t format = run::outputFormatRule(common, loaded.format);
+    const grid::Format format = run::outputFormatRule(common, loaded.format);
     say("Writing transformed values to: ", base);
     story.write(0, format, base, loaded.header, loaded.projectionText, common.decimals);
 }
@@ -86,7 +86,7 @@ void runMultiply(const run::Common& givenCommon, const run::InputFileList& given
     // The second name comes with its folder, which then stands in the middle of the output's, on purpose.
     const std::string ruled = join(FILENAMEPATH(inputs[1]), "_mlt_", FILENAMEPATH(inputs[2]));
     const std::string base = specifiedNameOr(common, ruled);
-    const std::int32_t format = run::outputFormatRule(common, first.format);
+    const grid::Format format = run::outputFormatRule(common, first.format);
     say("Writing output to: ", base);
     story.write(0, format, base, header, second.projectionText, common.decimals);
 }

@@ -58,11 +58,11 @@ void readSize(const ControlLine& line, RfSettings& settings)
 void readFormat(const ControlLine& line, RfSettings& settings)
 {
     if (FLAGEXISTS(line.value, "ASC")) {
-        settings.format = grid::kFormatAsc;
+        settings.format = RfFormat::asc;
     } else if (FLAGEXISTS(line.value, "FLT")) {
-        settings.format = grid::kFormatFlt;
+        settings.format = RfFormat::flt;
     } else if (FLAGEXISTS(line.value, "NC")) {
-        settings.format = kFormatNc;
+        settings.format = RfFormat::nc;
     } else {
         fail("ERROR - Unregonised RF GRID Format Option. Expecting \"ASC\", \"FLT\" or \"NC\"");
     }

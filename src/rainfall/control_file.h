@@ -13,9 +13,7 @@
 
 namespace gridforge::rainfall {
 
-// Beside the formats of grids.
-inline constexpr std::int32_t kFormatNc = 3;
-
+enum class RfFormat { asc, flt, nc };
 enum class RfMethod { none, polygon, tin, idw };
 
 struct RfSettings {
@@ -26,7 +24,7 @@ struct RfSettings {
     std::int32_t columns = 0; // M
     double xOrigin = 0.0;
     double yOrigin = 0.0;
-    std::int32_t format = grid::kFormatAsc;
+    RfFormat format = RfFormat::asc;
     RfMethod method = RfMethod::none;
     std::int32_t idwMaxPoints = 0; // 0: all
     float idwMaxDistance = -99.0F; // below 0.001: no limit

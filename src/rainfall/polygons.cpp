@@ -148,8 +148,8 @@ void writeTables(const GridHeader& grid, const RfPolygonTables& tables)
     }
     std::ranges::transform(tables.index.cells(), numbers.cells().begin(),
                            [](std::int32_t number) { return static_cast<float>(number); });
-    grid::writeGrid(grid::kFormatAsc, "rf_index", grid, numbers, "", kDecimals);
-    grid::writeGrid(grid::kFormatAsc, "rf_fac", grid, tables.factor, "", kDecimals);
+    grid::writeGrid(grid::Format::asc, "rf_index", grid, numbers, "", kDecimals);
+    grid::writeGrid(grid::Format::asc, "rf_fac", grid, tables.factor, "", kDecimals);
 }
 
 } // namespace

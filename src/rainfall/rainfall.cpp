@@ -77,7 +77,7 @@ void writeTriangleNumbers(Rainfall& rain, const RfTinTables& tables)
 {
     std::ranges::transform(tables.triangle.cells(), rain.grids.step.cells().begin(),
                            [](std::int32_t number) { return static_cast<float>(number); });
-    grid::writeGrid(grid::kFormatAsc, "rf_giit", rain.grid, rain.grids.step, "", rain.decimals);
+    grid::writeGrid(grid::Format::asc, "rf_giit", rain.grid, rain.grids.step, "", rain.decimals);
 }
 
 StepRoutine prepareTin(Rainfall& rain, RfTinTables& tables)
@@ -123,12 +123,18 @@ struct SeriesOutputs {
     RfNcRecord nc;
 };
 
+// Of a series of grids.
+grid::Format gridFormat(const Rainfall& rain)
+{
+    return rain.settings.format == RfFormat::asc ? grid::Format::asc : grid::Format::flt;
+}
+
 SeriesOutputs openOutputs(const Rainfall& rain)
 {
     SeriesOutputs outputs;
     outputs.base = FILENAMEPATH(rain.controlFile);
     OPENER(outputs.index, "O ", join(outputs.base, "_index.csv"));
-    if (rain.settings.format == kFormatNc) {
+    if (rain.settings.format == RfFormat::nc) {
         rf_nc_init(join(outputs.base, ".nc"), outputs.nc, rain.grid);
     }
     return outputs;
@@ -137,25 +143,25 @@ SeriesOutputs openOutputs(const Rainfall& rain)
 void writeStep(const Rainfall& rain, const SeriesOutputs& outputs, std::size_t step, float time)
 {
     constexpr int kTimeDecimals = 3;
-    if (rain.settings.format == kFormatNc) {
+    if (rain.settings.format == RfFormat::nc) {
         putStep(outputs.nc, static_cast<std::int32_t>(step) + 1, time, rain.grids.step);
         return;
     }
     const std::string name = join(outputs.base, "_t", AREAL(time));
-    const std::string extension = rain.settings.format == grid::kFormatAsc ? ".asc" : ".flt";
+    const std::string extension = rain.settings.format == RfFormat::asc ? ".asc" : ".flt";
     writeLine(outputs.index, join(fixedText(static_cast<double>(time), kTimeDecimals), ",", name, extension));
-    grid::writeGrid(rain.settings.format, name, rain.grid, rain.grids.step, "", rain.decimals);
+    grid::writeGrid(gridFormat(rain), name, rain.grid, rain.grids.step, "", rain.decimals);
 }
 
 void writeTotal(const Rainfall& rain, SeriesOutputs& outputs)
 {
     CLOSER(outputs.index);
-    if (rain.settings.format == kFormatNc) {
+    if (rain.settings.format == RfFormat::nc) {
         putTotal(outputs.nc, rain.grids.cumulative);
         closeRainfallNc(outputs.nc);
         return;
     }
-    grid::writeGrid(rain.settings.format, join(outputs.base, "_total"), rain.grid, rain.grids.cumulative, "",
+    grid::writeGrid(gridFormat(rain), join(outputs.base, "_total"), rain.grid, rain.grids.cumulative, "",
                     rain.decimals);
 }
 

@@ -71,7 +71,7 @@ std::int32_t announceInputs(const RemapOptions& options, const run::InputFileLis
 }
 
 // Returns the format of the grid.
-std::int32_t loadWaterLevels(RemapRun& run)
+grid::Format loadWaterLevels(RemapRun& run)
 {
     const run::LoadSteps steps{.purpose = "storing water levels...", .reading = "Reading WL data"};
     const run::LoadedGrid levels = run::loadGrid(run.options.waterLevelGrid, steps, run.wlGrid);
@@ -188,7 +188,7 @@ void runRemap(const run::Common& common, const RemapOptions& options, const run:
 
     RemapRun run(options);
     run.stillToRead = extraGridsToRead(inputs, firstExtra);
-    const std::int32_t inputFormat = loadWaterLevels(run);
+    const grid::Format inputFormat = loadWaterLevels(run);
     setExtentFlags(run);
     loadTerrain(run);
     run.format = run::outputFormatRule(common, inputFormat);

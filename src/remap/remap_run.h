@@ -35,7 +35,7 @@ struct RemapRun {
     Grid depthGrid;
     CellStates cellState;
 
-    std::int32_t format = grid::kFormatAsc; // of all outputs
+    grid::Format format = grid::Format::asc; // of all outputs
     std::int32_t decimals = 0;
     std::string projectionText; // of the grid whose header was read last, which that of the outputs is
     std::vector<run::InputGrid> stillToRead;

@@ -42,7 +42,7 @@ CellStory::CellStory(const Common& common, const InputFileList& input) : names_(
     if (const auto looks = lookAtInputs(input)) {
         const grid::GridLook& look = looks->front();
         OutputWish wish = outputWish(common, input[1], look.format, 1);
-        wish.binary = look.format == grid::kFormatAsc;
+        wish.binary = look.format == grid::Format::asc;
         keep(copyAhead(look, wish));
     }
 }
@@ -150,7 +150,7 @@ grid::CellSource CellStory::cells(std::size_t i)
     return outputs_.empty() ? inputs_.front() : outputs_[i];
 }
 
-void CellStory::write(std::size_t i, std::int32_t format, std::string_view base, const GridHeader& header,
+void CellStory::write(std::size_t i, grid::Format format, std::string_view base, const GridHeader& header,
                       std::string_view projectionText, std::int32_t decimals)
 {
     grid::writeGrid(format, base, header, cells(i), projectionText, decimals);

@@ -62,7 +62,7 @@ public:
     // Grid `i` on its way to a file of its own kind.
     grid::CellSource cells(std::size_t i);
     // Grid `i` is written, and its cells are gone where they waited.
-    void write(std::size_t i, std::int32_t format, std::string_view base, const GridHeader& header,
+    void write(std::size_t i, grid::Format format, std::string_view base, const GridHeader& header,
                std::string_view projectionText, std::int32_t decimals);
 
 private:

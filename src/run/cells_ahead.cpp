@@ -67,7 +67,7 @@ public:
     Way open(const grid::GridLook& look, const std::string& folder)
     {
         close();
-        if (look.format == grid::kFormatFlt) {
+        if (look.format == grid::Format::flt) {
             file_ = theSystem().open(look.file, OpenFor::reading);
             return file_ == SystemFile::none ? Way::readRefused : Way::ahead;
         }
@@ -249,8 +249,8 @@ private:
 std::size_t openGroup(std::span<const grid::GridLook> looks, std::size_t first, const std::string& folder,
                       std::vector<InputCells>& group, Way& way)
 {
-    const std::int32_t format = looks[first].format;
-    const std::size_t most = std::min(looks.size() - first, format == grid::kFormatAsc ? 1 : kMostOpenFiles);
+    const grid::Format format = looks[first].format;
+    const std::size_t most = std::min(looks.size() - first, format == grid::Format::asc ? 1 : kMostOpenFiles);
     group.resize(std::max(most, group.size()));
     std::size_t opened = 0;
     while (opened < most && looks[first + opened].format == format) {
@@ -265,10 +265,10 @@ std::size_t openGroup(std::span<const grid::GridLook> looks, std::size_t first, 
 
 } // namespace
 
-OutputWish outputWish(const Common& common, std::string_view namedAfter, std::int32_t format, std::size_t grids)
+OutputWish outputWish(const Common& common, std::string_view namedAfter, grid::Format format, std::size_t grids)
 {
     const std::string_view name = common.out ? std::string_view(*common.out) : namedAfter;
-    return {systemName(FILEFOLDERPATH(name)), common.format.value_or(format) == grid::kFormatFlt, grids};
+    return {systemName(FILEFOLDERPATH(name)), common.format.value_or(format) == grid::Format::flt, grids};
 }
 
 void countWay(Way way)
@@ -382,7 +382,7 @@ std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::Grid
 
 std::optional<std::vector<grid::CellStore>> copyAhead(const grid::GridLook& look, const OutputWish& wish)
 {
-    if (look.format == grid::kFormatFlt) {
+    if (look.format == grid::Format::flt) {
         return mapAhead(std::span(&look, 1), wish, [](const CellPiece&, InputPieces cells, OutputPieces copy) {
             std::ranges::copy(cells[0], copy[0].begin());
         });

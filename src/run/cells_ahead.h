@@ -37,7 +37,7 @@ struct OutputWish {
 };
 
 // By the options, and by the input that names and format are taken from where these say nothing.
-OutputWish outputWish(const Common& common, std::string_view namedAfter, std::int32_t format, std::size_t grids);
+OutputWish outputWish(const Common& common, std::string_view namedAfter, grid::Format format, std::size_t grids);
 
 // A stretch of cells in the order of the files. A kernel is called for several at once.
 struct CellPiece {

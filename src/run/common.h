@@ -1,6 +1,8 @@
 // The options that do not depend on the operation.
 #pragma once
 
+#include "grid/grid.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,7 +11,7 @@ namespace gridforge::run {
 
 struct Common {
     std::optional<std::string> out;     // the name of the main output; blank where nothing came after -out
-    std::optional<std::int32_t> format; // of the grids that are written; that of the inputs where none is given
+    std::optional<grid::Format> format; // of the grids that are written; that of the inputs where none is given
     std::int32_t decimals = 3;          // of .asc cells
     bool batch = false;                 // a run that finished does not wait for Enter
 

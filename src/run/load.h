@@ -27,7 +27,7 @@ struct LoadSteps {
 // What its files say of a grid besides its cells.
 struct LoadedGrid {
     GridHeader header;
-    std::int32_t format = grid::kFormatAsc;
+    grid::Format format = grid::Format::asc;
     std::string projectionText; // the PROJCS line, blank if none
 };
 

@@ -18,16 +18,16 @@ std::string outputNameRule(const Common& common, std::string_view source, std::s
 
 namespace {
 
-std::int32_t specified(std::int32_t format)
+grid::Format specified(grid::Format format)
 {
-    say(format == grid::kFormatAsc ? "Using output format .asc as specified."
-                                   : "Using output format .flt as specified.");
+    say(format == grid::Format::asc ? "Using output format .asc as specified."
+                                    : "Using output format .flt as specified.");
     return format;
 }
 
 } // namespace
 
-std::int32_t outputFormatRule(const Common& common, std::int32_t firstFormat)
+grid::Format outputFormatRule(const Common& common, grid::Format firstFormat)
 {
     if (common.format) {
         return specified(*common.format);
@@ -36,13 +36,13 @@ std::int32_t outputFormatRule(const Common& common, std::int32_t firstFormat)
     return firstFormat;
 }
 
-std::int32_t ascUnlessSpecified(const Common& common)
+grid::Format ascUnlessSpecified(const Common& common)
 {
     if (common.format) {
         return specified(*common.format);
     }
     say("Setting output grid to .asc by default.  To set use -asc or -flt.");
-    return grid::kFormatAsc;
+    return grid::Format::asc;
 }
 
 } // namespace gridforge::run

@@ -3,7 +3,6 @@
 
 #include "run/common.h"
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -14,8 +13,8 @@ namespace gridforge::run {
 std::string outputNameRule(const Common& common, std::string_view source, std::string_view suffix);
 
 // The format wanted by -asc or -flt, or that of the first input grid.
-std::int32_t outputFormatRule(const Common& common, std::int32_t firstFormat);
+grid::Format outputFormatRule(const Common& common, grid::Format firstFormat);
 // The format wanted by -asc or -flt, or .asc whatever the inputs are.
-std::int32_t ascUnlessSpecified(const Common& common);
+grid::Format ascUnlessSpecified(const Common& common);
 
 } // namespace gridforge::run

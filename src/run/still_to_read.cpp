@@ -29,7 +29,7 @@ std::vector<InputGrid> inputGrids(const InputFileList& inputs)
     return grids;
 }
 
-void requireNoInput(std::int32_t format, std::string_view base, std::span<const InputGrid> stillToRead)
+void requireNoInput(grid::Format format, std::string_view base, std::span<const InputGrid> stillToRead)
 {
     for (const std::string& file : grid::gridOutputFiles(format, base)) {
         const std::optional<FileIdentity> output = identityOfOutput(file);

@@ -1,10 +1,10 @@
 // The input grids that a run has not read yet, so that no output takes the place of one.
 #pragma once
 
+#include "grid/grid.h"
 #include "host/file_identity.h"
 #include "run/inputs.h"
 
-#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,6 +21,6 @@ InputGrid inputGrid(const std::string& name);
 std::vector<InputGrid> inputGrids(const InputFileList& inputs);
 
 // Ends the run if a file of the output grid `base` is one of these grids. Call it before the output is opened.
-void requireNoInput(std::int32_t format, std::string_view base, std::span<const InputGrid> stillToRead);
+void requireNoInput(grid::Format format, std::string_view base, std::span<const InputGrid> stillToRead);
 
 } // namespace gridforge::run

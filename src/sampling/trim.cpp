@@ -189,7 +189,7 @@ void runTrim(const run::Common& common, const TrimOptions& options, const run::I
 
             const std::string target =
                 outputName(common, FILENAMEPATH(gridName), name, inputs.count() > 1, regions.size() > 1);
-            const std::int32_t format = run::ascUnlessSpecified(common);
+            const grid::Format format = run::ascUnlessSpecified(common);
             say("Writing output to: ", target);
             run::requireNoInput(format, target, stillToRead);
             grid::writeGrid(format, target, outputHeader, output, loaded.projectionText, common.decimals);

@@ -233,7 +233,7 @@ void runXyz(const run::Common& common, const run::InputFileList& inputs)
     say("   Done");
 
     const std::string name = outputName(common, inputs[1]);
-    const std::int32_t format = run::ascUnlessSpecified(common);
+    const grid::Format format = run::ascUnlessSpecified(common);
     say("Writing output to: ", name);
     grid::writeGrid(format, name, header, cells, "", common.decimals);
 }

@@ -26,8 +26,9 @@ void sayHeader(const grid::OpenGrid& grid)
     };
     std::string next;
     readLine(grid.unit, next);
-    say("format ", grid.format, " size ", h.nrows, "x", h.ncols, " corner ", shortest(h.xll), ' ', shortest(h.yll),
-        " cell ", shortest(h.cellsize8), " null ", shortest(static_cast<double>(h.null)), " next <", next, ">");
+    say("format ", grid.format == grid::Format::asc ? 1 : 2, " size ", h.nrows, "x", h.ncols, " corner ",
+        shortest(h.xll), ' ', shortest(h.yll), " cell ", shortest(h.cellsize8), " null ",
+        shortest(static_cast<double>(h.null)), " next <", next, ">");
 }
 
 // The console of reading the header of a.asc with this text.

@@ -25,7 +25,7 @@ TEST(LookAtGrid, SeesTheLatticeAndWhereTheCellsAre)
     folder.give("a.asc", kHead + "1 2 3\n4 5 6\n");
     const auto asc = look(folder, "a.asc");
     ASSERT_TRUE(asc);
-    EXPECT_EQ(asc->format, grid::kFormatAsc);
+    EXPECT_EQ(asc->format, grid::Format::asc);
     EXPECT_EQ(asc->header.ncols, 3);
     EXPECT_EQ(asc->header.nrows, 2);
     EXPECT_EQ(asc->header.xll, 5);
@@ -38,7 +38,7 @@ TEST(LookAtGrid, SeesTheLatticeAndWhereTheCellsAre)
     folder.give("b.flt", std::string(24, 'x'));
     const auto flt = look(folder, "b.flt");
     ASSERT_TRUE(flt);
-    EXPECT_EQ(flt->format, grid::kFormatFlt);
+    EXPECT_EQ(flt->format, grid::Format::flt);
     EXPECT_EQ(flt->cellsFrom, 0);
     EXPECT_EQ(flt->size, 24);
 }

@@ -36,7 +36,7 @@ TEST(GridsInMemory, AreReadAndWrittenThroughTheDialogue)
                            "Check file exists and press enter or enter another file name: \n"
                            "Trying to open file in\\a.asc...OK.\n"));
 
-    grid::writeGrid(grid::kFormatFlt, "in\\out", header, cells, "PROJCS[]");
+    grid::writeGrid(grid::Format::flt, "in\\out", header, cells, "PROJCS[]");
     const std::string bytes = memoryFile("in/out.flt").value();
     ASSERT_EQ(bytes.size(), sizeof want);
     EXPECT_EQ(std::memcmp(bytes.data(), want.data(), sizeof want), 0);

@@ -27,7 +27,8 @@ GridHeader headerOf(std::int32_t nrows, std::int32_t ncols)
 TEST(WriteGrid, KnowsTwoFormatsOnly)
 {
     const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] { grid::writeGrid(3, "a", headerOf(1, 1), Grid(), ""); });
+    const ChildRun run =
+        runInChild(folder, [] { grid::writeGrid(static_cast<grid::Format>(3), "a", headerOf(1, 1), Grid(), ""); });
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.console,
               "Should not be here [grid_format] - please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n");
@@ -41,7 +42,7 @@ TEST(WriteGrid, FieldsAreAsWideAsTheLargestMagnitudeNeeds)
             Grid cells;
             ASSERT_TRUE(cells.allocate(1, 2));
             cells(1, 1) = cell;
-            grid::writeGrid(grid::kFormatAsc, "a", headerOf(1, 2), cells, "");
+            grid::writeGrid(grid::Format::asc, "a", headerOf(1, 2), cells, "");
         });
         const std::string text = folder.read("a.asc");
         const std::size_t last = text.rfind('\n', text.size() - 2);
@@ -60,7 +61,7 @@ TEST(WriteGrid, NegativeDecimalsCountAsThree)
     runInChild(folder, [] {
         Grid cells;
         ASSERT_TRUE(cells.allocate(1, 1));
-        grid::writeGrid(grid::kFormatAsc, "a", headerOf(1, 1), cells, "", -1);
+        grid::writeGrid(grid::Format::asc, "a", headerOf(1, 1), cells, "", -1);
     });
     EXPECT_EQ(folder.read("a.asc"), "ncols 1\r\nnrows 1\r\nxllcorner 293000.5\r\nyllcorner -12.25\r\ncellsize 2.\r\n"
                                     "NODATA_value -9999.0\r\n  0.000\r\n");
@@ -77,7 +78,7 @@ TEST(WriteGrid, ARowLongerThanTheBufferIsOneLine)
             cells(2, column) = static_cast<float>(column % 10);
             cells(1, column) = static_cast<float>(column % 7);
         }
-        grid::writeGrid(grid::kFormatAsc, "a", headerOf(2, kColumns), cells, "");
+        grid::writeGrid(grid::Format::asc, "a", headerOf(2, kColumns), cells, "");
     });
     std::string expected;
     for (const std::int32_t divisor : {10, 7}) {
@@ -97,8 +98,8 @@ TEST(WriteGrid, TheProjectionIsOneLineBesideTheGrid)
     const ChildRun run = runInChild(folder, [] {
         Grid cells;
         ASSERT_TRUE(cells.allocate(1, 1));
-        grid::writeGrid(grid::kFormatFlt, "d\\a", headerOf(1, 1), cells, "PROJCS[\"x\"]  ");
-        grid::writeGrid(grid::kFormatFlt, "d\\old", headerOf(1, 1), cells, "   ");
+        grid::writeGrid(grid::Format::flt, "d\\a", headerOf(1, 1), cells, "PROJCS[\"x\"]  ");
+        grid::writeGrid(grid::Format::flt, "d\\old", headerOf(1, 1), cells, "   ");
     });
     EXPECT_EQ(folder.read("d/a.prj"), "PROJCS[\"x\"]\r\n");
     EXPECT_EQ(folder.read("d/old.prj"), "stays");

@@ -38,7 +38,7 @@ TEST(LoadGrid, SaysNothingOfItsOwn)
     const run::LoadedGrid loaded = run::loadGrid("a.asc", {}, cells);
     EXPECT_EQ(MemoryRun::console(), opened("a.asc") + kCellsRead);
     EXPECT_EQ(loaded.header.null, -1.0F);
-    EXPECT_EQ(loaded.format, grid::kFormatAsc);
+    EXPECT_EQ(loaded.format, grid::Format::asc);
     EXPECT_EQ(cells(1, 2), 6.0F);
 }
 

@@ -57,23 +57,24 @@ TEST(OutputNameRule, SaysNothingOfANameOfItsOwn)
 }
 
 struct FormatCase {
-    std::optional<std::int32_t> wanted;
-    std::int32_t first;
-    std::int32_t expected;
+    std::optional<grid::Format> wanted;
+    grid::Format first;
+    grid::Format expected;
     std::string line;
 };
 
 TEST(OutputFormatRule, AsSpecifiedOrAsTheFirstGrid)
 {
     const std::string byInputs = "Setting output format based on input grids.  To set use -asc or -flt.\n";
-    const std::vector<FormatCase> cases = {{1, 2, 1, "Using output format .asc as specified.\n"},
-                                           {2, 1, 2, "Using output format .flt as specified.\n"},
-                                           {std::nullopt, 1, 1, byInputs},
-                                           {std::nullopt, 2, 2, byInputs}};
+    const std::vector<FormatCase> cases = {
+        {grid::Format::asc, grid::Format::flt, grid::Format::asc, "Using output format .asc as specified.\n"},
+        {grid::Format::flt, grid::Format::asc, grid::Format::flt, "Using output format .flt as specified.\n"},
+        {std::nullopt, grid::Format::asc, grid::Format::asc, byInputs},
+        {std::nullopt, grid::Format::flt, grid::Format::flt, byInputs}};
     for (const FormatCase& c : cases) {
         run::Common common;
         common.format = c.wanted;
-        std::int32_t format = 0;
+        grid::Format format{};
         EXPECT_EQ(consoleOf([&] { format = run::outputFormatRule(common, c.first); }), c.line);
         EXPECT_EQ(format, c.expected);
     }
