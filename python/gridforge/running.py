@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import os
 import platform
+import secrets
 import time
 from dataclasses import dataclass, field, replace
 from pathlib import Path
@@ -132,7 +133,7 @@ def _add_projections(made: dict[str, Path], look: Look, inputs: Iterable[str]) -
 
 def _copy_new(source: Path, target: Path) -> None:
     """A whole copy at once, unless somebody else has put a file there in the meantime."""
-    near = target.with_name(f".{target.name[:100]}.{os.getpid()}.part")
+    near = target.with_name(f".{target.name[:100]}.{secrets.token_hex(6)}.part")
     near.write_bytes(source.read_bytes())
     try:
         move_file(near, target, overwrite=False)
@@ -262,7 +263,8 @@ def _run_in_stage(p: Plan, stage: Stage, console: Console, record: Record) -> No
         raise _Bad("failed", FAILED, str(changed)) from changed
     made = _in_order_made(stage.made(), console)
     _add_projections(made, Look(p.folder), _input_files(console, Look(p.folder)))
-    _note_outputs(p, record, made)
+    elsewhere = {name: path for name, path in _written(console, stage.folder).items() if os.path.isabs(name)}
+    _note_outputs(p, record, {**made, **elsewhere})
     try:
         _publish(p, stage, made)
     except _Bad:

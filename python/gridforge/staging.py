@@ -37,12 +37,6 @@ class _State:
         return _State(status.st_dev, status.st_ino, status.st_size, status.st_mtime_ns)
 
 
-def _depth_above(name: str) -> int:
-    """How many folders above the current one a name begins."""
-    parts = os.path.normpath(name).split(os.sep)
-    return sum(1 for part in parts if part == "..")
-
-
 def _nearest_folder(path: Path) -> Path:
     while not path.is_dir():
         path = path.parent
@@ -70,9 +64,9 @@ def simple_name(name: str, folder: Path) -> str:
 
 @dataclass
 class Stage:
-    """The scratch folder holds a tree that stands for the real one from `root` on down; the tool runs in `folder` of it."""
+    """The scratch folder holds a tree that stands for that of all files, as names may go up by any number of folders. The tool runs
+    in `folder` of it."""
     real: Path  # the current folder
-    root: Path
     scratch: Path
     _linked: dict[Path, tuple[Path, _State]] = field(default_factory=dict)  # by places in the scratch folder
     _copied: dict[Path, _State] = field(default_factory=dict)
@@ -82,10 +76,10 @@ class Stage:
         return self._place(self.real)
 
     def _place(self, real: Path) -> Path:
-        return self.scratch / real.relative_to(self.root)
+        return self.scratch / real.relative_to(real.anchor)
 
     def _real(self, place: Path) -> Path:
-        return self.root / place.relative_to(self.scratch)
+        return Path(self.real.anchor) / place.relative_to(self.scratch)
 
     def _named(self, name: str) -> Path:
         """The place in the scratch folder that a name, seen from the current folder, stands for."""
@@ -178,12 +172,8 @@ def _add_all(stage: Stage, scanned: list[Argument], operation: Optional[Operatio
 
 def set_stage(folder: Path, scanned: list[Argument], operation: Optional[Operation], named: Iterable[str]) -> Stage:
     """For a run with these arguments, and inputs that only control files name. All names are simple ones."""
-    named = list(named)
-    names = [argument.text for argument in scanned if argument.role != "flag"] + named
-    up = max((_depth_above(name) for name in names), default=0)
-    root = folder.parents[up - 1] if up > 0 else folder
     scratch = Path(tempfile.mkdtemp(prefix=PREFIX, dir=_target_folder(folder, scanned)))
-    stage = Stage(folder, root, scratch)
+    stage = Stage(folder, scratch)
     try:
         stage.folder.mkdir(parents=True, exist_ok=True)
         _add_all(stage, scanned, operation, named)
