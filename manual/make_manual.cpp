@@ -133,7 +133,7 @@ So scripts close standard input:
 .PP
 .RS
 .EX
-gridforge \-b \-conv depth.flt < /dev/null > depth.log
+gridforge \-b \-conv depth_1pct_6h.asc < /dev/null > depth.log
 tail \-n 1 depth.log | grep \-qxF Finished. || echo failed, see depth.log
 .EE
 .RE
@@ -153,19 +153,19 @@ The folder for that file; without it the folder of the output or the temporary o
 .B GRIDFORGE_PIECE
 Cells of a piece, for tests.
 .SH EXAMPLES
-The highest depth of each cell over many runs, and the run that it came from:
+Of the sample valley: the highest level of each cell over the storms of one chance, and the storm that it came from:
 .PP
 .RS
 .EX
-gridforge \-b \-max results/depth_*.flt \-out depth_max.flt
+gridforge \-b \-max level_1pct_*_coarse.asc \-out level_1pct.asc
 .EE
 .RE
 .PP
-The change of levels by a project, where both runs are wet:
+The difference between two floods, where both are wet:
 .PP
 .RS
 .EX
-gridforge \-b \-dif after_h.asc before_h.asc \-out change.asc
+gridforge \-b \-dif level_1pct_6h.asc level_5pct_6h.asc \-out change.asc
 .EE
 .RE
 .PP
@@ -173,7 +173,7 @@ A coarse water level on a finer terrain:
 .PP
 .RS
 .EX
-gridforge \-b \-remap \-wl level.asc \-dem terrain.asc
+gridforge \-b \-remap \-wl level_1pct.asc \-dem ground.asc
 .EE
 .RE
 .SH SEE ALSO

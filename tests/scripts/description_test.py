@@ -121,7 +121,7 @@ class DescriptionTest(unittest.TestCase):
         for name, operation in OPERATIONS.items():
             with open(os.path.join(ROOT, operation["page"])) as file:
                 page = file.read()
-            usage = re.search(r"## Usage\n+```\n(.*?)```", page, re.S).group(1)
+            usage = re.search(r"## Usage\n+```usage\n(.*?)```", page, re.S).group(1)
             told = set(re.findall(r"-[A-Za-z_]+", usage))
             taken = {flag["flag"] for part in ("flags", "options") for flag in operation[part]}
             self.assertEqual(told, taken | {flag["flag"] for flag in TOOL["commonOptions"]}, name)
