@@ -12,48 +12,55 @@ namespace {
 
 constexpr auto kNone = std::string_view::npos;
 
-// Comma field `column` from 1, quotes not honoured; nothing when there are fewer.
-std::optional<std::string_view> commaField(std::string_view text, std::int32_t column)
-{
-    if (column < 1) {
-        return std::nullopt;
-    }
-    for (std::int32_t passed = 1; passed < column; ++passed) {
-        const std::size_t comma = text.find(',');
-        if (comma == kNone) {
+enum class Quotes { holdCommas, areText };
+
+// The fields of a line between its commas, one after another.
+class CommaFields {
+public:
+    CommaFields(std::string_view line, Quotes quotes) : rest_(line), quotes_(quotes) {}
+
+    // Nothing after the last one. A line has one field at least.
+    std::optional<std::string_view> next()
+    {
+        if (ended_) {
             return std::nullopt;
         }
-        text.remove_prefix(comma + 1);
+        const std::size_t comma = quotes_ == Quotes::areText ? rest_.find(',') : commaOutsideQuotes(rest_);
+        const std::string_view field = rest_.substr(0, comma);
+        ended_ = comma == kNone;
+        rest_.remove_prefix(ended_ ? rest_.size() : comma + 1);
+        return field;
     }
-    return text.substr(0, text.find(','));
-}
 
-// The text up to the next comma outside quotes.
-std::string_view upToComma(std::string_view text)
+private:
+    static std::size_t commaOutsideQuotes(std::string_view text)
+    {
+        const std::int32_t comma = NEXTCOMMA(text);
+        return comma == 0 ? kNone : static_cast<std::size_t>(comma - 1);
+    }
+
+    std::string_view rest_;
+    Quotes quotes_;
+    bool ended_ = false;
+};
+
+// Comma field `column` from 1; nothing where there are fewer.
+std::optional<std::string_view> commaField(std::string_view line, std::int32_t column, Quotes quotes)
 {
-    const auto comma = static_cast<std::size_t>(NEXTCOMMA(text));
-    return comma == 0 ? text : text.substr(0, comma - 1);
+    CommaFields fields(line, quotes);
+    std::optional<std::string_view> field;
+    for (std::int32_t passed = 0; passed < column; ++passed) {
+        field = fields.next();
+        if (!field) {
+            break;
+        }
+    }
+    return field;
 }
 
 std::string bareValue(std::string_view value)
 {
     return std::string(trim(REMOVEQUOTES(value)));
-}
-
-// Comma field `column` outside quotes; blank when there are fewer.
-std::string columnValue(std::string_view line, std::int32_t column)
-{
-    if (column <= 0) {
-        return {};
-    }
-    for (std::int32_t passed = 1; passed < column; ++passed) {
-        const auto comma = static_cast<std::size_t>(NEXTCOMMA(line));
-        if (comma == 0) {
-            return {};
-        }
-        line.remove_prefix(comma);
-    }
-    return bareValue(upToComma(line));
 }
 
 // The rest of the line after the key; nothing without the key. The key is searched with all blanks of its work
@@ -104,13 +111,13 @@ bool CHECKLINE(std::string_view line, std::string_view key, std::string_view sep
 
 std::int32_t CSVCOLUMN(std::string_view text, std::string_view name, std::int32_t fallback)
 {
+    CommaFields fields(text, Quotes::areText);
     std::int32_t column = 1;
-    for (std::size_t comma = 0; comma != kNone; ++column) {
-        comma = text.find(',');
-        if (ASAME(text.substr(0, comma), name)) {
+    while (const std::optional<std::string_view> field = fields.next()) {
+        if (ASAME(*field, name)) {
             return column;
         }
-        text.remove_prefix(comma == kNone ? text.size() : comma + 1);
+        ++column;
     }
     return fallback;
 }
@@ -118,7 +125,7 @@ std::int32_t CSVCOLUMN(std::string_view text, std::string_view name, std::int32_
 bool CSVVALUE(std::string_view text, std::int32_t column, float& value)
 {
     value = 0;
-    const std::optional<std::string_view> field = commaField(text, column);
+    const std::optional<std::string_view> field = commaField(text, column, Quotes::areText);
     return field && parseNumber(trim(*field), value);
 }
 
@@ -127,14 +134,14 @@ std::optional<std::string> keyOrColumnValue(std::string_view line, std::string_v
 {
     const std::optional<std::string_view> rest = afterKey(line, lowerLine, key);
     if (!rest) {
-        return columnValue(line, column);
+        return bareValue(commaField(line, column, Quotes::holdCommas).value_or(""));
     }
     const std::size_t sign = rest->find('=');
     if (sign == kNone) {
         return std::nullopt;
     }
     const std::string_view value = rest->substr(sign + 1);
-    return bareValue(end == ValueEnd::atComma ? upToComma(value) : value);
+    return bareValue(end == ValueEnd::atComma ? CommaFields(value, Quotes::holdCommas).next().value_or("") : value);
 }
 
 } // namespace gridforge::inline core

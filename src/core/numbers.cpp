@@ -265,8 +265,7 @@ namespace {
 template <typename Number>
 bool readOne(std::string_view text, Number& target)
 {
-    const FreeValue read = FreeForm(text).next(target);
-    return read == FreeValue::value || read == FreeValue::empty;
+    return FreeForm(text).take(target);
 }
 
 } // namespace

@@ -38,7 +38,18 @@ public:
     // Text may stand in '...' or "..." (a doubled quote is one); it is cut at `width`.
     FreeValue nextText(std::string& target, std::size_t width);
 
+    // The next value as a field that a line has to have: false if it is missing or cannot be read. An empty one leaves its
+    // target.
+    template <typename Number>
+    bool take(Number& target)
+    {
+        return isField(next(target));
+    }
+    bool take(std::string& target, std::size_t width) { return isField(nextText(target, width)); }
+
 private:
+    static bool isField(FreeValue got) { return got == FreeValue::value || got == FreeValue::empty; }
+
     enum class Token { found, empty, end };
     Token nextToken(std::string_view& token);
     void passSeparator();

@@ -20,15 +20,10 @@ bool isRegionObject(const LayerObject& object)
     return object.kind == Kind::region;
 }
 
-void failRecord(std::string_view record)
+void RecordValues::require(bool taken) const
 {
-    fail("ERROR - Extracting attribute data for GIS object.  Data: ", record);
-}
-
-void RecordValues::require(FreeValue got) const
-{
-    if (got == FreeValue::failure || got == FreeValue::end) {
-        failRecord(record_);
+    if (!taken) {
+        fail("ERROR - Extracting attribute data for GIS object.  Data: ", record_);
     }
 }
 

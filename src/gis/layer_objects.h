@@ -16,26 +16,23 @@ bool isLineObject(const LayerObject& object);
 // True for a region; one of several rings ends the run.
 bool isRegionObject(const LayerObject& object);
 
-// Ends the run over a record that cannot be read.
-[[noreturn]] void failRecord(std::string_view record);
-
 // The values of a record. A comma at its end holds an empty value: a .dbf with a blank last number gives such lines.
 inline FreeForm recordForm(std::string_view record)
 {
     return FreeForm(record, LastComma::holdsEmpty);
 }
 
-// Takes the values of a record one after another. An empty one leaves its target; one that is not there or cannot be
-// read ends the run. The record must stay.
+// Takes the values of a record one after another. An empty one leaves its target; one that is missing or cannot be read
+// ends the run. The record must stay.
 class RecordValues {
 public:
     explicit RecordValues(std::string_view record) : record_(record), values_(recordForm(record)) {}
 
-    void take(float& target) { require(values_.next(target)); }
-    void take(std::string& target, std::size_t width) { require(values_.nextText(target, width)); }
+    void take(float& target) { require(values_.take(target)); }
+    void take(std::string& target, std::size_t width) { require(values_.take(target, width)); }
 
 private:
-    void require(FreeValue got) const;
+    void require(bool taken) const;
 
     std::string_view record_;
     FreeForm values_;

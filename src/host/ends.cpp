@@ -79,6 +79,12 @@ void endFinished(bool batch)
     endProcess();
 }
 
+void failLine(std::string_view message, std::string_view line)
+{
+    say(message);
+    fail(line);
+}
+
 void shouldNotBeHere(std::string_view place)
 {
     fail("Should not be here [", place, "] - please contact ", kSupportContact, ".");

@@ -40,6 +40,9 @@ template <typename... Parts>
     pauseExit();
 }
 
+// A message about a line, the line after it, and EXITS.
+[[noreturn]] void failLine(std::string_view message, std::string_view line);
+
 // "Should not be here [place] - please contact ...", for states that must not occur, and EXITS.
 [[noreturn]] void shouldNotBeHere(std::string_view place);
 // An allocation that cannot be had, and EXITS.

@@ -26,8 +26,7 @@ float valueOf(const std::string& dataLine)
 {
     float value = 0;
     if (!readFree(dataLine, value)) {
-        say("ERROR - Reading following line in 1d_FLC file:");
-        fail(dataLine);
+        failLine("ERROR - Reading following line in 1d_FLC file:", dataLine);
     }
     return value;
 }

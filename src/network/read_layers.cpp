@@ -26,34 +26,6 @@ constexpr std::size_t kMethodWidth = 20;
 
 // --- Attribute lines -------------------------------------------------------------------------------------------------
 
-// The values of a line in their order. An empty one leaves its target; the first that cannot be read spoils the rest.
-class AttributeLine {
-public:
-    explicit AttributeLine(std::string_view line) : values_(gis::recordForm(line)) {}
-
-    AttributeLine& text(std::string& target, std::size_t width)
-    {
-        target.clear();
-        return note(good_ ? values_.nextText(target, width) : FreeValue::end);
-    }
-    AttributeLine& real(float& target)
-    {
-        target = 0;
-        return note(good_ ? values_.next(target) : FreeValue::end);
-    }
-    bool isGood() const { return good_; }
-
-private:
-    AttributeLine& note(FreeValue got)
-    {
-        good_ = good_ && (got == FreeValue::value || got == FreeValue::empty);
-        return *this;
-    }
-
-    FreeForm values_;
-    bool good_ = true;
-};
-
 struct BranchAttributes {
     std::string name;
     float roughness = 0;
@@ -65,13 +37,13 @@ struct BranchAttributes {
 BranchAttributes parseBranch(const std::string& dataLine, bool withType)
 {
     BranchAttributes read;
-    AttributeLine line(dataLine);
-    line.text(read.name, kLineWidth).real(read.roughness).text(read.flag, 1).real(read.formLoss);
+    gis::RecordValues values(dataLine);
+    values.take(read.name, kLineWidth);
+    values.take(read.roughness);
+    values.take(read.flag, 1);
+    values.take(read.formLoss);
     if (withType) {
-        line.text(read.type, kTypeWidth);
-    }
-    if (!line.isGood()) {
-        gis::failRecord(dataLine);
+        values.take(read.type, kTypeWidth);
     }
     if (trim(read.type).empty()) {
         read.type = "S";
@@ -88,28 +60,27 @@ bool parseCutLine(const std::string& dataLine, NbcSection& section)
 {
     std::string split;
     std::string extract;
-    AttributeLine line(dataLine);
-    line.text(section.source, kSourceWidth).real(section.distance);
-    line.text(split, kFlagTextWidth).text(extract, kFlagTextWidth);
-    line.text(section.extractionMethod, kMethodWidth).text(section.bufferMethod, kMethodWidth);
-    line.real(section.bufferDistance);
+    FreeForm values = gis::recordForm(dataLine);
+    const bool good = values.take(section.source, kSourceWidth) && values.take(section.distance) &&
+                      values.take(split, kFlagTextWidth) && values.take(extract, kFlagTextWidth) &&
+                      values.take(section.extractionMethod, kMethodWidth) &&
+                      values.take(section.bufferMethod, kMethodWidth) && values.take(section.bufferDistance);
     // Only the single letters count: "False" stays true. Deliberate, layers of old hold such words.
     section.split = !isOneOf(split, "N", "F");
     section.extract = !isOneOf(extract, "N", "F");
-    return line.isGood();
+    return good;
 }
 
 // The skew after these values is not read.
 bool parseTabLine(const std::string& dataLine, NbcSection& section)
 {
-    AttributeLine line(dataLine);
-    line.text(section.source, kSourceWidth).text(section.type, kSectionTypeWidth);
-    line.text(section.flags, kSectionFlagsWidth);
+    FreeForm values = gis::recordForm(dataLine);
+    bool good = values.take(section.source, kSourceWidth) && values.take(section.type, kSectionTypeWidth) &&
+                values.take(section.flags, kSectionFlagsWidth);
     for (std::string& column : section.column) {
-        line.text(column, kColumnWidth);
+        good = good && values.take(column, kColumnWidth);
     }
-    line.real(section.distance).real(section.zMaximum);
-    return line.isGood();
+    return good && values.take(section.distance) && values.take(section.zMaximum);
 }
 
 // --- Vertices --------------------------------------------------------------------------------------------------------
@@ -267,8 +238,7 @@ void nbc_read_sections(const std::string& layerName, NbcSections& sections)
         }
         NbcSection& section = sections.all.emplace_back();
         if (!(isTab ? parseTabLine(object->record, section) : parseCutLine(object->record, section))) {
-            say("ERROR - Reading following line in 1d_xs file:");
-            fail(object->record);
+            failLine("ERROR - Reading following line in 1d_xs file:", object->record);
         }
         requirePolyline(read);
         copyVertices(read, section.x, section.y);

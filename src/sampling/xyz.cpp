@@ -74,11 +74,7 @@ namespace {
 
 // --- The points ------------------------------------------------------------------------------------------------------
 
-[[noreturn]] void failLine(std::string_view line)
-{
-    say("ERROR - Reading following line in classes file:");
-    fail(line);
-}
+constexpr std::string_view kUnreadable = "ERROR - Reading following line in classes file:";
 
 std::size_t countLines(Unit unit)
 {
@@ -90,7 +86,7 @@ std::size_t countLines(Unit unit)
         takeBytes(unit, bytes.size());
     }
     if (readFailed(unit)) {
-        failLine("");
+        failLine(kUnreadable, "");
     }
     return lines + (cutShort ? 1 : 0);
 }
@@ -117,7 +113,7 @@ void readPoints(Unit unit, PointList& points)
         const std::size_t groupEnd = std::min(i + kPointGroup, x.size());
         for (; i < groupEnd; ++i) {
             if (!readLine(unit, line) || !parsePoint(line, x[i], y[i], z[i])) {
-                failLine(line);
+                failLine(kUnreadable, line);
             }
         }
     }

@@ -10,21 +10,10 @@
 
 namespace gridforge::sampling {
 
-namespace {
-
-template <typename Real>
-bool takeValue(FreeForm& values, Real& target)
-{
-    const FreeValue got = values.next(target);
-    return got == FreeValue::value || got == FreeValue::empty;
-}
-
-} // namespace
-
 bool parsePoint(std::string_view line, double& x, double& y, float& z)
 {
     FreeForm values(line);
-    return takeValue(values, x) && takeValue(values, y) && takeValue(values, z);
+    return values.take(x) && values.take(y) && values.take(z);
 }
 
 std::size_t countLineEnds(std::string_view text)

@@ -104,6 +104,24 @@ TEST(FreeFormValues, EndStaysTheEnd)
     EXPECT_EQ(values.next(value), FreeValue::end);
 }
 
+TEST(FreeFormValues, AreTakenAsFieldsThatALineHasToHave)
+{
+    FreeForm values("7,,'a b' x");
+    std::int32_t count = 1;
+    EXPECT_TRUE(values.take(count));
+    EXPECT_EQ(count, 7);
+    EXPECT_TRUE(values.take(count)) << "an empty field is there";
+    EXPECT_EQ(count, 7);
+    std::string name;
+    EXPECT_TRUE(values.take(name, 2));
+    EXPECT_EQ(name, "a");
+    EXPECT_FALSE(values.take(count)) << "no number";
+    EXPECT_FALSE(values.take(count)) << "missing";
+    EXPECT_FALSE(values.take(name, 2));
+    EXPECT_EQ(count, 7);
+    EXPECT_EQ(name, "a");
+}
+
 TEST(FreeFormValues, MayBeOfEveryKindInOneText)
 {
     FreeForm values("7 5000000000 0.1 0.1 'a b',x");
