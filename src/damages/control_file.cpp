@@ -5,13 +5,13 @@
 #include "damages/curves.h"
 #include "gis/projection.h"
 #include "host/console.h"
-#include "host/control_lines.h"
+#include "host/control_commands.h"
 #include "host/ends.h"
 #include "host/units.h"
 
-#include <algorithm>
 #include <array>
 #include <string_view>
+#include <utility>
 
 namespace gridforge::damages {
 
@@ -20,56 +20,35 @@ namespace {
 constexpr std::int32_t kMaxBuildingFiles = 2000;
 constexpr float kPercent = 100.0F;
 
-// The next line with a command, its value left-trimmed; false at the end of the file.
-bool nextControlLine(Unit unit, ControlLine& line)
-{
-    while (!atEnd(unit)) {
-        if (READLINE(unit, line.text) && CHECKLINE(line.text, "*", "==", 0, line.value, line.command)) {
-            line.value = TRIMF(line.value);
-            return true;
-        }
-    }
-    return false;
-}
-
-// What stands in the command from a column on, counted from 1. The column is fixed, so words before the command put
-// the values off, on purpose: files are read as they always were.
-std::string_view fromColumn(const std::string& command, std::size_t column)
-{
-    return std::string_view(command).substr(std::min(column - 1, command.size()));
-}
-
 // --- The first pass --------------------------------------------------------------------------------------------------
 
-struct LimitCommand {
-    std::string_view key;
-    std::int32_t DmgLimits::*limit;
-};
-
-// In the order in which they are tried.
-constexpr std::array<LimitCommand, 6> kLimitCommands = {{
-    {"Maximum Building", &DmgLimits::buildings},
-    {"Maximum Vertice", &DmgLimits::vertices},
-    {"Maximum Vertex", &DmgLimits::vertices},
-    {"Maximum Damage Curve", &DmgLimits::curves},
-    {"Maximum Point in Curve", &DmgLimits::curvePoints},
-    {"Maximum Results", &DmgLimits::results},
-}};
-
+template <std::int32_t DmgLimits::*limit>
 void takeLimit(const ControlLine& line, DmgLimits& limits)
 {
-    const auto* const found = std::ranges::find_if(
-        kLimitCommands, [&line](const LimitCommand& command) { return FLAGEXISTS(line.command, command.key); });
-    if (found != kLimitCommands.end() && !readFree(line.value, limits.*found->limit)) {
-        say("ERROR - Extracting maximum arrays size as parameter on following line in damages file:");
-        fail(line.text);
-    }
+    readValue(line,
+              "ERROR - Extracting maximum arrays size as parameter on following line in damages file:", limits.*limit);
 }
+
+// In the order in which they are tried.
+constexpr auto kLimitCommands = std::to_array<ControlCommand<DmgLimits>>({
+    {"Maximum Building", takeLimit<&DmgLimits::buildings>},
+    {"Maximum Vertice", takeLimit<&DmgLimits::vertices>},
+    {"Maximum Vertex", takeLimit<&DmgLimits::vertices>},
+    {"Maximum Damage Curve", takeLimit<&DmgLimits::curves>},
+    {"Maximum Point in Curve", takeLimit<&DmgLimits::curvePoints>},
+    {"Maximum Results", takeLimit<&DmgLimits::results>},
+});
 
 // --- The second pass -------------------------------------------------------------------------------------------------
 
-void addBuildingFile(const ControlLine& line, DmgControl& control)
+struct SecondPass {
+    const DmgLimits& limits;
+    DmgControl control;
+};
+
+void addBuildingFile(const ControlLine& line, SecondPass& pass)
 {
+    DmgControl& control = pass.control;
     const std::size_t count = control.buildingFiles.size() + 1;
     say("Debug - nGISF: ", count);
     say("Debug - k: ", count);
@@ -84,8 +63,9 @@ void addBuildingFile(const ControlLine& line, DmgControl& control)
     }
 }
 
-void addCurve(const ControlLine& line, const DmgLimits& limits, DmgControl& control)
+void addCurve(const ControlLine& line, SecondPass& pass)
 {
+    auto& [limits, control] = pass;
     constexpr std::size_t kNameColumn = 12; // after "Read Curve" and a blank
     const auto count = static_cast<std::int64_t>(control.curves.size()) + 1;
     say("Debug - dmg_curve_%ncurve: ", count);
@@ -96,7 +76,7 @@ void addCurve(const ControlLine& line, const DmgLimits& limits, DmgControl& cont
         fail("   This can be specified with Maximum Curve == ", limits.curves, " in the .dmg file.");
     }
     DmgCurve curve;
-    curve.name = cut(fromColumn(line.command, kNameColumn), kCurveNameWidth);
+    curve.name = cut(fromColumn(line, kNameColumn), kCurveNameWidth);
     say("Found new damages curve: ", trimLeft(curve.name));
     dmg_read_curve(line.value, limits.curvePoints, curve);
     control.curves.push_back(std::move(curve));
@@ -109,15 +89,16 @@ float probability(const ControlLine& line)
     constexpr std::size_t kFractionColumn = 12;
     const bool inPercent = line.command.find('%') != std::string::npos;
     float value = 0;
-    if (!readFree(fromColumn(line.command, inPercent ? kPercentColumn : kFractionColumn), value)) {
-        say("ERROR - Reading following line in classes file:"); // shared with the table of classes
-        fail(line.text);
+    if (!readFree(fromColumn(line, inPercent ? kPercentColumn : kFractionColumn), value)) {
+        // The words are those of the table of classes; they stay as they are.
+        failLine("ERROR - Reading following line in classes file:", line.text);
     }
     return inPercent ? value : value * kPercent;
 }
 
-void addResult(const ControlLine& line, const DmgLimits& limits, DmgControl& control)
+void addResult(const ControlLine& line, SecondPass& pass)
 {
+    auto& [limits, control] = pass;
     if (static_cast<std::int64_t>(control.results.size()) >= limits.results) {
         say("ERROR - Number of damages results files exceeds maximum: ", limits.results);
         fail("   This can be specified with Maximum Results == ", limits.results, " in the .dmg file.");
@@ -125,8 +106,9 @@ void addResult(const ControlLine& line, const DmgLimits& limits, DmgControl& con
     control.results.push_back({line.value, probability(line)});
 }
 
-void setMethod(const ControlLine& line, DmgControl& control)
+void setMethod(const ControlLine& line, SecondPass& pass)
 {
+    DmgControl& control = pass.control;
     if (ASAME(line.value, "Max")) {
         control.method = kInspectMax;
     } else if (ASAME(line.value, "Avg")) {
@@ -136,20 +118,14 @@ void setMethod(const ControlLine& line, DmgControl& control)
     }
 }
 
-// The order decides which action a line gets that holds the words of two.
-void takeCommand(const ControlLine& line, const DmgLimits& limits, DmgControl& control)
-{
-    const auto holds = [&line](std::string_view words) { return FLAGEXISTS(line.command, words); };
-    if (holds("Read GIS Building") || holds("Read MI Building")) {
-        addBuildingFile(line, control);
-    } else if (holds("Read Curve")) {
-        addCurve(line, limits, control);
-    } else if (holds("Read Result")) {
-        addResult(line, limits, control);
-    } else if (holds("Region Inspection Method")) {
-        setMethod(line, control);
-    }
-}
+// The order decides which action a line gets that holds the words of two. Unknown commands are ignored.
+constexpr auto kCommands = std::to_array<ControlCommand<SecondPass>>({
+    {"Read GIS Building", addBuildingFile},
+    {"Read MI Building", addBuildingFile},
+    {"Read Curve", addCurve},
+    {"Read Result", addResult},
+    {"Region Inspection Method", setMethod},
+});
 
 } // namespace
 
@@ -158,10 +134,7 @@ void dmg_scan_limits(const std::string& controlFile, DmgLimits& limits)
     say("Scanning damages file to determine if maximum array sizes are defined...");
     Unit unit = 0;
     OPENER(unit, "I ", controlFile);
-    ControlLine line;
-    while (nextControlLine(unit, line)) {
-        takeLimit(line, limits);
-    }
+    runCommands(unit, {}, kLimitCommands, limits);
     CLOSER(unit);
     say("   Done.");
     say("Maximum number of buildings: ", limits.buildings);
@@ -176,14 +149,11 @@ DmgControl readDamagesFile(const std::string& controlFile, const DmgLimits& limi
     say("Opening damages .dmg file: ", controlFile);
     Unit unit = 0;
     OPENER(unit, "I ", controlFile);
-    DmgControl control;
-    ControlLine line;
-    while (nextControlLine(unit, line)) {
-        takeCommand(line, limits, control);
-    }
+    SecondPass pass{limits, {}};
+    runCommands(unit, {}, kCommands, pass);
     CLOSER(unit);
     say("Finished Read Damages File.");
-    return control;
+    return std::move(pass.control);
 }
 
 } // namespace gridforge::damages

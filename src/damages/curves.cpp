@@ -3,6 +3,7 @@
 #include "core/numbers.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "host/table_rows.h"
 #include "host/units.h"
 
 #include <algorithm>
@@ -16,29 +17,17 @@ namespace {
 
 constexpr std::size_t kFewestPoints = 2;
 
-// An empty value between commas leaves its 0.
-bool take(FreeForm& values, float& target)
-{
-    const FreeValue got = values.next(target);
-    return got == FreeValue::value || got == FreeValue::empty;
-}
-
-[[noreturn]] void failLine(const std::string& line)
-{
-    say("ERROR - Reading following line in damages curve file:");
-    fail(line);
-}
-
-void readPoint(const std::string& line, DmgCurve& curve)
+bool readPoint(const std::string& line, DmgCurve& curve)
 {
     float depth = 0;
     float damage = 0;
     FreeForm values(line);
-    if (!take(values, depth) || !take(values, damage)) {
-        failLine(line);
+    if (!values.take(depth) || !values.take(damage)) {
+        return false;
     }
     curve.depth.push_back(depth);
     curve.damage.push_back(damage);
+    return true;
 }
 
 // Not-a-number rises above nothing, and nothing above it.
@@ -54,19 +43,13 @@ void dmg_read_curve(const std::string& fileName, std::int32_t maxPoints, DmgCurv
     say("Getting damages Curve...");
     Unit unit = 0;
     OPENER(unit, "I ", fileName);
-    std::string line;
-    readLine(unit, line); // the heading
-    std::int32_t count = 0;
-    while (!atEnd(unit)) {
-        if (!readLine(unit, line)) {
-            failLine(line);
-        }
-        if (count >= maxPoints) {
-            fail("ERROR - Number of bins exceeds maximum.");
-        }
-        ++count;
-        readPoint(line, curve);
-    }
+    const TableForm form{.unreadable = "ERROR - Reading following line in damages curve file:",
+                         .mostRows = maxPoints,
+                         .tooMany = "ERROR - Number of bins exceeds maximum.",
+                         .unreadHeading = UnreadHeading::isPassed};
+    readHeading(unit, form);
+    const std::int64_t count =
+        readRows(unit, form, [&curve](const std::string& line) { return readPoint(line, curve); });
     CLOSER(unit);
     say("Number of points in damage curve found: ", count);
     if (curve.depth.size() < kFewestPoints) {

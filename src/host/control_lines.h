@@ -14,13 +14,6 @@ namespace gridforge::inline host {
 // file end the run: callers test atEnd first.
 bool READLINE(Unit unit, std::string& text, std::size_t width = 1000);
 
-// A line of a control file and its parts.
-struct ControlLine {
-    std::string text;
-    std::string command; // as it stands before the "=="
-    std::string value;
-};
-
 // The value of `key = value` in the line, or of comma field `column` outside quotes, without quotes. The key is
 // searched in its padded work space, so with lines of 1000 characters the column decides, on purpose: the callers rely
 // on it. A key without "=" ends the run.

@@ -1,11 +1,10 @@
 #include "network/nbc.h"
 
-#include "core/numbers.h"
 #include "core/text.h"
 #include "gis/layer_name.h"
 #include "gis/projection.h"
 #include "host/console.h"
-#include "host/control_lines.h"
+#include "host/control_commands.h"
 #include "host/ends.h"
 #include "host/units.h"
 #include "network/extract.h"
@@ -51,10 +50,7 @@ struct Build {
 float readReal(const ControlLine& line)
 {
     float value = 0;
-    if (!readFree(line.value, value)) {
-        say("ERROR - Reading following line in .nbc file:");
-        fail(line.text);
-    }
+    readValue(line, "ERROR - Reading following line in .nbc file:", value);
     return value;
 }
 
@@ -142,13 +138,8 @@ void readMaterials(const ControlLine& line, Build& build)
 
 // --- The control file ------------------------------------------------------------------------------------------------
 
-struct Command {
-    std::string_view key; // stands anywhere in the command
-    void (*run)(const ControlLine& line, Build& build);
-};
-
-// In the order in which they are tried.
-constexpr std::array<Command, 19> kCommands = {{
+// In the order in which they are tried. Unknown commands are ignored without a message.
+constexpr auto kCommands = std::to_array<ControlCommand<Build>>({
     {"Read GIS Branch", readBranches},
     {"Read MI Branch", readBranches},
     {"Read GIS XS", readSections},
@@ -172,30 +163,14 @@ constexpr std::array<Command, 19> kCommands = {{
     {"FLC per Unit Length", [](const ControlLine& line, Build& build) { build.flcPerUnitLength = readReal(line); }},
     {"Write Check",
      [](const ControlLine& line, Build& build) { build.writeCheck = build.writeCheck || ASAME(line.value, "On"); }},
-}};
-
-// Unknown commands are ignored without a message.
-void runCommand(const ControlLine& line, Build& build)
-{
-    const auto* const found =
-        std::ranges::find_if(kCommands, [&](const Command& command) { return FLAGEXISTS(line.command, command.key); });
-    if (found != kCommands.end()) {
-        found->run(line, build);
-    }
-}
+});
 
 void readControlFile(const std::string& name, Build& build)
 {
     say("Opening input .nbc file: ", name);
     Unit unit = 0;
     OPENER(unit, "I ", name);
-    ControlLine line;
-    while (!atEnd(unit)) {
-        if (READLINE(unit, line.text) && CHECKLINE(line.text, "*", "==", 0, line.value, line.command)) {
-            line.value = trim(line.value);
-            runCommand(line, build);
-        }
-    }
+    runCommands(unit, {}, kCommands, build);
     CLOSER(unit);
 }
 

@@ -5,6 +5,7 @@
 #include "host/control_lines.h"
 #include "host/ends.h"
 #include "host/quiet_input.h"
+#include "host/table_rows.h"
 #include "host/units.h"
 
 namespace gridforge::ops {
@@ -14,32 +15,22 @@ namespace {
 constexpr std::size_t kNameColumns = 100;
 constexpr float kNoLimit = -9999.0F;
 
-ClassRow colouredRow(const std::string& line)
+// What cannot be read ends the run with a message of its own.
+bool colouredRow(const std::string& line, ClassRow& row)
 {
     const std::string lower = LOWERCASE(line);
-    ClassRow row;
     row.limit = EXTRACTREAL(line, lower, "Value", 1, kNoLimit);
     row.name = cut(EXTRACTSTRING(line, lower, "Name", 2), kNameColumns);
     row.red = EXTRACTINTEGER(line, lower, "Red", 3, 0);
     row.green = EXTRACTINTEGER(line, lower, "Green", 4, 0);
     row.blue = EXTRACTINTEGER(line, lower, "Blue", 5, 0);
-    return row;
+    return true;
 }
 
-bool isRead(FreeValue found)
+bool plainRow(const std::string& line, ClassRow& row)
 {
-    return found == FreeValue::value || found == FreeValue::empty;
-}
-
-ClassRow plainRow(const std::string& line)
-{
-    ClassRow row;
     FreeForm values(line);
-    if (!isRead(values.next(row.limit)) || !isRead(values.nextText(row.name, kNameColumns))) {
-        say("ERROR - Reading following line in classes file:");
-        fail(line);
-    }
-    return row;
+    return values.take(row.limit) && values.take(row.name, kNameColumns);
 }
 
 // As the routines above take it, or none where they would end the run.
@@ -48,21 +39,11 @@ std::optional<float> limitIn(const std::string& line, bool coloured)
     ClassRow row;
     if (!coloured) {
         FreeForm values(line);
-        return isRead(values.next(row.limit)) ? std::optional(row.limit) : std::nullopt;
+        return values.take(row.limit) ? std::optional(row.limit) : std::nullopt;
     }
     const std::optional<std::string> text = keyOrColumnValue(line, LOWERCASE(line), "Value", 1, ValueEnd::atComma);
     row.limit = kNoLimit;
     return text && (text->empty() || readFree(*text, row.limit)) ? std::optional(row.limit) : std::nullopt;
-}
-
-std::string nextLine(Unit unit)
-{
-    std::string line;
-    if (!atEnd(unit) && !readLine(unit, line)) {
-        say("ERROR - Reading following line in classes file:");
-        fail(line);
-    }
-    return line;
 }
 
 } // namespace
@@ -73,16 +54,16 @@ ClassTable readClassTable(std::string_view file, bool coloured, const ClassWords
     say(words.maximum, kMaxClasses);
     Unit unit = 0;
     OPENER(unit, "I ", file);
-    say("Skipping first line: ", nextLine(unit));
+    const TableForm form{.unreadable = "ERROR - Reading following line in classes file:",
+                         .mostRows = kMaxClasses,
+                         .tooMany = words.tooMany};
+    say("Skipping first line: ", readHeading(unit, form));
 
     ClassTable table;
-    while (!atEnd(unit)) {
-        const std::string line = nextLine(unit);
-        if (table.size() == static_cast<std::size_t>(kMaxClasses)) {
-            fail(words.tooMany);
-        }
-        table.push_back(coloured ? colouredRow(line) : plainRow(line));
-    }
+    readRows(unit, form, [&](const std::string& line) {
+        ClassRow& row = table.emplace_back();
+        return coloured ? colouredRow(line, row) : plainRow(line, row);
+    });
     say(words.found, table.size());
     CLOSER(unit);
     if (table.size() < 2) {

@@ -1,9 +1,13 @@
 #include "rainfall/control_file.h"
 
 #include "core/numbers.h"
+#include "core/text.h"
 #include "host/console.h"
+#include "host/control_commands.h"
 #include "host/ends.h"
+#include "host/units.h"
 
+#include <array>
 #include <string_view>
 
 namespace gridforge::rainfall {
@@ -13,144 +17,147 @@ namespace {
 constexpr float kLeastCell = 0.001F;
 constexpr float kRfNull = -999.0F;
 
+// --- The first pass --------------------------------------------------------------------------------------------------
+
+template <std::int32_t RfLimits::*limit>
+void takeLimit(const ControlLine& line, RfLimits& limits)
+{
+    readValue(line, "ERROR - Extracting maximum arrays size as parameter on following line in rainfall control file:",
+              limits.*limit);
+}
+
+constexpr auto kLimitCommands = std::to_array<ControlCommand<RfLimits>>({
+    {"Maximum RF Locations", takeLimit<&RfLimits::locations>},
+    {"Maximum Points in Hyetograph", takeLimit<&RfLimits::points>},
+});
+
+// --- The second pass -------------------------------------------------------------------------------------------------
+
+struct RfPass {
+    RfSettings settings;
+    RfHyetographs& hyetographs;
+    RfPoints& points;
+};
+
 [[noreturn]] void failNumber(const ControlLine& line)
 {
     fail("ERROR - Reading line number in rainfall control file: ", line.text);
 }
 
-template <typename Number>
-void readNumber(const ControlLine& line, Number& target)
+template <auto number>
+void readNumber(const ControlLine& line, RfPass& pass)
 {
-    if (!readFree(line.value, target)) {
+    if (!readFree(line.value, pass.settings.*number)) {
         failNumber(line);
     }
 }
 
-template <typename Number>
-void readPair(const ControlLine& line, Number& first, Number& second)
+template <auto first, auto second>
+void readPair(const ControlLine& line, RfPass& pass)
 {
-    const auto isRead = [](FreeValue found) { return found == FreeValue::value || found == FreeValue::empty; };
     FreeForm values(line.value);
-    if (!isRead(values.next(first)) || !isRead(values.next(second))) {
+    if (!values.take(pass.settings.*first) || !values.take(pass.settings.*second)) {
         failNumber(line);
     }
 }
 
-void readCell(const ControlLine& line, RfSettings& settings)
+void readCell(const ControlLine& line, RfPass& pass)
 {
-    readNumber(line, settings.cell);
-    if (settings.cell < kLeastCell) {
+    readNumber<&RfSettings::cell>(line, pass);
+    if (pass.settings.cell < kLeastCell) {
         fail("ERROR - Invalud RF GRID CELL SIZE Option: ", line.value);
     }
 }
 
-void readSize(const ControlLine& line, RfSettings& settings)
+void readSize(const ControlLine& line, RfPass& pass)
 {
     if (FLAGEXISTS(line.command, "(X,Y)")) {
-        readPair(line, settings.sizeX, settings.sizeY);
+        readPair<&RfSettings::sizeX, &RfSettings::sizeY>(line, pass);
     } else if (FLAGEXISTS(line.command, "(N,M)")) {
-        readPair(line, settings.rows, settings.columns);
+        readPair<&RfSettings::rows, &RfSettings::columns>(line, pass);
     } else {
         fail("ERROR - Unregonised RF GRID SIZE Option. Expecting \"(X,Y)\" or \"(N,M)\"");
     }
 }
 
-void readFormat(const ControlLine& line, RfSettings& settings)
+void readFormat(const ControlLine& line, RfPass& pass)
 {
+    RfFormat& format = pass.settings.format;
     if (FLAGEXISTS(line.value, "ASC")) {
-        settings.format = RfFormat::asc;
+        format = RfFormat::asc;
     } else if (FLAGEXISTS(line.value, "FLT")) {
-        settings.format = RfFormat::flt;
+        format = RfFormat::flt;
     } else if (FLAGEXISTS(line.value, "NC")) {
-        settings.format = RfFormat::nc;
+        format = RfFormat::nc;
     } else {
         fail("ERROR - Unregonised RF GRID Format Option. Expecting \"ASC\", \"FLT\" or \"NC\"");
     }
 }
 
-void readMethod(const ControlLine& line, RfSettings& settings)
+void readMethod(const ControlLine& line, RfPass& pass)
 {
+    RfMethod& method = pass.settings.method;
     if (FLAGEXISTS(line.value, "Poly")) {
-        settings.method = RfMethod::polygon;
+        method = RfMethod::polygon;
     } else if (FLAGEXISTS(line.value, "TIN")) {
-        settings.method = RfMethod::tin;
+        method = RfMethod::tin;
     } else if (FLAGEXISTS(line.value, "IDW")) {
-        settings.method = RfMethod::idw;
+        method = RfMethod::idw;
     } else {
         say("ERROR - Unregonised RF Interpolation Method Option. Expecting \"POLY\", \"TIN\" or \"IDW\"");
         fail("    Found: ", line.value);
     }
 }
 
-void readNewHyetograph(const ControlLine& line, RfHyetographs& hyetographs)
+void readNewHyetograph(const ControlLine& line, RfPass& pass)
 {
     // The name is what stands after the first words of the command, even if the key stands later in it.
-    constexpr std::size_t kNameStart = std::string_view("Rainfall Hyetograph").size();
-    addHyetograph(std::string(trimLeft(std::string_view(line.command).substr(kNameStart))), hyetographs);
-    say("New hyetogrpah :", hyetographs.records.back().name);
-    rf_read_hyetograph(line.value, hyetographs);
+    constexpr std::size_t kNameColumn = std::string_view("Rainfall Hyetograph").size() + 1;
+    addHyetograph(std::string(trimLeft(fromColumn(line, kNameColumn))), pass.hyetographs);
+    say("New hyetogrpah :", pass.hyetographs.records.back().name);
+    rf_read_hyetograph(line.value, pass.hyetographs);
 }
 
-// These are taken by the other passes.
-bool isOfOtherPass(const std::string& command)
+void readPoints(const ControlLine& line, RfPass& pass)
 {
-    return FLAGEXISTS(command, "Maximum RF Locations") || FLAGEXISTS(command, "Maximum Points in Hyetograph") ||
-           FLAGEXISTS(command, "Read GIS RF Polygon") || FLAGEXISTS(command, "Read GIS RF Triangle");
+    rf_read_points(line.value, pass.points);
 }
 
-// The first key that the command holds decides.
-void takeCommand(const ControlLine& line, RfSettings& settings, RfHyetographs& hyetographs, RfPoints& points)
-{
-    const auto is = [&line](std::string_view key) { return FLAGEXISTS(line.command, key); };
-    if (is("RF GRID Cell Size")) {
-        readCell(line, settings);
-    } else if (is("RF GRID Size")) {
-        readSize(line, settings);
-    } else if (is("RF GRID Origin")) {
-        readPair(line, settings.xOrigin, settings.yOrigin);
-    } else if (is("Read GIS RF Points")) {
-        rf_read_points(line.value, points);
-    } else if (is("RF Grid Format")) {
-        readFormat(line, settings);
-    } else if (is("Rainfall Hyetograph")) {
-        readNewHyetograph(line, hyetographs);
-    } else if (is("RF Interpolation Method")) {
-        readMethod(line, settings);
-    } else if (is("IDW Max Point")) {
-        readNumber(line, settings.idwMaxPoints);
-    } else if (is("IDW Max Distance")) {
-        readNumber(line, settings.idwMaxDistance);
-    } else if (is("IDW Exponent")) {
-        readNumber(line, settings.idwExponent);
-    } else if (!isOfOtherPass(line.command)) {
-        fail("ERROR - Unregonised Rainfall control file command: ", line.text);
-    }
-}
+void leaveToOtherPass(const ControlLine& /*line*/, RfPass& /*pass*/) {}
+
+// In the order in which they are tried.
+constexpr auto kCommands = std::to_array<ControlCommand<RfPass>>({
+    {"RF GRID Cell Size", readCell},
+    {"RF GRID Size", readSize},
+    {"RF GRID Origin", readPair<&RfSettings::xOrigin, &RfSettings::yOrigin>},
+    {"Read GIS RF Points", readPoints},
+    {"RF Grid Format", readFormat},
+    {"Rainfall Hyetograph", readNewHyetograph},
+    {"RF Interpolation Method", readMethod},
+    {"IDW Max Point", readNumber<&RfSettings::idwMaxPoints>},
+    {"IDW Max Distance", readNumber<&RfSettings::idwMaxDistance>},
+    {"IDW Exponent", readNumber<&RfSettings::idwExponent>},
+    {"Maximum RF Locations", leaveToOtherPass},
+    {"Maximum Points in Hyetograph", leaveToOtherPass},
+    {"Read GIS RF Polygon", leaveToOtherPass},
+    {"Read GIS RF Triangle", leaveToOtherPass},
+});
+
+constexpr ControlDialect kDialect{.blankCommands = true,
+                                  .unknown = "ERROR - Unregonised Rainfall control file command: "};
 
 } // namespace
 
-void rf_scan_limits(const std::string& controlFile, std::int32_t& maxLocations, std::int32_t& maxPoints)
+void rf_scan_limits(const std::string& controlFile, RfLimits& limits)
 {
     say("Scanning rainfaill control file to determine if maximum array sizes are defined...");
     Unit unit = 0;
     OPENER(unit, "I ", controlFile);
-    const auto readLimit = [](const ControlLine& line, std::int32_t& limit) {
-        if (!readFree(line.value, limit)) {
-            say("ERROR - Extracting maximum arrays size as parameter on following line in rainfall control file:");
-            fail(line.text);
-        }
-    };
-    forEachCommand(unit, [&](const ControlLine& line) {
-        if (FLAGEXISTS(line.command, "Maximum RF Locations")) {
-            readLimit(line, maxLocations);
-        } else if (FLAGEXISTS(line.command, "Maximum Points in Hyetograph")) {
-            readLimit(line, maxPoints);
-        }
-    });
+    runCommands(unit, {}, kLimitCommands, limits);
     CLOSER(unit);
     say("   Done.");
-    say("Maximum number of rainfall locations: ", maxLocations);
-    say("Maximum number of points in hyetograph: ", maxPoints);
+    say("Maximum number of rainfall locations: ", limits.locations);
+    say("Maximum number of points in hyetograph: ", limits.points);
 }
 
 RfSettings readRfCommands(const std::string& controlFile, RfHyetographs& hyetographs, RfPoints& points)
@@ -158,14 +165,14 @@ RfSettings readRfCommands(const std::string& controlFile, RfHyetographs& hyetogr
     say("Opening rainfall control file file: ", controlFile);
     Unit unit = 0;
     OPENER(unit, "I ", controlFile);
-    RfSettings settings;
-    forEachCommand(unit, [&](const ControlLine& line) { takeCommand(line, settings, hyetographs, points); });
+    RfPass pass{{}, hyetographs, points};
+    runCommands(unit, kDialect, kCommands, pass);
     say("Finished first processing rf control file.");
     CLOSER(unit);
-    if (settings.method == RfMethod::none) {
+    if (pass.settings.method == RfMethod::none) {
         fail("ERROR - Rainfall Interpolation method not specified.  Please use \"RF Interpolation Method == \"");
     }
-    return settings;
+    return pass.settings;
 }
 
 GridHeader settleRfGrid(const RfSettings& settings)

@@ -1,10 +1,7 @@
 // The rainfall control file: what it sets, and its passes that read settings, hyetographs and points.
 #pragma once
 
-#include "core/text.h"
 #include "grid/grid.h"
-#include "host/control_lines.h"
-#include "host/units.h"
 #include "rainfall/hyetographs.h"
 #include "rainfall/points.h"
 
@@ -31,23 +28,14 @@ struct RfSettings {
     float idwExponent = 2.0F;
 };
 
-// Calls `work` with each line of the open control file that has content, its value trimmed.
-template <typename Work>
-void forEachCommand(Unit unit, Work&& work)
-{
-    ControlLine line;
-    std::string right;
-    while (!atEnd(unit)) {
-        if (READLINE(unit, line.text, kLineWidth)) {
-            CHECKLINE(line.text, "*", "==", 0, right, line.command);
-            line.value = trim(right);
-            work(line);
-        }
-    }
-}
+// How many locations and how many points of a hyetograph there may be.
+struct RfLimits {
+    std::int32_t locations = 100;
+    std::int32_t points = 100;
+};
 
-// The first pass: how many locations and how many points of a hyetograph there may be. What is not set stays.
-void rf_scan_limits(const std::string& controlFile, std::int32_t& maxLocations, std::int32_t& maxPoints);
+// The first pass: the limits that the file sets; the others stay.
+void rf_scan_limits(const std::string& controlFile, RfLimits& limits);
 
 // The second pass: settings, hyetographs and points. An unknown command ends the run.
 RfSettings readRfCommands(const std::string& controlFile, RfHyetographs& hyetographs, RfPoints& points);

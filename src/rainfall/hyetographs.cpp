@@ -4,6 +4,7 @@
 #include "core/text.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "host/table_rows.h"
 #include "host/units.h"
 
 #include <algorithm>
@@ -16,36 +17,17 @@ namespace {
 
 constexpr float kTimeTolerance = 0.001F;
 
-[[noreturn]] void failLine(const std::string& line)
-{
-    say("ERROR - Reading following line in rainfall hyetograph:");
-    fail(line);
-}
-
-bool isRead(FreeValue found)
-{
-    return found == FreeValue::value || found == FreeValue::empty;
-}
-
-std::string nextLine(Unit unit)
-{
-    std::string line;
-    if (!readLine(unit, line, kLineWidth)) {
-        failLine(line);
-    }
-    return line;
-}
-
-void appendStep(const std::string& line, RfHyetograph& hyetograph)
+bool appendStep(const std::string& line, RfHyetograph& hyetograph)
 {
     float time = 0;
     float depth = 0;
     FreeForm values(line);
-    if (!isRead(values.next(time)) || !isRead(values.next(depth))) {
-        failLine(line);
+    if (!values.take(time) || !values.take(depth)) {
+        return false;
     }
     hyetograph.time.push_back(time);
     hyetograph.depth.push_back(depth);
+    return true;
 }
 
 void requireRisingTimes(const std::vector<float>& time)
@@ -97,20 +79,14 @@ void rf_read_hyetograph(const std::string& fileName, RfHyetographs& hyetographs)
     say("Getting rainfall hyetograph...");
     Unit unit = 0;
     OPENER(unit, "I ", fileName);
-    if (!atEnd(unit)) {
-        nextLine(unit); // the heading
-    }
+    const TableForm form{.unreadable = "ERROR - Reading following line in rainfall hyetograph:",
+                         .mostRows = hyetographs.maxPoints,
+                         .tooMany = "ERROR - Number of data points in hyetogprah exceeds maximum.",
+                         .tooManyAdvice = "   Please specify with \"Maximum Points in Hyetograph == \""};
+    readHeading(unit, form);
     RfHyetograph& hyetograph = hyetographs.records.back();
-    std::int32_t count = 0;
-    while (!atEnd(unit)) {
-        const std::string line = nextLine(unit);
-        if (count >= hyetographs.maxPoints) {
-            say("ERROR - Number of data points in hyetogprah exceeds maximum.");
-            fail("   Please specify with \"Maximum Points in Hyetograph == \"");
-        }
-        appendStep(line, hyetograph);
-        ++count;
-    }
+    const std::int64_t count =
+        readRows(unit, form, [&hyetograph](const std::string& line) { return appendStep(line, hyetograph); });
     CLOSER(unit);
     // Users know these two texts from the damage curves; they stay as they are.
     say("Number of points in damage curve found: ", count);

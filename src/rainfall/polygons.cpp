@@ -4,14 +4,15 @@
 #include "gis/layer_objects.h"
 #include "grid/writer.h"
 #include "host/console.h"
+#include "host/control_commands.h"
 #include "host/ends.h"
 #include "host/units.h"
 #include "plane/region_rows.h"
 #include "rainfall/cell_range.h"
-#include "rainfall/control_file.h"
 #include "rainfall/single_rings.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 namespace gridforge::rainfall {
@@ -139,6 +140,31 @@ void matchRegion(const std::string& name, const RfHyetographs& hyetographs, std:
     number = found;
 }
 
+// What the pass reads with and fills.
+struct PolygonPass {
+    const RfPoints& points;
+    const RfHyetographs& hyetographs;
+    const GridHeader& grid;
+    RfPolygonTables& tables;
+    std::int32_t number = 0; // of the hyetograph of the last region
+};
+
+void paintLayer(const ControlLine& line, PolygonPass& pass)
+{
+    forEachRing(line.value, [&pass](const gis::Coordinates& read, const std::string& dataLine) {
+        const auto count = static_cast<std::size_t>(read.np);
+        const RfRegion region = rfRegion(std::span(read.x).first(count), std::span(read.y).first(count));
+        const RfRecord record = recordOfRegion(dataLine, region, pass.grid.xll, pass.points);
+        matchRegion(record.name, pass.hyetographs, pass.number);
+        const std::int64_t shared = paintRegion(region, pass.grid, pass.number, record.f1 * record.f2, pass.tables);
+        for (std::int64_t i = 0; i < shared; ++i) {
+            say("WARNING - Overlapping rainfall areas.");
+        }
+    });
+}
+
+constexpr std::array kPolygonCommands{ControlCommand<PolygonPass>{"Read GIS RF Polygon", paintLayer}};
+
 void writeTables(const GridHeader& grid, const RfPolygonTables& tables)
 {
     constexpr std::int32_t kDecimals = 3;
@@ -169,22 +195,8 @@ void rf_set_polygons(const std::string& controlFile, const RfPoints& points, con
     say("Searching rainfall control file for polygons: ", controlFile);
     Unit unit = 0;
     OPENER(unit, "I ", controlFile);
-    std::int32_t number = 0;
-    forEachCommand(unit, [&](const ControlLine& line) {
-        if (!FLAGEXISTS(line.command, "Read GIS RF Polygon")) {
-            return;
-        }
-        forEachRing(line.value, [&](const gis::Coordinates& read, const std::string& dataLine) {
-            const auto count = static_cast<std::size_t>(read.np);
-            const RfRegion region = rfRegion(std::span(read.x).first(count), std::span(read.y).first(count));
-            const RfRecord record = recordOfRegion(dataLine, region, grid.xll, points);
-            matchRegion(record.name, hyetographs, number);
-            const std::int64_t shared = paintRegion(region, grid, number, record.f1 * record.f2, tables);
-            for (std::int64_t i = 0; i < shared; ++i) {
-                say("WARNING - Overlapping rainfall areas.");
-            }
-        });
-    });
+    PolygonPass pass{points, hyetographs, grid, tables};
+    runCommands(unit, {}, kPolygonCommands, pass);
     writeTables(grid, tables);
     say(" Finished reading rainfall polygons.");
     CLOSER(unit);

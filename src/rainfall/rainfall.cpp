@@ -167,19 +167,15 @@ void writeTotal(const Rainfall& rain, SeriesOutputs& outputs)
 
 // --- The control file ------------------------------------------------------------------------------------------------
 
-constexpr std::int32_t kDefaultLocations = 100;
-constexpr std::int32_t kDefaultPoints = 100;
-
 void readControlFile(Rainfall& rain)
 {
-    std::int32_t maxLocations = kDefaultLocations;
-    std::int32_t maxPoints = kDefaultPoints;
-    rf_scan_limits(rain.controlFile, maxLocations, maxPoints);
+    RfLimits limits;
+    rf_scan_limits(rain.controlFile, limits);
     // Records are taken as they come: a large maximum costs nothing.
     say("Allocating memory for rainfall curves...");
-    rain.hyetographs.maxLocations = maxLocations;
-    rain.hyetographs.maxPoints = maxPoints;
-    rain.points.maxLocations = maxLocations;
+    rain.hyetographs.maxLocations = limits.locations;
+    rain.hyetographs.maxPoints = limits.points;
+    rain.points.maxLocations = limits.locations;
     say("   Done");
     rain.settings = readRfCommands(rain.controlFile, rain.hyetographs, rain.points);
 }

@@ -3,18 +3,19 @@
 #include "core/huge_array.h"
 #include "core/numbers.h"
 #include "host/console.h"
+#include "host/control_commands.h"
 #include "host/ends.h"
 #include "host/units.h"
 #include "plane/geometry.h"
 #include "plane/triangle.h"
 #include "rainfall/cell_range.h"
-#include "rainfall/control_file.h"
 #include "rainfall/single_rings.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <span>
+#include <utility>
 
 namespace gridforge::rainfall {
 
@@ -245,6 +246,30 @@ RfTriangle triangleFrom(const gis::Coordinates& read, const RfPoints& points, st
     return triangle;
 }
 
+// What the pass reads with and finds.
+struct TrianglePass {
+    const RfPoints& points;
+    std::span<float> distances; // one for each point
+    std::vector<RfTriangle> triangles;
+};
+
+void readTriangleLayer(const ControlLine& line, TrianglePass& pass)
+{
+    // Three vertices, the first again, and the slot that the reader adds.
+    constexpr std::int32_t kTriangleVertices = 5;
+    forEachRing(line.value, [&pass](const gis::Coordinates& read, const std::string&) {
+        if (read.np != kTriangleVertices) {
+            fail("ERROR - Polygon object is not a triangle.");
+        }
+        if (pass.triangles.size() == static_cast<std::size_t>(kMaxRfTriangles)) {
+            fail("ERROR - Number of rainfall triangles exceeds maximum: ", kMaxRfTriangles);
+        }
+        pass.triangles.push_back(triangleFrom(read, pass.points, pass.distances));
+    });
+}
+
+constexpr std::array kTriangleCommands{ControlCommand<TrianglePass>{"Read GIS RF Triangle", readTriangleLayer}};
+
 } // namespace
 
 void allocateTables(const GridHeader& grid, RfTinTables& tables)
@@ -257,8 +282,6 @@ void allocateTables(const GridHeader& grid, RfTinTables& tables)
 
 std::vector<RfTriangle> rf_read_triangles(const std::string& controlFile, const RfPoints& points)
 {
-    // Three vertices, the first again, and the slot that the reader adds.
-    constexpr std::int32_t kTriangleVertices = 5;
     say("Allocating array for storing distances.");
     HugeArray<float> distances;
     if (!distances.allocate(points.records.size())) {
@@ -268,25 +291,12 @@ std::vector<RfTriangle> rf_read_triangles(const std::string& controlFile, const 
     say("Searching rainfall control file for triangles: ", controlFile);
     Unit unit = 0;
     OPENER(unit, "I ", controlFile);
-    std::vector<RfTriangle> triangles;
-    forEachCommand(unit, [&](const ControlLine& line) {
-        if (!FLAGEXISTS(line.command, "Read GIS RF Triangle")) {
-            return;
-        }
-        forEachRing(line.value, [&](const gis::Coordinates& read, const std::string&) {
-            if (read.np != kTriangleVertices) {
-                fail("ERROR - Polygon object is not a triangle.");
-            }
-            if (triangles.size() == static_cast<std::size_t>(kMaxRfTriangles)) {
-                fail("ERROR - Number of rainfall triangles exceeds maximum: ", kMaxRfTriangles);
-            }
-            triangles.push_back(triangleFrom(read, points, distances.all()));
-        });
-    });
+    TrianglePass pass{points, distances.all(), {}};
+    runCommands(unit, {}, kTriangleCommands, pass);
     // The word polygons stands here too; it stays as it is.
     say(" Finished reading rainfall polygons.");
     CLOSER(unit);
-    return triangles;
+    return std::move(pass.triangles);
 }
 
 RfTinPoints rfTinPoints(const RfPoints& points)

@@ -4,6 +4,7 @@
 #include "core/text.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "host/table_rows.h"
 #include "host/units.h"
 
 #include <algorithm>
@@ -15,29 +16,16 @@ namespace {
 
 constexpr std::size_t kMinThresholds = 2;
 
-// An empty value between commas leaves its 0.
-template <typename Number>
-bool take(FreeForm& values, Number& target)
-{
-    const FreeValue got = values.next(target);
-    return got == FreeValue::value || got == FreeValue::empty;
-}
+constexpr TableForm kForm{.unreadable = "ERROR - Reading following line in classes file:",
+                          .mostRows = kMaxThresholds,
+                          .tooMany = "ERROR - Number of lines in CP config file exceeds maximum.",
+                          .unreadHeading = UnreadHeading::isPassed};
 
-[[noreturn]] void failLine(const std::string& line)
+bool parseThreshold(const std::string& line, SymbolThreshold& threshold)
 {
-    say("ERROR - Reading following line in classes file:");
-    fail(line);
-}
-
-SymbolThreshold parseThreshold(const std::string& line)
-{
-    SymbolThreshold threshold;
     FreeForm values(line);
-    if (!take(values, threshold.upTo) || !take(values, threshold.shape) || !take(values, threshold.colour) ||
-        !take(values, threshold.size)) {
-        failLine(line);
-    }
-    return threshold;
+    return values.take(threshold.upTo) && values.take(threshold.shape) && values.take(threshold.colour) &&
+           values.take(threshold.size);
 }
 
 } // namespace
@@ -48,22 +36,11 @@ std::vector<SymbolThreshold> readSymbolThresholds(const std::string& name)
     say("Maximum number of thrsholds: ", kMaxThresholds);
     Unit unit = 0;
     OPENER(unit, "I ", name);
-    std::string line;
-    if (!readLine(unit, line)) {
-        line.clear();
-    }
-    say("Skipping first line: ", line);
+    say("Skipping first line: ", readHeading(unit, kForm));
 
     std::vector<SymbolThreshold> thresholds;
-    while (!atEnd(unit)) {
-        if (!readLine(unit, line)) {
-            failLine(line);
-        }
-        if (thresholds.size() == kMaxThresholds) {
-            fail("ERROR - Number of lines in CP config file exceeds maximum.");
-        }
-        thresholds.push_back(parseThreshold(line));
-    }
+    readRows(unit, kForm,
+             [&thresholds](const std::string& line) { return parseThreshold(line, thresholds.emplace_back()); });
     say("Number of thresholds in CP file: ", thresholds.size());
     CLOSER(unit);
     if (thresholds.size() < kMinThresholds) {
