@@ -68,10 +68,10 @@ std::vector<damages::DmgBuilding> makeBuildings(std::int64_t vertices)
         }
         building.type = damages::kPolygonBuilding;
         building.vertices = static_cast<std::int32_t>(building.x.size());
-        building.xmin = *std::min_element(building.x.begin(), building.x.end());
-        building.xmax = *std::max_element(building.x.begin(), building.x.end());
-        building.ymin = *std::min_element(building.y.begin(), building.y.end());
-        building.ymax = *std::max_element(building.y.begin(), building.y.end());
+        building.extent.xmin = *std::min_element(building.x.begin(), building.x.end());
+        building.extent.xmax = *std::max_element(building.x.begin(), building.x.end());
+        building.extent.ymin = *std::min_element(building.y.begin(), building.y.end());
+        building.extent.ymax = *std::max_element(building.y.begin(), building.y.end());
     }
     return buildings;
 }
@@ -84,7 +84,7 @@ damages::InsideCells plainly(const damages::DmgBuilding& building, const run::Ce
     for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
         for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
             if (!INSIDE_POLYGON_8(run::cornerX(grid.header, column), run::cornerY(grid.header, row), building.x,
-                                  building.y, building.vertices, building.xmin, ir, 1) ||
+                                  building.y, building.vertices, building.extent.xmin, ir, 1) ||
                 grid.cells(row, column) == grid.header.null) {
                 continue;
             }

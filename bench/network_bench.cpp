@@ -146,8 +146,8 @@ void plainMatch(network::NbcBranches& branches, network::NbcSections& sections)
         section.intersected = false;
         for (std::size_t b = 0; b < branches.all.size(); ++b) {
             const network::NbcBranch& branch = branches.all[b];
-            const network::Extent& e = branch.extent;
-            const network::Extent& s = section.extent;
+            const Box& e = branch.extent;
+            const Box& s = section.extent;
             if (e.xmin > s.xmax || e.ymin > s.ymax || e.xmax < s.xmin || e.ymax < s.ymin) {
                 continue;
             }

@@ -72,10 +72,7 @@ void takeExtent(DmgBuilding& building)
     }
     const auto [west, east] = std::minmax_element(building.x.begin(), building.x.end());
     const auto [south, north] = std::minmax_element(building.y.begin(), building.y.end());
-    building.xmin = *west;
-    building.xmax = *east;
-    building.ymin = *south;
-    building.ymax = *north;
+    building.extent = {*west, *south, *east, *north};
 }
 
 void addPolygon(const gis::Coordinates& read, const DmgLimits& limits, std::vector<DmgBuilding>& buildings)

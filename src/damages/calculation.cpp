@@ -101,10 +101,10 @@ run::CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& he
         return truncateToInt(std::trunc((coordinate - origin) / header.cellsize8) + margin);
     };
     run::CellWindow window;
-    window.firstRow = cell(building.ymin, header.yll, -1);
-    window.lastRow = cell(building.ymax, header.yll, 1);
-    window.firstColumn = cell(building.xmin, header.xll, -1);
-    window.lastColumn = cell(building.xmax, header.xll, 1);
+    window.firstRow = cell(building.extent.ymin, header.yll, -1);
+    window.lastRow = cell(building.extent.ymax, header.yll, 1);
+    window.firstColumn = cell(building.extent.xmin, header.xll, -1);
+    window.lastColumn = cell(building.extent.xmax, header.xll, 1);
     return window;
 }
 
@@ -113,7 +113,8 @@ namespace {
 void prepare(const DmgBuilding& building, PreparedRegion& region)
 {
     const auto vertices = static_cast<std::size_t>(building.vertices);
-    prepareRing(std::span(building.x).first(vertices), std::span(building.y).first(vertices), building.xmin, region);
+    prepareRing(std::span(building.x).first(vertices), std::span(building.y).first(vertices), building.extent.xmin,
+                region);
 }
 
 void addRun(std::span<const float> values, float null, InsideCells& cells)

@@ -1,6 +1,8 @@
 // The records of the damage calculation: depth-damage curves, buildings and results grids.
 #pragma once
 
+#include "plane/box.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -39,10 +41,7 @@ struct DmgBuilding {
     float multiplier = 0;
     std::vector<double> x;
     std::vector<double> y;
-    double xmin = 0; // the extent is that of polygons only
-    double xmax = 0;
-    double ymin = 0;
-    double ymax = 0;
+    Box extent;                // of polygons only
     std::vector<float> damage; // by results grid, in the order of the calculation
     float AAD = 0;             // average annual damage: nothing computes it, the outputs show 0 on purpose
 };

@@ -2,18 +2,13 @@
 // over blocks that cannot hold what is looked for, and meets the others' items in their order.
 #pragma once
 
-#include "network/records.h"
+#include "plane/box.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 #include <vector>
 
 namespace gridforge::network {
-
-inline constexpr double kEndless = std::numeric_limits<double>::infinity();
-// Holds nothing.
-inline constexpr Extent kNowhere{kEndless, kEndless, -kEndless, -kEndless};
 
 class ExtentTree {
 public:
@@ -39,19 +34,10 @@ public:
 private:
     static constexpr std::size_t kFan = 8;
 
-    static void takeIn(const Extent& item, Extent& block)
-    {
-        // With the block's value first, a comparison with not-a-number keeps it.
-        block.xmin = item.xmin < block.xmin ? item.xmin : block.xmin;
-        block.ymin = item.ymin < block.ymin ? item.ymin : block.ymin;
-        block.xmax = item.xmax > block.xmax ? item.xmax : block.xmax;
-        block.ymax = item.ymax > block.ymax ? item.ymax : block.ymax;
-    }
-
     template <typename ExtentAt>
     void addLevel(std::size_t count, ExtentAt extentAt)
     {
-        std::vector<Extent> blocks((count + kFan - 1) / kFan, kNowhere);
+        std::vector<Box> blocks((count + kFan - 1) / kFan, emptyBox());
         for (std::size_t i = 0; i < count; ++i) {
             takeIn(extentAt(i), blocks[i / kFan]);
         }
@@ -75,7 +61,7 @@ private:
     }
 
     std::size_t count_ = 0;
-    std::vector<std::vector<Extent>> levels_; // level 0: blocks of items
+    std::vector<std::vector<Box>> levels_; // level 0: blocks of items
 };
 
 } // namespace gridforge::network

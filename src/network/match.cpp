@@ -22,16 +22,16 @@ constexpr std::int32_t kSegmentsCross = 3;
 
 // --- Extents ---------------------------------------------------------------------------------------------------------
 
-bool overlap(const Extent& a, const Extent& b)
+bool overlap(const Box& a, const Box& b)
 {
     return !(a.xmin > b.xmax || a.ymin > b.ymax || a.xmax < b.xmin || a.ymax < b.ymin);
 }
 
 // The extent for a tree, which leaves not-a-number out: such an extent overlaps everything.
-Extent searchable(const Extent& extent)
+Box searchable(const Box& extent)
 {
     const double sum = extent.xmin + extent.ymin + extent.xmax + extent.ymax;
-    return std::isnan(sum) ? Extent{-kEndless, -kEndless, kEndless, kEndless} : extent;
+    return std::isnan(sum) ? Box{-kBoundless, -kBoundless, kBoundless, kBoundless} : extent;
 }
 
 // Finds the branches whose extents overlap that of a section.
@@ -45,11 +45,11 @@ public:
     }
 
     // Their places from 0 in rising order.
-    const std::vector<std::size_t>& overlapping(const Extent& section)
+    const std::vector<std::size_t>& overlapping(const Box& section)
     {
         found_.clear();
-        const Extent looked = searchable(section);
-        tree_.search([&](const Extent& block) { return overlap(block, looked); },
+        const Box looked = searchable(section);
+        tree_.search([&](const Box& block) { return overlap(block, looked); },
                      [&](std::size_t i) {
                          if (overlap(branches_[order_[i]].extent, section)) {
                              found_.push_back(order_[i]);
@@ -89,7 +89,7 @@ private:
 
 // --- One polyline, searched ------------------------------------------------------------------------------------------
 
-Extent vertexExtent(const std::vector<double>& x, const std::vector<double>& y, std::size_t v)
+Box vertexExtent(const std::vector<double>& x, const std::vector<double>& y, std::size_t v)
 {
     return {x[v], y[v], x[v], y[v]};
 }
@@ -103,8 +103,8 @@ ExtentTree vertexTree(const std::vector<double>& x, const std::vector<double>& y
 ExtentTree segmentTree(const std::vector<double>& x, const std::vector<double>& y)
 {
     return {x.empty() ? 0 : x.size() - 1, [&](std::size_t i) {
-                return Extent{std::min(x[i], x[i + 1]), std::min(y[i], y[i + 1]), std::max(x[i], x[i + 1]),
-                              std::max(y[i], y[i + 1])};
+                return Box{std::min(x[i], x[i + 1]), std::min(y[i], y[i + 1]), std::max(x[i], x[i + 1]),
+                           std::max(y[i], y[i + 1])};
             }};
 }
 
@@ -115,19 +115,15 @@ struct SearchedBranch {
 
 struct SearchedSection {
     ExtentTree vertices;
-    Extent afterFirst = kNowhere; // of all vertices except the first
+    Box afterFirst = emptyBox(); // of all vertices except the first
 };
 
 SearchedSection searchedSection(const NbcSection& section)
 {
     SearchedSection searched;
     searched.vertices = vertexTree(section.x, section.y);
-    Extent& extent = searched.afterFirst;
     for (std::size_t w = 1; w < section.x.size(); ++w) {
-        extent.xmin = std::fmin(extent.xmin, section.x[w]);
-        extent.ymin = std::fmin(extent.ymin, section.y[w]);
-        extent.xmax = std::fmax(extent.xmax, section.x[w]);
-        extent.ymax = std::fmax(extent.ymax, section.y[w]);
+        takeIn(section.x[w], section.y[w], searched.afterFirst);
     }
     return searched;
 }
@@ -148,7 +144,7 @@ bool isNear(double x1, double y1, double x2, double y2)
 
 // May a vertex in the one extent be near one in the other? Differences round in the order of their values, so these are
 // no larger than those of the vertices.
-bool mayBeNear(const Extent& a, const Extent& b)
+bool mayBeNear(const Box& a, const Box& b)
 {
     return a.xmin - b.xmax <= kSnapDistance && b.xmin - a.xmax <= kSnapDistance && a.ymin - b.ymax <= kSnapDistance &&
            b.ymin - a.ymax <= kSnapDistance;
@@ -160,10 +156,10 @@ std::optional<Meeting> findSnap(const NbcBranch& branch, const SearchedBranch& s
                                 const SearchedSection& wanted)
 {
     std::optional<Meeting> found;
-    const auto mayHoldVertices = [&](const Extent& block) { return mayBeNear(block, wanted.afterFirst); };
+    const auto mayHoldVertices = [&](const Box& block) { return mayBeNear(block, wanted.afterFirst); };
     searched.vertices.search(mayHoldVertices, [&](std::size_t v) {
-        const Extent vertex = vertexExtent(branch.x, branch.y, v);
-        const auto mayHoldVertex = [&](const Extent& block) { return mayBeNear(block, vertex); };
+        const Box vertex = vertexExtent(branch.x, branch.y, v);
+        const auto mayHoldVertex = [&](const Box& block) { return mayBeNear(block, vertex); };
         return wanted.vertices.search(mayHoldVertex, [&](std::size_t w) {
             if (w == 0 || !isNear(branch.x[v], branch.y[v], section.x[w], section.y[w])) {
                 return false;
@@ -186,7 +182,7 @@ public:
     {
     }
 
-    bool mayCross(const Extent& e) const
+    bool mayCross(const Box& e) const
     {
         const double along1 = dx_ * (e.ymin - y_);
         const double along2 = dx_ * (e.ymax - y_);
@@ -240,7 +236,7 @@ std::optional<Meeting> findCrossing(const NbcBranch& branch, const SearchedBranc
         return found;
     }
     const SideOfSection side(section);
-    searched.segments.search([&](const Extent& block) { return side.mayCross(block); },
+    searched.segments.search([&](const Box& block) { return side.mayCross(block); },
                              [&](std::size_t i) {
                                  found = crossingOf(branch, i, section);
                                  return found.has_value();

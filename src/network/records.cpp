@@ -4,7 +4,7 @@
 
 namespace gridforge::network {
 
-Extent extentOf(const std::vector<double>& x, const std::vector<double>& y)
+Box extentOf(const std::vector<double>& x, const std::vector<double>& y)
 {
     if (x.empty()) {
         return {};

@@ -2,6 +2,8 @@
 // what is read. Vertices, layers, branches and sections count from 1 in comments, messages and the number fields here.
 #pragma once
 
+#include "plane/box.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -24,15 +26,8 @@ inline constexpr std::int32_t kSectionTypeWidth = 2;
 inline constexpr std::int32_t kSectionFlagsWidth = 8;
 inline constexpr std::int32_t kColumnWidth = 20;
 
-struct Extent {
-    double xmin = 0;
-    double ymin = 0;
-    double xmax = 0;
-    double ymax = 0;
-};
-
-// The extent of vertices; all 0 where there are none.
-Extent extentOf(const std::vector<double>& x, const std::vector<double>& y);
+// The extent of vertices; all 0 where there are none. A first one that is not-a-number is its side, later ones do not count.
+Box extentOf(const std::vector<double>& x, const std::vector<double>& y);
 
 // A place where a section cuts a branch.
 struct BranchSection {
@@ -50,7 +45,7 @@ struct NbcBranch {
     float formLoss = 0;
     std::string type;
     std::int32_t layer = 0;
-    Extent extent;
+    Box extent;
     std::vector<double> x;
     std::vector<double> y;
     std::vector<float> chainage; // at each vertex, the first 0
@@ -80,7 +75,7 @@ struct NbcSection {
     std::string bufferMethod;
     float bufferDistance = 0;
     std::int32_t layer = 0;
-    Extent extent;
+    Box extent;
     std::vector<double> x; // as digitised
     std::vector<double> y;
 

@@ -39,7 +39,7 @@ double centreAlong(double origin, std::int32_t cell, float size)
 PreparedRegion prepared(const RfRegion& region, double xOrigin)
 {
     PreparedRegion result;
-    prepareRing(region.x, region.y, std::min(region.xmin, xOrigin), result);
+    prepareRing(region.x, region.y, std::min(region.extent.xmin, xOrigin), result);
     return result;
 }
 
@@ -56,11 +56,11 @@ std::int64_t paintRun(std::int32_t hyetograph, float factor, std::span<std::int3
 
 RfRegion rfRegion(std::span<const double> x, std::span<const double> y)
 {
-    RfRegion region{x, y, 0, 0, 0, 0};
+    RfRegion region{x, y, {}};
     if (!x.empty()) {
         const auto [xmin, xmax] = std::ranges::minmax(x);
         const auto [ymin, ymax] = std::ranges::minmax(y);
-        region = {x, y, xmin, xmax, ymin, ymax};
+        region.extent = {xmin, ymin, xmax, ymax};
     }
     return region;
 }
@@ -68,8 +68,8 @@ RfRegion rfRegion(std::span<const double> x, std::span<const double> y)
 std::int64_t paintRegion(const RfRegion& region, const GridHeader& grid, std::int32_t hyetograph, float factor,
                          RfPolygonTables& tables)
 {
-    const CellRange columns = rangeOf(region.xmin, region.xmax, grid.xll, grid, grid.ncols);
-    const CellRange rows = rangeOf(region.ymin, region.ymax, grid.yll, grid, grid.nrows);
+    const CellRange columns = rangeOf(region.extent.xmin, region.extent.xmax, grid.xll, grid, grid.ncols);
+    const CellRange rows = rangeOf(region.extent.ymin, region.extent.ymax, grid.yll, grid, grid.nrows);
     if (columns.from > columns.to || rows.from > rows.to) {
         return 0;
     }

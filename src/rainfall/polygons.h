@@ -2,6 +2,7 @@
 #pragma once
 
 #include "grid/grid.h"
+#include "plane/box.h"
 #include "rainfall/hyetographs.h"
 #include "rainfall/points.h"
 
@@ -23,10 +24,7 @@ void allocateTables(const GridHeader& grid, RfPolygonTables& tables);
 struct RfRegion {
     std::span<const double> x;
     std::span<const double> y;
-    double xmin = 0;
-    double xmax = 0;
-    double ymin = 0;
-    double ymax = 0;
+    Box extent;
 };
 RfRegion rfRegion(std::span<const double> x, std::span<const double> y);
 

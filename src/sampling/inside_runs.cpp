@@ -2,7 +2,6 @@
 
 #include "core/numbers.h"
 
-#include <algorithm>
 #include <cstddef>
 
 namespace gridforge::sampling {
@@ -13,14 +12,7 @@ SampledRegion sampledRegion(const gis::Coordinates& read, double farthest)
     SampledRegion region;
     region.x.assign(read.x.begin(), read.x.begin() + count);
     region.y.assign(read.y.begin(), read.y.begin() + count);
-    region.xmin = region.ymin = farthest;
-    region.xmax = region.ymax = -farthest;
-    for (std::size_t i = 0; i < region.x.size(); ++i) {
-        region.xmin = std::min(region.xmin, region.x[i]);
-        region.xmax = std::max(region.xmax, region.x[i]);
-        region.ymin = std::min(region.ymin, region.y[i]);
-        region.ymax = std::max(region.ymax, region.y[i]);
-    }
+    region.box = boxAround(region.x, region.y, farthest);
     return region;
 }
 
@@ -28,16 +20,16 @@ run::CellWindow regionWindow(const SampledRegion& region, const GridHeader& head
 {
     const double dx = header.cellsize8;
     run::CellWindow window;
-    window.firstRow = truncateToInt((region.ymin - header.yll) / dx);
-    window.lastRow = truncateToInt((region.ymax - header.yll) / dx + 1.0);
-    window.firstColumn = truncateToInt((region.xmin - header.xll) / dx);
-    window.lastColumn = truncateToInt((region.xmax - header.xll) / dx + 1.0);
+    window.firstRow = truncateToInt((region.box.ymin - header.yll) / dx);
+    window.lastRow = truncateToInt((region.box.ymax - header.yll) / dx + 1.0);
+    window.firstColumn = truncateToInt((region.box.xmin - header.xll) / dx);
+    window.lastColumn = truncateToInt((region.box.xmax - header.xll) / dx + 1.0);
     return window;
 }
 
 void prepareWalk(const SampledRegion& region, InsideWalk& walk)
 {
-    prepareRing(region.x, region.y, region.xmin, walk.region);
+    prepareRing(region.x, region.y, region.box.xmin, walk.region);
 }
 
 void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk)

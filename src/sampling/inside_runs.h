@@ -3,12 +3,12 @@
 
 #include "gis/layer_object.h"
 #include "grid/grid.h"
+#include "plane/box.h"
 #include "plane/region_rows.h"
 #include "run/cell_window.h"
 #include "sampling/search_polygon.h"
 
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 namespace gridforge::sampling {
@@ -17,15 +17,12 @@ namespace gridforge::sampling {
 struct SampledRegion {
     std::vector<double> x;
     std::vector<double> y;
-    double xmin = 0;
-    double xmax = 0;
-    double ymin = 0;
-    double ymax = 0;
+    Box box;
 };
 
 // The region as read. Its bounds are sought from `farthest` down and from its negative up, and stay there for a polygon of
 // a Shapefile that has no vertices at all.
-SampledRegion sampledRegion(const gis::Coordinates& read, double farthest = std::numeric_limits<double>::infinity());
+SampledRegion sampledRegion(const gis::Coordinates& read, double farthest = kBoundless);
 
 // From the cell whose north-east corner lies at or before the lower bounds to the cell past the upper ones. It may reach
 // over the grid, and beside it.

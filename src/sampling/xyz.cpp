@@ -28,10 +28,7 @@ PointExtents findExtents(std::span<const double> x, std::span<const double> y, f
 
     PointExtents extents;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        extents.xmin = std::min(extents.xmin, x[i]);
-        extents.xmax = std::max(extents.xmax, x[i]);
-        extents.ymin = std::min(extents.ymin, y[i]);
-        extents.ymax = std::max(extents.ymax, y[i]);
+        takeIn(x[i], y[i], extents.box);
         const double a = std::abs(x[i] - x[0]);
         if (a > static_cast<double>(toleranceX)) {
             extents.dx = static_cast<float>(std::min(static_cast<double>(extents.dx), a));
@@ -64,8 +61,8 @@ void sortIntoCells(std::span<const double> x, std::span<const double> y, std::sp
     const auto dx = static_cast<double>(extents.dx);
     const auto dy = static_cast<double>(extents.dy);
     for (std::size_t i = 0; i < x.size(); ++i) {
-        const std::int32_t column = spacings(x[i] - extents.xmin, dx) + 1;
-        const std::int32_t row = spacings(y[i] - extents.ymin, dy) + 1;
+        const std::int32_t column = spacings(x[i] - extents.box.xmin, dx) + 1;
+        const std::int32_t row = spacings(y[i] - extents.box.ymin, dy) + 1;
         cells(row, column) = z[i];
     }
 }
@@ -144,10 +141,10 @@ PointList readPointFile(const std::string& name)
 
 void reportExtents(const PointExtents& extents)
 {
-    say("X Minimum: ", AREAL8(extents.xmin));
-    say("X Maximum: ", AREAL8(extents.xmax));
-    say("Y Minimum: ", AREAL8(extents.ymin));
-    say("Y Maximum: ", AREAL8(extents.ymax));
+    say("X Minimum: ", AREAL8(extents.box.xmin));
+    say("X Maximum: ", AREAL8(extents.box.xmax));
+    say("Y Minimum: ", AREAL8(extents.box.ymin));
+    say("Y Maximum: ", AREAL8(extents.box.ymax));
     say("dx:        ", AREAL(extents.dx));
     say("dy:        ", AREAL(extents.dy));
 }
@@ -167,8 +164,10 @@ GridHeader gridHeader(const PointExtents& extents)
     constexpr float kPointNull = -999.0F;
 
     GridHeader header;
-    const std::int32_t r = truncateToInt(std::abs(extents.ymax - extents.ymin) / static_cast<double>(extents.dy));
-    const std::int32_t c = truncateToInt(std::abs(extents.xmax - extents.xmin) / static_cast<double>(extents.dx));
+    const std::int32_t r =
+        truncateToInt(std::abs(extents.box.ymax - extents.box.ymin) / static_cast<double>(extents.dy));
+    const std::int32_t c =
+        truncateToInt(std::abs(extents.box.xmax - extents.box.xmin) / static_cast<double>(extents.dx));
     say("number rows: ", r);
     say("number cols: ", c);
     const bool inRange = r >= 0 && c >= 0 && std::max(r, c) < std::numeric_limits<std::int32_t>::max();
@@ -176,8 +175,8 @@ GridHeader gridHeader(const PointExtents& extents)
     header.ncols = inRange ? c + 1 : 0;
     header.cellsize = extents.dx;
     header.cellsize8 = static_cast<double>(extents.dx);
-    header.xll = extents.xmin - 0.5 * header.cellsize8;
-    header.yll = extents.ymin - 0.5 * header.cellsize8;
+    header.xll = extents.box.xmin - 0.5 * header.cellsize8;
+    header.yll = extents.box.ymin - 0.5 * header.cellsize8;
     header.null = kPointNull;
     return header;
 }

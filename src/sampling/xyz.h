@@ -3,6 +3,7 @@
 
 #include "core/huge_array.h"
 #include "grid/grid.h"
+#include "plane/box.h"
 #include "run/common.h"
 #include "run/inputs.h"
 
@@ -20,10 +21,7 @@ struct PointList {
 };
 
 struct PointExtents {
-    double xmin = 9.0e+29;
-    double xmax = -9.0e+29;
-    double ymin = 9.0e+29;
-    double ymax = -9.0e+29;
+    Box box = emptyBox(9.0e+29);
     float dx = 9999.0F; // the smallest separation from the first point above the tolerance
     float dy = 9999.0F;
 };

@@ -280,10 +280,7 @@ FileHeader readFileHeader(Unit unit)
     header.length = fromBytes<std::int32_t, std::endian::big>(&bytes[24]);
     header.version = word(28);
     header.type = word(32);
-    header.xmin = real(36);
-    header.ymin = real(44);
-    header.xmax = real(52);
-    header.ymax = real(60);
+    header.box = {real(36), real(44), real(52), real(60)};
     return header;
 }
 
@@ -308,10 +305,7 @@ void readHeader(ShpInput& input)
     const FileHeader header = readFileHeader(shp.shpUnit);
     shp.version = header.version;
     shp.shapeType = header.type;
-    shp.xmin = header.xmin;
-    shp.ymin = header.ymin;
-    shp.xmax = header.xmax;
-    shp.ymax = header.ymax;
+    shp.box = header.box;
     say("Shapefile Version: ", shp.version, "  Type: ", shp.shapeType);
     CLOSER(shp.shpUnitBE);
     dbfReadHeader(input.dbf);

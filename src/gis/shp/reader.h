@@ -24,10 +24,7 @@ struct FileHeader {
     std::int32_t length = 0; // in 16-bit words
     std::int32_t version = 0;
     std::int32_t type = 0;
-    double xmin = 0;
-    double ymin = 0;
-    double xmax = 0;
-    double ymax = 0;
+    Box box;
 };
 // Rewinds and reads the 100 bytes of the header; what is short or unreadable ends the run.
 FileHeader readFileHeader(Unit unit);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/units.h"
+#include "plane/box.h"
 
 #include <array>
 #include <cstddef>
@@ -28,10 +29,7 @@ struct ShpFile {
     std::int32_t recordShapeType = 0;
     std::int32_t nRecords = 0;
     std::int32_t shxOffset = 0; // of the next record, in 16-bit words
-    double xmin = 0;
-    double ymin = 0;
-    double xmax = -1.0;
-    double ymax = -1.0;
+    Box box{0, 0, -1.0, -1.0};
 };
 
 // The attribute table beside a set of shape files.

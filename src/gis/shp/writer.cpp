@@ -58,31 +58,9 @@ void settle(Unit unit)
 
 // --- Boxes -----------------------------------------------------------------------------------------------------------
 
-struct Box {
-    double xmin = std::numeric_limits<double>::max();
-    double ymin = std::numeric_limits<double>::max();
-    double xmax = std::numeric_limits<double>::lowest();
-    double ymax = std::numeric_limits<double>::lowest();
-};
-
 Box boxOf(const Feature& f)
 {
-    Box box;
-    for (std::size_t i = 0; i < f.x.size(); ++i) {
-        box.xmin = std::min(box.xmin, f.x[i]);
-        box.ymin = std::min(box.ymin, f.y[i]);
-        box.xmax = std::max(box.xmax, f.x[i]);
-        box.ymax = std::max(box.ymax, f.y[i]);
-    }
-    return box;
-}
-
-void takeIn(const Box& box, ShpFile& shp)
-{
-    shp.xmin = std::min(shp.xmin, box.xmin);
-    shp.ymin = std::min(shp.ymin, box.ymin);
-    shp.xmax = std::max(shp.xmax, box.xmax);
-    shp.ymax = std::max(shp.ymax, box.ymax);
+    return boxAround(f.x, f.y, std::numeric_limits<double>::max());
 }
 
 char* putBox(char* at, const Box& box)
@@ -91,11 +69,6 @@ char* putBox(char* at, const Box& box)
     at = putBytes(at, box.ymin);
     at = putBytes(at, box.xmax);
     return putBytes(at, box.ymax);
-}
-
-Box boxOf(const ShpFile& shp)
-{
-    return {shp.xmin, shp.ymin, shp.xmax, shp.ymax};
 }
 
 // --- Objects ---------------------------------------------------------------------------------------------------------
@@ -157,7 +130,7 @@ void writeObjectBox(const Box& box, ShpFile& shp)
     std::array<char, sizeof(Box)> bytes;
     putBox(bytes.data(), box);
     writeText(shp.shpUnit, {bytes.data(), bytes.size()});
-    takeIn(box, shp);
+    takeIn(box, shp.box);
 }
 
 // A point without a vertex stands at 0.
@@ -167,7 +140,7 @@ void writePoint(const Feature& f, ShpFile& shp)
     const double y = f.y.empty() ? 0.0 : f.y[0];
     writeNumber(shp.shpUnit, x);
     writeNumber(shp.shpUnit, y);
-    takeIn({x, y, x, y}, shp);
+    takeIn({x, y, x, y}, shp.box);
 }
 
 void writeBody(std::int32_t shapeType, const Feature& f, ShpFile& shp)
@@ -221,7 +194,7 @@ void rewriteHeader(Unit unit, std::int32_t words, const ShpFile& shp)
     putBytes<std::endian::big>(bytes.data(), words);
     seekTo(unit, kLengthAt);
     writeText(unit, {bytes.data(), sizeof words});
-    putBox(bytes.data(), boxOf(shp));
+    putBox(bytes.data(), shp.box);
     seekTo(unit, kBoxAt);
     writeText(unit, {bytes.data(), bytes.size()});
 }
@@ -313,8 +286,7 @@ void writeHeaders(OutputSet& set, const LayerSpec& spec)
     writeFileHeader(shp, shp.shpUnit, shp.shpUnitBE);
     writeFileHeader(shp, shp.shxUnit, shp.shxUnitBE);
     CLOSER(shp.shxUnit);
-    shp.xmin = shp.ymin = kNoBox;
-    shp.xmax = shp.ymax = -kNoBox;
+    shp.box = emptyBox(kNoBox);
     shp.shxOffset = kHeaderWords;
     dbfWriteHeader(spec.columns, set.dbf);
 }
@@ -369,7 +341,7 @@ void writeFileHeader(ShpFile& shp, Unit unitLE, Unit unitBE)
     char* at = putBytes<std::endian::big>(&header[kLengthAt], shp.fileLength);
     at = putBytes(at, shp.version);
     at = putBytes(at, shp.shapeType);
-    putBox(at, boxOf(shp));
+    putBox(at, shp.box);
 
     const Unit unit = unitLE == shp.shxUnit ? unitBE : unitLE;
     onWriteFailure(unit, failHeader);

@@ -99,10 +99,10 @@ damages::DmgBuilding polygon(std::vector<double> x, std::vector<double> y)
     damages::DmgBuilding building;
     building.type = damages::kPolygonBuilding;
     building.vertices = static_cast<std::int32_t>(x.size());
-    building.xmin = *std::ranges::min_element(x);
-    building.xmax = *std::ranges::max_element(x);
-    building.ymin = *std::ranges::min_element(y);
-    building.ymax = *std::ranges::max_element(y);
+    building.extent.xmin = *std::ranges::min_element(x);
+    building.extent.xmax = *std::ranges::max_element(x);
+    building.extent.ymin = *std::ranges::min_element(y);
+    building.extent.ymax = *std::ranges::max_element(y);
     building.x = std::move(x);
     building.y = std::move(y);
     return building;
@@ -155,7 +155,7 @@ damages::InsideCells cellsInsidePlainly(const damages::DmgBuilding& building, co
             const double y = header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8;
             const double x = header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8;
             if (row > header.nrows || column > header.ncols ||
-                !INSIDE_POLYGON_8(x, y, building.x, building.y, building.vertices, building.xmin, ir, 1)) {
+                !INSIDE_POLYGON_8(x, y, building.x, building.y, building.vertices, building.extent.xmin, ir, 1)) {
                 continue;
             }
             const float value = grid.cells(row, column);

@@ -231,7 +231,7 @@ TEST_F(ShpReading, KeepsTheHeader)
         gis::readHeader(opened);
         const gis::shp::ShpFile& shp = std::get<gis::shp::ShpInput>(opened.files).shp;
         say(shp.fileCode, " ", shp.fileLength, " ", shp.version, " ", shp.shapeType);
-        say(AREAL8(shp.xmin), AREAL8(shp.ymin), AREAL8(shp.xmax), AREAL8(shp.ymax));
+        say(AREAL8(shp.box.xmin), AREAL8(shp.box.ymin), AREAL8(shp.box.xmax), AREAL8(shp.box.ymax));
     });
     EXPECT_THAT(run.console, EndsWith("Shapefile Code: 9994  Length: 64\n"
                                       "Shapefile Version: 77  Type: 1\n"

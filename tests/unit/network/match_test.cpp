@@ -131,7 +131,7 @@ void plainCross(network::NbcBranches& branches, std::size_t b, network::NbcSecti
 }
 
 // The extents meet or touch.
-bool plainOverlap(const network::Extent& a, const network::Extent& b)
+bool plainOverlap(const Box& a, const Box& b)
 {
     return !(a.xmin > b.xmax || a.ymin > b.ymax || a.xmax < b.xmin || a.ymax < b.ymin);
 }
@@ -417,10 +417,10 @@ TEST(ExtentTree, MeetsTheItemsInTheirOrderAndStops)
     for (const std::size_t count : {0U, 1U, 8U, 9U, 64U, 65U, 600U}) {
         const network::ExtentTree tree(count, [](std::size_t i) {
             const auto place = static_cast<double>(i);
-            return network::Extent{place, 0, place, 0};
+            return Box{place, 0, place, 0};
         });
         std::vector<std::size_t> met;
-        EXPECT_FALSE(tree.search([](const network::Extent&) { return true; },
+        EXPECT_FALSE(tree.search([](const Box&) { return true; },
                                  [&](std::size_t i) {
                                      met.push_back(i);
                                      return false;
@@ -430,7 +430,7 @@ TEST(ExtentTree, MeetsTheItemsInTheirOrderAndStops)
 
         // Of those from 70 on, the blocks before are never met, and the search ends with the first found.
         std::size_t first = 0;
-        const bool found = tree.search([](const network::Extent& block) { return block.xmax >= 70; },
+        const bool found = tree.search([](const Box& block) { return block.xmax >= 70; },
                                        [&](std::size_t i) {
                                            EXPECT_GE(i, 64U);
                                            first = i;

@@ -34,19 +34,19 @@ TEST(SampledRegion, TakesTheVerticesAsReadAndTheirBounds)
     const sampling::SampledRegion region = sampling::sampledRegion(read);
     EXPECT_THAT(region.x, ElementsAre(3, 7, 5, 3, 7));
     EXPECT_THAT(region.y, ElementsAre(4, 5, 9, 4, 5));
-    EXPECT_EQ(region.xmin, 3);
-    EXPECT_EQ(region.xmax, 7);
-    EXPECT_EQ(region.ymin, 4);
-    EXPECT_EQ(region.ymax, 9);
+    EXPECT_EQ(region.box.xmin, 3);
+    EXPECT_EQ(region.box.xmax, 7);
+    EXPECT_EQ(region.box.ymin, 4);
+    EXPECT_EQ(region.box.ymax, 9);
 }
 
 TEST(SampledRegion, BoundsStartFromWhereTheyAreTold)
 {
     const sampling::SampledRegion region = sampling::sampledRegion(ringOf({30, 70, 50}, {-40, -50, -90}), 20);
-    EXPECT_EQ(region.xmin, 20);
-    EXPECT_EQ(region.xmax, 70);
-    EXPECT_EQ(region.ymin, -90);
-    EXPECT_EQ(region.ymax, -20);
+    EXPECT_EQ(region.box.xmin, 20);
+    EXPECT_EQ(region.box.xmax, 70);
+    EXPECT_EQ(region.box.ymin, -90);
+    EXPECT_EQ(region.box.ymax, -20);
 }
 
 TEST(RegionWindow, TruncatesBothBounds)
@@ -155,7 +155,7 @@ TEST(InsideRuns, AgreeWithThePlainTestOfEachCell)
                 const auto np = static_cast<std::int32_t>(region.x.size());
                 const std::array<std::int32_t, 1> ir = {np - 1};
                 if (round12 ? !sampling::insideSearchPolygon(circle, px, py)
-                            : !INSIDE_POLYGON_8(px, py, region.x, region.y, np, region.xmin, ir, 1)) {
+                            : !INSIDE_POLYGON_8(px, py, region.x, region.y, np, region.box.xmin, ir, 1)) {
                     continue;
                 }
                 ++inside;

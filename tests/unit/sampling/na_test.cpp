@@ -211,7 +211,7 @@ TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
         const std::array<std::int32_t, 1> ir = {np - 1};
         for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
             for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-                if (INSIDE_POLYGON_8(column, row, region.x, region.y, np, region.xmin, ir, 1) &&
+                if (INSIDE_POLYGON_8(column, row, region.x, region.y, np, region.box.xmin, ir, 1) &&
                     made.cells(row, column) != -9999.0F) {
                     plain.push_back(made.cells(row, column));
                 }

@@ -32,7 +32,7 @@ void copyInsidePlainly(const sampling::SampledRegion& region, const GridHeader& 
         for (std::int32_t column = w.firstColumn; column <= w.lastColumn; ++column) {
             const double x = header.xll + static_cast<double>(static_cast<float>(column)) * header.cellsize8;
             const double y = header.yll + static_cast<double>(static_cast<float>(row)) * header.cellsize8;
-            if (INSIDE_POLYGON_8(x, y, region.x, region.y, np, region.xmin, ir, 1)) {
+            if (INSIDE_POLYGON_8(x, y, region.x, region.y, np, region.box.xmin, ir, 1)) {
                 output(row - w.firstRow + 1, column - w.firstColumn + 1) = cells(row, column);
             }
         }

@@ -23,10 +23,10 @@ sampling::PointExtents extentsOf(const std::vector<double>& x, const std::vector
 TEST(FindExtents, WithoutPointsTheStartValuesStand)
 {
     const sampling::PointExtents extents = extentsOf({}, {});
-    EXPECT_EQ(extents.xmin, 9.0e+29);
-    EXPECT_EQ(extents.xmax, -9.0e+29);
-    EXPECT_EQ(extents.ymin, 9.0e+29);
-    EXPECT_EQ(extents.ymax, -9.0e+29);
+    EXPECT_EQ(extents.box.xmin, 9.0e+29);
+    EXPECT_EQ(extents.box.xmax, -9.0e+29);
+    EXPECT_EQ(extents.box.ymin, 9.0e+29);
+    EXPECT_EQ(extents.box.ymax, -9.0e+29);
     EXPECT_EQ(extents.dx, 9999.0F);
     EXPECT_EQ(extents.dy, 9999.0F);
 }
@@ -35,10 +35,10 @@ TEST(FindExtents, TheSpacingIsTheSmallestSeparationFromTheFirstPoint)
 {
     // 13 and 11 are 2 apart, but the first point is 10.
     const sampling::PointExtents extents = extentsOf({10, 13, 11, 4}, {5, 5, 1, -3});
-    EXPECT_EQ(extents.xmin, 4);
-    EXPECT_EQ(extents.xmax, 13);
-    EXPECT_EQ(extents.ymin, -3);
-    EXPECT_EQ(extents.ymax, 5);
+    EXPECT_EQ(extents.box.xmin, 4);
+    EXPECT_EQ(extents.box.xmax, 13);
+    EXPECT_EQ(extents.box.ymin, -3);
+    EXPECT_EQ(extents.box.ymax, 5);
     EXPECT_EQ(extents.dx, 1.0F);
     EXPECT_EQ(extents.dy, 4.0F);
 }
@@ -53,8 +53,8 @@ TEST(FindExtents, SeparationsUpToTheToleranceAreNotSeen)
 TEST(FindExtents, NotANumberTakesNoPart)
 {
     const sampling::PointExtents extents = extentsOf({1, kNan, 3}, {2, 5, kNan});
-    EXPECT_EQ(extents.xmin, 1);
-    EXPECT_EQ(extents.xmax, 3);
+    EXPECT_EQ(extents.box.xmin, 1);
+    EXPECT_EQ(extents.box.xmax, 3);
     EXPECT_EQ(extents.dx, 2.0F);
     EXPECT_EQ(extents.dy, 3.0F);
 }
@@ -71,26 +71,26 @@ std::vector<float> sorted(const std::vector<double>& x, const std::vector<double
 
 TEST(SortIntoCells, PutsPointsByTheirDistanceFromTheLowerLeft)
 {
-    const sampling::PointExtents extents = {10, 16, 1, 5, 2, 4};
+    const sampling::PointExtents extents = {{10, 1, 16, 5}, 2, 4};
     EXPECT_THAT(sorted({10, 12, 13.9, 16}, {1, 4.9, 5, 1}, {1, 2, 3, 4}, extents, 2, 4),
                 ElementsAre(-1, 3, -1, -1, 1, 2, -1, 4));
 }
 
 TEST(SortIntoCells, ALaterPointOfACellReplacesTheEarlier)
 {
-    EXPECT_THAT(sorted({0, 0.25, 0.5}, {0, 0, 0}, {1, 2, 3}, {0, 0.5, 0, 0, 1, 1}, 1, 1), ElementsAre(3));
+    EXPECT_THAT(sorted({0, 0.25, 0.5}, {0, 0, 0}, {1, 2, 3}, {{0, 0, 0.5, 0}, 1, 1}, 1, 1), ElementsAre(3));
 }
 
 TEST(SortIntoCells, ARatioJustBelowAWholeNumberFallsACellShort)
 {
     // 0.6F is above 0.6, so 1.8 / 0.6F stays below 3.
-    const sampling::PointExtents extents = {0, 1.8, 0, 0, 0.6F, 1};
+    const sampling::PointExtents extents = {{0, 0, 1.8, 0}, 0.6F, 1};
     EXPECT_THAT(sorted({0, 0.6, 1.2, 1.8}, {0, 0, 0, 0}, {1, 2, 3, 4}, extents, 1, 4), ElementsAre(2, 3, 4, -1));
 }
 
 TEST(SortIntoCells, NotANumberCountsAsNoDistance)
 {
-    EXPECT_THAT(sorted({0, kNan}, {0, kNan}, {1, 2}, {0, 1, 0, 1, 1, 1}, 2, 2), ElementsAre(-1, -1, 2, -1));
+    EXPECT_THAT(sorted({0, kNan}, {0, kNan}, {1, 2}, {{0, 0, 1, 1}, 1, 1}, 2, 2), ElementsAre(-1, -1, 2, -1));
 }
 
 } // namespace

@@ -1,0 +1,51 @@
+// Boxes along the axes, and those around vertices.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <span>
+
+namespace gridforge::inline plane {
+
+inline constexpr double kBoundless = std::numeric_limits<double>::infinity();
+
+struct Box {
+    double xmin = 0;
+    double ymin = 0;
+    double xmax = 0;
+    double ymax = 0;
+};
+
+// Holds nothing, and takes in whatever lies within `farthest`. One that never takes anything in stays as it is.
+constexpr Box emptyBox(double farthest = kBoundless)
+{
+    return {farthest, farthest, -farthest, -farthest};
+}
+
+// Grows the box to hold another one. Not-a-number does not count.
+inline void takeIn(const Box& item, Box& box)
+{
+    // With the box's value first, a comparison with not-a-number keeps it.
+    box.xmin = std::min(box.xmin, item.xmin);
+    box.ymin = std::min(box.ymin, item.ymin);
+    box.xmax = std::max(box.xmax, item.xmax);
+    box.ymax = std::max(box.ymax, item.ymax);
+}
+
+inline void takeIn(double x, double y, Box& box)
+{
+    takeIn({x, y, x, y}, box);
+}
+
+// The box around the vertices, in which not-a-number does not count.
+inline Box boxAround(std::span<const double> x, std::span<const double> y, double farthest = kBoundless)
+{
+    Box box = emptyBox(farthest);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        takeIn(x[i], y[i], box);
+    }
+    return box;
+}
+
+} // namespace gridforge::inline plane
