@@ -226,7 +226,7 @@ void breaklineCircle(benchmark::State& state)
     const Made& m = made();
     const auto width = static_cast<float>(state.range(0));
     const sampling::LevelRule rule = state.range(1) == 0 ? sampling::LevelRule::mean : sampling::LevelRule::highest;
-    sampling::InsideWalk walk;
+    run::InsideWalk walk;
     for (auto _ : state) {
         for (std::size_t i = 0; i < kPoints; ++i) {
             benchmark::DoNotOptimize(levelInCircle(sampling::searchPolygon(m.x[i], m.y[i], width),
@@ -252,12 +252,12 @@ void nodalArea(benchmark::State& state)
         ring.x[i] = kSide / 2.0 + radius * std::cos(angle);
         ring.y[i] = kSide / 2.0 + radius * std::sin(angle);
     }
-    const sampling::SampledRegion region = sampling::sampledRegion(ring);
+    const run::SampledRegion region = run::sampledRegion(ring);
     const run::CellWindow window = regionWindow(region, m.header);
     std::size_t cells = 0;
     for (auto _ : state) {
         std::vector<float> values;
-        collectInside(region, m.header, m.cells, window, 10000000, values);
+        sampling::collectInside(region, m.header, m.cells, window, 10000000, values);
         cells = values.size();
         benchmark::DoNotOptimize(sampling::countByHeight(values, sampling::heightLadder(-5.0F, 25.0F)));
     }

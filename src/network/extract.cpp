@@ -8,6 +8,7 @@
 #include "plane/region_rows.h"
 #include "run/across_line.h"
 #include "run/cell_window.h"
+#include "run/inside_runs.h"
 #include "run/load.h"
 
 #include <algorithm>
@@ -172,36 +173,22 @@ public:
         if (!run::isWithinGrid(window, header_) || window.firstColumn > window.lastColumn) {
             return found;
         }
-        prepareRing(ringAround(x, y, diameter), ring_);
-        placeColumns(window);
-        for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
-            insideRegionRow(ring_, run::cornerY(header_, row), columnX_, inside_);
-            const auto values =
-                cells_.row(row).subspan(static_cast<std::size_t>(window.firstColumn - 1), columnX_.size());
-            for (std::size_t i = 0; i < values.size(); ++i) {
-                if (inside_[i] != 0 && values[i] != header_.null) {
-                    found.take(values[i]);
-                }
-            }
-        }
+        prepareRing(ringAround(x, y, diameter), walk_.region);
+        run::forEachInsideRun(header_, window, run::CellPlace::northEastCorner, walk_,
+                              [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                                  for (const float value : run::cellsOfRun(cells_, row, first, count)) {
+                                      if (value != header_.null) {
+                                          found.take(value);
+                                      }
+                                  }
+                              });
         return found;
     }
 
 private:
-    void placeColumns(const run::CellWindow& window)
-    {
-        columnX_.clear();
-        for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-            columnX_.push_back(run::cornerX(header_, column));
-        }
-        inside_.assign(columnX_.size(), 0);
-    }
-
     const GridHeader& header_;
     const Grid& cells_;
-    PreparedRegion ring_;
-    std::vector<double> columnX_;
-    std::vector<std::uint8_t> inside_;
+    run::InsideWalk walk_;
 };
 
 // --- Sections --------------------------------------------------------------------------------------------------------

@@ -8,8 +8,8 @@
 #include "host/ends.h"
 #include "host/units.h"
 #include "plane/region_rows.h"
-#include "rainfall/cell_range.h"
 #include "rainfall/single_rings.h"
+#include "run/inside_runs.h"
 
 #include <algorithm>
 #include <array>
@@ -21,26 +21,25 @@ namespace gridforge::rainfall {
 
 namespace {
 
-CellRange rangeOf(double low, double high, double origin, const GridHeader& grid, std::int32_t cells)
+// The cells about the region, within the grid.
+run::CellWindow windowOf(const Box& extent, const GridHeader& grid)
 {
-    const std::int64_t from = std::int64_t{truncateToInt((low - origin) / grid.cellsize8)} - 1;
-    const std::int64_t to = std::int64_t{truncateToInt((high - origin) / grid.cellsize8)} + 1;
-    return {static_cast<std::int32_t>(std::max<std::int64_t>(1, from)),
-            static_cast<std::int32_t>(std::min<std::int64_t>(cells, to))};
+    const auto cell = [&grid](double coordinate, double origin) {
+        return std::int64_t{truncateToInt((coordinate - origin) / grid.cellsize8)};
+    };
+    const auto first = [&](double low, double origin) {
+        return static_cast<std::int32_t>(std::max<std::int64_t>(1, cell(low, origin) - 1));
+    };
+    const auto last = [&](double high, double origin, std::int32_t cells) {
+        return static_cast<std::int32_t>(std::min<std::int64_t>(cells, cell(high, origin) + 1));
+    };
+    return {first(extent.ymin, grid.yll), last(extent.ymax, grid.yll, grid.nrows), first(extent.xmin, grid.xll),
+            last(extent.xmax, grid.xll, grid.ncols)};
 }
 
-// The centre of a cell along one axis. The products are single precision on purpose: which cells a region takes
-// rests on their rounding.
-double centreAlong(double origin, std::int32_t cell, float size)
+void prepare(const RfRegion& region, double xOrigin, PreparedRegion& prepared)
 {
-    return origin + static_cast<double>(static_cast<float>(cell) * size) - static_cast<double>(0.5F * size);
-}
-
-PreparedRegion prepared(const RfRegion& region, double xOrigin)
-{
-    PreparedRegion result;
-    prepareRing(region.x, region.y, std::min(region.extent.xmin, xOrigin), result);
-    return result;
+    prepareRing(region.x, region.y, std::min(region.extent.xmin, xOrigin), prepared);
 }
 
 // How many of the places had a hyetograph before.
@@ -68,26 +67,18 @@ RfRegion rfRegion(std::span<const double> x, std::span<const double> y)
 std::int64_t paintRegion(const RfRegion& region, const GridHeader& grid, std::int32_t hyetograph, float factor,
                          RfPolygonTables& tables)
 {
-    const CellRange columns = rangeOf(region.extent.xmin, region.extent.xmax, grid.xll, grid, grid.ncols);
-    const CellRange rows = rangeOf(region.extent.ymin, region.extent.ymax, grid.yll, grid, grid.nrows);
-    if (columns.from > columns.to || rows.from > rows.to) {
+    const run::CellWindow window = windowOf(region.extent, grid);
+    if (window.firstColumn > window.lastColumn || window.firstRow > window.lastRow) {
         return 0;
     }
-    const PreparedRegion ready = prepared(region, grid.xll);
-    const auto first = static_cast<std::size_t>(columns.from - 1);
-    std::vector<double> x(static_cast<std::size_t>(columns.to - columns.from) + 1);
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        x[i] = centreAlong(grid.xll, columns.from + static_cast<std::int32_t>(i), grid.cellsize);
-    }
-    std::vector<RowRun> runs;
+    run::InsideWalk walk;
+    prepare(region, grid.xll, walk.region);
     std::int64_t shared = 0;
-    for (std::int32_t row = rows.from; row <= rows.to; ++row) {
-        insideRegionRuns(ready, centreAlong(grid.yll, row, grid.cellsize), x, runs);
-        for (const RowRun& run : runs) {
-            shared += paintRun(hyetograph, factor, tables.index.row(row).subspan(first + run.from, run.size()),
-                               tables.factor.row(row).subspan(first + run.from, run.size()));
-        }
-    }
+    run::forEachInsideRun(grid, window, run::CellPlace::centreInSingle, walk,
+                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                              shared += paintRun(hyetograph, factor, run::cellsOfRun(tables.index, row, first, count),
+                                                 run::cellsOfRun(tables.factor, row, first, count));
+                          });
     return shared;
 }
 
@@ -98,7 +89,8 @@ namespace {
 // The last point inside gives name and factors.
 RfRecord recordOfPointInside(const RfRegion& region, double xOrigin, const RfPoints& points)
 {
-    const PreparedRegion ready = prepared(region, xOrigin);
+    PreparedRegion ready;
+    prepare(region, xOrigin, ready);
     RfRecord record;
     std::int32_t count = 0;
     for (const RfPoint& point : points.records) {

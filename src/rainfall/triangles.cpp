@@ -8,7 +8,6 @@
 #include "host/units.h"
 #include "plane/geometry.h"
 #include "plane/triangle.h"
-#include "rainfall/cell_range.h"
 #include "rainfall/single_rings.h"
 
 #include <algorithm>
@@ -83,6 +82,12 @@ std::int32_t saturated(std::int64_t value)
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, 0, std::numeric_limits<std::int32_t>::max()));
 }
 
+// Rows or columns from 1, both ends included; empty where `from` is greater.
+struct CellRange {
+    std::int32_t from = 1;
+    std::int32_t to = 0;
+};
+
 CellRange rangeOf(const std::array<double, 3>& ends, double size, std::int32_t cells)
 {
     const auto [low, high] = std::ranges::minmax(ends);
@@ -92,12 +97,7 @@ CellRange rangeOf(const std::array<double, 3>& ends, double size, std::int32_t c
 }
 
 // The rows whose level an edge crosses.
-struct EdgeRows {
-    std::int32_t from = 1;
-    std::int32_t to = 0;
-};
-
-EdgeRows rowsOfEdge(double y1, double y2, double size, const CellRange& rows)
+CellRange rowsOfEdge(double y1, double y2, double size, const CellRange& rows)
 {
     const auto rowOf = [&](double y) {
         return std::clamp<std::int64_t>(std::int64_t{truncateToInt(y / size)} + 1, rows.from,
@@ -180,7 +180,7 @@ void paintTriangle(std::int32_t number, const RfCorners& corners, const GridHead
     if (rows.from > rows.to || columns.from > columns.to) {
         return;
     }
-    std::array<EdgeRows, 3> edges;
+    std::array<CellRange, 3> edges;
     for (std::size_t k = 0; k < 3; ++k) {
         edges[k] = rowsOfEdge(corners.y[k], corners.y[(k + 1) % 3], size, rows);
     }

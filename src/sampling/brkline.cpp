@@ -185,7 +185,7 @@ private:
     const GridHeader& header_;
     const Grid& cells_;
     std::optional<gis::LayerWriter>& check_;
-    InsideWalk walk_;
+    run::InsideWalk walk_;
 };
 
 void writeBreakline(const Breakline& breakline, float null, LevelSampler& sampler, gis::LayerWriter& result)

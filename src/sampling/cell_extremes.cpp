@@ -73,11 +73,11 @@ void ExtremeSearch::lookThrough(std::int32_t tileRow, std::int32_t tileColumn)
     const std::int32_t last = std::min(first + (kTileSide - 1), header_.ncols);
     const std::int32_t lastRow = std::min(firstOfTile(tileRow) + (kTileSide - 1), header_.nrows);
     const auto columnOf = [&](std::int32_t row, float value) {
-        const auto cells = cellsOfRun(cells_, row, first, last - first + 1);
+        const auto cells = run::cellsOfRun(cells_, row, first, last - first + 1);
         return first + static_cast<std::int32_t>(std::ranges::find(cells, value) - cells.begin());
     };
     for (std::int32_t row = firstOfTile(tileRow); row <= lastRow; ++row) {
-        const Range piece = rangeOf(cellsOfRun(cells_, row, first, last - first + 1), header_.null);
+        const Range piece = rangeOf(run::cellsOfRun(cells_, row, first, last - first + 1), header_.null);
         rowPieces(row, alone).front() = piece;
         if (piece.low < tile.range.low) {
             tile.range.low = piece.low;
@@ -146,7 +146,7 @@ bool ExtremeSearch::tilesMayHold(std::int32_t tileRow, const TileWindow& tiles, 
 void ExtremeSearch::searchCells(std::int32_t row, std::int32_t first, std::int32_t last, Extremes& found) const
 {
     std::int32_t column = first;
-    for (const float cell : cellsOfRun(cells_, row, first, last - first + 1)) {
+    for (const float cell : run::cellsOfRun(cells_, row, first, last - first + 1)) {
         if (cell != header_.null) {
             if (cell < found.range.low) {
                 found.range.low = cell;
@@ -169,7 +169,7 @@ void ExtremeSearch::searchRow(const CellSearch& search, std::int32_t row, const 
     if (std::ranges::none_of(pieces, [&](const Range& piece) { return mayHold(piece, found.range); })) {
         return;
     }
-    walkRow(header_, row, CellPlace::northEastCorner, walk_);
+    run::walkRow(header_, row, run::CellPlace::northEastCorner, walk_);
     for (const RowRun& run : walk_.runs) {
         const std::int32_t last = search.window.firstColumn + static_cast<std::int32_t>(run.to) - 1;
         for (std::int32_t first = search.window.firstColumn + static_cast<std::int32_t>(run.from); first <= last;) {
@@ -202,7 +202,7 @@ FoundExtremes ExtremeSearch::find(const CellSearch& search)
                               tileOf(window.lastColumn)};
     know(tiles);
     prepareWalk(search.polygon, walk_);
-    placeColumns(header_, window, CellPlace::northEastCorner, walk_);
+    run::placeColumns(header_, window, run::CellPlace::northEastCorner, walk_);
     Extremes found;
     found.range = rangeToBeat(search, tiles);
     for (std::int32_t tileRow = tiles.firstRow; tileRow <= tiles.lastRow; ++tileRow) {

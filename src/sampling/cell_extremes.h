@@ -2,8 +2,8 @@
 #pragma once
 
 #include "grid/grid.h"
+#include "run/inside_runs.h"
 #include "sampling/cell_search.h"
-#include "sampling/inside_runs.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -75,7 +75,7 @@ private:
     std::int32_t tilesAcross_ = 0; // 0 before the first search
     std::vector<Range> pieces_;    // of each row, by its tile columns
     std::vector<Tile> tiles_;
-    InsideWalk walk_;
+    run::InsideWalk walk_;
 };
 
 } // namespace gridforge::sampling

@@ -137,20 +137,20 @@ GroundLevel levelAcross(const run::AcrossLine& line, const GridHeader& header, c
 }
 
 GroundLevel levelInCircle(const SearchPolygon& polygon, const run::CellWindow& window, const GridHeader& header,
-                          const Grid& cells, LevelRule rule, InsideWalk& walk)
+                          const Grid& cells, LevelRule rule, run::InsideWalk& walk)
 {
     if (!run::isWithinGrid(window, header)) {
         return outsideLevel();
     }
     prepareWalk(polygon, walk);
     LevelTally tally(rule, header.null);
-    forEachInsideRun(header, window, CellPlace::centre, walk,
-                     [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                         std::int32_t column = first;
-                         for (const float value : cellsOfRun(cells, row, first, count)) {
-                             tally.add(value, row, column++);
-                         }
-                     });
+    run::forEachInsideRun(header, window, run::CellPlace::centre, walk,
+                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                              std::int32_t column = first;
+                              for (const float value : run::cellsOfRun(cells, row, first, count)) {
+                                  tally.add(value, row, column++);
+                              }
+                          });
     GroundLevel level = tally.level();
     level.x = run::centreX(header, tally.column());
     level.y = run::centreY(header, tally.row());

@@ -3,7 +3,7 @@
 
 #include "grid/grid.h"
 #include "run/across_line.h"
-#include "sampling/inside_runs.h"
+#include "run/inside_runs.h"
 #include "sampling/search_polygon.h"
 
 #include <cstdint>
@@ -38,6 +38,6 @@ GroundLevel levelAcross(const run::AcrossLine& line, const GridHeader& header, c
 // Of the cells whose centres lie inside the polygon; outside where its window is not within the grid, null where no cell
 // has a value. `walk` is memory that may be used again.
 GroundLevel levelInCircle(const SearchPolygon& polygon, const run::CellWindow& window, const GridHeader& header,
-                          const Grid& cells, LevelRule rule, InsideWalk& walk);
+                          const Grid& cells, LevelRule rule, run::InsideWalk& walk);
 
 } // namespace gridforge::sampling

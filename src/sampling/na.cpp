@@ -29,24 +29,20 @@ constexpr float kLeastRange = 0.001F;
 
 // --- The kernels -----------------------------------------------------------------------------------------------------
 
-bool collectInside(const SampledRegion& region, const GridHeader& header, const Grid& cells,
+bool collectInside(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
                    const run::CellWindow& window, std::size_t most, std::vector<float>& values)
 {
-    InsideWalk walk;
-    prepareWalk(region, walk);
-    placeColumns(header, window, CellPlace::northEastCorner, walk);
-    for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
-        walkRow(header, row, CellPlace::northEastCorner, walk);
-        for (const RowRun& run : walk.runs) {
-            const auto first = static_cast<std::size_t>(window.firstColumn - 1) + run.from;
-            std::ranges::copy_if(cells.row(row).subspan(first, run.size()), std::back_inserter(values),
-                                 [null = header.null](float cell) { return cell != null; });
-        }
-        if (values.size() > most) {
-            return false;
-        }
-    }
-    return true;
+    run::InsideWalk walk;
+    run::prepareWalk(region, walk);
+    run::forEachInsideRun(header, window, run::CellPlace::northEastCorner, walk,
+                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                              if (values.size() <= most) {
+                                  std::ranges::copy_if(run::cellsOfRun(cells, row, first, count),
+                                                       std::back_inserter(values),
+                                                       [null = header.null](float cell) { return cell != null; });
+                              }
+                          });
+    return values.size() <= most;
 }
 
 namespace {
@@ -150,9 +146,9 @@ NodeRecord parseNode(const std::string& record)
 }
 
 // The values of the terrain inside the region.
-std::vector<float> terrainInside(const SampledRegion& region, const Terrain& terrain)
+std::vector<float> terrainInside(const run::SampledRegion& region, const Terrain& terrain)
 {
-    const run::CellWindow window = regionWindow(region, terrain.header);
+    const run::CellWindow window = run::regionWindow(region, terrain.header);
     if (!run::isWithinGrid(window, terrain.header)) {
         fail("ERROR - Region is outside of DEM.");
     }
@@ -213,7 +209,7 @@ void writeTable(const std::string& name, std::span<const float> heights, const H
     CLOSER(unit);
 }
 
-void tabulateRegion(const SampledRegion& region, const NodeRecord& node, const Terrain& terrain)
+void tabulateRegion(const run::SampledRegion& region, const NodeRecord& node, const Terrain& terrain)
 {
     const std::vector<float> values = terrainInside(region, terrain);
     const HeightRange range = announcedRange(values, node);
@@ -246,7 +242,7 @@ void runNodalArea(const NaOptions& options, const run::InputFileList& inputs)
         layer.readCoordinates(*object, read, kMaxSampledVertices);
         const NodeRecord node = parseNode(object->record);
         say("Region ", ++regions, " with ", read.np, " nodes...");
-        tabulateRegion(sampledRegion(read, kFarthestBound), node, terrain);
+        tabulateRegion(run::sampledRegion(read, kFarthestBound), node, terrain);
     }
     layer.close();
 }

@@ -3,7 +3,7 @@
 
 #include "grid/grid.h"
 #include "run/inputs.h"
-#include "sampling/inside_runs.h"
+#include "run/inside_runs.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,7 +15,7 @@ namespace gridforge::sampling {
 
 // Adds the cells of the window, which lies within the grid, whose north-east corner is inside the region and that are not
 // null to `values`: rows from the south, each from the west. False where there are more than `most`.
-bool collectInside(const SampledRegion& region, const GridHeader& header, const Grid& cells,
+bool collectInside(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
                    const run::CellWindow& window, std::size_t most, std::vector<float>& values);
 
 // The heights of a table, each from the one before: fine near `minimum`, coarse above, to the first one above `maximum`

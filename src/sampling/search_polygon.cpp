@@ -27,6 +27,11 @@ SearchPolygon searchPolygon(double x, double y, float diameter)
     return polygon;
 }
 
+void prepareWalk(const SearchPolygon& polygon, run::InsideWalk& walk)
+{
+    prepareRing(polygon.x, polygon.y, polygon.xmin, walk.region);
+}
+
 bool insideSearchPolygon(const SearchPolygon& polygon, double px, double py)
 {
     static constexpr std::array<std::int32_t, 1> kRingEnd = {kSearchSides + 1};

@@ -1,6 +1,8 @@
 // The 12-sided polygon that stands for a search circle around a point.
 #pragma once
 
+#include "run/inside_runs.h"
+
 #include <array>
 #include <cstdint>
 
@@ -18,6 +20,9 @@ struct SearchPolygon {
 
 // Vertex 1 lies due east of the point, the others follow anticlockwise every 30 degrees at half the diameter.
 SearchPolygon searchPolygon(double x, double y, float diameter);
+
+// The polygon as a region to walk over.
+void prepareWalk(const SearchPolygon& polygon, run::InsideWalk& walk);
 
 bool insideSearchPolygon(const SearchPolygon& polygon, double px, double py);
 

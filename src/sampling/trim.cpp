@@ -34,7 +34,7 @@ constexpr int kFileColumns = 3;
 
 struct TrimRegion {
     std::string name;
-    SampledRegion region;
+    run::SampledRegion region;
 };
 
 std::string regionName(const std::string& record)
@@ -54,7 +54,7 @@ void addRegion(const gis::Coordinates& read, const std::string& record, std::vec
         fail("ERROR - Number of regions exceeds maximum: ", kMaxRegions);
     }
     say("Region ", regions.size() + 1, " with ", read.np, " nodes...");
-    regions.push_back({regionName(record), sampledRegion(read)});
+    regions.push_back({regionName(record), run::sampledRegion(read)});
 }
 
 std::vector<TrimRegion> readRegions(const std::string& layerName)
@@ -143,17 +143,17 @@ std::string outputName(const run::Common& common, const std::string& grid, const
 
 // --- The kernel ------------------------------------------------------------------------------------------------------
 
-void copyInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const run::CellWindow& window,
-                Grid& output)
+void copyInside(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
+                const run::CellWindow& window, Grid& output)
 {
-    InsideWalk walk;
-    prepareWalk(region, walk);
-    forEachInsideRun(header, window, CellPlace::northEastCorner, walk,
-                     [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                         const auto target = output.row(row - window.firstRow + 1);
-                         std::ranges::copy(cellsOfRun(cells, row, first, count),
-                                           target.begin() + (first - window.firstColumn));
-                     });
+    run::InsideWalk walk;
+    run::prepareWalk(region, walk);
+    run::forEachInsideRun(header, window, run::CellPlace::northEastCorner, walk,
+                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                              const auto target = output.row(row - window.firstRow + 1);
+                              std::ranges::copy(run::cellsOfRun(cells, row, first, count),
+                                                target.begin() + (first - window.firstColumn));
+                          });
 }
 
 // --- The run ---------------------------------------------------------------------------------------------------------
@@ -174,7 +174,7 @@ void runTrim(const run::Common& common, const TrimOptions& options, const run::I
         const auto stillToRead = std::span(grids).subspan(static_cast<std::size_t>(i));
 
         for (const auto& [name, region] : regions) {
-            const run::CellWindow wanted = regionWindow(region, header);
+            const run::CellWindow wanted = run::regionWindow(region, header);
             reportOverhang(wanted, header, name, gridName);
             const run::CellWindow window = clamped(wanted, header);
             if (window.firstRow > window.lastRow || window.firstColumn > window.lastColumn) {

@@ -5,7 +5,7 @@
 #include "run/cell_window.h"
 #include "run/common.h"
 #include "run/inputs.h"
-#include "sampling/inside_runs.h"
+#include "run/inside_runs.h"
 
 #include <string>
 
@@ -13,8 +13,8 @@ namespace gridforge::sampling {
 
 // Copies the cells of the window whose north-east corner is inside the region to `output`, which has the window's size;
 // other cells of `output` stay as they are.
-void copyInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const run::CellWindow& window,
-                Grid& output);
+void copyInside(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
+                const run::CellWindow& window, Grid& output);
 
 struct TrimOptions {
     std::string layer;

@@ -198,7 +198,7 @@ TEST(LevelAcross, IsOutsideWhereNoSampleHasAValue)
 sampling::GroundLevel inCircle(const GridHeader& header, const Grid& cells, double x, double y, float width,
                                sampling::LevelRule rule)
 {
-    sampling::InsideWalk walk;
+    run::InsideWalk walk;
     return sampling::levelInCircle(sampling::searchPolygon(x, y, width), run::searchWindow(header, x, y, width), header,
                                    cells, rule, walk);
 }

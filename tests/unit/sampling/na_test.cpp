@@ -175,7 +175,7 @@ void make(Made& made, std::int32_t rows, std::int32_t columns)
     }
 }
 
-sampling::SampledRegion ring(const std::vector<double>& x, const std::vector<double>& y)
+run::SampledRegion ring(const std::vector<double>& x, const std::vector<double>& y)
 {
     gis::Coordinates read;
     for (std::size_t i = 0; i < x.size() + 2; ++i) {
@@ -183,7 +183,7 @@ sampling::SampledRegion ring(const std::vector<double>& x, const std::vector<dou
         read.x[i] = x[i % x.size()];
         read.y[i] = y[i % y.size()];
     }
-    return sampling::sampledRegion(read);
+    return run::sampledRegion(read);
 }
 
 TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
@@ -203,8 +203,8 @@ TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
             x.push_back(1 + upTo(75) * 0.5);
             y.push_back(1 + upTo(55) * 0.5);
         }
-        const sampling::SampledRegion region = ring(x, y);
-        const run::CellWindow window = sampling::regionWindow(region, made.header);
+        const run::SampledRegion region = ring(x, y);
+        const run::CellWindow window = run::regionWindow(region, made.header);
         ASSERT_TRUE(run::isWithinGrid(window, made.header));
         std::vector<float> plain;
         const auto np = static_cast<std::int32_t>(region.x.size());
@@ -229,8 +229,8 @@ TEST(CollectInside, TellsWhenThereAreTooMany)
 {
     Made made;
     make(made, 9, 9);
-    const sampling::SampledRegion square = ring({1.5, 4.5, 4.5, 1.5}, {1.5, 1.5, 4.5, 4.5}); // 9 corners
-    const run::CellWindow window = sampling::regionWindow(square, made.header);
+    const run::SampledRegion square = ring({1.5, 4.5, 4.5, 1.5}, {1.5, 1.5, 4.5, 4.5}); // 9 corners
+    const run::CellWindow window = run::regionWindow(square, made.header);
     std::vector<float> values;
     EXPECT_TRUE(sampling::collectInside(square, made.header, made.cells, window, 9, values));
     values.clear();

@@ -11,7 +11,7 @@
 namespace gridforge::test {
 namespace {
 
-sampling::SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& y)
+run::SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& y)
 {
     gis::Coordinates read;
     for (std::size_t i = 0; i < x.size() + 2; ++i) {
@@ -19,11 +19,11 @@ sampling::SampledRegion regionOf(const std::vector<double>& x, const std::vector
         read.x[i] = x[i % x.size()];
         read.y[i] = y[i % y.size()];
     }
-    return sampling::sampledRegion(read);
+    return run::sampledRegion(read);
 }
 
 // The plain twin of the kernel: each cell by itself.
-void copyInsidePlainly(const sampling::SampledRegion& region, const GridHeader& header, const Grid& cells,
+void copyInsidePlainly(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
                        const run::CellWindow& w, Grid& output)
 {
     const auto np = static_cast<std::int32_t>(region.x.size());
@@ -58,8 +58,8 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
             x.push_back(header.xll + upTo(50) * 0.5);
             y.push_back(header.yll + upTo(40) * 0.5);
         }
-        const sampling::SampledRegion region = regionOf(x, y);
-        run::CellWindow w = sampling::regionWindow(region, header);
+        const run::SampledRegion region = regionOf(x, y);
+        run::CellWindow w = run::regionWindow(region, header);
         w.firstRow = std::max(w.firstRow, 1);
         w.lastRow = std::min(w.lastRow, header.nrows);
         w.firstColumn = std::max(w.firstColumn, 1);

@@ -1,10 +1,10 @@
-#include "sampling/inside_runs.h"
+#include "run/inside_runs.h"
 
 #include "core/numbers.h"
 
 #include <cstddef>
 
-namespace gridforge::sampling {
+namespace gridforge::run {
 
 SampledRegion sampledRegion(const gis::Coordinates& read, double farthest)
 {
@@ -16,10 +16,10 @@ SampledRegion sampledRegion(const gis::Coordinates& read, double farthest)
     return region;
 }
 
-run::CellWindow regionWindow(const SampledRegion& region, const GridHeader& header)
+CellWindow regionWindow(const SampledRegion& region, const GridHeader& header)
 {
     const double dx = header.cellsize8;
-    run::CellWindow window;
+    CellWindow window;
     window.firstRow = truncateToInt((region.box.ymin - header.yll) / dx);
     window.lastRow = truncateToInt((region.box.ymax - header.yll) / dx + 1.0);
     window.firstColumn = truncateToInt((region.box.xmin - header.xll) / dx);
@@ -32,23 +32,34 @@ void prepareWalk(const SampledRegion& region, InsideWalk& walk)
     prepareRing(region.x, region.y, region.box.xmin, walk.region);
 }
 
-void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk)
+namespace {
+
+double placeAlong(double origin, std::int32_t cell, const GridHeader& header, CellPlace place)
 {
-    prepareRing(polygon.x, polygon.y, polygon.xmin, walk.region);
+    const auto number = static_cast<float>(cell);
+    const double corner = origin + static_cast<double>(number) * header.cellsize8;
+    switch (place) {
+    case CellPlace::northEastCorner: break;
+    case CellPlace::centre: return corner - 0.5 * header.cellsize8;
+    case CellPlace::centreInSingle:
+        return origin + static_cast<double>(number * header.cellsize) - static_cast<double>(0.5F * header.cellsize);
+    }
+    return corner;
 }
 
-void placeColumns(const GridHeader& header, const run::CellWindow& window, CellPlace place, InsideWalk& walk)
+} // namespace
+
+void placeColumns(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk)
 {
     walk.x.clear();
     for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-        walk.x.push_back(place == CellPlace::centre ? run::centreX(header, column) : run::cornerX(header, column));
+        walk.x.push_back(placeAlong(header.xll, column, header, place));
     }
 }
 
 void walkRow(const GridHeader& header, std::int32_t row, CellPlace place, InsideWalk& walk)
 {
-    const double y = place == CellPlace::centre ? run::centreY(header, row) : run::cornerY(header, row);
-    insideRegionRuns(walk.region, y, walk.x, walk.runs);
+    insideRegionRuns(walk.region, placeAlong(header.yll, row, header, place), walk.x, walk.runs);
 }
 
-} // namespace gridforge::sampling
+} // namespace gridforge::run

@@ -6,12 +6,12 @@
 #include "plane/box.h"
 #include "plane/region_rows.h"
 #include "run/cell_window.h"
-#include "sampling/search_polygon.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
-namespace gridforge::sampling {
+namespace gridforge::run {
 
 // A region of one ring in the layout of gis::Coordinates: the closing vertex and, behind it, the second one again.
 struct SampledRegion {
@@ -26,10 +26,14 @@ SampledRegion sampledRegion(const gis::Coordinates& read, double farthest = kBou
 
 // From the cell whose north-east corner lies at or before the lower bounds to the cell past the upper ones. It may reach
 // over the grid, and beside it.
-run::CellWindow regionWindow(const SampledRegion& region, const GridHeader& header);
+CellWindow regionWindow(const SampledRegion& region, const GridHeader& header);
 
 // Where a cell is seen.
-enum class CellPlace { northEastCorner, centre };
+enum class CellPlace {
+    northEastCorner,
+    centre,
+    centreInSingle, // products of the number and the size of a cell in single precision: results rest on their rounding
+};
 
 // A region being walked over. May be used for one region after another: its memory stays.
 struct InsideWalk {
@@ -38,16 +42,15 @@ struct InsideWalk {
     std::vector<RowRun> runs;
 };
 void prepareWalk(const SampledRegion& region, InsideWalk& walk);
-void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk);
 
 // Takes the places of the window's columns; `runs` of walkRow count from its first column.
-void placeColumns(const GridHeader& header, const run::CellWindow& window, CellPlace place, InsideWalk& walk);
+void placeColumns(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk);
 void walkRow(const GridHeader& header, std::int32_t row, CellPlace place, InsideWalk& walk);
 
 // Calls take(row, first column, columns) for each run of cells inside: rows from the south, runs from the west. The window
 // lies within the grid.
 template <typename Take>
-void forEachInsideRun(const GridHeader& header, const run::CellWindow& window, CellPlace place, InsideWalk& walk,
+void forEachInsideRun(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk,
                       const Take& take)
 {
     placeColumns(header, window, place, walk);
@@ -60,9 +63,10 @@ void forEachInsideRun(const GridHeader& header, const run::CellWindow& window, C
 }
 
 // The cells of such a run.
-inline std::span<const float> cellsOfRun(const Grid& cells, std::int32_t row, std::int32_t first, std::int32_t count)
+template <typename Cells>
+auto cellsOfRun(Cells& cells, std::int32_t row, std::int32_t first, std::int32_t count)
 {
     return cells.row(row).subspan(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(count));
 }
 
-} // namespace gridforge::sampling
+} // namespace gridforge::run
