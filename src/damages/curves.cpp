@@ -60,14 +60,18 @@ void dmg_read_curve(const std::string& fileName, std::int32_t maxPoints, DmgCurv
     }
 }
 
-float dmg_curve_lookup(std::span<const float> depths, std::span<const float> damages, float depth)
+bool isPastCurve(std::span<const float> depths, float depth)
+{
+    return depth > depths.front() && depth >= depths.back();
+}
+
+float curveDamage(std::span<const float> depths, std::span<const float> damages, float depth)
 {
     assert(depths.size() == damages.size() && depths.size() >= kFewestPoints);
     if (depth <= depths.front()) {
         return damages.front(); // a dry building too: no zero is forced
     }
-    if (depth >= depths.back()) {
-        say("Depth exceeds highest value in curve.");
+    if (isPastCurve(depths, depth)) {
         return damages.back();
     }
     const auto above = std::upper_bound(depths.begin(), depths.end(), depth);
@@ -79,6 +83,14 @@ float dmg_curve_lookup(std::span<const float> depths, std::span<const float> dam
     const float b = depths[k] - depths[k - 1];
     const float c = damages[k] - damages[k - 1];
     return damages[k - 1] + (a / b) * c;
+}
+
+float dmg_curve_lookup(std::span<const float> depths, std::span<const float> damages, float depth)
+{
+    if (isPastCurve(depths, depth)) {
+        say("Depth exceeds highest value in curve.");
+    }
+    return curveDamage(depths, damages, depth);
 }
 
 } // namespace gridforge::damages

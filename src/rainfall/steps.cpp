@@ -1,7 +1,6 @@
 #include "rainfall/steps.h"
 
 #include "core/computed.h"
-#include "host/console.h"
 
 #include <algorithm>
 #include <cassert>
@@ -50,9 +49,7 @@ void rf_step_tin(const RfHyetographs& hyetographs, const RfPoints& points, std::
                  const std::vector<RfTriangle>& triangles, const RfTinPoints& tinPoints, const RfTinTables& tables,
                  float null, RfGrids& grids)
 {
-    say("placeholder");
     const std::vector<float> values = pointValues(hyetographs, points, step);
-    say("placeholder");
     // The value is looked up by the number of the point's hyetograph, as if that were the number of the point,
     // on purpose: earlier results rely on it. With points in the order of the hyetographs it is the point's own.
     std::vector<std::array<float, 3>> corners;
@@ -79,7 +76,6 @@ void rf_step_tin(const RfHyetographs& hyetographs, const RfPoints& points, std::
         now[i] = stored(z3 + (((z1 + ((z2 - z1) * a[i])) - z3) * b[i]));
         total[i] = stored(total[i] + now[i]);
     }
-    say("placeholder");
 }
 
 namespace {

@@ -1,8 +1,6 @@
 #include "sampling/line_vertices.h"
 
 #include "core/numbers.h"
-#include "host/console.h"
-#include "host/ends.h"
 #include "plane/geometry.h"
 
 #include <algorithm>
@@ -22,23 +20,17 @@ std::int64_t insertedBefore(const gis::Coordinates& read, std::size_t i, float s
     return std::max(truncateToInt(static_cast<double>(std::floor(length / spacing))), 0);
 }
 
-void requireCount(std::int64_t count, std::int32_t most)
-{
-    if (count > most) {
-        fail("ERROR - Number of vertices in polyline exceeds maximum: ", most);
-    }
-}
-
 } // namespace
 
-LineVertices insertVertices(const gis::Coordinates& read, float spacing, std::int32_t most)
+std::optional<LineVertices> withVertices(const gis::Coordinates& read, float spacing, std::int32_t most)
 {
     const auto np = static_cast<std::size_t>(std::max(read.np, 0));
     auto count = static_cast<std::int64_t>(np);
-    requireCount(count, most);
-    for (std::size_t i = 1; i < np; ++i) {
+    for (std::size_t i = 1; i < np && count <= most; ++i) {
         count += insertedBefore(read, i, spacing);
-        requireCount(count, most);
+    }
+    if (count > most) {
+        return std::nullopt;
     }
 
     LineVertices line;
@@ -73,11 +65,6 @@ bool isDuplicate(const LineVertices& line, std::size_t i)
 {
     constexpr float kNearest = 0.0001F;
     return i > 0 && i + 1 < line.count() && distanceBefore(line, i) < kNearest;
-}
-
-void sayDuplicate()
-{
-    say("WARNING - Duplicate Vertices along line.  This may cause issues with determining angles.");
 }
 
 float lineAngle(const LineVertices& line, std::size_t i)

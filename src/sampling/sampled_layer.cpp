@@ -5,7 +5,9 @@
 #include "host/ends.h"
 #include "run/load.h"
 
+#include <optional>
 #include <string_view>
+#include <utility>
 
 namespace gridforge::sampling {
 
@@ -39,6 +41,20 @@ Terrain loadTerrain(const std::string& name)
     Terrain terrain;
     terrain.header = run::loadGrid(name, steps, terrain.cells).header;
     return terrain;
+}
+
+LineVertices insertVertices(const gis::Coordinates& read, float spacing, std::int32_t most)
+{
+    std::optional<LineVertices> line = withVertices(read, spacing, most);
+    if (!line) {
+        fail("ERROR - Number of vertices in polyline exceeds maximum: ", most);
+    }
+    return *std::move(line);
+}
+
+void sayDuplicate()
+{
+    say("WARNING - Duplicate Vertices along line.  This may cause issues with determining angles.");
 }
 
 gis::Feature searchLine(const run::AcrossLine& across, std::int32_t from, std::int32_t to)

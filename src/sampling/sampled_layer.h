@@ -7,6 +7,7 @@
 #include "grid/grid.h"
 #include "run/across_line.h"
 #include "run/inputs.h"
+#include "sampling/line_vertices.h"
 
 #include <cstdint>
 #include <string>
@@ -34,6 +35,11 @@ struct Terrain {
 Terrain readTerrain(const std::string& name);
 // The same from "Loading grid data..." to "   Done.".
 Terrain loadTerrain(const std::string& name);
+
+// The line with vertices inserted by withVertices; more than `most` end the run.
+LineVertices insertVertices(const gis::Coordinates& read, float spacing, std::int32_t most);
+// The warning of a vertex that isDuplicate.
+void sayDuplicate();
 
 // The line from sample `from` to sample `to`, as an object without a record.
 gis::Feature searchLine(const run::AcrossLine& across, std::int32_t from, std::int32_t to);

@@ -100,7 +100,7 @@ TEST(CellFactors, EndTheRunOutsideTheGrid)
             const GridHeader grid = rainfallGrid(2, 3, 0, 0, 1.0F);
             rainfall::RfTinTables tables;
             rainfall::allocateTables(grid, tables);
-            rainfall::rf_cell_factors(row, column, 1, {{0, 1, 0}, {0, 0, 1}}, grid, tables);
+            rainfall::requireInGrid(rainfall::rf_cell_factors(row, column, 1, {{0, 1, 0}, {0, 0, 1}}, grid, tables));
         });
         EXPECT_TRUE(run.ended);
         EXPECT_THAT(run.console,

@@ -1,5 +1,6 @@
 #include "sampling/line_vertices.h"
 
+#include "sampling/sampled_layer.h"
 #include "support/child_run.h"
 
 #include <gmock/gmock.h>
