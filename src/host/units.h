@@ -4,6 +4,7 @@
 #pragma once
 
 #include "host/file_stream.h"
+#include "host/unit.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,8 +13,6 @@
 #include <string_view>
 
 namespace gridforge::inline host {
-
-using Unit = std::int32_t;
 
 // Prepares an empty table of units, which are base + 1 to base + 1000.
 void startUnits(std::int32_t base);
@@ -87,9 +86,7 @@ void markFinished(Unit unit);
 FileStream closeUnfinished(Unit& unit);
 void finishLater(FileStream file);
 
-// What a failed write of this unit, also at its close, does in place of the usual message: another message and an end
-// of the run. It lasts until the unit is closed.
-using WriteFailure = void (*)(Unit unit);
+// Says what a failed write of this unit does, also at its close. It lasts until the unit is closed.
 void onWriteFailure(Unit unit, WriteFailure handler);
 
 } // namespace gridforge::inline host

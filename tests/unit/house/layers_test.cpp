@@ -448,7 +448,7 @@ TEST(State, StandsWhereThePageSaysSo)
                                               "host/console.cpp", "host/ends.cpp", "host/file_stream.cpp",
                                               "host/file_system.cpp", "host/memory/memory_system.cpp",
                                               "host/messages.cpp", "host/posix/system.cpp", "host/system.cpp",
-                                              "host/units.cpp", "run/cells_ahead.cpp"}));
+                                              "host/unit_table.cpp", "run/cells_ahead.cpp"}));
     EXPECT_TRUE(holdsState("    static std::atomic<int> count = 0;"));
     EXPECT_TRUE(holdsState("    static const System* system = &nativeSystem();"));
     EXPECT_FALSE(holdsState("    static const std::string none;"));
