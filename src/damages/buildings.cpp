@@ -13,7 +13,6 @@ namespace gridforge::damages {
 
 namespace {
 
-constexpr std::int32_t kMaxReadVertices = 1000000;
 constexpr std::int32_t kPointVertices = 2;
 constexpr float kLeastMultiplier = 0.0001F;
 
@@ -58,10 +57,9 @@ DmgBuilding& addBuilding(const DmgLimits& limits, std::vector<DmgBuilding>& buil
 
 void takeVertices(const gis::Coordinates& read, DmgBuilding& building)
 {
-    const auto count = static_cast<std::ptrdiff_t>(read.np);
     building.vertices = read.np;
-    building.x.assign(read.x.begin(), read.x.begin() + count);
-    building.y.assign(read.y.begin(), read.y.begin() + count);
+    building.x.assign(read.vertexX().begin(), read.vertexX().end());
+    building.y.assign(read.vertexY().begin(), read.vertexY().end());
 }
 
 // A region of a broken .shp may have no vertex; its extent stays 0.
@@ -122,7 +120,7 @@ void dmg_read_buildings(const std::string& layerName, const DmgLimits& limits, s
     gis::Coordinates read;
     while (gis::LayerObject* object = layer.next()) {
         if (isRegionObject(*object)) {
-            layer.readCoordinates(*object, read, kMaxReadVertices);
+            layer.readCoordinates(*object, read);
             addPolygon(read, limits, buildings);
         } else if (object->kind == gis::Kind::point) {
             layer.readCoordinates(*object, read, kPointVertices);

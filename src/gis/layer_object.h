@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -44,10 +45,15 @@ struct Coordinates {
     float angle = 0; // degrees
     float length = 0;
 
-    // Room for `count` vertices; what is there stays.
-    void reserve(std::int32_t count)
+    // The np vertices alone.
+    std::span<const double> vertexX() const { return std::span(x).first(count()); }
+    std::span<const double> vertexY() const { return std::span(y).first(count()); }
+    std::size_t count() const { return static_cast<std::size_t>(std::max(np, 0)); }
+
+    // Room for as many vertices; what is there stays.
+    void reserve(std::int32_t vertices)
     {
-        const auto wanted = static_cast<std::size_t>(std::max(count, 2));
+        const auto wanted = static_cast<std::size_t>(std::max(vertices, 2));
         if (x.size() < wanted) {
             x.resize(wanted);
             y.resize(wanted);

@@ -70,6 +70,13 @@ LayerReader openLayer(std::string_view fileName)
     return LayerReader(layer);
 }
 
+ProjectedLayer openWithProjection(std::string_view fileName)
+{
+    Projection projection;
+    get_projection(fileName, projection);
+    return {projection, openLayer(fileName)};
+}
+
 LayerWriter createLayer(std::string_view fileName, const LayerSpec& spec)
 {
     if (spec.columns.size() > static_cast<std::size_t>(kMaxColumns)) {

@@ -2,7 +2,7 @@
 //
 //     LayerReader layer = openLayer(name);
 //     while (LayerObject* object = layer.next()) {
-//         layer.readCoordinates(*object, coordinates, maxVertices); // for the objects that are wanted
+//         layer.readCoordinates(*object, coordinates); // for the objects that are wanted
 //     }
 //     layer.close();
 #pragma once
@@ -10,6 +10,7 @@
 #include "gis/layer_object.h"
 #include "gis/layer_spec.h"
 #include "gis/mif/reader.h"
+#include "gis/projection.h"
 #include "gis/shp/reader.h"
 
 #include <cstddef>
@@ -20,6 +21,8 @@
 #include <vector>
 
 namespace gridforge::gis {
+
+inline constexpr std::int32_t kMaxReadVertices = 1000000; // of a line or region, where an operation sets no limit
 
 // An open input layer of either family, as the table of layers holds it.
 struct OpenLayer {
@@ -42,7 +45,7 @@ public:
     LayerObject* next();
     // The object's coordinates and what is derived from them: centre, and for lines angle and length. More than
     // `maxVertices` end the run. What a kind does not have stays as it was, except that angle and length start at 0.
-    void readCoordinates(LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices);
+    void readCoordinates(LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices = kMaxReadVertices);
 
     std::int32_t columnCount() const;
     // The columns as an output layer takes them.
@@ -57,6 +60,13 @@ private:
 
 // Opens a layer of the family that the extension names, and reads its header.
 LayerReader openLayer(std::string_view fileName);
+
+struct ProjectedLayer {
+    Projection projection; // for the outputs
+    LayerReader layer;
+};
+// Takes the projection of the layer first.
+ProjectedLayer openWithProjection(std::string_view fileName);
 
 // --- The steps of reading, for callers that take them one by one -----------------------------------------------------
 

@@ -19,7 +19,6 @@ namespace gridforge::network {
 
 namespace {
 
-constexpr std::int32_t kMaxReadVertices = 1000000;
 constexpr float kLeastValue = 0.0001F;
 
 float valueOf(const std::string& dataLine)
@@ -33,8 +32,8 @@ float valueOf(const std::string& dataLine)
 
 bool prepare(const gis::LayerObject& object, const gis::Coordinates& read, PreparedRegion& region)
 {
-    const std::span<const double> x(read.x.data(), static_cast<std::size_t>(read.np));
-    const std::span<const double> y(read.y.data(), static_cast<std::size_t>(read.np));
+    const std::span<const double> x = read.vertexX();
+    const std::span<const double> y = read.vertexY();
     const double xmin = x.empty() ? 0.0 : *std::ranges::min_element(x);
     return prepareRegion(x, y, read.np, xmin, object.parts, object.rings, region);
 }
@@ -82,7 +81,7 @@ void nbc_read_flc(const std::string& fileName, NbcLines& lines)
         if (!isRegionObject(*object)) {
             continue;
         }
-        layer.readCoordinates(*object, read, kMaxReadVertices);
+        layer.readCoordinates(*object, read);
         say("Region ", ++regions, " with ", read.np, " nodes...");
         const float value = valueOf(object->record);
         if (!prepare(*object, read, region) && !lines.empty()) {

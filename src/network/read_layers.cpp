@@ -17,7 +17,6 @@ namespace gridforge::network {
 
 namespace {
 
-constexpr std::int32_t kMaxReadVertices = 1000000;
 constexpr std::int32_t kPlainBranchAttributes = 4;
 constexpr std::int32_t kTabAttributes = 12;
 constexpr float kLeastRoughness = 0.0001F;
@@ -87,9 +86,8 @@ bool parseTabLine(const std::string& dataLine, NbcSection& section)
 
 void copyVertices(const gis::Coordinates& read, std::vector<double>& x, std::vector<double>& y)
 {
-    const auto count = static_cast<std::ptrdiff_t>(std::max(read.np, 0));
-    x.assign(read.x.begin(), read.x.begin() + count);
-    y.assign(read.y.begin(), read.y.begin() + count);
+    x.assign(read.vertexX().begin(), read.vertexX().end());
+    y.assign(read.vertexY().begin(), read.vertexY().end());
 }
 
 void requirePolyline(const gis::Coordinates& read)
@@ -201,7 +199,7 @@ void nbc_read_branches(const std::string& layerName, NbcBranches& branches, NbcC
         if (!isLineObject(*object)) {
             continue;
         }
-        layer.readCoordinates(*object, read, kMaxReadVertices);
+        layer.readCoordinates(*object, read);
         const BranchAttributes attributes = parseBranch(object->record, withType);
         if (ASAME(attributes.name, "x")) {
             addConnector(read, number, connectors);
@@ -232,7 +230,7 @@ void nbc_read_sections(const std::string& layerName, NbcSections& sections)
         if (!isLineObject(*object)) {
             continue;
         }
-        layer.readCoordinates(*object, read, kMaxReadVertices);
+        layer.readCoordinates(*object, read);
         if (sections.all.size() == static_cast<std::size_t>(kMaxSections)) {
             fail("ERROR - More than the allowed number of sections of: ", kMaxSections);
         }

@@ -144,8 +144,7 @@ struct PolygonPass {
 void paintLayer(const ControlLine& line, PolygonPass& pass)
 {
     forEachRing(line.value, [&pass](const gis::Coordinates& read, const std::string& dataLine) {
-        const auto count = static_cast<std::size_t>(read.np);
-        const RfRegion region = rfRegion(std::span(read.x).first(count), std::span(read.y).first(count));
+        const RfRegion region = rfRegion(read.vertexX(), read.vertexY());
         const RfRecord record = recordOfRegion(dataLine, region, pass.grid.xll, pass.points);
         matchRegion(record.name, pass.hyetographs, pass.number);
         const std::int64_t shared = paintRegion(region, pass.grid, pass.number, record.f1 * record.f2, pass.tables);

@@ -6,12 +6,6 @@
 
 namespace gridforge::rainfall {
 
-namespace {
-
-constexpr std::int32_t kMaxRegionVertices = 1000000;
-
-} // namespace
-
 void forEachRing(const std::string& layerName,
                  const std::function<void(const gis::Coordinates& read, const std::string& record)>& work)
 {
@@ -26,7 +20,7 @@ void forEachRing(const std::string& layerName,
             fail("ERROR - Multiple region objects not yet supported for rainfall polygons.  Please disaggregate / "
                  "remove holes.");
         }
-        layer.readCoordinates(*object, read, kMaxRegionVertices);
+        layer.readCoordinates(*object, read);
         work(read, object->record);
     }
     layer.close();

@@ -8,10 +8,9 @@ namespace gridforge::run {
 
 SampledRegion sampledRegion(const gis::Coordinates& read, double farthest)
 {
-    const auto count = static_cast<std::ptrdiff_t>(read.np);
     SampledRegion region;
-    region.x.assign(read.x.begin(), read.x.begin() + count);
-    region.y.assign(read.y.begin(), read.y.begin() + count);
+    region.x.assign(read.vertexX().begin(), read.vertexX().end());
+    region.y.assign(read.vertexY().begin(), read.vertexY().end());
     region.box = boxAround(region.x, region.y, farthest);
     return region;
 }

@@ -218,7 +218,7 @@ void runBreaklines(const BrklineOptions& options, const run::InputFileList& inpu
 {
     say("Processing -brkline option... ");
     requireOneGrid(inputs);
-    SampledLayer input = openSampledLayer(options.layer);
+    gis::ProjectedLayer input = gis::openWithProjection(options.layer);
     BreaklineLayers outputs = openOutputs(options, input.projection);
     say("Extracting elevations along breakline file: ", options.layer);
     const Terrain terrain = readTerrain(inputs[1]);
@@ -231,7 +231,7 @@ void runBreaklines(const BrklineOptions& options, const run::InputFileList& inpu
         if (!isLineObject(*object)) {
             continue;
         }
-        input.layer.readCoordinates(*object, read, kMaxSampledVertices);
+        input.layer.readCoordinates(*object, read);
         Breakline breakline = parseBreakline(object->record);
         say("Polyline ", ++lines, " with ", read.np, " nodes...");
         say("Inserting vertices along line.");

@@ -252,7 +252,7 @@ void runCalibrationPoints(const run::Common& common, const CpOptions& options, c
         thresholds = readSymbolThresholds(options.configFile);
     }
 
-    SampledLayer input = openSampledLayer(options.layer);
+    gis::ProjectedLayer input = gis::openWithProjection(options.layer);
     std::vector<gis::Column> columns = resultColumns(input.layer.columns(), options.extremes);
     PointOutputs outputs =
         openOutputs(settleNames(common, options.layer), input.projection, std::move(columns), options.extremes);

@@ -243,7 +243,7 @@ void runLongProfile(const run::Common& common, const LpOptions& options, const r
     say("Using search distance of ", AREAL(options.searchDistance));
     say("   Use -cpsd<distance> input argument to modify.");
     say("Long Profile input file: ", options.layer);
-    SampledLayer input = openSampledLayer(options.layer);
+    gis::ProjectedLayer input = gis::openWithProjection(options.layer);
     std::optional<CheckLayer> check;
     if (options.check) {
         check = createCheckLayer(checkLayerName(common, options.layer), input.projection);
@@ -260,7 +260,7 @@ void runLongProfile(const run::Common& common, const LpOptions& options, const r
         if (!isLineObject(*object)) {
             continue;
         }
-        input.layer.readCoordinates(*object, read, kMaxSampledVertices);
+        input.layer.readCoordinates(*object, read);
         std::string label = readLabel(object->record);
         say("Polyline ", ++lines, " with ", read.np, " nodes...");
         Profile profile = prepareProfile(std::move(label), read, options.spacing);

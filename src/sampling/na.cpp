@@ -229,7 +229,7 @@ void runNodalArea(const NaOptions& options, const run::InputFileList& inputs)
 {
     say("Processing -na option... ");
     requireOneGrid(inputs);
-    gis::LayerReader layer = openSampledLayer(options.layer).layer;
+    gis::LayerReader layer = gis::openWithProjection(options.layer).layer;
     const Terrain terrain = loadTerrain(inputs[1]);
 
     say("Searching for region objects...");
@@ -239,7 +239,7 @@ void runNodalArea(const NaOptions& options, const run::InputFileList& inputs)
         if (!isRegionObject(*object)) {
             continue;
         }
-        layer.readCoordinates(*object, read, kMaxSampledVertices);
+        layer.readCoordinates(*object, read);
         const NodeRecord node = parseNode(object->record);
         say("Region ", ++regions, " with ", read.np, " nodes...");
         tabulateRegion(run::sampledRegion(read, kFarthestBound), node, terrain);

@@ -11,13 +11,6 @@
 
 namespace gridforge::sampling {
 
-SampledLayer openSampledLayer(const std::string& name)
-{
-    gis::Projection projection;
-    get_projection(name, projection);
-    return {projection, gis::openLayer(name)};
-}
-
 void requireOneGrid(const run::InputFileList& inputs)
 {
     if (inputs.count() > 1) {

@@ -3,7 +3,6 @@
 
 #include "gis/feature.h"
 #include "gis/layer_reader.h"
-#include "gis/projection.h"
 #include "grid/grid.h"
 #include "run/across_line.h"
 #include "run/inputs.h"
@@ -13,16 +12,6 @@
 #include <string>
 
 namespace gridforge::sampling {
-
-// Vertices of a line or region as read.
-inline constexpr std::int32_t kMaxSampledVertices = 1000000;
-
-struct SampledLayer {
-    gis::Projection projection; // for the outputs
-    gis::LayerReader layer;
-};
-// Takes the projection of the layer, opens it and reads its header.
-SampledLayer openSampledLayer(const std::string& name);
 
 // Ends the run when there is more than one input grid.
 void requireOneGrid(const run::InputFileList& inputs);

@@ -59,7 +59,7 @@ void addRegion(const gis::Coordinates& read, const std::string& record, std::vec
 
 std::vector<TrimRegion> readRegions(const std::string& layerName)
 {
-    gis::LayerReader layer = openSampledLayer(layerName).layer;
+    gis::LayerReader layer = gis::openWithProjection(layerName).layer;
     say("Allocating memory for storing GIS regions...");
     std::vector<TrimRegion> regions;
     regions.reserve(kMaxRegions);
@@ -68,7 +68,7 @@ std::vector<TrimRegion> readRegions(const std::string& layerName)
     gis::Coordinates read;
     while (gis::LayerObject* object = layer.next()) {
         if (isRegionObject(*object)) {
-            layer.readCoordinates(*object, read, kMaxSampledVertices);
+            layer.readCoordinates(*object, read);
             addRegion(read, object->record, regions);
         }
     }
