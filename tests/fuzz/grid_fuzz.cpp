@@ -13,7 +13,7 @@ void readGrid(const std::string& name)
     constexpr std::size_t kMostCells = 1 << 20;
     try {
         fuzz::prepare();
-        OpenGrid grid = openGrid(name);
+        grid::OpenGrid grid = grid::openGrid(name);
         const GridHeader& header = grid.header;
         Grid cells;
         if (header.cells() <= kMostCells && cells.allocate(header.nrows, header.ncols)) {
