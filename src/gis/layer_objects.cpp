@@ -4,6 +4,8 @@
 
 namespace gridforge::gis {
 
+namespace {
+
 bool isLineObject(const LayerObject& object)
 {
     if (object.kind == Kind::combinedPolyline) {
@@ -12,12 +14,36 @@ bool isLineObject(const LayerObject& object)
     return object.kind == Kind::line || object.kind == Kind::polyline;
 }
 
+template <typename IsWanted>
+LayerObject* nextObject(LayerReader& layer, Coordinates& read, IsWanted isWanted)
+{
+    while (LayerObject* object = layer.next()) {
+        if (isWanted(*object)) {
+            layer.readCoordinates(*object, read);
+            return object;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
 bool isRegionObject(const LayerObject& object)
 {
     if (object.kind == Kind::region && object.rings > 1) {
         fail("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.");
     }
     return object.kind == Kind::region;
+}
+
+LayerObject* nextLine(LayerReader& layer, Coordinates& read)
+{
+    return nextObject(layer, read, isLineObject);
+}
+
+LayerObject* nextRegion(LayerReader& layer, Coordinates& read)
+{
+    return nextObject(layer, read, isRegionObject);
 }
 
 void RecordValues::require(bool taken) const

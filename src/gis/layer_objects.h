@@ -3,6 +3,7 @@
 
 #include "core/numbers.h"
 #include "gis/layer_object.h"
+#include "gis/layer_reader.h"
 
 #include <cstddef>
 #include <string>
@@ -10,11 +11,13 @@
 
 namespace gridforge::gis {
 
-// True for a line or polyline; a polyline of several parts ends the run.
-bool isLineObject(const LayerObject& object);
-
 // True for a region; one of several rings ends the run.
 bool isRegionObject(const LayerObject& object);
+
+// The next line or polyline with its coordinates, and the next region; null at the end of the layer. Other objects are
+// skipped; a polyline of several parts, or a region of several rings, ends the run.
+LayerObject* nextLine(LayerReader& layer, Coordinates& read);
+LayerObject* nextRegion(LayerReader& layer, Coordinates& read);
 
 // The values of a record. A comma at its end holds an empty value: a .dbf with a blank last number gives such lines.
 inline FreeForm recordForm(std::string_view record)

@@ -77,11 +77,7 @@ void nbc_read_flc(const std::string& fileName, NbcLines& lines)
     gis::Coordinates read;
     PreparedRegion region;
     std::int32_t regions = 0;
-    while (gis::LayerObject* object = layer.next()) {
-        if (!isRegionObject(*object)) {
-            continue;
-        }
-        layer.readCoordinates(*object, read);
+    while (const gis::LayerObject* object = gis::nextRegion(layer, read)) {
         say("Region ", ++regions, " with ", read.np, " nodes...");
         const float value = valueOf(object->record);
         if (!prepare(*object, read, region) && !lines.empty()) {

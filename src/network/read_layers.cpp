@@ -195,11 +195,7 @@ void nbc_read_branches(const std::string& layerName, NbcBranches& branches, NbcC
     }
     say("Searching for Lines and Polylines...");
     gis::Coordinates read;
-    while (gis::LayerObject* object = layer.next()) {
-        if (!isLineObject(*object)) {
-            continue;
-        }
-        layer.readCoordinates(*object, read);
+    while (const gis::LayerObject* object = gis::nextLine(layer, read)) {
         const BranchAttributes attributes = parseBranch(object->record, withType);
         if (ASAME(attributes.name, "x")) {
             addConnector(read, number, connectors);
@@ -226,11 +222,7 @@ void nbc_read_sections(const std::string& layerName, NbcSections& sections)
     say("Loading cross-sections from ", layerName);
     say("Searching for Lines and Polylines...");
     gis::Coordinates read;
-    while (gis::LayerObject* object = layer.next()) {
-        if (!isLineObject(*object)) {
-            continue;
-        }
-        layer.readCoordinates(*object, read);
+    while (const gis::LayerObject* object = gis::nextLine(layer, read)) {
         if (sections.all.size() == static_cast<std::size_t>(kMaxSections)) {
             fail("ERROR - More than the allowed number of sections of: ", kMaxSections);
         }

@@ -227,11 +227,7 @@ void runBreaklines(const BrklineOptions& options, const run::InputFileList& inpu
     LevelSampler sampler(terrain, outputs.check);
     gis::Coordinates read;
     std::int32_t lines = 0;
-    while (gis::LayerObject* object = input.layer.next()) {
-        if (!isLineObject(*object)) {
-            continue;
-        }
-        input.layer.readCoordinates(*object, read);
+    while (const gis::LayerObject* object = gis::nextLine(input.layer, read)) {
         Breakline breakline = parseBreakline(object->record);
         say("Polyline ", ++lines, " with ", read.np, " nodes...");
         say("Inserting vertices along line.");

@@ -256,11 +256,7 @@ void runLongProfile(const run::Common& common, const LpOptions& options, const r
     say("Searching for Lines and Polylines...");
     gis::Coordinates read;
     std::int32_t lines = 0;
-    while (gis::LayerObject* object = input.layer.next()) {
-        if (!isLineObject(*object)) {
-            continue;
-        }
-        input.layer.readCoordinates(*object, read);
+    while (const gis::LayerObject* object = gis::nextLine(input.layer, read)) {
         std::string label = readLabel(object->record);
         say("Polyline ", ++lines, " with ", read.np, " nodes...");
         Profile profile = prepareProfile(std::move(label), read, options.spacing);

@@ -235,11 +235,7 @@ void runNodalArea(const NaOptions& options, const run::InputFileList& inputs)
     say("Searching for region objects...");
     gis::Coordinates read;
     std::int32_t regions = 0;
-    while (gis::LayerObject* object = layer.next()) {
-        if (!isRegionObject(*object)) {
-            continue;
-        }
-        layer.readCoordinates(*object, read);
+    while (const gis::LayerObject* object = gis::nextRegion(layer, read)) {
         const NodeRecord node = parseNode(object->record);
         say("Region ", ++regions, " with ", read.np, " nodes...");
         tabulateRegion(run::sampledRegion(read, kFarthestBound), node, terrain);

@@ -12,7 +12,6 @@
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/still_to_read.h"
-#include "sampling/sampled_layer.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -66,11 +65,8 @@ std::vector<TrimRegion> readRegions(const std::string& layerName)
     say("   Done.");
     say("Searching for region objects...");
     gis::Coordinates read;
-    while (gis::LayerObject* object = layer.next()) {
-        if (isRegionObject(*object)) {
-            layer.readCoordinates(*object, read);
-            addRegion(read, object->record, regions);
-        }
+    while (const gis::LayerObject* object = gis::nextRegion(layer, read)) {
+        addRegion(read, object->record, regions);
     }
     layer.close();
     return regions;
