@@ -90,6 +90,13 @@ def kind_of(name: str) -> str | None:
     return next((kind for pattern, kind in NAMED if re.fullmatch(f"(.*?)({pattern})", stem, re.IGNORECASE)), None)
 
 
+def legend_of(grid: Path) -> Path | None:
+    """The legend that the tool wrote beside a grid of sources, if it is there."""
+    stem = re.sub(r"_(Min|Max|Mean|Median|Rank\d+)_Src$", "_Src", grid.stem)
+    path = grid.with_name(f"{stem}_legend.csv")
+    return path if path.is_file() else None
+
+
 def read_legend(path: Path) -> dict[int, str]:
     """The names of sources by their number, from a `_src_legend.csv` of the tool: names of files without folder and extension."""
     with open(path, encoding="utf-8-sig", errors="replace", newline="") as file:

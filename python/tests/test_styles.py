@@ -52,7 +52,7 @@ class StylesTest(ToolCase):
 
     def test_impacts_below_a_centimetre_are_no_change(self):
         self.assertEqual(self.coloured("impact", -7, -0.5, -0.499, -0.0101, -0.0099, 0, 0.01, 0.011, 0.5, 0.51),
-                         [rgba(c) for c in ("#1a4f94", "#1a4f94", "#4a8fca", "#d3e6f4", "#e4e4e4", "#e4e4e4", "#e4e4e4", "#fde3cf",
+                         [rgba(c) for c in ("#1a4f94", "#1a4f94", "#4a8fca", "#d3e6f4", "#f4efb4", "#f4efb4", "#f4efb4", "#fde3cf",
                                             "#dd5a44", "#97141f")])
 
     def test_levels_take_the_colours_from_the_lowest_cell_to_the_highest(self):
@@ -63,7 +63,7 @@ class StylesTest(ToolCase):
     def test_differences_blend_and_end_at_a_metre(self):
         # -0.65 is half way between -1 and -0.3: the mean of 1a4f94 and 5a9bd0 is 3a75b2.
         self.assertEqual(self.coloured("difference", -3, -1, -0.65, 0, 0.3, 8),
-                         [rgba(c) for c in ("#1a4f94", "#1a4f94", "#3a75b2", "#f7f7f7", "#e5724e", "#97141f")])
+                         [rgba(c) for c in ("#1a4f94", "#1a4f94", "#3a75b2", "#fdf8d8", "#e5724e", "#97141f")])
 
     def test_values_between_sources_have_no_colour(self):
         self.assertEqual(self.coloured("source", 1, 2, 12, 1.5, 13),

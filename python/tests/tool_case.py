@@ -67,6 +67,9 @@ class ToolCase(unittest.TestCase):
         """The same in a process of its own. Packages named in `without` cannot be imported by it."""
         hide = "".join(f"sys.modules[{name!r}] = None; " for name in without)
         program = f"import sys; {hide}from gridforge import {module}; sys.exit({module}.main(sys.argv[1:]))"
+        return self.python(program, *arguments)
+
+    def python(self, program: str, *arguments: str) -> Ended:
         run = subprocess.run([sys.executable, "-c", program, *arguments], cwd=self.folder, capture_output=True, text=True,
                              errors="surrogateescape", timeout=TIMEOUT, stdin=subprocess.DEVNULL,
                              env={**os.environ, "PYTHONPATH": str(PACKAGES), "LC_ALL": "C.UTF-8"})

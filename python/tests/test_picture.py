@@ -1,0 +1,281 @@
+"""gridforge-picture: the colours at places of the picture, what stands in the legend, and grids that are thinned first."""
+import struct
+import unittest
+from pathlib import Path
+
+import numpy
+from matplotlib import image
+
+from gridforge import grid_blocks, picture, styles
+from tests.tool_case import ToolCase, asc, mif
+
+DPI = 100
+CM = DPI / 2.54  # dots
+NULL = -9999
+MAP_WIDTH = 16 - picture.PANEL - picture.GAP - 2 * picture.MARGIN
+WHITE = (255, 255, 255)
+
+
+def rgb(colour):
+    return tuple(bytes.fromhex(colour[1:]))
+
+
+class Drawn(ToolCase):
+    def draw(self, *options):
+        """Draws a.asc without a title, its map as wide as the panel leaves it."""
+        self.assertEqual(self.good("picture", "a.asc", "o.png", "--dpi", str(DPI), "--overwrite", *options), "")
+        self.picture = (image.imread(self.folder / "o.png")[..., :3] * 255).round().astype(int)
+
+    def at(self, east, south, wide, tall):
+        """The colour at a place of a map of so many units, from its north-west corner."""
+        unit = MAP_WIDTH * CM / wide
+        x, y = picture.MARGIN * CM + east * unit, picture.MARGIN * CM + south * unit
+        return tuple(self.picture[int(y), int(x)])
+
+    def row(self, count):
+        """The colours in the middle of the cells of a map of one row of squares."""
+        return [self.at(column + 0.5, 0.5, count, 1) for column in range(count)]
+
+    def near(self, got, expected, by=3):
+        self.assertLessEqual(max(abs(int(a) - int(b)) for a, b in zip(got, expected)), by, (got, expected))
+
+
+class ColoursTest(Drawn):
+    def check(self, kind, cells, colours, *options):
+        # Two rows, so that the map is high enough to have the panel beside it.
+        self.give("a.asc", asc([cells] * len(cells)))
+        self.draw("--kind", kind, *options)
+        for column, colour in enumerate(colours):
+            self.near(self.at(column + 0.5, len(cells) / 2 + 0.25, len(cells), len(cells)), rgb(colour) if colour else WHITE)
+
+    def test_depths(self):
+        self.check("depth", [0.05, 0.1, 0.7, 20, NULL], ["#d8ecf8", "#d8ecf8", "#55a4d3", "#071f4a", None])
+
+    def test_impacts(self):
+        self.check("impact", [-2, 0, 0.03, 0.7], ["#1a4f94", "#f4efb4", "#fde3cf", "#97141f"])
+
+    def test_levels_from_the_lowest_to_the_highest(self):
+        self.check("level", [10, 14, 30], ["#1f3b73", "#2c7fb8", "#d7301f"])  # 14 lies at a fifth of the way
+
+    def test_levels_in_a_range_that_is_given(self):
+        self.check("level", [5, 14, 99], ["#1f3b73", "#2c7fb8", "#d7301f"], "--range", "10", "30")
+
+    def test_differences(self):
+        self.check("difference", [-9, 0, 0.3], ["#1a4f94", "#fdf8d8", "#e5724e"])
+
+    def test_cells_of_one_grid_only(self):
+        self.check("wet_dry", [-99, 99, 1, 50], ["#e08214", "#7b3294", "#4a90c8", None])
+
+    def test_sources(self):
+        self.check("source", [1, 3, NULL], ["#1f77b4", "#2ca02c", None])
+
+    def test_a_level_that_is_the_same_everywhere(self):
+        self.check("level", [7, 7], ["#1f3b73", "#1f3b73"])
+
+
+class MapTest(Drawn):
+    def test_the_ground_shows_light_slopes_in_the_north_west(self):
+        # A ridge from south-west to north-east: its north-western side looks to the sun.
+        size = 20
+        ridge = [[10 - abs(row + column - size + 1) for column in range(size)] for row in range(size)]
+        self.give("g.asc", asc(ridge))
+        self.give("a.asc", asc([[NULL] * size for _ in range(size - 1)] + [[NULL] * (size - 1) + [1]]))
+        self.draw("--kind", "depth", "--ground", "g.asc")
+        light, dark = self.at(5, 5, size, size), self.at(15, 15, size, size)
+        self.assertGreater(light[0], dark[0] + 40)
+        self.assertEqual(len(set(light)), 1)  # grey
+
+    def test_the_ground_shines_through(self):
+        self.give("g.asc", asc([[1, 1], [1, 1]]))
+        self.give("a.asc", asc([[1, 1], [1, 1]]))
+        self.draw("--kind", "depth", "--ground", "g.asc")
+        # A level ground under a sun of 45 degrees has the brightness 0.6 + 0.4 * sin 45.
+        shade = 255 * (picture.SHADE_LOW + (picture.SHADE_HIGH - picture.SHADE_LOW) * 0.5 ** 0.5)
+        share = picture.OVER_GROUND
+        self.near(self.at(0.5, 0.5, 2, 2), [share * c + (1 - share) * shade for c in rgb("#55a4d3")])
+
+    def test_layers_lie_on_top(self):
+        self.give("a.asc", asc([[1] * 10] * 10))
+        self.give("l.mif", mif(["Name Char(9)"], "Line 0 5 10 5\n"))
+        self.give("l.mid", '"x"\n')
+        self.give("p.mif", mif(["Name Char(9)"], "Point 5 8\n"))
+        self.give("p.mid", '"x"\n')
+        self.draw("--kind", "depth", "--layer", "l.mif=A line", "--layer", "p.mif")
+        self.near(self.at(5, 5, 10, 10), rgb(picture.INKS[0]), 40)
+        self.near(self.at(5, 2, 10, 10), rgb(picture.INKS[1]), 40)
+        self.near(self.at(5, 3.5, 10, 10), rgb("#55a4d3"))
+
+    def test_only_a_window(self):
+        self.give("a.asc", asc([[0.05, 0.2, 0.4], [0.7, 1.5, 2.5], [4, 9, NULL]], cell=10))
+        self.draw("--kind", "depth", "--window", "10", "10", "30", "30")
+        self.near(self.at(0.5, 0.5, 2, 2), rgb("#b3d9ef"))
+        self.near(self.at(1.5, 1.5, 2, 2), rgb("#195da0"))
+
+    def test_a_flat_map_is_as_wide_as_the_picture(self):
+        self.give("a.asc", asc([[1] * 10]))
+        self.draw("--kind", "depth")
+        y = int((picture.MARGIN + 0.5) * CM)
+        self.near(self.picture[y, int(15.5 * CM)], rgb("#55a4d3"))
+
+    def test_size_in_centimetres(self):
+        self.give("a.asc", asc([[1, 1], [1, 1]]))
+        self.draw("--kind", "depth", "--width", "12", "--title", "A title")
+        height, width = self.picture.shape[:2]
+        side = 12 - picture.PANEL - picture.GAP - 2 * picture.MARGIN
+        self.assertEqual(width, int(12 * CM))
+        self.assertAlmostEqual(height, (max(side, 7) + 2 * picture.MARGIN + picture.TITLE) * CM, delta=0.6 * CM)
+
+
+class LegendTest(unittest.TestCase):
+    def keys(self, kind, *cells, unit="m"):
+        return [key.label for key in picture.keys_of(styles.styles()[kind], numpy.array(cells, dtype="f4"), unit)]
+
+    def test_all_bands_and_the_values_that_occur(self):
+        self.assertEqual(self.keys("depth", 0.2)[:3], ["to 0.1", "0.1 to 0.3", "0.3 to 0.5"])
+        self.assertEqual(len(self.keys("depth", 0.2)), 8)
+        self.assertEqual(self.keys("wet_dry", 99, numpy.nan), ["wet only in the first grid"])
+        self.assertEqual(self.keys("level", 3), [])  # has a bar
+
+    def test_labels_of_a_bar_are_round(self):
+        level = styles.styles()["level"]
+        self.assertEqual(picture.bar_labels(level.between(2.5, 47.5)),
+                         [((value - 2.5) / 45, str(value)) for value in (10, 20, 30, 40)])
+        self.assertEqual([label for _, label in picture.bar_labels(level.between(0, 1))], ["0", "0.2", "0.4", "0.6", "0.8", "1"])
+        self.assertEqual([label for _, label in picture.bar_labels(styles.styles()["difference"])],
+                         ["-1 or lower", "-0.3", "-0.05", "0", "0.05", "0.3", "1 or higher"])
+
+    def test_the_scale_bar_is_the_longest_round_one(self):
+        for most, length in ((99, 50), (100, 100), (0.3, 0.2), (4999, 2000), (7000, 5000)):
+            self.assertAlmostEqual(picture.round_length(most), length)
+
+    def test_long_labels_take_two_lines(self):
+        self.assertEqual(picture.wrapped("short"), "short")
+        self.assertEqual(picture.wrapped("a storm of six hours over the whole catchment"), "a storm of six hours over the\nwhole catchment")
+        lines = picture.wrapped("level_" + "x" * 100).split("\n")
+        self.assertEqual((len(lines), max(map(len, lines)) <= 30), (2, True))
+
+
+class SourcesTest(Drawn):
+    def names(self, *legend):
+        path = self.folder / "peak_src.asc"
+        return picture.names_of_sources(path, numpy.array([1, 3, numpy.nan]), Path(self.folder / legend[0]) if legend else None)
+
+    def test_names_from_the_legend(self):
+        self.assertEqual(self.names(), {1: "source 1", 3: "source 3"})
+        self.give("peak_src_legend.csv", '"Value in Grid","Source Grid File"\r\n1,r/a.asc\r\n2,r/b.asc\r\n')
+        self.assertEqual(self.names(), {1: "a", 3: "source 3"})
+        self.give("other.csv", '"Value in Grid","Source Grid File"\r\n1,r/x.asc\r\n3,r/z.flt\r\n')
+        self.assertEqual(self.names("other.csv"), {1: "x", 3: "z"})
+
+    def test_the_legends_of_the_tool(self):
+        self.give("a.asc", asc([[1, 5]]))
+        self.give("b.asc", asc([[2, 4]]))
+        self.tool("-max", "a.asc", "b.asc", "-out", "peak.asc")
+        self.assertEqual(picture.names_of_sources(self.folder / "peak_src.asc", numpy.array([1.0, 2]), None), {1: "a", 2: "b"})
+        self.tool("-statMax", "-statRank1", "a.asc", "b.asc", "-out", "s.asc")
+        self.assertEqual(picture.names_of_sources(self.folder / "s_Rank1_Src.asc", numpy.array([1.0, 2]), None), {1: "a", 2: "b"})
+
+
+class ThinnedTest(ToolCase):
+    def thinned(self, name, most, **options):
+        return grid_blocks.read_thinned(self.folder / name, most, **options)
+
+    def test_means_of_blocks(self):
+        # Blocks of 2 by 2; those at the east and the south are half as large. Of two values of four the mean stands.
+        rows = [[1, 2, NULL, 4, 5], [3, 6, NULL, 8, 9], [NULL, NULL, 1, 2, NULL]]
+        self.give("a.asc", asc(rows, cell=10, west=100, south=200))
+        self.give("a.flt", "")
+        (self.folder / "a.flt").write_bytes(struct.pack("<15f", *[value for row in rows for value in row]))
+        self.give("a.HDR", "NCOLS 5\nNROWS 3\nXLLCORNER 100\nYLLCORNER 200\nCELLSIZE 10\nNODATA_VALUE -9999\nBYTEORDER LSBFIRST\n")
+        for name in ("a.asc", "a.flt"):
+            grid = self.thinned(name, 3)
+            numpy.testing.assert_array_equal(grid.values, [[3, 6, 7], [numpy.nan, 1.5, numpy.nan]])
+            self.assertEqual((grid.factor, grid.cell), (2, 20))
+            self.assertEqual(grid.extent, (100, 160, 190, 230))
+
+    def test_classes_are_taken_and_not_mixed(self):
+        self.give("a.asc", asc([[1, 3, 5, 5, 7], [1, 9, 5, 6, 8]]))
+        numpy.testing.assert_array_equal(self.thinned("a.asc", 3, classes=True).values, [[9, 6, 8]])
+
+    def test_small_grids_are_taken_as_they_are(self):
+        self.give("a.asc", asc([[1, NULL], [3, 4]]))
+        numpy.testing.assert_array_equal(self.thinned("a.asc", 2).values, [[1, numpy.nan], [3, 4]])
+
+    def test_rows_over_several_lines(self):
+        self.give("a.asc", asc([[1]]).replace("ncols 1", "ncols 3").replace("nrows 1", "nrows 2").replace("\n1\n", "\n1 2\n3 junk\n4\n5\n6\n"))
+        numpy.testing.assert_array_equal(self.thinned("a.asc", 9).values, [[1, 2, 3], [4, 5, 6]])
+
+    def test_only_the_cells_that_touch_the_window(self):
+        self.give("a.asc", asc([[1, 2, 3], [4, 5, 6], [7, 8, 9]], cell=10))
+        grid = self.thinned("a.asc", 9, wanted=grid_blocks.Window(10, 5, 29, 20))
+        numpy.testing.assert_array_equal(grid.values, [[5, 6], [8, 9]])
+        self.assertEqual(grid.extent, (10, 30, 0, 20))
+
+    def test_a_large_grid_takes_little_memory(self):
+        side = 12000  # cells of a file of 576 million bytes without a byte on the disk
+        self.give("a.hdr", f"ncols {side}\nnrows {side}\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -9999\nbyteorder LSBFIRST\n")
+        with open(self.folder / "a.flt", "wb") as file:
+            file.truncate(side * side * 4)
+        program = ("import resource, sys; from gridforge import picture; "
+                   "status = picture.main(['a.flt', 'o.png', '--kind', 'level']); "
+                   "print(resource.getrusage(resource.RUSAGE_SELF).ru_maxrss); sys.exit(status)")
+        run = self.python(program)
+        self.assertEqual((run.status, run.error), (0, ""))
+        self.assertLess(int(run.out) * 1024, side * side * 4 / 2)
+
+    def test_broken_grids(self):
+        self.give("a.asc", asc([[1, 2], [3, 4]])[:-3])
+        self.give("b.asc", asc([[1, 2], [3, 4]]).replace("3 4", "3 ****"))
+        self.give("c.flt", "1234")
+        self.give("c.hdr", asc([[1, 2], [3, 4]]).split("1 2\n")[0] + "byteorder LSBFIRST\n")
+        self.fails("picture", "a.asc ends in row 2 of 2", "a.asc", "o.png", "--kind", "depth")
+        self.fails("picture", "b.asc: row 2 from the north holds what is no number", "b.asc", "o.png", "--kind", "depth")
+        self.fails("picture", "c.flt ends in row 1 of 2", "c.flt", "o.png", "--kind", "depth")
+
+
+class MessagesTest(Drawn):
+    def test_wrong_wishes(self):
+        self.give("a.asc", asc([[1, 2], [3, 4]]))
+        for message, *arguments in (
+                ("the name of a.asc tells no kind: --kind is one of depth, level, difference, source, wet_dry, impact", "o.png"),
+                ("o.jpg: a picture ends in .png", "o.jpg"),
+                ("--window: west, south, east, north are expected, each smaller than its opposite", "o.png", "--window", "2", "0", "1",
+                 "1"),
+                ("--range: the low end must lie below the high end", "o.png", "--range", "2", "2"),
+                ("--width and --dpi: the picture is too narrow or too large", "o.png", "--width", "3"),
+                ("a.asc has no cell in the window", "o.png", "--kind", "depth", "--window", "9", "9", "10", "10"),
+                ("none.asc: No such file or directory", "o.png", "--kind", "depth", "--ground", "none.asc"),
+                ("the folder of none/o.png does not exist", "none/o.png")):
+            self.fails("picture", message, "a.asc", *arguments)
+        self.fails("picture", "error: argument --dpi: a number above 0 is expected, not none", "a.asc", "o.png", "--dpi", "none",
+                   status=2)
+
+    def test_nothing_to_draw(self):
+        self.give("a.asc", asc([[NULL, NULL], [1, NULL]]))
+        self.fails("picture", "a.asc has no value in the window", "a.asc", "o.png", "--kind", "depth", "--window", "1", "0", "2", "1")
+        self.give("a.asc", asc([[NULL]]))
+        self.fails("picture", "a.asc has no value", "a.asc", "o.png", "--kind", "depth")
+        self.give("a.asc", asc([[1]]))
+        self.give("l.mif", mif(["Name Char(9)"], "Line 5 5 10 5\n"))
+        self.give("l.mid", '"x"\n')
+        self.fails("picture", "l.mif has nothing in the window of the picture", "a.asc", "o.png", "--kind", "depth", "--layer", "l.mif")
+        self.give("x.txt", "no layer")
+        run = self.command("picture", "a.asc", "o.png", "--kind", "depth", "--layer", "x.txt")
+        self.assertRegex(run.error, r"^gridforge-picture: x\.txt: GDAL cannot read it as a layer: .*\n$")
+
+    def test_files_that_are_there(self):
+        self.give("a_d.asc", asc([[1, 2], [3, 4]]))
+        self.good("picture", "a_d.asc", "o.png")
+        self.assertEqual(self.files(), ["a_d.asc", "o.png"])
+        self.fails("picture", "o.png is there already; --overwrite replaces it", "a_d.asc", "o.png")
+
+    def test_missing_packages(self):
+        self.give("a_d.asc", asc([[1]]))
+        self.give("l.mif", mif(["Name Char(9)"], ""))
+        for package, message in (("numpy", "numpy is not installed (Debian package python3-numpy)"),
+                                 ("matplotlib", "matplotlib is not installed (Debian package python3-matplotlib)"),
+                                 ("osgeo", "GDAL for Python is not installed (Debian package python3-gdal)")):
+            run = self.process("picture", "a_d.asc", "o.png", "--layer", "l.mif", without=(package,))
+            self.assertEqual((run.status, run.error), (1, f"gridforge-picture: {message}\n"))
+        run = self.process("picture", "a_d.asc", "o.png", without=("osgeo",))  # not needed without layers
+        self.assertEqual((run.status, run.error), (0, ""))
