@@ -5,6 +5,7 @@
 #include "run/inputs.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <tuple>
 
@@ -170,7 +171,7 @@ constexpr std::string_view kDecimals =
 // of what each flag means. The spans of "change" and "check" are one longer than their keys, so "--change" is "-change"
 // too. "-nowetdry" and "-change" count as operations though they are options of "-dif"; the validation relies on it.
 // clang-format off
-constexpr std::array<FlagRow, 58> kFlags = {{
+constexpr auto kFlags = std::to_array<FlagRow>({
     {"max",        3,  contains, operation, none,         atFlag,    {"highest value of each cell over the input grids, with its source grid", "max"},
                                                                      choose<&MaxMinOptions::extreme, ops::Extreme::maximum>},
     {"min",        3,  contains, operation, none,         atFlag,    {"lowest value of each cell over the input grids, with its source grid", "max"}},
@@ -277,7 +278,7 @@ constexpr std::array<FlagRow, 58> kFlags = {{
     {"stat",       4,  contains, operation, statistic,    afterScan, {"statistics of the input grids; flags add up", "stat", choice, "All|Mean|Median|Min|Max|Frac|Rank<n>|RankAll", "", "", {.repeated = true}}},
     {"decimal",    7,  contains, option,    gluedInteger, never,     {"decimal places of .asc cells", kDecimals, integer, "places", "3", "decimals"},
                                                                      nullptr, glued<&Common::decimals>},
-}};
+});
 // clang-format on
 
 bool matches(const FlagRow& row, std::string_view argument)

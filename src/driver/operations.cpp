@@ -37,93 +37,93 @@ namespace {
 using enum FileKind;
 
 // clang-format off
-constexpr std::array<OutputRow, 6> kMaxOutputs = {{
+constexpr auto kMaxOutputs = std::to_array<OutputRow>({
     {grid, "{first}(maxmax)", "{out}", "max"},
     {grid, "{first}(maxmax)_src", "{out}_src", "max", "src"},
     {table, "{first}(maxmax)_src_legend.csv", "{out}_src_legend.csv", "max", "src"},
     {grid, "{first}(minmin)", "{out}", "min"},
     {grid, "{first}(minmin)_src", "{out}_src", "min", "src"},
     {table, "{first}(minmin)_src_legend.csv", "{out}_src_legend.csv", "min", "src"},
-}};
-constexpr std::array<OutputRow, 1> kConvOutputs = {{
+});
+constexpr auto kConvOutputs = std::to_array<OutputRow>({
     {grid, "{input}", "{out}"},
-}};
-constexpr std::array<OutputRow, 1> kNcOutputs = {{
+});
+constexpr auto kNcOutputs = std::to_array<OutputRow>({
     {netcdf, "{first}.nc", "{out}.nc"},
-}};
-constexpr std::array<OutputRow, 2> kDifOutputs = {{
+});
+constexpr auto kDifOutputs = std::to_array<OutputRow>({
     {grid, "{first} - {second}", "{out}"},
     {grid, "{first} - {second}_wd", "{out}_wd", "", "change nowetdry"},
-}};
-constexpr std::array<OutputRow, 2> kCdOutputs = {{
+});
+constexpr auto kCdOutputs = std::to_array<OutputRow>({
     {grid, "{first}_cd{value}", "{out}", "", "", "of one input"},
     {grid, "{second}_filtered{value}", "{out}", "", "", "of two inputs"},
-}};
-constexpr std::array<OutputRow, 1> kTransMOutputs = {{
+});
+constexpr auto kTransMOutputs = std::to_array<OutputRow>({
     {grid, "{first}_trans", "{out}"},
-}};
-constexpr std::array<OutputRow, 1> kFeOutputs = {{
+});
+constexpr auto kFeOutputs = std::to_array<OutputRow>({
     {grid, "{first}_extent", "{out}"},
-}};
-constexpr std::array<OutputRow, 1> kFuzzyOutputs = {{
+});
+constexpr auto kFuzzyOutputs = std::to_array<OutputRow>({
     {grid, "{first}_fuzzy", "{out}"},
-}};
-constexpr std::array<OutputRow, 1> kCountOutputs = {{
+});
+constexpr auto kCountOutputs = std::to_array<OutputRow>({
     {table, "{first}_count.txt"},
-}};
-constexpr std::array<OutputRow, 1> kResizeOutputs = {{
+});
+constexpr auto kResizeOutputs = std::to_array<OutputRow>({
     {grid, "{first}_resize{value}", "{out}"},
-}};
-constexpr std::array<OutputRow, 1> kClassifyOutputs = {{
+});
+constexpr auto kClassifyOutputs = std::to_array<OutputRow>({
     {grid, "{first}_classified", "{out}"},
-}};
-constexpr std::array<OutputRow, 1> kHistogramOutputs = {{
+});
+constexpr auto kHistogramOutputs = std::to_array<OutputRow>({
     {table, "{first}_histogram.csv"},
-}};
-constexpr std::array<OutputRow, 3> kCpOutputs = {{
+});
+constexpr auto kCpOutputs = std::to_array<OutputRow>({
     {layer, "{layer}_Res", "{out}"},
     {layer, "{layer}_Cn", "{out}_Cn"},
     {table, "{layer}.csv", "{out}.csv"},
-}};
-constexpr std::array<OutputRow, 2> kLpOutputs = {{
+});
+constexpr auto kLpOutputs = std::to_array<OutputRow>({
     {table, "{layer}_{label}.csv", "{out}_{label}.csv", "", "", "of each line"},
     {layer, "{layer}_LP_check", "{out}", "check"},
-}};
-constexpr std::array<OutputRow, 2> kBrklineOutputs = {{
+});
+constexpr auto kBrklineOutputs = std::to_array<OutputRow>({
     {layer, "{layer}_brkline"},
     {layer, "{layer}_check", "", "check"},
-}};
-constexpr std::array<OutputRow, 3> kXsOutputs = {{
+});
+constexpr auto kXsOutputs = std::to_array<OutputRow>({
     {layer, "1d_nwk{rest}", "", "branch", "", "in the folder of the branches"},
     {layer, "1d_xs{rest}", "", "", "", "in the folder of the sections"},
     {table, "{table}", "", "", "", "of each section, by its first attribute or csv/{branch}_{chainage}.csv"},
-}};
-constexpr std::array<OutputRow, 4> kNbcOutputs = {{
+});
+constexpr auto kNbcOutputs = std::to_array<OutputRow>({
     {layer, "1d_nwk{rest}", "", "", "", "in the folder of the branches, unless the control file says otherwise"},
     {layer, "1d_xs{rest}", "", "", "", "in the folder of the sections, unless the control file says otherwise"},
     {table, "{table}", "", "", "", "of each section, by its first attribute or csv/{branch}_{chainage}.csv"},
     {layer, "{control}.nbc_check", "", "", "", "with Write Check == On"},
-}};
-constexpr std::array<OutputRow, 1> kNaOutputs = {{
+});
+constexpr auto kNaOutputs = std::to_array<OutputRow>({
     {table, "{table}", "", "", "", "of each region, by its first attribute"},
-}};
-constexpr std::array<OutputRow, 1> kMultiplyOutputs = {{
+});
+constexpr auto kMultiplyOutputs = std::to_array<OutputRow>({
     {grid, "{first}_mlt_{second}", "{out}"},
-}};
-constexpr std::array<OutputRow, 1> kXyzOutputs = {{
+});
+constexpr auto kXyzOutputs = std::to_array<OutputRow>({
     {grid, "{first}_xyz_to_grid", "{out}"},
-}};
-constexpr std::array<OutputRow, 4> kTrimOutputs = {{
+});
+constexpr auto kTrimOutputs = std::to_array<OutputRow>({
     {grid, "{region}_{input}", "{out}", "", "", "of one input and one region"},
     {grid, "{region}_{input}", "{out}_{input}", "", "", "of several inputs and one region"},
     {grid, "{region}_{input}", "{out}_{region}", "", "", "of one input and several regions"},
     {grid, "{region}_{input}", "{out}_{input}_{region}", "", "", "of several inputs and regions"},
-}};
-constexpr std::array<OutputRow, 2> kDamagesOutputs = {{
+});
+constexpr auto kDamagesOutputs = std::to_array<OutputRow>({
     {layer, "{layer}_Damages", "{out}", "", "", "after the first layer of the control file"},
     {table, "{layer}_Damages.csv", "{out}.csv", "", "", "after the first layer of the control file"},
-}};
-constexpr std::array<OutputRow, 7> kRfOutputs = {{
+});
+constexpr auto kRfOutputs = std::to_array<OutputRow>({
     {grid, "{control}_t{time}", "", "", "", "of each time, with RF Grid Format == ASC or FLT"},
     {grid, "{control}_total", "", "", "", "with RF Grid Format == ASC or FLT"},
     {netcdf, "{control}.nc", "", "", "", "with RF Grid Format == NC"},
@@ -131,15 +131,15 @@ constexpr std::array<OutputRow, 7> kRfOutputs = {{
     {grid, "rf_index", "", "", "", "with RF Interpolation Method == Polygon"},
     {grid, "rf_fac", "", "", "", "with RF Interpolation Method == Polygon"},
     {grid, "rf_giit", "", "", "", "with RF Interpolation Method == TIN"},
-}};
-constexpr std::array<OutputRow, 5> kRemapOutputs = {{
+});
+constexpr auto kRemapOutputs = std::to_array<OutputRow>({
     {grid, "{levels}_remap_h"},
     {grid, "{levels}_remap_d"},
     {grid, "{levels}_h_IDW", "", "idw_npt bd fb", "", "by the IDW method"},
     {grid, "{levels}_d2_iter{n}", "", "idw_npt bd fb", "", "of each 100th iteration of the IDW method"},
     {grid, "{input}_remap", "", "", "", "of each input without _h_ and _d_ in its name"},
-}};
-constexpr std::array<OutputRow, 12> kStatOutputs = {{
+});
+constexpr auto kStatOutputs = std::to_array<OutputRow>({
     {grid, "{first}_Min_Val", "{out}_Min_Val", "statMin statAll"},
     {grid, "{first}_Min_Src", "{out}_Min_Src", "statMin statAll"},
     {grid, "{first}_Max_Val", "{out}_Max_Val", "statMax statAll"},
@@ -152,7 +152,7 @@ constexpr std::array<OutputRow, 12> kStatOutputs = {{
     {grid, "{first}_Rank{rank}_Val", "{out}_Rank{rank}_Val", "statRank statRankAll", "", "of each rank"},
     {grid, "{first}_Rank{rank}_Src", "{out}_Rank{rank}_Src", "statRank statRankAll", "", "of each rank"},
     {table, "{first}_Src_legend.csv", "{out}_Src_legend.csv"},
-}};
+});
 // clang-format on
 
 // --- How a run is called ---------------------------------------------------------------------------------------------
@@ -184,7 +184,7 @@ void with(const Settings& settings, const run::InputFileList& inputs)
 
 // The order counts only where validation lets a pair through.
 // clang-format off
-constexpr std::array<OperationRow, 25> kOperations = {{
+constexpr auto kOperations = std::to_array<OperationRow>({
     {"max",
      {"highest or lowest value of each cell over many grids", "max-min", {1, run::kMaxInputs}, kMaxOutputs},
      with<ops::runMaxMin>},
@@ -260,7 +260,7 @@ constexpr std::array<OperationRow, 25> kOperations = {{
     {"stat",
      {"minimum, maximum, mean, median, ranks and fraction wet over grids", "stat", {2, 10}, kStatOutputs},
      with<ops::runStat>},
-}};
+});
 // clang-format on
 
 } // namespace
