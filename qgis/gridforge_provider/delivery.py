@@ -1,0 +1,96 @@
+"""Outputs of a run to their places and into the project."""
+from __future__ import annotations
+
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Any, Union
+
+from processing.gui.RenderingStyles import RenderingStyles
+
+from . import room as rooms
+from . import styling
+from .call import Call
+from .form import Output, name_in_run
+from .loading import load_instead, load_later
+from .parameters import LAYERS, GridSource
+
+GRID_FILES = (".asc", ".flt", ".hdr", ".prj")
+LAYER_FILES = (".mif", ".mid", ".shp", ".shx", ".dbf", ".prj")
+
+
+@dataclass(frozen=True)
+class Run:
+    given: list[str]  # arguments
+    words: dict[str, str]  # what the words in names of outputs stand for
+    by_out: bool  # -out is given
+    made: list[Path]
+
+    def name_of(self, output: Output) -> str:
+        return name_in_run(output, self.given, self.words, self.by_out)
+
+    def files_of(self, output: Output) -> list[Path]:
+        name = self.name_of(output)
+        if not name:
+            return []
+        if output.kind in ("table", "netcdf"):
+            return [file for file in self.made if file.name == name]
+        kinds = GRID_FILES if output.kind == "grid" else LAYER_FILES
+        return rooms.with_stem([file for file in self.made if file.suffix.lower() in kinds], name)
+
+    @property
+    def opens_elsewhere(self) -> bool:
+        """A classified .asc is no grid for other programs."""
+        return "-grc" not in self.given
+
+
+def first_input(call: Call) -> str:
+    first = call.sources.get("INPUTS") or call.sources.get("INPUT")
+    first = first[0] if isinstance(first, list) and first else first
+    return Path(first.source).name if isinstance(first, GridSource) else ""
+
+
+def style_of(call: Call, output: Union[Output, None], files: list[Path], name: str) -> str:
+    """The style for a grid, whose cells are what its output says, or what a file of that `name` holds."""
+    grids = [file for file in files if file.suffix.lower() in (".asc", ".flt")]
+    own = output is not None and RenderingStyles.getStyle(call.algorithm.id(), output.name)  # set by the user
+    if not grids or own:
+        return ""
+    return styling.qml_for(styling.kind_for(output.style if output else "input", call.style, name), grids[0])
+
+
+def to_destinations(call: Call, run: Run, wanted: dict[str, Union[Path, None]]) -> dict[str, Any]:
+    found = {output.name: run.files_of(output) for output in call.form.outputs}
+    # Styles before anything is moved: names of sources come from the legend, which may go elsewhere.
+    styles = {output.name: style_of(call, output, found[output.name], first_input(call)) for output in call.form.outputs}
+    results: dict[str, Any] = {}
+    for output in call.form.outputs:
+        target, files = wanted[output.name], found[output.name]
+        if target is None:
+            continue
+        if not files:
+            load_instead(str(target), [], "", call.context)
+        elif output.kind in ("table", "netcdf"):
+            results[output.name] = str(rooms.move(files[0], target))
+        else:
+            layers = rooms.layers_of(rooms.move_output(files, run.name_of(output), target))
+            load_instead(str(target), layers if run.opens_elsewhere else [], styles[output.name], call.context)
+            results[output.name] = str(layers[0])
+    return results
+
+
+def from_folder(call: Call, run: Run) -> dict[str, Any]:
+    """Results of a run whose files are where they belong."""
+    results: dict[str, Any] = {}
+    owners: dict[Path, Output] = {}
+    for output in call.form.outputs:
+        files = run.files_of(output)
+        owners.update({file: output for file in files})
+        shown = rooms.layers_of(files) or files
+        if shown:
+            results[output.name] = str(shown[0])
+    layers = rooms.layers_of(run.made)
+    for layer in layers if call.loads else []:
+        load_later(layer, layer.stem, style_of(call, owners.get(layer), [layer], layer.name), call.context)
+    for file in run.made:
+        call.feedback.pushInfo(f"made {file}")
+    return results | {LAYERS: [str(layer) for layer in layers]}

@@ -1,0 +1,145 @@
+"""The folder of one run: its inputs under short names, its outputs, and the way of these to their places.
+
+Inputs keep their names, because the tool makes names of outputs and legends from them. Only the large file of cells is a link:
+the tool rewrites a projection, and no run may reach the files of the user in that way. Nothing here needs QGIS.
+"""
+from __future__ import annotations
+
+import os
+import shutil
+import tempfile
+from pathlib import Path
+from typing import Iterable
+
+# What belongs to a file besides itself, by its extension.
+BESIDE = {".asc": (".prj",), ".flt": (".hdr", ".prj"), ".mif": (".mid",), ".shp": (".shx", ".dbf", ".prj")}
+SHAPE_PARTS = ("_P.shp", "_L.shp", "_R.shp")
+LINKED = (".asc", ".flt")
+OUT = "out"
+
+
+def companions(file: Path) -> list[Path]:
+    """The files that belong to `file`. As in the tool, the case of their names does not count."""
+    wanted = {(file.stem + ending).lower() for ending in BESIDE.get(file.suffix.lower(), ())}
+    if not wanted:
+        return []
+    return sorted(entry for entry in file.parent.iterdir() if entry.name.lower() in wanted)
+
+
+def link(source: Path, target: Path) -> None:
+    """A link where the system allows one, else a copy."""
+    for make in (os.symlink, os.link):
+        try:
+            make(source.resolve(), target)
+            return
+        except OSError:
+            continue
+    shutil.copyfile(source, target)
+
+
+def _key(name: str) -> tuple[str, bool]:
+    is_grid = name.lower().endswith(LINKED)
+    return (os.path.splitext(name)[0] if is_grid else name).lower(), is_grid
+
+
+class Room:
+    """A scratch folder beside the outputs, so that they reach their places by a change of name."""
+
+    def __init__(self, beside: Path) -> None:
+        beside.mkdir(parents=True, exist_ok=True)
+        self.folder = Path(tempfile.mkdtemp(prefix=".gridforge-", dir=beside))
+        (self.folder / OUT).mkdir()
+        self._taken: set[tuple[str, bool]] = set()
+
+    def close(self) -> None:
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def name_for(self, wanted: str, apart: str = "") -> str:
+        """A name that no other input has: the wanted one, or that in a folder named `apart`, or in a numbered one.
+
+        Grids also stand apart if only their extensions differ, as the one may become the output made from the other.
+        """
+        name, number = wanted, 1
+        while _key(name) in self._taken:
+            name = f"{apart}/{wanted}" if apart and number == 1 else f"{number}/{wanted}"
+            number += 1
+        self._taken.add(_key(name))
+        (self.folder / name).parent.mkdir(parents=True, exist_ok=True)
+        return f"./{name}" if name.startswith("-") else name
+
+    def give(self, source: Path) -> str:
+        """Puts a file with what belongs to it into the room. Returns its name there."""
+        name = self.name_for(source.name, source.parent.name)
+        target = self.folder / name
+        (link if source.suffix.lower() in LINKED else shutil.copyfile)(source, target)
+        for file in companions(source):
+            shutil.copyfile(file, target.with_suffix(file.suffix))
+        return name
+
+    def project(self, name: str, projection: str) -> None:
+        """Gives an input a projection, if it brought none. The tool looks for it in the current folder."""
+        target = (self.folder / Path(name).name).with_suffix(".prj")
+        if projection and not target.exists():
+            target.write_text(projection, encoding="utf-8")
+
+    def listing(self) -> dict[Path, tuple[int, int]]:
+        return listing([self.folder])
+
+
+def layers_of(files: Iterable[Path]) -> list[Path]:
+    """Those files that open as a layer or grid, without what belongs to them."""
+    return [file for file in files if file.suffix.lower() in (".asc", ".flt", ".mif", ".shp")]
+
+
+def with_stem(files: Iterable[Path], stem: str) -> list[Path]:
+    """The files of an output: those of the name itself, and the parts of a Shapefile."""
+    parts = {stem.lower(), *(stem.lower() + part[:-4].lower() for part in SHAPE_PARTS)}
+    return [file for file in files if file.stem.lower() in parts]
+
+
+def move(file: Path, target: Path) -> Path:
+    """To its place, over what is there."""
+    target.parent.mkdir(parents=True, exist_ok=True)
+    try:
+        os.replace(file, target)
+    except OSError:  # on another disk
+        shutil.move(str(file), str(target))
+    return target
+
+
+def move_output(files: Iterable[Path], stem: str, target: Path) -> list[Path]:
+    """Moves the files of an output that is called `stem` in the room so that it is called `target`, and returns them.
+
+    What follows the stem stays: the parts of a Shapefile are `target_P.shp` and so on.
+    """
+    return [move(file, target.with_name(target.stem + file.stem[len(stem):] + file.suffix)) for file in files]
+
+
+def move_all(files: Iterable[Path], room: Path, folder: Path) -> list[Path]:
+    """Moves files to the same places in `folder`. What stands in `OUT` goes to its top."""
+    moved = []
+    for file in files:
+        inside = file.relative_to(room)
+        moved.append(move(file, folder / (inside.relative_to(OUT) if inside.parts[0] == OUT else inside)))
+    return moved
+
+
+def listing(folders: Iterable[Path]) -> dict[Path, tuple[int, int]]:
+    """Files in these folders and below them, with time and size, to find what a run has made."""
+    found: dict[Path, tuple[int, int]] = {}
+    for top in folders:
+        for folder, _, names in os.walk(top):
+            for name in names:
+                path = Path(folder) / name
+                if name.endswith(".aux.xml"):  # notes of GDAL about grids that it has read
+                    continue
+                try:
+                    status = path.stat()
+                except OSError:
+                    continue
+                found[path] = (status.st_mtime_ns, status.st_size)
+    return found
+
+
+def changed(before: dict[Path, tuple[int, int]], after: dict[Path, tuple[int, int]]) -> list[Path]:
+    return sorted(path for path, status in after.items() if before.get(path) != status)

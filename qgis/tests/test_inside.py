@@ -1,0 +1,382 @@
+"""The plugin inside a QGIS without windows: how it loads, what it converts and puts into the project, how a run is cancelled."""
+import with_qgis  # first: it chooses the Python
+
+import os
+import stat
+import subprocess
+import sys
+import tempfile
+import unittest
+import warnings
+from pathlib import Path
+
+TEMPORARY = tempfile.TemporaryDirectory()
+os.environ.update(with_qgis.environment(TEMPORARY.name), GDAL_PAM_ENABLED="NO")  # no notes about folders that are gone
+sys.path[:0] = ["/usr/share/qgis/python", "/usr/share/qgis/python/plugins"]
+
+import numpy  # noqa: E402
+import qgis.utils  # noqa: E402
+from osgeo import gdal, osr  # noqa: E402
+from qgis.core import (QgsApplication, QgsCoordinateReferenceSystem, QgsFeature, QgsGeometry, QgsPointXY,  # noqa: E402
+                       QgsProcessingContext, QgsProcessingException, QgsProcessingFeatureSourceDefinition, QgsProcessingFeedback,
+                       QgsProject, QgsRasterLayer, QgsVectorFileWriter, QgsVectorLayer)
+
+import samples  # noqa: E402
+import unpacked  # noqa: E402
+
+gdal.UseExceptions()
+QGIS = QgsApplication([], False)
+QGIS.initQgis()
+LOG = []
+QgsApplication.messageLog().messageReceived.connect(lambda text, tag, level: LOG.append((tag, level, text)))
+from processing.core.Processing import Processing  # noqa: E402
+from processing.core.ProcessingConfig import ProcessingConfig  # noqa: E402
+from processing.gui.Postprocessing import handleAlgorithmResults  # noqa: E402
+from processing.gui.RenderingStyles import RenderingStyles  # noqa: E402
+
+Processing.initialize()
+qgis.utils.plugin_paths.append(str(unpacked.PLUGINS))
+qgis.utils.updateAvailablePlugins()
+with warnings.catch_warnings(record=True) as WARNINGS:
+    warnings.simplefilter("always")
+    LOADED = qgis.utils.loadPlugin("gridforge_provider") and qgis.utils.startProcessingPlugin("gridforge_provider")
+from gridforge_provider.gridforge import styles  # noqa: E402
+
+REGISTRY = QgsApplication.processingRegistry()
+
+
+class Feedback(QgsProcessingFeedback):
+    """Keeps what is said, and is cancelled at a line that holds `cancel_at`."""
+
+    def __init__(self, cancel_at=None):
+        super().__init__(False)
+        self.lines, self.warnings, self.cancel_at = [], [], cancel_at
+
+    def pushConsoleInfo(self, text):
+        self.lines.append(text)
+        if self.cancel_at and self.cancel_at in text:
+            self.cancel()
+
+    def pushWarning(self, text):
+        self.warnings.append(text)
+
+
+class PluginTest(unittest.TestCase):
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder = Path(scratch.name)
+        samples.write_samples(self.folder / "in")
+        self.project = QgsProject()
+        self.feedback = Feedback()
+
+    def path(self, name):
+        return str(self.folder / name)
+
+    def run_algorithm(self, name, **parameters):
+        """As the toolbox does it: the outputs named in `load` are loaded."""
+        algorithm = REGISTRY.createAlgorithmById(f"gridforge:{name}")
+        context = QgsProcessingContext()
+        context.setProject(self.project)
+        context.setFeedback(self.feedback)
+        for output in parameters.pop("load", ()):
+            details = QgsProcessingContext.LayerDetails(output, self.project, output)
+            context.addLayerToLoadOnCompletion(parameters[output], details)
+        good, told = algorithm.checkParameterValues(parameters, context)
+        self.assertTrue(good, told)
+        results, good = algorithm.run(parameters, context, self.feedback, catchExceptions=False)
+        self.assertTrue(good)
+        handleAlgorithmResults(algorithm, context, self.feedback, False, parameters)
+        return results
+
+    def cells(self, path):
+        return gdal.Open(path).ReadAsArray().tolist()
+
+
+class LoadingTest(PluginTest):
+    def test_it_loads_without_a_warning(self):
+        self.assertTrue(LOADED)
+        ours = [str(warning.message) for warning in WARNINGS if "gridforge" in str(warning.filename)]
+        self.assertEqual(ours, [])
+        self.assertEqual([entry for entry in LOG if "gridforge" in entry[2] or entry[0] in ("Python warning", "gridforge")], [])
+        self.assertEqual(len(REGISTRY.providerById("gridforge").algorithms()), 25)
+
+    def test_algorithms_say_what_they_are(self):
+        for algorithm in REGISTRY.providerById("gridforge").algorithms():
+            with self.subTest(algorithm.name()):
+                self.assertNotEqual(algorithm.displayName(), algorithm.name())
+                self.assertNotEqual(algorithm.group(), "Others")
+                self.assertIn("What it does", algorithm.shortHelpString())
+                self.assertNotIn("\n", algorithm.shortHelpString())
+                names = [definition.name() for definition in algorithm.parameterDefinitions()]
+                self.assertEqual(len(names), len(set(names)))
+                self.assertTrue(all(definition.description() for definition in algorithm.parameterDefinitions()))
+                self.assertFalse(algorithm.icon().isNull())
+
+    def test_it_can_be_taken_out_and_put_back(self):
+        self.assertTrue(qgis.utils.unloadPlugin("gridforge_provider"))
+        self.assertIsNone(REGISTRY.providerById("gridforge"))
+        self.assertTrue(qgis.utils.loadPlugin("gridforge_provider") and qgis.utils.startProcessingPlugin("gridforge_provider"))
+        self.assertEqual(len(REGISTRY.providerById("gridforge").algorithms()), 25)
+
+
+class ConversionTest(PluginTest):
+    def tiff(self, name, cells, kind=gdal.GDT_Float32, null=None, west=500000.0, size=10.0, height=None):
+        cells = numpy.array(cells)
+        dataset = gdal.GetDriverByName("GTiff").Create(self.path(name), cells.shape[1], cells.shape[0], 1, kind)
+        dataset.SetGeoTransform((west, size, 0.0, 7000000.0, 0.0, -(height or size)))
+        system = osr.SpatialReference()
+        system.ImportFromEPSG(32756)
+        dataset.SetProjection(system.ExportToWkt())
+        dataset.GetRasterBand(1).WriteArray(cells)
+        if null is not None:
+            dataset.GetRasterBand(1).SetNoDataValue(null)
+        del dataset
+        return self.path(name)
+
+    def test_a_grid_of_another_format(self):
+        source = self.tiff("bytes.tif", [[1, 2, 3], [4, 255, 6]], gdal.GDT_Byte, null=255)
+        results = self.run_algorithm("trans_m", INPUT=source, TRANS_M=2, OUTPUT=self.path("out/twice.asc"))
+        lines = Path(results["OUTPUT"]).read_text().split("\n")
+        self.assertEqual([line.split() for line in lines[:6]],
+                         [["ncols", "3"], ["nrows", "2"], ["xllcorner", "500000."], ["yllcorner", "6999980."],
+                          ["cellsize", "10."], ["NODATA_value", "-9999.0"]])
+        self.assertEqual([[float(cell) for cell in line.split()] for line in lines[6:8]], [[2, 4, 6], [8, -9999, 12]])
+        self.assertIn("WGS_1984_UTM_Zone_56S", Path(self.path("out/twice.prj")).read_text())
+        self.assertEqual([path.name for path in self.folder.iterdir() if path.name.startswith(".")], [])
+
+    def test_cells_that_are_no_number_are_null(self):
+        source = self.tiff("reals.tif", [[1.5, float("nan")], [float("inf"), -0.25]])
+        results = self.run_algorithm("trans_m", INPUT=source, TRANS_C=0, OUTPUT=self.path("same.flt"))
+        self.assertEqual(self.cells(results["OUTPUT"]), [[1.5, -9999], [-9999, -0.25]])
+
+    def test_grids_that_the_tool_cannot_have(self):
+        source = self.tiff("oblong.tif", [[1, 2]], height=20.0)
+        with self.assertRaises(QgsProcessingException) as raised:
+            self.run_algorithm("fe", INPUT=source, OUTPUT=self.path("e.asc"))
+        self.assertEqual(str(raised.exception),
+                         f"The cells of the grid are not square: {source}\ngridforge-prepare --cell SIZE gives it square ones.")
+        dataset = gdal.Open(self.tiff("turned.tif", [[1, 2]]), gdal.GA_Update)
+        dataset.SetGeoTransform((0, 10, 1, 0, 1, -10))
+        del dataset
+        with self.assertRaises(QgsProcessingException) as raised:
+            self.run_algorithm("fe", INPUT=self.path("turned.tif"), OUTPUT=self.path("e.asc"))
+        self.assertEqual(str(raised.exception),
+                         f"The grid does not point north: {self.path('turned.tif')}\ngridforge-prepare --cell SIZE turns it.")
+
+    def test_the_first_of_several_bands(self):
+        gdal.Translate(self.path("two.tif"), self.tiff("one.tif", [[1, 2]]), bandList=[1, 1])
+        self.run_algorithm("fe", INPUT=self.path("two.tif"), OUTPUT=self.path("e.asc"))
+        self.assertEqual(self.feedback.warnings,
+                         [f"The tool takes one band of a grid, so this is the first of 2: {self.path('two.tif')}"])
+
+    def test_the_exceptions_of_gdal_are_left_alone(self):
+        import_all = "import sys; sys.path[:0] = sys.argv[1:]; from osgeo import gdal; gdal.DontUseExceptions(); " \
+                     "import gridforge_provider.job, gridforge_provider.provider; sys.exit(gdal.GetUseExceptions())"
+        done = subprocess.run([sys.executable, "-B", "-c", import_all, *sys.path], check=False)
+        self.assertEqual(done.returncode, 0)
+
+    def points(self, kind):
+        """Two points at (4.4, 4.4) and (6.4, 5.4), in memory or in a GeoPackage."""
+        layer = QgsVectorLayer("Point?crs=EPSG:32756&field=seen:double&field=mark:string(20)", "marks", "memory")
+        for x, y, seen, mark in ((4.4, 4.4, 55.0, "m"), (6.4, 5.4, 20.0, "n")):
+            feature = QgsFeature(layer.fields())
+            feature.setGeometry(QgsGeometry.fromPointXY(QgsPointXY(x, y)))
+            feature.setAttributes([seen, mark])
+            layer.dataProvider().addFeature(feature)
+        if kind == "memory":
+            return layer
+        options = QgsVectorFileWriter.SaveVectorOptions()
+        options.driverName = "GPKG"
+        QgsVectorFileWriter.writeAsVectorFormatV3(layer, self.path("marks.gpkg"), self.project.transformContext(), options)
+        return QgsVectorLayer(self.path("marks.gpkg"), "marks", "ogr")
+
+    def sampled(self, points):
+        results = self.run_algorithm("cp", INPUT=self.path("in/a.asc"), CP=points, CPSD=4, OUTPUT=self.path("r.mif"),
+                                     OUTPUT_TABLE=self.path("r.csv"))
+        return [line.replace(" ", "") for line in Path(results["OUTPUT_TABLE"]).read_text().splitlines()[1:]]
+
+    # The nearest corners are (4, 4), the cell 44, and (6, 5), the cell 56.
+    ROWS = ['"m",55.000,44.000,-11.000,0.566', '"n",20.000,56.000,36.000,0.566']
+
+    def test_layers_of_other_formats(self):
+        self.assertEqual(self.sampled(self.points("memory")), self.ROWS)
+
+    def test_the_key_of_a_geopackage_is_no_column(self):
+        layer = self.points("GPKG")
+        self.assertEqual(layer.fields().names(), ["fid", "seen", "mark"])
+        self.assertEqual(self.sampled(layer), self.ROWS)
+
+    def test_selected_objects_only(self):
+        layer = self.points("memory")
+        self.project.addMapLayer(layer)
+        layer.selectByExpression("mark = 'n'")
+        self.assertEqual(self.sampled(QgsProcessingFeatureSourceDefinition(layer.id(), True)), self.ROWS[1:])
+
+    def test_a_filtered_layer(self):
+        layer = self.points("GPKG")
+        layer.setSubsetString("mark = 'm'")
+        self.assertEqual(self.sampled(layer), self.ROWS[:1])
+
+    def test_a_layer_without_projection(self):
+        layer = self.points("memory")
+        layer.setCrs(QgsCoordinateReferenceSystem())
+        self.assertEqual(self.sampled(layer), self.ROWS)
+
+    def test_the_projection_of_a_layer_in_the_project(self):
+        layer = QgsRasterLayer(self.path("in/b.asc"), "b")
+        layer.setCrs(QgsCoordinateReferenceSystem("EPSG:28356"))
+        self.run_algorithm("fe", INPUT=layer, OUTPUT=self.path("e.asc"))
+        self.assertIn("GDA_1994_MGA_Zone_56", Path(self.path("e.prj")).read_text())
+        self.assertFalse(Path(self.path("in/b.prj")).exists())
+
+
+class ProjectTest(PluginTest):
+    def layer(self, name):
+        found = [layer for layer in self.project.mapLayers().values() if layer.name() == name]
+        self.assertEqual(len(found), 1, [layer.name() for layer in self.project.mapLayers().values()])
+        return found[0]
+
+    def legend(self, layer):
+        return [label for label, _ in layer.renderer().legendSymbologyItems()]
+
+    def test_sources_have_the_names_of_the_legend(self):
+        self.run_algorithm("max", INPUTS=[self.path("in/a.asc"), self.path("in/b.asc")], OUTPUT=self.path("m.asc"),
+                           OUTPUT_SRC=self.path("s.flt"), load=["OUTPUT", "OUTPUT_SRC"])
+        self.assertEqual(self.legend(self.layer("OUTPUT_SRC")), ["a", "b"])
+        # The tool writes both grids in the format of the first.
+        self.assertEqual(self.layer("OUTPUT_SRC").source(), self.path("s.asc"))
+
+    def test_the_kind_of_values_is_chosen_or_comes_from_the_name(self):
+        (self.folder / "in/a.asc").rename(self.folder / "in/depth_1.asc")
+        inputs = [self.path("in/depth_1.asc"), self.path("in/b.asc")]
+        for style, label in ((0, "above 5 m"), (1, "above 5 m"), (4, "rises by more than 0.5 m")):
+            self.project.clear()
+            self.run_algorithm("max", INPUTS=inputs, STYLE=style, OUTPUT=self.path("m.asc"), load=["OUTPUT"])
+            self.assertEqual(self.legend(self.layer("OUTPUT"))[-1], label)
+        self.project.clear()
+        self.run_algorithm("max", INPUTS=inputs, STYLE=5, OUTPUT=self.path("m.asc"), load=["OUTPUT"])
+        self.assertNotIn("above 5 m", self.legend(self.layer("OUTPUT")))
+
+    def test_a_style_of_the_user_goes_first(self):
+        Path(self.path("mine.qml")).write_text(styles.qml(styles.styles()["depth"]))
+        RenderingStyles.styles["gridforge:dif"] = {"OUTPUT": self.path("mine.qml")}
+        self.addCleanup(RenderingStyles.styles.pop, "gridforge:dif")
+        self.run_algorithm("dif", INPUT=self.path("in/a.asc"), INPUT_2=self.path("in/b.asc"), OUTPUT=self.path("d.asc"),
+                           load=["OUTPUT"])
+        self.assertIn("above 5 m", self.legend(self.layer("OUTPUT")))
+
+    def test_differences(self):
+        self.run_algorithm("dif", INPUT=self.path("in/a.asc"), INPUT_2=self.path("in/b.asc"), OUTPUT=self.path("d.asc"),
+                           OUTPUT_WD=self.path("d_wd.asc"), load=["OUTPUT", "OUTPUT_WD"])
+        self.assertIn("1 m or higher", self.legend(self.layer("OUTPUT")))
+        self.assertIn("wet only in the first grid", self.legend(self.layer("OUTPUT_WD")))
+
+    def test_results_in_a_folder_are_loaded(self):
+        self.run_algorithm("remap", WL=self.path("in/b.asc"), DEM=self.path("in/a.asc"), FOLDER=self.path("r"))
+        self.assertEqual({layer.name() for layer in self.project.mapLayers().values()}, {"b_remap_h", "b_remap_d"})
+        self.assertIn("above 5 m", self.legend(self.layer("b_remap_d")))
+
+    def test_or_not(self):
+        results = self.run_algorithm("stat", INPUTS=[self.path("in/a.asc"), self.path("in/b.asc")], STAT=[3],
+                                     FOLDER=self.path("r"), LOAD=False)
+        self.assertEqual(self.project.mapLayers(), {})
+        self.assertEqual(results["OUTPUT_MIN_VAL"], self.path("r/a_Min_Val.asc"))
+
+    def test_each_kind_of_geometry_of_a_layer(self):
+        self.run_algorithm("damages", DAMAGES=self.path("in/floods.dmg"), OUTPUT=self.path("h.mif"),
+                           OUTPUT_TABLE=self.path("h.csv"),
+                           load=["OUTPUT"])
+        kinds = sorted(layer.geometryType() for layer in self.project.mapLayers().values())
+        self.assertEqual(kinds, [0, 2])  # points and polygons
+        self.assertEqual([layer.featureCount() for layer in self.project.mapLayers().values()], [1, 1])
+
+    def test_parts_of_a_shapefile(self):
+        results = self.run_algorithm("damages", DAMAGES=self.path("in/floods.dmg"), OUTPUT=self.path("h.shp"), load=["OUTPUT"])
+        self.assertEqual(results["OUTPUT"], self.path("h_P.shp"))
+        self.assertEqual(sorted(layer.source() for layer in self.project.mapLayers().values()),
+                         [self.path("h_P.shp"), self.path("h_R.shp")])
+
+    def test_a_classified_text_is_not_loaded(self):
+        self.run_algorithm("classify", INPUT=self.path("in/a.asc"), CLASSIFY=self.path("in/classes.csv"), GRC=True,
+                           OUTPUT=self.path("c.asc"), load=["OUTPUT"])
+        self.assertTrue(Path(self.path("c.asc")).is_file())
+        self.assertEqual(self.project.mapLayers(), {})
+
+
+class RunTest(PluginTest):
+    def tool(self, text):
+        """A tool that is told what to do, for this test."""
+        path = self.folder / "tool"
+        path.write_text("#!/bin/sh\n" + text)
+        path.chmod(path.stat().st_mode | stat.S_IXUSR)
+        before = os.environ["GRIDFORGE"]
+        os.environ["GRIDFORGE"] = str(path)
+        self.addCleanup(os.environ.__setitem__, "GRIDFORGE", before)
+
+    def failure(self, name, **parameters):
+        with self.assertRaises(QgsProcessingException) as raised:
+            self.run_algorithm(name, **parameters)
+        return str(raised.exception)
+
+    def test_the_console_is_in_the_log(self):
+        self.run_algorithm("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("e.asc"))
+        self.assertIn("Writing ASC grid...", self.feedback.lines)
+        self.assertEqual(self.feedback.lines[-1], "Finished.")
+
+    def test_warnings_stand_out(self):
+        self.run_algorithm("classify", INPUT=self.path("in/a.asc"), CLASSIFY=self.path("in/classes.csv"), RGB=True,
+                           OUTPUT=self.path("c.asc"))
+        self.assertEqual(self.feedback.warnings, ['WARNING - Must specify "-grc" to get classified .asc grid.'])
+
+    def test_a_run_that_ends_in_a_message(self):
+        self.assertEqual(self.failure("multiply", INPUT=self.path("in/a.asc"), INPUT_2=self.path("in/small.asc"),
+                                      OUTPUT=self.path("p.asc")),
+                         "ERROR - number of rows for input grids do not match. Rows = 9 and 4\n"
+                         "ERROR - number of columns for input grids do not match. Columns = 9 and 4\n"
+                         "ERROR - dimensions of grids do not match (see above for details).")
+        self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["in"])
+
+    def test_a_cancelled_run_is_ended_and_leaves_nothing(self):
+        self.tool(f'echo $$ > "{self.folder}/in/pid"\necho half > out/e.asc\necho begun\nexec sleep 100\n')
+        self.feedback = Feedback(cancel_at="begun")
+        self.assertEqual(self.failure("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("e.asc")), "The run was cancelled.")
+        with self.assertRaises(ProcessLookupError):
+            os.kill(int(Path(self.path("in/pid")).read_text()), 0)
+        self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["in", "tool"])
+
+    def test_nothing_is_asked_for(self):
+        self.assertEqual(self.failure("trans_m", INPUT=self.path("in/a.asc"), OUTPUT=self.path("t.asc")),
+                         "Nothing is asked for. Give one of -trans_m<m>, -trans_c<c>.")
+
+    def test_no_tool(self):
+        self.tool("")
+        os.environ["GRIDFORGE"] = self.path("none")
+        self.assertEqual(self.failure("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("e.asc")),
+                         f"The variable GRIDFORGE names no executable: {self.path('none')}")
+
+    def test_the_tool_of_the_settings(self):
+        self.addCleanup(ProcessingConfig.setSettingValue, "GRIDFORGE_TOOL", "")
+        ProcessingConfig.setSettingValue("GRIDFORGE_TOOL", os.environ["GRIDFORGE"])
+        os.environ["GRIDFORGE"] = self.path("none")
+        self.addCleanup(os.environ.__setitem__, "GRIDFORGE", ProcessingConfig.getSetting("GRIDFORGE_TOOL"))
+        self.run_algorithm("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("e.asc"))
+        Path(self.path("gone")).write_text("")
+        ProcessingConfig.setSettingValue("GRIDFORGE_TOOL", self.path("gone"))
+        Path(self.path("gone")).unlink()
+        self.assertEqual(self.failure("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("e.asc")),
+                         f"The settings of Processing name a tool that is not there: {self.path('gone')}")
+
+    def test_inputs_of_one_name(self):
+        (self.folder / "other").mkdir()
+        (self.folder / "other/a.asc").write_text(samples.grid(5))
+        self.run_algorithm("max", INPUTS=[self.path("in/a.asc"), self.path("other/a.asc")], OUTPUT=self.path("m.asc"),
+                           OUTPUT_SRC_LEGEND=self.path("l.csv"))
+        self.assertEqual(Path(self.path("l.csv")).read_text().split()[-2:], ["1,a.asc", "2,other/a.asc"])
+
+
+if __name__ == "__main__":
+    try:
+        unittest.main()
+    finally:
+        TEMPORARY.cleanup()
