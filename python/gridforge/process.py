@@ -119,6 +119,18 @@ class _Lines:
         self._open = b""
 
 
+def _asked_for_by_others(environment: dict[str, str]) -> tuple[int, ...]:
+    """The open file that whoever has started us wants to have the progress in."""
+    kind, _, number = environment.get(PROGRESS, "").partition(":")
+    if kind != "fd" or not number.isdecimal() or os.name != "posix":
+        return ()
+    try:
+        os.fstat(int(number))
+    except (OSError, OverflowError):
+        return ()
+    return (int(number),)
+
+
 class _Run:
     def __init__(self, command: Sequence[str], folder: Path, environment: dict[str, str], console: Console, watch: Watch):
         self._console = console
@@ -136,12 +148,13 @@ class _Run:
     def _start(self, command: Sequence[str], folder: Path, environment: dict[str, str]) -> None:
         wants_progress = self._watch.on_progress is not None and os.name == "posix"
         progress = os.pipe() if wants_progress else None
+        passed = progress[1:] if progress is not None else _asked_for_by_others(environment)
         if progress is not None:
             environment = {**environment, PROGRESS: f"fd:{progress[1]}"}
         try:
             self._process = subprocess.Popen(
                 command, cwd=folder, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                pass_fds=progress[1:] if progress is not None else (),
+                pass_fds=passed,
                 preexec_fn=_prepare_to_die_with_parent() if self._watch.dies_with_us else None)
         except OSError:
             if progress is not None:

@@ -236,6 +236,26 @@ class ProgressTest(ScratchTest):
         gridforge.run(["-fe", "a.asc"], on_progress=told.append)
         self.assertEqual([progress.read for progress in told], [1500])
 
+    def test_the_tool_tells_it(self):
+        self.give_grids("a.asc")
+        told = []
+        record = gridforge.run(["-fe", "a.asc"], on_progress=told.append)
+        self.assertEqual(told[-1].total, os.path.getsize("a.asc"))
+        self.assertGreaterEqual(told[-1].read, told[-1].total)
+        self.assertGreaterEqual(told[-1].written, record.outputs[0].size)
+
+    def test_somebody_else_has_asked_for_it(self):
+        self.give_grids("a.asc")
+        read, write = os.pipe()
+        os.set_inheritable(write, True)
+        for place, told in ((f"fd:{write}", True), ("fd:987", False), ("fd:", False), ("fd:" + "9" * 30, False)):
+            os.environ["GRIDFORGE_PROGRESS"] = place
+            self.assertEqual(gridforge.run(["-fe", "a.asc"]).outcome, "finished")
+            os.write(write, b"\n")
+            self.assertEqual(b"read" in os.read(read, 10000), told, place)
+        os.close(read)
+        os.close(write)
+
     def test_on_a_terminal(self):
         self.give_grids("a.asc")
         self.use_tool(f"echo '{self.LINE}' >&${{GRIDFORGE_PROGRESS#fd:}}\necho Finished.\n")

@@ -1,6 +1,7 @@
 // The entry of the tool.
 #include "driver/run_tool.h"
 #include "host/ends.h"
+#include "host/progress.h"
 #include "host/system.h"
 
 #include <exception>
@@ -12,6 +13,7 @@
 int main(int argc, char** argv)
 {
     gridforge::prepareProcess();
+    gridforge::startProgress();
     try {
         gridforge::driver::runTool({argv + (argc > 0 ? 1 : 0), argv + argc});
     } catch (const std::bad_alloc&) {

@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "gis/layer_table.h"
 #include "host/console.h"
+#include "host/progress.h"
 #include "plane/geometry.h"
 
 #include <algorithm>
@@ -181,6 +182,7 @@ LayerObject* LayerReader::next()
     while (!layer_->end) {
         if (readKind(*layer_, object_)) {
             readRecord(*layer_, object_.name, object_.record);
+            countObject();
             return &object_;
         }
     }

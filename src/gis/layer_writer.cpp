@@ -7,6 +7,7 @@
 #include "gis/layer_table.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "host/progress.h"
 
 #include <utility>
 
@@ -73,6 +74,7 @@ void LayerWriter::write(const Feature& feature)
             writeRecord(files, feature);
         },
         files_);
+    countObject();
 }
 
 void LayerWriter::close()

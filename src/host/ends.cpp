@@ -1,6 +1,7 @@
 #include "host/ends.h"
 
 #include "core/product.h"
+#include "host/progress.h"
 
 #include <cstdlib>
 
@@ -32,6 +33,7 @@ void closeFiles()
 {
     closeFiles();
     flushConsole();
+    endProgress();
     if (endHandler() != nullptr) {
         endHandler()();
     }
