@@ -98,20 +98,11 @@ def _brought_near(source: Path, target: Path) -> Path:
 
 
 def move_file(source: Path, target: Path, overwrite: bool) -> None:
-    """At no moment is there a part of the file under the target's name."""
-    move = os.replace if overwrite else _move_if_free
-    try:
-        move(source, target)
-    except OSError as error:
-        if error.errno != errno.EXDEV:
-            raise
-        near = _brought_near(source, target)
-        try:
-            move(near, target)
-        except BaseException:
-            near.unlink(missing_ok=True)
-            raise
-        source.unlink()
+    """On one file system. At no moment is there a part of the file under the target's name."""
+    if overwrite:
+        os.replace(source, target)
+    else:
+        _move_if_free(source, target)
 
 
 # --- All files of a run --------------------------------------------------------------------------------------------------
@@ -124,7 +115,7 @@ class _Moved:
 
     def take_back(self) -> None:
         for move in reversed(self.done):
-            shutil.move(move.target, move.source)  # across file systems, too
+            os.replace(move.target, move.source)
         for old, place in reversed(self.kept):
             os.replace(place, old)
             place.unlink(missing_ok=True)  # two names of one file are left as they are
@@ -162,6 +153,26 @@ def _make_way(moves: list[Move], moved: _Moved) -> None:
             (_set_aside if several else _keep)(move.target, moved)
 
 
+def _all_near(moves: list[Move]) -> list[Move]:
+    """Each file flushed, and on the file system that it goes to."""
+    near: list[Move] = []
+    try:
+        for move in moves:
+            flush(move.source)
+            same = os.stat(move.source).st_dev == os.stat(move.target.parent).st_dev
+            near.append(move if same else Move(_brought_near(move.source, move.target), move.target))
+    except BaseException:
+        _forget_copies(near, moves)
+        raise
+    return near
+
+
+def _forget_copies(near: list[Move], moves: list[Move]) -> None:
+    for copy, move in zip(near, moves):
+        if copy.source != move.source:
+            copy.source.unlink(missing_ok=True)
+
+
 def move_all(moves: list[Move], overwrite: bool) -> None:
     """Moves all files, or none where one cannot be moved. Of a set of files, as .flt and .hdr, the old ones are away before the
     first new one comes, so that nobody reads cells of one by the header of the other."""
@@ -169,13 +180,12 @@ def move_all(moves: list[Move], overwrite: bool) -> None:
         there = _first_there(moves)
         if there is not None:
             raise Exists(there)
-    for move in moves:
-        flush(move.source)
+    near = _all_near(moves)
     moved = _Moved()
     try:
         if overwrite:
-            _make_way(moves, moved)
-        for move in moves:
+            _make_way(near, moved)
+        for move in near:
             move_file(move.source, move.target, overwrite)
             moved.done.append(move)
         for folder in {move.target.parent for move in moves}:
@@ -183,5 +193,7 @@ def move_all(moves: list[Move], overwrite: bool) -> None:
     except BaseException:
         moved.take_back()
         raise
+    finally:
+        _forget_copies(near, moves)
     for _, place in moved.kept:
         place.unlink()

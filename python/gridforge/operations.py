@@ -352,7 +352,7 @@ def na(inputs: Names, layer: Name, **how: Unpack[How]) -> Record:
     """Tables of height and area of the terrain inside regions.
 
     Makes storage tables of the nodes of a 1D network. For each region of the layer (`.mif` or `.shp`) the terrain cells inside
-    it are counted by height, and a table gives the plan area of the ground at and below each height.
+    it are counted by height, and a table gives the plan area of the ground at and below each height, as in the example.
 
     inputs  1 grid; wildcards are taken
     layer   nodal areas of a layer

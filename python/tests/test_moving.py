@@ -55,21 +55,6 @@ class MoveTest(ScratchTest):
         move_file(self.give("new", "cells"), self.folder / "out", overwrite=True)
         self.assertEqual((self.files(), Path("out").read_text()), (["out"], "cells"))
 
-    def test_across_file_systems(self):
-        elsewhere = Path("/dev/shm")
-        if not elsewhere.is_dir() or os.stat(elsewhere).st_dev == os.stat(self.folder).st_dev:
-            self.skipTest("needs a second file system, as /dev/shm")
-        source = elsewhere / f"gridforge-test-{os.getpid()}"
-        self.addCleanup(source.unlink, missing_ok=True)
-        for overwrite in (False, True):
-            source.write_text("cells")
-            move_file(source, self.folder / "out", overwrite)
-            self.assertEqual((self.files(), Path("out").read_text(), source.exists()), (["out"], "cells", False))
-        source.write_text("other")
-        with self.assertRaises(Exists):
-            move_file(source, self.folder / "out", overwrite=False)
-        self.assertEqual((self.files(), Path("out").read_text(), source.exists()), (["out"], "cells", True))
-
     def test_one_of_many_wins(self):
         for _ in self.each_way():
             if isinstance(moving._link_if_free, mock.Mock):
@@ -115,6 +100,45 @@ class MoveAllTest(ScratchTest):
         with self.assertRaises(Exists):
             move_all(moves, overwrite=False)
         self.assertEqual(self.files(), ["b", "new/a", "new/b", "new/c"])
+
+    def elsewhere(self, name, text):
+        """A file on another file system."""
+        folder = Path("/dev/shm")
+        if not folder.is_dir() or os.stat(folder).st_dev == os.stat(self.folder).st_dev:
+            self.skipTest("needs a second file system, as /dev/shm")
+        source = folder / f"gridforge-test-{os.getpid()}-{name}"
+        self.addCleanup(source.unlink, missing_ok=True)
+        source.write_text(text)
+        return source
+
+    def test_across_file_systems(self):
+        for overwrite in (False, True):
+            moves = [Move(self.elsewhere(name, "new " + name), self.folder / name) for name in ("m.flt", "m.hdr", "a.asc")]
+            move_all(moves, overwrite)
+            self.assertEqual(self.files(), ["a.asc", "m.flt", "m.hdr"])
+        self.give("m.flt", "mine")
+        for name in ("a.asc", "m.hdr"):
+            os.unlink(name)
+        with mock.patch.object(moving, "_first_there", return_value=None), self.assertRaises(Exists):
+            move_all(moves[::-1], overwrite=False)
+        self.assertEqual((self.files(), Path("m.flt").read_text()), (["m.flt"], "mine"))
+
+    def test_old_files_stay_until_all_copies_are_there(self):
+        self.give("m.flt", "old")
+        self.give("m.hdr", "old")
+        moves = [Move(self.elsewhere(name, "new"), self.folder / name) for name in ("m.flt", "m.hdr")]
+        real = moving.shutil.copy2
+        copies = []
+
+        def copy(source, target):
+            copies.append(self.files())
+            if len(copies) == 2:
+                raise OSError(errno.ENOSPC, "No space left on device")
+            return real(source, target)
+        with mock.patch.object(moving.shutil, "copy2", copy), self.assertRaises(OSError):
+            move_all(moves, overwrite=True)
+        self.assertEqual([[name for name in names if not name.startswith(".")] for names in copies], [["m.flt", "m.hdr"]] * 2)
+        self.assertEqual((self.files(), Path("m.flt").read_text()), (["m.flt", "m.hdr"], "old"))
 
     def fails_at(self, number):
         real = moving.move_file
