@@ -60,6 +60,8 @@ def page_text(operation: Operation) -> str:
     """The first paragraph of what the page says that the operation does, without links."""
     page = (ROOT / operation.page).read_text(encoding="utf-8")
     section = re.search(r"^## What it does\n+(.*?)\n(?:\n|\||```|!\[)", page, re.S | re.M)
+    if section is None:
+        sys.exit(f"{operation.page} does not say what the operation does.")
     text = re.sub(r"\[([^\]]*)\]\([^)]*\)", r"\1", section[1]).strip()
     if text.endswith(":"):  # what it announces is not here
         text = text[:text.rfind(". ") + 1]
@@ -78,7 +80,7 @@ def wrapped(head: str, items: list[str], tail: str) -> str:
 
 
 def described(flag: Flag) -> str:
-    notes = [flag.unit] if flag.unit not in (None, "decimals") else []
+    notes = [flag.unit] if flag.unit and flag.unit != "decimals" else []
     if flag.default not in (None, False, True) and flag.kind != "switch":
         notes.append(f"{flag.default} without it")
     if flag.choices:

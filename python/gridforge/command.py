@@ -10,7 +10,7 @@ from contextlib import ExitStack
 from dataclasses import dataclass, field
 from pathlib import Path
 from types import FrameType
-from typing import IO, Optional, Sequence
+from typing import IO, Optional, Sequence, TextIO
 
 from .arguments import ODD_FLAGS, WrongUse
 from .description import DescriptionError
@@ -110,7 +110,7 @@ def _check(options: Options) -> None:
 
 # --- What is told --------------------------------------------------------------------------------------------------------
 
-def _say(text: str, stream: Optional[IO[str]] = None) -> None:
+def _say(text: str, stream: Optional[TextIO] = None) -> None:
     """Names come out byte by byte as they are, whatever the terminal's encoding is."""
     stream = stream if stream is not None else sys.stdout
     stream.flush()
@@ -139,7 +139,7 @@ def _show_plan(p: Plan, options: Options) -> int:
     look = Look(p.folder)
     missing = False
     for name in [argument.text for argument in p.scanned if argument.is_read] + p.named:
-        found = look.matching(name) or [file for file in [look.in_any_case(name)] if file is not None]
+        found = look.found(name)
         for file in found:
             path = p.folder / file
             _say(f"input {file} ({_counted(path.stat().st_size, 'byte')})" if path.is_file() else f"input {file}")
@@ -190,6 +190,13 @@ def _check_record_place(name: Optional[str]) -> None:
         raise WrongUse(f"The record cannot be written: {name}")
 
 
+def _executed(planned: Plan) -> Record:
+    try:
+        return execute(planned)
+    except RunError as error:
+        return error.record
+
+
 def _run(options: Options, cancel: threading.Event) -> tuple[Optional[Record], int]:
     settings = Settings(stage="--stage" in options.switches, overwrite="--overwrite" in options.switches,
                         keep="--keep" in options.switches, named_inputs=options.inputs, timeout=options.timeout,
@@ -203,10 +210,8 @@ def _run(options: Options, cancel: threading.Event) -> tuple[Optional[Record], i
             settings.log = _open_log(options.values["--log"], files)
         if "--progress" in options.switches and sys.stderr.isatty():
             settings.on_progress = files.enter_context(ProgressDisplay(sys.stderr)).show
-        try:
-            return execute(planned), FINISHED
-        except RunError as error:
-            return error.record, error.status
+        record = _executed(planned)
+    return record, record.status
 
 
 def _finish(record: Record, options: Options) -> None:

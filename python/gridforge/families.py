@@ -72,6 +72,11 @@ class Look:
         found = [entry for entry in self._entries(part).get(last.lower(), []) if os.path.isfile(self.folder / part / entry)]
         return part + found[0] if len(found) == 1 else None
 
+    def found(self, name: str) -> list[str]:
+        """Those that match, or the one file that differs in capitals and small letters."""
+        other = self.in_any_case(name)
+        return self.matching(name) or ([other] if other is not None else [])
+
     def companions(self, name: str) -> Iterator[str]:
         """What belongs to a grid or layer: files of its stem in its folder, the .prj last."""
         stem, extension = family_of(name)

@@ -33,7 +33,9 @@ class Move:
 
 
 def flush(path: Path) -> None:
-    """Has the system write a file or folder to the disk."""
+    """Has the system write a file or folder to the disk. Windows flushes no folders."""
+    if os.name == "nt" and path.is_dir():
+        return
     descriptor = os.open(path, os.O_RDONLY)
     try:
         os.fsync(descriptor)

@@ -10,7 +10,7 @@ import re
 import secrets
 from dataclasses import dataclass, field
 from pathlib import Path
-from typing import Any, Iterable, Optional
+from typing import Any, Optional
 
 from .moving import flush
 
@@ -106,7 +106,3 @@ def threads_of(environment: dict[str, str]) -> int:
     if wanted.isdecimal() and int(wanted) > 0:
         return int(wanted)
     return len(os.sched_getaffinity(0)) if hasattr(os, "sched_getaffinity") else os.cpu_count() or 1
-
-
-def total_size(files: Iterable[File]) -> int:
-    return sum(file.size or 0 for file in files)

@@ -114,7 +114,7 @@ def _projection_for(name: str, look: Look, inputs: Iterable[str]) -> Optional[Pa
         if file is not None:
             found[split_name(stem)[1]] = look.folder / file
     own = found.get(split_name(family_of(name)[0])[1])
-    return own if own is not None else next(reversed(list(found.values())), None)
+    return own if own is not None or not found else list(found.values())[-1]
 
 
 def _add_projections(made: dict[str, Path], look: Look, inputs: Iterable[str]) -> None:
@@ -193,25 +193,27 @@ def _begin(p: Plan) -> Record:
                   staged=p.settings.stage, host=platform.node(), threads=threads_of(_environment(p.settings)))
 
 
+def _progress_teller(p: Plan, tell: Callable[[Progress], None]) -> Callable[[bytes], None]:
+    look = Look(p.folder)
+    totals = progress_of(p.folder / name for argument in p.scanned if argument.is_read for name in look.matching(argument.text))
+    return lambda line: tell(totals.after(line))
+
+
 def _run_tool(p: Plan, folder: Path, console: Console, record: Record) -> End:
     settings = p.settings
-    tell = settings.on_progress
-    totals = progress_of([p.folder / name for argument in p.scanned if argument.is_read
-                          for name in Look(p.folder).matching(argument.text)]) if tell is not None else None
-    watch = Watch(settings.timeout, settings.cancel, settings.log, settings.on_line,
-                  (lambda line: tell(totals.after(line))) if tell is not None and totals is not None else None,
-                  settings.dies_with_us)
+    tell = _progress_teller(p, settings.on_progress) if settings.on_progress is not None else None
+    watch = Watch(settings.timeout, settings.cancel, settings.log, settings.on_line, tell, settings.dies_with_us)
     started = time.time()
     clock = time.monotonic()
     try:
-        return_value = run_tool([str(p.tool), *p.command], folder, _environment(settings), console, watch)
+        end = run_tool([str(p.tool), *p.command], folder, _environment(settings), console, watch)
     except OSError as error:
         raise _Bad("failed", FAILED, f"The tool could not be run: {error}") from error
     finally:
         record.started, record.ended = time_text(started), time_text(time.time())
         record.seconds = round(time.monotonic() - clock, 3)
-    record.peak_memory = return_value.peak_memory
-    return return_value
+    record.peak_memory = end.peak_memory
+    return end
 
 
 def _note_inputs(p: Plan, console: Console, record: Record, written: Iterable[Path]) -> None:

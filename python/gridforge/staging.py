@@ -37,6 +37,15 @@ class _State:
         return _State(status.st_dev, status.st_ino, status.st_size, status.st_mtime_ns)
 
 
+def _link(source: Path, place: Path) -> bool:
+    """False on a file system without links, as those of memory cards and of some shares are."""
+    try:
+        os.symlink(source, place)
+    except OSError:
+        return False
+    return True
+
+
 def _nearest_folder(path: Path) -> Path:
     while not path.is_dir():
         path = path.parent
@@ -98,13 +107,13 @@ class Stage:
             return
         self._make_folder(place.parent)
         source = Path(os.path.realpath(self.real / name))
-        if source.is_file() and (copied or place.suffix.lower() == PROJECTION):
+        if source.is_file() and (copied or place.suffix.lower() == PROJECTION or not _link(source, place)):
             shutil.copy2(source, place)
             self._copied[place] = _State.of(place)
-            return
-        os.symlink(source, place)
-        if source.is_file():
+        elif source.is_file():
             self._linked[place] = (self._real(place), _State.of(source))
+        else:
+            _link(source, place)
 
     def add_folder_of(self, name: str) -> None:
         self._make_folder(self._named(name).parent)
@@ -156,7 +165,7 @@ def _add_all(stage: Stage, scanned: list[Argument], operation: Optional[Operatio
     patterns = input_patterns(scanned)
     for pattern in (*patterns, *named):
         stage.add_folder_of(pattern)
-        for name in look.matching(pattern) or filter(None, [look.in_any_case(pattern)]):
+        for name in look.found(pattern):
             for file in (name, *look.companions(name)):
                 stage.add(file, written.may_be(file))
             here = look.in_any_case(family_of(split_name(name)[1])[0] + PROJECTION)  # the tool looks for that of a grid here

@@ -208,6 +208,12 @@ class StageTest(ScratchTest):
                          {"A file is there already, so no output was moved to its place: a_extent.asc"})
         self.assertEqual(self.files(), ["a.asc", "a_extent.asc"])
 
+    def test_a_file_system_without_links(self):
+        self.give_grids("a.asc", "b.asc")
+        with mock.patch.object(staging.os, "symlink", side_effect=PermissionError(1, "Operation not permitted")):
+            record = gridforge.run(["-max", "-src", "a.asc", "b.asc", "-out", "m"], stage=True)
+        self.assertEqual((record.output_names, self.files()), (["m.asc"], ["a.asc", "b.asc", "m.asc"]))
+
     def test_no_scratch_folder(self):
         self.give_grids("a.asc")
         with mock.patch.object(staging.tempfile, "mkdtemp", side_effect=PermissionError(13, "Permission denied")):
