@@ -2,13 +2,16 @@
 from __future__ import annotations
 
 from dataclasses import dataclass
+from functools import cached_property
 from pathlib import Path
 from typing import Any, Union
 
-from qgis.core import QgsProcessingAlgorithm, QgsProcessingContext, QgsProcessingFeedback
+from qgis.core import QgsProcessingAlgorithm, QgsProcessingContext, QgsProcessingException, QgsProcessingFeedback
 
 from .form import Form, Output
-from .parameters import BASE, FOLDER, LOAD, STYLE, style_choices
+from .parameters import BASE, FOLDER, GRIDS, LOAD, STYLE, VECTORS, style_choices
+
+KINDS = {"grid": GRIDS, "layer": VECTORS}  # extensions of outputs
 
 
 @dataclass(frozen=True)
@@ -20,8 +23,9 @@ class Call:
     context: QgsProcessingContext
     feedback: QgsProcessingFeedback
 
-    @property
+    @cached_property
     def folder(self) -> Path:
+        """Each time that QGIS is asked it makes up another temporary one."""
         return Path(self.algorithm.parameterAsString(self.parameters, FOLDER, self.context))
 
     @property
@@ -51,4 +55,7 @@ class Call:
         """Where an output was asked for."""
         ask = self.algorithm.parameterAsOutputLayer if output.kind in ("grid", "layer") else self.algorithm.parameterAsFileOutput
         place = ask(self.parameters, output.name, self.context)
+        kinds = KINDS.get(output.kind)
+        if place and kinds and Path(place).suffix.lower() not in kinds:
+            raise QgsProcessingException(f"{output.label}: the tool writes {' or '.join(kinds)}, not {Path(place).name}.")
         return Path(place) if place else None

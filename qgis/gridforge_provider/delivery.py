@@ -12,6 +12,7 @@ from . import styling
 from .call import Call
 from .form import Output, name_in_run
 from .loading import load_instead, load_later
+from .package import Move
 from .parameters import LAYERS, GridSource
 
 GRID_FILES = (".asc", ".flt", ".hdr", ".prj")
@@ -62,20 +63,26 @@ def to_destinations(call: Call, run: Run, wanted: dict[str, Union[Path, None]]) 
     found = {output.name: run.files_of(output) for output in call.form.outputs}
     # Styles before anything is moved: names of sources come from the legend, which may go elsewhere.
     styles = {output.name: style_of(call, output, found[output.name], first_input(call)) for output in call.form.outputs}
+    moves = {output.name: moves_for(run, output, found[output.name], wanted[output.name]) for output in call.form.outputs}
+    rooms.publish([move for some in moves.values() for move in some])
     results: dict[str, Any] = {}
     for output in call.form.outputs:
-        target, files = wanted[output.name], found[output.name]
-        if target is None:
-            continue
-        if not files:
-            load_instead(str(target), [], "", call.context)
-        elif output.kind in ("table", "netcdf"):
-            results[output.name] = str(rooms.move(files[0], target))
-        else:
-            layers = rooms.layers_of(rooms.move_output(files, run.name_of(output), target))
-            load_instead(str(target), layers if run.opens_elsewhere else [], styles[output.name], call.context)
-            results[output.name] = str(layers[0])
+        files = [move.target for move in moves[output.name]]
+        shown = files if output.kind in ("table", "netcdf") else rooms.layers_of(files)
+        if wanted[output.name] is not None:
+            load_instead(str(wanted[output.name]), shown if run.opens_elsewhere else [], styles[output.name], call.context)
+        if shown:
+            results[output.name] = str(shown[0])
     return results
+
+
+def moves_for(run: Run, output: Output, files: list[Path], target: Union[Path, None]) -> list[Move]:
+    """The files of an output to the place that was asked for, if any was."""
+    if target is None:
+        return []
+    if output.kind in ("table", "netcdf"):
+        return [Move(file, target) for file in files]
+    return rooms.moves_of(files, run.name_of(output), target)
 
 
 def from_folder(call: Call, run: Run) -> dict[str, Any]:

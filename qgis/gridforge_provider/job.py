@@ -56,9 +56,11 @@ def run_to_folder(call: Call) -> dict[str, Any]:
         # Where -out gives the names that the tool would choose itself, outputs stand apart from the inputs.
         same = all(rule.out_name == rule.name.replace("{first}", "{out}") for rule in call.form.operation.outputs)
         given, _ = start(call, values, ["-out", f"{OUT}/{words['first']}"] if same else [], room.folder)
-        made = rooms.move_all(rooms.changed(before, room.listing()), room.folder, call.folder)
+        moves = rooms.moves_to_folder(rooms.changed(before, room.listing()), room.folder, call.folder)
+        rooms.publish(moves)
     finally:
         room.close()
+    made = [move.target for move in moves]
     return delivery.from_folder(call, delivery.Run(given, words, False, made)) | {"FOLDER": str(call.folder)}
 
 
@@ -68,6 +70,7 @@ def run_in_place(call: Call) -> dict[str, Any]:
     given, record = start(call, values, [], call.base)
     named = [call.base / name for name in record.output_names]
     made = list(dict.fromkeys(file for name in named for file in [name, *rooms.companions(name)]))
+    rooms.forget_notes(made)
     return delivery.from_folder(call, delivery.Run(given, words_of(call, values), False, made))
 
 

@@ -1,6 +1,7 @@
 """Results in the project: which files are loaded, and by what style."""
 from __future__ import annotations
 
+from collections import deque
 from pathlib import Path
 
 from qgis.core import (Qgis, QgsMapLayer, QgsProcessingContext, QgsProcessingFeedback, QgsProcessingLayerPostProcessorInterface,
@@ -10,19 +11,18 @@ from qgis.PyQt.QtXml import QDomDocument
 
 class Styler(QgsProcessingLayerPostProcessorInterface):
     """Gives a loaded layer its style."""
-    waiting: list["Styler"] = []  # QGIS does not keep them
+    kept: deque["Styler"] = deque(maxlen=1000)  # QGIS does not keep them until they are used
 
     def __init__(self, qml: str) -> None:
         super().__init__()
         self.qml = qml
-        Styler.waiting.append(self)
+        Styler.kept.append(self)
 
     def postProcessLayer(self, layer: QgsMapLayer, context: QgsProcessingContext, feedback: QgsProcessingFeedback) -> None:
         document = QDomDocument()
         document.setContent(self.qml)
         layer.importNamedStyle(document)
         layer.triggerRepaint()
-        Styler.waiting.remove(self)
 
 
 def sources_of(file: Path) -> list[str]:

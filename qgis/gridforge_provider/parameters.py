@@ -190,7 +190,11 @@ def _value(algorithm: QgsProcessingAlgorithm, field: Field, parameters: dict[str
     if field.kind == "grid":
         return _grid(algorithm.parameterAsRasterLayer(parameters, field.name, context), field.label)
     if field.kind == "grids":
-        return [_grid(layer, field.label) for layer in algorithm.parameterAsLayerList(parameters, field.name, context)]
+        layers = algorithm.parameterAsLayerList(parameters, field.name, context)
+        given = parameters[field.name]
+        if isinstance(given, list) and len(given) != len(layers):
+            raise QgsProcessingException(f"{field.label}: one of these is not a grid that can be read.")
+        return [_grid(layer, field.label) for layer in layers]
     if field.kind == "layer":
         return _layer(algorithm, field.name, parameters, context)
     if field.kind in ("file", "controlFile"):

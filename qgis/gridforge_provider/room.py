@@ -11,11 +11,15 @@ import tempfile
 from pathlib import Path
 from typing import Iterable
 
+from .package import Move, move_all
+
 # What belongs to a file besides itself, by its extension.
 BESIDE = {".asc": (".prj",), ".flt": (".hdr", ".prj"), ".mif": (".mid",), ".shp": (".shx", ".dbf", ".prj")}
 SHAPE_PARTS = ("_P.shp", "_L.shp", "_R.shp")
 LINKED = (".asc", ".flt")
 OUT = "out"
+NOTES = (".aux.xml", ".stx")  # of GDAL about a grid that it has read
+UNWANTED = str.maketrans("*?", "__")  # in a name: the tool would look for what matches
 
 
 def companions(file: Path) -> list[Path]:
@@ -67,11 +71,11 @@ class Room:
         (self.folder / name).parent.mkdir(parents=True, exist_ok=True)
         return f"./{name}" if name.startswith("-") else name
 
-    def give(self, source: Path) -> str:
+    def give(self, source: Path, is_only_read: bool = False) -> str:
         """Puts a file with what belongs to it into the room. Returns its name there."""
-        name = self.name_for(source.name, source.parent.name)
+        name = self.name_for(source.name.translate(UNWANTED), source.parent.name.translate(UNWANTED))
         target = self.folder / name
-        (link if source.suffix.lower() in LINKED else shutil.copyfile)(source, target)
+        (link if is_only_read or source.suffix.lower() in LINKED else shutil.copyfile)(source, target)
         for file in companions(source):
             shutil.copyfile(file, target.with_suffix(file.suffix))
         return name
@@ -97,31 +101,34 @@ def with_stem(files: Iterable[Path], stem: str) -> list[Path]:
     return [file for file in files if file.stem.lower() in parts]
 
 
-def move(file: Path, target: Path) -> Path:
-    """To its place, over what is there."""
-    target.parent.mkdir(parents=True, exist_ok=True)
-    try:
-        os.replace(file, target)
-    except OSError:  # on another disk
-        shutil.move(str(file), str(target))
-    return target
-
-
-def move_output(files: Iterable[Path], stem: str, target: Path) -> list[Path]:
-    """Moves the files of an output that is called `stem` in the room so that it is called `target`, and returns them.
+def moves_of(files: Iterable[Path], stem: str, target: Path) -> list[Move]:
+    """The files of an output that is called `stem` in the room, on their way to be called `target`.
 
     What follows the stem stays: the parts of a Shapefile are `target_P.shp` and so on.
     """
-    return [move(file, target.with_name(target.stem + file.stem[len(stem):] + file.suffix)) for file in files]
+    return [Move(file, target.with_name(target.stem + file.stem[len(stem):] + file.suffix)) for file in files]
 
 
-def move_all(files: Iterable[Path], room: Path, folder: Path) -> list[Path]:
-    """Moves files to the same places in `folder`. What stands in `OUT` goes to its top."""
-    moved = []
+def moves_to_folder(files: Iterable[Path], room: Path, folder: Path) -> list[Move]:
+    """To the same places in `folder`. What stands in `OUT` goes to its top."""
+    inside = [file.relative_to(room) for file in files]
+    return [Move(room / file, folder / (file.relative_to(OUT) if file.parts[0] == OUT else file)) for file in inside]
+
+
+def publish(moves: list[Move]) -> None:
+    """All files to their places, over what is there, or none of them."""
+    for move in moves:
+        move.target.parent.mkdir(parents=True, exist_ok=True)
+    move_all(moves, overwrite=True)
+    forget_notes(move.target for move in moves)
+
+
+def forget_notes(files: Iterable[Path]) -> None:
+    """What GDAL has noted about the cells of grids that were here before."""
     for file in files:
-        inside = file.relative_to(room)
-        moved.append(move(file, folder / (inside.relative_to(OUT) if inside.parts[0] == OUT else inside)))
-    return moved
+        for note in (file.with_name(file.name + ".aux.xml"), file.with_suffix(".stx")):
+            if file.suffix.lower() in LINKED:
+                note.unlink(missing_ok=True)
 
 
 def listing(folders: Iterable[Path]) -> dict[Path, tuple[int, int]]:
@@ -131,7 +138,7 @@ def listing(folders: Iterable[Path]) -> dict[Path, tuple[int, int]]:
         for folder, _, names in os.walk(top):
             for name in names:
                 path = Path(folder) / name
-                if name.endswith(".aux.xml"):  # notes of GDAL about grids that it has read
+                if name.endswith(NOTES):
                     continue
                 try:
                     status = path.stat()

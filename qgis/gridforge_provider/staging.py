@@ -52,6 +52,8 @@ def stage(call: Call, room: Room, field: str, value: Any) -> Any:
         return stage_grid(call, room, value)
     if isinstance(value, LayerSource):
         return stage_layer(call, room, field, value)
+    if isinstance(value, Path) and call.form.field(field).kind == "controlFile":
+        return seen_from_base(call, value)
     if isinstance(value, Path):
-        return seen_from_base(call, value) if call.form.field(field).kind == "controlFile" else room.give(value)
+        return room.give(value, is_only_read=field == "INPUT")  # a table of points may be large
     return value

@@ -40,6 +40,7 @@ qgis.utils.updateAvailablePlugins()
 with warnings.catch_warnings(record=True) as WARNINGS:
     warnings.simplefilter("always")
     LOADED = qgis.utils.loadPlugin("gridforge_provider") and qgis.utils.startProcessingPlugin("gridforge_provider")
+from gridforge_provider import convert  # noqa: E402
 from gridforge_provider.gridforge import styles  # noqa: E402
 
 REGISTRY = QgsApplication.processingRegistry()
@@ -50,7 +51,10 @@ class Feedback(QgsProcessingFeedback):
 
     def __init__(self, cancel_at=None):
         super().__init__(False)
-        self.lines, self.warnings, self.cancel_at = [], [], cancel_at
+        self.lines, self.warnings, self.errors, self.cancel_at = [], [], [], cancel_at
+
+    def reportError(self, text, fatal=False):
+        self.errors.append(text)
 
     def pushConsoleInfo(self, text):
         self.lines.append(text)
@@ -324,6 +328,16 @@ class RunTest(PluginTest):
         self.assertIn("Writing ASC grid...", self.feedback.lines)
         self.assertEqual(self.feedback.lines[-1], "Finished.")
 
+    def test_progress(self):
+        size = os.path.getsize(self.path("in/a.asc"))
+        line = '{"seconds":1,"read":%d,"written":0,"objects":0}'
+        tell = "echo '%s' > /dev/fd/${GRIDFORGE_PROGRESS#fd:}\nsleep 1\n" % line
+        self.tool(tell % (size // 2) + tell % size + "echo ERROR - half\n")
+        seen = []
+        self.feedback.progressChanged.connect(seen.append)
+        self.assertEqual(self.failure("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("e.asc")), "ERROR - half")
+        self.assertEqual([round(percent) for percent in seen], [50, 100])
+
     def test_warnings_stand_out(self):
         self.run_algorithm("classify", INPUT=self.path("in/a.asc"), CLASSIFY=self.path("in/classes.csv"), RGB=True,
                            OUTPUT=self.path("c.asc"))
@@ -344,6 +358,55 @@ class RunTest(PluginTest):
         with self.assertRaises(ProcessLookupError):
             os.kill(int(Path(self.path("in/pid")).read_text()), 0)
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()), ["in", "tool"])
+
+    def test_inputs_that_are_no_grids(self):
+        Path(self.path("bad.asc")).write_text("no grid")
+        algorithm = REGISTRY.createAlgorithmById("gridforge:max")
+        context = QgsProcessingContext()
+        for given in ([self.path("in/a.asc"), self.path("bad.asc")], [self.path("none.asc")]):
+            parameters = {"INPUTS": given, "OUTPUT": self.path("m.asc")}
+            self.assertFalse(algorithm.checkParameterValues(parameters, context)[0])
+            self.assertFalse(algorithm.run(parameters, context, self.feedback)[1])
+            self.assertEqual(self.feedback.errors.pop(), "Input grids: one of these is not a grid that can be read.")
+        algorithm = REGISTRY.createAlgorithmById("gridforge:fe")
+        self.assertFalse(algorithm.run({"INPUT": self.path("bad.asc"), "OUTPUT": self.path("e.asc")}, context, self.feedback)[1])
+        self.assertEqual(self.feedback.errors, ["Input grid: this is not a grid that can be read."])
+
+    def test_a_grid_that_is_no_file(self):
+        layer = QgsRasterLayer(f"?crs=EPSG:32756&extent=0,0,9,9&width=9&height=9&formula=%22a@1%22&a:uri={self.path('in/a.asc')}"
+                               "&a:provider=gdal", "sum", "virtualraster")
+        self.assertTrue(layer.isValid())
+        algorithm = REGISTRY.createAlgorithmById("gridforge:fe")
+        self.assertFalse(algorithm.run({"INPUT": layer, "OUTPUT": self.path("e.asc")}, QgsProcessingContext(), self.feedback)[1])
+        self.assertEqual(self.feedback.errors, ["Input grid: sum is not a file."])
+
+    def test_what_cannot_be_converted(self):
+        with self.assertRaises(convert.ConversionError) as raised:
+            convert.grid_to_flt(self.path("none.tif"), Path(self.path("none.flt")))
+        self.assertEqual(str(raised.exception), f"The grid cannot be read: {self.path('none.tif')}")
+        layer = QgsVectorLayer("Point?field=seen:double", "marks", "memory")
+        with self.assertRaises(convert.ConversionError) as raised:
+            convert.layer_to_file(layer, [], Path(self.path("none/marks.shp")), self.feedback, self.project.transformContext())
+        self.assertRegex(str(raised.exception), "^The layer cannot be converted: .*none/marks.shp")
+
+    def test_outputs_of_other_formats_are_refused(self):
+        self.assertEqual(self.failure("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("e.tif")),
+                         "Extent: the tool writes .asc or .flt, not e.tif.")
+        self.assertEqual(self.failure("damages", DAMAGES=self.path("in/floods.dmg"), OUTPUT=self.path("h.gpkg")),
+                         "Buildings with damages: the tool writes .mif or .shp, not h.gpkg.")
+
+    def test_temporary_outputs(self):
+        results = self.run_algorithm("max", INPUTS=[self.path("in/a.asc")], OUTPUT="TEMPORARY_OUTPUT",
+                                     OUTPUT_SRC_LEGEND="TEMPORARY_OUTPUT")
+        self.assertTrue(results["OUTPUT"].endswith(".flt") and Path(results["OUTPUT"]).is_file())
+        self.assertTrue(results["OUTPUT_SRC_LEGEND"].endswith(".csv") and Path(results["OUTPUT_SRC_LEGEND"]).is_file())
+        results = self.run_algorithm("conv", INPUTS=[self.path("in/a.asc")], FOLDER="TEMPORARY_OUTPUT")
+        made = {path.name for path in Path(results["FOLDER"]).iterdir()} - {"a.stx"}  # the last is a note of GDAL
+        self.assertEqual(made, {"a.flt", "a.hdr", "a.prj"})
+
+    def test_an_output_over_its_input(self):
+        self.run_algorithm("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("in/a.asc"))
+        self.assertEqual({cell for row in self.cells(self.path("in/a.asc")) for cell in row}, {-9999.0, 1.0})
 
     def test_nothing_is_asked_for(self):
         self.assertEqual(self.failure("trans_m", INPUT=self.path("in/a.asc"), OUTPUT=self.path("t.asc")),

@@ -81,19 +81,34 @@ class RoomTest(unittest.TestCase):
 
     def test_an_output_takes_the_name_that_was_asked_for(self):
         files = [self.write(f"results/out/{name}", name) for name in ("r_P.shp", "r_P.dbf")]
-        moved = rooms.move_output(files, "r", self.folder / "results/marks.shp")
-        self.assertEqual([path.name for path in moved], ["marks_P.shp", "marks_P.dbf"])
-        self.assertEqual(moved[0].read_text(), "r_P.shp")
+        rooms.publish(rooms.moves_of(files, "r", self.folder / "new/marks.shp"))
+        self.assertEqual(sorted(path.name for path in (self.folder / "new").iterdir()), ["marks_P.dbf", "marks_P.shp"])
+        self.assertEqual((self.folder / "new/marks_P.shp").read_text(), "r_P.shp")
 
     def test_all_files_keep_their_places_in_the_folder(self):
         for name in ("csv/s.csv", "out/a.flt", "b.asc"):
             (self.room.folder / name).parent.mkdir(exist_ok=True)
             (self.room.folder / name).write_text(name)
         target = self.folder / "results"
-        (target / "b.asc").write_text("old")
-        moved = rooms.move_all(sorted(self.room.listing()), self.room.folder, target)
-        self.assertEqual([path.relative_to(target).as_posix() for path in moved], ["b.asc", "csv/s.csv", "a.flt"])
+        self.write("results/b.asc", "old")
+        moves = rooms.moves_to_folder(sorted(self.room.listing()), self.room.folder, target)
+        rooms.publish(moves)
+        self.assertEqual([move.target.relative_to(target).as_posix() for move in moves], ["b.asc", "csv/s.csv", "a.flt"])
         self.assertEqual((target / "b.asc").read_text(), "b.asc")
+
+    def test_notes_on_a_grid_that_was_there_before_go(self):
+        for name in ("m.flt.aux.xml", "m.stx", "n.stx"):
+            self.write(f"results/{name}")
+        rooms.publish(rooms.moves_of([self.write("results/out/r.flt")], "r", self.folder / "results/m.flt"))
+        self.assertEqual(sorted(path.name for path in (self.folder / "results").iterdir() if path.is_file()), ["m.flt", "n.stx"])
+
+    def test_names_are_no_patterns(self):
+        self.assertEqual(self.room.give(self.write("a*.asc")), "a_.asc")
+        self.assertEqual(self.room.give(self.write("a?.asc")), f"{self.folder.name}/a_.asc")
+
+    def test_a_large_table_is_not_copied(self):
+        self.assertTrue((self.room.folder / self.room.give(self.write("cloud.xyz"), is_only_read=True)).is_symlink())
+        self.assertFalse((self.room.folder / self.room.give(self.write("bins.csv"))).is_symlink())
 
 
 if __name__ == "__main__":

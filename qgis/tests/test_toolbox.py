@@ -79,7 +79,7 @@ REFUSED = {
 def contents(folder):
     """Files below a folder, without what GDAL notes about grids that it has read."""
     return {str(path.relative_to(folder)): path.read_bytes() for path in sorted(folder.rglob("*"))
-            if path.is_file() and not path.name.endswith(".aux.xml")}
+            if path.is_file() and not path.name.endswith((".aux.xml", ".stx"))}
 
 
 def new_or_changed(folder, before):

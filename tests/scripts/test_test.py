@@ -26,12 +26,12 @@ class TestTest(unittest.TestCase):
             file.write("#!/bin/sh\n%s\n" % text if text else "")
         os.chmod(path, 0o755)
 
-    def run_test(self, setup, cmake, cases):
-        """The exit status, the console and its last line of a quick run whose steps end with these commands."""
+    def run_test(self, setup, cmake, cases, mode=("--quick",)):
+        """The exit status, the console and its last line of a run, a quick one at first, whose steps end with these commands."""
         self.program("scripts/setup", setup)
         self.program("scripts/run-cases", cases)
         self.program("cmake", cmake)
-        done = subprocess.run([os.path.join(self.tree, "scripts", "test"), "--quick"], check=False, stdout=subprocess.PIPE,
+        done = subprocess.run([os.path.join(self.tree, "scripts", "test"), *mode], check=False, stdout=subprocess.PIPE,
                               env={**os.environ, "PATH": self.tree + ":" + os.environ["PATH"]}, stderr=subprocess.STDOUT, text=True)
         return done.returncode, done.stdout, done.stdout.splitlines()[-1]
 
@@ -55,6 +55,20 @@ class TestTest(unittest.TestCase):
 
     def test_without_its_needs_it_fails(self):
         self.assertEqual(self.run_test("exit 1", "exit 0", "exit 0")[::2], (1, "0 passed, 1 failed"))
+
+    def test_it_says_that_there_is_no_qgis(self):
+        os.makedirs(os.path.join(self.tree, "build", "release", "tests"))
+        os.makedirs(os.path.join(self.tree, "qgis", "tests"))
+        # What ctest reports goes to the file that the seventh argument names.
+        self.program("ctest", """echo '<testsuite tests="5" failures="0" disabled="0" skipped="2">' > "$7\"""")
+        note = "QGIS is not installed, so its plugin was not tested in it; scripts/setup --qgis installs it\n"
+        for python, told in (("print('QGIS is not installed')", True), ("", False)):
+            with open(os.path.join(self.tree, "qgis", "tests", "with_qgis.py"), "w") as file:
+                file.write(python)
+            status, console, last = self.run_test("exit 0", "exit 0", "echo '1 passed, 0 failed, 0 skipped'", mode=())
+            self.assertEqual((status, last), (0, "4 passed, 0 failed"))
+            self.assertIn("\n2 skipped\n", console)
+            self.assertEqual(note in console, told)
 
 
 if __name__ == "__main__":
