@@ -239,7 +239,7 @@ std::int64_t grid_inside_polygon(const float* u, const float* v, std::int32_t np
                                  std::int32_t firstColumn, std::int32_t lastColumn, std::uint8_t* flags)
 {
     return answer([&] {
-        const gridforge::LatticeWindow window{firstRow, lastRow, firstColumn, lastColumn};
+        const gridforge::CellWindow window{firstRow, lastRow, firstColumn, lastColumn};
         const auto count = gridforge::grid_inside_polygon(array(u, np), array(v, np), held(np), array(ir, nr), held(nr),
                                                           size, window, {flags, window.cells()});
         if (!count) {

@@ -27,7 +27,7 @@ struct Point {
 // The region's crossings with the middle lines of the rows, as flags of the cells where their number is odd.
 struct CrossingFlags {
     double size;
-    const LatticeWindow& window;
+    const CellWindow& window;
     std::span<std::uint8_t> flags;
 
     double middleOf(std::int64_t row) const { return (static_cast<double>(row) - 0.5) * size; }
@@ -79,8 +79,8 @@ LatticeCell latticeCell(float u, float v, float size)
             cellNumber(static_cast<double>(u), static_cast<double>(size))};
 }
 
-LatticeWindow boundsWindow(std::span<const float> u, std::span<const float> v, float size, std::int32_t rows,
-                           std::int32_t columns, std::int32_t margin)
+CellWindow boundsWindow(std::span<const float> u, std::span<const float> v, float size, std::int32_t rows,
+                        std::int32_t columns, std::int32_t margin)
 {
     const SubGridArea area = SET_SUB_GRID_AREA(u, v, size, rows, columns);
     const std::int32_t first = std::max(margin, 1);
@@ -91,7 +91,7 @@ LatticeWindow boundsWindow(std::span<const float> u, std::span<const float> v, f
 
 std::optional<std::int64_t> grid_inside_polygon(std::span<const float> u, std::span<const float> v, std::int32_t np,
                                                 std::span<const std::int32_t> ir, std::int32_t nr, float size,
-                                                const LatticeWindow& window, std::span<std::uint8_t> flags)
+                                                const CellWindow& window, std::span<std::uint8_t> flags)
 {
     assert(flags.size() == window.cells());
     std::ranges::fill(flags, std::uint8_t{0});

@@ -2,6 +2,8 @@
 // n from (n - 1) x size to n x size.
 #pragma once
 
+#include "plane/cell_window.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -20,24 +22,9 @@ struct LatticeCell {
 // The cell that holds a place. Below the axes cells are numbered from 0 down.
 LatticeCell latticeCell(float u, float v, float size);
 
-// Cells of a lattice, both ends included.
-struct LatticeWindow {
-    std::int32_t firstRow = 1;
-    std::int32_t lastRow = 0;
-    std::int32_t firstColumn = 1;
-    std::int32_t lastColumn = 0;
-
-    bool empty() const { return firstRow > lastRow || firstColumn > lastColumn; }
-    std::size_t columns() const { return static_cast<std::size_t>(std::int64_t{lastColumn} - firstColumn + 1); }
-    std::size_t cells() const
-    {
-        return empty() ? 0 : static_cast<std::size_t>(std::int64_t{lastRow} - firstRow + 1) * columns();
-    }
-};
-
 // The cells within the bounds of the points, held between `margin` and the lattice's size less it.
-LatticeWindow boundsWindow(std::span<const float> u, std::span<const float> v, float size, std::int32_t rows,
-                           std::int32_t columns, std::int32_t margin);
+CellWindow boundsWindow(std::span<const float> u, std::span<const float> v, float size, std::int32_t rows,
+                        std::int32_t columns, std::int32_t margin);
 
 // Marks the cells of the window that a region passes over on the middle line of their row: flags[i] becomes 1 or 0, row
 // by row from the south. The region is laid out as for INSIDE_POLYGON; a ring that enters and leaves within one cell
@@ -45,7 +32,7 @@ LatticeWindow boundsWindow(std::span<const float> u, std::span<const float> v, f
 // the vertices and the window is not empty.
 std::optional<std::int64_t> grid_inside_polygon(std::span<const float> u, std::span<const float> v, std::int32_t np,
                                                 std::span<const std::int32_t> ir, std::int32_t nr, float size,
-                                                const LatticeWindow& window, std::span<std::uint8_t> flags);
+                                                const CellWindow& window, std::span<std::uint8_t> flags);
 
 enum class GridlineEnd {
     done,

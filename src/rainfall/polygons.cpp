@@ -68,7 +68,7 @@ std::int64_t paintRegion(const RfRegion& region, const GridHeader& grid, std::in
                          RfPolygonTables& tables)
 {
     const run::CellWindow window = windowOf(region.extent, grid);
-    if (window.firstColumn > window.lastColumn || window.firstRow > window.lastRow) {
+    if (window.empty()) {
         return 0;
     }
     run::InsideWalk walk;

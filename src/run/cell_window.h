@@ -1,19 +1,14 @@
 // Windows of cells around what is sampled, and the place of a cell as the sampling operations see it.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_window.h"
+#include "plane/grid_header.h"
 
 #include <cstdint>
 
 namespace gridforge::run {
 
-// Rows and columns from 1, both ends included; it may reach over the grid, and is empty where a first is above its last.
-struct CellWindow {
-    std::int32_t firstRow = 1;
-    std::int32_t lastRow = 0;
-    std::int32_t firstColumn = 1;
-    std::int32_t lastColumn = 0;
-};
+using gridforge::CellWindow;
 
 // The window of a search circle. Rows are divided by the one cell size too: cells are square.
 CellWindow searchWindow(const GridHeader& header, double x, double y, float diameter);

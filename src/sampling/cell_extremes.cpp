@@ -195,7 +195,7 @@ FoundExtremes ExtremeSearch::find(const CellSearch& search)
     const run::CellWindow& window = search.window;
     assert(run::isWithinGrid(window, header_));
     FoundExtremes result;
-    if (window.firstRow > window.lastRow || window.firstColumn > window.lastColumn) {
+    if (window.empty()) {
         return result;
     }
     const TileWindow tiles = {tileOf(window.firstRow), tileOf(window.lastRow), tileOf(window.firstColumn),

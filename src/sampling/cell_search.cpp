@@ -150,7 +150,7 @@ std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader&
 {
     const run::CellWindow& window = search.window;
     assert(run::isWithinGrid(window, header));
-    if (window.firstRow > window.lastRow || window.firstColumn > window.lastColumn) {
+    if (window.empty()) {
         return std::nullopt;
     }
     const std::int32_t split = firstNotBelow(window.firstColumn, window.lastColumn, search.x,

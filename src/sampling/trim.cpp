@@ -173,7 +173,7 @@ void runTrim(const run::Common& common, const TrimOptions& options, const run::I
             const run::CellWindow wanted = run::regionWindow(region, header);
             reportOverhang(wanted, header, name, gridName);
             const run::CellWindow window = clamped(wanted, header);
-            if (window.firstRow > window.lastRow || window.firstColumn > window.lastColumn) {
+            if (window.empty()) {
                 say("WARNING - Region does not overlap grid, no output written, region name: ", name);
                 continue;
             }

@@ -45,7 +45,7 @@ Region rectangle(float u1, float v1, float u2, float v2)
 std::string marks(const Region& region, std::int32_t rows, std::int32_t columns, std::int64_t& count,
                   std::int32_t margin = 0)
 {
-    const LatticeWindow window = boundsWindow(region.u, region.v, 2, rows, columns, margin);
+    const CellWindow window = boundsWindow(region.u, region.v, 2, rows, columns, margin);
     std::vector<std::uint8_t> flags(window.cells(), 7);
     count = grid_inside_polygon(region.u, region.v, region.np(), region.ir, region.nr(), 2, window, flags).value();
     std::string text;
@@ -72,8 +72,8 @@ TEST(LatticeCell, CountsFromOneBehindTheAxes)
 
 TEST(BoundsWindow, IsHeldBetweenTheMargins)
 {
-    const auto isWindow = [](const LatticeWindow& w, std::int32_t firstRow, std::int32_t lastRow,
-                             std::int32_t firstColumn, std::int32_t lastColumn) {
+    const auto isWindow = [](const CellWindow& w, std::int32_t firstRow, std::int32_t lastRow, std::int32_t firstColumn,
+                             std::int32_t lastColumn) {
         return w.firstRow == firstRow && w.lastRow == lastRow && w.firstColumn == firstColumn &&
                w.lastColumn == lastColumn;
     };
@@ -124,7 +124,7 @@ TEST(GridInsidePolygon, RingsThatEndBeforeTheVerticesAreReported)
 {
     Region region = rectangle(0, 0, 9, 9);
     region.add({{1, 1}, {2, 1}, {2, 2}, {1, 1}});
-    const LatticeWindow window{1, 5, 1, 5};
+    const CellWindow window{1, 5, 1, 5};
     std::vector<std::uint8_t> flags(window.cells());
     EXPECT_TRUE(grid_inside_polygon(region.u, region.v, region.np(), region.ir, 2, 2, window, flags).has_value());
     EXPECT_EQ(grid_inside_polygon(region.u, region.v, region.np(), region.ir, 1, 2, window, flags), std::nullopt);
@@ -147,7 +147,7 @@ TEST(GridInsidePolygon, IsThatOfCountingForEachCell)
         std::int64_t count = 0;
         const std::string got = marks(region, 10, 10, count);
 
-        const LatticeWindow window = boundsWindow(region.u, region.v, 2, 10, 10, 0);
+        const CellWindow window = boundsWindow(region.u, region.v, 2, 10, 10, 0);
         std::string want;
         for (std::int32_t row = 10; row >= 1; --row) {
             const double line = 2.0 * row - 1.0;
