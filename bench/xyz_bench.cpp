@@ -1,8 +1,8 @@
 // The text of an .xyz file in memory: points out of it by the fast path and line by line, beside the cell parser on the
 // same text.
 #include "grid/asc_parse.h"
-#include "sampling/xyz.h"
-#include "sampling/xyz_parse.h"
+#include "ops/xyz.h"
+#include "ops/xyz_parse.h"
 
 #include <benchmark/benchmark.h>
 
@@ -51,7 +51,7 @@ void plainPoints(benchmark::State& state, const std::string& text)
     const std::string window = text + std::string(64, ' ');
     Points points;
     for (auto _ : state) {
-        if (sampling::parsePlainPoints(window, points.x, points.y, points.z).count != kPoints) {
+        if (ops::parsePlainPoints(window, points.x, points.y, points.z).count != kPoints) {
             state.SkipWithError("point refused");
         }
         benchmark::DoNotOptimize(points.z.data());
@@ -67,7 +67,7 @@ void linePoints(benchmark::State& state, const std::string& text)
         for (std::size_t i = 0; i < kPoints; ++i) {
             const std::size_t end = rest.find('\n');
             const std::size_t width = rest[end - 1] == '\r' ? end - 1 : end;
-            if (!sampling::parsePoint(rest.substr(0, width), points.x[i], points.y[i], points.z[i])) {
+            if (!ops::parsePoint(rest.substr(0, width), points.x[i], points.y[i], points.z[i])) {
                 state.SkipWithError("point refused");
             }
             rest.remove_prefix(end + 1);
@@ -98,7 +98,7 @@ void cellParser(benchmark::State& state, const std::string& text)
 void lineEnds(benchmark::State& state, const std::string& text)
 {
     for (auto _ : state) {
-        benchmark::DoNotOptimize(sampling::countLineEnds(text));
+        benchmark::DoNotOptimize(ops::countLineEnds(text));
     }
     setRate(state, text);
 }
@@ -106,13 +106,13 @@ void lineEnds(benchmark::State& state, const std::string& text)
 void intoCells(benchmark::State& state, const std::string& text)
 {
     Points points;
-    sampling::parsePlainPoints(text + std::string(64, ' '), points.x, points.y, points.z);
+    ops::parsePlainPoints(text + std::string(64, ' '), points.x, points.y, points.z);
     Grid cells;
     if (!cells.allocate(kPoints / kColumns, kColumns)) {
         state.SkipWithError("no memory");
     }
     for (auto _ : state) {
-        const sampling::PointExtents extents = sampling::findExtents(points.x, points.y, 0.5F, 0.5F);
+        const ops::PointExtents extents = ops::findExtents(points.x, points.y, 0.5F, 0.5F);
         sortIntoCells(points.x, points.y, points.z, extents, cells);
         benchmark::DoNotOptimize(cells.cells().data());
     }

@@ -16,6 +16,7 @@
 #include "ops/resize.h"
 #include "ops/stat.h"
 #include "ops/transform.h"
+#include "ops/xyz.h"
 #include "rainfall/rainfall.h"
 #include "remap/remap.h"
 #include "sampling/brkline.h"
@@ -23,7 +24,6 @@
 #include "sampling/lp.h"
 #include "sampling/na.h"
 #include "sampling/trim.h"
-#include "sampling/xyz.h"
 
 #include <algorithm>
 #include <array>
@@ -244,7 +244,7 @@ constexpr auto kOperations = std::to_array<OperationRow>({
      with<ops::runMultiply>},
     {"xyz",
      {"a grid out of a text file of points", "xyz", {1, 1, Surplus::ignored, false, ValueKind::table}, kXyzOutputs},
-     with<sampling::runXyz>},
+     with<ops::runXyz>},
     {"trim",
      {"a grid for each region of a layer", "trim", {1, run::kMaxInputs}, kTrimOutputs},
      with<sampling::runTrim>},

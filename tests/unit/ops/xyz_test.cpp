@@ -1,4 +1,4 @@
-#include "sampling/xyz.h"
+#include "ops/xyz.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,14 +15,14 @@ using testing::ElementsAre;
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr float kTolerance = 0.5F;
 
-sampling::PointExtents extentsOf(const std::vector<double>& x, const std::vector<double>& y)
+ops::PointExtents extentsOf(const std::vector<double>& x, const std::vector<double>& y)
 {
-    return sampling::findExtents(x, y, kTolerance, kTolerance);
+    return ops::findExtents(x, y, kTolerance, kTolerance);
 }
 
 TEST(FindExtents, WithoutPointsTheStartValuesStand)
 {
-    const sampling::PointExtents extents = extentsOf({}, {});
+    const ops::PointExtents extents = extentsOf({}, {});
     EXPECT_EQ(extents.box.xmin, 9.0e+29);
     EXPECT_EQ(extents.box.xmax, -9.0e+29);
     EXPECT_EQ(extents.box.ymin, 9.0e+29);
@@ -34,7 +34,7 @@ TEST(FindExtents, WithoutPointsTheStartValuesStand)
 TEST(FindExtents, TheSpacingIsTheSmallestSeparationFromTheFirstPoint)
 {
     // 13 and 11 are 2 apart, but the first point is 10.
-    const sampling::PointExtents extents = extentsOf({10, 13, 11, 4}, {5, 5, 1, -3});
+    const ops::PointExtents extents = extentsOf({10, 13, 11, 4}, {5, 5, 1, -3});
     EXPECT_EQ(extents.box.xmin, 4);
     EXPECT_EQ(extents.box.xmax, 13);
     EXPECT_EQ(extents.box.ymin, -3);
@@ -52,7 +52,7 @@ TEST(FindExtents, SeparationsUpToTheToleranceAreNotSeen)
 
 TEST(FindExtents, NotANumberTakesNoPart)
 {
-    const sampling::PointExtents extents = extentsOf({1, kNan, 3}, {2, 5, kNan});
+    const ops::PointExtents extents = extentsOf({1, kNan, 3}, {2, 5, kNan});
     EXPECT_EQ(extents.box.xmin, 1);
     EXPECT_EQ(extents.box.xmax, 3);
     EXPECT_EQ(extents.dx, 2.0F);
@@ -60,18 +60,18 @@ TEST(FindExtents, NotANumberTakesNoPart)
 }
 
 std::vector<float> sorted(const std::vector<double>& x, const std::vector<double>& y, const std::vector<float>& z,
-                          const sampling::PointExtents& extents, std::int32_t nrows, std::int32_t ncols)
+                          const ops::PointExtents& extents, std::int32_t nrows, std::int32_t ncols)
 {
     Grid cells;
     EXPECT_TRUE(cells.allocate(nrows, ncols));
     std::ranges::fill(cells.cells(), -1.0F);
-    sampling::sortIntoCells(x, y, z, extents, cells);
+    ops::sortIntoCells(x, y, z, extents, cells);
     return {cells.cells().begin(), cells.cells().end()};
 }
 
 TEST(SortIntoCells, PutsPointsByTheirDistanceFromTheLowerLeft)
 {
-    const sampling::PointExtents extents = {{10, 1, 16, 5}, 2, 4};
+    const ops::PointExtents extents = {{10, 1, 16, 5}, 2, 4};
     EXPECT_THAT(sorted({10, 12, 13.9, 16}, {1, 4.9, 5, 1}, {1, 2, 3, 4}, extents, 2, 4),
                 ElementsAre(-1, 3, -1, -1, 1, 2, -1, 4));
 }
@@ -84,7 +84,7 @@ TEST(SortIntoCells, ALaterPointOfACellReplacesTheEarlier)
 TEST(SortIntoCells, ARatioJustBelowAWholeNumberFallsACellShort)
 {
     // 0.6F is above 0.6, so 1.8 / 0.6F stays below 3.
-    const sampling::PointExtents extents = {{0, 0, 1.8, 0}, 0.6F, 1};
+    const ops::PointExtents extents = {{0, 0, 1.8, 0}, 0.6F, 1};
     EXPECT_THAT(sorted({0, 0.6, 1.2, 1.8}, {0, 0, 0, 0}, {1, 2, 3, 4}, extents, 1, 4), ElementsAre(2, 3, 4, -1));
 }
 

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <span>
 
-namespace gridforge::sampling {
+namespace gridforge::ops {
 
 // Points in the order of their file.
 struct PointList {
@@ -35,4 +35,4 @@ void sortIntoCells(std::span<const double> x, std::span<const double> y, std::sp
 
 void runXyz(const run::Common& common, const run::InputFileList& inputs);
 
-} // namespace gridforge::sampling
+} // namespace gridforge::ops

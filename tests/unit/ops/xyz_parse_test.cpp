@@ -1,4 +1,4 @@
-#include "sampling/xyz_parse.h"
+#include "ops/xyz_parse.h"
 
 #include "core/simd.h"
 
@@ -36,7 +36,7 @@ struct Point {
 Point pointOf(std::string_view line)
 {
     Point point;
-    point.good = sampling::parsePoint(line, point.x, point.y, point.z);
+    point.good = ops::parsePoint(line, point.x, point.y, point.z);
     return point;
 }
 
@@ -114,9 +114,9 @@ std::size_t comparePoints(std::string_view text, std::size_t windowSize)
         // A copy of its own, so that a look beyond the window is one beyond the heap block.
         const std::string_view rest = text.substr(at, windowSize);
         const std::vector<char> window(rest.begin(), rest.end());
-        const sampling::PlainPoints plain = sampling::parsePlainPoints(
-            {window.data(), window.size()}, std::span(x).subspan(i), std::span(y).subspan(i), std::span(z).subspan(i));
-        EXPECT_EQ(plain.count % sampling::kPointGroup, 0U);
+        const ops::PlainPoints plain = ops::parsePlainPoints({window.data(), window.size()}, std::span(x).subspan(i),
+                                                             std::span(y).subspan(i), std::span(z).subspan(i));
+        EXPECT_EQ(plain.count % ops::kPointGroup, 0U);
         std::size_t bytes = 0;
         for (std::size_t k = i; k < i + plain.count; ++k) {
             const Point expected = pointOf(lineWithoutEnd(lines[k]));
@@ -128,7 +128,7 @@ std::size_t comparePoints(std::string_view text, std::size_t windowSize)
         taken += plain.count;
         i += plain.count;
         at += plain.bytes;
-        for (std::size_t k = 0; k < sampling::kPointGroup && i < lines.size(); ++k, ++i) {
+        for (std::size_t k = 0; k < ops::kPointGroup && i < lines.size(); ++k, ++i) {
             at += lines[i].size() + 1;
         }
     }
@@ -248,18 +248,18 @@ TEST(ParsePlainPoints, RoundsLikeTheStandardLibrary)
     for (int i = 0; i < 20000; ++i) {
         std::string text;
         std::vector<std::string> values;
-        for (std::size_t k = 0; k < 3 * sampling::kPointGroup; ++k) {
+        for (std::size_t k = 0; k < 3 * ops::kPointGroup; ++k) {
             values.push_back(random.plain(15) + "0");
             text += values.back() + (k % 3 == 2 ? "\n" : " ");
         }
         text.append(64, ' ');
-        std::vector<double> x(sampling::kPointGroup);
-        std::vector<double> y(sampling::kPointGroup);
-        std::vector<float> z(sampling::kPointGroup);
-        if (sampling::parsePlainPoints(text, x, y, z).count == 0) {
+        std::vector<double> x(ops::kPointGroup);
+        std::vector<double> y(ops::kPointGroup);
+        std::vector<float> z(ops::kPointGroup);
+        if (ops::parsePlainPoints(text, x, y, z).count == 0) {
             continue;
         }
-        for (std::size_t k = 0; k < sampling::kPointGroup; ++k) {
+        for (std::size_t k = 0; k < ops::kPointGroup; ++k) {
             EXPECT_EQ(x[k], std::strtod(values[3 * k].c_str(), nullptr)) << values[3 * k];
             EXPECT_EQ(y[k], std::strtod(values[3 * k + 1].c_str(), nullptr)) << values[3 * k + 1];
             EXPECT_EQ(z[k], std::strtof(values[3 * k + 2].c_str(), nullptr)) << values[3 * k + 2];
@@ -274,7 +274,7 @@ TEST(ParsePlainPoints, TakesWholeGroupsThatLieInTheWindow)
     std::vector<double> x(8);
     std::vector<double> y(8);
     std::vector<float> z(8);
-    const sampling::PlainPoints both = sampling::parsePlainPoints(text, x, y, z);
+    const ops::PlainPoints both = ops::parsePlainPoints(text, x, y, z);
     if (!hasAvx2()) {
         EXPECT_EQ(both.count, 0U);
         return;
@@ -285,12 +285,11 @@ TEST(ParsePlainPoints, TakesWholeGroupsThatLieInTheWindow)
     EXPECT_THAT(y, ElementsAre(2, 5, 8.25, 11, 2, 5, 8.25, 11));
     EXPECT_THAT(z, ElementsAre(3, 6, 9, 12.5F, 3, 6, 9, 12.5F));
 
-    EXPECT_EQ(
-        sampling::parsePlainPoints(text, std::span(x).first(7), std::span(y).first(7), std::span(z).first(7)).count,
-        4U);
-    EXPECT_EQ(sampling::parsePlainPoints(text.substr(0, 2 * group.size()), x, y, z).count, 0U)
+    EXPECT_EQ(ops::parsePlainPoints(text, std::span(x).first(7), std::span(y).first(7), std::span(z).first(7)).count,
+              4U);
+    EXPECT_EQ(ops::parsePlainPoints(text.substr(0, 2 * group.size()), x, y, z).count, 0U)
         << "no whole block behind the last";
-    EXPECT_EQ(sampling::parsePlainPoints("", x, y, z).count, 0U);
+    EXPECT_EQ(ops::parsePlainPoints("", x, y, z).count, 0U);
 }
 
 TEST(ParsePlainPoints, LeavesOddLinesToTheOtherWay)
@@ -302,23 +301,23 @@ TEST(ParsePlainPoints, LeavesOddLinesToTheOtherWay)
         std::vector<double> x(4);
         std::vector<double> y(4);
         std::vector<float> z(4);
-        EXPECT_EQ(sampling::parsePlainPoints(text, x, y, z).count, 0U) << odd;
+        EXPECT_EQ(ops::parsePlainPoints(text, x, y, z).count, 0U) << odd;
     }
 }
 
 TEST(CountLineEnds, CountsThemAll)
 {
-    EXPECT_EQ(sampling::countLineEnds(""), 0U);
-    EXPECT_EQ(sampling::countLineEnds("a"), 0U);
-    EXPECT_EQ(sampling::countLineEnds("a\r\nb\n\nc"), 3U);
-    EXPECT_EQ(sampling::countLineEnds(std::string(1000, '\n')), 1000U);
+    EXPECT_EQ(ops::countLineEnds(""), 0U);
+    EXPECT_EQ(ops::countLineEnds("a"), 0U);
+    EXPECT_EQ(ops::countLineEnds("a\r\nb\n\nc"), 3U);
+    EXPECT_EQ(ops::countLineEnds(std::string(1000, '\n')), 1000U);
     std::mt19937 random(3);
     for (std::size_t size = 0; size < 600; ++size) {
         std::string text;
         for (std::size_t i = 0; i < size; ++i) {
             text += random() % 3 == 0 ? '\n' : static_cast<char>(random());
         }
-        EXPECT_EQ(sampling::countLineEnds(text), static_cast<std::size_t>(std::ranges::count(text, '\n')));
+        EXPECT_EQ(ops::countLineEnds(text), static_cast<std::size_t>(std::ranges::count(text, '\n')));
     }
 }
 

@@ -1,14 +1,14 @@
-#include "sampling/xyz_parse.h"
+#include "ops/xyz_parse.h"
 
 #include "core/numbers.h"
 #include "core/simd.h"
-#include "sampling/xyz_parse_avx2.h"
+#include "ops/xyz_parse_avx2.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
 
-namespace gridforge::sampling {
+namespace gridforge::ops {
 
 bool parsePoint(std::string_view line, double& x, double& y, float& z)
 {
@@ -36,4 +36,4 @@ PlainPoints parsePlainPoints(std::string_view window, std::span<double> x, std::
     return hasAvx2() ? parsePointGroups(window, x, y, z) : PlainPoints{};
 }
 
-} // namespace gridforge::sampling
+} // namespace gridforge::ops

@@ -1,5 +1,5 @@
 // The lines of four points are found by bit masks, and their values become numbers four x, four y and four z at a time.
-#include "sampling/xyz_parse_avx2.h"
+#include "ops/xyz_parse_avx2.h"
 
 #if defined(__x86_64__)
 
@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace gridforge::sampling {
+namespace gridforge::ops {
 
 namespace {
 
@@ -96,17 +96,17 @@ GRIDFORGE_AVX2 PlainPoints parsePointGroups(std::string_view window, std::span<d
     return found;
 }
 
-} // namespace gridforge::sampling
+} // namespace gridforge::ops
 
 #else
 
-namespace gridforge::sampling {
+namespace gridforge::ops {
 
 PlainPoints parsePointGroups(std::string_view, std::span<double>, std::span<double>, std::span<float>)
 {
     return {};
 }
 
-} // namespace gridforge::sampling
+} // namespace gridforge::ops
 
 #endif

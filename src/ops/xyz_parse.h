@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-namespace gridforge::sampling {
+namespace gridforge::ops {
 
 // One line, without its line end. An empty value (two commas, or a comma at the head) leaves its target. False where a
 // value is missing or no number.
@@ -27,4 +27,4 @@ inline constexpr std::size_t kPointGroup = 4;
 // How many lines end in `text`.
 std::size_t countLineEnds(std::string_view text);
 
-} // namespace gridforge::sampling
+} // namespace gridforge::ops

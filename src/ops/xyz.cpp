@@ -1,5 +1,5 @@
 // -xyz turns a text file of points on a lattice into a grid.
-#include "sampling/xyz.h"
+#include "ops/xyz.h"
 
 #include "core/names.h"
 #include "core/numbers.h"
@@ -8,8 +8,8 @@
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/units.h"
+#include "ops/xyz_parse.h"
 #include "run/outputs.h"
-#include "sampling/xyz_parse.h"
 
 #include <algorithm>
 #include <cassert>
@@ -18,7 +18,7 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge::sampling {
+namespace gridforge::ops {
 
 // --- The kernels -----------------------------------------------------------------------------------------------------
 
@@ -233,4 +233,4 @@ void runXyz(const run::Common& common, const run::InputFileList& inputs)
     grid::writeGrid(format, name, header, cells, "", common.decimals);
 }
 
-} // namespace gridforge::sampling
+} // namespace gridforge::ops
