@@ -1,7 +1,7 @@
 // The text of an .xyz file in memory: points out of it by the fast path and line by line, beside the cell parser on the
 // same text.
 #include "grid/asc_parse.h"
-#include "ops/xyz.h"
+#include "ops/xyz_cells.h"
 #include "ops/xyz_parse.h"
 
 #include <benchmark/benchmark.h>

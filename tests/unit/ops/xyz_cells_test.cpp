@@ -1,4 +1,4 @@
-#include "ops/xyz.h"
+#include "ops/xyz_cells.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
