@@ -96,7 +96,10 @@ def relative_name(name: str, folder: Path) -> str:
     if ".." in name.split(os.sep):  # may lead back out of a link, which only the system can follow
         head, tail = os.path.split(name)
         name = os.path.join(os.path.realpath(head), tail)
-    return os.path.relpath(name, folder)
+    try:
+        return os.path.relpath(name, folder)
+    except ValueError:  # on another drive of Windows, where a name from the root is no flag
+        return name
 
 
 def _handed_over(argument: Argument, folder: Path) -> Argument:

@@ -180,7 +180,7 @@ def _open_log(name: str, files: ExitStack) -> IO[bytes]:
     if name == "-":
         return sys.stdout.buffer
     try:
-        return files.enter_context(open(name, "wb"))
+        return files.enter_context(open(name, "wb", buffering=0))  # for those who watch it
     except OSError as error:
         raise WrongUse(f"The log cannot be written: {error}") from error
 

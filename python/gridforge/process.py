@@ -101,6 +101,13 @@ def _read_into(events: "queue.SimpleQueue[tuple[str, bytes]]", kind: str, descri
             return
 
 
+def _write_all(file: IO[bytes], piece: bytes) -> None:
+    """Files without a buffer may take less at a time."""
+    rest = memoryview(piece)
+    while rest:
+        rest = rest[file.write(rest):]
+
+
 class _Lines:
     """Puts pieces together to lines."""
 
@@ -200,7 +207,7 @@ class _Run:
 
     def _take(self, kind: str, piece: bytes) -> None:
         if kind == "console" and self._watch.log is not None:
-            self._watch.log.write(piece)
+            _write_all(self._watch.log, piece)
         if piece:
             self._lines[kind].add(piece)
         else:

@@ -134,11 +134,13 @@ def _add_projections(made: dict[str, Path], look: Look, inputs: Iterable[str]) -
 def _copy_new(source: Path, target: Path) -> None:
     """A whole copy at once, unless somebody else has put a file there in the meantime."""
     near = target.with_name(f".{target.name[:100]}.{secrets.token_hex(6)}.part")
-    near.write_bytes(source.read_bytes())
     try:
+        near.write_bytes(source.read_bytes())
         move_file(near, target, overwrite=False)
     except Exists:
-        near.unlink()
+        pass
+    finally:
+        near.unlink(missing_ok=True)
 
 
 def _written(console: Console, folder: Path) -> dict[str, Path]:
@@ -309,7 +311,8 @@ def execute(p: Plan) -> Record:
     try:
         _try(p, console, record)
         record.outcome, record.status = "finished", FINISHED
-    except _Bad as bad:
+    except (_Bad, OSError) as error:
+        bad = error if isinstance(error, _Bad) else _Bad("failed", FAILED, f"A file could not be read or written: {error}")
         record.outcome, record.status, record.error = bad.outcome, bad.status, str(bad)
         raise RunError(str(bad), record) from None
     finally:

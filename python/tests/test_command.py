@@ -138,7 +138,7 @@ class CommandTest(ScratchTest):
             self.skipTest("needs /dev/full")
         self.give_grids("a.asc")
         done = self.command("--log", "/dev/full", "-fe", "a.asc")
-        self.assertEqual((done.returncode, done.stderr), (1, "gridforge-run: [Errno 28] No space left on device\n"))
+        self.assertEqual((done.returncode, done.stderr), (1, "A file could not be read or written: [Errno 28] No space left on device\n"))
 
 
 class EndsTest(ScratchTest):

@@ -3,8 +3,10 @@ import hashlib
 import os
 import platform
 import unittest
+from unittest import mock
 
 import gridforge
+from gridforge import running
 from gridforge.console import Console
 from tests.support import ScratchTest, cells, grid
 
@@ -189,6 +191,19 @@ class ProjectionTest(ScratchTest):
         self.give("a.prj", 'GEOGCS["x"]')
         record = gridforge.run(["-fe", "a.asc", "-out", "m"])
         self.assertEqual(record.output_names, ["m.asc"])  # it takes none without PROJCS, and so do we
+
+    def test_one_that_cannot_be_copied(self):
+        self.give_grids("in/a.asc")
+        (self.folder / "in/a.prj").mkdir()
+        self.assertEqual(gridforge.run(["-fe", "in/a.asc", "-out", "m"]).output_names, ["m.asc"])
+        os.rmdir("in/a.prj")
+        self.give("in/a.prj", "PROJCS a")
+        with mock.patch.object(running, "move_file", side_effect=PermissionError(13, "Permission denied")):
+            with self.assertRaises(gridforge.RunError) as raised:
+                gridforge.run(["-fe", "in/a.asc", "-out", "m"])
+        self.assertEqual(str(raised.exception), "A file could not be read or written: [Errno 13] Permission denied")
+        self.assertEqual((raised.exception.status, raised.exception.record.output_names), (1, ["m.asc"]))
+        self.assertEqual(self.files(), ["in/a.asc", "in/a.prj", "m.asc"])
 
     def test_each_of_several_inputs_has_its_own(self):
         self.give_grids("in/a.asc", "in/b.asc")
