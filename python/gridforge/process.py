@@ -20,6 +20,10 @@ TIME_TO_END = 5.0  # that a tool which is to end gets before it is killed
 PROGRESS = "GRIDFORGE_PROGRESS"
 
 
+class CannotStart(Exception):
+    """The system does not run the file."""
+
+
 class Cancel(Protocol):
     """A threading.Event, or what behaves like one."""
 
@@ -163,10 +167,10 @@ class _Run:
                 command, cwd=folder, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                 pass_fds=passed,
                 preexec_fn=_prepare_to_die_with_parent() if self._watch.dies_with_us else None)
-        except OSError:
+        except OSError as error:
             if progress is not None:
                 os.close(progress[0])
-            raise
+            raise CannotStart(str(error)) from error
         finally:
             if progress is not None:
                 os.close(progress[1])

@@ -14,7 +14,7 @@ from .console import Console
 from .description import Description, Operation, load_description
 from .families import PROJECTION, Look, family_of, split_name
 from .moving import Exists, move_file
-from .process import Cancel, End, Watch, run_tool
+from .process import Cancel, CannotStart, End, Watch, run_tool
 from .progress import Progress, progress_of
 from .record import Record, file_record, threads_of, time_text
 from .staging import InputChanged, Stage, set_stage, simple_name
@@ -209,7 +209,7 @@ def _run_tool(p: Plan, folder: Path, console: Console, record: Record) -> End:
     clock = time.monotonic()
     try:
         end = run_tool([str(p.tool), *p.command], folder, _environment(settings), console, watch)
-    except OSError as error:
+    except CannotStart as error:
         raise _Bad("failed", FAILED, f"The tool could not be run: {error}") from error
     finally:
         record.started, record.ended = time_text(started), time_text(time.time())
