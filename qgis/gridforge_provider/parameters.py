@@ -102,9 +102,11 @@ def _result(output: Output) -> Any:
 
 
 def style_choices(form: Form) -> tuple[str, ...]:
-    """Of the first output whose style is the user's choice."""
-    return next((styling.choices_for(output.style) for output in form.outputs if styling.choices_for(output.style)),
-                styling.INPUT_CHOICES if form.takes_grid_format and not any(output.style for output in form.outputs) else ())
+    """Of the first output whose style is the user's choice, or of grids in a folder that are not told apart."""
+    for output in form.outputs:
+        if styling.choices_for(output.style):
+            return styling.choices_for(output.style)
+    return styling.INPUT_CHOICES if form.to_folder and form.takes_grid_format and not form.outputs else ()
 
 
 def _add_style(algorithm: QgsProcessingAlgorithm, form: Form) -> None:

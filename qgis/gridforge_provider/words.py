@@ -1,7 +1,7 @@
 """Words for the dialogs that the description of the command line does not have. Tests hold the lists against it."""
 from __future__ import annotations
 
-UNITS = {"cell values": "unit of the cells", "decimals": ""}
+UNITS = {"cell values": "unit of the cells", "decimals": "", "points": ""}
 GROUP_LABELS = {"gridFormat": "Format of the grids", "resizeMethod": "Value of a coarse cell"}
 FLAG_LABELS = {
     "-max": "Highest value", "-min": "Lowest value", "-stat": "Statistics", "-cd": "Cutoff", "-resize": "Factor",

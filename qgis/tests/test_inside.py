@@ -117,6 +117,11 @@ class LoadingTest(PluginTest):
                 self.assertTrue(all(definition.description() for definition in algorithm.parameterDefinitions()))
                 self.assertFalse(algorithm.icon().isNull())
 
+    def test_a_style_is_offered_where_it_is_a_matter_of_choice(self):
+        offered = {algorithm.name() for algorithm in REGISTRY.providerById("gridforge").algorithms()
+                   if algorithm.parameterDefinition("STYLE")}
+        self.assertEqual(offered, {"max", "stat", "dif", "cd", "trans_m", "resize", "xyz", "conv", "trim"})
+
     def test_it_can_be_taken_out_and_put_back(self):
         self.assertTrue(qgis.utils.unloadPlugin("gridforge_provider"))
         self.assertIsNone(REGISTRY.providerById("gridforge"))
@@ -181,7 +186,7 @@ class ConversionTest(PluginTest):
         self.assertEqual(done.returncode, 0)
 
     def points(self, kind):
-        """Two points at (4.4, 4.4) and (6.4, 5.4), in memory or in a GeoPackage."""
+        """Two points at (4.4, 4.4) and (6.4, 5.4), in memory or in a file."""
         layer = QgsVectorLayer("Point?crs=EPSG:32756&field=seen:double&field=mark:string(20)", "marks", "memory")
         for x, y, seen, mark in ((4.4, 4.4, 55.0, "m"), (6.4, 5.4, 20.0, "n")):
             feature = QgsFeature(layer.fields())
@@ -191,9 +196,10 @@ class ConversionTest(PluginTest):
         if kind == "memory":
             return layer
         options = QgsVectorFileWriter.SaveVectorOptions()
-        options.driverName = "GPKG"
-        QgsVectorFileWriter.writeAsVectorFormatV3(layer, self.path("marks.gpkg"), self.project.transformContext(), options)
-        return QgsVectorLayer(self.path("marks.gpkg"), "marks", "ogr")
+        options.driverName = {"gpkg": "GPKG", "shp": "ESRI Shapefile"}[kind]
+        path = self.path(f"marks.{kind}")
+        QgsVectorFileWriter.writeAsVectorFormatV3(layer, path, self.project.transformContext(), options)
+        return QgsVectorLayer(path, "marks", "ogr")
 
     def sampled(self, points):
         results = self.run_algorithm("cp", INPUT=self.path("in/a.asc"), CP=points, CPSD=4, OUTPUT=self.path("r.mif"),
@@ -206,8 +212,16 @@ class ConversionTest(PluginTest):
     def test_layers_of_other_formats(self):
         self.assertEqual(self.sampled(self.points("memory")), self.ROWS)
 
+    def test_a_shapefile_as_it_is(self):
+        layer = self.points("shp")
+        self.assertEqual(self.sampled(layer), self.ROWS)
+        self.assertIn("Opening GIS Layer: marks.shp", self.feedback.lines)
+        layer.startEditing()
+        layer.deleteFeature(0)
+        self.assertEqual(self.sampled(layer), self.ROWS[1:])  # as it is on the screen
+
     def test_the_key_of_a_geopackage_is_no_column(self):
-        layer = self.points("GPKG")
+        layer = self.points("gpkg")
         self.assertEqual(layer.fields().names(), ["fid", "seen", "mark"])
         self.assertEqual(self.sampled(layer), self.ROWS)
 
@@ -218,7 +232,7 @@ class ConversionTest(PluginTest):
         self.assertEqual(self.sampled(QgsProcessingFeatureSourceDefinition(layer.id(), True)), self.ROWS[1:])
 
     def test_a_filtered_layer(self):
-        layer = self.points("GPKG")
+        layer = self.points("gpkg")
         layer.setSubsetString("mark = 'm'")
         self.assertEqual(self.sampled(layer), self.ROWS[:1])
 
