@@ -103,8 +103,8 @@ def cut_open(outer: Ring, holes: Sequence[Ring]) -> Ring | None:
     """One ring round the polygon and its holes: a cut of no width leads from the easternmost vertex of each hole due east.
 
     A cut along a row changes nothing for a test of points that counts edges across the row. From the easternmost hole to the
-    westernmost: so a cut only meets holes that are joined already. Holes go the other way round than the outline, so that areas are
-    right too. None where a hole lies outside."""
+    westernmost: so a cut only meets holes that are joined already. Holes go the other way round than the outline, so that areas
+    are right too. None where a hole lies outside."""
     ring = list(outer)
     for hole in sorted(holes, key=max, reverse=True):
         if (signed_area(hole) > 0) == (signed_area(outer) > 0):

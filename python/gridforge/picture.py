@@ -292,14 +292,14 @@ class Panel:
                                           edgecolor="#202020", facecolor="#202020" if i % 2 == 0 else "white"))
         unit, scale = ("km", 1000) if length >= 2000 else ("m", 1)
         for share in (0, 0.5, 1):
-            self.axes.text(left + 0.1 + share * width, bottom + 0.3, f"{share * length / scale:g}", fontsize=FONT - 0.5, ha="center",
-                           va="center")
+            self.axes.text(left + 0.1 + share * width, bottom + 0.3, f"{share * length / scale:g}", fontsize=FONT - 0.5,
+                           ha="center", va="center")
         self.axes.text(left + 0.25 + width, bottom + 0.62, unit, fontsize=FONT - 0.5, va="center")
 
     def _north(self, x: float, y: float) -> None:
         for side, colour in ((-0.2, "white"), (0.2, "#202020")):
-            self.axes.add_patch(Polygon([(x, y + 0.45), (x + side, y - 0.4), (x, y - 0.22)], facecolor=colour, edgecolor="#202020",
-                                        linewidth=0.6))
+            self.axes.add_patch(Polygon([(x, y + 0.45), (x + side, y - 0.4), (x, y - 0.22)], facecolor=colour,
+                                        edgecolor="#202020", linewidth=0.6))
         self.axes.text(x + 0.36, y + 0.05, "N", fontsize=FONT + 1.5, fontweight="bold", va="center")
 
 
@@ -482,17 +482,20 @@ def make_parser() -> argparse.ArgumentParser:
     parser = argparse.ArgumentParser(prog=NAME, description=__doc__.split(": ", 1)[1])
     parser.add_argument("grid", type=Path, help="an .asc or a .flt")
     parser.add_argument("output", type=Path, help="the .png")
-    parser.add_argument("--kind", choices=tuple(styles.styles()), help="what the cells are; without it the name of the grid tells")
+    parser.add_argument("--kind", choices=tuple(styles.styles()), 
+                        help="what the cells are; without it the name of the grid tells")
     parser.add_argument("--ground", type=Path, metavar="GRID", help="heights, drawn as a shaded ground below")
     parser.add_argument("--layer", type=layer_wish, action="append", default=[], dest="layers", metavar="FILE[=LABEL]",
                         help="a layer to draw on top; may be given again")
-    parser.add_argument("--legend", type=Path, metavar="FILE", help="a _src_legend.csv with the names of sources; that beside the "
-                        "grid is found without it")
+    parser.add_argument("--legend", type=Path, metavar="FILE", 
+                        help="a _src_legend.csv with the names of sources; that beside the grid is found without it")
     parser.add_argument("--title", default="", help="above the picture")
     parser.add_argument("--heading", default="", help="of the legend, in place of the name of the kind")
     parser.add_argument("--unit", default="m", help="of the cells; m without it")
-    parser.add_argument("--window", type=float, nargs=4, metavar=("WEST", "SOUTH", "EAST", "NORTH"), help="only this part of the map")
-    parser.add_argument("--range", type=float, nargs=2, metavar=("LOW", "HIGH"), help="where the colours of a level begin and end")
+    parser.add_argument("--window", type=float, nargs=4, metavar=("WEST", "SOUTH", "EAST", "NORTH"),
+                        help="only this part of the map")
+    parser.add_argument("--range", type=float, nargs=2, metavar=("LOW", "HIGH"),
+                        help="where the colours of a level begin and end")
     parser.add_argument("--width", type=positive, default=16.0, metavar="CM", help="of the picture; 16 without it")
     parser.add_argument("--dpi", type=positive, default=200.0, help="dots an inch; 200 without it")
     add_overwrite(parser)

@@ -66,7 +66,8 @@ def add_layer(parser: argparse.ArgumentParser) -> None:
                         help="the field of the source for a column; without it the field of the same name")
     parser.add_argument("--value", type=pair, action="append", default=[], metavar="COLUMN=VALUE", dest="values",
                         help="a value for a column, where the source has none")
-    parser.add_argument("--clip", type=Path, metavar="GRID", help="cut to this grid, with the cells free that the operation needs")
+    parser.add_argument("--clip", type=Path, metavar="GRID",
+                        help="cut to this grid, with the cells free that the operation needs")
     parser.add_argument("--holes", choices=("cut", "fill"), default="cut",
                         help="join holes to the outline by cuts of no width (the default), or leave them out")
     parser.add_argument("--parts", choices=("apart", "largest"), default="apart",
@@ -111,7 +112,8 @@ def add_grid(parser: argparse.ArgumentParser) -> None:
     parser.add_argument("--crs", help="the projection, as EPSG:28356: that of a source without one, otherwise the one to go to")
     parser.add_argument("--cell", type=positive, metavar="SIZE", help="onto cells of this size")
     parser.add_argument("--like", type=Path, metavar="GRID", help="onto the cells of this grid")
-    parser.add_argument("--resampling", choices=RESAMPLINGS, default="near", help="how cells get their value then; near without it")
+    parser.add_argument("--resampling", choices=RESAMPLINGS, default="near",
+                        help="how cells get their value then; near without it")
     add_overwrite(parser)
     parser.set_defaults(work=work_on_grid)
 

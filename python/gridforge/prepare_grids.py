@@ -109,7 +109,8 @@ def source_band(data: gdal.Dataset, wishes: GridWishes) -> gdal.Dataset:
 def onto(band: gdal.Dataset, frame: Frame, wishes: GridWishes) -> gdal.Dataset:
     """The band on the cells of the frame, with the null of the tool."""
     return gdal.Warp("", band, format="VRT", dstSRS=wishes.crs if system_in(band) else None, outputType=gdal.GDT_Float32,
-                     dstNodata=NULL, errorThreshold=0, outputBounds=frame.bounds, width=frame.columns, height=frame.rows, resampleAlg=wishes.resampling)
+                     dstNodata=NULL, errorThreshold=0, outputBounds=frame.bounds, width=frame.columns, height=frame.rows,
+                     resampleAlg=wishes.resampling)
 
 
 def values_of_null(data: gdal.Dataset, wishes: GridWishes) -> list[str]:

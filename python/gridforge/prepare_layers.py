@@ -244,7 +244,8 @@ class Shaper:
             return Shape(REGION, outer)
         opened = cut_open(outer, holes)
         if opened is None:
-            raise Failure(f"{where}: a hole does not lie inside its polygon; repair the source, or leave holes out (--holes fill)")
+            raise Failure(f"{where}: a hole does not lie inside its polygon; "
+                          f"repair the source, or leave holes out (--holes fill)")
         self._notes.add("holes cut open", len(holes))
         return Shape(REGION, opened)
 
@@ -315,8 +316,8 @@ class Records:
             if name.lower() in self._places:
                 return self._places[name.lower()]
         if column.default is None:
-            raise Failure(f"-{form.operation} needs {column.name}: name its field with --column {column.name}=FIELD, or a value for "
-                          f"all with --value {column.name}=VALUE; fields of the source: {listed(self._names)}")
+            raise Failure(f"-{form.operation} needs {column.name}: name its field with --column {column.name}=FIELD, or a value "
+                          f"for all with --value {column.name}=VALUE; fields of the source: {listed(self._names)}")
         return None
 
     def told(self) -> list[str]:

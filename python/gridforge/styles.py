@@ -3,8 +3,8 @@
 usage: python3 -m gridforge.styles FOLDER                  writes the styles of all kinds
        python3 -m gridforge.styles FOLDER --legend FILE    and `FILE`.qml, a style of sources by their names
 
-`bands` are classes up to and with a value, `values` stand for themselves, colours of a `ramp` lie at values and those of a `range`
-at parts of the way from the lowest cell to the highest; between them they blend.
+`bands` are classes up to and with a value, `values` stand for themselves, colours of a `ramp` lie at values and those of a
+`range` at parts of the way from the lowest cell to the highest; between them they blend.
 """
 from __future__ import annotations
 
@@ -119,8 +119,8 @@ def text(value: float) -> str:
 
 
 def palette(style: Style) -> str:
-    entries = "".join(f'        <paletteEntry value="{text(c.value)}" color="{c.colour}" alpha="255" label={quoteattr(c.label)}/>\n'
-                      for c in style.classes)
+    entries = "".join(f'        <paletteEntry value="{text(c.value)}" color="{c.colour}" alpha="255"'
+                      f' label={quoteattr(c.label)}/>\n' for c in style.classes)
     return (f'    <rasterrenderer type="paletted" band="1" opacity="1" alphaBand="-1" nodataColor="">\n'
             f'      <rasterTransparency/>\n      <colorPalette>\n{entries}      </colorPalette>\n    </rasterrenderer>\n')
 
@@ -152,7 +152,8 @@ def shader(style: Style) -> str:
             f' classificationMin="{text(min(ends))}" classificationMax="{text(max(ends))}">\n      <rasterTransparency/>\n'
             f'      <minMaxOrigin>\n        <limits>{limits}</limits>\n        <extent>{extent}</extent>\n'
             f'        <statAccuracy>Estimated</statAccuracy>\n        <cumulativeCutLower>0.02</cumulativeCutLower>\n'
-            f'        <cumulativeCutUpper>0.98</cumulativeCutUpper>\n        <stdDevFactor>2</stdDevFactor>\n      </minMaxOrigin>\n'
+            f'        <cumulativeCutUpper>0.98</cumulativeCutUpper>\n        <stdDevFactor>2</stdDevFactor>\n'
+            f'      </minMaxOrigin>\n'
             f'      <rastershader>\n        <colorrampshader colorRampType="{"DISCRETE" if bands else "INTERPOLATED"}"'
             f' classificationMode="1" clip="0" minimumValue="{text(min(ends))}" maximumValue="{text(max(ends))}"'
             f' labelPrecision="4">\n{ramp}{items}        </colorrampshader>\n      </rastershader>\n    </rasterrenderer>\n')
@@ -212,7 +213,8 @@ def write_styles(folder: Path) -> None:
 def main(arguments: Sequence[str] | None = None) -> int:
     parser = argparse.ArgumentParser(prog=NAME, description="Writes styles for QGIS (.qml) and colour tables for GDAL (.txt).")
     parser.add_argument("folder", type=Path)
-    parser.add_argument("--legend", type=Path, metavar="FILE", help="a _src_legend.csv: also a style with the names of its sources")
+    parser.add_argument("--legend", type=Path, metavar="FILE",
+                        help="a _src_legend.csv: also a style with the names of its sources")
     given = parser.parse_args(arguments)
 
     def command() -> None:

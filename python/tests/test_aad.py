@@ -118,7 +118,8 @@ class AadTest(ToolCase):
     def test_refuses_what_is_no_table_of_damages(self):
         self.fails("aad", "none.csv: No such file or directory", "none.csv")
         self.give("t.csv", "a,b\n1,2\n")
-        self.fails("aad", "t.csv is not a table of -damages: its heading does not begin with Property Type,Property ID, Floor Level"
+        self.fails("aad",
+                   "t.csv is not a table of -damages: its heading does not begin with Property Type,Property ID, Floor Level"
                    ", Multiplier", "t.csv")
         self.give("t.csv", table(("1.000", "2.000")))
         self.fails("aad", "t.csv has no building", "t.csv")
@@ -145,7 +146,8 @@ class AadTest(ToolCase):
         whole = table([f"{p}.000" for p in range(floods, 0, -1)], '"A","1",0.,1.,' + "10.," * floods + "0.")
         heading, record = whole.splitlines()
         self.give("t.csv", heading[:1000] + "\n" + record + "\n")
-        self.fails("aad", "t.csv: the heading does not end with Average Annual Damage; the tool cuts lines at 1000 characters, so "
+        self.fails("aad",
+                   "t.csv: the heading does not end with Average Annual Damage; the tool cuts lines at 1000 characters, so "
                    "give the probabilities of all columns with --aep", "t.csv")
         given = ",".join(str(p) for p in range(floods, 0, -1))
         self.assertEqual(self.amounts("t.csv", "--aep", given)[0], 4.9)  # 49 % of 10
@@ -170,7 +172,8 @@ class AadTest(ToolCase):
         for name, level in (("a", 14), ("b", 12), ("c", 10.5)):
             self.give(f"{name}.asc", asc([[level] * 6] * 6))
         self.give("house.csv", "Depth,Damage\n0,0\n10,10000\n")
-        self.give("town.mif", MIF + "Columns 4\n  Type Char(20)\n  ID Char(20)\n  FFL Float\n  Mult Float\nData\n\nPoint 3.4 3.4\n")
+        self.give("town.mif",
+                  MIF + "Columns 4\n  Type Char(20)\n  ID Char(20)\n  FFL Float\n  Mult Float\nData\n\nPoint 3.4 3.4\n")
         self.give("town.mid", '"House","1, Main Road",10,1\n')
         self.give("town.dmg", "Read GIS Building == town.mif\nRead Curve House == house.csv\nRead Result % 10 == c.asc\n"
                               "Read Result % 0.2 == a.asc\nRead Result % 1 == b.asc\n")

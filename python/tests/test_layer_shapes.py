@@ -60,7 +60,8 @@ class ThinTest(unittest.TestCase):
 
     def test_a_circle_moves_by_what_lies_between_chord_and_arc(self):
         radius, vertices, kept = 100.0, 256, 64
-        ring = [(radius * math.cos(2 * math.pi * i / vertices), radius * math.sin(2 * math.pi * i / vertices)) for i in range(vertices)]
+        turns = [2 * math.pi * i / vertices for i in range(vertices)]
+        ring = [(radius * math.cos(turn), radius * math.sin(turn)) for turn in turns]
         thinned = thin([ring], True, kept, None)
         self.assertEqual(len(thinned.lines[0]), kept)
         # 64 vertices leave arcs of 4 steps at best; one that is uneven has arcs of 8 at most.
@@ -77,7 +78,8 @@ class HolesTest(unittest.TestCase):
         for i in range(41):
             for j in range(41):  # also on the rows of the cuts, which count nothing
                 x, y = west + (east - west) * (i + 0.37) / 41, south + (north - south) * j / 40
-                self.assertEqual(inside(ring, x, y), inside(outer, x, y) and not any(inside(hole, x, y) for hole in holes), (x, y))
+                in_hole = any(inside(hole, x, y) for hole in holes)
+                self.assertEqual(inside(ring, x, y), inside(outer, x, y) and not in_hole, (x, y))
         return ring
 
     def test_a_hole_is_joined_by_a_cut_due_east(self):

@@ -150,7 +150,8 @@ class LegendTest(unittest.TestCase):
 
     def test_long_labels_take_two_lines(self):
         self.assertEqual(picture.wrapped("short"), "short")
-        self.assertEqual(picture.wrapped("a storm of six hours over the whole catchment"), "a storm of six hours over the\nwhole catchment")
+        self.assertEqual(picture.wrapped("a storm of six hours over the whole catchment"),
+                         "a storm of six hours over the\nwhole catchment")
         lines = picture.wrapped("level_" + "x" * 100).split("\n")
         self.assertEqual((len(lines), max(map(len, lines)) <= 30), (2, True))
 
@@ -186,7 +187,8 @@ class ThinnedTest(ToolCase):
         self.give("a.asc", asc(rows, cell=10, west=100, south=200))
         self.give("a.flt", "")
         (self.folder / "a.flt").write_bytes(struct.pack("<15f", *[value for row in rows for value in row]))
-        self.give("a.HDR", "NCOLS 5\nNROWS 3\nXLLCORNER 100\nYLLCORNER 200\nCELLSIZE 10\nNODATA_VALUE -9999\nBYTEORDER LSBFIRST\n")
+        self.give("a.HDR", "NCOLS 5\nNROWS 3\nXLLCORNER 100\nYLLCORNER 200\nCELLSIZE 10\nNODATA_VALUE -9999\n"
+                           "BYTEORDER LSBFIRST\n")
         for name in ("a.asc", "a.flt"):
             grid = self.thinned(name, 3)
             numpy.testing.assert_array_equal(grid.values, [[3, 6, 7], [numpy.nan, 1.5, numpy.nan]])
@@ -202,7 +204,8 @@ class ThinnedTest(ToolCase):
         numpy.testing.assert_array_equal(self.thinned("a.asc", 2).values, [[1, numpy.nan], [3, 4]])
 
     def test_rows_over_several_lines(self):
-        self.give("a.asc", asc([[1]]).replace("ncols 1", "ncols 3").replace("nrows 1", "nrows 2").replace("\n1\n", "\n1 2\n3 junk\n4\n5\n6\n"))
+        header = asc([[1, 1, 1], [1, 1, 1]]).split("1 1 1\n", maxsplit=1)[0]
+        self.give("a.asc", header + "1 2\n3 junk\n4\n5\n6\n")
         numpy.testing.assert_array_equal(self.thinned("a.asc", 9).values, [[1, 2, 3], [4, 5, 6]])
 
     def test_only_the_cells_that_touch_the_window(self):
@@ -213,7 +216,8 @@ class ThinnedTest(ToolCase):
 
     def test_a_large_grid_takes_little_memory(self):
         side = 12000  # cells of a file of 576 million bytes without a byte on the disk
-        self.give("a.hdr", f"ncols {side}\nnrows {side}\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -9999\nbyteorder LSBFIRST\n")
+        self.give("a.hdr", f"ncols {side}\nnrows {side}\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -9999\n"
+                           "byteorder LSBFIRST\n")
         with open(self.folder / "a.flt", "wb") as file:
             file.truncate(side * side * 4)
         program = ("import resource, sys; from gridforge import picture; "
@@ -239,7 +243,8 @@ class MessagesTest(Drawn):
         for message, *arguments in (
                 ("the name of a.asc tells no kind: --kind is one of depth, level, difference, source, wet_dry, impact", "o.png"),
                 ("o.jpg: a picture ends in .png", "o.jpg"),
-                ("--window: west, south, east, north are expected, each smaller than its opposite", "o.png", "--window", "2", "0", "1",
+                ("--window: west, south, east, north are expected, each smaller than its opposite", "o.png", "--window", "2",
+                 "0", "1",
                  "1"),
                 ("--range: the low end must lie below the high end", "o.png", "--range", "2", "2"),
                 ("--width and --dpi: the picture is too narrow or too large", "o.png", "--width", "3"),
@@ -252,13 +257,15 @@ class MessagesTest(Drawn):
 
     def test_nothing_to_draw(self):
         self.give("a.asc", asc([[NULL, NULL], [1, NULL]]))
-        self.fails("picture", "a.asc has no value in the window", "a.asc", "o.png", "--kind", "depth", "--window", "1", "0", "2", "1")
+        self.fails("picture", "a.asc has no value in the window", "a.asc", "o.png", "--kind", "depth", "--window", "1", "0", "2",
+                   "1")
         self.give("a.asc", asc([[NULL]]))
         self.fails("picture", "a.asc has no value", "a.asc", "o.png", "--kind", "depth")
         self.give("a.asc", asc([[1]]))
         self.give("l.mif", mif(["Name Char(9)"], "Line 5 5 10 5\n"))
         self.give("l.mid", '"x"\n')
-        self.fails("picture", "l.mif has nothing in the window of the picture", "a.asc", "o.png", "--kind", "depth", "--layer", "l.mif")
+        self.fails("picture", "l.mif has nothing in the window of the picture", "a.asc", "o.png", "--kind", "depth", "--layer",
+                   "l.mif")
         self.give("x.txt", "no layer")
         run = self.command("picture", "a.asc", "o.png", "--kind", "depth", "--layer", "x.txt")
         self.assertRegex(run.error, r"^gridforge-picture: x\.txt: GDAL cannot read it as a layer: .*\n$")

@@ -129,7 +129,8 @@ class ToTheToolTest(Grids):
     def test_into_another_projection(self):
         # Zone 56 of another datum within some metres: the same cells, far inside, come out.
         self.tif("a.tif", [[7] * 40] * 40, place=(500000, 10, 0, 6000400, 0, -10))
-        self.fails("prepare", "--crs moves a.tif to another system: --cell SIZE or --like GRID says onto which cells", "grid", "a.tif",
+        self.fails("prepare", "--crs moves a.tif to another system: --cell SIZE or --like GRID says onto which cells", "grid",
+                   "a.tif",
                    "o.flt", "--crs", "EPSG:7856")
         self.prepare("a.tif", "o.flt", "--crs", "EPSG:7856", "--cell", "10")
         self.assertIn("GDA2020_MGA_Zone_56", self.text("o.prj"))
@@ -142,7 +143,8 @@ class ToTheToolTest(Grids):
         self.prepare("a.tif", "o.flt", "--cell", "10")
         self.assertEqual(self.read()[0], [[1, 2], [1, 2], [3, 4], [3, 4]])
         self.tif("a.tif", [[1, 2], [3, 4]], place=(100, 7, 7, 500, 7, -7))
-        self.fails("prepare", "a.tif does not point north: --cell SIZE turns it onto cells of that size", "grid", "a.tif", "p.flt")
+        self.fails("prepare", "a.tif does not point north: --cell SIZE turns it onto cells of that size", "grid", "a.tif",
+                   "p.flt")
 
     def test_a_cell_size_that_single_precision_cannot_hold(self):
         # The single-precision number next to 1 / 3 is 1e-8 too large: over 3e6 columns that is 0.09 cells.
@@ -153,7 +155,8 @@ class ToTheToolTest(Grids):
                          ["WARNING: the tool holds the cell size in single precision, so the far edge is off by 0.0894 cells"])
 
     def test_refuses_other_files(self):
-        self.fails("prepare", "o.asc: a grid for the tool ends in .flt, one for other programs in .tif; gridforge -conv makes an .asc "
+        self.fails("prepare",
+                   "o.asc: a grid for the tool ends in .flt, one for other programs in .tif; gridforge -conv makes an .asc "
                    "of a .flt", "grid", "a.tif", "o.asc")
         self.give("a.txt", "no grid")
         run = self.command("prepare", "grid", "a.txt", "o.flt")
@@ -169,9 +172,11 @@ class ToTheToolTest(Grids):
         self.fails("prepare", "o.flt is there already; --overwrite replaces it", "grid", "a.tif", "o.flt")
         self.give("p.hdr", "")
         self.fails("prepare", "p.hdr is there already; --overwrite replaces it", "grid", "a.tif", "p.flt")
-        self.fails("prepare", "grid: error: argument --cell: a number above 0 is expected, not 0", "grid", "a.tif", "q.flt", "--cell", "0",
+        self.fails("prepare", "grid: error: argument --cell: a number above 0 is expected, not 0", "grid", "a.tif", "q.flt",
+                   "--cell", "0",
                    status=2)
-        self.fails("prepare", "grid: error: argument --band: a whole number above 0 is expected, not 1.5", "grid", "a.tif", "q.flt", "--band",
+        self.fails("prepare", "grid: error: argument --band: a whole number above 0 is expected, not 1.5", "grid", "a.tif",
+                   "q.flt", "--band",
                    "1.5", status=2)
 
 
@@ -207,7 +212,8 @@ class BackTest(Grids):
     def test_a_centre_lies_where_the_tool_places_it(self):
         self.give("a.asc", asc([[1, 2]], cell=10, west=105, south=205).replace("corner", "center"))
         said = self.prepare("a.asc", "b.tif", "--crs", "EPSG:28356")
-        self.assertEqual(said[0], "WARNING: the header names the centre of a cell; the result lies where the tool places it, half a "
+        self.assertEqual(said[0],
+                         "WARNING: the header names the centre of a cell; the result lies where the tool places it, half a "
                          "cell south-west")
         self.assertEqual(self.geotiff("b.tif")[1], (95, 10, 0, 205, 0, -10))
         self.tool("-conv", "a.asc", "-out", "t.flt")
@@ -218,7 +224,8 @@ class BackTest(Grids):
         self.fails("prepare", "a.asc does not begin with the header of a grid", "grid", "a.asc", "b.tif")
         self.fails("prepare", "none.asc: No such file or directory", "grid", "none.asc", "b.tif")
         self.give("a.asc", asc([[1, 2]]).replace("ncols 2", "ncols 0"))
-        self.fails("prepare", "a.asc: a grid has cells of a size above 0 in one row and column at least", "grid", "a.asc", "b.tif")
+        self.fails("prepare", "a.asc: a grid has cells of a size above 0 in one row and column at least", "grid", "a.asc",
+                   "b.tif")
         self.give("a.asc", asc([[1, 2]]))
         self.give("a.prj", "nonsense")
         self.fails("prepare", "a.prj: GDAL cannot read it as a projection; --crs names one", "grid", "a.asc", "b.tif")

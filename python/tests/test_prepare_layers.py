@@ -47,7 +47,8 @@ class Prepared(ToolCase):
 
 class OperationsTest(Prepared):
     def test_damages_of_a_building_with_a_court(self):
-        # The corners 4, 5 and 6 of rows and columns lie in the court: 9 cells of 40 m; the other 16 of the corners 3 to 7 have 10 m.
+        # The corners 4, 5 and 6 of rows and columns lie in the court: 9 cells of 40 m; the other 16 of the corners 3 to 7
+        # have 10 m.
         court = (4, 5, 6)
         self.give("level.asc", asc([[40 if row in court and column in court else 10 for column in range(1, 13)]
                                     for row in range(12, 0, -1)]))
@@ -110,7 +111,8 @@ class OperationsTest(Prepared):
 
     def test_nodal_areas_of_a_region_that_is_cut_to_the_grid(self):
         # Four corners in each: 2 and 3, of the cells 22, 23, 32 and 33; and 7 and 8, of 77, 78, 87 and 88, the rest lies outside.
-        self.give("ponds.csv", wkt(("WKT", "ID"), ("MULTIPOLYGON (" + square(1.5, 1.5, 3.5, 3.5) + "," + square(6.5, 6.5, 20, 20) + ")",
+        self.give("ponds.csv", wkt(("WKT", "ID"), ("MULTIPOLYGON (" + square(1.5, 1.5, 3.5, 3.5) + "," + square(6.5, 6.5, 20,
+                                                                                                                20) + ")",
                                                    "pond")))
         said = self.prepare("na", "ponds.csv", "ponds.mif", "--clip", "a.asc")
         self.assertEqual(said, ["ID from ID", "Z_Incr is 0.0 everywhere", "Z_Max is 0.0 everywhere", "Skew is 0.0 everywhere",
@@ -133,7 +135,8 @@ class OperationsTest(Prepared):
         said = self.prepare("nbc", "branches.csv", "1d_br_t.mif", "--role", "branches", "--value", "Form_Loss=0.25")
         self.assertIn("objects whose Z or M values were left out: 1", said)
         self.prepare("nbc", "losses.csv", "losses.mif", "--role", "losses")
-        self.give("net.nbc", "Read GIS Branch == 1d_br_t.mif\nRead GIS XS == 1d_cut_t.mif\nSet XS dx == 1.1\nRead Grid Z == a.asc\n"
+        self.give("net.nbc",
+                  "Read GIS Branch == 1d_br_t.mif\nRead GIS XS == 1d_cut_t.mif\nSet XS dx == 1.1\nRead Grid Z == a.asc\n"
                              "Read GIS FLC == losses.mif\n")
         self.tool("-nbc", "net.nbc")
         self.assertEqual([[float(value) for value in row[:2]] for row in self.table("bank.csv")[1:]],
@@ -255,7 +258,8 @@ class ShapesTest(Prepared):
         self.assertEqual(self.shapes("one.mif"), ["POLYGON ((2 0,5 0,5 3,2 3,2 0))"])
 
     def test_objects_that_do_not_fit_are_told(self):
-        self.give("s.csv", wkt(("WKT", "Name"), ("POINT (1 1)", "a"), ("LINESTRING (0 0,1 1)", "b"), ("", "c"), ("POINT EMPTY", "d"),
+        self.give("s.csv", wkt(("WKT", "Name"), ("POINT (1 1)", "a"), ("LINESTRING (0 0,1 1)", "b"), ("", "c"), ("POINT EMPTY",
+                                                                                                                 "d"),
                                ("LINESTRING (3 3,3 3)", "e"), ("GEOMETRYCOLLECTION (POINT (1 1),LINESTRING (5 5,6 6))", "f")))
         self.assertEqual(self.prepare("lp", "s.csv", "o.mif"),
                          ["Label from Name", "parts left out that are no line: 2", "features without a geometry left out: 2",
@@ -352,7 +356,8 @@ class RecordsTest(Prepared):
         self.give("s.csv", wkt(*row))
         self.assertIn("blanks of Observed filled with 1.5: 1",
                       self.prepare("cp", "s.csv", "p.mif", "--column", "Observed=Obs", "--value", "Observed=1.5"))
-        self.fails("prepare", "feature 1: Observed is blank; --value Observed=VALUE fills blanks", "layer", "--for", "cp", "s.csv",
+        self.fails("prepare", "feature 1: Observed is blank; --value Observed=VALUE fills blanks", "layer", "--for", "cp",
+                   "s.csv",
                    "q.mif")
 
     def test_long_texts_are_cut(self):
@@ -383,7 +388,8 @@ class RefusalsTest(Prepared):
                                      "  parts left out that are no line: 1\n")
 
     def test_holes_and_vertices_that_cannot_be_helped(self):
-        self.refuse("feature 1: a hole does not lie inside its polygon; repair the source, or leave holes out (--holes fill)", "trim",
+        self.refuse("feature 1: a hole does not lie inside its polygon; repair the source, or leave holes out (--holes fill)",
+                    "trim",
                     (("WKT", "Name"), ("POLYGON" + square(0, 0, 2, 2, ",(5 1,6 1,6 2,5 1)"), "a")))
         self.refuse("feature 1: no fewer than 3 vertices are possible, but 2 are wanted", "trim",
                     (("WKT", "Name"), ("POLYGON" + square(0, 0, 2, 2), "a")), "--thin", "2")
@@ -431,7 +437,8 @@ class RefusalsTest(Prepared):
     def test_a_shapefile_holds_one_kind(self):
         heading = ("WKT", "Prop_Type", "Prop_ID", "FFL")
         rows = (heading, ("POINT (5 5)", "a", "1", "0"), ("POLYGON" + square(3, 3, 5, 5), "a", "2", "0"))
-        self.refuse("a .shp holds one kind of objects, not point and region: choose with --kind, or write a .mif", "damages", rows,
+        self.refuse("a .shp holds one kind of objects, not point and region: choose with --kind, or write a .mif", "damages",
+                    rows,
                     "--crs", "EPSG:28356", output="o.shp")
         self.prepare("damages", "s.csv", "o.shp", "--crs", "EPSG:28356", "--kind", "region")
         self.assertEqual([record["Prop_ID"] for record in self.records("o.shp")], ["2"])

@@ -47,12 +47,14 @@ class StylesTest(ToolCase):
 
     def test_depths_belong_to_the_class_up_to_their_limit(self):
         self.assertEqual(self.coloured("depth", 0.02, 0.1, 0.101, 0.3, 1, 1.001, 5, 5.01, 400, -9999),
-                         [rgba(c) for c in ("#d8ecf8", "#d8ecf8", "#b3d9ef", "#b3d9ef", "#55a4d3", "#2f80bd", "#0b3c7c", "#071f4a",
+                         [rgba(c) for c in ("#d8ecf8", "#d8ecf8", "#b3d9ef", "#b3d9ef", "#55a4d3", "#2f80bd", "#0b3c7c",
+                                            "#071f4a",
                                             "#071f4a")] + [CLEAR])
 
     def test_impacts_below_a_centimetre_are_no_change(self):
         self.assertEqual(self.coloured("impact", -7, -0.5, -0.499, -0.0101, -0.0099, 0, 0.01, 0.011, 0.5, 0.51),
-                         [rgba(c) for c in ("#1a4f94", "#1a4f94", "#4a8fca", "#d3e6f4", "#f4efb4", "#f4efb4", "#f4efb4", "#fde3cf",
+                         [rgba(c) for c in ("#1a4f94", "#1a4f94", "#4a8fca", "#d3e6f4", "#f4efb4", "#f4efb4", "#f4efb4",
+                                            "#fde3cf",
                                             "#dd5a44", "#97141f")])
 
     def test_levels_take_the_colours_from_the_lowest_cell_to_the_highest(self):
@@ -115,7 +117,8 @@ class StylesTest(ToolCase):
         self.assertEqual(self.coloured("peak_src_legend", 2, 3), [rgba("#e08214"), CLEAR])
 
     def test_more_sources_than_colours_begin_again(self):
-        self.give("many_src_legend.csv", '"Value in Grid","Source Grid File"\r\n' + "".join(f"{n},d/s{n}.flt\r\n" for n in range(1, 15)))
+        rows = "".join(f"{n},d/s{n}.flt\r\n" for n in range(1, 15))
+        self.give("many_src_legend.csv", '"Value in Grid","Source Grid File"\r\n' + rows)
         self.good("styles", "styles", "--legend", "many_src_legend.csv")
         entries = self.qml("many_src_legend").findall(".//paletteEntry")
         self.assertEqual([e.get("label") for e in entries], [f"s{n}" for n in range(1, 15)])
@@ -124,7 +127,8 @@ class StylesTest(ToolCase):
     def test_refuses_what_is_no_legend(self):
         self.fails("styles", "none.csv: No such file or directory", "styles", "--legend", "none.csv")
         self.give("l.csv", "a,b\n1,x\n")
-        self.fails("styles", "l.csv is not a legend: its first line is not Value in Grid,Source Grid File", "new", "--legend", "l.csv")
+        self.fails("styles", "l.csv is not a legend: its first line is not Value in Grid,Source Grid File", "new", "--legend",
+                   "l.csv")
         for line in ("x,a.asc", "1", "0,a.asc"):
             self.give("l.csv", f'"Value in Grid","Source Grid File"\n{line}\n')
             self.fails("styles", "l.csv: line 2 is not a number and a name", "new", "--legend", "l.csv")

@@ -85,7 +85,8 @@ class ToolCase(unittest.TestCase):
         """The command must end with exactly this message, and leave the folder as it was."""
         before = {name: (self.folder / name).read_bytes() for name in self.files()}
         run = self.command(module, *arguments)
-        self.assertEqual(run.error.splitlines()[-1:], [f"gridforge-{module}{' ' if status == 2 and not message.startswith('error') else ': '}{message}"], arguments)
+        apart = ": " if status == 1 or message.startswith("error") else " "  # wrong use of a subcommand names it
+        self.assertEqual(run.error.splitlines()[-1:], [f"gridforge-{module}{apart}{message}"], arguments)
         self.assertEqual(run.status, status)
         self.assertEqual({name: (self.folder / name).read_bytes() for name in self.files()}, before)
 
