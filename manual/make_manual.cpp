@@ -1,23 +1,19 @@
-// Writes the manual page (gridforge.1), the completion of the shell (gridforge.bash) and the description for programs
-// (gridforge.json) into a folder, all from the tables that the tool itself uses, so that none can tell of other flags than
-// the tool knows.
+// Writes the manual page (gridforge.1), the completion of the shells (gridforge.bash and _gridforge, for zsh) and the
+// description for programs (gridforge.json) into a folder, all from the tables that the tool itself uses, so that none can tell
+// of other flags than the tool knows.
+#include "completion.h"
 #include "core/text.h"
 #include "description.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
 
-#include <algorithm>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace gridforge {
 namespace {
-
-constexpr std::string_view kRankWithValue = "Rank<n>";
 
 bool isGlued(const driver::FlagRow& row)
 {
@@ -274,70 +270,7 @@ void writePage(std::ostream& page)
     page << kTail;
 }
 
-// --- The completion of the shell -------------------------------------------------------------------------------------
-
-constexpr std::string_view kCompletion = R"(
-_gridforge() {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    if [[ $current == -* && " $nextFlags " != *" $previous "* ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "$plainFlags $nextFlags $gluedFlags" -- "$current")
-        if [[ ${#COMPREPLY[@]} == 1 && " $gluedFlags " == *" ${COMPREPLY[0]} "* ]]; then
-            compopt -o nospace 2> /dev/null # the value follows at once
-        fi
-    else
-        compopt -o filenames 2> /dev/null
-        mapfile -t COMPREPLY < <(compgen -f -- "$current")
-    fi
-}
-complete -F _gridforge gridforge
-)";
-
-// The flags of the -stat family are one row of the table, their words its value.
-void addStatistics(const driver::FlagRow& row, std::vector<std::string>& plain, std::vector<std::string>& glued)
-{
-    const std::string words(row.docs.valueName);
-    for (std::int32_t n = 1; n <= NUMBEROFSUBSTRINGS(words, "|"); ++n) {
-        const std::string word = SUBSTRING(words, "|", n);
-        if (word == kRankWithValue) {
-            glued.push_back(join('-', row.key, "Rank"));
-        } else {
-            plain.push_back(join('-', row.key, word));
-        }
-    }
-}
-
-void writeList(std::ostream& file, std::string_view name, const std::vector<std::string>& flags)
-{
-    file << "    local " << name << "=\"";
-    for (std::size_t i = 0; i < flags.size(); ++i) {
-        file << (i == 0 ? "" : " ") << flags[i];
-    }
-    file << "\"\n";
-}
-
-void writeCompletion(std::ostream& file)
-{
-    std::vector<std::string> plain;
-    std::vector<std::string> next;
-    std::vector<std::string> glued;
-    for (const driver::FlagRow& row : driver::flagTable()) {
-        const std::string flag = join('-', row.key);
-        switch (row.value) {
-        case driver::FlagValue::none: plain.push_back(flag); break;
-        case driver::FlagValue::next: next.push_back(flag); break;
-        case driver::FlagValue::statistic: addStatistics(row, plain, glued); break;
-        default: glued.push_back(flag); break;
-        }
-    }
-    // The lists stand inside the routine, so that the shell of the user holds no other name.
-    std::string text(kCompletion);
-    const std::size_t body = text.find("{\n") + 2;
-    file << "# Completion for gridforge, made from its table of flags." << text.substr(0, body);
-    writeList(file, "plainFlags", plain);
-    writeList(file, "nextFlags", next);
-    writeList(file, "gluedFlags", glued);
-    file << text.substr(body);
-}
+// --- The files -------------------------------------------------------------------------------------------------------
 
 bool writeFile(const std::string& name, void (*write)(std::ostream&))
 {
@@ -361,7 +294,8 @@ int main(int count, char** words)
     }
     const std::string folder = words[1];
     const bool written = gridforge::writeFile(folder + "/gridforge.1", gridforge::writePage) &&
-                         gridforge::writeFile(folder + "/gridforge.bash", gridforge::writeCompletion) &&
+                         gridforge::writeFile(folder + "/gridforge.bash", gridforge::writeBashCompletion) &&
+                         gridforge::writeFile(folder + "/_gridforge", gridforge::writeZshCompletion) &&
                          gridforge::writeFile(folder + "/gridforge.json", gridforge::writeDescription);
     return written ? 0 : 1;
 }

@@ -273,7 +273,7 @@ constexpr auto kFlags = std::to_array<FlagRow>({
                                                                      nullptr, rawInput},
     {"b",          1,  contains, option,    none,         never,     {"batch mode: no wait for Enter after a run that finished", kEveryOperation},
                                                                      on<&Common::batch>},
-    {"rf",         2,  contains, operation, next,         atValue,   {"rainfall grids by a control file", "rf", controlFile, "file"},
+    {"rf",         2,  contains, operation, next,         atValue,   {"rainfall grids by a control file", "rf", controlFile, "file.rfc"},
                                                                      nullptr, rawInput},
     {"stat",       4,  contains, operation, statistic,    afterScan, {"statistics of the input grids; flags add up", "stat", choice, "All|Mean|Median|Min|Max|Frac|Rank<n>|RankAll", "", "", {.repeated = true}}},
     {"decimal",    7,  contains, option,    gluedInteger, never,     {"decimal places of .asc cells", kDecimals, integer, "places", "3", "decimals"},

@@ -13,7 +13,7 @@ std::string failingNetcdfPath();  // a library that is loaded into the tool, to 
 std::string failingSystemPath();  // the same for calls of the system
 std::string pureRoomsPath();      // a program of the rooms that ask nothing of the system
 std::string gridWritersPath();    // a program that writes grids in wrong ways and a right one
-std::string manualFolder();       // the manual page and the completion of the shell, as made by the build
+std::string manualFolder();       // the manual page and the completions, as made by the build
 std::string sourceFolder();       // the root of the source tree
 std::string dataFolder();         // real grids and layers; may not exist
 

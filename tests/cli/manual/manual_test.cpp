@@ -1,10 +1,9 @@
-// The manual page and the completion of the shell that the build makes.
+// The manual page that the build makes.
 #include "core/text.h"
 #include "driver/flag_table.h"
 #include "support/paths.h"
 #include "support/tool_run.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,11 +14,8 @@
 namespace gridforge::test {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
-using testing::UnorderedElementsAre;
 
 const std::string kPage = manualFolder() + "/gridforge.1";
 const std::string kGroff = "/usr/bin/groff";
@@ -136,50 +132,6 @@ TEST_F(ManualPage, KeepsOperationsApartFromOptions)
             EXPECT_EQ(page.find(paragraph) < options, row.kind == driver::FlagKind::operation) << row.key;
         }
     }
-}
-
-// --- The completion --------------------------------------------------------------------------------------------------
-
-// What the shell would offer for the last of `words`, in a folder with the files a.asc and b.mif.
-std::vector<std::string> offers(std::string_view words)
-{
-    const std::string script = join(". \"$0\" && COMP_WORDS=(", words,
-                                    ") && COMP_CWORD=$((${#COMP_WORDS[@]} - 1)) && _gridforge && "
-                                    "printf '%s\\n' \"${COMPREPLY[@]}\"");
-    ToolRun run(std::vector<std::string>{"--norc", "-c", script, manualFolder() + "/gridforge.bash"});
-    run.program("/bin/bash");
-    run.give("a.asc", "");
-    run.give("b.mif", "");
-    run.start();
-    EXPECT_EQ(run.status(), 0);
-    EXPECT_EQ(run.error(), "");
-    return run.consoleLines();
-}
-
-TEST(Completion, OffersEveryFlag)
-{
-    const std::vector<std::string> all = offers("gridforge -");
-    for (const driver::FlagRow& row : driver::flagTable()) {
-        if (row.value != driver::FlagValue::statistic) {
-            EXPECT_THAT(all, Contains(join('-', row.key)));
-        }
-    }
-    EXPECT_THAT(offers("gridforge -stat"), UnorderedElementsAre("-statAll", "-statMean", "-statMedian", "-statMin",
-                                                                "-statMax", "-statFrac", "-statRank", "-statRankAll"));
-    EXPECT_THAT(all, Not(Contains("-stat")));
-}
-
-TEST(Completion, OffersFlagsByTheirHead)
-{
-    EXPECT_THAT(offers("gridforge -b -tra"), UnorderedElementsAre("-trans_m", "-trans_c"));
-    EXPECT_THAT(offers("gridforge -ma"), UnorderedElementsAre("-max", "-mat"));
-}
-
-TEST(Completion, OffersFilesWhereANameIsDue)
-{
-    EXPECT_THAT(offers("gridforge -max a"), ElementsAre("a.asc"));
-    EXPECT_THAT(offers("gridforge -trim b"), ElementsAre("b.mif"));
-    EXPECT_THAT(offers("gridforge -trim -"), ElementsAre("")); // the value, though it looks like a flag
 }
 
 } // namespace
