@@ -26,6 +26,7 @@ NAME = "gridforge-styles"
 ABOVE = "above"  # the band without an end
 JUST_PAST = 1e-9  # part of a value by which the next band of a colour table begins after it
 LEGEND_HEADING = ["Value in Grid", "Source Grid File"]
+SINGLE_DIGITS = 24  # binary ones of a single-precision number
 QGIS = "3.22.0"
 
 
@@ -59,9 +60,12 @@ class Style:
         return Style(self.kind, "values", tuple(named))
 
 
-def as_cell(value: float) -> float:
-    """The single-precision number of a cell that holds this value, so that it belongs to the band that ends there."""
-    return struct.unpack("f", struct.pack("f", value))[0]
+def past_cell(value: float) -> float:
+    """Half way from the cell that holds this value to the next single-precision number: that cell belongs to the band that ends
+    here, whatever a program does about equal numbers."""
+    cell = struct.unpack("f", struct.pack("f", value))[0]
+    ulp = 2.0 ** (math.frexp(cell)[1] - SINGLE_DIGITS)
+    return cell + ulp / 4  # below a power of two the next number is half as far
 
 
 @functools.cache
@@ -74,7 +78,7 @@ def styles() -> dict[str, Style]:
             value = math.inf if row["value"] == ABOVE else float(row["value"])
             forms[row["kind"]] = row["form"]
             if row["form"] == "bands":
-                value = as_cell(value)
+                value = past_cell(value)
             classes.setdefault(row["kind"], []).append(Class(value, row["colour"], row["label"]))
     return {kind: Style(kind, form, tuple(classes[kind])) for kind, form in forms.items()}
 
