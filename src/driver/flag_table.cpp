@@ -245,7 +245,7 @@ constexpr auto kFlags = std::to_array<FlagRow>({
     {"cp",         2,  contains, operation, next,         atFlag,    {"calibration points of a layer against a grid", "cp", layer, "layer"},
                                                                      nullptr, text<&CpOptions::layer>},
     {"trim",       4,  contains, operation, next,         atFlag,    {"a grid for each region of a layer", "trim", layer, "layer"},
-                                                                     nullptr, text<&sampling::TrimOptions::layer>},
+                                                                     nullptr, text<&ops::TrimOptions::layer>},
     {"nc_comp",    7,  contains, option,    gluedInteger, never,     {"NetCDF compression level", "nc", integer, "level", "1"},
                                                                      nullptr, glued<&netcdf::NcOptions::compression>},
     {"nc_shuffle", 10, contains, option,    gluedInteger, never,     {"NetCDF shuffle: 0 is off", "nc", choice, "0|1", "1"},

@@ -16,6 +16,7 @@
 #include "ops/resize.h"
 #include "ops/stat.h"
 #include "ops/transform.h"
+#include "ops/trim.h"
 #include "ops/xyz.h"
 #include "rainfall/rainfall.h"
 #include "remap/remap.h"
@@ -23,7 +24,6 @@
 #include "sampling/cp.h"
 #include "sampling/lp.h"
 #include "sampling/na.h"
-#include "sampling/trim.h"
 
 #include <algorithm>
 #include <array>
@@ -247,7 +247,7 @@ constexpr auto kOperations = std::to_array<OperationRow>({
      with<ops::runXyz>},
     {"trim",
      {"a grid for each region of a layer", "trim", {1, run::kMaxInputs}, kTrimOutputs},
-     with<sampling::runTrim>},
+     with<ops::runTrim>},
     {"damages",
      {"what floods cost each building", "damages", {0, 0}, kDamagesOutputs},
      with<damages::runDamages>},

@@ -12,13 +12,13 @@
 #include "ops/resize.h"
 #include "ops/stat.h"
 #include "ops/transform.h"
+#include "ops/trim.h"
 #include "remap/remap.h"
 #include "run/common.h"
 #include "sampling/brkline.h"
 #include "sampling/cp.h"
 #include "sampling/lp.h"
 #include "sampling/na.h"
-#include "sampling/trim.h"
 
 #include <tuple>
 
@@ -38,6 +38,6 @@ using Settings = std::tuple<run::Common, WantedFormats, netcdf::NcOptions, netwo
                             ops::CountOptions, ops::CutoffOptions, ops::DifOptions, ops::HistogramOptions,
                             ops::MaxMinOptions, ops::ResizeOptions, ops::StatOptions, ops::TransformOptions,
                             remap::RemapOptions, sampling::BrklineOptions, sampling::CpOptions, sampling::LpOptions,
-                            sampling::NaOptions, sampling::TrimOptions>;
+                            sampling::NaOptions, ops::TrimOptions>;
 
 } // namespace gridforge::driver

@@ -9,7 +9,7 @@
 
 #include <string>
 
-namespace gridforge::sampling {
+namespace gridforge::ops {
 
 // Copies the cells of the window whose north-east corner is inside the region to `output`, which has the window's size;
 // other cells of `output` stay as they are.
@@ -24,4 +24,4 @@ struct TrimOptions {
 
 void runTrim(const run::Common& common, const TrimOptions& options, const run::InputFileList& inputs);
 
-} // namespace gridforge::sampling
+} // namespace gridforge::ops

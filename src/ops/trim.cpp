@@ -1,5 +1,5 @@
 // -trim cuts the window of a region out of a grid and empties the cells outside the region.
-#include "sampling/trim.h"
+#include "ops/trim.h"
 
 #include "core/names.h"
 #include "core/numbers.h"
@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-namespace gridforge::sampling {
+namespace gridforge::ops {
 
 namespace {
 
@@ -193,4 +193,4 @@ void runTrim(const run::Common& common, const TrimOptions& options, const run::I
     }
 }
 
-} // namespace gridforge::sampling
+} // namespace gridforge::ops

@@ -1,4 +1,4 @@
-#include "sampling/trim.h"
+#include "ops/trim.h"
 
 #include "plane/geometry.h"
 #include "support/lattice.h"
@@ -70,7 +70,7 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
         ASSERT_TRUE(plain.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));
         std::ranges::fill(fast.cells(), -1.0F);
         std::ranges::fill(plain.cells(), -1.0F);
-        sampling::copyInside(region, header, cells, w, fast);
+        ops::copyInside(region, header, cells, w, fast);
         copyInsidePlainly(region, header, cells, w, plain);
         ASSERT_TRUE(std::ranges::equal(fast.cells(), plain.cells())) << round;
     }
