@@ -117,6 +117,21 @@ class LoadingTest(PluginTest):
                 self.assertTrue(all(definition.description() for definition in algorithm.parameterDefinitions()))
                 self.assertFalse(algorithm.icon().isNull())
 
+    def test_parameters_are_of_the_kind_of_their_values(self):
+        def kinds(name):
+            definitions = REGISTRY.algorithmById(f"gridforge:{name}").parameterDefinitions()
+            return {definition.name(): definition.type() for definition in definitions}
+        self.assertEqual(kinds("max"), {"INPUTS": "multilayer", "OPERATION": "enum", "SRC": "boolean", "DECIMAL": "number",
+                                        "STYLE": "enum", "OUTPUT": "rasterDestination", "OUTPUT_SRC": "rasterDestination",
+                                        "OUTPUT_SRC_LEGEND": "fileDestination"})
+        self.assertEqual(kinds("cp"), {"INPUT": "raster", "CP": "source", "CPSD": "number", "CPMM": "number", "CONFIG": "file",
+                                       "OUTPUT": "vectorDestination", "OUTPUT_CN": "vectorDestination",
+                                       "OUTPUT_TABLE": "fileDestination"})
+        self.assertEqual(kinds("na"), {"INPUT": "raster", "NA": "source", "FOLDER": "folderDestination", "LOAD": "boolean"})
+        self.assertEqual(kinds("rf"), {"RF": "file", "DECIMAL": "number", "BASE": "file", "LOAD": "boolean"})
+        spacing = REGISTRY.algorithmById("gridforge:lp").parameterDefinition("LPMD")
+        self.assertEqual((spacing.defaultValue(), spacing.description()), (100, "Distance between points (map units)"))
+
     def test_a_style_is_offered_where_it_is_a_matter_of_choice(self):
         offered = {algorithm.name() for algorithm in REGISTRY.providerById("gridforge").algorithms()
                    if algorithm.parameterDefinition("STYLE")}
