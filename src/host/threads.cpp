@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -31,12 +32,17 @@ std::size_t cellsPerPiece(std::size_t usual)
 void parallelFor(std::size_t pieces, const PieceWork& work)
 {
     std::atomic<std::size_t> next = 0;
+    std::atomic<bool> memoryFailed = false;
     const auto workThrough = [&](std::size_t worker) {
-        for (std::size_t piece = next++; piece < pieces; piece = next++) {
-            work(piece, worker);
+        try {
+            for (std::size_t piece = next++; piece < pieces && !memoryFailed; piece = next++) {
+                work(piece, worker);
+            }
+        } catch (const std::bad_alloc&) {
+            memoryFailed = true;
         }
     };
-    std::vector<std::jthread> others; // waits for them where it ends
+    std::vector<std::jthread> others;
     const std::size_t count = workersOf(pieces);
     others.reserve(count);
     try {
@@ -46,6 +52,10 @@ void parallelFor(std::size_t pieces, const PieceWork& work)
     } catch (const std::exception&) { // as many as could be started
     }
     workThrough(0);
+    others.clear(); // waits for them
+    if (memoryFailed) {
+        throw std::bad_alloc();
+    }
 }
 
 } // namespace gridforge::inline host

@@ -13,11 +13,12 @@ std::size_t threadCount();
 std::size_t workersOf(std::size_t pieces);
 
 // What is to be done with a piece. Calls for several pieces run at the same time, each with a worker number of its own
-// below workersOf(pieces). A piece never prints, opens a unit or ends the run, and lets no exception out.
+// below workersOf(pieces). A piece never prints, opens a unit or ends the run.
 using PieceWork = std::function<void(std::size_t piece, std::size_t worker)>;
 
 // Does all pieces below `pieces`, in no order, and returns when the last is done. Where no thread can be started the
-// calling one does them all.
+// calling one does them all. Memory that a piece cannot have is missing in the calling thread too, by std::bad_alloc, as
+// soon as no piece runs any more.
 void parallelFor(std::size_t pieces, const PieceWork& work);
 
 // As many cells a piece as GRIDFORGE_PIECE says, else `usual`.

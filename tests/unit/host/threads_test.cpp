@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <gtest/gtest.h>
+#include <new>
 #include <sys/resource.h>
 #include <vector>
 
@@ -63,6 +64,24 @@ TEST(ParallelFor, HasNothingToDoWithoutPieces)
     bool called = false;
     parallelFor(0, [&](std::size_t, std::size_t) { called = true; });
     EXPECT_FALSE(called);
+}
+
+TEST(ParallelFor, MemoryThatAPieceCannotHaveIsMissingInTheCaller)
+{
+    for (const char* const threads : {"1", "3"}) {
+        const Environment environment({{"GRIDFORGE_THREADS", threads}});
+        std::atomic<int> running = 0;
+        const auto work = [&](std::size_t piece, std::size_t) {
+            ++running;
+            if (piece == 5) {
+                --running;
+                throw std::bad_alloc();
+            }
+            --running;
+        };
+        EXPECT_THROW(parallelFor(100, work), std::bad_alloc);
+        EXPECT_EQ(running, 0);
+    }
 }
 
 TEST(CellsPerPiece, AreThoseOfTheEnvironmentOrTheUsual)
