@@ -50,7 +50,7 @@ RowPieces pieceRows(const CellSource& cells)
 // Cells of a store that is a file must be fetched.
 std::size_t fetchedCells(const CellSource& cells, std::size_t count)
 {
-    return cells.store() != nullptr && cells.store()->isInFile() ? count : 0;
+    return cells.isInFile() ? count : 0;
 }
 
 class PositionWriter {
@@ -189,7 +189,7 @@ void writeAscRows(Unit unit, const CellSource& cells, std::int32_t width, std::i
 {
     const bool written = writeByPosition(unit, cells, width, decimals);
     const auto columns = static_cast<std::size_t>(cells.ncols());
-    std::vector<float> room(written || cells.store() == nullptr ? 0 : columns);
+    std::vector<float> room(written || !cells.isInFile() ? 0 : columns);
     for (std::int32_t row = cells.nrows(); row >= 1; --row) {
         if (row % kProgressRows == 0) {
             progress(row);

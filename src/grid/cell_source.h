@@ -15,30 +15,39 @@ class CellSource {
 public:
     // NOLINTNEXTLINE(google-explicit-constructor): a grid is a source as it stands
     CellSource(const Grid& grid) : memory_(grid.cells()), nrows_(grid.nrows()), ncols_(grid.ncols()) {}
+    // The store may give its cells away to the file.
     CellSource(CellStore& store, const GridHeader& lattice)
-        : memory_(store.inMemory()), store_(&store), nrows_(lattice.nrows), ncols_(lattice.ncols)
+        : memory_(store.inMemory()), kept_(&store), store_(&store), nrows_(lattice.nrows), ncols_(lattice.ncols)
+    {
+    }
+    // The store keeps them.
+    CellSource(const CellStore& store, const GridHeader& lattice)
+        : memory_(store.inMemory()), kept_(&store), nrows_(lattice.nrows), ncols_(lattice.ncols)
     {
     }
 
     std::int32_t nrows() const { return nrows_; }
     std::int32_t ncols() const { return ncols_; }
     std::size_t size() const { return static_cast<std::size_t>(nrows_) * static_cast<std::size_t>(ncols_); }
-    // The store that they wait in; none for a grid.
+    // They must be fetched.
+    bool isInFile() const { return kept_ != nullptr && kept_->isInFile(); }
+    // The store that may give them away; none for a grid.
     CellStore* store() const { return store_; }
 
     // `count` cells from `first` on, in the order of the files; in `room`, which has as many, where they must be fetched.
     // None where the system refuses. Several threads may ask at once.
     std::optional<std::span<const float>> get(std::size_t first, std::size_t count, std::span<float> room) const
     {
-        if (store_ == nullptr || !store_->isInFile()) {
+        if (!isInFile()) {
             return memory_.subspan(first, count);
         }
         const auto fetched = room.first(count);
-        return store_->get(first, fetched) ? std::optional<std::span<const float>>(fetched) : std::nullopt;
+        return kept_->get(first, fetched) ? std::optional<std::span<const float>>(fetched) : std::nullopt;
     }
 
 private:
     std::span<const float> memory_;
+    const CellStore* kept_ = nullptr;
     CellStore* store_ = nullptr;
     std::int32_t nrows_;
     std::int32_t ncols_;

@@ -53,9 +53,8 @@ void copyCells(Unit unit, const CellSource& cells)
 {
     constexpr std::size_t kPiece = std::size_t{1} << 18;
     reserveBytes(unit, static_cast<std::int64_t>(cells.size() * sizeof(float)));
-    const bool inFile = cells.store() != nullptr && cells.store()->isInFile();
-    const std::size_t piece = inFile ? kPiece : cells.size();
-    std::vector<float> room(inFile ? kPiece : 0);
+    const std::size_t piece = cells.isInFile() ? kPiece : cells.size();
+    std::vector<float> room(cells.isInFile() ? kPiece : 0);
     for (std::size_t first = 0; first < cells.size(); first += piece) {
         const auto got = cells.get(first, std::min(piece, cells.size() - first), room);
         if (!got) {

@@ -5,7 +5,7 @@
 
 namespace gridforge::remap {
 
-void takeNearestCorners(const Grid& coarse, const std::vector<QuadPlace>& columns, const QuadPlace& row, float null,
+void takeNearestCorners(const Grid& coarse, std::span<const QuadPlace> columns, const QuadPlace& row, float null,
                         std::span<float> values)
 {
     assert(values.size() == columns.size());

@@ -10,8 +10,8 @@
 
 namespace gridforge::remap {
 
-// One fine row of values by the nearest coarse cell, null in the outer half cells and outside.
-void takeNearestCorners(const Grid& coarse, const std::vector<QuadPlace>& columns, const QuadPlace& row, float null,
+// A stretch of one fine row, of these columns, of values by the nearest coarse cell, null in the outer half cells and outside.
+void takeNearestCorners(const Grid& coarse, std::span<const QuadPlace> columns, const QuadPlace& row, float null,
                         std::span<float> values);
 
 // Values become null where there is no depth. The test is against 0 and not against null: with a positive null value

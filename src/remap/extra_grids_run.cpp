@@ -1,11 +1,17 @@
+#include "core/names.h"
 #include "core/text.h"
 #include "host/console.h"
+#include "host/ends.h"
+#include "host/file_system.h"
 #include "remap/extra_grids.h"
 #include "remap/progress.h"
 #include "remap/remap_run.h"
+#include "run/cells_ahead.h"
 #include "run/load.h"
+#include "run/rows.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace gridforge::remap {
 
@@ -57,16 +63,62 @@ void extendExtra(RemapRun& run)
     extendByIdw(run, kPoints);
 }
 
-void takeNearest(RemapRun& run)
+// Values of a stretch of the terrain, in rows of which only a part may belong to it.
+class NearestValues {
+public:
+    explicit NearestValues(const RemapRun& run)
+        : run_(run), columns_(placesInQuads(columnAxis(run.terrain), columnAxis(run.coarse))),
+          rows_(placesInQuads(rowAxis(run.terrain), rowAxis(run.coarse)))
+    {
+    }
+
+    void take(const run::CellBlock& block, std::span<const float> depths, std::span<float> values) const
+    {
+        run::overRowsOf(block, run_.terrain.nrows, run_.terrain.ncols,
+                        [&](std::int32_t row, std::size_t column, const run::CellBlock& cells) {
+                            takeNearestCorners(run_.workGrid, std::span(columns_).subspan(column, cells.count),
+                                               rows_[static_cast<std::size_t>(row - 1)], run_.null(),
+                                               values.subspan(cells.start, cells.count));
+                        });
+        cutToDepths(depths, run_.null(), values);
+    }
+
+private:
+    const RemapRun& run_;
+    std::vector<QuadPlace> columns_;
+    std::vector<QuadPlace> rows_;
+};
+
+void announceNearest(const RemapRun& run)
 {
-    const auto columns = placesInQuads(columnAxis(run.terrain), columnAxis(run.coarse));
-    const auto rows = placesInQuads(rowAxis(run.terrain), rowAxis(run.coarse));
     eachRow("Assinging nearest grid results to DEM grid locations - Row:", run.terrain.nrows, kFineProgress,
-            [&](std::int32_t row) {
-                const auto values = run.levelGrid.row(row);
-                takeNearestCorners(run.workGrid, columns, rows[static_cast<std::size_t>(row - 1)], run.null(), values);
-                cutToDepths(run.depthGrid.row(row), run.null(), values);
-            });
+            [](std::int32_t) {});
+}
+
+// Room for the values that cannot be had any more is that of the levels, which they take the place of.
+void writeNearestAhead(RemapRun& run, const std::string& name)
+{
+    const run::OutputWish wish{systemName(FILEFOLDERPATH(name)), run.format == grid::Format::flt, 1};
+    const NearestValues nearest(run);
+    auto values = run::mapStored(run.ready[1], run.terrain, wish,
+                                 [&](const run::CellPiece& piece, run::InputPieces depths, run::OutputPieces out) {
+                                     nearest.take({piece.first, piece.count}, depths[0], out[0]);
+                                 });
+    if (!values) {
+        failMemory();
+    }
+    announceNearest(run);
+    writeFine(run, name, "_remap", {values->front(), run.terrain});
+}
+
+void writeNearest(RemapRun& run, const std::string& name)
+{
+    const NearestValues nearest(run);
+    eachBlock(run.terrain.cells(), [&](const run::CellBlock& block) {
+        nearest.take(block, cellsOf(run.depthGrid, block), cellsOf(run.levelGrid, block));
+    });
+    announceNearest(run);
+    writeFine(run, name, "_remap", run.levelGrid);
 }
 
 } // namespace
@@ -91,8 +143,7 @@ void remapExtraGrids(RemapRun& run, const run::InputFileList& inputs, std::int32
         }
         readExtra(run, name);
         extendExtra(run);
-        takeNearest(run);
-        writeFine(run, name, "_remap", run.levelGrid);
+        run.isAhead() ? writeNearestAhead(run, name) : writeNearest(run, name);
     }
 }
 

@@ -2,15 +2,19 @@
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/system.h"
+#include "host/threads.h"
 #include "remap/growth.h"
 #include "remap/idw.h"
 #include "remap/progress.h"
 #include "remap/remap_run.h"
+#include "run/rows.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <utility>
+#include <vector>
 
 namespace gridforge::remap {
 
@@ -52,9 +56,12 @@ void interpolateToTerrain(RemapRun& run)
 {
     const CoarseLevels coarse = run.coarseLevels();
     const IdwPlaces places = idwPlaces(coarse, columnAxis(run.terrain), rowAxis(run.terrain));
-    eachRow("Interpolating IDW results to DEM - Row:", run.terrain.nrows, kFineProgress, [&](std::int32_t row) {
+    const auto interpolate = [&](std::int32_t row, std::size_t) {
         interpolateIdwRow(coarse, places, row, run.demGrid.row(row), run.levelGrid.row(row), run.cellState.row(row));
-    });
+        return true;
+    };
+    eachRowAbreast("Interpolating IDW results to DEM - Row:", run.terrain.nrows, run.terrain.ncols, kFineProgress,
+                   interpolate);
 }
 
 std::int32_t iterationLimit(const RemapRun& run)
@@ -69,10 +76,12 @@ std::int32_t iterationLimit(const RemapRun& run)
 // The levels of the cells wet so far, in spite of the name that they are written under.
 void reportIteration(RemapRun& run, std::int32_t iteration)
 {
-    eachRow("", run.terrain.nrows, kFineProgress, [&](std::int32_t row) {
-        std::ranges::copy(run.levelGrid.row(row), run.depthGrid.row(row).begin());
-        dropDryLevels(run.cellState.row(row), run.null(), run.depthGrid.row(row));
+    eachBlock(run.terrain.cells(), [&](const run::CellBlock& block) {
+        const auto levels = cellsOf(run.depthGrid, block);
+        std::ranges::copy(cellsOf(run.levelGrid, block), levels.begin());
+        dropDryLevels(cellsOf(run.cellState, block), run.null(), levels);
     });
+    eachRow("", run.terrain.nrows, kFineProgress, [](std::int32_t) {});
     writeFine(run, run.options.waterLevelGrid, join("_d2_iter", iteration), run.depthGrid);
 }
 
@@ -94,10 +103,12 @@ void extendOutward(RemapRun& run)
 // Depths take the place of the ground, so a grid of memory is never touched unless an iteration was reported.
 void calculateDepths(RemapRun& run)
 {
+    eachBlock(run.terrain.cells(), [&](const run::CellBlock& block) {
+        depthsOfWetCells(cellsOf(run.cellState, block), cellsOf(run.levelGrid, block), run.null(),
+                         cellsOf(run.demGrid, block));
+    });
     eachRow("Calculating depths based on interpolated levels - Row:", run.terrain.nrows, kFineProgress,
-            [&](std::int32_t row) {
-                depthsOfWetCells(run.cellState.row(row), run.levelGrid.row(row), run.null(), run.demGrid.row(row));
-            });
+            [](std::int32_t) {});
     std::swap(run.demGrid, run.depthGrid);
 }
 
@@ -109,13 +120,14 @@ void extendByIdw(RemapRun& run, std::int32_t points)
     if (!indexWetCells(run.wetFlags, wet)) {
         failMemory();
     }
-    ListedCells listed;
+    std::vector<ListedCells> listed(threadCount());
     say("Total rows: ", run.coarse.nrows);
-    eachRow("Processing row:", run.coarse.nrows, kCoarseProgress, [&](std::int32_t row) {
-        if (!extendByIdwRow(row, points, wet, run.extentFlags, run.wlGrid, listed, run.workGrid)) {
-            searchWithoutEnd();
-        }
-    });
+    const auto extend = [&](std::int32_t row, std::size_t worker) {
+        return extendByIdwRow(row, points, wet, run.extentFlags, run.wlGrid, listed[worker], run.workGrid);
+    };
+    if (!eachRowAbreast("Processing row:", run.coarse.nrows, run.coarse.ncols, kCoarseProgress, extend)) {
+        searchWithoutEnd();
+    }
     say("   Done.");
 }
 
@@ -126,7 +138,9 @@ void runIdwMethod(RemapRun& run)
     extendCoarseLevels(run, points);
     interpolateToTerrain(run);
     extendOutward(run);
-    dropDryLevels(run.cellState.cells(), run.null(), run.levelGrid.cells());
+    eachBlock(run.terrain.cells(), [&](const run::CellBlock& block) {
+        dropDryLevels(cellsOf(run.cellState, block), run.null(), cellsOf(run.levelGrid, block));
+    });
     writeFine(run, run.options.waterLevelGrid, "_remap_h", run.levelGrid);
     calculateDepths(run);
     writeFine(run, run.options.waterLevelGrid, "_remap_d", run.depthGrid);

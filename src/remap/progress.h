@@ -2,10 +2,14 @@
 #pragma once
 
 #include "host/console.h"
+#include "host/threads.h"
+#include "run/rows.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 namespace gridforge::remap {
 
@@ -27,6 +31,50 @@ void eachRow(std::string_view heading, std::int32_t nrows, std::int32_t step, Wo
         }
     }
     endLine();
+}
+
+// The same by all threads, several rows at a time; the numbers follow in their order. `work` is called with the row and
+// the number of the worker, and says whether the rows go on: if not, no number of that row or a later one is written, and
+// false returned.
+template <typename Work>
+bool eachRowAbreast(std::string_view heading, std::int32_t nrows, std::int32_t ncols, std::int32_t step, Work&& work)
+{
+    constexpr std::size_t kBandCells = std::size_t{1} << 18; // between two looks at the console
+    const std::size_t rowsOfBand =
+        std::max<std::size_t>(1, cellsPerPiece(kBandCells) / static_cast<std::size_t>(ncols));
+    if (!heading.empty()) {
+        sayOpen(heading);
+    }
+    std::vector<std::uint8_t> goesOn;
+    const auto rows = static_cast<std::size_t>(nrows);
+    for (std::size_t first = 1; first <= rows; first += rowsOfBand) {
+        goesOn.assign(std::min(rowsOfBand, rows + 1 - first), 0);
+        parallelFor(goesOn.size(), [&](std::size_t i, std::size_t worker) {
+            goesOn[i] = static_cast<std::uint8_t>(work(static_cast<std::int32_t>(first + i), worker));
+        });
+        for (std::size_t i = 0; i < goesOn.size(); ++i) {
+            const auto row = static_cast<std::int32_t>(first + i);
+            if (goesOn[i] == 0) {
+                return false;
+            }
+            if (row % step == 0) {
+                progress(row);
+            }
+        }
+    }
+    endLine();
+    return true;
+}
+
+// Calls `work` with blocks of cells that make up the whole, several at a time.
+template <typename Work>
+void eachBlock(std::size_t cells, Work&& work)
+{
+    constexpr std::size_t kBlockCells = std::size_t{1} << 18;
+    const std::size_t each = cellsPerPiece(kBlockCells);
+    parallelFor((cells + each - 1) / each, [&](std::size_t block, std::size_t) {
+        work(run::CellBlock{block * each, std::min(each, cells - block * each)});
+    });
 }
 
 } // namespace gridforge::remap

@@ -127,15 +127,17 @@ void setExtentFlags(RemapRun& run)
 
 void loadTerrain(RemapRun& run)
 {
-    const run::LoadSteps steps{
-        .opening = "Reading DEM header...", .purpose = "storing DEM.", .reading = "Reading DEM data"};
+    const run::LoadSteps steps{.opening = "Reading DEM header...",
+                               .purpose = "storing DEM.",
+                               .reading = "Reading DEM data",
+                               .ahead = run.isAhead()};
     const run::LoadedGrid terrain = run::loadGrid(run.options.demGrid, steps, run.demGrid);
     run.terrain = terrain.header;
     run.projectionText = terrain.projectionText;
 
     say("Allocating ", AINTEGER(pairKilobytes(run.terrain)), "Kb memory for processing");
-    if (!run.levelGrid.allocate(run.terrain.nrows, run.terrain.ncols) ||
-        !run.depthGrid.allocate(run.terrain.nrows, run.terrain.ncols)) {
+    if (!run.isAhead() && (!run.levelGrid.allocate(run.terrain.nrows, run.terrain.ncols) ||
+                           !run.depthGrid.allocate(run.terrain.nrows, run.terrain.ncols))) {
         failMemory();
     }
 }
@@ -151,7 +153,7 @@ void runMethod(RemapRun& run)
     }
 }
 
-void writeOutput(const RemapRun& run, const std::string& base, const GridHeader& header, const Grid& cells)
+void writeOutput(const RemapRun& run, const std::string& base, const GridHeader& header, const grid::CellSource& cells)
 {
     run::requireNoInput(run.format, base, run.stillToRead);
     grid::writeGrid(run.format, base, header, cells, run.projectionText, run.decimals);
@@ -159,7 +161,7 @@ void writeOutput(const RemapRun& run, const std::string& base, const GridHeader&
 
 } // namespace
 
-void writeFine(const RemapRun& run, std::string_view source, std::string_view suffix, const Grid& cells)
+void writeFine(const RemapRun& run, std::string_view source, std::string_view suffix, const grid::CellSource& cells)
 {
     GridHeader header = run.terrain;
     header.null = run.null();
@@ -190,6 +192,9 @@ void runRemap(const run::Common& common, const RemapOptions& options, const run:
     run.stillToRead = extraGridsToRead(inputs, firstExtra);
     const grid::Format inputFormat = loadWaterLevels(run);
     setExtentFlags(run);
+    if (options.interpolation == Interpolation::tin) {
+        prepareTin(run, common.format.value_or(inputFormat));
+    }
     loadTerrain(run);
     run.format = run::outputFormatRule(common, inputFormat);
     run.decimals = common.decimals;

@@ -1,6 +1,8 @@
 // What the steps of a remap share: its grids, and the methods that make the fine ones from the coarse ones.
 #pragma once
 
+#include "grid/cell_source.h"
+#include "grid/cell_store.h"
 #include "grid/grid.h"
 #include "remap/cell_state.h"
 #include "remap/extent_flags.h"
@@ -34,6 +36,8 @@ struct RemapRun {
     Grid levelGrid;
     Grid depthGrid;
     CellStates cellState;
+    // Levels and depths where they were computed ahead, in place of these.
+    std::vector<grid::CellStore> ready;
 
     grid::Format format = grid::Format::asc; // of all outputs
     std::int32_t decimals = 0;
@@ -41,6 +45,7 @@ struct RemapRun {
     std::vector<run::InputGrid> stillToRead;
 
     float null() const { return coarse.null; }
+    bool isAhead() const { return !ready.empty(); }
     CoarseLevels coarseLevels() const
     {
         return {columnAxis(coarse), rowAxis(coarse), wlGrid, workGrid, null(), options.freeboard};
@@ -48,7 +53,7 @@ struct RemapRun {
 };
 
 // Writes beside the grid `source`: its name without extension, and the suffix.
-void writeFine(const RemapRun& run, std::string_view source, std::string_view suffix, const Grid& cells);
+void writeFine(const RemapRun& run, std::string_view source, std::string_view suffix, const grid::CellSource& cells);
 void writeCoarse(const RemapRun& run, std::string_view source, std::string_view suffix, const Grid& cells);
 
 // Takes the state of every fine cell, at its start.
@@ -57,6 +62,10 @@ void startCellStates(RemapRun& run);
 // Levels of the coarse lattice after the extension by `points` nearest wet cells, into workGrid. A search that cannot
 // find them says so and waits for the user to stop the run.
 void extendByIdw(RemapRun& run, std::int32_t points);
+
+// The levels of the coarse lattice one cell past the wet edge, and the fine grids where they can be computed before the story
+// comes to the terrain. `format` is that in which they will be written, most likely.
+void prepareTin(RemapRun& run, grid::Format format);
 
 void runNearestMethod(RemapRun& run);
 void runIdwMethod(RemapRun& run);

@@ -99,29 +99,33 @@ const PreparedTriangle& triangleUnder(const PreparedQuad& quad, const TrianglePo
 
 namespace {
 
-void placeColumns(const Axis& coarse, TinWalk& walk)
+void placeColumns(const Axis& coarse, TinPlaces& places)
 {
-    const std::size_t count = walk.columns.size();
-    for (auto* const line :
-         {&walk.lattice.x, &walk.lattice.west, &walk.lattice.east, &walk.lattice.apex, &walk.lattice.edgeLength}) {
+    const std::size_t count = places.columns.size();
+    for (auto* const line : {&places.lattice.x, &places.lattice.west, &places.lattice.east, &places.lattice.apex,
+                             &places.lattice.edgeLength}) {
         line->resize(count);
     }
-    for (std::size_t c = walk.first; c < walk.last; ++c) {
-        const double west = coarse.centre(walk.columns[c].base);
+    for (std::size_t c = places.first; c < places.last; ++c) {
+        const double west = coarse.centre(places.columns[c].base);
         const double east = west + coarse.cellsize;
-        walk.lattice.x[c] = walk.columns[c].centre;
-        walk.lattice.west[c] = west;
-        walk.lattice.east[c] = east;
-        walk.lattice.apex[c] = west + 0.5 * coarse.cellsize;
-        walk.lattice.edgeLength[c] = triangleDistance({west, 0}, {east, 0});
-        walk.isFlat = walk.isFlat || !(east > west);
+        places.lattice.x[c] = places.columns[c].centre;
+        places.lattice.west[c] = west;
+        places.lattice.east[c] = east;
+        places.lattice.apex[c] = west + 0.5 * coarse.cellsize;
+        places.lattice.edgeLength[c] = triangleDistance({west, 0}, {east, 0});
+        places.isFlat = places.isFlat || !(east > west);
     }
 }
 
-void takeQuadRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t base)
+void takeQuadRow(const CoarseLevels& coarse, const TinPlaces& places, TinWalk& walk, std::int32_t base)
 {
     if (walk.quadRow == base) {
         return;
+    }
+    for (auto* const line : {&walk.values.southWest, &walk.values.northWest, &walk.values.northEast,
+                             &walk.values.southEast, &walk.values.apex}) {
+        line->resize(places.columns.size());
     }
     walk.quadRow = base;
     walk.lines.south = coarse.rows.centre(base);
@@ -131,8 +135,8 @@ void takeQuadRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t base)
 
     const std::span<const float> south = coarse.extended.row(base);
     const std::span<const float> north = coarse.extended.row(base + 1);
-    for (std::size_t c = walk.first; c < walk.last; ++c) {
-        const auto east = static_cast<std::size_t>(walk.columns[c].base);
+    for (std::size_t c = places.first; c < places.last; ++c) {
+        const auto east = static_cast<std::size_t>(places.columns[c].base);
         const std::size_t west = east - 1;
         walk.values.southWest[c] = south[west];
         walk.values.northWest[c] = north[west];
@@ -142,78 +146,76 @@ void takeQuadRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t base)
     }
 }
 
-void takeWetRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t nearest)
+void takeWetRow(const CoarseLevels& coarse, const TinPlaces& places, TinWalk& walk, std::int32_t nearest)
 {
     if (walk.wetRow == nearest) {
         return;
     }
+    walk.wet.resize(places.columns.size());
     walk.wetRow = nearest;
     const float threshold = coarse.wetThreshold();
     const std::span<const float> levels = coarse.levels.row(nearest);
-    for (std::size_t c = walk.first; c < walk.last; ++c) {
-        const auto column = static_cast<std::size_t>(walk.columns[c].nearest - 1);
+    for (std::size_t c = places.first; c < places.last; ++c) {
+        const auto column = static_cast<std::size_t>(places.columns[c].nearest - 1);
         walk.wet[c] = static_cast<std::uint8_t>(levels[column] > threshold);
     }
 }
 
 // Triangle by triangle, where quads have no width and their edges so no slope of 0.
-void interpolateFlat(const CoarseLevels& coarse, const TinWalk& walk, const QuadPlace& row, std::size_t first,
-                     std::size_t last, std::span<float> levels)
+void interpolateFlat(const CoarseLevels& coarse, const TinPlaces& places, const QuadPlace& row, std::size_t first,
+                     std::size_t last, float* levels)
 {
     for (std::size_t c = first; c < last; ++c) {
-        const TrianglePoint point{walk.columns[c].centre, row.centre};
-        const PreparedQuad quad = prepareQuad(coarse, row.base, walk.columns[c].base);
-        levels[c] = interpolatePrepared(point, triangleUnder(quad, point));
+        const TrianglePoint point{places.columns[c].centre, row.centre};
+        const PreparedQuad quad = prepareQuad(coarse, row.base, places.columns[c].base);
+        *levels++ = interpolatePrepared(point, triangleUnder(quad, point));
     }
 }
 
 } // namespace
 
-TinWalk startTinWalk(const CoarseLevels& coarse, const Axis& fineColumns, const Axis& fineRows)
+TinPlaces placeTin(const CoarseLevels& coarse, const Axis& fineColumns, const Axis& fineRows)
 {
-    TinWalk walk;
-    walk.columns = placesInQuads(fineColumns, coarse.columns);
-    walk.rows = placesInQuads(fineRows, coarse.rows);
+    TinPlaces places;
+    places.columns = placesInQuads(fineColumns, coarse.columns);
+    places.rows = placesInQuads(fineRows, coarse.rows);
     const auto isInside = [](const QuadPlace& place) { return place.base != 0; };
-    const auto begin = walk.columns.begin();
-    const auto first = std::ranges::find_if(walk.columns, isInside);
-    walk.first = static_cast<std::size_t>(first - begin);
-    walk.last = static_cast<std::size_t>(std::find_if_not(first, walk.columns.end(), isInside) - begin);
-
-    placeColumns(coarse.columns, walk);
-    for (auto* const line : {&walk.values.southWest, &walk.values.northWest, &walk.values.northEast,
-                             &walk.values.southEast, &walk.values.apex}) {
-        line->resize(walk.columns.size());
-    }
-    walk.wet.resize(walk.columns.size());
-    return walk;
+    const auto begin = places.columns.begin();
+    const auto first = std::ranges::find_if(places.columns, isInside);
+    places.first = static_cast<std::size_t>(first - begin);
+    places.last = static_cast<std::size_t>(std::find_if_not(first, places.columns.end(), isInside) - begin);
+    placeColumns(coarse.columns, places);
+    return places;
 }
 
-void interpolateTinRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t fineRow, std::span<float> levels,
-                       std::span<CellState> states)
+void interpolateTinRow(const CoarseLevels& coarse, const TinPlaces& places, TinWalk& walk, std::int32_t fineRow,
+                       std::size_t firstColumn, std::span<float> levels, std::span<CellState> states)
 {
-    assert(levels.size() == walk.columns.size() && states.size() == walk.columns.size());
+    assert(levels.size() == states.size() && firstColumn + levels.size() <= places.columns.size());
     std::ranges::fill(levels, coarse.null);
-    const QuadPlace& row = walk.rows[static_cast<std::size_t>(fineRow - 1)];
-    if (row.base == 0) {
+    const QuadPlace& row = places.rows[static_cast<std::size_t>(fineRow - 1)];
+    const std::size_t from = std::max(places.first, firstColumn);
+    const std::size_t to = std::min(places.last, firstColumn + levels.size());
+    if (row.base == 0 || from >= to) {
         return;
     }
-    takeQuadRow(coarse, walk, row.base);
-    takeWetRow(coarse, walk, row.nearest);
-    for (std::size_t c = walk.first; c < walk.last; ++c) {
-        states[c] = walk.wet[c] != 0 ? CellState::wet : states[c];
+    takeQuadRow(coarse, places, walk, row.base);
+    takeWetRow(coarse, places, walk, row.nearest);
+    for (std::size_t c = from; c < to; ++c) {
+        CellState& state = states[c - firstColumn];
+        state = walk.wet[c] != 0 ? CellState::wet : state;
     }
-    const auto end = states.begin() + static_cast<std::ptrdiff_t>(walk.last);
-    for (auto at = states.begin() + static_cast<std::ptrdiff_t>(walk.first); at != end;) {
-        const auto from = std::find(at, end, CellState::wet);
-        at = std::find_if(from, end, [](CellState state) { return state != CellState::wet; });
-        const auto first = static_cast<std::size_t>(from - states.begin());
+    const auto end = states.begin() + static_cast<std::ptrdiff_t>(to - firstColumn);
+    for (auto at = states.begin() + static_cast<std::ptrdiff_t>(from - firstColumn); at != end;) {
+        const auto wet = std::find(at, end, CellState::wet);
+        at = std::find_if(wet, end, [](CellState state) { return state != CellState::wet; });
+        const auto first = static_cast<std::size_t>(wet - states.begin());
         const auto last = static_cast<std::size_t>(at - states.begin());
-        if (walk.isFlat) {
-            interpolateFlat(coarse, walk, row, first, last, levels);
+        if (places.isFlat) {
+            interpolateFlat(coarse, places, row, firstColumn + first, firstColumn + last, levels.data() + first);
         } else {
-            interpolateTinStretch(walk.lattice, walk.lines, walk.values, row.centre, first, last,
-                                  levels.data() + first);
+            interpolateTinStretch(places.lattice, walk.lines, walk.values, row.centre, firstColumn + first,
+                                  firstColumn + last, levels.data() + first);
         }
     }
 }

@@ -56,27 +56,31 @@ PreparedQuad prepareQuad(const CoarseLevels& coarse, std::int32_t row, std::int3
 // diagonal the north one above the first diagonal and the south one below it.
 const PreparedTriangle& triangleUnder(const PreparedQuad& quad, const TrianglePoint& point);
 
-// The walk over the fine rows: where they and the columns fall, and what belongs to the coarse row that it is in.
-struct TinWalk {
+// Where the fine rows and columns fall.
+struct TinPlaces {
     std::vector<QuadPlace> columns;
     std::vector<QuadPlace> rows;
     std::size_t first = 0; // fine columns from here to before `last` lie in quads
     std::size_t last = 0;
     bool isFlat = false; // a quad has no width in double precision: far coordinates, small cells
-
     TinColumns lattice;
+};
+TinPlaces placeTin(const CoarseLevels& coarse, const Axis& fineColumns, const Axis& fineRows);
+
+// What belongs to the coarse row that a walk over fine rows is in. It may start anywhere, and several may go on at a time.
+struct TinWalk {
     std::int32_t quadRow = 0; // coarse row that these are of
     TinLines lines;
     TinValues values;
     std::int32_t wetRow = 0; // and these, for each fine column
     std::vector<std::uint8_t> wet;
 };
-TinWalk startTinWalk(const CoarseLevels& coarse, const Axis& fineColumns, const Axis& fineRows);
 
-// Levels and states of one fine row; rows in the same coarse row should follow each other. `states` holds the start
-// state on entry. The level of a cell that does not turn out wet is null: no later step would look at another.
-void interpolateTinRow(const CoarseLevels& coarse, TinWalk& walk, std::int32_t fineRow, std::span<float> levels,
-                       std::span<CellState> states);
+// Levels and states of a stretch of one fine row, from the column at place `firstColumn` on; rows in the same coarse row
+// should follow each other. `states` holds the start state on entry. The level of a cell that does not turn out wet is null:
+// no later step would look at another.
+void interpolateTinRow(const CoarseLevels& coarse, const TinPlaces& places, TinWalk& walk, std::int32_t fineRow,
+                       std::size_t firstColumn, std::span<float> levels, std::span<CellState> states);
 
 // The ground becomes the depth: level less ground where the cell is wet and the level not below the ground, else null, and
 // then the level becomes null too.

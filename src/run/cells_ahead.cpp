@@ -56,9 +56,11 @@ public:
     InputCells() = default;
     ~InputCells() { close(); }
     InputCells(InputCells&& other) noexcept
-        : file_(std::exchange(other.file_, SystemFile::none)), store_(std::move(other.store_))
+        : file_(std::exchange(other.file_, SystemFile::none)), store_(std::move(other.store_)),
+          waiting_(std::exchange(other.waiting_, nullptr))
     {
     }
+    explicit InputCells(const grid::CellStore& waiting) : waiting_(&waiting) {}
     InputCells& operator=(InputCells&&) = delete;
     InputCells(const InputCells&) = delete;
     InputCells& operator=(const InputCells&) = delete;
@@ -95,12 +97,13 @@ public:
     // The cells of a piece, in `room` where they must be fetched.
     std::optional<std::span<const float>> get(const CellPiece& piece, std::span<float> room) const
     {
-        if (file_ == SystemFile::none && !store_.isInFile()) {
-            return store_.inMemory().subspan(piece.first, piece.count);
+        const grid::CellStore& store = waiting_ == nullptr ? store_ : *waiting_;
+        if (file_ == SystemFile::none && !store.isInFile()) {
+            return store.inMemory().subspan(piece.first, piece.count);
         }
         const auto fetched = room.first(piece.count);
         const bool good = file_ == SystemFile::none
-                              ? store_.get(piece.first, fetched)
+                              ? store.get(piece.first, fetched)
                               : readAllAt(file_, static_cast<std::int64_t>(piece.first * sizeof(float)),
                                           std::as_writable_bytes(fetched));
         return good ? std::optional<std::span<const float>>(fetched) : std::nullopt;
@@ -109,6 +112,7 @@ public:
 private:
     SystemFile file_ = SystemFile::none;
     grid::CellStore store_;
+    const grid::CellStore* waiting_ = nullptr; // someone else's in place of both
 };
 
 // --- Outputs ---------------------------------------------------------------------------------------------------------
@@ -138,14 +142,11 @@ struct WorkerRoom {
 // One walk over all cells of some inputs, by parts, by as many threads as there are.
 class Pass {
 public:
-    Pass(std::span<const grid::GridLook> looks, std::size_t inputRooms, std::span<grid::CellStore> outputs,
+    Pass(std::size_t cells, std::vector<float> nulls, std::size_t inputRooms, std::span<grid::CellStore> outputs,
          std::size_t tallies)
-        : cells_(looks.front().header.cells()), inputRooms_(inputRooms), outputs_(outputs),
+        : cells_(cells), nulls_(std::move(nulls)), inputRooms_(inputRooms), outputs_(outputs),
           rooms_(workersOf(partsOf(cells_)))
     {
-        for (const grid::GridLook& look : looks) {
-            nulls_.push_back(look.header.null);
-        }
         const std::size_t grids = inputRooms + outputs.size();
         const std::size_t cached = std::max(kLeastPiece, kCachedCells / std::max<std::size_t>(grids, 1));
         pieceCells_ = std::min(cached, cellsOfPart());
@@ -180,7 +181,7 @@ public:
             }
             for (std::size_t first = start; first < end && way == Way::ahead; first += pieceCells_) {
                 WorkerRoom& room = rooms_[worker];
-                const CellPiece piece{first, std::min(pieceCells_, end - first), nulls_, room.tallies};
+                const CellPiece piece{first, std::min(pieceCells_, end - first), nulls_, room.tallies, worker};
                 if (const Way gone = work(piece, room); gone != Way::ahead) {
                     way = gone;
                 }
@@ -300,20 +301,26 @@ std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inp
     return looks;
 }
 
-std::optional<std::vector<grid::CellStore>> mapAhead(std::span<const grid::GridLook> looks, const OutputWish& wish,
-                                                     const MapKernel& kernel, std::span<std::int64_t> tallies)
+namespace {
+
+std::vector<float> nullsOf(std::span<const grid::GridLook> looks)
 {
-    std::vector<InputCells> inputs(looks.size());
-    for (std::size_t i = 0; i < looks.size(); ++i) {
-        if (const Way way = inputs[i].open(looks[i], wish.folder); way != Way::ahead) {
-            return went(way);
-        }
+    std::vector<float> nulls;
+    for (const grid::GridLook& look : looks) {
+        nulls.push_back(look.header.null);
     }
-    auto outputs = takeOutputs(looks.front().header.cells(), wish);
+    return nulls;
+}
+
+std::optional<std::vector<grid::CellStore>> mapInputs(std::span<const InputCells> inputs, std::size_t cells,
+                                                      std::vector<float> nulls, const OutputWish& wish,
+                                                      const MapKernel& kernel, std::span<std::int64_t> tallies)
+{
+    auto outputs = takeOutputs(cells, wish);
     if (!outputs) {
         return went(Way::noRoom);
     }
-    Pass pass(looks, inputs.size(), *outputs, tallies.size());
+    Pass pass(cells, std::move(nulls), inputs.size(), *outputs, tallies.size());
     if (!pass.takeRooms()) {
         return went(Way::noRoom);
     }
@@ -337,6 +344,27 @@ std::optional<std::vector<grid::CellStore>> mapAhead(std::span<const grid::GridL
     return outputs;
 }
 
+} // namespace
+
+std::optional<std::vector<grid::CellStore>> mapAhead(std::span<const grid::GridLook> looks, const OutputWish& wish,
+                                                     const MapKernel& kernel, std::span<std::int64_t> tallies)
+{
+    std::vector<InputCells> inputs(looks.size());
+    for (std::size_t i = 0; i < looks.size(); ++i) {
+        if (const Way way = inputs[i].open(looks[i], wish.folder); way != Way::ahead) {
+            return went(way);
+        }
+    }
+    return mapInputs(inputs, looks.front().header.cells(), nullsOf(looks), wish, kernel, tallies);
+}
+
+std::optional<std::vector<grid::CellStore>> mapStored(const grid::CellStore& input, const GridHeader& lattice,
+                                                      const OutputWish& wish, const MapKernel& kernel)
+{
+    const InputCells cells(input);
+    return mapInputs(std::span(&cells, 1), lattice.cells(), {lattice.null}, wish, kernel, {});
+}
+
 std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::GridLook> looks, const OutputWish& wish,
                                                       const FoldKernel& kernel, std::span<std::int64_t> tallies)
 {
@@ -344,7 +372,7 @@ std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::Grid
     if (!outputs) {
         return went(Way::noRoom);
     }
-    Pass pass(looks, 1, *outputs, tallies.size());
+    Pass pass(looks.front().header.cells(), nullsOf(looks), 1, *outputs, tallies.size());
     if (!pass.takeRooms()) {
         return went(Way::noRoom);
     }

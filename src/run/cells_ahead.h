@@ -45,6 +45,7 @@ struct CellPiece {
     std::size_t count = 0;
     std::span<const float> nulls = {};    // of all inputs
     std::span<std::int64_t> tallies = {}; // what is counted in the cells is added to these
+    std::size_t worker = 0;               // below threadCount(); no two calls at a time have the same
 };
 
 using InputPieces = std::span<const std::span<const float>>;
@@ -62,6 +63,10 @@ std::optional<std::vector<grid::CellStore>> mapAhead(std::span<const grid::GridL
                                                      const MapKernel& kernel, std::span<std::int64_t> tallies = {});
 std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::GridLook> inputs, const OutputWish& wish,
                                                       const FoldKernel& kernel, std::span<std::int64_t> tallies = {});
+
+// The same of cells that wait in a store.
+std::optional<std::vector<grid::CellStore>> mapStored(const grid::CellStore& input, const GridHeader& lattice,
+                                                      const OutputWish& wish, const MapKernel& kernel);
 
 // The cells of an input as they are.
 std::optional<std::vector<grid::CellStore>> copyAhead(const grid::GridLook& input, const OutputWish& wish);

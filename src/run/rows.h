@@ -36,6 +36,21 @@ void overRows(std::string_view heading, std::int32_t nrows, std::int32_t ncols, 
     endLine();
 }
 
+// Calls `work` for the rows, or parts of rows, of a block in a lattice, in the order of the files: with the row, the place of
+// the first column from 0, and the block within this one, whose `start` counts from the block's own.
+template <typename Work>
+void overRowsOf(const CellBlock& block, std::int32_t nrows, std::int32_t ncols, Work&& work)
+{
+    const auto columns = static_cast<std::size_t>(ncols);
+    for (std::size_t done = 0; done < block.count;) {
+        const std::size_t at = block.start + done;
+        const std::size_t column = at % columns;
+        const std::size_t count = std::min(columns - column, block.count - done);
+        work(nrows - static_cast<std::int32_t>(at / columns), column, CellBlock{done, count});
+        done += count;
+    }
+}
+
 // The cells of a block.
 template <typename Cells>
 auto cellsOf(Cells& grid, const CellBlock& block)

@@ -2,7 +2,7 @@
 // and in whatever pieces, or step by step.
 #include "run/cells_ahead.h"
 
-#include "grid/cell_store.h"
+#include "support/both_ways.h"
 #include "support/environment.h"
 #include "support/grids.h"
 #include "support/operation_run.h"
@@ -92,12 +92,6 @@ std::vector<Case> cases()
     };
 }
 
-struct Setting {
-    std::string threads;
-    std::string piece;
-    std::string memory;
-};
-
 class BothWays : public testing::TestWithParam<Case> {
 protected:
     // Compares with the way step by step; `output` is a format as an option, or nothing.
@@ -106,23 +100,7 @@ protected:
         const bool binary = extension == ".flt";
         give(binary);
         const std::string line = GetParam().options + names_ + output;
-        const std::size_t refused = waysGone(run::Way::readRefused) + waysGone(run::Way::oddText);
-        const Outcome plain = runOperationOn(given_, line, true);
-        ASSERT_GT(waysGone(run::Way::readRefused) + waysGone(run::Way::oddText), refused) << line;
-        ASSERT_GT(plain.files.size(), given_.size()) << line << '\n' << plain.console;
-        for (const auto& [threads, piece, memory] :
-             {Setting{"1", "", ""}, {"2", "777", ""}, {"7", "13", "1"}, {"3", "100000", "70000"}}) {
-            const Environment environment(
-                {{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_PIECE", piece}, {"GRIDFORGE_MEMORY", memory}});
-            const std::size_t ahead = waysGone(run::Way::ahead);
-            const std::size_t spilled = grid::filesOfCells();
-            const Outcome fast = runOperationOn(given_, line);
-            EXPECT_GT(waysGone(run::Way::ahead), ahead) << line;
-            EXPECT_TRUE(binary || memory != "1" || grid::filesOfCells() > spilled) << line;
-            EXPECT_EQ(fast.console, plain.console) << line;
-            EXPECT_TRUE(fast.files == plain.files) << line << ": " << threads << " threads, pieces of " << piece
-                                                   << " cells, memory of " << memory << " bytes";
-        }
+        test::expectBothWaysTheSame(given_, line, !binary);
     }
 
 private:

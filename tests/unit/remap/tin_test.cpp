@@ -7,6 +7,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>
+#include <span>
 #include <vector>
 
 namespace gridforge {
@@ -84,14 +85,15 @@ TinGrids runTin(const Grid& model, const Grid& extended, const test::plain::Latt
     const remap::Axis columns{coarse.xll, coarse.size, model.ncols()};
     const remap::Axis rows{coarse.yll, coarse.size, model.nrows()};
     const remap::CoarseLevels levels{columns, rows, model, extended, null, freeboard};
-    remap::TinWalk walk =
-        remap::startTinWalk(levels, {fine.xll, fine.size, ground.ncols()}, {fine.yll, fine.size, ground.nrows()});
+    const remap::TinPlaces places =
+        remap::placeTin(levels, {fine.xll, fine.size, ground.ncols()}, {fine.yll, fine.size, ground.nrows()});
+    remap::TinWalk walk;
     auto fineLevels = test::sameCells<float>(ground.nrows(), ground.ncols(), 77);
     auto fineDepths = test::sameCells<float>(ground.nrows(), ground.ncols(), 77);
     std::ranges::copy(ground.cells(), fineDepths.cells().begin());
     auto states = test::sameCells(ground.nrows(), ground.ncols(), remap::startState(null));
     for (std::int32_t row = 1; row <= ground.nrows(); ++row) {
-        remap::interpolateTinRow(levels, walk, row, fineLevels.row(row), states.row(row));
+        remap::interpolateTinRow(levels, places, walk, row, 0, fineLevels.row(row), states.row(row));
     }
     remap::depthsWhereWet(states.cells(), null, fineLevels.cells(), fineDepths.cells());
     return {test::tableOf(fineLevels), test::tableOf(fineDepths)};
@@ -209,6 +211,46 @@ TEST(Tin, IsThatOfALoopOverTheFineCells)
             runTin(test::cellsOf(model), test::cellsOf(extended), coarse, null, freeboard, test::cellsOf(ground), fine);
         ASSERT_EQ(found.levels, test::tableOf(levels)) << "trial " << trial;
         ASSERT_EQ(found.depths, test::tableOf(depths)) << "trial " << trial;
+    }
+}
+
+TEST(Tin, AStretchAnywhereIsThatOfTheWholeWalk)
+{
+    std::mt19937 random(14);
+    for (int trial = 0; trial < 60; ++trial) {
+        const auto number = [&](int low, int high) { return test::randomBetween(random, low, high); };
+        const bool isFar = trial % 5 == 4;
+        const double corner = isFar ? 1e17 : 0;
+        test::plain::Reals cells = test::randomReals(random, number(2, 9), number(2, 9), 10, 12);
+        for (float& cell : cells.values) {
+            cell = number(1, 4) == 1 ? kNull : cell;
+        }
+        const Grid model = test::cellsOf(cells);
+        const remap::CoarseLevels levels{
+            {corner, 7, model.ncols()}, {corner, 7, model.nrows()}, model, model, kNull, 0};
+        const std::int32_t rows = number(1, 60);
+        const std::int32_t columns = number(1, 60);
+        const remap::TinPlaces places =
+            remap::placeTin(levels, {corner - 2.5, 1.3, columns}, {corner + 1.5, 1.3, rows});
+        const auto start = remap::startState(kNull);
+        auto wholeLevels = test::sameCells<float>(rows, columns, 77);
+        auto wholeStates = test::sameCells(rows, columns, start);
+        remap::TinWalk walk;
+        for (std::int32_t row = 1; row <= rows; ++row) {
+            remap::interpolateTinRow(levels, places, walk, row, 0, wholeLevels.row(row), wholeStates.row(row));
+        }
+        remap::TinWalk jumping;
+        for (int stretch = 0; stretch < 50; ++stretch) {
+            const std::int32_t row = number(1, rows);
+            const auto from = static_cast<std::size_t>(number(0, columns - 1));
+            const auto count = static_cast<std::size_t>(number(1, columns - static_cast<std::int32_t>(from)));
+            std::vector<float> found(count, 55);
+            std::vector<remap::CellState> states(count, start);
+            remap::interpolateTinRow(levels, places, jumping, row, from, found, states);
+            const auto whole = wholeLevels.row(row).subspan(from, count);
+            ASSERT_TRUE(std::ranges::equal(std::as_bytes(std::span(found)), std::as_bytes(whole))) << "trial " << trial;
+            ASSERT_TRUE(std::ranges::equal(states, wholeStates.row(row).subspan(from, count))) << "trial " << trial;
+        }
     }
 }
 
