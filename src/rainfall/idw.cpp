@@ -2,8 +2,10 @@
 
 #include "core/computed.h"
 #include "core/numbers.h"
+#include "core/worker_rooms.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "host/threads.h"
 #include "plane/geometry.h"
 #include "rainfall/memory_line.h"
 
@@ -52,8 +54,11 @@ void weighAll(const GridHeader& grid, const RfPoints& points, RfIdwTables& table
 {
     const RfIdwMethod& method = tables.method;
     const std::vector<double> x = centresOfRow(grid);
-    std::vector<float> unlisted(x.size());
-    for (std::int32_t row = 1; row <= grid.nrows; ++row) {
+    std::vector<std::vector<float>> rooms(workersOf(static_cast<std::size_t>(grid.nrows)));
+    parallelFor(static_cast<std::size_t>(grid.nrows), [&](std::size_t piece, std::size_t worker) {
+        std::vector<float>& unlisted = rooms[worker];
+        unlisted.resize(x.size());
+        const auto row = static_cast<std::int32_t>(piece) + 1;
         const double y = centreAlong(grid.yll, row, grid.cellsize8);
         const std::span<float> rowWeights = tables.weight.all().subspan(tables.rowStart(row), tables.rowWeights());
         const std::span<double> sums = tables.weightSum.row(row);
@@ -70,7 +75,7 @@ void weighAll(const GridHeader& grid, const RfPoints& points, RfIdwTables& table
                 sums[c] += static_cast<double>(weights[c]);
             }
         }
-    }
+    });
 }
 
 // --- The nearest points ----------------------------------------------------------------------------------------------
@@ -203,36 +208,48 @@ private:
     bool isPlain_ = false;
 };
 
-void weighNearest(const GridHeader& grid, const RfPoints& points, RfIdwTables& tables)
+constexpr std::int32_t kSide = 16; // of a square of cells that share a neighbourhood
+
+// The squares whose southern row is `firstRow`.
+void weighSquares(const GridHeader& grid, std::int32_t firstRow, Neighbourhood& neighbourhood, RfIdwTables& tables)
 {
-    constexpr std::int32_t kSide = 16;
-    HugeArray<float> distances;
-    if (!distances.allocate(points.records.size())) {
-        fail("ERROR - Allocating RAM for storing IDW distances");
-    }
-    Neighbourhood neighbourhood(points, distances.all());
     const std::int32_t listLength = tables.method.listLength;
     const auto centre = [](double origin, std::int32_t cell, double size) { return centreAlong(origin, cell, size); };
-    for (std::int64_t south = 1; south <= grid.nrows; south += kSide) {
-        const auto firstRow = static_cast<std::int32_t>(south);
-        const auto lastRow = static_cast<std::int32_t>(std::min<std::int64_t>(south + kSide - 1, grid.nrows));
-        for (std::int64_t west = 1; west <= grid.ncols; west += kSide) {
-            const auto firstColumn = static_cast<std::int32_t>(west);
-            const auto lastColumn = static_cast<std::int32_t>(std::min<std::int64_t>(west + kSide - 1, grid.ncols));
-            const double x1 = centre(grid.xll, firstColumn, grid.cellsize8);
-            const double x2 = centre(grid.xll, lastColumn, grid.cellsize8);
-            const double y1 = centre(grid.yll, firstRow, grid.cellsize8);
-            const double y2 = centre(grid.yll, lastRow, grid.cellsize8);
-            neighbourhood.moveTo((x1 + x2) / 2, (y1 + y2) / 2, std::hypot(x2 - x1, y2 - y1) / 2, listLength);
-            for (std::int32_t row = firstRow; row <= lastRow; ++row) {
-                const double y = centre(grid.yll, row, grid.cellsize8);
-                for (std::int32_t column = firstColumn; column <= lastColumn; ++column) {
-                    CellList list(tables, row, column);
-                    neighbourhood.listNearest(centre(grid.xll, column, grid.cellsize8), y, listLength, list);
-                }
+    const auto lastRow =
+        static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{firstRow} + kSide - 1, grid.nrows));
+    for (std::int64_t west = 1; west <= grid.ncols; west += kSide) {
+        const auto firstColumn = static_cast<std::int32_t>(west);
+        const auto lastColumn = static_cast<std::int32_t>(std::min<std::int64_t>(west + kSide - 1, grid.ncols));
+        const double x1 = centre(grid.xll, firstColumn, grid.cellsize8);
+        const double x2 = centre(grid.xll, lastColumn, grid.cellsize8);
+        const double y1 = centre(grid.yll, firstRow, grid.cellsize8);
+        const double y2 = centre(grid.yll, lastRow, grid.cellsize8);
+        neighbourhood.moveTo((x1 + x2) / 2, (y1 + y2) / 2, std::hypot(x2 - x1, y2 - y1) / 2, listLength);
+        for (std::int32_t row = firstRow; row <= lastRow; ++row) {
+            const double y = centre(grid.yll, row, grid.cellsize8);
+            for (std::int32_t column = firstColumn; column <= lastColumn; ++column) {
+                CellList list(tables, row, column);
+                neighbourhood.listNearest(centre(grid.xll, column, grid.cellsize8), y, listLength, list);
             }
         }
     }
+}
+
+void weighNearest(const GridHeader& grid, const RfPoints& points, RfIdwTables& tables)
+{
+    const std::size_t rowsOfSquares = (static_cast<std::size_t>(grid.nrows) + kSide - 1) / kSide;
+    const std::size_t workers = workersOf(rowsOfSquares);
+    WorkerRooms<float> distances;
+    if (!distances.take(workers, points.records.size())) {
+        fail("ERROR - Allocating RAM for storing IDW distances");
+    }
+    std::vector<Neighbourhood> neighbourhoods;
+    for (std::size_t worker = 0; worker < workers; ++worker) {
+        neighbourhoods.emplace_back(points, distances.of(worker));
+    }
+    parallelFor(rowsOfSquares, [&](std::size_t piece, std::size_t worker) {
+        weighSquares(grid, static_cast<std::int32_t>(piece) * kSide + 1, neighbourhoods[worker], tables);
+    });
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "rainfall/steps.h"
 
 #include "core/computed.h"
+#include "host/threads.h"
 
 #include <algorithm>
 #include <cassert>
@@ -9,6 +10,16 @@
 namespace gridforge::rainfall {
 
 namespace {
+
+// Calls `work` with stretches of cells that make up the whole, for several at a time.
+template <typename Work>
+void eachStretch(std::size_t cells, Work work)
+{
+    constexpr std::size_t kCells = std::size_t{1} << 18;
+    const std::size_t each = cellsPerPiece(kCells);
+    parallelFor((cells + each - 1) / each,
+                [&](std::size_t piece, std::size_t) { work(piece * each, std::min(cells, (piece + 1) * each)); });
+}
 
 // The rain at each point, from 1 on; place 0 and the places after the points hold 0.
 std::vector<float> pointValues(const RfHyetographs& hyetographs, const RfPoints& points, std::size_t step)
@@ -37,12 +48,14 @@ void rf_step_polygon(const RfHyetographs& hyetographs, std::size_t step, const R
     const std::span<float> now = grids.step.cells();
     const std::span<float> total = grids.cumulative.cells();
     assert(index.size() == now.size() && factor.size() == now.size() && total.size() == now.size());
-    for (std::size_t i = 0; i < now.size(); ++i) {
-        const bool rains = index[i] > 0;
-        const float value = stored(depths[rains ? static_cast<std::size_t>(index[i]) : 0] * factor[i]);
-        now[i] = rains ? value : null;
-        total[i] = rains ? stored(total[i] + value) : total[i];
-    }
+    eachStretch(now.size(), [&](std::size_t from, std::size_t to) {
+        for (std::size_t i = from; i < to; ++i) {
+            const bool rains = index[i] > 0;
+            const float value = stored(depths[rains ? static_cast<std::size_t>(index[i]) : 0] * factor[i]);
+            now[i] = rains ? value : null;
+            total[i] = rains ? stored(total[i] + value) : total[i];
+        }
+    });
 }
 
 void rf_step_tin(const RfHyetographs& hyetographs, const RfPoints& points, std::size_t step,
@@ -67,15 +80,17 @@ void rf_step_tin(const RfHyetographs& hyetographs, const RfPoints& points, std::
     const std::span<float> now = grids.step.cells();
     const std::span<float> total = grids.cumulative.cells();
     assert(number.size() == now.size() && a.size() == now.size() && b.size() == now.size());
-    for (std::size_t i = 0; i < now.size(); ++i) {
-        if (number[i] <= 0) {
-            now[i] = null;
-            continue;
+    eachStretch(now.size(), [&](std::size_t from, std::size_t to) {
+        for (std::size_t i = from; i < to; ++i) {
+            if (number[i] <= 0) {
+                now[i] = null;
+                continue;
+            }
+            const auto& [z1, z2, z3] = corners[static_cast<std::size_t>(number[i] - 1)];
+            now[i] = stored(z3 + (((z1 + ((z2 - z1) * a[i])) - z3) * b[i]));
+            total[i] = stored(total[i] + now[i]);
         }
-        const auto& [z1, z2, z3] = corners[static_cast<std::size_t>(number[i] - 1)];
-        now[i] = stored(z3 + (((z1 + ((z2 - z1) * a[i])) - z3) * b[i]));
-        total[i] = stored(total[i] + now[i]);
-    }
+    });
 }
 
 namespace {
@@ -121,8 +136,12 @@ void rf_step_idw(const RfHyetographs& hyetographs, const RfPoints& points, std::
                  RfGrids& grids)
 {
     const std::vector<float> values = pointValues(hyetographs, points, step);
-    std::vector<double> sums(static_cast<std::size_t>(tables.weightSum.ncols()));
-    for (std::int32_t row = 1; row <= tables.weightSum.nrows(); ++row) {
+    const auto columns = static_cast<std::size_t>(tables.weightSum.ncols());
+    std::vector<std::vector<double>> rooms(workersOf(static_cast<std::size_t>(tables.weightSum.nrows())));
+    parallelFor(static_cast<std::size_t>(tables.weightSum.nrows()), [&](std::size_t piece, std::size_t worker) {
+        const auto row = static_cast<std::int32_t>(piece) + 1;
+        std::vector<double>& sums = rooms[worker];
+        sums.resize(columns);
         if (tables.method.useAll) {
             std::ranges::fill(sums, 0.0);
             addWeighted(std::span(values).subspan(1, points.records.size()),
@@ -137,7 +156,7 @@ void rf_step_idw(const RfHyetographs& hyetographs, const RfPoints& points, std::
             now[c] = stored(static_cast<float>(sums[c] / weightSum[c]));
             total[c] = stored(total[c] + now[c]);
         }
-    }
+    });
 }
 
 } // namespace gridforge::rainfall
