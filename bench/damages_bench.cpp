@@ -19,9 +19,15 @@ using namespace gridforge;
 constexpr std::int32_t kCells = 5000;
 constexpr int kBuildings = 20000;
 
-damages::SampledGrid makeGrid()
+struct SampledGrid {
+    GridHeader header;
+    Grid cells;
+    damages::SampledLattice lattice;
+};
+
+SampledGrid makeGrid()
 {
-    damages::SampledGrid grid;
+    SampledGrid grid;
     grid.header.nrows = kCells;
     grid.header.ncols = kCells;
     grid.header.xll = 382000;
@@ -36,13 +42,13 @@ damages::SampledGrid makeGrid()
     for (float& cell : grid.cells.cells()) {
         cell = chance(random) < 3 ? grid.header.null : 20.0F + static_cast<float>(random() % 4096U) / 1024.0F;
     }
-    grid.columnX = damages::columnPlaces(grid.header);
+    grid.lattice = {grid.header, damages::columnPlaces(grid.header)};
     return grid;
 }
 
-const damages::SampledGrid& theGrid()
+const SampledGrid& theGrid()
 {
-    static const damages::SampledGrid grid = makeGrid();
+    static const SampledGrid grid = makeGrid();
     return grid;
 }
 
@@ -77,7 +83,7 @@ std::vector<damages::DmgBuilding> makeBuildings(std::int64_t vertices)
 }
 
 damages::InsideCells plainly(const damages::DmgBuilding& building, const run::CellWindow& window,
-                             const damages::SampledGrid& grid)
+                             const SampledGrid& grid)
 {
     const std::array<std::int32_t, 1> ir = {building.vertices - 1};
     damages::InsideCells cells;
@@ -110,7 +116,7 @@ void measure(benchmark::State& state, const Sample& sample)
     damages::PolygonTest test;
     for (const damages::DmgBuilding& building : buildings) {
         const run::CellWindow window = buildingWindow(building, theGrid().header);
-        const damages::InsideCells fast = cellsInside(building, window, theGrid(), test);
+        const damages::InsideCells fast = cellsInside(building, window, theGrid().lattice, theGrid().cells, test);
         const damages::InsideCells plain = plainly(building, window, theGrid());
         if (fast.maximum != plain.maximum || fast.sum != plain.sum || fast.count != plain.count) {
             state.SkipWithError("the two tests differ");
@@ -132,7 +138,7 @@ void byRows(benchmark::State& state)
 {
     damages::PolygonTest test;
     measure(state, [&test](const damages::DmgBuilding& building, const run::CellWindow& window) {
-        return cellsInside(building, window, theGrid(), test);
+        return cellsInside(building, window, theGrid().lattice, theGrid().cells, test);
     });
 }
 BENCHMARK(byRows)->Arg(6)->Arg(60)->Unit(benchmark::kMillisecond);

@@ -2,14 +2,20 @@
 
 #include "core/numbers.h"
 #include "damages/curves.h"
+#include "grid/look.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "host/threads.h"
+#include "run/cells_ahead.h"
 #include "run/load.h"
+#include "run/windows_ahead.h"
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
 #include <iterator>
+#include <optional>
+#include <utility>
 
 namespace gridforge::damages {
 
@@ -82,17 +88,11 @@ std::vector<double> columnPlaces(const GridHeader& header)
     return x;
 }
 
-bool pointLevel(const DmgBuilding& building, const SampledGrid& grid, float& level)
+run::CellWindow pointWindow(const DmgBuilding& building, const GridHeader& header)
 {
-    const GridHeader& header = grid.header;
     const std::int32_t column = roundToInt((building.x[0] - header.xll) / header.cellsize8);
     const std::int32_t row = roundToInt((building.y[0] - header.yll) / header.cellsize8);
-    if (!isWithin(row, header.nrows) || !isWithin(column, header.ncols)) {
-        say("WARNING - Building is outside grid area.");
-        return false;
-    }
-    level = grid.cells(row, column);
-    return true;
+    return {row, row, column, column};
 }
 
 run::CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header)
@@ -130,28 +130,29 @@ void addRun(std::span<const float> values, float null, InsideCells& cells)
 
 } // namespace
 
-InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const SampledGrid& grid,
-                        PolygonTest& test)
+InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const SampledLattice& lattice,
+                        const run::CellPart& cells, PolygonTest& test)
 {
-    const GridHeader& header = grid.header;
+    const GridHeader& header = lattice.header;
     const std::int32_t lastRow = std::min(window.lastRow, header.nrows);
     const std::int32_t lastColumn = std::min(window.lastColumn, header.ncols);
-    InsideCells cells;
+    InsideCells inside;
     if (lastColumn < window.firstColumn) {
-        return cells;
+        return inside;
     }
-    const auto first = static_cast<std::size_t>(window.firstColumn - 1);
-    const std::size_t columns = static_cast<std::size_t>(lastColumn) - first;
-    const std::span<const double> x = std::span(grid.columnX).subspan(first, columns);
+    const std::int32_t columns = lastColumn - window.firstColumn + 1;
+    const std::span<const double> x =
+        std::span(lattice.columnX)
+            .subspan(static_cast<std::size_t>(window.firstColumn - 1), static_cast<std::size_t>(columns));
     prepare(building, test.region);
     for (std::int32_t row = window.firstRow; row <= lastRow; ++row) {
         insideRegionRuns(test.region, run::cornerY(header, row), x, test.runs);
-        const std::span<const float> values = grid.cells.row(row).subspan(first, columns);
+        const std::span<const float> values = cells.row(row, window.firstColumn, columns);
         for (const RowRun& run : test.runs) {
-            addRun(values.subspan(run.from, run.size()), header.null, cells);
+            addRun(values.subspan(run.from, run.size()), header.null, inside);
         }
     }
-    return cells;
+    return inside;
 }
 
 // --- The calculation -------------------------------------------------------------------------------------------------
@@ -167,52 +168,110 @@ float levelOf(const InsideCells& cells, std::int32_t method, float null)
     }
 }
 
+// The cells of the grid that tell the level of a building: of a point the cell that holds it, of a polygon all about it.
+// None where it begins outside of the grid.
+std::optional<run::CellWindow> windowInGrid(const DmgBuilding& building, const GridHeader& header)
+{
+    run::CellWindow window =
+        building.type == kPointBuilding ? pointWindow(building, header) : buildingWindow(building, header);
+    if (!isWithin(window.firstRow, header.nrows) || !isWithin(window.firstColumn, header.ncols)) {
+        return std::nullopt;
+    }
+    window.lastRow = std::min(window.lastRow, header.nrows);
+    window.lastColumn = std::min(window.lastColumn, header.ncols);
+    return window;
+}
+
+// What those cells hold: the value of a point, or what counts for a polygon.
+struct FoundCells {
+    float value = 0;
+    InsideCells inside;
+};
+
+FoundCells findCells(const DmgBuilding& building, const run::CellWindow& window, const SampledLattice& lattice,
+                     const run::CellPart& cells, PolygonTest& test)
+{
+    if (building.type == kPointBuilding) {
+        return {.value = cells(window.firstRow, window.firstColumn)};
+    }
+    return {.inside = cellsInside(building, window, lattice, cells, test)};
+}
+
+// By building; empty where the grid is to be read whole.
+std::vector<FoundCells> findAhead(const std::string& name, std::span<const DmgBuilding> buildings)
+{
+    const std::optional<grid::GridLook> look = grid::lookAtGrid(name);
+    if (!look) {
+        run::countWay(run::Way::oddInput);
+        return {};
+    }
+    std::vector<run::ObjectWindow> windows;
+    for (std::size_t i = 0; i < buildings.size(); ++i) {
+        const auto window = windowInGrid(buildings[i], look->header);
+        if (window && window->firstRow <= window->lastRow && window->firstColumn <= window->lastColumn) {
+            windows.push_back({i, *window});
+        }
+    }
+    const SampledLattice lattice{look->header, columnPlaces(look->header)};
+    std::vector<PolygonTest> tests(threadCount());
+    std::vector<FoundCells> found(buildings.size());
+    const bool ahead =
+        run::windowsAhead(*look, std::move(windows),
+                          [&](const run::CellPart& cells, std::span<const run::ObjectWindow> part, std::size_t worker) {
+                              for (const auto& [object, window] : part) {
+                                  found[object] = findCells(buildings[object], window, lattice, cells, tests[worker]);
+                              }
+                          });
+    return ahead ? found : std::vector<FoundCells>();
+}
+
+// The levels of the buildings, one after the other.
 class LevelFinder {
 public:
-    LevelFinder(const SampledGrid& grid, std::int32_t method) : grid_(grid), method_(method) {}
-
-    void find(const DmgBuilding& building, float& level)
+    LevelFinder(const std::string& name, std::span<const DmgBuilding> buildings, std::int32_t method)
+        : buildings_(buildings), method_(method), ahead_(findAhead(name, buildings))
     {
-        if (building.type == kPointBuilding) {
-            if (!pointLevel(building, grid_, level)) {
-                level = grid_.header.null;
-            }
-        } else if (building.type == kPolygonBuilding) {
-            findPolygon(building, level);
-        } else {
+        const run::LoadSteps steps{.opening = "Loading grid data...",
+                                   .purpose = "storing input grid...",
+                                   .reading = "Reading data...",
+                                   .done = "   Done.",
+                                   .ahead = !ahead_.empty()};
+        lattice_.header = run::loadGrid(name, steps, cells_).header;
+        lattice_.columnX = columnPlaces(lattice_.header);
+    }
+
+    float null() const { return lattice_.header.null; }
+
+    // Of building `i`, from 0. Only the low corner of a polygon is tested, and then the level stays as it is, on purpose: a
+    // polygon that sticks out of the grid in the south or west has the level of the building before it.
+    void find(std::size_t i, float& level)
+    {
+        const DmgBuilding& building = buildings_[i];
+        const bool isPoint = building.type == kPointBuilding;
+        if (!isPoint && building.type != kPolygonBuilding) {
             fail("ERROR - Should not be here dmg_calc_res[a]");
+        }
+        const auto window = windowInGrid(building, lattice_.header);
+        if (window) {
+            const FoundCells found = ahead_.empty() ? findCells(building, *window, lattice_, cells_, test_) : ahead_[i];
+            level = isPoint ? found.value : levelOf(found.inside, method_, null());
+        } else if (isPoint) {
+            say("WARNING - Building is outside grid area.");
+            level = null();
+        } else {
+            say("WARNING - Polygon partially or fully outside of results grid.");
+            pauseForEnter(); // in batch too
         }
     }
 
 private:
-    // Only the low corner is tested, and then the level stays as it is, on purpose: a polygon that sticks out of the
-    // grid in the south or west has the level of the building before it.
-    void findPolygon(const DmgBuilding& building, float& level)
-    {
-        const GridHeader& header = grid_.header;
-        const run::CellWindow window = buildingWindow(building, header);
-        if (!isWithin(window.firstRow, header.nrows) || !isWithin(window.firstColumn, header.ncols)) {
-            say("WARNING - Polygon partially or fully outside of results grid.");
-            pauseForEnter(); // in batch too
-            return;
-        }
-        level = levelOf(cellsInside(building, window, grid_, test_), method_, header.null);
-    }
-
-    const SampledGrid& grid_;
+    std::span<const DmgBuilding> buildings_;
     std::int32_t method_;
+    std::vector<FoundCells> ahead_;
+    SampledLattice lattice_;
+    Grid cells_;
     PolygonTest test_;
 };
-
-void load(const std::string& name, SampledGrid& grid)
-{
-    const run::LoadSteps steps{.opening = "Loading grid data...",
-                               .purpose = "storing input grid...",
-                               .reading = "Reading data...",
-                               .done = "   Done."};
-    grid.header = run::loadGrid(name, steps, grid.cells).header;
-    grid.columnX = columnPlaces(grid.header);
-}
 
 } // namespace
 
@@ -220,12 +279,11 @@ void dmg_calc_res(std::span<DmgBuilding> buildings, std::span<const DmgCurve> cu
                   std::int32_t iResult, std::int32_t method, float& level)
 {
     const auto result = static_cast<std::size_t>(iResult - 1);
-    SampledGrid grid;
-    load(results[result].file, grid);
-    LevelFinder levels(grid, method);
-    for (DmgBuilding& building : buildings) {
-        levels.find(building, level);
-        const float depth = level == grid.header.null ? kNoDepth : level - building.FFL;
+    LevelFinder levels(results[result].file, buildings, method);
+    for (std::size_t i = 0; i < buildings.size(); ++i) {
+        DmgBuilding& building = buildings[i];
+        levels.find(i, level);
+        const float depth = level == levels.null() ? kNoDepth : level - building.FFL;
         const DmgCurve& curve = curves[static_cast<std::size_t>(building.curve - 1)];
         building.damage[result] = dmg_curve_lookup(curve.depth, curve.damage, depth) * building.multiplier;
     }

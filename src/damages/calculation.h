@@ -4,6 +4,7 @@
 #include "damages/records.h"
 #include "grid/grid.h"
 #include "plane/region_rows.h"
+#include "run/cell_part.h"
 #include "run/cell_window.h"
 
 #include <cstdint>
@@ -19,18 +20,17 @@ std::vector<DmgRes> sortByFrequency(std::span<const DmgRes> listed);
 
 // --- Levels of buildings on one grid ---------------------------------------------------------------------------------
 
-struct SampledGrid {
+struct SampledLattice {
     GridHeader header;
-    Grid cells;
     std::vector<double> columnX; // of each column, where polygons see it
 };
 
 // The places of the columns, from the header.
 std::vector<double> columnPlaces(const GridHeader& header);
 
-// The cell at a point building, as the nearest whole number of cell sizes from the corner of the grid, which is the
-// north-east corner of the cell. False, and a warning, outside of the grid.
-bool pointLevel(const DmgBuilding& building, const SampledGrid& grid, float& level);
+// The row and column at a point building, as the nearest whole number of cell sizes from the corner of the grid, which is
+// the north-east corner of the cell. They may lie outside the grid.
+run::CellWindow pointWindow(const DmgBuilding& building, const GridHeader& header);
 
 // Rows and columns about a polygon's extent, with a cell of margin on each side; it may reach over the grid.
 run::CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header);
@@ -50,8 +50,8 @@ struct PolygonTest {
 
 // Sums up the cells of the window, whose first row and column lie in the grid, that are inside the polygon and not null,
 // rows from the south and each from the west. Beyond the grid there are none. A row costs its edges and the cells inside.
-InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const SampledGrid& grid,
-                        PolygonTest& test);
+InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const SampledLattice& lattice,
+                        const run::CellPart& cells, PolygonTest& test);
 
 // --- The calculation -------------------------------------------------------------------------------------------------
 

@@ -6,6 +6,7 @@
 #include "gis/layer_reader.h"
 #include "gis/layer_table.h"
 #include "gis/layer_writer.h"
+#include "gis/point_look.h"
 #include "gis/projection.h"
 #include "host/console.h"
 #include "host/ends.h"
@@ -75,6 +76,12 @@ ProjectedLayer openWithProjection(std::string_view fileName)
     Projection projection;
     get_projection(fileName, projection);
     return {projection, openLayer(fileName)};
+}
+
+std::optional<std::vector<PointPlace>> lookAtPoints(std::string_view fileName)
+{
+    const std::string name = cut(fileName, kNameWidth);
+    return FILEEXT(name) == kShpExtension ? shp::lookAtPoints(name) : mif::lookAtPoints(name);
 }
 
 LayerWriter createLayer(std::string_view fileName, const LayerSpec& spec)

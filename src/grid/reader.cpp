@@ -14,11 +14,15 @@ static_assert(std::endian::native == std::endian::little, "cells of .flt files g
 
 constexpr std::int32_t kProgressRows = 1000;
 
-[[noreturn]] void failCells()
+} // namespace
+
+void failCells()
 {
     report("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.");
     EXITS();
 }
+
+namespace {
 
 // `readRow` is called for each row from the north one on.
 template <typename ReadRow>

@@ -13,4 +13,7 @@ void readCells(OpenGrid grid, Grid& cells);
 // Says, opens and closes the same, and leaves the cells, which are not wanted any more.
 void passCells(OpenGrid grid);
 
+// Ends the run where cells cannot be read.
+[[noreturn]] void failCells();
+
 } // namespace gridforge::grid

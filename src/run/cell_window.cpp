@@ -2,6 +2,8 @@
 
 #include "core/numbers.h"
 
+#include <algorithm>
+
 namespace gridforge::run {
 
 CellWindow searchWindow(const GridHeader& header, double x, double y, float diameter)
@@ -14,6 +16,12 @@ CellWindow searchWindow(const GridHeader& header, double x, double y, float diam
     window.firstRow = truncateToInt(((y - radius) - header.yll) / dx);
     window.lastRow = ceilToInt(((y + radius) - header.yll) / dx);
     return window;
+}
+
+CellWindow joined(const CellWindow& a, const CellWindow& b)
+{
+    return {std::min(a.firstRow, b.firstRow), std::max(a.lastRow, b.lastRow), std::min(a.firstColumn, b.firstColumn),
+            std::max(a.lastColumn, b.lastColumn)};
 }
 
 bool isWithinGrid(const CellWindow& window, const GridHeader& header)

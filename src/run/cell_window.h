@@ -13,6 +13,9 @@ using gridforge::CellWindow;
 // The window of a search circle. Rows are divided by the one cell size too: cells are square.
 CellWindow searchWindow(const GridHeader& header, double x, double y, float diameter);
 
+// The least window that holds both.
+CellWindow joined(const CellWindow& a, const CellWindow& b);
+
 // No row or column of the window lies outside the grid.
 bool isWithinGrid(const CellWindow& window, const GridHeader& header);
 

@@ -54,14 +54,14 @@ bool ExtremeSearch::mayHold(const Range& cells, const Range& found)
 
 ExtremeSearch::Tile& ExtremeSearch::tile(std::int32_t tileRow, std::int32_t tileColumn)
 {
-    return tiles_[static_cast<std::size_t>(tileRow) * static_cast<std::size_t>(tilesAcross_) +
-                  static_cast<std::size_t>(tileColumn)];
+    return tiles_[static_cast<std::size_t>(tileRow - tilesOfPart_.firstRow) * tilesAcross() +
+                  static_cast<std::size_t>(tileColumn - tilesOfPart_.firstColumn)];
 }
 
 std::span<ExtremeSearch::Range> ExtremeSearch::rowPieces(std::int32_t row, const TileWindow& tiles)
 {
-    const std::size_t start = static_cast<std::size_t>(row - 1) * static_cast<std::size_t>(tilesAcross_) +
-                              static_cast<std::size_t>(tiles.firstColumn);
+    const std::size_t start = static_cast<std::size_t>(row - cells_.window().firstRow) * tilesAcross() +
+                              static_cast<std::size_t>(tiles.firstColumn - tilesOfPart_.firstColumn);
     return std::span(pieces_).subspan(start, static_cast<std::size_t>(tiles.lastColumn - tiles.firstColumn) + 1);
 }
 
@@ -69,15 +69,15 @@ void ExtremeSearch::lookThrough(std::int32_t tileRow, std::int32_t tileColumn)
 {
     Tile& tile = this->tile(tileRow, tileColumn);
     const TileWindow alone = {tileRow, tileRow, tileColumn, tileColumn};
-    const std::int32_t first = firstOfTile(tileColumn);
-    const std::int32_t last = std::min(first + (kTileSide - 1), header_.ncols);
-    const std::int32_t lastRow = std::min(firstOfTile(tileRow) + (kTileSide - 1), header_.nrows);
+    const run::CellWindow window = windowOfTile(tileRow, tileColumn, cells_.window());
+    const std::int32_t first = window.firstColumn;
+    const std::int32_t columns = window.lastColumn - first + 1;
     const auto columnOf = [&](std::int32_t row, float value) {
-        const auto cells = run::cellsOfRun(cells_, row, first, last - first + 1);
+        const auto cells = cells_.row(row, first, columns);
         return first + static_cast<std::int32_t>(std::ranges::find(cells, value) - cells.begin());
     };
-    for (std::int32_t row = firstOfTile(tileRow); row <= lastRow; ++row) {
-        const Range piece = rangeOf(run::cellsOfRun(cells_, row, first, last - first + 1), header_.null);
+    for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
+        const Range piece = rangeOf(cells_.row(row, first, columns), header_.null);
         rowPieces(row, alone).front() = piece;
         if (piece.low < tile.range.low) {
             tile.range.low = piece.low;
@@ -95,11 +95,10 @@ void ExtremeSearch::lookThrough(std::int32_t tileRow, std::int32_t tileColumn)
 
 void ExtremeSearch::know(const TileWindow& tiles)
 {
-    if (tilesAcross_ == 0) {
-        tilesAcross_ = tileOf(header_.ncols) + 1;
-        const auto across = static_cast<std::size_t>(tilesAcross_);
-        tiles_.resize(across * static_cast<std::size_t>(tileOf(header_.nrows) + 1));
-        pieces_.resize(across * static_cast<std::size_t>(header_.nrows));
+    if (tiles_.empty()) {
+        const run::CellWindow& part = cells_.window();
+        tiles_.resize(tilesAcross() * (static_cast<std::size_t>(tilesOfPart_.lastRow - tilesOfPart_.firstRow) + 1));
+        pieces_.resize(tilesAcross() * (static_cast<std::size_t>(part.lastRow - part.firstRow) + 1));
     }
     for (std::int32_t tileRow = tiles.firstRow; tileRow <= tiles.lastRow; ++tileRow) {
         for (std::int32_t tileColumn = tiles.firstColumn; tileColumn <= tiles.lastColumn; ++tileColumn) {
@@ -146,7 +145,7 @@ bool ExtremeSearch::tilesMayHold(std::int32_t tileRow, const TileWindow& tiles, 
 void ExtremeSearch::searchCells(std::int32_t row, std::int32_t first, std::int32_t last, Extremes& found) const
 {
     std::int32_t column = first;
-    for (const float cell : run::cellsOfRun(cells_, row, first, last - first + 1)) {
+    for (const float cell : cells_.row(row, first, last - first + 1)) {
         if (cell != header_.null) {
             if (cell < found.range.low) {
                 found.range.low = cell;
@@ -198,8 +197,7 @@ FoundExtremes ExtremeSearch::find(const CellSearch& search)
     if (window.empty()) {
         return result;
     }
-    const TileWindow tiles = {tileOf(window.firstRow), tileOf(window.lastRow), tileOf(window.firstColumn),
-                              tileOf(window.lastColumn)};
+    const TileWindow tiles = tilesOf(window);
     know(tiles);
     prepareWalk(search.polygon, walk_);
     run::placeColumns(header_, window, run::CellPlace::northEastCorner, walk_);

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "grid/grid.h"
+#include "run/cell_part.h"
 #include "run/inside_runs.h"
 #include "sampling/cell_search.h"
+#include "sampling/cell_tiles.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -21,12 +23,15 @@ struct FoundExtremes {
 // ones cost the tiles of their window and the rows that may hold something lower or higher than what the tiles tell.
 class ExtremeSearch {
 public:
-    // The grid must stay.
-    ExtremeSearch(const GridHeader& header, const Grid& cells) : header_(header), cells_(cells) {}
+    // The header and the cells must stay.
+    ExtremeSearch(const GridHeader& header, const run::CellPart& cells)
+        : header_(header), cells_(cells), tilesOfPart_(tilesOf(cells.window()))
+    {
+    }
 
     // Of the cells that nearestCell looks at the first of the lowest and the first of the highest, by rows from the south,
     // each from the west; cells of 99999 or more are no lowest, those of -99999 or less no highest ones. The window must
-    // lie within the grid.
+    // lie within the grid, and in the cells.
     FoundExtremes find(const CellSearch& search);
 
 private:
@@ -42,13 +47,7 @@ private:
         std::int32_t highRow = 0;
         std::int32_t highColumn = 0;
     };
-    // Tiles of a window, counted from 0, both ends included.
-    struct TileWindow {
-        std::int32_t firstRow = 0;
-        std::int32_t lastRow = 0;
-        std::int32_t firstColumn = 0;
-        std::int32_t lastColumn = 0;
-    };
+    using TileWindow = run::CellWindow; // of tiles, from 0
     // What is found so far: only cells beyond the range are of interest.
     struct Extremes {
         Range range;
@@ -61,6 +60,10 @@ private:
     static Range rangeOf(std::span<const float> cells, float null);
     static bool mayHold(const Range& cells, const Range& found);
     Tile& tile(std::int32_t tileRow, std::int32_t tileColumn);
+    std::size_t tilesAcross() const
+    {
+        return static_cast<std::size_t>(tilesOfPart_.lastColumn - tilesOfPart_.firstColumn) + 1;
+    }
     std::span<Range> rowPieces(std::int32_t row, const TileWindow& tiles);
     void lookThrough(std::int32_t tileRow, std::int32_t tileColumn);
     void know(const TileWindow& tiles);
@@ -71,9 +74,9 @@ private:
     FoundCell foundCell(const CellSearch& search, std::int32_t row, std::int32_t column) const;
 
     const GridHeader& header_;
-    const Grid& cells_;
-    std::int32_t tilesAcross_ = 0; // 0 before the first search
-    std::vector<Range> pieces_;    // of each row, by its tile columns
+    run::CellPart cells_;
+    TileWindow tilesOfPart_;
+    std::vector<Range> pieces_; // of each row, by its tile columns; none before the first search
     std::vector<Tile> tiles_;
     run::InsideWalk walk_;
 };

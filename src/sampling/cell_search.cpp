@@ -49,7 +49,7 @@ struct TileRowMemory {
 // their place.
 class NearestSearch {
 public:
-    NearestSearch(const CellSearch& search, const GridHeader& header, const Grid& cells, EmptyTiles& tiles)
+    NearestSearch(const CellSearch& search, const GridHeader& header, const run::CellPart& cells, EmptyTiles& tiles)
         : search_(search), header_(header), cells_(cells), tiles_(tiles)
     {
     }
@@ -63,8 +63,8 @@ public:
     {
         row_ = row;
         y_ = run::cornerY(header_, row);
-        rowCells_ = cells_.row(row);
         const run::CellWindow& window = search_.window;
+        rowCells_ = cells_.row(row, window.firstColumn, window.lastColumn - window.firstColumn + 1);
         for (std::int32_t from = split; from <= window.lastColumn && !isBeyond(distanceOf(from));) {
             const std::int32_t to = std::min(window.lastColumn, firstOfTile(tileOf(from)) + (kTileSide - 1));
             if (hasValues(from, to)) {
@@ -107,14 +107,14 @@ private:
     // Of columns in one tile.
     bool hasValues(std::int32_t first, std::int32_t last) const
     {
-        const auto piece =
-            rowCells_.subspan(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(last - first + 1));
+        const auto piece = rowCells_.subspan(static_cast<std::size_t>(first - search_.window.firstColumn),
+                                             static_cast<std::size_t>(last - first + 1));
         return !tiles_.isEmpty(tileOf(row_), tileOf(first)) && !allNull(piece, header_.null);
     }
 
     void consider(std::int32_t column)
     {
-        const float value = rowCells_[static_cast<std::size_t>(column - 1)];
+        const float value = rowCells_[static_cast<std::size_t>(column - search_.window.firstColumn)];
         if (value == header_.null) {
             return;
         }
@@ -132,7 +132,7 @@ private:
 
     const CellSearch& search_;
     const GridHeader& header_;
-    const Grid& cells_;
+    const run::CellPart& cells_;
     EmptyTiles& tiles_;
     FoundCell best_{0, kNoValue, 0, 0};
     std::int32_t bestRow_ = 0;
@@ -140,12 +140,12 @@ private:
     bool found_ = false;
     std::int32_t row_ = 0; // of the row being searched
     double y_ = 0;
-    std::span<const float> rowCells_;
+    std::span<const float> rowCells_; // of the window
 };
 
 } // namespace
 
-std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const Grid& cells,
+std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const run::CellPart& cells,
                                      EmptyTiles& tiles)
 {
     const run::CellWindow& window = search.window;

@@ -32,9 +32,9 @@ struct CellSearch {
 CellSearch searchAround(const GridHeader& header, double x, double y, float diameter);
 
 // The nearest cell, of equally near ones the first by rows from the south, each from the west. The window must lie within
-// the grid. Goes outwards from the point, so it costs what lies nearer than the cell found, and passes over empty tiles of
+// the grid, and in `cells`. Goes outwards from the point, so it costs what lies nearer than the cell found, and passes over empty tiles of
 // the grid.
-std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const Grid& cells,
+std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const run::CellPart& cells,
                                      EmptyTiles& tiles);
 
 } // namespace gridforge::sampling

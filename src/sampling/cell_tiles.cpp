@@ -15,13 +15,9 @@ bool allNull(std::span<const float> cells, float null)
 
 bool EmptyTiles::holdsNulls(std::int32_t tileRow, std::int32_t tileColumn) const
 {
-    const std::int32_t first = firstOfTile(tileColumn);
-    const std::int32_t last = std::min(first + (kTileSide - 1), header_.ncols);
-    const std::int32_t lastRow = std::min(firstOfTile(tileRow) + (kTileSide - 1), header_.nrows);
-    for (std::int32_t row = firstOfTile(tileRow); row <= lastRow; ++row) {
-        const auto piece =
-            cells_.row(row).subspan(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(last - first + 1));
-        if (!allNull(piece, header_.null)) {
+    const run::CellWindow tile = windowOfTile(tileRow, tileColumn, cells_.window());
+    for (std::int32_t row = tile.firstRow; row <= tile.lastRow; ++row) {
+        if (!allNull(cells_.row(row, tile.firstColumn, tile.lastColumn - tile.firstColumn + 1), header_.null)) {
             return false;
         }
     }
@@ -30,11 +26,13 @@ bool EmptyTiles::holdsNulls(std::int32_t tileRow, std::int32_t tileColumn) const
 
 bool EmptyTiles::isEmpty(std::int32_t tileRow, std::int32_t tileColumn)
 {
-    const auto across = static_cast<std::size_t>(tileOf(header_.ncols)) + 1;
+    const run::CellWindow tiles = tilesOf(cells_.window());
+    const auto across = static_cast<std::size_t>(tiles.lastColumn - tiles.firstColumn) + 1;
     if (states_.empty()) {
-        states_.resize(across * (static_cast<std::size_t>(tileOf(header_.nrows)) + 1), State::unknown);
+        states_.resize(across * (static_cast<std::size_t>(tiles.lastRow - tiles.firstRow) + 1), State::unknown);
     }
-    State& state = states_[static_cast<std::size_t>(tileRow) * across + static_cast<std::size_t>(tileColumn)];
+    State& state = states_[static_cast<std::size_t>(tileRow - tiles.firstRow) * across +
+                           static_cast<std::size_t>(tileColumn - tiles.firstColumn)];
     if (state == State::unknown) {
         state = holdsNulls(tileRow, tileColumn) ? State::empty : State::filled;
     }

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "grid/grid.h"
+#include "run/cell_part.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -23,11 +25,26 @@ inline std::int32_t firstOfTile(std::int32_t tile)
     return tile * kTileSide + 1;
 }
 
+// The rows and columns of tiles, from 0, that a window of cells touches.
+inline run::CellWindow tilesOf(const run::CellWindow& window)
+{
+    return {tileOf(window.firstRow), tileOf(window.lastRow), tileOf(window.firstColumn), tileOf(window.lastColumn)};
+}
+
+// The cells of a tile that lie in the window.
+inline run::CellWindow windowOfTile(std::int32_t tileRow, std::int32_t tileColumn, const run::CellWindow& window)
+{
+    return {std::max(firstOfTile(tileRow), window.firstRow),
+            std::min(firstOfTile(tileRow) + (kTileSide - 1), window.lastRow),
+            std::max(firstOfTile(tileColumn), window.firstColumn),
+            std::min(firstOfTile(tileColumn) + (kTileSide - 1), window.lastColumn)};
+}
+
 // Which tiles hold nothing but null. A tile is looked through when it is asked for the first time.
 class EmptyTiles {
 public:
-    // The grid must stay.
-    EmptyTiles(const GridHeader& header, const Grid& cells) : header_(header), cells_(cells) {}
+    // The header and the cells must stay. Of tiles that are not all in the part, what is in it counts.
+    EmptyTiles(const GridHeader& header, const run::CellPart& cells) : header_(header), cells_(cells) {}
 
     bool isEmpty(std::int32_t tileRow, std::int32_t tileColumn);
 
@@ -37,7 +54,7 @@ private:
     bool holdsNulls(std::int32_t tileRow, std::int32_t tileColumn) const;
 
     const GridHeader& header_;
-    const Grid& cells_;
+    run::CellPart cells_;
     std::vector<State> states_; // none before the first question
 };
 

@@ -6,13 +6,11 @@
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layer_writer.h"
-#include "grid/grid.h"
 #include "host/console.h"
 #include "host/ends.h"
-#include "sampling/cell_extremes.h"
 #include "sampling/cell_search.h"
-#include "sampling/cell_tiles.h"
 #include "sampling/cp_config.h"
+#include "sampling/point_finder.h"
 #include "sampling/sampled_layer.h"
 
 #include <string>
@@ -147,14 +145,14 @@ struct LastFound {
 
 class PointSampler {
 public:
-    PointSampler(const CpOptions& options, const Terrain& terrain, gis::LayerWriter& connections)
-        : options_(options), header_(terrain.header), cells_(terrain.cells), connections_(connections),
-          emptyTiles_(terrain.header, terrain.cells), extremes_(terrain.header, terrain.cells)
+    PointSampler(const CpOptions& options, PointFinder& finder, gis::LayerWriter& connections)
+        : options_(options), finder_(finder), connections_(connections)
     {
     }
 
     void sample(CalibrationPoint& point)
     {
+        finder_.goTo(point.x, point.y);
         if (point.modelled > kModelledLimit) {
             sampleNearest(point);
         } else {
@@ -167,14 +165,9 @@ public:
     }
 
 private:
-    // A point whose window touches the edge of the grid gets nothing, though it lies inside.
-    bool isSearchable(const CellSearch& search) const { return run::isWithinGrid(search.window, header_); }
-
     void sampleNearest(CalibrationPoint& point)
     {
-        const CellSearch search = searchAround(header_, point.x, point.y, options_.searchDistance);
-        if (const auto found =
-                isSearchable(search) ? nearestCell(search, header_, cells_, emptyTiles_) : std::nullopt) {
+        if (const auto found = finder_.nearest()) {
             last_.nearest = *found;
             point.modelled = found->value;
             point.distance = found->distance;
@@ -185,18 +178,15 @@ private:
 
     void sampleExtremes(CalibrationPoint& point)
     {
-        const CellSearch search = searchAround(header_, point.x, point.y, options_.extremesDistance);
-        if (isSearchable(search)) {
-            const FoundExtremes found = extremes_.find(search);
-            if (found.lowest) {
-                last_.lowest = *found.lowest;
-                point.minimum = found.lowest->value;
-                point.distance = found.lowest->distance;
-            }
-            if (found.highest) {
-                last_.highest = *found.highest;
-                point.maximum = found.highest->value;
-            }
+        const FoundExtremes found = finder_.extremes();
+        if (found.lowest) {
+            last_.lowest = *found.lowest;
+            point.minimum = found.lowest->value;
+            point.distance = found.lowest->distance;
+        }
+        if (found.highest) {
+            last_.highest = *found.highest;
+            point.maximum = found.highest->value;
         }
         // The record of a minimum has no comma before its word: that is its form.
         connect(last_.lowest, point, join(real(point.distance), "\"Min\""));
@@ -213,11 +203,8 @@ private:
     }
 
     const CpOptions& options_;
-    const GridHeader& header_;
-    const Grid& cells_;
+    PointFinder& finder_;
     gis::LayerWriter& connections_;
-    EmptyTiles emptyTiles_;
-    ExtremeSearch extremes_;
     LastFound last_;
 };
 
@@ -256,10 +243,11 @@ void runCalibrationPoints(const run::Common& common, const CpOptions& options, c
     std::vector<gis::Column> columns = resultColumns(input.layer.columns(), options.extremes);
     PointOutputs outputs =
         openOutputs(settleNames(common, options.layer), input.projection, std::move(columns), options.extremes);
-    const Terrain terrain = loadTerrain(inputs[1]);
+    PointFinder finder(options, inputs[1]);
+    finder.load(inputs[1]);
 
     say("Searching for Points...");
-    PointSampler sampler(options, terrain, outputs.connections);
+    PointSampler sampler(options, finder, outputs.connections);
     gis::Coordinates read;
     while (gis::LayerObject* object = input.layer.next()) {
         if (object->kind != gis::Kind::point) {

@@ -25,12 +25,13 @@ Terrain readTerrain(const std::string& name)
     return terrain;
 }
 
-Terrain loadTerrain(const std::string& name)
+Terrain loadTerrain(const std::string& name, bool ahead)
 {
     const run::LoadSteps steps{.opening = "Loading grid data...",
                                .purpose = "storing input grid...",
                                .reading = "Reading data...",
-                               .done = "   Done."};
+                               .done = "   Done.",
+                               .ahead = ahead};
     Terrain terrain;
     terrain.header = run::loadGrid(name, steps, terrain.cells).header;
     return terrain;

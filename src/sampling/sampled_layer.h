@@ -22,8 +22,8 @@ struct Terrain {
 };
 // Header and cells of the grid, whose file is closed then.
 Terrain readTerrain(const std::string& name);
-// The same from "Loading grid data..." to "   Done.".
-Terrain loadTerrain(const std::string& name);
+// The same from "Loading grid data..." to "   Done."; without the cells where they are not wanted any more.
+Terrain loadTerrain(const std::string& name, bool ahead = false);
 
 // The line with vertices inserted by withVertices; more than `most` end the run.
 LineVertices insertVertices(const gis::Coordinates& read, float spacing, std::int32_t most);

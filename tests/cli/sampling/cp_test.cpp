@@ -428,6 +428,24 @@ TEST(CpCli, AShapefileGivesShapefiles)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(CpCli, AShapefileOnABinaryGridGivesTheSame)
+{
+    ToolRun run("-b -cp p.shp -cpsd4 -cpmm2 dem.flt");
+    giveShpMarks(run, {little(0), pointRecord(4.3, 4.4), pointRecord(6, 5.25)}, {{"OBS", 'N', 6}, {"MARK", 'C', 7}},
+                 {"   1.0nothing", "  40.5left   ", "  57.0bridge "});
+    run.give("dem.hdr", hdr(rowColumnCells()));
+    run.give("dem.flt", fltCells(rowColumnCells()));
+    run.start();
+    ToolRun text("-b -cp p.shp -cpsd4 -cpmm2 dem.asc");
+    giveShpMarks(text, {little(0), pointRecord(4.3, 4.4), pointRecord(6, 5.25)}, {{"OBS", 'N', 6}, {"MARK", 'C', 7}},
+                 {"   1.0nothing", "  40.5left   ", "  57.0bridge "});
+    text.start();
+    EXPECT_THAT(run.read("p.csv"), testing::HasSubstr("\"left\",   40.500,   44.000,    3.500,"));
+    for (const char* name : {"p.csv", "p_Res_P.shp", "p_Res_P.dbf", "p_Cn_L.shp", "p_Cn_L.dbf"}) {
+        EXPECT_EQ(run.read(name), text.read(name)) << name;
+    }
+}
+
 TEST(CpCli, ColumnsOfATableAreFloatsOrTexts)
 {
     for (const auto& [type, kept] :

@@ -108,9 +108,16 @@ damages::DmgBuilding polygon(std::vector<double> x, std::vector<double> y)
     return building;
 }
 
-damages::SampledGrid gridOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
+struct SampledGrid {
+    GridHeader header;
+    Grid cells;
+
+    damages::SampledLattice lattice() const { return {header, damages::columnPlaces(header)}; }
+};
+
+SampledGrid gridOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
 {
-    damages::SampledGrid grid;
+    SampledGrid grid;
     grid.header.nrows = nrows;
     grid.header.ncols = ncols;
     grid.header.xll = xll;
@@ -118,13 +125,12 @@ damages::SampledGrid gridOf(std::int32_t nrows, std::int32_t ncols, double xll, 
     grid.header.cellsize = cellsize;
     grid.header.cellsize8 = static_cast<double>(cellsize);
     EXPECT_TRUE(grid.cells.allocate(nrows, ncols));
-    grid.columnX = damages::columnPlaces(grid.header);
     return grid;
 }
 
 TEST(BuildingWindow, HasACellOfMarginOnEachSide)
 {
-    const damages::SampledGrid grid = gridOf(10, 10, 100, 200, 2);
+    const SampledGrid grid = gridOf(10, 10, 100, 200, 2);
     const run::CellWindow w = damages::buildingWindow(polygon({103, 107.9, 105}, {204, 205, 209}), grid.header);
     EXPECT_EQ(w.firstColumn, 0); // trunc(3 / 2) - 1
     EXPECT_EQ(w.lastColumn, 4);  // trunc(7.9 / 2) + 1
@@ -134,7 +140,7 @@ TEST(BuildingWindow, HasACellOfMarginOnEachSide)
 
 TEST(BuildingWindow, TruncatesTowardsZeroAndStaysInTheIntegers)
 {
-    const damages::SampledGrid grid = gridOf(10, 10, 0, 0, 1);
+    const SampledGrid grid = gridOf(10, 10, 0, 0, 1);
     const run::CellWindow near = damages::buildingWindow(polygon({-0.9, 0.5, 0.5}, {-1.9, 0.5, 0.5}), grid.header);
     EXPECT_EQ(near.firstColumn, -1);
     EXPECT_EQ(near.firstRow, -2);
@@ -145,7 +151,7 @@ TEST(BuildingWindow, TruncatesTowardsZeroAndStaysInTheIntegers)
 
 // The plain twin of the kernel: every vertex for every cell.
 damages::InsideCells cellsInsidePlainly(const damages::DmgBuilding& building, const run::CellWindow& window,
-                                        const damages::SampledGrid& grid)
+                                        const SampledGrid& grid)
 {
     const GridHeader& header = grid.header;
     const std::array<std::int32_t, 1> ir = {building.vertices - 1};
@@ -169,7 +175,7 @@ damages::InsideCells cellsInsidePlainly(const damages::DmgBuilding& building, co
     return cells;
 }
 
-void fillLevels(damages::SampledGrid& grid, std::mt19937& random)
+void fillLevels(SampledGrid& grid, std::mt19937& random)
 {
     std::uniform_real_distribution<float> level(-1100, 900);
     std::uniform_int_distribution<int> chance(0, 9);
@@ -205,15 +211,16 @@ TEST(CellsInside, GivesTheBitsOfThePlainTest)
     damages::PolygonTest test;
     for (const auto& [xll, yll, cellsize] : std::vector<std::tuple<double, double, float>>{
              {0, 0, 1}, {381234.125, 6354321.375, 0.9999F}, {-7e6, 1e7, 5}}) {
-        damages::SampledGrid grid = gridOf(31, 42, xll, yll, cellsize);
+        SampledGrid grid = gridOf(31, 42, xll, yll, cellsize);
         fillLevels(grid, random);
+        const damages::SampledLattice lattice = grid.lattice();
         for (int round = 0; round < 400; ++round) {
             const damages::DmgBuilding building = anyPolygon(grid.header, random);
             const run::CellWindow window = damages::buildingWindow(building, grid.header);
             if (window.firstRow < 1 || window.firstColumn < 1 || window.firstRow > 31 || window.firstColumn > 42) {
                 continue;
             }
-            const damages::InsideCells fast = damages::cellsInside(building, window, grid, test);
+            const damages::InsideCells fast = damages::cellsInside(building, window, lattice, grid.cells, test);
             const damages::InsideCells plain = cellsInsidePlainly(building, window, grid);
             EXPECT_EQ(std::bit_cast<std::uint32_t>(fast.maximum), std::bit_cast<std::uint32_t>(plain.maximum));
             EXPECT_EQ(std::bit_cast<std::uint32_t>(fast.sum), std::bit_cast<std::uint32_t>(plain.sum));
@@ -227,30 +234,34 @@ TEST(CellsInside, GivesTheBitsOfThePlainTest)
 TEST(CellsInside, SumsInSinglePrecisionRowsFromTheSouth)
 {
     // 1e8 swallows each 1 behind it: the order tells in the sum.
-    damages::SampledGrid grid = gridOf(4, 4, 0, 0, 1);
+    SampledGrid grid = gridOf(4, 4, 0, 0, 1);
     const damages::DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
     damages::PolygonTest test;
     grid.cells(3, 3) = 1e8F;
     grid.cells(3, 4) = 1;
     grid.cells(4, 3) = 1;
     grid.cells(4, 4) = -1e8F;
-    EXPECT_EQ(damages::cellsInside(building, damages::buildingWindow(building, grid.header), grid, test).sum, 0.0F);
+    const auto sum = [&] {
+        const run::CellWindow window = damages::buildingWindow(building, grid.header);
+        return damages::cellsInside(building, window, grid.lattice(), grid.cells, test).sum;
+    };
+    EXPECT_EQ(sum(), 0.0F);
     grid.cells(3, 3) = -1e8F;
     grid.cells(4, 4) = 1;
     grid.cells(4, 3) = 1e8F;
     grid.cells(3, 4) = 0;
-    EXPECT_EQ(damages::cellsInside(building, damages::buildingWindow(building, grid.header), grid, test).sum, 1.0F);
+    EXPECT_EQ(sum(), 1.0F);
 }
 
 TEST(CellsInside, CellsThatAreNoNumberDoNotBecomeTheMaximum)
 {
-    damages::SampledGrid grid = gridOf(4, 4, 0, 0, 1);
+    SampledGrid grid = gridOf(4, 4, 0, 0, 1);
     grid.cells(3, 3) = kNan;
     grid.cells(4, 4) = 2;
     const damages::DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
     damages::PolygonTest test;
-    const damages::InsideCells cells =
-        damages::cellsInside(building, damages::buildingWindow(building, grid.header), grid, test);
+    const damages::InsideCells cells = damages::cellsInside(building, damages::buildingWindow(building, grid.header),
+                                                            grid.lattice(), grid.cells, test);
     EXPECT_EQ(cells.maximum, 2.0F);
     EXPECT_TRUE(std::isnan(cells.sum));
     EXPECT_EQ(cells.count, 4);

@@ -1,0 +1,172 @@
+#include "run/windows_ahead.h"
+
+#include "core/worker_rooms.h"
+#include "host/positions.h"
+#include "host/threads.h"
+#include "run/cells_ahead.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <span>
+#include <tuple>
+
+namespace gridforge::run {
+
+namespace {
+
+// Windows whose first rows lie in the same band are read together.
+constexpr std::int32_t kBandRows = 128;
+constexpr std::size_t kPartCells = std::size_t{1} << 20;
+// What asking for a stretch of a row costs, as the cells that could be read in that time.
+constexpr std::size_t kCellsOfCall = 1024;
+
+struct Part {
+    CellWindow window;
+    std::size_t firstObject = 0; // among the windows in the order of their places
+    std::size_t objects = 0;
+};
+
+std::size_t rowsOf(const CellWindow& window)
+{
+    return static_cast<std::size_t>(window.lastRow - window.firstRow) + 1;
+}
+
+std::size_t columnsOf(const CellWindow& window)
+{
+    return static_cast<std::size_t>(window.lastColumn - window.firstColumn) + 1;
+}
+
+std::size_t cellsOf(const CellWindow& window)
+{
+    return rowsOf(window) * columnsOf(window);
+}
+
+std::size_t costOf(const CellWindow& window)
+{
+    return rowsOf(window) * (columnsOf(window) + kCellsOfCall);
+}
+
+std::int32_t bandOf(const ObjectWindow& window)
+{
+    return (window.window.firstRow - 1) / kBandRows;
+}
+
+// Takes the windows from `first` on that one part can hold, by band and by column.
+Part partFrom(std::span<const ObjectWindow> windows, std::size_t first, std::size_t mostCells)
+{
+    Part part{windows[first].window, first, 1};
+    for (std::size_t i = first + 1; i < windows.size() && bandOf(windows[i]) == bandOf(windows[first]); ++i) {
+        const CellWindow with = joined(part.window, windows[i].window);
+        if (cellsOf(with) > mostCells) {
+            break;
+        }
+        part.window = with;
+        ++part.objects;
+    }
+    return part;
+}
+
+// Windows far apart are read by themselves.
+void addPart(std::span<const ObjectWindow> windows, const Part& part, std::int32_t ncols, std::vector<Part>& parts)
+{
+    std::size_t alone = 0;
+    for (const ObjectWindow& window : windows.subspan(part.firstObject, part.objects)) {
+        alone += costOf(window.window);
+    }
+    if (alone < costOf(part.window)) {
+        for (std::size_t i = part.firstObject; i < part.firstObject + part.objects; ++i) {
+            parts.push_back({windows[i].window, i, 1});
+        }
+        return;
+    }
+    parts.push_back(part);
+    CellWindow& window = parts.back().window;
+    if (4 * columnsOf(window) >= 3 * static_cast<std::size_t>(ncols)) { // whole rows lie together in the file
+        window.firstColumn = 1;
+        window.lastColumn = ncols;
+    }
+}
+
+std::vector<Part> partsOf(std::vector<ObjectWindow>& windows, std::int32_t ncols)
+{
+    std::ranges::sort(windows, {}, [](const ObjectWindow& w) {
+        return std::tuple(bandOf(w), w.window.firstColumn, w.window.firstRow, w.object);
+    });
+    const std::size_t mostCells = cellsPerPiece(kPartCells);
+    std::vector<Part> parts;
+    for (std::size_t first = 0; first < windows.size();) {
+        const Part part = partFrom(windows, first, mostCells);
+        addPart(windows, part, ncols, parts);
+        first += part.objects;
+    }
+    return parts;
+}
+
+// Cells of a window, north row first.
+bool readWindow(SystemFile file, const GridHeader& lattice, const CellWindow& window, std::span<float> cells)
+{
+    const auto ncols = static_cast<std::size_t>(lattice.ncols);
+    const std::size_t columns = columnsOf(window);
+    const std::size_t rowsAtOnce = columns == ncols ? rowsOf(window) : 1;
+    std::size_t from = static_cast<std::size_t>(lattice.nrows - window.lastRow) * ncols +
+                       static_cast<std::size_t>(window.firstColumn - 1);
+    while (!cells.empty()) {
+        const auto stretch = cells.first(rowsAtOnce * columns);
+        if (!readAllAt(file, static_cast<std::int64_t>(from * sizeof(float)), std::as_writable_bytes(stretch))) {
+            return false;
+        }
+        from += rowsAtOnce * ncols;
+        cells = cells.subspan(stretch.size());
+    }
+    return true;
+}
+
+Way workThrough(const grid::GridLook& look, std::span<const ObjectWindow> windows, std::span<const Part> parts,
+                const PartWork& work)
+{
+    const auto largest = std::ranges::max_element(parts, {}, [](const Part& part) { return cellsOf(part.window); });
+    WorkerRooms<float> rooms;
+    if (!rooms.take(workersOf(parts.size()), largest == parts.end() ? 0 : cellsOf(largest->window))) {
+        return Way::noRoom;
+    }
+    const SystemFile file = theSystem().open(look.file, OpenFor::reading);
+    if (file == SystemFile::none) {
+        return Way::readRefused;
+    }
+    std::atomic<Way> way = Way::ahead;
+    parallelFor(parts.size(), [&](std::size_t i, std::size_t worker) {
+        const Part& part = parts[i];
+        const auto cells = rooms.of(worker).first(cellsOf(part.window));
+        if (way != Way::ahead) {
+            return;
+        }
+        if (readWindow(file, look.header, part.window, cells)) {
+            work(CellPart(cells, part.window), windows.subspan(part.firstObject, part.objects), worker);
+        } else {
+            way = Way::readRefused;
+        }
+    });
+    theSystem().close(file);
+    return way;
+}
+
+} // namespace
+
+bool windowsAhead(const grid::GridLook& look, std::vector<ObjectWindow> windows, const PartWork& work)
+{
+    if (look.format != grid::Format::flt) {
+        countWay(Way::textGrid);
+        return false;
+    }
+    const std::vector<Part> parts = partsOf(windows, look.header.ncols);
+    std::size_t cells = 0;
+    for (const Part& part : parts) {
+        cells += cellsOf(part.window);
+    }
+    const Way way = cells > 2 * look.header.cells() ? Way::wideWindows : workThrough(look, windows, parts, work);
+    countWay(way);
+    return way == Way::ahead;
+}
+
+} // namespace gridforge::run
