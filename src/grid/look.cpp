@@ -42,10 +42,12 @@ std::optional<GridLook> lookAtGrid(std::string_view name)
         look.file = headed->name;
         look.size = headed->size;
         look.cellsFrom = stream.position();
-        return look;
+        // A number has a digit at least, and what parts it from the next one.
+        const auto most = static_cast<std::uint64_t>(look.size - look.cellsFrom + 1) / 2;
+        return look.header.cells() <= most ? std::optional(look) : std::nullopt;
     }
     const std::optional<QuietInput> cells = findQuietly(name);
-    if (!cells || cells->size < static_cast<std::int64_t>(look.header.cells() * sizeof(float))) {
+    if (!cells || look.header.cells() > static_cast<std::uint64_t>(cells->size) / sizeof(float)) {
         return std::nullopt;
     }
     look.file = cells->name;

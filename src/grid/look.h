@@ -10,7 +10,7 @@
 
 namespace gridforge::grid {
 
-// A grid whose header is whole, in plain files, and long enough where it is binary: reading it will ask for nothing and
+// A grid whose header is whole, in plain files, and long enough: reading it will ask for nothing and
 // most likely ends no run.
 struct GridLook {
     GridHeader header;

@@ -56,6 +56,13 @@ TEST(LookAtGrid, SeesNothingWhereAnythingIsOdd)
     folder.give("short.hdr", kHead + "byteorder LSBFIRST\n");
     folder.give("short.flt", std::string(23, 'x'));
     EXPECT_FALSE(look(folder, "short.flt"));
+    folder.give("short.asc", kHead + "1 2 3\n4 5\n");
+    EXPECT_FALSE(look(folder, "short.asc"));
+    // (2^31 - 1)^2 cells of 4 bytes are 2^64 less 2^34 and 4 more.
+    folder.give("vast.hdr",
+                "ncols 2147483647\nnrows 2147483647\nxllcorner 0\nyllcorner 0\ncellsize 5\nbyteorder LSBFIRST\n");
+    folder.give("vast.flt", std::string(24, 'x'));
+    EXPECT_FALSE(look(folder, "vast.flt"));
     folder.give("alone.flt", std::string(24, 'x'));
     EXPECT_FALSE(look(folder, "alone.flt"));
     ASSERT_EQ(mkfifo((folder.path() / "pipe.asc").c_str(), 0600), 0);
