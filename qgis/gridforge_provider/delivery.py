@@ -1,7 +1,8 @@
 """Outputs of a run to their places and into the project."""
 from __future__ import annotations
 
-from dataclasses import dataclass
+import re
+from dataclasses import dataclass, replace
 from pathlib import Path
 from typing import Any, Union
 
@@ -30,7 +31,11 @@ class Run:
         return name_in_run(output, self.given, self.words, self.by_out)
 
     def files_of(self, output: Output) -> list[Path]:
-        name = self.name_of(output)
+        # To some operations a layer `road_L.shp` is `road`.
+        short = replace(self, words={**self.words, "layer": re.sub("_[PLR]$", "", self.words["layer"])})
+        return self._files_called(output, self.name_of(output)) or self._files_called(output, short.name_of(output))
+
+    def _files_called(self, output: Output, name: str) -> list[Path]:
         if not name:
             return []
         if output.kind in ("table", "netcdf"):

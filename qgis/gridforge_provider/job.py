@@ -78,10 +78,7 @@ def words_of(call: Call, values: dict[str, Any]) -> dict[str, str]:
     """What the words in names of outputs stand for."""
     first = values.get("INPUTS") or values.get("INPUT") or ""
     layer = next((values[field.name] for field in call.form.fields if field.kind == "layer"), "")
-    stem = Path(layer).stem
-    if layer.lower().endswith(".shp") and stem[-2:] in ("_P", "_L", "_R"):
-        stem = stem[:-2]
-    return {"first": Path(first[0] if isinstance(first, list) else first).stem, "layer": stem,
+    return {"first": Path(first[0] if isinstance(first, list) else first).stem, "layer": Path(layer).stem,
             "levels": Path(values.get("WL") or "").stem, "control": call.control_file.stem if call.control_file else ""}
 
 

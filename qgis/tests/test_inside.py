@@ -291,6 +291,16 @@ class ProjectTest(PluginTest):
         self.run_algorithm("max", INPUTS=inputs, STYLE=5, OUTPUT=self.path("m.asc"), load=["OUTPUT"])
         self.assertNotIn("above 5 m", self.legend(self.layer("OUTPUT")))
 
+    def test_layers_made_of_the_parts_of_a_shapefile(self):
+        for operation, name, output, made in (("lp", "lines", "OUTPUT_LP_CHECK", "r/lines_L_LP_check"),
+                                              ("brkline", "breaks", "OUTPUT_BRKLINE", "r/breaks_brkline")):
+            lines = self.path(f"{name}_L.shp")
+            gdal.VectorTranslate(lines, self.path(f"in/{name}.mif"), options="-a_srs EPSG:32756")
+            results = self.run_algorithm(operation, INPUT=self.path("in/a.asc"), CHECK=operation == "lp", FOLDER=self.path("r"),
+                                         LOAD=False, **{operation.upper(): lines})
+            self.assertEqual(results["LAYERS"], [self.path(f"{made}_L.shp"), self.path(f"{made}_P.shp")])
+            self.assertIn(results[output], results["LAYERS"])
+
     def test_a_style_of_the_user_goes_first(self):
         Path(self.path("mine.qml")).write_text(styles.qml(styles.styles()["depth"]))
         RenderingStyles.styles["gridforge:dif"] = {"OUTPUT": self.path("mine.qml")}
