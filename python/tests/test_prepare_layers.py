@@ -116,7 +116,8 @@ class OperationsTest(Prepared):
                                                    "pond")))
         said = self.prepare("na", "ponds.csv", "ponds.mif", "--clip", "a.asc")
         self.assertEqual(said, ["ID from ID", "Z_Incr is 0.0 everywhere", "Z_Max is 0.0 everywhere", "Skew is 0.0 everywhere",
-                                "objects cut to the grid: 1", "features of several parts taken apart: 1", "names that got .csv: 1",
+                                "objects cut to the grid: 1", "features of several parts taken apart: 1",
+                                "names that got .csv: 1",
                                 "2 objects written to ponds.mif"])
         self.tool("-na", "ponds.mif", "a.asc")
         for part, lowest in ((1, at(2, 2)), (2, at(7, 7))):
@@ -176,8 +177,8 @@ class OperationsTest(Prepared):
         """A storm of 10 mm by the name p and of 20 mm by the name q, on two columns of cells of 10 m; IDW has one row of them."""
         self.give("areas.csv", wkt(("WKT", "Name", "F1"), *rows))
         self.prepare("rf", "areas.csv", "areas.mif", "--role", role)
-        control = (f"RF GRID Cell Size == 10\nRF GRID Size (X,Y) == {10 if method == 'IDW' else 20}, 20\nRainfall Hyetograph p == p.csv\n"
-                   f"Rainfall Hyetograph q == q.csv\nRF Interpolation Method == {method}\nRead GIS {command} == areas.mif\n")
+        control = (f"RF GRID Cell Size == 10\nRF GRID Size (X,Y) == {10 if method == 'IDW' else 20}, 20\n"
+                   f"Rainfall Hyetograph p == p.csv\nRainfall Hyetograph q == q.csv\nRF Interpolation Method == {method}\nRead GIS {command} == areas.mif\n")
         if points:
             self.give("gauges.csv", wkt(("WKT", "Name"), ("POINT (0 0)", "p"), ("POINT (40 0)", "q"), ("POINT (0 40)", "r")))
             self.prepare("rf", "gauges.csv", "gauges.mif")
@@ -239,7 +240,8 @@ class ShapesTest(Prepared):
         self.assertEqual(self.shapes("o.mif"), ["LINESTRING (0 0,20 0,20 10)"])
 
     def test_thinning_that_makes_an_outline_cross_itself_is_told(self):
-        # A spike from below ends in a dent of the underside that is 1 deep; without the dent the underside runs through the spike.
+        # A spike from below ends in a dent of the underside that is 1 deep; without the dent the underside runs through
+        # the spike.
         dent, arm = "9 0,10 1,11 0", "19 0,19 -4,10.2 -4,10 0.5,9.8 -5,20 -5"
         self.give("s.csv", wkt(("WKT", "Name"), (f"POLYGON ((0 10,0 0,{dent},{arm},20 10,0 10))", "x")))
         said = self.prepare("trim", "s.csv", "o.mif", "--thin", "9")
@@ -462,7 +464,8 @@ class RefusalsTest(Prepared):
 
 
 class TemplatesTest(Prepared):
-    DRAWN = {"point": "POINT (5 5)", "line": "LINESTRING (5 2,5 7)", "region": "POLYGON ((2 2,6 2,6 6,2 6,2 2))"}
+    DRAWN = {"point": "POINT (5 5)", "line": "LINESTRING (5 2,5 7)",
+             "region": "POLYGON ((1.5 1.5,6.5 1.5,6.5 6.5,1.5 6.5,1.5 1.5))"}
     VALUES = {"cp": [40, "m"], "lp": ["bed"], "brkline": [0, 3, 0, ""], "na": ["pond.csv", "S", "", *[""] * 6, 0, 0, 0],
               "xs": ["bank", 0, "T", "T", "", "", 0], "trim": ["part"]}
     MAKES = {"cp": "t_Res", "lp": "t_bed.csv", "brkline": "t_brkline", "na": "pond.csv", "xs": "bank.csv", "trim": "part_a.asc"}
@@ -475,22 +478,52 @@ class TemplatesTest(Prepared):
                 self.assertRegex(said, rf"^an empty layer of \w+ for -{operation} written to t\.mif\n$")
                 self.tool(f"-{operation}", "t.mif", "a.asc")
 
+    def draw(self, arguments, values, kind, output="t.shp"):
+        """An empty Shapefile into which one object is drawn."""
+        said = self.good("prepare", "template", "--for", *arguments, output, "--overwrite", "--crs", "EPSG:28356")
+        self.assertEqual(said.splitlines()[1], "draw into it before a run: the tool refuses a .shp without objects")
+        layers = ogr.Open(str(self.folder / output), 1)
+        layer = layers.GetLayer()
+        feature = ogr.Feature(layer.GetLayerDefn())
+        self.assertEqual(feature.GetFieldCount(), len(values))
+        for i, value in enumerate(values):
+            feature.SetField(i, value)
+        feature.SetGeometry(ogr.CreateGeometryFromWkt(self.DRAWN[kind]))
+        layer.CreateFeature(feature)
+        layer = layers = None
+
     def test_the_tool_takes_objects_drawn_into_shapefiles(self):
         for operation, values in self.VALUES.items():
             with self.subTest(operation=operation):
-                said = self.good("prepare", "template", "--for", operation, "t.shp", "--overwrite", "--crs", "EPSG:28356")
-                self.assertEqual(said.splitlines()[1], "draw into it before a run: the tool refuses a .shp without objects")
-                layers = ogr.Open(str(self.folder / "t.shp"), 1)
-                layer = layers.GetLayer()
-                feature = ogr.Feature(layer.GetLayerDefn())
-                self.assertEqual(feature.GetFieldCount(), len(values))
-                for i, value in enumerate(values):
-                    feature.SetField(i, value)
-                feature.SetGeometry(ogr.CreateGeometryFromWkt(self.DRAWN[self.KIND[operation]]))
-                layer.CreateFeature(feature)
-                layer = layers = None
+                self.draw([operation], values, self.KIND[operation])
                 self.tool(f"-{operation}", "t.shp", "a.asc")
                 self.assertTrue([name for name in self.files() if name.startswith(self.MAKES[operation])], self.files())
+
+    def test_control_files_take_objects_drawn_into_shapefiles(self):
+        self.draw(["damages"], ["a", "1", 0, 1], "point", "houses.shp")
+        self.give("curve.csv", "Depth,Damage\n0,0\n100,1000\n")
+        self.give("d.dmg", "Read GIS Building == houses.shp\nRead Curve a == curve.csv\nRead Result % 1 == a.asc\n")
+        self.tool("-damages", "d.dmg")
+        self.assertEqual(float(self.table("houses_Damages.csv")[1][4]), 10 * at(5, 5))  # 10 a metre at the corner (5, 5)
+
+        self.draw(["nbc"], ["bank", 1.1, "F", "T", "", "", 0], "line", "1d_cut_t.shp")
+        self.draw(["nbc", "--role", "branches"], ["Main", 0.03, "T", 0, "S"], "line", "1d_br_t.shp")
+        self.draw(["nbc", "--role", "losses"], [0.5], "region", "losses.shp")
+        self.give("n.nbc", "Read GIS Branch == 1d_br_t.shp\nRead GIS XS == 1d_cut_t.shp\nSet XS dx == 1\nRead Grid Z == a.asc\n"
+                           "Read GIS FLC == losses.shp\n")
+        self.tool("-nbc", "n.nbc")
+        self.assertEqual([float(row[1]) for row in self.table("bank.csv")[1:]], [at(row, 5) for row in range(2, 8)])
+
+        self.draw(["rf"], ["p", 1, 1], "point", "gauges.shp")
+        self.draw(["rf", "--role", "polygons"], ["p", 2, 1], "region", "areas.shp")
+        for name, depth in (("p", 10), ("q", 20)):
+            self.give(f"{name}.csv", f"Time,Depth\n1,{depth}\n2,{depth}\n")
+        self.give("r.rfc", "RF GRID Cell Size == 2\nRF GRID Size (X,Y) == 4, 4\nRF GRID Origin == 2, 2\n"
+                           "Rainfall Hyetograph p == p.csv\nRainfall Hyetograph q == q.csv\n"
+                           "RF Interpolation Method == Polygon\nRead GIS RF Points == gauges.shp\n"
+                           "Read GIS RF Polygon == areas.shp\n")
+        self.tool("-rf", "r.rfc")
+        self.assertEqual(cells(self.text("r_t1..asc")), [[20, 20]] * 2)
 
     def test_columns_of_all_roles(self):
         for arguments, columns in (

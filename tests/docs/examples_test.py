@@ -56,6 +56,8 @@ class Examples(unittest.TestCase):
             file.write(examples.WRAPPER)
         os.chmod(file.name, 0o755)
         os.symlink(os.environ["GRIDFORGE_MAKE_CATCHMENT"], os.path.join(programs, "gridforge_make_catchment"))
+        if os.path.exists("/usr/bin/python3"):  # that for which Debian installs numpy, matplotlib and GDAL
+            os.symlink("/usr/bin/python3", os.path.join(programs, "python3"))
         path = os.pathsep.join([programs, os.path.join(ROOT, "python", "bin"), os.environ["PATH"]])
         return {**os.environ, "PATH": path, "GRIDFORGE": os.environ["GRIDFORGE_TOOL"], "LC_ALL": "C.UTF-8",
                 "PYTHONPATH": os.path.join(ROOT, "python"), "PYTHONDONTWRITEBYTECODE": "1"}
