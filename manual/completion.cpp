@@ -228,7 +228,7 @@ constexpr std::string_view kBash = R"(
         COMPREPLY=("${found[@]}") # a file of another name is better than none
     fi
 }
-complete -F _gridforge gridforge
+complete -F _gridforge gridforge gridforge-run
 )";
 
 // --- Zsh -------------------------------------------------------------------------------------------------------------
@@ -319,7 +319,7 @@ void writeBashCompletion(std::ostream& file)
 
 void writeZshCompletion(std::ostream& file)
 {
-    file << "#compdef gridforge\n# Made from the table of flags.\n\n_gridforge() {\n";
+    file << "#compdef gridforge gridforge-run\n# Made from the table of flags.\n\n_gridforge() {\n";
     const std::vector<Entry> entries = allEntries();
     writeData(file, entries);
     Pairs about;

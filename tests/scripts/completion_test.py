@@ -121,6 +121,10 @@ class Completion:
         self.check("gridforge -rf ", "h.rfc", "sub")
         self.check("gridforge -max -out ", *[name for name in FILES if "/" not in name], "sub")
 
+    def test_the_program_that_runs_the_tool(self):
+        self.check("gridforge-run --stage -cp ", "c.mif", "d.shp", "sub")
+        self.check("gridforge-run --log a.log -cp c.mif -c", "-cpsd", "-cpmm", "-config")
+
     def test_files_that_stand_by_themselves(self):
         self.check("gridforge -max ", "a.asc", "b.FLT", "j k.asc", "sub")
         self.check("gridforge -b ", "a.asc", "b.FLT", "j k.asc", "sub")
