@@ -120,8 +120,8 @@ void checkIgnoredOptions(const CommandLine& line)
 
 void validate(CommandLine& line)
 {
-    run::Common& common = get<run::Common>(line.settings);
-    WantedFormats& formats = get<WantedFormats>(line.settings);
+    auto& common = get<run::Common>(line.settings);
+    auto& formats = get<WantedFormats>(line.settings);
     checkSourceSwitch(line);
     checkOneOperation(line);
     checkColours(line);
