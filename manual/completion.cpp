@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -56,9 +56,8 @@ std::string takenValue(const driver::FlagRow& row)
 // The flags of the -stat family are one row of the table, their words its value.
 void addStatistics(const driver::FlagRow& row, std::vector<Entry>& entries)
 {
-    const std::string words(row.docs.valueName);
-    for (std::int32_t n = 1; n <= NUMBEROFSUBSTRINGS(words, "|"); ++n) {
-        const std::string word = SUBSTRING(words, "|", n);
+    std::istringstream words{std::string(row.docs.valueName)};
+    for (std::string word; std::getline(words, word, '|');) {
         const bool ranked = word == kRankWithValue;
         entries.push_back({join('-', row.key, ranked ? "Rank" : word), std::string(ranked ? kGlued : ""),
                            driver::operationOf(row), row.docs.description, &row});

@@ -8,6 +8,11 @@ constexpr bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
+constexpr bool isLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
 constexpr bool isBlank(char c)
 {
     return c == ' ' || c == '\t';

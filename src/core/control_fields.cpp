@@ -1,6 +1,5 @@
 #include "core/control_fields.h"
 
-#include "core/numbers.h"
 #include "core/text.h"
 
 #include <algorithm>
@@ -11,52 +10,6 @@ namespace gridforge::inline core {
 namespace {
 
 constexpr auto kNone = std::string_view::npos;
-
-enum class Quotes { holdCommas, areText };
-
-// The fields of a line between its commas, one after another.
-class CommaFields {
-public:
-    CommaFields(std::string_view line, Quotes quotes) : rest_(line), quotes_(quotes) {}
-
-    // Nothing after the last one. A line has one field at least.
-    std::optional<std::string_view> next()
-    {
-        if (ended_) {
-            return std::nullopt;
-        }
-        const std::size_t comma = quotes_ == Quotes::areText ? rest_.find(',') : commaOutsideQuotes(rest_);
-        const std::string_view field = rest_.substr(0, comma);
-        ended_ = comma == kNone;
-        rest_.remove_prefix(ended_ ? rest_.size() : comma + 1);
-        return field;
-    }
-
-private:
-    static std::size_t commaOutsideQuotes(std::string_view text)
-    {
-        const std::int32_t comma = NEXTCOMMA(text);
-        return comma == 0 ? kNone : static_cast<std::size_t>(comma - 1);
-    }
-
-    std::string_view rest_;
-    Quotes quotes_;
-    bool ended_ = false;
-};
-
-// Comma field `column` from 1; nothing where there are fewer.
-std::optional<std::string_view> commaField(std::string_view line, std::int32_t column, Quotes quotes)
-{
-    CommaFields fields(line, quotes);
-    std::optional<std::string_view> field;
-    for (std::int32_t passed = 0; passed < column; ++passed) {
-        field = fields.next();
-        if (!field) {
-            break;
-        }
-    }
-    return field;
-}
 
 std::string bareValue(std::string_view value)
 {
@@ -80,6 +33,31 @@ std::optional<std::string_view> afterKey(std::string_view line, std::string_view
 }
 
 } // namespace
+
+std::optional<std::string_view> CommaFields::next()
+{
+    if (ended_) {
+        return std::nullopt;
+    }
+    const std::size_t comma = quotes_ == Quotes::areText ? rest_.find(',') : findOutsideQuotes(rest_, ',');
+    const std::string_view field = rest_.substr(0, comma);
+    ended_ = comma == kNone;
+    rest_.remove_prefix(ended_ ? rest_.size() : comma + 1);
+    return field;
+}
+
+std::optional<std::string_view> commaField(std::string_view line, std::int32_t column, Quotes quotes)
+{
+    CommaFields fields(line, quotes);
+    std::optional<std::string_view> field;
+    for (std::int32_t passed = 0; passed < column; ++passed) {
+        field = fields.next();
+        if (!field) {
+            break;
+        }
+    }
+    return field;
+}
 
 bool CHECKLINE(std::string_view line, std::string_view key, std::string_view separator, std::int32_t splitColumn,
                std::string& right, std::string& left)
@@ -107,26 +85,6 @@ bool CHECKLINE(std::string_view line, std::string_view key, std::string_view sep
     const bool isCommand = key == "*" || FLAGEXISTS(left, key);
     const bool hasContent = !trimRight(left).empty() || (!found && column == 0);
     return isCommand && hasContent;
-}
-
-std::int32_t CSVCOLUMN(std::string_view text, std::string_view name, std::int32_t fallback)
-{
-    CommaFields fields(text, Quotes::areText);
-    std::int32_t column = 1;
-    while (const std::optional<std::string_view> field = fields.next()) {
-        if (ASAME(*field, name)) {
-            return column;
-        }
-        ++column;
-    }
-    return fallback;
-}
-
-bool CSVVALUE(std::string_view text, std::int32_t column, float& value)
-{
-    value = 0;
-    const std::optional<std::string_view> field = commaField(text, column, Quotes::areText);
-    return field && parseNumber(trim(*field), value);
 }
 
 std::optional<std::string> keyOrColumnValue(std::string_view line, std::string_view lowerLine, std::string_view key,

@@ -13,10 +13,24 @@ namespace gridforge::inline core {
 bool CHECKLINE(std::string_view line, std::string_view key, std::string_view separator, std::int32_t splitColumn,
                std::string& right, std::string& left);
 
-// The number from 1 of the comma field that is ASAME with `name`, or `fallback`. Quotes do not count.
-std::int32_t CSVCOLUMN(std::string_view text, std::string_view name, std::int32_t fallback);
-// The real in comma field `column`; 0.0 and false if it is missing or cannot be read.
-bool CSVVALUE(std::string_view text, std::int32_t column, float& value);
+enum class Quotes { holdCommas, areText };
+
+// The fields of a line between its commas, one after another.
+class CommaFields {
+public:
+    CommaFields(std::string_view line, Quotes quotes) : rest_(line), quotes_(quotes) {}
+
+    // Nothing after the last one. A line has one field at least.
+    std::optional<std::string_view> next();
+
+private:
+    std::string_view rest_;
+    Quotes quotes_;
+    bool ended_ = false;
+};
+
+// Comma field `column` from 1; nothing if the line has fewer.
+std::optional<std::string_view> commaField(std::string_view line, std::int32_t column, Quotes quotes);
 
 enum class ValueEnd { atComma, atLineEnd };
 

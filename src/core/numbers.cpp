@@ -295,16 +295,6 @@ bool CHECKINT(std::string_view text, std::int32_t& value)
     return readOne(text, value);
 }
 
-bool CHECKINT4(std::string_view text, std::int32_t& value)
-{
-    return readOne(text, value);
-}
-
-bool CHECKINT8(std::string_view text, std::int64_t& value)
-{
-    return readOne(text, value);
-}
-
 // --- Real to integer -------------------------------------------------------------------------------------------------
 
 namespace {
@@ -413,11 +403,6 @@ std::string integerField(std::int64_t value, int width)
 }
 
 std::string AINTEGER(std::int32_t value)
-{
-    return std::to_string(value);
-}
-
-std::string AINTEGER8(std::int64_t value)
 {
     return std::to_string(value);
 }

@@ -75,10 +75,8 @@ bool parseNumber(std::string_view token, std::int64_t& target);
 bool parseNumber(std::string_view token, float& target);
 bool parseNumber(std::string_view token, double& target);
 
-// readFree under the names of old: default width, 32 and 64 bits.
+// readFree under its name of old.
 bool CHECKINT(std::string_view text, std::int32_t& value);
-bool CHECKINT4(std::string_view text, std::int32_t& value);
-bool CHECKINT8(std::string_view text, std::int64_t& value);
 
 // --- Real to integer, held at the 32-bit limits; not-a-number gives 0 -----------------------------------------------
 
@@ -99,7 +97,6 @@ std::string realField(double value, int width, int decimals);
 std::string integerField(std::int64_t value, int width);
 
 std::string AINTEGER(std::int32_t value);
-std::string AINTEGER8(std::int64_t value);
 // At least `digits` digits, by leading zeros; for values from 0.
 std::string AINTEGERPREC0(std::int32_t value, std::int32_t digits);
 std::string AINTEGER8PREC0(std::int64_t value, std::int32_t digits);

@@ -61,58 +61,31 @@ inline std::string quoted(std::string_view text)
 
 // The same text but for quotes, tabs, leading and trailing blanks and case, within the first 1000 characters.
 bool ASAME(std::string_view a, std::string_view b);
-// ASAME with case counting.
-bool ASAMECS(std::string_view a, std::string_view b);
 // The key stands anywhere in the text, case ignored; trailing blanks of both do not count; a blank key is always found.
 bool FLAGEXISTS(std::string_view text, std::string_view key);
 // FLAGEXISTS; on a hit `rest` is the text from behind the key, as it stands, on a miss it is blank.
 bool FLAGEXISTSRET(std::string_view text, std::string_view key, std::string& rest);
-// Removes tabs in place; nothing is left?
-bool BLANK(std::string& text);
 // Left-trims in place and cuts at the first "#" or "!", in quotes too. True when that leaves nothing to read.
 bool COMMENTLINE(std::string& text);
-// Left-trims in place. True when the text is empty or begins with a digit, "-" or ".".
-bool NUMBERLINE(std::string& text);
-// Length without trailing blanks and zero bytes.
-std::int32_t LENSL(std::string_view text);
-// Left-trims in place. True when there is something and it is all digits.
-bool POSITIVEINTEGERNUMBER(std::string& text);
 
 // --- Changing text ---------------------------------------------------------------------------------------------------
 
 std::string TRIMF(std::string_view text); // without leading blanks
 std::string UPPERCASE(std::string_view text);
 std::string LOWERCASE(std::string_view text);
-std::string REMOVESPACES(std::string_view text);
-std::string REMOVETABS(std::string_view text);
-std::string SS256(std::string_view text);        // cut at 256
 std::string REMOVEQUOTES(std::string_view text); // without " and '
 std::string DOUBLEQUOTE(std::string_view text);  // each " doubled
 // The text in double quotes as a value of a record or of a CSV row: those inside it doubled.
 std::string quotedValue(std::string_view text);
-// Letters and digits; every other character becomes `replacement`, or goes when that is the zero byte. Nothing left:
-// "X".
-std::string ALPHANUMERICONLY(std::string_view text, char replacement);
 // Letters, digits and "_" only. Nothing left: "X".
 std::string CLEANATTRIBUTENAME(std::string_view text);
-// The first occurrence of `find`, case ignored, becomes the trimmed `with`.
-std::string REPLACE(std::string_view text, std::string_view find, std::string_view with);
-// REPLACE until no occurrence is left. A `with` that holds `find` never ends: callers avoid that.
-std::string REPLACEALL(std::string_view text, std::string_view find, std::string_view with);
-// Moves the first blank-delimited word (blanks in quotes do not count) from `text` to `word`, its quotes removed.
-void SPLITFIRSTWORD(std::string& word, std::string& text);
 
 // --- Counting and fields ---------------------------------------------------------------------------------------------
 
-// Position from 1 of the first comma outside quotes, 0 when none. Quotes of either kind toggle; a doubled quote inside
-// quotes is one character.
+// Place of the first `wanted` outside quotes; npos when it is not there. Either kind of quote toggles, whichever kind
+// opened; a doubled quote toggles twice and so counts as one character inside.
+std::size_t findOutsideQuotes(std::string_view text, char wanted);
+// Position from 1 of the first comma outside quotes, 0 when none.
 std::int32_t NEXTCOMMA(std::string_view text);
-// 0 for a blank text, otherwise one more than the separators in it.
-std::int32_t NUMBEROFSUBSTRINGS(std::string_view text, std::string_view separator);
-// The n-th field from 1, left-trimmed; blank when there are fewer. Separators longer than one character put the fields
-// off by the excess on both sides, as callers of old rely on.
-std::string SUBSTRING(std::string_view text, std::string_view separator, std::int32_t n);
-// How many numbers stand in the text, an empty field between commas counting as one; the negated count when a character
-// that belongs to no number is met.
-std::int32_t NUMBEROFNUMBERS(std::string_view text);
+
 } // namespace gridforge::inline core

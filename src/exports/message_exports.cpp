@@ -1,6 +1,7 @@
 // Messages, and lines and fields of control files, under their plain names. The record DMESSAGES itself stands with the
 // routines that fill it.
 #include "exports/boundary.h"
+#include "exports/text_for_callers.h"
 #include "host/control_lines.h"
 #include "host/messages.h"
 
@@ -95,12 +96,12 @@ std::int32_t CHECKLINE(const char* line, std::size_t lineLength, const char* key
 std::int32_t CSVCOLUMN(const char* text, std::size_t textLength, const char* name, std::size_t nameLength,
                        std::int32_t fallback)
 {
-    return gridforge::CSVCOLUMN({text, textLength}, {name, nameLength}, fallback);
+    return gridforge::exports::CSVCOLUMN({text, textLength}, {name, nameLength}, fallback);
 }
 
 std::int32_t CSVVALUE(const char* text, std::size_t textLength, std::int32_t column, float* value)
 {
-    return static_cast<std::int32_t>(gridforge::CSVVALUE({text, textLength}, column, *value));
+    return static_cast<std::int32_t>(gridforge::exports::CSVVALUE({text, textLength}, column, *value));
 }
 
 // The lines keep their padding here: the search of a key goes by the length of the line.

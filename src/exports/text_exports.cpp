@@ -1,9 +1,10 @@
 // Text, numbers as text, and file names under their plain names.
-#include "core/dates.h"
 #include "core/names.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "exports/boundary.h"
+#include "exports/names_for_callers.h"
+#include "exports/text_for_callers.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -39,7 +40,7 @@ std::int32_t ASAME(const char* a, std::size_t aLength, const char* b, std::size_
 
 std::int32_t ASAMECS(const char* a, std::size_t aLength, const char* b, std::size_t bLength)
 {
-    return static_cast<std::int32_t>(gridforge::ASAMECS({a, aLength}, {b, bLength}));
+    return static_cast<std::int32_t>(gridforge::exports::ASAMECS({a, aLength}, {b, bLength}));
 }
 
 std::int32_t FLAGEXISTS(const char* text, std::size_t textLength, const char* key, std::size_t keyLength)
@@ -60,7 +61,7 @@ std::int32_t FLAGEXISTSRET(const char* text, std::size_t textLength, const char*
 
 std::int32_t BLANK(char* text, std::size_t textLength)
 {
-    return askInPlace(gridforge::BLANK, text, textLength);
+    return askInPlace(gridforge::exports::BLANK, text, textLength);
 }
 
 std::int32_t COMMENTLINE(char* text, std::size_t textLength)
@@ -70,12 +71,12 @@ std::int32_t COMMENTLINE(char* text, std::size_t textLength)
 
 std::int32_t NUMBERLINE(char* text, std::size_t textLength)
 {
-    return askInPlace(gridforge::NUMBERLINE, text, textLength);
+    return askInPlace(gridforge::exports::NUMBERLINE, text, textLength);
 }
 
 std::int32_t LENSL(char* text, std::size_t textLength)
 {
-    const std::int32_t count = gridforge::LENSL({text, textLength});
+    const std::int32_t count = gridforge::exports::LENSL({text, textLength});
     const auto end = static_cast<std::size_t>(count);
     if (end > 0 && end < textLength) {
         text[end] = '\0';
@@ -86,7 +87,7 @@ std::int32_t LENSL(char* text, std::size_t textLength)
 
 std::int32_t POSITIVEINTEGERNUMBER(char* text, std::size_t textLength)
 {
-    return askInPlace(gridforge::POSITIVEINTEGERNUMBER, text, textLength);
+    return askInPlace(gridforge::exports::POSITIVEINTEGERNUMBER, text, textLength);
 }
 
 std::int32_t CHECKINT(const char* text, std::size_t textLength, std::int32_t* value)
@@ -96,12 +97,12 @@ std::int32_t CHECKINT(const char* text, std::size_t textLength, std::int32_t* va
 
 std::int32_t CHECKINT4(const char* text, std::size_t textLength, std::int32_t* value)
 {
-    return static_cast<std::int32_t>(gridforge::CHECKINT4(content(text, textLength), *value));
+    return static_cast<std::int32_t>(gridforge::readFree(content(text, textLength), *value));
 }
 
 std::int32_t CHECKINT8(const char* text, std::size_t textLength, std::int64_t* value)
 {
-    return static_cast<std::int32_t>(gridforge::CHECKINT8(content(text, textLength), *value));
+    return static_cast<std::int32_t>(gridforge::readFree(content(text, textLength), *value));
 }
 
 // --- Changing text ---------------------------------------------------------------------------------------------------
@@ -123,17 +124,17 @@ void LOWERCASE(char* result, std::size_t resultLength, const char* text, std::si
 
 void REMOVESPACES(char* result, std::size_t resultLength, const char* text, std::size_t textLength)
 {
-    change(gridforge::REMOVESPACES, result, resultLength, text, textLength);
+    change(gridforge::exports::REMOVESPACES, result, resultLength, text, textLength);
 }
 
 void REMOVETABS(char* result, std::size_t resultLength, const char* text, std::size_t textLength)
 {
-    change(gridforge::REMOVETABS, result, resultLength, text, textLength);
+    change(gridforge::exports::REMOVETABS, result, resultLength, text, textLength);
 }
 
 void SS256(char* result, std::size_t resultLength, const char* text, std::size_t textLength)
 {
-    change(gridforge::SS256, result, resultLength, text, textLength);
+    change(gridforge::exports::SS256, result, resultLength, text, textLength);
 }
 
 void REMOVEQUOTES(char* result, std::size_t resultLength, const char* text, std::size_t textLength)
@@ -149,7 +150,8 @@ void DOUBLEQUOTE(char* result, std::size_t resultLength, const char* text, std::
 void ALPHANUMERICONLY(char* result, std::size_t resultLength, const char* text, std::size_t textLength,
                       char replacement)
 {
-    give(result, resultLength, [&] { return gridforge::ALPHANUMERICONLY(content(text, textLength), replacement); });
+    give(result, resultLength,
+         [&] { return gridforge::exports::ALPHANUMERICONLY(content(text, textLength), replacement); });
 }
 
 void CLEANATTRIBUTENAME(char* result, std::size_t resultLength, const char* text, std::size_t textLength)
@@ -161,7 +163,7 @@ void REPLACE(char* result, std::size_t resultLength, const char* text, std::size
              std::size_t findLength, const char* with, std::size_t withLength)
 {
     give(result, resultLength, [&] {
-        return gridforge::REPLACE({text, textLength}, {find, findLength}, {with, withLength});
+        return gridforge::exports::REPLACE({text, textLength}, {find, findLength}, {with, withLength});
     });
 }
 
@@ -169,7 +171,7 @@ void REPLACEALL(char* result, std::size_t resultLength, const char* text, std::s
                 std::size_t findLength, const char* with, std::size_t withLength)
 {
     give(result, resultLength, [&] {
-        return gridforge::REPLACEALL({text, textLength}, {find, findLength}, {with, withLength});
+        return gridforge::exports::REPLACEALL({text, textLength}, {find, findLength}, {with, withLength});
     });
 }
 
@@ -178,7 +180,7 @@ void SPLITFIRSTWORD(char* word, std::size_t wordLength, char* text, std::size_t 
     answer([&] {
         std::string first;
         std::string rest(content(text, textLength));
-        gridforge::SPLITFIRSTWORD(first, rest);
+        gridforge::exports::SPLITFIRSTWORD(first, rest);
         put(rest, text, textLength);
         put(first, word, wordLength);
     });
@@ -193,7 +195,7 @@ void AINTEGER(char* result, std::size_t resultLength, std::int32_t value)
 
 void AINTEGER8(char* result, std::size_t resultLength, std::int64_t value)
 {
-    give(result, resultLength, [&] { return gridforge::AINTEGER8(value); });
+    give(result, resultLength, [&] { return std::to_string(value); });
 }
 
 void AINTEGERPREC0(char* result, std::size_t resultLength, std::int32_t value, std::int32_t digits)
@@ -236,25 +238,25 @@ std::int32_t NEXTCOMMA(const char* text, std::size_t textLength)
 std::int32_t NUMBEROFSUBSTRINGS(const char* text, std::size_t textLength, const char* separator,
                                 std::size_t separatorLength)
 {
-    return gridforge::NUMBEROFSUBSTRINGS(content(text, textLength), {separator, separatorLength});
+    return gridforge::exports::NUMBEROFSUBSTRINGS(content(text, textLength), {separator, separatorLength});
 }
 
 void SUBSTRING(char* result, std::size_t resultLength, const char* text, std::size_t textLength, const char* separator,
                std::size_t separatorLength, std::int32_t n)
 {
     give(result, resultLength, [&] {
-        return gridforge::SUBSTRING(content(text, textLength), {separator, separatorLength}, n);
+        return gridforge::exports::SUBSTRING(content(text, textLength), {separator, separatorLength}, n);
     });
 }
 
 std::int32_t NUMBEROFNUMBERS(const char* text, std::size_t textLength)
 {
-    return gridforge::NUMBEROFNUMBERS({text, textLength});
+    return gridforge::exports::NUMBEROFNUMBERS({text, textLength});
 }
 
 std::int32_t NUMBEROFDAYS(const char* date, std::size_t dateLength)
 {
-    return gridforge::NUMBEROFDAYS({date, dateLength});
+    return gridforge::exports::NUMBEROFDAYS({date, dateLength});
 }
 
 // --- File names ------------------------------------------------------------------------------------------------------
@@ -266,7 +268,7 @@ void FILEEXT(char* result, std::size_t resultLength, const char* name, std::size
 
 void FILEEXTKC(char* result, std::size_t resultLength, const char* name, std::size_t nameLength)
 {
-    change(gridforge::FILEEXTKC, result, resultLength, name, nameLength);
+    change(gridforge::exports::FILEEXTKC, result, resultLength, name, nameLength);
 }
 
 void FILENAMEPATH(char* result, std::size_t resultLength, const char* name, std::size_t nameLength)
@@ -286,17 +288,17 @@ void FILENAMEEXT(char* result, std::size_t resultLength, const char* name, std::
 
 void FILE___EXT(char* result, std::size_t resultLength, const char* name, std::size_t nameLength)
 {
-    change(gridforge::FILE___EXT, result, resultLength, name, nameLength);
+    change(gridforge::exports::FILE___EXT, result, resultLength, name, nameLength);
 }
 
 void FILENAMENO_(char* result, std::size_t resultLength, const char* name, std::size_t nameLength)
 {
-    change(gridforge::FILENAMENO_, result, resultLength, name, nameLength);
+    change(gridforge::exports::FILENAMENO_, result, resultLength, name, nameLength);
 }
 
 void FILENAMEPATHNO_(char* result, std::size_t resultLength, const char* name, std::size_t nameLength)
 {
-    change(gridforge::FILENAMEPATHNO_, result, resultLength, name, nameLength);
+    change(gridforge::exports::FILENAMEPATHNO_, result, resultLength, name, nameLength);
 }
 
 void FILEFOLDERPATH(char* result, std::size_t resultLength, const char* name, std::size_t nameLength)
@@ -307,16 +309,18 @@ void FILEFOLDERPATH(char* result, std::size_t resultLength, const char* name, st
 void ADDFOLDER(char* result, std::size_t resultLength, const char* folder, std::size_t folderLength, const char* name,
                std::size_t nameLength)
 {
-    give(result, resultLength, [&] { return gridforge::ADDFOLDER({folder, folderLength}, {name, nameLength}); });
+    give(result, resultLength, [&] {
+        return gridforge::exports::ADDFOLDER({folder, folderLength}, {name, nameLength});
+    });
 }
 
 void REMOVEDOTDOT(char* result, std::size_t resultLength, const char* name, std::size_t nameLength)
 {
-    change(gridforge::REMOVEDOTDOT, result, resultLength, name, nameLength);
+    change(gridforge::exports::REMOVEDOTDOT, result, resultLength, name, nameLength);
 }
 
 std::int32_t DRIVEANDURLNAME(char* name, std::size_t nameLength)
 {
-    return askInPlace(gridforge::DRIVEANDURLNAME, name, nameLength);
+    return askInPlace(gridforge::exports::DRIVEANDURLNAME, name, nameLength);
 }
 }

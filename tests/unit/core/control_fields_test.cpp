@@ -83,49 +83,6 @@ TEST(Checkline, MaySplitALineIntoItself)
     EXPECT_EQ(value, " a much longer value than any short text holds");
 }
 
-// --- Fields of tables ------------------------------------------------------------------------------------------------
-
-TEST(Csvcolumn, FindsTheFirstFieldOfThatName)
-{
-    EXPECT_EQ(CSVCOLUMN("Id, \"Depth\" ,Loss,depth", "DEPTH", -1), 2);
-    EXPECT_EQ(CSVCOLUMN("Id,Depth,Loss", "Loss", -1), 3);
-    EXPECT_EQ(CSVCOLUMN("Id,Depth,Loss", "Id", -1), 1);
-}
-
-TEST(Csvcolumn, GivesTheFallbackAtTheEnd)
-{
-    EXPECT_EQ(CSVCOLUMN("Id,Depth", "Los", 7), 7);
-    EXPECT_EQ(CSVCOLUMN("", "Loss", 0), 0);
-    EXPECT_EQ(CSVCOLUMN("Id,", "", 9), 2) << "the empty field behind the last comma is a field";
-}
-
-TEST(Csvcolumn, HonoursNoQuotes)
-{
-    EXPECT_EQ(CSVCOLUMN("\"a,b\",c", "b", 9), 2);
-    EXPECT_EQ(CSVCOLUMN("\"a,b\",c", "c", 9), 3);
-}
-
-TEST(Csvvalue, ReadsTheFieldOfAColumn)
-{
-    float value = -1;
-    EXPECT_TRUE(CSVVALUE("1, 2.5 ,3e2", 1, value));
-    EXPECT_EQ(value, 1.0F);
-    EXPECT_TRUE(CSVVALUE("1, 2.5 ,3e2", 2, value));
-    EXPECT_EQ(value, 2.5F);
-    EXPECT_TRUE(CSVVALUE("1, 2.5 ,3e2", 3, value));
-    EXPECT_EQ(value, 300.0F) << "no implied decimals";
-}
-
-TEST(Csvvalue, WithoutAValueGivesZeroAndFalse)
-{
-    for (const auto& [text, column] : std::initializer_list<std::pair<const char*, int>>{
-             {"1,2", 3}, {"1,,3", 2}, {"1, ,3", 2}, {"1,2,", 3}, {"1,x,3", 2}, {"1,2 m,3", 2}, {"", 1}, {"1,2", 0}}) {
-        float value = -1;
-        EXPECT_FALSE(CSVVALUE(text, column, value)) << text;
-        EXPECT_EQ(value, 0.0F) << text;
-    }
-}
-
 // --- Values by key or column -----------------------------------------------------------------------------------------
 
 TEST(KeyOrColumnValue, AKeyWithoutItsSignIsReported)

@@ -77,12 +77,6 @@ TEST(Asame, SeesTheFirst1000Characters)
     EXPECT_FALSE(ASAME(thousand.substr(1) + "b", thousand.substr(1) + "c"));
 }
 
-TEST(Asamecs, CountsCase)
-{
-    EXPECT_TRUE(ASAMECS("' Grid'\t", "Grid"));
-    EXPECT_FALSE(ASAMECS("Grid", "grid"));
-}
-
 TEST(Flagexists, FindsTheKeyAnywhereInAnyCase)
 {
     EXPECT_TRUE(FLAGEXISTS("Read GIS Network", "gis"));
@@ -148,14 +142,6 @@ TEST(Flagexistsret, MayReplaceItsOwnText)
     EXPECT_EQ(text, " a value that is longer than a short text");
 }
 
-TEST(Blank, RemovesTabsAndLooksForTheRest)
-{
-    EXPECT_EQ(answerOf(BLANK, "\t\t"), Answer(true, ""));
-    EXPECT_EQ(answerOf(BLANK, ""), Answer(true, ""));
-    EXPECT_TRUE(answerOf(BLANK, " \t ").first);
-    EXPECT_EQ(answerOf(BLANK, "\ta\tb"), Answer(false, "ab"));
-}
-
 TEST(Commentline, CutsTheComment)
 {
     EXPECT_TRUE(answerOf(COMMENTLINE, "  # note").first);
@@ -179,37 +165,6 @@ TEST(Commentline, ATabIsContent)
     EXPECT_EQ(answerOf(COMMENTLINE, "\t# note"), Answer(false, "\t"));
 }
 
-TEST(Numberline, LooksAtTheFirstCharacter)
-{
-    for (const char* const yes : {"0", "9 lives", "-", ".", "-a", ".5", "", "  "}) {
-        EXPECT_TRUE(answerOf(NUMBERLINE, yes).first) << yes;
-    }
-    for (const char* const no : {"+1", "a1", "e5", "\t1", ",1", "/", ":"}) {
-        EXPECT_FALSE(answerOf(NUMBERLINE, no).first) << no;
-    }
-    EXPECT_EQ(answerOf(NUMBERLINE, "   1 2"), Answer(true, "1 2"));
-}
-
-TEST(Lensl, PassesBlanksAndZeroBytesAtTheEnd)
-{
-    using namespace std::string_view_literals;
-    EXPECT_EQ(LENSL("abc"), 3);
-    EXPECT_EQ(LENSL("abc \0 \0\0"sv), 3);
-    EXPECT_EQ(LENSL(" a\0b  "sv), 4);
-    EXPECT_EQ(LENSL(" \0 "sv), 0);
-    EXPECT_EQ(LENSL(""), 0);
-}
-
-TEST(Positiveintegernumber, WantsDigitsOnly)
-{
-    EXPECT_EQ(answerOf(POSITIVEINTEGERNUMBER, "  120 "), Answer(true, "120 "));
-    EXPECT_TRUE(answerOf(POSITIVEINTEGERNUMBER, "0").first);
-    EXPECT_TRUE(answerOf(POSITIVEINTEGERNUMBER, "99999999999999999999").first);
-    for (const char* const no : {"", "  ", "+1", "-1", "1.", "1 2", "1a", "1\t"}) {
-        EXPECT_FALSE(answerOf(POSITIVEINTEGERNUMBER, no).first) << no;
-    }
-}
-
 // --- Changing text ---------------------------------------------------------------------------------------------------
 
 TEST(Trimf, RemovesLeadingBlanksButNoTabs)
@@ -225,17 +180,9 @@ TEST(Uppercase, TouchesAToZAlone)
     EXPECT_EQ(LOWERCASE("azAZ09`{@[_\xC9"), "azaz09`{@[_\xC9");
 }
 
-TEST(Remove, DropsItsCharactersEverywhere)
+TEST(Removequotes, DropsThemEverywhere)
 {
-    EXPECT_EQ(REMOVESPACES("  a b\t c  "), "ab\tc");
-    EXPECT_EQ(REMOVETABS("\ta \tb\t"), "a b");
     EXPECT_EQ(REMOVEQUOTES("'it''s' \"a\" b"), "its a b");
-}
-
-TEST(Ss256, HoldsTheFirst256)
-{
-    EXPECT_EQ(SS256("a b  "), "a b");
-    EXPECT_EQ(SS256(std::string(255, 'a') + "bc"), std::string(255, 'a') + "b");
 }
 
 TEST(Doublequote, DoublesDoubleQuotesOnly)
@@ -246,66 +193,12 @@ TEST(Doublequote, DoublesDoubleQuotesOnly)
     EXPECT_EQ(quotedValue(""), R"("")");
 }
 
-TEST(Alphanumericonly, ReplacesOrDropsTheRest)
-{
-    EXPECT_EQ(ALPHANUMERICONLY("a-b c.9Z", '_'), "a_b_c_9Z");
-    EXPECT_EQ(ALPHANUMERICONLY("a-b c.9Z", '\0'), "abc9Z");
-    EXPECT_EQ(ALPHANUMERICONLY(" a ", '_'), "_a") << "trailing blanks are no content";
-    EXPECT_EQ(ALPHANUMERICONLY("\xE9", '_'), "_");
-}
-
-TEST(Alphanumericonly, IsXWhereNothingIsLeft)
-{
-    EXPECT_EQ(ALPHANUMERICONLY("-.", '\0'), "X");
-    EXPECT_EQ(ALPHANUMERICONLY("", '_'), "X");
-    EXPECT_EQ(ALPHANUMERICONLY("-.", ' '), "X");
-    EXPECT_EQ(ALPHANUMERICONLY("-.", '_'), "__");
-}
-
 TEST(Cleanattributename, KeepsLettersDigitsAndUnderscores)
 {
     EXPECT_EQ(CLEANATTRIBUTENAME("Max depth_1 (m)"), "Maxdepth_1m");
     EXPECT_EQ(CLEANATTRIBUTENAME("_"), "_");
     EXPECT_EQ(CLEANATTRIBUTENAME(" ()"), "X");
     EXPECT_EQ(CLEANATTRIBUTENAME(""), "X");
-}
-
-TEST(Replace, ReplacesTheFirstInAnyCase)
-{
-    EXPECT_EQ(REPLACE("The Grid, the grid", "GRID", "Cell"), "The Cell, the grid");
-    EXPECT_EQ(REPLACE("abc", "x", "y"), "abc");
-    EXPECT_EQ(REPLACE("abc", "b", "-and-"), "a-and-c");
-    EXPECT_EQ(REPLACE("abc", "B", ""), "ac");
-    EXPECT_EQ(REPLACE("abc", "b", " x  "), "a xc") << "`with` loses trailing blanks";
-    EXPECT_EQ(REPLACE("", "b", "x"), "");
-    EXPECT_EQ(REPLACE("abc", "", "x"), "abc");
-    EXPECT_EQ(REPLACE("ab", "B", "b"), "ab") << "may hold what it replaces";
-}
-
-TEST(Replaceall, GoesOnFromTheStartUntilNoneIsLeft)
-{
-    EXPECT_EQ(REPLACEALL("a,b,,c", ",", ";"), "a;b;;c");
-    EXPECT_EQ(REPLACEALL("aXbxc", "x", ""), "abc");
-    EXPECT_EQ(REPLACEALL("aaaab", "ab", "b"), "b") << "what a replacement brings together is found";
-    EXPECT_EQ(REPLACEALL("abc", "", "x"), "abc");
-}
-
-TEST(Splitfirstword, CutsTheFirstWordOff)
-{
-    const auto split = [](std::string text) {
-        std::string word = "stale";
-        SPLITFIRSTWORD(word, text);
-        return std::pair(word, text);
-    };
-    using Words = std::pair<std::string, std::string>;
-    EXPECT_EQ(split("  one  two three"), Words("one", "two three"));
-    EXPECT_EQ(split("'my file.asc' two"), Words("my file.asc", "two"));
-    EXPECT_EQ(split("a\"b c\"d e"), Words("ab cd", "e"));
-    EXPECT_EQ(split("one"), Words("one", ""));
-    EXPECT_EQ(split("\"not closed"), Words("not closed", ""));
-    EXPECT_EQ(split("one\ttwo three"), Words("one\ttwo", "three"));
-    EXPECT_EQ(split(""), Words("", ""));
-    EXPECT_EQ(split("   "), Words("", ""));
 }
 
 // --- Counting and fields ---------------------------------------------------------------------------------------------
@@ -332,76 +225,6 @@ TEST(Nextcomma, EitherKindOfQuoteToggles)
 {
     EXPECT_EQ(NEXTCOMMA(R"("a',b)"), 4);
     EXPECT_EQ(NEXTCOMMA("O'Brien,b"), 0);
-}
-
-TEST(Numberofsubstrings, CountsFieldsNotSeparators)
-{
-    EXPECT_EQ(NUMBEROFSUBSTRINGS("a,b,c", ","), 3);
-    EXPECT_EQ(NUMBEROFSUBSTRINGS("abc", ","), 1);
-    EXPECT_EQ(NUMBEROFSUBSTRINGS(",", ","), 2);
-    EXPECT_EQ(NUMBEROFSUBSTRINGS("a==b==c", "=="), 3);
-    EXPECT_EQ(NUMBEROFSUBSTRINGS("a b  ", " "), 2);
-    EXPECT_EQ(NUMBEROFSUBSTRINGS("", ","), 0);
-    EXPECT_EQ(NUMBEROFSUBSTRINGS("   ", " "), 0);
-    EXPECT_EQ(NUMBEROFSUBSTRINGS("abc", ""), 1);
-}
-
-TEST(Substring, GivesTheFieldLeftTrimmed)
-{
-    EXPECT_EQ(SUBSTRING("a;  b c;;d", ";", 1), "a");
-    EXPECT_EQ(SUBSTRING("a;  b c;;d", ";", 2), "b c");
-    EXPECT_EQ(SUBSTRING("a;  b c;;d", ";", 3), "");
-    EXPECT_EQ(SUBSTRING("a;  b c;;d", ";", 4), "d");
-    EXPECT_EQ(SUBSTRING("a;  b c;;d", ";", 5), "");
-    EXPECT_EQ(SUBSTRING("a;", ";", 2), "");
-    EXPECT_EQ(SUBSTRING("a;b", ";", 0), "");
-    EXPECT_EQ(SUBSTRING("", ";", 1), "");
-    EXPECT_EQ(SUBSTRING("abc", "", 1), "abc");
-    EXPECT_EQ(SUBSTRING("abc", "", 2), "");
-}
-
-TEST(Substring, IsOffByTheExcessOfALongSeparator)
-{
-    // Each start steps one character past a separator's start, each end lies one excess further back.
-    EXPECT_EQ(SUBSTRING("abc==def==ghi", "==", 1), "ab");
-    EXPECT_EQ(SUBSTRING("abc==def==ghi", "==", 2), "=de");
-    EXPECT_EQ(SUBSTRING("abc==def==ghi", "==", 3), "=ghi");
-    EXPECT_EQ(SUBSTRING("a<->b", "<->", 1), "") << "the end lies before the start";
-}
-
-TEST(Numberofnumbers, CountsNumbersAndEmptyFields)
-{
-    EXPECT_EQ(NUMBEROFNUMBERS("1,,3"), 3);
-    EXPECT_EQ(NUMBEROFNUMBERS("1 2 3"), 3);
-    EXPECT_EQ(NUMBEROFNUMBERS("  1.5e-3 ,\t-2,3 , 4"), 4);
-    EXPECT_EQ(NUMBEROFNUMBERS("1, ,3"), 3);
-    EXPECT_EQ(NUMBEROFNUMBERS("1,,,4"), 4);
-    EXPECT_EQ(NUMBEROFNUMBERS(""), 0);
-    EXPECT_EQ(NUMBEROFNUMBERS("   "), 0);
-}
-
-TEST(Numberofnumbers, CountsNoEmptyFieldAtEitherEnd)
-{
-    EXPECT_EQ(NUMBEROFNUMBERS(",1"), 1);
-    EXPECT_EQ(NUMBEROFNUMBERS("1,"), 1);
-    EXPECT_EQ(NUMBEROFNUMBERS("1,,"), 2);
-    EXPECT_EQ(NUMBEROFNUMBERS(","), 0);
-}
-
-TEST(Numberofnumbers, StopsAtAComment)
-{
-    EXPECT_EQ(NUMBEROFNUMBERS("1 2 ! abc"), 2);
-    EXPECT_EQ(NUMBEROFNUMBERS("1 2#3"), 2);
-}
-
-TEST(Numberofnumbers, IsNegativeWhereOtherTextStands)
-{
-    EXPECT_EQ(NUMBEROFNUMBERS("1 2 abc"), -2);
-    EXPECT_EQ(NUMBEROFNUMBERS("1 +2"), -1);
-    EXPECT_EQ(NUMBEROFNUMBERS("1d5"), -1) << "a d stands in no number here";
-    EXPECT_EQ(NUMBEROFNUMBERS("1,,x"), -2);
-    EXPECT_EQ(NUMBEROFNUMBERS("x"), 0);
-    EXPECT_EQ(NUMBEROFNUMBERS("e E - ."), 4) << "each of them begins a number";
 }
 
 } // namespace

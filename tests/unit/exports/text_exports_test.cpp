@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <gridforge/gridforge.h>
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -96,6 +97,12 @@ TEST(ExportedCheckint, ReadsOrLeavesTheValue)
     EXPECT_EQ(value, -5);
     std::int64_t large = 0;
     EXPECT_EQ(call(::CHECKINT8, "3000000000", &large), 1);
+    EXPECT_EQ(large, 3000000000);
+    for (const char* const text : {"", " ", "1.5", "12a", "9223372036854775808"}) {
+        EXPECT_EQ(call(::CHECKINT4, text, &value), 0) << text;
+        EXPECT_EQ(call(::CHECKINT8, text, &large), 0) << text;
+    }
+    EXPECT_EQ(value, -5);
     EXPECT_EQ(large, 3000000000);
 }
 
@@ -201,6 +208,7 @@ TEST(ExportedNumbers, StandOnTheLeft)
 {
     EXPECT_EQ(textOf(6, ::AINTEGER, std::int32_t{-12}), "-12   ");
     EXPECT_EQ(textOf(12, ::AINTEGER8, std::int64_t{3000000000}), "3000000000  ");
+    EXPECT_EQ(textOf(20, ::AINTEGER8, std::numeric_limits<std::int64_t>::min()), "-9223372036854775808");
     EXPECT_EQ(textOf(6, ::AINTEGERPREC0, std::int32_t{7}, std::int32_t{3}), "007   ");
     EXPECT_EQ(textOf(6, ::AINTEGER8PREC0, std::int64_t{7}, std::int32_t{3}), "007   ");
     EXPECT_EQ(textOf(6, ::AREAL, 2.5F), "2.5   ");
