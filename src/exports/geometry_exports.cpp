@@ -1,8 +1,11 @@
 // The plane under its plain names.
+#include "core/product.h"
 #include "exports/boundary.h"
+#include "exports/lattice_cells.h"
+#include "exports/plane_for_callers.h"
 #include "gis/plane_ends.h"
+#include "host/ends.h"
 #include "plane/geometry.h"
-#include "plane/lattice_cells.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -41,12 +44,25 @@ std::int32_t logical(bool value)
 
 void requireRings(std::int32_t np, const std::int32_t* ir, std::int32_t nr, int form)
 {
-    if (!gridforge::isWholeRegion(held(np), array(ir, nr), held(nr))) {
+    if (!gridforge::exports::isWholeRegion(held(np), array(ir, nr), held(nr))) {
         gridforge::gis::failRings("inside_polygon", form);
     }
 }
 
-void put(const gridforge::HydraulicParameters& part, float* area, float* width, float* perimeter)
+// Returns for `done` only.
+void requireGridline(gridforge::exports::GridlineEnd end, std::int32_t limit)
+{
+    switch (end) {
+    case gridforge::exports::GridlineEnd::done: return;
+    case gridforge::exports::GridlineEnd::noPlace:
+        gridforge::fail("should not be here - gridline - intersection point - contact ", gridforge::kSupportContact);
+    case gridforge::exports::GridlineEnd::pastLimit:
+        gridforge::fail("SORRY - Exceeded limit of ", limit, " HX cells per HX polyline segment.  Contact ",
+                        gridforge::kSupportContact, ".");
+    }
+}
+
+void put(const gridforge::exports::HydraulicParameters& part, float* area, float* width, float* perimeter)
 {
     *area = part.area;
     *width = part.width;
@@ -71,12 +87,12 @@ float DISTANCE_8(double x1, double y1, double x2, double y2)
 
 std::int32_t SAME_POINT(float x1, float y1, float x2, float y2, float tolerance)
 {
-    return logical(gridforge::SAME_POINT(x1, y1, x2, y2, tolerance));
+    return logical(gridforge::exports::SAME_POINT(x1, y1, x2, y2, tolerance));
 }
 
 std::int32_t SAME_POINT_8(double x1, double y1, double x2, double y2, double tolerance)
 {
-    return logical(gridforge::SAME_POINT_8(x1, y1, x2, y2, tolerance));
+    return logical(gridforge::exports::SAME_POINT_8(x1, y1, x2, y2, tolerance));
 }
 
 float SAME_SIDE(float x1, float y1, float x2, float y2, float ax, float ay, float bx, float by)
@@ -91,7 +107,7 @@ float SAME_SIDE_8(double x1, double y1, double x2, double y2, double ax, double 
 
 std::int32_t INTERSECT_POINT(float x1, float y1, float x2, float y2, float px, float py)
 {
-    return logical(gridforge::INTERSECT_POINT(x1, y1, x2, y2, px, py));
+    return logical(gridforge::exports::INTERSECT_POINT(x1, y1, x2, y2, px, py));
 }
 
 std::int32_t INTERSECT_LINE(float x1, float y1, float x2, float y2, float x3, float y3, float x4, float y4)
@@ -128,12 +144,12 @@ std::int32_t INTERSECTION_POINT_8(double x1, double y1, double x2, double y2, do
 
 float ANGLE2D(double x1, double y1, double x2, double y2, double x3, double y3, double x4, double y4)
 {
-    return gridforge::ANGLE2D(x1, y1, x2, y2, x3, y3, x4, y4);
+    return gridforge::exports::ANGLE2D(x1, y1, x2, y2, x3, y3, x4, y4);
 }
 
 float VECTOR_MAGNITUDE(float u, float v)
 {
-    return gridforge::VECTOR_MAGNITUDE(u, v);
+    return gridforge::exports::VECTOR_MAGNITUDE(u, v);
 }
 
 // --- Regions, triangles, elements ------------------------------------------------------------------------------------
@@ -160,54 +176,56 @@ std::int32_t INSIDE_POLYGON_8(double px, double py, const double* x, const doubl
 
 std::int32_t INTERPOLATE_TRIANGLE(float px, float py, const float* x, const float* y, const float* z, float* zi)
 {
-    return logical(gridforge::INTERPOLATE_TRIANGLE(px, py, corners(x), corners(y), corners(z), *zi));
+    return logical(gridforge::exports::INTERPOLATE_TRIANGLE(px, py, corners(x), corners(y), corners(z), *zi));
 }
 
 std::int32_t INTERPOLATE_TRIANGLE_8(double px, double py, const double* x, const double* y, const float* z, float* zi)
 {
-    return logical(gridforge::INTERPOLATE_TRIANGLE_8(px, py, corners(x), corners(y), corners(z), *zi));
+    return logical(gridforge::exports::INTERPOLATE_TRIANGLE_8(px, py, corners(x), corners(y), corners(z), *zi));
 }
 
 void INTERPOLATE_TRIANGLE_NO_CHECKS(float px, float py, const float* x, const float* y, const float* z, float* zi)
 {
-    *zi = gridforge::INTERPOLATE_TRIANGLE_NO_CHECKS(px, py, corners(x), corners(y), corners(z));
+    *zi = gridforge::exports::INTERPOLATE_TRIANGLE_NO_CHECKS(px, py, corners(x), corners(y), corners(z));
 }
 
 void INTERPOLATE_TRIANGLE_NO_CHECKS_8(double px, double py, const double* x, const double* y, const float* z, float* zi)
 {
-    *zi = gridforge::INTERPOLATE_TRIANGLE_NO_CHECKS_8(px, py, corners(x), corners(y), corners(z));
+    *zi = gridforge::exports::INTERPOLATE_TRIANGLE_NO_CHECKS_8(px, py, corners(x), corners(y), corners(z));
 }
 
 std::int32_t INTERPOLATE_ELEMENT_8(double px, double py, const double* x, const double* y, const float* z,
                                    std::int32_t n, double xmin, float* zi)
 {
     return answer([&] {
-        return logical(gridforge::INTERPOLATE_ELEMENT_8(px, py, array(x, n), array(y, n), array(z, n), xmin, *zi));
+        return logical(
+            gridforge::exports::INTERPOLATE_ELEMENT_8(px, py, array(x, n), array(y, n), array(z, n), xmin, *zi));
     });
 }
 
 float POLYGON_AREA(const double* x, const double* y, std::int32_t n)
 {
-    return gridforge::POLYGON_AREA(array(x, n), array(y, n));
+    return gridforge::exports::POLYGON_AREA(array(x, n), array(y, n));
 }
 
 // --- Channel sections ------------------------------------------------------------------------------------------------
 
 float CIRCLE_WIDTH(float r, float d)
 {
-    return gridforge::CIRCLE_WIDTH(r, d);
+    return gridforge::exports::CIRCLE_WIDTH(r, d);
 }
 
 void HYD_PARAM(float x1, float z1, float x2, float z2, float level, float factor, float* area, float* width,
                float* perimeter)
 {
-    put(gridforge::HYD_PARAM(x1, z1, x2, z2, level, factor), area, width, perimeter);
+    put(gridforge::exports::HYD_PARAM(x1, z1, x2, z2, level, factor), area, width, perimeter);
 }
 
 void HYD_PARAM2(float x1, float z1, float factor1, float x2, float z2, float factor2, float level, float* area1,
                 float* area2, float* width1, float* width2, float* perimeter1, float* perimeter2)
 {
-    const gridforge::HydraulicHalves halves = gridforge::HYD_PARAM2(x1, z1, factor1, x2, z2, factor2, level);
+    const gridforge::exports::HydraulicHalves halves =
+        gridforge::exports::HYD_PARAM2(x1, z1, factor1, x2, z2, factor2, level);
     put(halves.first, area1, width1, perimeter1);
     put(halves.second, area2, width2, perimeter2);
 }
@@ -216,14 +234,15 @@ void HYD_PARAM2(float x1, float z1, float factor1, float x2, float z2, float fac
 
 void GEO_SHIFT(const double* x, const double* y, std::int32_t n, double x0, double y0, double angle, float* u, float* v)
 {
-    gridforge::GEO_SHIFT(array(x, n), array(y, n), x0, y0, angle, array(u, n), array(v, n));
+    gridforge::exports::GEO_SHIFT(array(x, n), array(y, n), x0, y0, angle, array(u, n), array(v, n));
 }
 
 void SET_SUB_GRID_AREA(const float* u, const float* v, std::int32_t n, float size, std::int32_t rows,
                        std::int32_t columns, std::int32_t* iLow, std::int32_t* jLow, std::int32_t* iHigh,
                        std::int32_t* jHigh, float* umin, float* umax, float* vmin, float* vmax)
 {
-    const gridforge::SubGridArea area = gridforge::SET_SUB_GRID_AREA(array(u, n), array(v, n), size, rows, columns);
+    const gridforge::exports::SubGridArea area =
+        gridforge::exports::SET_SUB_GRID_AREA(array(u, n), array(v, n), size, rows, columns);
     *iLow = area.iLow;
     *jLow = area.jLow;
     *iHigh = area.iHigh;
@@ -240,8 +259,8 @@ std::int64_t grid_inside_polygon(const float* u, const float* v, std::int32_t np
 {
     return answer([&] {
         const gridforge::CellWindow window{firstRow, lastRow, firstColumn, lastColumn};
-        const auto count = gridforge::grid_inside_polygon(array(u, np), array(v, np), held(np), array(ir, nr), held(nr),
-                                                          size, window, {flags, window.cells()});
+        const auto count = gridforge::exports::grid_inside_polygon(array(u, np), array(v, np), held(np), array(ir, nr),
+                                                                   held(nr), size, window, {flags, window.cells()});
         if (!count) {
             gridforge::gis::failRings("grid_inside_polygon", 1);
         }
@@ -253,9 +272,9 @@ std::int32_t gridline(float u1, float v1, float u2, float v2, float size, std::i
                       std::int32_t* columns)
 {
     return answer([&] {
-        std::vector<gridforge::LatticeCell> cells;
-        gridforge::gis::requireGridline(gridforge::gridline(u1, v1, u2, v2, size, limit, cells), limit);
-        for (const gridforge::LatticeCell& cell : cells) {
+        std::vector<gridforge::exports::LatticeCell> cells;
+        requireGridline(gridforge::exports::gridline(u1, v1, u2, v2, size, limit, cells), limit);
+        for (const gridforge::exports::LatticeCell& cell : cells) {
             *rows++ = cell.row;
             *columns++ = cell.column;
         }

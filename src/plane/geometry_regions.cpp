@@ -107,20 +107,4 @@ bool INSIDE_POLYGON_8(double px, double py, std::span<const double> x, std::span
     return inside(px, py, x, y, np, xmin, ir, nr);
 }
 
-bool isWholeRegion(std::int32_t np, std::span<const std::int32_t> ir, std::int32_t nr)
-{
-    return walkRings(np, ir, nr, [](std::size_t, std::size_t) {});
-}
-
-float POLYGON_AREA(std::span<const double> x, std::span<const double> y)
-{
-    assert(x.size() == y.size());
-    double sum = 0;
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        const std::size_t j = i == 0 ? x.size() - 1 : i - 1;
-        sum += (x[j] + x[i]) * (y[j] - y[i]);
-    }
-    return std::abs(static_cast<float>(sum)) * 0.5F;
-}
-
 } // namespace gridforge::inline plane

@@ -1,10 +1,11 @@
+#include "exports/plane_for_callers.h"
 #include "plane/geometry.h"
 
 #include <array>
 #include <cassert>
 #include <cmath>
 
-namespace gridforge::inline plane {
+namespace gridforge::exports {
 
 namespace {
 
@@ -186,4 +187,4 @@ bool INTERPOLATE_ELEMENT_8(double px, double py, std::span<const double> x, std:
     return count > 0;
 }
 
-} // namespace gridforge::inline plane
+} // namespace gridforge::exports

@@ -1,4 +1,6 @@
-#include "plane/lattice_cells.h"
+#include "exports/lattice_cells.h"
+
+#include "exports/plane_for_callers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,11 +10,10 @@
 #include <random>
 #include <string>
 
-namespace gridforge::test {
+namespace gridforge::exports {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 // A region of rings, each with its closing vertex, in the layout of slots behind them.
 struct Region {
@@ -41,11 +42,20 @@ Region rectangle(float u1, float v1, float u2, float v2)
     return region;
 }
 
+// The cells of size 2 within the bounds of a region, held between `margin` and the lattice's size less it.
+CellWindow boundsWindow(const Region& region, std::int32_t rows, std::int32_t columns, std::int32_t margin)
+{
+    const SubGridArea area = SET_SUB_GRID_AREA(region.u, region.v, 2, rows, columns);
+    const std::int32_t first = std::max(margin, 1);
+    return {std::max(area.iLow, first), std::min(area.iHigh, rows - margin), std::max(area.jLow, first),
+            std::min(area.jHigh, columns - margin)};
+}
+
 // The marked cells of a lattice of cells of size 2, a line of text a row, north first.
 std::string marks(const Region& region, std::int32_t rows, std::int32_t columns, std::int64_t& count,
                   std::int32_t margin = 0)
 {
-    const CellWindow window = boundsWindow(region.u, region.v, 2, rows, columns, margin);
+    const CellWindow window = boundsWindow(region, rows, columns, margin);
     std::vector<std::uint8_t> flags(window.cells(), 7);
     count = grid_inside_polygon(region.u, region.v, region.np(), region.ir, region.nr(), 2, window, flags).value();
     std::string text;
@@ -68,20 +78,6 @@ TEST(LatticeCell, CountsFromOneBehindTheAxes)
     EXPECT_EQ(latticeCell(1.9F, 4, 2), (LatticeCell{3, 1}));
     EXPECT_EQ(latticeCell(-0.1F, 2, 2), (LatticeCell{2, 0}));
     EXPECT_EQ(latticeCell(1e30F, -1e30F, 2).column, 2147483647);
-}
-
-TEST(BoundsWindow, IsHeldBetweenTheMargins)
-{
-    const auto isWindow = [](const CellWindow& w, std::int32_t firstRow, std::int32_t lastRow, std::int32_t firstColumn,
-                             std::int32_t lastColumn) {
-        return w.firstRow == firstRow && w.lastRow == lastRow && w.firstColumn == firstColumn &&
-               w.lastColumn == lastColumn;
-    };
-    const Region region = rectangle(-3, 2.5F, 7, 99);
-    EXPECT_TRUE(isWindow(boundsWindow(region.u, region.v, 2, 10, 20, 0), 2, 10, 1, 4));
-    EXPECT_TRUE(isWindow(boundsWindow(region.u, region.v, 2, 10, 20, 3), 3, 7, 3, 4));
-    EXPECT_TRUE(boundsWindow(region.u, region.v, 2, 10, 20, 9).empty());
-    EXPECT_EQ(boundsWindow(region.u, region.v, 2, 10, 20, 9).cells(), 0U);
 }
 
 TEST(GridInsidePolygon, MarksCellsOnTheirMiddleLines)
@@ -147,7 +143,7 @@ TEST(GridInsidePolygon, IsThatOfCountingForEachCell)
         std::int64_t count = 0;
         const std::string got = marks(region, 10, 10, count);
 
-        const CellWindow window = boundsWindow(region.u, region.v, 2, 10, 10, 0);
+        const CellWindow window = boundsWindow(region, 10, 10, 0);
         std::string want;
         for (std::int32_t row = 10; row >= 1; --row) {
             const double line = 2.0 * row - 1.0;
@@ -273,15 +269,5 @@ TEST(Gridline, PlacesThatAreNoneAreReported)
     EXPECT_TRUE(cells.empty());
 }
 
-TEST(StraightWalk, TakesAFullCellAlongTheLongerAxis)
-{
-    const StraightWalk walk = straightWalk({1, 10}, {3, 2});
-    EXPECT_EQ(walk.steps, 8);
-    EXPECT_EQ(walk.columnStep, -1);
-    EXPECT_EQ(walk.rowStep, 0.25F);
-    EXPECT_EQ(straightWalk({4, 4}, {4, 4}).steps, 0);
-    EXPECT_EQ(straightWalk({-2147483647, 1}, {2147483647, 1}).steps, 4294967294);
-}
-
 } // namespace
-} // namespace gridforge::test
+} // namespace gridforge::exports

@@ -1,5 +1,5 @@
 // Which cells of a lattice a region or a segment passes over, in grid axes: u along the columns and v along the rows, cell
-// n from (n - 1) x size to n x size.
+// n from (n - 1) x size to n x size. Only callers from outside use them.
 #pragma once
 
 #include "plane/cell_window.h"
@@ -10,7 +10,7 @@
 #include <span>
 #include <vector>
 
-namespace gridforge::inline plane {
+namespace gridforge::exports {
 
 struct LatticeCell {
     std::int32_t row = 0; // from 1, in the south
@@ -21,10 +21,6 @@ struct LatticeCell {
 
 // The cell that holds a place. Below the axes cells are numbered from 0 down.
 LatticeCell latticeCell(float u, float v, float size);
-
-// The cells within the bounds of the points, held between `margin` and the lattice's size less it.
-CellWindow boundsWindow(std::span<const float> u, std::span<const float> v, float size, std::int32_t rows,
-                        std::int32_t columns, std::int32_t margin);
 
 // Marks the cells of the window that a region passes over on the middle line of their row: flags[i] becomes 1 or 0, row
 // by row from the south. The region is laid out as for INSIDE_POLYGON; a ring that enters and leaves within one cell
@@ -45,12 +41,4 @@ enum class GridlineEnd {
 [[nodiscard]] GridlineEnd gridline(float u1, float v1, float u2, float v2, float size, std::int32_t limit,
                                    std::vector<LatticeCell>& cells);
 
-// A straight walk over whole cells: the longer axis takes a full cell a step, the other its share.
-struct StraightWalk {
-    float rowStep = 0;
-    float columnStep = 0;
-    std::int64_t steps = 0;
-};
-StraightWalk straightWalk(const LatticeCell& from, const LatticeCell& to);
-
-} // namespace gridforge::inline plane
+} // namespace gridforge::exports

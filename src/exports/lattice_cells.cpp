@@ -1,15 +1,13 @@
-#include "plane/lattice_cells.h"
+#include "exports/lattice_cells.h"
 
 #include "core/numbers.h"
-#include "plane/geometry.h"
 #include "plane/region_walk.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <cstdlib>
 
-namespace gridforge::inline plane {
+namespace gridforge::exports {
 
 namespace {
 
@@ -77,16 +75,6 @@ LatticeCell latticeCell(float u, float v, float size)
 {
     return {cellNumber(static_cast<double>(v), static_cast<double>(size)),
             cellNumber(static_cast<double>(u), static_cast<double>(size))};
-}
-
-CellWindow boundsWindow(std::span<const float> u, std::span<const float> v, float size, std::int32_t rows,
-                        std::int32_t columns, std::int32_t margin)
-{
-    const SubGridArea area = SET_SUB_GRID_AREA(u, v, size, rows, columns);
-    const std::int32_t first = std::max(margin, 1);
-    const std::int32_t less = std::max(margin, 0);
-    return {std::max(area.iLow, first), std::min(area.iHigh, rows - less), std::max(area.jLow, first),
-            std::min(area.jHigh, columns - less)};
 }
 
 std::optional<std::int64_t> grid_inside_polygon(std::span<const float> u, std::span<const float> v, std::int32_t np,
@@ -170,16 +158,4 @@ GridlineEnd gridline(float u1, float v1, float u2, float v2, float size, std::in
     }
 }
 
-StraightWalk straightWalk(const LatticeCell& from, const LatticeCell& to)
-{
-    const std::int64_t rows = std::int64_t{to.row} - from.row;
-    const std::int64_t columns = std::int64_t{to.column} - from.column;
-    const std::int64_t steps = std::max(std::abs(rows), std::abs(columns));
-    if (steps == 0) {
-        return {};
-    }
-    const auto longer = static_cast<float>(steps);
-    return {static_cast<float>(rows) / longer, static_cast<float>(columns) / longer, steps};
-}
-
-} // namespace gridforge::inline plane
+} // namespace gridforge::exports
