@@ -1,6 +1,7 @@
 // Messages, and lines and fields of control files, under their plain names. The record DMESSAGES itself stands with the
 // routines that fill it.
 #include "exports/boundary.h"
+#include "exports/messages_for_callers.h"
 #include "exports/text_for_callers.h"
 #include "host/control_lines.h"
 #include "host/messages.h"
@@ -48,7 +49,7 @@ void DMESSAGE(std::int32_t blankLines)
 
 void DMESSAGEXY(std::int32_t blankLines, double x, double y)
 {
-    answer([&] { gridforge::DMESSAGEXY(blankLines, x, y); });
+    answer([&] { gridforge::exports::DMESSAGEXY(blankLines, x, y); });
 }
 
 void DMESSAGECLEAR()
@@ -58,12 +59,12 @@ void DMESSAGECLEAR()
 
 void DMESSAGERESETCOUNTERS()
 {
-    gridforge::DMESSAGERESETCOUNTERS();
+    gridforge::exports::DMESSAGERESETCOUNTERS();
 }
 
 void DLINE(std::int32_t unit)
 {
-    answer([&] { gridforge::DLINE(unit); });
+    answer([&] { gridforge::exports::DLINE(unit); });
 }
 
 // --- Lines and fields ------------------------------------------------------------------------------------------------

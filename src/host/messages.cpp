@@ -4,6 +4,7 @@
 #include "host/console.h"
 #include "host/units.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <vector>
@@ -19,44 +20,41 @@ namespace {
 
 constexpr std::size_t kNumberColumns = 6;
 constexpr std::size_t kCsvTextWidth = 1000;
-constexpr std::size_t kRuleLength = 80;
-
-enum MessageClass : std::int32_t { kNone = 0, kError = 1, kWarning = 2, kCheck = 3, kUnstable = 4 };
 
 struct ClassWord {
     std::string_view word;
     MessageClass messageClass;
 };
-constexpr std::array<ClassWord, 4> kClassWords = {
-    {{"ERROR", kError}, {"WARNING", kWarning}, {"CHECK", kCheck}, {"UNSTABLE", kUnstable}}};
+constexpr std::array<ClassWord, 4> kClassWords = {{{"ERROR", MessageClass::error},
+                                                   {"WARNING", MessageClass::warning},
+                                                   {"CHECK", MessageClass::check},
+                                                   {"UNSTABLE", MessageClass::unstable}}};
 
-MessageClass classOf(std::string_view line, std::string_view& word)
+// Null where the line begins with none of the words.
+const ClassWord* classWordOf(std::string_view line)
 {
-    for (const ClassWord& candidate : kClassWords) {
-        if (line.starts_with(candidate.word)) {
-            word = candidate.word;
-            return candidate.messageClass;
-        }
-    }
-    return kNone;
+    const auto* const found =
+        std::ranges::find_if(kClassWords, [&](const ClassWord& candidate) { return line.starts_with(candidate.word); });
+    return found == kClassWords.end() ? nullptr : found;
 }
 
 void countMessage(MessageRecord& record)
 {
-    std::string_view word;
+    const ClassWord* const found = classWordOf(record.line[0].view());
     record.id = 0;
-    record.messageClass = classOf(record.line[0].view(), word);
-    switch (record.messageClass) {
-    case kError: ++record.errorCount; break;
-    case kWarning: ++record.warningCount; break;
-    case kCheck: ++record.checkCount; break;
+    record.messageClass = found == nullptr ? 0 : static_cast<std::int32_t>(found->messageClass);
+    if (found == nullptr) {
+        return;
+    }
+    switch (found->messageClass) {
+    case MessageClass::error: ++record.errorCount; break;
+    case MessageClass::warning: ++record.warningCount; break;
+    case MessageClass::check: ++record.checkCount; break;
     default: break;
     }
-    if (record.messageClass != kNone) {
-        const std::string_view columns = record.line[0].view().substr(word.size()).substr(0, kNumberColumns);
-        if (!parseNumber(trim(columns), record.id)) {
-            record.id = 0;
-        }
+    const std::string_view columns = record.line[0].view().substr(found->word.size()).substr(0, kNumberColumns);
+    if (!parseNumber(trim(columns), record.id)) {
+        record.id = 0;
     }
 }
 
@@ -84,17 +82,6 @@ void writeCsv(const MessageRecord& record)
     writeLine(record.messageCsvUnit, line);
 }
 
-std::string joinTags(const MessageRecord& record)
-{
-    std::string all;
-    for (const auto& tag : record.tag) {
-        if (!tag.empty()) {
-            all += join(all.empty() ? "" : "; ", tag.view());
-        }
-    }
-    return cut(all, kMessageWidth);
-}
-
 // The message as the lines of the console and the log.
 std::vector<std::string> messageLines(const MessageRecord& record)
 {
@@ -114,64 +101,6 @@ std::vector<std::string> messageLines(const MessageRecord& record)
     return lines;
 }
 
-// --- The message layer -----------------------------------------------------------------------------------------------
-
-struct LayerStyle {
-    std::string_view font;
-    bool checkLayer;
-};
-
-LayerStyle styleOf(MessageClass messageClass)
-{
-    switch (messageClass) {
-    case kError: return {R"(Font ("Arial",257,0,16711935,0))", false};
-    case kWarning: return {R"(Font ("Arial",257,0,16776960,0))", false};
-    case kUnstable: return {R"(Font ("Arial",257,0,16711935,0))", false};
-    case kCheck: return {R"(Font ("Arial",257,0,255,16777215))", true};
-    default: return {R"(Font ("Arial",257,0,53248,16777215))", true};
-    }
-}
-
-std::string placeField(double value)
-{
-    constexpr int kColumns = 16;
-    constexpr int kDecimals = 3;
-    return realField(value, kColumns, kDecimals);
-}
-
-void drawMessage(const MessageRecord& record, const LayerStyle& style, double x, double y)
-{
-    std::string text;
-    std::string attributes;
-    int lines = 0;
-    for (const auto& line : record.line) {
-        if (line.empty()) {
-            continue;
-        }
-        ++lines;
-        const std::string doubled = DOUBLEQUOTE(line.view());
-        if (lines > 1) {
-            text += record.messageInline != 0 ? "  " : "\\n";
-        }
-        text += doubled;
-        attributes += join('"', doubled, "  ");
-    }
-    const double drop = record.labelDx * 0.5 * lines;
-    const Unit mif = style.checkLayer ? record.checkMifUnit : record.mifUnit;
-    if (mif > 0) {
-        writeLine(mif, "Text");
-        writeLine(mif, quoted(text));
-        writeLine(mif, join("    ", placeField(x + record.labelDx), placeField(y - drop),
-                            placeField(x + record.labelDx + record.labelDy), placeField(y + drop)));
-        writeLine(mif, join("    ", style.font));
-        writeLine(mif, join("    Label Line Arrow ", placeField(x), placeField(y)));
-    }
-    const Unit mid = style.checkLayer ? record.checkMidUnit : record.midUnit;
-    if (mid > 0) {
-        writeLine(mid, join(attributes, '"'));
-    }
-}
-
 } // namespace
 
 MessageRecord& DMESSAGES()
@@ -179,11 +108,28 @@ MessageRecord& DMESSAGES()
     return ::DMESSAGES;
 }
 
+MessageClass classOf(const MessageRecord& record)
+{
+    const ClassWord* const found = classWordOf(record.line[0].view());
+    return found == nullptr ? MessageClass::none : found->messageClass;
+}
+
+std::string joinTags(const MessageRecord& record)
+{
+    std::string all;
+    for (const auto& tag : record.tag) {
+        if (!tag.empty()) {
+            all += join(all.empty() ? "" : "; ", tag.view());
+        }
+    }
+    return cut(all, kMessageWidth);
+}
+
 void DMESSAGE(std::int32_t blankLines)
 {
     MessageRecord& record = DMESSAGES();
     countMessage(record);
-    if (record.messageCsvUnit > 0 && record.messageClass != kNone) {
+    if (record.messageCsvUnit > 0 && record.messageClass != 0) {
         writeCsv(record);
     }
     record.line[3] = joinTags(record);
@@ -204,25 +150,6 @@ void DMESSAGE(std::int32_t blankLines)
     DMESSAGECLEAR();
 }
 
-void DMESSAGEXY(std::int32_t blankLines, double x, double y)
-{
-    MessageRecord& record = DMESSAGES();
-    record.prefix = "XY:";
-    std::string_view word;
-    const MessageClass messageClass = classOf(record.line[0].view(), word);
-    switch (messageClass) {
-    case kError: ++record.xyErrorCount; break;
-    case kWarning: ++record.xyWarningCount; break;
-    case kCheck: ++record.xyCheckCount; break;
-    default: break;
-    }
-    record.line[3] = joinTags(record);
-    drawMessage(record, styleOf(messageClass), x, y);
-    record.x = x;
-    record.y = y;
-    DMESSAGE(blankLines);
-}
-
 void DMESSAGECLEAR()
 {
     MessageRecord& record = DMESSAGES();
@@ -232,26 +159,6 @@ void DMESSAGECLEAR()
     record.line.fill({});
     record.prefix.clear();
     record.tag.fill({});
-}
-
-void DMESSAGERESETCOUNTERS()
-{
-    MessageRecord& record = DMESSAGES();
-    record.errorCount = 0;
-    record.warningCount = 0;
-    record.checkCount = 0;
-    record.xyErrorCount = 0;
-    record.xyWarningCount = 0;
-    record.xyCheckCount = 0;
-}
-
-void DLINE(std::int32_t unit)
-{
-    const std::string rule(kRuleLength, '_');
-    say(rule);
-    if (unit > 0) {
-        writeLine(unit, rule);
-    }
 }
 
 } // namespace gridforge::inline host

@@ -1,5 +1,4 @@
-// Numbered messages: counted by class, written to the console and, where units are set, to a log, a CSV list and a GIS
-// message layer.
+// Numbered messages: counted by class, written to the console and, where units are set, to a log and a CSV list.
 #pragma once
 
 #include "core/padded_text.h"
@@ -8,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace gridforge::inline host {
 
@@ -27,7 +27,7 @@ struct MessageRecord {
     std::int32_t checkMifUnit = 0;
     std::int32_t checkMidUnit = 0;
     std::array<PaddedText<kMessageWidth>, 4> line;
-    PaddedText<kPrefixWidth> prefix; // before line 1
+    PaddedText<kPrefixWidth> prefix; // ahead of line 1
     double labelDx = 0;
     double labelDy = 0;
     std::int32_t errorCount = 0;
@@ -45,15 +45,16 @@ struct MessageRecord {
 // The record that a caller fills before DMESSAGE.
 MessageRecord& DMESSAGES();
 
+enum class MessageClass : std::int32_t { none, error, warning, check, unstable };
+// By the word at the head of line 1.
+MessageClass classOf(const MessageRecord& record);
+// The tags as one text, which DMESSAGE writes as line 4.
+std::string joinTags(const MessageRecord& record);
+
 // Writes the message of the record after `blankLines` empty lines (none when below 0) and clears the record. -2 and
 // below keep the text out of the log.
 void DMESSAGE(std::int32_t blankLines);
-// DMESSAGE with a position, drawn in the message layer.
-void DMESSAGEXY(std::int32_t blankLines, double x, double y);
 void DMESSAGECLEAR();
-void DMESSAGERESETCOUNTERS();
-// A line of 80 underscores to the console, and to the unit when above 0.
-void DLINE(std::int32_t unit);
 
 // Reports the parts as line 1, one blank line first.
 template <typename... Parts>
