@@ -1,11 +1,11 @@
 /* The routines of gridforge that programs loaded into its process may call, and the record of its messages. They are
  * symbols of the executable itself: a shared object that is loaded with it (LD_PRELOAD) finds them by these names.
  *
- * Text       A pointer and, right behind it, its length in bytes. Trailing blanks are padding and no content; there is no
- *            closing zero byte. A text of length 0 may be a null pointer.
+ * Text       A pointer and, as the next argument, its length in bytes. Trailing blanks are padding, not content; no zero
+ *            byte ends it. A text of length 0 may be a null pointer.
  * Results    A routine that returns text fills the caller's `result`, cut or padded with blanks at `resultLength`. The
  *            result may be the same place as an argument. Text that is changed in place is padded likewise.
- * Logicals   int32_t, 1 for true and 0 for false; as an argument everything but 0 is true.
+ * Logicals   int32_t, 1 for true and 0 for false; as an argument any value other than 0 is true.
  * Counting   Fields, columns, vertices, cells and parts count from 1: vertex 1 is x[0].
  * Failures   A routine that ends the run writes its message to the console, closes all files, waits for Enter and ends the
  *            process with status 0. So does a lack of memory.
@@ -22,16 +22,16 @@ extern "C" {
 
 /* --- Comparing and finding ------------------------------------------------------------------------------------------ */
 
-/* The same text but for quotes, tabs, leading and trailing blanks and case, within the first 1000 characters. */
+/* The same text, ignoring quotes, tabs, leading and trailing blanks and case, within the first 1000 characters. */
 int32_t ASAME(const char* a, size_t aLength, const char* b, size_t bLength);
-/* ASAME with case counting. */
+/* ASAME, but case counts. */
 int32_t ASAMECS(const char* a, size_t aLength, const char* b, size_t bLength);
-/* The key stands anywhere in the text, case ignored. A blank key is always found. */
+/* The key is anywhere in the text, ignoring case. A blank key is always found. */
 int32_t FLAGEXISTS(const char* text, size_t textLength, const char* key, size_t keyLength);
-/* FLAGEXISTS; `rest` is the text behind the key as it stands, blank where the key is not found. */
+/* FLAGEXISTS; `rest` becomes the text after the key, unchanged, or blank if the key is missing. */
 int32_t FLAGEXISTSRET(const char* text, size_t textLength, const char* key, size_t keyLength, char* rest,
                       size_t restLength);
-/* Removes tabs in place; nothing is left? */
+/* Removes tabs in place. True if nothing is left. */
 int32_t BLANK(char* text, size_t textLength);
 /* Left-trims in place and cuts at the first "#" or "!", in quotes too. True when the text was empty or began with
  * one. */
@@ -39,7 +39,7 @@ int32_t COMMENTLINE(char* text, size_t textLength);
 /* Left-trims in place. True when the text is empty or begins with a digit, "-" or ".". */
 int32_t NUMBERLINE(char* text, size_t textLength);
 /* The length without trailing blanks and zero bytes. Where that is above 0 and below `textLength`, the next
- * character becomes a zero byte and all behind it blanks. */
+ * character becomes a zero byte and all after it blanks. */
 int32_t LENSL(char* text, size_t textLength);
 /* Left-trims in place. True when there is something and it is all digits. */
 int32_t POSITIVEINTEGERNUMBER(char* text, size_t textLength);
@@ -51,7 +51,7 @@ int32_t CHECKINT8(const char* text, size_t textLength, int64_t* value);
 
 /* --- Changing text -------------------------------------------------------------------------------------------------- */
 
-/* Without leading blanks; tabs are no blanks. */
+/* Without leading blanks; tabs are not blanks. */
 void TRIMF(char* result, size_t resultLength, const char* text, size_t textLength);
 /* a to z and A to Z only; other bytes stay. */
 void UPPERCASE(char* result, size_t resultLength, const char* text, size_t textLength);
@@ -98,7 +98,7 @@ void AREALD8(char* result, size_t resultLength, double value, int32_t decimals);
 
 /* --- Counting and fields -------------------------------------------------------------------------------------------- */
 
-/* Position of the first comma outside quotes of either kind; 0 when there is none. */
+/* Position of the first comma outside quotes of either kind; 0 without one. */
 int32_t NEXTCOMMA(const char* text, size_t textLength);
 /* 0 for a blank text, otherwise one more than the occurrences of the separator, of which every blank counts. */
 int32_t NUMBEROFSUBSTRINGS(const char* text, size_t textLength, const char* separator, size_t separatorLength);
@@ -106,8 +106,8 @@ int32_t NUMBEROFSUBSTRINGS(const char* text, size_t textLength, const char* sepa
  * the excess. */
 void SUBSTRING(char* result, size_t resultLength, const char* text, size_t textLength, const char* separator,
                size_t separatorLength, int32_t n);
-/* How many numbers stand in the text, an empty field between commas being one; negative when a character is met
- * that belongs to no number. */
+/* How many numbers the text holds, an empty field between commas being one; negative if a character belongs to no
+ * number. */
 int32_t NUMBEROFNUMBERS(const char* text, size_t textLength);
 /* Days of a date YYYYMMDD since the start of 2000 by years of 365 days; -1 when it cannot be read. */
 int32_t NUMBEROFDAYS(const char* date, size_t dateLength);
@@ -124,12 +124,12 @@ void FILENAMEPATH(char* result, size_t resultLength, const char* name, size_t na
 void FILENAME(char* result, size_t resultLength, const char* name, size_t nameLength);
 /* Without folder. */
 void FILENAMEEXT(char* result, size_t resultLength, const char* name, size_t nameLength);
-/* The tail of FILENAME from its last "_", lower-cased; blank where a folder stands before it that is longer. */
+/* The tail of FILENAME from its last "_", lower-cased; blank if a folder before it is longer. */
 void FILE___EXT(char* result, size_t resultLength, const char* name, size_t nameLength);
 /* FILENAME and FILENAMEPATH cut at their last "_". */
 void FILENAMENO_(char* result, size_t resultLength, const char* name, size_t nameLength);
 void FILENAMEPATHNO_(char* result, size_t resultLength, const char* name, size_t nameLength);
-/* The folder with its last separator; blank when there is none. */
+/* The folder with its last separator; blank without one. */
 void FILEFOLDERPATH(char* result, size_t resultLength, const char* name, size_t nameLength);
 /* `name` as seen from `folder`, joined by \, its ..\ and .\ steps resolved. */
 void ADDFOLDER(char* result, size_t resultLength, const char* folder, size_t folderLength, const char* name,
@@ -175,7 +175,7 @@ float VECTOR_MAGNITUDE(float u, float v);
 /* --- Regions, triangles, elements ----------------------------------------------------------------------------------- */
 
 /* The point lies inside the region of `np` vertices in `nr` rings. Ring k ends at its closing vertex ir[k-1]; the
- * slot behind that repeats the ring's second vertex and belongs to np. `xmin` is the least x of the vertices, or
+ * slot after that repeats the ring's second vertex and belongs to np. `xmin` is the least x of the vertices, or
  * less. Rings that end before the vertices do end the run. */
 int32_t INSIDE_POLYGON(float px, float py, const float* x, const float* y, int32_t np, float xmin, const int32_t* ir,
                        int32_t nr);
@@ -219,12 +219,12 @@ void SET_SUB_GRID_AREA(const float* u, const float* v, int32_t n, float size, in
                        int32_t* iLow, int32_t* jLow, int32_t* iHigh, int32_t* jHigh, float* umin, float* umax,
                        float* vmin, float* vmax);
 
-/* Marks the cells of a window that a region passes over on the middle line of their row: `flags` has a byte for each
+/* Marks the cells of a window that a region covers on the middle line of their row: `flags` has a byte for each
  * cell, row by row from the south, and gets 1 or 0. The region is laid out as for INSIDE_POLYGON; the window includes
- * both its ends. Gives the count of marked cells. */
+ * both its ends. Returns the count of marked cells. */
 int64_t grid_inside_polygon(const float* u, const float* v, int32_t np, const int32_t* ir, int32_t nr, float size,
                             int32_t firstRow, int32_t lastRow, int32_t firstColumn, int32_t lastColumn, uint8_t* flags);
-/* The cells that the segment from point 1 to point 2 passes through, in its order, into arrays of `limit`; gives their
+/* The cells that the segment from point 1 to point 2 passes through, in its order, into arrays of `limit`; returns their
  * count. More cells end the run. */
 int32_t gridline(float u1, float v1, float u2, float v2, float size, int32_t limit, int32_t* rows, int32_t* columns);
 
@@ -243,7 +243,7 @@ struct gridforgeMessages {
     int32_t checkMifUnit; /* GIS layer of checks */
     int32_t checkMidUnit;
     char line[4][GRIDFORGE_MESSAGE_WIDTH];
-    char prefix[4]; /* goes ahead of line 1 */
+    char prefix[4]; /* goes before line 1 */
     double labelDx; /* offsets of the label in the GIS layer */
     double labelDy;
     int32_t errorCount; /* all messages by class */
@@ -259,7 +259,7 @@ struct gridforgeMessages {
 };
 extern struct gridforgeMessages DMESSAGES;
 
-/* Writes the message of the record behind `blankLines` empty lines and clears the record. -1: no empty lines; -2
+/* Writes the message of the record after `blankLines` empty lines and clears the record. -1: no empty lines; -2
  * and below: nor to the log. */
 void DMESSAGE(int32_t blankLines);
 /* DMESSAGE with a place, drawn in the GIS layer of its class where one is open. */
@@ -276,18 +276,18 @@ void DLINE(int32_t unit);
 /* Reads a line of the file unit without tabs and comment, cut at `textLength`. False for a line with nothing but a
  * comment. A failed read and the end of the file end the run. */
 int32_t READLINE(int32_t unit, char* text, size_t textLength);
-/* Splits a line at the first `separator`, or where there is none at column `splitColumn` (0: all is left), into
+/* Splits a line at the first `separator`, or without one at column `splitColumn` (0: all is left), into
  * `right` and `left`, neither trimmed. True when `left` holds the key ("*": any) and is not blank. */
 int32_t CHECKLINE(const char* line, size_t lineLength, const char* key, size_t keyLength, const char* separator,
                   size_t separatorLength, int32_t splitColumn, char* right, size_t rightLength, char* left,
                   size_t leftLength);
 /* The number of the first comma field that is ASAME with `name`, or `fallback`. Quotes do not count. */
 int32_t CSVCOLUMN(const char* text, size_t textLength, const char* name, size_t nameLength, int32_t fallback);
-/* The real in comma field `column`; false with 0.0 when there is none. */
+/* The real in comma field `column`; false with 0.0 if the field is missing or cannot be read. */
 int32_t CSVVALUE(const char* text, size_t textLength, int32_t column, float* value);
 /* Comma field `column` outside quotes, without quotes and leading blanks; blank when there are fewer. In a
  * `lowerLine` of 100000 characters a value `key = value` is looked for first, the key with all the blanks of its
- * padding; one without "=" behind the key ends the run. EXTRACTSTRINGREM takes the rest of the line as the value
+ * padding; one without "=" after the key ends the run. EXTRACTSTRINGREM takes the rest of the line as the value
  * of a key. */
 void EXTRACTSTRING(char* result, size_t resultLength, const char* line, size_t lineLength, const char* lowerLine,
                    size_t lowerLineLength, const char* key, size_t keyLength, int32_t column);
@@ -305,7 +305,7 @@ float EXTRACTREAL(const char* line, size_t lineLength, const char* lowerLine, si
 
 /* One object of a layer: its kind and parts. */
 struct gisO {
-    int32_t none; /* logicals: exactly one kind is true, but for center */
+    int32_t none; /* logicals: exactly one kind is true, except for center */
     int32_t point;
     int32_t line;
     int32_t pline;
@@ -334,27 +334,27 @@ struct gisAttribute {
 
 /* All take the handle of an open layer, 1 to 100. Handles that are none, and files that cannot be read, end the run. */
 
-/* Reads the header; the reader stands at the first object. */
+/* Reads the header and stops at the first object. */
 void gisReadHeader(int32_t gisID);
-/* Columns of the layer, behind gisReadHeader. */
+/* Columns of the layer, after gisReadHeader. */
 int32_t gisNumberAttributes(int32_t gisID);
 /* Lines of the .mid, which is rewound, or the record count of the .dbf header. */
 int32_t gisNumberRecords(int32_t gisID);
-/* Back to the first object. */
+/* Goes back to the first object. */
 void gisGotoBeginningOfData(int32_t gisID);
 /* .mif only: back to the definitions of the columns, and their count. False, with a warning and a wait for Enter,
  * where they cannot be found. */
 int32_t gisGotoBeginningOfAttributes(int32_t gisID, int32_t* count);
 /* .mif only: the next definition of a column. */
 void gisReadAttributeDefinition(int32_t gisID, struct gisAttribute* definition);
-/* Clears `object` and reads the kind of the next object; false when there is none. */
+/* Clears `object` and reads the kind of the next object; false at the end of the layer. */
 int32_t gisObjectType(int32_t gisID, struct gisO* object);
 /* The object's attributes as one comma-separated line, text in double quotes with those inside doubled, cut at
  * `lineLength`. */
 void gisReadRecord(int32_t gisID, const struct gisO* object, char* line, size_t lineLength);
 /* The object's vertices into arrays of `maxVertices`, at least 2; their number, the centre, and for lines the
- * direction in degrees and the length. More vertices end the run. Without `readCoordinates` they are passed over,
- * but for the first of a .mif. What a kind does not have stays, but `angle` and `length` become 0. A ring of a
+ * direction in degrees and the length. More vertices end the run. Without `readCoordinates` they are skipped,
+ * except the first of a .mif. Values that a kind does not have stay, but `angle` and `length` become 0. A ring of a
  * region takes a vertex more than it has, the slot of INSIDE_POLYGON, and `np` counts that too. */
 void gisReadObject(int32_t gisID, struct gisO* object, double* x, double* y, int32_t maxVertices, int32_t* np,
                    double* xc, double* yc, float* angle, float* length, int32_t readCoordinates);

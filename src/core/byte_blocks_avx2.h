@@ -13,9 +13,9 @@ namespace gridforge::inline core {
 
 inline constexpr std::size_t kByteBlock = 64;
 
-// For each byte of a block a bit, the first in the lowest.
+// A bit for each byte of a block, that of the first byte lowest.
 struct ByteBlock {
-    std::uint64_t values; // all that is no isSeparator
+    std::uint64_t values; // every byte that is no separator
     std::uint64_t commas;
     std::uint64_t lineEnds;
     std::uint64_t returns;

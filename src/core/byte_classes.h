@@ -1,4 +1,4 @@
-// What a byte of text is to those who look for numbers in it.
+// The classes of bytes that readers of numbers tell apart.
 #pragma once
 
 namespace gridforge::inline core {
@@ -23,7 +23,7 @@ constexpr bool isQuote(char c)
     return c == '"' || c == '\'';
 }
 
-// What stands between free-form values, line ends included.
+// A byte between free-form values; line ends are among them.
 constexpr bool isSeparator(char c)
 {
     return isBlank(c) || c == ',' || c == '\n' || c == '\r';

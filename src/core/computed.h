@@ -1,4 +1,4 @@
-// Computed values that must not depend on the processor, or on how the compiler arranged a loop.
+// Computed values that must not depend on the processor or on how the compiler arranged a loop.
 #pragma once
 
 #include <bit>

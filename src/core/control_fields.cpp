@@ -16,8 +16,8 @@ std::string bareValue(std::string_view value)
     return std::string(trim(REMOVEQUOTES(value)));
 }
 
-// The rest of the line after the key; nothing without the key. The key is searched with all blanks of its work
-// space, so no line shorter than that holds it; on purpose: control files rely on the columns.
+// The rest of the line after the key; nothing without the key. The key is searched with all the blanks of its work
+// space, so no line shorter than that holds it, on purpose: control files rely on the columns.
 std::optional<std::string_view> afterKey(std::string_view line, std::string_view lowerLine, std::string_view key)
 {
     if (lowerLine.size() < kWorkWidth) {

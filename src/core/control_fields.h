@@ -34,8 +34,8 @@ std::optional<std::string_view> commaField(std::string_view line, std::int32_t c
 
 enum class ValueEnd { atComma, atLineEnd };
 
-// The value of `key = value` in the line, up to its `end`, or of comma field `column` outside quotes where the line does
-// not hold the key; without quotes. Nothing if no "=" follows the key.
+// The value of `key = value` in the line, up to its `end`; of comma field `column` outside quotes if the line lacks the
+// key. Quotes are removed. Nothing if no "=" follows the key.
 std::optional<std::string> keyOrColumnValue(std::string_view line, std::string_view lowerLine, std::string_view key,
                                             std::int32_t column, ValueEnd end);
 

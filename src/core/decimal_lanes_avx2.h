@@ -1,5 +1,5 @@
-// Plain decimals out of text, four at a time: an optional minus, digits and at most one point in at most 16 characters.
-// Whatever else a value may be is refused here, and goes to parseNumber.
+// Reads plain decimals, four at a time: an optional minus, digits and at most one point in at most 16 characters. Any
+// other value is refused here and goes to parseNumber.
 #pragma once
 
 #include "core/simd.h"
@@ -27,7 +27,7 @@ alignas(16) inline constexpr auto kLastBytes = [] {
     return mask;
 }();
 
-// [i] moves the bytes before the point at byte i up by one, over it; [16] is for no point.
+// [i] moves the bytes before the point at byte i up by one, over the point; [16] moves nothing.
 alignas(16) inline constexpr auto kOverPoint = [] {
     std::array<std::array<std::uint8_t, kLane>, kLane + 1> moves{};
     for (std::size_t i = 0; i <= kLane; ++i) {
@@ -39,7 +39,7 @@ alignas(16) inline constexpr auto kOverPoint = [] {
     return moves;
 }();
 
-// [i] is what 16 digits with the point at byte i are to be divided by.
+// [i] divides 16 digits whose point was at byte i.
 inline constexpr std::array<double, kLane + 1> kPointPowers = {1e15, 1e14, 1e13, 1e12, 1e11, 1e10, 1e9, 1e8, 1e7,
                                                                1e6,  1e5,  1e4,  1e3,  1e2,  1e1,  1,   1};
 
@@ -49,7 +49,7 @@ GRIDFORGE_AVX2 inline __m256i loadPair(const void* low, const void* high)
                                    _mm_loadu_si128(static_cast<const __m128i*>(high)), 1);
 }
 
-// Two values at the ends of two lanes: digits without sign and point, and what has been found in their place.
+// Two values at the ends of two lanes: their digits without sign and point, and where these were.
 struct DigitPair {
     __m256i digits;
     __m256i minus;    // not 0 in the lane of a negative value
@@ -73,7 +73,7 @@ GRIDFORGE_AVX2 inline DigitPair digitPair(const char* end0, std::size_t length0,
     const auto points = static_cast<std::uint32_t>(_mm256_movemask_epi8(point));
     pair.points[0] = _tzcnt_u32(points | 0x10000U);
     pair.points[1] = _tzcnt_u32(points >> 16 | 0x10000U);
-    // A second point stays, and is no digit.
+    // A second point stays and is refused as no digit.
     pair.digits = _mm256_shuffle_epi8(_mm256_andnot_si256(pair.minus, text),
                                       loadPair(kOverPoint[pair.points[0]].data(), kOverPoint[pair.points[1]].data()));
     return pair;
@@ -87,7 +87,7 @@ GRIDFORGE_AVX2 inline __m256d digitsToNumbers(__m256i a, __m256i b)
     const __m256i foursA = _mm256_madd_epi16(_mm256_maddubs_epi16(a, tens), hundreds);
     const __m256i foursB = _mm256_madd_epi16(_mm256_maddubs_epi16(b, tens), hundreds);
     const __m256i eights = _mm256_madd_epi16(_mm256_packus_epi32(foursA, foursB), _mm256_set1_epi32(1 << 16 | 10000));
-    // 32 bits under the exponent of 2^52 are already a double, with 2^52 added.
+    // An integer below 2^32 put into the lower half of 2^52 is a double: 2^52 plus the integer.
     const __m256d big = _mm256_set1_pd(0x1p52);
     const __m256i high = _mm256_blend_epi32(eights, _mm256_castpd_si256(big), 0xAA);
     const __m256i low = _mm256_or_si256(_mm256_srli_epi64(eights, 32), _mm256_castpd_si256(big));
@@ -103,14 +103,14 @@ GRIDFORGE_AVX2 inline __m256i isZero(__m256i a, __m256i b)
 
 } // namespace lanes
 
-// Four values. Up to 15 digits, and all under 2^53, are rounded correctly; 16 digits may be off by a last place.
+// Four values. Those of up to 15 digits or below 2^53 are rounded correctly; others of 16 may be off in the last place.
 struct DecimalQuad {
     __m256d magnitudes;
     __m256d signs;
-    __m256i refused; // not 0 in the lane of what is no such decimal
+    __m256i refused; // not 0 in the lane of a value that is no such decimal
 };
 
-// The values that end before each of `ends` and are so long, up to kLane. Looks at the 16 bytes before each end.
+// The values of these lengths, up to kLane, that end before `ends`. Reads the 16 bytes before each end.
 GRIDFORGE_AVX2 inline DecimalQuad decimalQuad(const std::array<const char*, 4>& ends,
                                               const std::array<std::size_t, 4>& lengths)
 {
@@ -127,7 +127,7 @@ GRIDFORGE_AVX2 inline DecimalQuad decimalQuad(const std::array<const char*, 4>& 
     return quad;
 }
 
-// False where one is refused or so near a midpoint that its rounding is open; `target` is written to all the same.
+// False if one is refused, or so near a midpoint that its rounding is open. Writes to `target` in any case.
 GRIDFORGE_AVX2 inline bool storeFloats(const DecimalQuad& quad, float* target)
 {
     _mm_storeu_ps(target, _mm256_cvtpd_ps(_mm256_or_pd(quad.magnitudes, quad.signs)));
@@ -139,11 +139,11 @@ GRIDFORGE_AVX2 inline bool storeFloats(const DecimalQuad& quad, float* target)
     return _mm256_testz_si256(bad, bad) != 0;
 }
 
-// False where one is refused or has more digits than a double; `target` is written to all the same.
+// False if one is refused or has more digits than a double. Writes to `target` in any case.
 GRIDFORGE_AVX2 inline bool storeDoubles(const DecimalQuad& quad, double* target)
 {
     _mm256_storeu_pd(target, _mm256_or_pd(quad.magnitudes, quad.signs));
-    // Only 16 digits without a point come so far.
+    // Only 16 digits without a point reach this.
     const __m256d inexact = _mm256_cmp_pd(quad.magnitudes, _mm256_set1_pd(0x1p53), _CMP_GE_OQ);
     const __m256i bad = _mm256_or_si256(quad.refused, _mm256_castpd_si256(inexact));
     return _mm256_testz_si256(bad, bad) != 0;

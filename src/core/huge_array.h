@@ -1,5 +1,5 @@
-// A large array of plain values, zero at first. Its memory comes from the heap unless there is a better source: fresh
-// memory is dear, and the host has it in huge pages.
+// A large array of plain values, zero at first. Its memory comes from the heap unless `usePages` names a better source:
+// fresh memory is expensive, and the host has it in huge pages.
 #pragma once
 
 #include <cstddef>
@@ -13,10 +13,10 @@ struct PageSource {
     void* (*take)(std::size_t bytes);
     void (*release)(void* pages, std::size_t bytes);
 };
-// Comes before the first large array, as each goes back to where it came from. Always true.
+// Call it before the first large array, because each is released to the source in use. Returns true.
 bool usePages(PageSource source) noexcept;
 
-// Zeroed bytes, or nullptr when they cannot be had; released with the same size.
+// Zeroed bytes, null if out of memory. Release them with the same size.
 void* takePages(std::size_t bytes);
 void releasePages(void* pages, std::size_t bytes);
 
@@ -40,7 +40,7 @@ public:
         return *this;
     }
 
-    // Gives up what it held and takes `size` zeros; false, and empty, when the memory cannot be had.
+    // Releases what it held and takes `size` zeros. False, and empty, if out of memory.
     [[nodiscard]] bool allocate(std::size_t size)
     {
         release();

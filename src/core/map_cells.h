@@ -1,5 +1,5 @@
-// Loops over cells. They are meant to be inlined, so that they vectorise with what is done to a cell: that should compute
-// before it chooses, and join conditions by & and |, not by && and ||, which are branches.
+// Loops over cells, to be inlined so that they vectorise together with what is done to a cell. That should compute before
+// it chooses, and join conditions by & and |, because && and || are branches.
 #pragma once
 
 #include <algorithm>
@@ -57,7 +57,7 @@ void updateCells(std::span<float> kept, std::span<const float> cells, Of of)
     }
 }
 
-// How many cells there are for which `is` holds. Counts in 32 bits stretch by stretch, as that is what vectorises well.
+// How many cells `is` holds for. Counts in 32 bits stretch by stretch, because that vectorises well.
 template <typename Is>
 std::int64_t countCells(std::span<const float> cells, Is is)
 {

@@ -32,7 +32,8 @@ std::string_view extension(std::string_view name)
     return dot > lastSeparator(name) ? name.substr(dot - 1) : std::string_view();
 }
 
-// The name before its last `mark`, where that stands above 1 and behind the last separator; otherwise the whole name.
+// The name before its last `mark` if that is neither the first character nor before the last separator; otherwise the
+// whole name.
 std::string beforeMark(std::string_view name, char mark)
 {
     const std::size_t at = lastOf(name, mark);
@@ -78,7 +79,7 @@ std::string FILEFOLDERPATH(std::string_view name)
 std::string CLEANPATH(std::string_view name)
 {
     std::string text = TRIMF(trimRight(name));
-    // Each search gives the first place of its pair, so a leading pair ends the loop and later ones stay; deliberate.
+    // Each search returns the first place of its pair, so after a leading pair later ones stay. Callers rely on it.
     for (;;) {
         const std::size_t at = std::max(text.find("\\\\") + 1, text.find("//") + 1);
         if (at <= 1) {

@@ -1,5 +1,5 @@
-// File names as text: their folder, stem and extension. Both "\" and "/" separate folders.
-// Nothing here touches the file system.
+// File names as text: their folder, stem and extension. Both "\" and "/" separate folders. Nothing here asks the file
+// system.
 #pragma once
 
 #include <string>
@@ -7,13 +7,13 @@
 
 namespace gridforge::inline core {
 
-std::string FILEEXT(std::string_view name);      // ".asc", lower-cased; blank when none or when the dot is in a folder
+std::string FILEEXT(std::string_view name);      // ".asc", lower-cased; blank without one, or if the dot is in a folder
 std::string FILENAMEPATH(std::string_view name); // the whole name without extension
 std::string FILENAME(std::string_view name);     // without folder and extension
 std::string FILENAMEEXT(std::string_view name);  // without folder
-std::string FILEFOLDERPATH(std::string_view name); // the folder with its last separator; blank when none
+std::string FILEFOLDERPATH(std::string_view name); // the folder with its last separator; blank without one
 
-// Left-trims and takes doubled separators together, but for those of a share name at the head.
+// Left-trims and reduces doubled separators to one, except at the head of a share name.
 std::string CLEANPATH(std::string_view name);
 
 } // namespace gridforge::inline core

@@ -38,7 +38,8 @@ std::size_t digitsAt(std::string_view text, std::size_t at)
     return at - start;
 }
 
-// An unsigned plain real: digits with at most one point and an optional exponent. Tells where the exponent's letter stands.
+// An unsigned plain real: digits with at most one point and an optional exponent. `exponentAt` becomes the place of its
+// letter, npos without one.
 bool isPlainReal(std::string_view text, std::size_t& exponentAt)
 {
     std::size_t at = digitsAt(text, 0);
@@ -85,7 +86,7 @@ bool convertPlain(std::string_view text, Real& value)
     if (error == std::errc()) {
         return true;
     }
-    // Out of range: too large is a failure, too small the nearest value, which from_chars does not tell.
+    // Out of range: too large is a failure, too small becomes the nearest value, which from_chars does not return.
     value = toReal<Real>(std::string(text).c_str());
     return std::isfinite(value);
 }
@@ -156,7 +157,7 @@ bool parseNumber(std::string_view token, double& target)
 
 // --- Free-form reading -----------------------------------------------------------------------------------------------
 
-// Behind a value stand blanks and at most one comma.
+// After a value come blanks and at most one comma.
 void FreeForm::passSeparator()
 {
     while (at_ < text_.size() && isBlank(text_[at_])) {
@@ -335,7 +336,7 @@ std::int32_t floorToInt(double value)
 
 namespace {
 
-// What stands in place of a value that does not fit.
+// Replaces a value that does not fit.
 std::string fullField(int width)
 {
     return std::string(static_cast<std::size_t>(std::max(width, 0)), '*');
@@ -382,7 +383,7 @@ std::string realField(double value, int width, int decimals)
 {
     constexpr int kShortField = 8;
     if (std::isfinite(value) && decimals >= width) {
-        return fullField(width); // no room for the point; spares the text of absurdly many decimals
+        return fullField(width); // no room for the point; avoids a text of absurdly many decimals
     }
     std::string text = fixedText(value, decimals);
     if (std::isinf(value) && width < kShortField) {

@@ -21,7 +21,7 @@ enum class FreeValue {
 // What a comma at the end of the text means: nothing, or one more value, which is empty.
 enum class LastComma { separates, holdsEmpty };
 
-// Walks over the values of one text (one line: the caller brings the next when `end` is told and more is wanted).
+// Walks over the values of one text, usually a line: at `end` a caller that wants more starts on the next line.
 class FreeForm {
 public:
     explicit FreeForm(std::string_view text, LastComma lastComma = LastComma::separates)
@@ -29,13 +29,13 @@ public:
     {
     }
 
-    // Integers are an optional sign and digits, out of range is a failure. Reals take one point, an exponent with e or
-    // d, also NaN, Inf and Infinity; too large is a failure, too small the nearest value or 0.
+    // Integers are digits with an optional sign; out of range is a failure. Reals may have a point and an exponent with e
+    // or d, or be NaN, Inf or Infinity; too large is a failure, too small becomes the nearest value or 0.
     FreeValue next(std::int32_t& target);
     FreeValue next(std::int64_t& target);
     FreeValue next(float& target);
     FreeValue next(double& target);
-    // Text may stand in '...' or "..." (a doubled quote is one); it is cut at `width`.
+    // Text may be in '...' or "...", in which a doubled quote counts as one. Cut at `width`.
     FreeValue nextText(std::string& target, std::size_t width);
 
     // The next value as a field that a line has to have: false if it is missing or cannot be read. An empty one leaves its
@@ -62,8 +62,8 @@ private:
     bool afterComma_ = false;
 };
 
-// One value from the head of a text; an empty value before a comma leaves the target and is no failure, an empty text
-// is.
+// One value from the head of a text. An empty value before a comma leaves the target and is no failure; an empty text is
+// one.
 bool readFree(std::string_view text, std::int32_t& target);
 bool readFree(std::string_view text, std::int64_t& target);
 bool readFree(std::string_view text, float& target);
@@ -75,7 +75,7 @@ bool parseNumber(std::string_view token, std::int64_t& target);
 bool parseNumber(std::string_view token, float& target);
 bool parseNumber(std::string_view token, double& target);
 
-// readFree under its name of old.
+// readFree under the name that users know from the documents.
 bool CHECKINT(std::string_view text, std::int32_t& value);
 
 // --- Real to integer, held at the 32-bit limits; not-a-number gives 0 -----------------------------------------------
@@ -90,8 +90,8 @@ std::int32_t floorToInt(double value);
 // Fixed notation with `decimals` decimals (the point always stands), no padding: "12.500", "12.", "-0.250", "NaN",
 // "Infinity". A leading zero is written.
 std::string fixedText(double value, int decimals);
-// The same right-justified in `width`. A leading zero goes where it alone makes the text too wide; what still does not
-// fit is a field of "*". Infinity is "Inf" in fields under 8.
+// The same right-justified in `width`. A leading zero is dropped if the text is too wide only because of it; what still
+// does not fit becomes a field of "*". Infinity is "Inf" in fields narrower than 8.
 std::string realField(double value, int width, int decimals);
 // An integer right-justified in `width`, or a field of "*".
 std::string integerField(std::int64_t value, int width);

@@ -1,4 +1,4 @@
-// Text in a field of fixed width that is padded with blanks: how records hold text that programs outside share.
+// Text in a field of fixed width, padded with blanks: the form in records that programs outside share.
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Whom messages ask to contact, which a build may be given. GRIDFORGE_TOOL_NAME, the name of the tool, is part of texts that
-// are put together by the compiler and stays a macro.
+// Whom messages ask users to contact; a build may set it. The name of the tool stays a macro, GRIDFORGE_TOOL_NAME, because
+// the compiler joins it with other texts.
 #pragma once
 
 #include <string_view>

@@ -1,5 +1,5 @@
-// Vector instructions beyond those that every x86-64 processor has: how a routine is compiled for them, and whether it may be
-// called. A kernel with such a form keeps it in x_avx2.cpp beside x.cpp.
+// Vector instructions that not every x86-64 processor has: how a routine is compiled for them, and whether it may be called.
+// A kernel with such a form keeps it in x_avx2.cpp beside x.cpp.
 #pragma once
 
 #if defined(__x86_64__)
@@ -13,7 +13,7 @@ namespace gridforge::inline core {
 // Whether routines marked GRIDFORGE_AVX2 may be called.
 bool hasAvx2();
 
-// Whether the system lets them be called, which counts until the first question. Returns what it is given.
+// Whether the system allows them. Call it before the first hasAvx2, which keeps its answer. Returns `allowed`.
 bool allowAvx2(bool allowed) noexcept;
 
 } // namespace gridforge::inline core

@@ -25,7 +25,7 @@ std::string_view head(std::string_view text, std::size_t width)
     return text.substr(0, std::min(width, text.size()));
 }
 
-// Place of `key` in `text`, case ignored; npos when it is not there.
+// Place of `key` in `text`, ignoring case, or npos.
 std::size_t findIgnoringCase(std::string_view text, std::string_view key)
 {
     const auto found = std::search(text.begin(), text.end(), key.begin(), key.end(),
@@ -48,7 +48,7 @@ bool isUnseen(char c)
     return isQuote(c) || c == '\t';
 }
 
-// What of a text counts when it is compared with another, but for quotes and tabs inside it.
+// The part of a text that ASAME compares; quotes and tabs inside it are skipped later.
 std::string_view comparable(std::string_view text)
 {
     const auto isPadding = [](char c) { return c == ' ' || isUnseen(c); };
@@ -62,7 +62,7 @@ std::string_view comparable(std::string_view text)
     return text;
 }
 
-// What of a text fits the work space.
+// The part of a text that fits the work space.
 std::string_view content(std::string_view text)
 {
     return trimRight(head(text, kWorkWidth));
@@ -97,7 +97,7 @@ std::string cut(std::string_view text, std::size_t width)
 
 // --- Comparing and finding -------------------------------------------------------------------------------------------
 
-// Compares in place, as it is done for every field of a line.
+// Compares without copies, because it runs for every field of a line.
 bool ASAME(std::string_view a, std::string_view b)
 {
     a = comparable(a);

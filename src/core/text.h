@@ -1,5 +1,5 @@
-// Text without trailing blanks, and the small routines on it that the flag scan, the headers and the control files rest
-// on. Everything is literal and ASCII: only a to z change case. A routine that cuts says at which width.
+// Text without trailing blanks, and the small routines on it that the flag scan, the headers and the control files use.
+// All text is taken literally, and only a to z change case. A routine that cuts says at which width.
 #pragma once
 
 #include <concepts>
@@ -16,7 +16,7 @@ inline constexpr std::size_t kLineWidth = 1000;
 // Width of the work space of the routines on long lines.
 inline constexpr std::size_t kWorkWidth = 100000;
 
-// What some editors put in front of UTF-8 text. It is no part of the text.
+// Some editors begin UTF-8 text with it. It is no part of the text.
 inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // --- Views of a text -------------------------------------------------------------------------------------------------
@@ -59,13 +59,13 @@ inline std::string quoted(std::string_view text)
 
 // --- Comparing and finding -------------------------------------------------------------------------------------------
 
-// The same text but for quotes, tabs, leading and trailing blanks and case, within the first 1000 characters.
+// The same text, ignoring quotes, tabs, leading and trailing blanks and case, within the first 1000 characters.
 bool ASAME(std::string_view a, std::string_view b);
-// The key stands anywhere in the text, case ignored; trailing blanks of both do not count; a blank key is always found.
+// The key is anywhere in the text, ignoring case and the trailing blanks of both. A blank key is always found.
 bool FLAGEXISTS(std::string_view text, std::string_view key);
-// FLAGEXISTS; on a hit `rest` is the text from behind the key, as it stands, on a miss it is blank.
+// FLAGEXISTS; `rest` becomes the text after the key, unchanged, or blank if the key is missing.
 bool FLAGEXISTSRET(std::string_view text, std::string_view key, std::string& rest);
-// Left-trims in place and cuts at the first "#" or "!", in quotes too. True when that leaves nothing to read.
+// Left-trims in place and cuts at the first "#" or "!", in quotes too. True if nothing is left to read.
 bool COMMENTLINE(std::string& text);
 
 // --- Changing text ---------------------------------------------------------------------------------------------------
@@ -82,8 +82,8 @@ std::string CLEANATTRIBUTENAME(std::string_view text);
 
 // --- Counting and fields ---------------------------------------------------------------------------------------------
 
-// Place of the first `wanted` outside quotes; npos when it is not there. Either kind of quote toggles, whichever kind
-// opened; a doubled quote toggles twice and so counts as one character inside.
+// Place of the first `wanted` outside quotes, or npos. A quote of either kind begins or ends quoted text, whichever kind
+// began it, so a doubled quote inside ends nothing.
 std::size_t findOutsideQuotes(std::string_view text, char wanted);
 // Position from 1 of the first comma outside quotes, 0 when none.
 std::int32_t NEXTCOMMA(std::string_view text);

@@ -1,4 +1,4 @@
-// A stretch of memory for each of several workers, taken once for all that they do.
+// A stretch of memory for each of several workers, allocated once for all of their work.
 #pragma once
 
 #include "core/huge_array.h"
@@ -11,7 +11,7 @@ namespace gridforge::inline core {
 template <typename Value>
 class WorkerRooms {
 public:
-    // False where the memory cannot be had.
+    // False if out of memory.
     [[nodiscard]] bool take(std::size_t workers, std::size_t each)
     {
         // A cache line apart, so that two workers never write to the same one.

@@ -1,4 +1,4 @@
-// What all exported routines share: text as callers outside hold it, and no exception that leaves.
+// What all exported routines share: text in the form of outside callers, and no exception that leaves.
 #pragma once
 
 #include "core/text.h"
@@ -36,19 +36,19 @@ auto answer(Work work) -> decltype(work())
         return work();
     } catch (const std::bad_alloc&) {
         failMemory();
-    } catch (const std::length_error&) { // a text longer than any can be
+    } catch (const std::length_error&) { // longer than a text can be
         failMemory();
     }
 }
 
-// Fills `result` with the text that `work` gives.
+// Fills `result` with the text that `work` returns.
 template <typename Work>
 void give(char* result, std::size_t resultLength, Work work)
 {
     answer([&] { put(work(), result, resultLength); });
 }
 
-// Runs a routine that changes its text in place and gives a logical.
+// Runs a routine that changes its text in place and returns a logical.
 inline std::int32_t askInPlace(bool (*routine)(std::string&), char* text, std::size_t length)
 {
     return answer([&] {

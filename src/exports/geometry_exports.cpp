@@ -18,7 +18,7 @@ using gridforge::exports::answer;
 
 namespace {
 
-// A count below 0 is none.
+// A count below 0 counts as 0.
 std::int32_t held(std::int32_t count)
 {
     return std::max(count, 0);

@@ -1,5 +1,5 @@
-// Which cells of a lattice a region or a segment passes over, in grid axes: u along the columns and v along the rows, cell
-// n from (n - 1) x size to n x size. Only callers from outside use them.
+// The cells of a lattice that a region or a segment covers, in grid axes: u along the columns and v along the rows, cell n
+// from (n - 1) x size to n x size. Only outside callers use them.
 #pragma once
 
 #include "plane/cell_window.h"
@@ -22,9 +22,9 @@ struct LatticeCell {
 // The cell that holds a place. Below the axes cells are numbered from 0 down.
 LatticeCell latticeCell(float u, float v, float size);
 
-// Marks the cells of the window that a region passes over on the middle line of their row: flags[i] becomes 1 or 0, row
-// by row from the south. The region is laid out as for INSIDE_POLYGON; a ring that enters and leaves within one cell
-// leaves that cell out. `flags` has the window's cells. Returns the count of marked cells; nothing if the rings end before
+// Marks the cells of the window that a region covers on the middle line of their row: flags[i] becomes 1 or 0, row by row
+// from the south. The region has the layout of INSIDE_POLYGON. A ring that enters and leaves within one cell does not
+// mark that cell. `flags` has the window's cells. Returns the count of marked cells; nothing if the rings end before
 // the vertices and the window is not empty.
 std::optional<std::int64_t> grid_inside_polygon(std::span<const float> u, std::span<const float> v, std::int32_t np,
                                                 std::span<const std::int32_t> ir, std::int32_t nr, float size,

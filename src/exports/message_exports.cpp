@@ -84,11 +84,11 @@ std::int32_t CHECKLINE(const char* line, std::size_t lineLength, const char* key
                        std::size_t rightLength, char* left, std::size_t leftLength)
 {
     return answer([&] {
-        std::string behind;
+        std::string after;
         std::string before;
         const bool result = gridforge::CHECKLINE(content(line, lineLength), content(key, keyLength),
-                                                 {separator, separatorLength}, splitColumn, behind, before);
-        put(behind, right, rightLength);
+                                                 {separator, separatorLength}, splitColumn, after, before);
+        put(after, right, rightLength);
         put(before, left, leftLength);
         return static_cast<std::int32_t>(result);
     });

@@ -1,4 +1,4 @@
-// Messages that only callers from outside send: with a place, drawn in a GIS message layer.
+// Messages with a place, drawn in a GIS message layer. Only outside callers send them.
 #pragma once
 
 #include <cstdint>

@@ -23,7 +23,8 @@ std::string_view held(std::string_view name)
     return trimRight(name.substr(0, kNameWidth));
 }
 
-// The name before its last "_", where that stands above 1 and after the last separator; otherwise the whole name.
+// The name before its last "_" if that is neither the first character nor before the last separator; otherwise the whole
+// name.
 std::string beforeUnderscore(std::string_view name)
 {
     const std::size_t at = name.rfind('_') + 1;

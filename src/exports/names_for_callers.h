@@ -1,4 +1,4 @@
-// Routines on file names that only callers from outside use.
+// Routines on file names that only outside callers use.
 #pragma once
 
 #include <string>

@@ -22,7 +22,7 @@ constexpr float kNoDepth = 1e-5F;
 
 float ANGLE2D(double x1, double y1, double x2, double y2, double x3, double y3, double x4, double y4)
 {
-    // Only the x differences count, so an upright segment has no angle to any other; deliberate.
+    // Only the x differences count, so an upright segment has no angle to any other, on purpose: callers rely on it.
     constexpr double kLeast = kNoLength;
     if (std::abs(x2 - x1) < kLeast || std::abs(x4 - x3) < kLeast) {
         return 0;
@@ -132,7 +132,7 @@ SubGridArea SET_SUB_GRID_AREA(std::span<const float> u, std::span<const float> v
     if (u.empty()) {
         return {};
     }
-    // One is added behind the comparison, since a far coordinate already stands at the limit of the integers.
+    // Adds one after the comparison, because a far coordinate is already at the limit of the integers.
     const auto low = [size](float least, std::int32_t limit) {
         return least < 0 ? 0 : std::min(truncateToInt(least / size), limit) + 1;
     };

@@ -1,4 +1,4 @@
-// Routines in the plane that only callers from outside use. As in plane/geometry.h, distances and sides drop to single
+// Routines in the plane that only outside callers use. As in plane/geometry.h, distances and sides drop to single
 // partway in the routines of double coordinates, and callers rely on these roundings.
 #pragma once
 

@@ -33,7 +33,7 @@ float distance(double x1, double y1, double x2, double y2)
     return DISTANCE_8(x1, y1, x2, y2);
 }
 
-// The value at `part` of `whole` on the way from z1 to z2; in the middle where the way has no length.
+// The value at `part` of `whole` on the way from z1 to z2; in the middle if `whole` has no length.
 float along(float z1, float z2, float part, float whole)
 {
     if (whole < kNoLength) {
@@ -42,7 +42,7 @@ float along(float z1, float z2, float part, float whole)
     return z1 + (z2 - z1) * part / whole;
 }
 
-// The double form divides first and rounds the share, unlike the single form; deliberate.
+// The double form divides first and rounds the share, unlike the single form, on purpose: callers rely on it.
 float along(float z1, float z2, double part, double whole)
 {
     if (whole < double{kNoLength}) {
@@ -117,7 +117,7 @@ float interpolateUnchecked(Real px, Real py, std::span<const Real, 3> x, std::sp
     return along(z[2], zq, c, e);
 }
 
-// The value in the triangle of three vertices of an element; false outside of it.
+// The value in the triangle of three vertices of an element; false outside it.
 bool interpolateInside(double px, double py, const std::array<std::size_t, 3>& corners, std::span<const double> x,
                        std::span<const double> y, std::span<const float> z, double xmin, float& zi)
 {

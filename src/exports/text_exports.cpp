@@ -52,9 +52,9 @@ std::int32_t FLAGEXISTSRET(const char* text, std::size_t textLength, const char*
                            std::size_t restLength)
 {
     return answer([&] {
-        std::string behind;
-        const bool found = gridforge::FLAGEXISTSRET({text, textLength}, {key, keyLength}, behind);
-        put(behind, rest, restLength);
+        std::string after;
+        const bool found = gridforge::FLAGEXISTSRET({text, textLength}, {key, keyLength}, after);
+        put(after, rest, restLength);
         return static_cast<std::int32_t>(found);
     });
 }

@@ -13,7 +13,7 @@ namespace gridforge::exports {
 
 namespace {
 
-// What of a text fits the work space.
+// The part of a text that fits the work space.
 std::string_view inWorkSpace(std::string_view text)
 {
     return trimRight(text.substr(0, kWorkWidth));
@@ -24,7 +24,7 @@ void trimLeftInPlace(std::string& text)
     text.erase(0, text.size() - trimLeft(text).size());
 }
 
-// What of a text counts when it is compared with another, as for ASAME.
+// The part of a text that is compared, as in ASAME.
 std::string seen(std::string_view text)
 {
     std::string result(text.substr(0, kNameWidth));
@@ -39,7 +39,7 @@ std::string without(std::string_view text, char dropped)
     return result;
 }
 
-// Replaces the first occurrence in place; false when there is none.
+// Replaces the first occurrence in place; false if none is found.
 bool replaceFirst(std::string& text, std::string_view find, std::string_view with)
 {
     const std::size_t at = find.empty() ? std::string::npos : UPPERCASE(text).find(UPPERCASE(find));
@@ -195,7 +195,7 @@ std::int32_t NUMBEROFNUMBERS(std::string_view text)
         } else if (c == '!' || c == '#') {
             return count;
         } else if (isBlank(c)) {
-            inNumber = false; // after a comma it is so already
+            inNumber = false; // after a comma it is false already
         } else if (c == ',') {
             if (!inNumber && afterComma) {
                 ++count; // an empty field is a number

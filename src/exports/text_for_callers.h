@@ -1,4 +1,4 @@
-// Routines on texts, dates and fields that only callers from outside use.
+// Routines on texts, dates and fields that only outside callers use.
 #pragma once
 
 #include <cstdint>
@@ -9,9 +9,9 @@ namespace gridforge::exports {
 
 // --- Comparing and finding -------------------------------------------------------------------------------------------
 
-// ASAME with case counting.
+// ASAME, but case counts.
 bool ASAMECS(std::string_view a, std::string_view b);
-// Removes tabs in place; nothing is left?
+// Removes tabs in place. True if nothing is left.
 bool BLANK(std::string& text);
 // Left-trims in place. True when the text is empty or begins with a digit, "-" or ".".
 bool NUMBERLINE(std::string& text);
@@ -40,10 +40,10 @@ void SPLITFIRSTWORD(std::string& word, std::string& text);
 // 0 for a blank text, otherwise one more than the separators in it.
 std::int32_t NUMBEROFSUBSTRINGS(std::string_view text, std::string_view separator);
 // The n-th field from 1, left-trimmed; blank when there are fewer. Separators longer than one character put the fields
-// off by the excess on both sides, as callers of old rely on.
+// off by the excess on both sides, on purpose: callers rely on it.
 std::string SUBSTRING(std::string_view text, std::string_view separator, std::int32_t n);
-// How many numbers stand in the text, an empty field between commas counting as one; the negated count when a character
-// that belongs to no number is met.
+// How many numbers the text holds, an empty field between commas counting as one; the negated count if a character belongs
+// to no number.
 std::int32_t NUMBEROFNUMBERS(std::string_view text);
 
 // The number from 1 of the comma field that is ASAME with `name`, or `fallback`. Quotes do not count.

@@ -11,7 +11,7 @@ namespace gridforge::gis {
 inline constexpr std::int32_t kMaxWriteVertices = 100000;
 
 enum class Kind {
-    unknown, // of an object that has not been read; of a polyline without parts
+    unknown, // not read yet, or a polyline without parts
     none,
     point,
     multipoint,
@@ -26,7 +26,7 @@ enum class Kind {
     text
 };
 
-// The lines that follow an object in a .mif, as "    Symbol (37,255,12)". The second goes out only after the first.
+// The lines after an object in a .mif, as "    Symbol (37,255,12)". The second is written only if there is a first.
 struct Style {
     std::string first = {};
     std::string second = {};
@@ -34,7 +34,7 @@ struct Style {
 
 struct Feature {
     Kind kind = Kind::none;
-    std::vector<std::int32_t> parts = {}; // the first vertex of each ring or section, from 1; empty: one part
+    std::vector<std::int32_t> parts = {}; // the first vertex of each ring or section, from 1; empty for one part
     std::vector<double> x = {};           // of regions with the closing vertices
     std::vector<double> y = {};
     std::string record = {}; // the values as one comma-separated line, text in double quotes

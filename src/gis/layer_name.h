@@ -1,4 +1,4 @@
-// What the name of a layer says of its family. Operations that make names of outputs from those of inputs ask here.
+// What the name of a layer says about its family, for operations that make the names of outputs from those of inputs.
 #pragma once
 
 #include <string>
@@ -12,8 +12,8 @@ inline constexpr std::string_view kMifExtension = ".mif";
 bool hasLayerExtension(std::string_view name);
 bool hasMifExtension(std::string_view name);
 
-// The name with folder and without extension. The shapes of a Shapefile may bear the tail of their family, as name_L.shp:
-// that goes too.
+// The name with its folder and without extension. The tail that names the family of shapes of a Shapefile, as in
+// name_L.shp, is dropped too.
 std::string layerStem(std::string_view name, std::string_view family);
 
 } // namespace gridforge::gis

@@ -17,25 +17,25 @@ inline constexpr std::int32_t kMaxParts = 10000; // rings of a region, parts of 
 
 struct LayerObject {
     Kind kind = Kind::unknown;
-    bool centre = false;          // the line that gives the centre of a region, in place of an object
-    bool haveCoordinates = false; // the coordinates have been read; clear() leaves it
+    bool centre = false;          // no object, but the line that gives the centre of a region
+    bool haveCoordinates = false; // the coordinates have been read; clear() does not change it
     // .mif: the count after "Pline Multiple" or "MultiPoint"; .shp: parts of a polyline, points.
     std::int32_t sections = 1;
     std::int32_t rings = 1; // of a region; polylines of a .shp: parts taken so far
-    // parts[k-1] is part k. Regions: the number of the ring's last vertex. Polylines of a .shp: the zero-based part
-    // starts and, after them, the point count. Never empty; readers make it as long as they need.
+    // parts[k-1] is part k. Regions: the number of the ring's last vertex. Polylines of a .shp: the zero-based start of the
+    // part, and after the last one the point count. Never empty; readers make it as long as they need.
     std::vector<std::int32_t> parts = {1};
     std::string name = {};   // the kind as the file spells it, for messages
     std::string record = {}; // the attributes as one comma-separated line, text in double quotes
 
     // No kind, one section, one part from vertex 1, no name. `parts` keeps its length, so that nothing is allocated
-    // again, and the record stays.
+    // again, and `record` stays.
     void clear();
 };
 
-// Arrays that the caller keeps from object to object and that only grow. They hold two slots at least, zero at first. A
-// ring of a region takes one slot more than its vertices: the slot after its closing vertex repeats its second vertex,
-// and np counts that slot too.
+// Arrays that the caller keeps from object to object and that only grow. They have at least two slots, zero at first. A
+// ring of a region has one slot more than vertices: the slot after its closing vertex repeats its second vertex, and np
+// counts that slot too.
 struct Coordinates {
     std::int32_t np = 0;
     std::vector<double> x = std::vector<double>(2);

@@ -1,4 +1,4 @@
-// What operations ask of the objects that they read.
+// Checks that operations make on the objects that they read.
 #pragma once
 
 #include "core/numbers.h"
@@ -19,7 +19,7 @@ bool isRegionObject(const LayerObject& object);
 LayerObject* nextLine(LayerReader& layer, Coordinates& read);
 LayerObject* nextRegion(LayerReader& layer, Coordinates& read);
 
-// The values of a record. A comma at its end holds an empty value: a .dbf with a blank last number gives such lines.
+// The values of a record. An empty value follows a comma at its end: a .dbf with a blank last number gives such lines.
 inline FreeForm recordForm(std::string_view record)
 {
     return FreeForm(record, LastComma::holdsEmpty);

@@ -1,4 +1,4 @@
-// The one place that knows which family of files an extension stands for.
+// The only file that knows which family of files an extension stands for.
 #include "core/names.h"
 #include "core/text.h"
 #include "gis/gis_messages.h"
@@ -34,7 +34,7 @@ Family familyOf(std::string_view name)
     gisFail(join("ERROR 0252 - ", trimRight(extension), " is not a supported GIS file format."));
 }
 
-// Says that the layer is being opened, and finds its ID; the layer that would be the 101st ends the run.
+// Says that the layer is being opened, and finds its ID. A 101st layer ends the run.
 std::int32_t announce(const std::string& name)
 {
     say("Opening GIS Layer: ", name);

@@ -33,7 +33,7 @@ void deriveLine(Coordinates& c)
     c.length = segmentLength(c, 1);
 }
 
-// The point at half of the length, in single precision; the direction is that of the segment that holds it.
+// The point at half the length, in single precision; the direction is that of the segment on which it lies.
 void derivePolyline(Coordinates& c)
 {
     const auto np = static_cast<std::size_t>(std::max(c.np, 0));
@@ -53,9 +53,8 @@ void derivePolyline(Coordinates& c)
     c.angle = directionOf(c, i - 1, i);
 }
 
-// np counts the closing vertex and the slot after it, so a region of one ring gives the mean of its distinct vertices.
-// With several rings the closing vertices and slots of all except the last go into the mean, on purpose: results rely on
-// it.
+// np counts the closing vertex and the slot after it, so for one ring this is the mean of the distinct vertices. With
+// several rings the closing vertices and slots of all except the last count too, on purpose: results rely on it.
 void deriveRegion(Coordinates& c)
 {
     const std::int32_t count = c.np - 2;

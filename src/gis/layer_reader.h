@@ -43,12 +43,12 @@ public:
 
     // The next object with its record, null at the end of the layer. It is valid until the next call.
     LayerObject* next();
-    // The object's coordinates and what is derived from them: centre, and for lines angle and length. More than
-    // `maxVertices` end the run. What a kind does not have stays as it was, except that angle and length start at 0.
+    // The object's coordinates and what is derived from them: the centre, and for lines angle and length. More than
+    // `maxVertices` vertices end the run. Values that a kind does not have stay as they were, but angle and length become 0.
     void readCoordinates(LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices = kMaxReadVertices);
 
     std::int32_t columnCount() const;
-    // The columns as an output layer takes them.
+    // The columns in the form that an output layer needs.
     std::vector<Column> columns() const;
     // Closes the files. The console shows it, so it has its place in the run.
     void close();
@@ -74,22 +74,23 @@ ProjectedLayer openWithProjection(std::string_view fileName);
 OpenLayer& openFiles(std::string_view fileName);
 void readHeader(OpenLayer& layer);
 std::int32_t columnCount(const OpenLayer& layer);
-// Lines of the .mid, which is rewound, or the record count of the .dbf header.
+// The number of lines of the .mid, which is rewound, or of records by the header of the .dbf.
 std::int32_t recordCount(OpenLayer& layer);
 // Back to the first object.
 void rewind(OpenLayer& layer);
-// .mif only: back to the column definitions; their count. False, with a warning and a pause, where it cannot be found.
+// .mif only: goes back to the column definitions and reads their count. False, with a warning and a pause, if it cannot be
+// found.
 bool goToColumns(OpenLayer& layer, std::int32_t& count);
-// .mif only: the next column definition, its name cut at 256 and its type at 24.
+// .mif only: reads the next column definition, its name cut at 256 and its type at 24.
 Column readColumn(OpenLayer& layer);
 // Clears `object` and reads the kind of the next one; false at the end of the layer. This and the next two set `end`.
 bool readKind(OpenLayer& layer, LayerObject& object);
 // The attributes of the object of this name as one line, cut at `width`.
 void readRecord(OpenLayer& layer, std::string_view name, std::string& line, std::size_t width = kRecordWidth);
-// As LayerReader reads them; without `wanted` they are skipped, except the first vertex of a .mif.
+// As LayerReader reads them; if they are not `wanted`, all but the first vertex of a .mif are skipped.
 void readCoordinates(OpenLayer& layer, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
                      bool wanted = true);
-// Closes the files and takes the layer out of the table.
+// Closes the files and removes the layer from the table.
 void close(OpenLayer& layer);
 
 } // namespace gridforge::gis

@@ -1,5 +1,5 @@
-// The columns of a layer, and what an output layer is made of: its columns, its projection and, for Shapefiles, its
-// families of shapes.
+// The columns of a layer, and all that an output layer needs: its columns, its projection and, for Shapefiles, its families
+// of shapes.
 #pragma once
 
 #include "gis/projection.h"

@@ -31,7 +31,7 @@ bool hasParts(Kind kind)
     return kind == Kind::line || kind == Kind::polyline || kind == Kind::combinedPolyline || kind == Kind::region;
 }
 
-// Parts must follow each other, or the writers would run outside the vertices.
+// Parts must be in order, or the writers would go outside the vertices.
 void requireParts(std::int32_t id, const Feature& feature)
 {
     const std::int32_t count = feature.partCount();

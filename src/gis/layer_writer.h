@@ -22,7 +22,7 @@ public:
     LayerWriter& operator=(const LayerWriter&) = delete;
     ~LayerWriter() = default;
 
-    // The object and its record. More than kMaxWriteVertices vertices, and parts that do not rise, end the run.
+    // Writes the object and its record. More than kMaxWriteVertices vertices, and parts out of order, end the run.
     void write(const Feature& feature);
     // Completes the files and closes them. The console shows it, so it has its place in the run.
     void close();

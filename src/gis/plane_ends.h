@@ -1,11 +1,11 @@
-// The end of the run where a region of the plane is not whole.
+// The end of the run at a region that is not whole.
 #pragma once
 
 #include <string_view>
 
 namespace gridforge::gis {
 
-// The rings of a region end before its vertices. `routine` and `form` are those that messages name.
+// For a region whose rings end before its vertices. The message names `routine` and `form`.
 [[noreturn]] void failRings(std::string_view routine, int form);
 
 } // namespace gridforge::gis

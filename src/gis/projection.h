@@ -13,12 +13,12 @@ struct Projection {
     std::string shp = {}; // the line of a .prj
 };
 
-// Takes the PROJCS line of the .prj beside a .shp, or the CoordSys line of a .mif; the other stays. A layer without its
-// line ends the run.
+// Reads the PROJCS line of the .prj beside a .shp, or the CoordSys line of a .mif, and leaves the other one. A layer without
+// its line ends the run.
 void get_projection(std::string_view gisFile, Projection& projection);
 
-// For the families: opens the file on `unit`, which stays open, and takes its first line that holds `word`, which the
-// console shows after `label`. False if no line holds it.
+// For the families: opens the file on `unit`, which stays open, and reads its first line that holds `word`. The console shows
+// it after `label`. False if no line holds the word.
 bool findProjectionLine(const std::string& fileName, std::string_view word, std::string_view label,
                         std::string& projection, Unit& unit);
 

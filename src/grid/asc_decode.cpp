@@ -22,10 +22,10 @@ constexpr std::size_t kWindowOfThread = std::size_t{1} << 20; // stays in the ca
 constexpr std::size_t kLeastWindow = 2 * kWindowOfThread;
 constexpr std::size_t kMostWindow = 16 * kWindowOfThread;
 constexpr std::size_t kPieceBytes = std::size_t{1} << 18;
-// A cell with an empty value is left as it was, which shows by these bits: no text gives them.
+// Cells are set to these bits first, which no text gives: a cell that still has them had an empty value.
 constexpr std::uint32_t kUntouched = 0x7FA5C3E1U;
 
-// Whole lines of a window, each a row.
+// Whole lines of a window, each of them a row.
 struct LinePiece {
     std::size_t firstRow = 0;
     std::vector<std::string_view> lines;
@@ -59,7 +59,7 @@ public:
     // The lines of the window read last.
     std::string_view lines() const { return {text_.all().data(), whole_}; }
 
-    // Reads on after what is left of the last window. False if the system refuses, or a line is too long.
+    // Reads more after the rest of the last window. False if the system refuses, or a line is too long.
     bool read()
     {
         const std::size_t left = filled_ - whole_;
@@ -74,13 +74,13 @@ public:
         return true;
     }
 
-    // Goes on to what was read. False where there is no whole line in it.
+    // Goes on to the bytes read last. False if they hold no whole line.
     bool turn()
     {
         std::swap(text_, spare_);
         filled_ = spareFilled_;
         const std::string_view text(text_.all().data(), filled_);
-        whole_ = atEnd() ? filled_ : text.rfind('\n') + 1; // nothing found and one is none
+        whole_ = atEnd() ? filled_ : text.rfind('\n') + 1; // npos + 1 is 0
         return whole_ > 0;
     }
 
@@ -96,7 +96,7 @@ private:
     std::size_t whole_ = 0; // bytes of the text up to the end of its last line
 };
 
-// Splits lines into pieces; the last line may lack its end.
+// Splits lines into pieces; the last line may lack its line end.
 std::vector<LinePiece> split(std::string_view text, std::size_t firstRow)
 {
     std::vector<LinePiece> pieces;
@@ -116,7 +116,7 @@ std::vector<LinePiece> split(std::string_view text, std::size_t firstRow)
     return pieces;
 }
 
-// False where the row is not all of the line.
+// False if the line holds anything but the row.
 bool parseLine(std::string_view line, std::span<float> row)
 {
     const bool mayBeEmpty = line.find(',') != std::string_view::npos;
@@ -132,7 +132,7 @@ bool parseLine(std::string_view line, std::span<float> row)
            std::ranges::none_of(row, [](float cell) { return std::bit_cast<std::uint32_t>(cell) == kUntouched; });
 }
 
-// Rows into the store: in place, or by way of a room for a few where it is a file.
+// Puts rows into the store: in place, or through a buffer for a few rows if the store is a file.
 class Decoder {
 public:
     Decoder(const GridHeader& header, CellStore& cells)
@@ -198,7 +198,7 @@ bool decodeAsc(const GridLook& look, CellStore& cells)
         }
         const std::vector<LinePiece> pieces = split(windows.lines(), firstRow);
         const bool isLast = windows.atEnd();
-        // Unless it was the last, one thread reads on while the others parse.
+        // Unless this was the last window, one thread reads the next while the others parse.
         const std::size_t reads = isLast ? 0 : 1;
         parallelFor(pieces.size() + reads, [&](std::size_t piece, std::size_t worker) {
             const bool done = piece < reads ? windows.read() : decoder.decode(pieces[piece - reads], worker);

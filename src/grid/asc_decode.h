@@ -1,4 +1,4 @@
-// The cells of a text grid by all threads, where each row stands on a line of its own.
+// Reads the cells of a text grid with all threads, if each row is one line.
 #pragma once
 
 #include "grid/cell_store.h"
@@ -6,9 +6,8 @@
 
 namespace gridforge::grid {
 
-// Fills `cells`, which has room for the grid, from the text of the grid `look`. Nothing is said, and false returned, where
-// the system refuses a read or any row is not on one line with a number for each cell: such text is to be read from its
-// start to its end.
+// Fills `cells`, which has room for the grid, from the text of the grid `look`. Silently returns false if the system
+// refuses a read, or a row is not one line with a number for each cell: such text must be read from start to end.
 [[nodiscard]] bool decodeAsc(const GridLook& look, CellStore& cells);
 
 } // namespace gridforge::grid

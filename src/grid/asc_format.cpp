@@ -1,6 +1,5 @@
-// A 32-bit value times a power of ten up to 10^12 is exact in double (24 and 28 bits), so rounding that product to an
-// integer is the one rounding there is, and the digits of the integer are those of the text. Anything else goes to
-// realField.
+// A 32-bit value times a power of ten up to 10^12 is exact in double (24 and 28 bits), so the value is rounded once, when
+// that product becomes an integer, and the digits of the integer are those of the text. Anything else goes to realField.
 #include "grid/asc_format.h"
 
 #include "core/numbers.h"
@@ -52,7 +51,7 @@ char* writeDigits(std::uint64_t value, std::int32_t least, char* end)
     return at;
 }
 
-// A field by scaling. False, with nothing written, where the value is too large for that or too long for the field.
+// Writes a field by scaling. False, with nothing written, if the value is too large for that or too long for the field.
 bool formatScaled(float value, std::int32_t width, std::int32_t decimals, char* out)
 {
     constexpr double kRounder = 0x1.8p52; // sums with it have no room for a fraction

@@ -1,4 +1,4 @@
-// Up to 8 digits of four values at a time, moved to their places in the fields.
+// Formats four values of up to 8 digits at a time and moves the digits to their places in the fields.
 #include "grid/asc_format_avx2.h"
 
 #if defined(__x86_64__)
@@ -76,7 +76,7 @@ GRIDFORGE_AVX2 inline __m256i eightDigits(__m256i numbers)
     return _mm256_or_si256(ones, _mm256_slli_epi16(lowOnes, 8));
 }
 
-// Writes four fields, 16 bytes each, from left to right: what is written too far, the next field covers.
+// Writes four fields, 16 bytes each, from left to right: the next field overwrites the excess bytes of the last.
 GRIDFORGE_AVX2 inline char* storeFour(const FieldLayout& layout, __m256i digits, unsigned negatives, std::int32_t width,
                                       char* out)
 {

@@ -33,7 +33,7 @@ struct Decimal {
     bool negative = false;
 };
 
-// A decimal of up to 19 digits; false for all else, be it a number or not.
+// Reads a decimal of up to 19 digits; false for anything else, also for other numbers.
 bool plainDecimal(std::string_view token, Decimal& decimal)
 {
     constexpr int kDigits = 19;

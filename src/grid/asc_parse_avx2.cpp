@@ -1,5 +1,5 @@
-// Bit masks tell where values start and end, and each value becomes a number with a handful of vector instructions. What is
-// out of the ordinary goes value by value.
+// Bit masks show where values start and end, and a handful of vector instructions makes a number of each value. Unusual
+// text is read value by value.
 #include "grid/asc_parse_avx2.h"
 
 #if defined(__x86_64__)
@@ -25,7 +25,7 @@ struct ValueIndex {
     std::array<std::uint32_t, kBatch + kByteBlock> lengths;
 };
 
-// Eight at once without looking how many there are, because a loop whose end cannot be foreseen costs more than that.
+// Eight at once, however many there are: a loop whose end the processor cannot predict costs more.
 GRIDFORGE_AVX2 inline void addToIndex(ValueIndex& index, std::uint64_t starts, std::uint64_t ends, std::uint32_t block)
 {
     std::uint32_t* end = index.ends.data() + index.count;
@@ -42,22 +42,22 @@ GRIDFORGE_AVX2 inline void addToIndex(ValueIndex& index, std::uint64_t starts, s
     } while (ends != 0);
 }
 
-// Finds values in whole blocks of `text` until `most` are found, or an empty value stands ahead, or a value that is longer
-// than a block, or the text ends. Returns how far it came.
+// Finds values in whole blocks of `text`, up to `most` of them, and stops before an empty value and before a value longer
+// than a block. Returns how many bytes it has used up.
 GRIDFORGE_AVX2 std::size_t findValues(std::string_view text, std::size_t most, bool& afterValue, ValueIndex& index)
 {
     index.count = 0;
     std::size_t at = 0;
     while (text.size() - at >= kByteBlock && index.count < most) {
         const ByteBlock bits = classifyBytes(text.data() + at);
-        const std::uint64_t behindValue = bits.values << 1;
-        const std::uint64_t emptyAhead = bits.commas & ~behindValue;
+        const std::uint64_t valueBefore = bits.values << 1;
+        const std::uint64_t emptyAhead = bits.commas & ~valueBefore;
         const std::uint64_t plain = emptyAhead == 0 ? ~std::uint64_t{0} : (emptyAhead & (~emptyAhead + 1)) - 1;
-        const std::uint64_t starts = bits.values & ~behindValue & plain;
-        const std::uint64_t ends = ~bits.values & behindValue & plain;
+        const std::uint64_t starts = bits.values & ~valueBefore & plain;
+        const std::uint64_t ends = ~bits.values & valueBefore & plain;
         addToIndex(index, starts, ends, static_cast<std::uint32_t>(at));
 
-        // Whichever comes last, the end of a value or a break, which may be at that end.
+        // A value came last if the last end of a value is after the last break; a break may be at such an end.
         const std::uint64_t breaks = (bits.commas | bits.lineEnds) & plain;
         if ((ends | breaks) != 0) {
             afterValue = (ends & ~breaks) > breaks;
@@ -78,7 +78,7 @@ GRIDFORGE_AVX2 std::size_t findValues(std::string_view text, std::size_t most, b
     return at;
 }
 
-// Four plain decimals of at most 16 characters. Looks at the 16 bytes before each end. False when one is something else.
+// Four plain decimals of at most 16 characters. Reads the 16 bytes before each end. False if one is anything else.
 GRIDFORGE_AVX2 inline bool convertFour(const char* text, const std::uint32_t* ends, const std::uint32_t* lengths,
                                        float* cells)
 {
@@ -90,7 +90,7 @@ GRIDFORGE_AVX2 inline bool convertFour(const char* text, const std::uint32_t* en
                        cells);
 }
 
-// Values `first` to `first + count` of the index, at most four, into cells. False when one is no number.
+// Puts at most four values of the index, from `first` on, into cells. False if one is no number.
 GRIDFORGE_AVX2 inline bool convertSome(const char* text, const ValueIndex& index, std::size_t first, std::size_t count,
                                        float* cells)
 {
@@ -105,7 +105,7 @@ GRIDFORGE_AVX2 inline bool convertSome(const char* text, const ValueIndex& index
     return true;
 }
 
-// The indexed values of `text` into as many cells. False when one is no number.
+// Puts the indexed values of `text` into as many cells. False if one is no number.
 GRIDFORGE_AVX2 bool convertValues(const char* text, ValueIndex& index, std::span<float> cells)
 {
     std::size_t i = 0;
@@ -117,7 +117,7 @@ GRIDFORGE_AVX2 bool convertValues(const char* text, ValueIndex& index, std::span
     if (i == index.count) {
         return true;
     }
-    // The last four are filled up with the last value.
+    // Repeats the last value to make four.
     const std::size_t count = index.count - i;
     std::fill_n(index.ends.begin() + static_cast<std::ptrdiff_t>(index.count), 3, index.ends[index.count - 1]);
     std::fill_n(index.lengths.begin() + static_cast<std::ptrdiff_t>(index.count), 3, index.lengths[index.count - 1]);
@@ -133,7 +133,7 @@ GRIDFORGE_AVX2 bool parseAscBlocks(AscRowState& state, AscCursor& text, const ch
 {
     ValueIndex index;
     while (static_cast<std::size_t>(text.end - text.at) >= kByteBlock && state.filled < row.size()) {
-        // At the head of a window the lanes would reach before it, so the first block is copied.
+        // The lanes of the first values would begin before the window, so its first block is copied.
         std::array<char, kLane + kByteBlock> head;
         std::string_view piece(text.at, static_cast<std::size_t>(text.end - text.at));
         if (text.at - windowStart < static_cast<std::ptrdiff_t>(kLane)) {

@@ -8,14 +8,14 @@
 
 namespace gridforge::grid {
 
-// What is left of a window.
+// The rest of a window.
 struct AscCursor {
     const char* at;
     const char* end;
     bool lastWindow;
 };
 
-// Takes values out of whole blocks, as far as there is nothing but values and their separators. False when one is no number.
+// Reads values from whole blocks while these hold nothing but values and separators. False if one is no number.
 GRIDFORGE_AVX2 bool parseAscBlocks(AscRowState& state, AscCursor& text, const char* windowStart, std::span<float> row);
 
 } // namespace gridforge::grid

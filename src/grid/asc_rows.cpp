@@ -22,7 +22,7 @@ bool readAscRow(Unit unit, std::span<float> row)
         if (progress == AscRow::done) {
             return true;
         }
-        // What is left is the head of a value, which needs more text after it.
+        // The rest is the start of a value, which may go on in the text after it.
         const std::size_t left = window.size() - consumed;
         window = left == 0 ? readyBytes(unit) : moreBytes(unit);
         lastWindow = window.size() <= left;

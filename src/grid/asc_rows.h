@@ -7,8 +7,8 @@
 
 namespace gridforge::grid {
 
-// Reads the next row of cells free-form, over as many lines as it takes, and skips the rest of its last line.
-// False on a value that is no number and on an early end of the file.
+// Reads the next row of cells free-form, from as many lines as it needs, and skips the rest of its last line. False if a
+// value is no number or the file ends too early.
 bool readAscRow(Unit unit, std::span<float> row);
 
 } // namespace gridforge::grid

@@ -21,7 +21,7 @@ constexpr std::int32_t kProgressRows = 1000;
 constexpr std::size_t kPieceCells = std::size_t{1} << 17;
 constexpr std::string_view kLineEnd = "\r\n";
 
-// Cells that waited and cannot be read again are room that was not there.
+// Cells that cannot be read back count as memory that ran out.
 std::span<const float> fetched(const CellSource& cells, std::size_t first, std::size_t count, std::span<float> room)
 {
     const auto got = cells.get(first, count, room);
@@ -34,7 +34,7 @@ std::span<const float> fetched(const CellSource& cells, std::size_t first, std::
 // --- By position, in pieces of whole rows ----------------------------------------------------------------------------
 
 struct RowPieces {
-    std::size_t rows = 0; // of a piece, the last one may have fewer
+    std::size_t rows = 0; // of a piece; the last may have fewer
     std::size_t pieces = 0;
 };
 
@@ -60,7 +60,7 @@ public:
     {
     }
 
-    // Of one piece alone there is nothing to write side by side.
+    // A single piece leaves nothing to do side by side.
     bool hasPieces() const { return split_.pieces > 1; }
 
     [[nodiscard]] bool takeRooms()
@@ -74,7 +74,7 @@ public:
         return static_cast<std::int64_t>(rowBytes() * static_cast<std::size_t>(cells_.nrows()));
     }
 
-    // False where a piece could not be fetched or written.
+    // False if a piece could not be fetched or written.
     bool write(SystemFile file, std::int64_t start)
     {
         std::atomic<bool> good = true;
@@ -115,7 +115,7 @@ private:
     WorkerRooms<char> text_;
 };
 
-// False, and the unit stands where it stood, where the rows must be written one after the other.
+// False, with the unit where it was, if the rows must be written one after the other.
 bool writeByPosition(Unit unit, const CellSource& cells, std::int32_t width, std::int32_t decimals)
 {
     constexpr std::size_t kMostOfRow = std::size_t{1} << 24;
@@ -140,7 +140,7 @@ bool writeByPosition(Unit unit, const CellSource& cells, std::int32_t width, std
 
 // --- One after the other ---------------------------------------------------------------------------------------------
 
-// Formats straight into the write buffer, in pieces where a row is longer than that.
+// Formats straight into the write buffer, in pieces if a row is longer than the buffer.
 void writeRow(Unit unit, std::span<const float> row, std::int32_t width, std::int32_t decimals)
 {
     const auto fieldBytes = static_cast<std::size_t>(width);

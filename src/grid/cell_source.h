@@ -1,4 +1,4 @@
-// Cells of a whole grid on their way to a file, wherever they are.
+// The cells of a whole grid that is to be written, wherever they are.
 #pragma once
 
 #include "grid/cell_store.h"
@@ -34,8 +34,8 @@ public:
     // The store that may give them away; none for a grid.
     CellStore* store() const { return store_; }
 
-    // `count` cells from `first` on, in the order of the files; in `room`, which has as many, where they must be fetched.
-    // None where the system refuses. Several threads may ask at once.
+    // `count` cells from `first` on, in the order of the files. Cells that must be fetched are put into `room`, which has
+    // space for as many. Nothing if the system refuses. Several threads may ask at once.
     std::optional<std::span<const float>> get(std::size_t first, std::size_t count, std::span<float> room) const
     {
         if (!isInFile()) {

@@ -11,7 +11,7 @@ namespace gridforge::grid {
 
 namespace {
 
-// Bytes of all stores that are in memory.
+// Bytes of all stores in memory.
 std::atomic<std::uint64_t>& waitingBytes()
 {
     static std::atomic<std::uint64_t> bytes = 0;
@@ -31,7 +31,7 @@ std::int64_t placeOf(std::size_t cell)
 
 } // namespace
 
-// The other half is for the buffers of the run and for the system's copies of its files.
+// The other half is for the buffers of the run and the system's cache of its files.
 std::uint64_t bytesThatMayWait()
 {
     static const std::uint64_t share = theSystem().memoryLeft() / 2;
@@ -49,7 +49,7 @@ CellStore& CellStore::operator=(CellStore&& other) noexcept
 bool CellStore::take(std::size_t cells, const std::string& folder)
 {
     if (memory_.size() == cells && cells > 0) {
-        return true; // pages that are there already are cheaper than fresh ones
+        return true; // reused pages are cheaper than new ones
     }
     release();
     if (takeMemory(cells)) {

@@ -1,5 +1,5 @@
-// Cells that wait for their turn in the story of a run: in memory as long as there is room, beyond that in a file without a
-// name, which is gone when the run ends in whatever way.
+// Cells that are computed before the run comes to writing them. They wait in memory while there is room, otherwise in a file
+// without a name, which is gone however the run ends.
 #pragma once
 
 #include "core/huge_array.h"
@@ -21,27 +21,27 @@ public:
     CellStore(const CellStore&) = delete;
     CellStore& operator=(const CellStore&) = delete;
 
-    // Gives up what it held and takes room for `cells` cells, in memory if GRIDFORGE_MEMORY, or a share of what is free,
-    // allows; else in a file in GRIDFORGE_SCRATCH, in `folder` or in the temporary one. What is in them is unknown. False,
-    // and empty, where there is no room.
+    // Releases what it held and takes room for `cells` cells, not cleared: in memory if GRIDFORGE_MEMORY, or else a share
+    // of the free memory, allows it; otherwise in a file in GRIDFORGE_SCRATCH, in `folder` or in the temporary folder.
+    // False, and empty, if there is no room.
     [[nodiscard]] bool take(std::size_t cells, const std::string& folder);
-    // The same for cells of a binary grid that will be written in `folder`: they wait in a file there, which may then become
-    // that of the grid.
+    // The same for cells of a binary grid that will be written in `folder`: they wait in a file there, which can become the
+    // file of the grid.
     [[nodiscard]] bool takeForFile(std::size_t cells, const std::string& folder);
     void release();
 
     std::size_t size() const { return size_; }
     bool isInFile() const { return file_ != SystemFile::none; }
-    // All cells, or none where they are in a file.
+    // All cells; empty if they are in a file.
     std::span<float> inMemory() { return memory_.all(); }
     std::span<const float> inMemory() const { return memory_.all(); }
 
-    // Cells from `first` on; several threads at once where no two write the same cells. False where the system refuses.
+    // Cells from `first` on, by several threads if no two write the same cells. False if the system refuses.
     [[nodiscard]] bool put(std::size_t first, std::span<const float> cells);
     [[nodiscard]] bool get(std::size_t first, std::span<float> cells) const;
 
-    // The cells become the whole of the file `name`: the file, open, and the store is empty. None, and nothing has changed,
-    // where that cannot be done at once: the cells must be copied.
+    // Makes the cells the whole of the file `name`. Returns that file, open, and leaves the store empty. None, and nothing
+    // has changed, if that cannot be done in one step: then the cells must be copied.
     SystemFile becomeFile(const std::string& name);
 
 private:

@@ -11,12 +11,12 @@ namespace gridforge::grid {
 
 enum class Format { asc, flt };
 
-// Writes "Allocating <n>Kb memory for <purpose>" and takes an array of the header's size, zero at first; ends the run
-// where the memory cannot be had. An array already of that size is reused and cleared.
+// Writes "Allocating <n>Kb memory for <purpose>" and takes an array of the header's size, zero at first; ends the run if
+// out of memory. An array already of that size is reused and cleared.
 void allocateGrid(Grid& grid, const GridHeader& header, std::string_view purpose);
-// Only the line.
+// Writes only the line.
 void sayAllocation(const GridHeader& header, std::string_view purpose);
-// The Kb figure of such a line, in the 32-bit arithmetic of its digits.
+// The number of Kb in such a line, which wraps at 32 bits.
 std::int32_t gridKilobytes(std::int32_t nrows, std::int32_t ncols);
 
 } // namespace gridforge::grid

@@ -12,7 +12,7 @@ namespace gridforge::grid {
 
 namespace {
 
-// The projection is looked for in the current folder only, unlike the .hdr, on purpose: users know it so.
+// Looks for the .prj in the current folder only, unlike for the .hdr, on purpose: users know it so.
 std::string readProjection(std::string_view gridName)
 {
     const std::string name = FILENAME(gridName) + ".prj";

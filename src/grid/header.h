@@ -1,4 +1,4 @@
-// Opening of grids: their headers are read from .asc and .hdr files, with the projection beside them. And headers written in
+// Opens grids: reads their headers from .asc and .hdr files and the projection beside them. Also writes headers in
 // fixed-width form.
 #pragma once
 
@@ -14,18 +14,18 @@ namespace gridforge::grid {
 
 // The name is that of a .flt.
 bool isBinary(std::string_view name);
-// The files that the grid `name` is read from: its .hdr, where it has one, and itself.
+// The files that the grid `name` is read from: itself, after its .hdr if it is binary.
 std::vector<std::string> gridInputFiles(std::string_view name);
 
 // A grid whose header has been read.
 struct OpenGrid {
-    std::string name; // as asked for
+    std::string name; // as given
     GridHeader header;
     Format format = Format::asc;
-    std::string projectionText; // the PROJCS line, blank if none
+    std::string projectionText; // the PROJCS line, or blank
     Unit unit = 0;              // the .asc at its first line of cells, or the .hdr
 };
-// What cannot be read or is not complete ends the run with its message.
+// A header that cannot be read or is not complete ends the run with a message.
 OpenGrid openGrid(std::string_view name);
 
 // Writes the first five header lines in fixed-width form; the caller writes the null.

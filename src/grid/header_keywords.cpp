@@ -45,12 +45,12 @@ Keyword takeKeyword(const std::string& line, GridHeader& header, Placement& plac
 
 bool settle(GridHeader& header, const Placement& placement)
 {
-    // A cell size that is not a number passes.
+    // A cell size that is NaN is accepted.
     if (header.ncols <= 0 || header.nrows <= 0 || !placement.xGiven || !placement.yGiven || header.cellsize <= 0.0F) {
         return false;
     }
     header.cellsize8 = static_cast<double>(header.cellsize);
-    // A centre moves by a whole cell size, not half of one; deliberate, grids given by centres are placed so.
+    // A centre moves by a whole cell size, not by half of one, on purpose: users of such grids rely on it.
     if (placement.xIsCentre) {
         header.xll -= header.cellsize8;
     }

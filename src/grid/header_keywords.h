@@ -7,7 +7,7 @@
 
 namespace gridforge::grid {
 
-// After more lines with keywords than this a header is none.
+// More lines with keywords than this are no header.
 inline constexpr int kMaxKeywordLines = 100;
 
 struct Placement {
@@ -19,10 +19,10 @@ struct Placement {
 
 enum class Keyword { none, read, unreadable };
 
-// Takes the value of the first keyword, in their order, that stands anywhere in the line.
+// Reads the value of the first keyword, in the order of the table, that is anywhere in the line.
 Keyword takeKeyword(const std::string& line, GridHeader& header, Placement& placement);
 
-// After the last line: settles the corner. False where something is missing.
+// Called after the last line: settles the corner. False if something is missing.
 bool settle(GridHeader& header, const Placement& placement);
 
 } // namespace gridforge::grid

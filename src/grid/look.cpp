@@ -9,7 +9,7 @@ namespace gridforge::grid {
 
 namespace {
 
-// Leaves the stream at the first line that is none of the header.
+// Leaves the stream at the first line after the header.
 bool lookAtKeywords(FileStream& in, GridHeader& header)
 {
     Placement placement;

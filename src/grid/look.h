@@ -1,4 +1,4 @@
-// A silent look at a grid before its story is told.
+// A silent look at a grid before the run opens it.
 #pragma once
 
 #include "grid/grid.h"
@@ -16,11 +16,11 @@ struct GridLook {
     GridHeader header;
     Format format = Format::asc;
     std::string file;           // of the cells, as the system takes it
-    std::int64_t cellsFrom = 0; // position in it
-    std::int64_t size = 0;      // of the file
+    std::int64_t cellsFrom = 0; // their position in it
+    std::int64_t size = 0;      // of the file, in bytes
 };
 
-// None where anything is out of the ordinary.
+// Nothing if anything is unusual.
 std::optional<GridLook> lookAtGrid(std::string_view name);
 
 } // namespace gridforge::grid

@@ -24,7 +24,7 @@ void failCells()
 
 namespace {
 
-// `readRow` is called for each row from the north one on.
+// Calls `readRow` for each row, the north row first.
 template <typename ReadRow>
 void goThroughAscCells(Unit& unit, std::int32_t nrows, ReadRow readRow)
 {

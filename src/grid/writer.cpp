@@ -35,7 +35,7 @@ void writeAscCells(Unit unit, const CellSource& cells, std::int32_t decimals)
     say("Finished writing ASC grid.");
 }
 
-// Cells that wait in a file of their own become that of the grid as they are, where that can be.
+// If possible, makes the file in which the cells wait the file of the grid.
 bool becomeGridFile(Unit unit, const CellSource& cells)
 {
     if (cells.store() == nullptr) {
@@ -58,7 +58,7 @@ void copyCells(Unit unit, const CellSource& cells)
     for (std::size_t first = 0; first < cells.size(); first += piece) {
         const auto got = cells.get(first, std::min(piece, cells.size() - first), room);
         if (!got) {
-            failMemory(); // cells that waited and cannot be read again
+            failMemory(); // cells that cannot be read back
         }
         writeBytes(unit, std::as_bytes(*got));
     }
@@ -76,7 +76,7 @@ void writeFltCells(std::string_view name, const CellSource& cells)
     CLOSER(unit);
 }
 
-// Text that ends within its last value is read as another value, so an .asc looks whole no sooner than it is.
+// Text that ends within its last value would be read as another value, so an .asc does not look whole until it is.
 void writeAsc(std::string_view base, const GridHeader& header, const CellSource& cells, std::int32_t decimals)
 {
     Unit unit = 0;
@@ -88,8 +88,8 @@ void writeAsc(std::string_view base, const GridHeader& header, const CellSource&
     CLOSER(unit);
 }
 
-// No header stands before cells that are not its own, of an earlier file or not all there: readers that find half of the
-// bytes take them for cells of half the size.
+// The header looks whole only after its cells are: with cells of an earlier file, or half of them, readers would take it for
+// that of another grid. Half of the bytes, for instance, pass for cells of half the size.
 void writeFlt(std::string_view base, const GridHeader& header, const CellSource& cells)
 {
     Unit unit = 0;

@@ -11,25 +11,25 @@
 
 namespace gridforge::grid {
 
-// Decimals of .asc cells where no setting says otherwise.
+// Decimals of .asc cells unless a setting changes them.
 inline constexpr std::int32_t kDefaultDecimals = 3;
-// More would make a single field longer than the write buffer.
+// With more, one field would be longer than the write buffer.
 inline constexpr std::int32_t kMaxDecimals = 1'000'000;
 
 // The files of the output grid `base`, without its .prj.
 std::vector<std::string> gridOutputFiles(Format format, std::string_view base);
 
-// Writes the grid `base` with the extension of `format` and, where `projectionText` is not blank, its .prj. Size,
-// corner, cell size and null are those of `header`; below 0 `decimals` counts as 3.
+// Writes the grid `base` with the extension of `format` and, if `projectionText` is not blank, its .prj. Size, corner, cell
+// size and null are those of `header`; `decimals` below 0 count as 3.
 void writeGrid(Format format, std::string_view base, const GridHeader& header, const CellSource& cells,
                std::string_view projectionText, std::int32_t decimals = kDefaultDecimals);
 
-// 0.01 in single precision, widened: what corners and cell sizes of the grids of one operation may differ by.
+// How much corners and cell sizes of the grids of one operation may differ: 0.01 in single precision, widened.
 inline constexpr double kGridTolerance = static_cast<double>(0.01F);
 
 // The grids do not differ in size, corner or cell size.
 bool isSameLattice(const GridHeader& first, const GridHeader& second);
-// Reports each of size, corner and cell size in which the grids differ, and ends the run when one does.
+// Reports each of size, corner and cell size in which the grids differ, and ends the run if any does.
 void compareGridDimensions(const GridHeader& first, const GridHeader& second);
 
 } // namespace gridforge::grid

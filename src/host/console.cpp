@@ -37,7 +37,7 @@ void flushIfDue()
     }
 }
 
-// Reads on after the bytes that wait; false when nothing came.
+// Reads more after the unused bytes; false if nothing came.
 bool readMoreInput()
 {
     Console& c = console();
@@ -53,8 +53,8 @@ bool readMoreInput()
     return true;
 }
 
-// Shells put a byte order mark before what they send through a pipe. Reads no further than the first byte that
-// does not belong to one, as a person may type it. False where there is no input.
+// Some shells send a byte order mark first through a pipe. Reads no further than the first byte that is not part of one,
+// because a person may be typing. False if there is no input.
 bool skipByteOrderMark()
 {
     Console& c = console();
@@ -80,7 +80,7 @@ std::optional<char> nextInputByte()
     return c.input[c.inputAt++];
 }
 
-// A line of standard input, cut at 1000 characters; none at its end.
+// A line of standard input, cut at 1000 characters; nothing at its end.
 std::optional<std::string> readInput()
 {
     flushConsole();

@@ -14,7 +14,7 @@ namespace gridforge::inline host {
 void consoleLine(std::string_view text); // ends an open line first
 void consoleOpen(std::string_view text); // begins a line, or joins the open one, and stays on it
 
-void endLine(); // ends the open line, if there is one
+void endLine(); // ends the open line, if any
 
 // A line of its own, of the parts joined.
 template <typename... Parts>
@@ -41,7 +41,7 @@ void sayOn(const Parts&... parts)
 
 void progress(std::int32_t number); // in 8 columns on the open line
 void flushConsole();
-// Begins anew: nothing has been written or read. For tests and fuzz targets, after `useSystem`.
+// Starts again, as if nothing had been written or read. For tests and fuzz targets, after `useSystem`.
 void restartConsole();
 
 // Writes the prompt as a line and waits for Enter; the end of standard input counts as Enter.

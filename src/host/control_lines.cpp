@@ -56,7 +56,7 @@ bool READLINE(Unit unit, std::string& text, std::size_t width)
     }
     std::erase(text, '\t');
     const bool nothing = COMMENTLINE(text);
-    text.resize(trimRight(text).size()); // what stood between the content and its comment
+    text.resize(trimRight(text).size()); // the blanks before the comment
     return !nothing;
 }
 

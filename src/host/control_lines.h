@@ -15,8 +15,8 @@ namespace gridforge::inline host {
 bool READLINE(Unit unit, std::string& text, std::size_t width = 1000);
 
 // The value of `key = value` in the line, or of comma field `column` outside quotes, without quotes. The key is
-// searched in its padded work space, so with lines of 1000 characters the column decides, on purpose: the callers rely
-// on it. A key without "=" ends the run.
+// searched in its padded work space, so in lines of 1000 characters the column decides, on purpose: callers rely on it.
+// A key without "=" ends the run.
 std::string EXTRACTSTRING(std::string_view line, std::string_view lowerLine, std::string_view key, std::int32_t column);
 // The same with the rest of the line as the value of a key.
 std::string EXTRACTSTRINGREM(std::string_view line, std::string_view lowerLine, std::string_view key,

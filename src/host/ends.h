@@ -15,12 +15,12 @@ namespace gridforge::inline host {
 // "Finished.", a pause unless in batch mode, the end.
 [[noreturn]] void endFinished(bool batch);
 
-// The file units stand above the ends of a run, so they register here how open files are closed.
+// The file units, which use the ends of a run, register here how open files are closed.
 using CloseOpenFiles = void (*)();
 void closeFilesAtEnd(CloseOpenFiles close);
 
-// Called in place of the end of the process, for programs that outlive a run (fuzz targets) and for what cannot be cleaned
-// up; it must not return.
+// Replaces the end of the process: for fuzz targets, which outlive a run, and after failures that the libraries cannot clean
+// up. It must not return.
 using EndHandler = void (*)();
 void replaceProcessEnd(EndHandler handler);
 
@@ -45,7 +45,7 @@ template <typename... Parts>
 
 // "Should not be here [place] - please contact ...", for states that must not occur, and EXITS.
 [[noreturn]] void shouldNotBeHere(std::string_view place);
-// An allocation that cannot be had, and EXITS.
+// The message of an allocation that failed, and EXITS.
 [[noreturn]] void failMemory();
 
 } // namespace gridforge::inline host

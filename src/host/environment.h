@@ -1,4 +1,4 @@
-// Settings of the environment. They change no result, and one that cannot be used is as if it were not there.
+// Settings of the environment. They change no result, and one that cannot be used is ignored.
 #pragma once
 
 #include <cstdint>

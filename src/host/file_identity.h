@@ -8,7 +8,7 @@
 
 namespace gridforge::inline host {
 
-// The file that an output of this name replaces; nothing if there is none yet.
+// The file that an output of this name replaces; nothing if it does not exist yet.
 std::optional<FileIdentity> identityOfOutput(std::string_view name);
 // The file that is read under this name.
 std::optional<FileIdentity> identityOfInput(std::string_view name);

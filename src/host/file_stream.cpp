@@ -16,7 +16,7 @@ constexpr std::size_t kBufferSize = std::size_t{1} << 20;
 // No header begins so.
 constexpr char kUnfinishedByte = '?';
 
-// A run mostly has one file open after the other, so a buffer whose pages are there already is kept for the next one.
+// A run mostly opens one file after the other, so one buffer, whose pages are in memory already, is kept for the next.
 std::unique_ptr<char[]>& spareBuffer()
 {
     static std::unique_ptr<char[]> spare;
@@ -160,7 +160,7 @@ bool FileStream::readLine(std::string& line, std::size_t width)
 
 void FileStream::stepBack()
 {
-    [[maybe_unused]] const bool found = seek(lineStart_); // what cannot be read again shows at the next read
+    [[maybe_unused]] const bool found = seek(lineStart_); // a failure shows at the next read
 }
 
 std::string_view FileStream::ready()
@@ -234,7 +234,7 @@ bool FileStream::writeOut(const char* bytes, std::size_t count)
 
 bool FileStream::flush()
 {
-    // What could not be written once is given up, so that the end of the run does not stumble over it again.
+    // Drops what could not be written, so that the end of the run does not fail at it again.
     const std::size_t count = std::exchange(end_, 0);
     if (unfinished_ && bufferOffset_ == 0 && count > 0) {
         firstByte_ = std::exchange(buffer_[0], kUnfinishedByte);

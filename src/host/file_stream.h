@@ -35,11 +35,11 @@ public:
     // Writes what is buffered and closes; false when either fails.
     [[nodiscard]] bool close();
 
-    // For text that has not been read yet: its byte order mark, if there is one, is no part of it. Position 0 then stands
-    // for the byte after the mark.
+    // For text that has not been read yet: skips its byte order mark, if it has one. Position 0 is then the byte after
+    // the mark.
     void skipByteOrderMark();
 
-    // Reading. False and empty results mean the end of the file or a failed read; a failed read is no end.
+    // Reading. False and empty results mean the end of the file or a failed read. atEnd is false after a failed read.
     bool atEnd();
     bool failed() const { return unreadable_; }
     bool readLine(std::string& line, std::size_t width);
@@ -57,8 +57,8 @@ public:
     [[nodiscard]] bool flush();
     [[nodiscard]] bool truncateHere();
     void reserve(std::int64_t count);
-    // Until markFinished a regular file begins with another byte than the first one written, so that what a killed run
-    // leaves does not look whole.
+    // Until markFinished a regular file begins with another byte than the first one written, so that the file that a killed
+    // run leaves does not look whole.
     void markUnfinished();
     [[nodiscard]] bool markFinished();
 
@@ -68,8 +68,8 @@ public:
 
 private:
     void takeBuffer();
-    bool hasByte(); // to take; reads on where the buffer is used up
-    bool fill();    // reads on after the buffered bytes; false when nothing came
+    bool hasByte(); // reads on if the buffer is used up
+    bool fill();    // reads more after the buffered bytes; false if nothing came
     bool writeOut(const char* bytes, std::size_t count);
 
     SystemFile file_ = SystemFile::none;

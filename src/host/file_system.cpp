@@ -35,7 +35,7 @@ bool matches(std::string_view name, std::string_view pattern)
     return pattern.substr(p).find_first_not_of('*') == std::string_view::npos;
 }
 
-// After a failed look at a name: is this status no proof that it names no file which can be opened?
+// After a failed look at a name: the name may still be that of a file that can be opened.
 bool mayBeThere(SystemStatus status)
 {
     return status == SystemStatus::outOfMemory || status == SystemStatus::unknown;
@@ -90,7 +90,7 @@ std::string folderToOpen(const std::string& folder)
     return folder.empty() ? "." : folder;
 }
 
-// The only file that differs from the name in letter case; nothing if there is none, or more than one.
+// The only file that differs from the name in letter case; nothing if no file does, or several do.
 std::optional<std::string> findInOtherCase(const SplitName& name)
 {
     static FolderNames folderNames;
@@ -134,7 +134,7 @@ std::string systemName(std::string_view name)
 std::optional<std::string> findInput(std::string_view name)
 {
     std::string own = systemName(name);
-    // A file that the system knows nothing about, as on a faulty disk, is not missing: the attempt to open it decides.
+    // Where the system cannot tell, as on a faulty disk, the file is not missing: opening it decides.
     FileFacts facts;
     const SystemStatus status = theSystem().facts(own, facts);
     if (status == SystemStatus::done ? !facts.isFolder : mayBeThere(status)) {

@@ -19,7 +19,7 @@ void FolderNames::list(const std::string& folder)
     listed_ = age > settled_ ? before : std::nullopt;
     names_.clear();
     std::vector<std::string> names;
-    theSystem().list(folder, names); // what could not be read is missing
+    theSystem().list(folder, names); // names that could not be read are missing
     for (std::string& name : names) {
         std::string small = LOWERCASE(name);
         names_.emplace(std::move(small), std::move(name));

@@ -27,7 +27,7 @@ struct MessageRecord {
     std::int32_t checkMifUnit = 0;
     std::int32_t checkMidUnit = 0;
     std::array<PaddedText<kMessageWidth>, 4> line;
-    PaddedText<kPrefixWidth> prefix; // ahead of line 1
+    PaddedText<kPrefixWidth> prefix; // before line 1
     double labelDx = 0;
     double labelDy = 0;
     std::int32_t errorCount = 0;

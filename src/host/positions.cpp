@@ -4,7 +4,7 @@ namespace gridforge::inline host {
 
 namespace {
 
-// Until all is done: a call may do less than asked for.
+// Repeats the call until all is done: it may do less than asked.
 template <typename Bytes, typename Call>
 bool doAll(std::int64_t position, Bytes bytes, Call call)
 {

@@ -1,4 +1,4 @@
-// Bytes of open files by their position. Several threads may do so at once.
+// Reads and writes open files by position. Several threads may do so at once.
 #pragma once
 
 #include "host/system.h"
@@ -9,7 +9,7 @@
 
 namespace gridforge::inline host {
 
-// All of the bytes. False where the file ends before, or the system refuses.
+// All of the bytes. False if the file ends too early or the system refuses.
 [[nodiscard]] bool readAllAt(SystemFile file, std::int64_t position, std::span<std::byte> target);
 [[nodiscard]] bool writeAllAt(SystemFile file, std::int64_t position, std::span<const std::byte> bytes);
 

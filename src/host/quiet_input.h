@@ -1,4 +1,4 @@
-// Inputs that are looked at before the story of a run opens them: without a word, and without a unit.
+// Inputs that are read before the run opens them: nothing is said, and no unit is used.
 #pragma once
 
 #include "host/file_stream.h"
@@ -17,12 +17,12 @@ struct QuietInput {
     std::int64_t size = 0;
 };
 
-// None where the input is missing, or no plain file: what is read from a pipe is gone.
+// Nothing if the input is missing, or no plain file: what is read from a pipe is gone.
 std::optional<QuietInput> findQuietly(std::string_view name);
-// A text input, after a byte order mark; closed where it cannot be opened.
+// A text input, after its byte order mark; closed if it cannot be opened.
 FileStream openQuietly(const QuietInput& input);
 
-// All lines of a text input as units give them, at most `most`. None where there are more, or a read is refused.
+// All lines of a text input as units return them. Nothing if there are more than `most`, or a read is refused.
 std::optional<std::vector<std::string>> lookAtLines(std::string_view name, std::size_t most);
 
 } // namespace gridforge::inline host

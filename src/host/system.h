@@ -1,7 +1,6 @@
-// The seam to the operating system: a record of routines for files, console, time and limits, and a few routines beside it
-// for the process itself. Nothing outside the folders of its forms includes a header of a system. `posix` and `windows` ask
-// the system that the tool is built for; `memory` keeps files and console in memory. Names of files are those that
-// `systemName` returns.
+// The seam to the operating system: a record of routines for files, console, time and limits, and beside it a few routines
+// for the process itself. Only the folders of its forms include headers of a system. `posix` and `windows` ask the system
+// that the tool is built for; `memory` keeps files and console in memory. All names of files are results of `systemName`.
 #pragma once
 
 #include "core/huge_array.h"
@@ -30,7 +29,7 @@ enum class SystemStatus {
     done,
     noSuchFile,
     outOfMemory,
-    refused, // no file of that name can be opened: it goes through what is not a folder or a closed one, or is not valid
+    refused, // no such file can be opened: the name is not valid, or leads through a closed folder or a file
     unknown, // the system cannot tell, as of a faulty disk
 };
 
@@ -46,8 +45,8 @@ struct FileIdentity {
 struct FileFacts {
     bool isFolder = false;
     std::int64_t size = 0;
-    // The last change of the bytes, the name or the rights, which shows also where a program set the time of writing back:
-    // in nanoseconds, by the clock of `now`.
+    // When bytes, name or rights last changed, in nanoseconds by the clock of `now`. Programs that set the time of writing
+    // back do not hide such a change.
     std::int64_t lastChange = 0;
     FileIdentity identity;
 };
@@ -59,11 +58,11 @@ struct CalendarDate {
 };
 
 struct System {
-    // --- Open files. Counts of bytes are below 0 where the system refuses, and may be less than asked for.
+    // --- Open files. A count of bytes is below 0 if the system refuses, and may be less than asked for.
     SystemFile (*open)(const std::string& name, OpenFor purpose);
     bool (*close)(SystemFile file);                                // false: what was written may be lost
     std::int64_t (*read)(SystemFile file, std::span<char> target); // 0 at the end of the file
-    std::int64_t (*readAt)(SystemFile file, std::int64_t position, std::span<char> target); // leaves the place of read
+    std::int64_t (*readAt)(SystemFile file, std::int64_t position, std::span<char> target); // does not move `read`
     std::int64_t (*write)(SystemFile file, std::span<const char> bytes);
     std::int64_t (*writeAt)(SystemFile file, std::int64_t position, std::span<const char> bytes);
     bool (*seek)(SystemFile file, std::int64_t position);
@@ -75,10 +74,10 @@ struct System {
 
     // --- Files without a name, read and written by position, which are gone when they are closed
     SystemFile (*openUnnamed)(const std::string& folder);
-    // Sets bytes aside for all of the file; false where they cannot be had.
+    // Sets bytes aside for all of the file; false if there is no room for them.
     bool (*setAside)(SystemFile file, std::int64_t size);
-    // Gives an unnamed file the name of a file in its folder, which it replaces if that is a plain file of the same user
-    // and group with one name. False, and nothing has changed, where this cannot be done at once.
+    // Gives an unnamed file a name in its folder. It replaces a file of that name only if that is a plain file of the same
+    // user and group with one name. False, and nothing has changed, if this cannot be done in one step.
     bool (*giveName)(SystemFile file, const std::string& name);
 
     // --- Names
@@ -91,7 +90,7 @@ struct System {
     // --- Console and time
     std::int64_t (*readConsole)(std::span<char> target); // waits for input; 0 at its end
     void (*writeConsole)(std::string_view text);         // all of it, unless nobody reads the console any more
-    bool (*consoleIsWatched)();                          // by a person, who is to see each line at once
+    bool (*consoleIsWatched)();                          // by a person, who must see each line at once
     std::int64_t (*now)();                               // nanoseconds
     void (*wait)(std::int64_t nanoseconds);              // without using the processor
     CalendarDate (*today)();
@@ -99,10 +98,10 @@ struct System {
     // --- What the process may take
     std::size_t (*processors)();
     std::string (*temporaryFolder)();
-    std::uint64_t (*memoryLeft)(); // bytes, by the machine and by all limits that the process stands under
+    std::uint64_t (*memoryLeft)(); // bytes, by the machine and all limits on the process
 };
 
-// The system in use: that which the tool is built for, unless another was put in its place.
+// The system in use: the one that the tool is built for, unless useSystem replaced it.
 const System& theSystem();
 // Nothing if there is no such file.
 std::optional<FileFacts> factsOf(const std::string& name);
@@ -115,9 +114,9 @@ const System& nativeSystem();
 PageSource nativePages() noexcept;
 // False where the system asks programs to do without AVX2, whatever the processor has.
 bool nativeAvx2() noexcept;
-// Called first in the tool: keeps numbers of standard streams from the run's files, and signals from ending it.
+// Called first in the tool, so that no file gets the number of a standard stream and no signal ends a run that writes.
 void prepareProcess();
-// Runs `work`, and gives it up where it reads or writes memory that is not there.
+// Runs `work`, and abandons it if it reads or writes memory that is missing.
 void runGuarded(const std::function<void()>& work);
 
 } // namespace gridforge::inline host

@@ -33,27 +33,27 @@ const std::string& unitName(Unit unit);
 
 // --- Reading text ----------------------------------------------------------------------------------------------------
 
-// True when nothing is left to read: right after the last line has been taken. Not where the system refused a read: the
-// next one tells of that.
+// True at the end of the file, right after its last line has been read. A failed read is not the end; the next read
+// reports it.
 bool atEnd(Unit unit);
-// The next line without its LF or CR LF, cut at `width` (the rest of a longer line is passed over) and without trailing
-// blanks. False at the end and on a failed read.
+// The next line without its LF or CR LF and trailing blanks, cut at `width`; the rest of a longer line is skipped. False at
+// the end and on a failed read.
 bool readLine(Unit unit, std::string& line, std::size_t width = 1000);
 // The system refused a read of the unit. Nothing more can be read from it.
 bool readFailed(Unit unit);
-// The last line read is read again next. One step only.
+// The next read returns the last line again. One step only.
 void stepBack(Unit unit);
 
 // --- Reading bytes ---------------------------------------------------------------------------------------------------
 
-// The bytes that stand ready in the unit's buffer; empty only at the end of the file.
+// The unread bytes in the unit's buffer; empty only at the end of the file.
 std::string_view readyBytes(Unit unit);
-// Keeps the ready bytes and reads on behind them: more than before, or the same when the file has ended or the buffer
-// is full (kReadAhead bytes).
+// The ready bytes and those read after them: no more than before if the file has ended or the buffer is full (kReadAhead
+// bytes).
 std::string_view moreBytes(Unit unit);
 void takeBytes(Unit unit, std::size_t count);
 inline constexpr std::size_t kReadAhead = std::size_t{1} << 20;
-// Fills `target`; false when the file ends before.
+// Fills `target`; false if the file ends too early.
 bool readBytes(Unit unit, std::span<std::byte> target);
 // Position from 0 of the next byte read or written.
 void seekTo(Unit unit, std::int64_t position);
@@ -64,25 +64,25 @@ std::int64_t position(Unit unit);
 void writeText(Unit unit, std::string_view text); // as it stands
 void writeLine(Unit unit, std::string_view line); // with CR LF
 void writeBytes(Unit unit, std::span<const std::byte> bytes);
-// Room for `count` bytes (at most kWriteRoom) in the unit's buffer, to be filled in place and told by wroteBytes.
+// Room for `count` bytes (at most kWriteRoom) in the unit's buffer: fill it in place, then call wroteBytes.
 std::span<char> writeRoom(Unit unit, std::size_t count);
 void wroteBytes(Unit unit, std::size_t count);
 inline constexpr std::size_t kWriteRoom = std::size_t{1} << 20;
 // Ends the file at the position of the next byte.
 void truncateHere(Unit unit);
-// Tells the file system how many bytes will be written, so that it can lay them out at once. Only a hint.
+// A hint to the file system that so many bytes will be written, so that it can lay them out together.
 void reserveBytes(Unit unit, std::int64_t count);
-// The open file itself, for bytes to be written by position where the unit stands and after it; what is buffered has been
-// written. None where the file has no positions, like a pipe. The unit goes on from where seekTo puts it.
+// The open file itself, its buffered bytes written, for writing by position from where the unit is. None if the file has no
+// positions, as a pipe. After such writes move the unit on by seekTo.
 SystemFile positionedFile(Unit unit);
-// The unit goes on with another open file in place of its own, which has the same name now.
+// Replaces the file of the unit by another open file, which has its name now.
 void takeFileInto(Unit unit, SystemFile file);
-// Between these two, right after the opening and last before the closing, a file does not look whole: what a killed run
-// leaves begins with a byte that no reader takes.
+// Called right after opening and right before closing. Between the two a file begins with a byte that no reader accepts, so
+// that the file that a killed run leaves does not look whole.
 void markUnfinished(Unit unit);
 void markFinished(Unit unit);
-// The same for a file that is finished when another one is: closes the unit as CLOSER does, but only finishLater ends the
-// marking and closes the file.
+// The same for a file that is finished when another one is: closes the unit as CLOSER does, while the file stays open and
+// marked until finishLater.
 FileStream closeUnfinished(Unit& unit);
 void finishLater(FileStream file);
 

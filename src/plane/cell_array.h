@@ -1,4 +1,4 @@
-// The cells of a grid in memory. This is the one place that knows how rows lie there.
+// The cells of a grid in memory. Only this file knows how rows lie there.
 #pragma once
 
 #include "core/huge_array.h"
@@ -15,7 +15,7 @@ namespace gridforge::inline plane {
 template <typename Value>
 class CellArray {
 public:
-    // Takes nrows by ncols zeros; false when the memory cannot be had.
+    // Takes nrows by ncols zeros; false if out of memory.
     [[nodiscard]] bool allocate(std::int32_t nrows, std::int32_t ncols)
     {
         nrows_ = nrows;

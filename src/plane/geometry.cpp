@@ -70,7 +70,7 @@ bool crossingPoint(Real x1, Real y1, Real x2, Real y2, Real x3, Real y3, Real x4
 int quarterTurn(double degrees)
 {
     const double rest = std::fmod(degrees, 360.0);
-    if (std::fmod(rest, 90.0) != 0) { // also not-a-number
+    if (std::fmod(rest, 90.0) != 0) { // also NaN
         return -1;
     }
     return (static_cast<int>(rest / 90.0) + 4) % 4;

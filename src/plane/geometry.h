@@ -1,6 +1,5 @@
 // Points, segments and regions in the plane. Routines with _8 take double coordinates, yet distances and sides drop to
-// single partway: results of operations rest on these roundings, so they stay as they are. Nothing here allocates or
-// reports.
+// single partway, on purpose: results of operations rely on these roundings. Nothing here allocates or reports.
 #pragma once
 
 #include <cstdint>
@@ -18,12 +17,12 @@ double atan2d(double y, double x);
 
 // --- Points and segments ---------------------------------------------------------------------------------------------
 
-// 0 when both differences are below 1e-6. The double form rounds the differences to single, not the coordinates.
+// 0 if both differences are below 1e-6. The double form rounds the differences to single, not the coordinates.
 float DISTANCE(float x1, float y1, float x2, float y2);
 float DISTANCE_8(double x1, double y1, double x2, double y2);
 
-// Above 0 when a and b lie on the same side of the line through points 1 and 2, below 0 when on opposite ones, 0 when
-// either lies on it.
+// Above 0 if a and b lie on the same side of the line through points 1 and 2, below 0 if on opposite sides, 0 if either
+// lies on the line.
 float SAME_SIDE(float x1, float y1, float x2, float y2, float ax, float ay, float bx, float by);
 float SAME_SIDE_8(double x1, double y1, double x2, double y2, double ax, double ay, double bx, double by);
 
@@ -46,10 +45,9 @@ bool INTERSECTION_POINT_8(double x1, double y1, double x2, double y2, double x3,
 // --- Regions ---------------------------------------------------------------------------------------------------------
 
 // The point lies inside the region: an odd number of edges crosses the ray from (xmin - 10, py) to it. The region has
-// `np` vertices in `nr` rings; ring k ends at vertex ir[k-1] (counted from 1), its closing vertex, and the slot behind
+// `np` vertices in `nr` rings; ring k ends at vertex ir[k-1] (counted from 1), its closing vertex, and the slot after
 // that repeats the ring's second vertex and belongs to np. `xmin` is the least x of the vertices, or less. Vertices after
-// the last ring do not count. A ring that starts with a run of vertices at py is judged from
-// the vertex in front of that run.
+// the last ring are ignored. A ring that starts with a run of vertices at py is judged by the vertex before that run.
 bool INSIDE_POLYGON(float px, float py, std::span<const float> x, std::span<const float> y, std::int32_t np, float xmin,
                     std::span<const std::int32_t> ir, std::int32_t nr);
 bool INSIDE_POLYGON_8(double px, double py, std::span<const double> x, std::span<const double> y, std::int32_t np,

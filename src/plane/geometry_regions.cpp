@@ -8,7 +8,7 @@ namespace gridforge::inline plane {
 
 namespace {
 
-// From the differences on it is the same in both precisions: all single.
+// Both precisions compute the differences in their own, and all else in single.
 float sideProduct(float dx, float dy, float ax1, float ay1, float bx2, float by2)
 {
     return (dx * ay1 - dy * ax1) * (dx * by2 - dy * bx2);
@@ -39,7 +39,7 @@ struct RayCrossings {
     Real previousY = 0;
     bool odd = false;
 
-    // Takes the edge from vertex 1 to vertex 2. A vertex on the ray is judged where the edge behind it starts.
+    // Counts the edge from vertex 1 to vertex 2. A vertex on the ray is judged with the edge that starts there.
     void take(Real x1, Real y1, Real x2, Real y2)
     {
         if (y1 == y2) {

@@ -9,19 +9,19 @@
 #include <cmath>
 #include <limits>
 
-// Why a row can be taken at once: for one edge and one y, INTERSECT_LINE_8 compares a product with 0 that is made of px by
-// a subtraction, roundings and products with constants. Each of these keeps the order of the px, so along a row the edge
-// counts from some place on, or up to some place, and a binary search with the very same expressions finds it. Edges that
-// lie above or below the row count only where a product gets too small for single precision; such places are tested point
+// Why a row can be tested as a whole: for one edge and one y, INTERSECT_LINE_8 compares with 0 a product that it makes of
+// px by a subtraction, roundings and products with constants. Each of these keeps the order of the px, so along a row the
+// edge counts from some place on, or up to some place, and a binary search with the very same expressions finds that place.
+// Edges above or below the row count only where a product is too small for single precision; those places are tested point
 // by point.
 
 namespace gridforge::inline plane {
 
 namespace {
 
-// With coordinates up to this no sum of products in single precision is out of range.
+// Coordinates up to this size keep every sum of products within single precision.
 constexpr double kOrdinary = 1e15;
-// Products from here on have squares that single precision can hold.
+// From this size on a product has a square that single precision can hold.
 constexpr double kSafeProduct = 1e-20;
 
 bool isOrdinary(double coordinate)
@@ -34,7 +34,7 @@ double lowerY(const RegionEdge& edge)
     return std::min(edge.y1, edge.y2);
 }
 
-// Does the edge count for the point, by the steps of the plain routine?
+// The edge counts for the point, by the steps of the plain routine.
 bool counts(const RegionEdge& edge, double rayStart, double px, double py)
 {
     if (edge.y2 == py) {
@@ -69,7 +69,7 @@ void takeRing(std::span<const double> x, std::span<const double> y, std::size_t 
     }
 }
 
-// Fills highestY for edges from..to-1: each part is known by its middle.
+// Fills highestY for edges from..to-1; the entry of a part is at its middle.
 double fillHighest(PreparedRegion& region, std::size_t from, std::size_t to)
 {
     if (from == to) {
@@ -118,13 +118,14 @@ double nearestLevel(const PreparedRegion& region, double py)
     return distance;
 }
 
-// The share of px in the test of edges above and below the row is large enough to tell their sign.
+// In the test of edges above and below the row the part of px is large enough to settle the sign.
 bool isSafe(double rayStart, double px, double nearest)
 {
     return std::abs(double{static_cast<float>(px - rayStart)}) * nearest >= kSafeProduct;
 }
 
-// The test of INTERSECT_LINE_8 whether both ends of the ray lie on one side of the edge, with what one row leaves open.
+// The test of INTERSECT_LINE_8 whether both ends of the ray lie on one side of the edge: all of it that is the same for a
+// row is computed once.
 class EdgeOnRow {
 public:
     EdgeOnRow(const RegionEdge& edge, double rayStart, double py)
@@ -144,7 +145,7 @@ private:
     float ofRow_;
 };
 
-// The places of a row where the number of crossings turns from even to odd or back, as flags of the row.
+// Places of a row where the number of crossings changes between even and odd, as flags of the row.
 class Turns {
 public:
     explicit Turns(std::span<std::uint8_t> row) : row_(row) { std::fill(row.begin(), row.end(), std::uint8_t{0}); }
@@ -183,7 +184,7 @@ private:
     bool any_ = false;
 };
 
-// The same as a list, held in the `from` of the runs that come out of it.
+// The same as a list, kept in the `from` of the runs that it becomes.
 class TurnList {
 public:
     explicit TurnList(std::vector<RowRun>& runs) : runs_(runs) { runs.clear(); }
@@ -196,7 +197,7 @@ public:
         }
     }
 
-    // Turns into runs: two turns at one place undo each other, so what is left goes in pairs.
+    // Turns into runs: two turns at one place cancel, and the rest are pairs.
     void resolve()
     {
         std::sort(runs_.begin(), runs_.end(), [](const RowRun& a, const RowRun& b) { return a.from < b.from; });
@@ -251,20 +252,20 @@ void addEdge(const RegionEdge& edge, double rayStart, double py, std::span<const
         addMeeting(onRow, px, px.size(), turns);
         return;
     }
-    const auto behind = static_cast<std::size_t>(std::lower_bound(px.begin(), px.end(), edge.x1) - px.begin());
+    const auto afterVertex = static_cast<std::size_t>(std::lower_bound(px.begin(), px.end(), edge.x1) - px.begin());
     if ((edge.yAhead - py) * (edge.y2 - py) < 0) {
-        turns.add(behind, px.size());
+        turns.add(afterVertex, px.size());
     }
-    addMeeting(onRow, px, behind, turns);
+    addMeeting(onRow, px, afterVertex, turns);
 }
 
-// No place of the row needs a test by itself: the row begins beyond the start of the ray, and far enough.
+// No place of the row needs a test of its own: the row begins far enough after the start of the ray.
 bool isSafeRow(const PreparedRegion& region, double py, std::span<const double> px)
 {
     return px.front() > region.rayStart && isSafe(region.rayStart, px.front(), nearestLevel(region, py));
 }
 
-// The rows that the edges tell about; all others are tested point by point.
+// The row can be settled by its edges. All other rows are tested point by point.
 bool isOrdinaryRow(const PreparedRegion& region, double py, std::span<const double> px)
 {
     return region.ordinary && isOrdinary(py) && isOrdinary(px.front()) && isOrdinary(px.back());
@@ -284,7 +285,7 @@ void runsOfFlags(std::span<const std::uint8_t> inside, std::vector<RowRun>& runs
     }
 }
 
-// The places around the start of the ray where isSafe does not hold, point by point.
+// Tests the places around the start of the ray where isSafe does not hold, point by point.
 void mendUnsafe(const PreparedRegion& region, double py, std::span<const double> px, double nearest,
                 std::span<std::uint8_t> inside)
 {
@@ -313,7 +314,7 @@ bool prepareRegion(std::span<const double> x, std::span<const double> y, std::in
             return isOrdinary(edge.x1) && isOrdinary(edge.y1) && isOrdinary(edge.x2) && isOrdinary(edge.y2);
         });
     if (!region.ordinary) {
-        return whole; // among others not-a-number, which has no order
+        return whole; // among others NaN, which has no order
     }
     std::sort(region.edges.begin(), region.edges.end(),
               [](const RegionEdge& a, const RegionEdge& b) { return lowerY(a) < lowerY(b); });

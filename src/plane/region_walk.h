@@ -1,4 +1,4 @@
-// How the region test walks the rings of a region, for its plain form and its prepared one.
+// How the plain and the prepared form of the region test walk the rings of a region.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 namespace gridforge::inline plane {
 
 // Calls `ring(second, end)` for each ring, vertices counted from 1: its edges start at the vertices from its second to its
-// closing one, and the last of them ends in the slot after it. A ring whose end does not lie between its second vertex and
-// the last edge runs on to the last edge. False when the rings end before the vertices.
+// closing one, and the last of them ends in the slot after it. A ring whose end is not between its second vertex and the
+// last edge goes on to the last edge. False if the rings end before the vertices.
 template <typename Ring>
 bool walkRings(std::int32_t np, std::span<const std::int32_t> ir, std::int32_t nr, const Ring& ring)
 {
@@ -19,16 +19,16 @@ bool walkRings(std::int32_t np, std::span<const std::int32_t> ir, std::int32_t n
             return false;
         }
         const std::int64_t second = i + 1;
-        const std::int64_t told = ir[static_cast<std::size_t>(k)];
-        const std::int64_t end = told >= second && told <= last ? told : last;
+        const std::int64_t given = ir[static_cast<std::size_t>(k)];
+        const std::int64_t end = given >= second && given <= last ? given : last;
         ring(static_cast<std::size_t>(second), static_cast<std::size_t>(end));
         i = end + 2;
     }
     return true;
 }
 
-// The y of the nearest vertex before vertex `second`, going back from `end`, that is not at the y of `second` itself; that
-// y if all are.
+// The y of the nearest vertex before vertex `second`, going back from `end`, that differs from the y of `second`; that of
+// `second` if none differs.
 template <typename Real>
 Real yAheadOfSecond(std::span<const Real> y, std::size_t second, std::size_t end)
 {

@@ -21,10 +21,10 @@ struct Triangle {
     float apexValue = 0;
 };
 
-// Lengths below this, single precision widened, count as nothing: the value is then taken half way.
+// Lengths below this (a single, widened) count as 0: the value is then taken half way.
 inline constexpr double kDegenerateLength = static_cast<double>(1.0e-6F);
 
-// What of a triangle does not depend on the point: prepared once for many points of it.
+// The part that does not depend on the point, prepared once for many points of a triangle.
 struct PreparedTriangle {
     Triangle triangle;
     double edgeSlope = 0;

@@ -1,4 +1,4 @@
-// The name that the two files of a layer share.
+// The name that the two files of a layer share, without extension.
 #pragma once
 
 #include "core/names.h"
@@ -9,7 +9,7 @@
 
 namespace gridforge::gis::mif {
 
-// The name without the extension of either file; a name without one is the base.
+// Removes the extension of either file; any other name is the base already.
 inline std::string baseOf(std::string_view fileName)
 {
     const std::string name(trimLeft(fileName));

@@ -31,7 +31,7 @@ std::string blankedTabs(std::string_view text)
     return blanked;
 }
 
-// Unread lines up to and including the one that holds `word`; false at the end of the file.
+// Skips lines up to and including the one that holds `word`; false at the end of the file.
 bool findLine(Unit unit, std::string_view word, std::string& line, std::size_t width)
 {
     while (readLine(unit, line, width)) {
@@ -48,11 +48,11 @@ bool findLine(Unit unit, std::string_view word, std::string& line, std::size_t w
 
 namespace {
 
-// The rewinding routines see less of a line than the header reader.
+// The rewinding routines look at less of a line than the reader of the header.
 constexpr std::size_t kShortLine = 100;
 constexpr std::size_t kLongNameWidth = 256;
 
-// Skips the lines up to and including the one that holds "Data"; no such line ends the run.
+// Skips lines up to and including the one that holds "Data". A file without it ends the run.
 void findData(Unit unit, std::size_t width)
 {
     std::string line;
@@ -88,7 +88,7 @@ void sayDefinitions(const MifInput& input)
     say(text);
 }
 
-// The number in the brackets of a type such as Char(20); 0 if it is missing.
+// The number in brackets of a type such as Char(20); 0 if it is missing.
 std::int32_t bracketedWidth(std::string_view type)
 {
     const std::size_t open = type.find('(');
@@ -208,7 +208,7 @@ bool isObject(std::string_view line, std::string_view& tail, LayerObject& object
     const std::string_view word = upperHead(tail, head);
     const auto* const match = std::ranges::find_if(
         kKeywords, [&](const ObjectKeyword& candidate) { return word.starts_with(candidate.word); });
-    // Set by every line: a Center line is known as such only if no further line follows.
+    // Set for every line: a Center line counts only if it is the last one.
     object.centre = word.starts_with(kCentreKeyword);
     if (match != kKeywords.end()) {
         object.kind = match->kind;
@@ -253,7 +253,7 @@ bool readRecord(MifInput& input, std::string_view name, std::string& line, std::
         gisFail(join("ERROR 0254 - Failed to read object attribute data record for a ", name, " object in GIS layer."));
     }
     return atObjectsEnd(
-        input); // a .mid that ends first does not end a .mif: an object without a record must be reported
+        input); // a .mid that ends early does not end the .mif: an object without a record must be reported
 }
 
 // --- Object coordinates ----------------------------------------------------------------------------------------------
@@ -270,7 +270,7 @@ namespace {
     gisFail("ERROR 0309 - Unexpected end of .mif file encountered.");
 }
 
-// The next value, which must be there; an empty one leaves the target.
+// Reads the next value, which must not be missing; an empty one leaves the target.
 template <typename Number>
 void need(FreeForm& values, Number& target)
 {
@@ -319,7 +319,7 @@ void requireRoom(std::int64_t np, std::int32_t maxVertices)
     }
 }
 
-// Vertices from number `first` to `last`, one a line.
+// Reads the vertices from number `first` to `last`, one on each line.
 void readVertices(MifInput& input, Coordinates& c, std::int32_t first, std::int32_t last)
 {
     for (std::int32_t i = first; i <= last; ++i) {
@@ -382,7 +382,7 @@ void readRings(MifInput& input, LayerObject& object, Coordinates& c, std::int32_
                 readVertices(input, c, 1, 1);
                 start = 2;
             }
-            // The start stays 2, so that further rings skip too many lines; no caller reads regions this way.
+            // The start stays 2, so further rings skip too many lines; no caller reads regions this way.
             skipLines(input, std::int64_t{c.np} - start);
         }
         object.parts[static_cast<std::size_t>(k)] = c.np - 1;
@@ -392,8 +392,8 @@ void readRings(MifInput& input, LayerObject& object, Coordinates& c, std::int32_
     }
 }
 
-// The scan for the region's centre runs on to the next object, whose line takes the centre back: so only the last
-// region of a file gets the centre that the file gives, all others the computed one. On purpose: results depend on it.
+// The search for the region's centre goes on to the next object, and the line of that one undoes the centre. So only the
+// last region of a file gets the centre that the file gives, all others the computed one. On purpose: results rely on it.
 Centre lookForCentre(MifInput& input, Coordinates& c)
 {
     input.next.clear();

@@ -1,4 +1,4 @@
-// .mif and .mid files as a line scanner: objects are found by the keyword at the head of a line, all else is skipped.
+// Reads .mif and .mid files line by line: a keyword at the start of a line begins an object, all else is skipped.
 #pragma once
 
 #include "gis/layer_object.h"
@@ -19,26 +19,25 @@ struct MifInput {
     std::vector<Column> definitions; // the columns with their types as written, as "Char(12)"
     std::string line;                // last object line read
     std::string rest;                // the text after its keyword
-    LayerObject next;                // what the scan for the centre of a region runs into
+    LayerObject next;                // the object that the search for the centre of a region ends at
 };
 
-// Opens <base>.mif and <base>.mid. A name without either extension is the base.
+// Opens <base>.mif and <base>.mid. The name is the base or has either extension.
 MifInput open(std::string_view fileName);
-// Rewinds, reads the columns, which the console shows, and stands after "Data".
+// Rewinds, reads the columns, which the console shows, and stops after "Data".
 void readHeader(MifInput& input);
-// A column definition, split at its first blank, the name cut at `nameWidth`.
+// Splits a column definition at its first blank and cuts the name at `nameWidth`.
 Column splitDefinition(std::string_view line, std::size_t nameWidth);
 std::int32_t columnCount(const MifInput& input);
-// The columns as an output layer takes them.
+// The columns in the form that an output layer needs.
 std::vector<Column> columnsOf(const MifInput& input);
 
 // Finds the next object and its kind. False at the end of the file.
 bool readKind(MifInput& input, LayerObject& object);
-// The next line of the .mid, cut at `width`, into `line`; `name` is that of its object, for messages. True at the end of
-// the layer.
+// Reads the next line of the .mid, cut at `width`. Messages call its object `name`. True at the end of the layer.
 bool readRecord(MifInput& input, std::string_view name, std::string& line, std::size_t width);
-// Coordinates of the object that readKind has found. More than `maxVertices` end the run. Where they are not `wanted`
-// only the first vertex is read.
+// Reads the coordinates of the object that readKind has found; only the first vertex if they are not `wanted`. More than
+// `maxVertices` vertices end the run.
 Centre readCoordinates(MifInput& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
                        bool wanted);
 // No object is left.
@@ -46,13 +45,13 @@ bool atObjectsEnd(const MifInput& input);
 
 void closeFiles(MifInput& input);
 
-// Lines of the .mid, which is rewound.
+// The number of lines of the .mid, which is rewound.
 std::int32_t recordCount(MifInput& input);
-// Back to the first object.
+// Goes back to the first object.
 void rewind(MifInput& input);
-// Back to the column definitions; their count. False, with a warning and a pause, where it cannot be found.
+// Goes back to the column definitions and reads their count. False, with a warning and a pause, if it cannot be found.
 bool goToColumns(MifInput& input, std::int32_t& count);
-// The next column definition, its name cut at 256 and its type at 24.
+// Reads the next column definition, its name cut at 256 and its type at 24.
 Column readColumn(MifInput& input);
 
 // The CoordSys line of a .mif, which must be there.

@@ -24,7 +24,7 @@ constexpr int kTextDecimals = 3;
 constexpr std::size_t kStyleWidth = 256;
 constexpr std::size_t kRoom = 256; // more than any line of fields
 
-// realField in place: millions of coordinates pass here.
+// realField in place, because layers have millions of coordinates.
 void putField(char*& out, double value, int decimals)
 {
     std::array<char, std::size_t{2} * kFieldWidth> digits;
@@ -42,7 +42,7 @@ void putField(char*& out, double value, int decimals)
     out += kWidth;
 }
 
-// One line: `head`, then x and y of each vertex from number `first` to `last`.
+// Writes one line: `head`, then x and y of each vertex from number `first` to `last`.
 void writeFields(Unit unit, std::string_view head, const Feature& f, std::int32_t first, std::int32_t last,
                  int decimals = kDecimals)
 {
@@ -114,7 +114,7 @@ void failObject(Unit)
     gisFail("ERROR 0439 - Writing .mif file object coordinates.");
 }
 
-// One for each kind: whoever reports a failed write knows its unit only.
+// One routine for each kind of object, because a handler of failed writes gets only the unit.
 template <Kind kind>
 void failRecord(Unit)
 {

@@ -14,7 +14,7 @@ struct MifOutput {
     Unit midUnit = 0;
 };
 
-// Creates <base>.mif with its header, and <base>.mid. A name without either extension is the base.
+// Creates <base>.mif with its header, and <base>.mid. The name is the base or has either extension.
 MifOutput create(std::string_view fileName, const LayerSpec& spec);
 void writeObject(const MifOutput& output, const Feature& feature);
 void writeRecord(const MifOutput& output, const Feature& feature);

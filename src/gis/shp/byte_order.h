@@ -9,7 +9,7 @@
 
 namespace gridforge::gis::shp {
 
-// The `Number` whose bytes begin at `bytes`, in the given order.
+// The number whose bytes begin at `bytes`, in the given order.
 template <typename Number, std::endian order = std::endian::little>
 Number fromBytes(const std::byte* bytes)
 {
@@ -21,7 +21,7 @@ Number fromBytes(const std::byte* bytes)
     return std::bit_cast<Number>(own);
 }
 
-// Puts the bytes of `value` at `target`, in the given order, and returns the place after them.
+// Stores the bytes of `value` at `target`, in the given order, and returns the place after them.
 template <std::endian order = std::endian::little, typename Number>
 char* putBytes(char* target, Number value)
 {

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kHeaderBytes = 32;
 constexpr std::size_t kRestOfName = 10;
-constexpr std::size_t kRestOfField = 15; // the decimals are among them, and are of no use to a reader of text
+constexpr std::size_t kRestOfField = 15; // includes the decimals, which a reader of text does not need
 constexpr unsigned char kEndOfFields = 13;
 constexpr unsigned char kEndOfTable = 26;
 
@@ -52,7 +52,7 @@ void readField(DbfTable& dbf, std::byte first)
     const std::string_view text(reinterpret_cast<const char*>(name.data()), name.size());
     dbf.fieldName[field] = cut(CLEANATTRIBUTENAME(text.substr(0, text.find('\0'))), kDbfNameWidth);
 
-    std::array<std::byte, 6> typeAndLength; // with an address of no use in between
+    std::array<std::byte, 6> typeAndLength; // and an unused address between them
     needHeader(dbf, typeAndLength);
     dbf.fieldType[field] = static_cast<char>(typeAndLength[0]);
     const auto length = std::to_integer<std::int32_t>(typeAndLength[5]);
@@ -77,7 +77,7 @@ void tellFields(const DbfTable& dbf)
 
 // --- Records ---------------------------------------------------------------------------------------------------------
 
-// The next `count` bytes, which stay readable up to the next read. A record is far shorter than the unit reads ahead.
+// The next `count` bytes, valid until the next read. A record is far shorter than the unit's buffer.
 std::string_view needRecordBytes(const DbfTable& dbf, std::size_t count)
 {
     std::string_view bytes = readyBytes(dbf.dbfUnit);
@@ -100,7 +100,8 @@ void append(std::string& line, std::string_view part, std::size_t width)
     }
 }
 
-// The record with blanks for its zero bytes, which some programs pad values with. `copy` holds it where there are any.
+// The record with its zero bytes replaced by blanks, because some programs pad values with them. `copy` holds the result if
+// there are any.
 std::string_view withoutZeros(std::string_view record, std::string& copy)
 {
     if (record.find('\0') == std::string_view::npos) {
@@ -125,7 +126,7 @@ void readValues(DbfTable& dbf, std::string& line, std::size_t width)
             append(line, DOUBLEQUOTE(trimRight(value)), width);
             append(line, "\"", width);
         } else {
-            // A number that did not fit its field stands there as asterisks.
+            // Asterisks stand for a number that did not fit its field.
             append(line, value.front() == '*' ? "0" : trimRight(value), width);
         }
         if (i + 1 < static_cast<std::size_t>(dbf.nFields)) {

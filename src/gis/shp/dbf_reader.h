@@ -8,12 +8,11 @@
 
 namespace gridforge::gis::shp {
 
-// Rewinds, reads the field list with its console lines, and stands at the first record.
+// Rewinds, reads the field list with its console lines, and stops at the first record.
 void dbfReadHeader(DbfTable& dbf);
 
-// The next record that is not deleted as one line, cut at `width`, in the caller's reused text. `endOfData` becomes
-// true, and the line blank, on the byte that ends the table, and is false otherwise; the caller then asks
-// atEnd(dbfUnit).
+// Reads the next record that is not deleted into the caller's reused text, as one line cut at `width`. At the byte that ends
+// the table `endOfData` becomes true and the line blank; otherwise it becomes false, and the caller asks atEnd(dbfUnit).
 void dbfReadRecord(DbfTable& dbf, bool& endOfData, std::string& line, std::size_t width);
 
 } // namespace gridforge::gis::shp

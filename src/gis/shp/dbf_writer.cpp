@@ -39,7 +39,7 @@ void failRewrite(Unit)
     gisFail("ERROR 0413 - Rewriting .dbf file header with final information.");
 }
 
-// Sends what has been written to the file, so that a failure is reported as that of the step that wrote it.
+// Flushes the unit, so that a failed write is reported by the step that wrote the bytes.
 void settle(Unit unit)
 {
     seekTo(unit, position(unit));
@@ -91,7 +91,7 @@ void mapFields(std::span<const Column> columns, DbfTable& dbf)
         dbf.fieldDecimals[i] = field.decimals;
         total += dbf.fieldLength[i];
     }
-    // The place's name and the limit differ, and always have.
+    // The message names another limit than the real one, on purpose: users know it so.
     if (total > kMostRecordBytes) {
         gisMisuse("[dbfTotLen>32767]");
     }
@@ -133,8 +133,8 @@ void writeField(const DbfTable& dbf, std::size_t i)
 
 // --- Records ---------------------------------------------------------------------------------------------------------
 
-// One store for all layers of a run: a field without a value gets what its number was given last. On purpose: outputs
-// rely on it.
+// One store for all layers of a run: a field without a value gets the text that the field of its number got last, on
+// purpose: outputs rely on it.
 std::array<std::string, kMaxDbfFields>& fieldValues()
 {
     static std::array<std::string, kMaxDbfFields> values;
@@ -155,7 +155,7 @@ void splitLine(const DbfTable& dbf, std::string_view line)
     }
 }
 
-// The field's value in its place: text to the left, numbers to the right.
+// Appends the field's value: text left-justified, numbers right-justified.
 void putValue(std::string_view value, std::size_t length, bool isText, char* field)
 {
     value = trimRight(value.substr(0, length));

@@ -86,7 +86,7 @@ void needBox(Unit unit, const ReadMessages& messages)
     need(unit, bytes, messages);
 }
 
-// The next `count` integers into the start of `ir`, which has the room.
+// Reads the next `count` integers into the start of `ir`, which has room for them.
 void needParts(Unit unit, std::int32_t count, std::vector<std::int32_t>& ir, const ReadMessages& messages)
 {
     for (std::int32_t k = 0; k < count; ++k) {
@@ -183,8 +183,8 @@ void readPart(ShpFile& shp, LayerObject& object, Coordinates& c, std::int32_t ma
     readVertices(shp.shpUnit, 0, c.np, c);
 }
 
-// Turns the part starts of the file into ring ends, with the slot after each ring that repeats its second vertex. A ring
-// of fewer than two vertices has none, and its slot stays as it was.
+// Makes ring ends of the part starts of the file, and fills the slot after each ring with its second vertex. A ring of
+// fewer than two vertices has no second one, and its slot stays as it was.
 void readRings(const ShpFile& shp, LayerObject& object, std::int32_t points, Coordinates& c)
 {
     const auto rings = static_cast<std::size_t>(object.rings);
@@ -336,7 +336,8 @@ std::vector<Column> columnsOf(const ShpInput& input)
 bool readKind(ShpInput& input, LayerObject& object)
 {
     ShpFile& shp = input.shp;
-    std::array<std::byte, 2 * sizeof(std::int32_t)> head; // record number and length, of no use to a reader in order
+    std::array<std::byte, 2 * sizeof(std::int32_t)>
+        head; // record number and length, which a reader in order does not need
     need(shp.shpUnit, head, kTypeMessages);
     shp.recordShapeType = needInteger(shp.shpUnit, kTypeMessages);
     object.rings = 0;
@@ -375,7 +376,9 @@ Centre readCoordinates(ShpInput& input, LayerObject& object, Coordinates& coordi
     switch (shp.recordShapeType) {
     case kNull: break;
     case kPoint:
-    case kMultiPoint: readPoint(shp.shpUnit, coordinates); break; // further points stay unread, as they always have
+    case kMultiPoint:
+        readPoint(shp.shpUnit, coordinates);
+        break; // of several points the first, on purpose: results rely on it
     case kPolyline: readPart(shp, object, coordinates, maxVertices, wanted); break;
     case kPolygon: readRegion(shp, object, coordinates, maxVertices, wanted); break;
     default: gisFail(join("Should not be here [shpReadObject].  Please contact ", kSupportContact, "."));

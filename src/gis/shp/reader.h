@@ -1,5 +1,5 @@
-// .shp files of points, polylines, polygons and multipoints, read from end to end. Every file is hostile until proved:
-// counts are checked before they are used, and what a file does not hold ends the run with its message through gisFail.
+// Reads .shp files of points, polylines, polygons and multipoints from start to end. No file is trusted: counts are checked
+// before they are used, and data missing from a file end the run with a message through gisFail.
 #pragma once
 
 #include "gis/layer_object.h"
@@ -26,25 +26,25 @@ struct FileHeader {
     std::int32_t type = 0;
     Box box;
 };
-// Rewinds and reads the 100 bytes of the header; what is short or unreadable ends the run.
+// Rewinds and reads the 100 bytes of the header. A short or unreadable file ends the run.
 FileHeader readFileHeader(Unit unit);
 
 // Opens the .shp, on two units, and the .dbf beside it.
 ShpInput open(std::string_view fileName);
-// Code and length with their console line (only while the big-endian unit is open, which is closed then), version, type
-// and box with theirs, and the header of the .dbf. The reader stands at the first object.
+// Reads the header: code and length with their console line (only while the big-endian unit is open, which is then closed),
+// version, type and box with theirs, and the header of the .dbf. Stops at the first object.
 void readHeader(ShpInput& input);
 std::int32_t columnCount(const ShpInput& input);
-// The columns as an output layer takes them.
+// The columns in the form that an output layer needs.
 std::vector<Column> columnsOf(const ShpInput& input);
 
-// Reads the head of the next record: kind, parts and name of `object`, which the caller has cleared. Always true: the
-// end of the file and what is not supported end the run.
+// Reads the head of the next record: kind, parts and name of `object`, which the caller has cleared. Always true: at the end
+// of the file and at unsupported shapes the run ends.
 bool readKind(ShpInput& input, LayerObject& object);
-// The next record of the .dbf as one line, cut at `width`; `name` is not needed here. True at the end of the layer.
+// Reads the next record of the .dbf as one line, cut at `width`; `name` is unused. True at the end of the layer.
 bool readRecord(ShpInput& input, std::string_view name, std::string& line, std::size_t width);
-// Coordinates of the object whose head has been read; for polylines one part a call. `maxVertices` is checked before
-// anything is stored. The centre is always left to be computed.
+// Reads the coordinates of the object whose head has been read; of polylines one part in each call. `maxVertices` is checked
+// before anything is stored. The caller always computes the centre.
 Centre readCoordinates(ShpInput& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
                        bool wanted);
 // No object is left.
@@ -54,7 +54,7 @@ void closeFiles(ShpInput& input);
 
 // The record count in the header of the .dbf.
 std::int32_t recordCount(const ShpInput& input);
-// Back to the first object.
+// Goes back to the first object.
 void rewind(ShpInput& input);
 // Definitions of columns are for .mif alone; asking for them ends the run.
 bool goToColumns(ShpInput& input, std::int32_t& count);

@@ -14,8 +14,8 @@ namespace gridforge::gis::shp {
 inline constexpr std::int32_t kMaxDbfFields = 128;
 inline constexpr std::size_t kDbfNameWidth = 11;
 
-// One set of shape files. The units come in pairs on one file, since the console counts them so; the big-endian one of a
-// pair need not be read or written, as every field is put in its byte order by hand.
+// One set of shape files. Each file is opened on two units, because users see their numbers on the console. The big-endian
+// one is hardly needed: every field is put into its byte order here.
 struct ShpFile {
     Unit shpUnit = 0;
     Unit shpUnitBE = 0;

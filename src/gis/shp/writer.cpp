@@ -26,7 +26,7 @@ constexpr std::int32_t kFileCode = 9994;
 constexpr std::int32_t kVersion = 1000;
 constexpr std::int32_t kHeaderWords = 50; // lengths are in 16-bit words
 constexpr std::int32_t kRecordHeadWords = 4;
-// What the box of a layer starts from: 9e29 in single precision.
+// The box of a layer starts from this: 9e29 in single precision.
 constexpr double kNoBox = 9.000000135427196e+29;
 
 constexpr std::int32_t kNull = 0;
@@ -50,7 +50,7 @@ void failRewrite(Unit)
     gisFail("ERROR 0413 - Rewriting .dbf file header with final information.");
 }
 
-// Sends what has been written to the file, so that a failure is reported as that of the step that wrote it.
+// Flushes the unit, so that a failed write is reported by the step that wrote the bytes.
 void settle(Unit unit)
 {
     seekTo(unit, position(unit));
@@ -133,7 +133,7 @@ void writeObjectBox(const Box& box, ShpFile& shp)
     takeIn(box, shp.box);
 }
 
-// A point without a vertex stands at 0.
+// A point without a vertex is at 0.
 void writePoint(const Feature& f, ShpFile& shp)
 {
     const double x = f.x.empty() ? 0.0 : f.x[0];
@@ -166,7 +166,7 @@ void writeBody(std::int32_t shapeType, const Feature& f, ShpFile& shp)
     }
 }
 
-// Two big-endian words, as records of both files begin.
+// Writes the two big-endian words that begin a record of either file.
 void writePair(Unit unit, std::int32_t first, std::int32_t second)
 {
     char* at = writeRoom(unit, 2 * sizeof first).data();
@@ -256,7 +256,7 @@ std::string setBase(std::string_view fileName, char letter)
     return join(FILENAMEPATH(fileName), "_", letter);
 }
 
-// All sets are looked at before the first one is opened: to open an input for output would empty its .prj and .dbf.
+// All sets are checked before the first one is opened: opening an input for output would empty its .prj and .dbf.
 void requireNoInputSet(std::string_view fileName, std::string_view families)
 {
     for (const char letter : families) {
@@ -293,7 +293,7 @@ void writeHeaders(OutputSet& set, const LayerSpec& spec)
 
 // --- The sets of an object -------------------------------------------------------------------------------------------
 
-// Calls `work` with each set that takes an object of this kind. A kind that has none ends the run and names `place`.
+// Calls `work` with each set for objects of this kind. A kind without a set ends the run; the message names `place`.
 template <typename Work>
 void forEachSetOf(ShpOutput& output, Kind kind, std::string_view place, const Work& work)
 {
@@ -326,8 +326,8 @@ void forEachSetOf(ShpOutput& output, Kind kind, std::string_view place, const Wo
 
 // --- Headers ---------------------------------------------------------------------------------------------------------
 
-// The little-endian unit writes the .shp, the big-endian one the .shx, where the other is closed early. What an older file
-// holds beyond the header goes at once.
+// The little-endian unit writes the .shp, and the big-endian one the .shx, whose other unit is closed early. Cuts off what
+// an older file holds after the header.
 void writeFileHeader(ShpFile& shp, Unit unitLE, Unit unitBE)
 {
     if (unitLE <= 0 || unitBE <= 0) {

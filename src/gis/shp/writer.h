@@ -16,7 +16,7 @@ struct OutputSet {
     DbfTable dbf;
 };
 
-// Points are set 1, lines set 2, regions set 3; those that the layer does not have stay closed.
+// Points are set 1, lines set 2, regions set 3; sets that the layer does not have stay closed.
 struct ShpOutput {
     std::array<OutputSet, 3> sets;
 };
@@ -24,16 +24,16 @@ struct ShpOutput {
 // Creates a set of files for each letter of the families, and writes their headers. The units of .prj and the little-
 // endian .shx are closed then.
 ShpOutput create(std::string_view fileName, const LayerSpec& spec);
-// Writes the object into the set of its kind; a text counts as a point, and an object without shape goes to all sets. A
-// kind that has no place ends the run.
+// Writes the object into the set of its kind. A text counts as a point, an object without shape goes to all sets, and a kind
+// without a set ends the run.
 void writeObject(ShpOutput& output, const Feature& feature);
 void writeObject(OutputSet& set, const Feature& feature);
 void writeRecord(ShpOutput& output, const Feature& feature);
-// Set by set, the .dbf first: completes the headers and closes. A set without records keeps its .shp and .shx open to
-// the end of that. Rewriting a header shows no line on the console.
+// Completes the headers and closes set by set, the .dbf first. The .shp and .shx of a set without records are closed last.
+// Rewriting a header shows no line on the console.
 void closeFiles(ShpOutput& output);
 
-// The 100 bytes at the start of the .shp or .shx that `unitLE` and `unitBE` stand for.
+// Writes the 100 bytes at the start of the .shp or .shx that is open on `unitLE` and `unitBE`.
 void writeFileHeader(ShpFile& shp, Unit unitLE, Unit unitBE);
 
 } // namespace gridforge::gis::shp

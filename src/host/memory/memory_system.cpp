@@ -13,7 +13,7 @@ namespace gridforge::inline host {
 
 namespace {
 
-// What is written past this is refused, as on a full disk.
+// Writes past this are refused, as on a full disk.
 constexpr std::int64_t kLargestFile = std::int64_t{1} << 30;
 
 struct MemoryFile {
@@ -23,7 +23,7 @@ struct MemoryFile {
 };
 
 struct OpenMemoryFile {
-    std::shared_ptr<MemoryFile> file; // none: closed, and free for the next one
+    std::shared_ptr<MemoryFile> file; // null: closed, and the number is unused
     OpenFor purpose = OpenFor::reading;
     std::size_t position = 0;
 };
@@ -43,7 +43,7 @@ Memory& memory()
     return theMemory;
 }
 
-// The name without what only leads to the folder of the run.
+// The name without steps that only lead to the folder of the run.
 std::string plainName(std::string_view name)
 {
     while (name.starts_with("./") || name.starts_with('/')) {
@@ -254,7 +254,7 @@ SystemStatus factsOfName(const std::string& name, FileFacts& facts)
     if (name.empty() || !isFolder(name)) {
         return SystemStatus::noSuchFile;
     }
-    // Folders have no record of their own: each may have changed with any step, and its name is its identity.
+    // Folders have no record of their own: any step may have changed one, and its name is its identity.
     facts = {true, 0, memory().steps, {2, std::hash<std::string>()(folderStart(name)), false}};
     return SystemStatus::done;
 }

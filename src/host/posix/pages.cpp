@@ -17,7 +17,7 @@ namespace gridforge::inline host {
 namespace {
 
 #ifdef GRIDFORGE_CHECKED_MEMORY
-constexpr bool kMapPages = false; // the sanitizer watches the bounds of the heap only
+constexpr bool kMapPages = false; // the sanitizer checks bounds on the heap only
 #else
 constexpr bool kMapPages = true;
 #endif
@@ -38,7 +38,7 @@ void* takeMapped(std::size_t bytes)
     if (pages == MAP_FAILED) {
         return nullptr;
     }
-    madvise(pages, bytes, MADV_HUGEPAGE); // a wish: where it is not granted the pages are small
+    madvise(pages, bytes, MADV_HUGEPAGE); // a hint: otherwise the pages are small
     return pages;
 }
 

@@ -34,7 +34,7 @@ std::optional<std::uint64_t> valueAfter(const std::string& file, const std::stri
     return std::nullopt;
 }
 
-// The number that a file of one begins with; "max", or no such file, is no limit.
+// The limit in a file that holds one number; none if it holds "max" or is missing.
 std::uint64_t limitIn(const std::string& file)
 {
     std::ifstream in(file);
@@ -42,7 +42,7 @@ std::uint64_t limitIn(const std::string& file)
     return in >> value ? value : kNoLimit;
 }
 
-// Calls `work` with the folder of each control group that the process is in, from its own one to the first.
+// Calls `work` with the folder of each control group of the process, from its own up to the root.
 template <typename Work>
 void forEachGroup(Work work)
 {
@@ -64,7 +64,7 @@ void forEachGroup(Work work)
     }
 }
 
-// Copies of files that the group has in memory are given up when room is needed.
+// The system drops cached files of the group when room is needed.
 std::uint64_t leftInGroups()
 {
     std::uint64_t left = kNoLimit;
@@ -88,7 +88,7 @@ std::uint64_t leftOf(__rlimit_resource resource, const std::string& taken)
     return less(limit.rlim_cur, valueAfter("/proc/self/status", taken).value_or(0) * kKilobyte);
 }
 
-// A share of the processors that control groups leave, in whole ones.
+// The number of whole processors that control groups allow.
 std::size_t processorsOfGroups()
 {
     std::size_t processors = std::numeric_limits<std::size_t>::max();

@@ -1,4 +1,4 @@
-// What the process may take of the machine.
+// What the process may use of the machine.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@ namespace gridforge::inline host {
 
 // Processors, at least one.
 std::size_t processorsToUse();
-// Bytes that can be taken before the machine, a limit of the process or one of its control groups refuses.
+// Bytes that the machine, the limits of the process and its control groups still allow.
 std::uint64_t memoryLeftToTake();
 
 } // namespace gridforge::inline host

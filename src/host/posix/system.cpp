@@ -34,7 +34,7 @@ int descriptorOf(SystemFile file)
     return static_cast<int>(file);
 }
 
-// A call that a signal came into is made again.
+// Repeats a call that a signal interrupted.
 template <typename Call>
 std::int64_t uninterrupted(Call call)
 {
@@ -152,7 +152,7 @@ std::optional<FileFacts> factsOfOpenFile(SystemFile file)
 
 // --- Files without a name --------------------------------------------------------------------------------------------
 
-// Where the file system has no unnamed files, a file that loses its name at once serves, though it gets none again.
+// For file systems without unnamed files: a file that loses its name at once, and cannot get one again.
 SystemFile openNameless(const std::string& folder)
 {
     std::string name = (folder.empty() ? "." : folder) + "/gridforge-XXXXXX";
@@ -176,7 +176,7 @@ SystemFile openUnnamedFile(const std::string& folder)
     return openNameless(folder);
 }
 
-// A file system that cannot set bytes aside is believed to have them: a write that fails reports it.
+// True also if the file system cannot set bytes aside: a write that fails will report it.
 bool setAsideFor(SystemFile file, std::int64_t size)
 {
 #ifdef __linux__
@@ -187,7 +187,7 @@ bool setAsideFor(SystemFile file, std::int64_t size)
 #endif
 }
 
-// Where `name` is taken, by a file that may be replaced as a whole: the new one gets its rights.
+// If `name` exists, it may be replaced as a whole, and the new file gets its rights.
 bool takeRights(int descriptor, const std::string& name)
 {
     struct stat old = {};
@@ -200,7 +200,7 @@ bool takeRights(int descriptor, const std::string& name)
            ::listxattr(name.c_str(), nullptr, 0) <= 0 && ::fchmod(descriptor, old.st_mode & 07777U) == 0;
 }
 
-// By way of another name, because a link replaces no file and a file without a name cannot be renamed.
+// Through another name, because a link replaces no file and a file without a name cannot be renamed.
 bool giveNameTo(SystemFile file, const std::string& name)
 {
     const int descriptor = descriptorOf(file);
@@ -265,7 +265,7 @@ std::optional<std::string> fullNameOf(const std::string& name)
 
 // --- Console and time --------------------------------------------------------------------------------------------
 
-// The call is worth another try: a signal came in between, or a stream that does not block was not ready, which is waited for.
+// The call should be repeated: a signal interrupted it, or a non-blocking stream was not ready, and now is.
 bool mayTryAgain(int stream, short event)
 {
     if (errno == EAGAIN || errno == EWOULDBLOCK) {
@@ -376,16 +376,16 @@ const System& nativeSystem()
 
 void prepareProcess()
 {
-    // A standard stream that the caller has closed would lend its number to the first file of the run, and the console's
-    // text would go into that file.
+    // If the caller has closed a standard stream, the first file of the run would get its number, and the console's text
+    // would go into that file.
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) == -1) {
             [[maybe_unused]] const int null = ::open("/dev/null", stream == STDIN_FILENO ? O_RDONLY : O_WRONLY);
         }
     }
-    // A console that nobody reads any more must not stop a run from writing its files.
+    // A console that nobody reads any more must not keep a run from writing its files.
     std::signal(SIGPIPE, SIG_IGN);
-    // A file that grows past a limit of the system is a write that fails, and says so.
+    // Without the signal, a write past the largest allowed file fails and is reported.
     std::signal(SIGXFSZ, SIG_IGN);
 }
 

@@ -1,4 +1,4 @@
-// The system by the calls of Windows. It is compiled with each change, so that the seam fits; no run has used it yet.
+// The system by the calls of Windows. CI compiles it, so that the seam fits; no run has used it yet.
 #include "host/system.h"
 
 #include <algorithm>
@@ -144,7 +144,7 @@ std::int64_t placeIn(SystemFile file)
     return SetFilePointerEx(handleOf(file), {}, &place, FILE_CURRENT) != 0 ? place.QuadPart : -1;
 }
 
-// A call by position moves the place of the next read and write here, which is put back.
+// A call by position also moves the next read and write, so that place is restored.
 template <typename Call>
 std::int64_t atPosition(SystemFile file, std::int64_t position, Call call)
 {
@@ -306,7 +306,7 @@ std::int64_t timeNow()
     return nanoseconds(joined(now.dwHighDateTime, now.dwLowDateTime));
 }
 
-// The system waits whole milliseconds, of which it takes 32 bits.
+// The system waits for whole milliseconds, in 32 bits.
 void waitFor(std::int64_t nanoseconds)
 {
     constexpr std::int64_t kMillisecond = 1'000'000;
@@ -403,7 +403,7 @@ const System& nativeSystem()
 
 void prepareProcess()
 {
-    // Standard handles are not numbers that a file could take over, and no signal ends a run that writes.
+    // No file can get the number of a standard handle, and no signal ends a run that writes.
     SetConsoleOutputCP(CP_UTF8);
 }
 
