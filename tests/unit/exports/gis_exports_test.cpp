@@ -4,6 +4,7 @@
 #include "support/child_run.h"
 #include "support/exported_calls.h"
 #include "support/layer_files.h"
+#include "support/shp_bytes.h"
 
 #include <array>
 #include <cstdint>
@@ -215,6 +216,24 @@ TEST(ExportedLayers, GoBackToTheirBeginnings)
         EXPECT_EQ(std::string(definition->type, 24), field("Char(30)", 24));
     });
     EXPECT_THAT(run.console, HasSubstr("Rewinding GIS Layer 1...\n"));
+}
+
+TEST(ExportedLayers, ShapefilesCountTheRecordsOfTheirTableAndGoBackToTheirFirstObject)
+{
+    const ScratchFolder folder;
+    giveShp(folder, "l", 1, {pointRecord(1, 2), pointRecord(3, 4)});
+    onLayer(folder, "l.shp", [](std::int32_t id) {
+        EXPECT_EQ(::gisNumberRecords(id), 2);
+        const auto object = anyObject();
+        for (int times = 0; times < 2; ++times) {
+            EXPECT_EQ(::gisObjectType(id, object.get()), 1);
+            Shape shape;
+            shape.read(id, *object);
+            EXPECT_EQ(shape.x[0], 1);
+            EXPECT_EQ(shape.y[0], 2);
+            ::gisGotoBeginningOfData(id);
+        }
+    });
 }
 
 struct HandleCall {

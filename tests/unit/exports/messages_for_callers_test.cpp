@@ -76,6 +76,36 @@ TEST(Dmessagexy, DrawsTheMessageInItsLayerAndCountsIt)
     EXPECT_EQ(folder.read("c.mid"), "\"CHECK 1  \"in  \"\r\n");
 }
 
+TEST(Dmessagexy, TakesTheLayerAndTheFontFromTheClass)
+{
+    const ScratchFolder folder;
+    const auto run = runInChild(folder, [] {
+        MessageRecord& r = DMESSAGES();
+        OPENER(r.mifUnit, "O ", "m.mif");
+        OPENER(r.checkMifUnit, "O ", "c.mif");
+        r.line[0] = "UNSTABLE 12";
+        DMESSAGEXY(-1, 0, 0);
+        sayCounts();
+        r.line[0] = "note";
+        DMESSAGEXY(-1, 0, 0);
+        sayCounts();
+    });
+    EXPECT_TRUE(run.console.ends_with("XY: UNSTABLE 12\nid 12 class 4 counts 000 xy 000\n"
+                                      "XY: note\nid 0 class 0 counts 000 xy 000\n"))
+        << run.console;
+    const auto drawn = [](const std::string& text, const std::string& colours) {
+        return "Text\r\n\"" + text +
+               "\"\r\n"
+               "               0.000           0.000           0.000           0.000\r\n"
+               "    Font (\"Arial\",257,0," +
+               colours +
+               ")\r\n"
+               "    Label Line Arrow            0.000           0.000\r\n";
+    };
+    EXPECT_EQ(folder.read("m.mif"), drawn("UNSTABLE 12", "16711935,0"));
+    EXPECT_EQ(folder.read("c.mif"), drawn("note", "53248,16777215"));
+}
+
 TEST(Dline, IsEightyUnderscores)
 {
     const ScratchFolder folder;

@@ -240,6 +240,43 @@ TEST_P(EachSystem, KnowsTheFullNameOfWhatExists)
     EXPECT_EQ(system_.fullName(name("none")), std::nullopt);
 }
 
+TEST_P(EachSystem, KeepsAFileWithoutANameUntilItGetsOne)
+{
+    EXPECT_EQ(system_.openUnnamed(name("missing")), SystemFile::none);
+    give("old", "old bytes");
+    give("d/x", "x");
+    const SystemFile file = system_.openUnnamed(folder());
+    ASSERT_NE(file, SystemFile::none);
+    EXPECT_TRUE(system_.setAside(file, 4));
+    EXPECT_EQ(system_.writeAt(file, 2, std::string("cd")), 2);
+    EXPECT_EQ(system_.writeAt(file, 0, std::string("ab")), 2);
+    system_.willRead(file, 0, 4);
+    EXPECT_EQ(readSomeAt(file, 0, 9), "abcd");
+    std::vector<std::string> names;
+    EXPECT_EQ(system_.list(folder(), names), SystemStatus::done);
+    EXPECT_THAT(names, UnorderedElementsAre("old", "d"));
+
+    EXPECT_FALSE(system_.giveName(file, name("d")));
+    EXPECT_FALSE(system_.giveName(file, name("missing/a")));
+    if (!system_.giveName(file, name("old"))) {
+        EXPECT_EQ(GetParam(), Form::native); // some file systems cannot
+        EXPECT_EQ(bytesOf("old"), "old bytes");
+        EXPECT_TRUE(system_.close(file));
+        GTEST_SKIP() << "no file without a name here that could get one";
+    }
+    EXPECT_TRUE(system_.close(file));
+    EXPECT_EQ(bytesOf("old"), "abcd");
+}
+
+TEST_P(EachSystem, LetsTheProcessTakeSomething)
+{
+    EXPECT_GE(system_.processors(), 1U);
+    EXPECT_GT(system_.memoryLeft(), 0U);
+    const SystemFile file = system_.openUnnamed(system_.temporaryFolder());
+    EXPECT_NE(file, SystemFile::none);
+    EXPECT_TRUE(system_.close(file));
+}
+
 TEST_P(EachSystem, RefusesPositionsThatNoFileHas)
 {
     constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();

@@ -1,0 +1,150 @@
+#include "grid/asc_write.h"
+
+#include "grid/cell_store.h"
+#include "support/child_run.h"
+#include "support/environment.h"
+#include "support/memory_run.h"
+
+#include <algorithm>
+#include <atomic>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace gridforge {
+namespace {
+
+using test::ChildRun;
+using test::Environment;
+using test::MemoryRun;
+using test::runInChild;
+using test::ScratchFolder;
+using testing::EndsWith;
+
+// digits: row, column
+const std::vector<float> kCells{31, 32, 21, 22, 11, 12};
+const std::string kText = "  31.0  32.0\r\n  21.0  22.0\r\n  11.0  12.0\r\n";
+
+Grid gridOfCells()
+{
+    Grid grid;
+    EXPECT_TRUE(grid.allocate(3, 2));
+    std::ranges::copy(kCells, grid.cells().begin());
+    return grid;
+}
+
+// Writes the cells after a line of text, as after a header.
+void writeCells(const std::string& name, const grid::CellSource& cells)
+{
+    Unit unit = 0;
+    OPENER(unit, "O ", name);
+    writeLine(unit, "head");
+    grid::writeAscRows(unit, cells, grid::ascFieldWidth(cells, 1), 1);
+    CLOSER(unit);
+}
+
+// A piece of each row, so that several threads could write.
+Environment smallPieces()
+{
+    return {{"GRIDFORGE_PIECE", "2"}, {"GRIDFORGE_MEMORY", "1"}};
+}
+
+TEST(WriteAscRows, WritesRowsByPosition)
+{
+    const Environment pieces = smallPieces();
+    const MemoryRun run;
+    static std::atomic<int> calls = 0;
+    System counting = memorySystem();
+    counting.writeAt = [](SystemFile file, std::int64_t position, std::span<const char> bytes) {
+        ++calls;
+        return memorySystem().writeAt(file, position, bytes);
+    };
+    useSystem(counting);
+    writeCells("a.asc", gridOfCells());
+    EXPECT_EQ(memoryFile("a.asc"), "head\r\n" + kText);
+    EXPECT_EQ(calls, 3);
+}
+
+// The usual message of a failed write is that of the rows one after the other.
+TEST(WriteAscRows, WritesRowAfterRowWhereThatIsRefused)
+{
+    const Environment pieces = smallPieces();
+    const MemoryRun run;
+    static std::atomic<int> calls = 0;
+    System refusing = memorySystem();
+    refusing.writeAt = [](SystemFile file, std::int64_t position, std::span<const char> bytes) {
+        return ++calls == 3 ? std::int64_t{-1} : memorySystem().writeAt(file, position, bytes);
+    };
+    useSystem(refusing);
+    writeCells("a.asc", gridOfCells());
+    EXPECT_EQ(memoryFile("a.asc"), "head\r\n" + kText);
+    EXPECT_EQ(calls, 3);
+}
+
+TEST(WriteAscRows, WritesRowAfterRowToAPipe)
+{
+    const Environment pieces = smallPieces();
+    const ScratchFolder folder;
+    const std::string name = (folder.path() / "pipe").string();
+    ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
+    const int pipe = open(name.c_str(), O_RDWR | O_NONBLOCK);
+    ASSERT_GE(pipe, 0);
+    runInChild(folder, [] { writeCells("pipe", gridOfCells()); });
+    std::string text(1000, '?');
+    const auto got = read(pipe, text.data(), text.size());
+    close(pipe);
+    EXPECT_EQ(text.substr(0, static_cast<std::size_t>(std::max<ssize_t>(got, 0))), "head\r\n" + kText);
+}
+
+TEST(WriteAscRows, ShowsEachThousandthRow)
+{
+    const MemoryRun run;
+    Grid grid;
+    ASSERT_TRUE(grid.allocate(2001, 1));
+    writeCells("a.asc", grid);
+    EXPECT_THAT(MemoryRun::console(), testing::HasSubstr("    2000    1000\n"));
+}
+
+// Writes cells that wait in a file of which so many reads are done and all further ones refused.
+ChildRun writeFromFile(int readsDone)
+{
+    const ScratchFolder folder;
+    return runInChild(folder, [readsDone] {
+        static std::atomic<int> left;
+        left = readsDone;
+        static System refusing = nativeSystem();
+        refusing.readAt = [](SystemFile file, std::int64_t position, std::span<char> target) {
+            return left-- > 0 ? nativeSystem().readAt(file, position, target) : std::int64_t{-1};
+        };
+        grid::CellStore store;
+        EXPECT_TRUE(store.take(kCells.size(), "."));
+        EXPECT_TRUE(store.isInFile());
+        EXPECT_TRUE(store.put(0, kCells));
+        useSystem(refusing);
+        GridHeader lattice;
+        lattice.nrows = 3;
+        lattice.ncols = 2;
+        writeCells("a.asc", grid::CellSource(store, lattice));
+    });
+}
+
+TEST(WriteAscRows, EndsTheRunWhereCellsThatWaitedCannotBeReadBack)
+{
+    const Environment pieces = smallPieces();
+    EXPECT_FALSE(writeFromFile(6).ended);
+    // The first three reads settle the width, the others write: by position or, where one is refused, row after row.
+    for (const int reads : {0, 2, 3, 5}) {
+        const ChildRun run = writeFromFile(reads);
+        EXPECT_TRUE(run.ended) << reads;
+        EXPECT_THAT(run.console,
+                    EndsWith("\nERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n"))
+            << reads;
+    }
+}
+
+} // namespace
+} // namespace gridforge
