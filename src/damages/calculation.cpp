@@ -192,9 +192,9 @@ FoundCells findCells(const DmgBuilding& building, const run::CellWindow& window,
                      const run::CellPart& cells, PolygonTest& test)
 {
     if (building.type == kPointBuilding) {
-        return {.value = cells(window.firstRow, window.firstColumn)};
+        return {cells(window.firstRow, window.firstColumn), {}};
     }
-    return {.inside = cellsInside(building, window, lattice, cells, test)};
+    return {0, cellsInside(building, window, lattice, cells, test)};
 }
 
 // By building; empty where the grid is to be read whole.
