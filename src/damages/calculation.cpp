@@ -136,7 +136,7 @@ InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& wind
     const GridHeader& header = lattice.header;
     const std::int32_t lastRow = std::min(window.lastRow, header.nrows);
     const std::int32_t lastColumn = std::min(window.lastColumn, header.ncols);
-    InsideCells inside;
+    InsideCells inside = {};
     if (lastColumn < window.firstColumn) {
         return inside;
     }
@@ -185,7 +185,7 @@ std::optional<run::CellWindow> windowInGrid(const DmgBuilding& building, const G
 // What those cells hold: the value of a point, or what counts for a polygon.
 struct FoundCells {
     float value = 0;
-    InsideCells inside;
+    InsideCells inside = {};
 };
 
 FoundCells findCells(const DmgBuilding& building, const run::CellWindow& window, const SampledLattice& lattice,
