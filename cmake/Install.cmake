@@ -17,4 +17,5 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3 (>= 3.9)") # of gridforge-run and its like
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "python3-gdal, python3-numpy, python3-matplotlib") # of gridforge-prepare and gridforge-picture
 include(CPack)
