@@ -1,125 +1,174 @@
 #include "grid/asc_decode.h"
 
-#include "core/huge_array.h"
 #include "core/worker_rooms.h"
 #include "grid/asc_parse.h"
-#include "host/file_stream.h"
 #include "host/positions.h"
 #include "host/threads.h"
 
 #include <algorithm>
 #include <atomic>
 #include <bit>
-#include <cstring>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
 #include <string_view>
-#include <vector>
 
 namespace gridforge::grid {
 
 namespace {
 
-constexpr std::size_t kWindowOfThread = std::size_t{1} << 20; // stays in the cache
-constexpr std::size_t kLeastWindow = 2 * kWindowOfThread;
-constexpr std::size_t kMostWindow = 16 * kWindowOfThread;
-constexpr std::size_t kPieceBytes = std::size_t{1} << 18;
+constexpr std::size_t kChunkBytes = std::size_t{1} << 19; // stays in the cache with its cells
+// Chunks take turns, and waiting for one costs more than a few cells.
+constexpr std::size_t kLeastChunk = std::size_t{1} << 12;
+constexpr std::size_t kHintedChunks = 8; // disks want to be read by some megabytes
+constexpr std::size_t kLeastReach = std::size_t{1} << 21;
+constexpr std::size_t kMostReach = std::size_t{1} << 24;
 // Cells are set to these bits first, which no text gives: a cell that still has them had an empty value.
 constexpr std::uint32_t kUntouched = 0x7FA5C3E1U;
 
-// Whole lines of a window, each of them a row.
-struct LinePiece {
-    std::size_t firstRow = 0;
-    std::vector<std::string_view> lines;
+// Whole lines, each of them a row.
+struct Lines {
+    std::string_view text;
+    std::span<const std::uint32_t> ends; // of each in the text, with its line end
 };
 
-std::size_t windowBytes()
-{
-    return std::clamp(threadCount() * kWindowOfThread, kLeastWindow, kMostWindow);
-}
-
-// Text from a file, window after window, each ending with a whole line.
-class Windows {
+// The text of the cells, cut every so many bytes. A line belongs to the chunk that it begins in.
+class Chunks {
 public:
-    explicit Windows(const GridLook& look)
-        : file_(look.file.empty() ? SystemFile::none : theSystem().open(look.file, OpenFor::reading)),
-          next_(look.cellsFrom), end_(look.size),
-          room_(std::clamp<std::size_t>(static_cast<std::size_t>(end_ - next_), 1, windowBytes()))
+    explicit Chunks(const GridLook& look)
+        : file_(theSystem().open(look.file, OpenFor::reading)), from_(look.cellsFrom), end_(look.size)
     {
+        const auto bytes = static_cast<std::size_t>(end_ - from_);
+        const std::size_t line = bytes / static_cast<std::size_t>(look.header.nrows);
+        // Of lines that are long as chunks go much would be read twice.
+        bytes_ = std::max(kLeastChunk, std::min(bytes, cellsPerPiece(std::max(kChunkBytes, 4 * line))));
+        usualReach_ = line + line / 4;
+        reach_ = std::clamp(4 * line, kLeastReach, kMostReach);
+        count_ = (bytes + bytes_ - 1) / bytes_;
     }
-    ~Windows()
+    ~Chunks()
     {
         if (file_ != SystemFile::none) {
             theSystem().close(file_);
         }
     }
-    Windows(const Windows&) = delete;
-    Windows& operator=(const Windows&) = delete;
+    Chunks(const Chunks&) = delete;
+    Chunks& operator=(const Chunks&) = delete;
 
-    [[nodiscard]] bool open() { return file_ != SystemFile::none && text_.allocate(room_) && spare_.allocate(room_); }
-    bool atEnd() const { return next_ == end_; }
-    // The lines of the window read last.
-    std::string_view lines() const { return {text_.all().data(), whole_}; }
-
-    // Reads more after the rest of the last window. False if the system refuses, or a line is too long.
-    bool read()
+    [[nodiscard]] bool takeRooms()
     {
-        const std::size_t left = filled_ - whole_;
-        std::ranges::copy(text_.all().subspan(whole_, left), spare_.all().begin());
-        const auto count = static_cast<std::size_t>(std::min(end_ - next_, static_cast<std::int64_t>(room_ - left)));
-        const auto target = std::as_writable_bytes(spare_.all()).subspan(left, count);
-        if (!readAllAt(file_, next_, target)) {
-            return false;
-        }
-        spareFilled_ = left + count;
-        next_ += static_cast<std::int64_t>(count);
-        return true;
+        return file_ != SystemFile::none && text_.take(workersOf(count_), 1 + bytes_ + reach_) &&
+               ends_.take(workersOf(count_), bytes_);
     }
+    std::size_t count() const { return count_; }
 
-    // Goes on to the bytes read last. False if they hold no whole line.
-    bool turn()
+    // In the room of the worker. None if the system refuses, or a line is too long.
+    std::optional<Lines> read(std::size_t chunk, std::size_t worker)
     {
-        std::swap(text_, spare_);
-        filled_ = spareFilled_;
-        const std::string_view text(text_.all().data(), filled_);
-        whole_ = atEnd() ? filled_ : text.rfind('\n') + 1; // npos + 1 is 0
-        return whole_ > 0;
+        // The byte before the chunk says whether a line begins with it.
+        const std::size_t before = chunk == 0 ? 0 : 1;
+        const std::int64_t start = from_ + static_cast<std::int64_t>(chunk * bytes_);
+        const std::size_t length = before + std::min(bytes_, static_cast<std::size_t>(end_ - start));
+        if (chunk % kHintedChunks == 0) {
+            theSystem().willRead(file_, start, static_cast<std::int64_t>(kHintedChunks * bytes_));
+        }
+        Window window{text_.of(worker), start - static_cast<std::int64_t>(before), 0};
+        if (!readOn(window, length + usualReach_)) {
+            return std::nullopt;
+        }
+        const std::size_t head = chunk == 0 ? 0 : window.text().substr(0, length - 1).find('\n') + 1;
+        if (chunk > 0 && head == 0) {
+            return Lines(); // all of it belongs to a line from before
+        }
+        const std::span<std::uint32_t> ends = ends_.of(worker);
+        std::size_t lines = 0;
+        std::size_t at = head;
+        while (at < length) {
+            const std::optional<std::size_t> lineEnd = endOfLine(window, at);
+            if (!lineEnd) {
+                return std::nullopt;
+            }
+            at = *lineEnd;
+            ends[lines++] = static_cast<std::uint32_t>(at - head);
+        }
+        return Lines{window.text().substr(head, at - head), ends.first(lines)};
     }
 
 private:
+    struct Window {
+        std::span<char> room;
+        std::int64_t start; // in the file
+        std::size_t filled;
+
+        std::string_view text() const { return {room.data(), filled}; }
+    };
+
+    // Reads so much more, or what is left. False where the room is full, or the system refuses.
+    bool readOn(Window& window, std::size_t wanted) const
+    {
+        const std::int64_t from = window.start + static_cast<std::int64_t>(window.filled);
+        const std::size_t left = window.room.size() - window.filled;
+        const std::size_t count = std::min({wanted, left, static_cast<std::size_t>(end_ - from)});
+        const auto target = std::as_writable_bytes(window.room.subspan(window.filled, count));
+        window.filled += count;
+        return count > 0 && readAllAt(file_, from, target);
+    }
+
+    // The last line may lack its line end.
+    std::optional<std::size_t> endOfLine(Window& window, std::size_t at) const
+    {
+        std::size_t found = window.text().find('\n', at);
+        while (found == std::string_view::npos) {
+            const std::size_t sought = window.filled;
+            if (window.start + static_cast<std::int64_t>(sought) == end_) {
+                return sought;
+            }
+            if (!readOn(window, sought)) {
+                return std::nullopt;
+            }
+            found = window.text().find('\n', sought);
+        }
+        return found + 1;
+    }
+
     SystemFile file_;
-    std::int64_t next_;
+    std::int64_t from_;
     std::int64_t end_;
-    std::size_t room_; // of a window
-    HugeArray<char> text_;
-    HugeArray<char> spare_;
-    std::size_t filled_ = 0;
-    std::size_t spareFilled_ = 0;
-    std::size_t whole_ = 0; // bytes of the text up to the end of its last line
+    std::size_t bytes_ = 0;
+    std::size_t usualReach_ = 0; // what is read past a chunk for the rest of its last line
+    std::size_t reach_ = 0;      // what a line may have past its chunk
+    std::size_t count_ = 0;
+    WorkerRooms<char> text_;
+    WorkerRooms<std::uint32_t> ends_;
 };
 
-// Splits lines into pieces; the last line may lack its line end.
-std::vector<LinePiece> split(std::string_view text, std::size_t firstRow)
-{
-    std::vector<LinePiece> pieces;
-    std::size_t left = 0; // bytes that the last piece may still take
-    while (!text.empty()) {
-        const std::size_t end = text.find('\n');
-        const std::string_view line = text.substr(0, end == std::string_view::npos ? end : end + 1);
-        if (left < line.size()) {
-            pieces.push_back({firstRow, {}});
-            left = std::max(kPieceBytes, line.size());
+// Gives chunks the numbers of their rows in the order of the text.
+class RowTurns {
+public:
+    // The rows before those of the chunk, which has so many. Waits for the chunks before it, which all have begun, and must all
+    // come here.
+    std::size_t take(std::size_t chunk, std::size_t rows)
+    {
+        for (std::size_t next = next_; next != chunk; next = next_) {
+            next_.wait(next);
         }
-        pieces.back().lines.push_back(line);
-        left -= line.size();
-        ++firstRow;
-        text.remove_prefix(line.size());
+        const std::size_t before = rows_;
+        rows_ = before + rows;
+        next_ = chunk + 1;
+        next_.notify_all();
+        return before;
     }
-    return pieces;
-}
+    std::size_t rows() const { return rows_; }
 
-// False if the line holds anything but the row.
-bool parseLine(std::string_view line, std::span<float> row)
+private:
+    std::atomic<std::size_t> next_ = 0;
+    std::atomic<std::size_t> rows_ = 0;
+};
+
+// `mayBeEmpty`: values may be missing between commas. False if the line holds anything but the row.
+bool parseLine(std::string_view line, bool mayBeEmpty, std::span<float> row)
 {
-    const bool mayBeEmpty = line.find(',') != std::string_view::npos;
     if (mayBeEmpty) {
         std::ranges::fill(row, std::bit_cast<float>(kUntouched));
     }
@@ -141,20 +190,33 @@ public:
     {
     }
 
-    [[nodiscard]] bool takeRooms() { return rooms_.take(threadCount(), cells_.isInFile() ? roomRows_ * columns_ : 0); }
+    [[nodiscard]] bool takeRooms(std::size_t workers)
+    {
+        return rooms_.take(workers, cells_.isInFile() ? roomRows_ * columns_ : 0);
+    }
 
     std::size_t rows() const { return rows_; }
 
-    bool decode(const LinePiece& piece, std::size_t worker)
+    // Lines past the last row are of no interest.
+    bool decode(const Lines& lines, std::size_t firstRow, std::size_t worker)
     {
-        const std::size_t end = std::min(piece.firstRow + piece.lines.size(), rows_);
-        for (std::size_t row = piece.firstRow; row < end; row += roomRows_) {
+        const bool inFile = cells_.isInFile();
+        const bool mayBeEmpty = lines.text.find(',') != std::string_view::npos;
+        const std::size_t end = std::min(firstRow + lines.ends.size(), rows_);
+        std::size_t at = 0;
+        for (std::size_t row = firstRow; row < end; row += roomRows_) {
             const std::size_t rows = std::min(roomRows_, end - row);
-            const bool inFile = cells_.isInFile();
             const std::span<float> target = inFile ? rooms_.of(worker).first(rows * columns_)
                                                    : cells_.inMemory().subspan(row * columns_, rows * columns_);
-            const auto lines = std::span(piece.lines).subspan(row - piece.firstRow, rows);
-            if (!parseLines(lines, target) || (inFile && !cells_.put(row * columns_, target))) {
+            for (std::size_t i = 0; i < rows; ++i) {
+                const std::size_t lineEnd = lines.ends[row - firstRow + i];
+                if (!parseLine(lines.text.substr(at, lineEnd - at), mayBeEmpty,
+                               target.subspan(i * columns_, columns_))) {
+                    return false;
+                }
+                at = lineEnd;
+            }
+            if (inFile && !cells_.put(row * columns_, target)) {
                 return false;
             }
         }
@@ -163,16 +225,6 @@ public:
 
 private:
     static constexpr std::size_t kRoomCells = std::size_t{1} << 16;
-
-    bool parseLines(std::span<const std::string_view> lines, std::span<float> rows) const
-    {
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            if (!parseLine(lines[i], rows.subspan(i * columns_, columns_))) {
-                return false;
-            }
-        }
-        return true;
-    }
 
     std::size_t columns_;
     std::size_t rows_;
@@ -185,33 +237,22 @@ private:
 
 bool decodeAsc(const GridLook& look, CellStore& cells)
 {
-    Windows windows(look);
+    Chunks chunks(look);
     Decoder decoder(look.header, cells);
-    if (!windows.open() || !decoder.takeRooms() || !windows.read()) {
+    if (!chunks.takeRooms() || !decoder.takeRooms(workersOf(chunks.count()))) {
         return false;
     }
-    std::size_t firstRow = 0;
+    RowTurns turns;
     std::atomic<bool> good = true;
-    while (good && firstRow < decoder.rows()) {
-        if (!windows.turn()) {
-            return false;
+    parallelFor(chunks.count(), [&](std::size_t chunk, std::size_t worker) {
+        const bool wanted = good && turns.rows() < decoder.rows();
+        const std::optional<Lines> lines = wanted ? chunks.read(chunk, worker) : Lines();
+        const std::size_t firstRow = turns.take(chunk, lines ? lines->ends.size() : 0);
+        if (!lines || (good && !decoder.decode(*lines, firstRow, worker))) {
+            good = false;
         }
-        const std::vector<LinePiece> pieces = split(windows.lines(), firstRow);
-        const bool isLast = windows.atEnd();
-        // Unless this was the last window, one thread reads the next while the others parse.
-        const std::size_t reads = isLast ? 0 : 1;
-        parallelFor(pieces.size() + reads, [&](std::size_t piece, std::size_t worker) {
-            const bool done = piece < reads ? windows.read() : decoder.decode(pieces[piece - reads], worker);
-            if (!done) {
-                good = false;
-            }
-        });
-        firstRow = pieces.back().firstRow + pieces.back().lines.size();
-        if (isLast) {
-            break;
-        }
-    }
-    return good && firstRow >= decoder.rows();
+    });
+    return good && turns.rows() >= decoder.rows();
 }
 
 } // namespace gridforge::grid

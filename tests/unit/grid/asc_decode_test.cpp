@@ -4,6 +4,7 @@
 #include "support/grids.h"
 #include "support/scratch_folder.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
@@ -64,7 +65,53 @@ std::vector<float> manyCells(std::size_t count)
     return cells;
 }
 
-// Several windows and many pieces, by several threads, in memory and in a file.
+// Lines that are longer than the chunks of the text, and ones that end where a chunk does.
+TEST(DecodeAsc, TakesLinesOfAnyLengthAmongChunks)
+{
+    const Environment environment({{"GRIDFORGE_THREADS", "3"}, {"GRIDFORGE_PIECE", "1"}});
+    for (const std::size_t columns : {1UL, 2UL, 511UL, 512UL, 513UL, 1023UL, 1024UL, 1025UL, 5000UL, 20000UL}) {
+        const std::size_t rows = 40000 / columns + 3;
+        std::string text = "ncols " + std::to_string(columns) + "\nnrows " + std::to_string(rows) +
+                           "\nxllcorner 0\nyllcorner 0\ncellsize 1\n";
+        std::vector<float> cells;
+        for (std::size_t i = 0; i < rows * columns; ++i) {
+            const bool ends = i % columns + 1 == columns;
+            cells.push_back(static_cast<float>(i % 10000));
+            std::string value = std::to_string(i % 10000);
+            value.insert(0, 7 - value.size(), ' '); // eight bytes with what follows: 512 fill a chunk
+            text += value + (ends ? "\n" : " ");
+        }
+        const ScratchFolder folder;
+        folder.give("a.asc", text);
+        const auto look = grid::lookAtGrid((folder.path() / "a.asc").string());
+        ASSERT_TRUE(look);
+        grid::CellStore store;
+        ASSERT_TRUE(store.take(cells.size(), folder.path()));
+        ASSERT_TRUE(decodeAsc(*look, store)) << columns;
+        EXPECT_TRUE(std::ranges::equal(store.inMemory(), cells)) << columns;
+    }
+}
+
+TEST(DecodeAsc, LeavesTextThatEndsTooEarlyInAnyChunk)
+{
+    const Environment environment({{"GRIDFORGE_THREADS", "2"}, {"GRIDFORGE_PIECE", "1"}});
+    std::string text = "ncols 2\nnrows 5000\nxllcorner 0\nyllcorner 0\ncellsize 1\n";
+    for (int row = 0; row < 4999; ++row) {
+        text += "12.5 7\n";
+    }
+    const ScratchFolder folder;
+    folder.give("a.asc", text);
+    folder.give("b.asc", text + "1 x\n");
+    folder.give("c.asc", text + "1 2\n");
+    for (const char* const name : {"a.asc", "b.asc", "c.asc"}) {
+        const auto look = grid::lookAtGrid((folder.path() / name).string());
+        grid::CellStore store;
+        ASSERT_TRUE(look && store.take(10000, folder.path()));
+        EXPECT_EQ(decodeAsc(*look, store), name == std::string("c.asc"));
+    }
+}
+
+// Many chunks, by several threads, in memory and in a file.
 TEST(DecodeAsc, IsTheSameForAnyNumberOfThreads)
 {
     constexpr std::size_t kRows = 3000;
