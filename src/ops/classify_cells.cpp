@@ -1,5 +1,7 @@
 #include "ops/classify_cells.h"
 
+#include "ops/limit_table.h"
+
 #include <algorithm>
 #include <array>
 #include <cassert>
@@ -26,6 +28,13 @@ void findClasses(std::span<const float> cells, std::span<const float> limits, st
 void classifyCells(std::span<const float> cells, float null, std::span<const float> limits, std::span<float> output)
 {
     assert(cells.size() == output.size());
+    if (const LimitTable table(limits); table.mostInAPlace() > 0) {
+        table.forEach(cells, [&](std::size_t i, std::size_t passed) {
+            const auto number = static_cast<float>(static_cast<std::int32_t>(passed) + 1);
+            output[i] = cells[i] != null ? number : null;
+        });
+        return;
+    }
     constexpr std::size_t kStretch = 1024;
     std::array<std::int32_t, kStretch> numbers;
     for (std::size_t from = 0; from < cells.size(); from += kStretch) {
