@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cmath>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace gridforge::grid {
@@ -55,10 +56,7 @@ std::size_t fetchedCells(const CellSource& cells, std::size_t count)
 
 class PositionWriter {
 public:
-    PositionWriter(const CellSource& cells, std::int32_t width, std::int32_t decimals)
-        : cells_(cells), width_(width), decimals_(decimals), split_(pieceRows(cells))
-    {
-    }
+    PositionWriter(const CellSource& cells, const RowText& row) : cells_(cells), row_(row), split_(pieceRows(cells)) {}
 
     // A single piece leaves nothing to do side by side.
     bool hasPieces() const { return split_.pieces > 1; }
@@ -88,7 +86,8 @@ public:
 
 private:
     std::size_t columns() const { return static_cast<std::size_t>(cells_.ncols()); }
-    std::size_t rowBytes() const { return columns() * static_cast<std::size_t>(width_) + kLineEnd.size(); }
+    std::size_t textBytes() const { return columns() * row_.fieldBytes; }
+    std::size_t rowBytes() const { return textBytes() + kLineEnd.size(); }
 
     bool writePiece(SystemFile file, std::int64_t start, std::size_t piece, std::size_t worker)
     {
@@ -101,28 +100,27 @@ private:
         }
         char* out = text.data();
         for (std::size_t row = 0; row < rows; ++row) {
-            formatAscRow(cells->subspan(row * columns(), columns()), width_, decimals_, out);
-            out = std::ranges::copy(kLineEnd, out + columns() * static_cast<std::size_t>(width_)).out;
+            row_.format(cells->subspan(row * columns(), columns()), out);
+            out = std::ranges::copy(kLineEnd, out + textBytes()).out;
         }
         return writeAllAt(file, start + static_cast<std::int64_t>(firstRow * rowBytes()), std::as_bytes(text));
     }
 
     const CellSource& cells_;
-    std::int32_t width_;
-    std::int32_t decimals_;
+    const RowText& row_;
     RowPieces split_;
     WorkerRooms<float> fetched_;
     WorkerRooms<char> text_;
 };
 
 // False, with the unit where it was, if the rows must be written one after the other.
-bool writeByPosition(Unit unit, const CellSource& cells, std::int32_t width, std::int32_t decimals)
+bool writeByPosition(Unit unit, const CellSource& cells, const RowText& row)
 {
     constexpr std::size_t kMostOfRow = std::size_t{1} << 24;
-    if (static_cast<std::size_t>(cells.ncols()) * static_cast<std::size_t>(width) > kMostOfRow) {
+    if (static_cast<std::size_t>(cells.ncols()) * row.fieldBytes > kMostOfRow) {
         return false;
     }
-    PositionWriter writer(cells, width, decimals);
+    PositionWriter writer(cells, row);
     const SystemFile file = writer.hasPieces() ? positionedFile(unit) : SystemFile::none;
     if (file == SystemFile::none || !writer.takeRooms()) {
         return false;
@@ -141,14 +139,13 @@ bool writeByPosition(Unit unit, const CellSource& cells, std::int32_t width, std
 // --- One after the other ---------------------------------------------------------------------------------------------
 
 // Formats straight into the write buffer, in pieces if a row is longer than the buffer.
-void writeRow(Unit unit, std::span<const float> row, std::int32_t width, std::int32_t decimals)
+void writeRow(Unit unit, std::span<const float> row, const RowText& text)
 {
-    const auto fieldBytes = static_cast<std::size_t>(width);
-    const std::size_t piece = kWriteRoom / fieldBytes;
+    const std::size_t piece = kWriteRoom / text.fieldBytes;
     while (!row.empty()) {
         const std::size_t count = std::min(piece, row.size());
-        const std::size_t bytes = count * fieldBytes;
-        formatAscRow(row.first(count), width, decimals, writeRoom(unit, bytes).data());
+        const std::size_t bytes = count * text.fieldBytes;
+        text.format(row.first(count), writeRoom(unit, bytes).data());
         wroteBytes(unit, bytes);
         row = row.subspan(count);
     }
@@ -157,47 +154,70 @@ void writeRow(Unit unit, std::span<const float> row, std::int32_t width, std::in
 
 } // namespace
 
-std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals)
+std::optional<ValueRange> extremesOf(const CellSource& cells)
 {
-    const RowPieces split = pieceRows(cells);
-    const auto columns = static_cast<std::size_t>(cells.ncols());
-    std::vector<ValueRange> found(split.pieces);
+    constexpr std::size_t kHintedPieces = 16; // disks want to be read by some megabytes
+    const std::size_t most = cellsPerPiece(kPieceCells);
+    const std::size_t pieces = (cells.size() + most - 1) / most;
+    std::vector<ValueRange> found(pieces);
     WorkerRooms<float> rooms;
-    std::atomic<bool> good = rooms.take(workersOf(split.pieces), fetchedCells(cells, split.rows * columns));
-    parallelFor(split.pieces, [&](std::size_t piece, std::size_t worker) {
-        const std::size_t first = piece * split.rows * columns;
-        const std::size_t count = std::min(split.rows * columns, cells.size() - first);
-        const auto got = good ? cells.get(first, count, rooms.of(worker)) : std::nullopt;
+    std::atomic<bool> good = rooms.take(workersOf(pieces), fetchedCells(cells, most));
+    parallelFor(pieces, [&](std::size_t piece, std::size_t worker) {
+        const std::size_t first = piece * most;
+        if (piece % kHintedPieces == 0) {
+            cells.willRead(first, std::min(kHintedPieces * most, cells.size() - first));
+        }
+        const auto got = good ? cells.get(first, std::min(most, cells.size() - first), rooms.of(worker)) : std::nullopt;
         if (got) {
             found[piece] = findExtremes(*got);
         } else {
             good = false;
         }
     });
-    if (!good) {
-        failMemory();
-    }
     ValueRange extremes;
     for (const ValueRange& one : found) {
         extremes = joined(extremes, one);
     }
-    const float magnitude = std::max(extremes.largest, std::fabs(extremes.smallest));
+    return good ? std::optional<ValueRange>(extremes) : std::nullopt;
+}
+
+std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals)
+{
+    const std::optional<ValueRange> known = cells.extremes();
+    const std::optional<ValueRange> extremes = known ? known : extremesOf(cells);
+    if (!extremes) {
+        failMemory();
+    }
+    const float magnitude = std::max(extremes->largest, std::fabs(extremes->smallest));
     return decimals + static_cast<std::int32_t>(AREALD(magnitude, 0).size()) + 2;
+}
+
+RowWriter::RowWriter(Unit unit, const CellSource& cells, RowText text)
+    : unit_(unit), cells_(cells), text_(std::move(text)), isWritten_(writeByPosition(unit, cells_, text_)),
+      room_(isWritten_ ? 0 : fetchedCells(cells, static_cast<std::size_t>(cells.ncols())))
+{
+}
+
+void RowWriter::write(std::int32_t row)
+{
+    if (!isWritten_) {
+        const auto columns = static_cast<std::size_t>(cells_.ncols());
+        writeRow(unit_, fetched(cells_, static_cast<std::size_t>(cells_.nrows() - row) * columns, columns, room_),
+                 text_);
+    }
 }
 
 void writeAscRows(Unit unit, const CellSource& cells, std::int32_t width, std::int32_t decimals)
 {
-    const bool written = writeByPosition(unit, cells, width, decimals);
-    const auto columns = static_cast<std::size_t>(cells.ncols());
-    std::vector<float> room(written || !cells.isInFile() ? 0 : columns);
+    const auto format = [width, decimals](std::span<const float> row, char* out) {
+        formatAscRow(row, width, decimals, out);
+    };
+    RowWriter rows(unit, cells, {static_cast<std::size_t>(width), format});
     for (std::int32_t row = cells.nrows(); row >= 1; --row) {
         if (row % kProgressRows == 0) {
             progress(row);
         }
-        if (!written) {
-            writeRow(unit, fetched(cells, static_cast<std::size_t>(cells.nrows() - row) * columns, columns, room),
-                     width, decimals);
-        }
+        rows.write(row);
     }
 }
 

@@ -17,12 +17,12 @@ public:
     CellSource(const Grid& grid) : memory_(grid.cells()), nrows_(grid.nrows()), ncols_(grid.ncols()) {}
     // The store may give its cells away to the file.
     CellSource(CellStore& store, const GridHeader& lattice)
-        : memory_(store.inMemory()), kept_(&store), store_(&store), nrows_(lattice.nrows), ncols_(lattice.ncols)
+        : kept_(&store), store_(&store), nrows_(lattice.nrows), ncols_(lattice.ncols)
     {
     }
     // The store keeps them.
     CellSource(const CellStore& store, const GridHeader& lattice)
-        : memory_(store.inMemory()), kept_(&store), nrows_(lattice.nrows), ncols_(lattice.ncols)
+        : kept_(&store), nrows_(lattice.nrows), ncols_(lattice.ncols)
     {
     }
 
@@ -31,6 +31,15 @@ public:
     std::size_t size() const { return static_cast<std::size_t>(nrows_) * static_cast<std::size_t>(ncols_); }
     // They must be fetched.
     bool isInFile() const { return kept_ != nullptr && kept_->isInFile(); }
+    // What is known of all of them.
+    std::optional<ValueRange> extremes() const { return kept_ == nullptr ? std::nullopt : kept_->extremes(); }
+    // A hint that these will be read soon.
+    void willRead(std::size_t first, std::size_t count) const
+    {
+        if (kept_ != nullptr) {
+            kept_->willRead(first, count);
+        }
+    }
     // The store that may give them away; none for a grid.
     CellStore* store() const { return store_; }
 
@@ -38,11 +47,7 @@ public:
     // space for as many. Nothing if the system refuses. Several threads may ask at once.
     std::optional<std::span<const float>> get(std::size_t first, std::size_t count, std::span<float> room) const
     {
-        if (!isInFile()) {
-            return memory_.subspan(first, count);
-        }
-        const auto fetched = room.first(count);
-        return kept_->get(first, fetched) ? std::optional<std::span<const float>>(fetched) : std::nullopt;
+        return kept_ == nullptr ? memory_.subspan(first, count) : kept_->get(first, count, room);
     }
 
 private:

@@ -43,6 +43,9 @@ CellStore& CellStore::operator=(CellStore&& other) noexcept
     std::swap(memory_, other.memory_);
     std::swap(file_, other.file_);
     std::swap(size_, other.size_);
+    std::swap(onlyRead_, other.onlyRead_);
+    std::swap(columnsFromSouth_, other.columnsFromSouth_);
+    std::swap(extremes_, other.extremes_);
     return *this;
 }
 
@@ -65,6 +68,24 @@ bool CellStore::takeForFile(std::size_t cells, const std::string& folder)
 {
     release();
     return takeFile(cells, folder) || take(cells, folder);
+}
+
+bool CellStore::open(const std::string& file, std::size_t cells)
+{
+    release();
+    file_ = theSystem().open(file, OpenFor::reading);
+    size_ = isInFile() ? cells : 0;
+    onlyRead_ = isInFile();
+    return isInFile();
+}
+
+bool CellStore::openFromSouth(const std::string& file, std::size_t cells, std::size_t columns)
+{
+    if (!open(file, cells)) {
+        return false;
+    }
+    columnsFromSouth_ = columns;
+    return true;
 }
 
 bool CellStore::takeMemory(std::size_t cells)
@@ -101,6 +122,9 @@ void CellStore::release()
     waitingBytes() -= std::uint64_t{memory_.size()} * sizeof(float);
     memory_.release();
     size_ = 0;
+    onlyRead_ = false;
+    columnsFromSouth_ = 0;
+    extremes_.reset();
 }
 
 bool CellStore::put(std::size_t first, std::span<const float> cells)
@@ -114,6 +138,9 @@ bool CellStore::put(std::size_t first, std::span<const float> cells)
 
 bool CellStore::get(std::size_t first, std::span<float> cells) const
 {
+    if (columnsFromSouth_ > 0) {
+        return getFromSouth(first, cells);
+    }
     if (isInFile()) {
         return readAllAt(file_, placeOf(first), std::as_writable_bytes(cells));
     }
@@ -121,9 +148,48 @@ bool CellStore::get(std::size_t first, std::span<float> cells) const
     return true;
 }
 
+// Whole rows are read at once, and then turned.
+bool CellStore::getFromSouth(std::size_t first, std::span<float> cells) const
+{
+    const std::size_t columns = columnsFromSouth_;
+    while (!cells.empty()) {
+        const std::size_t column = first % columns;
+        const std::size_t rows = column == 0 ? std::max<std::size_t>(cells.size() / columns, 1) : 1;
+        const std::size_t count = std::min(rows * columns - column, cells.size());
+        const std::size_t northRow = size_ / columns - first / columns - rows;
+        if (!readAllAt(file_, placeOf(northRow * columns + column), std::as_writable_bytes(cells.first(count)))) {
+            return false;
+        }
+        for (std::size_t row = 0; row < rows / 2; ++row) {
+            std::ranges::swap_ranges(cells.subspan(row * columns, columns),
+                                     cells.subspan((rows - 1 - row) * columns, columns));
+        }
+        first += count;
+        cells = cells.subspan(count);
+    }
+    return true;
+}
+
+std::optional<std::span<const float>> CellStore::get(std::size_t first, std::size_t count, std::span<float> room) const
+{
+    if (!isInFile()) {
+        return memory_.all().subspan(first, count);
+    }
+    const auto fetched = room.first(count);
+    return get(first, fetched) ? std::optional<std::span<const float>>(fetched) : std::nullopt;
+}
+
+void CellStore::willRead(std::size_t first, std::size_t count) const
+{
+    if (isInFile()) {
+        theSystem().willRead(file_, placeOf(first), placeOf(count));
+    }
+}
+
 SystemFile CellStore::becomeFile(const std::string& name)
 {
-    if (!isInFile() || !theSystem().truncate(file_, placeOf(size_)) || !theSystem().giveName(file_, name)) {
+    if (!isInFile() || onlyRead_ || !theSystem().truncate(file_, placeOf(size_)) ||
+        !theSystem().giveName(file_, name)) {
         return SystemFile::none;
     }
     size_ = 0;

@@ -1,12 +1,13 @@
 #include "netcdf/laid_grids.h"
 
 #include "core/names.h"
-#include "grid/asc_decode.h"
+#include "core/worker_rooms.h"
 #include "grid/writer.h"
 #include "host/file_system.h"
-#include "host/positions.h"
+#include "host/threads.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cassert>
 
 namespace gridforge::netcdf {
@@ -52,42 +53,55 @@ run::Way LaidGrids::layNext(std::int32_t i)
     if (lattice_ && !grid::isSameLattice(*lattice_, look->header)) {
         return run::Way::otherLattice;
     }
-    grid::CellStore& laid = nextStore();
-    if (!laid.take(look->header.cells(), folder_)) {
-        return run::Way::noRoom;
-    }
-    const run::Way way = look->format == grid::Format::flt ? layBinary(*look, laid) : layText(*look, laid);
+    const run::Way way = layAsItIs(*look, nextStore());
     if (way == run::Way::ahead && !lattice_) {
         lattice_ = look->header;
     }
     return way;
 }
 
-run::Way LaidGrids::layBinary(const grid::GridLook& look, grid::CellStore& laid) const
+namespace {
+
+// One that cannot be read must be known before its story is told.
+bool canBeRead(const grid::CellStore& cells)
 {
-    const SystemFile file = theSystem().open(look.file, OpenFor::reading);
-    if (file == SystemFile::none) {
-        return run::Way::readRefused;
-    }
-    const auto position = [](std::size_t cell) { return static_cast<std::int64_t>(cell * sizeof(float)); };
-    const GetCells source = [&](std::size_t first, std::span<float> cells) {
-        return readAllAt(file, position(first), std::as_writable_bytes(cells));
-    };
-    const bool good = layCells(source, layout_, look.header, laid);
-    theSystem().close(file);
-    return good ? run::Way::ahead : run::Way::readRefused;
+    constexpr std::size_t kPiece = std::size_t{1} << 18;
+    const std::size_t most = cellsPerPiece(kPiece);
+    const std::size_t pieces = (cells.size() + most - 1) / most;
+    WorkerRooms<float> rooms;
+    std::atomic<bool> good = rooms.take(workersOf(pieces), most);
+    parallelFor(pieces, [&](std::size_t piece, std::size_t worker) {
+        const std::size_t first = piece * most;
+        if (good && !cells.get(first, rooms.of(worker).first(std::min(most, cells.size() - first)))) {
+            good = false;
+        }
+    });
+    return good;
 }
 
-run::Way LaidGrids::layText(const grid::GridLook& look, grid::CellStore& laid)
+} // namespace
+
+// Rows of a binary grid are taken from its file as they are packed, unless they are so narrow that a read for each costs more.
+run::Way LaidGrids::layAsItIs(const grid::GridLook& look, grid::CellStore& laid)
 {
-    if (!decoded_.take(look.header.cells(), folder_)) {
+    constexpr std::int32_t kNarrow = 16;
+    const std::size_t cells = look.header.cells();
+    if (layout_ == Layout::rows && look.format == grid::Format::flt && look.header.ncols >= kNarrow) {
+        const bool good =
+            laid.openFromSouth(look.file, cells, static_cast<std::size_t>(look.header.ncols)) && canBeRead(laid);
+        return good ? run::Way::ahead : run::Way::readRefused;
+    }
+    if (!laid.take(cells, folder_)) {
         return run::Way::noRoom;
     }
-    if (!grid::decodeAsc(look, decoded_)) {
-        return run::Way::oddText;
+    if (const run::Way way = run::openCells(look, folder_, cells_); way != run::Way::ahead) {
+        return way;
     }
-    const GetCells source = [&](std::size_t first, std::span<float> cells) { return decoded_.get(first, cells); };
-    return layCells(source, layout_, look.header, laid) ? run::Way::ahead : run::Way::noRoom;
+    const GetCells source = [&](std::size_t first, std::span<float> some) { return cells_.get(first, some); };
+    if (layCells(source, layout_, look.header, laid)) {
+        return run::Way::ahead;
+    }
+    return cells_.isOnlyRead() ? run::Way::readRefused : run::Way::noRoom;
 }
 
 bool LaidGrids::take(std::int32_t i, const GridHeader& header)

@@ -39,8 +39,7 @@ public:
 
 private:
     run::Way layNext(std::int32_t i);
-    run::Way layBinary(const grid::GridLook& look, grid::CellStore& laid) const;
-    run::Way layText(const grid::GridLook& look, grid::CellStore& laid);
+    run::Way layAsItIs(const grid::GridLook& look, grid::CellStore& laid);
     grid::CellStore& nextStore();
 
     const run::InputFileList& inputs_;
@@ -51,7 +50,7 @@ private:
     std::vector<grid::CellStore> stores_;
     std::int32_t first_ = 1; // number of the grid in the first store
     std::size_t count_ = 0;
-    grid::CellStore decoded_; // of a text grid, before it is laid
+    grid::CellStore cells_; // of a grid, before it is laid
 };
 
 } // namespace gridforge::netcdf

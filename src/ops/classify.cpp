@@ -2,6 +2,7 @@
 
 #include "core/names.h"
 #include "core/numbers.h"
+#include "grid/asc_write.h"
 #include "grid/header.h"
 #include "host/ends.h"
 #include "host/units.h"
@@ -14,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -96,19 +98,11 @@ void writeClassLines(Unit unit, const ClassTable& table)
 }
 
 // The numbers come from the classified cells, so a class whose number is the grid's null is written 0 too, on purpose.
-void writeNumbers(Unit unit, std::span<const float> cells, float null, const NumberTexts& texts)
+void formatNumbers(std::span<const float> cells, float null, const NumberTexts& texts, char* out)
 {
-    constexpr std::size_t kPiece = kWriteRoom / kNumberWidth;
-    for (std::size_t from = 0; from < cells.size(); from += kPiece) {
-        const std::size_t count = std::min(kPiece, cells.size() - from);
-        const std::span<char> room = writeRoom(unit, count * kNumberWidth);
-        char* at = room.data();
-        for (const float cell : cells.subspan(from, count)) {
-            at = std::ranges::copy(texts[cell == null ? 0 : static_cast<std::int32_t>(cell)], at).out;
-        }
-        wroteBytes(unit, count * kNumberWidth);
+    for (const float cell : cells) {
+        out = std::ranges::copy(texts[cell == null ? 0 : static_cast<std::int32_t>(cell)], out).out;
     }
-    writeLine(unit, "");
 }
 
 void writeClassifiedAsc(const std::string& name, const GridHeader& header, const grid::CellSource& classes,
@@ -122,15 +116,12 @@ void writeClassifiedAsc(const std::string& name, const GridHeader& header, const
     writeClassLines(unit, table);
     say("Allocating ", grid::gridKilobytes(header.nrows, header.ncols), "Kb memory for conversion to integer grid...");
     const NumberTexts texts;
-    const auto columns = static_cast<std::size_t>(header.ncols);
-    std::vector<float> room(columns);
+    const auto format = [&texts, null = header.null](std::span<const float> row, char* out) {
+        formatNumbers(row, null, texts, out);
+    };
+    grid::RowWriter rows(unit, classes, {kNumberWidth, format});
     for (std::int32_t row = header.nrows; row >= 1; --row) {
-        const std::size_t first = static_cast<std::size_t>(header.nrows - row) * columns;
-        const auto cells = classes.get(first, columns, room);
-        if (!cells) {
-            failMemory(); // cells that waited and cannot be read again
-        }
-        writeNumbers(unit, *cells, header.null, texts);
+        rows.write(row);
         if (row % run::kProgressRows == 0) {
             progress(row);
         }

@@ -1,7 +1,11 @@
 #include "run/cell_story.h"
 
+#include "core/names.h"
 #include "grid/writer.h"
+#include "host/ends.h"
+#include "host/file_system.h"
 #include "run/rows.h"
+#include "run/still_to_read.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,6 +19,32 @@ OutputWish wishOf(const Common& common, const InputFileList& inputs, const CellP
 {
     const std::string_view name = plan.namedAfter.empty() ? std::string_view(inputs[1]) : plan.namedAfter;
     return outputWish(common, name, looks.front().format, plan.grids);
+}
+
+bool copyCells(const grid::CellStore& from, grid::CellStore& to)
+{
+    constexpr std::size_t kPiece = std::size_t{1} << 18;
+    std::vector<float> room(kPiece);
+    for (std::size_t first = 0; first < from.size(); first += kPiece) {
+        const auto got = from.get(first, std::min(kPiece, from.size() - first), room);
+        if (!got || !to.put(first, *got)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Cells that are still in the file of the input find other room where that file is about to be replaced.
+void moveFromOutput(grid::CellStore& cells, const std::string& input, grid::Format format, std::string_view base)
+{
+    if (!replacesInput(format, base, inputGrid(input))) {
+        return;
+    }
+    grid::CellStore moved;
+    if (!moved.take(cells.size(), systemName(FILEFOLDERPATH(base))) || !copyCells(cells, moved)) {
+        failMemory();
+    }
+    cells = std::move(moved);
 }
 
 } // namespace
@@ -153,6 +183,9 @@ grid::CellSource CellStory::cells(std::size_t i)
 void CellStory::write(std::size_t i, grid::Format format, std::string_view base, const GridHeader& header,
                       std::string_view projectionText, std::int32_t decimals)
 {
+    if (ahead_ && ready_[i].isOnlyRead()) {
+        moveFromOutput(ready_[i], names_[1], format, base);
+    }
     grid::writeGrid(format, base, header, cells(i), projectionText, decimals);
     if (ahead_) {
         ready_[i].release();

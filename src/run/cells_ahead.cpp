@@ -3,10 +3,11 @@
 #include "core/names.h"
 #include "core/worker_rooms.h"
 #include "grid/asc_decode.h"
+#include "grid/asc_write.h"
 #include "grid/writer.h"
 #include "host/file_system.h"
-#include "host/positions.h"
 #include "host/threads.h"
+#include "run/fill_ahead.h"
 
 #include <algorithm>
 #include <array>
@@ -17,9 +18,6 @@ namespace gridforge::run {
 
 namespace {
 
-// A part is what one thread does at a time: large, as disks want to be read. Its pieces stay in the cache of a processor.
-constexpr std::size_t kPartCells = std::size_t{1} << 20;
-constexpr std::size_t kCachedCells = std::size_t{1} << 18;
 constexpr std::size_t kLeastPiece = std::size_t{1} << 12;
 constexpr std::size_t kMostOpenFiles = 64;
 
@@ -38,82 +36,10 @@ std::nullopt_t went(Way way)
     return std::nullopt;
 }
 
-std::size_t cellsOfPart()
-{
-    return cellsPerPiece(kPartCells);
-}
-
 std::size_t partsOf(std::size_t cells)
 {
     return (cells + cellsOfPart() - 1) / cellsOfPart();
 }
-
-// --- Inputs ----------------------------------------------------------------------------------------------------------
-
-// The cells of an input by position: those of a binary grid in its file, those of a text in a store.
-class InputCells {
-public:
-    InputCells() = default;
-    ~InputCells() { close(); }
-    InputCells(InputCells&& other) noexcept
-        : file_(std::exchange(other.file_, SystemFile::none)), store_(std::move(other.store_)),
-          waiting_(std::exchange(other.waiting_, nullptr))
-    {
-    }
-    explicit InputCells(const grid::CellStore& waiting) : waiting_(&waiting) {}
-    InputCells& operator=(InputCells&&) = delete;
-    InputCells(const InputCells&) = delete;
-    InputCells& operator=(const InputCells&) = delete;
-
-    // The way it went: ahead where the cells are there.
-    Way open(const grid::GridLook& look, const std::string& folder)
-    {
-        close();
-        if (look.format == grid::Format::flt) {
-            file_ = theSystem().open(look.file, OpenFor::reading);
-            return file_ == SystemFile::none ? Way::readRefused : Way::ahead;
-        }
-        if (!store_.take(look.header.cells(), folder)) {
-            return Way::noRoom;
-        }
-        return grid::decodeAsc(look, store_) ? Way::ahead : Way::oddText;
-    }
-
-    void close()
-    {
-        if (file_ != SystemFile::none) {
-            theSystem().close(std::exchange(file_, SystemFile::none));
-        }
-    }
-
-    void willRead(std::size_t first, std::size_t count) const
-    {
-        if (file_ != SystemFile::none) {
-            theSystem().willRead(file_, static_cast<std::int64_t>(first * sizeof(float)),
-                                 static_cast<std::int64_t>(count * sizeof(float)));
-        }
-    }
-
-    // The cells of a piece, in `room` where they must be fetched.
-    std::optional<std::span<const float>> get(const CellPiece& piece, std::span<float> room) const
-    {
-        const grid::CellStore& store = waiting_ == nullptr ? store_ : *waiting_;
-        if (file_ == SystemFile::none && !store.isInFile()) {
-            return store.inMemory().subspan(piece.first, piece.count);
-        }
-        const auto fetched = room.first(piece.count);
-        const bool good = file_ == SystemFile::none
-                              ? store.get(piece.first, fetched)
-                              : readAllAt(file_, static_cast<std::int64_t>(piece.first * sizeof(float)),
-                                          std::as_writable_bytes(fetched));
-        return good ? std::optional<std::span<const float>>(fetched) : std::nullopt;
-    }
-
-private:
-    SystemFile file_ = SystemFile::none;
-    grid::CellStore store_;
-    const grid::CellStore* waiting_ = nullptr; // someone else's in place of both
-};
 
 // --- Outputs ---------------------------------------------------------------------------------------------------------
 
@@ -121,8 +47,7 @@ std::optional<std::vector<grid::CellStore>> takeOutputs(std::size_t cells, const
 {
     std::vector<grid::CellStore> outputs(wish.grids);
     for (grid::CellStore& output : outputs) {
-        const bool taken = wish.binary ? output.takeForFile(cells, wish.folder) : output.take(cells, wish.folder);
-        if (!taken) {
+        if (!takeOutput(output, cells, wish)) {
             return std::nullopt;
         }
     }
@@ -138,6 +63,8 @@ struct WorkerRoom {
     std::vector<std::span<float>> outputs;
     std::vector<std::int64_t> tallies;
 };
+
+using Inputs = std::vector<const grid::CellStore*>;
 
 // One walk over all cells of some inputs, by parts, by as many threads as there are.
 class Pass {
@@ -170,14 +97,14 @@ public:
 
     // `work(piece, room)` for all pieces, until one goes another way than ahead.
     template <typename Work>
-    Way walk(std::span<const InputCells> inputs, Work work)
+    Way walk(const Inputs& inputs, Work work)
     {
         std::atomic<Way> way = Way::ahead;
         parallelFor(partsOf(cells_), [&](std::size_t part, std::size_t worker) {
             const std::size_t start = part * cellsOfPart();
             const std::size_t end = std::min(cells_, start + cellsOfPart());
-            for (const InputCells& input : inputs) {
-                input.willRead(start, end - start);
+            for (const grid::CellStore* input : inputs) {
+                input->willRead(start, end - start);
             }
             for (std::size_t first = start; first < end && way == Way::ahead; first += pieceCells_) {
                 WorkerRoom& room = rooms_[worker];
@@ -248,14 +175,14 @@ private:
 // Opens inputs from `first` on, and returns how many: as many binary ones as files may be open, or one text. `way` says why
 // no more.
 std::size_t openGroup(std::span<const grid::GridLook> looks, std::size_t first, const std::string& folder,
-                      std::vector<InputCells>& group, Way& way)
+                      std::vector<grid::CellStore>& group, Way& way)
 {
     const grid::Format format = looks[first].format;
     const std::size_t most = std::min(looks.size() - first, format == grid::Format::asc ? 1 : kMostOpenFiles);
     group.resize(std::max(most, group.size()));
     std::size_t opened = 0;
     while (opened < most && looks[first + opened].format == format) {
-        way = group[opened].open(looks[first + opened], folder);
+        way = openCells(looks[first + opened], folder, group[opened]);
         if (way != Way::ahead) {
             break;
         }
@@ -282,6 +209,22 @@ std::size_t waysGone(Way way)
     return wayCounts()[static_cast<std::size_t>(way)];
 }
 
+Way openCells(const grid::GridLook& look, const std::string& folder, grid::CellStore& cells)
+{
+    if (look.format == grid::Format::flt) {
+        return cells.open(look.file, look.header.cells()) ? Way::ahead : Way::readRefused;
+    }
+    if (!cells.take(look.header.cells(), folder)) {
+        return Way::noRoom;
+    }
+    return grid::decodeAsc(look, cells) ? Way::ahead : Way::oddText;
+}
+
+bool takeOutput(grid::CellStore& output, std::size_t cells, const OutputWish& wish)
+{
+    return wish.binary ? output.takeForFile(cells, wish.folder) : output.take(cells, wish.folder);
+}
+
 std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs, bool ordinary)
 {
     if (!ordinary) {
@@ -303,6 +246,15 @@ std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inp
 
 namespace {
 
+Inputs inputsIn(std::span<const grid::CellStore> stores)
+{
+    Inputs inputs;
+    for (const grid::CellStore& store : stores) {
+        inputs.push_back(&store);
+    }
+    return inputs;
+}
+
 std::vector<float> nullsOf(std::span<const grid::GridLook> looks)
 {
     std::vector<float> nulls;
@@ -312,9 +264,9 @@ std::vector<float> nullsOf(std::span<const grid::GridLook> looks)
     return nulls;
 }
 
-std::optional<std::vector<grid::CellStore>> mapInputs(std::span<const InputCells> inputs, std::size_t cells,
-                                                      std::vector<float> nulls, const OutputWish& wish,
-                                                      const MapKernel& kernel, std::span<std::int64_t> tallies)
+std::optional<std::vector<grid::CellStore>> mapInputs(const Inputs& inputs, std::size_t cells, std::vector<float> nulls,
+                                                      const OutputWish& wish, const MapKernel& kernel,
+                                                      std::span<std::int64_t> tallies)
 {
     auto outputs = takeOutputs(cells, wish);
     if (!outputs) {
@@ -326,7 +278,7 @@ std::optional<std::vector<grid::CellStore>> mapInputs(std::span<const InputCells
     }
     const Way way = pass.walk(inputs, [&](const CellPiece& piece, WorkerRoom& room) {
         for (std::size_t i = 0; i < inputs.size(); ++i) {
-            const auto got = inputs[i].get(piece, pass.inputRoom(room, i));
+            const auto got = inputs[i]->get(piece.first, piece.count, pass.inputRoom(room, i));
             if (!got) {
                 return Way::readRefused;
             }
@@ -349,20 +301,19 @@ std::optional<std::vector<grid::CellStore>> mapInputs(std::span<const InputCells
 std::optional<std::vector<grid::CellStore>> mapAhead(std::span<const grid::GridLook> looks, const OutputWish& wish,
                                                      const MapKernel& kernel, std::span<std::int64_t> tallies)
 {
-    std::vector<InputCells> inputs(looks.size());
+    std::vector<grid::CellStore> inputs(looks.size());
     for (std::size_t i = 0; i < looks.size(); ++i) {
-        if (const Way way = inputs[i].open(looks[i], wish.folder); way != Way::ahead) {
+        if (const Way way = openCells(looks[i], wish.folder, inputs[i]); way != Way::ahead) {
             return went(way);
         }
     }
-    return mapInputs(inputs, looks.front().header.cells(), nullsOf(looks), wish, kernel, tallies);
+    return mapInputs(inputsIn(inputs), looks.front().header.cells(), nullsOf(looks), wish, kernel, tallies);
 }
 
 std::optional<std::vector<grid::CellStore>> mapStored(const grid::CellStore& input, const GridHeader& lattice,
                                                       const OutputWish& wish, const MapKernel& kernel)
 {
-    const InputCells cells(input);
-    return mapInputs(std::span(&cells, 1), lattice.cells(), {lattice.null}, wish, kernel, {});
+    return mapInputs({&input}, lattice.cells(), {lattice.null}, wish, kernel, {});
 }
 
 std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::GridLook> looks, const OutputWish& wish,
@@ -376,21 +327,21 @@ std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::Grid
     if (!pass.takeRooms()) {
         return went(Way::noRoom);
     }
-    std::vector<InputCells> group;
+    std::vector<grid::CellStore> group;
     for (std::size_t first = 0; first < looks.size();) {
         Way way = Way::ahead;
         const std::size_t count = openGroup(looks, first, wish.folder, group, way);
         if (count == 0) {
             return went(way);
         }
-        const auto inputs = std::span(group).first(count);
+        const Inputs inputs = inputsIn(std::span(group).first(count));
         way = pass.walk(inputs, [&](const CellPiece& piece, WorkerRoom& room) {
             pass.openOutputs(piece, room);
             if (first > 0 && !pass.fetchOutputs(piece, room)) {
                 return Way::noRoom;
             }
             for (std::size_t i = 0; i < inputs.size(); ++i) {
-                const auto got = inputs[i].get(piece, pass.inputRoom(room, 0));
+                const auto got = inputs[i]->get(piece.first, piece.count, pass.inputRoom(room, 0));
                 if (!got) {
                     return Way::readRefused;
                 }
@@ -408,12 +359,31 @@ std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::Grid
     return outputs;
 }
 
+namespace {
+
+// Where the cells become text they may stay in their file until then; all are read once before, for its width.
+std::optional<std::vector<grid::CellStore>> textOfAhead(const grid::GridLook& look)
+{
+    std::vector<grid::CellStore> outputs(1);
+    grid::CellStore& cells = outputs.front();
+    if (!cells.open(look.file, look.header.cells())) {
+        return went(Way::readRefused);
+    }
+    const auto extremes = grid::extremesOf({cells, look.header});
+    if (!extremes) {
+        return went(Way::readRefused);
+    }
+    cells.noteExtremes(*extremes);
+    went(Way::ahead);
+    return outputs;
+}
+
+} // namespace
+
 std::optional<std::vector<grid::CellStore>> copyAhead(const grid::GridLook& look, const OutputWish& wish)
 {
     if (look.format == grid::Format::flt) {
-        return mapAhead(std::span(&look, 1), wish, [](const CellPiece&, InputPieces cells, OutputPieces copy) {
-            std::ranges::copy(cells[0], copy[0].begin());
-        });
+        return textOfAhead(look);
     }
     auto outputs = takeOutputs(look.header.cells(), wish);
     if (!outputs) {

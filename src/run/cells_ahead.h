@@ -29,6 +29,10 @@ void countWay(Way way);
 // else the run needs is not `ordinary`.
 std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs, bool ordinary = true);
 
+// The cells of an input by position: those of a binary grid in its file, those of a text decoded to wait, where there is no
+// room in `folder`. Ahead where they are there.
+Way openCells(const grid::GridLook& look, const std::string& folder, grid::CellStore& cells);
+
 // Where the computed grids will be written, most likely. Another place or format costs only time.
 struct OutputWish {
     std::string folder;
@@ -38,6 +42,9 @@ struct OutputWish {
 
 // By the options, and by the input that names and format are taken from where these say nothing.
 OutputWish outputWish(const Common& common, std::string_view namedAfter, grid::Format format, std::size_t grids);
+
+// Room for the cells of one. False where there is none.
+[[nodiscard]] bool takeOutput(grid::CellStore& output, std::size_t cells, const OutputWish& wish);
 
 // A stretch of cells in the order of the files. A kernel is called for several at once.
 struct CellPiece {
@@ -68,7 +75,7 @@ std::optional<std::vector<grid::CellStore>> foldAhead(std::span<const grid::Grid
 std::optional<std::vector<grid::CellStore>> mapStored(const grid::CellStore& input, const GridHeader& lattice,
                                                       const OutputWish& wish, const MapKernel& kernel);
 
-// The cells of an input as they are.
+// The cells of an input as they are, on their way to the other format. Those of a binary grid stay in its file.
 std::optional<std::vector<grid::CellStore>> copyAhead(const grid::GridLook& input, const OutputWish& wish);
 
 } // namespace gridforge::run

@@ -29,6 +29,14 @@ std::vector<InputGrid> inputGrids(const InputFileList& inputs)
     return grids;
 }
 
+bool replacesInput(grid::Format format, std::string_view base, const InputGrid& grid)
+{
+    return std::ranges::any_of(grid::gridOutputFiles(format, base), [&](const std::string& file) {
+        const std::optional<FileIdentity> output = identityOfOutput(file);
+        return output && std::ranges::find(grid.files, *output) != grid.files.end();
+    });
+}
+
 void requireNoInput(grid::Format format, std::string_view base, std::span<const InputGrid> stillToRead)
 {
     for (const std::string& file : grid::gridOutputFiles(format, base)) {

@@ -20,6 +20,9 @@ struct InputGrid {
 InputGrid inputGrid(const std::string& name);
 std::vector<InputGrid> inputGrids(const InputFileList& inputs);
 
+// Is a file of the output grid `base` one of this grid?
+bool replacesInput(grid::Format format, std::string_view base, const InputGrid& grid);
+
 // Ends the run if a file of the output grid `base` is one of these grids. Call it before the output is opened.
 void requireNoInput(grid::Format format, std::string_view base, std::span<const InputGrid> stillToRead);
 

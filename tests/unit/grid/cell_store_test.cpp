@@ -2,6 +2,7 @@
 
 #include "host/positions.h"
 #include "support/environment.h"
+#include "support/grids.h"
 #include "support/scratch_folder.h"
 
 #include <array>
@@ -83,6 +84,40 @@ TEST(CellStore, TakesAnotherFolderWhereOneIsMissingButForTheOneGiven)
     const Environment nowhere({{"GRIDFORGE_SCRATCH", "/nowhere"}});
     EXPECT_FALSE(store.take(5, "."));
     EXPECT_EQ(store.size(), 0U);
+}
+
+TEST(CellStore, ReadsTheCellsOfAGridWhereTheyAre)
+{
+    const ScratchFolder folder;
+    folder.give("a.flt", test::fltCells({{1, 2, 3}, {4, 5, 6}}));
+    grid::CellStore store;
+    EXPECT_FALSE(store.open((folder.path() / "b.flt").string(), 6));
+    ASSERT_TRUE(store.open((folder.path() / "a.flt").string(), 6));
+    std::vector<float> room(6);
+    EXPECT_THAT(store.get(1, 4, room).value(), testing::ElementsAre(2, 3, 4, 5));
+    EXPECT_FALSE(store.get(4, 4, room)); // past the end
+    EXPECT_FALSE(store.put(0, room));
+    EXPECT_EQ(store.becomeFile((folder.path() / "c.flt").string()), SystemFile::none);
+    store.release();
+    EXPECT_EQ(test::readWhole(folder.path() / "a.flt").size(), 24U);
+}
+
+TEST(CellStore, ReadsTheRowsOfAGridFromTheSouth)
+{
+    const ScratchFolder folder;
+    folder.give("a.flt", test::fltCells({{41, 42, 43}, {31, 32, 33}, {21, 22, 23}, {11, 12, 13}}));
+    const std::vector<float> turned = {11, 12, 13, 21, 22, 23, 31, 32, 33, 41, 42, 43};
+    grid::CellStore store;
+    ASSERT_TRUE(store.openFromSouth((folder.path() / "a.flt").string(), 12, 3));
+    for (std::size_t first = 0; first < turned.size(); ++first) {
+        for (std::size_t count = 1; first + count <= turned.size(); ++count) {
+            const auto from = turned.begin() + static_cast<std::ptrdiff_t>(first);
+            EXPECT_THAT(stored(store, first, count),
+                        testing::ElementsAreArray(from, from + static_cast<std::ptrdiff_t>(count)));
+        }
+    }
+    ASSERT_TRUE(store.open((folder.path() / "a.flt").string(), 12)); // and again as they stand
+    EXPECT_THAT(stored(store, 2, 2), ElementsAre(43, 31));
 }
 
 class CellsForAFile : public testing::Test {

@@ -1,5 +1,6 @@
 #include "netcdf/nc.h"
 
+#include "grid/cell_store.h"
 #include "host/console.h"
 #include "run/cells_ahead.h"
 #include "support/child_run.h"
@@ -74,6 +75,34 @@ TEST(RunNc, OrdinaryGridsAreReadAheadOfTheirStory)
     folder.give("b.asc", test::ascGrid(kSecond));
     folder.give("c.asc", test::ascGrid(kFirst));
     EXPECT_EQ(waysOf(folder, {"a.flt", "b.asc", "c.asc"}), "ways: 3 0 0 0\n");
+}
+
+// How many times cells found no room in memory, of two binary grids.
+std::string filesOf(bool part)
+{
+    const test::ScratchFolder folder;
+    const test::Cells cells(3, std::vector<double>(100, 2.5));
+    for (const char* const name : {"a", "b"}) {
+        folder.give(std::string(name) + ".flt", test::fltCells(cells));
+        folder.give(std::string(name) + ".hdr", test::hdr(cells));
+    }
+    const test::ChildRun run = test::runInChild(folder, [&] {
+        const test::Environment environment({{"GRIDFORGE_MEMORY", "1"}});
+        run::InputFileList inputs;
+        inputs.add("a.flt");
+        inputs.add("b.flt");
+        const std::size_t before = grid::filesOfCells();
+        netcdf::runNc({}, {.part = part}, inputs);
+        say("files: ", grid::filesOfCells() - before);
+    });
+    EXPECT_FALSE(run.ended) << run.console;
+    return run.console.substr(std::min(run.console.size(), run.console.rfind("files: ")));
+}
+
+TEST(RunNc, ByRowsOnlyTheMaximumOfBinaryGridsWaits)
+{
+    EXPECT_EQ(filesOf(false), "files: 3\n");
+    EXPECT_EQ(filesOf(true), "files: 1\n");
 }
 
 TEST(RunNc, AnOddGridAmongThemIsReadStepByStep)
