@@ -1,15 +1,24 @@
 #include "ops/resize.h"
 
 #include "core/numbers.h"
+#include "core/worker_rooms.h"
 #include "grid/writer.h"
 #include "host/ends.h"
+#include "host/threads.h"
 #include "ops/resize_cells.h"
+#include "run/fill_ahead.h"
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
 #include <algorithm>
+#include <cassert>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
+#include <utility>
 
 namespace gridforge::ops {
 
@@ -45,6 +54,98 @@ GridHeader resizedHeader(const GridHeader& header, const Tiling& tiling, double 
     return resized;
 }
 
+using TilesOf = decltype(&averageTiles);
+
+TilesOf tilesBy(ResizeMethod method)
+{
+    return method == ResizeMethod::average   ? averageTiles
+           : method == ResizeMethod::minimum ? minimumTiles
+                                             : maximumTiles;
+}
+
+// --- Ahead -----------------------------------------------------------------------------------------------------------
+
+// As many rows of the grid as stay in the cache.
+std::int32_t cachedRows(const Tiling& tiling)
+{
+    return static_cast<std::int32_t>(std::clamp<std::size_t>(std::min(run::kCachedCells, run::cellsOfPart()) /
+                                                                 static_cast<std::size_t>(tiling.cellColumns),
+                                                             1, static_cast<std::size_t>(tiling.cellRows)));
+}
+
+// Rows of an input by position, in the room of the worker where they must be fetched.
+RowSource rowSource(const grid::CellStore& input, const Tiling& tiling, WorkerRooms<float>& rooms, std::size_t worker)
+{
+    const auto columns = static_cast<std::size_t>(tiling.cellColumns);
+    const auto get = [&input, &tiling, &rooms, columns, worker](const CellRows& rows) {
+        const std::size_t first = static_cast<std::size_t>(tiling.cellRows - rows.last) * columns;
+        return input.get(first, rows.count() * columns, rooms.of(worker));
+    };
+    return {get, cachedRows(tiling)};
+}
+
+// Pieces are some rows of tiles each.
+run::Way fillTilesAhead(const grid::CellStore& input, float null, const Tiling& tiling, TilesOf tilesOf,
+                        grid::CellStore& output)
+{
+    const auto columns = static_cast<std::size_t>(tiling.columns);
+    const auto cellColumns = static_cast<std::size_t>(tiling.cellColumns);
+    const std::size_t cellsUnderRow = cellColumns * static_cast<std::size_t>(tiling.factor);
+    const std::size_t rowsOfPiece =
+        std::clamp<std::size_t>(run::cellsOfPart() / cellsUnderRow, 1, static_cast<std::size_t>(tiling.rows));
+    WorkerRooms<float> rooms;
+    if (!rooms.take(threadCount(), input.isInFile() ? static_cast<std::size_t>(cachedRows(tiling)) * cellColumns : 0)) {
+        return run::Way::noRoom;
+    }
+    const auto fill = [&](std::size_t first, std::span<float> tiles, std::size_t worker) {
+        const std::int32_t last = tiling.rows - static_cast<std::int32_t>(first / columns);
+        const CellRows rows{last - static_cast<std::int32_t>(tiles.size() / columns) + 1, last};
+        const CellRows under = tiledRows(tiling, rows);
+        input.willRead(static_cast<std::size_t>(tiling.cellRows - under.last) * cellColumns,
+                       std::min(under.count() * cellColumns, 4 * run::cellsOfPart()));
+        const bool got = tilesOf(rowSource(input, tiling, rooms, worker), null, tiling, rows, tiles);
+        return got ? run::Way::ahead : run::Way::readRefused;
+    };
+    return run::fillAhead(output, rowsOfPiece * columns, fill);
+}
+
+std::optional<grid::CellStore> resizedAhead(const run::Common& common, const ResizeOptions& options,
+                                            const run::InputFileList& inputs)
+{
+    const auto looks = run::lookAtInputs(inputs);
+    if (!looks) {
+        return std::nullopt;
+    }
+    const grid::GridLook& look = looks->front();
+    const run::OutputWish wish = run::outputWish(common, inputs[1], look.format, 1);
+    const Tiling tiling = tilingOf(look.header.nrows, look.header.ncols, options.factor);
+    const std::size_t tiles = static_cast<std::size_t>(tiling.rows) * static_cast<std::size_t>(tiling.columns);
+    grid::CellStore input;
+    grid::CellStore output;
+    run::Way way = run::openCells(look, wish.folder, input);
+    if (way == run::Way::ahead) {
+        way = run::takeOutput(output, tiles, wish)
+                  ? fillTilesAhead(input, look.header.null, tiling, tilesBy(options.method), output)
+                  : run::Way::noRoom;
+    }
+    run::countWay(way);
+    return way == run::Way::ahead ? std::optional<grid::CellStore>(std::move(output)) : std::nullopt;
+}
+
+// --- Step by step ----------------------------------------------------------------------------------------------------
+
+void resizeRows(const Grid& input, float null, const Tiling& tiling, const CellRows& tileRows, TilesOf tilesOf,
+                Grid& output)
+{
+    const auto get = [&input](const CellRows& rows) {
+        return std::optional<std::span<const float>>(run::rowsOf(input, rows.first, rows.last));
+    };
+    const bool got =
+        tilesOf({get, tiling.cellRows}, null, tiling, tileRows, run::rowsOf(output, tileRows.first, tileRows.last));
+    assert(got); // from memory
+    static_cast<void>(got);
+}
+
 } // namespace
 
 void runResize(const run::Common& common, const ResizeOptions& options, const run::InputFileList& inputs)
@@ -53,9 +154,11 @@ void runResize(const run::Common& common, const ResizeOptions& options, const ru
     checkRequest(options, inputs);
     const std::int32_t factor = options.factor;
 
+    std::optional<grid::CellStore> ahead = resizedAhead(common, options, inputs);
     Grid input;
-    const run::LoadedGrid loaded =
-        run::loadGrid(inputs[1], {.opening = "Loading grid data...", .purpose = "storing input grid..."}, input);
+    const run::LoadedGrid loaded = run::loadGrid(
+        inputs[1], {.opening = "Loading grid data...", .purpose = "storing input grid...", .ahead = ahead.has_value()},
+        input);
     const GridHeader& header = loaded.header;
 
     const double newSize = static_cast<double>(static_cast<float>(factor)) * header.cellsize8;
@@ -63,17 +166,18 @@ void runResize(const run::Common& common, const ResizeOptions& options, const ru
     const GridHeader resized = resizedHeader(header, tiling, newSize);
     saySizes(header, factor, newSize);
     Grid output;
-    grid::allocateGrid(output, resized, "storing output grid...");
+    if (ahead) {
+        grid::sayAllocation(resized, "storing output grid...");
+    } else {
+        grid::allocateGrid(output, resized, "storing output grid...");
+    }
 
-    const auto tilesOf = options.method == ResizeMethod::average   ? averageTiles
-                         : options.method == ResizeMethod::minimum ? minimumTiles
-                                                                   : maximumTiles;
     sayOpen("Processing Output Row:");
     for (std::int32_t done = 0; done < tiling.rows;) {
         const CellRows tileRows{done + 1, done + std::min(run::kProgressRows, tiling.rows - done)};
-        const CellRows rows = tiledRows(tiling, tileRows);
-        tilesOf(run::rowsOf(input, rows.first, rows.last), header.null, tiling, tileRows,
-                run::rowsOf(output, tileRows.first, tileRows.last));
+        if (!ahead) {
+            resizeRows(input, header.null, tiling, tileRows, tilesBy(options.method), output);
+        }
         done = tileRows.last;
         if (done % run::kProgressRows == 0) {
             progress(done);
@@ -84,7 +188,8 @@ void runResize(const run::Common& common, const ResizeOptions& options, const ru
     const std::string base = run::outputNameRule(common, inputs[1], join("_resize", factor));
     const grid::Format format = run::outputFormatRule(common, loaded.format);
     say("Writing resized grid to: ", base);
-    grid::writeGrid(format, base, resized, output, loaded.projectionText, common.decimals);
+    const grid::CellSource cells = ahead ? grid::CellSource(*ahead, resized) : grid::CellSource(output);
+    grid::writeGrid(format, base, resized, cells, loaded.projectionText, common.decimals);
 }
 
 } // namespace gridforge::ops

@@ -110,27 +110,44 @@ CellRows rowsUnder(const Tiling& tiling, std::int32_t row)
     return first > last ? CellRows{} : CellRows{static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
 }
 
+// The rows from `first` on that are got at once, of those up to `last`.
+CellRows rowsAtOnce(const RowSource& cells, std::int32_t first, std::int32_t last)
+{
+    return {first, last - first < cells.atOnce ? last : first + cells.atOnce - 1};
+}
+
 template <typename Tile>
-void fillTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
+bool fillTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
                std::span<float> output)
 {
     const auto columns = static_cast<std::size_t>(tiling.columns);
     const auto cellColumns = static_cast<std::size_t>(tiling.cellColumns);
-    assert(cells.size() == tiledRows(tiling, tileRows).count() * cellColumns);
     assert(output.size() == tileRows.count() * columns);
     std::vector<Tile> tiles(columns, Tile(null));
-    std::size_t cellsEnd = cells.size();
+    const CellRows all = tiledRows(tiling, tileRows);
+    CellRows rows{1, 0}; // of those got last
+    std::span<const float> got;
     std::size_t outputEnd = output.size();
-    for (std::int32_t row = tileRows.first; row <= tileRows.last; ++row) {
+    for (std::int32_t tileRow = tileRows.first; tileRow <= tileRows.last; ++tileRow) {
         std::ranges::fill(tiles, Tile(null));
-        for (std::size_t left = rowsUnder(tiling, row).count(); left > 0; --left) {
-            cellsEnd -= cellColumns;
-            takeRow<Tile>(cells.subspan(cellsEnd, cellColumns), null, tiling, tiles);
+        const CellRows under = rowsUnder(tiling, tileRow);
+        for (std::int32_t row = under.first; row <= under.last; ++row) {
+            if (row > rows.last) {
+                rows = rowsAtOnce(cells, row, all.last);
+                const auto some = cells.get(rows);
+                if (!some) {
+                    return false;
+                }
+                got = *some;
+            }
+            takeRow<Tile>(got.subspan(static_cast<std::size_t>(rows.last - row) * cellColumns, cellColumns), null,
+                          tiling, tiles);
         }
         outputEnd -= columns;
         std::ranges::transform(tiles, output.subspan(outputEnd, columns).begin(),
                                [null](const Tile& tile) { return tile.result(null); });
     }
+    return true;
 }
 
 std::int32_t tilesIn(std::int32_t cells, std::int32_t factor)
@@ -163,22 +180,22 @@ CellRows tiledRows(const Tiling& tiling, const CellRows& tileRows)
     return {south.first, north.count() == 0 ? tiling.cellRows : north.last};
 }
 
-void averageTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
+bool averageTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
                   std::span<float> output)
 {
-    fillTiles<Average>(cells, null, tiling, tileRows, output);
+    return fillTiles<Average>(cells, null, tiling, tileRows, output);
 }
 
-void minimumTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
+bool minimumTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
                   std::span<float> output)
 {
-    fillTiles<Minimum>(cells, null, tiling, tileRows, output);
+    return fillTiles<Minimum>(cells, null, tiling, tileRows, output);
 }
 
-void maximumTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
+bool maximumTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
                   std::span<float> output)
 {
-    fillTiles<Maximum>(cells, null, tiling, tileRows, output);
+    return fillTiles<Maximum>(cells, null, tiling, tileRows, output);
 }
 
 } // namespace gridforge::ops

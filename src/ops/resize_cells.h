@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <span>
 
 namespace gridforge::ops {
@@ -37,14 +39,23 @@ struct CellRows {
 // The rows of the grid that lie under these rows of tiles, of which there is one at least.
 CellRows tiledRows(const Tiling& tiling, const CellRows& tileRows);
 
-// These rows of tiles out of the cells of tiledRows, both in the order of the files, the north row first. Cells equal to `null`
-// do not count. The average sums in double, row by row from the south. The maximum starts at null, so a null above the data
-// stands.
-void averageTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
-                  std::span<float> output);
-void minimumTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
-                  std::span<float> output);
-void maximumTiles(std::span<const float> cells, float null, const Tiling& tiling, const CellRows& tileRows,
-                  std::span<float> output);
+// The cells of some rows, the north row first; none where they cannot be had.
+using GetRows = std::function<std::optional<std::span<const float>>(const CellRows& rows)>;
+
+// Where tiles get their cells: rows from the south on, at most so many at once.
+struct RowSource {
+    GetRows get;
+    std::int32_t atOnce = 1;
+};
+
+// These rows of tiles in the order of the files, the north row first. Cells equal to `null` do not count. The average sums in
+// double, row by row from the south. The maximum starts at null, so a null above the data stands. False where cells cannot be
+// had.
+[[nodiscard]] bool averageTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
+                                std::span<float> output);
+[[nodiscard]] bool minimumTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
+                                std::span<float> output);
+[[nodiscard]] bool maximumTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
+                                std::span<float> output);
 
 } // namespace gridforge::ops

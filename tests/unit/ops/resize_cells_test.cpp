@@ -24,12 +24,22 @@ Grid gridOf(std::int32_t nrows, std::int32_t ncols, const std::vector<float>& ce
 
 using Tiles = decltype(&ops::averageTiles);
 
+// A few rows at a time.
+ops::RowSource rowsOf(const Grid& grid)
+{
+    return {[&grid](const ops::CellRows& rows) {
+                EXPECT_LE(rows.count(), 3U);
+                return std::optional<std::span<const float>>(run::rowsOf(grid, rows.first, rows.last));
+            },
+            3};
+}
+
 std::vector<float> resized(Tiles tiles, const Grid& grid, std::int32_t factor, float null = kNullA)
 {
     const ops::Tiling tiling = ops::tilingOf(grid.nrows(), grid.ncols(), factor);
     Grid output;
     EXPECT_TRUE(output.allocate(tiling.rows, tiling.columns));
-    tiles(grid.cells(), null, tiling, {1, tiling.rows}, output.cells());
+    EXPECT_TRUE(tiles(rowsOf(grid), null, tiling, {1, tiling.rows}, output.cells()));
     return {output.cells().begin(), output.cells().end()};
 }
 
@@ -150,13 +160,24 @@ TEST(Tiles, OfAnyRowsAreThoseOfTheWholeGrid)
         const std::vector<float> whole = resized(ops::averageTiles, grid, factor);
         for (std::int32_t first = 1; first <= tiling.rows; ++first) {
             for (std::int32_t last = first; last <= tiling.rows; ++last) {
-                const ops::CellRows rows = ops::tiledRows(tiling, {first, last});
                 std::vector<float> output(static_cast<std::size_t>(last - first + 1) * columns);
-                ops::averageTiles(run::rowsOf(grid, rows.first, rows.last), kNullA, tiling, {first, last}, output);
+                EXPECT_TRUE(ops::averageTiles(rowsOf(grid), kNullA, tiling, {first, last}, output));
                 const auto from = whole.begin() + static_cast<std::ptrdiff_t>(columns) * (tiling.rows - last);
                 EXPECT_EQ(bitsOf(output), bitsOf({from, from + std::ssize(output)})) << first << " to " << last;
             }
         }
+    }
+}
+
+TEST(Tiles, EndWhereRowsCannotBeHad)
+{
+    const ops::Tiling tiling = ops::tilingOf(10, 4, 2);
+    for (const std::int32_t good : {0, 4, 8}) {
+        const Grid grid = gridOf(10, 4, std::vector<float>(40, 1));
+        const ops::RowSource all = rowsOf(grid);
+        const auto get = [&](const ops::CellRows& rows) { return rows.last > good ? std::nullopt : all.get(rows); };
+        std::vector<float> output(10);
+        EXPECT_FALSE(ops::maximumTiles({get, 2}, kNullA, tiling, {1, 5}, output)) << good;
     }
 }
 
