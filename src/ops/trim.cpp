@@ -9,6 +9,8 @@
 #include "grid/writer.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "run/cells_ahead.h"
+#include "run/fill_ahead.h"
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/still_to_read.h"
@@ -18,6 +20,8 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace gridforge::ops {
@@ -135,24 +139,205 @@ std::string outputName(const run::Common& common, const std::string& grid, const
     return out;
 }
 
+// --- The cells -------------------------------------------------------------------------------------------------------
+
+std::size_t rowsOf(const run::CellWindow& window)
+{
+    return static_cast<std::size_t>(window.lastRow - window.firstRow) + 1;
+}
+
+// A cell's place in the order of the files.
+std::size_t placeOf(const GridHeader& header, std::int32_t row, std::int32_t column)
+{
+    return static_cast<std::size_t>(header.nrows - row) * static_cast<std::size_t>(header.ncols) +
+           static_cast<std::size_t>(column - 1);
+}
+
 } // namespace
 
-// --- The kernel ------------------------------------------------------------------------------------------------------
-
-void copyInside(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
-                const run::CellWindow& window, Grid& output)
+bool copyInside(const run::SampledRegion& region, const GridHeader& header, const GetCells& cells,
+                const run::CellWindow& window, std::span<float> output)
 {
+    std::ranges::fill(output, header.null);
+    const std::size_t columns = window.columns();
+    bool good = true;
     run::InsideWalk walk;
     run::prepareWalk(region, walk);
-    run::forEachInsideRun(header, window, run::CellPlace::northEastCorner, walk,
-                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                              const auto target = output.row(row - window.firstRow + 1);
-                              std::ranges::copy(run::cellsOfRun(cells, row, first, count),
-                                                target.begin() + (first - window.firstColumn));
-                          });
+    run::forEachInsideRun(
+        header, window, run::CellPlace::northEastCorner, walk,
+        [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+            const auto fromNorth = static_cast<std::size_t>(window.lastRow - row);
+            const auto fromWest = static_cast<std::size_t>(first - window.firstColumn);
+            good = good && cells(placeOf(header, row, first),
+                                 output.subspan(fromNorth * columns + fromWest, static_cast<std::size_t>(count)));
+        });
+    return good;
 }
 
 // --- The run ---------------------------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr std::size_t kMostWaitingCuts = 16; // each may take an open file
+
+// A region's window of a grid.
+struct Cut {
+    const run::SampledRegion& region;
+    run::CellWindow wanted;
+    run::CellWindow window; // the part of it that lies in the grid
+    GridHeader header;      // of the output; not if the window is empty
+};
+
+Cut cutOf(const run::SampledRegion& region, const GridHeader& header)
+{
+    const run::CellWindow wanted = run::regionWindow(region, header);
+    Cut cut{region, wanted, clamped(wanted, header), header};
+    if (!cut.window.empty()) {
+        cut.header = windowHeader(cut.window, header);
+    }
+    return cut;
+}
+
+// The cells of the cut, by all threads, some rows each.
+run::Way cutCells(const grid::CellStore& cells, const GridHeader& header, const Cut& cut, grid::CellStore& output)
+{
+    const std::size_t columns = cut.window.columns();
+    const std::size_t rows =
+        std::clamp<std::size_t>(std::min(run::kCachedCells, run::cellsOfPart()) / columns, 1, rowsOf(cut.window));
+    const auto get = [&cells](std::size_t first, std::span<float> target) { return cells.get(first, target); };
+    const auto fill = [&](std::size_t first, std::span<float> target, std::size_t) {
+        run::CellWindow some = cut.window;
+        some.lastRow -= static_cast<std::int32_t>(first / columns);
+        some.firstRow = some.lastRow - static_cast<std::int32_t>(target.size() / columns) + 1;
+        if (2 * columns >= static_cast<std::size_t>(header.ncols)) {
+            cells.willRead(placeOf(header, some.lastRow, 1), rowsOf(some) * static_cast<std::size_t>(header.ncols));
+        }
+        return copyInside(cut.region, header, get, some, target) ? run::Way::ahead : run::Way::readRefused;
+    };
+    return run::fillAhead(output, rows * columns, fill);
+}
+
+// One grid and what is cut out of it. Where all is ordinary it is never in memory: a few windows of a binary grid are cut
+// before its story is told, and wait. Otherwise the cells of the grid itself wait for the turns of its windows.
+class TrimmedGrid {
+public:
+    TrimmedGrid(const std::string& name, const std::vector<TrimRegion>& regions, const run::OutputWish& wish);
+
+    const run::LoadedGrid& load();
+    // Says that the output is made, and makes it unless it is there.
+    grid::CellSource cells(std::size_t region, const Cut& cut);
+
+private:
+    run::Way cutAll(const grid::GridLook& look);
+    bool keepCells(const grid::GridLook& look);
+
+    const std::string& name_;
+    const std::vector<TrimRegion>& regions_;
+    run::OutputWish wish_;
+    bool ahead_ = false;
+    grid::CellStore kept_;                 // the cells of the grid
+    std::vector<grid::CellStore> waiting_; // the cuts, or none
+    grid::CellStore output_;
+    Grid plainCells_; // those of a grid that is read step by step, and a cut
+    Grid plainOutput_;
+    run::LoadedGrid loaded_;
+};
+
+TrimmedGrid::TrimmedGrid(const std::string& name, const std::vector<TrimRegion>& regions, const run::OutputWish& wish)
+    : name_(name), regions_(regions), wish_(wish)
+{
+    run::InputFileList input;
+    input.add(name);
+    const auto looks = run::lookAtInputs(input);
+    if (!looks) {
+        return;
+    }
+    const grid::GridLook& look = looks->front();
+    if (look.format == grid::Format::flt && regions.size() > kMostWaitingCuts) {
+        ahead_ = keepCells(look);
+        return;
+    }
+    run::Way way = run::openCells(look, wish_.folder, kept_);
+    if (way == run::Way::ahead && kept_.isOnlyRead()) {
+        way = cutAll(look);
+        kept_.release();
+    }
+    run::countWay(way);
+    ahead_ = way == run::Way::ahead;
+    if (!ahead_) {
+        kept_.release();
+        waiting_.clear();
+    }
+}
+
+run::Way TrimmedGrid::cutAll(const grid::GridLook& look)
+{
+    waiting_.resize(regions_.size());
+    for (std::size_t i = 0; i < regions_.size(); ++i) {
+        const Cut cut = cutOf(regions_[i].region, look.header);
+        if (cut.window.empty()) {
+            continue;
+        }
+        if (!run::takeOutput(waiting_[i], cut.header.cells(), wish_)) {
+            return run::Way::noRoom;
+        }
+        if (const run::Way way = cutCells(kept_, look.header, cut, waiting_[i]); way != run::Way::ahead) {
+            return way;
+        }
+    }
+    return run::Way::ahead;
+}
+
+bool TrimmedGrid::keepCells(const grid::GridLook& look)
+{
+    const auto copy = [](const run::CellPiece&, run::InputPieces cells, run::OutputPieces kept) {
+        std::ranges::copy(cells[0], kept[0].begin());
+    };
+    auto kept = run::mapAhead({&look, 1}, {.folder = wish_.folder, .binary = false, .grids = 1}, copy);
+    if (kept) {
+        kept_ = std::move(kept->front());
+    }
+    return kept.has_value();
+}
+
+const run::LoadedGrid& TrimmedGrid::load()
+{
+    loaded_ = run::loadGrid(name_, {.purpose = "external grid...", .ahead = ahead_}, plainCells_);
+    return loaded_;
+}
+
+grid::CellSource TrimmedGrid::cells(std::size_t region, const Cut& cut)
+{
+    constexpr std::string_view kPurpose = "storing output grid...";
+    if (!ahead_) {
+        plainOutput_ = Grid();
+        grid::allocateGrid(plainOutput_, cut.header, kPurpose);
+        const auto get = [&](std::size_t first, std::span<float> target) {
+            std::ranges::copy(plainCells_.cells().subspan(first, target.size()), target.begin());
+            return true;
+        };
+        static_cast<void>(copyInside(cut.region, loaded_.header, get, cut.window, plainOutput_.cells())); // never fails
+        return plainOutput_;
+    }
+    grid::sayAllocation(cut.header, kPurpose);
+    output_.release();
+    if (!waiting_.empty()) {
+        output_ = std::move(waiting_[region]);
+    } else if (!run::takeOutput(output_, cut.header.cells(), wish_) ||
+               cutCells(kept_, loaded_.header, cut, output_) != run::Way::ahead) {
+        failMemory();
+    }
+    return {output_, cut.header};
+}
+
+// Where the outputs will be: named by the first region.
+run::OutputWish wishOf(const run::Common& common, const std::string& gridName, const std::vector<TrimRegion>& regions)
+{
+    const std::string region = regions.empty() ? "" : regions.front().name;
+    return run::outputWish(common, join(region, "_", FILENAMEPATH(gridName)), grid::Format::asc, 1);
+}
+
+} // namespace
 
 void runTrim(const run::Common& common, const TrimOptions& options, const run::InputFileList& inputs)
 {
@@ -164,31 +349,25 @@ void runTrim(const run::Common& common, const TrimOptions& options, const run::I
     for (std::int32_t i = 1; i <= inputs.count(); ++i) {
         const std::string& gridName = inputs[i];
         say("Proecsing File:", integerField(i, kFileColumns), ": ", gridName);
-        Grid cells;
-        const run::LoadedGrid loaded = run::loadGrid(gridName, {.purpose = "external grid..."}, cells);
-        const GridHeader& header = loaded.header;
+        TrimmedGrid trimmed(gridName, regions, wishOf(common, gridName, regions));
+        const run::LoadedGrid& loaded = trimmed.load();
         const auto stillToRead = std::span(grids).subspan(static_cast<std::size_t>(i));
 
-        for (const auto& [name, region] : regions) {
-            const run::CellWindow wanted = run::regionWindow(region, header);
-            reportOverhang(wanted, header, name, gridName);
-            const run::CellWindow window = clamped(wanted, header);
-            if (window.empty()) {
+        for (std::size_t r = 0; r < regions.size(); ++r) {
+            const std::string& name = regions[r].name;
+            const Cut cut = cutOf(regions[r].region, loaded.header);
+            reportOverhang(cut.wanted, loaded.header, name, gridName);
+            if (cut.window.empty()) {
                 say("WARNING - Region does not overlap grid, no output written, region name: ", name);
                 continue;
             }
-            const GridHeader outputHeader = windowHeader(window, header);
-            Grid output;
-            grid::allocateGrid(output, outputHeader, "storing output grid...");
-            std::ranges::fill(output.cells(), header.null);
-            copyInside(region, header, cells, window, output);
-
+            const grid::CellSource cells = trimmed.cells(r, cut);
             const std::string target =
                 outputName(common, FILENAMEPATH(gridName), name, inputs.count() > 1, regions.size() > 1);
             const grid::Format format = run::ascUnlessSpecified(common);
             say("Writing output to: ", target);
             run::requireNoInput(format, target, stillToRead);
-            grid::writeGrid(format, target, outputHeader, output, loaded.projectionText, common.decimals);
+            grid::writeGrid(format, target, cut.header, cells, loaded.projectionText, common.decimals);
         }
     }
 }

@@ -7,14 +7,20 @@
 #include "run/inputs.h"
 #include "run/inside_runs.h"
 
+#include <cstddef>
+#include <functional>
+#include <span>
 #include <string>
 
 namespace gridforge::ops {
 
-// Copies the cells of the window whose north-east corner is inside the region to `output`, which has the window's size;
-// other cells of `output` stay as they are.
-void copyInside(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
-                const run::CellWindow& window, Grid& output);
+// Cells of a grid from `first` on, in the order of the files. False where they cannot be had.
+using GetCells = std::function<bool(std::size_t first, std::span<float> cells)>;
+
+// The window's cells whose north-east corner is inside the region, and null for the others, into `output`, which is as large
+// as the window. False where cells cannot be had.
+[[nodiscard]] bool copyInside(const run::SampledRegion& region, const GridHeader& header, const GetCells& cells,
+                              const run::CellWindow& window, std::span<float> output);
 
 struct TrimOptions {
     std::string layer;

@@ -49,13 +49,9 @@ inline GivenFiles filesIn(const std::filesystem::path& folder)
     return files;
 }
 
-// Runs the command line, of words separated by blanks, to its end; one that ends the run ends the test.
-inline Outcome runOperationOn(const GivenFiles& given, const std::string& commandLine, bool refusesReads = false)
+// Runs the command line, of words separated by blanks, in the folder to its end; one that ends the run ends the test.
+inline Outcome runOperationIn(const ScratchFolder& folder, const std::string& commandLine, bool refusesReads = false)
 {
-    const ScratchFolder folder;
-    for (const auto& [name, bytes] : given) {
-        folder.give(name, bytes);
-    }
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder.path());
     const System system = systemForOperations(refusesReads);
@@ -81,6 +77,16 @@ inline Outcome runOperationOn(const GivenFiles& given, const std::string& comman
     restartConsole();
     std::filesystem::current_path(before);
     return {takeMemoryConsole(), filesIn(folder.path())};
+}
+
+// The same in a folder of its own.
+inline Outcome runOperationOn(const GivenFiles& given, const std::string& commandLine, bool refusesReads = false)
+{
+    const ScratchFolder folder;
+    for (const auto& [name, bytes] : given) {
+        folder.give(name, bytes);
+    }
+    return runOperationIn(folder, commandLine, refusesReads);
 }
 
 } // namespace gridforge::test

@@ -5,10 +5,13 @@
 #include "support/both_ways.h"
 #include "support/environment.h"
 #include "support/grids.h"
+#include "support/layer_files.h"
 #include "support/operation_run.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <limits>
 #include <ostream>
@@ -60,7 +63,55 @@ std::ostream& operator<<(std::ostream& out, const Case& one)
 }
 
 const std::string kClasses = "Limit,Name\n-5,Low\n0,\"None, or so\"\n12.5,Some\n100,High\n";
+// More than are compared one by one.
+std::string manyClasses()
+{
+    std::string text = "Limit,Name\n";
+    for (int i = 0; i < 24; ++i) {
+        text += std::to_string(10 * i - 30) + ",Class" + std::to_string(i) + "\n";
+    }
+    return text;
+}
+
 const std::string kColours = "Value,Name,Red,Green,Blue\n-5,Low,0,255,0\n50,\"b, c\",255,128,0\n100,Top,9,9,9\n";
+
+// A layer of regions, each given by the corners of its ring.
+GivenFiles regions(const std::vector<std::string>& rings)
+{
+    std::string body;
+    std::string records;
+    for (const std::string& ring : rings) {
+        const auto corners = std::ranges::count(ring, '\n');
+        records += "r" + std::to_string(records.size() / 6 + 10) + ",1\n";
+        body += "Region 1\n" + std::to_string(corners) + "\n" + ring;
+    }
+    return {{"r.mif", test::mifText(body)}, {"r.mid", records}};
+}
+
+std::string square(int west, int south, int side)
+{
+    const auto corner = [](int x, int y) { return std::to_string(x) + ".5 " + std::to_string(y) + ".5\n"; };
+    return corner(west, south) + corner(west, south + side) + corner(west + side, south + side) +
+           corner(west + side, south) + corner(west, south);
+}
+
+// A star with runs of cells in a row, one that reaches over the grid, one beside it, and another.
+const std::vector<std::string> kRegions = {
+    "3.5 10.5\n9.5 200.5\n13.5 60.5\n18.5 190.5\n22.5 70.5\n30.5 210.5\n29.5 20.5\n3.5 10.5\n",
+    square(20, 180, 90),
+    square(500, 500, 4),
+    square(1, 1, 35),
+};
+
+// More than wait in files of their own.
+std::vector<std::string> manyRegions()
+{
+    std::vector<std::string> rings = kRegions;
+    for (int i = 0; i < 20; ++i) {
+        rings.push_back(square(3 + i, 2 + 10 * i, 7));
+    }
+    return rings;
+}
 
 std::vector<Case> cases()
 {
@@ -85,6 +136,17 @@ std::vector<Case> cases()
         {"Classify", "-classify c.csv", {-9999}, {{"c.csv", kClasses}}},
         {"ClassifyByColours", "-classify c.csv -RGB -grc -asc", {-9999}, {{"c.csv", kColours}}},
         {"Histogram", "-histogram c.csv", {-9999}, {{"c.csv", kClasses}}},
+        {"HistogramOfManyBins", "-histogram c.csv", {-9999}, {{"c.csv", manyClasses()}}},
+        {"ClassifyByManyClasses", "-classify c.csv", {-9999}, {{"c.csv", manyClasses()}}},
+        {"Resize", "-resize5", {-9999}},
+        {"ResizeToMaximum", "-resize7 -rm_max -asc", {-9999}},
+        {"ResizeToMinimum", "-resize2 -rm_min -flt", {-1}},
+        {"ResizeByOne", "-resize1", {-9999}},
+        {"ResizeToOneCell", "-resize1000", {-9999}},
+        {"Trim", "-trim r.mif", {-9999}, regions(kRegions)},
+        {"TrimToBinary", "-trim r.mif -flt", {-1, -9999}, regions(kRegions)},
+        {"TrimByOneRegion", "-trim r.mif -out t -flt", {-9999}, regions({kRegions[0]})},
+        {"TrimByManyRegions", "-trim r.mif -flt", {-9999}, regions(manyRegions())},
         {"StatAll", "-statAll", {-9999, -9999, -9999}},
         {"StatMedian", "-statMedian", {-9999, -9999}},
         {"StatRanks", "-statRankAll -statFrac", {-9999, -9999, -9999}},
@@ -206,6 +268,20 @@ TEST(Ways, StepByStepWhereAReadIsRefused)
     const Outcome outcome = runOperationOn(given, "-max -src a.flt -out m.flt", true);
     EXPECT_EQ(waysGone(run::Way::readRefused), before + 1);
     EXPECT_EQ(outcome.files.at("m.flt"), std::string(8, 'x'));
+}
+
+// Cells of a binary grid that wait for their text in the grid's own file find other room when this is about to go.
+TEST(Ways, AheadWhereTheTextTakesThePlaceOfTheInput)
+{
+    const Cells cells = {{1, 2, 3}, {4, -5.5, 6}};
+    const std::size_t ahead = waysGone(run::Way::ahead);
+    const test::ScratchFolder folder;
+    folder.give("a.hdr", test::hdr(cells));
+    folder.give("a.flt", test::fltCells(cells));
+    std::filesystem::create_hard_link(folder.path() / "a.flt", folder.path() / "a.asc");
+    const Outcome outcome = test::runOperationIn(folder, "-conv a.flt");
+    EXPECT_EQ(waysGone(run::Way::ahead), ahead + 1);
+    EXPECT_EQ(test::readWrittenAsc(outcome.files.at("a.asc")).cells, cells);
 }
 
 } // namespace

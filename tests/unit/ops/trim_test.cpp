@@ -68,9 +68,12 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
         Grid plain;
         ASSERT_TRUE(fast.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));
         ASSERT_TRUE(plain.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));
-        std::ranges::fill(fast.cells(), -1.0F);
-        std::ranges::fill(plain.cells(), -1.0F);
-        ops::copyInside(region, header, cells, w, fast);
+        std::ranges::fill(plain.cells(), header.null);
+        const auto get = [&](std::size_t first, std::span<float> target) {
+            std::ranges::copy(std::as_const(cells).cells().subspan(first, target.size()), target.begin());
+            return true;
+        };
+        EXPECT_TRUE(ops::copyInside(region, header, get, w, fast.cells()));
         copyInsidePlainly(region, header, cells, w, plain);
         ASSERT_TRUE(std::ranges::equal(fast.cells(), plain.cells())) << round;
     }
