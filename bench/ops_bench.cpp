@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstring>
+#include <optional>
 #include <random>
 #include <vector>
 
@@ -263,10 +264,10 @@ void resizeAverage(benchmark::State& state)
         return;
     }
     std::ranges::copy(madeCells(1), grid.cells().begin());
-    const auto north = [&](const CellRows& some) {
+    const auto north = [&](const ops::CellRows& some) {
         return std::optional<std::span<const float>>(run::rowsOf(grid, some.first, some.last));
     };
-    const RowSource rows{north, tiling.cellRows};
+    const ops::RowSource rows{north, tiling.cellRows};
     const auto tile = [&](std::int32_t r, std::int32_t c) {
         double sum = 0;
         std::int32_t count = 0;
