@@ -73,7 +73,7 @@ public:
         if (chunk % kHintedChunks == 0) {
             theSystem().willRead(file_, start, static_cast<std::int64_t>(kHintedChunks * bytes_));
         }
-        Window window{text_.of(worker), start - static_cast<std::int64_t>(before), 0};
+        TextWindow window{text_.of(worker), start - static_cast<std::int64_t>(before), 0};
         if (!readOn(window, length + usualReach_)) {
             return std::nullopt;
         }
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    struct Window {
+    struct TextWindow {
         std::span<char> room;
         std::int64_t start; // in the file
         std::size_t filled;
@@ -105,7 +105,7 @@ private:
     };
 
     // Reads so much more, or what is left. False where the room is full, or the system refuses.
-    bool readOn(Window& window, std::size_t wanted) const
+    bool readOn(TextWindow& window, std::size_t wanted) const
     {
         const std::int64_t from = window.start + static_cast<std::int64_t>(window.filled);
         const std::size_t left = window.room.size() - window.filled;
@@ -116,7 +116,7 @@ private:
     }
 
     // The last line may lack its line end.
-    std::optional<std::size_t> endOfLine(Window& window, std::size_t at) const
+    std::optional<std::size_t> endOfLine(TextWindow& window, std::size_t at) const
     {
         std::size_t found = window.text().find('\n', at);
         while (found == std::string_view::npos) {

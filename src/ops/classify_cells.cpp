@@ -1,6 +1,6 @@
 #include "ops/classify_cells.h"
 
-#include "ops/limit_table.h"
+#include "core/limit_table.h"
 
 #include <algorithm>
 #include <array>

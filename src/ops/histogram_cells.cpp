@@ -1,7 +1,7 @@
 #include "ops/histogram_cells.h"
 
+#include "core/limit_table.h"
 #include "core/map_cells.h"
-#include "ops/limit_table.h"
 
 #include <algorithm>
 #include <array>

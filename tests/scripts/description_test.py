@@ -134,7 +134,8 @@ class DescriptionTest(unittest.TestCase):
 
     def test_the_completion_offers_the_same_flags(self):
         with open(os.path.join(os.environ["GRIDFORGE_MANUAL_DIR"], "gridforge.bash")) as file:
-            offered = set(" ".join(re.findall(r'Flags="(.*)"', file.read())).split())
+            values = re.search(r"local -A takes=\((.*?)\)\n", file.read(), re.S).group(1)
+        offered = set(re.findall(r"\[(-\w+)\]=", values))
         told = set()
         for flags in [TOOL["commonOptions"], *(o[part] for o in OPERATIONS.values() for part in ("flags", "options"))]:
             for flag in flags:

@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-namespace gridforge::ops {
+namespace gridforge::inline core {
 
 // The range of the limits is cut into places of one width. A larger value never has a lower place, so only with the limits of
 // its own place must a value be compared.
@@ -70,4 +70,4 @@ private:
     std::array<std::uint8_t, kPlaces + 1> before_ = {}; // limits below each place
 };
 
-} // namespace gridforge::ops
+} // namespace gridforge::inline core

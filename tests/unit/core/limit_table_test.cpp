@@ -1,4 +1,4 @@
-#include "ops/limit_table.h"
+#include "core/limit_table.h"
 
 #include "ops/classify_cells.h"
 #include "ops/histogram_cells.h"
@@ -84,7 +84,7 @@ TEST(LimitTable, PassesTheLimitsThatAPlainSearchPasses)
 {
     for (const Limits& many : manyLimits()) {
         const std::vector<float>& limits = many.limits;
-        const ops::LimitTable table(limits);
+        const LimitTable table(limits);
         EXPECT_EQ(table.mostInAPlace(), many.mostInAPlace) << limits.front() << " to " << limits.back();
         const std::vector<float> cells = cellsAround(limits);
         std::size_t seen = 0;
@@ -99,7 +99,7 @@ TEST(LimitTable, PassesTheLimitsThatAPlainSearchPasses)
 TEST(LimitTable, IsOfNoUseForLimitsThatAreFewOrCrowdedOrNotFinite)
 {
     for (const std::vector<float>& limits : otherLimits()) {
-        EXPECT_EQ(ops::LimitTable(limits).mostInAPlace(), 0U) << limits.front() << " to " << limits.back();
+        EXPECT_EQ(LimitTable(limits).mostInAPlace(), 0U) << limits.front() << " to " << limits.back();
     }
 }
 

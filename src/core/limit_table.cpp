@@ -1,10 +1,10 @@
-#include "ops/limit_table.h"
+#include "core/limit_table.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-namespace gridforge::ops {
+namespace gridforge::inline core {
 
 LimitTable::LimitTable(std::span<const float> limits) : limits_(limits.begin(), limits.end())
 {
@@ -34,4 +34,4 @@ LimitTable::LimitTable(std::span<const float> limits) : limits_(limits.begin(), 
     limits_.insert(limits_.end(), kMostInAPlace, std::numeric_limits<float>::infinity());
 }
 
-} // namespace gridforge::ops
+} // namespace gridforge::inline core
