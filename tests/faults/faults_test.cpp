@@ -123,6 +123,7 @@ const std::vector<Row> kErrors = {
 
     // Memory.
     {"mmap malloc", "-", "", kNoMemory},
+    {"pread pwrite", "w", "(unnamed)", kNoMemory}, // room for waiting cells is memory, on the disk too
     {"malloc", "-", "", closing({" ERROR - Out of memory.  Contact SUPPORT_CONTACT"})},
     {"malloc", "-", "", closing({"Could not allocate memory."})}, // of the lines of a TIN
     {"malloc", "-", "", closing({"ERROR - Allocating RAM for storing IDW distances"})},
@@ -340,7 +341,7 @@ Lines foreignFiles(const SystemRun& run, const SystemRun& good)
     return foreign;
 }
 
-// A message about memory is not about a file, nor is the end of input. Of files that are read one at a time, the message
+// A message about memory is not about a file, nor is the end of input. What has no name cannot be named. Of files that are read one at a time, the message
 // names the file or follows the line about its opening. Of layers and others, several are open at once and the messages are
 // without a name, so the table's row for the ending has to do.
 bool namesTheFile(const SystemRun& run, const SystemRun& good, const SystemCall& call)
@@ -349,6 +350,9 @@ bool namesTheFile(const SystemRun& run, const SystemRun& good, const SystemCall&
         return true;
     }
     const std::string file = plainNames(call.file);
+    if (file == "(unnamed)") {
+        return true;
+    }
     const Lines lines = linesOf(plainNames(run.console));
     const auto names = [&](const std::string& line) { return line.find(file) != std::string::npos; };
     if (call.role == '-' || !endsAsOne(file, ".asc .flt .hdr .prj .csv .xyz")) {
