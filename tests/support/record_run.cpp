@@ -48,6 +48,9 @@ std::string obstacle(const RecordedRun& run)
     if (sets(run.arguments, "GRIDFORGE_FAIL_NETCDF=")) {
         return "fails at a call of a library";
     }
+    if (sets(run.environment, "GRIDFORGE_PROGRESS=") || sets(run.arguments, "GRIDFORGE_PROGRESS=")) {
+        return "shows its progress, as earlier executables do not";
+    }
     return "";
 }
 

@@ -96,6 +96,8 @@ TEST(RecordRun, SaysWhatCannotBeRepeated)
                   run.arguments = {"GRIDFORGE_FAIL_NETCDF=nc_sync 1", toolPath(), "-nc"};
               }),
               "left out=fails at a call of a library");
+    EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("GRIDFORGE_PROGRESS=lines"); }),
+              "left out=shows its progress, as earlier executables do not");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { mkfifo((run.folder / "in").c_str(), 0600); }),
               "left out=its files cannot be copied");
 }
