@@ -203,9 +203,4 @@ std::size_t findOutsideQuotes(std::string_view text, char wanted)
     return std::string_view::npos;
 }
 
-std::int32_t NEXTCOMMA(std::string_view text)
-{
-    return static_cast<std::int32_t>(findOutsideQuotes(text, ',') + 1);
-}
-
 } // namespace gridforge::inline core

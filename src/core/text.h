@@ -85,7 +85,5 @@ std::string CLEANATTRIBUTENAME(std::string_view text);
 // Place of the first `wanted` outside quotes, or npos. A quote of either kind begins or ends quoted text, whichever kind
 // began it, so a doubled quote inside ends nothing.
 std::size_t findOutsideQuotes(std::string_view text, char wanted);
-// Position from 1 of the first comma outside quotes, 0 when none.
-std::int32_t NEXTCOMMA(std::string_view text);
 
 } // namespace gridforge::inline core

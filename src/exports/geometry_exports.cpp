@@ -3,7 +3,6 @@
 #include "exports/boundary.h"
 #include "exports/lattice_cells.h"
 #include "exports/plane_for_callers.h"
-#include "gis/plane_ends.h"
 #include "host/ends.h"
 #include "plane/geometry.h"
 
@@ -42,10 +41,17 @@ std::int32_t logical(bool value)
     return static_cast<std::int32_t>(value);
 }
 
+// For a region whose rings end before its vertices.
+[[noreturn]] void failRings(std::string_view routine, int form)
+{
+    gridforge::fail("Invalid number of polygons in region sent to ", routine, " routine [", form, "] - contact ",
+                    gridforge::kSupportContact);
+}
+
 void requireRings(std::int32_t np, const std::int32_t* ir, std::int32_t nr, int form)
 {
     if (!gridforge::exports::isWholeRegion(held(np), array(ir, nr), held(nr))) {
-        gridforge::gis::failRings("inside_polygon", form);
+        failRings("inside_polygon", form);
     }
 }
 
@@ -262,7 +268,7 @@ std::int64_t grid_inside_polygon(const float* u, const float* v, std::int32_t np
         const auto count = gridforge::exports::grid_inside_polygon(array(u, np), array(v, np), held(np), array(ir, nr),
                                                                    held(nr), size, window, {flags, window.cells()});
         if (!count) {
-            gridforge::gis::failRings("grid_inside_polygon", 1);
+            failRings("grid_inside_polygon", 1);
         }
         return *count;
     });

@@ -232,7 +232,7 @@ void AREALD8(char* result, std::size_t resultLength, double value, std::int32_t 
 
 std::int32_t NEXTCOMMA(const char* text, std::size_t textLength)
 {
-    return gridforge::NEXTCOMMA({text, textLength});
+    return gridforge::exports::NEXTCOMMA({text, textLength});
 }
 
 std::int32_t NUMBEROFSUBSTRINGS(const char* text, std::size_t textLength, const char* separator,

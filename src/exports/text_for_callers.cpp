@@ -142,6 +142,11 @@ void SPLITFIRSTWORD(std::string& word, std::string& text)
 
 // --- Counting and fields ---------------------------------------------------------------------------------------------
 
+std::int32_t NEXTCOMMA(std::string_view text)
+{
+    return static_cast<std::int32_t>(findOutsideQuotes(text, ',') + 1);
+}
+
 std::int32_t NUMBEROFSUBSTRINGS(std::string_view text, std::string_view separator)
 {
     const std::string_view whole = inWorkSpace(text);

@@ -37,6 +37,8 @@ void SPLITFIRSTWORD(std::string& word, std::string& text);
 
 // --- Counting and fields ---------------------------------------------------------------------------------------------
 
+// Position from 1 of the first comma outside quotes, 0 when none.
+std::int32_t NEXTCOMMA(std::string_view text);
 // 0 for a blank text, otherwise one more than the separators in it.
 std::int32_t NUMBEROFSUBSTRINGS(std::string_view text, std::string_view separator);
 // The n-th field from 1, left-trimmed; blank when there are fewer. Separators longer than one character put the fields

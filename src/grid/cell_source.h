@@ -6,10 +6,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 
 namespace gridforge::grid {
+
+// Cells of a grid from `first` on, in the order of the files, the north row first. False where they cannot be had. Several
+// threads may ask at once.
+using GetCells = std::function<bool(std::size_t first, std::span<float> cells)>;
 
 class CellSource {
 public:

@@ -97,7 +97,7 @@ run::Way LaidGrids::layAsItIs(const grid::GridLook& look, grid::CellStore& laid)
     if (const run::Way way = run::openCells(look, folder_, cells_); way != run::Way::ahead) {
         return way;
     }
-    const GetCells source = [&](std::size_t first, std::span<float> some) { return cells_.get(first, some); };
+    const grid::GetCells source = [&](std::size_t first, std::span<float> some) { return cells_.get(first, some); };
     if (layCells(source, layout_, look.header, laid)) {
         return run::Way::ahead;
     }
@@ -120,7 +120,7 @@ bool LaidGrids::take(std::int32_t i, const GridHeader& header)
 
 bool LaidGrids::lay(const Grid& grid)
 {
-    const GetCells source = [&](std::size_t first, std::span<float> cells) {
+    const grid::GetCells source = [&](std::size_t first, std::span<float> cells) {
         std::ranges::copy(grid.cells().subspan(first, cells.size()), cells.begin());
         return true;
     };

@@ -94,7 +94,7 @@ private:
     std::size_t across_ = 0;
 };
 
-bool fetchTile(const GetCells& source, const LayTile& tile, std::size_t ncols, std::span<float> cells)
+bool fetchTile(const grid::GetCells& source, const LayTile& tile, std::size_t ncols, std::span<float> cells)
 {
     if (tile.columns == ncols) {
         return source(tile.row * ncols, cells);
@@ -142,7 +142,7 @@ bool layColumns(std::span<const float> cells, const LayTile& tile, std::size_t n
 
 } // namespace
 
-bool layCells(const GetCells& source, Layout layout, const GridHeader& lattice, grid::CellStore& laid)
+bool layCells(const grid::GetCells& source, Layout layout, const GridHeader& lattice, grid::CellStore& laid)
 {
     const LayTiles tiles(layout, lattice, laid.isInFile());
     WorkerRooms<float> rooms;

@@ -1,11 +1,11 @@
 // The order in which a grid's cells stand in a NetCDF file, and their way into it. Cells wait laid out so.
 #pragma once
 
+#include "grid/cell_source.h"
 #include "grid/cell_store.h"
 #include "plane/grid_header.h"
 
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <span>
 
@@ -16,13 +16,10 @@ namespace gridforge::netcdf {
 // it, and -nc_part puts every row in its place.
 enum class Layout { block, rows };
 
-// Cells of a grid by their place in the order of the grid's own file, the north row first. False where the system refuses.
-// Several threads ask at once.
-using GetCells = std::function<bool(std::size_t first, std::span<float> cells)>;
-
 // Fills `laid`, which has room for them, with all cells of the grid in the order of the NetCDF file: row after row or column
 // after column, each from the south. By all threads. False where the system refuses, or there is no memory for a piece.
-[[nodiscard]] bool layCells(const GetCells& source, Layout layout, const GridHeader& lattice, grid::CellStore& laid);
+[[nodiscard]] bool layCells(const grid::GetCells& source, Layout layout, const GridHeader& lattice,
+                            grid::CellStore& laid);
 
 // As many laid cells as `room` has, from `first` on; in `room` where they must be fetched. None where the system refuses.
 std::optional<std::span<const float>> cellsOf(const grid::CellStore& laid, std::size_t first, std::span<float> room);

@@ -4,12 +4,12 @@
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layer_reader.h"
-#include "gis/plane_ends.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "plane/region_rows.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <cstddef>
 #include <span>
@@ -30,12 +30,13 @@ float valueOf(const std::string& dataLine)
     return value;
 }
 
-bool prepare(const gis::LayerObject& object, const gis::Coordinates& read, PreparedRegion& region)
+void prepare(const gis::LayerObject& object, const gis::Coordinates& read, PreparedRegion& region)
 {
     const std::span<const double> x = read.vertexX();
     const std::span<const double> y = read.vertexY();
     const double xmin = x.empty() ? 0.0 : *std::ranges::min_element(x);
-    return prepareRegion(x, y, read.np, xmin, object.parts, object.rings, region);
+    [[maybe_unused]] const bool whole = prepareRegion(x, y, read.np, xmin, object.parts, object.rings, region);
+    assert(whole); // one ring, which ends where the vertices do
 }
 
 // The places of the lines that start in the region; a line without vertices starts at 0, 0.
@@ -80,9 +81,7 @@ void nbc_read_flc(const std::string& fileName, NbcLines& lines)
     while (const gis::LayerObject* object = gis::nextRegion(layer, read)) {
         say("Region ", ++regions, " with ", read.np, " nodes...");
         const float value = valueOf(object->record);
-        if (!prepare(*object, read, region) && !lines.empty()) {
-            gis::failRings("inside_polygon", 2);
-        }
+        prepare(*object, read, region);
         const std::vector<std::size_t> starting = linesFrom(region, lines);
         if (starting.empty()) {
             say("WARNING - No network lines start within region object.");

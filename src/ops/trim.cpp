@@ -155,7 +155,7 @@ std::size_t placeOf(const GridHeader& header, std::int32_t row, std::int32_t col
 
 } // namespace
 
-bool copyInside(const run::SampledRegion& region, const GridHeader& header, const GetCells& cells,
+bool copyInside(const run::SampledRegion& region, const GridHeader& header, const grid::GetCells& cells,
                 const run::CellWindow& window, std::span<float> output)
 {
     std::ranges::fill(output, header.null);

@@ -13,6 +13,7 @@
 #include "sampling/point_finder.h"
 #include "sampling/sampled_layer.h"
 
+#include <cassert>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -36,9 +37,7 @@ constexpr int kRealDecimals = 3;
 // The columns of the result layer; a layer whose first column is no float ends the run.
 std::vector<gis::Column> resultColumns(std::vector<gis::Column> input, bool withExtremes)
 {
-    if (input.empty()) {
-        fail("ERROR - Unable to detect any existing attributes.");
-    }
+    assert(!input.empty()); // a layer without columns has been refused
     const gis::Column& observed = input.front();
     if (observed.type != "Float") {
         say("ERROR - 1st GIS attribute is not a float type.");

@@ -195,8 +195,7 @@ void readCounts(std::string_view line, std::string_view rest, LayerObject& objec
 void needObjectLine(MifInput& input)
 {
     if (!readLine(input.mifUnit, input.line)) {
-        gisFail(readFailed(input.mifUnit) ? "ERROR 0321 - Reading .mif file object type."
-                                          : "ERROR 0322 - End of .mif file encountered whilst reading object type.");
+        gisFail("ERROR 0321 - Reading .mif file object type."); // there was a line, so the read was refused
     }
 }
 

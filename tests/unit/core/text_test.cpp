@@ -203,29 +203,5 @@ TEST(Cleanattributename, KeepsLettersDigitsAndUnderscores)
 
 // --- Counting and fields ---------------------------------------------------------------------------------------------
 
-TEST(Nextcomma, PassesCommasInQuotes)
-{
-    EXPECT_EQ(NEXTCOMMA("ab,c"), 3);
-    EXPECT_EQ(NEXTCOMMA(","), 1);
-    EXPECT_EQ(NEXTCOMMA("abc"), 0);
-    EXPECT_EQ(NEXTCOMMA(""), 0);
-    EXPECT_EQ(NEXTCOMMA("\"a,b\",c"), 6);
-    EXPECT_EQ(NEXTCOMMA("'a,b',c"), 6);
-    EXPECT_EQ(NEXTCOMMA("'a,b"), 0);
-}
-
-TEST(Nextcomma, SkipsADoubledQuoteInQuotes)
-{
-    EXPECT_EQ(NEXTCOMMA(R"("a"",b",c)"), 8);
-    EXPECT_EQ(NEXTCOMMA("'it''s, so',c"), 12);
-    EXPECT_EQ(NEXTCOMMA(R"("",c)"), 3) << "empty quotes are open and closed";
-}
-
-TEST(Nextcomma, EitherKindOfQuoteToggles)
-{
-    EXPECT_EQ(NEXTCOMMA(R"("a',b)"), 4);
-    EXPECT_EQ(NEXTCOMMA("O'Brien,b"), 0);
-}
-
 } // namespace
 } // namespace gridforge

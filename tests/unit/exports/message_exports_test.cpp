@@ -103,6 +103,17 @@ TEST(ExportedDline, IsEightyUnderscores)
     EXPECT_EQ(consoleOf([] { ::DLINE(0); }), std::string(80, '_') + "\n");
 }
 
+TEST(ExportedMessages, ALogThatIsNotOpenEndsTheRun)
+{
+    EXPECT_EQ(endOf([] {
+                  write(::DMESSAGES.line[0], "ERROR 0201 - one");
+                  ::DMESSAGES.messageLogUnit = 9999;
+                  ::DMESSAGE(-1);
+              }),
+              "ERROR 0201 - one\n\nShould not be here [file unit] - please contact SUPPORT_CONTACT.\n\nPress Enter to "
+              "Close\n");
+}
+
 // --- Lines and fields ------------------------------------------------------------------------------------------------
 
 TEST(ExportedReadline, FillsItsText)

@@ -81,8 +81,10 @@ std::string typeDefinedIn(const std::string& line)
 {
     static const std::regex definition(
         R"(\s*(?:template <.*> )?(?:struct|class|union|enum|enum class) (?:alignas\(.*\) )?([A-Z]\w*)(?: final)?(?: :.*)?(?: \{.*)?)");
+    static const std::regex alias(R"((?:template <.*> )?using ([A-Z]\w*) = .*)");
     std::smatch found;
-    return std::regex_match(line, found, definition) ? found[1].str() : std::string();
+    return std::regex_match(line, found, definition) || std::regex_match(line, found, alias) ? found[1].str()
+                                                                                             : std::string();
 }
 
 TEST(Types, HaveNamesOfTheirOwn)
@@ -109,6 +111,8 @@ TEST(Types, AreSeenInTheLinesThatDefineThem)
     EXPECT_EQ(typeDefinedIn("struct GridHeader {"), "GridHeader");
     EXPECT_EQ(typeDefinedIn("    enum class State : std::uint8_t { unknown, empty };"), "State");
     EXPECT_EQ(typeDefinedIn("template <typename Real> class Crossings final : Base {"), "Crossings");
+    EXPECT_EQ(typeDefinedIn("using CellFlags = CellArray<std::uint8_t>;"), "CellFlags");
+    EXPECT_EQ(typeDefinedIn("    using Row = int;"), ""); // a member of its type
     EXPECT_EQ(typeDefinedIn("struct Later;"), "");
     EXPECT_EQ(typeDefinedIn("    struct Box box;"), "");
 }

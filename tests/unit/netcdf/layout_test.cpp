@@ -128,7 +128,7 @@ TEST(LayCells, AReadThatIsRefusedIsReported)
     const GridHeader lattice = latticeOf(20, 20);
     grid::CellStore laid;
     ASSERT_TRUE(laid.take(lattice.cells(), "."));
-    const netcdf::GetCells refusesLate = [](std::size_t first, std::span<float> cells) {
+    const grid::GetCells refusesLate = [](std::size_t first, std::span<float> cells) {
         return first < 370 && countCells(first, cells);
     };
     EXPECT_FALSE(netcdf::layCells(refusesLate, netcdf::Layout::rows, lattice, laid));
