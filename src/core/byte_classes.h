@@ -1,4 +1,4 @@
-// The classes of bytes that readers of numbers tell apart.
+// The classes of bytes that readers of numbers distinguish.
 #pragma once
 
 namespace gridforge::inline core {

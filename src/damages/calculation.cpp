@@ -45,9 +45,9 @@ std::size_t largestBelowMark(std::span<const DmgRes> listed)
 
 } // namespace
 
-// The rule that it follows: the largest AEP is searched anew for each place, and a grid taken gets -1. So what is not above -1
-// never has its turn once a grid was taken: in its place the first grid with the mark is taken once more, with the mark
-// as its AEP. Deliberate; an AEP is not negative.
+// The rule that it follows: the largest AEP is searched anew for each place, and a grid taken gets -1. So what is not
+// above -1 never has its turn once a grid was taken: in its place the first grid with the mark is taken once more, with
+// the mark as its AEP. On purpose: an AEP is never negative.
 std::vector<DmgRes> sortByFrequency(std::span<const DmgRes> listed)
 {
     const auto isAboveMark = [](const DmgRes& result) { return result.AEP > kTaken; };
@@ -168,8 +168,8 @@ float levelOf(const InsideCells& cells, std::int32_t method, float null)
     }
 }
 
-// The cells of the grid that tell the level of a building: of a point the cell that holds it, of a polygon all about it.
-// None where it begins outside of the grid.
+// The cells of the grid that give the level of a building: of a point the cell that holds it, of a polygon all about
+// it. None where it begins outside of the grid.
 std::optional<run::CellWindow> windowInGrid(const DmgBuilding& building, const GridHeader& header)
 {
     run::CellWindow window =
@@ -242,8 +242,8 @@ public:
 
     float null() const { return lattice_.header.null; }
 
-    // Of building `i`, from 0. Only the low corner of a polygon is tested, and then the level stays as it is, on purpose: a
-    // polygon that sticks out of the grid in the south or west has the level of the building before it.
+    // Of building `i`, from 0. Only the low corner of a polygon is tested, and then the level stays as it is, on
+    // purpose: a polygon that sticks out of the grid in the south or west has the level of the building before it.
     void find(std::size_t i, float& level)
     {
         const DmgBuilding& building = buildings_[i];

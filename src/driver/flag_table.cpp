@@ -107,7 +107,8 @@ bool materialGrid(CommandLine& line, const std::string& value)
 }
 
 // The grid takes the first place of the inputs whatever stood there, and the list grows by a place all the same. The
-// remap relies on finding it first; a name typed ahead of -wl is lost and leaves a blank last place. Deliberate.
+// remap relies on finding it first; a name typed before -wl is lost and leaves a blank last place: on purpose, since
+// scripts rely on the places.
 bool waterLevelGrid(CommandLine& line, const std::string& value)
 {
     get<remap::RemapOptions>(line.settings).waterLevelGrid = value;

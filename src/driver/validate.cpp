@@ -36,7 +36,8 @@ std::int32_t countOperations(const CommandLine& line)
     return line.operations + transform - countOfCutoff + statistics;
 }
 
-// -nowetdry and -change count too: "-dif -nowetdry" is refused, and either alone passes and runs nothing. Deliberate.
+// -nowetdry and -change count too: "-dif -nowetdry" is refused, and either alone passes and runs nothing: on purpose,
+// since scripts rely on both.
 void checkOneOperation(const CommandLine& line)
 {
     const std::int32_t operations = countOperations(line);

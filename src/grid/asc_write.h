@@ -14,13 +14,13 @@
 
 namespace gridforge::grid {
 
-// The extremes of all cells, sought by all threads. None where they cannot be had.
+// The lowest and the highest of all cells. None if cells cannot be had.
 std::optional<ValueRange> extremesOf(const CellSource& cells);
 
 // The width of a field that all cells fit in: room for the largest magnitude, the decimals, the sign and a blank.
 std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals);
 
-// How a row becomes text: of fields that are all as long, and a line end.
+// How a row becomes text: fields of one length, and a line end.
 struct RowText {
     std::size_t fieldBytes = 1;
     std::function<void(std::span<const float> row, char* out)> format;
@@ -30,7 +30,7 @@ struct RowText {
 class RowWriter {
 public:
     RowWriter(Unit unit, const CellSource& cells, RowText text);
-    // A row after the one north of it, unless it is there.
+    // Rows are written from the north; does nothing for one that has been written with the others.
     void write(std::int32_t row);
 
 private:

@@ -12,8 +12,8 @@
 
 namespace gridforge::grid {
 
-// Cells of a grid from `first` on, in the order of the files, the north row first. False where they cannot be had. Several
-// threads may ask at once.
+// Cells of a grid from `first` on, in the order of the files, the north row first. False where they cannot be had.
+// Several threads may ask at once.
 using GetCells = std::function<bool(std::size_t first, std::span<float> cells)>;
 
 class CellSource {
@@ -34,7 +34,7 @@ public:
     std::int32_t nrows() const { return nrows_; }
     std::int32_t ncols() const { return ncols_; }
     std::size_t size() const { return static_cast<std::size_t>(nrows_) * static_cast<std::size_t>(ncols_); }
-    // They must be fetched.
+    // Do the cells lie in a file, from which they must be fetched?
     bool isInFile() const { return kept_ != nullptr && kept_->isInFile(); }
     // What is known of all of them.
     std::optional<ValueRange> extremes() const { return kept_ == nullptr ? std::nullopt : kept_->extremes(); }
@@ -48,8 +48,8 @@ public:
     // The store that may give them away; none for a grid.
     CellStore* store() const { return store_; }
 
-    // `count` cells from `first` on, in the order of the files. Cells that must be fetched are put into `room`, which has
-    // space for as many. Nothing if the system refuses. Several threads may ask at once.
+    // `count` cells from `first` on, in the order of the files. Cells that must be fetched are put into `room`, which
+    // has space for as many. Nothing if the system refuses. Several threads may ask at once.
     std::optional<std::span<const float>> get(std::size_t first, std::size_t count, std::span<float> room) const
     {
         return kept_ == nullptr ? memory_.subspan(first, count) : kept_->get(first, count, room);

@@ -16,9 +16,9 @@ std::size_t workersOf(std::size_t pieces);
 // below workersOf(pieces). A piece never prints, opens a unit or ends the run.
 using PieceWork = std::function<void(std::size_t piece, std::size_t worker)>;
 
-// Does all pieces below `pieces`, in no order, and returns when the last is done. If no thread can be started, the caller's
-// does them all. Memory that a piece cannot have is missing in the calling thread too, by std::bad_alloc, as
-// soon as no piece runs any more.
+// Does all pieces below `pieces`, in no order, and returns when the last is done. If no thread can be started, the
+// caller's does them all. If a piece runs out of memory, std::bad_alloc is thrown in the calling thread once all pieces
+// have stopped.
 void parallelFor(std::size_t pieces, const PieceWork& work);
 
 // The number of cells in a piece: GRIDFORGE_PIECE, or if that is not set `usual`.

@@ -11,21 +11,23 @@
 
 namespace gridforge::netcdf {
 
-// How the cells of a grid lie in the file. As a block they stand column after column in the places that the file has for
-// rows, so those of a grid that is not square do not lie at their x and y. Deliberate: readers of such files of old expect
-// it, and -nc_part puts every row in its place.
+// How the cells of a grid lie in the file. As a block they stand column after column in the places that the file has
+// for rows, so those of a grid that is not square do not lie at their x and y. On purpose: readers of such old files
+// expect it, and -nc_part puts every row in its place.
 enum class Layout { block, rows };
 
-// Fills `laid`, which has room for them, with all cells of the grid in the order of the NetCDF file: row after row or column
-// after column, each from the south. By all threads. False where the system refuses, or there is no memory for a piece.
+// Fills `laid`, which has room for them, with all cells of the grid in the order of the NetCDF file: row after row or
+// column after column, each from the south. By all threads. False where the system refuses, or there is no memory for a
+// piece.
 [[nodiscard]] bool layCells(const grid::GetCells& source, Layout layout, const GridHeader& lattice,
                             grid::CellStore& laid);
 
-// As many laid cells as `room` has, from `first` on; in `room` where they must be fetched. None where the system refuses.
+// As many laid cells as `room` has, from `first` on; in `room` where they must be fetched. None where the system
+// refuses.
 std::optional<std::span<const float>> cellsOf(const grid::CellStore& laid, std::size_t first, std::span<float> room);
 
-// Kernel. Rows of `columns` cells, the north one first, into columns from the south: each begins `apart` cells after the one
-// before.
+// Kernel. Rows of `columns` cells, the north one first, into columns from the south: each begins `apart` cells after
+// the one before.
 void turnCells(std::span<const float> rows, std::size_t columns, float* target, std::size_t apart);
 
 } // namespace gridforge::netcdf

@@ -84,8 +84,8 @@ int definePacked(const NcOptions& options, int file, const NetcdfVariable& varia
     return id;
 }
 
-// A chunk is as high as thousands of rows, and the library's own cache may hold but one: each band of rows would have to
-// unpack and pack all chunks along it anew. So the cache is given room for a row of chunks.
+// A chunk is as high as thousands of rows, and the library's own cache may hold but one: each band of rows would have
+// to unpack and pack all chunks along it anew. So the cache is given room for a row of chunks.
 void cacheChunksOfRow(int file, int variable, std::size_t columns, std::string_view call)
 {
     std::array<std::size_t, 3> chunk{1, 1, 1};
@@ -139,7 +139,8 @@ void defineSeries(const NcOptions& options, const GridHeader& header, SeriesFile
     say("   Finished defining variables.");
 }
 
-// The far edges of the cells, not their centres, and one size for both axes; deliberate, readers know the file so.
+// The far edges of the cells, not their centres, and one size for both axes: on purpose, since readers expect the file
+// so.
 std::vector<double> farEdges(double corner, double cellsize, std::int32_t count)
 {
     std::vector<double> edges(static_cast<std::size_t>(count));

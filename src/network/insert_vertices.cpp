@@ -35,7 +35,7 @@ void addPoint(double x, double y, NbcSection& section)
     section.pointY.push_back(y);
 }
 
-// Both ends of each segment are points, so an inner vertex stands twice. Deliberate: the chainage takes a step of no
+// Both ends of each segment are points, so an inner vertex stands twice. On purpose: the chainage takes a step of no
 // length there, as readers of the tables know it.
 void insertPoints(NbcSection& section, float spacing)
 {

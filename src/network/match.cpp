@@ -150,8 +150,8 @@ bool mayBeNear(const Box& a, const Box& b)
            b.ymin - a.ymax <= kSnapDistance;
 }
 
-// The first branch vertex, and then the first section vertex, that are near each other. The first vertex of a section is
-// never tried: sections start off the branch, and results rest on it.
+// The first branch vertex, and then the first section vertex, that are near each other. The first vertex of a section
+// is never tried: sections start off the branch, and results rest on it.
 std::optional<Meeting> findSnap(const NbcBranch& branch, const SearchedBranch& searched, const NbcSection& section,
                                 const SearchedSection& wanted)
 {
@@ -206,7 +206,7 @@ private:
 };
 
 // Branch segment i from 0 against the section's segments. The first that it does not cross ends the search: a section
-// crosses by its first segment, unless that runs along the branch. Deliberate, sections are drawn for it.
+// crosses by its first segment, unless that runs along the branch. On purpose: users draw sections so.
 std::optional<Meeting> crossingOf(const NbcBranch& branch, std::size_t i, const NbcSection& section)
 {
     const double x1 = branch.x[i];

@@ -64,7 +64,7 @@ bool parseCutLine(const std::string& dataLine, NbcSection& section)
                       values.take(split, kFlagTextWidth) && values.take(extract, kFlagTextWidth) &&
                       values.take(section.extractionMethod, kMethodWidth) &&
                       values.take(section.bufferMethod, kMethodWidth) && values.take(section.bufferDistance);
-    // Only the single letters count: "False" stays true. Deliberate, layers of old hold such words.
+    // Only the single letters count: "False" stays true. On purpose: old layers hold such words.
     section.split = !isOneOf(split, "N", "F");
     section.extract = !isOneOf(extract, "N", "F");
     return good;

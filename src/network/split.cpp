@@ -31,9 +31,9 @@ float listedChainage(const NbcBranch& branch, std::int32_t place)
 }
 
 // With one or two sections a branch is split where one of them lies inside. It is the list's entry at the place of the
-// section's vertex number that is looked at, not the section's own, and past the list that is 0, the branch's start. So a
-// branch with one section in its middle stays whole unless the numbers happen to agree. Deliberate: networks of old
-// models rest on it.
+// section's vertex number that is looked at, not the section's own, and past the list that is 0, the branch's start. So
+// a branch with one section in its middle stays whole unless the numbers happen to agree. On purpose: networks of
+// earlier models rest on it.
 bool isSplit(const NbcBranch& branch)
 {
     constexpr std::size_t kFew = 2;
@@ -120,7 +120,7 @@ void splitBranch(NbcBranch& branch, NbcLines& lines)
         id = idAfter(branch, section.chainage);
     }
     // A place in the list set against a number of vertices: a branch whose last section happens to be listed at that
-    // place loses its end. Deliberate, as above.
+    // place loses its end. On purpose, as above.
     if (static_cast<std::int32_t>(place + 1) != last) {
         lines.push_back(lineOf(branch, id, start, last));
     }

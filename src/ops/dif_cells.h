@@ -11,12 +11,12 @@ struct DifGrid {
     float null = 0;
 };
 
-// What the wet/dry grid tells of cells that are active in one grid only.
+// What the wet/dry grid says of cells that are active in one grid only.
 inline constexpr float kOnlyFirstActive = 99.0F;
 inline constexpr float kOnlySecondActive = -99.0F;
 
 // All spans are of one length, and every cell of the results is assigned, with the first grid's null where
-// there is nothing to tell.
+// there is nothing to say.
 
 // First less second where both are active.
 void subtractActive(const DifGrid& first, const DifGrid& second, std::span<float> difference);

@@ -25,7 +25,7 @@ void runFloodExtent(const run::Common& common, const run::InputFileList& inputs)
 
     const std::string base = run::outputNameRule(common, inputs[1], "_extent");
     const grid::Format format = run::outputFormatRule(common, loaded.format);
-    // The words of the transform; deliberate.
+    // The words of the transform, on purpose: scripts look for them.
     say("Writing transformed values to: ", base);
     story.write(0, format, base, loaded.header, loaded.projectionText, common.decimals);
 }

@@ -6,7 +6,8 @@
 
 namespace gridforge::ops {
 
-// All with the first grid's null, which counts for every grid; deliberate. `counts` starts at null.
+// All with the first grid's null, which counts for every grid, on purpose: earlier results have it so. `counts` starts
+// at null.
 
 // One more for each cell that is not null; a count that is null becomes 1.
 void countActiveCells(std::span<const float> cells, float null, std::span<float> counts);

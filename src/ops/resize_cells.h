@@ -25,7 +25,7 @@ struct Tiling {
 // may stand past the grid or short of its edge.
 Tiling tilingOf(std::int32_t nrows, std::int32_t ncols, std::int32_t factor);
 
-// A tile that holds no value below this is null for the minimum; deliberate, also for values above it.
+// A tile that holds no value below this is null for the minimum, on purpose: also one of values above it.
 inline constexpr float kMinimumStart = 100000.0F;
 
 // Rows of a grid, numbered from 1 in the south; none where `first` is above `last`.
@@ -48,9 +48,9 @@ struct RowSource {
     std::int32_t atOnce = 1;
 };
 
-// These rows of tiles in the order of the files, the north row first. Cells equal to `null` do not count. The average sums in
-// double, row by row from the south. The maximum starts at null, so a null above the data stands. False where cells cannot be
-// had.
+// These rows of tiles in the order of the files, the north row first. Cells equal to `null` do not count. The average
+// sums in double, row by row from the south. The maximum starts at null, so a null above the data stands. False where
+// cells cannot be had.
 [[nodiscard]] bool averageTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
                                 std::span<float> output);
 [[nodiscard]] bool minimumTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,

@@ -50,9 +50,9 @@ void overStretches(CellStack grids, Work work)
 
 // Steps over the cells of one grid, or of a pair
 // ---------------------------------------------------------------------------------------------------------------------
-// They are told that nothing overlaps, and are kept from being inlined where that would be forgotten: a loop that checks for
-// it at run time goes cell by cell more often than not. Cells are loaded before it is known whether they are wanted, as the
-// loops would not vectorise otherwise.
+// They are told that nothing overlaps, and are kept from being inlined where that would be forgotten: a loop that
+// checks for it at run time goes cell by cell more often than not. Cells are loaded before it is known whether they are
+// wanted, as the loops would not vectorise otherwise.
 
 template <typename Worse>
 [[gnu::noinline]] void takeBetter(const float* __restrict cells, std::size_t count, float null, float source,
@@ -86,7 +86,8 @@ template <typename Worse>
     }
 }
 
-// Each cell of the second grid is taken to stand before that of the first, an earlier grid, until that is seen not to hold.
+// Each cell of the second grid is taken to stand before that of the first, an earlier grid, until that is seen not to
+// hold.
 [[gnu::noinline]] void orderPair(const float* __restrict a, const float* __restrict b, std::size_t count,
                                  std::int32_t* __restrict beforeA, std::int32_t* __restrict beforeB)
 {
@@ -139,7 +140,7 @@ template <typename Worse>
 // Steps over a stretch of all grids
 // ---------------------------------------------------------------------------------------------------------------------
 
-// The best of the values above null, and its first source; kNoSource where there is none. What is kept starts as no number,
+// The best of the values above null, and its first source; kNoSource if none is. What is kept starts as no number,
 // which no value fails against.
 template <typename Worse>
 void findBest(CellStack grids, float null, Numbers& best, Numbers& sources, Worse worse)
@@ -172,7 +173,7 @@ void countWet(CellStack grids, float limit, Flags& wet)
     }
 }
 
-// Does any cell hold what only the plain sort can tell the place of: not a number, or as large as its mark?
+// Does any cell hold what only the plain sort can find the place of: not a number, or as large as its mark?
 bool needsPlainSort(CellStack grids)
 {
     std::int32_t odd = 0;
@@ -230,7 +231,7 @@ void pickRank(CellStack grids, std::span<const Flags> before, const Flags& wet, 
     writeWhere(count, wet.data(), null, sources.data(), result.sources.data() + from);
 }
 
-// The grid behind each place is looked up cell by cell, which costs less than pickRank from three ranks on.
+// The grid that each place came from is looked up cell by cell, which costs less than pickRank from three ranks on.
 void pickRanks(CellStack grids, std::span<const Flags> before, const Flags& wet, float null,
                std::span<const RankResult> results, std::size_t from)
 {

@@ -14,7 +14,7 @@ inline constexpr std::int32_t kMaxStatGrids = 10;
 using CellStack = std::span<const std::span<const float>>;
 
 // A dry cell in any grid blanks the minimum and the mean, unlike the maximum and the ranks, which only cells that are
-// dry in all grids blank; deliberate. Blank cells are null in both results.
+// dry in all grids blank: on purpose, since earlier results have it so. Blank cells are null in both results.
 
 void findMinimum(CellStack grids, float null, std::span<float> values, std::span<float> sources);
 void findMaximum(CellStack grids, float null, std::span<float> values, std::span<float> sources);
@@ -33,7 +33,7 @@ struct RankResult {
 // Nulls take part in the order by their number, and equal values keep list order.
 void findRanks(CellStack grids, float null, std::span<const RankResult> results);
 
-// The values of one cell in ascending order and the number of the grid behind each.
+// The values of one cell in ascending order and the number of the grid that each came from.
 struct SortedCell {
     std::array<float, kMaxStatGrids> values{};
     std::array<std::int32_t, kMaxStatGrids> sources{};

@@ -10,7 +10,8 @@
 namespace gridforge::ops {
 
 // Announces input 3 as the output name and takes it off the list. The name keeps its extension, so the written file has
-// it twice ("c.asc.asc"); deliberate, as is that the file must exist to have come through the expansion.
+// it twice ("c.asc.asc"), and the file must exist to have come through the expansion: on purpose, since scripts expect
+// both.
 void takeThirdAsOutput(run::Common& common, run::InputFileList& inputs);
 
 // The output name given, announced, or else `ruled`.

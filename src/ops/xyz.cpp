@@ -148,7 +148,7 @@ Grid allocateCells(const GridHeader& header)
     return cells;
 }
 
-// Points that are no farther apart than this tell nothing of the spacing.
+// Points that are no farther apart than this say nothing of the spacing.
 constexpr float kNoSeparation = 0.5F;
 
 std::string outputName(const run::Common& common, const std::string& input)

@@ -30,7 +30,7 @@ PointExtents findExtents(std::span<const double> x, std::span<const double> y, f
 namespace {
 
 // Never more than that of the upper right point, for which the grid has been made. A ratio that comes just below a
-// whole number is cut down to the number before: deliberate, outputs rely on it.
+// whole number is cut down to the number before: on purpose, since users compare with earlier grids.
 std::int32_t spacings(double distance, double spacing)
 {
     const double ratio = distance / spacing;

@@ -1,4 +1,4 @@
-// Points out of the lines of an .xyz file: x, y and z free-form, whatever stands behind them on the line. No input or
+// Points out of the lines of an .xyz file: x, y and z free-form, whatever follows them on the line. No input or
 // output here.
 #pragma once
 
@@ -18,8 +18,8 @@ struct PlainPoints {
 };
 
 // Takes lines from the head of `window`, a group of kPointGroup after the other, for as long as they are short and hold
-// plain decimals: the points are those of parsePoint. Stops at the first group that is not, or does not lie in the window as a
-// whole, or no longer has room in the targets, which are of one size. What follows goes to parsePoint.
+// plain decimals: the points are those of parsePoint. Stops at the first group that is not, or does not lie in the
+// window as a whole, or no longer has room in the targets, which are of one size. What follows goes to parsePoint.
 PlainPoints parsePlainPoints(std::string_view window, std::span<double> x, std::span<double> y, std::span<float> z);
 
 inline constexpr std::size_t kPointGroup = 4;

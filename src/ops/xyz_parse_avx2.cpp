@@ -33,7 +33,7 @@ GRIDFORGE_AVX2 inline std::size_t findLine(const char* line, PointGroup& group, 
     const std::uint64_t inLine = ~bits.lineEnds & (bits.lineEnds - 1); // all ones where there is no line end
     const std::uint64_t values = bits.values & inLine;
     const std::uint64_t behindValue = values << 1;
-    // A comma counts as a separator where it stands right behind a value; a return where the line ends right behind it.
+    // A comma counts as a separator where it stands right after a value; a return where the line ends right after it.
     const std::uint64_t odd = (bits.commas & ~behindValue) | (bits.returns & ~(bits.lineEnds >> 1));
     std::uint64_t starts = values & ~behindValue;
     std::uint64_t ends = ~values & behindValue;

@@ -99,7 +99,7 @@ void rf_read_hyetograph(const std::string& fileName, RfHyetographs& hyetographs)
 void requireSameTimes(const RfHyetographs& hyetographs)
 {
     say("Checking rainfall hyetographs have consistent times.");
-    // A single hyetograph is refused like none; deliberate, control files repeat their one gauge.
+    // A single hyetograph is refused like none, on purpose: control files repeat their one gauge.
     if (hyetographs.count() <= 1) {
         fail("ERROR - No rainfall hyetogrpahs specified.");
     }

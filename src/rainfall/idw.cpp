@@ -64,7 +64,8 @@ void weighAll(const GridHeader& grid, const RfPoints& points, RfIdwTables& table
         const std::span<double> sums = tables.weightSum.row(row);
         for (std::int32_t p = 0; p < method.listLength; ++p) {
             // Where hyetographs outnumber the points, records that no layer has filled enter at the origin of the
-            // coordinates: they count in the sum of the weights, though never in the rain. Deliberate.
+            // coordinates: they count in the sum of the weights, though never in the rain. On purpose: earlier results
+            // have it so.
             const bool isPoint = p < tables.points;
             const RfPoint point = isPoint ? points.records[static_cast<std::size_t>(p)] : RfPoint();
             const std::span<float> weights =
@@ -133,8 +134,8 @@ public:
         if (isPlain_) {
             return;
         }
-        // Whoever is nearer to the centre than the K-th point is within `reach` more of each cell; whoever is further by
-        // twice that cannot be among a cell's K. The margin covers the roundings to single precision.
+        // Whoever is nearer to the centre than the K-th point is within `reach` more of each cell; whoever is further
+        // by twice that cannot be among a cell's K. The margin covers the roundings to single precision.
         constexpr double kMargin = 1e-5;
         sorted_ = away_;
         const auto last = sorted_.begin() + (listLength - 1);

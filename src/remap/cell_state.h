@@ -16,7 +16,7 @@ enum class CellState : std::int8_t {
 using CellStates = CellArray<CellState>;
 
 // The state of all cells at the start is the null value as an integer. So with a null of 1 every cell starts wet, and
-// with one of -1 none can become wet by growth: deliberate, and results depend on it.
+// with one of -1 none can become wet by growth: on purpose, since results depend on it.
 inline CellState startState(float null)
 {
     switch (truncateToInt(static_cast<double>(null))) {

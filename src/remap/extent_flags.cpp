@@ -38,8 +38,9 @@ std::vector<std::int32_t> columnReach(float dx, float buffer, std::int32_t nrows
     return reaches;
 }
 
-// One sweep over the rows, northwards or southwards. A column's last wet cell behind the sweep covers a stretch of the
-// row, so the flags of a row are the union of one stretch a column: work on n cells is n, whatever the buffer.
+// One sweep over the rows, northwards or southwards. A column's last wet cell that the sweep has passed covers a
+// stretch of the row, so the flags of a row are the union of one stretch a column: work on n cells is n, whatever the
+// buffer.
 void sweepReach(const CellFlags& wetFlags, const std::vector<std::int32_t>& reaches, bool northwards,
                 CellFlags& extentFlags)
 {

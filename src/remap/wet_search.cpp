@@ -1,6 +1,6 @@
-// Deliberate in this search, and part of the results: the corner cells of a ring lie on two of its sides and are listed
-// twice; the outermost rows and columns are never the side of a ring, so cells there are found in the first window or
-// at the end of a side; of cells at one distance the earliest listed is nearest.
+// On purpose in this search, since earlier results have it so: the corner cells of a ring lie on two of its sides and
+// are listed twice; the outermost rows and columns are never the side of a ring, so cells there are found in the first
+// window or at the end of a side; of cells at one distance the earliest listed is nearest.
 #include "remap/wet_search.h"
 
 #include "core/computed.h"
@@ -160,7 +160,7 @@ std::span<const ListedCell> pickNearest(ListedCells& listed, std::size_t points)
     return picks;
 }
 
-// Passes of the distance to the nearest wet cell: from the cell's neighbours behind the pass.
+// Passes of the distance to the nearest wet cell: from the cell's neighbours that the pass has left.
 void relax(CellArray<std::int32_t>& reach, std::int32_t row, std::int32_t column, std::int32_t behind)
 {
     std::int32_t least = reach(row, column);

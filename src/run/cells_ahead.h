@@ -1,7 +1,7 @@
-// The fast way of cells through a run. The console tells a run as if each grid were read whole, worked on whole and written
-// whole. Where all inputs are ordinary, what the run will write is computed before that story is told, from pieces of rows of
-// all inputs at a time and by all threads; the story then finds it ready. Anything odd, and the run goes step by step, which
-// does the talking.
+// The fast way of cells through a run. The console tells a run as if each grid were read whole, worked on whole and
+// written whole. Where all inputs are ordinary, what the run will write is computed before that story is told, from
+// pieces of rows of all inputs at a time and by all threads; the story then finds it ready. Anything odd, and the run
+// goes step by step, which does the talking.
 #pragma once
 
 #include "grid/cell_store.h"
@@ -25,12 +25,12 @@ enum class Way { ahead, oddInput, otherLattice, oddText, textGrid, wideWindows, 
 std::size_t waysGone(Way way);
 void countWay(Way way);
 
-// Inputs of one lattice, as a silent look found them. None where one is out of the ordinary or of another lattice, or what
-// else the run needs is not `ordinary`.
+// Inputs of one lattice, as a silent look found them. None where one is out of the ordinary or of another lattice, or
+// what else the run needs is not `ordinary`.
 std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs, bool ordinary = true);
 
-// The cells of an input by position: those of a binary grid in its file, those of a text decoded to wait, where there is no
-// room in `folder`. Ahead where they are there.
+// The cells of an input by position: those of a binary grid in its file, those of a text decoded to wait, where there
+// is no room in `folder`. Ahead where they are there.
 Way openCells(const grid::GridLook& look, const std::string& folder, grid::CellStore& cells);
 
 // Where the computed grids will be written, most likely. Another place or format costs only time.
@@ -43,7 +43,7 @@ struct OutputWish {
 // By the options, and by the input that names and format are taken from where these say nothing.
 OutputWish outputWish(const Common& common, std::string_view namedAfter, grid::Format format, std::size_t grids);
 
-// Room for the cells of one. False where there is none.
+// Room for the cells of one. False if it cannot be had.
 [[nodiscard]] bool takeOutput(grid::CellStore& output, std::size_t cells, const OutputWish& wish);
 
 // A stretch of cells in the order of the files. A kernel is called for several at once.
@@ -59,8 +59,8 @@ using InputPieces = std::span<const std::span<const float>>;
 using OutputPieces = std::span<const std::span<float>>;
 // Cells of each input into those of each output.
 using MapKernel = std::function<void(const CellPiece& piece, InputPieces inputs, OutputPieces outputs)>;
-// Takes one input after the other: cells of input `index`, from 0, into outputs that hold what the call before left there,
-// or anything before the first.
+// Takes one input after the other: cells of input `index`, from 0, into outputs that hold what the call before left
+// there, or anything before the first.
 using FoldKernel =
     std::function<void(const CellPiece& piece, std::size_t index, std::span<const float> input, OutputPieces outputs)>;
 

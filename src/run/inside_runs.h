@@ -13,19 +13,19 @@
 
 namespace gridforge::run {
 
-// A region of one ring in the layout of gis::Coordinates: the closing vertex and, behind it, the second one again.
+// A region of one ring in the layout of gis::Coordinates: the closing vertex and, after it, the second one again.
 struct SampledRegion {
     std::vector<double> x;
     std::vector<double> y;
     Box box;
 };
 
-// The region as read. Its bounds are sought from `farthest` down and from its negative up, and stay there for a polygon of
-// a Shapefile that has no vertices at all.
+// The region as read. Its bounds are sought from `farthest` down and from its negative up, and stay there for a polygon
+// of a Shapefile that has no vertices at all.
 SampledRegion sampledRegion(const gis::Coordinates& read, double farthest = kBoundless);
 
-// From the cell whose north-east corner lies at or before the lower bounds to the cell past the upper ones. It may reach
-// over the grid, and beside it.
+// From the cell whose north-east corner lies at or before the lower bounds to the cell past the upper ones. It may
+// reach over the grid, and beside it.
 CellWindow regionWindow(const SampledRegion& region, const GridHeader& header);
 
 // Where a cell is seen.
@@ -47,8 +47,8 @@ void prepareWalk(const SampledRegion& region, InsideWalk& walk);
 void placeColumns(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk);
 void walkRow(const GridHeader& header, std::int32_t row, CellPlace place, InsideWalk& walk);
 
-// Calls take(row, first column, columns) for each run of cells inside: rows from the south, runs from the west. The window
-// lies within the grid.
+// Calls take(row, first column, columns) for each run of cells inside: rows from the south, runs from the west. The
+// window lies within the grid.
 template <typename Take>
 void forEachInsideRun(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk,
                       const Take& take)

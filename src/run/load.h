@@ -21,7 +21,7 @@ struct LoadSteps {
     std::function<void(const GridHeader&)> prepare = nullptr; // what else comes before the cells
     std::string reading = {};                                 // before the cells are read
     std::string done = {};                                    // after
-    bool ahead = false; // the cells are not wanted any more: they get no memory, and are passed over
+    bool ahead = false; // the cells are not wanted any more: they get no memory, and are skipped
 };
 
 // What its files say of a grid besides its cells.
@@ -34,8 +34,8 @@ struct LoadedGrid {
 LoadedGrid loadGrid(const std::string& name, const LoadSteps& steps, Grid& cells);
 
 // Loads the inputs one after the other into `cells`, each announced as "Processing: " and its name, and gives each to
-// `use` with its number. The array is made for the first, and `prepare` called, before that is announced; the others must
-// match it. Returns the first with the projection of the last, as outputs are written.
+// `use` with its number. The array is made for the first, and `prepare` called, before that is announced; the others
+// must match it. Returns the first with the projection of the last, as outputs are written.
 LoadedGrid loadEach(const InputFileList& inputs, const std::string& purpose,
                     const std::function<void(const GridHeader&)>& prepare, Grid& cells,
                     const std::function<void(std::int32_t, const GridHeader&)>& use, bool ahead = false);

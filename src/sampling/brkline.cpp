@@ -80,7 +80,7 @@ std::string circleRecord(const GroundLevel& level, const std::string& options)
     return join(real(level.value, kReal), ",", integerField(level.count, kInteger), ",", quotedValue(options));
 }
 
-// --- BreaklineLayers ---------------------------------------------------------------------------------------------------------
+// --- Outputs ---------------------------------------------------------------------------------------------------------
 
 struct BreaklineLayers {
     gis::LayerWriter result;
@@ -203,7 +203,7 @@ void writeBreakline(const Breakline& breakline, float null, LevelSampler& sample
                           .record = resultRecord(level.value, 0, breakline.options)});
         }
     }
-    // 99999 on the line tells the model that the elevations come from the points along it.
+    // 99999 on the line says to the model that the elevations come from the points along it.
     result.write({.kind = gis::Kind::polyline,
                   .x = breakline.line.x,
                   .y = breakline.line.y,

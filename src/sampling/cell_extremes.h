@@ -20,7 +20,7 @@ struct FoundExtremes {
 };
 
 // Remembers the extremes of tiles of cells. A tile is looked through when a search reaches it for the first time; later
-// ones cost the tiles of their window and the rows that may hold something lower or higher than what the tiles tell.
+// ones cost the tiles of their window and the rows that may hold something lower or higher than what the tiles show.
 class ExtremeSearch {
 public:
     // The header and the cells must stay.
@@ -29,9 +29,9 @@ public:
     {
     }
 
-    // Of the cells that nearestCell looks at the first of the lowest and the first of the highest, by rows from the south,
-    // each from the west; cells of 99999 or more are no lowest, those of -99999 or less no highest ones. The window must
-    // lie within the grid, and in the cells.
+    // Of the cells that nearestCell looks at the first of the lowest and the first of the highest, by rows from the
+    // south, each from the west; cells of 99999 or more are no lowest, those of -99999 or less no highest ones. The
+    // window must lie within the grid, and in the cells.
     FoundExtremes find(const CellSearch& search);
 
 private:

@@ -21,7 +21,7 @@ float cornerDistance(const CellSearch& search, double cornerX, double cornerY)
     return DISTANCE_8(search.x, search.y, cornerX, cornerY);
 }
 
-// The first index from `first` to `last` whose place is not below `target`, `last` + 1 where there is none. Places do not
+// The first index from `first` to `last` whose place is not below `target`, `last` + 1 for none. Places do not
 // fall.
 template <typename Place>
 std::int32_t firstNotBelow(std::int32_t first, std::int32_t last, double target, Place place)

@@ -53,7 +53,7 @@ public:
     }
 
     std::int64_t count() const { return count_; }
-    // The row and column of the extreme; 0 where there is none.
+    // The row and column of the extreme; 0 for none.
     std::int32_t row() const { return row_; }
     std::int32_t column() const { return column_; }
 
