@@ -24,7 +24,7 @@ class WrongUse(Exception):
 
 @dataclass(frozen=True)
 class Argument:
-    """An argument and its role: flag, value (of the flag before it, which `flag` is then) or input."""
+    """An argument and its role: flag, value (of the flag before it, which `flag` is then), input or output."""
     text: str
     role: str
     flag: Optional[Flag] = None
@@ -72,13 +72,37 @@ def scan(arguments: Iterable[Name], description: Description, folder: Path) -> l
             pending = flag if flag is not None and flag.takes_next else None
         else:
             scanned.append(Argument(argument, "input"))
-    return scanned
+    return _with_output(scanned, description, look)
 
 
 def operation_of(scanned: Iterable[Argument], description: Description) -> Optional[Operation]:
     """The operation that the flags ask for; none if they ask for nothing."""
     given = {argument.flag.flag for argument in scanned if argument.role == "flag" and argument.flag is not None}
     return next((row for row in description.operations if any(flag.flag in given for flag in row.flags)), None)
+
+
+def _expanded(scanned: Iterable[Argument], look: Look) -> list[tuple[int, str]]:
+    """All names that stand by themselves, wildcards replaced by what they match, each with the place of its argument."""
+    return [(at, name) for at, argument in enumerate(scanned) if argument.role in ("input", "output")
+            for name in look.found(argument.text) or [argument.text]]
+
+
+def _beyond_inputs(scanned: Iterable[Argument], operation: Optional[Operation], look: Look) -> list[tuple[int, str]]:
+    """The names after the last input of an operation that takes the name of its output there."""
+    if operation is None or not operation.inputs.then_output_name:
+        return []
+    return _expanded(scanned, look)[operation.inputs.most:]
+
+
+def _with_output(scanned: list[Argument], description: Description, look: Look) -> list[Argument]:
+    """A wildcard stays an input, as it may match inputs and the output."""
+    places = {at for at, name in _beyond_inputs(scanned, operation_of(scanned, description), look) if name == scanned[at].text}
+    return [replace(argument, role="output") if at in places else argument for at, argument in enumerate(scanned)]
+
+
+def output_names(scanned: list[Argument], operation: Optional[Operation], look: Look) -> list[str]:
+    """The names that the main output may get by standing after the inputs: what a wildcard matches, and the wildcard itself."""
+    return [text for at, name in _beyond_inputs(scanned, operation, look) for text in (name, scanned[at].text)]
 
 
 def value_of(scanned: Iterable[Argument], flag: str) -> Optional[str]:
@@ -106,7 +130,7 @@ def _handed_over(argument: Argument, folder: Path) -> Argument:
     if argument.role == "flag":
         return argument
     text = argument.text
-    if argument.role == "input" or (argument.flag is not None and argument.flag.kind != "choice"):
+    if argument.role in ("input", "output") or (argument.flag is not None and argument.flag.kind != "choice"):
         text = relative_name(text, folder)
     if text[:1] in (" ", "\t", EN_DASH):
         text = os.path.join(".", text)

@@ -12,7 +12,7 @@ from pathlib import Path
 from types import FrameType
 from typing import IO, Optional, Sequence, TextIO
 
-from .arguments import ODD_FLAGS, WrongUse
+from .arguments import ODD_FLAGS, Argument, WrongUse
 from .description import DescriptionError
 from .display import ProgressDisplay
 from .families import Look
@@ -42,6 +42,7 @@ Exit status: 0 the run finished, 1 it ended in a message, 2 wrong use, 3 it did 
 """
 
 _SWITCHES = ("--stage", "--overwrite", "--keep", "--quiet", "--progress", "--dry-run", "--version", "--help")
+OUTPUT_MUST_EXIST = ("cd", "multiply")  # operations that take the name of an output only if a file has it
 _WITH_VALUE = ("--timeout", "--json", "--log")
 
 
@@ -133,6 +134,14 @@ def _tell(record: Record) -> None:
         _say(_counted(len(record.warnings), "warning"))
 
 
+def _show_output(p: Plan, argument: Argument) -> bool:
+    """An output that is named after the inputs. False where the tool wants a file of that name and finds none."""
+    needed = p.operation is not None and p.operation.name in OUTPUT_MUST_EXIST
+    missing = needed and not os.path.lexists(p.folder / argument.text)
+    _say(f"{'missing' if missing else 'output'} {argument.text}")
+    return not missing
+
+
 def _show_plan(p: Plan, options: Options) -> int:
     """The command and what is found of its inputs."""
     _say(shlex.join([str(p.tool), *p.command]))
@@ -146,6 +155,9 @@ def _show_plan(p: Plan, options: Options) -> int:
         if not found:
             missing = True
             _say(f"missing {name}")
+    for argument in p.scanned:
+        if argument.role == "output" and not _show_output(p, argument):
+            missing = True
     if p.operation is None:
         return NOTHING
     return FAILED if missing else FINISHED

@@ -5,7 +5,7 @@ import os
 import re
 from typing import Optional
 
-from .arguments import Argument, value_of
+from .arguments import Argument, output_names, value_of
 from .description import Operation, OutputRule
 from .families import Look, family_of
 
@@ -23,12 +23,19 @@ def _stem(name: str) -> str:
     return family_of(os.path.normpath(name.replace("\\", "/")))[0]
 
 
+def _named_output(name: str) -> str:
+    """The extension of a format is replaced or, by some operations, followed by that of the output."""
+    name = os.path.normpath(name.replace("\\", "/"))
+    stem, extension = family_of(name)
+    return re.escape(stem) + f"({re.escape(name[len(stem):])})?" if extension in _OUT_FORMATS else re.escape(name)
+
+
 class OutputNames:
     """Answers whether a run may write under a name. In doubt it may."""
 
     def __init__(self, operation: Optional[Operation], scanned: list[Argument], look: Look):
         self._inputs = [os.path.normpath(name) for argument in scanned if argument.is_read for name in look.matching(argument.text)]
-        self._out = value_of(scanned, "-out")
+        self._outs = [*output_names(scanned, operation, look), *filter(None, [value_of(scanned, "-out")])]
         self._formats = {a.flag.flag for a in scanned if a.role == "flag" and a.flag is not None} & {"-asc", "-flt"}
         rules = operation.outputs if operation is not None else ()
         self._rules = [rule for rule in rules if not self._is_conversion(rule)]
@@ -37,7 +44,7 @@ class OutputNames:
 
     def _is_conversion(self, rule: OutputRule) -> bool:
         """Each input in the other format, beside it."""
-        return rule.name == "{input}" and self._out is None
+        return rule.name == "{input}" and not self._outs
 
     @property
     def anywhere(self) -> bool:
@@ -45,15 +52,14 @@ class OutputNames:
         return any(rule.name == "{table}" or "control file says" in (rule.note or "") for rule in self._rules)
 
     def _word(self, word: str) -> str:
-        if word == "out" and self._out is not None:
-            stem, extension = family_of(os.path.normpath(self._out.replace("\\", "/")))
-            return re.escape(stem if extension in _OUT_FORMATS else stem + extension)
+        if word == "out" and self._outs:
+            return "(" + "|".join(map(_named_output, self._outs)) + ")"
         if word == "input":
             return "(" + "|".join({re.escape(os.path.basename(_stem(name))) for name in self._inputs}) + ")"
         return ".*"
 
     def _expression(self, rule: OutputRule) -> str:
-        template = rule.out_name if self._out is not None and rule.out_name is not None else rule.name
+        template = rule.out_name if self._outs and rule.out_name is not None else rule.name
         pieces = _WORD.split(template)  # text and words by turns
         parts = [self._word(piece) if at % 2 else re.escape(piece) for at, piece in enumerate(pieces)]
         anywhere = "(.*/)?" if pieces[0] or len(pieces) == 1 or pieces[1] != "out" else ""

@@ -9,7 +9,7 @@ from dataclasses import dataclass, field
 from pathlib import Path
 from typing import Iterable, Iterator, Optional
 
-from .arguments import Argument, input_patterns, value_of
+from .arguments import Argument, input_patterns, output_names, value_of
 from .description import Operation
 from .families import PROJECTION, Look, family_of, split_name
 from .moving import Move, move_all
@@ -52,10 +52,9 @@ def _nearest_folder(path: Path) -> Path:
     return path
 
 
-def _target_folder(folder: Path, scanned: Iterable[Argument]) -> Path:
-    """Where the main output goes: to the folder of -out, else to that of the first name."""
-    arguments = list(scanned)
-    names = [value_of(arguments, "-out"), *(argument.text for argument in arguments if argument.is_read)]
+def _target_folder(folder: Path, scanned: list[Argument], operation: Optional[Operation]) -> Path:
+    """Where the main output goes: to the folder of its name, else to that of the first input."""
+    names = [*output_names(scanned, operation, Look(folder)), value_of(scanned, "-out"), *input_patterns(scanned)]
     first = next((name for name in names if name), "")
     return _nearest_folder(Path(os.path.realpath(folder / split_name(first)[0])))
 
@@ -115,6 +114,14 @@ class Stage:
         else:
             _link(source, place)
 
+    def add_stand_in(self, name: str) -> None:
+        """An empty file for one that is to be there before the run writes beside it or over it."""
+        place = self._named(name)
+        if not os.path.lexists(place) and (self.real / name).is_file():
+            self._make_folder(place.parent)
+            place.touch()
+            self._copied[place] = _State.of(place)
+
     def add_folder_of(self, name: str) -> None:
         self._make_folder(self._named(name).parent)
 
@@ -172,8 +179,10 @@ def _add_all(stage: Stage, scanned: list[Argument], operation: Optional[Operatio
             if here is not None:
                 stage.add(here)
     for argument in scanned:
-        if argument.role == "value":
+        if argument.role in ("value", "output"):
             stage.add_folder_of(argument.text)
+        if argument.role == "output":
+            stage.add_stand_in(argument.text)
     if written.anywhere:
         for folder in {".", *(split_name(pattern)[0] or "." for pattern in patterns)}:
             stage.add_folders_below(folder)
@@ -181,7 +190,7 @@ def _add_all(stage: Stage, scanned: list[Argument], operation: Optional[Operatio
 
 def set_stage(folder: Path, scanned: list[Argument], operation: Optional[Operation], named: Iterable[str]) -> Stage:
     """For a run with these arguments, and inputs that only control files name. All names are simple ones."""
-    scratch = Path(tempfile.mkdtemp(prefix=PREFIX, dir=_target_folder(folder, scanned)))
+    scratch = Path(tempfile.mkdtemp(prefix=PREFIX, dir=_target_folder(folder, scanned, operation)))
     stage = Stage(folder, scratch)
     try:
         stage.folder.mkdir(parents=True, exist_ok=True)

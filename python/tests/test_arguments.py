@@ -34,6 +34,18 @@ class ArgumentsTest(ScratchTest):
     def test_two_hyphens_where_the_tool_takes_them(self):
         self.assertEqual(self.roles("--change", "--check"), [("flag", "-change"), ("flag", "-check")])
 
+    def test_a_name_after_the_inputs_is_that_of_the_output(self):
+        for arguments, roles in ((["-dif", "a", "b", "d"], ["flag", "input", "input", "output"]),
+                                 (["a", "-multiply", "b", "-asc", "d"], ["input", "flag", "input", "flag", "output"]),
+                                 (["-cd1", "a", "b"], ["flag", "input", "input"]),
+                                 (["-max", "a", "b", "d"], ["flag", "input", "input", "input"])):
+            self.assertEqual([argument.role for argument in self.scan(*arguments)], roles, arguments)
+        self.assertEqual(self.handed("-b", "-dif", "a", "b", self.folder / "d"), ["-b", "-dif", "a", "b", "d"])
+        self.give("x1", "")
+        self.give("x2", "")
+        self.assertEqual(self.roles("-dif", "a", "x?")[1:], [("input", None), ("input", None)])
+        self.assertEqual(self.roles("-dif", "x?", "d")[1:], [("input", None), ("output", None)])
+
     def test_unknown_flag(self):
         self.assertEqual(self.roles("-quick"), [("flag", None)])
 

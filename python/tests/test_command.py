@@ -113,6 +113,22 @@ class CommandTest(ScratchTest):
                             f"{tool} -b c.asc\n" + 2 * f"input c.asc ({size} bytes)\n")
         self.assertEqual(self.files(), ["c.asc", "in put/a.asc", "in put/b.asc"])
 
+    def test_dry_run_of_an_output_named_after_the_inputs(self):
+        self.give_grids("a.asc", "b.asc", "there")
+        size = os.path.getsize("a.asc")
+        found = f"input a.asc ({size} bytes)\ninput b.asc ({size} bytes)\n"
+        tool = os.environ["GRIDFORGE"]
+        for row in gridforge.load_description().operations:
+            if not row.inputs.then_output_name:
+                continue
+            flag = "-cd1" if row.name == "cd" else f"-{row.name}"
+            for third in ("there", "none"):
+                arguments = [flag, "a.asc", "b.asc", third]
+                status = self.command("--stage", "--overwrite", *arguments).returncode
+                self.expect_command(["--dry-run", *arguments], status, f"{tool} -b {' '.join(arguments)}\n{found}"
+                                    f"{'missing' if status else 'output'} {third}\n")
+            Path("none.asc").unlink(missing_ok=True)
+
     def test_stage_told(self):
         self.give_grids("a.asc")
         self.expect_command(["--stage", "--quiet", "-fe", "a.asc"], 0)

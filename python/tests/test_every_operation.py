@@ -62,6 +62,34 @@ class EveryOperationTest(ScratchTest):
                 self.assertTrue(record.inputs and record.outputs, operation.name)
                 self.assertEqual(record.operation, operation.name)
 
+    def test_no_output_goes_over_an_existing_file(self):
+        for row in gridforge.load_description().operations:
+            for more in ([], ["-flt"]) if row.inputs.then_output_name else ([],):
+                inputs = RUNS.inputs_of(row.name, row.inputs.most if more else row.inputs.least)
+                arguments = RUNS.ASKED[row.name].split() + more + inputs
+                self.expect_kept(arguments, RUNS.FILES)
+                if row.inputs.then_output_name:
+                    inputs = RUNS.inputs_of(row.name, row.inputs.most)
+                    self.expect_kept(RUNS.ASKED[row.name].split() + more + inputs + ["third"], {**RUNS.FILES, "third": "mine"})
+
+    def expect_kept(self, arguments, files):
+        """Each output in turn is there already, with the content that an earlier run gave it."""
+        shutil.rmtree(self.folder / "kept", ignore_errors=True)
+        self.begin("kept", files)
+        named = [name for name in files if not name.startswith(".")]
+        first = gridforge.run(arguments, stage=True, named_inputs=named)
+        made = {name: Path(name).read_bytes() for name in first.output_names}
+        for name, content in made.items():
+            self.begin("kept", files)
+            for other in set(made) - {name} - set(files):
+                Path(other).unlink(missing_ok=True)
+            Path(name).write_bytes(content + b" ")
+            with self.assertRaises(gridforge.RunError) as raised:
+                gridforge.run(arguments, stage=True, named_inputs=named)
+            self.assertEqual(str(raised.exception), f"A file is there already, so no output was moved to its place: {name}", arguments)
+            self.assertEqual(Path(name).read_bytes(), content + b" ", name)
+            self.assertEqual(set(self.files("kept")), {*files, name}, arguments)
+
     def test_shapefiles(self):
         if shutil.which("ogr2ogr") is None:
             self.skipTest("needs ogr2ogr")

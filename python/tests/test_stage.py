@@ -1,5 +1,6 @@
 """Runs in a scratch folder: what is linked, what is moved, and what is left where something goes wrong."""
 import os
+import shutil
 import threading
 import unittest
 from pathlib import Path
@@ -69,6 +70,55 @@ class StageTest(ScratchTest):
         self.assertEqual(self.files(), ["a.asc", "m.flt", "m.hdr"])
         self.assertEqual((self.folder / "m.flt").stat().st_size, 8)
 
+    def test_an_output_named_after_the_inputs(self):
+        for mine in (["d.asc"], ["d.flt", "d.hdr"], ["d_wd.asc"], ["d.asc", "d_wd.asc"]):
+            shutil.rmtree(self.folder / "in", ignore_errors=True)
+            self.give_grids("in/a.asc", "in/b.asc")
+            for name in mine:
+                self.give("in/" + name, "mine")
+            third = "in/d.flt" if "d.flt" in mine else "in/d.asc"
+            there = "in/" + ("d.hdr" if "d.flt" in mine else mine[0])
+            self.assertEqual(self.failed("-dif", "in/b.asc", "in/a.asc", third),
+                             f"A file is there already, so no output was moved to its place: {there}")
+            self.assertEqual(self.files("in"), sorted(["a.asc", "b.asc", *mine]))
+            self.assertEqual({(self.folder / "in" / name).read_bytes() for name in mine}, {b"mine"})
+            record = gridforge.dif(["in/b.asc", "in/a.asc", third], stage=True, overwrite=True)
+            self.assertEqual({name for name in record.output_names if b"mine" in Path(name).read_bytes()}, set())
+            self.assertEqual(sorted({"in/" + name for name in mine} - set(record.output_names)), [])
+
+    def test_an_output_named_after_the_inputs_that_is_one_of_them(self):
+        for third, result in (("a.asc", "a.asc"), ("b", "b.asc"), ("d.asc", "d_wd.asc")):
+            self.give_grids("a.asc", "b.asc", "d_wd.asc")
+            arguments = ["-dif", "a.asc", "d_wd.asc" if third == "d.asc" else "b.asc", third]
+            before = Path(result).read_bytes()
+            self.assertEqual(self.failed(*arguments), f"A file is there already, so no output was moved to its place: {result}")
+            self.assertEqual(Path(result).read_bytes(), before)
+            gridforge.run(arguments, stage=True, overwrite=True)
+            self.assertNotEqual(Path(result).read_bytes(), before)
+            for name in ("d.asc", "a_wd.asc", "b_wd.asc"):
+                Path(name).unlink(missing_ok=True)
+
+    def test_an_output_that_a_wildcard_matches_after_the_inputs(self):
+        self.give_grids("a.asc", "x1.asc", "x2.asc")
+        before = Path("x2.asc").read_bytes()
+        self.assertEqual(self.failed("-dif", "a.asc", "x?.asc"),
+                         "A file is there already, so no output was moved to its place: x2.asc")
+        self.assertEqual(Path("x2.asc").read_bytes(), before)
+        gridforge.run(["-dif", "a.asc", "x?.asc"], stage=True, overwrite=True)
+        self.assertEqual(cells("x2.asc"), [-1, -10])
+
+    def test_a_name_of_an_output_that_has_to_be_there(self):
+        self.give_grids("a.asc", "b.asc")
+        self.give("q", "mine")
+        self.give("c.asc", "mine")
+        self.give("c.asc.asc", "old")
+        for arguments in (["-cd1", "a.asc", "b.asc"], ["-multiply", "a.asc", "b.asc"]):
+            self.assertEqual(gridforge.run([*arguments, "q"], stage=True, overwrite=True).output_names, ["q.asc"])
+            self.assertEqual(self.failed(*arguments, "c.asc"),
+                             "A file is there already, so no output was moved to its place: c.asc.asc")
+            self.assertEqual([Path(name).read_text() for name in ("q", "c.asc", "c.asc.asc")], ["mine", "mine", "old"])
+            self.assertEqual(self.failed(*arguments, "none"), "ERROR - No valid file found for input: none")
+
     def test_an_output_that_is_an_input(self):
         self.give_grids("a.asc", "b.asc")
         self.assertEqual(self.failed("-max", "-src", "a.asc", "b.asc", "-out", "a"),
@@ -117,10 +167,11 @@ class StageTest(ScratchTest):
         self.give_grids("in/a.asc")
         (self.folder / "out").mkdir()
         self.use_tool("pwd -P\necho 'ERROR - No'\n")
-        for out, beside in ((["-out", "out/m"], "out"), ([], "in"), (["-out", "none/m"], ".")):
+        for operation, out, beside in (("-fe", ["-out", "out/m"], "out"), ("-fe", [], "in"), ("-fe", ["-out", "none/m"], "."),
+                                       ("-dif", ["in/a.asc", "out/d"], "out")):
             lines = []
             with self.assertRaises(gridforge.RunError):
-                gridforge.run(["-fe", "in/a.asc", *out], stage=True, on_line=lines.append)
+                gridforge.run([operation, "in/a.asc", *out], stage=True, on_line=lines.append)
             self.assertEqual(Path(lines[0].split(staging.PREFIX)[0]), (self.folder / beside).resolve())
 
     def test_the_scratch_folder_is_kept_if_asked(self):
