@@ -10,7 +10,7 @@ from contextlib import ExitStack
 from dataclasses import dataclass, field
 from pathlib import Path
 from types import FrameType
-from typing import IO, Optional, Sequence, TextIO
+from typing import IO, Optional, Sequence
 
 from .arguments import ODD_FLAGS, Argument, WrongUse
 from .description import DescriptionError
@@ -111,16 +111,18 @@ def _check(options: Options) -> None:
 
 # --- What is told --------------------------------------------------------------------------------------------------------
 
-def _say(text: str, stream: Optional[TextIO] = None) -> None:
+def _say(text: str, is_error: bool = False) -> None:
     """Names come out byte by byte as they are, whatever the terminal's encoding is."""
-    stream = stream if stream is not None else sys.stdout
+    stream = sys.stderr if is_error else sys.stdout
+    if stream is None:  # whoever has started us has closed it
+        return
     stream.flush()
     stream.buffer.write(os.fsencode(text + "\n"))
     stream.buffer.flush()
 
 
 def _complain(text: str) -> None:
-    _say(f"gridforge-run: {text}", sys.stderr)
+    _say(f"gridforge-run: {text}", is_error=True)
 
 
 def _counted(number: int, what: str) -> str:
@@ -226,15 +228,32 @@ def _run(options: Options, cancel: threading.Event) -> tuple[Optional[Record], i
     return record, record.status
 
 
-def _finish(record: Record, options: Options) -> None:
+def _tell_end(record: Record, options: Options) -> None:
     if record.error is not None:
-        _say(record.error, sys.stderr)
+        _say(record.error, is_error=True)
         if record.scratch is not None:
             _complain(f"The scratch folder is kept: {record.scratch}")
     elif "--quiet" not in options.switches:
         _tell(record)
-    if "--json" in options.values:
-        record.write(Path(options.values["--json"]))
+
+
+def _send_nowhere() -> None:
+    """What is still to be said, so that Python does not fail on it at its end."""
+    for stream in (sys.stdout, sys.stderr):
+        if stream is not None:
+            os.dup2(os.open(os.devnull, os.O_WRONLY), stream.fileno())
+
+
+def _finish(record: Record, options: Options) -> None:
+    """A run is no worse if nobody reads what is told of it."""
+    try:
+        if "--json" in options.values:
+            record.write(Path(options.values["--json"]))
+    finally:
+        try:
+            _tell_end(record, options)
+        except BrokenPipeError:
+            _send_nowhere()
 
 
 def _main(arguments: Sequence[str], cancel: threading.Event) -> int:
@@ -260,8 +279,8 @@ def main(arguments: Optional[Sequence[str]] = None) -> int:
     signals = _Signals()
     try:
         status = _main(sys.argv[1:] if arguments is None else arguments, signals.cancel)
-    except BrokenPipeError:  # nobody reads what is told; the files are made all the same
-        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+    except BrokenPipeError:
+        _send_nowhere()
         status = FAILED
     except OSError as error:
         _complain(str(error))

@@ -143,11 +143,22 @@ class CommandTest(ScratchTest):
         self.give_grids("a.asc")
         read, write = os.pipe()
         os.close(read)
-        done = subprocess.run([sys.executable, "-B", PROGRAMS / "gridforge-run", "-fe", "a.asc"], stdout=write, check=False,
-                              stderr=subprocess.PIPE, timeout=60)
-        os.close(write)
-        self.assertEqual((done.returncode, done.stderr), (1, b""))
-        self.assertEqual(self.files(), ["a.asc", "a_extent.asc"])
+        self.addCleanup(os.close, write)
+        program = [sys.executable, "-B", PROGRAMS / "gridforge-run", "--json", "record.json"]
+        done = subprocess.run([*program, "-fe", "a.asc"], stdout=write, check=False, stderr=subprocess.PIPE, timeout=60)
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        self.assertEqual(self.files(), ["a.asc", "a_extent.asc", "record.json"])
+        self.assertEqual(self.record()["outcome"], "finished")
+        done = subprocess.run([*program, "-fe", "none.asc"], stdout=subprocess.PIPE, check=False, stderr=write, timeout=60)
+        self.assertEqual((done.returncode, done.stdout, self.record()["outcome"]), (1, b"", "failed"))
+
+    def test_outputs_of_ours_that_are_closed(self):
+        self.give_grids("a.asc")
+        program = f"'{sys.executable}' -B '{PROGRAMS}/gridforge-run' --json record.json"
+        for arguments, status, outcome in (("-fe a.asc >&-", 0, "finished"), ("-fe none.asc 2>&-", 1, "failed")):
+            done = subprocess.run(f"{program} {arguments}", shell=True, check=False, capture_output=True, timeout=60)
+            self.assertEqual((done.returncode, done.stdout, done.stderr), (status, b"", b""))
+            self.assertEqual(self.record()["outcome"], outcome)
 
     def test_a_full_disk_under_the_log(self):
         if not os.path.exists("/dev/full"):
