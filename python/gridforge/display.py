@@ -26,7 +26,7 @@ def clock(seconds: float) -> str:
 def line_of(progress: Progress) -> str:
     parts = [clock(progress.seconds)]
     if progress.fraction is not None:
-        parts.append(f"{100 * progress.fraction:.0f} % of the inputs")
+        parts.append(f"{int(100 * progress.fraction)} % of the inputs")
     parts.append(f"read {amount(progress.read)}, wrote {amount(progress.written)}")
     if progress.objects > 0:
         parts.append(f"{progress.objects} objects")

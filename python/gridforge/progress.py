@@ -7,6 +7,8 @@ from dataclasses import dataclass
 from pathlib import Path
 from typing import Iterable, Optional
 
+MOST = 0.99  # of the inputs, while the run goes on
+
 
 @dataclass(frozen=True)
 class Progress:
@@ -15,12 +17,13 @@ class Progress:
     read: int
     written: int
     objects: int
-    total: int  # bytes of the inputs of the command line; those that control files name come on top
+    total: int  # bytes of the inputs that are known; 0 if only a control file knows them
 
     @property
     def fraction(self) -> Optional[float]:
-        """Of the inputs that were read; inputs may be read twice. None where there are none."""
-        return min(self.read / self.total, 1.0) if self.total > 0 else None
+        """Of the inputs that were read; None if they are not known. It stays below 1: inputs may be read twice, and outputs are
+        finished later."""
+        return min(self.read / self.total, MOST) if self.total > 0 else None
 
 
 @dataclass(frozen=True)

@@ -9,7 +9,7 @@ from dataclasses import dataclass, field, replace
 from pathlib import Path
 from typing import IO, Callable, Iterable, Mapping, Optional, Sequence, Union
 
-from .arguments import Argument, Name, WrongUse, hand_over, operation_of, scan, text_of
+from .arguments import Argument, Name, WrongUse, hand_over, input_patterns, operation_of, scan, text_of
 from .console import Console
 from .description import Description, Operation, load_description
 from .families import PROJECTION, Look, family_of, split_name
@@ -195,9 +195,17 @@ def _begin(p: Plan) -> Record:
                   staged=p.settings.stage, host=platform.node(), threads=threads_of(_environment(p.settings)))
 
 
-def _progress_teller(p: Plan, tell: Callable[[Progress], None]) -> Callable[[bytes], None]:
+def _known_inputs(p: Plan) -> set[str]:
+    """All files that the run will read; none if only its control file knows them."""
+    if not p.named and p.operation is not None and any(flag.kind == "controlFile" for flag in p.operation.flags):
+        return set()
     look = Look(p.folder)
-    totals = progress_of(p.folder / name for argument in p.scanned if argument.is_read for name in look.matching(argument.text))
+    names = [name for pattern in (*input_patterns(p.scanned), *p.named) for name in look.found(pattern)]
+    return {os.path.normpath(file) for name in names for file in (name, *look.companions(name))}
+
+
+def _progress_teller(p: Plan, tell: Callable[[Progress], None]) -> Callable[[bytes], None]:
+    totals = progress_of(p.folder / name for name in _known_inputs(p))
     return lambda line: tell(totals.after(line))
 
 

@@ -11,7 +11,7 @@ from pathlib import Path
 import gridforge
 from gridforge import command
 from gridforge.display import amount, clock, line_of
-from gridforge.progress import Progress, progress_of
+from gridforge.progress import MOST, Progress, progress_of
 from tests.support import PROGRAMS, ScratchTest
 
 SLOW = "echo Build\necho half > half.asc\nexec sleep 60\n"
@@ -253,7 +253,7 @@ class ProgressTest(ScratchTest):
         progress = totals.after(self.LINE.encode())
         self.assertEqual(progress, Progress(61.5, 1500, 2_000_000, 7, 3000))
         self.assertEqual(line_of(progress), "1:01  50 % of the inputs  read 1.5 kB, wrote 2 MB  7 objects")
-        self.assertEqual(line_of(Progress(2, 5000, 0, 0, 3000)), "0:02  100 % of the inputs  read 5 kB, wrote 0 bytes")
+        self.assertEqual(line_of(Progress(2, 5000, 0, 0, 3000)), "0:02  99 % of the inputs  read 5 kB, wrote 0 bytes")
         self.assertEqual(line_of(Progress(2, 5000, 0, 0, 0)), "0:02  read 5 kB, wrote 0 bytes")
 
     def test_told_to_python(self):
@@ -262,6 +262,25 @@ class ProgressTest(ScratchTest):
         told = []
         gridforge.run(["-fe", "a.asc"], on_progress=told.append)
         self.assertEqual([progress.read for progress in told], [1500])
+
+    def totals(self, *arguments, **how):
+        """What a run whose tool writes one line about its progress is measured by."""
+        self.use_tool(f"echo '{self.LINE}' >&${{GRIDFORGE_PROGRESS#fd:}}\necho Finished.\n")
+        told = []
+        gridforge.run(arguments, on_progress=told.append, **how)
+        return [(progress.total, progress.fraction) for progress in told]
+
+    def test_what_belongs_to_the_inputs_counts(self):
+        for name, size in (("a.flt", 1000), ("a.hdr", 200), ("p.mif", 30), ("p.mid", 4), ("other.asc", 5000)):
+            self.give(name, b"x" * size)
+        self.assertEqual(self.totals("-cp", "p.mif", "a.flt"), [(1234, MOST)])
+        self.assertEqual(self.totals("-max", "a.flt", "a.flt", "other.asc"), [(6200, 1500 / 6200)])
+
+    def test_inputs_that_only_control_files_name(self):
+        for name, size in (("storm.rfc", 100), ("rain/p.csv", 2900)):
+            self.give(name, b"x" * size)
+        self.assertEqual(self.totals("-rf", "storm.rfc"), [(0, None)])
+        self.assertEqual(self.totals("-rf", "storm.rfc", stage=True, named_inputs=["rain/*"]), [(3000, 0.5)])
 
     def test_the_tool_tells_it(self):
         self.give_grids("a.asc")
@@ -292,7 +311,7 @@ class ProgressTest(ScratchTest):
         self.assertEqual(process.wait(60), 0)
         shown = os.read(ours, 10000).decode()
         os.close(ours)
-        self.assertEqual(shown, "\r\x1b[K1:01  100 % of the inputs  read 1.5 kB, wrote 2 MB  7 objects\r\x1b[K")
+        self.assertEqual(shown, "\r\x1b[K1:01  99 % of the inputs  read 1.5 kB, wrote 2 MB  7 objects\r\x1b[K")
 
     def test_nothing_is_shown_where_there_is_no_terminal(self):
         self.give_grids("a.asc")
