@@ -9,6 +9,8 @@ from collections.abc import Callable, Sequence
 from pathlib import Path
 from typing import TextIO
 
+from .moving import Move, move_all
+
 FAILED, WRONG_USE = 1, 2
 
 
@@ -74,13 +76,15 @@ class Scratch:
     def __exit__(self, *_: object) -> None:
         self._folder.cleanup()
 
-    def publish(self, moves: Sequence[tuple[Path, Path]]) -> None:
-        """Gives each first file the second name. Files of mkstemp's mode get that of files that are simply created."""
+    def publish(self, moves: Sequence[tuple[Path, Path]], family: Sequence[Path] = ()) -> None:
+        """Gives each first file the second name. Files of mkstemp's mode get that of files that are simply created. Of `family`, the
+        names of all files that such an output may have, those that it does not have are removed."""
         mask = os.umask(0)
         os.umask(mask)
-        for source, target in moves:
+        for source, _ in moves:
             os.chmod(source, 0o666 & ~mask)
-            os.replace(source, target)
+        targets = {target for _, target in moves}
+        move_all([Move(*move) for move in moves], overwrite=True, gone=[name for name in family if name not in targets])
 
 
 def write_text(output: Path | None, write: Callable[[TextIO], None]) -> None:

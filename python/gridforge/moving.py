@@ -147,7 +147,10 @@ def _keep(old: Path, moved: _Moved) -> None:
     moved.kept.append((old, place))
 
 
-def _make_way(moves: list[Move], moved: _Moved) -> None:
+def _make_way(moves: list[Move], gone: Iterable[Path], moved: _Moved) -> None:
+    for old in gone:
+        if old.is_file():
+            _set_aside(old, moved)
     sizes = Counter(family_of(str(move.target))[0] for move in moves)
     for move in moves:
         if move.target.is_file():
@@ -175,9 +178,10 @@ def _forget_copies(near: list[Move], moves: list[Move]) -> None:
             copy.source.unlink(missing_ok=True)
 
 
-def move_all(moves: list[Move], overwrite: bool) -> None:
+def move_all(moves: list[Move], overwrite: bool, gone: Iterable[Path] = ()) -> None:
     """Moves all files, or none where one cannot be moved. Of a set of files, as .flt and .hdr, the old ones are away before the
-    first new one comes, so that nobody reads cells of one by the header of the other."""
+    first new one comes, so that nobody reads cells of one by the header of the other. `gone` are names of the old set that the new
+    one does not have: with `overwrite` these files are removed."""
     if not overwrite:
         there = _first_there(moves)
         if there is not None:
@@ -186,7 +190,7 @@ def move_all(moves: list[Move], overwrite: bool) -> None:
     moved = _Moved()
     try:
         if overwrite:
-            _make_way(near, moved)
+            _make_way(near, gone, moved)
         for move in near:
             move_file(move.source, move.target, overwrite)
             moved.done.append(move)

@@ -212,7 +212,7 @@ def write_flt(data: gdal.Dataset, output: Path, frame: Frame) -> tuple[Cells, os
         if line:
             made.with_suffix(".prj").write_text(line, encoding="utf-8")
             files.append((made.with_suffix(".prj"), output.with_suffix(".prj")))
-        scratch.publish([*files, (made, output)])
+        scratch.publish([*files, (made, output)], output_files(output))
     return cells, system
 
 

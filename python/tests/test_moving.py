@@ -55,6 +55,17 @@ class MoveTest(ScratchTest):
         move_file(self.give("new", "cells"), self.folder / "out", overwrite=True)
         self.assertEqual((self.files(), Path("out").read_text()), (["out"], "cells"))
 
+    def test_files_that_only_the_old_set_has(self):
+        for name in ("o.flt", "o.hdr", "o.prj"):
+            self.give(name, "old")
+        moves = [Move(self.give("new" + ending, "new"), self.folder / ("o" + ending)) for ending in (".flt", ".hdr")]
+        with mock.patch.object(moving, "move_file", side_effect=OSError(errno.ENOSPC, "No space left on device")):
+            with self.assertRaises(OSError):
+                move_all(moves, overwrite=True, gone=[self.folder / "o.prj"])
+        self.assertEqual(self.files(), ["new.flt", "new.hdr", "o.flt", "o.hdr", "o.prj"])
+        move_all(moves, overwrite=True, gone=[self.folder / "o.prj", self.folder / "none"])
+        self.assertEqual(self.files(), ["o.flt", "o.hdr"])
+
     def test_one_of_many_wins(self):
         for _ in self.each_way():
             if isinstance(moving._link_if_free, mock.Mock):

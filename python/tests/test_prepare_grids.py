@@ -87,6 +87,14 @@ class ToTheToolTest(Grids):
         self.assertEqual(len(self.prepare("a.tif", "p.flt", "--crs", "EPSG:28356")), 1)
         self.assertIn("Zone_56", self.text("p.prj"))
 
+    def test_no_projection_of_an_earlier_grid_is_left(self):
+        self.tif("a.tif", [[1]], epsg=28356)
+        self.tif("b.tif", [[2]], epsg=None)
+        self.prepare("a.tif", "o.flt")
+        self.prepare("b.tif", "o.flt", "--overwrite")
+        self.assertEqual(self.files(), ["a.tif", "b.tif", "o.flt", "o.hdr"])
+        self.assertEqual(self.read()[0], [[2]])
+
     def test_degrees_are_told(self):
         self.tif("a.tif", [[1]], epsg=4326)
         self.assertEqual(self.prepare("a.tif", "o.flt")[0], "WARNING: WGS 84 is no projection; the tool takes none from the .prj")
