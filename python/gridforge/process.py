@@ -18,6 +18,7 @@ from .console import Console
 LOOK_EVERY = 0.2  # seconds
 TIME_TO_END = 5.0  # that a tool which is to end gets before it is killed
 PROGRESS = "GRIDFORGE_PROGRESS"
+SCRATCH = "GRIDFORGE_SCRATCH"
 
 
 class CannotStart(Exception):

@@ -14,11 +14,11 @@ from .console import Console
 from .description import Description, Operation, load_description
 from .families import PROJECTION, Look, family_of, split_name
 from .moving import Exists, move_file
-from .process import Cancel, CannotStart, End, Watch, run_tool
+from .process import PROGRESS, SCRATCH, Cancel, CannotStart, End, Watch, run_tool
 from .progress import Progress, progress_of
 from .record import Record, file_record, threads_of, time_text
 from .staging import InputChanged, Stage, set_stage, simple_name
-from .tool import find_tool
+from .tool import find_description, find_tool
 
 FINISHED, FAILED, WRONG_USE, NOTHING, TIMEOUT = 0, 1, 2, 3, 124
 NO_OPERATION = "No operation is asked for."
@@ -76,7 +76,8 @@ def plan(arguments: Iterable[Name], settings: Settings) -> Plan:
     folder = Path(os.path.realpath(settings.folder if settings.folder is not None else os.getcwd()))
     if not folder.is_dir():
         raise WrongUse(f"No such folder: {folder}")
-    description = load_description()
+    tool = find_tool(_environment(settings))
+    description = load_description(find_description(tool))
     given = [text_of(argument) for argument in arguments]
     scanned = scan(given, description, folder)
     operation = operation_of(scanned, description)
@@ -89,7 +90,7 @@ def plan(arguments: Iterable[Name], settings: Settings) -> Plan:
     for name in named:
         if not Look(folder).matching(name):
             raise WrongUse(f"No such input: {name}")
-    return Plan(find_tool(_environment(settings)), description, folder, given, handed, operation, named, settings)
+    return Plan(tool, description, folder, given, handed, operation, named, settings)
 
 
 # --- Files ---------------------------------------------------------------------------------------------------------------
@@ -186,7 +187,13 @@ def _judge(p: Plan, console: Console, end: End) -> None:
 
 
 def _environment(settings: Settings) -> dict[str, str]:
-    return {**os.environ, **settings.environment}
+    """Files in it stay those that the caller's folder gives them, wherever the tool runs."""
+    variables = {**os.environ, **settings.environment}
+    for name in (PROGRESS, SCRATCH):
+        value = variables.get(name, "")
+        if value and not value.startswith("fd:"):
+            variables[name] = os.path.join(os.getcwd(), value)
+    return variables
 
 
 def _begin(p: Plan) -> Record:

@@ -4,7 +4,7 @@ from __future__ import annotations
 import os
 import shutil
 from pathlib import Path
-from typing import Mapping, Union
+from typing import Mapping, Optional, Union
 
 PACKAGE = Path(__file__).resolve().parent
 EXECUTABLE = "gridforge.exe" if os.name == "nt" else "gridforge"
@@ -42,13 +42,17 @@ def find_tool(environment: Union[Mapping[str, str], None] = None) -> Path:
     return Path(found).resolve()
 
 
-def find_description() -> Path:
-    """gridforge.json: that of GRIDFORGE_JSON, else the one installed together with this package, else the package's own."""
+def _beside(tool: Path) -> list[Path]:
+    """Where its description is, installed and in a build."""
+    return [tool.parent.parent / "share" / "gridforge" / DESCRIPTION, tool.parent / "manual" / DESCRIPTION]
+
+
+def find_description(tool: Optional[Path] = None) -> Path:
+    """gridforge.json: that of GRIDFORGE_JSON, else the one that belongs to `tool`, else the one installed together with this package,
+    else the package's own."""
     named = os.environ.get("GRIDFORGE_JSON", "")
     if named:
         return Path(named)
-    for prefix in _prefixes():
-        installed = prefix / "share" / "gridforge" / DESCRIPTION
-        if installed.is_file():
-            return installed
-    return PACKAGE / DESCRIPTION
+    places = _beside(tool) if tool is not None else []
+    places += [prefix / "share" / "gridforge" / DESCRIPTION for prefix in _prefixes()]
+    return next((place for place in places if place.is_file()), PACKAGE / DESCRIPTION)

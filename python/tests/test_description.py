@@ -72,7 +72,16 @@ class DescriptionTest(Scratch):
             installed.parent.mkdir(parents=True)
             installed.write_text("{}")
             self.assertEqual(gridforge.find_description(), installed)
+            mine = self.executable("other/bin/gridforge")
+            self.assertEqual(gridforge.find_description(mine), installed)
+            for place in ("other/bin/manual/gridforge.json", "other/share/gridforge/gridforge.json"):
+                beside = self.folder / place
+                beside.parent.mkdir(parents=True)
+                beside.write_text("{}")
+                self.assertEqual(gridforge.find_description(mine), beside.resolve())
+            self.assertEqual(gridforge.find_description(), installed)
             os.environ["GRIDFORGE_JSON"] = "other.json"
+            self.assertEqual(gridforge.find_description(mine), Path("other.json"))
             self.assertEqual(gridforge.find_description(), Path("other.json"))
 
     def test_records(self):

@@ -3,6 +3,7 @@ import hashlib
 import os
 import platform
 import unittest
+from pathlib import Path
 from unittest import mock
 
 import gridforge
@@ -31,6 +32,12 @@ class RunTest(ScratchTest):
         for moment in (record.started, record.ended):
             self.assertRegex(moment, r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z$")
         self.assertLessEqual(record.started, record.ended)
+
+    def test_the_version_is_that_of_the_tool_that_ran(self):
+        self.use_tool("echo Finished.\n")
+        description = Path(os.environ.pop("GRIDFORGE_JSON")).read_text()
+        self.give("tool/manual/gridforge.json", description.replace(f'"{gridforge.__version__}"', '"99.1"'))
+        self.assertEqual(gridforge.run(["-max", "a.asc"]).version, "99.1")
 
     def test_threads(self):
         self.give_grids("a.asc")

@@ -174,6 +174,22 @@ class StageTest(ScratchTest):
                 gridforge.run([operation, "in/a.asc", *out], stage=True, on_line=lines.append)
             self.assertEqual(Path(lines[0].split(staging.PREFIX)[0]), (self.folder / beside).resolve())
 
+    def test_files_that_variables_name_are_those_of_the_caller(self):
+        self.give_grids("work/a.asc")
+        (self.folder / "wait").mkdir()
+        for how in ({"stage": True}, {}):
+            os.environ["GRIDFORGE_PROGRESS"] = "progress.json"
+            record = gridforge.run(["-fe", "a.asc"], folder=self.folder / "work", environment={"GRIDFORGE_SCRATCH": "wait"}, **how)
+            self.assertEqual(record.output_names, ["a_extent.asc"])
+            self.assertEqual(self.files(), ["progress.json", "work/a.asc", "work/a_extent.asc"])
+            self.assertIn(b'"read"', Path("progress.json").read_bytes())
+            Path("progress.json").unlink()
+            Path("work/a_extent.asc").unlink()
+        self.use_tool('echo "$GRIDFORGE_PROGRESS $GRIDFORGE_SCRATCH"\necho Finished.\n')
+        lines = []
+        gridforge.run(["-fe", "a.asc"], folder="work", stage=True, on_line=lines.append, environment={"GRIDFORGE_SCRATCH": "wait"})
+        self.assertEqual(lines[0], f"{self.folder}/progress.json {self.folder}/wait")
+
     def test_the_scratch_folder_is_kept_if_asked(self):
         self.give_grids("a.asc")
         self.use_tool("echo half > part.asc\necho 'ERROR - No'\n")
