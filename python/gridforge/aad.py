@@ -81,7 +81,7 @@ def read_number(text: str, what: str) -> float:
     except ValueError:
         value = math.nan
     if not math.isfinite(value):
-        raise Failure(f"{what} is no number: {text}")
+        raise Failure(f"{what} is not a number: {text}")
     return value
 
 

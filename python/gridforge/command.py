@@ -1,4 +1,4 @@
-"""The command gridforge-run: runs the tool, and tells a script what happened."""
+"""The command gridforge-run: runs the tool, and reports to a script what happened."""
 from __future__ import annotations
 
 import os
@@ -16,13 +16,14 @@ from .arguments import ODD_FLAGS, Argument, WrongUse
 from .description import DescriptionError
 from .display import ProgressDisplay
 from .families import Look
+from .messages import counted
 from .record import Record
 from .running import FAILED, FINISHED, NOTHING, WRONG_USE, Plan, RunError, Settings, execute, plan
 from .tool import ToolNotFound
 
 USAGE = """usage: gridforge-run [OPTION ...] [--] ARGUMENT ...
 
-Runs gridforge with these arguments, in batch and without input, and tells which files it made. Options may stand anywhere before
+Runs gridforge with these arguments, in batch and without input, and prints which files it made. Options may stand anywhere before
 "--"; every argument after it is the tool's.
 
   --stage            run in a scratch folder, and move finished outputs to their places, all or none
@@ -32,7 +33,7 @@ Runs gridforge with these arguments, in batch and without input, and tells which
   --timeout SECONDS  end the run after that time
   --json FILE        write the record of the run
   --log FILE         keep the console; "-" is standard output
-  --quiet            tell nothing except the message of a run that failed
+  --quiet            print nothing except the message of a run that failed
   --progress         show on a terminal how far the run has come
   --dry-run          show the command and the inputs, and run nothing
   --version          show the version
@@ -109,7 +110,7 @@ def _check(options: Options) -> None:
         raise WrongUse("--input goes with --stage.")
 
 
-# --- What is told --------------------------------------------------------------------------------------------------------
+# --- What is printed -----------------------------------------------------------------------------------------------------
 
 def _say(text: str, is_error: bool = False) -> None:
     """Names come out byte by byte as they are, whatever the terminal's encoding is."""
@@ -125,15 +126,11 @@ def _complain(text: str) -> None:
     _say(f"gridforge-run: {text}", is_error=True)
 
 
-def _counted(number: int, what: str) -> str:
-    return f"{number} {what}" if number == 1 else f"{number} {what}s"
-
-
 def _tell(record: Record) -> None:
     for file in record.outputs:
-        _say(f"made {file.name} ({_counted(file.size or 0, 'byte')})")
+        _say(f"made {file.name} ({counted(file.size or 0, 'byte')})")
     if record.warnings:
-        _say(_counted(len(record.warnings), "warning"))
+        _say(counted(len(record.warnings), "warning"))
 
 
 def _show_output(p: Plan, argument: Argument) -> bool:
@@ -153,7 +150,7 @@ def _show_plan(p: Plan, options: Options) -> int:
         found = look.found(name)
         for file in found:
             path = p.folder / file
-            _say(f"input {file} ({_counted(path.stat().st_size, 'byte')})" if path.is_file() else f"input {file}")
+            _say(f"input {file} ({counted(path.stat().st_size, 'byte')})" if path.is_file() else f"input {file}")
         if not found:
             missing = True
             _say(f"missing {name}")
@@ -245,7 +242,7 @@ def _send_nowhere() -> None:
 
 
 def _finish(record: Record, options: Options) -> None:
-    """A run is no worse if nobody reads what is told of it."""
+    """A run is no worse if nobody reads what is printed about it."""
     try:
         if "--json" in options.values:
             record.write(Path(options.values["--json"]))

@@ -125,4 +125,4 @@ def load_description(path: Union[str, os.PathLike[str], None] = None) -> Descrip
         return Description(content["version"], tuple(map(_flag, content["commonOptions"])),
                            tuple(map(_operation, content["operations"])))
     except (OSError, ValueError, KeyError, TypeError) as error:
-        raise DescriptionError(f"{file} is no description of the tool: {error}") from error
+        raise DescriptionError(f"{file} is not a description of the tool: {error}") from error

@@ -88,7 +88,7 @@ def text_rows(path: Path, header: Header, first: int, last: int) -> Iterator[nda
                 try:
                     yield numpy.array(words[:header.columns], dtype="f4")
                 except ValueError:
-                    raise Failure(f"{path}: row {row + 1} from the north holds what is no number") from None
+                    raise Failure(f"{path}: row {row + 1} from the north holds what is not a number") from None
 
 
 # --- Thinning --------------------------------------------------------------------------------------------------------

@@ -40,6 +40,10 @@ def run_command(name: str, command: Callable[[], None]) -> int:
     return 0
 
 
+def counted(number: int, what: str) -> str:
+    return f"{number} {what}" if number == 1 else f"{number} {what}s"
+
+
 def describe(error: OSError) -> str:
     return f"{error.filename}: {error.strerror}" if error.filename else str(error)
 

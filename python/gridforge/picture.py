@@ -483,7 +483,7 @@ def make_parser() -> argparse.ArgumentParser:
     parser.add_argument("grid", type=Path, help="an .asc or a .flt")
     parser.add_argument("output", type=Path, help="the .png")
     parser.add_argument("--kind", choices=tuple(styles.styles()), 
-                        help="what the cells are; without it the name of the grid tells")
+                        help="what the cells are; without it the name of the grid decides")
     parser.add_argument("--ground", type=Path, metavar="GRID", help="heights, drawn as a shaded ground below")
     parser.add_argument("--layer", type=layer_wish, action="append", default=[], dest="layers", metavar="FILE[=LABEL]",
                         help="a layer to draw on top; may be given again")

@@ -130,7 +130,7 @@ def values_of_null(data: gdal.Dataset, wishes: GridWishes) -> list[str]:
 
 
 class Cells:
-    """Writes blocks of rows; cells that are no number become null."""
+    """Writes blocks of rows; cells that are not numbers become null."""
 
     def __init__(self) -> None:
         self.nulls = 0
@@ -219,11 +219,11 @@ def write_flt(data: gdal.Dataset, output: Path, frame: Frame) -> tuple[Cells, os
 def grid_notes(cells: Cells, system: osr.SpatialReference | None) -> list[str]:
     notes = []
     if cells.not_numbers:
-        notes.append(f"cells that are no number made null: {cells.not_numbers}")
+        notes.append(f"cells that are not numbers made null: {cells.not_numbers}")
     if system is None:
         notes.append("WARNING: the source has no projection, so there is no .prj: --crs names it")
     elif not system.IsProjected():
-        notes.append(f"WARNING: {system.GetName()} is no projection; the tool takes none from the .prj")
+        notes.append(f"WARNING: {system.GetName()} is not a projection; the tool takes none from the .prj")
     return notes
 
 

@@ -11,7 +11,7 @@ from pathlib import Path
 from .grid_files import read_header
 from .layer_forms import LINE, POINT, REGION, Column, Form
 from .layer_shapes import CUT_VERTICES, Ring, area, cut_open, thin
-from .messages import Failure, Scratch, missing_package
+from .messages import Failure, Scratch, counted, missing_package
 
 try:
     from osgeo import gdal, ogr, osr
@@ -362,7 +362,7 @@ class Records:
         except (TypeError, ValueError):
             value = math.nan
         if not math.isfinite(value):
-            raise Failure(f"{where}: {column.name} is no number: {given}")
+            raise Failure(f"{where}: {column.name} is not a number: {given}")
         return value
 
 
@@ -441,7 +441,7 @@ class Reader:
             if placed is not None:
                 parts += [piece for piece in simple_parts(placed) if kind_of(piece) == kind]
         if unfit:
-            self.notes.add(f"parts left out that are no {' or '.join(self._kinds)}", unfit)
+            self.notes.add(f"parts left out that are not {' or '.join(kind + 's' for kind in self._kinds)}", unfit)
         shapes = [shape for shape in (self._shaper.shape(part, where) for part in parts) if shape]
         if len(shapes) > 1 and self._wishes.parts == "largest":
             self.notes.add("smaller parts left out", len(shapes) - 1)
@@ -535,7 +535,7 @@ def system_for(output: Path, system: osr.SpatialReference | None) -> osr.Spatial
         if system is None:
             raise Failure("the source has no projection, which a .shp needs: name it with --crs, or write a .mif")
         if not system.IsProjected():
-            raise Failure(f"{system.GetName()} is no projection, which a .shp needs: choose one with --crs, or write a .mif")
+            raise Failure(f"{system.GetName()} is not a projection, which a .shp needs: choose one with --crs, or write a .mif")
     if system is None:
         system = osr.SpatialReference()
         system.ImportFromWkt('LOCAL_CS["Nonearth",UNIT["Meter",1]]')
@@ -598,7 +598,7 @@ def prepare_layer(form: Form, source: str, output: Path, wishes: Wishes) -> list
         notes = check(form, objects)
         write_layer(output, reader.records.columns, reader.place.system, form.kinds, objects)
         del data
-    return [*reader.records.told(), *reader.notes.lines(), *said, *notes, f"{len(objects)} objects written to {output}"]
+    return [*reader.records.told(), *reader.notes.lines(), *said, *notes, f"{counted(len(objects), 'object')} written to {output}"]
 
 
 def make_template(form: Form, output: Path, crs: str | None, kind: str | None, optional: bool) -> None:

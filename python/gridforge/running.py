@@ -1,4 +1,4 @@
-"""Runs the tool and tells what happened."""
+"""Runs the tool and reports what happened."""
 from __future__ import annotations
 
 import os

@@ -131,9 +131,9 @@ class AadTest(ToolCase):
     def test_refuses_values_that_are_no_numbers(self):
         for value in ("*******", "NaN", "Infinity", ""):
             self.give("t.csv", table(("2.000", "1.000"), f'"A","1",0.,1.,1.,{value},0.'))
-            self.fails("aad", f"t.csv: line 2: the value of column 6 is no number: {value}", "t.csv")
+            self.fails("aad", f"t.csv: line 2: the value of column 6 is not a number: {value}", "t.csv")
         self.give("t.csv", table(("2.000", "****"), '"A","1",0.,1.,1.,2.,0.'))
-        self.fails("aad", "t.csv: the probability of column 6 is no number: ****", "t.csv")
+        self.fails("aad", "t.csv: the probability of column 6 is not a number: ****", "t.csv")
         self.give("t.csv", table(("2.000", "101.000"), '"A","1",0.,1.,1.,2.,0.'))
         self.fails("aad", "t.csv: the probability of column 6 is not between 0 and 100 %: 101", "t.csv")
 

@@ -63,7 +63,7 @@ class CommandTest(ScratchTest):
         os.environ["GRIDFORGE_JSON"] = str(self.give("bad.json", "[]"))
         done = self.command("-fe", "a.asc")
         self.assertEqual(done.returncode, 2)
-        self.assertIn("bad.json is no description of the tool: ", done.stderr)
+        self.assertIn("bad.json is not a description of the tool: ", done.stderr)
 
     def test_options_anywhere(self):
         options = command.parse(["-max", "a", "--stage", "-dif", "--change", "--input", "x", "y", "-b", "--json=r", "--", "--log"])

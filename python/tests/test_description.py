@@ -106,9 +106,9 @@ class DescriptionTest(Scratch):
         for text in ("", "[]", "{}", '{"shape": 1}'):
             bad = self.folder / "bad.json"
             bad.write_text(text)
-            with self.assertRaisesRegex(gridforge.DescriptionError, r"bad\.json is no description of the tool: "):
+            with self.assertRaisesRegex(gridforge.DescriptionError, r"bad\.json is not a description of the tool: "):
                 gridforge.load_description(bad)
-        with self.assertRaisesRegex(gridforge.DescriptionError, r"none\.json is no description of the tool: .*No such file"):
+        with self.assertRaisesRegex(gridforge.DescriptionError, r"none\.json is not a description of the tool: .*No such file"):
             gridforge.load_description(self.folder / "none.json")
 
     def test_the_copy_in_the_package_is_that_of_the_build(self):

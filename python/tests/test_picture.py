@@ -233,7 +233,7 @@ class ThinnedTest(ToolCase):
         self.give("c.flt", "1234")
         self.give("c.hdr", asc([[1, 2], [3, 4]]).split("1 2\n")[0] + "byteorder LSBFIRST\n")
         self.fails("picture", "a.asc ends in row 2 of 2", "a.asc", "o.png", "--kind", "depth")
-        self.fails("picture", "b.asc: row 2 from the north holds what is no number", "b.asc", "o.png", "--kind", "depth")
+        self.fails("picture", "b.asc: row 2 from the north holds what is not a number", "b.asc", "o.png", "--kind", "depth")
         self.fails("picture", "c.flt ends in row 1 of 2", "c.flt", "o.png", "--kind", "depth")
 
 

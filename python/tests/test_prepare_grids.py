@@ -53,7 +53,7 @@ class ToTheToolTest(Grids):
 
     def test_cells_that_are_no_number_become_null(self):
         self.tif("a.tif", [[1, NAN, float("inf")], [-9999, 5, float("-inf")]], null=-9999)
-        self.assertEqual(self.prepare("a.tif", "o.flt"), ["cells that are no number made null: 3",
+        self.assertEqual(self.prepare("a.tif", "o.flt"), ["cells that are not numbers made null: 3",
                                                           "3 x 2 cells of 10 written to o.flt, 4 of them null"])
         self.assertEqual(self.read()[0], [[1, -9999, -9999], [-9999, 5, -9999]])
 
@@ -97,7 +97,7 @@ class ToTheToolTest(Grids):
 
     def test_degrees_are_told(self):
         self.tif("a.tif", [[1]], epsg=4326)
-        self.assertEqual(self.prepare("a.tif", "o.flt")[0], "WARNING: WGS 84 is no projection; the tool takes none from the .prj")
+        self.assertEqual(self.prepare("a.tif", "o.flt")[0], "WARNING: WGS 84 is not a projection; the tool takes none from the .prj")
 
     def test_rows_that_run_north_are_turned(self):
         self.tif("a.tif", [[1, 2], [3, 4]], place=(100, 10, 0, 480, 0, 10))

@@ -104,7 +104,7 @@ class OperationsTest(Prepared):
         self.give("road.csv", wkt(("WKT", "Options"), ("LINESTRING (2 4,4 4,6 4)", "Max")))
         said = self.prepare("brkline", "road.csv", "road.mif", "--tolerance", "0.01")
         self.assertEqual(said, ["Z is 0.0 everywhere", "dZ is -1.0 everywhere", "Width is 0.0 everywhere", "Options from Options",
-                                "objects thinned: 1", "vertices left out by thinning: 1", "1 objects written to road.mif"])
+                                "objects thinned: 1", "vertices left out by thinning: 1", "1 object written to road.mif"])
         self.tool("-brkline", "road.mif", "a.asc")
         self.assertEqual([(row["Z"], row["Options"]) for row in self.records("road_brkline.mif")],
                          [(at(4, 2), "Max"), (at(4, 6), "Max"), (99999, "Max")])
@@ -197,7 +197,7 @@ class OperationsTest(Prepared):
         self.give("part.csv", wkt(("WKT", "Name"), ("POLYGON ((" + ",".join(f"{x!r} {y!r}" for x, y in ring) + "))", "part")))
         said = self.prepare("trim", "part.csv", "part.mif", "--clip", "a.asc")
         self.assertEqual(said, ["Name from Name", "objects thinned: 1", "vertices left out by thinning: 302",
-                                "1 objects written to part.mif"])
+                                "1 object written to part.mif"])
         self.tool("-trim", "part.mif", "a.asc")
         kept = [value for row in cells(self.text("part_a.asc")) for value in row if value != -9999]
         self.assertEqual(kept, [at(row, column) for row in range(8, 3, -1) for column in range(3, 8)])
@@ -236,7 +236,7 @@ class ShapesTest(Prepared):
         self.give("s.csv", wkt(("WKT", "Name"), ("LINESTRING (0 0,5 0.25,10 0,20 0,20 10)", "x")))
         said = self.prepare("lp", "s.csv", "o.mif", "--thin", "3")
         self.assertEqual(said[1:], ["objects thinned: 1", "vertices left out by thinning: 2",
-                                    "outlines and lines moved by thinning by at most: 0.25", "1 objects written to o.mif"])
+                                    "outlines and lines moved by thinning by at most: 0.25", "1 object written to o.mif"])
         self.assertEqual(self.shapes("o.mif"), ["LINESTRING (0 0,20 0,20 10)"])
 
     def test_thinning_that_makes_an_outline_cross_itself_is_told(self):
@@ -264,7 +264,7 @@ class ShapesTest(Prepared):
                                                                                                                  "d"),
                                ("LINESTRING (3 3,3 3)", "e"), ("GEOMETRYCOLLECTION (POINT (1 1),LINESTRING (5 5,6 6))", "f")))
         self.assertEqual(self.prepare("lp", "s.csv", "o.mif"),
-                         ["Label from Name", "parts left out that are no line: 2", "features without a geometry left out: 2",
+                         ["Label from Name", "parts left out that are not lines: 2", "features without a geometry left out: 2",
                           "lines left out that have no length: 1", "2 objects written to o.mif"])
         self.assertEqual(self.records("o.mif"), [{"Label": "b"}, {"Label": "f"}])
 
@@ -278,7 +278,7 @@ class ShapesTest(Prepared):
         self.give("s.csv", wkt(("WKT", "Name"), ("LINESTRING (-5 5,5 5)", "in"), ("LINESTRING (-5 5,-1 5)", "out")))
         said = self.prepare("lp", "s.csv", "o.mif", "--clip", "a.asc")
         self.assertEqual(said[1:], ["objects cut to the grid: 1", "objects left out that lie off the grid: 1",
-                                    "1 objects written to o.mif"])
+                                    "1 object written to o.mif"])
         self.assertEqual(self.shapes("o.mif"), ["LINESTRING (0 5,5 5)"])
 
     def test_buildings_keep_two_cells_free_in_the_south_west(self):
@@ -310,7 +310,7 @@ class ShapesTest(Prepared):
         feature.SetGeometry(ogr.CreateGeometryFromWkt("POINT (153 0)"))  # on the central meridian of zone 56 and the equator
         layer.CreateFeature(feature)
         made = layer = None
-        self.fails("prepare", "WGS 84 is no projection, which a .shp needs: choose one with --crs, or write a .mif",
+        self.fails("prepare", "WGS 84 is not a projection, which a .shp needs: choose one with --crs, or write a .mif",
                    "layer", "--for", "rf", "s.geojson", "o.shp")
         self.prepare("rf", "s.geojson", "o.shp", "--crs", "EPSG:32756")
         x, y = map(float, self.shapes("o.shp")[0][7:-1].split())
@@ -379,15 +379,15 @@ class RefusalsTest(Prepared):
                     "Observed=VALUE; fields of the source: WKT, h, t", "cp", points)
         self.refuse("the source has no field level; its fields: WKT, h, t", "cp", points, "--column", "Observed=level")
         self.refuse("-cp has no column Depth; its columns: Observed, Label, Modelled", "cp", points, "--column", "Depth=h")
-        self.refuse("feature 1: Observed is no number: high", "cp", points, "--column", "Observed=h")
-        self.refuse("feature 1: Observed is no number: nan", "cp", points, "--value", "Observed=nan")
+        self.refuse("feature 1: Observed is not a number: high", "cp", points, "--column", "Observed=h")
+        self.refuse("feature 1: Observed is not a number: nan", "cp", points, "--value", "Observed=nan")
 
     def test_nothing_that_fits(self):
         run = self.command("prepare", "layer", "--for", "lp", str(self.give("s.csv", wkt(("WKT", "Name"), ("POINT (1 2)", "a")))),
                            "o.mif")
         self.assertEqual(run.status, 1)
         self.assertEqual(run.error, f"gridforge-prepare: {self.folder}/s.csv has no object that fits -lp\n"
-                                     "  parts left out that are no line: 1\n")
+                                     "  parts left out that are not lines: 1\n")
 
     def test_holes_and_vertices_that_cannot_be_helped(self):
         self.refuse("feature 1: a hole does not lie inside its polygon; repair the source, or leave holes out (--holes fill)",
