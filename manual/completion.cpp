@@ -20,6 +20,10 @@ constexpr std::string_view kGlued = "glued"; // the value follows at once
 constexpr std::string_view kAnyFile = "*";
 constexpr std::size_t kLineWidth = 120;
 
+// Those of gridforge-run, which takes the arguments of the tool as well.
+constexpr std::string_view kRunOptions = "--stage --overwrite --keep --input --timeout --json --log --quiet --progress "
+                                         "--dry-run --version --help";
+
 // --- Both shells -----------------------------------------------------------------------------------------------------
 
 struct Entry {
@@ -156,14 +160,21 @@ void writeData(std::ostream& file, const std::vector<Entry>& entries)
     writeMap(file, "takes", values);
     writeMap(file, "options", optionsByOperation(entries));
     writeMap(file, "inputs", inputsByOperation());
-    file << "    local common=\"" << common << "\" repeated=\" " << repeated << " \"\n";
+    file << "    local common=\"" << common << "\" repeated=\" " << repeated << " \"\n"
+         << "    local ours=\"" << kRunOptions << "\"\n";
 }
 
 // --- Bash ------------------------------------------------------------------------------------------------------------
 
 constexpr std::string_view kBash = R"(
     local current=${COMP_WORDS[COMP_CWORD]} given=" " asked="" match="" kinds="" isValue="" word flag
+    local isRun="" isMany=""
     local -a found=()
+    if [[ ${COMP_WORDS[0]##*/} == gridforge-run ]]; then
+        isRun=1
+    else
+        ours=""
+    fi
 
     # What the words before say: the operation, and whether a value is due.
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -172,6 +183,17 @@ constexpr std::string_view kBash = R"(
             continue
         fi
         [[ $word == -* ]] || continue
+        isMany=""
+        if [[ $ours && $word == --* ]]; then
+            given+="$word "
+            case $word in
+            --) ours="" ;; # what follows is the tool's
+            --json | --log) kinds="*" isValue=1 ;;
+            --timeout) kinds="" isValue=1 ;;
+            --input) isMany=1 ;;
+            esac
+            continue
+        fi
         match=""
         for flag in "${!takes[@]}"; do # letters after a flag's name are ignored, so the longest one counts
             if [[ ${word,,} == "${flag,,}"* && ${#flag} -gt ${#match} ]]; then
@@ -190,7 +212,9 @@ constexpr std::string_view kBash = R"(
     COMPREPLY=()
     if [[ ! $isValue && $current == -* ]]; then
         local wanted="$common ${!operation[*]}"
-        if [[ $asked ]]; then
+        if [[ $ours && $current == --* ]]; then
+            wanted=$ours
+        elif [[ $asked ]]; then
             wanted="$common ${options[$asked]}"
         fi
         mapfile -t found < <(compgen -W "$wanted" -- "$current")
@@ -208,13 +232,15 @@ constexpr std::string_view kBash = R"(
         return
     fi
 
-    if [[ ! $isValue ]]; then
+    if [[ $isMany ]]; then
+        kinds="*"
+    elif [[ ! $isValue ]]; then
         # The tool takes a leading slash for a flag, so inputs are not named from the root.
-        [[ $current == /* ]] && return
+        [[ $current == /* && ! $isRun ]] && return
         kinds="asc flt"
         [[ $asked ]] && kinds=${inputs[$asked]}
-        [[ $kinds ]] || return
     fi
+    [[ $kinds ]] || return
     compopt -o filenames 2> /dev/null
     mapfile -t found < <(compgen -f -- "$current")
     for word in "${found[@]}"; do
@@ -235,7 +261,13 @@ complete -F _gridforge gridforge gridforge-run
 constexpr std::string_view kZsh = R"zsh(
     local given=" " asked="" match="" kinds="" isValue="" word flag
     local current=$words[CURRENT]
+    local isRun="" isMany=""
     local -a wanted plain glued
+    if [[ ${words[1]:t} == gridforge-run ]]; then
+        isRun=1
+    else
+        ours=""
+    fi
 
     # What the words before say: the operation, and whether a value is due.
     for word in "${(@)words[2,CURRENT-1]}"; do
@@ -244,6 +276,17 @@ constexpr std::string_view kZsh = R"zsh(
             continue
         fi
         [[ $word == -* ]] || continue
+        isMany=""
+        if [[ -n $ours && $word == --* ]]; then
+            given+="$word "
+            case $word in
+            --) ours="" ;; # what follows is the tool's
+            --json | --log) kinds="*" isValue=1 ;;
+            --timeout) kinds="" isValue=1 ;;
+            --input) isMany=1 ;;
+            esac
+            continue
+        fi
         match=""
         for flag in ${(k)takes}; do # letters after a flag's name are ignored, so the longest one counts
             if [[ ${word:l} == ${flag:l}* && ${#flag} -gt ${#match} ]]; then
@@ -261,7 +304,9 @@ constexpr std::string_view kZsh = R"zsh(
 
     if [[ -z $isValue && $current == -* ]]; then
         wanted=(${=common} ${(k)operation})
-        if [[ -n $asked ]]; then
+        if [[ -n $ours && $current == --* ]]; then
+            wanted=(${=ours})
+        elif [[ -n $asked ]]; then
             wanted=(${=common} ${=options[$asked]})
         elif [[ -z ${(M)wanted:#${current}*} ]]; then # an option before its operation
             wanted=(${(k)takes})
@@ -278,13 +323,15 @@ constexpr std::string_view kZsh = R"zsh(
         return
     fi
 
-    if [[ -z $isValue ]]; then
+    if [[ -n $isMany ]]; then
+        kinds="*"
+    elif [[ -z $isValue ]]; then
         # The tool takes a leading slash for a flag, so inputs are not named from the root.
-        [[ $current == /* ]] && return 1
+        [[ $current == /* && -z $isRun ]] && return 1
         kinds="asc flt"
         [[ -n $asked ]] && kinds=${inputs[$asked]}
-        [[ -n $kinds ]] || return 1
     fi
+    [[ -n $kinds ]] || return 1
     if [[ $kinds == "*" ]]; then
         _files
     else

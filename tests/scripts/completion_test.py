@@ -6,15 +6,18 @@ GRIDFORGE_MANUAL_DIR is the folder with the completions of both shells. A shell 
 import json
 import os
 import pty
+import re
 import select
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
 
 MANUAL = os.path.abspath(os.environ["GRIDFORGE_MANUAL_DIR"])
+RUNNER = os.path.abspath(os.path.join(os.path.dirname(__file__), "..", "..", "python", "bin", "gridforge-run"))
 PATIENCE = 60  # seconds
 FILES = ("a.asc", "b.FLT", "b.hdr", "c.mif", "c.mid", "d.shp", "e.csv", "f.dmg", "g.nbc", "h.rfc", "i.xyz", "j k.asc", "notes.md",
          "sub/x.asc")
@@ -124,6 +127,27 @@ class Completion:
     def test_the_program_that_runs_the_tool(self):
         self.check("gridforge-run --stage -cp ", "c.mif", "d.shp", "sub")
         self.check("gridforge-run --log a.log -cp c.mif -c", "-cpsd", "-cpmm", "-config")
+
+    def test_the_options_of_that_program(self):
+        shown = subprocess.run([sys.executable, "-B", RUNNER, "--help"], capture_output=True, text=True, check=True).stdout
+        options = re.findall(r"(?m)^  (--[\w-]+) ", shown)
+        self.assertGreater(len(options), 10)
+        self.check("gridforge-run --", *options)
+        self.check("gridforge-run --stage -max --", *[option for option in options if option != "--stage"])
+        self.check("gridforge-run --stage -- --")
+        self.check("gridforge --")
+        files = [name for name in FILES if "/" not in name] + ["sub"]
+        for before in ("--json ", "-max --log ", "--stage --input ", "--stage --input e.csv "):
+            self.check("gridforge-run " + before, *files)
+        self.check("gridforge-run --timeout ")
+        self.check("gridforge-run --timeout 5 -cp ", "c.mif", "d.shp", "sub")
+        self.check("gridforge-run --input e.csv -max ", "a.asc", "b.FLT", "j k.asc", "sub")
+
+    def test_that_program_takes_names_from_the_root(self):
+        self.shell.run("gridforge-run() { printf '%s|' \"$@\" > .called; }")
+        self.complete(f"gridforge-run -max {self.folder}/a\t")
+        with open(os.path.join(self.folder, ".called"), encoding="utf-8") as called:
+            self.assertEqual(called.read(), f"-max|{self.folder}/a.asc|")
 
     def test_files_that_stand_by_themselves(self):
         self.check("gridforge -max ", "a.asc", "b.FLT", "j k.asc", "sub")
