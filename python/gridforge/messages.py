@@ -81,8 +81,8 @@ class Scratch:
         self._folder.cleanup()
 
     def publish(self, moves: Sequence[tuple[Path, Path]], family: Sequence[Path] = ()) -> None:
-        """Gives each first file the second name. Files of mkstemp's mode get that of files that are simply created. Of `family`, the
-        names of all files that such an output may have, those that it does not have are removed."""
+        """Gives each first file the second name. Files of mkstemp's mode get that of files that are simply created. `family` are
+        the names of all files that such an output may have; those that it does not have are removed."""
         mask = os.umask(0)
         os.umask(mask)
         for source, _ in moves:

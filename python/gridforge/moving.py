@@ -180,8 +180,8 @@ def _forget_copies(near: list[Move], moves: list[Move]) -> None:
 
 def move_all(moves: list[Move], overwrite: bool, gone: Iterable[Path] = ()) -> None:
     """Moves all files, or none where one cannot be moved. Of a set of files, as .flt and .hdr, the old ones are away before the
-    first new one comes, so that nobody reads cells of one by the header of the other. `gone` are names of the old set that the new
-    one does not have: with `overwrite` these files are removed."""
+    first new one comes, so that nobody reads cells of one by the header of the other. `gone` are names of the old set that the
+    new one does not have: with `overwrite` these files are removed."""
     if not overwrite:
         there = _first_there(moves)
         if there is not None:

@@ -598,7 +598,8 @@ def prepare_layer(form: Form, source: str, output: Path, wishes: Wishes) -> list
         notes = check(form, objects)
         write_layer(output, reader.records.columns, reader.place.system, form.kinds, objects)
         del data
-    return [*reader.records.told(), *reader.notes.lines(), *said, *notes, f"{counted(len(objects), 'object')} written to {output}"]
+    return [*reader.records.told(), *reader.notes.lines(), *said, *notes,
+            f"{counted(len(objects), 'object')} written to {output}"]
 
 
 def make_template(form: Form, output: Path, crs: str | None, kind: str | None, optional: bool) -> None:

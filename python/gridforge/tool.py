@@ -48,8 +48,8 @@ def _beside(tool: Path) -> list[Path]:
 
 
 def find_description(tool: Optional[Path] = None) -> Path:
-    """gridforge.json: that of GRIDFORGE_JSON, else the one that belongs to `tool`, else the one installed together with this package,
-    else the package's own."""
+    """gridforge.json: that of GRIDFORGE_JSON, else the one that belongs to `tool`, else the one installed together with this
+    package, else the package's own."""
     named = os.environ.get("GRIDFORGE_JSON", "")
     if named:
         return Path(named)

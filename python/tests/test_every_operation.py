@@ -86,7 +86,8 @@ class EveryOperationTest(ScratchTest):
             Path(name).write_bytes(content + b" ")
             with self.assertRaises(gridforge.RunError) as raised:
                 gridforge.run(arguments, stage=True, named_inputs=named)
-            self.assertEqual(str(raised.exception), f"A file is there already, so no output was moved to its place: {name}", arguments)
+            self.assertEqual(str(raised.exception),
+                             f"A file is there already, so no output was moved to its place: {name}", arguments)
             self.assertEqual(Path(name).read_bytes(), content + b" ", name)
             self.assertEqual(set(self.files("kept")), {*files, name}, arguments)
 

@@ -97,7 +97,8 @@ class ToTheToolTest(Grids):
 
     def test_degrees_are_told(self):
         self.tif("a.tif", [[1]], epsg=4326)
-        self.assertEqual(self.prepare("a.tif", "o.flt")[0], "WARNING: WGS 84 is not a projection; the tool takes none from the .prj")
+        self.assertEqual(self.prepare("a.tif", "o.flt")[0],
+                         "WARNING: WGS 84 is not a projection; the tool takes none from the .prj")
 
     def test_rows_that_run_north_are_turned(self):
         self.tif("a.tif", [[1, 2], [3, 4]], place=(100, 10, 0, 480, 0, 10))

@@ -179,7 +179,8 @@ class StageTest(ScratchTest):
         (self.folder / "wait").mkdir()
         for how in ({"stage": True}, {}):
             os.environ["GRIDFORGE_PROGRESS"] = "progress.json"
-            record = gridforge.run(["-fe", "a.asc"], folder=self.folder / "work", environment={"GRIDFORGE_SCRATCH": "wait"}, **how)
+            record = gridforge.run(["-fe", "a.asc"], folder=self.folder / "work",
+                                   environment={"GRIDFORGE_SCRATCH": "wait"}, **how)
             self.assertEqual(record.output_names, ["a_extent.asc"])
             self.assertEqual(self.files(), ["progress.json", "work/a.asc", "work/a_extent.asc"])
             self.assertIn(b'"read"', Path("progress.json").read_bytes())
@@ -187,7 +188,8 @@ class StageTest(ScratchTest):
             Path("work/a_extent.asc").unlink()
         self.use_tool('echo "$GRIDFORGE_PROGRESS $GRIDFORGE_SCRATCH"\necho Finished.\n')
         lines = []
-        gridforge.run(["-fe", "a.asc"], folder="work", stage=True, on_line=lines.append, environment={"GRIDFORGE_SCRATCH": "wait"})
+        gridforge.run(["-fe", "a.asc"], folder="work", stage=True, on_line=lines.append,
+                      environment={"GRIDFORGE_SCRATCH": "wait"})
         self.assertEqual(lines[0], f"{self.folder}/progress.json {self.folder}/wait")
 
     def test_the_scratch_folder_is_kept_if_asked(self):
