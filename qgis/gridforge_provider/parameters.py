@@ -186,8 +186,13 @@ def _hidden(layer: QgsVectorLayer) -> list[int]:
     return list(layer.primaryKeyAttributes())
 
 
+def _is_empty(value: Any) -> bool:
+    """What a dialog gives for a field that nobody has filled in: file widgets and `qgis_process` give an empty text."""
+    return value is None or isinstance(value, str) and not value
+
+
 def _value(algorithm: QgsProcessingAlgorithm, field: Field, parameters: dict[str, Any], context: QgsProcessingContext) -> Any:
-    if parameters.get(field.name) is None and field.optional:
+    if field.optional and _is_empty(parameters.get(field.name)):
         return field.default
     if field.kind == "grid":
         return _grid(algorithm.parameterAsRasterLayer(parameters, field.name, context), field.label)

@@ -22,6 +22,7 @@ from qgis.core import (QgsApplication, QgsCoordinateReferenceSystem, QgsFeature,
                        QgsProject, QgsRasterLayer, QgsVectorFileWriter, QgsVectorLayer)
 
 import samples  # noqa: E402
+import test_toolbox as toolbox  # noqa: E402
 import unpacked  # noqa: E402
 
 gdal.UseExceptions()
@@ -468,6 +469,33 @@ class RunTest(PluginTest):
         Path(self.path("gone")).unlink()
         self.assertEqual(self.failure("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("e.asc")),
                          f"The settings of Processing name a tool that is not there: {self.path('gone')}")
+
+    def parameters_of(self, case, folder):
+        """What `qgis_process` makes of the parameters of a case, and the folder of its results."""
+        inputs, results = folder / "in", folder / "out"
+        samples.write_samples(inputs)
+        given = {}
+        for word in case.parameters.split():
+            name, value = word.replace("=@", f"={inputs}/").replace("=>", f"={results}/").split("=", 1)
+            given.setdefault(name, []).append(value)
+        return {name: values if name in ("INPUTS", "MAT") else values[0] for name, values in given.items()}
+
+    def test_what_is_left_empty_counts_as_not_given(self):
+        nothing = {"multilayer": [[], None], "file": ["", None], "string": ["", None], "source": ["", None], "raster": ["", None],
+                   "number": [None, ""]}
+        for name, case in toolbox.CASES.items():
+            wanted = toolbox.by_tool(case)[1]
+            definitions = REGISTRY.algorithmById(f"gridforge:{case.algorithm}").parameterDefinitions()
+            for way in (0, 1):
+                with self.subTest(name, way=way), tempfile.TemporaryDirectory() as scratch:
+                    parameters = self.parameters_of(case, Path(scratch))
+                    before = toolbox.contents(Path(scratch, "in"))
+                    empty = {one.name(): nothing[one.type()][way] for one in definitions
+                             if one.flags() & one.FlagOptional and one.type() in nothing}
+                    self.run_algorithm(case.algorithm, **{**empty, **parameters, "LOAD": False})
+                    made = (toolbox.new_or_changed(Path(scratch, "in"), before) if case.in_place
+                            else toolbox.contents(Path(scratch, "out")))
+                    self.assertEqual(made, wanted)
 
     def test_inputs_of_one_name(self):
         (self.folder / "other").mkdir()
