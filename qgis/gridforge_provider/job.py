@@ -9,11 +9,11 @@ from qgis.core import QgsProcessingException
 from . import delivery
 from . import room as rooms
 from .call import Call
-from .convert import ConversionError
+from .convert import Cancelled, ConversionError
 from .form import arguments, what_is_missing
 from .package import Record, ToolNotFound, WrongUse
 from .room import OUT, Room
-from .running import run_tool
+from .running import CANCELLED, run_tool
 from .staging import seen_from_base, stage
 from .tool_setting import chosen_tool
 
@@ -25,6 +25,8 @@ def run(call: Call) -> dict[str, Any]:
         return run_to_folder(call) if call.form.to_folder else run_to_destinations(call)
     except (ConversionError, ToolNotFound, WrongUse, OSError) as error:
         raise QgsProcessingException(str(error)) from error
+    except Cancelled as error:
+        raise QgsProcessingException(CANCELLED) from error
 
 
 def run_to_destinations(call: Call) -> dict[str, Any]:

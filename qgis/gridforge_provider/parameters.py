@@ -13,7 +13,7 @@ from qgis.core import (QgsCoordinateReferenceSystem, QgsProcessing, QgsProcessin
                        QgsProcessingParameterFolderDestination, QgsProcessingParameterMultipleLayers,
                        QgsProcessingParameterNumber, QgsProcessingParameterRasterDestination,
                        QgsProcessingParameterRasterLayer, QgsProcessingParameterString, QgsProcessingParameterVectorDestination,
-                       QgsProviderRegistry, QgsRasterLayer, QgsVectorLayer)
+                       QgsProviderRegistry, QgsRasterLayer, QgsVectorLayer, QgsWkbTypes)
 
 from . import styling
 from .form import Field, Form, Output
@@ -21,6 +21,8 @@ from .form import Field, Form, Output
 FOLDER, LOAD, STYLE, BASE, LAYERS = "FOLDER", "LOAD", "STYLE", "BASE", "LAYERS"
 GRIDS = (".asc", ".flt")
 VECTORS = (".mif", ".shp")
+SHAPE_TYPE_AT = 32  # in the header of a .shp
+PLAIN_SHAPES = (0, 1, 3, 5)  # nulls, points, lines, polygons
 
 
 @dataclass(frozen=True)
@@ -175,8 +177,18 @@ def _layer(algorithm: QgsProcessingAlgorithm, name: str, parameters: dict[str, A
     uri = QgsProviderRegistry.instance().decodeUri(layer.providerType(), layer.source())
     path = Path(uri.get("path") or "")
     whole = not selected and not layer.subsetString() and not layer.isEditable()
-    fits = layer.providerType() == "ogr" and path.suffix.lower() in VECTORS and path.is_file() and whole
+    ours = layer.providerType() == "ogr" and path.suffix.lower() in VECTORS and path.is_file()
+    fits = ours and whole and _is_plain(layer, path)
     return LayerSource(path if fits else None, layer.name(), layer.crs().isValid(), tuple(_hidden(layer)))
+
+
+def _is_plain(layer: QgsVectorLayer, file: Path) -> bool:
+    """Whether the tool reads the shapes: it has no multipoints, and no Z and M, which QGIS may not show if all are empty."""
+    if file.suffix.lower() != ".shp":
+        return QgsWkbTypes.flatType(layer.wkbType()) != QgsWkbTypes.MultiPoint
+    with open(file, "rb") as shapes:
+        shapes.seek(SHAPE_TYPE_AT)
+        return int.from_bytes(shapes.read(4), "little") in PLAIN_SHAPES
 
 
 def _hidden(layer: QgsVectorLayer) -> list[int]:

@@ -8,6 +8,9 @@ from qgis.core import QgsProcessingException, QgsProcessingFeedback
 from .package import Progress, Record, RunError, run
 
 
+CANCELLED = "The run was cancelled."
+
+
 class Cancel:
     """The button of the dialog, as the package asks for it."""
 
@@ -35,5 +38,5 @@ def run_tool(tool: Path, arguments: list[str], folder: Path, feedback: QgsProces
                    cancel=Cancel(feedback))
     except RunError as error:
         if feedback.isCanceled():
-            raise QgsProcessingException("The run was cancelled.") from error
+            raise QgsProcessingException(CANCELLED) from error
         raise QgsProcessingException(str(error)) from error

@@ -6,7 +6,7 @@ from pathlib import Path
 from typing import Any
 
 from .call import Call
-from .convert import grid_to_flt, layer_to_file
+from .convert import grid_to_flt, layer_to_file, what_is_lost
 from .parameters import GridSource, LayerSource
 from .room import Room
 
@@ -24,7 +24,7 @@ def stage_grid(call: Call, room: Room, grid: GridSource) -> str:
         call.feedback.pushInfo(f"Converting {grid.source} to {name}")
         if grid.bands > 1:
             call.feedback.pushWarning(f"The tool takes one band of a grid, so this is the first of {grid.bands}: {grid.source}")
-        grid_to_flt(grid.source, room.folder / name)
+        grid_to_flt(grid.source, room.folder / name, call.feedback)
     room.project(name, grid.projection)
     return name
 
@@ -35,6 +35,8 @@ def stage_layer(call: Call, room: Room, field: str, layer: LayerSource) -> str:
     name = room.name_for(plain_name(layer.name) + (".shp" if layer.has_projection else ".mif"))
     call.feedback.pushInfo(f"Converting the layer {layer.name} to {name}")
     source = call.algorithm.parameterAsSource(call.parameters, field, call.context)
+    for said in what_is_lost(source):
+        call.feedback.pushInfo(said)
     layer_to_file(source, list(layer.hidden_columns), room.folder / name, call.feedback, call.context.transformContext())
     return name
 

@@ -52,10 +52,15 @@ class Feedback(QgsProcessingFeedback):
 
     def __init__(self, cancel_at=None):
         super().__init__(False)
-        self.lines, self.warnings, self.errors, self.cancel_at = [], [], [], cancel_at
+        self.lines, self.warnings, self.errors, self.infos, self.cancel_at = [], [], [], [], cancel_at
 
     def reportError(self, text, fatal=False):
         self.errors.append(text)
+
+    def pushInfo(self, text):
+        self.infos.append(text)
+        if self.cancel_at and self.cancel_at in text:
+            self.cancel()
 
     def pushConsoleInfo(self, text):
         self.lines.append(text)
@@ -93,6 +98,20 @@ class PluginTest(unittest.TestCase):
         self.assertTrue(good)
         handleAlgorithmResults(algorithm, context, self.feedback, False, parameters)
         return results
+
+    def tool(self, text):
+        """A tool that is told what to do, for this test."""
+        path = self.folder / "tool"
+        path.write_text("#!/bin/sh\n" + text)
+        path.chmod(path.stat().st_mode | stat.S_IXUSR)
+        before = os.environ["GRIDFORGE"]
+        os.environ["GRIDFORGE"] = str(path)
+        self.addCleanup(os.environ.__setitem__, "GRIDFORGE", before)
+
+    def failure(self, name, **parameters):
+        with self.assertRaises(QgsProcessingException) as raised:
+            self.run_algorithm(name, **parameters)
+        return str(raised.exception)
 
     def cells(self, path):
         return gdal.Open(path).ReadAsArray().tolist()
@@ -189,6 +208,36 @@ class ConversionTest(PluginTest):
         self.assertEqual(str(raised.exception),
                          f"The grid does not point north: {self.path('turned.tif')}\ngridforge-prepare --cell SIZE turns it.")
 
+    def test_a_value_that_is_the_null_of_the_tool(self):
+        source = self.tiff("nulls.tif", [[1, -9999, 3], [0, -9999, -9999]], null=0)
+        results = self.run_algorithm("trans_m", INPUT=source, TRANS_C=0, OUTPUT=self.path("same.flt"))
+        self.assertEqual(self.cells(results["OUTPUT"]), [[1, -9999, 3], [-9999, -9999, -9999]])
+        self.assertEqual(self.feedback.warnings, ["Cells of -9999, which is not the null of the source, became null: 3"])
+        self.feedback = Feedback()
+        source = self.tiff("own.tif", [[1, -9999]], null=-9999)
+        self.run_algorithm("trans_m", INPUT=source, TRANS_C=0, OUTPUT=self.path("same.flt"))
+        self.assertEqual(self.feedback.warnings, [])
+        self.assertIn(f"Converting {source} to own.flt", self.feedback.infos)
+
+    def test_the_progress_of_a_grid(self):
+        source = self.tiff("tall.tif", [[1, 2]] * 4)
+        seen = []
+        self.feedback.progressChanged.connect(seen.append)
+        self.addCleanup(setattr, convert, "CELLS_AT_ONCE", convert.CELLS_AT_ONCE)
+        convert.CELLS_AT_ONCE = 2
+        convert.grid_to_flt(source, Path(self.path("tall.flt")), self.feedback)
+        self.assertEqual(seen, [25, 50, 75, 100])
+        self.assertEqual(self.cells(self.path("tall.flt")), [[1, 2]] * 4)
+
+    def test_a_cancelled_conversion_ends_the_run(self):
+        self.tool(f'touch "{self.path("started")}"\n')
+        for parameters in ({"INPUT": self.tiff("a.tif", [[1, 2]]), "CP": self.path("in/points.mif")},
+                           {"INPUT": self.path("in/a.asc"), "CP": self.points("gpkg")}):
+            self.feedback = Feedback(cancel_at="Converting")
+            self.assertEqual(self.failure("cp", **parameters, OUTPUT=self.path("out/r.mif")), "The run was cancelled.")
+            self.assertEqual(list(Path(self.path("out")).iterdir()), [])
+            self.assertFalse(Path(self.path("started")).exists())
+
     def test_the_first_of_several_bands(self):
         gdal.Translate(self.path("two.tif"), self.tiff("one.tif", [[1, 2]]), bandList=[1, 1])
         self.run_algorithm("fe", INPUT=self.path("two.tif"), OUTPUT=self.path("e.asc"))
@@ -240,6 +289,95 @@ class ConversionTest(PluginTest):
         layer = self.points("gpkg")
         self.assertEqual(layer.fields().names(), ["fid", "seen", "mark"])
         self.assertEqual(self.sampled(layer), self.ROWS)
+
+    def with_heights(self, kind, shapes, name="marks.gpkg"):
+        """Objects with their values in a file of any kind, as a path that a user would choose."""
+        layer = QgsVectorLayer(f"{kind}?crs=EPSG:32756&field=seen:double&field=mark:string(20)", "marks", "memory")
+        for shape, values in shapes:
+            feature = QgsFeature(layer.fields())
+            feature.setGeometry(QgsGeometry.fromWkt(shape))
+            feature.setAttributes(values)
+            self.assertTrue(layer.dataProvider().addFeature(feature), shape)
+        options = QgsVectorFileWriter.SaveVectorOptions()
+        options.driverName = {".gpkg": "GPKG", ".shp": "ESRI Shapefile"}[Path(name).suffix]
+        QgsVectorFileWriter.writeAsVectorFormatV3(layer, self.path(name), self.project.transformContext(), options)
+        return self.path(name)
+
+    HEIGHTS = "The tool reads no {} values, so they are left out."
+
+    def test_points_with_z_and_m(self):
+        for kind, tail, lost in (("PointZ", " 7", "Z"), ("PointM", " 7", "M"), ("PointZM", " 7 8", "Z and no M")):
+            for name in ("marks.gpkg", "marks.shp"):
+                with self.subTest(kind, name=name):
+                    self.feedback = Feedback()
+                    shapes = [(f"{kind}(4.4 4.4{tail})", [55.0, "m"]), (f"{kind}(6.4 5.4{tail})", [20, "n"])]
+                    points = self.with_heights(kind, shapes, name)
+                    self.assertEqual(self.sampled(points), self.ROWS)
+                    self.assertIn(self.HEIGHTS.format(lost), self.feedback.infos)
+                    self.assertIn("Converting the layer marks to marks.shp", self.feedback.infos)
+
+    def test_a_shapefile_whose_m_values_are_all_missing(self):
+        shapes = [("PointM(4.4 4.4 -1e39)", [55.0, "m"]), ("PointM(6.4 5.4 -1e39)", [20, "n"])]
+        points = self.with_heights("PointM", shapes, "marks.shp")
+        with open(points, "rb") as shapes:
+            self.assertEqual(shapes.read(36)[32], 21)  # points with M
+        self.assertEqual(self.sampled(points), self.ROWS)
+
+    def test_multipoints_become_points(self):
+        said = "The tool reads no multipoints, so each of their points becomes an object."
+        for name in ("marks.gpkg", "marks.shp"):
+            with self.subTest(name):
+                self.feedback = Feedback()
+                points = self.with_heights("MultiPoint", [("MultiPoint((4.4 4.4), (6.4 5.4))", [55.0, "m"])], name)
+                self.assertEqual(self.sampled(points), [self.ROWS[0], '"m",55.000,56.000,1.000,0.566'])
+                self.assertEqual(self.feedback.infos[0].split(" to ")[0], "Converting the layer marks")
+                self.assertIn(said, self.feedback.infos)
+
+    def test_lines_with_z(self):
+        wanted = self.profile(self.path("in/lines.mif"))
+        self.assertEqual([row[0] for row in wanted[1:]], ["  12.000", "  14.000", "  15.000", "  17.000", "  18.000"])
+        for name in ("marks.gpkg", "marks.shp"):
+            with self.subTest(name):
+                lines = self.with_heights("LineStringZ", [("LineStringZ(2 4.4 90, 8 4.4 91)", [1.0, "bed"])], name)
+                self.assertEqual(self.profile(lines), wanted)
+
+    def profile(self, lines):
+        """The rows of the one profile along these lines."""
+        folder = Path(tempfile.mkdtemp(dir=self.folder))
+        self.run_algorithm("lp", INPUT=self.path("in/a.asc"), LP=lines, LPMD=2, FOLDER=str(folder), LOAD=False)
+        return [line.split(",")[1:] for path in folder.glob("*.csv") for line in path.read_text().splitlines()]
+
+    def test_regions_with_z(self):
+        square = "PolygonZ((1.5 1.5 9, 4.5 1.5 9, 4.5 4.5 9, 1.5 4.5 9, 1.5 1.5 9))"
+        wanted = self.trimmed(self.path("in/regions.mif"), "wanted")
+        self.assertTrue(wanted)
+        for name in ("marks.gpkg", "marks.shp"):
+            with self.subTest(name):
+                regions = self.with_heights("PolygonZ", [(square, [1.0, "park"])], name)
+                self.assertEqual(self.trimmed(regions, f"of {name}"), wanted)
+
+    def trimmed(self, regions, folder):
+        self.run_algorithm("trim", INPUTS=[self.path("in/a.asc")], TRIM=regions, FOLDER=self.path(folder), LOAD=False)
+        return [self.cells(str(path)) for path in sorted(Path(self.path(folder)).rglob("*.asc"))]
+
+    def test_a_null_geometry_stays_without_shape(self):
+        points = self.with_heights("PointZ", [("PointZ(4.4 4.4 7)", [55.0, "m"]), ("", [1, "none"]),
+                                              ("PointZ(6.4 5.4 7)", [20, "n"])])
+        self.assertEqual(self.sampled(points), self.ROWS)
+
+    def test_a_curve_becomes_straight(self):
+        curve = self.with_heights("CompoundCurve", [("CompoundCurve((2 4.4, 8 4.4))", [1.0, "bed"])])
+        self.assertEqual(self.profile(curve), self.profile(self.path("in/lines.mif")))
+
+    def test_lines_of_one_part_without_projection(self):
+        layer = QgsVectorLayer("MultiLineString?field=label:string(20)", "marks", "memory")
+        layer.setCrs(QgsCoordinateReferenceSystem())
+        feature = QgsFeature(layer.fields())
+        feature.setGeometry(QgsGeometry.fromWkt("MultiLineString((2 4.4, 8 4.4))"))
+        feature.setAttributes(["bed"])
+        layer.dataProvider().addFeature(feature)
+        self.assertEqual(self.profile(layer), self.profile(self.path("in/lines.mif")))
+        self.assertIn("Converting the layer marks to marks.mif", self.feedback.infos)
 
     def test_selected_objects_only(self):
         layer = self.points("memory")
@@ -349,20 +487,6 @@ class ProjectTest(PluginTest):
 
 
 class RunTest(PluginTest):
-    def tool(self, text):
-        """A tool that is told what to do, for this test."""
-        path = self.folder / "tool"
-        path.write_text("#!/bin/sh\n" + text)
-        path.chmod(path.stat().st_mode | stat.S_IXUSR)
-        before = os.environ["GRIDFORGE"]
-        os.environ["GRIDFORGE"] = str(path)
-        self.addCleanup(os.environ.__setitem__, "GRIDFORGE", before)
-
-    def failure(self, name, **parameters):
-        with self.assertRaises(QgsProcessingException) as raised:
-            self.run_algorithm(name, **parameters)
-        return str(raised.exception)
-
     def test_the_console_is_in_the_log(self):
         self.run_algorithm("fe", INPUT=self.path("in/a.asc"), OUTPUT=self.path("e.asc"))
         self.assertIn("Writing ASC grid...", self.feedback.lines)
@@ -422,7 +546,7 @@ class RunTest(PluginTest):
 
     def test_what_cannot_be_converted(self):
         with self.assertRaises(convert.ConversionError) as raised:
-            convert.grid_to_flt(self.path("none.tif"), Path(self.path("none.flt")))
+            convert.grid_to_flt(self.path("none.tif"), Path(self.path("none.flt")), self.feedback)
         self.assertEqual(str(raised.exception), f"The grid cannot be read: {self.path('none.tif')}")
         layer = QgsVectorLayer("Point?field=seen:double", "marks", "memory")
         with self.assertRaises(convert.ConversionError) as raised:
