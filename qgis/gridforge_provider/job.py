@@ -92,4 +92,5 @@ def start(call: Call, values: dict[str, Any], more: list[str], folder: Path) -> 
         raise QgsProcessingException(missing)
     tool = chosen_tool()
     call.feedback.pushCommandInfo(" ".join([str(tool), *(f'"{word}"' if " " in word else word for word in given)]))
-    return given, run_tool(tool, given, folder, call.feedback)
+    # How long files are that only a control file names is not known, so the bar then shows no share of them.
+    return given, run_tool(tool, given, folder, call.feedback, shows_progress=call.control_file is None)

@@ -9,6 +9,7 @@ from .package import Progress, Record, RunError, run
 
 
 CANCELLED = "The run was cancelled."
+MOST = 99.0  # per cent before the end: inputs may be read twice
 
 
 class Cancel:
@@ -21,7 +22,7 @@ class Cancel:
         return self._feedback.isCanceled()
 
 
-def run_tool(tool: Path, arguments: list[str], folder: Path, feedback: QgsProcessingFeedback) -> Record:
+def run_tool(tool: Path, arguments: list[str], folder: Path, feedback: QgsProcessingFeedback, shows_progress: bool) -> Record:
     """A run in `folder`. One that does not finish raises the tool's message."""
     def say(line: str) -> None:
         if line.lstrip().startswith(("WARNING", "ERROR")):
@@ -30,8 +31,8 @@ def run_tool(tool: Path, arguments: list[str], folder: Path, feedback: QgsProces
             feedback.pushConsoleInfo(line)
 
     def show(progress: Progress) -> None:
-        if progress.fraction is not None:
-            feedback.setProgress(100 * progress.fraction)
+        if shows_progress and progress.fraction is not None:
+            feedback.setProgress(min(100 * progress.fraction, MOST))
 
     try:
         return run(arguments, folder=folder, sums=False, environment={"GRIDFORGE": str(tool)}, on_line=say, on_progress=show,
