@@ -19,6 +19,7 @@ from .styles import Style
 try:
     import matplotlib
     matplotlib.use("Agg")
+    matplotlib.rcParams["text.parse_math"] = False  # two dollars in a title are no formula
     from matplotlib import pyplot
     from matplotlib.collections import LineCollection
     from matplotlib.patches import Polygon, Rectangle

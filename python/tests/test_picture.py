@@ -125,6 +125,24 @@ class MapTest(Drawn):
         self.assertEqual(width, int(12 * CM))
         self.assertAlmostEqual(height, (max(side, 7) + 2 * picture.MARGIN + picture.TITLE) * CM, delta=0.6 * CM)
 
+    def width_of_title(self, title):
+        self.draw("--kind", "depth", "--title", title)
+        strip = self.picture[:int((picture.MARGIN + picture.TITLE * 0.7) * CM)]
+        inked = numpy.flatnonzero((strip < 128).all(axis=2).any(axis=0))
+        return inked[-1] - inked[0]
+
+    def test_dollars_in_a_title_are_shown(self):
+        self.give("a.asc", asc([[1] * 10]))
+        # A formula would lose the dollars and the blanks.
+        self.assertGreater(self.width_of_title("$5m to $9m"), self.width_of_title("5m to 9m"))
+
+    def test_dollars_anywhere_are_no_formula(self):
+        self.give("a.asc", asc([[1, 2], [3, 4]]))
+        self.give("l.mif", mif(["Name Char(9)"], "Line 0 0 2 2\n"))
+        self.give("l.mid", '"x"\n')
+        broken = r"$\nothing$"  # a formula that cannot be drawn
+        self.draw("--kind", "depth", "--title", broken, "--heading", broken, "--unit", broken, "--layer", f"l.mif={broken}")
+
 
 class LegendTest(unittest.TestCase):
     def keys(self, kind, *cells, unit="m"):
