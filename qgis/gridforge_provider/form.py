@@ -93,12 +93,12 @@ def _value_field(flag: Flag, asks: bool) -> Field:
     if kind == "switch":
         default = False
     elif asks or flag.acts:
-        default = None  # to give it does more than to set it
+        default = None  # giving it does more than set it
     label = label_of(flag)
-    told = flag.description
+    text = flag.description
     if flag.default is not None and default is None and kind in ("number", "integer"):
-        told += f"; {flag.default:g} without it"
-    return Field(parameter_name(flag.flag), label, kind, flag, default, flag.choices, flag.choices, optional, help=told)
+        text += f"; {flag.default:g} without it"
+    return Field(parameter_name(flag.flag), label, kind, flag, default, flag.choices, flag.choices, optional, help=text)
 
 
 def _input_fields(operation: Operation) -> list[Field]:
@@ -120,7 +120,7 @@ def _asking_fields(operation: Operation) -> list[Field]:
     flags = operation.flags
     if len(flags) > 1 and all(flag.kind == "switch" for flag in flags):
         names = tuple(flag.flag for flag in flags)
-        return [Field("OPERATION", "What is taken", "choice", default=names[0], choices=names,
+        return [Field("OPERATION", "Keep", "choice", default=names[0], choices=names,
                       labels=tuple(label_of(flag) for flag in flags))]
     fields = []
     for flag in flags:

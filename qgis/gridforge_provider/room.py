@@ -1,4 +1,4 @@
-"""The folder of one run: its inputs under short names, its outputs, and the way of these to their places.
+"""The scratch folder of one run: takes inputs under short names, and moves outputs to their places.
 
 Inputs keep their names, because the tool makes names of outputs and legends from them. Only the large file of cells is a link:
 the tool rewrites a projection, and no run may reach the files of the user in that way. Nothing here needs QGIS.

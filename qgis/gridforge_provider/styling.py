@@ -9,7 +9,7 @@ from .package import styles_module as package_styles
 # What a user may say about the cells of a result that are what the cells of its inputs are.
 INPUT_CHOICES = ("by name", "depth", "level", "difference", "impact", "none")
 DIFFERENCE_CHOICES = ("difference", "impact", "none")
-LABELS = {"by name": "That of depths or levels, by the name of the first input", "depth": "Depth", "level": "Level",
+LABELS = {"by name": "Depth or level, by the name of the first input", "depth": "Depth", "level": "Level",
           "difference": "Difference", "impact": "Impact classes", "none": "None"}
 
 

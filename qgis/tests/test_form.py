@@ -53,7 +53,7 @@ class FieldsTest(unittest.TestCase):
         factor = fields("resize")["RESIZE"]
         self.assertEqual((factor.kind, factor.default, factor.optional), ("integer", None, False))
 
-    def test_a_number_that_does_more_than_to_be_set_has_no_default(self):
+    def test_a_number_that_does_more_than_set_a_value_has_no_default(self):
         points = fields("remap")["IDW_NPT"]
         self.assertIsNone(points.default)
         self.assertIn("12 without it", points.help)
@@ -62,6 +62,11 @@ class FieldsTest(unittest.TestCase):
         for name, form in FORMS.items():
             optional = [field.optional for field in form.fields]
             self.assertEqual(optional, sorted(optional), name)
+
+
+    def test_one_of_several_switches(self):
+        choice = fields("max")["OPERATION"]
+        self.assertEqual((choice.label, choice.labels), ("Keep", ("Highest value", "Lowest value")))
 
 
 class ArgumentsTest(unittest.TestCase):

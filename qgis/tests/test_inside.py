@@ -156,6 +156,9 @@ class LoadingTest(PluginTest):
         offered = {algorithm.name() for algorithm in REGISTRY.providerById("gridforge").algorithms()
                    if algorithm.parameterDefinition("STYLE")}
         self.assertEqual(offered, {"max", "stat", "dif", "cd", "trans_m", "resize", "xyz", "conv", "trim"})
+        choice = REGISTRY.algorithmById("gridforge:max").parameterDefinition("STYLE")
+        self.assertEqual(choice.options(), ["Depth or level, by the name of the first input", "Depth", "Level", "Difference",
+                                            "Impact classes", "None"])
 
     def test_it_can_be_taken_out_and_put_back(self):
         self.assertTrue(qgis.utils.unloadPlugin("gridforge_provider"))
