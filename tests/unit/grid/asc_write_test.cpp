@@ -58,7 +58,7 @@ TEST(WriteAscRows, WritesRowsByPosition)
     const Environment pieces = smallPieces();
     const MemoryRun run;
     static std::atomic<int> calls = 0;
-    System counting = memorySystem();
+    static System counting = memorySystem(); // used as long as the run lasts
     counting.writeAt = [](SystemFile file, std::int64_t position, std::span<const char> bytes) {
         ++calls;
         return memorySystem().writeAt(file, position, bytes);
@@ -75,7 +75,7 @@ TEST(WriteAscRows, WritesRowAfterRowWhereThatIsRefused)
     const Environment pieces = smallPieces();
     const MemoryRun run;
     static std::atomic<int> calls = 0;
-    System refusing = memorySystem();
+    static System refusing = memorySystem();
     refusing.writeAt = [](SystemFile file, std::int64_t position, std::span<const char> bytes) {
         return ++calls == 3 ? std::int64_t{-1} : memorySystem().writeAt(file, position, bytes);
     };
