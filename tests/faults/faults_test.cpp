@@ -86,6 +86,7 @@ const std::vector<Row> kErrors = {
     // What is only tried, as there is another way: cells that are computed ahead, and what is asked of the machine for them.
     {"open close pread pwrite ftruncate", "w", "(unnamed)", kNoEffect},
     {"pread", "r", ".asc .flt", kNoEffect},
+    {"open", "r", ".mif .shp", kNoEffect}, // a look at the points of a layer
     {"pwrite", "w", ".asc", kNoEffect},
     {"link rename", "w", ".flt .part", kNoEffect},
     {"mmap", "-", "", kNoEffect},

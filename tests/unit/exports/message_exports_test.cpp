@@ -110,7 +110,7 @@ TEST(ExportedMessages, ALogThatIsNotOpenEndsTheRun)
                   ::DMESSAGES.messageLogUnit = 9999;
                   ::DMESSAGE(-1);
               }),
-              "ERROR 0201 - one\n\nShould not be here [file unit] - please contact SUPPORT_CONTACT.\n\nPress Enter to "
+              "ERROR 0201 - one\nShould not be here [file unit] - please contact SUPPORT_CONTACT.\n\nPress Enter to "
               "Close\n");
 }
 
