@@ -496,7 +496,7 @@ class RunTest(PluginTest):
         self.assertEqual(self.feedback.lines[-1], "Finished.")
 
     def test_progress(self):
-        size = os.path.getsize(self.path("in/a.asc"))
+        size = sum(os.path.getsize(self.path("in/a." + kind)) for kind in ("asc", "prj"))
         line = '{"seconds":1,"read":%d,"written":0,"objects":0}'
         tell = "echo '%s' > /dev/fd/${GRIDFORGE_PROGRESS#fd:}\nsleep 1\n" % line
         self.tool(tell % (size // 2) + tell % size + "echo ERROR - half\n")
