@@ -75,7 +75,8 @@ void DMESSAGEXY(std::int32_t blankLines, double x, double y)
 {
     MessageRecord& record = DMESSAGES();
     record.prefix = "XY:";
-    const MessageClass messageClass = classOf(record);
+    classify(record);
+    const MessageClass messageClass{record.messageClass};
     switch (messageClass) {
     case MessageClass::error: ++record.xyErrorCount; break;
     case MessageClass::warning: ++record.xyWarningCount; break;

@@ -40,21 +40,11 @@ const ClassWord* classWordOf(std::string_view line)
 
 void countMessage(MessageRecord& record)
 {
-    const ClassWord* const found = classWordOf(record.line[0].view());
-    record.id = 0;
-    record.messageClass = found == nullptr ? 0 : static_cast<std::int32_t>(found->messageClass);
-    if (found == nullptr) {
-        return;
-    }
-    switch (found->messageClass) {
+    switch (MessageClass{record.messageClass}) {
     case MessageClass::error: ++record.errorCount; break;
     case MessageClass::warning: ++record.warningCount; break;
     case MessageClass::check: ++record.checkCount; break;
     default: break;
-    }
-    const std::string_view columns = record.line[0].view().substr(found->word.size()).substr(0, kNumberColumns);
-    if (!parseNumber(trim(columns), record.id)) {
-        record.id = 0;
     }
 }
 
@@ -108,10 +98,14 @@ MessageRecord& DMESSAGES()
     return ::DMESSAGES;
 }
 
-MessageClass classOf(const MessageRecord& record)
+void classify(MessageRecord& record)
 {
-    const ClassWord* const found = classWordOf(record.line[0].view());
-    return found == nullptr ? MessageClass::none : found->messageClass;
+    const std::string_view line = record.line[0].view();
+    const ClassWord* const found = classWordOf(line);
+    record.messageClass = found == nullptr ? 0 : static_cast<std::int32_t>(found->messageClass);
+    if (found == nullptr || !parseNumber(trim(line.substr(found->word.size(), kNumberColumns)), record.id)) {
+        record.id = 0;
+    }
 }
 
 std::string joinTags(const MessageRecord& record)
@@ -128,6 +122,7 @@ std::string joinTags(const MessageRecord& record)
 void DMESSAGE(std::int32_t blankLines)
 {
     MessageRecord& record = DMESSAGES();
+    classify(record);
     countMessage(record);
     if (record.messageCsvUnit > 0 && record.messageClass != 0) {
         writeCsv(record);

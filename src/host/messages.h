@@ -46,8 +46,8 @@ struct MessageRecord {
 MessageRecord& DMESSAGES();
 
 enum class MessageClass : std::int32_t { none, error, warning, check, unstable };
-// By the word at the head of line 1.
-MessageClass classOf(const MessageRecord& record);
+// Fills `messageClass` and `id` from the word at the head of line 1 and the number after it.
+void classify(MessageRecord& record);
 // The tags as one text, which DMESSAGE writes as line 4.
 std::string joinTags(const MessageRecord& record);
 
