@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
+#include "option_of.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -103,8 +104,7 @@ Pairs optionsByOperation(const std::vector<Entry>& entries)
         std::string flags;
         for (const Entry& entry : entries) {
             const bool asks = entry.operation == operation.name;
-            const bool takes = !entry.row->docs.operations.empty() && driver::takenBy(*entry.row, operation.name);
-            if (asks ? goesWithOwn(entry, entries) : takes) {
+            if (asks ? goesWithOwn(entry, entries) : isOptionOf(*entry.row, operation.name)) {
                 append(flags, entry.flag);
             }
         }

@@ -4,6 +4,7 @@
 #include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
+#include "option_of.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -187,9 +188,7 @@ std::string describe(const driver::OperationRow& row)
         outputs.push_back(describe(output));
     }
     const auto asks = [&](const driver::FlagRow& flag) { return driver::operationOf(flag) == row.name; };
-    const auto takes = [&](const driver::FlagRow& flag) {
-        return !flag.docs.operations.empty() && driver::takenBy(flag, row.name) && !asks(flag);
-    };
+    const auto takes = [&](const driver::FlagRow& flag) { return isOptionOf(flag, row.name); };
     constexpr std::string_view kIndent = "      ";
     return join("{\n      \"name\": ", text(row.name), ",\n      \"description\": ", text(row.docs.description),
                 ",\n      \"page\": ", text(join("docs/operations/", row.docs.page, ".md")),

@@ -6,6 +6,7 @@
 #include "description.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
+#include "option_of.h"
 
 #include <fstream>
 #include <iostream>
@@ -220,12 +221,9 @@ std::string kindOfValue(const driver::FlagRow& row)
 // The operations that take an option, by their first flags.
 std::string takers(const driver::FlagRow& row)
 {
-    if (row.docs.operations.empty()) {
-        return {};
-    }
     std::string names;
     for (const driver::OperationRow& operation : driver::operationTable()) {
-        if (driver::takenBy(row, operation.name) && driver::operationOf(row) != operation.name) {
+        if (isOptionOf(row, operation.name)) {
             names += join(names.empty() ? "Option of " : ", ", roff(join('-', operation.name)));
         }
     }

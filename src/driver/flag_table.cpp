@@ -295,12 +295,6 @@ std::span<const FlagRow> flagTable()
     return kFlags;
 }
 
-bool takenBy(const FlagRow& row, std::string_view wanted)
-{
-    return row.docs.operations.empty() ||
-           join(' ', row.docs.operations, ' ').find(join(' ', wanted, ' ')) != std::string::npos;
-}
-
 std::string_view operationOf(const FlagRow& row)
 {
     return row.kind == operation ? row.docs.operations.substr(0, row.docs.operations.find(' ')) : std::string_view();

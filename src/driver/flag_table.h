@@ -75,8 +75,6 @@ struct FlagRow {
 // In matching order: the first row that matches is the flag.
 std::span<const FlagRow> flagTable();
 
-// Is the operation of this name among those that take the flag?
-bool takenBy(const FlagRow& row, std::string_view operation);
 // The operation that the flag asks for; "" for an option.
 std::string_view operationOf(const FlagRow& row);
 
