@@ -3,8 +3,10 @@
 #include "grid/asc_rows.h"
 #include "host/ends.h"
 #include "host/messages.h"
+#include "host/positions.h"
 
 #include <bit>
+#include <cassert>
 
 namespace gridforge::grid {
 
@@ -73,6 +75,17 @@ void passCells(OpenGrid grid)
     } else {
         goThroughAscCells(grid.unit, grid.header.nrows, [](std::int32_t) { return true; });
     }
+}
+
+void readPassedCells(const GridLook& look, Grid& cells)
+{
+    assert(look.format == Format::flt);
+
+    const SystemFile file = theSystem().open(look.file, OpenFor::reading);
+    if (file == SystemFile::none || !readAllAt(file, look.cellsFrom, std::as_writable_bytes(cells.cells()))) {
+        failCells();
+    }
+    theSystem().close(file);
 }
 
 } // namespace gridforge::grid

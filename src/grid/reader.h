@@ -2,6 +2,7 @@
 #pragma once
 
 #include "grid/header.h"
+#include "grid/look.h"
 
 namespace gridforge::grid {
 
@@ -12,6 +13,9 @@ void readCells(OpenGrid grid, Grid& cells);
 
 // Says, opens and closes the same, but reads no cells: the caller has them already.
 void passCells(OpenGrid grid);
+
+// Fills all of `cells` from a binary grid without a line on the console: the caller needs the cells after all that it passed.
+void readPassedCells(const GridLook& look, Grid& cells);
 
 // Ends the run where cells cannot be read.
 [[noreturn]] void failCells();

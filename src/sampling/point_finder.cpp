@@ -2,7 +2,6 @@
 
 #include "grid/reader.h"
 #include "host/ends.h"
-#include "host/positions.h"
 #include "run/cells_ahead.h"
 
 #include <algorithm>
@@ -113,11 +112,7 @@ void PointFinder::readLate()
     if (!terrain_.cells.allocate(terrain_.header.nrows, terrain_.header.ncols)) {
         failMemory();
     }
-    const SystemFile file = theSystem().open(look_->file, OpenFor::reading);
-    if (file == SystemFile::none || !readAllAt(file, 0, std::as_writable_bytes(terrain_.cells.cells()))) {
-        grid::failCells();
-    }
-    theSystem().close(file);
+    grid::readPassedCells(*look_, terrain_.cells);
     searchWhole();
 }
 
