@@ -190,21 +190,25 @@ LayerObject* LayerReader::next()
 
 void LayerReader::readCoordinates(LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices)
 {
+    assert(layer_ != nullptr);
     gis::readCoordinates(*layer_, object, coordinates, maxVertices);
 }
 
 std::int32_t LayerReader::columnCount() const
 {
+    assert(layer_ != nullptr);
     return gis::columnCount(*layer_);
 }
 
 std::vector<Column> LayerReader::columns() const
 {
+    assert(layer_ != nullptr);
     return std::visit([](const auto& files) { return columnsOf(files); }, layer_->files);
 }
 
 void LayerReader::close()
 {
+    assert(layer_ != nullptr);
     gis::close(*layer_);
     layer_ = nullptr;
 }

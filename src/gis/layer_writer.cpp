@@ -9,6 +9,7 @@
 #include "host/ends.h"
 #include "host/progress.h"
 
+#include <cassert>
 #include <utility>
 
 namespace gridforge::gis {
@@ -64,6 +65,7 @@ LayerWriter::LayerWriter(std::int32_t id, std::string name, std::variant<mif::Mi
 
 void LayerWriter::write(const Feature& feature)
 {
+    assert(id_ != 0); // it has not been closed
     requireVertices(feature);
     if (hasParts(feature.kind)) {
         requireParts(id_, feature);
@@ -79,9 +81,10 @@ void LayerWriter::write(const Feature& feature)
 
 void LayerWriter::close()
 {
+    assert(id_ != 0);
     say("Closing GIS Layer ", id_, " [", name_, "]...");
     std::visit([](auto& files) { closeFiles(files); }, files_);
-    releaseId(id_);
+    releaseId(std::exchange(id_, 0));
 }
 
 } // namespace gridforge::gis

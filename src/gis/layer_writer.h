@@ -28,7 +28,7 @@ public:
     void close();
 
 private:
-    std::int32_t id_;
+    std::int32_t id_; // 0 when closed
     std::string name_;
     std::variant<mif::MifOutput, shp::ShpOutput> files_;
 };

@@ -123,7 +123,7 @@ void failRecord(Unit)
 }
 
 template <std::size_t... kinds>
-constexpr std::array<WriteFailure, sizeof...(kinds)> recordFailures(std::index_sequence<kinds...>)
+consteval std::array<WriteFailure, sizeof...(kinds)> recordFailures(std::index_sequence<kinds...>)
 {
     return {failRecord<static_cast<Kind>(kinds)>...};
 }
