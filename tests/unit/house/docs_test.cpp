@@ -150,6 +150,93 @@ TEST(Docs, ALinkThatLeadsNowhereIsSeen)
     EXPECT_EQ(objection(readme, "https://example.org/x"), "");
 }
 
+// --- What the documents show of the sources --------------------------------------------------------------------------
+
+// Without the blanks around each line.
+std::string unindented(const std::string& text)
+{
+    return std::regex_replace(text, std::regex("(^|\n)[ ]+"), "$1");
+}
+
+struct Excerpt {
+    std::string file;
+    std::string lines;
+};
+
+// The blocks whose first line names a source.
+std::vector<Excerpt> excerptsIn(const std::string& text)
+{
+    const std::regex block("```cpp\n// (src/[^\n]+)\n([^]*?)```");
+    std::vector<Excerpt> found;
+    for (auto match = std::sregex_iterator(text.begin(), text.end(), block); match != std::sregex_iterator(); ++match) {
+        found.push_back({(*match)[1].str(), (*match)[2].str()});
+    }
+    return found;
+}
+
+bool isExcerpt(const std::string& lines, const std::string& source)
+{
+    return unindented(source).find('\n' + unindented(lines)) != std::string::npos;
+}
+
+TEST(Docs, ShowSourcesAsTheyAre)
+{
+    const std::vector<Excerpt> excerpts = excerptsIn(readWhole(kSource / "CONTRIBUTING.md"));
+    EXPECT_EQ(excerpts.size(), 3U);
+    for (const Excerpt& excerpt : excerpts) {
+        EXPECT_TRUE(isExcerpt(excerpt.lines, readWhole(kSource / excerpt.file)))
+            << "CONTRIBUTING.md shows other lines than " << excerpt.file << " has:\n"
+            << excerpt.lines;
+    }
+    EXPECT_TRUE(isExcerpt("b\n  c\n", "{\n    b\n      c\n}\n"));
+    EXPECT_FALSE(isExcerpt("b\nc\n", "b\n// between\nc\n"));
+    EXPECT_FALSE(isExcerpt("b\n", "ab\n"));
+}
+
+// The names of code between backticks: not files, and not what a user types.
+std::set<std::string> namesIn(const std::string& text)
+{
+    std::set<std::string> names;
+    for (const std::string& word : matches(text, "`(?:[a-z]+(?:::|\\.))*([A-Za-z_]\\w*)(?:\\(\\))?`")) {
+        names.insert(word);
+    }
+    return names;
+}
+
+// The names of a source, without its comments.
+void addNamesOf(const fs::path& file, std::set<std::string>& names)
+{
+    const std::string text = std::regex_replace(readWhole(file), std::regex("//[^\n]*"), "");
+    const std::regex name("[A-Za-z_]\\w*");
+    for (auto match = std::sregex_iterator(text.begin(), text.end(), name); match != std::sregex_iterator(); ++match) {
+        names.insert(match->str());
+    }
+}
+
+TEST(Docs, TheWalksThroughRunsNameWhatTheSourcesHave)
+{
+    std::set<std::string> known;
+    for (const auto& entry : fs::recursive_directory_iterator(kSource / "src")) {
+        if (entry.path().extension() == ".h" || entry.path().extension() == ".cpp") {
+            known.insert(entry.path().stem().string());
+            addNamesOf(entry.path(), known);
+        }
+    }
+    for (const auto& entry : fs::directory_iterator(kSource / "src")) {
+        known.insert(entry.path().filename().string());
+    }
+    const std::string page = readWhole(kSource / "docs/architecture.md");
+    const std::size_t from = page.find("\n## Three runs, room by room\n");
+    ASSERT_NE(from, std::string::npos);
+    const std::set<std::string> names = namesIn(page.substr(from, page.find("\n## ", from + 1) - from));
+    EXPECT_GT(names.size(), 60U);
+    for (const std::string& name : names) {
+        EXPECT_TRUE(known.contains(name)) << name;
+    }
+    EXPECT_EQ(namesIn("`gis::openLayer` `layer.next()` `a.flt` `-cp gauges_P.shp` `run`"),
+              (std::set<std::string>{"openLayer", "next", "flt", "run"}));
+}
+
 // --- Pages on operations ---------------------------------------------------------------------------------------------
 
 struct IndexLine {
