@@ -4,6 +4,9 @@
 #include "host/progress.h"
 
 #include <cstdlib>
+#include <exception>
+#include <new>
+#include <stdexcept>
 
 namespace gridforge::inline host {
 
@@ -95,6 +98,19 @@ void shouldNotBeHere(std::string_view place)
 void failMemory()
 {
     fail("ERROR - Could not allocate enough memory (RAM).");
+}
+
+void runToItsEnd(const std::function<void()>& work)
+{
+    try {
+        work();
+    } catch (const std::bad_alloc&) {
+        failMemory();
+    } catch (const std::length_error&) { // more than a vector or a text can ever hold
+        failMemory();
+    } catch (const std::exception&) {
+        shouldNotBeHere("main");
+    }
 }
 
 } // namespace gridforge::inline host

@@ -4,6 +4,8 @@
 
 #include "host/console.h"
 
+#include <functional>
+
 namespace gridforge::inline host {
 
 // Closes what is open, waits for Enter and ends: the end of most errors.
@@ -47,5 +49,7 @@ template <typename... Parts>
 [[noreturn]] void shouldNotBeHere(std::string_view place);
 // The message of an allocation that failed, and EXITS.
 [[noreturn]] void failMemory();
+// Does the work of a whole run, and ends it where an exception comes out: failMemory where memory is short.
+void runToItsEnd(const std::function<void()>& work);
 
 } // namespace gridforge::inline host

@@ -4,6 +4,7 @@
 #include "support/child_run.h"
 #include "support/environment.h"
 #include "support/memory_run.h"
+#include "support/refusing_system.h"
 
 #include <algorithm>
 #include <atomic>
@@ -21,6 +22,7 @@ namespace {
 using test::ChildRun;
 using test::Environment;
 using test::MemoryRun;
+using test::refuseReadsAfter;
 using test::runInChild;
 using test::ScratchFolder;
 using testing::EndsWith;
@@ -114,17 +116,11 @@ ChildRun writeFromFile(int readsDone)
 {
     const ScratchFolder folder;
     return runInChild(folder, [readsDone] {
-        static std::atomic<int> left;
-        left = readsDone;
-        static System refusing = nativeSystem();
-        refusing.readAt = [](SystemFile file, std::int64_t position, std::span<char> target) {
-            return left-- > 0 ? nativeSystem().readAt(file, position, target) : std::int64_t{-1};
-        };
         grid::CellStore store;
         EXPECT_TRUE(store.take(kCells.size(), "."));
         EXPECT_TRUE(store.isInFile());
         EXPECT_TRUE(store.put(0, kCells));
-        useSystem(refusing);
+        refuseReadsAfter(readsDone);
         GridHeader lattice;
         lattice.nrows = 3;
         lattice.ncols = 2;

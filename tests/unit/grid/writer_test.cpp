@@ -2,6 +2,8 @@
 
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/environment.h"
+#include "support/refusing_system.h"
 
 #include <gtest/gtest.h>
 
@@ -32,6 +34,24 @@ TEST(WriteGrid, KnowsTwoFormatsOnly)
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.console,
               "Should not be here [grid_format] - please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n");
+}
+
+TEST(WriteGrid, EndsTheRunWhereCellsThatWaitedCannotBeReadBack)
+{
+    const test::Environment inFiles({{"GRIDFORGE_MEMORY", "1"}});
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        grid::CellStore waiting;
+        EXPECT_TRUE(waiting.take(6, "."));
+        EXPECT_TRUE(waiting.put(0, std::vector<float>(6)));
+        const grid::CellStore& kept = waiting; // it does not become the file
+        test::refuseReadsAfter(0);
+        grid::writeGrid(grid::Format::flt, "a", headerOf(3, 2), grid::CellSource(kept, headerOf(3, 2)), "");
+    });
+    EXPECT_TRUE(run.ended);
+    EXPECT_TRUE(run.console.ends_with("Writing FLT grid...\n"
+                                      "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n"))
+        << run.console;
 }
 
 TEST(WriteGrid, FieldsAreAsWideAsTheLargestMagnitudeNeeds)

@@ -3,7 +3,10 @@
 #include "host/ends.h"
 #include "support/child_run.h"
 
+#include <functional>
 #include <gtest/gtest.h>
+#include <new>
+#include <string>
 
 namespace gridforge {
 namespace {
@@ -55,6 +58,14 @@ TEST(Console, AnAnswerIsOneLineCutAt1000AndNothingAtTheEndOfInput)
                            "Enter command<CR> or <CR> to continue.\nmine\n");
 }
 
+TEST(Console, AnAnswerIsWithoutItsCarriageReturn)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(
+        folder, [] { say('<', readAnswer("name?").value(), '>', readAnswer("again?").value().size()); }, "one\r\n\r\n");
+    EXPECT_EQ(run.console, "name?\nagain?\n<one>0\n");
+}
+
 // --- Ends ------------------------------------------------------------------------------------------------------------
 
 std::string consoleOf(const std::function<void()>& end)
@@ -81,6 +92,17 @@ TEST(Ends, EachSaysItsOwnAndGivesStatusZero)
               "Should not be here [place] - please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n");
     EXPECT_EQ(consoleOf([] { failMemory(); }),
               "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
+}
+
+TEST(Ends, AnExceptionOutOfARunIsAMessage)
+{
+    const std::string noMemory = "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n";
+    EXPECT_EQ(consoleOf([] { runToItsEnd([] { throw std::bad_alloc(); }); }), noMemory);
+    EXPECT_EQ(consoleOf([] { runToItsEnd([] { std::string().resize(std::string::npos); }); }), noMemory);
+    EXPECT_EQ(consoleOf([] { runToItsEnd([] { static_cast<void>(std::string().at(1)); }); }),
+              "Should not be here [main] - please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n");
+    const ScratchFolder folder;
+    EXPECT_EQ(runInChild(folder, [] { runToItsEnd([] { say("done"); }); }).console, "done\n");
 }
 
 } // namespace

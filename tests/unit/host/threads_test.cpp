@@ -1,8 +1,12 @@
 #include "host/threads.h"
 
+#include "host/console.h"
 #include "host/system.h"
+#include "support/child_run.h"
 #include "support/environment.h"
+#include "support/memory_limit.h"
 
+#include <algorithm>
 #include <atomic>
 #include <gtest/gtest.h>
 #include <new>
@@ -44,6 +48,26 @@ TEST(ParallelFor, DoesEachPieceOnceWithAWorkerOfItsOwn)
         EXPECT_EQ(done, std::vector<int>(1000, 1));
         EXPECT_FALSE(shared);
     }
+}
+
+TEST(ParallelFor, DoesWithoutThreadsThatCannotBeStarted)
+{
+    if (!test::canLimitMemory()) {
+        GTEST_SKIP() << "the sanitizer has taken its memory already";
+    }
+    const test::ScratchFolder folder;
+    const test::ChildRun run = test::runInChild(folder, [] {
+        const Environment environment({{"GRIDFORGE_THREADS", "1000"}});
+        std::vector<int> done(2000);
+        std::atomic<std::size_t> most = 0;
+        test::limitMemory(100); // the stacks of a thousand threads take more
+        parallelFor(done.size(), [&](std::size_t piece, std::size_t worker) {
+            ++done[piece];
+            most = std::max<std::size_t>(most, worker);
+        });
+        say(std::ranges::count(done, 1), most < 999 ? " done by fewer" : " done by all");
+    });
+    EXPECT_EQ(run.console, "2000 done by fewer\n");
 }
 
 TEST(ParallelFor, SeveralPiecesAreDoneAtATime)

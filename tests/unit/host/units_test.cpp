@@ -442,6 +442,16 @@ TEST(Units, AFullDiskEndsTheRunWithAMessage)
     });
     EXPECT_EQ(atWrite.console, atClose.console);
 
+    const ChildRun atAFullBuffer = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "O ", "full.txt");
+        for (int line = 0; line < 5000; ++line) {
+            writeLine(unit, std::string(1000, 'x'));
+        }
+        say("not reached");
+    });
+    EXPECT_EQ(atAFullBuffer.console, atClose.console);
+
     const ChildRun atTheEnd = runInChild(folder, [] {
         Unit unit = 0;
         OPENER(unit, "O ", "full.txt");
@@ -485,6 +495,25 @@ TEST(Units, ARefusedReadIsAFailedOne)
             readFailed(unit) ? ", failed" : ", ended");
     });
     EXPECT_TRUE(run.console.ends_with("goes on, not read, failed\n")) << run.console;
+}
+
+TEST(Units, MoreBytesThanTheBufferHoldsAreReadWholeOrNotAtAll)
+{
+    ScratchFolder folder;
+    folder.give("short.bin", "some bytes");
+    std::filesystem::create_symlink("/proc/self/mem", folder.path() / "refused.bin");
+    const ChildRun run = runInChild(folder, [] {
+        std::vector<std::byte> bytes(4'000'000);
+        for (const char* const name : {"short.bin", "refused.bin"}) {
+            Unit unit = 0;
+            OPENER(unit, "BI", name);
+            const bool first = readBytes(unit, bytes);
+            const bool again = readBytes(unit, bytes);
+            say(name, first || again ? " read" : " not read", readFailed(unit) ? ", failed" : ", ended");
+        }
+    });
+    EXPECT_NE(run.console.find("\nshort.bin not read, ended\n"), std::string::npos) << run.console;
+    EXPECT_TRUE(run.console.ends_with("\nrefused.bin not read, failed\n")) << run.console;
 }
 
 } // namespace

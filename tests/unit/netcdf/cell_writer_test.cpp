@@ -2,6 +2,7 @@
 
 #include "support/child_run.h"
 #include "support/environment.h"
+#include "support/refusing_system.h"
 #include "support/scratch_folder.h"
 
 #include <array>
@@ -145,6 +146,23 @@ TEST(CellWriter, GridsOfFewChunksArePackedSeveralAtATime)
     EXPECT_EQ(together("6", "720"), 2U); // of 2 * 60 bytes a chunk
     EXPECT_EQ(together("6", "1"), 1U);
     EXPECT_EQ(together("6", "1000000", 3), 3U); // no more come
+}
+
+TEST(CellWriter, CellsThatCannotBeReadBackEndTheRun)
+{
+    for (const std::size_t chunkRows : {0U, 2U}) { // by the library, in chunks
+        const Environment inFiles({{"GRIDFORGE_MEMORY", "1"}});
+        const test::ScratchFolder folder;
+        const test::ChildRun run = test::runInChild(folder, [&] {
+            const Target target(folder, chunkRows);
+            netcdf::CellWriter writer(target.single(), lattice(), 1, "nf90_put_var (rg)");
+            const std::vector<grid::CellStore> grids = gridsOf(1, ".");
+            test::refuseReadsAfter(0);
+            writer.write(std::nullopt, grids);
+        });
+        EXPECT_TRUE(run.ended);
+        EXPECT_EQ(run.console, "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
+    }
 }
 
 TEST(CellWriter, ARefusalHasTheNameOfTheCall)

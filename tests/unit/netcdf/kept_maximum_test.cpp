@@ -1,6 +1,9 @@
 #include "netcdf/kept_maximum.h"
 
+#include "host/console.h"
+#include "support/child_run.h"
 #include "support/environment.h"
+#include "support/refusing_system.h"
 #include "support/scratch_folder.h"
 
 #include <bit>
@@ -106,6 +109,24 @@ TEST(KeptMaximum, IsThatOfAllGridsWhereverItWaits)
             }
         }
     }
+}
+
+TEST(KeptMaximum, CellsThatCannotBeReadBackAreReported)
+{
+    const test::Environment inFiles({{"GRIDFORGE_MEMORY", "1"}});
+    const test::ScratchFolder folder;
+    const test::ChildRun run = test::runInChild(folder, [] {
+        netcdf::KeptMaximum maximum;
+        EXPECT_TRUE(maximum.start(latticeOf(5, 20), "."));
+        grid::CellStore laid;
+        EXPECT_TRUE(laid.take(100, "."));
+        EXPECT_TRUE(laid.put(0, std::vector<float>(100)));
+        for (const int good : {0, 1, 2}) { // the kept cells, those of the grid
+            test::refuseReadsAfter(good);
+            say(maximum.raise(laid) ? "raised" : "not raised");
+        }
+    });
+    EXPECT_EQ(run.console, "not raised\nnot raised\nraised\n");
 }
 
 TEST(KeptMaximum, RoomThatCannotBeHadIsReported)

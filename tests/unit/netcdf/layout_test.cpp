@@ -1,6 +1,9 @@
 #include "netcdf/layout.h"
 
+#include "host/console.h"
+#include "support/child_run.h"
 #include "support/environment.h"
+#include "support/refusing_system.h"
 #include "support/scratch_folder.h"
 
 #include <gmock/gmock.h>
@@ -133,6 +136,23 @@ TEST(LayCells, AReadThatIsRefusedIsReported)
     };
     EXPECT_FALSE(netcdf::layCells(refusesLate, netcdf::Layout::rows, lattice, laid));
     EXPECT_FALSE(netcdf::layCells(refusesLate, netcdf::Layout::block, lattice, laid));
+}
+
+TEST(LayCells, AWriteThatIsRefusedIsReported)
+{
+    const Environment environment({{"GRIDFORGE_PIECE", "10"}, {"GRIDFORGE_MEMORY", "1"}});
+    const test::ScratchFolder folder;
+    const test::ChildRun run = test::runInChild(folder, [] {
+        const GridHeader lattice = latticeOf(20, 20);
+        for (const netcdf::Layout layout : {netcdf::Layout::rows, netcdf::Layout::block}) {
+            grid::CellStore laid;
+            EXPECT_TRUE(laid.take(lattice.cells(), "."));
+            test::refuseWritesAfter(15);
+            say(netcdf::layCells(countCells, layout, lattice, laid) ? "laid" : "not laid");
+            useSystem(nativeSystem());
+        }
+    });
+    EXPECT_EQ(run.console, "not laid\nnot laid\n");
 }
 
 TEST(CellsOf, LeavesCellsInMemoryWhereTheyAreAndFetchesOthers)
