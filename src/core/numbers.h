@@ -78,7 +78,7 @@ bool parseNumber(std::string_view token, double& target);
 // readFree under the name that users know from the documents.
 bool CHECKINT(std::string_view text, std::int32_t& value);
 
-// --- Real to integer, held at the 32-bit limits; not-a-number gives 0 -----------------------------------------------
+// --- Real to integer, held at the 32-bit limits; not-a-number gives 0 ------------------------------------------------
 
 std::int32_t truncateToInt(double value);
 std::int32_t roundToInt(double value); // halves away from zero

@@ -15,8 +15,8 @@ std::optional<FolderNames::Version> FolderNames::stateOf(const std::string& fold
 void FolderNames::list(const std::string& folder)
 {
     const auto before = stateOf(folder);
-    const std::chrono::nanoseconds age(before ? theSystem().now() - before->lastChange : 0);
-    listed_ = age > settled_ ? before : std::nullopt;
+    const bool isSettled = before && theSystem().now() - before->lastChange > settled_;
+    listed_ = isSettled ? before : std::nullopt;
     names_.clear();
     std::vector<std::string> names;
     theSystem().list(folder, names); // names that could not be read are missing

@@ -95,7 +95,7 @@ const PreparedTriangle& triangleUnder(const PreparedQuad& quad, const TrianglePo
     return quad.triangles[side > 0 ? east : south];
 }
 
-// --- The walk over the fine rows --------------------------------------------------------------------------------------
+// --- The walk over the fine rows -------------------------------------------------------------------------------------
 
 namespace {
 

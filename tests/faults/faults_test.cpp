@@ -248,7 +248,7 @@ std::string missionOf(const SystemCall& call, const Fault& fault)
     return fault.kind == Kind::half ? "short " + which : "fail " + which + " " + std::to_string(fault.error);
 }
 
-// --- What came of it ----------------------------------------------------------------------------------------------------
+// --- What came of it -------------------------------------------------------------------------------------------------
 
 // Names as the system has them: with / as the separator, and without the ./ that a library puts first.
 std::string plainNames(std::string text)

@@ -119,7 +119,7 @@ std::vector<FaultRun> runsWithGrids()
 INSTANTIATE_TEST_SUITE_P(Runs, Kills, testing::ValuesIn(runsWithGrids()),
                          [](const auto& one) { return one.param.name; });
 
-// --- The check itself --------------------------------------------------------------------------------------------------
+// --- The check itself ------------------------------------------------------------------------------------------------
 
 void giveOldCells(ToolRun& run)
 {

@@ -263,7 +263,7 @@ std::optional<std::string> fullNameOf(const std::string& name)
     return unknown ? std::nullopt : std::optional(full.string());
 }
 
-// --- Console and time --------------------------------------------------------------------------------------------
+// --- Console and time ------------------------------------------------------------------------------------------------
 
 // The call should be repeated: a signal interrupted it, or a non-blocking stream was not ready, and now is.
 bool mayTryAgain(int stream, short event)

@@ -153,7 +153,7 @@ TEST(SystemCli, AProjectionThatTheSystemCannotTellOfIsOpenedAllTheSame)
     EXPECT_TRUE(run.says("Finished."));
 }
 
-// --- Runs that are killed ---------------------------------------------------------------------------------------------
+// --- Runs that are killed --------------------------------------------------------------------------------------------
 
 // The files after a kill of the run at the call that is the `event`-th to change a file.
 std::map<std::string, std::string> filesAfterKill(ToolRun& run, int event, const std::string& when)

@@ -138,7 +138,7 @@ TEST(ThreadsCli, ChangeNothingInConversionsTablesAndStatistics)
     EXPECT_NE(compare("-histogram c.csv a.flt", giveClasses).find("\nFinished.\n"), std::string::npos);
 }
 
-// --- Inputs that are out of the ordinary -------------------------------------------------------------------------------
+// --- Inputs that are out of the ordinary -----------------------------------------------------------------------------
 
 void compareMaximum(const std::string& line, const std::string& arguments, const std::string& extension,
                     const Give& spoil)

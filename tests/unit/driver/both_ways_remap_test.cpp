@@ -138,7 +138,7 @@ INSTANTIATE_TEST_SUITE_P(Methods, TinRemaps,
                                          Remap{.name = "FurtherGrids", .options = "-remap -tin", .furtherGrids = 2}),
                          [](const auto& one) { return one.param.name; });
 
-// --- What sends a remap step by step -----------------------------------------------------------------------------------
+// --- What sends a remap step by step ---------------------------------------------------------------------------------
 
 class OddTerrain : public Remaps {};
 
@@ -171,7 +171,7 @@ TEST_P(OddTerrain, WithoutRoomForCellsThatWaitIsTakenStepByStep)
     EXPECT_EQ(found, ordinary);
 }
 
-// --- By IDW: grids stay in memory, several threads work on their rows --------------------------------------------------
+// --- By IDW: grids stay in memory, several threads work on their rows ------------------------------------------------
 
 using IdwRemaps = Remaps;
 

@@ -84,7 +84,7 @@ std::string mif(const std::string& columns, const std::string& objects)
            "Data\n\n" + objects;
 }
 
-// --- Calibration points ------------------------------------------------------------------------------------------------
+// --- Calibration points ----------------------------------------------------------------------------------------------
 
 const std::string kMarkColumns = "Columns 2\n  Observed Float\n  Label Char(20)\n";
 
@@ -171,7 +171,7 @@ TEST(CalibrationPointsAhead, APointThatTheLookHasNotSeenIsLookedUpInTheWholeGrid
     EXPECT_EQ(found, runOperationOn(given, "-cp m.mif g.flt -cpsd12", true));
 }
 
-// --- Damages -----------------------------------------------------------------------------------------------------------
+// --- Damages ---------------------------------------------------------------------------------------------------------
 
 // Points and ragged polygons; the first ones, and some others, stick out of the grid.
 GivenFiles town()

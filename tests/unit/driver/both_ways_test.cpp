@@ -201,7 +201,7 @@ TEST_P(BothWays, AreTheSameForTextGrids)
 INSTANTIATE_TEST_SUITE_P(Operations, BothWays, testing::ValuesIn(cases()),
                          [](const auto& one) { return one.param.name; });
 
-// --- What sends a run step by step -------------------------------------------------------------------------------------
+// --- What sends a run step by step -----------------------------------------------------------------------------------
 
 std::string asc(const std::string& rows, const std::string& corner = "0")
 {

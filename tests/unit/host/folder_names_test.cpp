@@ -11,6 +11,7 @@ namespace gridforge {
 namespace {
 
 using namespace std::chrono_literals;
+using std::chrono::nanoseconds;
 using test::ScratchFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -38,7 +39,7 @@ TEST_P(KeptListing, ShowsEachChange)
     const ScratchFolder folder;
     const ScratchFolder other;
     folder.give("a", "");
-    FolderNames names(20ms);
+    FolderNames names(nanoseconds(20ms).count());
     const auto find = [&](const ScratchFolder& in) {
         std::this_thread::sleep_for(GetParam());
         return names.inAnyCase(in.path(), "A");
@@ -64,8 +65,8 @@ TEST(FolderNames, KeepsTheListingOfAFolderThatHasSettled)
         folder.give("file" + std::to_string(i), "");
     }
     std::this_thread::sleep_for(60ms);
-    const auto timeOf = [&](std::chrono::nanoseconds settled) {
-        FolderNames names(settled);
+    const auto timeOf = [&](nanoseconds settled) {
+        FolderNames names(settled.count());
         const auto start = std::chrono::steady_clock::now();
         for (int i = 0; i < 200; ++i) {
             EXPECT_THAT(names.inAnyCase(folder.path(), "none"), IsEmpty());

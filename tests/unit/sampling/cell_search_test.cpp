@@ -13,7 +13,7 @@ namespace {
 
 constexpr float kNullCell = -9999.0F;
 
-// --- The plain form: every cell of the window, row by row from the south --------------------------------------------
+// --- The plain form: every cell of the window, row by row from the south ---------------------------------------------
 
 std::optional<sampling::FoundCell> plainNearest(const sampling::CellSearch& s, const GridHeader& h, const Grid& cells)
 {
