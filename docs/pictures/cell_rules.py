@@ -1,15 +1,16 @@
 #!/usr/bin/python3
-"""Draws the picture of docs/cells.md: which cells the tool takes for a region, and which cell for a point.
+"""Draws cells.svg of docs/cells.md: which cells the tool takes for a region, and which cell for a point.
 
-usage: cell_rules.py TOOL PICTURE
+usage: cell_rules.py TOOL VALLEY PICTURES
 
-TOOL is the built gridforge, which is run for what is drawn; PICTURE an .svg file.
+TOOL is the built gridforge, which is run for what is drawn. The valley is not needed; PICTURES is the folder of the picture.
 """
 import os
 import subprocess
 import sys
 import tempfile
 
+PICTURES = ("cells.svg",)
 COLUMNS, ROWS, CELL = 6, 5, 10
 REGION = [(13, 12), (36, 7), (56, 19), (46, 43), (27, 38), (13, 28)]
 POINTS = [(24, 34), (37.5, 27), (41, 12)]
@@ -148,8 +149,8 @@ def draw_points(tool):
     return panel
 
 
-def main(tool, picture):
-    tool, picture = os.path.abspath(tool), os.path.abspath(picture)
+def main(tool, pictures):
+    tool, picture = os.path.abspath(tool), os.path.abspath(os.path.join(pictures, PICTURES[0]))
     with tempfile.TemporaryDirectory() as scratch:
         os.chdir(scratch)
         write("cells.asc", f"ncols {COLUMNS}\nnrows {ROWS}\nxllcorner 0\nyllcorner 0\ncellsize {CELL}\n" +
@@ -166,6 +167,6 @@ def main(tool, picture):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 3:
+    if len(sys.argv) != 4:
         sys.exit(__doc__)
-    main(*sys.argv[1:])
+    main(sys.argv[1], sys.argv[3])
