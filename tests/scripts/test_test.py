@@ -56,19 +56,23 @@ class TestTest(unittest.TestCase):
     def test_without_its_needs_it_fails(self):
         self.assertEqual(self.run_test("exit 1", "exit 0", "exit 0")[::2], (1, "0 passed, 1 failed"))
 
-    def test_it_says_that_there_is_no_qgis(self):
+    def test_it_says_that_qgis_or_snakemake_are_missing(self):
         os.makedirs(os.path.join(self.tree, "build", "release", "tests"))
-        os.makedirs(os.path.join(self.tree, "qgis", "tests"))
         # What ctest reports goes to the file that the seventh argument names.
         self.program("ctest", """echo '<testsuite tests="5" failures="0" disabled="0" skipped="2">' > "$7\"""")
-        note = "QGIS is not installed, so its plugin was not tested in it; scripts/setup --qgis installs it\n"
-        for python, told in (("print('QGIS is not installed')", True), ("", False)):
-            with open(os.path.join(self.tree, "qgis", "tests", "with_qgis.py"), "w") as file:
-                file.write(python)
+        notes = {"qgis/tests/with_qgis.py":
+                 "QGIS is not installed, so its plugin was not tested in it; scripts/setup --qgis installs it\n",
+                 "workflows/tests/with_workflow.py":
+                 "Snakemake is not installed, so the workflow for ensembles was not tested; scripts/setup --workflows installs it\n"}
+        for missing in ([], *([name] for name in notes), list(notes)):
+            for name in notes:
+                os.makedirs(os.path.join(self.tree, os.path.dirname(name)), exist_ok=True)
+                with open(os.path.join(self.tree, name), "w") as file:
+                    file.write("print('it is not installed')" if name in missing else "")
             status, console, last = self.run_test("exit 0", "exit 0", "echo '1 passed, 0 failed, 0 skipped'", mode=())
             self.assertEqual((status, last), (0, "4 passed, 0 failed"))
             self.assertIn("\n2 skipped\n", console)
-            self.assertEqual(note in console, told)
+            self.assertEqual([name for name, note in notes.items() if note in console], missing)
 
 
 if __name__ == "__main__":

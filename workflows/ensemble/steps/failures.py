@@ -1,0 +1,20 @@
+"""What went wrong in the steps of a run, from their records."""
+from __future__ import annotations
+
+import json
+from pathlib import Path
+
+
+def failed_steps(records: Path, since: float) -> list[str]:
+    """A line for each step that has failed since then: its name, the file that it read last, the message."""
+    lines = []
+    for path in sorted(records.rglob("*.json")):
+        if path.stat().st_mtime < since:
+            continue
+        record = json.loads(path.read_text(encoding="ascii"))
+        if record["outcome"] != "finished":
+            name = path.relative_to(records).with_suffix("")
+            by_tool = record["build"] and record["inputs"]  # the messages of scripts name their files
+            last = f" (the last file opened was {record['inputs'][-1]['name']})" if by_tool else ""
+            lines.append(f"{name}: {record['error'] or record['outcome']}{last}")
+    return lines

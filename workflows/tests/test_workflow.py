@@ -1,0 +1,200 @@
+"""The whole workflow on the sample valley, on one machine."""
+import re
+import shutil
+import struct
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+import with_workflow
+from plain_run import plain_run
+from with_workflow import make_sample, results, run_tool, snakemake
+
+with_workflow.settle_programs()
+
+CHANGED = "grids/today_1pct_1h_p2_level.flt"
+AFTER_IT = {
+    "statistic set=patterns/today/1pct_1h_level", "maximum name=peaks/today/1pct_level", "filtered scenario=today, storm=1pct",
+    "remap scenario=today, storm=1pct", "difference first=warmer, second=today, storm=1pct", "damages scenario=today",
+    "average_damage scenario=today", "map_of_depths scenario=today, storm=1pct", "map_of_durations scenario=today, storm=1pct",
+    "map_of_difference first=warmer, second=today, storm=1pct", "report", "all",
+}
+
+
+def jobs_of(console: str) -> set[str]:
+    """The steps that Snakemake has started, with what they were for."""
+    jobs = set()
+    for text in re.split(r"\n\[[^\n]*\]\n", console):
+        rule = re.match(r"(?:local)?rule (\w+):\n", text)
+        if rule:
+            known = re.search(r"\n    wildcards: ([^\n]*)", text)
+            jobs.add(f"{rule[1]} {known[1]}" if known else rule[1])
+    return jobs
+
+
+def raise_a_cell(path: Path) -> None:
+    """The highest level of the grid gets a metre higher."""
+    cells = list(struct.unpack(f"<{path.stat().st_size // 4}f", path.read_bytes()))
+    cells[cells.index(max(cells))] += 1
+    path.write_bytes(struct.pack(f"<{len(cells)}f", *cells))
+
+
+class WorkflowTest(unittest.TestCase):
+    """One study, on which the whole workflow has run; each test works on a copy, times of files included."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.scratch = Path(tempfile.mkdtemp(prefix="gridforge-workflow-"))
+        cls.addClassCleanup(shutil.rmtree, cls.scratch)
+        cls.fresh, cls.done = cls.scratch / "fresh", cls.scratch / "done"
+        make_sample(cls.fresh)
+        shutil.copytree(cls.fresh, cls.done)
+        cls.first_run = snakemake(cls.done)
+
+    def setUp(self):
+        self.study = self.scratch / "study"
+        self.addCleanup(shutil.rmtree, self.study, ignore_errors=True)
+
+    def start_from(self, folder):
+        shutil.copytree(folder, self.study)
+        return self.study
+
+    def runs_well(self, *arguments):
+        run = snakemake(self.study, *arguments)
+        self.assertEqual(run.returncode, 0, run.stdout)
+        return run.stdout
+
+    def change(self, name, old, new):
+        path = self.study / name
+        text = path.read_text()
+        self.assertIn(old, text)
+        path.write_text(text.replace(old, new))
+
+    def test_results_are_those_of_plain_runs(self):
+        self.assertEqual(self.first_run.returncode, 0, self.first_run.stdout)
+        plain_run(self.start_from(self.fresh))
+        want, got = results(self.study), results(self.done)
+        self.assertEqual(sorted(got), sorted(want))
+        self.assertEqual([name for name in want if got[name] != want[name]], [])
+
+    def test_each_run_of_the_tool_has_a_record_and_a_log(self):
+        records = sorted(path.relative_to(self.done / "records").with_suffix("") for path in (self.done / "records").rglob("*.json"))
+        logs = sorted(path.relative_to(self.done / "logs").with_suffix("") for path in (self.done / "logs").rglob("*.txt"))
+        self.assertEqual(records, logs)
+        self.assertEqual(len(records), 24 + 12 + 6 + 6 + 3 + 2)  # statistics, maxima, filtered, remapped, differences, damages
+
+    def test_the_report_shows_all_maps_and_the_damages(self):
+        text = (self.done / "report.html").read_text()
+        self.assertEqual(text.count('src="data:image/png;base64,'), 6 + 6 + 3)
+        average = (self.done / "damages/warmer_average.csv").read_text().splitlines()[-1].split(",")[4]
+        self.assertIn(f"<td>Average over a year</td><td>{float(average):,.0f}</td>", text)
+
+    def test_nothing_runs_again_without_a_change(self):
+        self.start_from(self.done)
+        self.assertIn("Nothing to be done", self.runs_well())
+
+    def test_a_changed_grid_runs_the_steps_after_it(self):
+        self.start_from(self.done)
+        raise_a_cell(self.study / CHANGED)
+        self.assertEqual(jobs_of(self.runs_well()), AFTER_IT)
+        self.assertEqual(jobs_of(self.runs_well()), set())
+
+    def test_a_further_run_in_the_table_runs_the_steps_after_it(self):
+        self.start_from(self.done)
+        for kind in ("depth", "level"):
+            for suffix in (".flt", ".hdr"):
+                shutil.copy(self.study / f"grids/today_1pct_1h_p2_{kind}{suffix}", self.study / f"grids/more_{kind}{suffix}")
+        with open(self.study / "runs.csv", "a") as table:
+            table.write("today,1,1h,p4,grids/more_depth.flt,grids/more_level.flt\n")
+        run = snakemake(self.study, "--dry-run")
+        started = jobs_of(run.stdout)
+        self.assertEqual(AFTER_IT - started, set(), run.stdout)
+        self.assertEqual(started - AFTER_IT, {"statistic set=patterns/today/1pct_1h_depth", "maximum name=peaks/today/1pct_depth"})
+
+    def test_a_failed_step_names_the_file_and_leaves_nothing(self):
+        self.start_from(self.done)
+        whole = (self.study / CHANGED).read_bytes()
+        (self.study / CHANGED).write_bytes(whole[:3000])
+        run = snakemake(self.study)
+        self.assertEqual(run.returncode, 1)
+        self.assertIn(f"FAILED patterns/today/1pct_1h_level: ERROR 2334 - Reading Grid file data.  Check format and file is complete"
+                      f" by viewing in GIS. (the last file opened was {CHANGED})\n", run.stdout)
+        self.assertEqual([*self.study.glob("patterns/today/1pct_1h_level*_Val.flt"), *self.study.rglob(".gridforge-*")], [])
+        (self.study / CHANGED).write_bytes(whole)
+        self.runs_well()
+        self.assertEqual(results(self.study), results(self.done))
+
+    def test_a_missing_duration_is_refused_before_the_first_step(self):
+        self.start_from(self.fresh)
+        lines = (self.study / "runs.csv").read_text().splitlines(keepends=True)
+        kept = [line for line in lines if not line.startswith("today,5,6h,")]
+        (self.study / "runs.csv").write_text("".join(kept))
+        run = snakemake(self.study)
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("runs.csv: today has no run of 5 % and 6h; if that is meant, add the line today,5,6h,none,,", run.stdout)
+        self.assertFalse((self.study / "patterns").exists())
+        (self.study / "runs.csv").write_text("".join([*kept, "today,5,6h,none,,\n"]))
+        self.runs_well("peaks/today/5pct_level.flt")
+        self.assertEqual((self.study / "peaks/today/5pct_level_src_legend.csv").read_text().splitlines()[1:],
+                         ["1,patterns/today/5pct_1h_level_Median_Val.flt"])
+
+    def test_a_maximum_by_groups_is_that_of_one_run(self):
+        self.start_from(self.fresh)
+        self.change("config.yaml", "statistic: median", "statistic: max")
+        self.change("config.yaml", "most_grids: 500", "most_grids: 2")
+        self.runs_well("patterns/today/1pct_6h_level.flt")
+        grids = [f"grids/today_1pct_6h_p{number}_level.flt" for number in (1, 2, 3)]
+        run_tool(self.study, "-max", "-flt", *grids, "-out", "plain")
+        for end in (".flt", ".hdr", ".prj", "_src.flt", "_src.hdr", "_src.prj", "_src_legend.csv"):
+            self.assertEqual((self.study / f"patterns/today/1pct_6h_level{end}").read_bytes(),
+                             (self.study / f"plain{end}").read_bytes(), end)
+        self.assertEqual([path for path in (self.study / "parts").rglob("*") if path.is_file() and path.suffix != ".prj"], [])
+
+    def test_more_patterns_than_the_tool_takes(self):
+        self.start_from(self.fresh)
+        self.change("config.yaml", "most_patterns: 10", "most_patterns: 2")
+        run_tool(self.study, "-conv", "grids/today_1pct_6h_p2_level.flt", "-decimal6")  # one of them is text
+        self.change("runs.csv", "grids/today_1pct_6h_p2_level.flt", "grids/today_1pct_6h_p2_level.asc")
+        name = "patterns/today/1pct_6h_level"
+        self.runs_well(f"{name}_Median_Val.flt")
+        grids = [f"grids/today_1pct_6h_p{number}_level" for number in (1, 2, 3)]
+        files = [grids[0] + ".flt", grids[1] + ".asc", grids[2] + ".flt"]
+        run_tool(self.study, "-statMedian", "-flt", *files, "-out", "plain")
+        for end in ("_Median_Val.flt", "_Median_Val.hdr", "_Median_Val.prj", "_Median_Src.flt", "_Src_legend.csv"):
+            self.assertEqual((self.study / (name + end)).read_bytes(), (self.study / f"plain{end}").read_bytes(), end)
+
+    def test_a_terrain_in_tiles_gives_the_same(self):
+        self.start_from(self.done)
+        shutil.rmtree(self.study / "fine")
+        self.change("config.yaml", "tiles: 1 ", "tiles: 3 ")
+        targets = [f"fine/today/1pct_remap_{what}.flt" for what in "hd"]
+        self.assertEqual(len(jobs_of(self.runs_well(*targets))), 1 + 9 + 9 + 2)  # filtered, cut, remapped, joined
+        for what in "hd":
+            for end in (".flt", ".hdr", ".prj"):
+                name = f"fine/today/1pct_remap_{what}{end}"
+                self.assertEqual((self.study / name).read_bytes(), (self.done / name).read_bytes(), name)
+        self.change("ground.hdr", "cellsize 5", "cellsize 5.1")
+        run = snakemake(self.study, "--dry-run")
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("ground.flt: cellsize 5.1 is rounded by the tool, so tiles would not give what the whole gives; take one tile\n",
+                      run.stdout)
+
+    def test_settings_that_cannot_be(self):
+        self.start_from(self.fresh)
+        for old, new, message in (
+                ("statistic: median", "statistic: most", "statistic is median, mean, max or a rank such as rank3, not: most"),
+                ("statistic: median", "statistic: rank4", "rank4: patterns/today/20pct_1h_depth has 3 patterns only"),
+                ("[warmer, today]", "[warmer, past]", "differences: the table has no scenario past"),
+                ("method: tin", "method: nearest", "remap: the method is tin or idw, not: nearest")):
+            with self.subTest(new):
+                text = (self.study / "config.yaml").read_text()
+                self.change("config.yaml", old, new)
+                run = snakemake(self.study, "--dry-run")
+                self.assertEqual(run.returncode, 1)
+                self.assertIn(message + "\n", run.stdout)
+                (self.study / "config.yaml").write_text(text)
+
+
+if __name__ == "__main__":
+    sys.exit(unittest.main())
