@@ -51,7 +51,7 @@ def open_grid(source: str, band: int) -> gdal.Dataset:
     except RuntimeError as error:
         raise Failure(f"{source}: GDAL cannot read it as a grid: {error}") from None
     if data.RasterCount == 0:
-        raise Failure(f"{source} has no band; subdatasets: {', '.join(name for name, _ in data.GetSubDatasets()) or 'none'}")
+        raise Failure(f"{source} has no band; subdatasets: {', '.join(name for name, _ in data.GetSubDatasets())}")
     if not 1 <= band <= data.RasterCount:
         raise Failure(f"{source} has {data.RasterCount} bands, not {band}")
     return data

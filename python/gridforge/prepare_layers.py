@@ -25,7 +25,6 @@ DRIVERS = {".mif": "MapInfo File", ".shp": "ESRI Shapefile"}
 BESIDE = {".mif": (".mif", ".mid"), ".shp": (".shp", ".shx", ".dbf", ".prj", ".cpg")}
 NUMBER_WIDTH, NUMBER_DECIMALS = 24, 9  # of the columns of a Shapefile
 WIDEST_DBF_TEXT = 254
-RECORD_LIMIT = 1000  # characters that the tool reads of a record
 USUAL_BUILDINGS, USUAL_VERTICES = 1000, 100  # limits of -damages that its control file can raise
 LARGE_MOVE = 1e-9  # of a thinned line that is worth telling
 
@@ -485,9 +484,6 @@ def check(form: Form, objects: Sequence[Object]) -> list[str]:
         for made in objects:
             if abs(float(made.record[0])) < 1e-4:
                 raise Failure(f"feature {made.number}: Loss is 0, which -nbc refuses; leave it out with --where")
-    for made in objects:
-        if len(",".join(map(str, made.record)).encode()) > RECORD_LIMIT - 4 * len(made.record):
-            raise Failure(f"feature {made.number}: the record is longer than the {RECORD_LIMIT} characters that the tool reads")
     if form.named_outputs:
         names = Counter(str(made.record[0]).lower() for made in objects if made.record[0] != "")
         notes += [f"WARNING: {count} objects have the name {name}: the later output replaces the earlier one"

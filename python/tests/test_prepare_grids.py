@@ -121,6 +121,16 @@ class ToTheToolTest(Grids):
         self.assertEqual(self.read()[0], [[2]])
         self.fails("prepare", "two.vrt has 2 bands, not 3", "grid", "two.vrt", "p.flt", "--band", "3")
 
+    def test_a_source_of_several_grids(self):
+        self.tif("a.tif", [[1]])
+        self.tif("b.tif", [[2]])
+        for name, options in (("a", []), ("b", ["APPEND_SUBDATASET=YES"])):
+            gdal.Translate(str(self.folder / "two.gpkg"), str(self.folder / f"{name}.tif"), format="GPKG",
+                           outputType=gdal.GDT_Float32, creationOptions=[f"RASTER_TABLE={name}", *options])
+        self.fails("prepare", "two.gpkg has no band; subdatasets: GPKG:two.gpkg:a, GPKG:two.gpkg:b", "grid", "two.gpkg", "o.flt")
+        self.prepare("GPKG:two.gpkg:b", "o.flt")
+        self.assertEqual(self.read()[0], [[2]])
+
     def test_onto_the_cells_of_another_grid(self):
         # Cells of 5 from 105 to 115 and from 485 to 495 are quarters of the four cells round (110, 490).
         self.tif("a.tif", [[1, 2], [3, 4]])

@@ -4,6 +4,7 @@ import unittest
 
 from osgeo import ogr, osr
 
+from gridforge.layer_forms import FORMS
 from tests.tool_case import ToolCase, asc, cells
 
 ogr.UseExceptions()
@@ -268,6 +269,11 @@ class ShapesTest(Prepared):
                           "lines left out that have no length: 1", "2 objects written to o.mif"])
         self.assertEqual(self.records("o.mif"), [{"Label": "b"}, {"Label": "f"}])
 
+    def test_regions_without_an_area_are_told(self):
+        self.give("s.csv", wkt(("WKT", "Name"), ("POLYGON ((1 1,2 2,1 1))", "flat"), ("POLYGON" + square(1, 1, 3, 3), "a")))
+        self.assertEqual(self.prepare("trim", "s.csv", "o.mif"),
+                         ["Name from Name", "regions left out that have no area: 1", "1 object written to o.mif"])
+
     def test_curves_become_lines(self):
         self.give("s.csv", wkt(("WKT", "Name"), ("CIRCULARSTRING (0 0,1 1,2 0)", "arc")))
         self.assertIn("objects with curves made of lines: 1", self.prepare("lp", "s.csv", "o.mif"))
@@ -362,6 +368,12 @@ class RecordsTest(Prepared):
                    "s.csv",
                    "q.mif")
 
+    def test_no_record_is_longer_than_the_tool_reads(self):
+        limit, longest_number = 1000, len("-2.2250738585072014e-308")
+        for form in FORMS:
+            longest = sum(2 * column.width + len('"",') if column.is_text else longest_number + 1 for column in form.columns)
+            self.assertLess(longest, limit, form)  # a quote in a text is written twice
+
     def test_long_texts_are_cut(self):
         self.give("s.csv", wkt(("WKT", "Obs", "Label"), ("POINT (1 2)", 1, "x" * 49 + "\u00f6\u00f6")))
         self.assertIn("texts of Label cut to 50 characters: 1", self.prepare("cp", "s.csv", "o.mif"))
@@ -369,9 +381,9 @@ class RecordsTest(Prepared):
 
 
 class RefusalsTest(Prepared):
-    def refuse(self, message, operation, rows, *options, output="o.mif"):
+    def refuse(self, message, operation, rows, *options, output="o.mif", status=1):
         self.give("s.csv", wkt(*rows))
-        self.fails("prepare", message, "layer", "--for", operation, "s.csv", output, *options)
+        self.fails("prepare", message, "layer", "--for", operation, "s.csv", output, *options, status=status)
 
     def test_missing_columns_and_wrong_names(self):
         points = (("WKT", "h", "t"), ("POINT (1 2)", "high", "t"))
@@ -427,6 +439,10 @@ class RefusalsTest(Prepared):
         self.refuse("--role: the layers of -cp are points, not lines", "cp", points, "--role", "lines")
         self.refuse("--kind: -cp wants point, not line", "cp", points, "--kind", "line")
         self.refuse("s.csv has no layer t; its layers: s", "cp", points, "--layer", "t")
+        for option in ("--column", "--value"):
+            for text in ("Observed", "=Obs"):
+                self.refuse(f"layer: error: argument {option}: COLUMN=... is expected, not {text}", "cp", points, option, text,
+                            status=2)
         self.refuse("the folder of none/o.mif does not exist", "cp", points, output="none/o.mif")
         self.prepare("cp", "s.csv", "o.mif")
         self.refuse("o.mif is there already; --overwrite replaces it", "cp", points)
@@ -435,6 +451,28 @@ class RefusalsTest(Prepared):
         self.give("x.txt", "no layer")
         run = self.command("prepare", "layer", "--for", "cp", "x.txt", "p.mif")
         self.assertRegex(run.error, r"^gridforge-prepare: x\.txt: GDAL cannot read it as a layer: .*\n$")
+
+    def test_a_source_of_several_layers(self):
+        made = ogr.GetDriverByName("GPKG").CreateDataSource(str(self.folder / "s.gpkg"))
+        for name, seen in (("marks", 1), ("others", 2)):
+            layer = made.CreateLayer(name, None, ogr.wkbPoint)
+            layer.CreateField(ogr.FieldDefn("Observed", ogr.OFTReal))
+            feature = ogr.Feature(layer.GetLayerDefn())
+            feature.SetField(0, seen)
+            feature.SetGeometry(ogr.CreateGeometryFromWkt("POINT (1 2)"))
+            layer.CreateFeature(feature)
+        made = layer = None
+        self.fails("prepare", "s.gpkg has 2 layers: choose one with --layer: marks, others", "layer", "--for", "cp", "s.gpkg",
+                   "o.mif")
+        self.prepare("cp", "s.gpkg", "o.mif", "--layer", "others")
+        self.assertEqual(self.text("o.mid"), '2,""\n')
+
+    def test_a_condition_that_gdal_does_not_take(self):
+        self.give("s.csv", wkt(("WKT", "Obs"), ("POINT (1 2)", 1)))
+        run = self.command("prepare", "layer", "--for", "cp", "s.csv", "o.mif", "--where", "depth > 1")
+        self.assertEqual((run.status, run.error),
+                         (1, 'gridforge-prepare: --where: "depth" not recognised as an available field.\n'))
+        self.assertEqual(self.files(), ["a.asc", "s.csv"])
 
     def test_a_shapefile_holds_one_kind(self):
         heading = ("WKT", "Prop_Type", "Prop_ID", "FFL")
