@@ -241,7 +241,7 @@ def main(arguments: Sequence[str] | None = None) -> int:
         table = read_table(given.table, given.aep)
         outside = Outside(given.rarer, *given.frequent, given.equal)
         results = averages(table, outside)
-        write_text(given.out, lambda file: write_averages(file, table, results, outside))
+        write_text(given.out, given.overwrite, lambda file: write_averages(file, table, results, outside))
 
     return run_command(NAME, command)
 

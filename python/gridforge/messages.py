@@ -9,7 +9,7 @@ from collections.abc import Callable, Sequence
 from pathlib import Path
 from typing import TextIO
 
-from .moving import Move, move_all
+from .moving import Exists, Move, move_all
 
 FAILED, WRONG_USE = 1, 2
 
@@ -62,15 +62,21 @@ def refuse_existing(outputs: Sequence[Path], inputs: Sequence[Path], overwrite: 
         if any(source.exists() and output.samefile(source) for source in inputs):
             raise Failure(f"{output} is an input; give the output another name")
         if not overwrite:
-            raise Failure(f"{output} is there already; --overwrite replaces it")
+            raise is_there(output)
+
+
+def is_there(output: Path) -> Failure:
+    return Failure(f"{output} is there already; --overwrite replaces it")
 
 
 class Scratch:
-    """A folder beside the output in which files are written; they get their names when all are whole.
+    """A folder beside the output in which files are written; they get their names when all are whole. Without `overwrite` none
+    goes over a file, even over one that somebody makes in the meantime.
 
     Use it with `with`: the folder is gone at the end, whatever happened."""
 
-    def __init__(self, beside: Path) -> None:
+    def __init__(self, beside: Path, overwrite: bool) -> None:
+        self._overwrite = overwrite
         self._folder = tempfile.TemporaryDirectory(prefix=".gridforge-", dir=beside.parent)
         self.path = Path(self._folder.name)
 
@@ -82,22 +88,25 @@ class Scratch:
 
     def publish(self, moves: Sequence[tuple[Path, Path]], family: Sequence[Path] = ()) -> None:
         """Gives each first file the second name. Files of mkstemp's mode get that of files that are simply created. `family` are
-        the names of all files that such an output may have; those that it does not have are removed."""
+        the names of all files that such an output may have; where it replaces an earlier one, those that it lacks are removed."""
         mask = os.umask(0)
         os.umask(mask)
         for source, _ in moves:
             os.chmod(source, 0o666 & ~mask)
         targets = {target for _, target in moves}
-        move_all([Move(*move) for move in moves], overwrite=True, gone=[name for name in family if name not in targets])
+        try:
+            move_all([Move(*move) for move in moves], self._overwrite, [name for name in family if name not in targets])
+        except Exists as there:
+            raise is_there(there.path) from None
 
 
-def write_text(output: Path | None, write: Callable[[TextIO], None]) -> None:
+def write_text(output: Path | None, overwrite: bool, write: Callable[[TextIO], None]) -> None:
     """Writes a text to a file, whole or not at all, or to standard output. Bytes that are no UTF-8 stay as they were read."""
     if output is None:
         sys.stdout.reconfigure(errors="surrogateescape", newline="")
         write(sys.stdout)
         return
-    with Scratch(output) as scratch:
+    with Scratch(output, overwrite) as scratch:
         made = scratch.path / output.name
         with open(made, "w", encoding="utf-8", errors="surrogateescape", newline="") as file:
             write(file)

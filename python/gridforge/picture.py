@@ -483,12 +483,12 @@ def make_parser() -> argparse.ArgumentParser:
     parser = argparse.ArgumentParser(prog=NAME, description=__doc__.split(": ", 1)[1])
     parser.add_argument("grid", type=Path, help="an .asc or a .flt")
     parser.add_argument("output", type=Path, help="the .png")
-    parser.add_argument("--kind", choices=tuple(styles.styles()), 
+    parser.add_argument("--kind", choices=tuple(styles.styles()),
                         help="what the cells are; without it the name of the grid decides")
     parser.add_argument("--ground", type=Path, metavar="GRID", help="heights, drawn as a shaded ground below")
     parser.add_argument("--layer", type=layer_wish, action="append", default=[], dest="layers", metavar="FILE[=LABEL]",
                         help="a layer to draw on top; may be given again")
-    parser.add_argument("--legend", type=Path, metavar="FILE", 
+    parser.add_argument("--legend", type=Path, metavar="FILE",
                         help="a _src_legend.csv with the names of sources; that beside the grid is found without it")
     parser.add_argument("--title", default="", help="above the picture")
     parser.add_argument("--heading", default="", help="of the legend, in place of the name of the kind")
@@ -528,7 +528,7 @@ def main(arguments: Sequence[str] | None = None) -> int:
         inputs = [given.grid, *[path for path in (given.ground, given.legend) if path], *[wish.path for wish in given.layers]]
         refuse_existing([given.output], inputs, given.overwrite)
         figure = draw(given.grid, wishes)
-        with Scratch(given.output) as scratch:
+        with Scratch(given.output, given.overwrite) as scratch:
             made = scratch.path / given.output.name
             figure.savefig(made, metadata={"Software": None})
             pyplot.close(figure)

@@ -83,7 +83,7 @@ def work_on_layer(given: argparse.Namespace) -> list[str]:
     inputs = [Path(given.source), *([given.clip] if given.clip else [])]
     refuse_existing(prepare_layers.output_files(given.output), inputs, given.overwrite)
     wishes = Wishes(dict(given.columns), dict(given.values), given.layer, given.where, given.kind, given.crs, given.clip,
-                    given.holes, given.parts, given.thin, given.tolerance)
+                    given.holes, given.parts, given.thin, given.tolerance, given.overwrite)
     return prepare_layers.prepare_layer(form, given.source, given.output, wishes)
 
 
@@ -98,7 +98,7 @@ def add_template(parser: argparse.ArgumentParser) -> None:
 def work_on_template(given: argparse.Namespace) -> list[str]:
     form = chosen_form(given)
     refuse_existing(prepare_layers.output_files(given.output), [], given.overwrite)
-    prepare_layers.make_template(form, given.output, given.crs, given.kind, given.all_columns)
+    prepare_layers.make_template(form, given.output, given.crs, given.kind, given.all_columns, given.overwrite)
     lines = [f"an empty layer of {form.role} for -{form.operation} written to {given.output}"]
     if given.output.suffix.lower() == ".shp":
         lines.append("draw into it before a run: the tool refuses a .shp without objects")
@@ -122,7 +122,8 @@ def work_on_grid(given: argparse.Namespace) -> list[str]:
     convert = prepare_grids.converter(given.output)
     inputs = [Path(given.source), *([given.like] if given.like else [])]
     refuse_existing(prepare_grids.output_files(given.output), inputs, given.overwrite)
-    return convert(given.source, given.output, GridWishes(given.band, given.crs, given.cell, given.like, given.resampling))
+    wishes = GridWishes(given.band, given.crs, given.cell, given.like, given.resampling, given.overwrite)
+    return convert(given.source, given.output, wishes)
 
 
 def make_parser() -> argparse.ArgumentParser:

@@ -29,6 +29,7 @@ class GridWishes:
     cell: float | None = None
     like: Path | None = None  # a grid whose cells the result has
     resampling: str = "near"
+    overwrite: bool = False
 
 
 @dataclass(frozen=True)
@@ -194,15 +195,15 @@ def to_flt(source: str, output: Path, wishes: GridWishes) -> list[str]:
     else:
         frame = own_frame(data, source)
     with gdal_says() as said:
-        cells, system = write_flt(onto(source_band(data, wishes), frame, wishes), output, frame)
+        cells, system = write_flt(onto(source_band(data, wishes), frame, wishes), output, frame, wishes.overwrite)
     return [*grid_notes(cells, system), *values_of_null(data, wishes), *said, *single_precision_note(frame),
             f"{frame.columns} x {frame.rows} cells of {frame.cell:.10g} written to {output}, {cells.nulls} of them null"]
 
 
-def write_flt(data: gdal.Dataset, output: Path, frame: Frame) -> tuple[Cells, osr.SpatialReference | None]:
+def write_flt(data: gdal.Dataset, output: Path, frame: Frame, overwrite: bool) -> tuple[Cells, osr.SpatialReference | None]:
     system = system_in(data)
     cells = Cells()
-    with Scratch(output) as scratch:
+    with Scratch(output, overwrite) as scratch:
         made = scratch.path / output.name
         with open(made, "wb") as file:
             cells.write(data, file)
@@ -237,7 +238,7 @@ def from_flt(source: str, output: Path, wishes: GridWishes) -> list[str]:
     frame = frame_of(header)
     data = open_grid(source, 1)
     system = prj_system(Path(source)) if wishes.crs is None else system_of(wishes.crs)
-    with Scratch(output) as scratch:
+    with Scratch(output, wishes.overwrite) as scratch:
         made = scratch.path / output.name
         west, south, east, north = frame.bounds
         gdal.Translate(str(made), data, format=DRIVERS[output.suffix.lower()], outputType=gdal.GDT_Float32, noData=header.null,

@@ -8,6 +8,7 @@ from collections.abc import Iterator, Mapping, Sequence
 from dataclasses import dataclass, field
 from pathlib import Path
 
+from .families import COMPANIONS, PROJECTION
 from .grid_files import read_header
 from .layer_forms import LINE, POINT, REGION, Column, Form
 from .layer_shapes import CUT_VERTICES, Ring, area, cut_open, thin
@@ -22,7 +23,7 @@ except ImportError:
     gdal = ogr = osr = None
 
 DRIVERS = {".mif": "MapInfo File", ".shp": "ESRI Shapefile"}
-BESIDE = {".mif": (".mif", ".mid"), ".shp": (".shp", ".shx", ".dbf", ".prj", ".cpg")}
+BESIDE = {".mif": (".mif", *COMPANIONS[".mif"]), ".shp": (".shp", *COMPANIONS[".shp"], PROJECTION)}
 NUMBER_WIDTH, NUMBER_DECIMALS = 24, 9  # of the columns of a Shapefile
 WIDEST_DBF_TEXT = 254
 USUAL_BUILDINGS, USUAL_VERTICES = 1000, 100  # limits of -damages that its control file can raise
@@ -65,6 +66,7 @@ class Wishes:
     parts: str = "apart"  # or "largest"
     thin: int | None = None
     tolerance: float | None = None
+    overwrite: bool = False
 
 
 @dataclass
@@ -550,7 +552,7 @@ def define(layer: ogr.Layer, columns: Sequence[Column], dbf: bool) -> None:
 
 
 def write_layer(output: Path, columns: Sequence[Column], system: osr.SpatialReference | None, kinds: Sequence[str],
-                objects: Sequence[Object]) -> None:
+                objects: Sequence[Object], overwrite: bool) -> None:
     """Writes all files of the layer; they get their names when all are whole."""
     ending = output.suffix.lower()
     dbf = ending == ".shp"
@@ -558,7 +560,7 @@ def write_layer(output: Path, columns: Sequence[Column], system: osr.SpatialRefe
     if dbf and len(present) > 1:
         raise Failure(f"a .shp holds one kind of objects, not {' and '.join(present)}: choose with --kind, or write a .mif")
     place = system_for(output, system)
-    with Scratch(output) as scratch:
+    with Scratch(output, overwrite) as scratch:
         made = scratch.path / (output.stem + ending)
         options = ["FORMAT=MIF"] if not dbf else []
         data = ogr.GetDriverByName(DRIVERS[ending]).CreateDataSource(str(made), options=options)
@@ -573,7 +575,7 @@ def write_layer(output: Path, columns: Sequence[Column], system: osr.SpatialRefe
             layer.CreateFeature(feature)
         layer = data = None  # closes the files
         scratch.publish([(made.with_suffix(suffix), output.with_suffix(suffix)) for suffix in BESIDE[ending]
-                         if made.with_suffix(suffix).exists()])
+                         if made.with_suffix(suffix).exists()], output_files(output))
 
 
 def output_files(output: Path) -> list[Path]:
@@ -592,13 +594,15 @@ def prepare_layer(form: Form, source: str, output: Path, wishes: Wishes) -> list
         if not objects:
             raise Failure("\n  ".join([f"{source} has no object that fits -{form.operation}", *reader.notes.lines()]))
         notes = check(form, objects)
-        write_layer(output, reader.records.columns, reader.place.system, form.kinds, objects)
+        write_layer(output, reader.records.columns, reader.place.system, form.kinds, objects, wishes.overwrite)
         del data
     return [*reader.records.told(), *reader.notes.lines(), *said, *notes,
             f"{counted(len(objects), 'object')} written to {output}"]
 
 
-def make_template(form: Form, output: Path, crs: str | None, kind: str | None, optional: bool) -> None:
+def make_template(form: Form, output: Path, crs: str | None, kind: str | None, optional: bool,
+                  overwrite: bool) -> None:
     require_gdal()
     columns = [column for column in form.columns if optional or not column.optional]
-    write_layer(output, columns, plane_system(system_of(crs)) if crs else None, (kind,) if kind else form.kinds, [])
+    write_layer(output, columns, plane_system(system_of(crs)) if crs else None, (kind,) if kind else form.kinds, [],
+                overwrite)

@@ -110,6 +110,7 @@ class AadTest(ToolCase):
         self.assertEqual(self.text("o.csv"), printed)
         self.assertEqual(self.files(), ["o.csv", "t.csv"])
         self.fails("aad", "o.csv is there already; --overwrite replaces it", "t.csv", "--out", "o.csv")
+        self.comes_second("p.csv", "aad", "t.csv", "--out", "p.csv")
         self.good("aad", "t.csv", "--out", "o.csv", "--overwrite", "--rarer", "hold")
         self.assertIn("7.49", self.text("o.csv"))
         self.fails("aad", "t.csv is an input; give the output another name", "t.csv", "--out", "t.csv", "--overwrite")

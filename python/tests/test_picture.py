@@ -293,6 +293,7 @@ class MessagesTest(Drawn):
         self.good("picture", "a_d.asc", "o.png")
         self.assertEqual(self.files(), ["a_d.asc", "o.png"])
         self.fails("picture", "o.png is there already; --overwrite replaces it", "a_d.asc", "o.png")
+        self.comes_second("p.png", "picture", "a_d.asc", "p.png")
 
     def test_missing_packages(self):
         self.give("a_d.asc", asc([[1]]))

@@ -191,6 +191,9 @@ class ToTheToolTest(Grids):
         self.fails("prepare", "o.flt is there already; --overwrite replaces it", "grid", "a.tif", "o.flt")
         self.give("p.hdr", "")
         self.fails("prepare", "p.hdr is there already; --overwrite replaces it", "grid", "a.tif", "p.flt")
+        for output, there in (("r.flt", "r.prj"), ("s.flt", "s.flt")):
+            self.comes_second(there, "prepare", "grid", "a.tif", output)
+        self.comes_second("t.tif", "prepare", "grid", "o.flt", "t.tif")
         self.fails("prepare", "grid: error: argument --cell: a number above 0 is expected, not 0", "grid", "a.tif", "q.flt",
                    "--cell", "0",
                    status=2)

@@ -446,6 +446,8 @@ class RefusalsTest(Prepared):
         self.refuse("the folder of none/o.mif does not exist", "cp", points, output="none/o.mif")
         self.prepare("cp", "s.csv", "o.mif")
         self.refuse("o.mif is there already; --overwrite replaces it", "cp", points)
+        self.comes_second("q.mid", "prepare", "layer", "--for", "cp", "s.csv", "q.mif")
+        self.comes_second("t.mif", "prepare", "template", "--for", "cp", "t.mif")
         self.refuse("s.mif is an input; give the output another name", "cp", points, "--clip", "s.mif", "--overwrite",
                     output=str(self.give("s.mif", "").name))
         self.give("x.txt", "no layer")

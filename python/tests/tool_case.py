@@ -12,6 +12,9 @@ import unittest
 from collections.abc import Sequence
 from dataclasses import dataclass
 from pathlib import Path
+from unittest import mock
+
+from gridforge import messages
 
 PACKAGES = Path(__file__).resolve().parents[1]
 TIMEOUT = 120
@@ -89,6 +92,19 @@ class ToolCase(unittest.TestCase):
         self.assertEqual(run.error.splitlines()[-1:], [f"gridforge-{module}{apart}{message}"], arguments)
         self.assertEqual(run.status, status)
         self.assertEqual({name: (self.folder / name).read_bytes() for name in self.files()}, before)
+
+    def comes_second(self, output: str, module: str, *arguments: str) -> None:
+        """Somebody else makes the output while the command works. Theirs must stay, and the command must say so."""
+        move = messages.move_all
+
+        def move_later(*given: object) -> None:
+            self.give(output, "theirs")
+            move(*given)
+        before = self.files()
+        with mock.patch.object(messages, "move_all", move_later):
+            run = self.command(module, *arguments)
+        self.assertEqual((run.status, run.error), (1, f"gridforge-{module}: {output} is there already; --overwrite replaces it\n"))
+        self.assertEqual((self.text(output), self.files()), ("theirs", sorted([*before, output])))
 
     def tool(self, *arguments: str, ends_well: bool = True) -> str:
         """The console of a run of the tool, which must reach its end and warn of nothing."""
