@@ -11,14 +11,16 @@ import tempfile
 from pathlib import Path
 from typing import Iterable
 
-from .package import Move, move_all
+from .package import COMPANIONS, PROJECTION, Move, move_all
 
 # What belongs to a file besides itself, by its extension.
-BESIDE = {".asc": (".prj",), ".flt": (".hdr", ".prj"), ".mif": (".mid",), ".shp": (".shx", ".dbf", ".prj")}
+BESIDE = {".asc": (PROJECTION,), ".flt": (*COMPANIONS[".flt"], PROJECTION), ".mif": COMPANIONS[".mif"],
+          ".shp": (*COMPANIONS[".shp"], PROJECTION)}
 SHAPE_PARTS = ("_P.shp", "_L.shp", "_R.shp")
 LINKED = (".asc", ".flt")
 OUT = "out"
 NOTES = (".aux.xml", ".stx")  # of GDAL about a grid that it has read
+INDEXES = (".qix", ".sbn", ".sbx")  # of the places of a Shapefile's objects
 UNWANTED = str.maketrans("*?", "__")  # in a name: the tool would look for what matches
 
 
@@ -115,20 +117,30 @@ def moves_to_folder(files: Iterable[Path], room: Path, folder: Path) -> list[Mov
     return [Move(room / file, folder / (file.relative_to(OUT) if file.parts[0] == OUT else file)) for file in inside]
 
 
+def left_over(moves: list[Move]) -> list[Path]:
+    """What belongs to files that are replaced and has no successor, as the projection of a grid by one without. What also belongs
+    to a file that stays is kept."""
+    targets = {move.target for move in moves}
+    old = {file: target for target in targets if target.is_file() for file in companions(target) if file not in targets}
+    return [file for file, target in old.items()
+            if not any(file in companions(other) for other in target.parent.iterdir()
+                       if other not in targets and other.stem.lower() == target.stem.lower())]
+
+
 def publish(moves: list[Move]) -> None:
     """All files to their places, over what is there, or none of them."""
     for move in moves:
         move.target.parent.mkdir(parents=True, exist_ok=True)
-    move_all(moves, overwrite=True)
+    move_all(moves, overwrite=True, gone=left_over(moves))
     forget_notes(move.target for move in moves)
 
 
 def forget_notes(files: Iterable[Path]) -> None:
-    """What GDAL has noted about the cells of grids that were here before."""
+    """What programs have noted about grids and layers that were here before: statistics of cells, indexes of places."""
     for file in files:
-        for note in (file.with_name(file.name + ".aux.xml"), file.with_suffix(".stx")):
-            if file.suffix.lower() in LINKED:
-                note.unlink(missing_ok=True)
+        ending = file.suffix.lower()
+        for suffix in (file.suffix + ".aux.xml", ".stx") if ending in LINKED else INDEXES if ending == ".shp" else ():
+            file.with_suffix(suffix).unlink(missing_ok=True)
 
 
 def listing(folders: Iterable[Path]) -> dict[Path, tuple[int, int]]:

@@ -2,6 +2,7 @@
 import with_qgis  # first: it chooses the Python
 
 import os
+import re
 import stat
 import subprocess
 import sys
@@ -9,6 +10,7 @@ import tempfile
 import unittest
 import warnings
 from pathlib import Path
+from unittest import mock
 
 TEMPORARY = tempfile.TemporaryDirectory()
 os.environ.update(with_qgis.environment(TEMPORARY.name), GDAL_PAM_ENABLED="NO")  # no notes about folders that are gone
@@ -17,7 +19,7 @@ sys.path[:0] = ["/usr/share/qgis/python", "/usr/share/qgis/python/plugins"]
 import numpy  # noqa: E402
 import qgis.utils  # noqa: E402
 from osgeo import gdal, osr  # noqa: E402
-from qgis.core import (QgsApplication, QgsCoordinateReferenceSystem, QgsFeature, QgsGeometry, QgsPointXY,  # noqa: E402
+from qgis.core import (Qgis, QgsApplication, QgsCoordinateReferenceSystem, QgsFeature, QgsGeometry, QgsPointXY,  # noqa: E402
                        QgsProcessingContext, QgsProcessingException, QgsProcessingFeatureSourceDefinition, QgsProcessingFeedback,
                        QgsProject, QgsRasterLayer, QgsVectorFileWriter, QgsVectorLayer)
 
@@ -41,7 +43,7 @@ qgis.utils.updateAvailablePlugins()
 with warnings.catch_warnings(record=True) as WARNINGS:
     warnings.simplefilter("always")
     LOADED = qgis.utils.loadPlugin("gridforge_provider") and qgis.utils.startProcessingPlugin("gridforge_provider")
-from gridforge_provider import convert  # noqa: E402
+from gridforge_provider import convert, provider  # noqa: E402
 from gridforge_provider.gridforge import styles  # noqa: E402
 
 REGISTRY = QgsApplication.processingRegistry()
@@ -124,6 +126,15 @@ class LoadingTest(PluginTest):
         self.assertEqual(ours, [])
         self.assertEqual([entry for entry in LOG if "gridforge" in entry[2] or entry[0] in ("Python warning", "gridforge")], [])
         self.assertEqual(len(REGISTRY.providerById("gridforge").algorithms()), 25)
+
+    def test_a_broken_description_is_in_the_log(self):
+        at = len(LOG)
+        self.addCleanup(LOG.__delitem__, slice(at, None))
+        Path(self.path("bad.json")).write_text("{")
+        with mock.patch.dict(os.environ, GRIDFORGE_JSON=self.path("bad.json")):
+            provider.GridforgeProvider().loadAlgorithms()
+        self.assertEqual([(tag, level) for tag, level, _ in LOG[at:]], [("gridforge", Qgis.Critical)])
+        self.assertRegex(LOG[at][2], f"^{re.escape(self.path('bad.json'))} is not a description of the tool: ")
 
     def test_algorithms_say_what_they_are(self):
         for algorithm in REGISTRY.providerById("gridforge").algorithms():
@@ -461,6 +472,7 @@ class ProjectTest(PluginTest):
         self.run_algorithm("remap", WL=self.path("in/b.asc"), DEM=self.path("in/a.asc"), FOLDER=self.path("r"))
         self.assertEqual({layer.name() for layer in self.project.mapLayers().values()}, {"b_remap_h", "b_remap_d"})
         self.assertIn("above 5 m", self.legend(self.layer("b_remap_d")))
+        self.assertIn(f"made {self.path('r/b_remap_d.asc')}", self.feedback.infos)
 
     def test_or_not(self):
         results = self.run_algorithm("stat", INPUTS=[self.path("in/a.asc"), self.path("in/b.asc")], STAT=[3],

@@ -96,11 +96,37 @@ class RoomTest(unittest.TestCase):
         self.assertEqual([move.target.relative_to(target).as_posix() for move in moves], ["b.asc", "csv/s.csv", "a.flt"])
         self.assertEqual((target / "b.asc").read_text(), "b.asc")
 
+    def replace(self, *given, old):
+        """The files of `results` after outputs called r have gone over old ones."""
+        for name in old:
+            self.write(f"results/{name}", "old")
+        moves = [move for name in given for move in rooms.moves_of([self.write(f"results/out/{name}")], "r",
+                                                                   (self.folder / "results" / name).with_stem("m"))]
+        rooms.publish(moves)
+        return sorted(path.name for path in (self.folder / "results").iterdir() if path.is_file())
+
     def test_notes_on_a_grid_that_was_there_before_go(self):
         for name in ("m.flt.aux.xml", "m.stx", "n.stx"):
             self.write(f"results/{name}")
         rooms.publish(rooms.moves_of([self.write("results/out/r.flt")], "r", self.folder / "results/m.flt"))
         self.assertEqual(sorted(path.name for path in (self.folder / "results").iterdir() if path.is_file()), ["m.flt", "n.stx"])
+
+    def test_so_do_indexes_of_a_layer(self):
+        self.assertEqual(self.replace("r.shp", old=["m.qix", "m.sbn", "m.sbx", "n.qix"]), ["m.shp", "n.qix"])
+
+    def test_what_belonged_to_a_grid_that_is_replaced_goes_with_it(self):
+        self.assertEqual(self.replace("r.flt", "r.hdr", old=["m.flt", "m.hdr", "M.prj", "n.prj"]), ["m.flt", "m.hdr", "n.prj"])
+
+    def test_so_with_layers(self):
+        self.assertEqual(self.replace("r.shp", "r.shx", "r.dbf", old=["m.shp", "m.shx", "m.dbf", "m.prj", "m.cpg"]),
+                         ["m.dbf", "m.shp", "m.shx"])
+
+    def test_what_also_belongs_to_a_file_that_stays_is_kept(self):
+        self.assertEqual(self.replace("r.flt", "r.hdr", old=["m.flt", "m.hdr", "m.prj", "m.asc"]),
+                         ["m.asc", "m.flt", "m.hdr", "m.prj"])
+
+    def test_a_projection_that_came_before_its_grid_is_kept(self):
+        self.assertEqual(self.replace("r.asc", old=["m.prj"]), ["m.asc", "m.prj"])
 
     def test_names_are_no_patterns(self):
         self.assertEqual(self.room.give(self.write("a*.asc")), "a_.asc")
