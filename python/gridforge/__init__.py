@@ -1,4 +1,4 @@
-"""Runs gridforge from Python and tells a program what happened: `run` takes the tool's arguments, and there is a function for each
+"""Runs gridforge from Python and reports what happened: `run` takes the tool's arguments, and there is a function for each
 operation, such as `gridforge.max(["a.asc", "b.asc"], out="highest.asc")`."""
 from __future__ import annotations
 

@@ -49,7 +49,7 @@ def _known_flag(text: str, flags: dict[str, Flag]) -> Optional[Flag]:
 
 
 def _is_flag(text: str, flags: dict[str, Flag], look: Look) -> bool:
-    """As the tool sees it, except that a name from the root is no flag."""
+    """As the tool sees it, except that a name from the root is not a flag."""
     if text[:1] == "/":
         rest = text[1:].replace("\\", "/")
         return "/" not in rest and _known_flag(text, flags) is not None and not look.matching(text)
@@ -122,7 +122,7 @@ def relative_name(name: str, folder: Path) -> str:
         name = os.path.join(os.path.realpath(head), tail)
     try:
         return os.path.relpath(name, folder)
-    except ValueError:  # on another drive of Windows, where a name from the root is no flag
+    except ValueError:  # on another drive of Windows, where a name from the root is not a flag
         return name
 
 

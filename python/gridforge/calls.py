@@ -69,7 +69,7 @@ def _arguments(flag: Flag, value: Any) -> list[Name]:
 
 
 def _input(name: Name, folder: Path) -> str:
-    """A name that is no flag, whatever it begins with."""
+    """A name that is not a flag, whatever it begins with."""
     text = relative_name(text_of(name), folder)
     return os.path.join(".", text) if text[:1] in ("-", "/", EN_DASH) else text
 

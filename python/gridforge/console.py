@@ -1,4 +1,4 @@
-"""What the console of a run tells."""
+"""The console of a run: the files it opened, its warnings, and how it ended."""
 from __future__ import annotations
 
 import os
@@ -33,7 +33,7 @@ class Console:
     _tail: list[str] = field(default_factory=list)
 
     def take(self, raw: bytes) -> str:
-        """Takes a line without its end and returns it as text. Bytes that are no UTF-8 become what os.fsdecode makes of them."""
+        """Takes a line without its end and returns it as text. Bytes that are not UTF-8 become what os.fsdecode makes of them."""
         line = os.fsdecode(raw.rstrip(b"\r"))
         if self.lines == 0:
             self.build = line

@@ -101,7 +101,7 @@ class Scratch:
 
 
 def write_text(output: Path | None, overwrite: bool, write: Callable[[TextIO], None]) -> None:
-    """Writes a text to a file, whole or not at all, or to standard output. Bytes that are no UTF-8 stay as they were read."""
+    """Writes a text to a file, whole or not at all, or to standard output. Bytes that are not UTF-8 stay as they were read."""
     if output is None:
         sys.stdout.reconfigure(errors="surrogateescape", newline="")
         write(sys.stdout)

@@ -19,7 +19,7 @@ from .styles import Style
 try:
     import matplotlib
     matplotlib.use("Agg")
-    matplotlib.rcParams["text.parse_math"] = False  # two dollars in a title are no formula
+    matplotlib.rcParams["text.parse_math"] = False  # two dollars in a title are not a formula
     from matplotlib import pyplot
     from matplotlib.collections import LineCollection
     from matplotlib.patches import Polygon, Rectangle
@@ -95,7 +95,7 @@ class Layer:
 def style_of(grid: Path, values: ndarray, wishes: Wishes) -> Style:
     kind = wishes.kind or styles.kind_of(grid.name)
     if kind is None:
-        raise Failure(f"the name of {grid.name} tells no kind: --kind is one of {', '.join(styles.styles())}")
+        raise Failure(f"the name of {grid.name} does not show its kind: --kind is one of {', '.join(styles.styles())}")
     style = styles.styles()[kind]
     if kind == "source":
         return style.named(names_of_sources(grid, values, wishes.legend))

@@ -61,7 +61,7 @@ def _peak_in(status_file: str) -> int:
 
 
 class PeakMemory:
-    """The most memory that a process took. What the system tells at the end counts the copy of ourselves that became the process,
+    """The most memory that a process took. What the system reports at the end counts the copy of ourselves that became the process,
     too; so up to our own size it is what was seen during the run that counts."""
 
     def __init__(self, pid: int):
@@ -72,8 +72,8 @@ class PeakMemory:
     def look(self) -> None:
         self._seen = max(self._seen, _peak_in(self._status_file))
 
-    def at_end(self, told: int) -> int:
-        return told if told > self._own or self._seen == 0 else self._seen
+    def at_end(self, reported: int) -> int:
+        return reported if reported > self._own or self._seen == 0 else self._seen
 
 
 def _bytes_of(maxrss: int) -> int:

@@ -31,8 +31,8 @@ class Totals:
     total: int
 
     def after(self, line: bytes) -> Progress:
-        told = json.loads(line)
-        return Progress(told["seconds"], told["read"], told["written"], told["objects"], self.total)
+        done = json.loads(line)
+        return Progress(done["seconds"], done["read"], done["written"], done["objects"], self.total)
 
 
 def _size(path: Path) -> int:

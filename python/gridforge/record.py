@@ -57,7 +57,7 @@ class Record:
         return [file.name for file in self.outputs]
 
     def to_json(self) -> str:
-        """Bytes of names that are no UTF-8 are lone surrogates, as os.fsencode takes them."""
+        """Bytes of names that are not UTF-8 are lone surrogates, as os.fsencode takes them."""
         return json.dumps({"shape": SHAPE, **_camel(dataclasses.asdict(self))}, indent=1) + "\n"
 
     def write(self, path: Path) -> None:

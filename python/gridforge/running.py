@@ -293,8 +293,8 @@ def _run_in_stage(p: Plan, stage: Stage, console: Console, record: Record) -> No
 
 def _in_order_made(made: Mapping[str, Path], console: Console) -> dict[str, Path]:
     """The names in which outputs were opened come first."""
-    told = [os.path.normpath(name.replace("\\", "/")) for name in console.outputs]
-    rank = {name: at for at, name in reversed(list(enumerate(told)))}
+    opened = [os.path.normpath(name.replace("\\", "/")) for name in console.outputs]
+    rank = {name: at for at, name in reversed(list(enumerate(opened)))}
     return {name: made[name] for name in sorted(made, key=lambda name: rank.get(name, len(rank)))}
 
 

@@ -89,7 +89,7 @@ NAMED = ((r"_src|_(Min|Max|Mean|Median|Rank\d+)_Src", "source"), (r"_wd|_extent"
 
 
 def kind_of(name: str) -> str | None:
-    """The kind of a grid by its name, where that tells it: `a_src.asc` holds sources."""
+    """The kind of a grid by its name, where that shows it: `a_src.asc` holds sources."""
     stem = Path(name).stem
     return next((kind for pattern, kind in NAMED if re.fullmatch(f"(.*?)({pattern})", stem, re.IGNORECASE)), None)
 

@@ -259,7 +259,7 @@ class MessagesTest(Drawn):
     def test_wrong_wishes(self):
         self.give("a.asc", asc([[1, 2], [3, 4]]))
         for message, *arguments in (
-                ("the name of a.asc tells no kind: --kind is one of depth, level, difference, source, wet_dry, impact", "o.png"),
+                ("the name of a.asc does not show its kind: --kind is one of depth, level, difference, source, wet_dry, impact", "o.png"),
                 ("o.jpg: a picture ends in .png", "o.jpg"),
                 ("--window: west, south, east, north are expected, each smaller than its opposite", "o.png", "--window", "2",
                  "0", "1",

@@ -128,7 +128,7 @@ def layer_to_file(source: QgsFeatureSource, hidden: list[int], target: Path, fee
     for index in columns:
         field = QgsField(source.fields().at(index))
         if target.suffix == ".mif" and field.isNumeric():
-            field.setLength(0)  # a column of a given width is no float
+            field.setLength(0)  # a column of a given width holds no floating-point numbers
             field.setPrecision(0)
         fields.append(field)
     system = source.sourceCrs() if source.sourceCrs().isValid() else QgsCoordinateReferenceSystem.fromWkt(PLAIN_METRES)

@@ -45,7 +45,7 @@ class Run:
 
     @property
     def opens_elsewhere(self) -> bool:
-        """A classified .asc is no grid for other programs."""
+        """A classified .asc is not a grid for other programs."""
         return "-grc" not in self.given
 
 
