@@ -644,6 +644,14 @@ class RunTest(PluginTest):
                             else toolbox.contents(Path(scratch, "out")))
                     self.assertEqual(made, wanted)
 
+    def test_the_python_of_the_page_runs(self):
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(self.folder)
+        import processing
+        exec("\n".join(toolbox.page_block("python")),
+             {"processing": processing, "after": self.path("in/a.asc"), "before": self.path("in/c.asc")})
+        self.assertEqual(self.cells(self.path("change.flt"))[0], [2] * 9)  # the cells of c.asc are lower by that
+
     def test_inputs_of_one_name(self):
         (self.folder / "other").mkdir()
         (self.folder / "other/a.asc").write_text(samples.grid(5))

@@ -76,6 +76,14 @@ REFUSED = {
 }
 
 
+def page_block(word):
+    """The lines of the only block of the page for users with this word at its fence."""
+    page = Path(__file__).resolve().parents[2] / "docs" / "qgis.md"
+    blocks = page.read_text(encoding="utf-8").split(f"```{word}\n")
+    assert len(blocks) == 2, word
+    return blocks[1].split("\n```\n")[0].splitlines()
+
+
 def contents(folder):
     """Files below a folder, without what GDAL notes about grids that it has read."""
     return {str(path.relative_to(folder)): path.read_bytes() for path in sorted(folder.rglob("*"))
@@ -128,7 +136,8 @@ class ToolboxTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.scratch = tempfile.TemporaryDirectory()
-        cls.runs = Runs(Path(cls.scratch.name)).done
+        runs = Runs(Path(cls.scratch.name))
+        cls.runs, cls.environment = runs.done, runs.environment
 
     @classmethod
     def tearDownClass(cls):
@@ -160,6 +169,20 @@ class ToolboxTest(unittest.TestCase):
                 self.assertIn(message, console.split("----------------\nInputs\n")[-1])
                 self.assertNotEqual(status, 0)
                 self.assertEqual((made, changed), ({}, {}))
+
+    def test_the_commands_of_the_page_run(self):
+        with tempfile.TemporaryDirectory() as folder:
+            samples.write_samples(Path(folder))
+            for name, sample in (("depth_1h.asc", "a.asc"), ("depth_6h.asc", "b.asc")):
+                os.rename(Path(folder, sample), Path(folder, name))
+            for command in page_block("sh"):
+                self.assertEqual(command.split()[0], "qgis_process")
+                run = subprocess.run([QGIS_PROCESS, *command.split()[1:]], cwd=folder, env=self.environment, capture_output=True,
+                                     stdin=subprocess.DEVNULL, encoding="utf-8", check=False, timeout=280)
+                self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+            made = contents(Path(folder))
+        self.assertEqual({name for name in made if name.startswith(("depth.", "source."))},
+                         {"depth.flt", "depth.hdr", "source.flt", "source.hdr"})
 
 
 if __name__ == "__main__":
