@@ -1,6 +1,11 @@
 """What the package holds and declares."""
 import ast
+import importlib.util
 import os
+import shutil
+import subprocess
+import sys
+import tempfile
 import unittest
 from pathlib import Path
 
@@ -36,6 +41,20 @@ class PackageTest(unittest.TestCase):
         for path in (PYTHON / "gridforge").iterdir():
             if path.suffix != ".py" and path.name != "__pycache__":
                 self.assertTrue(any(path.match(pattern) for pattern in patterns["gridforge"]), path.name)
+
+    @unittest.skipUnless(all(map(importlib.util.find_spec, ("pip", "setuptools", "wheel"))), "needs pip, setuptools and wheel")
+    def test_pip_installs_it_from_the_folder(self):
+        with tempfile.TemporaryDirectory() as scratch:
+            source, target = Path(scratch, "source"), Path(scratch, "target")
+            shutil.copytree(PYTHON, source)  # setuptools leaves files in it
+            subprocess.run([sys.executable, "-m", "pip", "install", "--quiet", "--no-build-isolation", "--no-deps", "--no-index",
+                            "--target", target, source], check=True, capture_output=True)
+            installed = {path.name for path in (target / "gridforge").iterdir()} - {"__pycache__"}
+            self.assertEqual(installed, {path.name for path in (PYTHON / "gridforge").iterdir()} - {"__pycache__"})
+            for name in declared("project.scripts"):
+                run = subprocess.run([sys.executable, target / "bin" / name, "--help"], cwd=scratch, capture_output=True, text=True,
+                                     env={**os.environ, "PYTHONPATH": str(target)}, check=False)
+                self.assertRegex(run.stdout, f"^usage: {name} ", run.stderr)
 
 
 if __name__ == "__main__":

@@ -26,21 +26,12 @@ def kind_for(style: str, chosen: str, name: str) -> str:
     return package_styles.kind_of(name) or ""
 
 
-def legend_beside(file: Path) -> Union[Path, None]:
-    """`a_src_legend.csv` of the source grid `a_src.flt`; those of statistics share one."""
-    stem = file.stem
-    names = [f"{stem}_legend.csv"]
-    if "_" in stem:
-        names.append(f"{stem.rsplit('_', 2)[0]}_Src_legend.csv")
-    return next((file.with_name(name) for name in names if file.with_name(name).is_file()), None)
-
-
 def qml_for(kind: str, file: Path, legend: Union[Path, None] = None) -> str:
     """The style as QGIS reads it; empty where there is none of this kind."""
     style = package_styles.styles().get(kind)
     if style is None:
         return ""
-    legend = legend or (legend_beside(file) if kind == "source" else None)
+    legend = legend or (package_styles.legend_of(file) if kind == "source" else None)
     if legend is not None:
         style = style.named(package_styles.read_legend(legend))
     return package_styles.qml(style)
