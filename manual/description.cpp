@@ -168,7 +168,8 @@ std::string describe(const driver::InputRule& inputs)
                    {"min", join(inputs.least)},
                    {"max", join(inputs.most)},
                    {"more", text(inputs.surplus == driver::Surplus::refused ? "refused" : "ignored")},
-                   {"thenOutputName", truth(inputs.thenOutputName)}});
+                   {"thenOutputName", truth(inputs.then != driver::ThenName::none)},
+                   {"outputNameMustExist", truth(inputs.then == driver::ThenName::existingOutput)}});
 }
 
 std::string describe(const driver::OutputRow& output)

@@ -43,7 +43,6 @@ Exit status: 0 the run finished, 1 it ended in a message, 2 wrong use, 3 it did 
 """
 
 _SWITCHES = ("--stage", "--overwrite", "--keep", "--quiet", "--progress", "--dry-run", "--version", "--help")
-OUTPUT_MUST_EXIST = ("cd", "multiply")  # operations that take the name of an output only if a file has it
 _WITH_VALUE = ("--timeout", "--json", "--log")
 
 
@@ -135,7 +134,7 @@ def _tell(record: Record) -> None:
 
 def _show_output(p: Plan, argument: Argument) -> bool:
     """An output that is named after the inputs. False where the tool wants a file of that name and finds none."""
-    needed = p.operation is not None and p.operation.name in OUTPUT_MUST_EXIST
+    needed = p.operation is not None and p.operation.inputs.output_name_must_exist
     missing = needed and not os.path.lexists(p.folder / argument.text)
     _say(f"{'missing' if missing else 'output'} {argument.text}")
     return not missing

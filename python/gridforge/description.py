@@ -52,6 +52,7 @@ class InputRule:
     most: int
     more: str  # refused or ignored
     then_output_name: bool
+    output_name_must_exist: bool
 
 
 @dataclass(frozen=True)
@@ -110,7 +111,8 @@ def _output(row: dict[str, Any]) -> OutputRule:
 def _operation(row: dict[str, Any]) -> Operation:
     inputs = row["inputs"]
     return Operation(row["name"], row["description"], row["page"], tuple(map(_flag, row["flags"])),
-                     InputRule(inputs["kind"], inputs["min"], inputs["max"], inputs["more"], inputs["thenOutputName"]),
+                     InputRule(inputs["kind"], inputs["min"], inputs["max"], inputs["more"], inputs["thenOutputName"],
+                               inputs.get("outputNameMustExist", False)),  # older tools do not write it
                      tuple(map(_output, row["outputs"])), tuple(map(_flag, row["options"])))
 
 

@@ -87,7 +87,7 @@ class DescriptionTest(Scratch):
     def test_records(self):
         description = gridforge.load_description()
         cutoff = description.operation("cd")
-        self.assertEqual(cutoff.inputs, gridforge.InputRule("grid", 1, 2, "refused", True))
+        self.assertEqual(cutoff.inputs, gridforge.InputRule("grid", 1, 2, "refused", True, True))
         self.assertEqual(cutoff.outputs[0].name, "{first}_cd{value}")
         flag = cutoff.option("-cd")
         self.assertEqual((flag.name, flag.kind, flag.glued, flag.takes_next, flag.default), ("cd", "number", True, False, 0))

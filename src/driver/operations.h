@@ -14,12 +14,16 @@ namespace gridforge::driver {
 // What becomes of inputs beyond the most that an operation takes.
 enum class Surplus { refused, ignored };
 
+// Whether one more name is that of the main output. Some operations take it only if a file has that name, and then write beside
+// it: the extension of the format follows the whole name.
+enum class ThenName { none, output, existingOutput };
+
 // The inputs that stand on the command line by themselves. Those that follow a flag are in the flag's row.
 struct InputRule {
     std::int32_t least;
     std::int32_t most;
     Surplus surplus = Surplus::refused;
-    bool thenOutputName = false; // one more name is that of the main output
+    ThenName then = ThenName::none;
     ValueKind kind = ValueKind::grid;
 };
 
