@@ -1,11 +1,11 @@
 #!/usr/bin/python3
-"""Draws depth_picture.png of docs/styles.md by gridforge-picture, with the command of that page."""
+"""Draws flood.png of README.md and docs/styles.md by gridforge-picture, as examples/run_demo does."""
 import sys
 
 from drawing import main, run
 from gridforge import picture
 
-PICTURES = ("depth_picture.png",)
+PICTURES = ("flood.png",)
 
 
 def draw(pictures):

@@ -16,7 +16,6 @@ import unittest
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 PICTURES = os.path.join(ROOT, "docs", "pictures")
 PYTHON = "/usr/bin/python3"  # that for which Debian installs numpy, matplotlib and GDAL
-OF_THE_DEMO = {"flood.png"}
 OF_QGIS = {"qgis_dialog.png", "qgis_results.png"}  # by qgis_windows.py, which needs a screen
 LINK = re.compile(r"!\[[^\]]+\]\(([^)]+)\)")
 
@@ -59,7 +58,7 @@ class Pictures(unittest.TestCase):
     def test_every_picture_is_shown_and_has_a_script(self):
         there = {name for name in os.listdir(PICTURES) if name.endswith((".png", ".svg"))}
         made = [name for script in glob.glob(os.path.join(PICTURES, "*.py")) for name in made_by(script)]
-        self.assertEqual(sorted(there), sorted([*made, *OF_THE_DEMO, *OF_QGIS]))
+        self.assertEqual(sorted(there), sorted([*made, *OF_QGIS]))
         self.assertEqual({os.path.basename(picture) for _, picture in links()}, there)
 
     def test_scripts_make_their_pictures(self):
