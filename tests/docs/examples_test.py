@@ -60,7 +60,8 @@ class Examples(unittest.TestCase):
             os.symlink("/usr/bin/python3", os.path.join(programs, "python3"))
         path = os.pathsep.join([programs, os.path.join(ROOT, "python", "bin"), os.environ["PATH"]])
         return {**os.environ, "PATH": path, "GRIDFORGE": os.environ["GRIDFORGE_TOOL"], "LC_ALL": "C.UTF-8",
-                "PYTHONPATH": os.path.join(ROOT, "python"), "PYTHONDONTWRITEBYTECODE": "1"}
+                "PYTHONPATH": os.path.join(ROOT, "python"), "PYTHONDONTWRITEBYTECODE": "1",
+                "GRIDFORGE_PAGES": os.path.join(ROOT, "docs")}
 
     def results_of(self, blocks):
         if all(block.kind in ("usage", "shown") for block in blocks):
