@@ -1,9 +1,11 @@
 """gridforge-run: its options, what it tells, its exit status, and its end by time and signals."""
 import os
 import pty
+import select
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 import unittest
 from pathlib import Path
@@ -171,13 +173,30 @@ class CommandTest(ScratchTest):
 class EndsTest(ScratchTest):
     """Runs that are ended from outside."""
 
+    def setUp(self):
+        super().setUp()
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        # A tool holds its end of this pipe for as long as it lives.
+        self.pipe = os.path.join(folder.name, "pipe")
+        os.mkfifo(self.pipe)
+
+    def from_tool(self):
+        """The next byte of a tool at work; none once it has ended."""
+        self.assertTrue(select.select([self.end], [], [], 30)[0])
+        return os.read(self.end, 1)
+
+    def use_slow_tool(self):
+        """One that writes its number to a file and a byte to the pipe when it is at work."""
+        self.use_tool(f"echo $$ > '{self.folder}/number'\nexec 9> '{self.pipe}'\n" + SLOW.replace("exec", "printf . >&9\nexec"))
+
     def begin(self, *arguments):
         """Starts a run and waits until the tool is at work."""
+        self.end = os.open(self.pipe, os.O_RDONLY | os.O_NONBLOCK)
+        self.addCleanup(os.close, self.end)
         process = subprocess.Popen([sys.executable, "-B", PROGRAMS / "gridforge-run", *arguments], stderr=subprocess.PIPE)
         self.addCleanup(process.stderr.close)
-        limit = time.monotonic() + 30
-        while not any(name.endswith("half.asc") for name in self.files()) and time.monotonic() < limit:
-            time.sleep(0.02)
+        self.assertEqual(self.from_tool(), b".")
         return process
 
     def test_timeout(self):
@@ -200,7 +219,7 @@ class EndsTest(ScratchTest):
 
     def test_signals_end_the_run_and_its_scratch_folder(self):
         self.give_grids("a.asc")
-        self.use_tool("echo $$ > '" + str(self.folder / "number") + "'\n" + SLOW)
+        self.use_slow_tool()
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             process = self.begin("--stage", "-fe", "a.asc")
             process.send_signal(number)
@@ -212,15 +231,11 @@ class EndsTest(ScratchTest):
 
     def test_a_run_that_is_killed_leaves_nothing_under_the_name_of_an_output(self):
         self.give_grids("a.asc")
-        self.use_tool("echo $$ > '" + str(self.folder / "number") + "'\n" + SLOW)
+        self.use_slow_tool()
         process = self.begin("--stage", "-fe", "a.asc")
-        tool = int(Path("number").read_text())
         process.kill()
         process.wait(30)
-        limit = time.monotonic() + 30
-        while os.path.exists(f"/proc/{tool}") and time.monotonic() < limit:
-            time.sleep(0.02)
-        self.assertFalse(os.path.exists(f"/proc/{tool}"))
+        self.assertEqual(self.from_tool(), b"")
         self.assertEqual([name for name in self.files() if not name.startswith(".gridforge-run-")],
                          ["a.asc", "number", "tool/gridforge"])
 

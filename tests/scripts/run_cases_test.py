@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """Tests of scripts/run-cases on the sample program, whose folder is SAMPLE_BUILD."""
-import glob
 import os
 import signal
 import subprocess
 import sys
-import time
+import tempfile
 import unittest
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
+
+from named_pipe import NamedPipe  # noqa: E402
 
 
 class RunCasesTest(unittest.TestCase):
@@ -55,44 +57,15 @@ class RunCasesTest(unittest.TestCase):
 
     def test_a_signal_stops_the_programs_too(self):
         for number in (signal.SIGTERM, signal.SIGINT):
-            with subprocess.Popen([os.path.join(ROOT, "scripts", "run-cases"), os.environ["SAMPLE_BUILD"]], stderr=subprocess.PIPE,
-                                  env={**os.environ, "SAMPLE": "wait"}, stdout=subprocess.DEVNULL) as process:
-                self.assertTrue(within(30, waiting_samples))
-                process.send_signal(number)
-                _, console = process.communicate(timeout=30)
-            self.assertEqual((process.returncode, console), (128 + number, b"run-cases: stopped\n"))
-            self.assertTrue(within(10, lambda: not waiting_samples()))
-
-
-def waiting_samples():
-    """The programs of the sample whose case waits, by their command lines; an ended one has none."""
-    return [path for path in glob.glob("/proc/[0-9]*/cmdline")
-            if read(path).startswith(os.path.join(os.path.abspath(os.environ["SAMPLE_BUILD"]), "tests", "sample_tests").encode())
-            and b"--gtest_output" in read(path) and b"Sample.Waits" in last_case(path)]
-
-
-def last_case(path):
-    """The last line of the console of a program that runs."""
-    try:
-        return read(os.path.realpath(os.path.join(os.path.dirname(path), "fd", "1"))).rstrip().rpartition(b"\n")[2]
-    except OSError:
-        return b""
-
-
-def read(path):
-    try:
-        with open(path, "rb") as file:
-            return file.read()
-    except OSError:
-        return b""
-
-
-def within(seconds, true):
-    """Whether something becomes true in time."""
-    end = time.monotonic() + seconds
-    while not true() and time.monotonic() < end:
-        time.sleep(0.1)
-    return bool(true())
+            with tempfile.TemporaryDirectory() as folder, NamedPipe(os.path.join(folder, "pipe")) as pipe:
+                with subprocess.Popen([os.path.join(ROOT, "scripts", "run-cases"), os.environ["SAMPLE_BUILD"]],
+                                      stderr=subprocess.PIPE, stdout=subprocess.DEVNULL,
+                                      env={**os.environ, "SAMPLE": "wait", "SAMPLE_PIPE": pipe.name}) as process:
+                    self.assertEqual(pipe.read(30), b".")
+                    process.send_signal(number)
+                    _, console = process.communicate(timeout=30)
+                self.assertEqual((process.returncode, console), (128 + number, b"run-cases: stopped\n"))
+                self.assertEqual(pipe.read(10), b"")
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 // Cases that scripts/run-cases is tried on. SAMPLE names what goes wrong: nothing, fail, crash, exit, wait or end.
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
@@ -54,6 +55,10 @@ TEST(Sample, Exits)
 TEST(Sample, Waits)
 {
     if (asked("wait")) {
+        // The pipe shows by a byte that the case waits, and by its end that the program has been stopped.
+        if (const char* const pipe = std::getenv("SAMPLE_PIPE"); pipe != nullptr) {
+            EXPECT_EQ(write(open(pipe, O_WRONLY), ".", 1), 1);
+        }
         pause();
     }
 }

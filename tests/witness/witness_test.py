@@ -11,12 +11,11 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 from unittest import mock
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path.insert(0, HERE)
+sys.path[:0] = [HERE, os.path.join(os.path.dirname(HERE), "support")]
 
 import compare  # noqa: E402  (the modules beside this one)
 import damage  # noqa: E402
@@ -24,20 +23,12 @@ import inputs  # noqa: E402
 import reference  # noqa: E402
 import runs  # noqa: E402
 import witness  # noqa: E402
+from named_pipe import NamedPipe  # noqa: E402
 
 TOOL = os.environ["GRIDFORGE_TOOL"]
 RUNNER = os.environ["GRIDFORGE_WITNESS_RUNNER"]
 GRID = "ncols 3\r\nnrows 1\r\nxllcorner 0\r\nyllcorner 0\r\ncellsize 10\r\nNODATA_value -999\r\n%s\r\n"
 LIMITS = runs.Limits(20, 0)
-
-
-def runs_now(process):
-    """Whether a process is there and has not ended."""
-    try:
-        with open("/proc/%s/stat" % process, encoding="latin-1") as source:
-            return source.read().rpartition(") ")[2][0] != "Z"
-    except FileNotFoundError:
-        return False
 
 
 class WithFolder(unittest.TestCase):
@@ -83,14 +74,6 @@ class WitnessRun(WithFolder):
         path = self.write("changed", "#!/bin/sh\nTOOL='%s'\n%s\n" % (TOOL, script))
         os.chmod(path, 0o755)
         return path
-
-    @staticmethod
-    def wait_for(condition):
-        end = time.monotonic() + 30
-        while not condition():
-            if time.monotonic() > end:
-                raise AssertionError("nothing happened in 30 s")
-            time.sleep(0.05)
 
     def words(self, tool, *options, old=TOOL, first="0"):
         words = [sys.executable, os.path.join(HERE, "witness.py"), *first.split(), "--tool", tool, "--runner", RUNNER, "--seed", "7",
@@ -276,18 +259,16 @@ class OptionsTest(WitnessRun):
             self.assertIn(what, text)
 
     def test_a_witness_that_is_ended_takes_its_runs_along(self):
-        started = self.path("started")
-        endless = self.changed('echo "$$ $PWD" > %s.new; mv %s.new %s; while :; do :; done' % (started, started, started))
+        name = self.path("pipe")
+        endless = self.changed('exec 9> %s; echo "$$ $PWD" >&9; while :; do :; done' % name)
         for number, status in ((signal.SIGTERM, 128 + signal.SIGTERM), (signal.SIGKILL, -signal.SIGKILL)):
             words = self.words(endless, "--seconds-a-run", "100", first="100")
-            with subprocess.Popen(words, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
-                self.wait_for(lambda: os.path.exists(started))
-                process.send_signal(number)
-                self.assertEqual(process.wait(30), status)
-            with open(started, encoding="utf-8") as source:
-                run, folder = source.read().split()
-            os.remove(started)
-            self.wait_for(lambda: not runs_now(run))
+            with NamedPipe(name) as pipe:
+                with subprocess.Popen(words, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+                    folder = pipe.read(30).decode().split()[1]
+                    process.send_signal(number)
+                    self.assertEqual(process.wait(30), status)
+                self.assertEqual(pipe.read(30), b"")
             root = os.path.dirname(os.path.dirname(os.path.dirname(folder)))
             self.assertIn("gridforge-witness-", os.path.basename(root))
             self.assertEqual(os.path.exists(root), number == signal.SIGKILL)
