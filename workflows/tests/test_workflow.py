@@ -1,7 +1,9 @@
 """The whole workflow on the sample valley, on one machine."""
+import importlib.util
 import re
 import shutil
 import struct
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -10,6 +12,9 @@ from pathlib import Path
 import with_workflow
 from plain_run import plain_run
 from with_workflow import make_sample, results, run_tool, snakemake
+
+sys.path.insert(0, str(with_workflow.ROOT / "tests/docs"))
+import pages  # noqa: E402
 
 with_workflow.settle_programs()
 
@@ -40,6 +45,15 @@ def raise_a_cell(path: Path) -> None:
     path.write_bytes(struct.pack(f"<{len(cells)}f", *cells))
 
 
+def run_commands_of_page(folder: Path) -> subprocess.CompletedProcess:
+    """What the page shows first: the sample is made in the folder, and the workflow run on it."""
+    page = (with_workflow.ROOT / "docs/ensembles.md").read_text()
+    block = next(block for block in pages.blocks_of("docs/ensembles.md", page) if block.name == "needs Snakemake")
+    commands = [f"workflow={with_workflow.WORKFLOW}", *block.lines[1:]]
+    return subprocess.run(["bash", "-euo", "pipefail", "-c", "\n".join(commands)], cwd=folder, stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+
+
 class WorkflowTest(unittest.TestCase):
     """One study, on which the whole workflow has run; each test works on a copy, times of files included."""
 
@@ -49,8 +63,8 @@ class WorkflowTest(unittest.TestCase):
         cls.addClassCleanup(shutil.rmtree, cls.scratch)
         cls.fresh, cls.done = cls.scratch / "fresh", cls.scratch / "done"
         make_sample(cls.fresh)
-        shutil.copytree(cls.fresh, cls.done)
-        cls.first_run = snakemake(cls.done)
+        cls.first_run = run_commands_of_page(cls.scratch)
+        (cls.scratch / "study").rename(cls.done)
 
     def setUp(self):
         self.study = self.scratch / "study"
@@ -89,6 +103,16 @@ class WorkflowTest(unittest.TestCase):
         self.assertEqual(text.count('src="data:image/png;base64,'), 6 + 6 + 3)
         average = (self.done / "damages/warmer_average.csv").read_text().splitlines()[-1].split(",")[4]
         self.assertIn(f"<td>Average over a year</td><td>{float(average):,.0f}</td>", text)
+
+    def test_the_picture_shows_the_steps(self):
+        self.start_from(self.fresh)
+        graph = snakemake(self.study, "--rulegraph").stdout
+        names = dict(re.findall(r'(\d+)\[label = "(\w+)"', graph))
+        needs = [(names[first], names[second]) for first, second in re.findall(r"(\d+) -> (\d+)", graph)]
+        spec = importlib.util.spec_from_file_location("ensemble_steps", with_workflow.ROOT / "docs/pictures/ensemble_steps.py")
+        picture = importlib.util.module_from_spec(spec)
+        spec.loader.exec_module(picture)
+        self.assertEqual(sorted(picture.NEEDS), sorted(pair for pair in needs if "all" not in pair))
 
     def test_nothing_runs_again_without_a_change(self):
         self.start_from(self.done)
