@@ -13,7 +13,7 @@ def draw(pictures):
     show(axes, "change.asc", impact)
     show(axes, "change_wd.asc", wet, opacity=1)
     key_beside(axes, [heading("change.asc"), *class_keys(impact), heading("change_wd.asc"),
-                      *class_keys(wet, cells_of("change_wd.asc")[0])], fontsize=10.5)
+                      *class_keys(wet, cells_of("change_wd.asc")[0])], fontsize=10)
     save(made, pictures / PICTURES[0])
 
 
