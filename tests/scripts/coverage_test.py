@@ -51,6 +51,12 @@ class CoverageTest(unittest.TestCase):
                          ["src/grid/a.cpp:3-4: line 3 of a.cpp", "src/grid/a.cpp:6: line 6 of a.cpp",
                           "src/grid/a.cpp:9-10: line 9 of a.cpp"])
 
+    def test_code_after_an_assert_is_reached_with_it(self):
+        with open(os.path.join(coverage.ROOT, "src/grid/a.cpp"), "w") as file:
+            file.write("{\n  assert(a ==\n         b);\n  assert(c);\n\n  d(e,\n    f);\n  g();\n}\n{\n  assert(h);\n  i();\n}\n")
+        self.assertEqual(self.unreached("DA:2,5", "DA:3,5", "DA:4,0", "DA:6,0", "DA:7,0", "DA:8,0", "DA:11,0", "DA:12,0"),
+                         ["src/grid/a.cpp:8: g();", "src/grid/a.cpp:11-12: assert(h);"])
+
     def test_routines_that_never_ran(self):
         self.assertEqual(self.unreached("FN:5,_ZN4grid4readEi", "FN:9,_ZN4grid5writeEi", "FNDA:0,_ZN4grid4readEi",
                                         "FNDA:2,_ZN4grid5writeEi"), ["src/grid/a.cpp:5: never run: grid::read"])
