@@ -99,7 +99,7 @@ void roomForParts(LayerObject& object, std::int32_t count)
     object.parts.resize(std::max(object.parts.size(), static_cast<std::size_t>(count)));
 }
 
-void requireNotNegative(const ShpFile& shp, std::string_view what, std::int32_t count)
+void requireNotNegative(const ShpSource& shp, std::string_view what, std::int32_t count)
 {
     if (count < 0) {
         fail("ERROR - Number of ", what, " is below 0 in .shp file: ", unitName(shp.shpUnit), "  Number: ", count);
@@ -107,7 +107,7 @@ void requireNotNegative(const ShpFile& shp, std::string_view what, std::int32_t 
 }
 
 // The part from start to end of an object's points.
-void requirePart(const ShpFile& shp, std::int64_t start, std::int64_t end, std::int64_t points)
+void requirePart(const ShpSource& shp, std::int64_t start, std::int64_t end, std::int64_t points)
 {
     if (start < 0 || end < start || end > points) {
         fail("ERROR - Parts of an object do not rise within its points in .shp file: ", unitName(shp.shpUnit),
@@ -163,7 +163,7 @@ void readPoint(Unit unit, Coordinates& c)
     readVertices(unit, 0, 1, c);
 }
 
-void readPart(ShpFile& shp, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
+void readPart(ShpSource& shp, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
 {
     if (object.rings >= object.sections) {
         fail("ERROR - More parts read than a polyline has in .shp file: ", unitName(shp.shpUnit),
@@ -185,7 +185,7 @@ void readPart(ShpFile& shp, LayerObject& object, Coordinates& c, std::int32_t ma
 
 // Makes ring ends of the part starts of the file, and fills the slot after each ring with its second vertex. A ring of
 // fewer than two vertices has no second one, and its slot stays as it was.
-void readRings(const ShpFile& shp, LayerObject& object, std::int32_t points, Coordinates& c)
+void readRings(const ShpSource& shp, LayerObject& object, std::int32_t points, Coordinates& c)
 {
     const auto rings = static_cast<std::size_t>(object.rings);
     object.parts[rings] = points;
@@ -206,7 +206,7 @@ void readRings(const ShpFile& shp, LayerObject& object, std::int32_t points, Coo
     }
 }
 
-void readRegion(const ShpFile& shp, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
+void readRegion(const ShpSource& shp, LayerObject& object, Coordinates& c, std::int32_t maxVertices, bool wanted)
 {
     c.np = needInteger(shp.shpUnit, kCoordinateMessages);
     requireNotNegative(shp, "points of a region", c.np);
@@ -231,7 +231,7 @@ Kind kindOfPolyline(std::int32_t parts)
     return parts > 1 ? Kind::combinedPolyline : Kind::unknown;
 }
 
-void readPolylineHead(const ShpFile& shp, LayerObject& object)
+void readPolylineHead(const ShpSource& shp, LayerObject& object)
 {
     needBox(shp.shpUnit, kTypeMessages);
     object.sections = needInteger(shp.shpUnit, kTypeMessages);
@@ -246,7 +246,7 @@ void readPolylineHead(const ShpFile& shp, LayerObject& object)
     object.parts[static_cast<std::size_t>(object.sections)] = points;
 }
 
-void readPolygonHead(const ShpFile& shp, LayerObject& object)
+void readPolygonHead(const ShpSource& shp, LayerObject& object)
 {
     object.kind = Kind::region;
     needBox(shp.shpUnit, kTypeMessages);
@@ -257,7 +257,7 @@ void readPolygonHead(const ShpFile& shp, LayerObject& object)
     requireNotNegative(shp, "rings of a region", object.rings);
 }
 
-void readMultipointHead(const ShpFile& shp, LayerObject& object)
+void readMultipointHead(const ShpSource& shp, LayerObject& object)
 {
     object.kind = Kind::multipoint;
     needBox(shp.shpUnit, kTypeMessages);
@@ -268,21 +268,27 @@ void readMultipointHead(const ShpFile& shp, LayerObject& object)
 
 // --- Headers ---------------------------------------------------------------------------------------------------------
 
+namespace {
+
+struct FileHeader {
+    std::int32_t code = 0;   // big-endian in the file, as is the length
+    std::int32_t length = 0; // in 16-bit words
+    std::int32_t version = 0;
+    std::int32_t type = 0;
+};
+
+// Rewinds and reads the 100 bytes of the header. A short or unreadable file ends the run.
 FileHeader readFileHeader(Unit unit)
 {
     std::array<std::byte, kHeaderBytes> bytes;
     seekTo(unit, 0);
     need(unit, bytes, kHeaderMessages);
-    const auto word = [&](std::size_t at) { return fromBytes<std::int32_t>(&bytes[at]); };
-    const auto real = [&](std::size_t at) { return fromBytes<double>(&bytes[at]); };
-    FileHeader header;
-    header.code = fromBytes<std::int32_t, std::endian::big>(bytes.data());
-    header.length = fromBytes<std::int32_t, std::endian::big>(&bytes[24]);
-    header.version = word(28);
-    header.type = word(32);
-    header.box = {real(36), real(44), real(52), real(60)};
-    return header;
+    return {fromBytes<std::int32_t, std::endian::big>(bytes.data()),
+            fromBytes<std::int32_t, std::endian::big>(&bytes[24]), fromBytes<std::int32_t>(&bytes[28]),
+            fromBytes<std::int32_t>(&bytes[32])};
 }
+
+} // namespace
 
 ShpInput open(std::string_view fileName)
 {
@@ -295,18 +301,13 @@ ShpInput open(std::string_view fileName)
 
 void readHeader(ShpInput& input)
 {
-    ShpFile& shp = input.shp;
+    ShpSource& shp = input.shp;
     if (shp.shpUnitBE > 0) {
         const FileHeader header = readFileHeader(shp.shpUnitBE);
-        shp.fileCode = header.code;
-        shp.fileLength = header.length;
-        say("Shapefile Code: ", shp.fileCode, "  Length: ", shp.fileLength);
+        say("Shapefile Code: ", header.code, "  Length: ", header.length);
     }
     const FileHeader header = readFileHeader(shp.shpUnit);
-    shp.version = header.version;
-    shp.shapeType = header.type;
-    shp.box = header.box;
-    say("Shapefile Version: ", shp.version, "  Type: ", shp.shapeType);
+    say("Shapefile Version: ", header.version, "  Type: ", header.type);
     CLOSER(shp.shpUnitBE);
     dbfReadHeader(input.dbf);
     input.dbf.currentRecord = 0;
@@ -335,7 +336,7 @@ std::vector<Column> columnsOf(const ShpInput& input)
 
 bool readKind(ShpInput& input, LayerObject& object)
 {
-    ShpFile& shp = input.shp;
+    ShpSource& shp = input.shp;
     std::array<std::byte, 2 * sizeof(std::int32_t)>
         head; // record number and length, which a reader in order does not need
     need(shp.shpUnit, head, kTypeMessages);
@@ -371,7 +372,7 @@ bool readRecord(ShpInput& input, std::string_view /*name*/, std::string& line, s
 Centre readCoordinates(ShpInput& input, LayerObject& object, Coordinates& coordinates, std::int32_t maxVertices,
                        bool wanted)
 {
-    ShpFile& shp = input.shp;
+    ShpSource& shp = input.shp;
     object.haveCoordinates = false;
     switch (shp.recordShapeType) {
     case kNull: break;

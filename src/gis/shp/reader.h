@@ -15,24 +15,14 @@
 namespace gridforge::gis::shp {
 
 struct ShpInput {
-    ShpFile shp;
+    ShpSource shp;
     DbfTable dbf;
 };
 
-struct FileHeader {
-    std::int32_t code = 0;   // big-endian in the file, as is the length
-    std::int32_t length = 0; // in 16-bit words
-    std::int32_t version = 0;
-    std::int32_t type = 0;
-    Box box;
-};
-// Rewinds and reads the 100 bytes of the header. A short or unreadable file ends the run.
-FileHeader readFileHeader(Unit unit);
-
 // Opens the .shp, on two units, and the .dbf beside it.
 ShpInput open(std::string_view fileName);
-// Reads the header: code and length with their console line (only while the big-endian unit is open, which is then closed),
-// version, type and box with theirs, and the header of the .dbf. Stops at the first object.
+// Reads the header and shows it on the console: code and length (only while the big-endian unit is open, which is then
+// closed), version and type, and the header of the .dbf. Stops at the first object.
 void readHeader(ShpInput& input);
 std::int32_t columnCount(const ShpInput& input);
 // The columns in the form that an output layer needs.

@@ -14,19 +14,25 @@ namespace gridforge::gis::shp {
 inline constexpr std::int32_t kMaxDbfFields = 128;
 inline constexpr std::size_t kDbfNameWidth = 11;
 
-// One set of shape files. Each file is opened on two units, because users see their numbers on the console. The big-endian
-// one is hardly needed: every field is put into its byte order here.
-struct ShpFile {
+// Each file is opened on two units, because users see their numbers on the console. The big-endian one is hardly needed: every
+// field is put into its byte order here.
+
+// The .shp that a layer is read from.
+struct ShpSource {
+    Unit shpUnit = 0;
+    Unit shpUnitBE = 0;
+    std::int32_t recordShapeType = 0; // of the record whose head has been read
+};
+
+// One set of shape files that is written.
+struct ShpTarget {
     Unit shpUnit = 0;
     Unit shpUnitBE = 0;
     Unit shxUnit = 0;
     Unit shxUnitBE = 0;
     Unit prjUnit = 0;
-    std::int32_t fileCode = 0;
-    std::int32_t fileLength = 0; // in 16-bit words
-    std::int32_t version = 0;
-    std::int32_t shapeType = 0; // 1, 3 or 5 on output
-    std::int32_t recordShapeType = 0;
+    std::int32_t shapeType = 0;  // 1, 3 or 5
+    std::int32_t fileLength = 0; // of the .shp, in 16-bit words
     std::int32_t nRecords = 0;
     std::int32_t shxOffset = 0; // of the next record, in 16-bit words
     Box box{0, 0, -1.0, -1.0};

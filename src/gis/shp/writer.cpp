@@ -125,7 +125,7 @@ void writeNumber(Unit unit, Number value)
     wroteBytes(unit, sizeof value);
 }
 
-void writeObjectBox(const Box& box, ShpFile& shp)
+void writeObjectBox(const Box& box, ShpTarget& shp)
 {
     std::array<char, sizeof(Box)> bytes;
     putBox(bytes.data(), box);
@@ -134,7 +134,7 @@ void writeObjectBox(const Box& box, ShpFile& shp)
 }
 
 // A point without a vertex is at 0.
-void writePoint(const Feature& f, ShpFile& shp)
+void writePoint(const Feature& f, ShpTarget& shp)
 {
     const double x = f.x.empty() ? 0.0 : f.x[0];
     const double y = f.y.empty() ? 0.0 : f.y[0];
@@ -143,7 +143,7 @@ void writePoint(const Feature& f, ShpFile& shp)
     takeIn({x, y, x, y}, shp.box);
 }
 
-void writeBody(std::int32_t shapeType, const Feature& f, ShpFile& shp)
+void writeBody(std::int32_t shapeType, const Feature& f, ShpTarget& shp)
 {
     switch (shapeType) {
     case kPoint: writePoint(f, shp); break;
@@ -176,7 +176,7 @@ void writePair(Unit unit, std::int32_t first, std::int32_t second)
 }
 
 // Offsets and lengths have 32 bits, and count 16-bit words.
-void requireRoom(const ShpFile& shp, std::int64_t words)
+void requireRoom(const ShpTarget& shp, std::int64_t words)
 {
     if (std::int64_t{shp.shxOffset} + kRecordHeadWords + words > std::numeric_limits<std::int32_t>::max()) {
         fail("ERROR - Size of .shp file exceeds maximum of 2147483647 words of 16 bits: ", unitName(shp.shpUnit));
@@ -186,7 +186,7 @@ void requireRoom(const ShpFile& shp, std::int64_t words)
 // --- The ends of the files -------------------------------------------------------------------------------------------
 
 // Completes the header of a file: its length in words, and the box.
-void rewriteHeader(Unit unit, std::int32_t words, const ShpFile& shp)
+void rewriteHeader(Unit unit, std::int32_t words, const ShpTarget& shp)
 {
     settle(unit);
     onWriteFailure(unit, failRewrite);
@@ -201,7 +201,7 @@ void rewriteHeader(Unit unit, std::int32_t words, const ShpFile& shp)
 
 void complete(OutputSet& set)
 {
-    ShpFile& shp = set.shp;
+    ShpTarget& shp = set.shp;
     DbfTable& dbf = set.dbf;
     if (dbf.dbfUnit > 0) {
         dbfWriteEoF(dbf);
@@ -280,7 +280,7 @@ void openSet(const std::string& base, OutputSet& set)
 
 void writeHeaders(OutputSet& set, const LayerSpec& spec)
 {
-    ShpFile& shp = set.shp;
+    ShpTarget& shp = set.shp;
     writeLine(shp.prjUnit, trimRight(spec.projection.shp));
     CLOSER(shp.prjUnit);
     writeFileHeader(shp, shp.shpUnit, shp.shpUnitBE);
@@ -328,18 +328,16 @@ void forEachSetOf(ShpOutput& output, Kind kind, std::string_view place, const Wo
 
 // The little-endian unit writes the .shp, and the big-endian one the .shx, whose other unit is closed early. Cuts off what
 // an older file holds after the header.
-void writeFileHeader(ShpFile& shp, Unit unitLE, Unit unitBE)
+void writeFileHeader(ShpTarget& shp, Unit unitLE, Unit unitBE)
 {
     if (unitLE <= 0 || unitBE <= 0) {
         gisMisuse("[shpnotopen]");
     }
-    shp.fileCode = kFileCode;
     shp.fileLength = kHeaderWords;
-    shp.version = kVersion;
     std::array<char, kHeaderBytes> header = {};
-    putBytes<std::endian::big>(header.data(), shp.fileCode);
+    putBytes<std::endian::big>(header.data(), kFileCode);
     char* at = putBytes<std::endian::big>(&header[kLengthAt], shp.fileLength);
-    at = putBytes(at, shp.version);
+    at = putBytes(at, kVersion);
     at = putBytes(at, shp.shapeType);
     putBox(at, shp.box);
 
@@ -376,7 +374,7 @@ void writeObject(ShpOutput& output, const Feature& feature)
 
 void writeObject(OutputSet& set, const Feature& feature)
 {
-    ShpFile& shp = set.shp;
+    ShpTarget& shp = set.shp;
     onWriteFailure(shp.shpUnit, failObject);
     onWriteFailure(shp.shxUnitBE, failObject);
     ++shp.nRecords;

@@ -12,7 +12,7 @@ namespace gridforge::gis::shp {
 
 // The files of one family of shapes.
 struct OutputSet {
-    ShpFile shp;
+    ShpTarget shp;
     DbfTable dbf;
 };
 
@@ -34,6 +34,6 @@ void writeRecord(ShpOutput& output, const Feature& feature);
 void closeFiles(ShpOutput& output);
 
 // Writes the 100 bytes at the start of the .shp or .shx that is open on `unitLE` and `unitBE`.
-void writeFileHeader(ShpFile& shp, Unit unitLE, Unit unitBE);
+void writeFileHeader(ShpTarget& shp, Unit unitLE, Unit unitBE);
 
 } // namespace gridforge::gis::shp

@@ -270,7 +270,7 @@ TEST(ShpWriter, RefusesAKindTheLayerWasNotOpenedFor)
                 EndsWith(message));
     EXPECT_THAT(lastWords(folder,
                           [] {
-                              gis::shp::ShpFile none;
+                              gis::shp::ShpTarget none;
                               gis::shp::writeFileHeader(none, none.shpUnit, none.shpUnitBE);
                           }),
                 EndsWith(message));
