@@ -12,6 +12,7 @@
 #include "host/ends.h"
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace gridforge::gis {
@@ -22,14 +23,23 @@ constexpr std::string_view kShpExtension = ".shp";
 
 enum class Family { mif, shp };
 
-Family familyOf(std::string_view name)
+// By the extensions .mif and .shp alone.
+std::optional<Family> namedFamily(std::string_view name)
 {
     const std::string extension = FILEEXT(name);
-    if (extension == kMifExtension || extension == ".mid" || trimRight(extension).empty()) {
-        return Family::mif;
+    return extension == kMifExtension   ? std::optional(Family::mif)
+           : extension == kShpExtension ? std::optional(Family::shp)
+                                        : std::nullopt;
+}
+
+Family familyOf(std::string_view name)
+{
+    if (const auto named = namedFamily(name)) {
+        return *named;
     }
-    if (extension == kShpExtension) {
-        return Family::shp;
+    const std::string extension = FILEEXT(name);
+    if (extension == ".mid" || trimRight(extension).empty()) {
+        return Family::mif;
     }
     gisFail(join("ERROR 0252 - ", trimRight(extension), " is not a supported GIS file format."));
 }
@@ -81,7 +91,7 @@ ProjectedLayer openWithProjection(std::string_view fileName)
 std::optional<std::vector<PointPlace>> lookAtPoints(std::string_view fileName)
 {
     const std::string name = cut(fileName, kNameWidth);
-    return FILEEXT(name) == kShpExtension ? shp::lookAtPoints(name) : mif::lookAtPoints(name);
+    return namedFamily(name) == Family::shp ? shp::lookAtPoints(name) : mif::lookAtPoints(name);
 }
 
 LayerWriter createLayer(std::string_view fileName, const LayerSpec& spec)
@@ -101,12 +111,13 @@ LayerWriter createLayer(std::string_view fileName, const LayerSpec& spec)
 void get_projection(std::string_view gisFile, Projection& projection)
 {
     say("Getting Projection...");
-    if (FILEEXT(gisFile) == kShpExtension) {
-        shp::takeProjection(gisFile, projection.shp);
-    } else if (FILEEXT(gisFile) == kMifExtension) {
-        mif::takeProjection(gisFile, projection.mif);
-    } else {
+    const std::optional<Family> family = namedFamily(gisFile);
+    if (!family) {
         fail("ERROR - Unable to determine gis file type, expecting .mif or .shp. File: ", gisFile);
+    }
+    switch (*family) {
+    case Family::mif: mif::takeProjection(gisFile, projection.mif); break;
+    case Family::shp: shp::takeProjection(gisFile, projection.shp); break;
     }
 }
 
@@ -114,19 +125,19 @@ void get_projection(std::string_view gisFile, Projection& projection)
 
 bool hasMifExtension(std::string_view name)
 {
-    return FILEEXT(name) == kMifExtension;
+    return namedFamily(name) == Family::mif;
 }
 
 bool hasLayerExtension(std::string_view name)
 {
-    return hasMifExtension(name) || FILEEXT(name) == kShpExtension;
+    return namedFamily(name).has_value();
 }
 
 std::string layerStem(std::string_view name, std::string_view family)
 {
     std::string stem = FILENAMEPATH(name);
     const std::string tail = join("_", family);
-    if (FILEEXT(name) == kShpExtension && stem.ends_with(tail)) {
+    if (namedFamily(name) == Family::shp && stem.ends_with(tail)) {
         stem.resize(stem.size() - tail.size());
     }
     return stem;
