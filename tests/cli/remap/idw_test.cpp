@@ -94,6 +94,17 @@ TEST(RemapIdwCli, GrowsToTheWall)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+// Every cell starts in the state whose number is the null, and -1 is that of dry cells.
+TEST(RemapIdwCli, WithANullOfMinus1NoCellBecomesWetByGrowth)
+{
+    ToolRun run("-remap -idw_npt1 -bd4 -wl wl.asc -dem dem.asc");
+    giveStrip(run);
+    run.give("wl.asc", ascGrid({{-1, 5, -1, -1}}, {.cellsize = 2, .null = -1}));
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Iteration 1 extra wet cells 0"});
+    EXPECT_GRID(run, "wl_remap_h.asc", {{-1, -1, 5, 5, -1, -1, -1, -1}, {-1, -1, 5, -1, -1, -1, -1, -1}});
+}
+
 TEST(RemapIdwCli, TheBufferLimitsTheIterations)
 {
     // 20 over cells of 5 is 4, and one more. The level stands above the ground everywhere.

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
 #include <utility>
 
 namespace gridforge {
@@ -42,6 +43,22 @@ TEST(GridsInMemory, AreReadAndWrittenThroughTheDialogue)
     EXPECT_EQ(std::memcmp(bytes.data(), want.data(), sizeof want), 0);
     EXPECT_EQ(memoryFile("in/out.prj"), "PROJCS[]\r\n");
     EXPECT_EQ(memoryFile("out.flt"), std::nullopt);
+}
+
+TEST(GridsInMemory, ShowEachThousandthRowOfTheirTextAsItIsRead)
+{
+    const test::MemoryRun run;
+    std::string text = "ncols 1\nnrows 2001\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -9999\n";
+    for (int row = 2001; row >= 1; --row) {
+        text += std::to_string(row) + '\n';
+    }
+    giveMemoryFile("a.asc", text);
+    grid::OpenGrid grid = grid::openGrid("a.asc");
+    Grid cells;
+    ASSERT_TRUE(cells.allocate(2001, 1));
+    grid::readCells(std::move(grid), cells);
+    EXPECT_EQ(cells(1000, 1), 1000);
+    EXPECT_THAT(test::MemoryRun::console(), testing::HasSubstr("\nReading ASCII grid...    2000    1000\n"));
 }
 
 } // namespace
