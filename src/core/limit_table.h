@@ -9,8 +9,8 @@
 
 namespace gridforge::inline core {
 
-// The range of the limits is cut into places of one width. A larger value never has a lower place, so only with the limits of
-// its own place must a value be compared.
+// The range of the limits is cut into places of one width. A larger value never has a lower place, so a value is compared only
+// with the limits of its own place.
 class LimitTable {
 public:
     // Limits that never fall.

@@ -1,5 +1,5 @@
-// Loops over cells, to be inlined so that they vectorise together with what is done to a cell. That should compute before
-// it chooses, and join conditions by & and |, because && and || are branches.
+// Loops over cells, inlined so that they vectorise together with the operation on a cell. An operation should compute each
+// case before it selects one, and join conditions by & and |, because && and || are branches.
 #pragma once
 
 #include <algorithm>

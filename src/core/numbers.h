@@ -38,8 +38,8 @@ public:
     // Text may be in '...' or "...", in which a doubled quote counts as one. Cut at `width`.
     FreeValue nextText(std::string& target, std::size_t width);
 
-    // The next value as a field that a line has to have: false if it is missing or cannot be read. An empty one leaves its
-    // target.
+    // The next value, which the line must have: false if it is missing or cannot be read.
+    // An empty one leaves its target.
     template <typename Number>
     bool take(Number& target)
     {

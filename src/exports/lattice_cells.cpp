@@ -55,7 +55,7 @@ struct CrossingFlags {
     }
 };
 
-// From crossings to cells: those between an odd number of crossings, and those of the crossings themselves.
+// Turns the crossings of a row into its cells: those after an odd number of crossings, and those that are crossed.
 std::int64_t fillRow(std::span<std::uint8_t> flags)
 {
     std::int64_t count = 0;

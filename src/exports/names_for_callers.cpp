@@ -69,7 +69,7 @@ std::string FILE___EXT(std::string_view name)
 {
     const std::string stem = FILENAME(name);
     const std::size_t mark = stem.rfind('_') + 1;
-    // The one place counts in the stem, the other in the whole name. Callers rely on it.
+    // One position is counted in the stem, the other in the whole name, on purpose: callers rely on it.
     return mark > lastSeparator(held(name)) ? LOWERCASE(std::string_view(stem).substr(mark - 1)) : "";
 }
 

@@ -25,8 +25,8 @@ bool POSITIVEINTEGERNUMBER(std::string& text);
 std::string REMOVESPACES(std::string_view text);
 std::string REMOVETABS(std::string_view text);
 std::string SS256(std::string_view text); // cut at 256
-// Letters and digits; every other character becomes `replacement`, or goes when that is the zero byte. Nothing left:
-// "X".
+// The text with every character other than a letter or digit replaced, or removed if `replacement` is the zero byte. "X" if
+// nothing is left.
 std::string ALPHANUMERICONLY(std::string_view text, char replacement);
 // The first occurrence of `find`, case ignored, becomes the trimmed `with`.
 std::string REPLACE(std::string_view text, std::string_view find, std::string_view with);
@@ -41,8 +41,8 @@ void SPLITFIRSTWORD(std::string& word, std::string& text);
 std::int32_t NEXTCOMMA(std::string_view text);
 // 0 for a blank text, otherwise one more than the separators in it.
 std::int32_t NUMBEROFSUBSTRINGS(std::string_view text, std::string_view separator);
-// The n-th field from 1, left-trimmed; blank when there are fewer. Separators longer than one character put the fields
-// off by the excess on both sides, on purpose: callers rely on it.
+// The n-th field from 1, left-trimmed; blank when there are fewer. Separators longer than one character shift the
+// fields by the excess on both sides, on purpose: callers rely on it.
 std::string SUBSTRING(std::string_view text, std::string_view separator, std::int32_t n);
 // How many numbers the text holds, an empty field between commas counting as one; the negated count if a character belongs
 // to no number.

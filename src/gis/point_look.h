@@ -12,9 +12,9 @@ struct PointPlace {
     double y = 0;
 };
 
-// Where the points of a layer lie, in their order. None where the layer is no plain file, a read is refused, or
-// anything is not as in layers of points; reading the layer then says what. Records are not looked at, so a layer may
-// end sooner.
+// Where the points of a layer lie, in their order. Nothing if the layer is not a plain file, a read is refused, or anything is
+// unlike a layer of points; the run then reports it when it reads the layer. Records are not looked at, so the run may find
+// fewer points.
 std::optional<std::vector<PointPlace>> lookAtPoints(std::string_view fileName);
 
 namespace mif {

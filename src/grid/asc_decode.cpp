@@ -41,7 +41,7 @@ public:
     {
         const auto bytes = static_cast<std::size_t>(end_ - from_);
         const std::size_t line = bytes / static_cast<std::size_t>(look.header.nrows);
-        // Of lines that are long as chunks go much would be read twice.
+        // If a line took up much of a chunk, many bytes would be read twice.
         bytes_ = std::max(kLeastChunk, std::min(bytes, cellsPerPiece(std::max(kChunkBytes, 4 * line))));
         usualReach_ = line + line / 4;
         reach_ = std::clamp(4 * line, kLeastReach, kMostReach);
@@ -63,7 +63,7 @@ public:
     }
     std::size_t count() const { return count_; }
 
-    // In the room of the worker. None if the system refuses, or a line is too long.
+    // The lines stay in the room of the worker until its next call. Nothing if the system refuses or a line is too long.
     std::optional<Lines> read(std::size_t chunk, std::size_t worker)
     {
         // The byte before the chunk says whether a line begins with it.
@@ -79,7 +79,7 @@ public:
         }
         const std::size_t head = chunk == 0 ? 0 : window.text().substr(0, length - 1).find('\n') + 1;
         if (chunk > 0 && head == 0) {
-            return Lines(); // all of it belongs to a line from before
+            return Lines(); // all of it belongs to a line that began before it
         }
         const std::span<std::uint32_t> ends = ends_.of(worker);
         std::size_t lines = 0;
@@ -104,7 +104,7 @@ private:
         std::string_view text() const { return {room.data(), filled}; }
     };
 
-    // Reads so much more, or what is left. False where the room is full, or the system refuses.
+    // Reads `wanted` more bytes, or what is left. False if the room is full or the system refuses.
     bool readOn(TextWindow& window, std::size_t wanted) const
     {
         const std::int64_t from = window.start + static_cast<std::int64_t>(window.filled);
@@ -146,8 +146,8 @@ private:
 // Gives chunks the numbers of their rows in the order of the text.
 class RowTurns {
 public:
-    // The rows before those of the chunk, which has so many. Waits for the chunks before it, which all have begun, and must all
-    // come here.
+    // The number of rows before those of the chunk, which are `rows`. Waits for all earlier chunks: each of them has begun, and
+    // must make this call.
     std::size_t take(std::size_t chunk, std::size_t rows)
     {
         for (std::size_t next = next_; next != chunk; next = next_) {

@@ -48,7 +48,7 @@ public:
     [[nodiscard]] bool get(std::size_t first, std::span<float> cells) const;
     // `count` cells from `first` on; in `room`, which has as many, where they must be fetched.
     std::optional<std::span<const float>> get(std::size_t first, std::size_t count, std::span<float> room) const;
-    // What was found in all cells, while they are not changed. None if nobody has looked.
+    // The extremes of all cells, noted by whoever has found them and valid until a cell changes. Nothing if nobody has.
     void noteExtremes(const ValueRange& extremes) { extremes_ = extremes; }
     const std::optional<ValueRange>& extremes() const { return extremes_; }
     // A hint that these will be read soon.

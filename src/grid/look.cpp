@@ -42,7 +42,7 @@ std::optional<GridLook> lookAtGrid(std::string_view name)
         look.file = headed->name;
         look.size = headed->size;
         look.cellsFrom = stream.position();
-        // A number has a digit at least, and what parts it from the next one.
+        // A number takes up a digit at least, and a separator before the next one.
         const auto most = static_cast<std::uint64_t>(look.size - look.cellsFrom + 1) / 2;
         return look.header.cells() <= most ? std::optional(look) : std::nullopt;
     }

@@ -14,7 +14,7 @@ void readCells(OpenGrid grid, Grid& cells);
 // Says, opens and closes the same, but reads no cells: the caller has them already.
 void passCells(OpenGrid grid);
 
-// Fills all of `cells` from a binary grid without a line on the console: the caller needs the cells after all that it passed.
+// Silently fills all of `cells` from a binary grid that was passed, when its cells are needed after all.
 void readPassedCells(const GridLook& look, Grid& cells);
 
 // Ends the run where cells cannot be read.

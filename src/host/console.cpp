@@ -112,7 +112,7 @@ std::optional<std::string> readInput()
 void consoleLine(std::string_view text)
 {
     endLine();
-    // Memory may run out here, and the message of that is no part of this line: it enters with its end or not at all.
+    // If memory runs out here, the message of that must not join half a line: a line is added with its end or not at all.
     console().output.reserve(console().output.size() + text.size() + 1);
     console().output += text;
     console().output += '\n';

@@ -28,7 +28,7 @@ struct ControlDialect {
         {}; // ends the run over a command that no row knows, before the line; blank: it is ignored
 };
 
-// Words that stand anywhere in a command, in any case, and what becomes of its line.
+// Words that are searched for anywhere in a command, ignoring case, and the routine that takes its line.
 template <typename State>
 struct ControlCommand {
     std::string_view words;
@@ -64,8 +64,8 @@ void readValue(const ControlLine& line, std::string_view message, Number& target
     }
 }
 
-// What stands in the command from a column on, counted from 1. The column is fixed, so words before the command put such
-// values off, on purpose: files are read as they always were.
+// The command from a column on, counted from 1. The column is fixed, so words before the command shift what is read, on
+// purpose: existing files rely on it.
 std::string_view fromColumn(const ControlLine& line, std::size_t column);
 
 } // namespace gridforge::inline host

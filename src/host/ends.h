@@ -49,7 +49,7 @@ template <typename... Parts>
 [[noreturn]] void shouldNotBeHere(std::string_view place);
 // The message of an allocation that failed, and EXITS.
 [[noreturn]] void failMemory();
-// Does the work of a whole run, and ends it where an exception comes out: failMemory where memory is short.
+// Does the work of a whole run. An exception that leaves it ends the run with a message: that of failMemory if memory ran out.
 void runToItsEnd(const std::function<void()>& work);
 
 } // namespace gridforge::inline host

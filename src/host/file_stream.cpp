@@ -13,7 +13,7 @@ namespace gridforge::inline host {
 namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 20;
-// No header begins so.
+// A byte that no header begins with.
 constexpr char kUnfinishedByte = '?';
 
 // A run mostly opens one file after the other, so one buffer, whose pages are in memory already, is kept for the next.

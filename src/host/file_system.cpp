@@ -11,7 +11,7 @@ namespace gridforge::inline host {
 
 namespace {
 
-// Walks both texts and goes back to the last "*" where they part, so the work is their product at worst.
+// Walks both texts and returns to the last "*" at a mismatch, so the work is at worst the product of their lengths.
 bool matches(std::string_view name, std::string_view pattern)
 {
     std::size_t n = 0;

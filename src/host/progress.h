@@ -1,6 +1,6 @@
 // How far a run has come, for programs that wait for it. Where the variable GRIDFORGE_PROGRESS names a file, or as
-// "fd:7" an open one by its number above 2, a line of JSON goes there at the first read or write, then once in a second
-// in which something is read or written, and at the end of the run:
+// "fd:7" an open one by its number above 2, a line of JSON goes there at the first read or write, then at most once a second
+// while something is read or written, and at the end of the run:
 //
 //
 // The bytes are those that the tool itself reads from and writes to files; objects are those of layers. Without the

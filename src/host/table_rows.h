@@ -11,14 +11,14 @@
 
 namespace gridforge::inline host {
 
-// What a heading that cannot be read does to the run: it ends it, or the first row does.
+// What a failed read of the heading does: it ends the run, or it is left to the read of the first row.
 enum class UnreadHeading { ends, isPassed };
 
 // What differs between the tables of operations.
 struct TableForm {
-    std::string_view unreadable; // ends the run, before the line that cannot be read
+    std::string_view unreadable; // the message before a line that cannot be read, which ends the run
     std::int32_t mostRows = 0;
-    std::string_view tooMany;            // ends the run over one row more
+    std::string_view tooMany;            // the message that ends the run over one row more
     std::string_view tooManyAdvice = {}; // the line after that
     UnreadHeading unreadHeading = UnreadHeading::ends;
 };

@@ -17,7 +17,7 @@ struct Box {
     double ymax = 0;
 };
 
-// Holds nothing, and takes in whatever lies within `farthest`. One that never takes anything in stays as it is.
+// Empty: its lower bounds are `farthest`, its upper ones the opposite, until it grows around vertices within `farthest` of 0.
 constexpr Box emptyBox(double farthest = kBoundless)
 {
     return {farthest, farthest, -farthest, -farthest};

@@ -6,7 +6,7 @@
 
 namespace gridforge::inline plane {
 
-// Rows and columns from 1, both ends included; it may reach over its lattice, and is empty where a first is above its last.
+// Rows and columns from 1, both ends included. It may extend past its lattice, and is empty if a first is above its last.
 struct CellWindow {
     std::int32_t firstRow = 1;
     std::int32_t lastRow = 0;

@@ -66,7 +66,7 @@ void readField(DbfTable& dbf, std::byte first)
     needHeader(dbf, rest);
 }
 
-void tellFields(const DbfTable& dbf)
+void sayFields(const DbfTable& dbf)
 {
     std::string line = join(dbf.nFields, " DBF Fields (Name [#/Type/Length]): ");
     for (std::size_t i = 0; i < static_cast<std::size_t>(dbf.nFields); ++i) {
@@ -165,7 +165,7 @@ void dbfReadHeader(DbfTable& dbf)
     if (dbf.nFields == 0) {
         gisFail("ERROR 0319 - No attributes specified in .dbf file.");
     }
-    tellFields(dbf);
+    sayFields(dbf);
 }
 
 void dbfReadRecord(DbfTable& dbf, bool& endOfData, std::string& line, std::size_t width)
