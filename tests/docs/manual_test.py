@@ -7,7 +7,9 @@ not installed.
 import glob
 import os
 import re
+import shutil
 import subprocess
+import tempfile
 import unittest
 from html.parser import HTMLParser
 from urllib.parse import unquote, urldefrag
@@ -72,6 +74,13 @@ class Html(unittest.TestCase):
     def setUpClass(cls):
         cls.pages = {path: HtmlPage(path) for path in glob.glob(os.path.join(HTML, "**", "*.html"), recursive=True)
                      if os.path.basename(path) != "404.html"}
+
+    def test_mkdocs_finds_nothing_wrong(self):
+        mkdocs = shutil.which("mkdocs", path="/usr/bin")
+        with tempfile.TemporaryDirectory() as scratch:
+            done = subprocess.run([mkdocs, "build", "--strict", "--config-file", os.path.join(ROOT, "mkdocs.yml"), "--site-dir", scratch],
+                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+        self.assertEqual(done.returncode, 0, done.stdout)
 
     def test_every_page_is_there(self):
         for page in glob.glob("**/*.md", root_dir=os.path.join(ROOT, "docs"), recursive=True):
