@@ -7,6 +7,7 @@
 #include "support/environment.h"
 #include "support/grids.h"
 #include "support/memory_limit.h"
+#include "support/refusing_system.h"
 
 #include <algorithm>
 #include <array>
@@ -38,6 +39,34 @@ TEST(RunNc, CellsThatFindNoRoomToWaitEndTheRun)
     EXPECT_THAT(run.console, testing::EndsWith("Allocating 80000Kb memory for external grid...\n"
                                                "ERROR - Could not allocate enough memory (RAM).\n"
                                                "\nPress Enter to Close\n"));
+}
+
+// Cells of grids that are read ahead and step by step, and those of the maximum.
+TEST(RunNc, EachRefusalOfCellsThatWaitInFilesEndsTheRun)
+{
+    const test::Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_THREADS", "1"}});
+    for (auto* const refuseAfter : {test::refuseReadsAfter, test::refuseWritesAfter}) {
+        int good = 0; // calls before the first refusal
+        for (bool ended = true; ended && good < 100; ++good) {
+            const test::ScratchFolder folder;
+            folder.give("a.asc", "ncols 2\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\n21\n22\n11 12\n");
+            folder.give("b.asc", test::ascGrid({{21, 22}, {11, 12}}));
+            const test::ChildRun run = test::runInChild(folder, [&] {
+                run::InputFileList inputs;
+                inputs.add("a.asc");
+                inputs.add("b.asc");
+                refuseAfter(good);
+                netcdf::runNc({}, {}, inputs);
+            });
+            ended = run.ended;
+            EXPECT_TRUE(!ended || run.console.ends_with("ERROR - Could not allocate enough memory (RAM).\n"
+                                                        "\nPress Enter to Close\n"))
+                << good << " good calls\n"
+                << run.console;
+        }
+        EXPECT_GT(good, 5);
+        EXPECT_LT(good, 100);
+    }
 }
 
 // --- Ways of the grids -----------------------------------------------------------------------------------------------

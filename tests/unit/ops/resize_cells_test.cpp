@@ -201,6 +201,16 @@ TEST(Tiles, StayInsideTheGridWhereTheirCountIsRounded)
     }
 }
 
+TEST(TiledRows, EndWithTheGridWhereTheirCountIsRounded)
+{
+    const ops::Tiling tiling = ops::tilingOf(16777219, 1, 1);
+    ASSERT_EQ(tiling.rows, 16777220);
+    const ops::CellRows last = ops::tiledRows(tiling, {16777218, 16777220});
+    EXPECT_EQ(last.first, 16777218);
+    EXPECT_EQ(last.last, 16777219);
+    EXPECT_EQ(ops::tiledRows(tiling, {16777220, 16777220}).count(), 0);
+}
+
 TEST(AverageTiles, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 {
     std::vector<float> opposite(kVectorsAndRest * 2);
