@@ -188,6 +188,17 @@ class WorkflowTest(unittest.TestCase):
         for end in ("_Median_Val.flt", "_Median_Val.hdr", "_Median_Val.prj", "_Median_Src.flt", "_Src_legend.csv"):
             self.assertEqual((self.study / (name + end)).read_bytes(), (self.study / f"plain{end}").read_bytes(), end)
 
+    def test_the_other_method_of_the_remap(self):
+        self.start_from(self.done)
+        self.change("config.yaml", "method: tin", "method: idw")
+        self.change("config.yaml", "# distance: 100", "distance: 30")
+        self.runs_well("fine/today/1pct_remap_d.flt")
+        for end in (".flt", ".hdr"):
+            shutil.copy(self.study / f"fine/today/1pct{end}", self.study / f"plain{end}")
+        run_tool(self.study, "-remap", "-bd30", "-wl", "plain.flt", "-dem", "ground.flt", "-flt")
+        for end in ("_remap_h.flt", "_remap_d.flt"):
+            self.assertEqual((self.study / f"fine/today/1pct{end}").read_bytes(), (self.study / f"plain{end}").read_bytes())
+
     def test_a_terrain_in_tiles_gives_the_same(self):
         self.start_from(self.done)
         shutil.rmtree(self.study / "fine")
@@ -210,7 +221,8 @@ class WorkflowTest(unittest.TestCase):
                 ("statistic: median", "statistic: most", "statistic is median, mean, max or a rank such as rank3, not: most"),
                 ("statistic: median", "statistic: rank4", "rank4: patterns/today/20pct_1h_depth has 3 patterns only"),
                 ("[warmer, today]", "[warmer, past]", "differences: the table has no scenario past"),
-                ("method: tin", "method: nearest", "remap: the method is tin or idw, not: nearest")):
+                ("method: tin", "method: nearest", "remap: the method is tin or idw, not: nearest"),
+                ("method: tin", "method: idw", "remap: idw takes a distance above 0")):
             with self.subTest(new):
                 text = (self.study / "config.yaml").read_text()
                 self.change("config.yaml", old, new)

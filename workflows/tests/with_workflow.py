@@ -59,11 +59,11 @@ def make_sample(folder: Path, *arguments: str) -> None:
 
 
 def results(study: Path) -> dict[str, bytes]:
-    """All results with their bytes, except pictures and what holds times."""
+    """All results with their bytes, except pictures, what holds times, and the scratch folders that killed runs leave."""
     found = {}
     for path in study.rglob("*"):
         name = path.relative_to(study)
-        if path.is_file() and name.parts[0] not in BESIDE_RESULTS:
+        if path.is_file() and name.parts[0] not in BESIDE_RESULTS and ".gridforge-run-" not in str(name):
             found[str(name)] = path.read_bytes()
     return found
 

@@ -24,7 +24,7 @@ def make_control(arguments: argparse.Namespace) -> list[Path]:
         lines.append(f"Maximum Results == {len(arguments.levels)}")
     lines += [f"Read Result % {probability} == {level}" for probability, level in zip(arguments.probabilities, arguments.levels)]
     output = Path(arguments.out)
-    write_text(output, lambda file: file.write("".join(line + "\n" for line in lines)))
+    write_text(output, True, lambda file: file.write("".join(line + "\n" for line in lines)))
     return [output]
 
 

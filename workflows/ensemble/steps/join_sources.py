@@ -51,7 +51,7 @@ def join_sources(arguments: argparse.Namespace) -> list[Path]:
     for source in sources[1:]:
         offsets.append(len(names))
         names += names_of(source.with_name(source.stem + "_legend.csv"))
-    with Scratch(base) as scratch:
+    with Scratch(base, overwrite=True) as scratch:
         values, numbers = scratch.path / base.name, scratch.path / (base.name + "_src")
         with open(f"{numbers}.flt", "wb") as file:
             for cells in blocks(sources, headers[0].columns * headers[0].rows):

@@ -89,7 +89,7 @@ def make_report(arguments: argparse.Namespace) -> list[Path]:
              *map_part("Which duration is critical", arguments.durations),
              *map_part("Differences of the level", arguments.differences), "</body>", "</html>"]
     output = Path(arguments.out)
-    write_text(output, lambda file: file.write("".join(line + "\n" for line in lines)))
+    write_text(output, True, lambda file: file.write("".join(line + "\n" for line in lines)))
     return [output]
 
 

@@ -104,7 +104,7 @@ def take_statistic(arguments: argparse.Namespace) -> list[Path]:
             raise Failure(f"{path} has another null than {grids[0]}")
     statistic = statistic_of(arguments.statistic, len(grids))
     base = Path(arguments.out)
-    with Scratch(base) as scratch:
+    with Scratch(base, overwrite=True) as scratch:
         made = [scratch.path / f"{base.name}_{statistic.name}_{what}.flt" for what in ("Val", "Src")]
         with open(made[0], "wb") as values_file, open(made[1], "wb") as sources_file, \
                 numpy.errstate(over="ignore", invalid="ignore"):

@@ -103,7 +103,7 @@ def cut(arguments: argparse.Namespace) -> list[Path]:
     low, rows = lattice.tile(row, arguments.count, lattice.rows)
     values = {**lattice.values, "ncols": str(columns), "nrows": str(rows),
               "xllcorner": repr(float(lattice.west + first * lattice.cell)), "yllcorner": repr(float(lattice.south + low * lattice.cell))}
-    with Scratch(output) as scratch:
+    with Scratch(output, overwrite=True) as scratch:
         cells = scratch.path / "cells.flt"
         gdal.Translate(str(cells), str(ground), format="EHdr", srcWin=[first, lattice.rows - low - rows, columns, rows])
         return publish(scratch, cells, values, beside(ground, ".prj"), output)
@@ -113,7 +113,7 @@ def join(arguments: argparse.Namespace) -> list[Path]:
     """The tile in the south-west has the corner of the whole."""
     require_gdal()
     corner, output = Path(arguments.grids[0]), Path(arguments.out)
-    with Scratch(output) as scratch:
+    with Scratch(output, overwrite=True) as scratch:
         cells = scratch.path / "cells.flt"
         together = gdal.BuildVRT(str(scratch.path / "tiles.vrt"), arguments.grids)
         gdal.Translate(str(cells), together, format="EHdr")
