@@ -594,21 +594,5 @@ TEST(Headings, FillTheirLine)
     EXPECT_GT(headings, 10U);
 }
 
-TEST(TestFiles, EveryOneBelongsToARunner)
-{
-    const std::set<std::string> runners{"unit", "cli", "interop", "real", "faults"};
-    const std::set<std::string> helpers{"support", "fuzz", "scripts", "witness"};
-    std::size_t tests = 0;
-    for (const auto& file : sourcesBelow(kSource / "tests")) {
-        const std::string folder = file.lexically_relative(kSource / "tests").begin()->string();
-        if (helpers.contains(folder)) {
-            continue;
-        }
-        ++tests;
-        EXPECT_TRUE(runners.contains(folder)) << file << " is in a folder that no runner takes";
-    }
-    EXPECT_GT(tests, 1U);
-}
-
 } // namespace
 } // namespace gridforge::test

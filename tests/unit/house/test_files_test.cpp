@@ -1,0 +1,84 @@
+// Where tests stand: each in a runner, and those of a source under its name.
+#include "support/paths.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gridforge::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kRoot = sourceFolder();
+constexpr std::string_view kEnd = "_test.cpp";
+
+// The C++ files below a folder, by their place in it.
+std::vector<std::string> filesBelow(const fs::path& folder)
+{
+    std::vector<std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        if (entry.path().extension() == ".h" || entry.path().extension() == ".cpp") {
+            files.push_back(entry.path().lexically_relative(folder).generic_string());
+        }
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+std::string topFolder(const std::string& file)
+{
+    return file.substr(0, file.find('/'));
+}
+
+TEST(TestFiles, EveryOneBelongsToARunner)
+{
+    const std::set<std::string> runners{"unit", "cli", "interop", "real", "faults"};
+    const std::set<std::string> helpers{"support", "fuzz", "scripts", "witness"};
+    std::size_t tests = 0;
+    for (const std::string& file : filesBelow(kRoot / "tests")) {
+        if (!helpers.contains(topFolder(file))) {
+            ++tests;
+            EXPECT_TRUE(runners.contains(topFolder(file))) << file << " is in a folder that no runner takes";
+        }
+    }
+    EXPECT_GT(tests, 100U);
+}
+
+// --- Unit tests ------------------------------------------------------------------------------------------------------
+
+// Folders of tests that are not about one source: rules of the tree, and operations in pieces against the same step by step.
+const std::set<std::string> kOfNoSource{"house", "both_ways"};
+
+// The source of a test, without its extension; "" where the name of the test has another end.
+std::string sourceOf(const std::string& test)
+{
+    const std::string folder = topFolder(test) == "support" ? "tests/" : "src/";
+    return test.ends_with(kEnd) ? folder + test.substr(0, test.size() - kEnd.size()) : std::string();
+}
+
+TEST(UnitTests, HaveTheNamesOfTheirSources)
+{
+    std::size_t tests = 0;
+    for (const std::string& file : filesBelow(kRoot / "tests/unit")) {
+        if (file.ends_with(".h") || kOfNoSource.contains(topFolder(file))) {
+            continue;
+        }
+        ++tests;
+        const std::string source = sourceOf(file);
+        EXPECT_FALSE(source.empty()) << file << " does not end in " << kEnd;
+        EXPECT_TRUE(fs::exists(kRoot / (source + ".cpp")) || fs::exists(kRoot / (source + ".h")))
+            << "tests/unit/" << file << " is named after " << source << ", which is missing";
+    }
+    EXPECT_GT(tests, 80U);
+    EXPECT_EQ(sourceOf("gis/mif/reader_test.cpp"), "src/gis/mif/reader");
+    EXPECT_EQ(sourceOf("support/tool_run_test.cpp"), "tests/support/tool_run");
+    EXPECT_EQ(sourceOf("gis/readers.cpp"), "");
+}
+
+} // namespace
+} // namespace gridforge::test
