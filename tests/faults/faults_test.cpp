@@ -5,6 +5,7 @@
 
 #include "driver/operations.h"
 #include "driver/scan.h"
+#include "support/consoles.h"
 #include "support/sanitizers.h"
 
 #include <algorithm>
@@ -17,8 +18,6 @@
 
 namespace gridforge::test {
 namespace {
-
-using Lines = std::vector<std::string>;
 
 // --- What is right ---------------------------------------------------------------------------------------------------
 
@@ -34,26 +33,20 @@ struct Row {
     Lines end;
 };
 
-Lines closing(Lines lines)
-{
-    lines.insert(lines.end(), {"", "Press Enter to Close"});
-    return lines;
-}
-
 const Lines kNoEffect = {};
-const Lines kNotFound = closing({"Trying to open file <file>...", "CHECK 0008 - \"<file>\" cannot be found",
-                                 "Check file exists and press enter or enter another file name: "});
+const Lines kNotFound = errorEnd({"Trying to open file <file>...", "CHECK 0008 - \"<file>\" cannot be found",
+                                  "Check file exists and press enter or enter another file name: "});
 const std::string kGoesOn = "...";
 const Lines kOpenedWhenAsked = {"Trying to open file <file>...", "CHECK 0008 - \"<file>\" cannot be found",
                                 "Check file exists and press enter or enter another file name: ",
                                 "No file name entered.  Trying file again...", kGoesOn};
 const Lines kNotOpened =
-    closing({"Trying to open file <file>...Can't Open", "", "Can't open: <file>", "",
-             "Another application or user maybe using it,", "   or the file's folder does not exist.",
-             "If so, close the file or create file path.", "Press Enter to Continue"});
-const Lines kNotWritten = closing({"ERROR - Could not write to file: <file>"});
-const Lines kNoInput = closing({" ERROR - Invalid file or pathname specified"});
-const Lines kNoMemory = closing({"ERROR - Could not allocate enough memory (RAM)."});
+    errorEnd({"Trying to open file <file>...Can't Open", "", "Can't open: <file>", "",
+              "Another application or user maybe using it,", "   or the file's folder does not exist.",
+              "If so, close the file or create file path.", "Press Enter to Continue"});
+const Lines kNotWritten = errorEnd({"ERROR - Could not write to file: <file>"});
+const Lines kNoInput = errorEnd({" ERROR - Invalid file or pathname specified"});
+const Lines kNoMemory = errorEnd({"ERROR - Could not allocate enough memory (RAM)."});
 
 constexpr const char* kWriting = "write pwrite close ftruncate lseek";
 
@@ -66,18 +59,18 @@ const std::vector<Row> kErrors = {
     {"write", "c", "", kNoEffect},
     // A failed read is the end of standard input: the run ends where it waits for an answer. Nothing
     // changes where it has ended already and waits for Enter.
-    {"read", "c", "", {"Press Enter to Close"}},
+    {"read", "c", "", {kClose}},
     {"read", "c", "", kNoEffect},
 
     // Looking for files.
     {"stat", "-", "", kNoInput},
     {"stat", "-", "", kNotFound},
-    {"stat", "-", ".prj", closing({"ERROR - Projection file does not exist in folder: <file>"})},
+    {"stat", "-", ".prj", errorEnd({"ERROR - Projection file does not exist in folder: <file>"})},
     {"stat", "-", ".prj .tab", kNoEffect}, // it is opened all the same, or is not there
     {"stat", "rw-", "", kNoEffect},        // whether two names are the same file
     {"opendir readdir", "r", "", kNoInput},
     {"opendir readdir", "r", "", kNoEffect}, // a search for the name in another letter case
-    {"opendir", "r", "", closing({" ERROR - Out of memory.  Contact SUPPORT_CONTACT"})},
+    {"opendir", "r", "", errorEnd({" ERROR - Out of memory.  Contact SUPPORT_CONTACT"})},
 
     {"open", "r", "", kNotFound},
     {"open", "r", "", kOpenedWhenAsked}, // an answer waits
@@ -94,48 +87,48 @@ const std::vector<Row> kErrors = {
 
     // Writing.
     {kWriting, "w", "", kNotWritten},
-    {kWriting, "w", ".mif", closing({"ERROR 0439 - Writing .mif file object coordinates."})},
-    {kWriting, "w", ".mid", closing({"ERROR 0254 - Failed to write attribute data record for a *"})},
-    {kWriting, "w", ".shp .shx", closing({"ERROR 0437 - Writing .shp file header."})},
-    {kWriting, "w", ".shp .shx", closing({"ERROR 0439 - Writing .shp file object coordinates."})},
-    {kWriting, "w", ".dbf .shp .shx", closing({"ERROR 0413 - Rewriting .dbf file header with final information."})},
-    {kWriting, "w", ".dbf", closing({"ERROR 0413 - Writing .dbf file header."})},
-    {kWriting, "w", ".dbf", closing({"ERROR 0417 - Writing .dbf record."})},
+    {kWriting, "w", ".mif", errorEnd({"ERROR 0439 - Writing .mif file object coordinates."})},
+    {kWriting, "w", ".mid", errorEnd({"ERROR 0254 - Failed to write attribute data record for a *"})},
+    {kWriting, "w", ".shp .shx", errorEnd({"ERROR 0437 - Writing .shp file header."})},
+    {kWriting, "w", ".shp .shx", errorEnd({"ERROR 0439 - Writing .shp file object coordinates."})},
+    {kWriting, "w", ".dbf .shp .shx", errorEnd({"ERROR 0413 - Rewriting .dbf file header with final information."})},
+    {kWriting, "w", ".dbf", errorEnd({"ERROR 0413 - Writing .dbf file header."})},
+    {kWriting, "w", ".dbf", errorEnd({"ERROR 0417 - Writing .dbf record."})},
 
     // Reading.
-    {"read pread", "r", ".asc .hdr", closing({"ERROR 2334 - Reading Grid file header information.", "Line = *"})},
+    {"read pread", "r", ".asc .hdr", errorEnd({"ERROR 2334 - Reading Grid file header information.", "Line = *"})},
     {"read pread", "r", ".asc .flt",
-     closing({"ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS."})},
-    {"read", "r", ".prj", closing({"ERROR - Reading projection file information.", "Line = *"})},
-    {"read", "r", ".prj .mif", closing({"ERROR - Reading following line in projection file:", "*"})},
-    {"read lseek", "r", ".mif", closing({"ERROR 0315 - Could not find start of attribute definitions in .mif file"})},
-    {"read lseek", "r", ".mif", closing({"ERROR 0321 - Reading .mif file object type."})},
-    {"read", "r", ".mid", closing({"ERROR 0254 - Failed to read object attribute data record for a *"})},
+     errorEnd({"ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS."})},
+    {"read", "r", ".prj", errorEnd({"ERROR - Reading projection file information.", "Line = *"})},
+    {"read", "r", ".prj .mif", errorEnd({"ERROR - Reading following line in projection file:", "*"})},
+    {"read lseek", "r", ".mif", errorEnd({"ERROR 0315 - Could not find start of attribute definitions in .mif file"})},
+    {"read lseek", "r", ".mif", errorEnd({"ERROR 0321 - Reading .mif file object type."})},
+    {"read", "r", ".mid", errorEnd({"ERROR 0254 - Failed to read object attribute data record for a *"})},
     {"read", "r", ".mid", kNoEffect}, // a search for more records after the last one
-    {"read lseek", "r", ".shp", closing({"ERROR 0427 - Reading .shp file header."})},
-    {"read lseek", "r", ".shp", closing({"ERROR 0424 - Reading .shp file object type."})},
-    {"read lseek", "r", ".dbf", closing({"ERROR 0403 - Reading .dbf file header."})},
-    {"read lseek", "r", ".dbf", closing({"ERROR 0407 - Reading .dbf record."})},
-    {"read lseek", "r", ".csv .xyz", closing({"ERROR - Reading following line in classes file:", "*"})},
-    {"read", "r", ".csv", closing({"Skipping first line: ", "ERROR - Reading following line in classes file:", "*"})},
-    {"read", "r", ".csv", closing({"ERROR - Reading following line in damages curve file:", "*"})},
-    {"read", "r", ".csv", closing({"ERROR - Reading following line in rainfall hyetograph:", "*"})},
-    {"read", "r", ".dmg .rfc .nbc", closing({"ERROR 0201 - Reading text line from file unit number *"})},
+    {"read lseek", "r", ".shp", errorEnd({"ERROR 0427 - Reading .shp file header."})},
+    {"read lseek", "r", ".shp", errorEnd({"ERROR 0424 - Reading .shp file object type."})},
+    {"read lseek", "r", ".dbf", errorEnd({"ERROR 0403 - Reading .dbf file header."})},
+    {"read lseek", "r", ".dbf", errorEnd({"ERROR 0407 - Reading .dbf record."})},
+    {"read lseek", "r", ".csv .xyz", errorEnd({"ERROR - Reading following line in classes file:", "*"})},
+    {"read", "r", ".csv", errorEnd({"Skipping first line: ", "ERROR - Reading following line in classes file:", "*"})},
+    {"read", "r", ".csv", errorEnd({"ERROR - Reading following line in damages curve file:", "*"})},
+    {"read", "r", ".csv", errorEnd({"ERROR - Reading following line in rainfall hyetograph:", "*"})},
+    {"read", "r", ".dmg .rfc .nbc", errorEnd({"ERROR 0201 - Reading text line from file unit number *"})},
 
     // Memory.
     {"mmap malloc", "-", "", kNoMemory},
     {"pread pwrite", "w", "(unnamed)", kNoMemory}, // room for waiting cells is memory, on the disk too
-    {"malloc", "-", "", closing({" ERROR - Out of memory.  Contact SUPPORT_CONTACT"})},
-    {"malloc", "-", "", closing({"Could not allocate memory."})}, // of the lines of a TIN
-    {"malloc", "-", "", closing({"ERROR - Allocating RAM for storing IDW distances"})},
-    {"malloc", "-", "", closing({"ERROR ???? - Could not allocate temporary memory for netcdf coordinates."})},
+    {"malloc", "-", "", errorEnd({" ERROR - Out of memory.  Contact SUPPORT_CONTACT"})},
+    {"malloc", "-", "", errorEnd({"Could not allocate memory."})}, // of the lines of a TIN
+    {"malloc", "-", "", errorEnd({"ERROR - Allocating RAM for storing IDW distances"})},
+    {"malloc", "-", "", errorEnd({"ERROR ???? - Could not allocate temporary memory for netcdf coordinates."})},
     {"malloc", "-", "", kNoEffect}, // memory that the run can do without
 };
 
 // Errors and interruptions of calls that the NetCDF library and HDF5 make.
 const std::vector<Row> kLibraryErrors = {
     {"open stat lseek read write pwrite close ftruncate", "rw-", ".nc",
-     closing({"ERROR - With nectdf call *", "Netcdf error message: *"})},
+     errorEnd({"ERROR - With nectdf call *", "Netcdf error message: *"})},
     // A file that need not be there; a write that the library makes again later.
     {"open stat lseek write close", "rw-", ".nc", kNoEffect},
 };

@@ -3,6 +3,7 @@
 
 #include "gis/layer_table.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/scratch_folder.h"
 
 #include <functional>
@@ -34,7 +35,7 @@ inline std::string endOf(const ScratchFolder& folder, const std::function<void()
 {
     const ChildRun run = runOnLayers(folder, code);
     EXPECT_TRUE(run.ended) << run.console;
-    EXPECT_THAT(run.console, testing::EndsWith("\n\nPress Enter to Close\n"));
+    EXPECT_THAT(run.console, testing::EndsWith("\n" + kExits));
     return run.console;
 }
 

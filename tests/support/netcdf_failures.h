@@ -1,6 +1,7 @@
 // Runs of the tool in which a chosen call of the NetCDF library fails.
 #pragma once
 
+#include "support/consoles.h"
 #include "support/paths.h"
 #include "support/tool_run.h"
 
@@ -37,9 +38,8 @@ inline void expectNetcdfFailure(ToolRun& run, const NetcdfFailure& failure)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, {std::string("ERROR - With nectdf call ") + failure.name,
-                               std::string("Netcdf error message: ") + nc_strerror(failure.status), "",
-                               "Press Enter to Close"})
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(std::string("ERROR - With nectdf call ") + failure.name,
+                                       std::string("Netcdf error message: ") + nc_strerror(failure.status)))
         << failure.call;
 }
 

@@ -1,4 +1,5 @@
 // Buildings in runs: what is read of layers, and the level that points and polygons get on a grid.
+#include "support/consoles.h"
 #include "support/damages_files.h"
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
@@ -12,7 +13,6 @@ namespace {
 using testing::HasSubstr;
 
 const std::string kWarning = "WARNING - Polygon partially or fully outside of results grid.";
-const std::string kEnter = "Enter command<CR> or <CR> to continue.";
 const std::string kOutside = "WARNING - Building is outside grid area.";
 
 // Records of as many buildings, named by number, floor level 0.
@@ -50,9 +50,7 @@ struct BuildingRun {
     void expectEnd(const std::vector<std::string>& message)
     {
         run.start();
-        std::vector<std::string> end = message;
-        end.insert(end.end(), {"", "Press Enter to Close"});
-        EXPECT_CONSOLE_HOLDS(run, end);
+        EXPECT_CONSOLE_HOLDS(run, errorEnd(message));
         EXPECT_NO_OTHER_FILES(run);
     }
     ToolRun run;

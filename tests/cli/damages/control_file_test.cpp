@@ -1,4 +1,5 @@
 // The .dmg control file: each command, limit and message.
+#include "support/consoles.h"
 #include "support/damages_files.h"
 #include "support/tool_run.h"
 
@@ -34,9 +35,7 @@ void expectEnd(const std::string& control, const std::vector<std::string>& messa
 {
     ControlRun ended(control);
     ended.run.start();
-    std::vector<std::string> end = message;
-    end.insert(end.end(), {"", "Press Enter to Close"});
-    EXPECT_CONSOLE_HOLDS(ended.run, end);
+    EXPECT_CONSOLE_HOLDS(ended.run, errorEnd(message));
     EXPECT_NO_OTHER_FILES(ended.run);
 }
 
@@ -143,9 +142,8 @@ TEST(DamagesControl, MoreBuildingsThanTheLimitEndTheRun)
     giveDamageFiles(run, kPoint + kPoint, kRecord + kRecord);
     run.give("c.dmg", "Maximum Buildings == 1\n" + kPlainControl);
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Building 1 is a point.", "ERROR - Number of buildings exceeds maximum: 1",
-                               "   This can be specified with Maximum Buildings == 1 in the .dmg file.", "",
-                               "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Building 1 is a point.", "ERROR - Number of buildings exceeds maximum: 1",
+                                       "   This can be specified with Maximum Buildings == 1 in the .dmg file."));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -283,13 +281,13 @@ TEST(DamagesControl, ALayerWithoutAProjectionEndsTheRun)
     ControlRun mif(kLayer);
     mif.run.give("h.mif", "Version 300\nData\n");
     mif.run.start();
-    EXPECT_CONSOLE_HOLDS(mif.run, {"Using h.mif for setting projection.",
-                                   "ERROR - Unable to find CoordSys line in h.mif", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(
+        mif.run, errorEnd("Using h.mif for setting projection.", "ERROR - Unable to find CoordSys line in h.mif"));
     ControlRun shp("Read GIS Building == h.shp\n");
     shp.run.give("h.prj", "GEOGCS[\"Degrees\"]\n");
     shp.run.start();
-    EXPECT_CONSOLE_HOLDS(shp.run, {"Using h.prj for setting projection.", "...Closed File Unit:1002",
-                                   "ERROR - Unable to find PROJCS line in h.prj", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(shp.run, errorEnd("Using h.prj for setting projection.", "...Closed File Unit:1002",
+                                           "ERROR - Unable to find PROJCS line in h.prj"));
 }
 
 TEST(DamagesControl, AProjectionThatCannotBeReadEndsTheRun)
@@ -297,9 +295,8 @@ TEST(DamagesControl, AProjectionThatCannotBeReadEndsTheRun)
     ControlRun control("Read GIS Building == h.shp\n");
     std::filesystem::create_symlink("/proc/self/mem", control.run.folder() / "h.prj");
     control.run.start();
-    EXPECT_CONSOLE_HOLDS(control.run,
-                         {"Using h.prj for setting projection.",
-                          "ERROR - Reading following line in projection file:", "", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(control.run, errorEnd("Using h.prj for setting projection.",
+                                               "ERROR - Reading following line in projection file:", ""));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // Depth-damage curves in runs: their files, ends and joints.
+#include "support/consoles.h"
 #include "support/damages_files.h"
 #include "support/tool_run.h"
 
@@ -33,9 +34,7 @@ struct CurveRun {
 void expectEnd(const std::string& curve, const std::vector<std::string>& message)
 {
     const CurveRun curveRun(curve);
-    std::vector<std::string> end = message;
-    end.insert(end.end(), {"", "Press Enter to Close"});
-    EXPECT_CONSOLE_HOLDS(curveRun.run, end);
+    EXPECT_CONSOLE_HOLDS(curveRun.run, errorEnd(message));
     EXPECT_NO_OTHER_FILES(curveRun.run);
 }
 
@@ -146,7 +145,7 @@ TEST(DamagesCurve, MorePointsThanTheLimitEndTheRun)
         giveDamageFiles(run, pointMif("2", "1"), "\"House\",\"A\",2,1\n");
         run.give("c.dmg", std::string("Maximum Point in Curve == ") + limit + "\n" + kPlainControl);
         run.start();
-        EXPECT_CONSOLE_HOLDS(run, {"ERROR - Number of bins exceeds maximum.", "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Number of bins exceeds maximum."));
     }
     // The line past the limit is not read for its values.
     expectEnd(curve + "nothing\n", {"Opened File Unit:1002", "ERROR - Number of bins exceeds maximum."});

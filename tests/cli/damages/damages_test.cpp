@@ -1,4 +1,5 @@
 // Whole runs of -damages: console, layer, table and names.
+#include "support/consoles.h"
 #include "support/damages_files.h"
 #include "support/sanitizers.h"
 #include "support/shp_bytes.h"
@@ -26,100 +27,69 @@ TEST(DamagesCli, TellsWhatItDoesAndWritesLayerAndTable)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
-                         "Checking for wildcards in filenames...",
-                         "Input File  1: c.dmg",
-                         "   File  1: c.dmg",
-                         "Damage Calculation.",
-                         "Scanning damages file to determine if maximum array sizes are defined...",
-                         "Trying to open file c.dmg...OK.",
-                         "Opened File Unit:1001",
-                         "...Closed File Unit:1001",
-                         "   Done.",
-                         "Maximum number of buildings: 1000",
-                         "Maximum number of vertices in a single building: 100",
-                         "Maximum number of damages curves: 100",
-                         "Maximum number of points in damage curve: 100",
-                         "Maximum number of results grids: 25",
-                         "Allocating memory for damage curves...",
-                         "   Done",
-                         "Opening damages .dmg file: c.dmg",
-                         "Trying to open file c.dmg...OK.",
-                         "Opened File Unit:1001",
-                         "Debug - nGISF: 1",
-                         "Debug - k: 1",
-                         "Getting Projection...",
-                         "Trying to open file h.mif...OK.",
-                         "Opened File Unit:1002",
-                         "Using h.mif for setting projection.",
-                         "mif Projection: CoordSys NonEarth Units \"m\" Bounds (0, 0) (100, 100)",
-                         "...Closed File Unit:1002",
-                         "Debug - dmg_curve_%ncurve: 1",
-                         "Debug - i: 1",
-                         "Found new damages curve: House",
-                         "Getting damages Curve...",
-                         "Trying to open file house.csv...OK.",
-                         "Opened File Unit:1002",
-                         "...Closed File Unit:1002",
-                         "Number of points in damage curve found: 2",
-                         "...Closed File Unit:1001",
-                         "Finished Read Damages File.",
-                         "Debug - dmg_curve_%ncurve: 1",
-                         "Debug - dmg_res_%nRes: 0",
-                         "Allocating memory for GIS data...",
-                         "   Done",
-                         "Total number of building GIS files to read: 1",
-                         "Reading GIS File: h.mif",
-                         "Read building data from GIS...",
-                         "Opening GIS Layer: h.mif",
-                         "GIS Layer assigned ID of 1",
-                         "Trying to open file h.mif...OK.",
-                         "Opened File Unit:1001",
-                         "Trying to open file h.mid...OK.",
-                         "Opened File Unit:1002",
-                         "4 MIF Fields: Name [#/Type]: Prop_Type [1/Char(20)]  Prop_ID [2/Char(20)]  FFL [3/Float]  "
-                         "Multiplier [4/Float]  ",
-                         "Building 1 is a point.",
-                         "Building 2 is a polygon with 6 nodes.",
-                         " Finished reading building data.",
-                         "Closing GIS Layer 1 [h.mif]...",
-                         "...Closed File Unit:1001",
-                         "...Closed File Unit:1002",
-                         "Total number of grid files to read: 0",
-                         "Allocating memory for damage curves...",
-                         "   Done",
-                         "Sorting results grids by frequency: ",
-                         "   Done",
-                         "Ordered Grids: ",
-                         "Grid 1 is: wl.asc",
-                         "Extracting Results from grids:",
-                         "Loading grid data...",
-                         "Trying to open file wl.asc...OK.",
-                         "Opened File Unit:1001",
-                         "External Grid Info: 6 rows by 8 columns with 1. cell size.",
-                         "Allocating 0Kb memory for storing input grid...",
-                         "Reading data...",
-                         "Reading ASCII grid...",
-                         "",
-                         "...Closed File Unit:1001",
-                         "   Done.",
-                         "Deallocating grid memory.",
-                         "Done extracting results from grids",
-                         "Output GIS File: h_Damages.mif",
-                         "Output CSV File: h_Damages.csv",
-                         "Writing building damages data to GIS...",
-                         "Opening GIS Layer: h_Damages.mif",
-                         "GIS Layer assigned ID of 1",
-                         "Trying to open file h_Damages.mif...OK.  File Unit:1001",
-                         "Trying to open file h_Damages.mid...OK.  File Unit:1002",
-                         "Trying to open file h_Damages.csv...OK.  File Unit:1003",
-                         " Finished write building damages data.",
-                         "Closing GIS Layer 1 [h_Damages.mif]...",
-                         "...Closed File Unit:1001",
-                         "...Closed File Unit:1002",
-                         "...Closed File Unit:1003",
-                         "Finished.",
-                         "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(
+        run,
+        joined({startOf({"c.dmg"}),
+                {"Damage Calculation.",
+                 "Scanning damages file to determine if maximum array sizes are defined...",
+                 "Trying to open file c.dmg...OK.",
+                 "Opened File Unit:1001",
+                 "...Closed File Unit:1001",
+                 "   Done.",
+                 "Maximum number of buildings: 1000",
+                 "Maximum number of vertices in a single building: 100",
+                 "Maximum number of damages curves: 100",
+                 "Maximum number of points in damage curve: 100",
+                 "Maximum number of results grids: 25",
+                 "Allocating memory for damage curves...",
+                 "   Done",
+                 "Opening damages .dmg file: c.dmg",
+                 "Trying to open file c.dmg...OK.",
+                 "Opened File Unit:1001",
+                 "Debug - nGISF: 1",
+                 "Debug - k: 1",
+                 "Getting Projection...",
+                 "Trying to open file h.mif...OK.",
+                 "Opened File Unit:1002",
+                 "Using h.mif for setting projection.",
+                 "mif Projection: CoordSys NonEarth Units \"m\" Bounds (0, 0) (100, 100)",
+                 "...Closed File Unit:1002",
+                 "Debug - dmg_curve_%ncurve: 1",
+                 "Debug - i: 1",
+                 "Found new damages curve: House",
+                 "Getting damages Curve...",
+                 "Trying to open file house.csv...OK.",
+                 "Opened File Unit:1002",
+                 "...Closed File Unit:1002",
+                 "Number of points in damage curve found: 2",
+                 "...Closed File Unit:1001",
+                 "Finished Read Damages File.",
+                 "Debug - dmg_curve_%ncurve: 1",
+                 "Debug - dmg_res_%nRes: 0",
+                 "Allocating memory for GIS data...",
+                 "   Done",
+                 "Total number of building GIS files to read: 1",
+                 "Reading GIS File: h.mif",
+                 "Read building data from GIS..."},
+                openedMif("h"),
+                {"4 MIF Fields: Name [#/Type]: Prop_Type [1/Char(20)]  Prop_ID [2/Char(20)]  FFL [3/Float]  "
+                 "Multiplier [4/Float]  ",
+                 "Building 1 is a point.", "Building 2 is a polygon with 6 nodes.", " Finished reading building data."},
+                closedMif("h"),
+                {"Total number of grid files to read: 0", "Allocating memory for damage curves...", "   Done",
+                 "Sorting results grids by frequency: ", "   Done", "Ordered Grids: ", "Grid 1 is: wl.asc",
+                 "Extracting Results from grids:", "Loading grid data..."},
+                headerOf("wl.asc", "6 rows by 8 columns"),
+                {"Allocating 0Kb memory for storing input grid...", "Reading data..."},
+                ascCells(),
+                {"   Done.", "Deallocating grid memory.", "Done extracting results from grids",
+                 "Output GIS File: h_Damages.mif", "Output CSV File: h_Damages.csv",
+                 "Writing building damages data to GIS..."},
+                createdMif("h_Damages", 1, 1001),
+                {"Trying to open file h_Damages.csv...OK.  File Unit:1003", " Finished write building damages data."},
+                closedMif("h_Damages"),
+                {"...Closed File Unit:1003"},
+                normalEnd()}));
 
     // A: (23 - 3) x 100 x 1; B: (46 - 40.5) x 100 x 2.
     const std::string rows = "\"House\",\"A\",3.,1.,2000.,0.\r\n"
@@ -158,8 +128,7 @@ TEST(DamagesCli, TakesOneControlFileOnly)
     run.give("c.dmg", "");
     run.give("d.dmg", "");
     run.start();
-    EXPECT_CONSOLE_HOLDS(
-        run, {"Damage Calculation.", "ERROR - Only one .dmg file can be specified.", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Damage Calculation.", "ERROR - Only one .dmg file can be specified."));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -252,8 +221,8 @@ TEST(DamagesCli, ProbabilitiesThatAreNoneEndTheRun)
     giveDamageFiles(run, pointMif("2", "1"), "\"House\",\"A\",0,1\n");
     run.give("c.dmg", "Read Result % NaN == wl.asc\nRead Result % -9999 == wl.asc\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Sorting results grids by frequency: ",
-                               "ERROR - No results grid has an AEP above -9999.", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(
+        run, errorEnd("Sorting results grids by frequency: ", "ERROR - No results grid has an AEP above -9999."));
 }
 
 TEST(DamagesCli, LinesAreCutAt1000Characters)
@@ -414,9 +383,9 @@ TEST(DamagesCli, ATableOverItsOwnLayerIsAskedAbout)
     run.type("n");
     run.start();
     EXPECT_CONSOLE_HOLDS(run,
-                         {"Trying to open file result.mid...OK.  File Unit:1002", "Trying to open file result.mid...",
-                          "", "result.mid is already open, close it? ", "Trying to open file result.mid...", "",
-                          "result.mid is already open, close it? ", "", "Press Enter to Close"});
+                         errorEnd("Trying to open file result.mid...OK.  File Unit:1002",
+                                  "Trying to open file result.mid...", "", "result.mid is already open, close it? ",
+                                  "Trying to open file result.mid...", "", "result.mid is already open, close it? "));
 }
 
 TEST(DamagesCli, AFullDeviceEndsTheRun)

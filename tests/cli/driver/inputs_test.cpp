@@ -1,5 +1,6 @@
 // The search that turns the names as typed into the input files.
-#include "support/driver_consoles.h"
+#include "support/consoles.h"
+#include "support/expect_run.h"
 
 #include <filesystem>
 #include <unistd.h>
@@ -7,9 +8,7 @@
 namespace gridforge::test {
 namespace {
 
-using Lines = std::vector<std::string>;
-
-const std::string kHead = "Checking for wildcards in filenames...";
+const std::string kHead = kWildcards;
 const std::string kTooMany =
     "ERROR - More the 100 input files specified. Please contact SUPPORT_CONTACT to get this raised.";
 

@@ -1,6 +1,7 @@
 // Inputs whose names on the disk differ from the names asked for in the case of their letters.
+#include "support/consoles.h"
 #include "support/damages_files.h"
-#include "support/driver_consoles.h"
+#include "support/expect_run.h"
 #include "support/layer_files.h"
 #include "support/network_layers.h"
 #include "support/rainfall_files.h"
@@ -136,8 +137,7 @@ TEST(LetterCaseCli, TheDirectorySearchIsExact)
 {
     ToolRun run("-conv A.asc");
     run.give("a.asc", ascGrid({{1}}));
-    expectRun(run, failed({"Checking for wildcards in filenames...", "Input File  1: A.asc",
-                           "ERROR - No valid file found for input: A.asc"}));
+    expectRun(run, failed({kWildcards, "Input File  1: A.asc", "ERROR - No valid file found for input: A.asc"}));
 }
 
 TEST(LetterCaseCli, OfTwoThatFitNoneIsTaken)
@@ -149,9 +149,9 @@ TEST(LetterCaseCli, OfTwoThatFitNoneIsTaken)
     run.give("G.prj", kProjcs);
     run.give("g.PRJ", kProjcs);
     run.start();
-    EXPECT_CONSOLE_HOLDS(
-        run, {"Proecsing File:  1: g.flt", "Trying to open file g.hdr...", "CHECK 0008 - \"g.hdr\" cannot be found",
-              "Check file exists and press enter or enter another file name: ", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Proecsing File:  1: g.flt", "Trying to open file g.hdr...",
+                                       "CHECK 0008 - \"g.hdr\" cannot be found",
+                                       "Check file exists and press enter or enter another file name: "));
     EXPECT_NO_OTHER_FILES(run);
 }
 

@@ -1,4 +1,5 @@
 // Outputs that would take the place of an input: refused before anything of them is opened, so nothing is lost.
+#include "support/consoles.h"
 #include "support/layer_files.h"
 #include "support/network_layers.h"
 #include "support/shp_bytes.h"
@@ -44,8 +45,8 @@ void expectLayerRefused(ToolRun& run, const std::string& name, int number)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, {"Opening GIS Layer: " + name, "GIS Layer assigned ID of " + std::to_string(number),
-                               kLayerMessage + name, "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Opening GIS Layer: " + name,
+                                       "GIS Layer assigned ID of " + std::to_string(number), kLayerMessage + name));
 }
 
 TEST(OutputsOverInputsCli, TheInputOfThePointsIsNoResult)
@@ -125,8 +126,8 @@ TEST(OutputsOverInputsCli, OfAMifTheUserIsAsked)
     run.give("p.mif", mifHeader({"Obs Float", "Mark Char(20)"}) + "Point 4.3 4.4\n");
     run.give("p.mid", "40,a\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Opening GIS Layer: p.mif", "GIS Layer assigned ID of 2", "Trying to open file p.mif...",
-                               "", "p.mif is already open, close it? ", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Opening GIS Layer: p.mif", "GIS Layer assigned ID of 2",
+                                       "Trying to open file p.mif...", "", "p.mif is already open, close it? "));
     EXPECT_THAT(run.changedFiles(), ElementsAre("p.csv"));
 }
 
@@ -147,7 +148,7 @@ void expectGridRefused(ToolRun& run, const std::string& line, const std::string&
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, {line, kGridMessage + input, "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(line, kGridMessage + input));
     EXPECT_EQ(run.changedFiles(), files);
 }
 
@@ -278,7 +279,7 @@ TEST(OutputsOverInputsCli, RemapKeepsTheExtraGridsToCome)
     EXPECT_FALSE(run.says("Processing: y.asc"));
     EXPECT_THAT(run.changedFiles(), Not(testing::Contains("x_remap.asc")));
     EXPECT_THAT(run.console(), Not(HasSubstr("Trying to open file x_remap.asc...")));
-    EXPECT_TRUE(run.console().ends_with("\n\nPress Enter to Close\n"));
+    EXPECT_TRUE(run.console().ends_with("\n" + kExits));
 }
 
 TEST(OutputsOverInputsCli, RemapKeepsTheExtraGridsFromItsOwnLevelsAndDepths)
@@ -289,7 +290,7 @@ TEST(OutputsOverInputsCli, RemapKeepsTheExtraGridsFromItsOwnLevelsAndDepths)
     run.give("extra.hdr", hdr(3, 3, {.cellsize = 2}));
     fs::create_hard_link(run.folder() / "extra.hdr", run.folder() / "wl_remap_h.hdr");
     run.start();
-    EXPECT_TRUE(run.console().ends_with("\n" + kGridMessage + "extra.flt\n\nPress Enter to Close\n"));
+    EXPECT_TRUE(run.console().ends_with("\n" + kGridMessage + "extra.flt\n" + kExits));
     EXPECT_THAT(run.changedFiles(), IsEmpty());
 }
 

@@ -1,5 +1,6 @@
 // The two rules of naming and formatting an output, as -max applies them; -src leaves the values as its only output.
-#include "support/driver_consoles.h"
+#include "support/consoles.h"
+#include "support/tool_run.h"
 
 namespace gridforge::test {
 namespace {
@@ -25,7 +26,7 @@ struct MaxRun : ToolRun {
     }
 };
 
-const std::string kByInputs = "Setting output format based on input grids.  To set use -asc or -flt.";
+const std::string kByInputs = kFormatOfInputs;
 const std::string kAsc = "Using output format .asc as specified.";
 const std::string kFlt = "Using output format .flt as specified.";
 

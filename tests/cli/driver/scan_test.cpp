@@ -1,10 +1,9 @@
 // Messages of the flag scan.
-#include "support/driver_consoles.h"
+#include "support/consoles.h"
+#include "support/expect_run.h"
 
 namespace gridforge::test {
 namespace {
-
-using Lines = std::vector<std::string>;
 
 const std::string kReadFailure = "ERROR - Reading row       0 of .asc file";
 const std::string kTooMany =
@@ -79,9 +78,8 @@ TEST(ScanCli, FreeboardSaysThatItUsesIdw)
 
 TEST(ScanCli, FreeboardBelowZeroEndsAtOnce)
 {
-    expectRun({"-fb-0.1", "-q"}, consoleOf({"CHECK - Free boarding specified, use IDW interporation.",
-                                            "ERROR - Freeboard can not be less than 0."},
-                                           {}));
+    expectRun({"-fb-0.1", "-q"}, Lines{kBanner, "CHECK - Free boarding specified, use IDW interporation.",
+                                       "ERROR - Freeboard can not be less than 0."});
 }
 
 TEST(ScanCli, BufferDistanceSaysThatItUsesIdw)
@@ -95,9 +93,8 @@ TEST(ScanCli, BufferDistanceSaysThatItUsesIdw)
 TEST(ScanCli, BufferDistanceOfAThousandthOrLessEndsAtOnce)
 {
     for (const std::string argument : {"-bd0.001", "-bd0", "-bd-5", "-bdNaN", "-bd,"}) {
-        expectRun({argument, "-q"}, consoleOf({"CHECK - Buffer distance specified, use IDW interporation.",
-                                               "ERROR - Buffer distance can not be less than or equal to 0."},
-                                              {}));
+        expectRun({argument, "-q"}, Lines{kBanner, "CHECK - Buffer distance specified, use IDW interporation.",
+                                          "ERROR - Buffer distance can not be less than or equal to 0."});
     }
 }
 

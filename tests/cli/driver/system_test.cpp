@@ -1,4 +1,5 @@
 // Calls of the system that fail, stop half way or are interrupted.
+#include "support/consoles.h"
 #include "support/shp_bytes.h"
 #include "support/system_failures.h"
 
@@ -42,27 +43,23 @@ TEST(SystemCli, AFailedWriteEndsTheRun)
 {
     for (const int error : {ENOSPC, EIO}) {
         const GridRun run(fail("write", 2, error));
-        EXPECT_CONSOLE_HOLDS(
-            run, {"Finished writing FLT grid.", "ERROR - Could not write to file: a.flt", "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(run, errorEnd("Finished writing FLT grid.", "ERROR - Could not write to file: a.flt"));
     }
 }
 
 TEST(SystemCli, AFailedCloseOfAnOutputEndsTheRun)
 {
     const GridRun cells(fail("close", 2, EIO));
-    EXPECT_CONSOLE_HOLDS(
-        cells, {"Finished writing FLT grid.", "ERROR - Could not write to file: a.flt", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(cells, errorEnd("Finished writing FLT grid.", "ERROR - Could not write to file: a.flt"));
     // The file of the header is closed when the cells are there.
     const GridRun header(fail("close", 3, EIO));
-    EXPECT_CONSOLE_HOLDS(
-        header, {"...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(header, errorEnd("...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr"));
 }
 
 TEST(SystemCli, AFailedWriteOfTheFirstLetterEndsTheRun)
 {
     const GridRun run(fail("pwrite", 1, EIO));
-    EXPECT_CONSOLE_HOLDS(
-        run, {"...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr"));
 }
 
 TEST(SystemCli, AFailedCloseOfAnInputIsIgnored)
@@ -81,8 +78,7 @@ TEST(SystemCli, AFailedReadEndsTheRun)
         run.start();
         if (!run.says("Finished.")) {
             ++ends;
-            EXPECT_CONSOLE_HOLDS(
-                run, {"ERROR 2334 - Reading Grid file header information.", "Line = ", "", "Press Enter to Close"});
+            EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR 2334 - Reading Grid file header information.", "Line = "));
         }
     }
     EXPECT_EQ(ends, 1);
@@ -97,9 +93,8 @@ TEST(SystemCli, AFailedReadOfAnAnswerEndsTheRun)
     run.type("b.hdr");
     askSystem(run, fail("read", 1, EIO));
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file a.hdr...", "CHECK 0008 - \"a.hdr\" cannot be found",
-                               "Check file exists and press enter or enter another file name: ", "",
-                               "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Trying to open file a.hdr...", "CHECK 0008 - \"a.hdr\" cannot be found",
+                                       "Check file exists and press enter or enter another file name: "));
     EXPECT_NO_OTHER_FILES(run);
 }
 

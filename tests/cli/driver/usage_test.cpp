@@ -1,5 +1,6 @@
 // The usage screen against its text, which lies beside this file.
-#include "support/driver_consoles.h"
+#include "support/consoles.h"
+#include "support/expect_run.h"
 #include "support/paths.h"
 
 #include <fstream>

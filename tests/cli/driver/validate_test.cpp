@@ -1,11 +1,10 @@
 // Messages of the validation, in their order. "-change" alone passes as an operation and runs none, so what follows the
 // validation is short.
-#include "support/driver_consoles.h"
+#include "support/consoles.h"
+#include "support/expect_run.h"
 
 namespace gridforge::test {
 namespace {
-
-using Lines = std::vector<std::string>;
 
 const std::string kNoOperation = "ERROR - No operational flag specified.";
 const std::string kTwoOperations = "ERROR - More than one operational flag specified.";
@@ -15,7 +14,7 @@ const std::string kRgb = "WARNING - RGB option only valid for classify operation
 const std::string kBothFormats = "WARNING - Both -asc and -flt specified.  Outputting to .flt grid.";
 const std::string kGrc = "WARNING - \"-grc\" option only used with \"classify\". Flag ignored.";
 const std::string kMat = "ERROR - \"-mat\" option only used with \"xs\". Flag ignored.";
-const std::string kNoInput = "Checking for wildcards in filenames...";
+const std::string kNoInput = kWildcards;
 
 // The console of a run that passes the validation with `lines` and has no input.
 Lines passed(Lines lines)

@@ -1,4 +1,5 @@
 // The symbols of the built executable.
+#include "support/consoles.h"
 #include "support/paths.h"
 #include "support/tool_run.h"
 
@@ -97,9 +98,8 @@ TEST(Exports, AnswerAProgramInC)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"done", "CHECK 0007 - from C",
-                         " Could not convert \"x\" in column   1 to a real value for the Size field.", "",
-                         "Press Enter to Close"});
+    EXPECT_CONSOLE(run, errorEnd("done", "CHECK 0007 - from C",
+                                 " Could not convert \"x\" in column   1 to a real value for the Size field."));
 }
 
 TEST(Exports, NamesThatAreNotThereAreMissed)

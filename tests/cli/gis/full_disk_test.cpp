@@ -1,4 +1,5 @@
 // A full disk under output layers: one message, which says what could not be written, and the end of the run.
+#include "support/consoles.h"
 #include "support/layer_readers.h"
 #include "support/paths.h"
 
@@ -57,7 +58,7 @@ TEST_P(FullMif, AMidNamesTheObjectWrittenLast)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_THAT(run.console(), EndsWith("\n\nERROR 0254 - Failed to write attribute data record for a " +
-                                        full.lastObject + " object in GIS layer.\n\nPress Enter to Close\n"));
+                                        full.lastObject + " object in GIS layer.\n" + kExits));
 }
 
 TEST_P(FullMif, AMifHasOneMessage)
@@ -68,8 +69,7 @@ TEST_P(FullMif, AMifHasOneMessage)
     giveMifCase(run, reader);
     std::filesystem::create_symlink("/dev/full", run.folder() / (full.layer + ".mif"));
     run.start();
-    EXPECT_THAT(run.console(),
-                EndsWith("\n\nERROR 0439 - Writing .mif file object coordinates.\n\nPress Enter to Close\n"));
+    EXPECT_THAT(run.console(), EndsWith("\n\nERROR 0439 - Writing .mif file object coordinates.\n" + kExits));
     EXPECT_EQ(run.console().find("ERROR"), run.console().rfind("ERROR"));
 }
 
@@ -101,7 +101,7 @@ TEST_P(FullDisk, HasOneMessageWhateverTheOutputs)
         EXPECT_EQ(run.status(), 0);
         EXPECT_THAT(run.console(), HasSubstr("\nERROR")) << run.command();
         EXPECT_EQ(run.console().find("\nERROR"), run.console().rfind("\nERROR")) << run.console();
-        EXPECT_THAT(run.console(), EndsWith("\n\nPress Enter to Close\n"));
+        EXPECT_THAT(run.console(), EndsWith("\n" + kExits));
         EXPECT_THAT(run.console(), Not(HasSubstr("Finished.")));
     }
 }

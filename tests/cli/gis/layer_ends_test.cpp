@@ -1,4 +1,5 @@
 // How the end of a layer is found, in every operation that reads one.
+#include "support/consoles.h"
 #include "support/layer_readers.h"
 
 #include <gmock/gmock.h>
@@ -83,7 +84,7 @@ TEST_P(LayerEnds, AnObjectWithoutARecordEndsTheRunAfterASkippedObjectToo)
         run.start();
         EXPECT_THAT(run.console(),
                     testing::EndsWith("\n\nERROR 0254 - Failed to read object attribute data record for a " + kind +
-                                      " object in GIS layer.\n\nPress Enter to Close\n"));
+                                      " object in GIS layer.\n" + kExits));
     }
 }
 

@@ -1,5 +1,5 @@
+#include "support/consoles.h"
 #include "support/netcdf_failures.h"
-#include "support/ops_consoles.h"
 #include "support/paths.h"
 #include "support/read_netcdf.h"
 #include "support/sanitizers.h"
@@ -221,7 +221,7 @@ TEST(NcCli, GridsAreStackedInTheOrderOfTheList)
     const NetcdfReading file(run, "z.nc");
     EXPECT_THAT(file.values("data_temporal"), ElementsAre(26, 1, 2));
     EXPECT_THAT(file.values("time"), ElementsAre(1, 2, 3));
-    EXPECT_FALSE(run.says("Enter command<CR> or <CR> to continue."));
+    EXPECT_FALSE(run.says(kEnter));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -460,7 +460,7 @@ TEST(NcCli, AFileThatCannotBeMadeEndsTheRunAheadOfTheGrids)
         const Lines lines = run.consoleLines();
         ASSERT_GE(lines.size(), 3U);
         EXPECT_EQ(lines[lines.size() - 3].find("Netcdf error message: "), 0U) << run.console();
-        EXPECT_EQ(lines.back(), "Press Enter to Close");
+        EXPECT_EQ(lines.back(), kClose);
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -669,8 +669,8 @@ TEST(NcCli, AFailedCloseOfTheFileEndsTheRun)
     askSystem(run, "fail close 4 5"); // the grid and what it is read through come first; 5 is the error of a device
     run.start();
     EXPECT_EQ(run.status(), 0);
-    EXPECT_CONSOLE_HOLDS(run, {"Closing netcdf file...", "ERROR - With nectdf call nf90_close",
-                               "Netcdf error message: NetCDF: HDF error", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Closing netcdf file...", "ERROR - With nectdf call nf90_close",
+                                       "Netcdf error message: NetCDF: HDF error"));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // What ends a network run, and what only warns.
+#include "support/consoles.h"
 #include "support/network_layers.h"
 #include "support/tool_run.h"
 
@@ -11,13 +12,11 @@ namespace {
 using testing::HasSubstr;
 
 // The run ends with these lines and the pause of an error.
-void expectEnd(ToolRun& run, std::vector<std::string> lines)
+void expectEnd(const ToolRun& run, const Lines& message)
 {
-    lines.emplace_back("");
-    lines.emplace_back("Press Enter to Close");
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, lines);
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(message));
     EXPECT_FALSE(run.says("Finished."));
 }
 
@@ -400,8 +399,7 @@ TEST(XsMessages, MaterialsWithoutXsOnlyPause)
 {
     ToolRun run("-b -nbc net.nbc -mat land.asc");
     runNbcFile(run, "");
-    EXPECT_CONSOLE_HOLDS(run, {"ERROR - \"-mat\" option only used with \"xs\". Flag ignored.",
-                               "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE_HOLDS(run, {"ERROR - \"-mat\" option only used with \"xs\". Flag ignored.", kEnter});
     EXPECT_TRUE(run.says("Finished."));
 }
 
@@ -416,7 +414,7 @@ TEST(XsMessages, WithoutAGridThereIsNoInput)
 {
     ToolRun run("-b -xs 1d_cut_a.mif");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {" ERROR - No valid files found.", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(" ERROR - No valid files found."));
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "support/consoles.h"
 #include "support/network_layers.h"
 #include "support/tool_run.h"
 
@@ -106,44 +107,23 @@ TEST(NbcCli, TellsItsRunOnTheConsole)
     giveDrawnNetwork(run);
     run.give("net.nbc", kReadBoth + "Set XS dx == 4\nRead Grid Z == dem.asc\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Processing .nbc File... ",
-                               "Initialising cross-section array...",
-                               "   Done.",
-                               "Initialising branches...",
-                               "   Done.",
-                               "Opening input .nbc file: net.nbc",
-                               "Trying to open file net.nbc...OK.",
-                               "Opened File Unit:1001",
-                               "Getting Projection...",
-                               "Trying to open file 1d_branches_t.mif...OK.",
-                               "Opened File Unit:1002",
-                               "Using 1d_branches_t.mif for setting projection.",
-                               "mif Projection: CoordSys NonEarth Units \"m\" Bounds (0, 0) (100, 100)",
-                               "...Closed File Unit:1002",
-                               "Getting Branches from 1d_branches_t.mif",
-                               "Opening GIS Layer: 1d_branches_t.mif",
-                               "GIS Layer assigned ID of 1",
-                               "Trying to open file 1d_branches_t.mif...OK.",
-                               "Opened File Unit:1002",
-                               "Trying to open file 1d_branches_t.mid...OK.",
-                               "Opened File Unit:1003",
-                               "4 MIF Fields: Name [#/Type]: Name [1/Char(30)]  n [2/Float]  UCS [3/Char(1)]  "
-                               "Form_Loss [4/Float]  ",
-                               "Searching for Lines and Polylines...",
-                               "Polyline 1 with name \"Main\"",
-                               "WARNING - Branch Roughness less than or equal to 0 setting to 1.",
-                               "Polyline 2 with name \"Trib\"",
-                               "Polyline 1 is an \"x\" connector.",
-                               "Closing GIS Layer 1 [1d_branches_t.mif]...",
-                               "...Closed File Unit:1002",
-                               "...Closed File Unit:1003",
-                               "Extracting distances for branches...",
-                               "    Done.",
-                               "Extracting extents...",
-                               "    Done.",
-                               "Projection check not yet implemented.",
-                               "Opening cross-section file 1d_cut_t.mif",
-                               "Opening GIS Layer: 1d_cut_t.mif"});
+    EXPECT_CONSOLE_HOLDS(run, joined({{"Processing .nbc File... ", "Initialising cross-section array...", "   Done.",
+                                       "Initialising branches...", "   Done.", "Opening input .nbc file: net.nbc",
+                                       "Trying to open file net.nbc...OK.", "Opened File Unit:1001",
+                                       "Getting Projection...", "Trying to open file 1d_branches_t.mif...OK.",
+                                       "Opened File Unit:1002", "Using 1d_branches_t.mif for setting projection.",
+                                       "mif Projection: CoordSys NonEarth Units \"m\" Bounds (0, 0) (100, 100)",
+                                       "...Closed File Unit:1002", "Getting Branches from 1d_branches_t.mif"},
+                                      openedMif("1d_branches_t", 1, 1002),
+                                      {"4 MIF Fields: Name [#/Type]: Name [1/Char(30)]  n [2/Float]  UCS [3/Char(1)]  "
+                                       "Form_Loss [4/Float]  ",
+                                       "Searching for Lines and Polylines...", "Polyline 1 with name \"Main\"",
+                                       "WARNING - Branch Roughness less than or equal to 0 setting to 1.",
+                                       "Polyline 2 with name \"Trib\"", "Polyline 1 is an \"x\" connector."},
+                                      closedMif("1d_branches_t", 1, 1002),
+                                      {"Extracting distances for branches...", "    Done.", "Extracting extents...",
+                                       "    Done.", "Projection check not yet implemented.",
+                                       "Opening cross-section file 1d_cut_t.mif", "Opening GIS Layer: 1d_cut_t.mif"}}));
     EXPECT_CONSOLE_HOLDS(
         run,
         {"Less than 12 attributes, expecting cut lines with the following attribute:",
@@ -171,27 +151,16 @@ TEST(NbcCli, TellsItsRunOnTheConsole)
          "...Closed File Unit:1001", "...Closed File Unit:1002", "Finished writing 1d_xs files.",
          "Trying to open file csv\\Main_5.000.csv...OK.  File Unit:1001",
          "Writing cross-section data to: csv\\Main_5.000.csv", "...Closed File Unit:1001"});
-    EXPECT_CONSOLE_HOLDS(run, {"Writing cross-section data to: apart.CSV",
-                               "...Closed File Unit:1001",
-                               "Allocating memory for storing 1d_nwk data...",
-                               "    Done.",
-                               "Allocating memory for storing 1d_nwk coordinates...",
-                               "    Done.",
-                               "Splitting branch data into network...",
-                               "    Finished splitting branch data into network.",
-                               "Writing \"X\" connectors.",
-                               "    Finished writing connectors",
-                               "Writing 1 1d_nwk files.",
-                               "Opening GIS Layer: 1d_nwk_t.mif",
-                               "GIS Layer assigned ID of 1",
-                               "Trying to open file 1d_nwk_t.mif...OK.  File Unit:1001",
-                               "Trying to open file 1d_nwk_t.mid...OK.  File Unit:1002",
-                               "Closing GIS Layer 1 [1d_nwk_t.mif]...",
-                               "...Closed File Unit:1001",
-                               "...Closed File Unit:1002",
-                               "Finished writing 1d_nwk file.",
-                               "Finished.",
-                               "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE_HOLDS(
+        run, joined({{"Writing cross-section data to: apart.CSV", "...Closed File Unit:1001",
+                      "Allocating memory for storing 1d_nwk data...", "    Done.",
+                      "Allocating memory for storing 1d_nwk coordinates...", "    Done.",
+                      "Splitting branch data into network...", "    Finished splitting branch data into network.",
+                      "Writing \"X\" connectors.", "    Finished writing connectors", "Writing 1 1d_nwk files."},
+                     createdMif("1d_nwk_t", 1, 1001),
+                     closedMif("1d_nwk_t"),
+                     {"Finished writing 1d_nwk file."},
+                     normalEnd()}));
 }
 
 TEST(NbcCli, HeadersNameTheColumnsWithTheirWidths)
@@ -753,9 +722,9 @@ TEST(NbcCli, ARegionWithoutAValueEndsTheRunAfterItsWarning)
 {
     ToolRun run("-b -nbc net.nbc");
     runFlc(run, rectangle(15.5, 5, 18, 12.25), "0\n");
-    EXPECT_CONSOLE_HOLDS(run, {"WARNING - No network lines start within region object.",
-                               "  XY of first polygon vertex is: 15.5, 5.", "ERROR - No FLC value specified on region.",
-                               "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("WARNING - No network lines start within region object.",
+                                       "  XY of first polygon vertex is: 15.5, 5.",
+                                       "ERROR - No FLC value specified on region."));
     EXPECT_FALSE(run.has("1d_nwk_a.mif"));
 }
 
@@ -764,8 +733,7 @@ TEST(NbcCli, ALossOfATenThousandthIsNone)
     for (const std::string value : {"0.0001", "-0.0001"}) {
         ToolRun run("-b -nbc net.nbc");
         runFlc(run, rectangle(5, 5, 15, 25), value + "\n");
-        EXPECT_CONSOLE_HOLDS(
-            run, {"Region 1 with 6 nodes...", "ERROR - No FLC value specified on region.", "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(run, errorEnd("Region 1 with 6 nodes...", "ERROR - No FLC value specified on region."));
     }
     ToolRun run("-b -nbc net.nbc");
     runFlc(run, rectangle(5, 5, 15, 15), "-0.00051\n");
@@ -808,16 +776,15 @@ TEST(NbcCli, ARegionOfTwoRingsEndsTheRun)
     ToolRun run("-b -nbc net.nbc");
     const std::string ring = "  4\n1 1\n2 1\n2 2\n1 1\n";
     runFlc(run, "Region  2\n" + ring + ring, "1\n");
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.", "",
-                          "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(
+        run, errorEnd("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes."));
 }
 
 TEST(NbcCli, AnUnreadableLossEndsTheRun)
 {
     ToolRun run("-b -nbc net.nbc");
     runFlc(run, rectangle(5, 5, 15, 25), "high\n");
-    EXPECT_CONSOLE_HOLDS(run, {"ERROR - Reading following line in 1d_FLC file:", "high", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Reading following line in 1d_FLC file:", "high"));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // The rules of layers, splitting and form losses on Shapefiles, put together and taken apart byte by byte.
+#include "support/consoles.h"
 #include "support/network_layers.h"
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
@@ -240,17 +241,15 @@ TEST(NbcShp, CombinedPolylinesAreRefused)
         giveShpLayer(run, "1d_br_s", kPolyline, {parts}, kBranchFields, {{"a", "1", "T", "0", ""}});
         run.give("net.nbc", "Read GIS Branch == 1d_br_s.shp\n");
         run.start();
-        EXPECT_CONSOLE_HOLDS(run, {"Searching for Lines and Polylines...",
-                                   "ERROR - Combined polylines not yet supported.  Please disaggregate.", "",
-                                   "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(run, errorEnd("Searching for Lines and Polylines...",
+                                           "ERROR - Combined polylines not yet supported.  Please disaggregate."));
     }
     ToolRun run("-b -nbc net.nbc");
     giveShpLayer(run, "1d_cut_s", kPolyline, {parts}, kCutFields, {{"a", "-1", "T", "T", "", "", "0"}});
     run.give("net.nbc", "Read GIS XS == 1d_cut_s.shp\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Searching for Lines and Polylines...",
-                               "ERROR - Combined polylines not yet supported.  Please disaggregate.", "",
-                               "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Searching for Lines and Polylines...",
+                                       "ERROR - Combined polylines not yet supported.  Please disaggregate."));
 }
 
 TEST(NbcShp, RecordsThatCannotBeRead)
@@ -262,8 +261,8 @@ TEST(NbcShp, RecordsThatCannotBeRead)
                      {{"NAME", 'C', 4}, {"N", 'C', 5}, {"UCS", 'C', 1}, {"LOSS", 'N', 3}}, {{"a", "rough", "T", "0"}});
         run.give("net.nbc", "Read GIS Branch == 1d_br_s.shp\n");
         run.start();
-        EXPECT_CONSOLE_HOLDS(run, {"ERROR - Extracting attribute data for GIS object.  Data: \"a\",\"rough\",\"T\",  0",
-                                   "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(
+            run, errorEnd("ERROR - Extracting attribute data for GIS object.  Data: \"a\",\"rough\",\"T\",  0"));
     }
     // A column too few.
     ToolRun run("-b -nbc net.nbc");
@@ -271,8 +270,7 @@ TEST(NbcShp, RecordsThatCannotBeRead)
                  {{"NAME", 'C', 4}, {"DIST", 'N', 2}, {"SPLIT", 'C', 1}}, {{"a", "-1", "T"}});
     run.give("net.nbc", "Read GIS XS == 1d_cut_s.shp\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(
-        run, {"ERROR - Reading following line in 1d_xs file:", "\"a\",-1,\"T\"", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Reading following line in 1d_xs file:", "\"a\",-1,\"T\""));
 }
 
 TEST(NbcShp, LayersWithoutAProjectionEndTheRun)
@@ -281,9 +279,8 @@ TEST(NbcShp, LayersWithoutAProjectionEndTheRun)
     run.give("in/1d_br_s.shp", shpBytes(kPolyline, {}));
     run.give("net.nbc", "Read GIS Branch == in/1d_br_s.shp\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"Getting Projection...", "ERROR - Projection file does not exist in folder: in/1d_br_s.prj",
-                          "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(
+        run, errorEnd("Getting Projection...", "ERROR - Projection file does not exist in folder: in/1d_br_s.prj"));
 }
 
 // --- Form losses of regions ------------------------------------------------------------------------------------------
@@ -325,9 +322,9 @@ TEST(NbcShp, ARegionWithoutAValueEndsTheRunAfterItsWarning)
 {
     ToolRun run("-b -nbc net.nbc");
     runFlc(run, {shpRectangle(15.5, 5, 18, 12.25)}, {{"0"}});
-    EXPECT_CONSOLE_HOLDS(run, {"Region 1 with 6 nodes...", "WARNING - No network lines start within region object.",
-                               "  XY of first polygon vertex is: 15.5, 5.", "ERROR - No FLC value specified on region.",
-                               "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(
+        run, errorEnd("Region 1 with 6 nodes...", "WARNING - No network lines start within region object.",
+                      "  XY of first polygon vertex is: 15.5, 5.", "ERROR - No FLC value specified on region."));
     EXPECT_FALSE(run.has("1d_nwk_s_L.shp"));
 }
 
@@ -335,17 +332,15 @@ TEST(NbcShp, ARegionOfTwoRingsEndsTheRun)
 {
     ToolRun run("-b -nbc net.nbc");
     runFlc(run, {partsRecord(kPolygon, {0, 4}, {1, 1, 1, 9, 9, 1, 1, 1, 2, 2, 3, 2, 2, 3, 2, 2})}, {{"1"}});
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.", "",
-                          "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(
+        run, errorEnd("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes."));
 }
 
 TEST(NbcShp, AnUnreadableLossEndsTheRun)
 {
     ToolRun run("-b -nbc net.nbc");
     runFlc(run, {shpRectangle(5, 5, 15, 25)}, {{"high"}});
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"ERROR - Reading following line in 1d_FLC file:", "    high", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Reading following line in 1d_FLC file:", "    high"));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "support/ops_consoles.h"
+#include "support/consoles.h"
 #include "support/tool_run.h"
 
 namespace gridforge::test {
@@ -293,7 +293,7 @@ TEST(ClassFile, ALineThatCannotBeReadEndsTheRun)
 TEST(ClassFile, ABlankLineAtTheEndCannotBeReadEither)
 {
     ClassRun c("h\n10,a\n20,b\n\n");
-    EXPECT_CONSOLE_HOLDS(c.run, {"ERROR - Reading following line in classes file:", "", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(c.run, errorEnd("ERROR - Reading following line in classes file:", ""));
     EXPECT_NO_OTHER_FILES(c.run);
 }
 
@@ -359,8 +359,7 @@ TEST(ClassFile, ABlankNameEndsTheRun)
     run.give("a.asc", ascGrid({{5}}));
     run.start();
     EXPECT_CONSOLE_HOLDS(run, {"Getting classifications from: ", "Maximum number of classes: 100",
-                               "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT.",
-                               "Press Enter to Close"});
+                               "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT.", kClose});
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -381,10 +380,8 @@ TEST(ClassifyCli, ItsFlagsWithoutItGetTheWarningsOfTheScan)
     run.give("a.asc", ascGrid({{5}}));
     run.start();
     EXPECT_CONSOLE_HOLDS(run,
-                         {"Build 2020-10-AA", "WARNING - RGB option only valid for classify operation. Flag ignored.",
-                          "Enter command<CR> or <CR> to continue.",
-                          "WARNING - \"-grc\" option only used with \"classify\". Flag ignored.",
-                          "Enter command<CR> or <CR> to continue.", "Checking for wildcards in filenames..."});
+                         {kBanner, "WARNING - RGB option only valid for classify operation. Flag ignored.", kEnter,
+                          "WARNING - \"-grc\" option only used with \"classify\". Flag ignored.", kEnter, kWildcards});
     EXPECT_GRID(run, "a_extent.asc", {{1}});
 }
 

@@ -1,3 +1,4 @@
+#include "support/consoles.h"
 #include "support/tool_run.h"
 
 namespace gridforge::test {
@@ -10,31 +11,16 @@ TEST(ConvCli, TurnsTextIntoBinaryBesideTheInput)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
-                         "Checking for wildcards in filenames...",
-                         "Input File  1: d/a.asc",
-                         "   File  1: d/a.asc",
-                         "Converting grid formats.",
-                         "Processing 1 input grids.",
-                         "Proecsing File:  1: d/a.asc",
-                         "Trying to open file d/a.asc...OK.",
-                         "Opened File Unit:1001",
-                         "External Grid Info: 2 rows by 3 columns with 2. cell size.",
-                         "Allocating 0Kb memory for external grid...",
-                         "Reading ASCII grid...",
-                         "",
-                         "...Closed File Unit:1001",
-                         "Converting .asc to .flt...",
-                         "Trying to open file d/a.hdr...OK.  File Unit:1001",
-                         "...Closed File Unit:1001",
-                         "Trying to open file d/a.flt...OK.  File Unit:1001",
-                         "Writing FLT grid...",
-                         "Finished writing FLT grid.",
-                         "...Closed File Unit:1001",
-                         "Deallocating memory...",
-                         "   Done.",
-                         "Finished.",
-                         "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(run, joined({startOf({"d/a.asc"}),
+                                {"Converting grid formats.", "Processing 1 input grids.", "Proecsing File:  1: d/a.asc",
+                                 "Trying to open file d/a.asc...OK.", "Opened File Unit:1001",
+                                 "External Grid Info: 2 rows by 3 columns with 2. cell size.",
+                                 "Allocating 0Kb memory for external grid..."},
+                                ascCells(),
+                                {"Converting .asc to .flt..."},
+                                writtenFlt("d/a"),
+                                {"Deallocating memory...", "   Done."},
+                                normalEnd()}));
     EXPECT_EQ(run.read("d/a.flt"), fltCells({{21, 22, 23}, {11, kNull, 13}}));
     EXPECT_EQ(run.read("d/a.hdr"), "ncols 3\r\nnrows 2\r\nxllcorner 100.5\r\nyllcorner -20.\r\ncellsize 2.\r\n"
                                    "NODATA_value -9999.0\r\nbyteorder LSBFIRST\r\n");
@@ -110,9 +96,8 @@ TEST(ConvCli, TheFormatOfTheInputIsRefusedAsFormatOfTheOutput)
         ToolRun run(arguments);
         run.give("a.asc", ascGrid({{1}}));
         run.start();
-        EXPECT_CONSOLE_HOLDS(run,
-                             {"...Closed File Unit:1001", "ERROR - Input grid is .asc format and \"-asc\" specified.",
-                              "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(
+            run, errorEnd("...Closed File Unit:1001", "ERROR - Input grid is .asc format and \"-asc\" specified."));
         EXPECT_NO_OTHER_FILES(run);
     }
     ToolRun run("-conv a.flt -flt");
@@ -242,7 +227,7 @@ TEST(ConvCli, RefusesTextCellsThatAreShortOrBad)
         run.give("a.asc", kHead + cells + (*cells == '\0' ? " " : ""));
         run.start();
         EXPECT_EQ(run.status(), 0);
-        EXPECT_CONSOLE_HOLDS(run, {"Reading ASCII grid...", "", kBadCells, "", "Press Enter to Close"}) << cells;
+        EXPECT_CONSOLE_HOLDS(run, errorEnd("Reading ASCII grid...", "", kBadCells)) << cells;
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -264,7 +249,7 @@ TEST(ConvCli, RefusesBinaryCellsThatAreShort)
         run.give("a.flt", bytes.substr(0, bytes.size() - missing));
         run.give("a.hdr", hdr(3, 2));
         run.start();
-        EXPECT_CONSOLE_HOLDS(run, {"Opened File Unit:1001", "", kBadCells, "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(run, errorEnd("Opened File Unit:1001", "", kBadCells));
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -322,8 +307,8 @@ TEST(ConvCli, AnEmptyFileAndAHeaderAloneAreRefused)
         ToolRun run("-conv a.asc");
         run.give("a.asc", text);
         run.start();
-        EXPECT_CONSOLE_HOLDS(run, {"Opened File Unit:1001", "", "ERROR 2334 - Reading Grid file header information.",
-                                   line, "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(
+            run, errorEnd("Opened File Unit:1001", "", "ERROR 2334 - Reading Grid file header information.", line));
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -333,9 +318,8 @@ TEST(ConvCli, AFolderIsAskedForAsAMissingFile)
     ToolRun run("-conv d");
     run.give("d/x", "");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file d...", "CHECK 0008 - \"d\" cannot be found",
-                               "Check file exists and press enter or enter another file name: ", "",
-                               "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Trying to open file d...", "CHECK 0008 - \"d\" cannot be found",
+                                       "Check file exists and press enter or enter another file name: "));
 }
 
 TEST(ConvCli, AFileThatTheSystemRefusesToReadIsRefused)
@@ -377,16 +361,14 @@ TEST(ConvCli, AFullDiskIsNeverSilent)
     run.give("a.asc", ascGrid({{1, 2}}));
     std::filesystem::create_symlink("/dev/full", run.folder() / "a.flt");
     run.start();
-    EXPECT_CONSOLE_HOLDS(
-        run, {"Finished writing FLT grid.", "ERROR - Could not write to file: a.flt", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Finished writing FLT grid.", "ERROR - Could not write to file: a.flt"));
 
     ToolRun text("-conv a.flt");
     text.give("a.flt", fltCells({{1, 2}}));
     text.give("a.hdr", hdr(2, 1));
     std::filesystem::create_symlink("/dev/full", text.folder() / "a.asc");
     text.start();
-    EXPECT_CONSOLE_HOLDS(
-        text, {"Finished writing ASC grid.", "ERROR - Could not write to file: a.asc", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(text, errorEnd("Finished writing ASC grid.", "ERROR - Could not write to file: a.asc"));
 }
 
 TEST(ConvCli, AMissingOutputFolderWaitsForTheUser)
@@ -394,10 +376,10 @@ TEST(ConvCli, AMissingOutputFolderWaitsForTheUser)
     ToolRun run("-conv a.asc -out no/b");
     run.give("a.asc", ascGrid({{1, 2}}));
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file no/b.hdr...Can't Open", "", "Can't open: no/b.hdr", "",
-                               "Another application or user maybe using it,", "   or the file's folder does not exist.",
-                               "If so, close the file or create file path.", "Press Enter to Continue", "",
-                               "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Trying to open file no/b.hdr...Can't Open", "", "Can't open: no/b.hdr", "",
+                                       "Another application or user maybe using it,",
+                                       "   or the file's folder does not exist.",
+                                       "If so, close the file or create file path.", "Press Enter to Continue"));
 }
 
 TEST(ConvCli, MoreDecimalsThanAFieldHoldsAreRefused)

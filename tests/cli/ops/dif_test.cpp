@@ -1,4 +1,4 @@
-#include "support/ops_consoles.h"
+#include "support/consoles.h"
 #include "support/tool_run.h"
 
 namespace gridforge::test {
@@ -80,8 +80,7 @@ TEST(DifCli, NowetdryAloneIsRefused)
     run.give("a.asc", ascGrid(kFirst));
     run.give("b.asc", ascGrid(kSecond));
     run.start();
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA", "ERROR - More than one operational flag specified.",
-                         "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(run, {kBanner, "ERROR - More than one operational flag specified.", kEnter});
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -135,10 +134,9 @@ TEST(DifCli, MoreThanThreeInputsThroughWildcardsAreRefused)
         run.give(name, ascGrid({{1}}));
     }
     run.start();
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"Processing \"-dif\" option.", "ERROR - A maximum of three grids are used for -dif options.",
-                          "Enter command<CR> or <CR> to continue."});
-    EXPECT_FALSE(run.says("Press Enter to Close"));
+    EXPECT_CONSOLE_HOLDS(
+        run, {"Processing \"-dif\" option.", "ERROR - A maximum of three grids are used for -dif options.", kEnter});
+    EXPECT_FALSE(run.says(kClose));
     EXPECT_NO_OTHER_FILES(run);
 }
 

@@ -1,4 +1,4 @@
-#include "support/ops_consoles.h"
+#include "support/consoles.h"
 #include "support/tool_run.h"
 
 namespace gridforge::test {
@@ -82,10 +82,9 @@ TEST(HistogramCli, WithOutTheTableHasNoName)
     run.give("c.csv", kBins);
     run.give("a.asc", ascGrid({{1}}));
     run.start();
-    EXPECT_CONSOLE_HOLDS(
-        run, {"Found 1 non-null values.", "Using output file name specified with -out switch: \"x\"",
-              "Writing histogram data to: ", "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT.",
-              "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, {"Found 1 non-null values.", "Using output file name specified with -out switch: \"x\"",
+                               "Writing histogram data to: ",
+                               "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT.", kClose});
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -119,7 +118,7 @@ TEST_P(BinRefusal, EndsTheRun)
     run.give("c.csv", GetParam().first);
     run.give("a.asc", ascGrid({{1}}));
     run.start();
-    EXPECT_CONSOLE(run, joined({startedOn("1 rows by 1 columns"), GetParam().second, {"", "Press Enter to Close"}}));
+    EXPECT_CONSOLE(run, joined({startedOn("1 rows by 1 columns"), GetParam().second, errorEnd()}));
     EXPECT_NO_OTHER_FILES(run);
 }
 

@@ -1,3 +1,4 @@
+#include "support/consoles.h"
 #include "support/tool_run.h"
 
 namespace gridforge::test {
@@ -11,50 +12,26 @@ TEST(MaxMinCli, KeepsTheHigherValueOfEachCellAndItsSource)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
-                         "Checking for wildcards in filenames...",
-                         "Input File  1: d/a.asc",
-                         "   File  1: d/a.asc",
-                         "Input File  2: d/b.asc",
-                         "   File  2: d/b.asc",
-                         "Processing \"-max\" option.",
-                         "Trying to open file d/a.asc...OK.",
-                         "Opened File Unit:1001",
-                         "External Grid Info: 2 rows by 3 columns with 1. cell size.",
-                         "Allocating 0Kb memory for external grid...",
-                         "Allocating 0Kb memory for storing maximum / minimum values data...",
-                         "Allocating 0Kb memory for storing maximums / minimum source data...",
-                         "Processing: d/a.asc",
-                         "Reading ASCII grid...",
-                         "",
-                         "...Closed File Unit:1001",
-                         "Comparing maximums...",
-                         "   Done.",
-                         "Processing: d/b.asc",
-                         "Trying to open file d/b.asc...OK.",
-                         "Opened File Unit:1001",
-                         "External Grid Info: 2 rows by 3 columns with 1. cell size.",
-                         "Reading ASCII grid...",
-                         "",
-                         "...Closed File Unit:1001",
-                         "Comparing maximums...",
-                         "   Done.",
-                         "Setting output format based on input grids.  To set use -asc or -flt.",
-                         "Writing maximum / minimum values to: d/a(maxmax)",
-                         "Trying to open file d/a(maxmax).asc...OK.  File Unit:1001",
-                         "Writing ASC grid...",
-                         "Finished writing ASC grid.",
-                         "...Closed File Unit:1001",
-                         "Writing maximum / minimum source file to: d/a(maxmax)_src",
-                         "Trying to open file d/a(maxmax)_src.asc...OK.  File Unit:1001",
-                         "Writing ASC grid...",
-                         "Finished writing ASC grid.",
-                         "...Closed File Unit:1001",
-                         "Writing legend for source file to: d/a(maxmax)_src_legend.csv",
-                         "Trying to open file d/a(maxmax)_src_legend.csv...OK.  File Unit:1001",
-                         "...Closed File Unit:1001",
-                         "Finished.",
-                         "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(
+        run,
+        joined(
+            {startOf({"d/a.asc", "d/b.asc"}),
+             {"Processing \"-max\" option."},
+             headerOf("d/a.asc", "2 rows by 3 columns"),
+             {"Allocating 0Kb memory for external grid...",
+              "Allocating 0Kb memory for storing maximum / minimum values data...",
+              "Allocating 0Kb memory for storing maximums / minimum source data...", "Processing: d/a.asc"},
+             ascCells(),
+             {"Comparing maximums...", "   Done.", "Processing: d/b.asc"},
+             headerOf("d/b.asc", "2 rows by 3 columns"),
+             ascCells(),
+             {"Comparing maximums...", "   Done.", kFormatOfInputs, "Writing maximum / minimum values to: d/a(maxmax)"},
+             writtenAsc("d/a(maxmax)"),
+             {"Writing maximum / minimum source file to: d/a(maxmax)_src"},
+             writtenAsc("d/a(maxmax)_src"),
+             {"Writing legend for source file to: d/a(maxmax)_src_legend.csv",
+              "Trying to open file d/a(maxmax)_src_legend.csv...OK.  File Unit:1001", "...Closed File Unit:1001"},
+             normalEnd()}));
     EXPECT_GRID(run, "d/a(maxmax).asc", {{221, 122, 223}, {211, 112, 113}});
     EXPECT_GRID(run, "d/a(maxmax)_src.asc", {{2, 1, 2}, {2, 1, 1}}); // of equal values the earliest stays
     EXPECT_NE(run.read("d/a(maxmax)_src.asc").find("  2.000  1.000  2.000\r\n"), std::string::npos);
@@ -197,7 +174,7 @@ TEST(MaxMinCli, GridsOfAnotherLatticeAreRefusedByEachDifference)
         run.give("b.asc", ascGrid(other.cells, other.options));
         run.start();
         EXPECT_CONSOLE_HOLDS(run, other.messages);
-        EXPECT_TRUE(run.says("Press Enter to Close"));
+        EXPECT_TRUE(run.says(kClose));
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -222,7 +199,7 @@ TEST(MaxMinCli, InputsAndMemoryOfManyGridsAreThoseOfOne)
     // 13 is the first with the remainder 6, and the fourth in the list; -10 is the first of the falling values.
     EXPECT_GRID(run, "g10(maxmax).asc", {{6, -10}});
     EXPECT_GRID(run, "g10(maxmax)_src.asc", {{4, 1}});
-    EXPECT_FALSE(run.says("Enter command<CR> or <CR> to continue."));
+    EXPECT_FALSE(run.says(kEnter));
 }
 
 } // namespace

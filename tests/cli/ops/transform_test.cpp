@@ -1,4 +1,4 @@
-#include "support/ops_consoles.h"
+#include "support/consoles.h"
 #include "support/tool_run.h"
 
 namespace gridforge::test {

@@ -1,3 +1,4 @@
+#include "support/consoles.h"
 #include "support/layer_files.h"
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
@@ -49,33 +50,16 @@ TEST(TrimCli, CutsTheWindowAndEmptiesTheCellsOutside)
     giveLayer(run, square(101.5, 201.5, 104.5, 203.5), "\"north\",7\n");
     run.start();
     EXPECT_EQ(run.status(), 0);
-    EXPECT_CONSOLE_HOLDS(run, {"Processing \"-trim\" option.",
-                               "Getting Projection...",
-                               "Trying to open file l.mif...OK.",
-                               "Opened File Unit:1001",
-                               "Using l.mif for setting projection.",
-                               "mif Projection: CoordSys NonEarth Units \"m\"",
-                               "...Closed File Unit:1001",
-                               "Opening GIS Layer: l.mif",
-                               "GIS Layer assigned ID of 1",
-                               "Trying to open file l.mif...OK.",
-                               "Opened File Unit:1001",
-                               "Trying to open file l.mid...OK.",
-                               "Opened File Unit:1002",
-                               "2 MIF Fields: Name [#/Type]: Name [1/Char(30)]  Val [2/Float]  ",
-                               "Allocating memory for storing GIS regions...",
-                               "   Done.",
-                               "Searching for region objects...",
-                               "Region 1 with 6 nodes...",
-                               "Closing GIS Layer 1 [l.mif]...",
-                               "...Closed File Unit:1001",
-                               "...Closed File Unit:1002",
-                               "Processing 1 input grids.",
-                               "Proecsing File:  1: dem.asc",
-                               "Trying to open file dem.asc...OK.",
-                               "Opened File Unit:1001",
-                               "External Grid Info: 6 rows by 8 columns with 1. cell size.",
-                               "Allocating 0Kb memory for external grid..."});
+    EXPECT_CONSOLE_HOLDS(run, joined({{"Processing \"-trim\" option."},
+                                      projectionOf("l"),
+                                      openedMif("l"),
+                                      {"2 MIF Fields: Name [#/Type]: Name [1/Char(30)]  Val [2/Float]  ",
+                                       "Allocating memory for storing GIS regions...", "   Done.",
+                                       "Searching for region objects...", "Region 1 with 6 nodes..."},
+                                      closedMif("l"),
+                                      {"Processing 1 input grids.", "Proecsing File:  1: dem.asc"},
+                                      headerOf("dem.asc", "6 rows by 8 columns"),
+                                      {"Allocating 0Kb memory for external grid..."}}));
     EXPECT_CONSOLE_HOLDS(run,
                          {"Allocating 0Kb memory for storing output grid...",
                           "Setting output grid to .asc by default.  To set use -asc or -flt.",
@@ -162,8 +146,8 @@ TEST(TrimCli, ARegionOverBothEndsOfAnAxisEndsTheRun)
         giveLayer(run, region, "wide\n");
         run.start();
         EXPECT_EQ(run.status(), 0);
-        EXPECT_CONSOLE_HOLDS(run, {"ERROR - Entire region is outside of grid, region name: wide",
-                                   "    Grid Name: dem.asc", "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(
+            run, errorEnd("ERROR - Entire region is outside of grid, region name: wide", "    Grid Name: dem.asc"));
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -314,9 +298,8 @@ TEST(TrimCli, RegionsOfSeveralRingsEndTheRun)
     run.give("a.asc", ascGrid(numbered(6, 8)));
     giveLayer(run, "Region 2\n4\n0 0\n1 0\n1 1\n0 0\n4\n2 2\n3 2\n3 3\n2 2\n", "one\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.", "",
-                          "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(
+        run, errorEnd("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes."));
 }
 
 // A ring of `count` vertices with the closing one, in the window of kFirst.
@@ -342,8 +325,9 @@ TEST(TrimCli, ARegionHoldsAHundredVerticesWithItsSlot)
     tooMany.give("a.asc", ascGrid(numbered(6, 8)));
     giveLayer(tooMany, ringOf(100), "one\n");
     tooMany.start();
-    EXPECT_CONSOLE_HOLDS(tooMany, {"ERROR - Region objects contains too many vertices.  Please contact SUPPORT_CONTACT",
-                                   "   Maximum vertices in a single region:100", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(tooMany,
+                         errorEnd("ERROR - Region objects contains too many vertices.  Please contact SUPPORT_CONTACT",
+                                  "   Maximum vertices in a single region:100"));
 }
 
 TEST(TrimCli, ALayerHoldsAHundredRegions)
@@ -364,8 +348,8 @@ TEST(TrimCli, ALayerHoldsAHundredRegions)
     tooMany.give("a.asc", ascGrid(numbered(6, 8)));
     giveLayer(tooMany, body + kFirst, records + "r101\n");
     tooMany.start();
-    EXPECT_CONSOLE_HOLDS(tooMany, {"Region 100 with 6 nodes...", "ERROR - Number of regions exceeds maximum: 100", "",
-                                   "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(tooMany,
+                         errorEnd("Region 100 with 6 nodes...", "ERROR - Number of regions exceeds maximum: 100"));
 }
 
 TEST(TrimCli, ARecordWithoutANameEndsTheRun)
@@ -444,9 +428,8 @@ TEST(TrimCli, APolygonOfTwoRingsEndsTheRun)
     run.give("a.asc", ascGrid(numbered(6, 8)));
     giveShpLayer(run, {partsRecord(5, {0, 4}, {0, 0, 1, 0, 1, 1, 0, 0, 2, 2, 3, 2, 3, 3, 2, 2})}, {"one"});
     run.start();
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes.", "",
-                          "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(
+        run, errorEnd("ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes."));
 }
 
 TEST(TrimCli, APolygonHoldsAHundredVerticesWithItsSlot)
@@ -462,8 +445,9 @@ TEST(TrimCli, APolygonHoldsAHundredVerticesWithItsSlot)
     tooMany.give("a.asc", ascGrid(numbered(6, 8)));
     giveShpLayer(tooMany, {ring(100)}, {"one"});
     tooMany.start();
-    EXPECT_CONSOLE_HOLDS(tooMany, {"ERROR - Region objects contains too many vertices.  Please contact SUPPORT_CONTACT",
-                                   "   Maximum vertices in a single region:100", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(tooMany,
+                         errorEnd("ERROR - Region objects contains too many vertices.  Please contact SUPPORT_CONTACT",
+                                  "   Maximum vertices in a single region:100"));
 }
 
 TEST(TrimCli, APolygonWithoutVerticesOverlapsNothing)
@@ -482,8 +466,8 @@ TEST(TrimCli, AMissingProjectionEndsTheRun)
     ToolRun run("-trim l.shp a.asc");
     run.give("a.asc", ascGrid(numbered(6, 8)));
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Processing \"-trim\" option.", "Getting Projection...",
-                               "ERROR - Projection file does not exist in folder: l.prj", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Processing \"-trim\" option.", "Getting Projection...",
+                                       "ERROR - Projection file does not exist in folder: l.prj"));
 }
 
 } // namespace

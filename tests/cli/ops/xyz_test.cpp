@@ -1,3 +1,4 @@
+#include "support/consoles.h"
 #include "support/sanitizers.h"
 #include "support/tool_run.h"
 
@@ -25,45 +26,39 @@ TEST(XyzCli, MakesAGridOfPointsInAnyOrder)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
-                         "Checking for wildcards in filenames...",
-                         "Input File  1: p.xyz",
-                         "   File  1: p.xyz",
-                         "Processing \"-xyz\" option.",
-                         "Opening input .xyz file: p.xyz",
-                         "Scanning to determine size...",
-                         "Trying to open file p.xyz...OK.",
-                         "Opened File Unit:1001",
-                         "   Done.",
-                         "Total number of points: 6",
-                         "Allocating memory for processing of input...",
-                         "   Done.",
-                         "Rewinding input file...",
-                         "   Done.",
-                         "   Done.",
-                         "...Closed File Unit:1001",
-                         "Determing extents...",
-                         "   Done",
-                         "X Minimum: 100.",
-                         "X Maximum: 104.",
-                         "Y Minimum: 200.",
-                         "Y Maximum: 204.",
-                         "dx:        2.",
-                         "dy:        2.",
-                         "number rows: 2",
-                         "number cols: 2",
-                         "Allocating memory for output grid...",
-                         "   Done.",
-                         "Initialising grids...",
-                         "Sorting data into grid...",
-                         "   Done",
-                         "Setting output grid to .asc by default.  To set use -asc or -flt.",
-                         "Writing output to: p_xyz_to_grid",
-                         "Trying to open file p_xyz_to_grid.asc...OK.  File Unit:1001",
-                         "Writing ASC grid...",
-                         "Finished writing ASC grid.",
-                         "...Closed File Unit:1001",
-                         "Finished."});
+    EXPECT_CONSOLE(run, joined({startOf({"p.xyz"}),
+                                {"Processing \"-xyz\" option.",
+                                 "Opening input .xyz file: p.xyz",
+                                 "Scanning to determine size...",
+                                 "Trying to open file p.xyz...OK.",
+                                 "Opened File Unit:1001",
+                                 "   Done.",
+                                 "Total number of points: 6",
+                                 "Allocating memory for processing of input...",
+                                 "   Done.",
+                                 "Rewinding input file...",
+                                 "   Done.",
+                                 "   Done.",
+                                 "...Closed File Unit:1001",
+                                 "Determing extents...",
+                                 "   Done",
+                                 "X Minimum: 100.",
+                                 "X Maximum: 104.",
+                                 "Y Minimum: 200.",
+                                 "Y Maximum: 204.",
+                                 "dx:        2.",
+                                 "dy:        2.",
+                                 "number rows: 2",
+                                 "number cols: 2",
+                                 "Allocating memory for output grid...",
+                                 "   Done.",
+                                 "Initialising grids...",
+                                 "Sorting data into grid...",
+                                 "   Done",
+                                 "Setting output grid to .asc by default.  To set use -asc or -flt.",
+                                 "Writing output to: p_xyz_to_grid"},
+                                writtenAsc("p_xyz_to_grid"),
+                                {"Finished."}}));
     EXPECT_GRID(run, "p_xyz_to_grid.asc", {{n, 12.5, -33.25}, {1.5, n, 23}, {11, 21, n}});
     const WrittenGrid grid = run.grid("p_xyz_to_grid.asc");
     EXPECT_EQ(grid.xll, 99);
@@ -80,7 +75,7 @@ TEST(XyzCli, TakesAnyFreeFormValuesAndWhateverStandsBehindThem)
     run.start();
     // The last line ends without a value, and so does the run.
     EXPECT_CONSOLE_HOLDS(run, {"Total number of points: 6"});
-    EXPECT_CONSOLE_HOLDS(run, {"ERROR - Reading following line in classes file:", "1 2,", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Reading following line in classes file:", "1 2,"));
 
     ToolRun whole("-b -xyz p.xyz");
     whole.give("p.xyz", "0,0,11\r\n1\t0\t.12D2 rest 'of the line\n  0 , 1 , 21 # remark\n+1 1.0 2.2e1\r\n,2,31\n1 2,,");
@@ -95,9 +90,8 @@ TEST(XyzCli, ALineThatCannotBeReadEndsTheRun)
         run.give("p.xyz", "0 0 1\n1 0 2\n" + line + "\n0 1 3\n1 1 4\n");
         run.start();
         EXPECT_EQ(run.status(), 0);
-        EXPECT_CONSOLE_HOLDS(run,
-                             {"Rewinding input file...", "   Done.",
-                              "ERROR - Reading following line in classes file:", line, "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(run, errorEnd("Rewinding input file...", "   Done.",
+                                           "ERROR - Reading following line in classes file:", line));
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -107,8 +101,7 @@ TEST(XyzCli, AFileThatCannotBeReadEndsTheRunWhileItIsCounted)
     ToolRun run("-xyz p.xyz");
     std::filesystem::create_symlink("/proc/self/mem", run.folder() / "p.xyz");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Opened File Unit:1001", "ERROR - Reading following line in classes file:", "", "",
-                               "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Opened File Unit:1001", "ERROR - Reading following line in classes file:", ""));
 }
 
 TEST(XyzCli, ALineIsCutAtItsWidth)
@@ -163,8 +156,7 @@ TEST(XyzCli, ADxAboveDyEndsTheRun)
     ToolRun run("-xyz p.xyz");
     run.give("p.xyz", "0 0 1\n4 0 2\n0 2 3\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"dx:        4.", "dy:        2.", "ERROR - Detected dx and dy not the same.", "",
-                               "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("dx:        4.", "dy:        2.", "ERROR - Detected dx and dy not the same."));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -204,11 +196,11 @@ TEST(XyzCli, AnEmptyFileLeavesTheStartValuesAndNoGrid)
     run.start();
     EXPECT_CONSOLE_HOLDS(run, {"Total number of points: 0", "Allocating memory for processing of input...", "   Done.",
                                "Rewinding input file...", "   Done.", "   Done.", "...Closed File Unit:1001"});
-    EXPECT_CONSOLE_HOLDS(run, {"X Minimum: ********************", "X Maximum: ********************",
-                               "Y Minimum: ********************", "Y Maximum: ********************", "dx:        9999.",
-                               "dy:        9999.", "number rows: 2147483647", "number cols: 2147483647",
-                               "Allocating memory for output grid...",
-                               "ERROR - Could not allocate enough memory (RAM).", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("X Minimum: ********************", "X Maximum: ********************",
+                                       "Y Minimum: ********************", "Y Maximum: ********************",
+                                       "dx:        9999.", "dy:        9999.", "number rows: 2147483647",
+                                       "number cols: 2147483647", "Allocating memory for output grid...",
+                                       "ERROR - Could not allocate enough memory (RAM)."));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -221,8 +213,8 @@ TEST(XyzCli, FarPointsEndTheRunForWantOfMemory)
         ToolRun run("-xyz p.xyz");
         run.give("p.xyz", "0 0 1\n1 1 2\n" + far + "\n");
         run.start();
-        EXPECT_CONSOLE_HOLDS(run, {"Allocating memory for output grid...",
-                                   "ERROR - Could not allocate enough memory (RAM).", "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(
+            run, errorEnd("Allocating memory for output grid...", "ERROR - Could not allocate enough memory (RAM)."));
         EXPECT_NO_OTHER_FILES(run);
     }
 }

@@ -1,5 +1,5 @@
 // The control file: every command, known or not, and the grid that it makes.
-#include "support/ops_consoles.h"
+#include "support/consoles.h"
 #include "support/rainfall_files.h"
 #include "support/sanitizers.h"
 
@@ -28,7 +28,7 @@ void expectRefusal(const std::string& commands, const Lines& message)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, joined({message, {"", "Press Enter to Close"}}));
+    EXPECT_CONSOLE_HOLDS(run, joined({message, errorEnd()}));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -245,8 +245,8 @@ TEST(RainfallControlCli, RefusesMorePointsThanTheMaximum)
     giveRainfall(run, "Maximum RF Locations == 2\n" + kWhole + "Read GIS RF Points == gauges.mif\n");
     giveRainfallLayer(run, "gauges", mifPoint("1 1") + mifPoint("2 2") + mifPoint("3 3"), "a,1,1\na,1,1\nno number\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"ERROR - Number of rainfall locations exceeds maximum: 2",
-                               "   Please specify with \"Maximum RF Locations == \"", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Number of rainfall locations exceeds maximum: 2",
+                                       "   Please specify with \"Maximum RF Locations == \""));
     EXPECT_NO_OTHER_FILES(run);
 }
 

@@ -1,5 +1,5 @@
 // Hyetograph files, and what they must have in common.
-#include "support/ops_consoles.h"
+#include "support/consoles.h"
 #include "support/rainfall_files.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ void expectRefusal(const std::string& text, const Lines& message)
     run.give("b.csv", text);
     run.start();
     EXPECT_EQ(run.status(), 0);
-    EXPECT_CONSOLE_HOLDS(run, joined({message, {"", "Press Enter to Close"}}));
+    EXPECT_CONSOLE_HOLDS(run, joined({message, errorEnd()}));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -98,8 +98,8 @@ TEST(RainfallHyetographCli, NeedsTwoHyetographs)
         ToolRun run("-b -rf rain.rfc");
         giveRainfall(run, kRainfallGrid + hyetographs + "RF Interpolation Method == Poly\n");
         run.start();
-        EXPECT_CONSOLE_HOLDS(run, {"Checking rainfall hyetographs have consistent times.",
-                                   "ERROR - No rainfall hyetogrpahs specified.", "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(run, errorEnd("Checking rainfall hyetographs have consistent times.",
+                                           "ERROR - No rainfall hyetogrpahs specified."));
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -118,8 +118,8 @@ TEST(RainfallHyetographCli, TimesMayDifferByAThousandth)
     run.give("a.csv", "h\n1,1\n2.0,1\n");
     run.give("b.csv", "h\n1,1\n2.002,1\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"ERROR - Rainfall times in hyteographs do not match. Names: a and b",
-                               "    Times for timestep 2 are 2. and 2.002", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Rainfall times in hyteographs do not match. Names: a and b",
+                                       "    Times for timestep 2 are 2. and 2.002"));
 }
 
 TEST(RainfallHyetographCli, TheNameIsTheRestOfTheCommand)

@@ -1,5 +1,5 @@
 // The IDW method.
-#include "support/ops_consoles.h"
+#include "support/consoles.h"
 #include "support/rainfall_files.h"
 #include "support/sanitizers.h"
 
@@ -197,9 +197,8 @@ TEST(RainfallIdwCli, RefusesAPointWithoutAHyetograph)
     giveRainfall(run, kCase);
     giveRainfallLayer(run, "gauges", kGauges, "a,1,1\nnobody,1,1\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"Finding hyetographs for points.",
-                          "ERROR - Could not find rainfall hyetogpraph with name: nobody", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Finding hyetographs for points.",
+                                       "ERROR - Could not find rainfall hyetogpraph with name: nobody"));
 }
 
 TEST(RainfallIdwCli, RefusesWeightsThatNoMemoryHolds)
@@ -221,8 +220,8 @@ TEST(RainfallIdwCli, RefusesWeightsThatNoMemoryHolds)
     giveRainfallLayer(run, "gauges", points, records);
     run.start();
     // 4e8 * ((3 + 100) + 200) * 4 is 113 * 2^32 less 531304448: the figure wraps at 32 bits.
-    EXPECT_CONSOLE_HOLDS(run, {"Memory required: -531304kB", "ERROR - Could not allocate enough memory (RAM).", "",
-                               "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run,
+                         errorEnd("Memory required: -531304kB", "ERROR - Could not allocate enough memory (RAM)."));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // What a run writes, in each format, and where.
+#include "support/consoles.h"
 #include "support/netcdf_failures.h"
-#include "support/ops_consoles.h"
 #include "support/rainfall_files.h"
 
 #include <filesystem>
@@ -84,8 +84,8 @@ TEST(RainfallOutputCli, NetcdfThatCannotBeCreatedEndsTheRun)
     run.give("rain.nc/in_the_way", ""); // a folder with the name of the output
     run.start();
     EXPECT_EQ(run.status(), 0);
-    EXPECT_CONSOLE_HOLDS(run, {"Opening output .nc file: rain.nc", "ERROR - With nectdf call nf90_create",
-                               "Netcdf error message: Is a directory", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Opening output .nc file: rain.nc", "ERROR - With nectdf call nf90_create",
+                                       "Netcdf error message: Is a directory"));
 }
 
 TEST(RainfallOutputCli, NetcdfThatFindsNoRoomEndsTheRun)
@@ -140,7 +140,7 @@ TEST(RainfallOutputCli, AnIndexThatCannotBeOpenedEndsWithTheDialogue)
     run.give("rain_index.csv/in_the_way", "");
     run.start();
     EXPECT_EQ(run.status(), 0);
-    EXPECT_TRUE(run.says("Press Enter to Close"));
+    EXPECT_TRUE(run.says(kClose));
     EXPECT_FALSE(run.has("rf_index.asc"));
 }
 

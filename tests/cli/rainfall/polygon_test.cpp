@@ -1,5 +1,5 @@
 // The polygon method.
-#include "support/ops_consoles.h"
+#include "support/consoles.h"
 #include "support/rainfall_files.h"
 #include "support/shp_bytes.h"
 
@@ -26,7 +26,7 @@ void expectRefusal(ToolRun& run, const Lines& message)
 {
     run.start();
     EXPECT_EQ(run.status(), 0);
-    EXPECT_CONSOLE_HOLDS(run, joined({message, {"", "Press Enter to Close"}}));
+    EXPECT_CONSOLE_HOLDS(run, joined({message, errorEnd()}));
     EXPECT_EQ(run.read("rain_index.csv"), "");
     EXPECT_NO_OTHER_FILES(run);
 }
@@ -257,15 +257,14 @@ TEST(RainfallPointsCli, TellsHowALayerIsRead)
     giveRainfallLayer(run, "gauges", mifPoint("105 205") + "Line 1 1 2 2\n" + mifPoint("115 215"),
                       "a,0,1\nx,1,1\n\"b c\",1,-3\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Read rainfall points data from GIS file: gauges.mif", "Opening GIS Layer: gauges.mif",
-                               "GIS Layer assigned ID of 1", "Trying to open file gauges.mif...OK.",
-                               "Opened File Unit:1002", "Trying to open file gauges.mid...OK.", "Opened File Unit:1003",
-                               kFields, "WARNING - F1 rainfall factor of 0 set to 1. RF Name: a",
-                               "WARNING - Object is not a point and is being skipped.",
-                               "WARNING - F2 rainfall factor of 0 set to 1. RF Name: b c",
-                               " Finished reading rainfall points.", "Closing GIS Layer 1 [gauges.mif]...",
-                               "...Closed File Unit:1002", "...Closed File Unit:1003",
-                               "Finished first processing rf control file."});
+    EXPECT_CONSOLE_HOLDS(
+        run, joined({{"Read rainfall points data from GIS file: gauges.mif"},
+                     openedMif("gauges", 1, 1002),
+                     {kFields, "WARNING - F1 rainfall factor of 0 set to 1. RF Name: a",
+                      "WARNING - Object is not a point and is being skipped.",
+                      "WARNING - F2 rainfall factor of 0 set to 1. RF Name: b c", " Finished reading rainfall points."},
+                     closedMif("gauges", 1, 1002),
+                     {"Finished first processing rf control file."}}));
 }
 
 TEST(RainfallPointsCli, RefusesRecordsThatCannotBeRead)
@@ -274,8 +273,7 @@ TEST(RainfallPointsCli, RefusesRecordsThatCannotBeRead)
     giveRainfall(run, kWithPoints);
     giveRainfallLayer(run, "gauges", mifPoint("105 205"), "a,one,1\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(
-        run, {"ERROR - Extracting attribute data for GIS object.  Data: a,one,1", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Extracting attribute data for GIS object.  Data: a,one,1"));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -309,8 +307,7 @@ TEST(RainfallPointsCli, ACommaAtTheEndOfARecordHoldsAnEmptyFactor)
     giveRainfall(empty, kWithPoints);
     giveRainfallLayer(empty, "gauges", mifPoint("105 205"), "\n");
     empty.start();
-    EXPECT_CONSOLE_HOLDS(empty,
-                         {"ERROR - Extracting attribute data for GIS object.  Data: ", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(empty, errorEnd("ERROR - Extracting attribute data for GIS object.  Data: "));
 }
 
 TEST(RainfallPointsCli, ALayerWithoutANameEndsTheRun)
@@ -320,7 +317,7 @@ TEST(RainfallPointsCli, ALayerWithoutANameEndsTheRun)
         giveRainfall(run, kRainfallGrid + kTwoHyetographs + "RF Interpolation Method == Poly\n" + command + "\n");
         run.start();
         EXPECT_EQ(run.status(), 0);
-        EXPECT_TRUE(run.says("Press Enter to Close"));
+        EXPECT_TRUE(run.says(kClose));
         EXPECT_FALSE(run.has("rain_total.asc"));
     }
 }

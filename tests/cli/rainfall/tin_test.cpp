@@ -1,5 +1,5 @@
 // The TIN method.
-#include "support/ops_consoles.h"
+#include "support/consoles.h"
 #include "support/rainfall_files.h"
 #include "support/shp_bytes.h"
 
@@ -30,7 +30,7 @@ void expectRefusal(ToolRun& run, const Lines& message)
 {
     run.start();
     EXPECT_EQ(run.status(), 0);
-    EXPECT_CONSOLE_HOLDS(run, joined({message, {"", "Press Enter to Close"}}));
+    EXPECT_CONSOLE_HOLDS(run, joined({message, errorEnd()}));
     EXPECT_EQ(run.read("rain_index.csv"), "");
     EXPECT_NO_OTHER_FILES(run);
 }
@@ -41,50 +41,36 @@ TEST(RainfallTinCli, InterpolatesBetweenThePointsOfATriangle)
     giveCase(run, "a,1,1\nb,1,1\nc,1,1\n");
     run.start();
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, {"Using rainfall TIN interpolation.",
-                               "Allocating memory for tin interpolation factors.",
-                               "Memory required: 0kB",
-                               "   Done.",
-                               "Allocating memory for storing tin.",
-                               "Memory required: 36kB",
-                               "   Done.",
-                               "Finding hyetographs for points.",
-                               "   Done",
-                               "Allocating array for storing distances.",
-                               "   Done.",
-                               "Searching rainfall control file for triangles: rain.rfc",
-                               "Trying to open file rain.rfc...OK.",
-                               "Opened File Unit:1002",
-                               "Opening GIS Layer: triangles.mif",
-                               "GIS Layer assigned ID of 1",
-                               "Trying to open file triangles.mif...OK.",
-                               "Opened File Unit:1003",
-                               "Trying to open file triangles.mid...OK.",
-                               "Opened File Unit:1004",
-                               "3 MIF Fields: Name [#/Type]: Name [1/Char(40)]  F1 [2/Float]  F2 [3/Float]  ",
-                               "Closing GIS Layer 1 [triangles.mif]...",
-                               "...Closed File Unit:1003",
-                               "...Closed File Unit:1004",
-                               " Finished reading rainfall polygons.",
-                               "...Closed File Unit:1002",
-                               "Calculating grid interpolation factors...",
-                               "Element: ",
-                               "Finished calculating grid interpolation factors.",
-                               "   Done.",
-                               "Trying to open file rf_giit.asc...OK.  File Unit:1002",
-                               "Writing ASC grid...",
-                               "Finished writing ASC grid.",
-                               "...Closed File Unit:1002",
-                               "Processing time: 0.",
-                               "placeholder",
-                               "placeholder",
-                               "placeholder",
-                               "Trying to open file rain_t0..asc...OK.  File Unit:1002",
-                               "Writing ASC grid...",
-                               "Finished writing ASC grid.",
-                               "...Closed File Unit:1002",
-                               "Processing time: 0.5",
-                               "placeholder"});
+    EXPECT_CONSOLE_HOLDS(
+        run,
+        joined({{"Using rainfall TIN interpolation.", "Allocating memory for tin interpolation factors.",
+                 "Memory required: 0kB", "   Done.", "Allocating memory for storing tin.", "Memory required: 36kB",
+                 "   Done.", "Finding hyetographs for points.", "   Done", "Allocating array for storing distances.",
+                 "   Done.", "Searching rainfall control file for triangles: rain.rfc",
+                 "Trying to open file rain.rfc...OK.", "Opened File Unit:1002"},
+                openedMif("triangles", 1, 1003),
+                {"3 MIF Fields: Name [#/Type]: Name [1/Char(40)]  F1 [2/Float]  F2 [3/Float]  "},
+                closedMif("triangles", 1, 1003),
+                {" Finished reading rainfall polygons.",
+                 "...Closed File Unit:1002",
+                 "Calculating grid interpolation factors...",
+                 "Element: ",
+                 "Finished calculating grid interpolation factors.",
+                 "   Done.",
+                 "Trying to open file rf_giit.asc...OK.  File Unit:1002",
+                 "Writing ASC grid...",
+                 "Finished writing ASC grid.",
+                 "...Closed File Unit:1002",
+                 "Processing time: 0.",
+                 "placeholder",
+                 "placeholder",
+                 "placeholder",
+                 "Trying to open file rain_t0..asc...OK.  File Unit:1002",
+                 "Writing ASC grid...",
+                 "Finished writing ASC grid.",
+                 "...Closed File Unit:1002",
+                 "Processing time: 0.5",
+                 "placeholder"}}));
     // All vertices lie at cell centres, and their cells are in.
     EXPECT_GRID(run, "rf_giit.asc", {{1, 0, 0}, {1, 1, 1}});
     EXPECT_GRID(run, "rain_t0..asc", {{6, n, n}, {2, 6, 10}});

@@ -1,5 +1,6 @@
 #include "cli/remap/remap_grids.h"
 
+#include "support/consoles.h"
 #include "support/paths.h"
 #include <chrono>
 
@@ -26,67 +27,35 @@ TEST(RemapIdwCli, GrowsToTheWall)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
-                         "CHECK - Buffer distance specified, use IDW interporation.",
-                         "Checking for wildcards in filenames...",
-                         "Input File  1: wl.asc",
-                         "   File  1: wl.asc",
-                         "Processing -remap option.",
-                         "   Water Level Grid: wl.asc",
-                         "   High Res DEM:     dem.asc",
-                         "   Number of grids to remap without interporation:  0",
-                         "Trying to open file wl.asc...OK.",
-                         "Opened File Unit:1001",
-                         "External Grid Info: 1 rows by 4 columns with 2. cell size.",
-                         "Allocating 0Kb memory for storing water levels...",
-                         "Reading WL data",
-                         "Reading ASCII grid...",
-                         "",
-                         "...Closed File Unit:1001",
-                         "Allocating 0Kb memory for mod wet/dry flags",
-                         "Adding freeboard and setting wet/dry flags for modelled grid...",
-                         "   Done.",
-                         "Allocating 0Kb memory for maximum extent flags",
-                         "Allocating 0Kb memory for working array...",
-                         "Setting maximum extent flags based on buffer distance of 4.",
-                         "Found            1 wet cells in input grid and added            3 buffered cells.",
-                         "Reading DEM header...",
-                         "Trying to open file dem.asc...OK.",
-                         "Opened File Unit:1001",
-                         "External Grid Info: 2 rows by 8 columns with 1. cell size.",
-                         "Allocating 0Kb memory for storing DEM.",
-                         "Reading DEM data",
-                         "Reading ASCII grid...",
-                         "",
-                         "...Closed File Unit:1001",
-                         "Allocating 0Kb memory for processing",
-                         "Setting output format based on input grids.  To set use -asc or -flt.",
-                         "Using specified number of points for IDW interpolation of 1",
-                         "Beginning IDW interpolation, this may take a while.",
-                         "Total rows: 1",
-                         "Processing row:",
-                         "   Done.",
-                         "Trying to open file wl_h_IDW.asc...OK.  File Unit:1001",
-                         "Writing ASC grid...",
-                         "Finished writing ASC grid.",
-                         "...Closed File Unit:1001",
-                         "Interpolating IDW results to DEM - Row:",
-                         "Extending extent outward, maximum number of iterations: 5",
-                         "Iteration 1 extra wet cells 4",
-                         "Iteration 2 extra wet cells 2",
-                         "Iteration 3 extra wet cells 0",
-                         "Trying to open file wl_remap_h.asc...OK.  File Unit:1001",
-                         "Writing ASC grid...",
-                         "Finished writing ASC grid.",
-                         "...Closed File Unit:1001",
-                         "Calculating depths based on interpolated levels - Row:",
-                         "Trying to open file wl_remap_d.asc...OK.  File Unit:1001",
-                         "Writing ASC grid...",
-                         "Finished writing ASC grid.",
-                         "...Closed File Unit:1001",
-                         "",
-                         "Finished.",
-                         "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(
+        run,
+        joined({{kBanner, "CHECK - Buffer distance specified, use IDW interporation.", kWildcards,
+                 "Input File  1: wl.asc", "   File  1: wl.asc", "Processing -remap option.",
+                 "   Water Level Grid: wl.asc", "   High Res DEM:     dem.asc",
+                 "   Number of grids to remap without interporation:  0", "Trying to open file wl.asc...OK.",
+                 "Opened File Unit:1001", "External Grid Info: 1 rows by 4 columns with 2. cell size.",
+                 "Allocating 0Kb memory for storing water levels...", "Reading WL data"},
+                ascCells(),
+                {"Allocating 0Kb memory for mod wet/dry flags",
+                 "Adding freeboard and setting wet/dry flags for modelled grid...", "   Done.",
+                 "Allocating 0Kb memory for maximum extent flags", "Allocating 0Kb memory for working array...",
+                 "Setting maximum extent flags based on buffer distance of 4.",
+                 "Found            1 wet cells in input grid and added            3 buffered cells.",
+                 "Reading DEM header..."},
+                headerOf("dem.asc", "2 rows by 8 columns"),
+                {"Allocating 0Kb memory for storing DEM.", "Reading DEM data"},
+                ascCells(),
+                {"Allocating 0Kb memory for processing", kFormatOfInputs,
+                 "Using specified number of points for IDW interpolation of 1",
+                 "Beginning IDW interpolation, this may take a while.", "Total rows: 1", "Processing row:", "   Done."},
+                writtenAsc("wl_h_IDW"),
+                {"Interpolating IDW results to DEM - Row:", "Extending extent outward, maximum number of iterations: 5",
+                 "Iteration 1 extra wet cells 4", "Iteration 2 extra wet cells 2", "Iteration 3 extra wet cells 0"},
+                writtenAsc("wl_remap_h"),
+                {"Calculating depths based on interpolated levels - Row:"},
+                writtenAsc("wl_remap_d"),
+                {""},
+                normalEnd()}));
     EXPECT_GRID(run, "wl_h_IDW.asc", {{5, 5, 5, 5}});
     EXPECT_EQ(run.grid("wl_h_IDW.asc").cellsize, 2);
     EXPECT_GRID(run, "wl_remap_h.asc", kStripLevels);
@@ -189,7 +158,7 @@ TEST(RemapIdwCli, WithoutALimitItWaitsForEnterInBatchModeToo)
     run.program("/bin/sh");
     giveStrip(run);
     EXPECT_TRUE(run.stillRunsAfter(500ms));
-    EXPECT_CONSOLE_HOLDS(run, {kUnlimited, "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE_HOLDS(run, {kUnlimited, kEnter});
     EXPECT_FALSE(run.says("Reading DEM header..."));
 }
 
@@ -199,7 +168,7 @@ TEST(RemapIdwCli, WithoutALimitItGoesOnAfterEnter)
     giveStrip(run);
     run.type("");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {kUnlimited, "Enter command<CR> or <CR> to continue.", "Reading DEM header..."});
+    EXPECT_CONSOLE_HOLDS(run, {kUnlimited, kEnter, "Reading DEM header..."});
     EXPECT_GRID(run, "wl_remap_h.asc", kStripLevels);
 }
 

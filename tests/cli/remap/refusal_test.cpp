@@ -1,5 +1,6 @@
 // What a remap refuses, and in which words.
 #include "cli/remap/remap_grids.h"
+#include "support/consoles.h"
 
 #include <chrono>
 
@@ -26,8 +27,8 @@ TEST(RemapRefusals, AGridNamedBeforeTheWaterLevelsEndsTheRun)
     givePlane(run);
     run.give("a.asc", coarseGrid(planeLevels()));
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Input File  1: wl.asc", "   File  1: wl.asc", "Input File  2: ",
-                               "ERROR - No valid file found for input: ", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Input File  1: wl.asc", "   File  1: wl.asc",
+                                       "Input File  2: ", "ERROR - No valid file found for input: "));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -36,8 +37,7 @@ TEST(RemapRefusals, TheTerrainIsRequired)
     ToolRun run("-remap -wl wl.asc");
     givePlane(run);
     run.start();
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"   Water Level Grid: wl.asc", "ERROR - DEM grid is required.", "", "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("   Water Level Grid: wl.asc", "ERROR - DEM grid is required."));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -46,7 +46,7 @@ TEST(RemapRefusals, ANegativeFreeboardEndsAtOnce)
     ToolRun run("-remap -fb-0.1 -wl wl.asc -dem dem.asc");
     givePlane(run);
     run.start();
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA", "CHECK - Free boarding specified, use IDW interporation.",
+    EXPECT_CONSOLE(run, {kBanner, "CHECK - Free boarding specified, use IDW interporation.",
                          "ERROR - Freeboard can not be less than 0."});
 }
 
@@ -56,7 +56,7 @@ TEST(RemapRefusals, ABufferOfNothingEndsAtOnce)
         ToolRun run({"-remap", buffer, "-wl", "wl.asc", "-dem", "dem.asc"});
         givePlane(run);
         run.start();
-        EXPECT_CONSOLE(run, {"Build 2020-10-AA", "CHECK - Buffer distance specified, use IDW interporation.",
+        EXPECT_CONSOLE(run, {kBanner, "CHECK - Buffer distance specified, use IDW interporation.",
                              "ERROR - Buffer distance can not be less than or equal to 0."});
     }
 }

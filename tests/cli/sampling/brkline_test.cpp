@@ -1,3 +1,4 @@
+#include "support/consoles.h"
 #include "support/layer_files.h"
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
@@ -37,50 +38,23 @@ TEST(BrklineCli, PutsVerticesAlongALineAndTakesTheCellOfEach)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run,
-                   {"Build 2020-10-AA",
-                    "Checking for wildcards in filenames...",
-                    "Input File  1: dem.asc",
-                    "   File  1: dem.asc",
-                    "Processing -brkline option... ",
-                    "Getting Projection...",
-                    "Trying to open file b.mif...OK.",
-                    "Opened File Unit:1001",
-                    "Using b.mif for setting projection.",
-                    "mif Projection: CoordSys NonEarth Units \"m\"",
-                    "...Closed File Unit:1001",
-                    "Opening GIS Layer: b.mif",
-                    "GIS Layer assigned ID of 1",
-                    "Trying to open file b.mif...OK.",
-                    "Opened File Unit:1001",
-                    "Trying to open file b.mid...OK.",
-                    "Opened File Unit:1002",
-                    "4 MIF Fields: Name [#/Type]: Z [1/Float]  dZ [2/Float]  Width [3/Float]  Options [4/Char(20)]  ",
-                    "Opening GIS Layer: b_brkline.mif",
-                    "GIS Layer assigned ID of 2",
-                    "Trying to open file b_brkline.mif...OK.  File Unit:1003",
-                    "Trying to open file b_brkline.mid...OK.  File Unit:1004",
-                    "Extracting elevations along breakline file: b.mif",
-                    "Trying to open file dem.asc...OK.",
-                    "Opened File Unit:1005",
-                    "External Grid Info: 9 rows by 9 columns with 1. cell size.",
-                    "Allocating 0Kb memory for storing input grid...",
-                    "Reading ASCII grid...",
-                    "",
-                    "...Closed File Unit:1005",
-                    "Searching for Lines and Polylines...",
-                    "Polyline 1 with 2 nodes...",
-                    "Inserting vertices along line.",
-                    "   Done.",
-                    "Extracting elevations ...",
-                    "Closing GIS Layer 1 [b.mif]...",
-                    "...Closed File Unit:1001",
-                    "...Closed File Unit:1002",
-                    "Closing GIS Layer 2 [b_brkline.mif]...",
-                    "...Closed File Unit:1003",
-                    "...Closed File Unit:1004",
-                    "Finished.",
-                    "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(
+        run,
+        joined({startOf({"dem.asc"}),
+                {"Processing -brkline option... "},
+                projectionOf("b"),
+                openedMif("b"),
+                {"4 MIF Fields: Name [#/Type]: Z [1/Float]  dZ [2/Float]  Width [3/Float]  Options [4/Char(20)]  "},
+                createdMif("b_brkline", 2, 1003),
+                {"Extracting elevations along breakline file: b.mif"},
+                headerOf("dem.asc", "9 rows by 9 columns", 1005),
+                {"Allocating 0Kb memory for storing input grid..."},
+                ascCells(1005),
+                {"Searching for Lines and Polylines...", "Polyline 1 with 2 nodes...", "Inserting vertices along line.",
+                 "   Done.", "Extracting elevations ..."},
+                closedMif("b"),
+                closedMif("b_brkline", 2, 1003),
+                normalEnd()}));
     // 6 is twice the spacing, so two vertices go in. All are 0.4 above row 4.
     EXPECT_EQ(run.read("b_brkline.mif"),
               "Version 300\r\nCharset \"WindowsLatin1\"\r\nDelimiter \",\"\r\nCoordSys NonEarth Units \"m\"\r\n"
@@ -297,8 +271,8 @@ TEST(BrklineCli, VerticesTooCloseAreReportedAndWaitedFor)
     run.type("");
     giveLines(run, "Pline 4\n2 5\n4 5\n4 5.00005\n8 5\n", "0,100,4,Perp\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Extracting elevations ...", std::string(kDuplicate),
-                               "Enter command<CR> or <CR> to continue.", "Closing GIS Layer 1 [b.mif]..."});
+    EXPECT_CONSOLE_HOLDS(
+        run, {"Extracting elevations ...", std::string(kDuplicate), kEnter, "Closing GIS Layer 1 [b.mif]..."});
 
     ToolRun ends("-b -brkline b.mif dem.asc"); // the first and the last vertex have no say
     giveLines(ends, "Pline 3\n2 5\n8 5\n8 5\n", "0,100,4,Perp\n");

@@ -1,3 +1,4 @@
+#include "support/consoles.h"
 #include "support/layer_files.h"
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
@@ -34,59 +35,25 @@ TEST(CpCli, TakesTheNearestCellOfEachPoint)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
-                         "Checking for wildcards in filenames...",
-                         "Input File  1: dem.asc",
-                         "   File  1: dem.asc",
-                         "Processing calibration points.",
-                         "Using search distance of 4.",
-                         "   Use -cpsd<distance> input argument to modify.",
-                         "Getting Projection...",
-                         "Trying to open file p.mif...OK.",
-                         "Opened File Unit:1001",
-                         "Using p.mif for setting projection.",
-                         "mif Projection: CoordSys NonEarth Units \"m\"",
-                         "...Closed File Unit:1001",
-                         "Opening GIS Layer: p.mif",
-                         "GIS Layer assigned ID of 1",
-                         "Trying to open file p.mif...OK.",
-                         "Opened File Unit:1001",
-                         "Trying to open file p.mid...OK.",
-                         "Opened File Unit:1002",
-                         "2 MIF Fields: Name [#/Type]: Obs [1/Float]  Mark [2/Char(20)]  ",
-                         "Writing summary data to: p.csv",
-                         "Trying to open file p.csv...OK.  File Unit:1003",
-                         "Opening GIS Layer: p_Res.mif",
-                         "GIS Layer assigned ID of 2",
-                         "Trying to open file p_Res.mif...OK.  File Unit:1004",
-                         "Trying to open file p_Res.mid...OK.  File Unit:1005",
-                         "Opening GIS Layer: p_Cn.mif",
-                         "GIS Layer assigned ID of 3",
-                         "Trying to open file p_Cn.mif...OK.  File Unit:1006",
-                         "Trying to open file p_Cn.mid...OK.  File Unit:1007",
-                         "Loading grid data...",
-                         "Trying to open file dem.asc...OK.",
-                         "Opened File Unit:1008",
-                         "External Grid Info: 9 rows by 9 columns with 1. cell size.",
-                         "Allocating 0Kb memory for storing input grid...",
-                         "Reading data...",
-                         "Reading ASCII grid...",
-                         "",
-                         "...Closed File Unit:1008",
-                         "   Done.",
-                         "Searching for Points...",
-                         "Closing GIS Layer 1 [p.mif]...",
-                         "...Closed File Unit:1001",
-                         "...Closed File Unit:1002",
-                         "Closing GIS Layer 2 [p_Res.mif]...",
-                         "...Closed File Unit:1004",
-                         "...Closed File Unit:1005",
-                         "Closing GIS Layer 3 [p_Cn.mif]...",
-                         "...Closed File Unit:1006",
-                         "...Closed File Unit:1007",
-                         "...Closed File Unit:1003",
-                         "Finished.",
-                         "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(run, joined({startOf({"dem.asc"}),
+                                {"Processing calibration points.", "Using search distance of 4.",
+                                 "   Use -cpsd<distance> input argument to modify."},
+                                projectionOf("p"),
+                                openedMif("p"),
+                                {"2 MIF Fields: Name [#/Type]: Obs [1/Float]  Mark [2/Char(20)]  ",
+                                 "Writing summary data to: p.csv", "Trying to open file p.csv...OK.  File Unit:1003"},
+                                createdMif("p_Res", 2, 1004),
+                                createdMif("p_Cn", 3, 1006),
+                                {"Loading grid data..."},
+                                headerOf("dem.asc", "9 rows by 9 columns", 1008),
+                                {"Allocating 0Kb memory for storing input grid...", "Reading data..."},
+                                ascCells(1008),
+                                {"   Done.", "Searching for Points..."},
+                                closedMif("p"),
+                                closedMif("p_Res", 2, 1004),
+                                closedMif("p_Cn", 3, 1006),
+                                {"...Closed File Unit:1003"},
+                                normalEnd()}));
     // The corner (4, 4) is 0.3 and 0.4 away: 0.5. The corner (6, 5) is 0.25 away.
     EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"left bank\",   40.500,   44.000,    3.500,    0.500\r\n"
                                                          "\"bridge\",   57.000,   56.000,   -1.000,    0.250\r\n");
@@ -383,8 +350,7 @@ TEST(CpCli, AConfigFileThatTheSystemRefusesToReadEndsTheRun)
     giveMarks(run, "Point 4.3 4.4\n", "40,a\n");
     std::filesystem::create_symlink("/proc/self/mem", run.folder() / "c.csv");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Skipping first line: ", "ERROR - Reading following line in classes file:", "", "",
-                               "Press Enter to Close"});
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Skipping first line: ", "ERROR - Reading following line in classes file:", ""));
 }
 
 // --- Shapefiles ------------------------------------------------------------------------------------------------------

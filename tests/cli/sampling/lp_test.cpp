@@ -1,3 +1,4 @@
+#include "support/consoles.h"
 #include "support/layer_files.h"
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
@@ -44,57 +45,23 @@ TEST(LpCli, WritesInvertAndBanksAlongALine)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
-                         "Checking for wildcards in filenames...",
-                         "Input File  1: dem.asc",
-                         "   File  1: dem.asc",
-                         "Processing long profile extract.",
-                         "Using a spacing along the line of 3.",
-                         "   Use -lpmd<distance> input argument to modify.",
-                         "Using search distance of 4.",
-                         "   Use -cpsd<distance> input argument to modify.",
-                         "Long Profile input file: l.mif",
-                         "Getting Projection...",
-                         "Trying to open file l.mif...OK.",
-                         "Opened File Unit:1001",
-                         "Using l.mif for setting projection.",
-                         "mif Projection: CoordSys NonEarth Units \"m\"",
-                         "...Closed File Unit:1001",
-                         "Opening GIS Layer: l.mif",
-                         "GIS Layer assigned ID of 1",
-                         "Trying to open file l.mif...OK.",
-                         "Opened File Unit:1001",
-                         "Trying to open file l.mid...OK.",
-                         "Opened File Unit:1002",
-                         "1 MIF Fields: Name [#/Type]: Label [1/Char(20)]  ",
-                         "Loading grid data...",
-                         "Trying to open file dem.asc...OK.",
-                         "Opened File Unit:1003",
-                         "External Grid Info: 9 rows by 9 columns with 1. cell size.",
-                         "Allocating 0Kb memory for storing input grid...",
-                         "Reading data...",
-                         "Reading ASCII grid...",
-                         "",
-                         "...Closed File Unit:1003",
-                         "   Done.",
-                         "Searching for Lines and Polylines...",
-                         "Polyline 1 with 2 nodes...",
-                         "Inserting vertices...",
-                         "   Done.",
-                         "Allocate memory for processing of LP line: main",
-                         "   Done.",
-                         "Pre process line information...",
-                         "   Done.",
-                         "Extracting elevations...",
-                         "Trying to open file l_main.csv...OK.  File Unit:1003",
-                         "...Closed File Unit:1003",
-                         "Deallocation of temporary memory.",
-                         "   Done.",
-                         "Closing GIS Layer 1 [l.mif]...",
-                         "...Closed File Unit:1001",
-                         "...Closed File Unit:1002",
-                         "Finished.",
-                         "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(run, joined({startOf({"dem.asc"}),
+                                {"Processing long profile extract.", "Using a spacing along the line of 3.",
+                                 "   Use -lpmd<distance> input argument to modify.", "Using search distance of 4.",
+                                 "   Use -cpsd<distance> input argument to modify.", "Long Profile input file: l.mif"},
+                                projectionOf("l"),
+                                openedMif("l"),
+                                {"1 MIF Fields: Name [#/Type]: Label [1/Char(20)]  ", "Loading grid data..."},
+                                headerOf("dem.asc", "9 rows by 9 columns", 1003),
+                                {"Allocating 0Kb memory for storing input grid...", "Reading data..."},
+                                ascCells(1003),
+                                {"   Done.", "Searching for Lines and Polylines...", "Polyline 1 with 2 nodes...",
+                                 "Inserting vertices...", "   Done.", "Allocate memory for processing of LP line: main",
+                                 "   Done.", "Pre process line information...", "   Done.", "Extracting elevations...",
+                                 "Trying to open file l_main.csv...OK.  File Unit:1003", "...Closed File Unit:1003",
+                                 "Deallocation of temporary memory.", "   Done."},
+                                closedMif("l"),
+                                normalEnd()}));
     // 6 is twice the spacing, so two vertices go in: x = 2, 4, 6, 8 on row 5. The invert search goes 3 cells to each side,
     // rows 2 to 8; the left bank is north, rows 5 to 9 (10 is off the grid), the right bank rows 5 down to 1.
     EXPECT_EQ(run.read("l_main.csv"), std::string(kCsvHead) + "        0.00,   2.000,  52.000,  32.000\r\n"
@@ -278,9 +245,8 @@ TEST(LpCli, MoreThanTenMillionVerticesEndTheRun)
         ToolRun run(("-lp l.mif -lpmd" + spacing + " dem.asc").c_str());
         giveLines(run, kMain, "m\n");
         run.start();
-        EXPECT_CONSOLE_HOLDS(run, {"Polyline 1 with 2 nodes...", "Inserting vertices...",
-                                   "ERROR - Number of vertices in polyline exceeds maximum: 10000000", "",
-                                   "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(run, errorEnd("Polyline 1 with 2 nodes...", "Inserting vertices...",
+                                           "ERROR - Number of vertices in polyline exceeds maximum: 10000000"));
         EXPECT_NO_OTHER_FILES(run);
     }
 }

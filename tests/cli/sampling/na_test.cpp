@@ -1,3 +1,4 @@
+#include "support/consoles.h"
 #include "support/layer_files.h"
 #include "support/shp_bytes.h"
 #include "support/tool_run.h"
@@ -57,46 +58,20 @@ TEST(NaCli, WritesATableOfHeightsAndAreas)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"Build 2020-10-AA",
-                         "Checking for wildcards in filenames...",
-                         "Input File  1: dem.asc",
-                         "   File  1: dem.asc",
-                         "Processing -na option... ",
-                         "Getting Projection...",
-                         "Trying to open file n.mif...OK.",
-                         "Opened File Unit:1001",
-                         "Using n.mif for setting projection.",
-                         "mif Projection: CoordSys NonEarth Units \"m\"",
-                         "...Closed File Unit:1001",
-                         "Opening GIS Layer: n.mif",
-                         "GIS Layer assigned ID of 1",
-                         "Trying to open file n.mif...OK.",
-                         "Opened File Unit:1001",
-                         "Trying to open file n.mid...OK.",
-                         "Opened File Unit:1002",
-                         std::string(kFields),
-                         "Loading grid data...",
-                         "Trying to open file dem.asc...OK.",
-                         "Opened File Unit:1003",
-                         "External Grid Info: 9 rows by 9 columns with 1. cell size.",
-                         "Allocating 0Kb memory for storing input grid...",
-                         "Reading data...",
-                         "Reading ASCII grid...",
-                         "",
-                         "...Closed File Unit:1003",
-                         "   Done.",
-                         "Searching for region objects...",
-                         "Region 1 with 6 nodes...",
-                         "Found 9 DEM values within region.",
-                         "Elevations range from 1. to 1.25",
-                         "Writing nodal-area data to: pond.csv",
-                         "Trying to open file pond.csv...OK.  File Unit:1003",
-                         "...Closed File Unit:1003",
-                         "Closing GIS Layer 1 [n.mif]...",
-                         "...Closed File Unit:1001",
-                         "...Closed File Unit:1002",
-                         "Finished.",
-                         "Enter command<CR> or <CR> to continue."});
+    EXPECT_CONSOLE(run, joined({startOf({"dem.asc"}),
+                                {"Processing -na option... "},
+                                projectionOf("n"),
+                                openedMif("n"),
+                                {std::string(kFields), "Loading grid data..."},
+                                headerOf("dem.asc", "9 rows by 9 columns", 1003),
+                                {"Allocating 0Kb memory for storing input grid...", "Reading data..."},
+                                ascCells(1003),
+                                {"   Done.", "Searching for region objects...", "Region 1 with 6 nodes...",
+                                 "Found 9 DEM values within region.", "Elevations range from 1. to 1.25",
+                                 "Writing nodal-area data to: pond.csv",
+                                 "Trying to open file pond.csv...OK.  File Unit:1003", "...Closed File Unit:1003"},
+                                closedMif("n"),
+                                normalEnd()}));
     // A millimetre above 1.0 lie two cells, at the tenth above four, then three more, then the two of 1.25.
     EXPECT_EQ(run.read("pond.csv"), "\"Height\",\"Area\"\r\n"
                                     "   1.001,               2.000\r\n"

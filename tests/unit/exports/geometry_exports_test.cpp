@@ -1,4 +1,5 @@
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <algorithm>
 #include <array>
@@ -96,7 +97,7 @@ TEST(ExportedRegions, RingsThatEndBeforeTheVerticesEndTheRun)
         return run.console;
     };
     const std::string start = "Invalid number of polygons in region sent to ";
-    const std::string rest = " - contact SUPPORT_CONTACT\n\nPress Enter to Close\n";
+    const std::string rest = " - contact SUPPORT_CONTACT\n" + kExits;
     EXPECT_EQ(consoleOf([&] { ::INSIDE_POLYGON(5, 5, x.data(), x.data(), 12, 0, kEnds.data(), 1); }),
               start + "inside_polygon routine [1]" + rest);
     EXPECT_EQ(consoleOf([&] { ::INSIDE_POLYGON_8(5, 5, kX.data(), kY.data(), 12, 0, kEnds.data(), 1); }),
@@ -220,7 +221,8 @@ TEST(ExportedCells, MoreThanTheLimitEndTheRun)
     });
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.console, "SORRY - Exceeded limit of 1 HX cells per HX polyline segment.  Contact "
-                           "SUPPORT_CONTACT.\n\nPress Enter to Close\n");
+                           "SUPPORT_CONTACT.\n" +
+                               kExits);
 }
 
 TEST(ExportedCells, PlacesThatAreNoneEndTheRun)
@@ -232,8 +234,7 @@ TEST(ExportedCells, PlacesThatAreNoneEndTheRun)
         ::gridline(1, 1, std::numeric_limits<float>::infinity(), 1, 2, 5, &row, &column);
     });
     EXPECT_TRUE(run.ended);
-    EXPECT_EQ(run.console,
-              "should not be here - gridline - intersection point - contact SUPPORT_CONTACT\n\nPress Enter to Close\n");
+    EXPECT_EQ(run.console, "should not be here - gridline - intersection point - contact SUPPORT_CONTACT\n" + kExits);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "host/messages.h"
 #include "host/units.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/exported_calls.h"
 
 #include <cstdint>
@@ -180,11 +181,10 @@ TEST(ExportedExtract, TakesTheColumn)
 
 TEST(ExportedExtract, WhatIsNoNumberEndsTheRun)
 {
-    EXPECT_EQ(
-        endOf([] { call(::EXTRACTINTEGER, "a,b", "a,b", "Rows", std::int32_t{2}, std::int32_t{0}); }),
-        " Could not convert \"b\" in column   2 to an integer value for the Rows field.\n\nPress Enter to Close\n");
+    EXPECT_EQ(endOf([] { call(::EXTRACTINTEGER, "a,b", "a,b", "Rows", std::int32_t{2}, std::int32_t{0}); }),
+              " Could not convert \"b\" in column   2 to an integer value for the Rows field.\n" + kExits);
     EXPECT_EQ(endOf([] { call(::EXTRACTREAL, "a,b", "a,b", "Size", std::int32_t{1}, 0.0F); }),
-              " Could not convert \"a\" in column   1 to a real value for the Size field.\n\nPress Enter to Close\n");
+              " Could not convert \"a\" in column   1 to a real value for the Size field.\n" + kExits);
 }
 
 // The padding of the line counts: only in a line of the work width is a key looked for, with all its blanks.
@@ -192,15 +192,15 @@ TEST(ExportedExtract, AKeyInALineOfTheWorkWidthWantsItsSign)
 {
     const std::string line = field("key", 100000);
     EXPECT_EQ(endOf([&] { textOf(6, ::EXTRACTSTRING, line, line, "KEY", std::int32_t{1}); }),
-              "\nERROR 0203 - No \"=\" sign found after keyword \"KEY\".\n\nPress Enter to Close\n");
+              "\nERROR 0203 - No \"=\" sign found after keyword \"KEY\".\n" + kExits);
 }
 
 TEST(ExportedRoutines, LackOfMemoryEndsTheRun)
 {
     const auto fails = [] { exports::answer([]() -> std::int32_t { throw std::bad_alloc(); }); };
-    EXPECT_EQ(endOf(fails), "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
+    EXPECT_EQ(endOf(fails), "ERROR - Could not allocate enough memory (RAM).\n" + kExits);
     const auto isTooLong = [] { exports::answer([] { std::string().resize(std::string().max_size() + 1); }); };
-    EXPECT_EQ(endOf(isTooLong), "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
+    EXPECT_EQ(endOf(isTooLong), "ERROR - Could not allocate enough memory (RAM).\n" + kExits);
 }
 
 } // namespace

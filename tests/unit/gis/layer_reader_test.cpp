@@ -4,6 +4,7 @@
 
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/layer_files.h"
 
 #include <cstdlib>
@@ -44,7 +45,7 @@ void expectAnEnd(const ScratchFolder& folder, bool coordinates)
     ASSERT_EQ(run.status, 0) << run.console;
     ASSERT_EQ(run.errors, "");
     if (run.ended) {
-        ASSERT_THAT(run.console, EndsWith("\n\nPress Enter to Close\n"));
+        ASSERT_THAT(run.console, EndsWith("\n" + kExits));
         ASSERT_THAT(run.console, testing::HasSubstr("\nERROR "));
     } else {
         ASSERT_THAT(run.console, testing::HasSubstr("\nobjects "));

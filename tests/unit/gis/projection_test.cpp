@@ -1,6 +1,7 @@
 #include "gis/projection.h"
 
 #include "host/console.h"
+#include "support/consoles.h"
 #include "support/layer_files.h"
 #include "support/layer_runs.h"
 
@@ -81,7 +82,8 @@ TEST(GetProjection, EndsTheRunOnAReadThatTheSystemRefuses)
                           gis::get_projection("l.shp", p);
                       }),
                 testing::EndsWith("Using l.prj for setting projection.\n"
-                                  "ERROR - Reading following line in projection file:\n\n\nPress Enter to Close\n"));
+                                  "ERROR - Reading following line in projection file:\n\n" +
+                                  kExits));
 }
 
 } // namespace

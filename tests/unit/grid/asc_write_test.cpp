@@ -2,6 +2,7 @@
 
 #include "grid/cell_store.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/environment.h"
 #include "support/memory_run.h"
 #include "support/refusing_system.h"
@@ -21,6 +22,7 @@ namespace {
 
 using test::ChildRun;
 using test::Environment;
+using test::kExits;
 using test::MemoryRun;
 using test::refuseReadsAfter;
 using test::runInChild;
@@ -136,9 +138,7 @@ TEST(WriteAscRows, EndsTheRunWhereCellsThatWaitedCannotBeReadBack)
     for (const int reads : {0, 2, 3, 5}) {
         const ChildRun run = writeFromFile(reads);
         EXPECT_TRUE(run.ended) << reads;
-        EXPECT_THAT(run.console,
-                    EndsWith("\nERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n"))
-            << reads;
+        EXPECT_THAT(run.console, EndsWith("\nERROR - Could not allocate enough memory (RAM).\n" + kExits)) << reads;
     }
 }
 

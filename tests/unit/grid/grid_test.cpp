@@ -2,6 +2,7 @@
 
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <algorithm>
 #include <array>
@@ -9,6 +10,8 @@
 
 namespace gridforge {
 namespace {
+
+using test::kExits;
 
 TEST(Grid, RowOneIsTheLastLineOfTheFile)
 {
@@ -68,7 +71,8 @@ TEST(AllocateGrid, SaysWhatItTakesAndEndsWithoutMemory)
     // 2147483647^2 * 4 is 4 modulo 2^32.
     EXPECT_EQ(run.console, "Allocating 12Kb memory for external grid...\n50x60\n"
                            "Allocating 0Kb memory for too much...\n"
-                           "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
+                           "ERROR - Could not allocate enough memory (RAM).\n" +
+                               kExits);
 }
 
 TEST(AllocateGrid, AnArrayOfTheSameSizeIsClearedAndKept)

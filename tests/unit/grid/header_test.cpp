@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <gtest/gtest.h>
 
@@ -10,10 +11,10 @@ namespace gridforge {
 namespace {
 
 using test::ChildRun;
+using test::kExits;
 using test::runInChild;
 using test::ScratchFolder;
 
-const std::string kExits = "\nPress Enter to Close\n";
 const std::string kOpened = "Trying to open file a.asc...OK.\nOpened File Unit:1001\n";
 
 void sayHeader(const grid::OpenGrid& grid)

@@ -2,6 +2,7 @@
 
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/environment.h"
 #include "support/refusing_system.h"
 
@@ -11,6 +12,7 @@ namespace gridforge {
 namespace {
 
 using test::ChildRun;
+using test::kExits;
 using test::runInChild;
 using test::ScratchFolder;
 
@@ -32,8 +34,7 @@ TEST(WriteGrid, KnowsTwoFormatsOnly)
     const ChildRun run =
         runInChild(folder, [] { grid::writeGrid(static_cast<grid::Format>(3), "a", headerOf(1, 1), Grid(), ""); });
     EXPECT_TRUE(run.ended);
-    EXPECT_EQ(run.console,
-              "Should not be here [grid_format] - please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n");
+    EXPECT_EQ(run.console, "Should not be here [grid_format] - please contact SUPPORT_CONTACT.\n" + kExits);
 }
 
 TEST(WriteGrid, EndsTheRunWhereCellsThatWaitedCannotBeReadBack)
@@ -50,7 +51,8 @@ TEST(WriteGrid, EndsTheRunWhereCellsThatWaitedCannotBeReadBack)
     });
     EXPECT_TRUE(run.ended);
     EXPECT_TRUE(run.console.ends_with("Writing FLT grid...\n"
-                                      "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n"))
+                                      "ERROR - Could not allocate enough memory (RAM).\n" +
+                                      kExits))
         << run.console;
 }
 
@@ -134,8 +136,7 @@ std::string comparison(const GridHeader& first, const GridHeader& second)
     return runInChild(folder, [&] { grid::compareGridDimensions(first, second); }).console;
 }
 
-const std::string kClosing =
-    "ERROR - dimensions of grids do not match (see above for details).\n\nPress Enter to Close\n";
+const std::string kClosing = "ERROR - dimensions of grids do not match (see above for details).\n" + kExits;
 
 TEST(CompareGridDimensions, ReportsEachDifference)
 {

@@ -2,6 +2,7 @@
 
 #include "host/ends.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <functional>
 #include <gtest/gtest.h>
@@ -12,6 +13,8 @@ namespace gridforge {
 namespace {
 
 using test::ChildRun;
+using test::kEnter;
+using test::kExits;
 using test::runInChild;
 using test::ScratchFolder;
 
@@ -54,8 +57,7 @@ TEST(Console, AnAnswerIsOneLineCutAt1000AndNothingAtTheEndOfInput)
         },
         std::string(1500, 'x') + "\r\nenter\n  two  ");
     EXPECT_FALSE(run.ended);
-    EXPECT_EQ(run.console, "first?\n1000\nwait\nsecond?\n<  two>\nthird?\nnot answered\n"
-                           "Enter command<CR> or <CR> to continue.\nmine\n");
+    EXPECT_EQ(run.console, "first?\n1000\nwait\nsecond?\n<  two>\nthird?\nnot answered\n" + kEnter + "\nmine\n");
 }
 
 TEST(Console, AnAnswerIsWithoutItsCarriageReturn)
@@ -80,27 +82,26 @@ std::string consoleOf(const std::function<void()>& end)
 
 TEST(Ends, EachSaysItsOwnAndGivesStatusZero)
 {
-    const std::string enter = "Enter command<CR> or <CR> to continue.\n";
-    EXPECT_EQ(consoleOf([] { EXITS(); }), "\nPress Enter to Close\n");
+    const std::string enter = kEnter + "\n";
+    EXPECT_EQ(consoleOf([] { EXITS(); }), kExits);
     EXPECT_EQ(consoleOf([] { pauseExit(); }), enter);
     EXPECT_EQ(consoleOf([] { endNow(); }), "");
     EXPECT_EQ(consoleOf([] { endFinished(false); }), "Finished.\n" + enter);
     EXPECT_EQ(consoleOf([] { endFinished(true); }), "Finished.\n");
-    EXPECT_EQ(consoleOf([] { fail("ERROR - ", 5); }), "ERROR - 5\n\nPress Enter to Close\n");
+    EXPECT_EQ(consoleOf([] { fail("ERROR - ", 5); }), "ERROR - 5\n" + kExits);
     EXPECT_EQ(consoleOf([] { refuse("ERROR - ", 6); }), "ERROR - 6\n" + enter);
     EXPECT_EQ(consoleOf([] { shouldNotBeHere("place"); }),
-              "Should not be here [place] - please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n");
-    EXPECT_EQ(consoleOf([] { failMemory(); }),
-              "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
+              "Should not be here [place] - please contact SUPPORT_CONTACT.\n" + kExits);
+    EXPECT_EQ(consoleOf([] { failMemory(); }), "ERROR - Could not allocate enough memory (RAM).\n" + kExits);
 }
 
 TEST(Ends, AnExceptionOutOfARunIsAMessage)
 {
-    const std::string noMemory = "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n";
+    const std::string noMemory = "ERROR - Could not allocate enough memory (RAM).\n" + kExits;
     EXPECT_EQ(consoleOf([] { runToItsEnd([] { throw std::bad_alloc(); }); }), noMemory);
     EXPECT_EQ(consoleOf([] { runToItsEnd([] { std::string().resize(std::string::npos); }); }), noMemory);
     EXPECT_EQ(consoleOf([] { runToItsEnd([] { static_cast<void>(std::string().at(1)); }); }),
-              "Should not be here [main] - please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n");
+              "Should not be here [main] - please contact SUPPORT_CONTACT.\n" + kExits);
     const ScratchFolder folder;
     EXPECT_EQ(runInChild(folder, [] { runToItsEnd([] { say("done"); }); }).console, "done\n");
 }

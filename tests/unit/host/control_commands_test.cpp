@@ -1,6 +1,7 @@
 #include "host/control_commands.h"
 
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <algorithm>
 #include <array>
@@ -13,11 +14,11 @@ namespace gridforge {
 namespace {
 
 using test::ChildRun;
+using test::kExits;
 using test::runInChild;
 using test::ScratchFolder;
 
 const std::string kOpened = "Trying to open file a.dmg...OK.\nOpened File Unit:1001\n";
-const std::string kExits = "\nPress Enter to Close\n";
 
 struct Heard {
     std::int32_t limit = 7;

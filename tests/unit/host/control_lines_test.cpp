@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "host/ends.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <algorithm>
 #include <functional>
@@ -13,11 +14,11 @@ namespace gridforge {
 namespace {
 
 using test::ChildRun;
+using test::kExits;
 using test::runInChild;
 using test::ScratchFolder;
 
 const std::string kOpened = "Trying to open file a.dmg...OK.\nOpened File Unit:1001\n";
-const std::string kExits = "\nPress Enter to Close\n";
 
 // The console behind the opening of "a.dmg", which holds `bytes`, while `code` reads it.
 std::string consoleOfReading(std::string_view bytes, const std::function<void(Unit)>& code)

@@ -2,6 +2,7 @@
 
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -10,6 +11,8 @@ namespace gridforge {
 namespace {
 
 using test::ChildRun;
+using test::kEnter;
+using test::kExits;
 using test::runInChild;
 using test::ScratchFolder;
 
@@ -40,7 +43,7 @@ TEST(Dialogue, AByteOrderMarkBeforeTheFirstAnswerIsNoPartOfIt)
     EXPECT_EQ(runInChild(folder, twoAnswers, "\n\xEF\n").console, "first?\n<>\nsecond?\n<\xEF>\n");
     EXPECT_EQ(runInChild(folder, twoAnswers, "\xEF\n\xBB\n").console, "first?\n<\xEF>\nsecond?\n<\xBB>\n");
     // Nothing but the mark is no answer.
-    EXPECT_EQ(runInChild(folder, twoAnswers, "\xEF\xBB\xBF").console, "first?\n\nPress Enter to Close\n");
+    EXPECT_EQ(runInChild(folder, twoAnswers, "\xEF\xBB\xBF").console, "first?\n" + kExits);
 }
 
 TEST(Dialogue, APauseAtTheEndOfInputGoesOnAQuestionEndsTheRun)
@@ -54,7 +57,7 @@ TEST(Dialogue, APauseAtTheEndOfInputGoesOnAQuestionEndsTheRun)
     });
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.console, "Enter command<CR> or <CR> to continue.\nmine\nwho?\n\nPress Enter to Close\n");
+    EXPECT_EQ(run.console, kEnter + "\nmine\nwho?\n" + kExits);
 }
 
 TEST(Dialogue, ARetryAtTheEndOfInputEndsTheRun)
@@ -62,7 +65,7 @@ TEST(Dialogue, ARetryAtTheEndOfInputEndsTheRun)
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] { pauseForRetry("again?"); });
     EXPECT_TRUE(run.ended);
-    EXPECT_EQ(run.console, "again?\n\nPress Enter to Close\n");
+    EXPECT_EQ(run.console, "again?\n" + kExits);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "host/table_rows.h"
 
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -12,10 +13,9 @@ namespace gridforge {
 namespace {
 
 using test::ChildRun;
+using test::kExits;
 using test::runInChild;
 using test::ScratchFolder;
-
-const std::string kExits = "\nPress Enter to Close\n";
 
 constexpr TableForm kForm{.unreadable = "Unreadable:", .mostRows = 2, .tooMany = "Too many."};
 

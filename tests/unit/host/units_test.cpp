@@ -2,6 +2,7 @@
 
 #include "host/ends.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <array>
 #include <cstring>
@@ -13,10 +14,9 @@ namespace gridforge {
 namespace {
 
 using test::ChildRun;
+using test::kExits;
 using test::runInChild;
 using test::ScratchFolder;
-
-const std::string kExits = "\nPress Enter to Close\n";
 
 TEST(Opener, ReadsAnInputAndTellsItsUnit)
 {
@@ -242,8 +242,7 @@ TEST(Opener, RefusesABlankName)
         OPENER(unit, "I ", "   ");
     });
     EXPECT_TRUE(blank.ended);
-    EXPECT_EQ(blank.console,
-              "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT.\nPress Enter to Close\n");
+    EXPECT_EQ(blank.console, "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT." + kExits);
 }
 
 TEST(Opener, AsksBeforeItTakesAFileThatIsOpen)
@@ -275,7 +274,7 @@ TEST(Opener, AsksBeforeItTakesAFileThatIsOpen)
 
     const ChildRun never = runInChild(folder, openTwice, "n\n");
     EXPECT_TRUE(never.ended);
-    EXPECT_EQ(never.console, head + again + "\nPress Enter to Close\n");
+    EXPECT_EQ(never.console, head + again + kExits);
 }
 
 const std::string kReplaced = "WARNING - Output file was already written in this run and is replaced: ";

@@ -1,10 +1,13 @@
-// Where tests stand: each in a runner, and those of a source under its name.
+// Where tests stand, each in a runner and those of a source under its name, and where the words of the console do.
+#include "support/consoles.h"
 #include "support/paths.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -78,6 +81,28 @@ TEST(UnitTests, HaveTheNamesOfTheirSources)
     EXPECT_EQ(sourceOf("gis/mif/reader_test.cpp"), "src/gis/mif/reader");
     EXPECT_EQ(sourceOf("support/tool_run_test.cpp"), "tests/support/tool_run");
     EXPECT_EQ(sourceOf("gis/readers.cpp"), "");
+}
+
+// --- Words of the console --------------------------------------------------------------------------------------------
+
+std::string textOf(const fs::path& file)
+{
+    std::ifstream in(file);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+TEST(Consoles, HaveTheirWordsFromOneFile)
+{
+    const Lines words{kBanner, kWildcards, kEnter, kClose, kFormatOfInputs};
+    const std::string vocabulary = "support/consoles.h";
+    for (const std::string& file : filesBelow(kRoot / "tests")) {
+        const std::string text = textOf(kRoot / "tests" / file);
+        for (const std::string& word : words) {
+            EXPECT_EQ(text.find(word) != std::string::npos, file == vocabulary) << file << ": " << word;
+        }
+    }
 }
 
 } // namespace

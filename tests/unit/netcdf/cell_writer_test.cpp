@@ -1,6 +1,7 @@
 #include "netcdf/cell_writer.h"
 
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/environment.h"
 #include "support/refusing_system.h"
 #include "support/scratch_folder.h"
@@ -16,6 +17,7 @@ namespace gridforge {
 namespace {
 
 using test::Environment;
+using test::kExits;
 
 constexpr std::size_t kRows = 5;
 constexpr std::size_t kColumns = 7;
@@ -161,7 +163,7 @@ TEST(CellWriter, CellsThatCannotBeReadBackEndTheRun)
             writer.write(std::nullopt, grids);
         });
         EXPECT_TRUE(run.ended);
-        EXPECT_EQ(run.console, "ERROR - Could not allocate enough memory (RAM).\n\nPress Enter to Close\n");
+        EXPECT_EQ(run.console, "ERROR - Could not allocate enough memory (RAM).\n" + kExits);
     }
 }
 
@@ -174,8 +176,8 @@ TEST(CellWriter, ARefusalHasTheNameOfTheCall)
         writer.write(0, gridsOf(1, ".")); // no such position
     });
     EXPECT_TRUE(run.ended);
-    EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_put_var (rg)\nNetcdf error message: NetCDF: HDF error\n"
-                           "\nPress Enter to Close\n");
+    EXPECT_EQ(run.console,
+              "ERROR - With nectdf call nf90_put_var (rg)\nNetcdf error message: NetCDF: HDF error\n" + kExits);
     EXPECT_EQ(run.errors, "");
 }
 

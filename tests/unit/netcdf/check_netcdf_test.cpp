@@ -1,6 +1,7 @@
 #include "netcdf/check_netcdf.h"
 
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <cerrno>
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@ namespace gridforge {
 namespace {
 
 using test::ChildRun;
+using test::kExits;
 using test::runInChild;
 using test::ScratchFolder;
 
@@ -29,8 +31,8 @@ TEST(CheckNetcdf, AFailureNamesTheCallAndTheReasonAndEndsTheRun)
     EXPECT_TRUE(run.ended);
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_def_dim(x)\n"
-                           "Netcdf error message: NetCDF: Invalid dimension ID or name\n"
-                           "\nPress Enter to Close\n");
+                           "Netcdf error message: NetCDF: Invalid dimension ID or name\n" +
+                               kExits);
     EXPECT_EQ(run.errors, "");
 }
 
@@ -38,8 +40,8 @@ TEST(CheckNetcdf, AStatusOfTheSystemHasTheSystemsWords)
 {
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] { netcdf::checkNetcdf(ENOSPC, "nf90_close"); });
-    EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_close\nNetcdf error message: No space left on device\n"
-                           "\nPress Enter to Close\n");
+    EXPECT_EQ(run.console,
+              "ERROR - With nectdf call nf90_close\nNetcdf error message: No space left on device\n" + kExits);
 }
 
 TEST(CheckNetcdf, ALongReasonIsCutAtEightyCharacters)
@@ -48,8 +50,8 @@ TEST(CheckNetcdf, ALongReasonIsCutAtEightyCharacters)
     ASSERT_GT(reason.size(), 80U) << "another text of the library is needed here";
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] { netcdf::checkNetcdf(NC_ECANTEXTEND, "nf90_close"); });
-    EXPECT_EQ(run.console, "ERROR - With nectdf call nf90_close\nNetcdf error message: " + reason.substr(0, 80) +
-                               "\n\nPress Enter to Close\n");
+    EXPECT_EQ(run.console,
+              "ERROR - With nectdf call nf90_close\nNetcdf error message: " + reason.substr(0, 80) + "\n" + kExits);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "host/console.h"
 #include "run/cells_ahead.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/environment.h"
 #include "support/grids.h"
 #include "support/memory_limit.h"
@@ -19,6 +20,8 @@
 
 namespace gridforge {
 namespace {
+
+using test::kExits;
 
 TEST(RunNc, CellsThatFindNoRoomToWaitEndTheRun)
 {
@@ -37,8 +40,8 @@ TEST(RunNc, CellsThatFindNoRoomToWaitEndTheRun)
     });
     EXPECT_TRUE(run.ended);
     EXPECT_THAT(run.console, testing::EndsWith("Allocating 80000Kb memory for external grid...\n"
-                                               "ERROR - Could not allocate enough memory (RAM).\n"
-                                               "\nPress Enter to Close\n"));
+                                               "ERROR - Could not allocate enough memory (RAM).\n" +
+                                               kExits));
 }
 
 // Cells of grids that are read ahead and step by step, and those of the maximum.
@@ -59,8 +62,7 @@ TEST(RunNc, EachRefusalOfCellsThatWaitInFilesEndsTheRun)
                 netcdf::runNc({}, {}, inputs);
             });
             ended = run.ended;
-            EXPECT_TRUE(!ended || run.console.ends_with("ERROR - Could not allocate enough memory (RAM).\n"
-                                                        "\nPress Enter to Close\n"))
+            EXPECT_TRUE(!ended || run.console.ends_with("ERROR - Could not allocate enough memory (RAM).\n" + kExits))
                 << good << " good calls\n"
                 << run.console;
         }

@@ -1,5 +1,7 @@
 #include "ops/dif.h"
 
+#include "support/consoles.h"
+
 #include <cstdio>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -20,8 +22,8 @@ TEST(RunDifDeathTest, RefusesASingleInput)
     };
     EXPECT_EXIT(run(), testing::ExitedWithCode(0),
                 "Processing \"-dif\" option.\n"
-                "ERROR - Must specify at least two grid files for -dif options.\n"
-                "Enter command<CR> or <CR> to continue.\n");
+                "ERROR - Must specify at least two grid files for -dif options.\n" +
+                    kEnter + "\n");
 }
 
 } // namespace

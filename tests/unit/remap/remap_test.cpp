@@ -3,6 +3,7 @@
 
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/grids.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@ namespace {
 using test::ascGrid;
 using test::Cells;
 using test::ChildRun;
+using test::kExits;
 using test::readWrittenAsc;
 using test::ScratchFolder;
 
@@ -37,7 +39,7 @@ TEST(RunRemap, RefusesAMethodThatIsNone)
         folder.give("dem.asc", ascGrid({{1}}));
         const ChildRun run = remapBy(method, folder);
         EXPECT_TRUE(run.ended);
-        EXPECT_TRUE(run.console.ends_with("ERROR - Incorrect Remap method\n\nPress Enter to Close\n")) << run.console;
+        EXPECT_TRUE(run.console.ends_with("ERROR - Incorrect Remap method\n" + kExits)) << run.console;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/memory_run.h"
 
 #include <cstdint>
@@ -12,6 +13,7 @@
 namespace gridforge {
 namespace {
 
+using test::kExits;
 using test::MemoryRun;
 
 // A grid of one row.
@@ -91,10 +93,11 @@ TEST(LoadGrid, AnotherLatticeEndsTheRun)
         run::loadGrid("a.asc", {.match = &first, .matching = "matching", .matched = "not reached"}, cells);
     });
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.console, opened("a.asc") + "matching\n"
-                                             "ERROR - x coordinates of input grids do not match. xll = 0. and 0.02\n"
-                                             "ERROR - dimensions of grids do not match (see above for details).\n"
-                                             "\nPress Enter to Close\n");
+    EXPECT_EQ(run.console, opened("a.asc") +
+                               "matching\n"
+                               "ERROR - x coordinates of input grids do not match. xll = 0. and 0.02\n"
+                               "ERROR - dimensions of grids do not match (see above for details).\n" +
+                               kExits);
 }
 
 TEST(LoadEach, GivesEachInputOfOneLattice)

@@ -1,6 +1,7 @@
 #include "run/outputs.h"
 
 #include "host/console.h"
+#include "support/consoles.h"
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -65,7 +66,7 @@ struct FormatCase {
 
 TEST(OutputFormatRule, AsSpecifiedOrAsTheFirstGrid)
 {
-    const std::string byInputs = "Setting output format based on input grids.  To set use -asc or -flt.\n";
+    const std::string byInputs = test::kFormatOfInputs + "\n";
     const std::vector<FormatCase> cases = {
         {grid::Format::asc, grid::Format::flt, grid::Format::asc, "Using output format .asc as specified.\n"},
         {grid::Format::flt, grid::Format::asc, grid::Format::flt, "Using output format .flt as specified.\n"},

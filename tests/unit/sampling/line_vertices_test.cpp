@@ -2,6 +2,7 @@
 
 #include "sampling/sampled_layer.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -67,7 +68,7 @@ TEST(InsertVertices, AsManyVerticesAsAllowedPassAndOneMoreEndsTheRun)
     EXPECT_EQ(sampling::insertVertices(line, 6.0F, 5).count(), 5U); // two go into the segment of 12
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [&line] { sampling::insertVertices(line, 6.0F, 4); });
-    EXPECT_EQ(run.console, "ERROR - Number of vertices in polyline exceeds maximum: 4\n\nPress Enter to Close\n");
+    EXPECT_EQ(run.console, "ERROR - Number of vertices in polyline exceeds maximum: 4\n" + kExits);
 }
 
 TEST(LineAngle, EndsFollowTheirSegmentAndVerticesBetweenTheirNeighbours)

@@ -5,6 +5,7 @@
 #include "gis/mif/keywords.h"
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/layer_files.h"
 
 #include <cmath>
@@ -550,9 +551,7 @@ TEST_F(MifReading, AReadThatTheSystemRefusesIsNoEndOfTheFile)
                           })
             .console;
     };
-    const auto ending = [](const std::string& message) {
-        return testing::EndsWith("\n\n" + message + "\n\nPress Enter to Close\n");
-    };
+    const auto ending = [](const std::string& message) { return testing::EndsWith("\n\n" + message + "\n" + kExits); };
     EXPECT_THAT(consoleOf([](gis::mif::MifInput& input) {
                     gis::LayerObject object;
                     readKind(input, object);

@@ -5,6 +5,7 @@
 #include "gis/layer_writer.h"
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/layer_files.h"
 #include "support/write_layer.h"
 
@@ -196,7 +197,8 @@ TEST_F(MifWriting, KindsThatCannotBeWrittenEndTheRun)
     for (const Kind kind : {Kind::ellipse, Kind::rectangle, Kind::roundedRectangle, Kind::arc}) {
         const ChildRun run = write([&](LayerWriter& layer) { writeObject(layer, kind, {}, {}, ""); });
         EXPECT_THAT(run.console, HasSubstr("\n\nERROR 0350 - Trying to write a MIF object that is not yet supported.  "
-                                           "Please contact SUPPORT_CONTACT.\n\nPress Enter to Close\n"));
+                                           "Please contact SUPPORT_CONTACT.\n" +
+                                           kExits));
     }
 }
 
@@ -214,8 +216,8 @@ TEST_F(MifWriting, PartsThatDoNotRiseEndTheRun)
                           "GIS Layer   =    1\n"
                           "i           =    3\n"
                           "gisO_%ir(i) =    5\n"
-                          "gisO_%nr    =    3\n"
-                          "\nPress Enter to Close\n"));
+                          "gisO_%nr    =    3\n" +
+                          kExits));
     EXPECT_THAT(consoleFor({0, 1, 5}), HasSubstr("i           =    2\ngisO_%ir(i) =    1\n"));
     EXPECT_THAT(consoleFor({1, 5, 0}), HasSubstr("i           =    3\ngisO_%ir(i) =    0\n"));
     EXPECT_THAT(consoleFor({1, 5, 9}), HasSubstr("Should not be here [gisWriteObject] - please contact"));
@@ -265,16 +267,18 @@ TEST_F(MifWriting, AFullDiskIsTold)
     };
     std::filesystem::create_symlink("/dev/full", folder.path() / "out.mif");
     EXPECT_THAT(write(Kind::point, {{1, 2}}),
-                HasSubstr("\nERROR 0439 - Writing .mif file object coordinates.\n\nPress Enter to Close\n"));
+                HasSubstr("\nERROR 0439 - Writing .mif file object coordinates.\n" + kExits));
     std::filesystem::remove(folder.path() / "out.mif");
     std::filesystem::remove(folder.path() / "out.mid");
     std::filesystem::create_symlink("/dev/full", folder.path() / "out.mid");
     EXPECT_THAT(write(Kind::point, {{1, 2}}),
                 HasSubstr("\nERROR 0254 - Failed to write attribute data record for a POINT object "
-                          "in GIS layer.\n\nPress Enter to Close\n"));
+                          "in GIS layer.\n" +
+                          kExits));
     EXPECT_THAT(write(Kind::polyline, {{1, 2}, {3, 4}}),
                 HasSubstr("\nERROR 0254 - Failed to write attribute data record for a PLINE object in GIS "
-                          "layer.\n\nPress Enter to Close\n"));
+                          "layer.\n" +
+                          kExits));
 }
 
 TEST_F(MifWriting, WhatIsWrittenReadsBack)

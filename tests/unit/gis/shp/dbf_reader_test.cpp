@@ -4,6 +4,7 @@
 #include "gis/layer_table.h"
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/shp_bytes.h"
 
 #include <functional>
@@ -21,11 +22,6 @@ using testing::StartsWith;
 using gis::shp::dbfReadHeader;
 using gis::shp::dbfReadRecord;
 using gis::shp::DbfTable;
-
-std::string ending(const std::string& message)
-{
-    return "\n" + message + "\n\nPress Enter to Close\n";
-}
 
 // What a run says behind the header's lines that reads all of a table and shows its lines in brackets.
 ChildRun readTable(const std::string& bytes, std::size_t width = gis::kRecordWidth)
@@ -167,25 +163,25 @@ TEST(DbfReading, WarnsOfTooFewRecords)
 TEST(DbfReading, RefusesMarksThatAreNone)
 {
     EXPECT_EQ(linesOf(dbfHeader(5, {{"N", 'N', 1}}) + " 3X4"),
-              "[3]\n" + ending("ERROR 0406 - Unrecognised record identifier found in .dbf file.\n"
-                               "Character = X [88]\n"
-                               "Data line thus far ="));
+              "[3]\n" + errorEndText("ERROR 0406 - Unrecognised record identifier found in .dbf file.\n"
+                                     "Character = X [88]\n"
+                                     "Data line thus far ="));
     EXPECT_THAT(linesOf(dbfHeader(5, {{"N", 'N', 1}}) + "\xE4" + "4"), HasSubstr("Character = \xE4 [228]\n"));
 }
 
 TEST(DbfReading, RefusesHeadersThatAreNone)
 {
     EXPECT_THAT(readTable(dbfHeader(5, {})).console,
-                EndsWith(ending("ERROR 0319 - No attributes specified in .dbf file.")));
+                EndsWith(errorEndText("ERROR 0319 - No attributes specified in .dbf file.")));
     EXPECT_THAT(readTable(dbfHeader(5, {{"N", 'N', 1}, {"M", 'N', 0}})).console,
-                EndsWith(ending("ERROR 0402 - dbf field length of 0 is outside allowable range of 1 to 255.")));
+                EndsWith(errorEndText("ERROR 0402 - dbf field length of 0 is outside allowable range of 1 to 255.")));
     EXPECT_THAT(readTable(dbfHeader(5, std::vector<DbfColumn>(128, {"N", 'N', 1})) + " ").console, HasSubstr("--\n"));
     EXPECT_THAT(readTable(dbfHeader(5, std::vector<DbfColumn>(129, {"N", 'N', 1}))).console,
-                EndsWith(ending("ERROR 0401 - Exceeded maximum number of dbf Fields.")));
+                EndsWith(errorEndText("ERROR 0401 - Exceeded maximum number of dbf Fields.")));
     // The name of field 129 is enough for that, as the fields are refused one by one.
     EXPECT_THAT(
         readTable(dbfHeader(5, std::vector<DbfColumn>(129, {"N", 'N', 1})).substr(0, 32 + 128 * 32 + 11)).console,
-        EndsWith(ending("ERROR 0401 - Exceeded maximum number of dbf Fields.")));
+        EndsWith(errorEndText("ERROR 0401 - Exceeded maximum number of dbf Fields.")));
 }
 
 TEST(DbfReading, EndsTheRunWhereverTheFileIsCut)
@@ -193,10 +189,10 @@ TEST(DbfReading, EndsTheRunWhereverTheFileIsCut)
     const std::string header = dbfHeader(2, kColumns);
     for (std::size_t size = 0; size < header.size(); size += 3) {
         EXPECT_THAT(readTable(header.substr(0, size)).console,
-                    EndsWith(ending("ERROR 0404 - End of .dbf file encountered whilst reading header.")))
+                    EndsWith(errorEndText("ERROR 0404 - End of .dbf file encountered whilst reading header.")))
             << size;
     }
-    const std::string ended = ending("ERROR 0408 - End of .dbf file encountered whilst reading record.");
+    const std::string ended = errorEndText("ERROR 0408 - End of .dbf file encountered whilst reading record.");
     const std::string records = " ab    1.5T*ab    1.5T";
     for (std::size_t size = 0; size < records.size(); ++size) {
         const std::string want = size < 11 ? ended : size == 11 ? "" : ended;
@@ -220,13 +216,13 @@ TEST(DbfReading, EndsTheRunOnAReadThatTheSystemRefuses)
             .console;
     };
     EXPECT_THAT(consoleOf([](DbfTable& dbf) { dbfReadHeader(dbf); }),
-                EndsWith(ending("ERROR 0403 - Reading .dbf file header.")));
+                EndsWith(errorEndText("ERROR 0403 - Reading .dbf file header.")));
     EXPECT_THAT(consoleOf([](DbfTable& dbf) {
                     bool end = false;
                     std::string line;
                     dbfReadRecord(dbf, end, line, 100);
                 }),
-                EndsWith(ending("ERROR 0407 - Reading .dbf record.")));
+                EndsWith(errorEndText("ERROR 0407 - Reading .dbf record.")));
 }
 
 } // namespace

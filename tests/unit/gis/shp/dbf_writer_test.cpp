@@ -2,6 +2,7 @@
 
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/shp_bytes.h"
 
 #include <ctime>
@@ -22,11 +23,6 @@ using gis::shp::dbfWriteEoF;
 using gis::shp::dbfWriteHeader;
 using gis::shp::i1u;
 using gis::shp::i2u;
-
-std::string ending(const std::string& message)
-{
-    return "\n" + message + "\n\nPress Enter to Close\n";
-}
 
 // Writes a table with these columns and lines; the bytes, or what the console says where the run ends.
 std::string tableOf(const std::vector<Column>& columns, const std::vector<std::string>& lines)
@@ -142,28 +138,30 @@ TEST(DbfWriting, LongLinesAreCut)
 TEST(DbfWriting, RefusesALineThatDoesNotEndItsQuotes)
 {
     EXPECT_THAT(tableOf(kTwo, {"\"abc,1"}),
-                EndsWith(ending("Should not be here [dbfdataline] - please contact SUPPORT_CONTACT.\n\"abc,1")));
+                EndsWith(errorEndText("Should not be here [dbfdataline] - please contact SUPPORT_CONTACT.\n\"abc,1")));
 }
 
 TEST(DbfWriting, RefusesFieldsThatAreNone)
 {
-    EXPECT_THAT(tableOf({}, {}), EndsWith(ending("ERROR 0319 - No attributes specified when writing .dbf file.")));
+    EXPECT_THAT(tableOf({}, {}),
+                EndsWith(errorEndText("ERROR 0319 - No attributes specified when writing .dbf file.")));
     EXPECT_THAT(tableOf(std::vector<Column>(129, {"A", "Integer"}), {}),
-                EndsWith(ending("ERROR 0411 - Exceeded maximum number of dbf Fields trying to write dbf file.")));
+                EndsWith(errorEndText("ERROR 0411 - Exceeded maximum number of dbf Fields trying to write dbf file.")));
     EXPECT_EQ(tableOf(std::vector<Column>(128, {"A", "Integer"}), {}).size(), 32U + 128 * 32 + 1 + 1);
-    EXPECT_THAT(tableOf({{"A", "Integer"}, {"B", "Date"}}, {}),
-                EndsWith(ending("Should not be here [Unrecognised DBF field] - please contact SUPPORT_CONTACT.")));
+    EXPECT_THAT(
+        tableOf({{"A", "Integer"}, {"B", "Date"}}, {}),
+        EndsWith(errorEndText("Should not be here [Unrecognised DBF field] - please contact SUPPORT_CONTACT.")));
     EXPECT_THAT(tableOf({{"A", "Char", 65535}}, {}),
-                EndsWith(ending("Should not be here [dbfTotLen>32767] - please contact SUPPORT_CONTACT.")));
+                EndsWith(errorEndText("Should not be here [dbfTotLen>32767] - please contact SUPPORT_CONTACT.")));
     EXPECT_THAT(tableOf(std::vector<Column>(100, {"A", "Char", 2147483647}), {}),
-                EndsWith(ending("Should not be here [dbfTotLen>32767] - please contact SUPPORT_CONTACT.")));
+                EndsWith(errorEndText("Should not be here [dbfTotLen>32767] - please contact SUPPORT_CONTACT.")));
     for (const int length : {0, 256, 65534}) {
         EXPECT_THAT(tableOf({{"A", "Char", length}}, {}),
-                    EndsWith(ending("ERROR 0412 - dbf field length of " + std::to_string(length) +
-                                    " is outside allowable range of 1 to 255 when writing dbf file.")));
+                    EndsWith(errorEndText("ERROR 0412 - dbf field length of " + std::to_string(length) +
+                                          " is outside allowable range of 1 to 255 when writing dbf file.")));
     }
     EXPECT_THAT(tableOf({{"A", "Char", -5}}, {}),
-                EndsWith(ending("Should not be here [i2u: i4 outside range] - please contact SUPPORT_CONTACT.")));
+                EndsWith(errorEndText("Should not be here [i2u: i4 outside range] - please contact SUPPORT_CONTACT.")));
 }
 
 TEST(DbfWriting, RefusesMoreRecordsThanTheHeaderCanCount)
@@ -179,9 +177,9 @@ TEST(DbfWriting, RefusesMoreRecordsThanTheHeaderCanCount)
         say("count ", dbf.currentRecord);
         dbfdataline(dbf, "abc");
     });
-    EXPECT_THAT(run.console,
-                EndsWith("count 2147483647\n" + ending("ERROR 0419 - Exceeded dbf limit of 2,147,483,647 records.  "
-                                                       "Please contact SUPPORT_CONTACT.")));
+    EXPECT_THAT(run.console, EndsWith("count 2147483647\n" +
+                                      errorEndText("ERROR 0419 - Exceeded dbf limit of 2,147,483,647 records.  "
+                                                   "Please contact SUPPORT_CONTACT.")));
 }
 
 TEST(UnsignedWords, KeepTheirBits)
@@ -200,7 +198,7 @@ TEST(UnsignedWords, RefuseWhatTheyCannotHold)
     const ScratchFolder folder;
     const auto wordsOf = [&](const std::function<void()>& code) { return runInChild(folder, code).console; };
     const auto message = [](const std::string& place) {
-        return ending("Should not be here [" + place + " outside range] - please contact SUPPORT_CONTACT.");
+        return errorEndText("Should not be here [" + place + " outside range] - please contact SUPPORT_CONTACT.");
     };
     EXPECT_EQ(wordsOf([] { i1u(-1); }), message("i1u: i4"));
     EXPECT_EQ(wordsOf([] { i1u(256); }), message("i1u: i4"));

@@ -5,6 +5,7 @@
 #include "gis/layer_table.h"
 #include "host/console.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/sanitizers.h"
 #include "support/shp_bytes.h"
 
@@ -247,15 +248,15 @@ TEST_F(ShpReading, HasNoDefinitionsToGoBackTo)
                           })
             .console;
     };
-    EXPECT_THAT(consoleOf([](gis::OpenLayer& opened) {
-                    std::int32_t count = 0;
-                    gis::goToColumns(opened, count);
-                }),
-                EndsWith("\nShould not be here [gisGotoBeginningOfAttributes] - please contact SUPPORT_CONTACT.\n"
-                         "\nPress Enter to Close\n"));
-    EXPECT_THAT(consoleOf([](gis::OpenLayer& opened) { gis::readColumn(opened); }),
-                EndsWith("\nShould not be here [gisReadAttributeDefinition] - please contact SUPPORT_CONTACT.\n"
-                         "\nPress Enter to Close\n"));
+    EXPECT_THAT(
+        consoleOf([](gis::OpenLayer& opened) {
+            std::int32_t count = 0;
+            gis::goToColumns(opened, count);
+        }),
+        EndsWith("\nShould not be here [gisGotoBeginningOfAttributes] - please contact SUPPORT_CONTACT.\n" + kExits));
+    EXPECT_THAT(
+        consoleOf([](gis::OpenLayer& opened) { gis::readColumn(opened); }),
+        EndsWith("\nShould not be here [gisReadAttributeDefinition] - please contact SUPPORT_CONTACT.\n" + kExits));
 }
 
 // --- What ends the run -----------------------------------------------------------------------------------------------
@@ -291,22 +292,17 @@ std::string endOf(const std::vector<std::string>& records, bool coordinates = tr
     return run.console.substr(header + 15);
 }
 
-std::string ending(const std::string& message)
-{
-    return "\n" + message + "\n\nPress Enter to Close\n";
-}
-
 TEST(ShpReadingEnds, OnShapesThatAreNotSupported)
 {
     EXPECT_EQ(endOf({pointRecord(1, 2), little(11) + reals({1, 2, 3, 4})}),
-              ending("ERROR 0423 - Unsupported .shp object type PointZ [11]"));
+              errorEndText("ERROR 0423 - Unsupported .shp object type PointZ [11]"));
     const std::vector<std::pair<std::int32_t, std::string>> names = {
         {13, "PolyLineZ"}, {15, "PolygonZ"},    {18, "MultiPointZ"},    {21, "PointM"}, {23, "PolyLineM"},
         {25, "PolygonM"},  {28, "MultiPointM"}, {31, "MultiPatch"},     {2, "Unknown"}, {32, "Unknown"},
         {33, "Unknown"},   {-1, "Unknown"},     {2147483647, "Unknown"}};
     for (const auto& [type, name] : names) {
-        EXPECT_EQ(endOf({little(type) + reals({1, 2})}),
-                  ending("ERROR 0423 - Unsupported .shp object type " + name + " [" + std::to_string(type) + "]"));
+        EXPECT_EQ(endOf({little(type) + reals({1, 2})}), errorEndText("ERROR 0423 - Unsupported .shp object type " +
+                                                                      name + " [" + std::to_string(type) + "]"));
     }
 }
 
@@ -315,27 +311,28 @@ TEST(ShpReadingEnds, OnTooManyPartsAndRings)
     const std::string box = reals({0, 0, 0, 0});
     for (const std::int32_t count : {10000, 2147483647}) {
         EXPECT_EQ(endOf({little(3) + box + little(count) + little(5)}),
-                  ending("ERROR 0421 - Exceeded maximum number of parts in a .shp polyline.  Limit is 10000"));
-        EXPECT_EQ(endOf({little(5) + box + little(count) + little(5)}),
-                  ending("ERROR 0422 - Exceeded maximum number of regions within a .shp region.  Limit is 10000"));
+                  errorEndText("ERROR 0421 - Exceeded maximum number of parts in a .shp polyline.  Limit is 10000"));
+        EXPECT_EQ(
+            endOf({little(5) + box + little(count) + little(5)}),
+            errorEndText("ERROR 0422 - Exceeded maximum number of regions within a .shp region.  Limit is 10000"));
     }
     // One less passes here, and the file turns out to be too short for it.
     EXPECT_EQ(endOf({little(3) + box + little(9999) + little(5)}),
-              ending("ERROR 0425 - End of .shp file encountered whilst reading object type."));
+              errorEndText("ERROR 0425 - End of .shp file encountered whilst reading object type."));
     EXPECT_EQ(endOf({little(5) + box + little(9999) + little(5)}),
-              ending("ERROR 0430 - End of .shp file encountered whilst reading object coordinates."));
+              errorEndText("ERROR 0430 - End of .shp file encountered whilst reading object coordinates."));
 }
 
 TEST(ShpReadingEnds, OnTooManyVertices)
 {
     const std::string words = "ERROR 0310 - Exceeded number of allowable nodes in a single .shp polyline or region.\n"
                               "             Requested       6        Limit       5";
-    EXPECT_EQ(endOf({partsRecord(3, {0}, std::vector<double>(12))}, true, 5), ending(words));
+    EXPECT_EQ(endOf({partsRecord(3, {0}, std::vector<double>(12))}, true, 5), errorEndText(words));
     // Rings count their slots: 4 vertices and 2 rings.
-    EXPECT_EQ(endOf({partsRecord(5, {0, 2}, std::vector<double>(8))}, true, 5), ending(words));
+    EXPECT_EQ(endOf({partsRecord(5, {0, 2}, std::vector<double>(8))}, true, 5), errorEndText(words));
     EXPECT_EQ(endOf({partsRecord(5, {0}, {}).substr(0, 40) + little(2147483647) + little(0)}, true, 1000000),
-              ending("ERROR 0310 - Exceeded number of allowable nodes in a single .shp polyline or region.\n"
-                     "             Requested********        Limit 1000000"));
+              errorEndText("ERROR 0310 - Exceeded number of allowable nodes in a single .shp polyline or region.\n"
+                           "             Requested********        Limit 1000000"));
 }
 
 TEST(ShpReadingEnds, OnPartsThatDoNotRise)
@@ -343,7 +340,7 @@ TEST(ShpReadingEnds, OnPartsThatDoNotRise)
     const std::vector<double> four(8);
     const auto words = [](int points) {
         return "ERROR - Parts of an object do not rise within its points in .shp file: l.shp  Points: " +
-               std::to_string(points) + "\n\nPress Enter to Close\n";
+               std::to_string(points) + "\n" + kExits;
     };
     const std::vector<std::vector<std::int32_t>> tables = {
         {0, 3, 2}, {0, 5}, {-1, 2}, {0, -2147483647 - 1}, {2147483647, 0}, {0, 2147483647}};
@@ -362,25 +359,22 @@ TEST(ShpReadingEnds, OnCountsBelowZero)
 {
     const std::string box = reals({0, 0, 0, 0});
     EXPECT_EQ(endOf({little(3) + box + little(-1) + little(5)}),
-              "ERROR - Number of parts of a polyline is below 0 in .shp file: l.shp  Number: -1\n\n"
-              "Press Enter to Close\n");
+              "ERROR - Number of parts of a polyline is below 0 in .shp file: l.shp  Number: -1\n" + kExits);
     EXPECT_EQ(endOf({little(5) + box + little(-2147483647 - 1) + little(5)}),
-              "ERROR - Number of rings of a region is below 0 in .shp file: l.shp  Number: -2147483648\n\n"
-              "Press Enter to Close\n");
+              "ERROR - Number of rings of a region is below 0 in .shp file: l.shp  Number: -2147483648\n" + kExits);
     EXPECT_EQ(endOf({little(5) + box + little(1) + little(-5) + little(0)}),
-              "ERROR - Number of points of a region is below 0 in .shp file: l.shp  Number: -5\n\n"
-              "Press Enter to Close\n");
+              "ERROR - Number of points of a region is below 0 in .shp file: l.shp  Number: -5\n" + kExits);
 }
 
 TEST(ShpReadingEnds, OnMorePartsReadThanThereAre)
 {
     EXPECT_EQ(endOf({little(3) + reals({0, 0, 0, 0}) + little(0) + little(0)}),
-              "ERROR - More parts read than a polyline has in .shp file: l.shp  Parts: 0\n\nPress Enter to Close\n");
+              "ERROR - More parts read than a polyline has in .shp file: l.shp  Parts: 0\n" + kExits);
 }
 
 TEST(ShpReadingEnds, OnAFileWithoutRecords)
 {
-    EXPECT_EQ(endOf({}), ending("ERROR 0425 - End of .shp file encountered whilst reading object type."));
+    EXPECT_EQ(endOf({}), errorEndText("ERROR 0425 - End of .shp file encountered whilst reading object type."));
 }
 
 TEST(ShpReadingEnds, OnAShapeTypeThatIsNone)
@@ -394,7 +388,7 @@ TEST(ShpReadingEnds, OnAShapeTypeThatIsNone)
         gis::Coordinates c;
         readCoordinates(input, object, c, 10, true);
     });
-    EXPECT_EQ(run.console, ending("Should not be here [shpReadObject].  Please contact SUPPORT_CONTACT."));
+    EXPECT_EQ(run.console, errorEndText("Should not be here [shpReadObject].  Please contact SUPPORT_CONTACT."));
 }
 
 // The memory of a process opens like a file and refuses to be read at its start.
@@ -412,15 +406,15 @@ TEST(ShpReadingEnds, OnAReadThatTheSystemRefuses)
             .console;
     };
     EXPECT_THAT(consoleOf([](gis::shp::ShpInput& input, gis::LayerObject&) { readHeader(input); }),
-                EndsWith(ending("ERROR 0427 - Reading .shp file header.")));
+                EndsWith(errorEndText("ERROR 0427 - Reading .shp file header.")));
     EXPECT_THAT(consoleOf([](gis::shp::ShpInput& input, gis::LayerObject& object) { readKind(input, object); }),
-                EndsWith(ending("ERROR 0424 - Reading .shp file object type.")));
+                EndsWith(errorEndText("ERROR 0424 - Reading .shp file object type.")));
     EXPECT_THAT(consoleOf([](gis::shp::ShpInput& input, gis::LayerObject& object) {
                     gis::Coordinates c;
                     input.shp.recordShapeType = 1;
                     readCoordinates(input, object, c, 10, true);
                 }),
-                EndsWith(ending("ERROR 0429 - Reading .shp file object coordinates.")));
+                EndsWith(errorEndText("ERROR 0429 - Reading .shp file object coordinates.")));
 }
 
 TEST(ShpReadingEnds, WhereverTheFileIsCut)
@@ -455,7 +449,7 @@ TEST(ShpReadingEnds, WhereverTheFileIsCut)
         ASSERT_EQ(run.status, 0) << size;
         ASSERT_EQ(run.ended, !want.empty()) << size << run.console;
         if (run.ended) {
-            ASSERT_THAT(run.console, EndsWith(ending(want))) << size;
+            ASSERT_THAT(run.console, EndsWith(errorEndText(want))) << size;
         }
     }
 }
@@ -499,7 +493,7 @@ TEST(ShpReadingEnds, OnBytesChangedAtRandom)
         });
         ASSERT_EQ(run.status, 0) << run.console;
         ASSERT_EQ(run.errors, "");
-        ASSERT_THAT(run.console, HasSubstr(run.ended ? "\n\nPress Enter to Close\n" : "\nobjects "));
+        ASSERT_THAT(run.console, HasSubstr(run.ended ? "\n" + kExits : "\nobjects "));
         if (run.ended) {
             ASSERT_THAT(run.console, HasSubstr("\nERROR "));
         }

@@ -2,6 +2,7 @@
 
 #include "gis/layer_table.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/shp_bytes.h"
 #include "support/write_layer.h"
 
@@ -228,11 +229,6 @@ std::string lastWords(const ScratchFolder& folder, const std::function<void()>& 
     return run.console;
 }
 
-std::string ending(const std::string& message)
-{
-    return "\n" + message + "\n\nPress Enter to Close\n";
-}
-
 // What the run says last, when `code` ends it on the files of a layer of the letters.
 std::string lastWordsOn(const ScratchFolder& folder, const char* letters,
                         const std::function<void(gis::shp::ShpOutput&)>& code)
@@ -248,20 +244,21 @@ TEST(ShpWriter, RefusesKindsThatHaveNoPlace)
     const ScratchFolder folder;
     const gis::Feature ellipse = featureOf(Kind::ellipse, {{1, 1}});
     EXPECT_THAT(lastWordsOn(folder, "P", [&](gis::shp::ShpOutput& output) { writeObject(output, ellipse); }),
-                EndsWith(ending("Should not be here [gisWriteObject-shp].  Please contact SUPPORT_CONTACT.")));
+                EndsWith(errorEndText("Should not be here [gisWriteObject-shp].  Please contact SUPPORT_CONTACT.")));
     EXPECT_THAT(lastWordsOn(folder, "P",
                             [](gis::shp::ShpOutput& output) { writeRecord(output, featureOf(Kind::rectangle, {})); }),
-                EndsWith(ending("Should not be here [gisWriteRecord-dbf].  Please contact SUPPORT_CONTACT.")));
-    EXPECT_THAT(lastWordsOn(folder, "P",
-                            [](gis::shp::ShpOutput& output) { writeObject(output.sets[0], featureOf(Kind::arc, {})); }),
-                EndsWith(ending("ERROR 0350 - Trying to write a SHP object that is not yet supported.  Please contact "
-                                "SUPPORT_CONTACT.")));
+                EndsWith(errorEndText("Should not be here [gisWriteRecord-dbf].  Please contact SUPPORT_CONTACT.")));
+    EXPECT_THAT(
+        lastWordsOn(folder, "P",
+                    [](gis::shp::ShpOutput& output) { writeObject(output.sets[0], featureOf(Kind::arc, {})); }),
+        EndsWith(errorEndText("ERROR 0350 - Trying to write a SHP object that is not yet supported.  Please contact "
+                              "SUPPORT_CONTACT.")));
 }
 
 TEST(ShpWriter, RefusesAKindTheLayerWasNotOpenedFor)
 {
     const ScratchFolder folder;
-    const std::string message = ending("Should not be here [shpnotopen] - please contact SUPPORT_CONTACT.");
+    const std::string message = errorEndText("Should not be here [shpnotopen] - please contact SUPPORT_CONTACT.");
     EXPECT_THAT(lastWords(folder,
                           [] {
                               LayerWriter layer = create("PL");
@@ -307,12 +304,14 @@ TEST(ShpWriter, TellsAHeaderThatCannotBeWritten)
     for (const char* name : {"l_P.shp", "l_P.shx"}) {
         std::filesystem::remove(folder.path() / name);
         std::filesystem::create_symlink("/dev/full", folder.path() / name);
-        EXPECT_THAT(lastWords(folder, [] { create("P"); }), EndsWith(ending("ERROR 0437 - Writing .shp file header.")));
+        EXPECT_THAT(lastWords(folder, [] { create("P"); }),
+                    EndsWith(errorEndText("ERROR 0437 - Writing .shp file header.")));
         std::filesystem::remove(folder.path() / name);
     }
     std::filesystem::remove(folder.path() / "l_P.dbf");
     std::filesystem::create_symlink("/dev/full", folder.path() / "l_P.dbf");
-    EXPECT_THAT(lastWords(folder, [] { create("P"); }), EndsWith(ending("ERROR 0413 - Writing .dbf file header.")));
+    EXPECT_THAT(lastWords(folder, [] { create("P"); }),
+                EndsWith(errorEndText("ERROR 0413 - Writing .dbf file header.")));
 }
 
 TEST(ShpWriter, TellsObjectsAndRecordsThatCannotBeWritten)
@@ -325,7 +324,7 @@ TEST(ShpWriter, TellsObjectsAndRecordsThatCannotBeWritten)
                               write(layer, Kind::polyline, std::vector<Vertex>(2000));
                               layer.close();
                           }),
-                EndsWith(ending("ERROR 0439 - Writing .shp file object coordinates.")));
+                EndsWith(errorEndText("ERROR 0439 - Writing .shp file object coordinates.")));
 
     // The table is 32 + 2 * 32 + 1 bytes and 12 for each record, and then one to close it.
     constexpr int kRecords = 2000;
