@@ -47,7 +47,8 @@ public:
     void start(std::chrono::milliseconds limit = std::chrono::seconds(60));
     // As start, for a run that is meant to be ended by a signal, or may be.
     void startForSignal(std::chrono::milliseconds limit = std::chrono::seconds(60));
-    // For runs that are meant not to end: stops the run after `time`. False where it ended by itself.
+    // For runs that are meant not to end, of which nothing can be waited for: stops the run after `time`. False where it
+    // ended by itself.
     bool stillRunsAfter(std::chrono::milliseconds time);
 
     // After the run

@@ -1,11 +1,15 @@
 #include "host/folder_names.h"
 
+#include "host/system.h"
 #include "support/scratch_folder.h"
 
+#include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <thread>
+#include <string>
+#include <vector>
 
 namespace gridforge {
 namespace {
@@ -31,18 +35,59 @@ TEST(FolderNames, FindsNamesInAnyCase)
     EXPECT_THAT(names.inAnyCase(folder.path() / "none", "a.asc"), IsEmpty());
 }
 
-// Time stamps step by some milliseconds, so a folder is left alone for longer than that before and after each listing.
-class KeptListing : public testing::TestWithParam<std::chrono::milliseconds> {};
+// The system with a clock that may be ahead by an hour, for which every folder has long been left alone, and a count of the
+// listings.
+class AheadByAnHour {
+public:
+    explicit AheadByAnHour(bool ahead)
+    {
+        static System system;
+        system = nativeSystem();
+        system.list = [](const std::string& folder, std::vector<std::string>& names) {
+            ++listings;
+            return nativeSystem().list(folder, names);
+        };
+        if (ahead) {
+            system.now = [] { return nativeSystem().now() + nanoseconds(1h).count(); };
+        }
+        listings = 0;
+        useSystem(system);
+    }
+    ~AheadByAnHour() { useSystem(nativeSystem()); }
+    AheadByAnHour(const AheadByAnHour&) = delete;
+    AheadByAnHour& operator=(const AheadByAnHour&) = delete;
+
+    static inline int listings = 0;
+};
+
+// Returns once a change gets another time stamp than those before: the stamps of files step by some milliseconds.
+void waitForNextStamp()
+{
+    const ScratchFolder folder;
+    const auto stamp = [&] {
+        folder.give("file", "");
+        return factsOf((folder.path() / "file").string())->lastChange;
+    };
+    const std::int64_t first = stamp();
+    while (stamp() == first) {
+    }
+}
+
+class KeptListing : public testing::TestWithParam<bool> {};
 
 TEST_P(KeptListing, ShowsEachChange)
 {
+    const AheadByAnHour system(GetParam());
     const ScratchFolder folder;
     const ScratchFolder other;
     folder.give("a", "");
     FolderNames names(nanoseconds(20ms).count());
     const auto find = [&](const ScratchFolder& in) {
-        std::this_thread::sleep_for(GetParam());
-        return names.inAnyCase(in.path(), "A");
+        const std::vector<std::string> found = names.inAnyCase(in.path(), "A");
+        if (GetParam()) {
+            waitForNextStamp();
+        }
+        return found;
     };
     EXPECT_THAT(find(folder), ElementsAre("a"));
     EXPECT_THAT(find(folder), ElementsAre("a"));
@@ -54,26 +99,22 @@ TEST_P(KeptListing, ShowsEachChange)
     EXPECT_THAT(find(folder), ElementsAre("A"));
 }
 
-INSTANTIATE_TEST_SUITE_P(AtOnceAndAfterAWhile, KeptListing, testing::Values(0ms, 60ms));
+INSTANTIATE_TEST_SUITE_P(AtOnceAndAfterAWhile, KeptListing, testing::Bool());
 
-// The time of a large folder's listing, at least a hundred times a question of its state: 200 questions about a kept
-// listing cost less than 200 listings by far.
 TEST(FolderNames, KeepsTheListingOfAFolderThatHasSettled)
 {
     const ScratchFolder folder;
-    for (int i = 0; i < 1000; ++i) {
-        folder.give("file" + std::to_string(i), "");
-    }
-    std::this_thread::sleep_for(60ms);
-    const auto timeOf = [&](nanoseconds settled) {
-        FolderNames names(settled.count());
-        const auto start = std::chrono::steady_clock::now();
-        for (int i = 0; i < 200; ++i) {
+    folder.give("file", "");
+    const auto listingsOf = [&](bool ahead) {
+        const AheadByAnHour system(ahead);
+        FolderNames names(nanoseconds(30min).count());
+        for (int i = 0; i < 5; ++i) {
             EXPECT_THAT(names.inAnyCase(folder.path(), "none"), IsEmpty());
         }
-        return std::chrono::steady_clock::now() - start;
+        return AheadByAnHour::listings;
     };
-    EXPECT_LT(timeOf(20ms) * 5, timeOf(1h)); // a listing that is an hour too young is never kept
+    EXPECT_EQ(listingsOf(true), 1);
+    EXPECT_EQ(listingsOf(false), 5); // a listing of a folder that has just changed is never kept
 }
 
 } // namespace
