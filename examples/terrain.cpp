@@ -316,7 +316,8 @@ Valley makeValley(int columns, int rows, std::uint64_t seed)
     std::vector<bool> isRiver(ground.values.size());
     for (int r = 0; r < rows; ++r) {
         for (int c = 0; c < columns; ++c) {
-            const auto at = static_cast<std::size_t>(r * columns + c);
+            const auto at =
+                static_cast<std::size_t>(r) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(c);
             const double away = std::abs(r - plan.axis(c)) / plan.halfWidth(c);
             isRiver[at] = river.distance.at(c, r) < 0.8;
             const double fall = kFall * (1 - static_cast<double>(c) / columns);

@@ -2,8 +2,6 @@
 """Tests of scripts/bench on made-up figures: what counts as worse, and what the page says."""
 import argparse
 import contextlib
-import importlib.machinery
-import importlib.util
 import io
 import json
 import os
@@ -13,16 +11,9 @@ import tempfile
 import unittest
 
 sys.dont_write_bytecode = True
-SCRIPTS = os.path.join(os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)))), "scripts")
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "support"))
 
-
-def loaded(name):
-    """A script as a module."""
-    loader = importlib.machinery.SourceFileLoader(name, os.path.join(SCRIPTS, name))
-    module = importlib.util.module_from_spec(importlib.util.spec_from_loader(name, loader))
-    loader.exec_module(module)
-    return module
-
+from script_module import SCRIPTS, loaded  # noqa: E402
 
 bench = loaded("bench")
 import inputs  # noqa: E402  bench shows where

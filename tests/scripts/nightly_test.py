@@ -1,7 +1,5 @@
 #!/usr/bin/env python3
 """Tests of scripts/nightly: which steps run, for how long, and which results are kept."""
-import importlib.machinery
-import importlib.util
 import json
 import os
 import sys
@@ -9,17 +7,9 @@ import tempfile
 import unittest
 
 sys.dont_write_bytecode = True
-SCRIPTS = os.path.join(os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)))), "scripts")
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "support"))
 
-
-def loaded(name):
-    """A script as a module."""
-    loader = importlib.machinery.SourceFileLoader(name, os.path.join(SCRIPTS, name))
-    module = importlib.util.module_from_spec(importlib.util.spec_from_loader(name, loader))
-    sys.modules[name] = module
-    loader.exec_module(module)
-    return module
-
+from script_module import loaded  # noqa: E402
 
 nightly = loaded("nightly")
 nightly.commit = lambda: "0123456789"
