@@ -7,13 +7,8 @@
 
 #include <gtest/gtest.h>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::ChildRun;
-using test::kExits;
-using test::runInChild;
-using test::ScratchFolder;
 
 const std::string kOpened = "Trying to open file a.asc...OK.\nOpened File Unit:1001\n";
 
@@ -217,4 +212,4 @@ TEST(WriteAscHeaderText, WritesFixedFields)
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

@@ -8,13 +8,8 @@
 
 #include <gtest/gtest.h>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::ChildRun;
-using test::kExits;
-using test::runInChild;
-using test::ScratchFolder;
 
 GridHeader headerOf(std::int32_t nrows, std::int32_t ncols)
 {
@@ -170,4 +165,4 @@ TEST(CompareGridDimensions, ADifferenceOfExactlyTheTolerancePasses)
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

@@ -9,14 +9,8 @@
 #include <new>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::ChildRun;
-using test::kEnter;
-using test::kExits;
-using test::runInChild;
-using test::ScratchFolder;
 
 TEST(Console, AMessageEndsAnOpenLine)
 {
@@ -107,4 +101,4 @@ TEST(Ends, AnExceptionOutOfARunIsAMessage)
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

@@ -10,13 +10,8 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::ChildRun;
-using test::kExits;
-using test::runInChild;
-using test::ScratchFolder;
 
 const std::string kOpened = "Trying to open file a.dmg...OK.\nOpened File Unit:1001\n";
 
@@ -96,4 +91,4 @@ TEST(FromColumn, IsTheCommandFromTheColumnOnAndBlankPastItsEnd)
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

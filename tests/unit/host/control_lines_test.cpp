@@ -10,13 +10,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::ChildRun;
-using test::kExits;
-using test::runInChild;
-using test::ScratchFolder;
 
 const std::string kOpened = "Trying to open file a.dmg...OK.\nOpened File Unit:1001\n";
 
@@ -198,4 +193,4 @@ TEST(Extractreal, EndsTheRunOnWhatIsNoReal)
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

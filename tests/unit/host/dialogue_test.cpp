@@ -7,14 +7,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::ChildRun;
-using test::kEnter;
-using test::kExits;
-using test::runInChild;
-using test::ScratchFolder;
 
 TEST(Dialogue, AQuestionTakesOneLineCutAt1000)
 {
@@ -69,4 +63,4 @@ TEST(Dialogue, ARetryAtTheEndOfInputEndsTheRun)
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

@@ -9,13 +9,8 @@
 #include <string>
 #include <string_view>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::ChildRun;
-using test::kExits;
-using test::runInChild;
-using test::ScratchFolder;
 
 constexpr TableForm kForm{.unreadable = "Unreadable:", .mostRows = 2, .tooMany = "Too many."};
 
@@ -80,4 +75,4 @@ TEST(TableRows, ARefusedReadOfTheHeadingEndsTheRunThereOrAtTheFirstRow)
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

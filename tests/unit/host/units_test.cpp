@@ -10,13 +10,8 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::ChildRun;
-using test::kExits;
-using test::runInChild;
-using test::ScratchFolder;
 
 TEST(Opener, ReadsAnInputAndTellsItsUnit)
 {
@@ -516,4 +511,4 @@ TEST(Units, MoreBytesThanTheBufferHoldsAreReadWholeOrNotAtAll)
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

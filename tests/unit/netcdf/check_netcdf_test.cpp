@@ -8,13 +8,8 @@
 #include <netcdf.h>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::ChildRun;
-using test::kExits;
-using test::runInChild;
-using test::ScratchFolder;
 
 TEST(CheckNetcdf, NothingIsSaidOfSuccess)
 {
@@ -55,4 +50,4 @@ TEST(CheckNetcdf, ALongReasonIsCutAtEightyCharacters)
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test
