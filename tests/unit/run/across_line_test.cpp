@@ -1,6 +1,7 @@
 #include "run/across_line.h"
 
 #include "sampling/lp.h"
+#include "support/lattice.h"
 
 #include <algorithm>
 #include <array>
@@ -12,21 +13,9 @@
 namespace gridforge::test {
 namespace {
 
-GridHeader header(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
-{
-    GridHeader h;
-    h.nrows = nrows;
-    h.ncols = ncols;
-    h.xll = xll;
-    h.yll = yll;
-    h.cellsize = cellsize;
-    h.cellsize8 = static_cast<double>(cellsize);
-    return h;
-}
-
 TEST(SamplesToSide, RoundsUpPastTheSearchDistance)
 {
-    const GridHeader h = header(10, 10, 0, 0, 2.0F);
+    const GridHeader h = headerOf(10, 10, 0, 0, 2.0F);
     EXPECT_EQ(run::samplesToSide(h, 7.0F, 0.5F), 2); // 1.75 + 1
     EXPECT_EQ(run::samplesToSide(h, 7.0F, 1.0F), 4); // 3.5 + 1
     EXPECT_EQ(run::samplesToSide(h, 8.0F, 0.5F), 3); // 2 + 1
@@ -37,7 +26,7 @@ TEST(SamplesToSide, RoundsUpPastTheSearchDistance)
 
 TEST(AcrossLine, StepsOneCellAlongTheAngle)
 {
-    const GridHeader h = header(10, 10, 100, 200, 2.0F);
+    const GridHeader h = headerOf(10, 10, 100, 200, 2.0F);
     const run::AcrossLine north = run::acrossLine(h, 105, 207, 90.0F);
     EXPECT_EQ(north.sampleX(3), 105);
     EXPECT_EQ(north.sampleY(3), 213);
@@ -47,7 +36,7 @@ TEST(AcrossLine, StepsOneCellAlongTheAngle)
 
 TEST(SampleCell, RoundsToTheCellWhoseCornerIsNearest)
 {
-    const GridHeader h = header(10, 10, 100, 200, 2.0F);
+    const GridHeader h = headerOf(10, 10, 100, 200, 2.0F);
     const run::AcrossLine line =
         run::acrossLine(h, 105.1, 206.9, 0.0F); // (105.1 - 100) / 2 = 2.55, (206.9 - 200) / 2 = 3.45
     EXPECT_EQ(run::sampleCell(line, h, 0).column, 3);
@@ -97,7 +86,7 @@ TEST(Samples, FindWhatThePlainLoopsFind)
     for (int round = 0; round < 3000; ++round) {
         const auto size = [&] { return 1 + static_cast<std::int32_t>(unit(random) * 60); };
         const float cellsize = std::array{1.0F, 0.99993681F, 2.5F}[random() % 3];
-        GridHeader h = header(size(), size(), 499403.841857712, 1173739.2532704433, cellsize);
+        GridHeader h = headerOf(size(), size(), 499403.841857712, 1173739.2532704433, cellsize);
         Grid cells;
         ASSERT_TRUE(cells.allocate(h.nrows, h.ncols));
         std::ranges::generate(cells.cells(), [&] {
@@ -123,7 +112,7 @@ TEST(Samples, FindWhatThePlainLoopsFind)
 
 TEST(Samples, AVastSearchDistanceCostsNothing)
 {
-    const GridHeader h = header(3, 3, 0, 0, 1.0F);
+    const GridHeader h = headerOf(3, 3, 0, 0, 1.0F);
     Grid cells;
     ASSERT_TRUE(cells.allocate(3, 3));
     cells(2, 2) = -5;
@@ -137,7 +126,7 @@ TEST(Samples, AVastSearchDistanceCostsNothing)
 
 TEST(Samples, APlaceThatIsNoNumberIsOffTheGrid)
 {
-    const GridHeader h = header(3, 3, 0, 0, 1.0F);
+    const GridHeader h = headerOf(3, 3, 0, 0, 1.0F);
     Grid cells;
     ASSERT_TRUE(cells.allocate(3, 3));
     const double none = std::numeric_limits<double>::quiet_NaN();

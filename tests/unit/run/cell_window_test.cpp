@@ -1,27 +1,17 @@
 #include "run/cell_window.h"
 
+#include "support/lattice.h"
+
 #include <gtest/gtest.h>
 #include <limits>
 
 namespace gridforge::test {
 namespace {
 
-GridHeader header(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
-{
-    GridHeader h;
-    h.nrows = nrows;
-    h.ncols = ncols;
-    h.xll = xll;
-    h.yll = yll;
-    h.cellsize = cellsize;
-    h.cellsize8 = static_cast<double>(cellsize);
-    return h;
-}
-
 TEST(SearchWindow, IsCutBelowAndRoundedUpAbove)
 {
     // Columns (113 - 2 - 100) / 2 = 5.5 and (113 + 2 - 100) / 2 = 7.5; rows (56 - 2 - 50) / 2 = 2 and 4.
-    const run::CellWindow window = run::searchWindow(header(20, 20, 100, 50, 2.0F), 113, 56, 4.0F);
+    const run::CellWindow window = run::searchWindow(headerOf(20, 20, 100, 50, 2.0F), 113, 56, 4.0F);
     EXPECT_EQ(window.firstColumn, 5);
     EXPECT_EQ(window.lastColumn, 8);
     EXPECT_EQ(window.firstRow, 2);
@@ -30,7 +20,7 @@ TEST(SearchWindow, IsCutBelowAndRoundedUpAbove)
 
 TEST(SearchWindow, TouchesTheEdgeFromRowOrColumnNothing)
 {
-    const GridHeader h = header(10, 10, 0, 0, 1.0F);
+    const GridHeader h = headerOf(10, 10, 0, 0, 1.0F);
     EXPECT_TRUE(run::isWithinGrid(run::searchWindow(h, 5, 5, 8.0F), h));     // 1 to 9
     EXPECT_FALSE(run::isWithinGrid(run::searchWindow(h, 4.9, 5, 8.0F), h));  // column 0.9
     EXPECT_FALSE(run::isWithinGrid(run::searchWindow(h, 5, 4.9, 8.0F), h));  // row 0.9
@@ -42,7 +32,7 @@ TEST(SearchWindow, TouchesTheEdgeFromRowOrColumnNothing)
 
 TEST(SearchWindow, FarAndStrangePointsLieOutside)
 {
-    const GridHeader h = header(10, 10, 0, 0, 1.0F);
+    const GridHeader h = headerOf(10, 10, 0, 0, 1.0F);
     const double huge = 1e300;
     const double none = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(run::isWithinGrid(run::searchWindow(h, huge, 5, 2.0F), h));
@@ -53,7 +43,7 @@ TEST(SearchWindow, FarAndStrangePointsLieOutside)
 
 TEST(CellPlaces, CornersLieHalfACellNorthEastOfCentres)
 {
-    const GridHeader h = header(10, 10, 100, 200, 2.0F);
+    const GridHeader h = headerOf(10, 10, 100, 200, 2.0F);
     EXPECT_EQ(run::cornerX(h, 3), 106);
     EXPECT_EQ(run::cornerY(h, 1), 202);
     EXPECT_EQ(run::centreX(h, 3), 105);
