@@ -57,8 +57,9 @@ Network manyBranches(std::int64_t count)
     const auto columns = static_cast<std::int64_t>(std::ceil(std::sqrt(static_cast<double>(count))));
     Network network;
     for (std::int64_t b = 0; b < count; ++b) {
+        const std::int64_t row = b / columns;
         const auto x0 = static_cast<double>(b % columns) * 250;
-        const auto y0 = static_cast<double>(b / columns) * 40;
+        const auto y0 = static_cast<double>(row) * 40;
         std::vector<double> x;
         std::vector<double> y;
         for (int v = 0; v < kVertices; ++v) {
@@ -144,8 +145,7 @@ void plainMatch(network::NbcBranches& branches, network::NbcSections& sections)
     for (network::NbcSection& section : sections.all) {
         section.snapped = false;
         section.intersected = false;
-        for (std::size_t b = 0; b < branches.all.size(); ++b) {
-            const network::NbcBranch& branch = branches.all[b];
+        for (const network::NbcBranch& branch : branches.all) {
             const Box& e = branch.extent;
             const Box& s = section.extent;
             if (e.xmin > s.xmax || e.ymin > s.ymax || e.xmax < s.xmin || e.ymax < s.ymin) {

@@ -63,7 +63,7 @@ BENCHMARK(plain)->Arg(12)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond)
 
 void prepared(benchmark::State& state)
 {
-    const Star star_ = star(state.range(0));
+    const Star drawn = star(state.range(0));
     std::vector<double> px(kCells);
     for (std::size_t i = 0; i < px.size(); ++i) {
         px[i] = static_cast<double>(i);
@@ -71,13 +71,13 @@ void prepared(benchmark::State& state)
     std::vector<std::uint8_t> inside(kCells);
     PreparedRegion region;
     for (auto _ : state) {
-        prepareRing(star_.x, star_.y, star_.xmin, region);
+        prepareRing(drawn.x, drawn.y, drawn.xmin, region);
         for (int row = 0; row < kCells; ++row) {
             insideRegionRow(region, row, px, inside);
             benchmark::DoNotOptimize(inside.data());
         }
         if (!insideRegion(region, 500, 500) ||
-            INSIDE_POLYGON_8(499, 77, star_.x, star_.y, star_.np(), 0, star_.ir, 1) != insideRegion(region, 499, 77)) {
+            INSIDE_POLYGON_8(499, 77, drawn.x, drawn.y, drawn.np(), 0, drawn.ir, 1) != insideRegion(region, 499, 77)) {
             state.SkipWithError("the prepared region is wrong");
         }
     }

@@ -90,7 +90,7 @@ private:
     {
         const char* const given = std::getenv("GRIDFORGE_BENCH_FOLDER");
         const auto base = given == nullptr ? std::filesystem::temp_directory_path() : std::filesystem::path(given);
-        const auto folder = base / ("remap_bench_" + std::to_string(getpid()));
+        auto folder = base / ("remap_bench_" + std::to_string(getpid()));
         std::filesystem::create_directory(folder);
         return folder;
     }

@@ -28,7 +28,8 @@ std::string textOf(const char* form)
     std::vector<char> line(128);
     for (std::size_t i = 0; i < kPoints; ++i) {
         const double x = 293000.0 + 2.0 * static_cast<double>(i % kColumns);
-        const double y = 6178000.0 + 2.0 * static_cast<double>(i / kColumns);
+        const std::size_t row = i / kColumns;
+        const double y = 6178000.0 + 2.0 * static_cast<double>(row);
         const double z = static_cast<double>(random() % 200000) / 1000 - 20;
         text.append(line.data(), static_cast<std::size_t>(std::snprintf(line.data(), line.size(), form, x, y, z)));
     }

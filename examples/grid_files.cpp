@@ -32,7 +32,7 @@ void appendText(std::int64_t thousandthsOfIt, std::string& line)
 {
     char digits[24];
     int count = 0;
-    std::uint64_t left = static_cast<std::uint64_t>(thousandthsOfIt < 0 ? -thousandthsOfIt : thousandthsOfIt);
+    auto left = static_cast<std::uint64_t>(thousandthsOfIt < 0 ? -thousandthsOfIt : thousandthsOfIt);
     do {
         digits[count++] = static_cast<char>('0' + left % 10);
         left /= 10;
