@@ -18,4 +18,16 @@ set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3 (>= 3.9)") # of gridforge-run and its like
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "python3-gdal, python3-numpy, python3-matplotlib") # of gridforge-prepare and gridforge-picture
+if(NOT GRIDFORGE_LINK_NETCDF)
+  # Libraries that are loaded at run time are not seen in the executable.
+  file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package_depends.cmake @ONLY CONTENT [[
+file(WRITE "@PROJECT_BINARY_DIR@/package_depends/debian/control" "Source: gridforge\n\nPackage: gridforge\nArchitecture: any\n")
+execute_process(COMMAND dpkg-shlibdeps -O "-e@PROJECT_BINARY_DIR@/libgridforge_needs.so"
+  WORKING_DIRECTORY "@PROJECT_BINARY_DIR@/package_depends" OUTPUT_VARIABLE needed COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "lib(netcdf|hdf5)[^,\n]*" libraries "${needed}")
+list(JOIN libraries ", " libraries)
+string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", ${libraries}")
+]])
+  set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_BINARY_DIR}/package_depends.cmake)
+endif()
 include(CPack)

@@ -114,6 +114,11 @@ const System& nativeSystem();
 PageSource nativePages() noexcept;
 // False where the system asks programs to do without AVX2, whatever the processor has.
 bool nativeAvx2() noexcept;
+// Loads a shared library into the process, as if the executable were linked with it. The reason if that fails. Only `posix` has
+// these two; a build for another system links what it needs.
+std::optional<std::string> loadLibrary(const char* name);
+// The routine or variable of this name, where the linker would find it; null if there is none.
+void* findLoaded(const char* name);
 // Called first in the tool, so that no file gets the number of a standard stream and no signal ends a run that writes.
 void prepareProcess();
 // Runs `work`, and abandons it if it reads or writes memory that is missing.

@@ -4,10 +4,10 @@
 #include "host/threads.h"
 #include "netcdf/check_netcdf.h"
 #include "netcdf/layout.h"
+#include "netcdf/library.h"
 
 #include <algorithm>
 #include <array>
-#include <netcdf.h>
 
 namespace gridforge::netcdf {
 
@@ -147,8 +147,8 @@ void CellWriter::writeBands(std::optional<std::int32_t> position, const grid::Ce
         }
         const std::array<std::size_t, 3> start{static_cast<std::size_t>(position.value_or(1) - 1), row, 0};
         const std::array<std::size_t, 3> count{1, taken, ncols_};
-        checkNetcdf(nc_put_vara_float(variable_.file, variable_.id, start.data() + skipped, count.data() + skipped,
-                                      cells->data()),
+        checkNetcdf(library().nc_put_vara_float(variable_.file, variable_.id, start.data() + skipped,
+                                                count.data() + skipped, cells->data()),
                     call_);
     }
 }

@@ -1,10 +1,10 @@
 #include "netcdf/check_netcdf.h"
 
 #include "host/ends.h"
+#include "netcdf/library.h"
 
 #include <cstddef>
 #include <cstdlib>
-#include <netcdf.h>
 
 namespace gridforge::netcdf {
 
@@ -28,8 +28,13 @@ void checkNetcdf(int status, std::string_view call)
     if (status == NC_EHDFERR) {
         replaceProcessEnd(endWithoutCleanUp);
     }
+    failNetcdf(call, cut(library().nc_strerror(status), kLibraryTextWidth));
+}
+
+void failNetcdf(std::string_view call, std::string_view reason)
+{
     say("ERROR - With nectdf call ", call);
-    fail("Netcdf error message: ", cut(nc_strerror(status), kLibraryTextWidth));
+    fail("Netcdf error message: ", reason);
 }
 
 } // namespace gridforge::netcdf

@@ -10,6 +10,7 @@
 #include "netcdf/kept_maximum.h"
 #include "netcdf/laid_grids.h"
 #include "netcdf/layout.h"
+#include "netcdf/library.h"
 #include "netcdf/netcdf_file.h"
 #include "run/cells_ahead.h"
 #include "run/load.h"
@@ -80,7 +81,7 @@ SeriesFile openSeries(const NcOptions& options, const std::string& name)
 int definePacked(const NcOptions& options, int file, const NetcdfVariable& variable, std::string_view call)
 {
     const int id = defineNetcdfVariable(file, variable, call);
-    checkNetcdf(nc_def_var_deflate(file, id, options.shuffle ? 1 : 0, 1, options.compression), call);
+    checkNetcdf(library().nc_def_var_deflate(file, id, options.shuffle ? 1 : 0, 1, options.compression), call);
     return id;
 }
 
@@ -91,8 +92,8 @@ void cacheChunksOfRow(int file, int variable, std::size_t columns, std::string_v
     std::array<std::size_t, 3> chunk{1, 1, 1};
     int storage = NC_CONTIGUOUS;
     int dimensions = 0;
-    checkNetcdf(nc_inq_varndims(file, variable, &dimensions), call);
-    checkNetcdf(nc_inq_var_chunking(file, variable, &storage, chunk.data()), call);
+    checkNetcdf(library().nc_inq_varndims(file, variable, &dimensions), call);
+    checkNetcdf(library().nc_inq_var_chunking(file, variable, &storage, chunk.data()), call);
     const auto d = static_cast<std::size_t>(dimensions);
     const std::size_t chunkRows = chunk[d - 2];
     const std::size_t chunkColumns = chunk[d - 1];
@@ -101,10 +102,10 @@ void cacheChunksOfRow(int file, int variable, std::size_t columns, std::string_v
     std::size_t bytes = 0;
     std::size_t slots = 0;
     float preemption = 0;
-    checkNetcdf(nc_get_var_chunk_cache(file, variable, &bytes, &slots, &preemption), call);
+    checkNetcdf(library().nc_get_var_chunk_cache(file, variable, &bytes, &slots, &preemption), call);
     bytes = std::max(bytes, chunksOfRow * chunkColumns * chunkRows * sizeof(float));
     slots = std::max(slots, chunksOfRow);
-    checkNetcdf(nc_set_var_chunk_cache(file, variable, bytes, slots, preemption), call);
+    checkNetcdf(library().nc_set_var_chunk_cache(file, variable, bytes, slots, preemption), call);
 }
 
 int defineCells(const NcOptions& options, int file, const NetcdfVariable& variable, const GridHeader& header)
@@ -135,7 +136,7 @@ void defineSeries(const NcOptions& options, const GridHeader& header, SeriesFile
     const std::array<int, 2> yx{y, x};
     file.series = defineCells(options, file.id, {"data_temporal", NC_FLOAT, timeYX}, header);
     file.maximum = defineCells(options, file.id, {"data_max", NC_FLOAT, yx}, header);
-    checkNetcdf(nc_enddef(file.id), "nf90_enddef");
+    checkNetcdf(library().nc_enddef(file.id), "nf90_enddef");
     say("   Finished defining variables.");
 }
 
@@ -194,7 +195,7 @@ private:
     CellVariable variable(const char* name, int id) const { return {file_.id, id, name}; }
     std::string_view call() const { return layout_ == Layout::rows ? "nf90_put_var (rg)" : "nf90_put_var (rg2)"; }
     void writeMaximum();
-    void sync() const { checkNetcdf(nc_sync(file_.id), "nf90_sync (rg)"); }
+    void sync() const { checkNetcdf(library().nc_sync(file_.id), "nf90_sync (rg)"); }
 
     const NcOptions& options_;
     const run::InputFileList& inputs_;

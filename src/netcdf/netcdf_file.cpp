@@ -3,6 +3,7 @@
 #include "host/file_system.h"
 #include "host/system.h"
 #include "netcdf/check_netcdf.h"
+#include "netcdf/library.h"
 
 #include <algorithm>
 #include <array>
@@ -35,49 +36,49 @@ std::size_t fromZero(std::int32_t position)
 int createNetcdf(std::string_view name, int mode, std::string_view call)
 {
     int file = 0;
-    checkNetcdf(nc_create(libraryName(name).c_str(), mode, &file), call);
+    checkNetcdf(library().nc_create(libraryName(name).c_str(), mode, &file), call);
     return file;
 }
 
 void putNetcdfTexts(int file, int variable, std::span<const NetcdfText> texts, std::string_view call)
 {
     for (const NetcdfText& text : texts) {
-        checkNetcdf(nc_put_att_text(file, variable, text.name, std::strlen(text.value), text.value), call);
+        checkNetcdf(library().nc_put_att_text(file, variable, text.name, std::strlen(text.value), text.value), call);
     }
 }
 
 int defineNetcdfDimension(int file, const char* name, std::size_t length, std::string_view call)
 {
     int dimension = 0;
-    checkNetcdf(nc_def_dim(file, name, length, &dimension), call);
+    checkNetcdf(library().nc_def_dim(file, name, length, &dimension), call);
     return dimension;
 }
 
 int defineNetcdfVariable(int file, const NetcdfVariable& variable, std::string_view call)
 {
     int id = 0;
-    checkNetcdf(nc_def_var(file, variable.name, variable.type, static_cast<int>(variable.dimensions.size()),
-                           variable.dimensions.data(), &id),
+    checkNetcdf(library().nc_def_var(file, variable.name, variable.type, static_cast<int>(variable.dimensions.size()),
+                                     variable.dimensions.data(), &id),
                 call);
     return id;
 }
 
 void defineNetcdfFill(int file, int variable, float null, std::string_view call)
 {
-    checkNetcdf(nc_def_var_fill(file, variable, NC_FILL, &null), call);
+    checkNetcdf(library().nc_def_var_fill(file, variable, NC_FILL, &null), call);
 }
 
 void putNetcdfValues(int file, int variable, std::span<const double> values, std::string_view call)
 {
     const std::size_t start = 0;
     const std::size_t count = values.size();
-    checkNetcdf(nc_put_vara_double(file, variable, &start, &count, values.data()), call);
+    checkNetcdf(library().nc_put_vara_double(file, variable, &start, &count, values.data()), call);
 }
 
 void putNetcdfTime(int file, int variable, std::int32_t position, double time, std::string_view call)
 {
     const std::size_t index = fromZero(position);
-    checkNetcdf(nc_put_var1_double(file, variable, &index, &time), call);
+    checkNetcdf(library().nc_put_var1_double(file, variable, &index, &time), call);
 }
 
 void putNetcdfRow(int file, int variable, std::int32_t position, std::int32_t row, std::span<const float> cells,
@@ -85,14 +86,14 @@ void putNetcdfRow(int file, int variable, std::int32_t position, std::int32_t ro
 {
     const std::array<std::size_t, 3> start{fromZero(position), fromZero(row), 0};
     const std::array<std::size_t, 3> count{1, 1, cells.size()};
-    checkNetcdf(nc_put_vara_float(file, variable, start.data(), count.data(), cells.data()), call);
+    checkNetcdf(library().nc_put_vara_float(file, variable, start.data(), count.data(), cells.data()), call);
 }
 
 void putNetcdfRow(int file, int variable, std::int32_t row, std::span<const float> cells, std::string_view call)
 {
     const std::array<std::size_t, 2> start{fromZero(row), 0};
     const std::array<std::size_t, 2> count{1, cells.size()};
-    checkNetcdf(nc_put_vara_float(file, variable, start.data(), count.data(), cells.data()), call);
+    checkNetcdf(library().nc_put_vara_float(file, variable, start.data(), count.data(), cells.data()), call);
 }
 
 // Where the last write of a NetCDF-4 file fails, HDF5 has released the file, and the NetCDF library asks it all the same
@@ -100,7 +101,7 @@ void putNetcdfRow(int file, int variable, std::int32_t row, std::span<const floa
 void closeNetcdf(int file, std::string_view call)
 {
     int status = NC_EHDFERR;
-    runGuarded([&] { status = nc_close(file); });
+    runGuarded([&] { status = library().nc_close(file); });
     checkNetcdf(status, call);
 }
 

@@ -6,10 +6,10 @@
 #include "host/console.h"
 #include "host/ends.h"
 #include "netcdf/check_netcdf.h"
+#include "netcdf/library.h"
 #include "netcdf/netcdf_file.h"
 
 #include <array>
-#include <netcdf.h>
 
 namespace gridforge::rainfall {
 
@@ -98,7 +98,7 @@ void rf_nc_init(const std::string& fileName, RfNcRecord& record, const GridHeade
     defineDimensions(grid, record);
     netcdf::putNetcdfTexts(record.file, NC_GLOBAL, kFileTexts, "nf90_put_att");
     defineVariables(grid.null, record);
-    netcdf::checkNetcdf(nc_enddef(record.file), "nf90_enddef");
+    netcdf::checkNetcdf(netcdf::library().nc_enddef(record.file), "nf90_enddef");
     putCoordinates(grid, record);
     say("Finished initialising netcdf file.");
 }
