@@ -1,6 +1,7 @@
 #include "ops/classify_cells.h"
 
 #include "core/limit_table.h"
+#include "ops/limit_cells_avx2.h"
 
 #include <algorithm>
 #include <array>
@@ -25,9 +26,10 @@ void findClasses(std::span<const float> cells, std::span<const float> limits, st
     }
 }
 
-void classifyCells(std::span<const float> cells, float null, std::span<const float> limits, std::span<float> output)
+namespace {
+
+void classifyPlainly(std::span<const float> cells, float null, std::span<const float> limits, std::span<float> output)
 {
-    assert(cells.size() == output.size());
     if (const LimitTable table(limits); table.mostInAPlace() > 0) {
         table.forEach(cells, [&](std::size_t i, std::size_t passed) {
             const auto number = static_cast<float>(static_cast<std::int32_t>(passed) + 1);
@@ -46,6 +48,17 @@ void classifyCells(std::span<const float> cells, float null, std::span<const flo
             const auto number = static_cast<float>(numbers[i]);
             out[i] = in[i] != null ? number : null;
         }
+    }
+}
+
+} // namespace
+
+void classifyCells(std::span<const float> cells, float null, std::span<const float> limits, std::span<float> output)
+{
+    assert(cells.size() == output.size());
+    const std::size_t done = classifyLanes(cells, null, limits, output);
+    if (done < cells.size()) {
+        classifyPlainly(cells.subspan(done), null, limits, output.subspan(done));
     }
 }
 

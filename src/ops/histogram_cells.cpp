@@ -2,6 +2,7 @@
 
 #include "core/limit_table.h"
 #include "core/map_cells.h"
+#include "ops/limit_cells_avx2.h"
 
 #include <algorithm>
 #include <array>
@@ -51,9 +52,13 @@ void countBins(std::span<const float> cells, float null, std::span<const float> 
     assert(counts.size() == limits.size() + 1);
     constexpr std::size_t kByLimits = 4096; // stays in the cache from one limit to the next
     constexpr std::size_t kByTable = std::size_t{1} << 24;
+    const std::size_t done = countLanes(cells, null, limits, counts);
+    if (done == cells.size()) {
+        return;
+    }
     const LimitTable table(limits);
     const std::size_t stretch = table.mostInAPlace() > 0 ? kByTable : kByLimits;
-    for (std::size_t from = 0; from < cells.size(); from += stretch) {
+    for (std::size_t from = done; from < cells.size(); from += stretch) {
         const std::span<const float> some = cells.subspan(from, std::min(stretch, cells.size() - from));
         if (table.mostInAPlace() > 0) {
             countByTable(some, null, table, counts);

@@ -71,5 +71,22 @@ TEST(ClassifyCells, WorksBeyondAStretch)
     }
 }
 
+TEST(ClassifyCells, TakesAnyNumberOfLimits)
+{
+    const std::vector<float> cells = oddCells(3001, kNullA, 54);
+    for (const std::size_t count : kCountsOfLimits) {
+        for (const float first : {-3.0F, kNaN, -kInfinity}) {
+            std::vector<float> limits = manyLimits(count);
+            limits.front() = first;
+            std::vector<float> output(cells.size());
+            ops::classifyCells(cells, kNullA, limits, output);
+            for (std::size_t i = 0; i < cells.size(); ++i) {
+                const float expected = cells[i] == kNullA ? kNullA : static_cast<float>(plainClass(cells[i], limits));
+                ASSERT_EQ(output[i], expected) << cells[i] << " among " << count;
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace gridforge::test
