@@ -4,6 +4,7 @@
 #include "ops/stat_cells.h"
 
 #include "core/computed.h"
+#include "ops/stat_cells_avx2.h"
 
 #include <algorithm>
 #include <cassert>
@@ -264,6 +265,39 @@ void rankPlainly(CellStack grids, float null, std::span<const RankResult> result
     }
 }
 
+void rankStretch(CellStack grids, float null, std::span<const RankResult> results, std::size_t from,
+                 std::span<Flags> before)
+{
+    if (needsPlainSort(grids)) {
+        rankPlainly(grids, null, results, from);
+        return;
+    }
+    Flags wet;
+    countWet(grids, dryLimit(null), wet);
+    countBefore(grids, before);
+    if (results.size() >= kManyRanks) {
+        pickRanks(grids, before, wet, null, results, from);
+        return;
+    }
+    for (const RankResult& result : results) {
+        pickRank(grids, before, wet, null, result, from);
+    }
+}
+
+// Ranks the first cells of a stretch and returns how many these are: none if one of them needs the plain sort.
+std::size_t rankLanes(CellStack grids, float null, std::span<const RankResult> results, std::size_t from)
+{
+    std::size_t done = 0;
+    for (const RankResult& result : results) {
+        const auto picked = pickRankLanes(grids, null, dryLimit(null), kPicked, result, from);
+        if (!picked) {
+            return 0;
+        }
+        done = *picked;
+    }
+    return done;
+}
+
 // The grid whose value first reaches the mean in ascending order: the lowest of those that reach it.
 void findReaching(CellStack grids, const Numbers& mean, Numbers& sources)
 {
@@ -413,20 +447,15 @@ void findRanks(CellStack grids, float null, std::span<const RankResult> results)
 {
     std::vector<Flags> before(grids.size());
     overStretches(grids, [&](CellStack stretch, std::size_t from) {
-        if (needsPlainSort(stretch)) {
-            rankPlainly(stretch, null, results, from);
+        const std::size_t done = results.size() < kManyRanks ? rankLanes(stretch, null, results, from) : 0;
+        if (done == stretch.front().size()) {
             return;
         }
-        Flags wet;
-        countWet(stretch, dryLimit(null), wet);
-        countBefore(stretch, before);
-        if (results.size() >= kManyRanks) {
-            pickRanks(stretch, before, wet, null, results, from);
-            return;
+        std::array<std::span<const float>, kMaxStatGrids> rest;
+        for (std::size_t k = 0; k < stretch.size(); ++k) {
+            rest[k] = stretch[k].subspan(done);
         }
-        for (const RankResult& result : results) {
-            pickRank(stretch, before, wet, null, result, from);
-        }
+        rankStretch(CellStack(rest).first(stretch.size()), null, results, from + done, before);
     });
 }
 
