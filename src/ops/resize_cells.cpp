@@ -2,6 +2,7 @@
 
 #include "core/computed.h"
 #include "core/numbers.h"
+#include "ops/resize_cells_avx2.h"
 
 #include <algorithm>
 #include <array>
@@ -9,6 +10,7 @@
 #include <cassert>
 #include <cmath>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
 namespace gridforge::ops {
@@ -27,10 +29,7 @@ float activeOr(float otherwise, float cell, float null)
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 // What one tile has gathered so far. Null cells come through `take` too.
-struct Average {
-    double sum = 0;
-    std::int64_t count = 0;
-
+struct Average : TileSum {
     explicit Average(float /*null*/) {}
     void take(float cell, float null)
     {
@@ -72,6 +71,17 @@ struct Maximum {
 // that one waits for.
 constexpr std::size_t kAbreast = 4;
 
+// Gives the first tiles their cells of the row, and returns how many tiles these are.
+template <typename Tile>
+std::size_t takeLanes(std::span<const float> row, float null, std::size_t factor, std::span<Tile> tiles)
+{
+    if constexpr (std::is_same_v<Tile, Average>) {
+        static_assert(sizeof(Average) == sizeof(TileSum));
+        return addToTiles(row, null, factor, tiles.data(), tiles.size());
+    }
+    return 0;
+}
+
 // One input row into the tiles of an output row. All tiles but the last are `factor` cells wide.
 template <typename Tile>
 void takeRow(std::span<const float> row, float null, const Tiling& tiling, std::span<Tile> tiles)
@@ -79,7 +89,7 @@ void takeRow(std::span<const float> row, float null, const Tiling& tiling, std::
     const auto factor = static_cast<std::size_t>(tiling.factor);
     const std::size_t last = tiles.size() - 1;
     const std::size_t full = std::min(last, row.size() / factor);
-    std::size_t t = 0;
+    std::size_t t = takeLanes(row, null, factor, tiles.first(full));
     for (; t + kAbreast <= full; t += kAbreast) {
         const float* const cells = row.data() + t * factor;
         std::array<Tile, kAbreast> abreast{tiles[t], tiles[t + 1], tiles[t + 2], tiles[t + 3]};
