@@ -6,12 +6,14 @@
 
 #include "core/byte_blocks_avx2.h"
 #include "core/decimal_lanes_avx2.h"
+#include "grid/asc_columns_avx2.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <optional>
 
 namespace gridforge::grid {
 namespace {
@@ -127,11 +129,54 @@ GRIDFORGE_AVX2 bool convertValues(const char* text, ValueIndex& index, std::span
     return good;
 }
 
+// How many values are looked at to see whether they stand in columns.
+constexpr std::size_t kColumnsSeen = 3;
+// Where columns end after no more values than this they are given up; otherwise some values are searched for before they are tried
+// again.
+constexpr std::size_t kHardlyAny = 16;
+constexpr std::size_t kAfterColumns = 64;
+
+// The columns that the values of the index stand in.
+std::optional<AscColumns> columnsOf(const char* text, const ValueIndex& index)
+{
+    if (index.count != kColumnsSeen) {
+        return std::nullopt;
+    }
+    const std::size_t width = index.ends[1] - index.ends[0];
+    for (std::size_t i = 2; i < kColumnsSeen; ++i) {
+        if (index.ends[i] - index.ends[i - 1] != width) {
+            return std::nullopt;
+        }
+    }
+    const std::size_t last = kColumnsSeen - 1;
+    return AscColumns::like({text + index.ends[last] - index.lengths[last], index.lengths[last]}, width);
+}
+
+// Reads on as long as values stand in columns; if these are hardly any they are given up.
+GRIDFORGE_AVX2 void readColumns(std::optional<AscColumns>& columns, AscRowState& state, AscCursor& text,
+                                const char* windowStart, std::span<float> row)
+{
+    if (text.at - windowStart < static_cast<std::ptrdiff_t>(kLane)) {
+        return;
+    }
+    const std::size_t read = columns->read({text.at, text.end}, row.subspan(state.filled));
+    text.at += read * columns->width();
+    state.filled += read;
+    if (read > 0) {
+        state.afterValue = true;
+    }
+    if (read < kHardlyAny) {
+        columns.reset();
+    }
+}
+
 } // namespace
 
 GRIDFORGE_AVX2 bool parseAscBlocks(AscRowState& state, AscCursor& text, const char* windowStart, std::span<float> row)
 {
     ValueIndex index;
+    std::optional<AscColumns> columns;
+    std::size_t atOnce = state.filled == 0 ? kColumnsSeen : kBatch; // columns are looked for at the start of a row
     while (static_cast<std::size_t>(text.end - text.at) >= kByteBlock && state.filled < row.size()) {
         // The lanes of the first values would begin before the window, so its first block is copied.
         std::array<char, kLane + kByteBlock> head;
@@ -140,7 +185,7 @@ GRIDFORGE_AVX2 bool parseAscBlocks(AscRowState& state, AscCursor& text, const ch
             std::memcpy(head.data() + kLane, text.at, kByteBlock);
             piece = {head.data() + kLane, kByteBlock};
         }
-        const std::size_t most = std::min(row.size() - state.filled, kBatch);
+        const std::size_t most = std::min(row.size() - state.filled, atOnce);
         const std::size_t advance = findValues(piece, most, state.afterValue, index);
         if (index.count > 0 && !convertValues(piece.data(), index, row.subspan(state.filled, index.count))) {
             return false;
@@ -150,6 +195,13 @@ GRIDFORGE_AVX2 bool parseAscBlocks(AscRowState& state, AscCursor& text, const ch
         if (advance == 0) {
             break;
         }
+        if (atOnce == kColumnsSeen) {
+            columns = columnsOf(piece.data(), index);
+        }
+        if (columns) {
+            readColumns(columns, state, text, windowStart, row);
+        }
+        atOnce = columns ? kAfterColumns : kBatch;
     }
     return true;
 }

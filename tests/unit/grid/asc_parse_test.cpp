@@ -338,6 +338,87 @@ TEST(AscParse, ShortMidpointsGoToEven)
                 ElementsAre(16777216.0F, 16777220.0F, 4194304.0F, 4194305.0F, -16777216.0F, 16777218.0F));
 }
 
+// --- Values in columns -----------------------------------------------------------------------------------------------
+
+// The values of the text one by one, without regard to where they stand. None if one of the first `columns` is refused.
+std::vector<float> valuesOneByOne(std::string_view text, std::size_t columns)
+{
+    constexpr std::string_view kSeparators = " \t\r\n";
+    std::vector<float> row;
+    while (row.size() < columns) {
+        text.remove_prefix(std::min(text.find_first_not_of(kSeparators), text.size()));
+        const std::string_view token = text.substr(0, text.find_first_of(kSeparators));
+        float cell = 0;
+        if (token.empty() || !grid::parseAscCell(token, cell)) {
+            return {};
+        }
+        row.push_back(cell);
+        text.remove_prefix(token.size());
+    }
+    return row;
+}
+
+// Rows of values of any size and sign in fields of `width`, some of them too long for it.
+std::string columnText(std::size_t width, int decimals, std::size_t values, std::mt19937& random)
+{
+    std::string text;
+    for (std::size_t i = 0; i < values; ++i) {
+        const double scale = std::pow(10.0, static_cast<double>(random() % (width + 1)) - decimals);
+        const std::string value = fixed((static_cast<double>(random()) / 4.0e9 - 0.3) * scale, decimals);
+        text.append(width - std::min(width, value.size()), ' ').append(value);
+        text += value.size() >= width ? " " : "";
+    }
+    return text;
+}
+
+std::vector<std::uint32_t> allBits(const std::vector<float>& values)
+{
+    std::vector<std::uint32_t> all;
+    std::ranges::transform(values, std::back_inserter(all), bits);
+    return all;
+}
+
+TEST(AscParse, ValuesInColumnsOfAnyWidth)
+{
+    std::mt19937 random(11);
+    for (std::size_t width = 2; width <= 20; ++width) {
+        for (int decimals = 0; decimals < static_cast<int>(width); ++decimals) {
+            const std::string text = columnText(width, decimals, 300, random) + "\n";
+            ASSERT_EQ(allBits(readOne(text, 300)), allBits(valuesOneByOne(text, 300))) << text;
+        }
+    }
+}
+
+TEST(AscParse, AnOddCharacterInAColumnIsReadLikeAnywhere)
+{
+    constexpr std::size_t kValues = 33;
+    std::mt19937 random(12);
+    for (const std::size_t width : {4U, 7U, 10U, 16U}) {
+        for (const int decimals : {0, 1, 3}) {
+            std::string sound;
+            for (std::size_t i = 0; i < kValues; ++i) {
+                const std::string value = fixed(static_cast<double>(random() % 1000) / 100 - 0.5, decimals);
+                sound.append(width - std::min(width - 1, value.size()), ' ').append(value.substr(0, width - 1));
+            }
+            for (std::size_t at = 3 * width; at < sound.size(); ++at) {
+                for (const char odd : {' ', '0', '.', '-', '+', 'e', 'x', '/', ':', '\t', '\n', '\0'}) {
+                    std::string text = sound + " 7 7 7\n";
+                    text[at] = odd;
+                    ASSERT_EQ(allBits(readOne(text, kValues)), allBits(valuesOneByOne(text, kValues))) << text;
+                }
+            }
+        }
+    }
+}
+
+TEST(AscParse, AnEmptyValueAfterColumnsLeavesItsCell)
+{
+    const std::string text =
+        "   1.5   2.5   3.5   4.5   5.5   6.5   7.5   8.5   9.5,,   1.5   2.5   3.5   4.5   5.5   6.5   7.5\n";
+    EXPECT_THAT(readOne(text, 17), ElementsAre(1.5, 2.5, 3.5, 4.5, 5.5, 6.5, 7.5, 8.5, 9.5, kUntouched, 1.5, 2.5, 3.5,
+                                               4.5, 5.5, 6.5, 7.5));
+}
+
 // --- Windows ---------------------------------------------------------------------------------------------------------
 
 void expectSameInPieces(const std::string& text, std::size_t columns, std::size_t rows)
