@@ -24,6 +24,11 @@ PlainPoints parsePlainPoints(std::string_view window, std::span<double> x, std::
 
 inline constexpr std::size_t kPointGroup = 4;
 
+// The same, and takes lines of any other form between the groups too, cut at `width`. Stops at the first line that parsePoint
+// refuses or that has no end.
+PlainPoints parseLines(std::string_view window, std::size_t width, std::span<double> x, std::span<double> y,
+                       std::span<float> z);
+
 // How many lines end in `text`.
 std::size_t countLineEnds(std::string_view text);
 

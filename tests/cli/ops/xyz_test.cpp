@@ -297,10 +297,30 @@ TEST(XyzCli, ManyPointsInMixedFormsAreReadAsOne)
             expected[static_cast<std::size_t>(kSide - 1 - line.row)][static_cast<std::size_t>(line.column)] = line.z;
         }
     }
-    ToolRun run("-b -xyz p.xyz -flt");
-    run.give("p.xyz", text);
-    run.start();
-    EXPECT_GRID(run, "p_xyz_to_grid.flt", expected);
+    for (const char* threads : {"1", "2", "7"}) {
+        ToolRun run("-b -xyz p.xyz -flt");
+        run.environment("GRIDFORGE_THREADS", threads);
+        run.give("p.xyz", text);
+        run.start();
+        EXPECT_GRID(run, "p_xyz_to_grid.flt", expected) << threads;
+    }
+}
+
+TEST(XyzCli, TheFirstOfSeveralLinesThatCannotBeReadEndsTheRunWhateverTheThreads)
+{
+    std::string text;
+    for (int i = 0; i < 60000; ++i) {
+        text += i == 21000 ? "10 20 x\n" : i == 21001 || i == 50000 ? "10 20 y\n" : "293000.00 6178000.00 12.345\n";
+    }
+    for (const char* threads : {"1", "2", "7"}) {
+        ToolRun run("-xyz p.xyz");
+        run.environment("GRIDFORGE_THREADS", threads);
+        run.give("p.xyz", text);
+        run.start();
+        EXPECT_CONSOLE_HOLDS(
+            run, {"ERROR - Reading following line in classes file:", "10 20 x", "", "Press Enter to Close"});
+        EXPECT_NO_OTHER_FILES(run);
+    }
 }
 
 } // namespace

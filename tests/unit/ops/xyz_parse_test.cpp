@@ -305,6 +305,55 @@ TEST(ParsePlainPoints, LeavesOddLinesToTheOtherWay)
     }
 }
 
+// The points of the lines one by one, up to the first that is refused or has no end.
+std::vector<Point> pointsOneByOne(std::string_view text, std::size_t& bytes)
+{
+    std::vector<Point> points;
+    bytes = 0;
+    for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n', bytes)) {
+        std::string_view line = text.substr(bytes, end - bytes);
+        line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+        const Point point = pointOf(line);
+        if (!point.good) {
+            break;
+        }
+        points.push_back(point);
+        bytes = end + 1;
+    }
+    return points;
+}
+
+TEST(ParseLines, TakesLinesOfAnyFormUpToOneThatIsRefused)
+{
+    RandomLines random(4);
+    std::size_t taken = 0;
+    for (int i = 0; i < 60; ++i) {
+        const std::string text = random.text(500, 300) + "1 2 3";
+        std::size_t bytes = 0;
+        const std::vector<Point> expected = pointsOneByOne(text, bytes);
+        std::vector<double> x(501);
+        std::vector<double> y(501);
+        std::vector<float> z(501);
+        const ops::PlainPoints found = ops::parseLines(text, 1000, x, y, z);
+        ASSERT_EQ(found.bytes, bytes);
+        ASSERT_EQ(found.count, expected.size());
+        for (std::size_t k = 0; k < found.count; ++k) {
+            ASSERT_EQ((Point{x[k], y[k], z[k]}.bits()), expected[k].bits()) << k;
+        }
+        taken += found.count;
+    }
+    EXPECT_GT(taken, 500U);
+}
+
+TEST(ParseLines, ALineIsCutAtItsWidth)
+{
+    std::vector<double> x(2);
+    std::vector<double> y(2);
+    std::vector<float> z(2);
+    EXPECT_EQ(ops::parseLines("1 2 345\r\n1 2 34567\n", 7, x, y, z).count, 2U);
+    EXPECT_THAT(z, ElementsAre(345, 345));
+}
+
 TEST(CountLineEnds, CountsThemAll)
 {
     EXPECT_EQ(ops::countLineEnds(""), 0U);
