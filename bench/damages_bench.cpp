@@ -22,7 +22,6 @@ constexpr int kBuildings = 20000;
 struct SampledGrid {
     GridHeader header;
     Grid cells;
-    damages::SampledLattice lattice;
 };
 
 SampledGrid makeGrid()
@@ -42,7 +41,6 @@ SampledGrid makeGrid()
     for (float& cell : grid.cells.cells()) {
         cell = chance(random) < 3 ? grid.header.null : 20.0F + static_cast<float>(random() % 4096U) / 1024.0F;
     }
-    grid.lattice = {grid.header, damages::columnPlaces(grid.header)};
     return grid;
 }
 
@@ -113,10 +111,10 @@ void measure(benchmark::State& state, const Sample& sample)
         }
         benchmark::DoNotOptimize(sum);
     }
-    damages::PolygonTest test;
+    run::InsideWalk walk;
     for (const damages::DmgBuilding& building : buildings) {
         const run::CellWindow window = buildingWindow(building, theGrid().header);
-        const damages::InsideCells fast = cellsInside(building, window, theGrid().lattice, theGrid().cells, test);
+        const damages::InsideCells fast = cellsInside(building, window, theGrid().header, theGrid().cells, walk);
         const damages::InsideCells plain = plainly(building, window, theGrid());
         if (fast.maximum != plain.maximum || fast.sum != plain.sum || fast.count != plain.count) {
             state.SkipWithError("the two tests differ");
@@ -136,9 +134,9 @@ BENCHMARK(plainTest)->Arg(6)->Arg(60)->Unit(benchmark::kMillisecond);
 
 void byRows(benchmark::State& state)
 {
-    damages::PolygonTest test;
-    measure(state, [&test](const damages::DmgBuilding& building, const run::CellWindow& window) {
-        return cellsInside(building, window, theGrid().lattice, theGrid().cells, test);
+    run::InsideWalk walk;
+    measure(state, [&walk](const damages::DmgBuilding& building, const run::CellWindow& window) {
+        return cellsInside(building, window, theGrid().header, theGrid().cells, walk);
     });
 }
 BENCHMARK(byRows)->Arg(6)->Arg(60)->Unit(benchmark::kMillisecond);

@@ -26,7 +26,7 @@ constexpr float kTaken = -1.0F;        // marks a grid as taken
 constexpr float kLeastMaximum = -998.0F;
 constexpr float kNoDepth = -99.0F;
 
-// The place of the largest AEP of the grids that are below the mark of those taken.
+// The place of the largest AEP of the grids that are below the mark of those taken; their count if none is above the lowest.
 std::size_t largestBelowMark(std::span<const DmgRes> listed)
 {
     std::size_t place = listed.size();
@@ -37,9 +37,6 @@ std::size_t largestBelowMark(std::span<const DmgRes> listed)
             place = j;
         }
     }
-    if (place == listed.size()) {
-        fail("ERROR - No results grid has an AEP above -9999.");
-    }
     return place;
 }
 
@@ -48,7 +45,7 @@ std::size_t largestBelowMark(std::span<const DmgRes> listed)
 // The rule that it follows: the largest AEP is searched anew for each place, and a grid taken gets -1. So what is not
 // above -1 never has its turn once a grid was taken: in its place the first grid with the mark is taken once more, with
 // the mark as its AEP. On purpose: an AEP is never negative.
-std::vector<DmgRes> sortByFrequency(std::span<const DmgRes> listed)
+std::optional<std::vector<DmgRes>> sortByFrequency(std::span<const DmgRes> listed)
 {
     const auto isAboveMark = [](const DmgRes& result) { return result.AEP > kTaken; };
     std::vector<DmgRes> sorted;
@@ -61,6 +58,9 @@ std::vector<DmgRes> sortByFrequency(std::span<const DmgRes> listed)
     auto marked = std::ranges::find_if(listed, [](const DmgRes& result) { return result.AEP >= kTaken; });
     if (marked == listed.end()) {
         marked = listed.begin() + static_cast<std::ptrdiff_t>(largestBelowMark(listed));
+        if (marked == listed.end()) {
+            return std::nullopt;
+        }
         sorted.push_back(*marked);
     }
     sorted.resize(listed.size(), {marked->file, kTaken});
@@ -77,16 +77,6 @@ bool isWithin(std::int32_t index, std::int32_t count)
 }
 
 } // namespace
-
-std::vector<double> columnPlaces(const GridHeader& header)
-{
-    std::vector<double> x;
-    x.reserve(static_cast<std::size_t>(header.ncols));
-    for (std::int32_t column = 1; column <= header.ncols; ++column) {
-        x.push_back(run::cornerX(header, column));
-    }
-    return x;
-}
 
 run::CellWindow pointWindow(const DmgBuilding& building, const GridHeader& header)
 {
@@ -130,28 +120,18 @@ void addRun(std::span<const float> values, float null, InsideCells& cells)
 
 } // namespace
 
-InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const SampledLattice& lattice,
-                        const run::CellPart& cells, PolygonTest& test)
+InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const GridHeader& header,
+                        const run::CellPart& cells, run::InsideWalk& walk)
 {
-    const GridHeader& header = lattice.header;
-    const std::int32_t lastRow = std::min(window.lastRow, header.nrows);
-    const std::int32_t lastColumn = std::min(window.lastColumn, header.ncols);
+    run::CellWindow inGrid = window;
+    inGrid.lastRow = std::min(window.lastRow, header.nrows);
+    inGrid.lastColumn = std::min(window.lastColumn, header.ncols);
+    prepare(building, walk.region);
     InsideCells inside = {};
-    if (lastColumn < window.firstColumn) {
-        return inside;
-    }
-    const std::int32_t columns = lastColumn - window.firstColumn + 1;
-    const std::span<const double> x =
-        std::span(lattice.columnX)
-            .subspan(static_cast<std::size_t>(window.firstColumn - 1), static_cast<std::size_t>(columns));
-    prepare(building, test.region);
-    for (std::int32_t row = window.firstRow; row <= lastRow; ++row) {
-        insideRegionRuns(test.region, run::cornerY(header, row), x, test.runs);
-        const std::span<const float> values = cells.row(row, window.firstColumn, columns);
-        for (const RowRun& run : test.runs) {
-            addRun(values.subspan(run.from, run.size()), header.null, inside);
-        }
-    }
+    run::forEachInsideRun(header, inGrid, run::CellPlace::northEastCorner, walk,
+                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                              addRun(cells.row(row, first, count), header.null, inside);
+                          });
     return inside;
 }
 
@@ -188,13 +168,13 @@ struct FoundCells {
     InsideCells inside = {};
 };
 
-FoundCells findCells(const DmgBuilding& building, const run::CellWindow& window, const SampledLattice& lattice,
-                     const run::CellPart& cells, PolygonTest& test)
+FoundCells findCells(const DmgBuilding& building, const run::CellWindow& window, const GridHeader& header,
+                     const run::CellPart& cells, run::InsideWalk& walk)
 {
     if (building.type == kPointBuilding) {
         return {cells(window.firstRow, window.firstColumn), {}};
     }
-    return {0, cellsInside(building, window, lattice, cells, test)};
+    return {0, cellsInside(building, window, header, cells, walk)};
 }
 
 // By building; empty where the grid is to be read whole.
@@ -212,14 +192,14 @@ std::vector<FoundCells> findAhead(const std::string& name, std::span<const DmgBu
             windows.push_back({i, *window});
         }
     }
-    const SampledLattice lattice{look->header, columnPlaces(look->header)};
-    std::vector<PolygonTest> tests(threadCount());
+    std::vector<run::InsideWalk> walks(threadCount());
     std::vector<FoundCells> found(buildings.size());
     const bool ahead =
         run::windowsAhead(*look, std::move(windows),
                           [&](const run::CellPart& cells, std::span<const run::ObjectWindow> part, std::size_t worker) {
                               for (const auto& [object, window] : part) {
-                                  found[object] = findCells(buildings[object], window, lattice, cells, tests[worker]);
+                                  found[object] =
+                                      findCells(buildings[object], window, look->header, cells, walks[worker]);
                               }
                           });
     return ahead ? found : std::vector<FoundCells>();
@@ -236,11 +216,10 @@ public:
                                    .reading = "Reading data...",
                                    .done = "   Done.",
                                    .ahead = !ahead_.empty()};
-        lattice_.header = run::loadGrid(name, steps, cells_).header;
-        lattice_.columnX = columnPlaces(lattice_.header);
+        header_ = run::loadGrid(name, steps, cells_).header;
     }
 
-    float null() const { return lattice_.header.null; }
+    float null() const { return header_.null; }
 
     // Of building `i`, from 0. Only the low corner of a polygon is tested, and then the level stays as it is, on
     // purpose: a polygon that sticks out of the grid in the south or west has the level of the building before it.
@@ -251,9 +230,9 @@ public:
         if (!isPoint && building.type != kPolygonBuilding) {
             fail("ERROR - Should not be here dmg_calc_res[a]");
         }
-        const auto window = windowInGrid(building, lattice_.header);
+        const auto window = windowInGrid(building, header_);
         if (window) {
-            const FoundCells found = ahead_.empty() ? findCells(building, *window, lattice_, cells_, test_) : ahead_[i];
+            const FoundCells found = ahead_.empty() ? findCells(building, *window, header_, cells_, walk_) : ahead_[i];
             level = isPoint ? found.value : levelOf(found.inside, method_, null());
         } else if (isPoint) {
             say("WARNING - Building is outside grid area.");
@@ -268,9 +247,9 @@ private:
     std::span<const DmgBuilding> buildings_;
     std::int32_t method_;
     std::vector<FoundCells> ahead_;
-    SampledLattice lattice_;
+    GridHeader header_;
     Grid cells_;
-    PolygonTest test_;
+    run::InsideWalk walk_;
 };
 
 } // namespace

@@ -3,11 +3,12 @@
 
 #include "damages/records.h"
 #include "grid/grid.h"
-#include "plane/region_rows.h"
 #include "run/cell_part.h"
 #include "run/cell_window.h"
+#include "run/inside_runs.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -15,18 +16,10 @@
 namespace gridforge::damages {
 
 // The results grids from the most frequent event to the rarest; of equal probabilities the first listed goes first.
-// None above -9999 ends the run.
-std::vector<DmgRes> sortByFrequency(std::span<const DmgRes> listed);
+// Nothing where some are listed and none is above -9999.
+std::optional<std::vector<DmgRes>> sortByFrequency(std::span<const DmgRes> listed);
 
 // --- Levels of buildings on one grid ---------------------------------------------------------------------------------
-
-struct SampledLattice {
-    GridHeader header;
-    std::vector<double> columnX; // of each column, where polygons see it
-};
-
-// The places of the columns, from the header.
-std::vector<double> columnPlaces(const GridHeader& header);
 
 // The row and column at a point building, as the nearest whole number of cell sizes from the corner of the grid, which is
 // the north-east corner of the cell. They may lie outside the grid.
@@ -42,16 +35,10 @@ struct InsideCells {
     std::int64_t count = 0;
 };
 
-// Work space that goes from polygon to polygon.
-struct PolygonTest {
-    PreparedRegion region;
-    std::vector<RowRun> runs;
-};
-
 // Sums up the cells of the window, whose first row and column lie in the grid, that are inside the polygon and not null,
 // rows from the south and each from the west. Beyond the grid there are none. A row costs its edges and the cells inside.
-InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const SampledLattice& lattice,
-                        const run::CellPart& cells, PolygonTest& test);
+InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const GridHeader& header,
+                        const run::CellPart& cells, run::InsideWalk& walk);
 
 // --- The calculation -------------------------------------------------------------------------------------------------
 

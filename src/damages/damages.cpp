@@ -42,7 +42,11 @@ std::vector<DmgBuilding> readAllBuildings(const DmgControl& control, const DmgLi
 std::vector<DmgRes> sortResults(const std::vector<DmgRes>& listed)
 {
     say("Sorting results grids by frequency: ");
-    std::vector<DmgRes> dmg_res = sortByFrequency(listed);
+    const std::optional<std::vector<DmgRes>> sorted = sortByFrequency(listed);
+    if (!sorted) {
+        fail("ERROR - No results grid has an AEP above -9999.");
+    }
+    const std::vector<DmgRes>& dmg_res = *sorted;
     say("   Done");
     say("Ordered Grids: ");
     for (std::size_t i = 0; i < dmg_res.size(); ++i) {

@@ -8,6 +8,7 @@
 #include "host/threads.h"
 #include "plane/geometry.h"
 #include "rainfall/memory_line.h"
+#include "run/cell_window.h"
 
 #include <algorithm>
 #include <bit>
@@ -23,16 +24,11 @@ constexpr float kLeastDistance = 0.001F;
 // What the distance of a point becomes when it has been listed.
 constexpr float kListed = 9999999.0F;
 
-double centreAlong(double origin, std::int32_t cell, double size)
-{
-    return origin + static_cast<double>(static_cast<float>(cell)) * size - 0.5 * size;
-}
-
 std::vector<double> centresOfRow(const GridHeader& grid)
 {
     std::vector<double> x(static_cast<std::size_t>(grid.ncols));
     for (std::int32_t column = 1; column <= grid.ncols; ++column) {
-        x[static_cast<std::size_t>(column - 1)] = centreAlong(grid.xll, column, grid.cellsize8);
+        x[static_cast<std::size_t>(column - 1)] = run::centreX(grid, column);
     }
     return x;
 }
@@ -59,7 +55,7 @@ void weighAll(const GridHeader& grid, const RfPoints& points, RfIdwTables& table
         std::vector<float>& unlisted = rooms[worker];
         unlisted.resize(x.size());
         const auto row = static_cast<std::int32_t>(piece) + 1;
-        const double y = centreAlong(grid.yll, row, grid.cellsize8);
+        const double y = run::centreY(grid, row);
         const std::span<float> rowWeights = tables.weight.all().subspan(tables.rowStart(row), tables.rowWeights());
         const std::span<double> sums = tables.weightSum.row(row);
         for (std::int32_t p = 0; p < method.listLength; ++p) {
@@ -215,34 +211,34 @@ constexpr std::int32_t kSide = 16; // of a square of cells that share a neighbou
 void weighSquares(const GridHeader& grid, std::int32_t firstRow, Neighbourhood& neighbourhood, RfIdwTables& tables)
 {
     const std::int32_t listLength = tables.method.listLength;
-    const auto centre = [](double origin, std::int32_t cell, double size) { return centreAlong(origin, cell, size); };
     const auto lastRow =
         static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{firstRow} + kSide - 1, grid.nrows));
     for (std::int64_t west = 1; west <= grid.ncols; west += kSide) {
         const auto firstColumn = static_cast<std::int32_t>(west);
         const auto lastColumn = static_cast<std::int32_t>(std::min<std::int64_t>(west + kSide - 1, grid.ncols));
-        const double x1 = centre(grid.xll, firstColumn, grid.cellsize8);
-        const double x2 = centre(grid.xll, lastColumn, grid.cellsize8);
-        const double y1 = centre(grid.yll, firstRow, grid.cellsize8);
-        const double y2 = centre(grid.yll, lastRow, grid.cellsize8);
+        const double x1 = run::centreX(grid, firstColumn);
+        const double x2 = run::centreX(grid, lastColumn);
+        const double y1 = run::centreY(grid, firstRow);
+        const double y2 = run::centreY(grid, lastRow);
         neighbourhood.moveTo((x1 + x2) / 2, (y1 + y2) / 2, std::hypot(x2 - x1, y2 - y1) / 2, listLength);
         for (std::int32_t row = firstRow; row <= lastRow; ++row) {
-            const double y = centre(grid.yll, row, grid.cellsize8);
+            const double y = run::centreY(grid, row);
             for (std::int32_t column = firstColumn; column <= lastColumn; ++column) {
                 CellList list(tables, row, column);
-                neighbourhood.listNearest(centre(grid.xll, column, grid.cellsize8), y, listLength, list);
+                neighbourhood.listNearest(run::centreX(grid, column), y, listLength, list);
             }
         }
     }
 }
 
-void weighNearest(const GridHeader& grid, const RfPoints& points, RfIdwTables& tables)
+// False where the memory for distances cannot be had.
+bool weighNearest(const GridHeader& grid, const RfPoints& points, RfIdwTables& tables)
 {
     const std::size_t rowsOfSquares = (static_cast<std::size_t>(grid.nrows) + kSide - 1) / kSide;
     const std::size_t workers = workersOf(rowsOfSquares);
     WorkerRooms<float> distances;
     if (!distances.take(workers, points.records.size())) {
-        fail("ERROR - Allocating RAM for storing IDW distances");
+        return false;
     }
     std::vector<Neighbourhood> neighbourhoods;
     for (std::size_t worker = 0; worker < workers; ++worker) {
@@ -251,6 +247,7 @@ void weighNearest(const GridHeader& grid, const RfPoints& points, RfIdwTables& t
     parallelFor(rowsOfSquares, [&](std::size_t piece, std::size_t worker) {
         weighSquares(grid, static_cast<std::int32_t>(piece) * kSide + 1, neighbourhoods[worker], tables);
     });
+    return true;
 }
 
 } // namespace
@@ -303,8 +300,8 @@ void rf_idw_weights(const GridHeader& grid, const RfPoints& points, RfIdwTables&
     say("Setting IDW weighting factors for rainfall grid");
     if (tables.method.useAll) {
         weighAll(grid, points, tables);
-    } else {
-        weighNearest(grid, points, tables);
+    } else if (!weighNearest(grid, points, tables)) {
+        fail("ERROR - Allocating RAM for storing IDW distances");
     }
     say("Done");
 }

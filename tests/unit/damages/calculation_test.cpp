@@ -61,16 +61,16 @@ std::string shown(const std::vector<damages::DmgRes>& results)
 
 TEST(SortByFrequency, TheMostFrequentGoesFirstAndEqualOnesKeepTheirOrder)
 {
-    EXPECT_EQ(shown(damages::sortByFrequency(listOf({1, 10, 0.5, 10, 1}))),
+    EXPECT_EQ(shown(damages::sortByFrequency(listOf({1, 10, 0.5, 10, 1})).value()),
               "2:10.000000 4:10.000000 1:1.000000 5:1.000000 3:0.500000 ");
-    EXPECT_TRUE(damages::sortByFrequency({}).empty());
+    EXPECT_TRUE(damages::sortByFrequency({}).value().empty());
 }
 
 TEST(SortByFrequency, WhatIsNoProbabilityGivesItsPlaceToAGridThatWasTaken)
 {
-    EXPECT_EQ(shown(damages::sortByFrequency(listOf({-5, 10, kNan}))), "2:10.000000 2:-1.000000 2:-1.000000 ");
-    EXPECT_EQ(shown(damages::sortByFrequency(listOf({-5, -3}))), "2:-3.000000 2:-1.000000 ");
-    EXPECT_EQ(shown(damages::sortByFrequency(listOf({-1, 4}))), "2:4.000000 1:-1.000000 ");
+    EXPECT_EQ(shown(damages::sortByFrequency(listOf({-5, 10, kNan})).value()), "2:10.000000 2:-1.000000 2:-1.000000 ");
+    EXPECT_EQ(shown(damages::sortByFrequency(listOf({-5, -3})).value()), "2:-3.000000 2:-1.000000 ");
+    EXPECT_EQ(shown(damages::sortByFrequency(listOf({-1, 4})).value()), "2:4.000000 1:-1.000000 ");
 }
 
 TEST(SortByFrequency, IsTheSelectionForAnyList)
@@ -86,7 +86,7 @@ TEST(SortByFrequency, IsTheSelectionForAnyList)
             continue; // ends the run
         }
         const std::vector<damages::DmgRes> listed = listOf(probabilities);
-        EXPECT_EQ(shown(damages::sortByFrequency(listed)), shown(sortPlainly(listed)));
+        EXPECT_EQ(shown(damages::sortByFrequency(listed).value()), shown(sortPlainly(listed)));
     }
 }
 
@@ -111,8 +111,6 @@ damages::DmgBuilding polygon(std::vector<double> x, std::vector<double> y)
 struct SampledGrid {
     GridHeader header;
     Grid cells;
-
-    damages::SampledLattice lattice() const { return {header, damages::columnPlaces(header)}; }
 };
 
 SampledGrid gridOf(std::int32_t nrows, std::int32_t ncols, double xll, double yll, float cellsize)
@@ -208,19 +206,18 @@ TEST(CellsInside, GivesTheBitsOfThePlainTest)
 {
     std::mt19937 random(11);
     int counted = 0;
-    damages::PolygonTest test;
+    run::InsideWalk walk;
     for (const auto& [xll, yll, cellsize] : std::vector<std::tuple<double, double, float>>{
              {0, 0, 1}, {381234.125, 6354321.375, 0.9999F}, {-7e6, 1e7, 5}}) {
         SampledGrid grid = gridOf(31, 42, xll, yll, cellsize);
         fillLevels(grid, random);
-        const damages::SampledLattice lattice = grid.lattice();
         for (int round = 0; round < 400; ++round) {
             const damages::DmgBuilding building = anyPolygon(grid.header, random);
             const run::CellWindow window = damages::buildingWindow(building, grid.header);
             if (window.firstRow < 1 || window.firstColumn < 1 || window.firstRow > 31 || window.firstColumn > 42) {
                 continue;
             }
-            const damages::InsideCells fast = damages::cellsInside(building, window, lattice, grid.cells, test);
+            const damages::InsideCells fast = damages::cellsInside(building, window, grid.header, grid.cells, walk);
             const damages::InsideCells plain = cellsInsidePlainly(building, window, grid);
             EXPECT_EQ(std::bit_cast<std::uint32_t>(fast.maximum), std::bit_cast<std::uint32_t>(plain.maximum));
             EXPECT_EQ(std::bit_cast<std::uint32_t>(fast.sum), std::bit_cast<std::uint32_t>(plain.sum));
@@ -236,14 +233,14 @@ TEST(CellsInside, SumsInSinglePrecisionRowsFromTheSouth)
     // 1e8 swallows each 1 behind it: the order tells in the sum.
     SampledGrid grid = gridOf(4, 4, 0, 0, 1);
     const damages::DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
-    damages::PolygonTest test;
+    run::InsideWalk walk;
     grid.cells(3, 3) = 1e8F;
     grid.cells(3, 4) = 1;
     grid.cells(4, 3) = 1;
     grid.cells(4, 4) = -1e8F;
     const auto sum = [&] {
         const run::CellWindow window = damages::buildingWindow(building, grid.header);
-        return damages::cellsInside(building, window, grid.lattice(), grid.cells, test).sum;
+        return damages::cellsInside(building, window, grid.header, grid.cells, walk).sum;
     };
     EXPECT_EQ(sum(), 0.0F);
     grid.cells(3, 3) = -1e8F;
@@ -259,9 +256,9 @@ TEST(CellsInside, CellsThatAreNoNumberDoNotBecomeTheMaximum)
     grid.cells(3, 3) = kNan;
     grid.cells(4, 4) = 2;
     const damages::DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
-    damages::PolygonTest test;
-    const damages::InsideCells cells = damages::cellsInside(building, damages::buildingWindow(building, grid.header),
-                                                            grid.lattice(), grid.cells, test);
+    run::InsideWalk walk;
+    const damages::InsideCells cells =
+        damages::cellsInside(building, damages::buildingWindow(building, grid.header), grid.header, grid.cells, walk);
     EXPECT_EQ(cells.maximum, 2.0F);
     EXPECT_TRUE(std::isnan(cells.sum));
     EXPECT_EQ(cells.count, 4);
