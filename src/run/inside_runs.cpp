@@ -33,32 +33,43 @@ void prepareWalk(const SampledRegion& region, InsideWalk& walk)
 
 namespace {
 
-double placeAlong(double origin, std::int32_t cell, const GridHeader& header, CellPlace place)
+// Calls `work` with the routine that gives the place of a cell by its number along an axis from `origin`. A row of cells
+// asks once which it is.
+template <typename Work>
+void withPlaces(double origin, const GridHeader& header, CellPlace place, const Work& work)
 {
-    const auto number = static_cast<float>(cell);
-    const double corner = origin + static_cast<double>(number) * header.cellsize8;
+    const double size = header.cellsize8;
+    const auto corner = [origin, size](std::int32_t cell) {
+        return origin + static_cast<double>(static_cast<float>(cell)) * size;
+    };
     switch (place) {
-    case CellPlace::northEastCorner: break;
-    case CellPlace::centre: return corner - 0.5 * header.cellsize8;
+    case CellPlace::northEastCorner: work(corner); break;
+    case CellPlace::centre: work([corner, size](std::int32_t cell) { return corner(cell) - 0.5 * size; }); break;
     case CellPlace::centreInSingle:
-        return origin + static_cast<double>(number * header.cellsize) - static_cast<double>(0.5F * header.cellsize);
+        work([origin, single = header.cellsize](std::int32_t cell) {
+            return origin + static_cast<double>(static_cast<float>(cell) * single) - static_cast<double>(0.5F * single);
+        });
+        break;
     }
-    return corner;
 }
 
 } // namespace
 
 void placeColumns(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk)
 {
-    walk.x.clear();
-    for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-        walk.x.push_back(placeAlong(header.xll, column, header, place));
-    }
+    const std::int32_t count = window.lastColumn < window.firstColumn ? 0 : window.lastColumn - window.firstColumn + 1;
+    walk.x.resize(static_cast<std::size_t>(count));
+    withPlaces(header.xll, header, place, [&](const auto& placeOf) {
+        for (std::int32_t i = 0; i < count; ++i) {
+            walk.x[static_cast<std::size_t>(i)] = placeOf(window.firstColumn + i);
+        }
+    });
 }
 
 void walkRow(const GridHeader& header, std::int32_t row, CellPlace place, InsideWalk& walk)
 {
-    insideRegionRuns(walk.region, placeAlong(header.yll, row, header, place), walk.x, walk.runs);
+    withPlaces(header.yll, header, place,
+               [&](const auto& placeOf) { insideRegionRuns(walk.region, placeOf(row), walk.x, walk.runs); });
 }
 
 } // namespace gridforge::run
