@@ -70,7 +70,7 @@ std::vector<damages::DmgBuilding> makeBuildings(std::int64_t vertices)
             building.x.push_back(building.x[i]);
             building.y.push_back(building.y[i]);
         }
-        building.type = damages::kPolygonBuilding;
+        building.kind = damages::BuildingKind::polygon;
         building.vertices = static_cast<std::int32_t>(building.x.size());
         building.extent.xmin = *std::min_element(building.x.begin(), building.x.end());
         building.extent.xmax = *std::max_element(building.x.begin(), building.x.end());

@@ -81,7 +81,7 @@ void addPolygon(const gis::Coordinates& read, const DmgLimits& limits, std::vect
     }
     DmgBuilding& building = addBuilding(limits, buildings);
     say("Building ", buildings.size(), " is a polygon with ", read.np, " nodes.");
-    building.type = kPolygonBuilding;
+    building.kind = BuildingKind::polygon;
     takeVertices(read, building);
     takeExtent(building);
 }
@@ -90,7 +90,7 @@ void addPoint(const gis::Coordinates& read, const DmgLimits& limits, std::vector
 {
     DmgBuilding& building = addBuilding(limits, buildings);
     say("Building ", buildings.size(), " is a point.");
-    building.type = kPointBuilding;
+    building.kind = BuildingKind::point;
     takeVertices(read, building);
 }
 

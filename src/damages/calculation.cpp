@@ -135,25 +135,26 @@ InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& wind
     return inside;
 }
 
+float maximumLevel(const InsideCells& cells, float null)
+{
+    return cells.maximum > kLeastMaximum ? cells.maximum : null;
+}
+
+float averageLevel(const InsideCells& cells, float null)
+{
+    return cells.count == 0 ? null : cells.sum / static_cast<float>(cells.count);
+}
+
 // --- The calculation -------------------------------------------------------------------------------------------------
 
 namespace {
 
-float levelOf(const InsideCells& cells, std::int32_t method, float null)
-{
-    switch (method) {
-    case kInspectMax: return cells.maximum > kLeastMaximum ? cells.maximum : null;
-    case kInspectAvg: return cells.count == 0 ? null : cells.sum / static_cast<float>(cells.count);
-    default: fail("ERROR - Unexpected region inspection method [dmg_calc_res]");
-    }
-}
-
-// The cells of the grid that give the level of a building: of a point the cell that holds it, of a polygon all about
-// it. None where it begins outside of the grid.
+// The cells of the grid that give the level of a building: the cell that holds a point, all cells around a polygon.
+// None where it begins outside of the grid.
 std::optional<run::CellWindow> windowInGrid(const DmgBuilding& building, const GridHeader& header)
 {
     run::CellWindow window =
-        building.type == kPointBuilding ? pointWindow(building, header) : buildingWindow(building, header);
+        building.kind == BuildingKind::point ? pointWindow(building, header) : buildingWindow(building, header);
     if (!isWithin(window.firstRow, header.nrows) || !isWithin(window.firstColumn, header.ncols)) {
         return std::nullopt;
     }
@@ -171,7 +172,7 @@ struct FoundCells {
 FoundCells findCells(const DmgBuilding& building, const run::CellWindow& window, const GridHeader& header,
                      const run::CellPart& cells, run::InsideWalk& walk)
 {
-    if (building.type == kPointBuilding) {
+    if (building.kind == BuildingKind::point) {
         return {cells(window.firstRow, window.firstColumn), {}};
     }
     return {0, cellsInside(building, window, header, cells, walk)};
@@ -208,7 +209,7 @@ std::vector<FoundCells> findAhead(const std::string& name, std::span<const DmgBu
 // The levels of the buildings, one after the other.
 class LevelFinder {
 public:
-    LevelFinder(const std::string& name, std::span<const DmgBuilding> buildings, std::int32_t method)
+    LevelFinder(const std::string& name, std::span<const DmgBuilding> buildings, RegionLevel method)
         : buildings_(buildings), method_(method), ahead_(findAhead(name, buildings))
     {
         const run::LoadSteps steps{.opening = "Loading grid data...",
@@ -226,14 +227,14 @@ public:
     void find(std::size_t i, float& level)
     {
         const DmgBuilding& building = buildings_[i];
-        const bool isPoint = building.type == kPointBuilding;
-        if (!isPoint && building.type != kPolygonBuilding) {
+        const bool isPoint = building.kind == BuildingKind::point;
+        if (!isPoint && building.kind != BuildingKind::polygon) {
             fail("ERROR - Should not be here dmg_calc_res[a]");
         }
         const auto window = windowInGrid(building, header_);
         if (window) {
             const FoundCells found = ahead_.empty() ? findCells(building, *window, header_, cells_, walk_) : ahead_[i];
-            level = isPoint ? found.value : levelOf(found.inside, method_, null());
+            level = isPoint ? found.value : levelOf(found.inside);
         } else if (isPoint) {
             say("WARNING - Building is outside grid area.");
             level = null();
@@ -244,8 +245,17 @@ public:
     }
 
 private:
+    float levelOf(const InsideCells& cells) const
+    {
+        switch (method_) {
+        case RegionLevel::maximum: return maximumLevel(cells, null());
+        case RegionLevel::average: return averageLevel(cells, null());
+        }
+        fail("ERROR - Unexpected region inspection method [dmg_calc_res]");
+    }
+
     std::span<const DmgBuilding> buildings_;
-    std::int32_t method_;
+    RegionLevel method_;
     std::vector<FoundCells> ahead_;
     GridHeader header_;
     Grid cells_;
@@ -255,7 +265,7 @@ private:
 } // namespace
 
 void dmg_calc_res(std::span<DmgBuilding> buildings, std::span<const DmgCurve> curves, std::span<const DmgRes> results,
-                  std::int32_t iResult, std::int32_t method, float& level)
+                  std::int32_t iResult, RegionLevel method, float& level)
 {
     const auto result = static_cast<std::size_t>(iResult - 1);
     LevelFinder levels(results[result].file, buildings, method);
@@ -264,6 +274,9 @@ void dmg_calc_res(std::span<DmgBuilding> buildings, std::span<const DmgCurve> cu
         levels.find(i, level);
         const float depth = level == levels.null() ? kNoDepth : level - building.FFL;
         const DmgCurve& curve = curves[static_cast<std::size_t>(building.curve - 1)];
+        if (isPastCurve(curve.depth, depth)) {
+            say("Depth exceeds highest value in curve.");
+        }
         building.damage[result] = dmg_curve_lookup(curve.depth, curve.damage, depth) * building.multiplier;
     }
     say("Deallocating grid memory.");

@@ -35,6 +35,10 @@ struct InsideCells {
     std::int64_t count = 0;
 };
 
+// The level of a polygon on those cells; null where the maximum is not above -998, and where none count for the average.
+float maximumLevel(const InsideCells& cells, float null);
+float averageLevel(const InsideCells& cells, float null);
+
 // Sums up the cells of the window, whose first row and column lie in the grid, that are inside the polygon and not null,
 // rows from the south and each from the west. Beyond the grid there are none. A row costs its edges and the cells inside.
 InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const GridHeader& header,
@@ -45,6 +49,6 @@ InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& wind
 // Reads grid `iResult`, from 1, and fills that damage of every building. `level` goes from call to call, 0 at first: a
 // polygon whose window begins outside of the grid leaves it, and so takes the level of the building before it.
 void dmg_calc_res(std::span<DmgBuilding> buildings, std::span<const DmgCurve> curves, std::span<const DmgRes> results,
-                  std::int32_t iResult, std::int32_t method, float& level);
+                  std::int32_t iResult, RegionLevel method, float& level);
 
 } // namespace gridforge::damages

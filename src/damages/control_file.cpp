@@ -110,9 +110,9 @@ void setMethod(const ControlLine& line, SecondPass& pass)
 {
     DmgControl& control = pass.control;
     if (ASAME(line.value, "Max")) {
-        control.method = kInspectMax;
+        control.method = RegionLevel::maximum;
     } else if (ASAME(line.value, "Avg")) {
-        control.method = kInspectAvg;
+        control.method = RegionLevel::average;
     } else {
         fail("ERROR - Unexpected Region Inspection Method use \"Max\" or \"Avg\"");
     }

@@ -16,7 +16,7 @@ struct DmgControl {
     std::vector<std::string> buildingFiles;
     std::vector<DmgCurve> curves;
     std::vector<DmgRes> results; // as listed
-    std::int32_t method = kInspectMax;
+    RegionLevel method = RegionLevel::maximum;
     gis::Projection projection; // of the first building layer
 };
 

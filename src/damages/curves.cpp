@@ -65,7 +65,7 @@ bool isPastCurve(std::span<const float> depths, float depth)
     return depth > depths.front() && depth >= depths.back();
 }
 
-float curveDamage(std::span<const float> depths, std::span<const float> damages, float depth)
+float dmg_curve_lookup(std::span<const float> depths, std::span<const float> damages, float depth)
 {
     assert(depths.size() == damages.size() && depths.size() >= kFewestPoints);
     if (depth <= depths.front()) {
@@ -83,14 +83,6 @@ float curveDamage(std::span<const float> depths, std::span<const float> damages,
     const float b = depths[k] - depths[k - 1];
     const float c = damages[k] - damages[k - 1];
     return damages[k - 1] + (a / b) * c;
-}
-
-float dmg_curve_lookup(std::span<const float> depths, std::span<const float> damages, float depth)
-{
-    if (isPastCurve(depths, depth)) {
-        say("Depth exceeds highest value in curve.");
-    }
-    return curveDamage(depths, damages, depth);
 }
 
 } // namespace gridforge::damages

@@ -16,8 +16,6 @@ void dmg_read_curve(const std::string& fileName, std::int32_t maxPoints, DmgCurv
 bool isPastCurve(std::span<const float> depths, float depth);
 // The damage at a depth above the floor; both spans hold one value a point, at least 2. The first damage stands for
 // every depth below the curve, the last one for every depth past it. Not-a-number gives not-a-number.
-float curveDamage(std::span<const float> depths, std::span<const float> damages, float depth);
-// The same, with a line on the console for a depth past the curve.
 float dmg_curve_lookup(std::span<const float> depths, std::span<const float> damages, float depth);
 
 } // namespace gridforge::damages

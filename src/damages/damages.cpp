@@ -12,6 +12,9 @@
 #include "host/console.h"
 #include "host/ends.h"
 
+#include <optional>
+#include <utility>
+
 namespace gridforge::damages {
 
 namespace {
@@ -42,17 +45,16 @@ std::vector<DmgBuilding> readAllBuildings(const DmgControl& control, const DmgLi
 std::vector<DmgRes> sortResults(const std::vector<DmgRes>& listed)
 {
     say("Sorting results grids by frequency: ");
-    const std::optional<std::vector<DmgRes>> sorted = sortByFrequency(listed);
+    std::optional<std::vector<DmgRes>> sorted = sortByFrequency(listed);
     if (!sorted) {
         fail("ERROR - No results grid has an AEP above -9999.");
     }
-    const std::vector<DmgRes>& dmg_res = *sorted;
     say("   Done");
     say("Ordered Grids: ");
-    for (std::size_t i = 0; i < dmg_res.size(); ++i) {
-        say("Grid ", i + 1, " is: ", dmg_res[i].file);
+    for (std::size_t i = 0; i < sorted->size(); ++i) {
+        say("Grid ", i + 1, " is: ", (*sorted)[i].file);
     }
-    return dmg_res;
+    return std::move(*sorted);
 }
 
 void calculate(const DmgControl& control, const std::vector<DmgRes>& results, std::vector<DmgBuilding>& buildings)

@@ -60,11 +60,11 @@ std::string recordLine(const DmgBuilding& building, const DmgCurve& curve)
 
 gis::Kind kindOf(const DmgBuilding& building)
 {
-    switch (building.type) {
-    case kPointBuilding: return gis::Kind::point;
-    case kPolygonBuilding: return gis::Kind::region;
-    default: fail("ERROR - Should not be here: dmg_write_gis[a]");
+    switch (building.kind) {
+    case BuildingKind::point: return gis::Kind::point;
+    case BuildingKind::polygon: return gis::Kind::region;
     }
+    fail("ERROR - Should not be here: dmg_write_gis[a]");
 }
 
 // The building as an object, without its record. A polygon loses the slot after its closing vertex.

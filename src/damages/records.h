@@ -29,11 +29,10 @@ struct DmgCurve {
     std::vector<float> damage;
 };
 
-inline constexpr std::int32_t kPointBuilding = 1;
-inline constexpr std::int32_t kPolygonBuilding = 2;
+enum class BuildingKind { point, polygon };
 
 struct DmgBuilding {
-    std::int32_t type = 0;
+    BuildingKind kind = BuildingKind::point;
     std::int32_t vertices = 0; // 1 of a point; of a polygon as read, with the closing vertex and the slot after it
     std::int32_t curve = 0;    // from 1
     std::string Prop_ID;
@@ -53,7 +52,6 @@ struct DmgRes {
 };
 
 // How the level of a polygon is made of the cells in it.
-inline constexpr std::int32_t kInspectMax = 1;
-inline constexpr std::int32_t kInspectAvg = 2;
+enum class RegionLevel { maximum, average };
 
 } // namespace gridforge::damages

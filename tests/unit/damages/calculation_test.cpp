@@ -83,7 +83,8 @@ TEST(SortByFrequency, IsTheSelectionForAnyList)
         std::vector<float> probabilities(static_cast<std::size_t>(length(random)));
         std::ranges::generate(probabilities, [&] { return some[pick(random)]; });
         if (std::ranges::none_of(probabilities, [](float p) { return p > -9999.0F; })) {
-            continue; // ends the run
+            EXPECT_FALSE(damages::sortByFrequency(listOf(probabilities)));
+            continue;
         }
         const std::vector<damages::DmgRes> listed = listOf(probabilities);
         EXPECT_EQ(shown(damages::sortByFrequency(listed).value()), shown(sortPlainly(listed)));
@@ -97,7 +98,7 @@ damages::DmgBuilding polygon(std::vector<double> x, std::vector<double> y)
     x.insert(x.end(), {x[0], x[1]});
     y.insert(y.end(), {y[0], y[1]});
     damages::DmgBuilding building;
-    building.type = damages::kPolygonBuilding;
+    building.kind = damages::BuildingKind::polygon;
     building.vertices = static_cast<std::int32_t>(x.size());
     building.extent.xmin = *std::ranges::min_element(x);
     building.extent.xmax = *std::ranges::max_element(x);
@@ -264,15 +265,32 @@ TEST(CellsInside, CellsThatAreNoNumberDoNotBecomeTheMaximum)
     EXPECT_EQ(cells.count, 4);
 }
 
+constexpr float kNull = -9999.0F;
+
+TEST(RegionLevels, AMaximumIsALevelOnlyAboveItsLimit)
+{
+    const float next = std::nextafter(-998.0F, 0.0F);
+    EXPECT_EQ(damages::maximumLevel({next, 0, 1}, kNull), next);
+    EXPECT_EQ(damages::maximumLevel({-998.0F, 0, 1}, kNull), kNull);
+    EXPECT_EQ(damages::maximumLevel({}, kNull), kNull);
+}
+
+TEST(RegionLevels, AnAverageTakesOneCellAtLeast)
+{
+    EXPECT_EQ(damages::averageLevel({9, 7, 2}, kNull), 3.5F);
+    EXPECT_EQ(damages::averageLevel({-999.0F, -1000, 1}, kNull), -1000.0F); // has no limit
+    EXPECT_EQ(damages::averageLevel({}, kNull), kNull);
+}
+
 // --- States that must not occur --------------------------------------------------------------------------------------
 
-ChildRun calculate(std::int32_t type, std::int32_t method)
+ChildRun calculate(damages::BuildingKind kind, damages::RegionLevel method)
 {
     const ScratchFolder folder;
     folder.give("g.asc", "ncols 1\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n5\n");
     return runInChild(folder, [=] {
         std::vector<damages::DmgBuilding> buildings = {polygon({2.1, 2.2, 2.2}, {2.1, 2.1, 2.2})};
-        buildings[0].type = type;
+        buildings[0].kind = kind;
         buildings[0].curve = 1;
         buildings[0].damage.resize(1);
         const std::vector<damages::DmgCurve> curves = {{"c", {0, 1}, {0, 1}}};
@@ -284,16 +302,16 @@ ChildRun calculate(std::int32_t type, std::int32_t method)
 
 TEST(CalcRes, AnUnknownMethodOrTypeEndsTheRun)
 {
-    const ChildRun method = calculate(damages::kPolygonBuilding, 3);
+    const ChildRun method = calculate(damages::BuildingKind::polygon, static_cast<damages::RegionLevel>(2));
     EXPECT_TRUE(method.ended);
     EXPECT_NE(method.console.find("   Done.\nERROR - Unexpected region inspection method [dmg_calc_res]\n"),
               std::string::npos)
         << method.console;
-    const ChildRun type = calculate(0, damages::kInspectMax);
+    const ChildRun type = calculate(static_cast<damages::BuildingKind>(2), damages::RegionLevel::maximum);
     EXPECT_TRUE(type.ended);
     EXPECT_NE(type.console.find("   Done.\nERROR - Should not be here dmg_calc_res[a]\n"), std::string::npos)
         << type.console;
-    EXPECT_FALSE(calculate(damages::kPolygonBuilding, damages::kInspectAvg).ended);
+    EXPECT_FALSE(calculate(damages::BuildingKind::polygon, damages::RegionLevel::average).ended);
 }
 
 TEST(WriteGis, AnUnknownTypeEndsTheRun)
@@ -301,7 +319,8 @@ TEST(WriteGis, AnUnknownTypeEndsTheRun)
     const ScratchFolder folder;
     const ChildRun run = runInChild(folder, [] {
         gis::initialise();
-        const std::vector<damages::DmgBuilding> buildings(1);
+        std::vector<damages::DmgBuilding> buildings(1);
+        buildings[0].kind = static_cast<damages::BuildingKind>(2);
         const std::vector<damages::DmgCurve> curves(1);
         damages::dmg_write_gis({"o.mif", "o.csv"}, {}, buildings, {}, curves);
     });

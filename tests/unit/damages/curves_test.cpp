@@ -1,8 +1,5 @@
 #include "damages/curves.h"
 
-#include "host/console.h"
-#include "support/child_run.h"
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -50,10 +47,9 @@ TEST(CurveLookup, GivesTheBitsOfThePlainWalk)
             damages.push_back(damage(random));
         }
         std::vector<float> asked = depths; // each joint, and places all over
-        asked.pop_back();                  // but for the last point, which the console tells
-        std::uniform_real_distribution<float> place(depths.front() - 1, depths.back());
+        std::uniform_real_distribution<float> place(depths.front() - 1, depths.back() + 1);
         for (int i = 0; i < 50; ++i) {
-            asked.push_back(std::min(place(random), std::nextafter(depths.back(), -1e9F)));
+            asked.push_back(place(random));
         }
         for (const float depth : asked) {
             EXPECT_EQ(std::bit_cast<std::uint32_t>(damages::dmg_curve_lookup(depths, damages, depth)),
@@ -78,21 +74,26 @@ TEST(CurveLookup, NotANumberHasNoDamage)
     EXPECT_TRUE(std::isnan(damages::dmg_curve_lookup(depths, damages, std::numeric_limits<float>::quiet_NaN())));
 }
 
-TEST(CurveLookup, TheLastPointAndWhatLiesAboveItIsTold)
+TEST(CurveLookup, TheEndsOfTheCurveStandForAllBeyondThem)
 {
-    const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] {
-        const std::vector<float> depths = {0, 1, 2};
-        const std::vector<float> damages = {5, 10, 7};
-        const bool good =
-            damages::dmg_curve_lookup(depths, damages, -99) == 5 &&
-            damages::dmg_curve_lookup(depths, damages, 0) == 5 && damages::dmg_curve_lookup(depths, damages, 1) == 10 &&
-            damages::dmg_curve_lookup(depths, damages, 2) == 7 && damages::dmg_curve_lookup(depths, damages, 9) == 7;
-        say(good ? "good" : "bad");
-    });
-    EXPECT_EQ(run.console, "Depth exceeds highest value in curve.\n"
-                           "Depth exceeds highest value in curve.\n"
-                           "good\n");
+    const std::vector<float> depths = {0, 1, 2};
+    const std::vector<float> damages = {5, 10, 7};
+    EXPECT_EQ(damages::dmg_curve_lookup(depths, damages, -99), 5.0F);
+    EXPECT_EQ(damages::dmg_curve_lookup(depths, damages, 0), 5.0F);
+    EXPECT_EQ(damages::dmg_curve_lookup(depths, damages, 1), 10.0F);
+    EXPECT_EQ(damages::dmg_curve_lookup(depths, damages, 2), 7.0F);
+    EXPECT_EQ(damages::dmg_curve_lookup(depths, damages, 9), 7.0F);
+}
+
+TEST(CurveLookup, ADepthIsPastTheCurveFromItsLastPoint)
+{
+    const std::vector<float> depths = {0, 1, 2};
+    EXPECT_TRUE(damages::isPastCurve(depths, 2));
+    EXPECT_TRUE(damages::isPastCurve(depths, 9));
+    EXPECT_FALSE(damages::isPastCurve(depths, std::nextafter(2.0F, 0.0F)));
+    EXPECT_FALSE(damages::isPastCurve(depths, std::numeric_limits<float>::quiet_NaN()));
+    // Never so at the first point, whose damage stands there.
+    EXPECT_FALSE(damages::isPastCurve(std::vector<float>{2, 2}, 2));
 }
 
 } // namespace
