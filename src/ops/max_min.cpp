@@ -2,7 +2,6 @@
 
 #include "core/numbers.h"
 #include "host/console.h"
-#include "ops/max_min_cells.h"
 #include "run/cell_story.h"
 #include "run/legend.h"
 #include "run/outputs.h"
@@ -14,16 +13,16 @@ namespace {
 constexpr std::size_t kExtreme = 0;
 constexpr std::size_t kSource = 1;
 
-run::FoldKernel kernelOf(bool maximum, bool withSources)
+run::FoldKernel kernelOf(Extreme wanted, bool withSources)
 {
-    return [maximum, withSources](const run::CellPiece& piece, std::size_t i, std::span<const float> cells,
-                                  run::OutputPieces kept) {
+    return [wanted, withSources](const run::CellPiece& piece, std::size_t i, std::span<const float> cells,
+                                 run::OutputPieces kept) {
         const Taken taken{cells, piece.nulls[i], static_cast<float>(i + 1)};
         const std::span<float> sources = withSources ? kept[kSource] : std::span<float>();
         if (i == 0) {
-            startExtremes(taken, maximum, piece.nulls[0], kept[kExtreme], sources);
+            startExtremes(taken, wanted, piece.nulls[0], kept[kExtreme], sources);
         } else {
-            takeExtremes(taken, maximum, kept[kExtreme], sources);
+            takeExtremes(taken, wanted, kept[kExtreme], sources);
         }
     };
 }
@@ -38,7 +37,7 @@ void runMaxMin(const run::Common& common, const MaxMinOptions& options, const ru
         say("Supressing source grid following \"-src\" option.");
     }
 
-    run::CellStory story(common, inputs, {.grids = options.src ? 1U : 2U}, kernelOf(maximum, !options.src));
+    run::CellStory story(common, inputs, {.grids = options.src ? 1U : 2U}, kernelOf(options.extreme, !options.src));
     const auto allocateKept = [&](const GridHeader& first) {
         story.allocate(kExtreme, first, "storing maximum / minimum values data...");
         if (!options.src) {

@@ -1,12 +1,11 @@
 // -max and -min: the extreme value of each cell over a list of grids, and the number of the grid it came from.
 #pragma once
 
+#include "ops/max_min_cells.h"
 #include "run/common.h"
 #include "run/inputs.h"
 
 namespace gridforge::ops {
-
-enum class Extreme { minimum, maximum };
 
 struct MaxMinOptions {
     Extreme extreme = Extreme::minimum; // -max wins over -min

@@ -50,15 +50,15 @@ void takeMinimum(std::span<const float> current, float null, float source, std::
               [null](float cell, float kept) { return (cell != null) & ((kept == null) | (cell < kept)); });
 }
 
-void takeExtremes(const Taken& taken, bool maximum, std::span<float> extreme, std::span<float> sources)
+void takeExtremes(const Taken& taken, Extreme wanted, std::span<float> extreme, std::span<float> sources)
 {
-    const auto take = maximum ? takeMaximum : takeMinimum;
+    const auto take = wanted == Extreme::maximum ? takeMaximum : takeMinimum;
     take(taken.cells, taken.null, taken.source, extreme, sources);
 }
 
 // Fills what is kept with the null and takes the first grid, in pieces that stay in the cache: two passes over large arrays
 // cost more than one.
-void startExtremes(const Taken& first, bool maximum, float null, std::span<float> extreme, std::span<float> sources)
+void startExtremes(const Taken& first, Extreme wanted, float null, std::span<float> extreme, std::span<float> sources)
 {
     constexpr std::size_t kPiece = 8192;
     for (std::size_t start = 0; start < extreme.size(); start += kPiece) {
@@ -67,7 +67,7 @@ void startExtremes(const Taken& first, bool maximum, float null, std::span<float
         const auto from = sources.empty() ? sources : sources.subspan(start, count);
         std::ranges::fill(kept, null);
         std::ranges::fill(from, null);
-        takeExtremes({first.cells.subspan(start, count), first.null, first.source}, maximum, kept, from);
+        takeExtremes({first.cells.subspan(start, count), first.null, first.source}, wanted, kept, from);
     }
 }
 

@@ -5,6 +5,8 @@
 
 namespace gridforge::ops {
 
+enum class Extreme { minimum, maximum };
+
 // For one grid after the other. `current` and `null` are the cells and the null of the grid being taken, `extreme`
 // and `sources` what is kept of all grids so far; `sources` may be empty. Cells equal to `null` do not count, and of equal
 // values the earliest grid stays as source.
@@ -26,8 +28,8 @@ struct Taken {
 };
 
 // takeMaximum or takeMinimum.
-void takeExtremes(const Taken& taken, bool maximum, std::span<float> extreme, std::span<float> sources);
+void takeExtremes(const Taken& taken, Extreme wanted, std::span<float> extreme, std::span<float> sources);
 // The same for the first grid: what is kept is assigned, and `null` where no cell enters.
-void startExtremes(const Taken& first, bool maximum, float null, std::span<float> extreme, std::span<float> sources);
+void startExtremes(const Taken& first, Extreme wanted, float null, std::span<float> extreme, std::span<float> sources);
 
 } // namespace gridforge::ops
