@@ -1,7 +1,6 @@
 #include "network/extract.h"
 
 #include "core/numbers.h"
-#include "core/text.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "plane/geometry.h"
@@ -40,16 +39,6 @@ struct CellSummary {
         sum += value;
     }
 };
-
-enum class Extraction { maximum, minimum, average };
-
-Extraction extractionOf(const NbcSection& section)
-{
-    if (FLAGEXISTS(section.extractionMethod, "Max")) {
-        return Extraction::maximum;
-    }
-    return FLAGEXISTS(section.extractionMethod, "Min") ? Extraction::minimum : Extraction::average;
-}
 
 float valueOf(const CellSummary& cells, Extraction extraction)
 {
@@ -197,12 +186,11 @@ private:
 template <typename CellsFor>
 std::int64_t sampleBySets(NbcSection& section, CellsFor cellsFor)
 {
-    const Extraction extraction = extractionOf(section);
     std::int64_t updated = 0;
     for (std::size_t i = 0; i < section.pointX.size(); ++i) {
         const CellSummary cells = cellsFor(i);
         if (cells.count > 0) {
-            section.pointZ[i] = valueOf(cells, extraction);
+            section.pointZ[i] = valueOf(cells, section.extraction);
             ++updated;
         }
     }
@@ -213,10 +201,10 @@ std::int64_t sampleBySets(NbcSection& section, CellsFor cellsFor)
 
 std::int64_t sampleSection(const GridHeader& header, const Grid& cells, PointValue target, NbcSection& section)
 {
-    if (target == PointValue::elevation && FLAGEXISTS(section.bufferMethod, "Perp")) {
+    if (target == PointValue::elevation && section.cells == SectionCells::across) {
         return sampleBySets(section, [&](std::size_t i) { return cellsAcross(header, cells, section, i); });
     }
-    if (target == PointValue::elevation && FLAGEXISTS(section.bufferMethod, "Buffer")) {
+    if (target == PointValue::elevation && section.cells == SectionCells::around) {
         BufferSampler sampler(header, cells);
         return sampleBySets(section, [&](std::size_t i) {
             return sampler.cellsAround(section.pointX[i], section.pointY[i], section.bufferDistance);

@@ -59,14 +59,18 @@ bool parseCutLine(const std::string& dataLine, NbcSection& section)
 {
     std::string split;
     std::string extract;
+    std::string extractionMethod;
+    std::string bufferMethod;
     FreeForm values = gis::recordForm(dataLine);
     const bool good = values.take(section.source, kSourceWidth) && values.take(section.distance) &&
                       values.take(split, kFlagTextWidth) && values.take(extract, kFlagTextWidth) &&
-                      values.take(section.extractionMethod, kMethodWidth) &&
-                      values.take(section.bufferMethod, kMethodWidth) && values.take(section.bufferDistance);
+                      values.take(extractionMethod, kMethodWidth) && values.take(bufferMethod, kMethodWidth) &&
+                      values.take(section.bufferDistance);
     // Only the single letters count: "False" stays true. On purpose: old layers hold such words.
     section.split = !isOneOf(split, "N", "F");
     section.extract = !isOneOf(extract, "N", "F");
+    section.extraction = extractionFrom(extractionMethod);
+    section.cells = sectionCellsFrom(bufferMethod);
     return good;
 }
 

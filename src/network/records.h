@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace gridforge::network {
@@ -61,6 +62,14 @@ struct NbcBranches {
     std::int32_t branchesAndSections = 0; // branches and the sections on them, once they are matched
 };
 
+// The cells that give a point of a section its elevation, and how they do it.
+enum class SectionCells { atPoint, across, around };
+enum class Extraction { maximum, minimum, average };
+
+// From the words of a section layer, of which the first that is in the text counts; any other text is the plain way.
+SectionCells sectionCellsFrom(std::string_view bufferMethod);
+Extraction extractionFrom(std::string_view extractionMethod);
+
 // A cross-section: its line, how it is sampled, and where it meets a branch.
 struct NbcSection {
     std::string source; // name of the section's CSV file
@@ -71,8 +80,8 @@ struct NbcSection {
     float zMaximum = 0;
     bool split = true;
     bool extract = true;
-    std::string extractionMethod;
-    std::string bufferMethod;
+    Extraction extraction = Extraction::average;
+    SectionCells cells = SectionCells::atPoint;
     float bufferDistance = 0;
     std::int32_t layer = 0;
     Box extent;

@@ -58,8 +58,8 @@ network::NbcSection sectionAt(const std::vector<double>& xy, const std::string& 
     }
     section.pointZ.assign(section.pointX.size(), kNullCell);
     section.pointMaterial.assign(section.pointX.size(), kNullCell);
-    section.bufferMethod = buffer;
-    section.extractionMethod = extraction;
+    section.cells = network::sectionCellsFrom(buffer);
+    section.extraction = network::extractionFrom(extraction);
     section.bufferDistance = distance;
     return section;
 }
