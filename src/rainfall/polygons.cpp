@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 #include <vector>
 
 namespace gridforge::rainfall {
@@ -82,40 +83,46 @@ std::int64_t paintRegion(const RfRegion& region, const GridHeader& grid, std::in
     return shared;
 }
 
+RfPointsInside pointsInside(const RfRegion& region, const GridHeader& grid, const RfPoints& points)
+{
+    PreparedRegion ready;
+    prepare(region, grid.xll, ready);
+    RfPointsInside inside;
+    for (const RfPoint& point : points.records) {
+        if (insideRegion(ready, point.x, point.y)) {
+            ++inside.count;
+            inside.last = point.record;
+        }
+    }
+    return inside;
+}
+
 // --- The pass over the control file ----------------------------------------------------------------------------------
 
 namespace {
 
-// The last point inside gives name and factors.
-RfRecord recordOfPointInside(const RfRegion& region, double xOrigin, const RfPoints& points)
+// The point inside gives name and factors; none, or one without a name, ends the run.
+RfRecord recordOfPointInside(const RfRegion& region, const GridHeader& grid, const RfPoints& points)
 {
-    PreparedRegion ready;
-    prepare(region, xOrigin, ready);
-    RfRecord record;
-    std::int32_t count = 0;
-    for (const RfPoint& point : points.records) {
-        if (!insideRegion(ready, point.x, point.y)) {
-            continue;
-        }
-        if (++count > 1) {
-            say("WARNING - More than one rainfall point inside region.");
-        }
-        record = point.record;
+    RfPointsInside inside = pointsInside(region, grid, points);
+    for (std::int64_t i = 1; i < inside.count; ++i) {
+        say("WARNING - More than one rainfall point inside region.");
     }
-    if (count == 0) {
+    if (inside.count == 0) {
         fail("ERROR - No rainfall points inside region.");
     }
-    if (record.name.empty()) {
+    if (inside.last.name.empty()) {
         fail("ERROR - No Rainfall name for polygon / point.");
     }
-    return record;
+    return std::move(inside.last);
 }
 
-RfRecord recordOfRegion(const std::string& dataLine, const RfRegion& region, double xOrigin, const RfPoints& points)
+RfRecord recordOfRegion(const std::string& dataLine, const RfRegion& region, const GridHeader& grid,
+                        const RfPoints& points)
 {
     RfRecord record = parseRfRecord(dataLine);
     if (record.name.empty()) {
-        return recordOfPointInside(region, xOrigin, points);
+        return recordOfPointInside(region, grid, points);
     }
     mendFactors(record);
     return record;
@@ -145,7 +152,7 @@ void paintLayer(const ControlLine& line, PolygonPass& pass)
 {
     forEachRing(line.value, [&pass](const gis::Coordinates& read, const std::string& dataLine) {
         const RfRegion region = rfRegion(read.vertexX(), read.vertexY());
-        const RfRecord record = recordOfRegion(dataLine, region, pass.grid.xll, pass.points);
+        const RfRecord record = recordOfRegion(dataLine, region, pass.grid, pass.points);
         matchRegion(record.name, pass.hyetographs, pass.number);
         const std::int64_t shared = paintRegion(region, pass.grid, pass.number, record.f1 * record.f2, pass.tables);
         for (std::int64_t i = 0; i < shared; ++i) {

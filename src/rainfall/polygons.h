@@ -32,6 +32,13 @@ RfRegion rfRegion(std::span<const double> x, std::span<const double> y);
 std::int64_t paintRegion(const RfRegion& region, const GridHeader& grid, std::int32_t hyetograph, float factor,
                          RfPolygonTables& tables);
 
+// How many points are in the region, and the record of the last of them.
+struct RfPointsInside {
+    std::int64_t count = 0;
+    RfRecord last;
+};
+RfPointsInside pointsInside(const RfRegion& region, const GridHeader& grid, const RfPoints& points);
+
 // The pass over the control file that paints the regions of its polygon layers and writes the tables as the grids
 // rf_index and rf_fac. Regions without a name take that of the point inside.
 void rf_set_polygons(const std::string& controlFile, const RfPoints& points, const RfHyetographs& hyetographs,

@@ -44,9 +44,6 @@ void rf_tin_factors(const std::vector<RfTriangle>& triangles, const RfTinPoints&
 
 // --- Triangles and points --------------------------------------------------------------------------------------------
 
-namespace {
-
-// The point nearest to the vertex, the first of several; one that is not at the vertex ends the run.
 std::int32_t snappedPoint(double x, double y, const RfPoints& points, std::span<float> distances)
 {
     constexpr float kSnapped = 0.001F;
@@ -54,16 +51,22 @@ std::int32_t snappedPoint(double x, double y, const RfPoints& points, std::span<
                            [&](const RfPoint& point) { return DISTANCE_8(x, y, point.x, point.y); });
     const auto nearest = std::ranges::min_element(distances);
     if (nearest == distances.end() || !(*nearest < kSnapped)) {
-        fail("ERROR - No point found snapped to triangle vertex");
+        return 0;
     }
     return static_cast<std::int32_t>(nearest - distances.begin()) + 1;
 }
 
-RfTriangle triangleFrom(const gis::Coordinates& read, const RfPoints& points, std::span<float> distances)
+namespace {
+
+// A vertex without a point ends the run.
+RfTriangle readTriangle(const gis::Coordinates& read, const RfPoints& points, std::span<float> distances)
 {
     RfTriangle triangle{};
     for (std::size_t v = 0; v < triangle.size(); ++v) {
         triangle[v] = snappedPoint(read.x[v], read.y[v], points, distances);
+        if (triangle[v] == 0) {
+            fail("ERROR - No point found snapped to triangle vertex");
+        }
     }
     return triangle;
 }
@@ -86,7 +89,7 @@ void readTriangleLayer(const ControlLine& line, TrianglePass& pass)
         if (pass.triangles.size() == static_cast<std::size_t>(kMaxRfTriangles)) {
             fail("ERROR - Number of rainfall triangles exceeds maximum: ", kMaxRfTriangles);
         }
-        pass.triangles.push_back(triangleFrom(read, pass.points, pass.distances));
+        pass.triangles.push_back(readTriangle(read, pass.points, pass.distances));
     });
 }
 

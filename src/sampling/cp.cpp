@@ -222,6 +222,16 @@ void writeResult(const CalibrationPoint& point, bool withExtremes, const std::st
     writeLine(outputs.summary, join(label, ",", real(point.observed), ",", results));
 }
 
+// Blank, with a warning, where no threshold has a symbol for it.
+std::string symbolOf(float difference, const std::vector<SymbolThreshold>& thresholds)
+{
+    const std::optional<std::string> style = symbolStyle(thresholds, difference);
+    if (!style) {
+        say("Warning above difference is above highest value in config file.");
+    }
+    return style.value_or("");
+}
+
 } // namespace
 
 void runCalibrationPoints(const run::Common& common, const CpOptions& options, const run::InputFileList& inputs)
@@ -257,7 +267,7 @@ void runCalibrationPoints(const run::Common& common, const CpOptions& options, c
         point.x = read.x[0];
         point.y = read.y[0];
         sampler.sample(point);
-        const std::string symbol = withSymbols ? symbolStyle(thresholds, point.difference) : "";
+        const std::string symbol = withSymbols ? symbolOf(point.difference, thresholds) : "";
         writeResult(point, options.extremes, symbol, outputs);
     }
     input.layer.close();

@@ -53,13 +53,12 @@ std::vector<SymbolThreshold> readSymbolThresholds(const std::string& name)
     return thresholds;
 }
 
-std::string symbolStyle(const std::vector<SymbolThreshold>& thresholds, float difference)
+std::optional<std::string> symbolStyle(const std::vector<SymbolThreshold>& thresholds, float difference)
 {
     const auto found = std::ranges::find_if(
         thresholds, [difference](const SymbolThreshold& threshold) { return difference <= threshold.upTo; });
     if (found == thresholds.end()) {
-        say("Warning above difference is above highest value in config file.");
-        return "";
+        return std::nullopt;
     }
     return join("Symbol (", found->shape, ",", found->colour, ",", found->size, ")");
 }

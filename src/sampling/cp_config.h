@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,7 @@ struct SymbolThreshold {
 // run.
 std::vector<SymbolThreshold> readSymbolThresholds(const std::string& name);
 
-// The symbol of the first threshold that the difference does not exceed; blank, with a warning, above all of them.
-std::string symbolStyle(const std::vector<SymbolThreshold>& thresholds, float difference);
+// The symbol of the first threshold that the difference does not exceed; nothing above all of them and for not-a-number.
+std::optional<std::string> symbolStyle(const std::vector<SymbolThreshold>& thresholds, float difference);
 
 } // namespace gridforge::sampling
