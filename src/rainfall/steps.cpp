@@ -1,24 +1,24 @@
 #include "rainfall/steps.h"
 
-#include "core/computed.h"
 #include "host/threads.h"
+#include "rainfall/step_cells.h"
 
 #include <algorithm>
-#include <cassert>
+#include <array>
 #include <span>
 
 namespace gridforge::rainfall {
 
 namespace {
 
-// Calls `work` with stretches of cells that make up the whole, for several at a time.
+// Calls work(first, count) with stretches of cells that make up the whole, for several at a time.
 template <typename Work>
 void eachStretch(std::size_t cells, Work work)
 {
     constexpr std::size_t kCells = std::size_t{1} << 18;
     const std::size_t each = cellsPerPiece(kCells);
     parallelFor((cells + each - 1) / each,
-                [&](std::size_t piece, std::size_t) { work(piece * each, std::min(cells, (piece + 1) * each)); });
+                [&](std::size_t piece, std::size_t) { work(piece * each, std::min(each, cells - piece * each)); });
 }
 
 // The rain at each point, from 1 on; place 0 and the places after the points hold 0.
@@ -47,14 +47,9 @@ void rf_step_polygon(const RfHyetographs& hyetographs, std::size_t step, const R
     const std::span<const float> factor = tables.factor.cells();
     const std::span<float> now = grids.step.cells();
     const std::span<float> total = grids.cumulative.cells();
-    assert(index.size() == now.size() && factor.size() == now.size() && total.size() == now.size());
-    eachStretch(now.size(), [&](std::size_t from, std::size_t to) {
-        for (std::size_t i = from; i < to; ++i) {
-            const bool rains = index[i] > 0;
-            const float value = stored(depths[rains ? static_cast<std::size_t>(index[i]) : 0] * factor[i]);
-            now[i] = rains ? value : null;
-            total[i] = rains ? stored(total[i] + value) : total[i];
-        }
+    eachStretch(now.size(), [&](std::size_t from, std::size_t count) {
+        rainByHyetograph(depths, index.subspan(from, count), factor.subspan(from, count), null,
+                         now.subspan(from, count), total.subspan(from, count));
     });
 }
 
@@ -79,58 +74,11 @@ void rf_step_tin(const RfHyetographs& hyetographs, const RfPoints& points, std::
     const std::span<const float> b = tables.ratioB.cells();
     const std::span<float> now = grids.step.cells();
     const std::span<float> total = grids.cumulative.cells();
-    assert(number.size() == now.size() && a.size() == now.size() && b.size() == now.size());
-    eachStretch(now.size(), [&](std::size_t from, std::size_t to) {
-        for (std::size_t i = from; i < to; ++i) {
-            if (number[i] <= 0) {
-                now[i] = null;
-                continue;
-            }
-            const auto& [z1, z2, z3] = corners[static_cast<std::size_t>(number[i] - 1)];
-            now[i] = stored(z3 + (((z1 + ((z2 - z1) * a[i])) - z3) * b[i]));
-            total[i] = stored(total[i] + now[i]);
-        }
+    eachStretch(now.size(), [&](std::size_t from, std::size_t count) {
+        rainByTriangle(corners, {number.subspan(from, count), a.subspan(from, count), b.subspan(from, count)}, null,
+                       now.subspan(from, count), total.subspan(from, count));
     });
 }
-
-namespace {
-
-// Adds value times weight over one row, point by point, so that the cells go side by side while each of them adds in
-// the order of the points.
-void addWeighted(std::span<const float> values, std::span<const float> weights, std::span<double> sums)
-{
-    const std::size_t columns = sums.size();
-    double* const sum = sums.data();
-    for (std::size_t p = 0; p < values.size(); ++p) {
-        const auto value = static_cast<double>(values[p]);
-        const float* const weight = weights.subspan(p * columns, columns).data();
-        for (std::size_t c = 0; c < columns; ++c) {
-            sum[c] = sum[c] + value * static_cast<double>(weight[c]);
-        }
-    }
-}
-
-double listedSum(std::span<const float> values, const RfIdwTables& tables, std::size_t start, std::int32_t count)
-{
-    double sum = 0.0;
-    for (std::size_t k = start; k < start + static_cast<std::size_t>(count); ++k) {
-        const float value = values[static_cast<std::size_t>(tables.pointNumber[k])];
-        sum = sum + static_cast<double>(value) * static_cast<double>(tables.weight[k]);
-    }
-    return sum;
-}
-
-void addListed(std::span<const float> values, const RfIdwTables& tables, std::int32_t row, std::span<double> sums)
-{
-    const std::span<const std::int32_t> counts = tables.count.row(row);
-    std::size_t start = tables.rowStart(row);
-    for (std::size_t c = 0; c < sums.size(); ++c) {
-        sums[c] = listedSum(values, tables, start, counts[c]);
-        start += static_cast<std::size_t>(tables.method.listLength);
-    }
-}
-
-} // namespace
 
 void rf_step_idw(const RfHyetographs& hyetographs, const RfPoints& points, std::size_t step, const RfIdwTables& tables,
                  RfGrids& grids)
@@ -144,18 +92,12 @@ void rf_step_idw(const RfHyetographs& hyetographs, const RfPoints& points, std::
         sums.resize(columns);
         if (tables.method.useAll) {
             std::ranges::fill(sums, 0.0);
-            addWeighted(std::span(values).subspan(1, points.records.size()),
-                        tables.weight.all().subspan(tables.rowStart(row), tables.rowWeights()), sums);
+            addWeighted(std::span(values).subspan(1, points.records.size()), tables.weightsOf(row), sums);
         } else {
-            addListed(values, tables, row, sums);
+            const auto length = static_cast<std::size_t>(tables.method.listLength);
+            sumListed(values, {length, tables.count.row(row), tables.pointsOf(row), tables.weightsOf(row)}, sums);
         }
-        const std::span<const double> weightSum = tables.weightSum.row(row);
-        const std::span<float> now = grids.step.row(row);
-        const std::span<float> total = grids.cumulative.row(row);
-        for (std::size_t c = 0; c < sums.size(); ++c) {
-            now[c] = stored(static_cast<float>(sums[c] / weightSum[c]));
-            total[c] = stored(total[c] + now[c]);
-        }
+        rainByWeights(sums, tables.weightSum.row(row), grids.step.row(row), grids.cumulative.row(row));
     });
 }
 
