@@ -147,6 +147,11 @@ Bytes of memory that waiting cells may take, beyond which they wait in a file wi
 .B GRIDFORGE_SCRATCH
 The folder for that file; without it the folder of the output or the temporary one.
 .TP
+.B GRIDFORGE_PROGRESS
+A file that gets a line about the progress each second, or
+.B fd:
+and the number of an open one.
+.TP
 .B GRIDFORGE_PIECE
 Cells of a piece, for tests.
 .SH EXAMPLES

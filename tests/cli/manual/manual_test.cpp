@@ -5,8 +5,12 @@
 #include "support/tool_run.h"
 
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <regex>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,6 +55,14 @@ bool isGlued(const driver::FlagRow& row)
     return row.value == driver::FlagValue::gluedReal || row.value == driver::FlagValue::gluedInteger;
 }
 
+// As the page shows the flag over its paragraph.
+std::string headingOf(const driver::FlagRow& row)
+{
+    const std::string value(row.docs.valueName);
+    const bool joined = isGlued(row) || row.value == driver::FlagValue::statistic || value.empty();
+    return join('-', row.key, joined ? "" : " ", value);
+}
+
 class ManualPage : public testing::Test {
 protected:
     void SetUp() override
@@ -75,9 +87,7 @@ TEST_F(ManualPage, TellsEveryFlagWithItsValueAndDefault)
 {
     const std::string page = rendered();
     for (const driver::FlagRow& row : driver::flagTable()) {
-        const std::string value(row.docs.valueName);
-        const std::string heading = join(
-            '-', row.key, isGlued(row) || row.value == driver::FlagValue::statistic || value.empty() ? "" : " ", value);
+        const std::string heading = headingOf(row);
         const std::string paragraph = paragraphOf(page, heading);
         EXPECT_THAT(paragraph, HasSubstr(std::string(row.docs.description.substr(1)) + ".")) << heading;
         const std::string nothing = row.value == driver::FlagValue::none ? "off" : "none";
@@ -126,12 +136,43 @@ TEST_F(ManualPage, KeepsOperationsApartFromOptions)
     const std::string page = rendered();
     const std::size_t options = page.find("\nOPTIONS\n");
     for (const driver::FlagRow& row : driver::flagTable()) {
-        const std::string paragraph =
-            paragraphOf(page, join('-', row.key, row.docs.valueName.empty() ? "" : " ", row.docs.valueName));
-        if (!paragraph.empty()) {
-            EXPECT_EQ(page.find(paragraph) < options, row.kind == driver::FlagKind::operation) << row.key;
+        const std::string paragraph = paragraphOf(page, headingOf(row));
+        ASSERT_FALSE(paragraph.empty()) << row.key;
+        EXPECT_EQ(page.find(paragraph) < options, row.kind == driver::FlagKind::operation) << row.key;
+    }
+}
+
+std::string contentOf(const std::filesystem::path& name)
+{
+    std::ifstream file(name);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(ManualVariables, AreThoseThatTheToolReads)
+{
+    static const std::regex read(R"re(environment(Text|Number)\("(\w+)"\))re");
+    std::set<std::string> variables;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(sourceFolder() + "/src")) {
+        if (!entry.is_regular_file()) {
+            continue;
+        }
+        const std::string code = contentOf(entry.path());
+        for (auto at = std::sregex_iterator(code.begin(), code.end(), read); at != std::sregex_iterator(); ++at) {
+            variables.insert((*at)[2].str());
         }
     }
+    EXPECT_THAT(variables, testing::Contains("GRIDFORGE_THREADS"));
+    const auto namedIn = [](const std::string& text, const std::regex& form) {
+        std::set<std::string> names;
+        for (auto at = std::sregex_iterator(text.begin(), text.end(), form); at != std::sregex_iterator(); ++at) {
+            names.insert((*at)[1].str());
+        }
+        return names;
+    };
+    EXPECT_EQ(namedIn(contentOf(kPage), std::regex("\n\\.B (GRIDFORGE_\\w+)\n")), variables);
+    EXPECT_EQ(
+        namedIn(contentOf(sourceFolder() + "/docs/operations/README.md"), std::regex(R"(\n\| `(GRIDFORGE_\w+)`)")),
+        variables);
 }
 
 } // namespace
