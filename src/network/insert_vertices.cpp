@@ -14,7 +14,6 @@ namespace gridforge::network {
 namespace {
 
 constexpr float kLeastDistance = 0.001F;
-constexpr float kNoValue = -9999.0F;
 
 // How many points go into the segment from vertex w - 1 to vertex w.
 std::int32_t insertedInto(const NbcSection& section, std::size_t w, float spacing)
@@ -68,8 +67,8 @@ void nbc_insert_vertices(NbcSections& sections, float spacing, std::optional<flo
         } else {
             insertPoints(section, section.distance > kLeastDistance ? section.distance : spacing);
         }
-        section.pointZ.assign(section.pointX.size(), kNoValue);
-        section.pointMaterial.assign(section.pointX.size(), defaultMaterial.value_or(kNoValue));
+        section.pointZ.assign(section.pointX.size(), kNoPointValue);
+        section.pointMaterial.assign(section.pointX.size(), defaultMaterial.value_or(kNoPointValue));
     }
     say("   Done");
 }

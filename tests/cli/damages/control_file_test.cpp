@@ -43,6 +43,15 @@ const std::string kLayer = "Read GIS Building == h.mif\n";
 const std::string kCurve = "Read Curve House == house.csv\n";
 const std::string kGrid = "Read Result % 1 == wl.asc\n";
 
+TEST(DamagesControl, ABuildingLayerMayBeReadAsMi)
+{
+    ControlRun control("Read MI Building == h.mif\n" + kCurve + kGrid);
+    ControlRun same(kLayer + kCurve + kGrid);
+    const std::string table = control.table();
+    EXPECT_THAT(table, HasSubstr("\"House\",\"A\",0.,1.,1200.,0."));
+    EXPECT_EQ(table, same.table());
+}
+
 // --- Limits ----------------------------------------------------------------------------------------------------------
 
 TEST(DamagesControl, LimitsAreTakenFromAnywhereInTheFile)

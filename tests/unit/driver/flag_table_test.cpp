@@ -2,6 +2,8 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
+#include "network/insert_vertices.h"
+#include "remap/idw.h"
 
 #include <gtest/gtest.h>
 #include <map>
@@ -226,9 +228,9 @@ TEST(FlagTable, DefaultsAreThoseOfFreshSettings)
         {"fb", text(get<remap::RemapOptions>(fresh).freeboard)},
         {"bd", text(get<remap::RemapOptions>(fresh).buffer.value_or(0.0F))},
         {"decimal", AINTEGER(get<run::Common>(fresh).decimals)},
-        {"idw_npt", "12"},      // of the remap
-        {"default_n", "-9999"}, // of the sections
-        {"resize", ""},         // without default: the operation needs it
+        {"idw_npt", AINTEGER(remap::kDefaultIdwPoints)},
+        {"default_n", AINTEGER(truncateToInt(static_cast<double>(network::kNoPointValue)))},
+        {"resize", ""}, // without default: the operation needs it
     };
     for (const driver::FlagRow& row : driver::flagTable()) {
         if (row.value == gluedReal || row.value == gluedInteger) {

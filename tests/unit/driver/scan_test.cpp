@@ -3,11 +3,13 @@
 #include "driver/flag_table.h"
 #include "host/console.h"
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <set>
+#include <sstream>
 
 namespace gridforge {
 namespace {
@@ -183,6 +185,19 @@ TEST(Scan, DefaultsAreThoseOfARunWithoutFlags)
     EXPECT_EQ(get<RemapOptions>(settings).freeboard, 0.0F);
     EXPECT_EQ(get<RemapOptions>(settings).buffer, std::nullopt);
     EXPECT_EQ(get<RemapOptions>(settings).idwPoints, 0);
+}
+
+// The words of the row are what the manual and the completion offer.
+TEST(Scan, EachWordOfStatIsAStatisticOfItsOwn)
+{
+    std::istringstream words{std::string(driver::findFlag("-stat")->docs.valueName)};
+    std::vector<StatOptions> seen{StatOptions()};
+    for (std::string word; std::getline(words, word, '|');) {
+        const StatOptions options = optionsOf<StatOptions>({"-stat" + (word == "Rank<n>" ? "Rank3" : word)});
+        EXPECT_EQ(std::ranges::count(seen, options), 0) << word;
+        seen.push_back(options);
+    }
+    EXPECT_EQ(seen.size(), 9U); // the six of the message, ranks and all ranks
 }
 
 TEST(Scan, PlainArgumentsKeepTheirOrder)

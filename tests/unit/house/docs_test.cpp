@@ -5,7 +5,6 @@
 #include "support/paths.h"
 #include "support/scratch_folder.h"
 
-#include <cctype>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <regex>
@@ -267,19 +266,6 @@ std::string pageOf(const std::vector<IndexLine>& lines, std::string_view flag)
     return {};
 }
 
-// Letters before and behind would make it another flag; a value may follow.
-bool tells(const std::string& page, std::string_view flag)
-{
-    const std::string wanted = join("`-", flag);
-    for (std::size_t at = page.find(wanted); at != std::string::npos; at = page.find(wanted, at + 1)) {
-        const auto next = static_cast<unsigned char>(page[at + wanted.size()]);
-        if (std::isalpha(next) == 0 && next != '_') {
-            return true;
-        }
-    }
-    return false;
-}
-
 TEST(OperationPages, EveryOperationHasOneInTheHouseSkeleton)
 {
     const std::vector<IndexLine> lines = index();
@@ -327,20 +313,6 @@ TEST(OperationPages, TheIndexNamesFlagsAndPagesThatExist)
         files.insert(entry.path().filename().string());
     }
     EXPECT_EQ(pages, files);
-}
-
-// Options are told on the page of their operation or, where they hold for all, on the index.
-TEST(OperationPages, TellEveryFlag)
-{
-    std::string all;
-    for (const auto& entry : fs::directory_iterator(kPages)) {
-        all += readWhole(entry.path());
-    }
-    for (const driver::FlagRow& row : driver::flagTable()) {
-        EXPECT_TRUE(row.value == driver::FlagValue::statistic ? all.find("`-statMean") != std::string::npos
-                                                              : tells(all, row.key))
-            << "-" << row.key << " is on no page";
-    }
 }
 
 } // namespace
