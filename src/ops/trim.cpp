@@ -146,37 +146,7 @@ std::size_t rowsOf(const run::CellWindow& window)
     return static_cast<std::size_t>(window.lastRow - window.firstRow) + 1;
 }
 
-// A cell's place in the order of the files.
-std::size_t placeOf(const GridHeader& header, std::int32_t row, std::int32_t column)
-{
-    return static_cast<std::size_t>(header.nrows - row) * static_cast<std::size_t>(header.ncols) +
-           static_cast<std::size_t>(column - 1);
-}
-
-} // namespace
-
-bool copyInside(const run::SampledRegion& region, const GridHeader& header, const grid::GetCells& cells,
-                const run::CellWindow& window, std::span<float> output)
-{
-    std::ranges::fill(output, header.null);
-    const std::size_t columns = window.columns();
-    bool good = true;
-    run::InsideWalk walk;
-    run::prepareWalk(region, walk);
-    run::forEachInsideRun(
-        header, window, run::CellPlace::northEastCorner, walk,
-        [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-            const auto fromNorth = static_cast<std::size_t>(window.lastRow - row);
-            const auto fromWest = static_cast<std::size_t>(first - window.firstColumn);
-            good = good && cells(placeOf(header, row, first),
-                                 output.subspan(fromNorth * columns + fromWest, static_cast<std::size_t>(count)));
-        });
-    return good;
-}
-
 // --- The run ---------------------------------------------------------------------------------------------------------
-
-namespace {
 
 constexpr std::size_t kMostWaitingCuts = 16; // each may take an open file
 
@@ -204,7 +174,6 @@ run::Way cutCells(const grid::CellStore& cells, const GridHeader& header, const 
     const std::size_t columns = cut.window.columns();
     const std::size_t rows =
         std::clamp<std::size_t>(std::min(run::kCachedCells, run::cellsOfPart()) / columns, 1, rowsOf(cut.window));
-    const auto get = [&cells](std::size_t first, std::span<float> target) { return cells.get(first, target); };
     const auto fill = [&](std::size_t first, std::span<float> target, std::size_t) {
         run::CellWindow some = cut.window;
         some.lastRow -= static_cast<std::int32_t>(first / columns);
@@ -212,7 +181,10 @@ run::Way cutCells(const grid::CellStore& cells, const GridHeader& header, const 
         if (2 * columns >= static_cast<std::size_t>(header.ncols)) {
             cells.willRead(placeOf(header, some.lastRow, 1), rowsOf(some) * static_cast<std::size_t>(header.ncols));
         }
-        return copyInside(cut.region, header, get, some, target) ? run::Way::ahead : run::Way::readRefused;
+        bool good = true;
+        copyInside(cut.region, header, some, target,
+                   [&](std::size_t place, std::span<float> part) { good = good && cells.get(place, part); });
+        return good ? run::Way::ahead : run::Way::readRefused;
     };
     return run::fillAhead(output, rows * columns, fill);
 }
@@ -312,11 +284,10 @@ grid::CellSource TrimmedGrid::cells(std::size_t region, const Cut& cut)
     if (!ahead_) {
         plainOutput_ = Grid();
         grid::allocateGrid(plainOutput_, cut.header, kPurpose);
-        const auto get = [&](std::size_t first, std::span<float> target) {
-            std::ranges::copy(plainCells_.cells().subspan(first, target.size()), target.begin());
-            return true;
-        };
-        static_cast<void>(copyInside(cut.region, loaded_.header, get, cut.window, plainOutput_.cells())); // never fails
+        copyInside(cut.region, loaded_.header, cut.window, plainOutput_.cells(),
+                   [&cells = std::as_const(plainCells_)](std::size_t place, std::span<float> part) {
+                       std::ranges::copy(cells.cells().subspan(place, part.size()), part.begin());
+                   });
         return plainOutput_;
     }
     grid::sayAllocation(cut.header, kPurpose);

@@ -1,23 +1,44 @@
 // -trim: each input grid cut to each region of a layer.
 #pragma once
 
-#include "grid/cell_source.h"
 #include "grid/grid.h"
 #include "run/cell_window.h"
 #include "run/common.h"
 #include "run/inputs.h"
 #include "run/inside_runs.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 
 namespace gridforge::ops {
 
-// The window's cells whose north-east corner is inside the region, and null for the others, into `output`, which is as large
-// as the window. False where cells cannot be had.
-[[nodiscard]] bool copyInside(const run::SampledRegion& region, const GridHeader& header, const grid::GetCells& cells,
-                              const run::CellWindow& window, std::span<float> output);
+// A cell's place in the order of the files.
+inline std::size_t placeOf(const GridHeader& header, std::int32_t row, std::int32_t column)
+{
+    return static_cast<std::size_t>(header.nrows - row) * static_cast<std::size_t>(header.ncols) +
+           static_cast<std::size_t>(column - 1);
+}
+
+// Fills `output`, which is as large as the window, with null, and calls copy(first, target) for each run of cells whose
+// north-east corner is inside the region: with the place of the first of them in the grid, and their part of the output.
+template <typename Copy>
+void copyInside(const run::SampledRegion& region, const GridHeader& header, const run::CellWindow& window,
+                std::span<float> output, const Copy& copy)
+{
+    std::ranges::fill(output, header.null);
+    run::InsideWalk walk;
+    run::prepareWalk(region, walk);
+    run::forEachInsideRun(header, window, run::CellPlace::northEastCorner, walk,
+                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                              const auto fromNorth = static_cast<std::size_t>(window.lastRow - row);
+                              const auto fromWest = static_cast<std::size_t>(first - window.firstColumn);
+                              copy(placeOf(header, row, first), output.subspan(fromNorth * window.columns() + fromWest,
+                                                                               static_cast<std::size_t>(count)));
+                          });
+}
 
 struct TrimOptions {
     std::string layer;

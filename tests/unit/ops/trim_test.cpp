@@ -69,11 +69,10 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
         ASSERT_TRUE(fast.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));
         ASSERT_TRUE(plain.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));
         std::ranges::fill(plain.cells(), header.null);
-        const auto get = [&](std::size_t first, std::span<float> target) {
+        const auto copy = [&](std::size_t first, std::span<float> target) {
             std::ranges::copy(std::as_const(cells).cells().subspan(first, target.size()), target.begin());
-            return true;
         };
-        EXPECT_TRUE(ops::copyInside(region, header, get, w, fast.cells()));
+        ops::copyInside(region, header, w, fast.cells(), copy);
         copyInsidePlainly(region, header, cells, w, plain);
         ASSERT_TRUE(std::ranges::equal(fast.cells(), plain.cells())) << round;
     }
