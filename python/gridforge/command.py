@@ -196,7 +196,7 @@ def _open_log(name: str, files: ExitStack) -> IO[bytes]:
 
 
 def _check_record_place(name: Optional[str]) -> None:
-    if name is not None and not os.access(os.path.dirname(name) or ".", os.W_OK):
+    if name is not None and (os.path.isdir(name) or not os.access(os.path.dirname(name) or ".", os.W_OK)):
         raise WrongUse(f"The record cannot be written: {name}")
 
 

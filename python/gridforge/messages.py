@@ -88,7 +88,7 @@ class Scratch:
 
     def publish(self, moves: Sequence[tuple[Path, Path]], family: Sequence[Path] = ()) -> None:
         """Gives each first file the second name. Files of mkstemp's mode get that of files that are simply created. `family` are
-        the names of all files that such an output may have; where it replaces an earlier one, those that it lacks are removed."""
+        the names of all files that an earlier output may have; those that this one lacks are removed."""
         mask = os.umask(0)
         os.umask(mask)
         for source, _ in moves:

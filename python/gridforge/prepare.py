@@ -109,9 +109,11 @@ def add_grid(parser: argparse.ArgumentParser) -> None:
     parser.add_argument("source", help="any grid that GDAL reads; for a .tif one of the tool")
     parser.add_argument("output", type=Path, help="a .flt for the tool, or a .tif for other programs")
     parser.add_argument("--band", type=count, default=1, metavar="NUMBER", help="1 without it")
-    parser.add_argument("--crs", help="the projection, as EPSG:28356: that of a source without one, otherwise the one to go to")
-    parser.add_argument("--cell", type=positive, metavar="SIZE", help="onto cells of this size")
-    parser.add_argument("--like", type=Path, metavar="GRID", help="onto the cells of this grid")
+    parser.add_argument("--crs", help="the projection, as EPSG:28356: that of a source without one, otherwise the one to go to; "
+                                      "a .tif stays in its own")
+    cells = parser.add_mutually_exclusive_group()
+    cells.add_argument("--cell", type=positive, metavar="SIZE", help="onto cells of this size")
+    cells.add_argument("--like", type=Path, metavar="GRID", help="onto the cells of this grid")
     parser.add_argument("--resampling", choices=RESAMPLINGS, default="near",
                         help="how cells get their value then; near without it")
     add_overwrite(parser)

@@ -115,7 +115,7 @@ def onto(band: gdal.Dataset, frame: Frame, wishes: GridWishes) -> gdal.Dataset:
 
 
 def values_of_null(data: gdal.Dataset, wishes: GridWishes) -> list[str]:
-    """Tells of cells that hold the tool's null as a value, in a source whose null is another number."""
+    """Reports cells that hold the tool's null as a value, in a source whose null is another number."""
     band = data.GetRasterBand(wishes.band)
     if band.GetNoDataValue() == NULL or band.DataType == gdal.GDT_Byte:
         return []
@@ -185,8 +185,9 @@ def to_flt(source: str, output: Path, wishes: GridWishes) -> list[str]:
     own_system = system_in(data)
     if wishes.crs:
         system_of(wishes.crs)
-    moves = bool(wishes.crs and own_system and not plane_system(own_system).IsSame(plane_system(system_of(wishes.crs))))
+    moves = bool(wishes.crs and own_system and not same_system(own_system, system_of(wishes.crs)))
     if wishes.like:
+        refuse_other_system(source, own_system if wishes.crs is None else system_of(wishes.crs), wishes.like)
         frame = frame_of(read_header(wishes.like))
     elif wishes.cell:
         frame = new_frame(source_band(data, wishes), wishes.crs if moves else None, wishes.cell)
@@ -198,6 +199,18 @@ def to_flt(source: str, output: Path, wishes: GridWishes) -> list[str]:
         cells, system = write_flt(onto(source_band(data, wishes), frame, wishes), output, frame, wishes.overwrite)
     return [*grid_notes(cells, system), *values_of_null(data, wishes), *said, *single_precision_note(frame),
             f"{frame.columns} x {frame.rows} cells of {frame.cell:.10g} written to {output}, {cells.nulls} of them null"]
+
+
+def same_system(one: osr.SpatialReference, other: osr.SpatialReference) -> bool:
+    return bool(plane_system(one).IsSame(plane_system(other)))
+
+
+def refuse_other_system(source: str, system: osr.SpatialReference | None, like: Path) -> None:
+    """Cells of one projection that lie where another has them would all be null."""
+    wanted = readable_prj_system(like)
+    if system and wanted and not same_system(system, wanted):
+        raise Failure(f"{source} and {like} lie in different projections, {system.GetName()} and {wanted.GetName()}: "
+                      f"--crs names the one to go to")
 
 
 def write_flt(data: gdal.Dataset, output: Path, frame: Frame, overwrite: bool) -> tuple[Cells, osr.SpatialReference | None]:
@@ -213,8 +226,13 @@ def write_flt(data: gdal.Dataset, output: Path, frame: Frame, overwrite: bool) -
         if line:
             made.with_suffix(".prj").write_text(line, encoding="utf-8")
             files.append((made.with_suffix(".prj"), output.with_suffix(".prj")))
-        scratch.publish([*files, (made, output)], output_files(output))
+        scratch.publish([*files, (made, output)], () if others_beside(output) or not output.exists() else output_files(output))
     return cells, system
+
+
+def others_beside(output: Path) -> list[Path]:
+    """Other grids and layers that an earlier .prj of this name may belong to."""
+    return [other for other in map(output.with_suffix, (".asc", ".shp", ".mif")) if other.exists()]
 
 
 def grid_notes(cells: Cells, system: osr.SpatialReference | None) -> list[str]:
@@ -231,13 +249,24 @@ def grid_notes(cells: Cells, system: osr.SpatialReference | None) -> list[str]:
 # --- Back ------------------------------------------------------------------------------------------------------------
 
 
+def named_system(source: str, wishes: GridWishes) -> osr.SpatialReference:
+    """That of --crs, which names the projection of a grid and does not move it."""
+    system = system_of(wishes.crs)
+    own = readable_prj_system(Path(source))
+    if own and not same_system(own, system):
+        raise Failure(f"{source} is in {own.GetName()}, and a .tif stays there: gdalwarp -t_srs moves it")
+    return system
+
+
 def from_flt(source: str, output: Path, wishes: GridWishes) -> list[str]:
     """A grid of the tool to a GeoTIFF, placed as the tool places it."""
     require_gdal()
+    if wishes.cell or wishes.like or wishes.band != 1 or wishes.resampling != "near":
+        raise Failure("--band, --cell, --like and --resampling go with a .flt")
     header = read_header(Path(source))
     frame = frame_of(header)
     data = open_grid(source, 1)
-    system = prj_system(Path(source)) if wishes.crs is None else system_of(wishes.crs)
+    system = prj_system(Path(source)) if wishes.crs is None else named_system(source, wishes)
     with Scratch(output, wishes.overwrite) as scratch:
         made = scratch.path / output.name
         west, south, east, north = frame.bounds
@@ -262,6 +291,14 @@ def prj_system(grid: Path) -> osr.SpatialReference | None:
     except RuntimeError:
         raise Failure(f"{path}: GDAL cannot read it as a projection; --crs names one") from None
     return system
+
+
+def readable_prj_system(grid: Path) -> osr.SpatialReference | None:
+    """Nothing where there is no .prj or GDAL cannot read it."""
+    try:
+        return prj_system(grid)
+    except Failure:
+        return None
 
 
 def converter(output: Path) -> Callable[[str, Path, GridWishes], list[str]]:

@@ -23,6 +23,7 @@ except ImportError:
     gdal = ogr = osr = None
 
 DRIVERS = {".mif": "MapInfo File", ".shp": "ESRI Shapefile"}
+INDEXES = (".qix", ".sbn", ".sbx")  # of the places of the objects of a .shp that is replaced
 BESIDE = {".mif": (".mif", *COMPANIONS[".mif"]), ".shp": (".shp", *COMPANIONS[".shp"], PROJECTION)}
 NUMBER_WIDTH, NUMBER_DECIMALS = 24, 9  # of the columns of a Shapefile
 WIDEST_DBF_TEXT = 254
@@ -403,6 +404,10 @@ def flat(geometry: ogr.Geometry, notes: Notes) -> ogr.Geometry:
     return geometry
 
 
+def feature_of(number: int, wishes: Wishes) -> str:
+    return f"feature {number} of those that --where leaves" if wishes.where else f"feature {number}"
+
+
 class Reader:
     """The objects of a source that fit a form."""
 
@@ -422,7 +427,7 @@ class Reader:
             if geometry is None or geometry.IsEmpty():
                 self.notes.add("features without a geometry left out")
                 continue
-            where = f"feature {number}"
+            where = feature_of(number, self._wishes)
             shapes = self._shapes(flat(geometry.Clone(), self.notes), where)
             if not shapes:
                 continue
@@ -473,7 +478,7 @@ def size(shape: Shape) -> float:
 # --- What the operation would refuse ---------------------------------------------------------------------------------
 
 
-def check(form: Form, objects: Sequence[Object]) -> list[str]:
+def check(form: Form, objects: Sequence[Object], wishes: Wishes) -> list[str]:
     """Ends with a message where a run could not go on; returns what the user should know."""
     notes = []
     if form.most_objects is not None and len(objects) > form.most_objects:
@@ -481,11 +486,11 @@ def check(form: Form, objects: Sequence[Object]) -> list[str]:
     if form.role == "triangles":
         for made in objects:
             if len(made.shape.vertices) != 3:
-                raise Failure(f"feature {made.number}: {len(made.shape.vertices)} corners, but a triangle has 3")
+                raise Failure(f"{feature_of(made.number, wishes)}: {len(made.shape.vertices)} corners, but a triangle has 3")
     if form.role == "losses":
         for made in objects:
             if abs(float(made.record[0])) < 1e-4:
-                raise Failure(f"feature {made.number}: Loss is 0, which -nbc refuses; leave it out with --where")
+                raise Failure(f"{feature_of(made.number, wishes)}: Loss is 0, which -nbc refuses; leave it out with --where")
     if form.named_outputs:
         names = Counter(str(made.record[0]).lower() for made in objects if made.record[0] != "")
         notes += [f"WARNING: {count} objects have the name {name}: the later output replaces the earlier one"
@@ -575,7 +580,8 @@ def write_layer(output: Path, columns: Sequence[Column], system: osr.SpatialRefe
             layer.CreateFeature(feature)
         layer = data = None  # closes the files
         scratch.publish([(made.with_suffix(suffix), output.with_suffix(suffix)) for suffix in BESIDE[ending]
-                         if made.with_suffix(suffix).exists()], output_files(output))
+                         if made.with_suffix(suffix).exists()],
+                        [*output_files(output), *(output.with_suffix(suffix) for suffix in INDEXES if dbf)])
 
 
 def output_files(output: Path) -> list[Path]:
@@ -593,7 +599,7 @@ def prepare_layer(form: Form, source: str, output: Path, wishes: Wishes) -> list
         objects = list(reader.objects())
         if not objects:
             raise Failure("\n  ".join([f"{source} has no object that fits -{form.operation}", *reader.notes.lines()]))
-        notes = check(form, objects)
+        notes = check(form, objects, wishes)
         write_layer(output, reader.records.columns, reader.place.system, form.kinds, objects, wishes.overwrite)
         del data
     return [*reader.records.told(), *reader.notes.lines(), *said, *notes,

@@ -53,7 +53,8 @@ class CommandTest(ScratchTest):
                 (["-fe", "a.asc "], "The tool takes no name that ends with a blank: 'a.asc '"),
                 (["--log", "none/log", "-fe", "a.asc"],
                  "The log cannot be written: [Errno 2] No such file or directory: 'none/log'"),
-                (["--json", "none/r.json", "-fe", "a.asc"], "The record cannot be written: none/r.json")):
+                (["--json", "none/r.json", "-fe", "a.asc"], "The record cannot be written: none/r.json"),
+                (["--json", ".", "-fe", "a.asc"], "The record cannot be written: .")):
             self.expect_command(arguments, 2, error=f"gridforge-run: {message}\n")
         self.assertEqual(self.files(), ["a.asc"])
 

@@ -95,6 +95,17 @@ class ToTheToolTest(Grids):
         self.assertEqual(self.files(), ["a.tif", "b.tif", "o.flt", "o.hdr"])
         self.assertEqual(self.read()[0], [[2]])
 
+    def test_a_projection_that_another_file_may_need_stays(self):
+        self.tif("a.tif", [[1]], epsg=28356)
+        self.tif("b.tif", [[2]], epsg=None)
+        self.prepare("a.tif", "o.flt")
+        self.give("o.asc", asc([[3]]))
+        self.prepare("b.tif", "o.flt", "--overwrite")
+        self.assertIn("o.prj", self.files())
+        self.give("p.prj", "of nothing yet")
+        self.prepare("b.tif", "p.flt", "--overwrite")
+        self.assertEqual(self.text("p.prj"), "of nothing yet")
+
     def test_degrees_are_told(self):
         self.tif("a.tif", [[1]], epsg=4326)
         self.assertEqual(self.prepare("a.tif", "o.flt")[0],
@@ -139,6 +150,18 @@ class ToTheToolTest(Grids):
         rows, header = self.read()
         self.assertEqual(rows, [[1, 2, 2], [3, 4, 4]])
         self.assertEqual(header[:5], ["ncols 3", "nrows 2", "xllcorner 105.", "yllcorner 485.", "cellsize 5."])
+
+    def test_cells_of_a_grid_in_another_projection(self):
+        self.tif("a.tif", [[1, 2], [3, 4]], place=(153, 0.01, 0, -27, 0, -0.01), epsg=4326)
+        self.tif("like.tif", [[1]])
+        self.prepare("like.tif", "like.flt")
+        self.fails("prepare", "a.tif and like.flt lie in different projections, WGS 84 and GDA94 / MGA zone 56: --crs names the "
+                   "one to go to", "grid", "a.tif", "o.flt", "--like", "like.flt")
+        self.fails("prepare", "a.tif and like.flt lie in different projections, GDA94 / MGA zone 55 and GDA94 / MGA zone 56: --crs "
+                   "names the one to go to", "grid", "a.tif", "o.flt", "--like", "like.flt", "--crs", "EPSG:28355")
+        self.prepare("a.tif", "o.flt", "--like", "like.flt", "--crs", "EPSG:28356")
+        self.fails("prepare", "grid: error: argument --like: not allowed with argument --cell", "grid", "a.tif", "p.flt", "--cell",
+                   "1", "--like", "like.flt", status=2)
 
     def test_onto_cells_of_another_size(self):
         self.tif("a.tif", [[1, 2, 5, 6], [3, 4, 7, 8]])
@@ -240,6 +263,23 @@ class BackTest(Grids):
         self.assertEqual(self.geotiff("b.tif")[1], (95, 10, 0, 205, 0, -10))
         self.tool("-conv", "a.asc", "-out", "t.flt")
         self.assertIn("xllcorner 95.", self.text("t.hdr"))
+
+    def test_a_projection_is_named_and_not_gone_to(self):
+        self.tif("a.tif", [[1, 2]])
+        self.prepare("a.tif", "o.flt")
+        self.fails("prepare", "o.flt is in GDA94 / MGA zone 56, and a .tif stays there: gdalwarp -t_srs moves it", "grid", "o.flt",
+                   "b.tif", "--crs", "EPSG:28355")
+        self.assertNotIn("b.tif", self.files())
+        self.prepare("o.flt", "b.tif", "--crs", "EPSG:28356")
+        self.assertEqual(self.geotiff("b.tif")[3].GetAuthorityCode(None), "28356")
+        self.give("o.prj", "nonsense")
+        self.prepare("o.flt", "c.tif", "--crs", "EPSG:28356")
+        self.assertEqual(self.geotiff("c.tif")[3].GetAuthorityCode(None), "28356")
+
+    def test_refuses_the_options_of_a_flt(self):
+        self.give("a.asc", asc([[1, 2]]))
+        for option in (["--cell", "5"], ["--like", "a.asc"], ["--band", "3"], ["--resampling", "mode"]):
+            self.fails("prepare", "--band, --cell, --like and --resampling go with a .flt", "grid", "a.asc", "b.tif", *option)
 
     def test_refuses_what_is_no_grid_of_the_tool(self):
         self.give("a.asc", "ncols 2\nnrows 1\n1 2\n")

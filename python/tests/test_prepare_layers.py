@@ -454,6 +454,18 @@ class RefusalsTest(Prepared):
         run = self.command("prepare", "layer", "--for", "cp", "x.txt", "p.mif")
         self.assertRegex(run.error, r"^gridforge-prepare: x\.txt: GDAL cannot read it as a layer: .*\n$")
 
+    def test_features_that_where_leaves_are_counted(self):
+        region = "POLYGON" + square(0, 0, 2, 2)
+        self.refuse("feature 1 of those that --where leaves: Loss is 0, which -nbc refuses; leave it out with --where", "nbc",
+                    (("WKT", "Loss"), (region, 1), (region, 0)), "--role", "losses", "--where", "Loss = '0'")
+
+    def test_no_index_of_an_earlier_layer_is_left(self):
+        self.give("s.csv", wkt(("WKT", "Observed"), ("POINT (1 2)", 1)))
+        for suffix in (".qix", ".sbn", ".sbx"):
+            self.give("o" + suffix, "of an earlier layer")
+        self.prepare("cp", "s.csv", "o.shp", "--overwrite", "--crs", "EPSG:28356")
+        self.assertEqual(sorted(self.files()), ["a.asc", "o.cpg", "o.dbf", "o.prj", "o.shp", "o.shx", "s.csv"])
+
     def test_a_source_of_several_layers(self):
         made = ogr.GetDriverByName("GPKG").CreateDataSource(str(self.folder / "s.gpkg"))
         for name, seen in (("marks", 1), ("others", 2)):
