@@ -102,7 +102,7 @@ bool isNumber(driver::ValueKind kind)
 
 std::string formOf(const driver::FlagRow& row)
 {
-    const std::string flag = join('-', row.key);
+    std::string flag = join('-', row.key);
     if (row.value == driver::FlagValue::none) {
         return flag;
     }
