@@ -1,4 +1,4 @@
-// The one way in which statuses of the NetCDF library are looked at.
+// Checks every status of the NetCDF library.
 #pragma once
 
 #include <string_view>

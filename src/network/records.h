@@ -27,7 +27,7 @@ inline constexpr std::int32_t kSectionTypeWidth = 2;
 inline constexpr std::int32_t kSectionFlagsWidth = 8;
 inline constexpr std::int32_t kColumnWidth = 20;
 
-// The extent of vertices; all 0 where there are none. A first one that is not-a-number is its side, later ones do not count.
+// The extent of vertices; all 0 without vertices. A first one that is not-a-number is its side, later ones do not count.
 Box extentOf(const std::vector<double>& x, const std::vector<double>& y);
 
 // A place where a section cuts a branch.

@@ -51,7 +51,7 @@ void overStretches(CellStack grids, Work work)
 
 // Steps over the cells of one grid, or of a pair
 // ---------------------------------------------------------------------------------------------------------------------
-// They are told that nothing overlaps, and are kept from being inlined where that would be forgotten: a loop that
+// `__restrict` promises that nothing overlaps, and the loops are kept from being inlined where that would be forgotten: a loop that
 // checks for it at run time goes cell by cell more often than not. Cells are loaded before it is known whether they are
 // wanted, as the loops would not vectorise otherwise.
 
@@ -141,8 +141,8 @@ template <typename Worse>
 // Steps over a stretch of all grids
 // ---------------------------------------------------------------------------------------------------------------------
 
-// The best of the values above null, and its first source; kNoSource if none is. What is kept starts as no number,
-// which no value fails against.
+// The best of the values above null, and its first source; kNoSource if none is. What is kept starts as NaN, so
+// the first value always wins.
 template <typename Worse>
 void findBest(CellStack grids, float null, Numbers& best, Numbers& sources, Worse worse)
 {

@@ -33,7 +33,7 @@ void rf_read_hyetograph(const std::string& fileName, RfHyetographs& hyetographs)
 // Ends the run unless there are two hyetographs or more and all have the times of the first.
 void requireSameTimes(const RfHyetographs& hyetographs);
 
-// The number from 1 of the first hyetograph with this name, 0 when there is none.
+// The number from 1 of the first hyetograph with this name, 0 if none has it.
 std::int32_t findHyetograph(const std::string& name, const RfHyetographs& hyetographs);
 
 // Ends the run over more hyetographs or more points than there may be.

@@ -18,6 +18,7 @@
 #include "rainfall/triangles.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -209,7 +210,7 @@ void runRainfall(const run::Common& common, const run::InputFileList& inputs)
     RfIdwTables idw;
     StepRoutine runStep;
     switch (rain.settings.method) {
-    case RfMethod::none: break; // the control file does not pass without one
+    case RfMethod::none: assert(false); break; // readRfCommands refuses it
     case RfMethod::polygon: runStep = preparePolygons(rain, polygons); break;
     case RfMethod::tin: runStep = prepareTin(rain, tin); break;
     case RfMethod::idw: runStep = prepareIdw(rain, idw); break;

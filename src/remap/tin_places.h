@@ -26,7 +26,7 @@ inline constexpr float kNorth = 1;
 inline constexpr float kEast = 2;
 inline constexpr float kSouth = 3;
 
-// A side is told in single precision: nearer to 0 than half of the smallest such number it is 0.
+// Sides are compared in single precision: what is nearer to 0 than half of its smallest number is 0.
 inline constexpr double kSmallestSide = 0x1p-150;
 
 inline double squareOf(double length)
@@ -34,7 +34,7 @@ inline double squareOf(double length)
     return length * length;
 }
 
-// All ways are computed and one is chosen, also where others divide by nothing: the loop has no branches. Each expression is
+// Computes every case and selects one, even if an unused one divides by zero: no branches. Each expression is
 // that of the triangle's own routines, in their order; edges run along the axes, so slopes of edges are 0 or have none.
 [[gnu::always_inline]] inline void placeInTriangles(const TinColumns& columns, const TinLines& lines, double y,
                                                     std::size_t first, std::size_t count, BlockPlaces& places)

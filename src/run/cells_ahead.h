@@ -25,12 +25,12 @@ enum class Way { ahead, oddInput, otherLattice, oddText, textGrid, wideWindows, 
 std::size_t waysGone(Way way);
 void countWay(Way way);
 
-// Inputs of one lattice, as a silent look found them. None where one is out of the ordinary or of another lattice, or
+// Inputs of one lattice, as a silent look found them. Nothing if one is out of the ordinary or of another lattice, or
 // what else the run needs is not `ordinary`.
 std::optional<std::vector<grid::GridLook>> lookAtInputs(const InputFileList& inputs, bool ordinary = true);
 
-// The cells of an input by position: those of a binary grid in its file, those of a text decoded to wait, where there
-// is no room in `folder`. Ahead where they are there.
+// Opens the cells of an input for reading by position: those of a binary grid in its file; a text is decoded into a store, in
+// a file of `folder` if memory has no room. Returns Way::ahead on success.
 Way openCells(const grid::GridLook& look, const std::string& folder, grid::CellStore& cells);
 
 // Where the computed grids will be written, most likely. Another place or format costs only time.

@@ -29,9 +29,9 @@ public:
     {
     }
 
-    // Of the cells that nearestCell looks at the first of the lowest and the first of the highest, by rows from the
-    // south, each from the west; cells of 99999 or more are no lowest, those of -99999 or less no highest ones. The
-    // window must lie within the grid, and in the cells.
+    // Among the cells that nearestCell considers: the first of the lowest and the first of the highest, row by row from
+    // the south, each row from the west. Values of 99999 or more are ignored for the lowest, those of -99999 or less for
+    // the highest. The window must lie within the grid, and in the cells.
     FoundExtremes find(const CellSearch& search);
 
 private:

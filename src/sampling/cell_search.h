@@ -32,8 +32,8 @@ struct CellSearch {
 CellSearch searchAround(const GridHeader& header, double x, double y, float diameter);
 
 // The nearest cell, of equally near ones the first by rows from the south, each from the west. The window must lie within
-// the grid, and in `cells`. Goes outwards from the point, so it costs what lies nearer than the cell found, and passes over empty tiles of
-// the grid.
+// the grid, and in `cells`. Goes outwards from the point, so it costs what lies nearer than the cell found, and skips empty
+// tiles of the grid.
 std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const run::CellPart& cells,
                                      EmptyTiles& tiles);
 

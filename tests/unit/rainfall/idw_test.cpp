@@ -105,8 +105,10 @@ TEST_F(IdwWeights, OfPointsFurtherThanAListedOneAreThoseOfThePlainSearches)
                 points.records.push_back(point);
             }
             for (const std::int32_t listLength : {1, 2, 3, 4}) {
-                const rainfall::RfIdwMethod method{false, listLength, -99.0F, 2.0F};
-                expectPlain(weighed(grid, points, method), weighPlainly(grid, points, method), grid, ++round);
+                for (const float maxDistance : {-99.0F, 50.0F}) {
+                    const rainfall::RfIdwMethod method{false, listLength, maxDistance, 2.0F};
+                    expectPlain(weighed(grid, points, method), weighPlainly(grid, points, method), grid, ++round);
+                }
             }
         }
     }
