@@ -122,6 +122,7 @@ const std::vector<Row> kErrors = {
     {"malloc", "-", "", errorEnd({"Could not allocate memory."})}, // of the lines of a TIN
     {"malloc", "-", "", errorEnd({"ERROR - Allocating RAM for storing IDW distances"})},
     {"malloc", "-", "", errorEnd({"ERROR ???? - Could not allocate temporary memory for netcdf coordinates."})},
+    {"malloc", "-", "", errorEnd({"ERROR - With nectdf call nf90_create", "Netcdf error message: *"})}, // its library
     {"malloc", "-", "", kNoEffect}, // memory that the run can do without
 };
 
@@ -176,10 +177,38 @@ std::vector<Lines> rightEnds(const SystemCall& call, Kind kind)
     return ends;
 }
 
-// Is this a look at a grid or a table that is opened once more later? Where a look fails, the run goes step by step.
+bool isSame(const SystemCall& one, const SystemCall& other)
+{
+    return one.function == other.function && one.number == other.number;
+}
+
+// Does the call lie in the third opening of a layer? -cp opens it for its projection or its second unit, for its objects, and
+// then, while that one is open, for a look at the places of its points.
+bool isLookAtLayer(const SystemCall& call, const SystemRun& good)
+{
+    int openings = 0;
+    bool isOpen = false;
+    for (const SystemCall& other : good.calls) {
+        const bool isOfFile = other.file == call.file;
+        if (isOfFile && other.function == "open") {
+            isOpen = ++openings == 3;
+        }
+        if (isSame(other, call)) {
+            return isOpen;
+        }
+        isOpen = isOpen && !(isOfFile && other.function == "close");
+    }
+    return false;
+}
+
+// Is this a look at a grid or a table that is opened once more later, or at a layer that is open? Where a look fails, the run
+// goes step by step.
 bool isLook(const SystemCall& call, const SystemRun& good)
 {
     const bool isStat = call.function == "stat";
+    if (call.role == 'r' && endsAsOne(call.file, ".mif .shp")) {
+        return isLookAtLayer(call, good);
+    }
     if (!endsAsOne(call.file, ".asc .flt .hdr .csv") || !(isStat || call.role == 'r')) {
         return false;
     }
@@ -189,7 +218,7 @@ bool isLook(const SystemCall& call, const SystemRun& good)
             other.role == call.role) {
             return true;
         }
-        isLater = isLater || (other.function == call.function && other.number == call.number);
+        isLater = isLater || isSame(other, call);
     }
     return false;
 }
@@ -307,7 +336,7 @@ Lines damagedFiles(const SystemRun& run, const SystemRun& good, const SystemCall
     std::set<std::string> open;
     bool isLater = false;
     for (const SystemCall& other : good.calls) {
-        isLater = isLater || (other.function == call.function && other.number == call.number);
+        isLater = isLater || isSame(other, call);
         if (isLater && other.role == 'w') {
             open.insert(plainNames(other.file));
         }
@@ -413,8 +442,9 @@ std::vector<SystemCall> placesOf(const SystemRun& run, std::size_t runNumber, bo
     std::vector<SystemCall> places;
     for (const SystemCall& call : run.calls) {
         const bool isMemory = call.function == "malloc";
-        // What the libraries do without memory is theirs.
-        if (isMemory == memory && (!memory || call.caller == "tool") && isTaken(call, runNumber) &&
+        // What the libraries do without memory is theirs, and what they look for elsewhere on the machine.
+        const bool isTheirs = call.caller != "tool" && (memory || call.file.starts_with('/'));
+        if (isMemory == memory && !isTheirs && isTaken(call, runNumber) &&
             seen.insert(call.function + call.place).second) {
             places.push_back(call);
         }

@@ -141,15 +141,21 @@ struct Module {
 };
 static struct Module modules[128];
 static int moduleCount = 0;
+static int objectCount = 0; /* that were looked at, those without code as well */
 
+/* One of the loaded objects, in the order of their loading; `data` counts them. */
 static int addModule(struct dl_phdr_info* info, size_t size, void* data)
 {
+    int* const number = data;
     const char* slash = strrchr(info->dlpi_name, '/');
     const char* name = slash == NULL ? info->dlpi_name : slash + 1;
     struct Module* module = &modules[moduleCount];
     int i;
     (void)size;
-    (void)data;
+    if ((*number)++ < objectCount) {
+        return 0;
+    }
+    ++objectCount;
     for (i = 0; i < info->dlpi_phnum; ++i) {
         const ElfW(Phdr)* part = &info->dlpi_phdr[i];
         if (part->p_type == PT_LOAD && (part->p_flags & PF_X) != 0 && moduleCount < 128) {
@@ -168,7 +174,13 @@ static int addModule(struct dl_phdr_info* info, size_t size, void* data)
     return 0;
 }
 
-static const struct Module* moduleOf(uintptr_t address)
+static void addModules(void)
+{
+    int number = 0;
+    dl_iterate_phdr(addModule, &number);
+}
+
+static const struct Module* knownModuleOf(uintptr_t address)
 {
     int i;
     for (i = 0; i < moduleCount; ++i) {
@@ -177,6 +189,17 @@ static const struct Module* moduleOf(uintptr_t address)
         }
     }
     return NULL;
+}
+
+/* Libraries may be loaded at any time. */
+static const struct Module* moduleOf(uintptr_t address)
+{
+    const struct Module* module = knownModuleOf(address);
+    if (module == NULL) {
+        addModules();
+        module = knownModuleOf(address);
+    }
+    return module;
 }
 
 struct Place {
@@ -701,7 +724,7 @@ static void openLog(void)
 
 static int watchedMain(int argc, char** argv, char** environment)
 {
-    dl_iterate_phdr(addModule, NULL);
+    addModules();
     readMission();
     openLog();
     armed = mission.kind != NOTHING;

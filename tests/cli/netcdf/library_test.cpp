@@ -51,8 +51,7 @@ TEST(NetcdfLibraryCli, OneThatCannotBeLoadedEndsTheRunByTheLoadersWords)
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
     EXPECT_CONSOLE_HOLDS(run, {"ERROR - With nectdf call nf90_create",
-                               "Netcdf error message: lib/" GRIDFORGE_NETCDF_LIBRARY ": file too short", "",
-                               "Press Enter to Close"});
+                               "Netcdf error message: lib/" GRIDFORGE_NETCDF_LIBRARY ": file too short", "", kClose});
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -68,7 +67,7 @@ TEST(NetcdfLibraryCli, OneWithoutARoutineEndsTheRun)
     EXPECT_CONSOLE_HOLDS(run, {"ERROR - With nectdf call nf90_create",
                                "Netcdf error message: " GRIDFORGE_NETCDF_LIBRARY " and " GRIDFORGE_HDF5_LIBRARY
                                " have no nc_create",
-                               "", "Press Enter to Close"});
+                               "", kClose});
     EXPECT_NO_OTHER_FILES(run);
 }
 

@@ -317,8 +317,7 @@ TEST(XyzCli, TheFirstOfSeveralLinesThatCannotBeReadEndsTheRunWhateverTheThreads)
         run.environment("GRIDFORGE_THREADS", threads);
         run.give("p.xyz", text);
         run.start();
-        EXPECT_CONSOLE_HOLDS(
-            run, {"ERROR - Reading following line in classes file:", "10 20 x", "", "Press Enter to Close"});
+        EXPECT_CONSOLE_HOLDS(run, {"ERROR - Reading following line in classes file:", "10 20 x", "", kClose});
         EXPECT_NO_OTHER_FILES(run);
     }
 }

@@ -58,7 +58,12 @@ TEST(Console, AnAnswerIsWithoutItsCarriageReturn)
 {
     const ScratchFolder folder;
     const ChildRun run = runInChild(
-        folder, [] { say('<', readAnswer("name?").value(), '>', readAnswer("again?").value().size()); }, "one\r\n\r\n");
+        folder,
+        [] {
+            const std::string name = readAnswer("name?").value();
+            say('<', name, '>', readAnswer("again?").value().size());
+        },
+        "one\r\n\r\n");
     EXPECT_EQ(run.console, "name?\nagain?\n<one>0\n");
 }
 

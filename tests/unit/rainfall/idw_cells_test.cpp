@@ -13,7 +13,7 @@ using testing::ElementsAre;
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-// --- All points, on a line of cells at x = 0 and 4, y = 0 --------------------------------------------------------------
+// --- All points, on a line of cells at x = 0 and 4, y = 0 ------------------------------------------------------------
 
 struct Weighed {
     std::vector<float> weights;
