@@ -19,7 +19,7 @@ def draw(pictures):
                                                    for number, (_, name, colour) in enumerate(CLASSES, 1)))
     made, axes = figure(4.3)
     map_of(axes, VALLEY, "depth_class.asc: the number of the class in each cell")
-    show(axes, "depth_class.asc", style, opacity=1)
+    show(axes, "depth_class.asc", style)
     key_beside(axes, [Patch(facecolor=one.colour, edgecolor="#555555", label=one.label) for one in style.classes])
     save(made, pictures / PICTURES[0])
 

@@ -19,7 +19,7 @@ def draw_map(path):
     made, axes = figure(5)
     map_of(axes, WINDOW, "Damage of each building in the 1 % flood")
     depth = styles.styles()["depth"]
-    show(axes, "depth_1pct_6h.asc", depth, opacity=0.75)
+    show(axes, "depth_1pct_6h.asc", depth)
     for record, vertices in features("buildings_Damages.mif"):
         x, y = vertices.mean(axis=0)
         damage = record["Dmg_1AEP"]

@@ -126,12 +126,10 @@ def scale_bar(axes, window):
     axes.text(left + length / 2, bottom + 1.8 * unit, f"{length:g} m", ha="center", va="bottom", fontsize=11, zorder=9)
 
 
-def show(axes, name, style, window=None, opacity=0.9):
-    """A grid in the colours of its style."""
+def show(axes, name, style, window=None):
+    """A grid in the colours of its style, opaque as those of the legend are."""
     cells, extent = cells_of(name, window)
-    image = coloured(cells, style)
-    image[..., 3] = (image[..., 3] * opacity).astype("u1")
-    axes.imshow(image, extent=extent, interpolation="nearest")
+    axes.imshow(coloured(cells, style), extent=extent, interpolation="nearest")
 
 
 def ramp_of(name, window=None):

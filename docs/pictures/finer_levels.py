@@ -17,14 +17,14 @@ def draw(pictures):
     made, axes = figure(9.4, 2, 2)
     ramp, ground, depth = ramp_of(level, WINDOW), ramp_of("ground.asc", WINDOW), styles.styles()["depth"]
     map_of(axes[0, 0], WINDOW, "the level of the model, cells of 25 m", ground=None)
-    show(axes[0, 0], level, ramp, WINDOW, 1)
+    show(axes[0, 0], level, ramp, WINDOW)
     colour_bar(made, axes[0, 0], ramp, "level (m)", location="bottom")
-    map_of(axes[0, 1], WINDOW, "the ground, cells of 5 m", scale=False)
-    show(axes[0, 1], "ground.asc", ground, WINDOW, 0.6)
+    map_of(axes[0, 1], WINDOW, "the ground, cells of 5 m", scale=False, ground=None)
+    show(axes[0, 1], "ground.asc", ground, WINDOW)
     colour_bar(made, axes[0, 1], ground, "height (m)", location="bottom")
     for panel, name, title in ((axes[1, 0], "tin_remap_d.asc", "depth by TIN"), (axes[1, 1], "idw_remap_d.asc", "depth by IDW, -bd50")):
         map_of(panel, WINDOW, title, scale=False)
-        show(panel, name, depth, WINDOW, 1)
+        show(panel, name, depth, WINDOW)
     made.legend(handles=class_keys(depth), loc="lower center", ncol=8,
                 frameon=False, columnspacing=1, handletextpad=0.5, fontsize=10)
     made.get_layout_engine().set(rect=(0, 0.04, 1, 0.96))

@@ -11,7 +11,7 @@ def draw(pictures):
     map_of(axes, whole("change.asc"), "Level of the 6 h storm less that of the 24 h storm")
     impact, wet = styles.styles()["impact"], styles.styles()["wet_dry"]
     show(axes, "change.asc", impact)
-    show(axes, "change_wd.asc", wet, opacity=1)
+    show(axes, "change_wd.asc", wet)
     key_beside(axes, [heading("change.asc"), *class_keys(impact), heading("change_wd.asc"),
                       *class_keys(wet, cells_of("change_wd.asc")[0])], fontsize=10)
     save(made, pictures / PICTURES[0])

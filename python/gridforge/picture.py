@@ -51,7 +51,6 @@ HEADINGS = {"depth": "Depth", "level": "Level", "difference": "Difference", "sou
             "impact": "Change"}
 WITHOUT_UNIT = ("source", "wet_dry")
 INKS = ("#202020", "#c2185b", "#1b5e20", "#e65100", "#4a148c")
-OVER_GROUND = 0.88  # opacity of a grid over the ground
 SUN_AZIMUTH, SUN_HEIGHT = math.radians(315), math.radians(45)
 TYPICAL_SLOPE, MOST_EXAGGERATION = 0.35, 12.0  # the steep slopes of a flat ground are raised to this one
 SHADE_LOW, SHADE_HIGH = 0.6, 1.0
@@ -452,10 +451,8 @@ def draw_map(axes: Axes, cells: Thinned, style: Style, window: Window, layers: S
     if ground:
         below = read_thinned(ground, most, wanted=window)
         axes.imshow(hillshade(below), cmap="gray", vmin=0, vmax=1, extent=below.extent)
-    image = coloured(cells.values, style)
-    if ground:
-        image[..., 3] = (image[..., 3] * OVER_GROUND).astype("u1")
-    axes.imshow(image, extent=cells.extent, interpolation="nearest")
+    # Opaque, also over the ground: a depth is read by comparing its colour with the legend.
+    axes.imshow(coloured(cells.values, style), extent=cells.extent, interpolation="nearest")
     for layer in layers:
         draw_layer(axes, layer)
     axes.set(xlim=(window.west, window.east), ylim=(window.south, window.north), aspect="auto")

@@ -85,14 +85,14 @@ class MapTest(Drawn):
         self.assertGreater(light[0], dark[0] + 40)
         self.assertEqual(len(set(light)), 1)  # grey
 
-    def test_the_ground_shines_through(self):
+    def test_over_the_ground_cells_have_the_colours_of_the_legend(self):
         self.give("g.asc", asc([[1, 1], [1, 1]]))
-        self.give("a.asc", asc([[1, 1], [1, 1]]))
+        self.give("a.asc", asc([[1, NULL], [4, 1]]))
         self.draw("--kind", "depth", "--ground", "g.asc")
+        self.assertEqual(self.at(0.5, 0.5, 2, 2), rgb("#55a4d3"))
+        self.assertEqual(self.at(0.5, 1.5, 2, 2), rgb("#0b3c7c"))
         # A level ground under a sun of 45 degrees has the brightness 0.6 + 0.4 * sin 45.
-        shade = 255 * (picture.SHADE_LOW + (picture.SHADE_HIGH - picture.SHADE_LOW) * 0.5 ** 0.5)
-        share = picture.OVER_GROUND
-        self.near(self.at(0.5, 0.5, 2, 2), [share * c + (1 - share) * shade for c in rgb("#55a4d3")])
+        self.near(self.at(1.5, 0.5, 2, 2), [255 * (0.6 + 0.4 * 0.5 ** 0.5)] * 3)
 
     def test_layers_lie_on_top(self):
         self.give("a.asc", asc([[1] * 10] * 10))
