@@ -20,7 +20,7 @@ def draw(pictures):
     map_of(plan, WINDOW, "Network lines and sections")
     network = [vertices for _, vertices in features("network/1d_nwk_valley.mif")]
     lines(plan, network, BLUE, 2)
-    dots(plan, [vertices[0] for vertices in network] + [network[-1][-1]], BLUE, 34)
+    dots(plan, [end for line in network for end in (line[0], line[-1])], BLUE, 34)
     for record, vertices in features("network/1d_xs_valley.mif"):
         lines(plan, [vertices], CHOSEN.get(record["Source"], INK), 2.2 if record["Source"] in CHOSEN else 1.2)
     key_below(plan, [line_key(BLUE, "network line"), dot_key(BLUE, "its ends"), line_key(INK, "section", 1.2)], ncol=3)
