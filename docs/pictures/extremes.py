@@ -1,9 +1,10 @@
 #!/usr/bin/python3
 """Draws max.png of docs/operations/max-min.md: the highest level of three storms, and the storm that it came from."""
-from drawing import VALLEY, cells_of, class_keys, colour_bar, figure, key_below, main, map_of, ramp_of, run, save, show, styles
+from drawing import VALLEY, cells_of, class_keys, colour_bar, figure, key_below, main, map_of, run, save, show, styles
 
 PICTURES = ("max.png",)
 HOURS = {1: "1h", 2: "6h", 3: "24h"}
+LEVELS = 3, 20  # m: those of the flood plain; the creeks on the hills lie higher
 
 
 def draw(pictures):
@@ -11,10 +12,10 @@ def draw(pictures):
     made, (level, source) = figure(3.9, 1, 2)
     level.set_anchor("N")
     source.set_anchor("N")
-    ramp = ramp_of("peak.asc", VALLEY)
+    ramp = styles.styles()["level"].between(*LEVELS)
     map_of(level, VALLEY, "peak.asc: the highest level")
     show(level, "peak.asc", ramp)
-    colour_bar(made, level, ramp, "level (m)", location="bottom", panchor=False)
+    colour_bar(made, level, ramp, "level (m)", location="bottom", panchor=False, extend="max")
     style = styles.styles()["source"].named({number: hours.replace("h", " h") for number, hours in HOURS.items()})
     map_of(source, VALLEY, "peak_src.asc: the storm that it came from", scale=False)
     show(source, "peak_src.asc", style)
