@@ -54,6 +54,14 @@ class Links(unittest.TestCase):
         self.assertGreater(checked, 200)
 
 
+class Menu(unittest.TestCase):
+    def test_each_page_is_in_the_menu_once(self):
+        named = re.findall(r"^ *- .*: (\S+\.md)$", read(os.path.join(ROOT, "mkdocs.yml")), re.MULTILINE)
+        pages = glob.glob("**/*.md", root_dir=os.path.join(ROOT, "docs"), recursive=True)
+        # The page of all operations leads to each of them.
+        self.assertEqual(sorted(named), sorted(page for page in pages if not re.match(r"operations/[a-z]", page)))
+
+
 class HtmlPage(HTMLParser):
     def __init__(self, path):
         super().__init__()
