@@ -114,11 +114,11 @@ def map_of(axes, window, title, scale=True, ground="ground.asc"):
         scale_bar(axes, window)
 
 
-def scale_bar(axes, window):
+def scale_bar(axes, window, corner="south-west"):
     west, south, east, north = window
     length = round_length((east - west) / 4)
     unit = (east - west) / 100
-    left, bottom = west + 2 * unit, south + 2 * unit
+    left, bottom = (west + 2 * unit, south + 2 * unit) if corner == "south-west" else (east - length - 2 * unit, north - 6.5 * unit)
     axes.add_patch(Rectangle((left - unit, bottom - unit), length + 2 * unit, 6.5 * unit, color="white", alpha=0.85, zorder=8))
     for i in range(4):
         axes.add_patch(Rectangle((left + i * length / 4, bottom), length / 4, unit, linewidth=0.8, edgecolor=INK, zorder=9,

@@ -3,8 +3,8 @@
 import numpy
 from osgeo import gdal
 
-from drawing import (BLUE, INK, ORANGE, RED, VIOLET, Patch, chart, dot_key, dots, features, figure, key_below, line_key, lines, main,
-                     map_of, pyplot, run, save, show, styles, table, write_layer)
+from drawing import (BLUE, GREEN, INK, ORANGE, RED, VIOLET, chart, class_keys, dot_key, dots, features, figure, key_below, line_key,
+                     lines, main, map_of, pyplot, run, save, scale_bar, show, styles, table, write_layer)
 
 PICTURES = ("cp.png", "lp.png", "brkline.png", "na.png")
 RIVER = 293200, 6178900, 293750, 6179200
@@ -19,7 +19,8 @@ def draw_cp(path):
     run("-cp", "edge.mif", "-cpsd50", "level_1pct_24h.asc")
     made, axes = figure(5.5)
     map_of(axes, (x - 110, y - 5, x + 110, y + 95), "Flood marks and the wet cells that they are compared with")
-    show(axes, "depth_1pct_24h.asc", styles.styles()["depth"])
+    wet = styles.Style("depth", "bands", (styles.Class(numpy.inf, "#86c1e3", "wet cell"),))
+    show(axes, "depth_1pct_24h.asc", wet)
     angles = numpy.radians(numpy.arange(0, 361, 30))
     for mark in marks:
         lines(axes, [numpy.array(mark) + 25 * numpy.column_stack([numpy.cos(angles), numpy.sin(angles)])], INK, 1.2)
@@ -29,7 +30,7 @@ def draw_cp(path):
             dots(axes, vertices[:1], BLUE, 60)
     dots(axes, marks, RED, 80)
     key_below(axes, [dot_key(RED, "flood mark"), line_key(INK, "where it looks (-cpsd50)", 1.2),
-                     dot_key(BLUE, "north-east corner of the cell that it takes"), Patch(color="#86c1e3", label="wet cell")], ncol=4,
+                     dot_key(BLUE, "north-east corner of the cell that it takes"), *class_keys(wet)], ncol=4,
               columnspacing=1.2, handletextpad=0.5)
     save(made, path)
 
@@ -39,7 +40,8 @@ def draw_lp(path):
     run("-lp", "river.mif", "ground.asc", "-lpmd50", "-cpsd100", "-check")
     made = pyplot.figure(figsize=(10, 9), dpi=100, layout="constrained")
     axes = made.subplot_mosaic([["plan"], ["profile"]], height_ratios=(1.75, 1))
-    map_of(axes["plan"], RIVER, "Search lines across a river, and what is found on them")
+    map_of(axes["plan"], RIVER, "Search lines across a river, and what is found on them", scale=False)
+    scale_bar(axes["plan"], RIVER, "north-east")  # clear of the banks
     lines(axes["plan"], [features("river.mif")[0][1]], BLUE, 2)
     marks = {"Invert": BLUE, "Left Bank": RED, "Right Bank": ORANGE}
     check = features("river_LP_check.mif")
@@ -69,7 +71,7 @@ def draw_brkline(path):
     made, axes = figure(6.6)
     map_of(axes, RIVER, "A bank by circles, and a bed by lines across it")
     lines(axes, [vertices for _, vertices in features("ridges_check_R.shp")], INK, 1.2, halo=False)
-    lines(axes, [vertices for _, vertices in features("ridges_check_L.shp")], "white", 1.2, halo=False)
+    lines(axes, [vertices for _, vertices in features("ridges_check_L.shp")], GREEN, 1.2, halo=False)
     inks = {"Max": (RED, VIOLET), "Perp Min": (BLUE, ORANGE)}
     for record, vertices in features("ridges_brkline_L.shp"):
         lines(axes, [vertices], inks[record["Options"]][0], 2)
@@ -77,7 +79,7 @@ def draw_brkline(path):
     for record, vertices in features("ridges_check_P.shp"):
         dots(axes, vertices, inks[record["Options"]][1], 60, marker="D")
     key_below(axes, [line_key(RED, "bank (Max)"), line_key(INK, "its circles", 1.2), dot_key(VIOLET, "highest cell", marker="D"),
-                     line_key(BLUE, "bed (Perp Min)"), line_key("#b0b0b0", "lines across", 1.2),
+                     line_key(BLUE, "bed (Perp Min)"), line_key(GREEN, "lines across", 1.2),
                      dot_key(ORANGE, "lowest cell", marker="D")], ncol=6, columnspacing=1.2, handletextpad=0.5)
     save(made, path)
 
