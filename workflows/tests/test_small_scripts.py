@@ -1,10 +1,13 @@
-"""The control file of damages, the report and the states of Slurm's jobs."""
+"""The control file of damages, the report, the records of steps and the states of Slurm's jobs."""
+import json
 import os
 import subprocess
 import sys
 import unittest
 
 from with_workflow import WORKFLOW, FolderTest
+
+import failures  # isort: skip
 
 PICTURE = b"\x89PNG\r\n\x1a\n"
 HEADING = "Property Type,Property ID, Floor Level, Multiplier,Damages 20.000 AEP (%),Damages 1.000 AEP (%),Average Annual Damage\n"
@@ -70,6 +73,55 @@ class ReportTest(ScriptTest):
         self.assertEqual(self.make("--damages", "today.csv", "--averages", "average.csv"),
                          (1, "", "report: today.csv has no buildings\n"))
         self.assertFalse((self.folder / "r.html").exists())
+
+
+class ProgramTest(ScriptTest):
+    def run_program(self, *command):
+        status, _, error = self.run_script("steps/program.py", "--json", "r.json", "--out", "made", "--inputs", "given", "--", *command)
+        return status, error, json.loads((self.folder / "r.json").read_text())
+
+    def test_a_record_of_what_went_well(self):
+        self.give("given", "abc")
+        status, error, record = self.run_program("sh", "-c", "cp given made; echo beware >&2")
+        self.assertEqual((status, error, record["outcome"]), (0, "beware\n", "finished"))
+        self.assertEqual([(file["name"], file["size"], file["sha256"]) for file in record["inputs"] + record["outputs"]],
+                         [("given", 3, None), ("made", 3, None)])
+
+    def test_the_last_line_is_the_message(self):
+        status, error, record = self.run_program("sh", "-c", "echo first >&2; echo sh: last >&2; exit 3")
+        self.assertEqual((status, error), (1, "first\nprogram: sh: last\n"))
+        self.assertEqual((record["outcome"], record["error"]), ("failed", "sh: last"))
+
+    def test_a_program_that_says_nothing_or_is_missing(self):
+        self.assertEqual(self.run_program("sh", "-c", "exit 3")[1], "program: sh ended with status 3\n")
+        self.assertEqual(self.run_program("no_program")[1], "program: no_program: No such file or directory\n")
+
+
+class FailuresTest(ScriptTest):
+    def failed(self, since=0.0):
+        return failures.failed_steps(self.folder / "records", since)
+
+    def give_record(self, name, **values):
+        record = {"build": "", "outcome": "failed", "error": None, "inputs": [{"name": "a.flt"}, {"name": "b.flt"}], **values}
+        return self.folder / self.give(f"records/{name}.json", json.dumps(record))
+
+    def test_messages_of_the_tool_and_of_scripts(self):
+        self.give_record("good", outcome="finished")
+        self.give_record("script", error="c.flt is no .flt")
+        self.give_record("tool", build="a build", error="ERROR - Something")
+        self.give_record("late", build="a build", outcome="timeout", inputs=[])
+        self.assertEqual(self.failed(), ["late: timeout", "script: c.flt is no .flt",
+                                         "tool: ERROR - Something (the last file opened was b.flt)"])
+
+    def test_records_that_were_never_written(self):
+        for text in ("", '{"outcome": '):
+            self.give("records/fine/a.json", text)
+            self.assertEqual(self.failed(), ["fine/a: ended without a record; see logs/fine/a.txt and, on a cluster, logs/slurm/"])
+
+    def test_records_of_earlier_runs(self):
+        os.utime(self.give_record("old"), (100, 100))
+        os.utime(self.give_record("new"), (200, 200))
+        self.assertEqual(self.failed(since=150), ["new: failed"])
 
 
 class SlurmStatusTest(ScriptTest):

@@ -1,5 +1,6 @@
 """The whole workflow on the sample valley, on one machine."""
 import importlib.util
+import os
 import re
 import shutil
 import struct
@@ -8,6 +9,7 @@ import sys
 import tempfile
 import unittest
 from pathlib import Path
+from unittest import mock
 
 import with_workflow
 from plain_run import plain_run
@@ -92,11 +94,12 @@ class WorkflowTest(unittest.TestCase):
         self.assertEqual(sorted(got), sorted(want))
         self.assertEqual([name for name in want if got[name] != want[name]], [])
 
-    def test_each_run_of_the_tool_has_a_record_and_a_log(self):
+    def test_each_step_has_a_record_and_a_log(self):
         records = sorted(path.relative_to(self.done / "records").with_suffix("") for path in (self.done / "records").rglob("*.json"))
         logs = sorted(path.relative_to(self.done / "logs").with_suffix("") for path in (self.done / "logs").rglob("*.txt"))
         self.assertEqual(records, logs)
-        self.assertEqual(len(records), 24 + 12 + 6 + 6 + 3 + 2)  # statistics, maxima, filtered, remapped, differences, damages
+        of_tool = 24 + 12 + 6 + 6 + 3 + 2  # statistics, maxima, filtered, remapped, differences, damages
+        self.assertEqual(len(records), of_tool + 2 + 2 + 15 + 1)  # control files, averages, maps, report
 
     def test_the_report_shows_all_maps_and_the_damages(self):
         text = (self.done / "report.html").read_text()
@@ -148,6 +151,29 @@ class WorkflowTest(unittest.TestCase):
         (self.study / CHANGED).write_bytes(whole)
         self.runs_well()
         self.assertEqual(results(self.study), results(self.done))
+
+    def test_a_failed_step_that_is_no_run_of_the_tool(self):
+        self.start_from(self.done)
+        self.change("config.yaml", "zero:50", "zero:no")
+        run = snakemake(self.study, "damages/today_average.csv")
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("FAILED damages/today_average: gridforge-aad: error: argument --frequent: none, hold or zero:PERCENT is expected,"
+                      " not zero:no\n", run.stdout)
+        self.change("catchment.dmg", "Read GIS Buildings", "Read Result % 1 == a.flt\nRead GIS Buildings")
+        run = snakemake(self.study, "damages/today.dmg")
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("FAILED damages/today_control: catchment.dmg names grids by Read Result; the workflow adds those lines\n",
+                      run.stdout)
+        self.assertEqual(run.stdout.count("FAILED"), 1)  # not that of the run before
+
+    def test_a_step_that_ends_without_a_record(self):
+        self.start_from(self.done)
+        raise_a_cell(self.study / CHANGED)
+        with mock.patch.dict(os.environ, GRIDFORGE=str(self.study / "no_tool")):
+            run = snakemake(self.study, "peaks/today/1pct_level.flt")
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("FAILED patterns/today/1pct_1h_level: ended without a record; see logs/patterns/today/1pct_1h_level.txt and,"
+                      " on a cluster, logs/slurm/\n", run.stdout)
 
     def test_a_missing_duration_is_refused_before_the_first_step(self):
         self.start_from(self.fresh)

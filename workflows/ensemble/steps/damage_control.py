@@ -7,7 +7,7 @@ import re
 import sys
 from pathlib import Path
 
-from step import run_step  # finds the package
+from step import add_record, run_step  # finds the package
 
 from gridforge.messages import Failure, write_text  # isort: skip
 
@@ -34,8 +34,9 @@ def main() -> int:
     parser.add_argument("--out", required=True, metavar="FILE")
     parser.add_argument("--probabilities", nargs="+", required=True, metavar="PERCENT")
     parser.add_argument("--levels", nargs="+", required=True, metavar="GRID")
+    add_record(parser)
     arguments = parser.parse_args()
-    return run_step("damage_control", [arguments.control], None, lambda: make_control(arguments))
+    return run_step("damage_control", [arguments.control], arguments.json, lambda: make_control(arguments))
 
 
 if __name__ == "__main__":

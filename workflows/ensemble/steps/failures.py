@@ -11,9 +11,13 @@ def failed_steps(records: Path, since: float) -> list[str]:
     for path in sorted(records.rglob("*.json")):
         if path.stat().st_mtime < since:
             continue
-        record = json.loads(path.read_text(encoding="ascii"))
+        name = path.relative_to(records).with_suffix("")
+        try:
+            record = json.loads(path.read_text(encoding="ascii"))
+        except ValueError:  # Snakemake makes an empty file where a step was killed before it wrote its record
+            lines.append(f"{name}: ended without a record; see logs/{name}.txt and, on a cluster, logs/slurm/")
+            continue
         if record["outcome"] != "finished":
-            name = path.relative_to(records).with_suffix("")
             by_tool = record["build"] and record["inputs"]  # the messages of scripts name their files
             last = f" (the last file opened was {record['inputs'][-1]['name']})" if by_tool else ""
             lines.append(f"{name}: {record['error'] or record['outcome']}{last}")

@@ -10,7 +10,7 @@ import sys
 from dataclasses import dataclass
 from pathlib import Path
 
-from step import run_step  # finds the package
+from step import add_record, run_step  # finds the package
 
 from gridforge.messages import Failure, write_text  # isort: skip
 
@@ -101,8 +101,10 @@ def main() -> int:
         parser.add_argument(f"--{what}", nargs="*", default=[], metavar="PNG")
     parser.add_argument("--damages", nargs="*", default=[], metavar="CSV", help="tables of damages of each scenario")
     parser.add_argument("--averages", nargs="*", default=[], metavar="CSV", help="their averages over a year")
+    add_record(parser)
     arguments = parser.parse_args()
-    return run_step("report", [], None, lambda: make_report(arguments))
+    inputs = [*arguments.depths, *arguments.durations, *arguments.differences, *arguments.damages, *arguments.averages]
+    return run_step("report", inputs, arguments.json, lambda: make_report(arguments))
 
 
 if __name__ == "__main__":

@@ -25,20 +25,22 @@ def add_record(parser: argparse.ArgumentParser) -> None:
     parser.add_argument("--json", type=Path, metavar="FILE", help="write the record of the step")
 
 
-def _record(name: str, inputs: Sequence[str]) -> Record:
+def _record(name: str, inputs: Sequence[str], sums: bool) -> Record:
     record = Record(version=__version__, build="", tool=str(HERE / f"{name}.py"), arguments=sys.argv[1:], command=sys.argv[1:],
                     operation=name, folder=os.getcwd(), staged=True, host=socket.gethostname(), threads=threads_of(dict(os.environ)))
-    record.inputs = [file_record(file, Path(file), True) for file in inputs]
+    record.inputs = [file_record(file, Path(file), sums) for file in inputs]
     return record
 
 
-def run_step(name: str, inputs: Sequence[str], place: Path | None, work: Callable[[], Sequence[Path]]) -> int:
-    """Does the work, which returns the files that it made, and keeps the record. Returns the exit status."""
+def run_step(name: str, inputs: Sequence[str], place: Path | None, work: Callable[[], Sequence[Path]], sums: bool = True) -> int:
+    """Does the work, which returns the files that it made, and keeps the record. Returns the exit status.
+
+    Without `sums` the record has only the sizes of files: a sum reads the whole file, and a step may need little of it."""
     started = time.time()
-    record = _record(name, inputs)
+    record = _record(name, inputs, sums)
     try:
         made = work()
-        record.outputs = [file_record(str(file), file, True) for file in made]
+        record.outputs = [file_record(str(file), file, sums) for file in made]
         record.outcome, record.status = "finished", 0
     except (Failure, OSError) as error:
         record.error = describe(error) if isinstance(error, OSError) else str(error)

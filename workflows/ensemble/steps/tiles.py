@@ -15,7 +15,7 @@ import sys
 from fractions import Fraction
 from pathlib import Path
 
-from step import run_step  # finds the package
+from step import add_record, run_step  # finds the package
 
 from gridforge.grid_files import beside, is_binary  # isort: skip
 from gridforge.messages import Failure, Scratch  # isort: skip
@@ -128,8 +128,10 @@ def main() -> int:
     parser.add_argument("--out", required=True, metavar="FLT")
     parser.add_argument("--tile", default="0_0", metavar="ROW_COLUMN", help="from 0_0 in the south-west")
     parser.add_argument("--count", type=int, default=1, help="of tiles to a side")
+    add_record(parser)
     arguments = parser.parse_args()
-    return run_step("tiles", arguments.grids, None, lambda: (cut if arguments.what == "cut" else join)(arguments))
+    work = cut if arguments.what == "cut" else join
+    return run_step("tiles", arguments.grids, arguments.json, lambda: work(arguments), sums=False)
 
 
 if __name__ == "__main__":
