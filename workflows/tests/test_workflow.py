@@ -241,6 +241,16 @@ class WorkflowTest(unittest.TestCase):
         self.assertIn("ground.flt: cellsize 5.1 is rounded by the tool, so tiles would not give what the whole gives; take one tile\n",
                       run.stdout)
 
+    def test_a_tile_left_of_another_number_of_tiles(self):
+        self.start_from(self.done)
+        shutil.rmtree(self.study / "fine")
+        self.change("config.yaml", "tiles: 1 ", "tiles: 4 ")
+        self.runs_well("tiles/0_0.flt", "tiles/today/1pct/1_1_remap_h.flt", "--notemp")
+        self.change("config.yaml", "tiles: 4 ", "tiles: 3 ")
+        self.assertEqual(len(jobs_of(self.runs_well("fine/today/1pct_remap_h.flt"))), 9 + 9 + 1)  # cut, remapped, joined
+        name = "fine/today/1pct_remap_h.flt"
+        self.assertEqual((self.study / name).read_bytes(), (self.done / name).read_bytes())
+
     def test_settings_that_cannot_be(self):
         self.start_from(self.fresh)
         for old, new, message in (

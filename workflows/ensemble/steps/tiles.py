@@ -7,11 +7,13 @@ rounding: that is checked first, and then the result equals that of one run over
 from __future__ import annotations
 
 import argparse
+import itertools
 import math
 import re
 import shutil
 import struct
 import sys
+from collections.abc import Callable
 from fractions import Fraction
 from pathlib import Path
 
@@ -22,6 +24,7 @@ from gridforge.messages import Failure, Scratch  # isort: skip
 from gridforge.prepare_layers import gdal, require_gdal  # isort: skip
 
 KEYWORDS = ("ncols", "nrows", "xllcorner", "yllcorner", "cellsize", "nodata_value")
+CELL_BYTES = 4
 EXACT_WHOLE_NUMBERS = 2**53
 PARTS = re.compile(r"(\d+)_(\d+)")  # row and column of a tile, from the south-west
 
@@ -77,6 +80,13 @@ class Lattice:
         first, end = cells * number // count, cells * (number + 1) // count
         return first, end - first
 
+    def header_of_tile(self, row: int, column: int, count: int) -> dict[str, str]:
+        """The header of one of `count` tiles to a side; rows are counted from the south."""
+        first, columns = self.tile(column, count, self.columns)
+        low, rows = self.tile(row, count, self.rows)
+        return {**self.values, "ncols": str(columns), "nrows": str(rows), "xllcorner": repr(float(self.west + first * self.cell)),
+                "yllcorner": repr(float(self.south + low * self.cell))}
+
 
 def header_text(values: dict[str, str]) -> str:
     lines = [f"{name} {values[name.lower()]}\r\n" for name in ("ncols", "nrows", "xllcorner", "yllcorner", "cellsize", "NODATA_value")]
@@ -94,31 +104,62 @@ def publish(scratch: Scratch, cells: Path, values: dict[str, str], projection: P
     return [target for _, target in moves] + [output]
 
 
+def require_cells(grid: Path, values: dict[str, str]) -> None:
+    if is_binary(grid) and grid.stat().st_size < int(values["ncols"]) * int(values["nrows"]) * CELL_BYTES:
+        raise Failure(f"{grid} ends before its last cell")
+
+
 def cut(arguments: argparse.Namespace) -> list[Path]:
     require_gdal()
     ground, output = Path(arguments.grids[0]), Path(arguments.out)
     lattice = Lattice(ground)
+    require_cells(ground, lattice.values)
     row, column = map(int, PARTS.fullmatch(arguments.tile).groups())
     first, columns = lattice.tile(column, arguments.count, lattice.columns)
     low, rows = lattice.tile(row, arguments.count, lattice.rows)
-    values = {**lattice.values, "ncols": str(columns), "nrows": str(rows),
-              "xllcorner": repr(float(lattice.west + first * lattice.cell)), "yllcorner": repr(float(lattice.south + low * lattice.cell))}
+    values = lattice.header_of_tile(row, column, arguments.count)
     with Scratch(output, overwrite=True) as scratch:
         cells = scratch.path / "cells.flt"
         gdal.Translate(str(cells), str(ground), format="EHdr", srcWin=[first, lattice.rows - low - rows, columns, rows])
         return publish(scratch, cells, values, beside(ground, ".prj"), output)
 
 
+def require_tiles(grids: list[str], lattice: Lattice, count: int) -> None:
+    """GDAL leaves cells empty that no tile covers, and takes one of two tiles that overlap."""
+    places = list(itertools.product(range(count), repeat=2))
+    if len(grids) != len(places):
+        raise Failure(f"{count} x {count} tiles are {len(places)} grids, not {len(grids)}")
+    for grid, (row, column) in zip(grids, places):
+        found, wanted = header_of(Path(grid)), lattice.header_of_tile(row, column, count)
+        off = [abs(float(found[name]) - float(wanted[name])) for name in ("xllcorner", "yllcorner")]
+        if any(int(found[name]) != int(wanted[name]) for name in ("ncols", "nrows")) or max(off) >= lattice.cell / 2:
+            raise Failure(f"{grid} is not tile {row}_{column} of {count} x {count} of the terrain; delete it and run again")
+        require_cells(Path(grid), found)
+
+
 def join(arguments: argparse.Namespace) -> list[Path]:
     """The tile in the south-west has the corner of the whole."""
     require_gdal()
     corner, output = Path(arguments.grids[0]), Path(arguments.out)
+    lattice = Lattice(Path(arguments.ground))
+    require_tiles(arguments.grids, lattice, arguments.count)
     with Scratch(output, overwrite=True) as scratch:
         cells = scratch.path / "cells.flt"
-        together = gdal.BuildVRT(str(scratch.path / "tiles.vrt"), arguments.grids)
+        together = gdal.BuildVRT("", arguments.grids, strict=True)  # no file: one would be written after the folder is gone
         gdal.Translate(str(cells), together, format="EHdr")
-        values = {**header_of(corner), "ncols": str(together.RasterXSize), "nrows": str(together.RasterYSize)}
+        if (together.RasterXSize, together.RasterYSize) != (lattice.columns, lattice.rows):
+            raise Failure(f"{output}: the tiles together have {together.RasterXSize} x {together.RasterYSize} cells, the terrain has "
+                          f"{lattice.columns} x {lattice.rows}")
+        values = {**header_of(corner), "ncols": str(lattice.columns), "nrows": str(lattice.rows)}
         return publish(scratch, cells, values, beside(corner, ".prj"), output)
+
+
+def by_gdal(work: Callable[[], list[Path]], output: str) -> list[Path]:
+    """GDAL's own exceptions become messages too."""
+    try:
+        return work()
+    except RuntimeError as error:
+        raise Failure(f"{output}: GDAL: {error}") from None
 
 
 def main() -> int:
@@ -128,10 +169,11 @@ def main() -> int:
     parser.add_argument("--out", required=True, metavar="FLT")
     parser.add_argument("--tile", default="0_0", metavar="ROW_COLUMN", help="from 0_0 in the south-west")
     parser.add_argument("--count", type=int, default=1, help="of tiles to a side")
+    parser.add_argument("--ground", metavar="GRID", help="of join: the terrain that was cut")
     add_record(parser)
     arguments = parser.parse_args()
     work = cut if arguments.what == "cut" else join
-    return run_step("tiles", arguments.grids, arguments.json, lambda: work(arguments), sums=False)
+    return run_step("tiles", arguments.grids, arguments.json, lambda: by_gdal(lambda: work(arguments), arguments.out), sums=False)
 
 
 if __name__ == "__main__":
