@@ -1,4 +1,5 @@
 """What is refused of a table of runs, and what the workflow takes from one."""
+import os
 import sys
 import unittest
 from decimal import Decimal
@@ -84,6 +85,31 @@ class TableTest(FolderTest):
     def test_columns_of_damages_begin_with_the_most_frequent_flood(self):
         study = self.ensemble("a,1,1h,p1,d,l\na,20,1h,p1,d,l\na,0.2,1h,p1,d,l\n")
         self.assertEqual(study.columns("a"), ["20", "1", "0.2"])
+
+    def test_files_that_belong_to_others(self):
+        for name in ("b.mif", "B.MID", "s.shp", "s.dbf", "s.shx", "c.csv", "g.flt", "g.hdr", "g.prj"):
+            (self.folder / name).write_text(name)
+        names = [str(self.folder / name) for name in ("b.mif", "s.shp", "c.csv", "g.flt", "no.flt")]
+        self.assertEqual([os.path.basename(name) for name in ensemble.with_companions(names)],
+                         ["b.mif", "B.MID", "s.shp", "s.shx", "s.dbf", "c.csv", "g.flt", "g.hdr", "no.flt"])
+
+    def test_the_state_of_files(self):
+        for name in ("g.flt", "g.hdr"):
+            (self.folder / name).write_text(name)
+            os.utime(self.folder / name, (1000, 1000))
+        names = [str(self.folder / "g.flt")]
+        states = [ensemble.state_of(names)]
+        self.assertEqual(ensemble.state_of(names), states[0])
+        os.utime(self.folder / "g.flt", (900, 900))
+        states.append(ensemble.state_of(names))
+        os.utime(self.folder / "g.hdr", (900, 900))
+        states.append(ensemble.state_of(names))
+        (self.folder / "g.flt").write_text("longer than before")
+        os.utime(self.folder / "g.flt", (900, 900))
+        states.append(ensemble.state_of(names))
+        (self.folder / "g.flt").unlink()
+        states.append(ensemble.state_of(names))
+        self.assertEqual(len(set(states)), 5)
 
     def test_files_of_a_control_file(self):
         path = self.folder / "a.dmg"

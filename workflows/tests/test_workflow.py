@@ -127,6 +127,30 @@ class WorkflowTest(unittest.TestCase):
         self.assertEqual(jobs_of(self.runs_well()), AFTER_IT)
         self.assertEqual(jobs_of(self.runs_well()), set())
 
+    def test_an_older_grid_in_place_of_another_runs_the_steps_after_it(self):
+        self.start_from(self.done)
+        for name in (CHANGED, CHANGED.replace(".flt", ".hdr")):
+            with self.subTest(name):
+                path = self.study / name
+                os.utime(path, (path.stat().st_atime, path.stat().st_mtime - 1000))
+                self.assertEqual(jobs_of(self.runs_well("--dry-run")), AFTER_IT)
+                os.utime(path, (path.stat().st_atime, path.stat().st_mtime + 1000))
+        path = self.study / "ground.hdr"
+        os.utime(path, (1000, 1000))
+        self.assertEqual({job for job in jobs_of(self.runs_well("--dry-run")) if job.startswith("remap")},
+                         {f"remap scenario={scenario}, storm={storm}" for scenario in ("today", "warmer")
+                          for storm in ("20pct", "5pct", "1pct")})
+
+    def test_changed_attributes_of_buildings_run_the_damages(self):
+        self.start_from(self.done)
+        path = self.study / "buildings.mid"
+        path.write_bytes(path.read_bytes())
+        after_it = {"damages scenario=today", "damages scenario=warmer", "average_damage scenario=today",
+                    "average_damage scenario=warmer", "report", "all"}
+        self.assertEqual(jobs_of(self.runs_well("--dry-run")), after_it)
+        os.utime(path, (1000, 1000))
+        self.assertEqual(jobs_of(self.runs_well("--dry-run")), after_it)
+
     def test_a_further_run_in_the_table_runs_the_steps_after_it(self):
         self.start_from(self.done)
         for kind in ("depth", "level"):

@@ -1,12 +1,17 @@
 """What is made of the runs of a table: the names of all grids, and which are made of which."""
 from __future__ import annotations
 
+import hashlib
+import os
 import re
 from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
 from decimal import Decimal
 from pathlib import Path
 
+import step  # noqa: F401 # finds the package
+from gridforge.families import COMPANIONS
+from gridforge.grid_files import beside
 from runs_table import Run, TableError, in_order, read_runs
 
 KINDS = ("depth", "level")
@@ -58,6 +63,7 @@ class Ensemble:
         self.most_patterns = int(config["most_patterns"])
         self.differences = [tuple(pair) for pair in config.get("differences") or ()]
         self.scenarios = in_order(run.scenario for run in self.runs)
+        self._given = {name for run in self.runs for name in (run.depth, run.level)}
         self._patterns: dict[str, list[str]] = {}  # the grids of a set, by its name
         self._durations: dict[str, list[str]] = {}  # the grids over the durations, by the name of the peak
         self._lay_out()
@@ -83,6 +89,10 @@ class Ensemble:
         for name, grids in self._patterns.items():
             if self.statistic.rank > len(grids):
                 raise TableError(f"{self.statistic.name}: {name} has {len(grids)} patterns only")
+
+    def state_of_given(self, names: Iterable[str]) -> str:
+        """That of the grids of the table among these: for what the workflow makes its time is enough."""
+        return state_of(name for name in names if name in self._given)
 
     # --- Over the patterns
 
@@ -160,6 +170,24 @@ def files_of_control(path: Path) -> list[str]:
     return names
 
 
-def table_runs(runs: Iterable[Run]) -> list[str]:
-    """All grids that the table names."""
-    return [name for run in runs for name in (run.depth, run.level)]
+def with_companions(names: Iterable[str]) -> list[str]:
+    """Files and those beside them that belong to them, such as the header of a grid and the attributes of a layer."""
+    found = []
+    for path in map(Path, names):
+        others = (beside(path, end) for end in COMPANIONS.get(path.suffix.lower(), ()))
+        found += [str(path), *(str(other) for other in others if other.is_file())]
+    return found
+
+
+def state_of(names: Iterable[str]) -> str:
+    """A sum over the sizes and times of files and those that belong to them.
+
+    As a parameter of a step it shows any change of its inputs, also one by a file that is older than the results."""
+    digest = hashlib.sha256()
+    for name in with_companions(names):
+        try:
+            status = os.stat(name)
+            digest.update(f"{name} {status.st_size} {status.st_mtime_ns}\n".encode("utf-8", "surrogateescape"))
+        except OSError:
+            digest.update(f"{name} is missing\n".encode("utf-8", "surrogateescape"))
+    return digest.hexdigest()
