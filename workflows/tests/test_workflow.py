@@ -101,6 +101,20 @@ class WorkflowTest(unittest.TestCase):
         of_tool = 24 + 12 + 6 + 6 + 3 + 2  # statistics, maxima, filtered, remapped, differences, damages
         self.assertEqual(len(records), of_tool + 2 + 2 + 15 + 1)  # control files, averages, maps, report
 
+    def test_memory_limits_the_steps_at_a_time(self):
+        console = self.first_run.stdout
+        self.assertRegex(console, r"\nProvided resources: mem_mb=16000\n")
+        asked = [line for line in console.splitlines() if line.startswith("    resources: ")]
+        self.assertEqual(len(asked), console.count("\nrule ") + console.count("\nlocalrule "))
+        self.assertEqual([line for line in asked if " mem_mb=" not in line], [])
+
+    def test_every_job_of_a_cluster_asks_for_minutes(self):
+        text = (with_workflow.WORKFLOW / "Snakefile").read_text()
+        rules = dict(re.findall(r"^ *rule (\w+):\n(.*?)(?=^ *rule |\Z)", text, re.MULTILINE | re.DOTALL))
+        local = {"all", "results", "damage_control"}
+        self.assertEqual({name for name, body in rules.items() if not re.search(r"\n +runtime=need\.", body)}, local)
+        self.assertEqual({name for name, body in rules.items() if not re.search(r"\n +mem_mb=need\.", body)}, local)
+
     def test_the_report_shows_all_maps_and_the_damages(self):
         text = (self.done / "report.html").read_text()
         self.assertEqual(text.count('src="data:image/png;base64,'), 6 + 6 + 3)

@@ -41,6 +41,19 @@ class Needs:
     def minutes(self, wildcards, input, attempt) -> int:
         return (LEAST_MINUTES + len(input) * max(self._coarse, self._fine) // CELLS_A_MINUTE) * attempt
 
+    def minutes_of_whole(self, wildcards, attempt) -> int:
+        """Of a step that reads the fine terrain and writes one grid, in however many files."""
+        return (LEAST_MINUTES + 2 * self._fine // CELLS_A_MINUTE) * attempt
+
+    @staticmethod
+    def few_minutes(wildcards, attempt) -> int:
+        return LEAST_MINUTES * attempt
+
+    @staticmethod
+    def fixed(megabytes: int) -> Callable:
+        """MB of a step that does not depend on the size of grids. A second try gets twice as much."""
+        return lambda wildcards, attempt: megabytes * attempt
+
     def _threads(self, cells: int) -> int:
         return min(MOST_THREADS, 1 + cells // CELLS_A_THREAD)
 
