@@ -47,7 +47,7 @@ def header_of(grid: Path) -> dict[str, str]:
 
 
 def exact_number(values: dict[str, str], keyword: str, single: bool, grid: Path) -> Fraction:
-    """The number that the header says, if the tool holds just this one: cell sizes in single precision."""
+    """The number in the header, if the tool holds exactly this one: cell sizes in single precision."""
     try:
         said = Fraction(values[keyword])
         held = float(values[keyword])
