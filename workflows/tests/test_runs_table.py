@@ -43,12 +43,23 @@ class TableTest(FolderTest):
         self.refused(HEADING + "a,1,1h,p1,d,l\na,1.0,1h,p1,e,m\n", "TABLE, line 3: the same run as in line 2")
         self.refused(HEADING + "a,1,1h,p1,d,l\na,1,1h,none,,\n", "TABLE, line 3: there are runs of what this line leaves out")
 
+    def test_a_grid_that_is_named_twice(self):
+        self.refused(HEADING + "a,1,1h,p1,d,l\na,1,6h,p1,e,l\n", "TABLE, line 3: the grid l is named in line 2 already")
+        self.refused(HEADING + "a,1,1h,p1,d,d\n", "TABLE, line 2: the grid d is named in line 2 already")
+
+    def test_a_table_in_another_encoding(self):
+        path = self.folder / "runs.csv"
+        path.write_bytes((HEADING + "a,1,1h,p1,d\xfc,l\n").encode("latin-1"))
+        with self.assertRaises(runs_table.TableError) as caught:
+            runs_table.read_runs(path)
+        self.assertEqual(str(caught.exception), f"{path} is not in UTF-8; save it anew with that encoding")
+
     def test_a_missing_duration(self):
-        text = HEADING + "a,1,1h,p1,d,l\na,1,6h,p1,d,l\na,0.20,1h,p1,d,l\n"
+        text = HEADING + "a,1,1h,p1,d,l\na,1,6h,p1,e,m\na,0.20,1h,p1,f,n\n"
         self.refused(text, "TABLE: a has no run of 0.2 % and 6h; if that is meant, add the line a,0.2,6h,none,,")
         runs = runs_table.read_runs(self.give(text + "a,0.2,6h,none,,\n"))
         self.assertEqual([run.was_run for run in runs], [True, True, True, False])
-        self.refused(HEADING + "a,1,1h,p1,d,l\nb,5,1h,p1,d,l\n",
+        self.refused(HEADING + "a,1,1h,p1,d,l\nb,5,1h,p1,e,m\n",
                      "TABLE: a has no run of 5 % and 1h; if that is meant, add the line a,5,1h,none,,")
 
     def test_names_of_storms(self):
@@ -60,12 +71,38 @@ class TableTest(FolderTest):
         settings = {"runs": self.give(HEADING + rows), "statistic": "median", "most_grids": 500, "most_patterns": 10, **config}
         return ensemble.Ensemble(settings)
 
+    def test_uneven_numbers_of_patterns(self):
+        rows = "a,1,1h,p1,d,l\na,1,1h,p2,e,m\n"
+        self.assertEqual(self.ensemble(rows).uneven(), [])
+        self.assertEqual(self.ensemble(rows + "b,1,1h,p1,f,n\n").uneven(), ["patterns/b/1pct_1h has 1 pattern, others have up to 2"])
+
+    def test_a_level_grid_of_each_scenario(self):
+        self.assertEqual(self.ensemble("a,1,1h,p1,d,l\na,1,1h,p2,e,m\nb,1,1h,p1,f,n\n").first_levels(), ["l", "n"])
+
+    def test_settings_that_are_missing(self):
+        whole = {"runs": "r", "ground": "g", "statistic": "max", "cutoff": 0, "remap": {"method": "tin"}, "most_grids": 1,
+                 "most_patterns": 1}
+        ensemble.require_settings(whole)
+        cases = [({**whole, name: None}, name) for name in whole if name != "remap"]
+        cases += [({**whole, "remap": None}, "remap.method"), ({**whole, "damages": {"assumptions": ""}}, "damages.control")]
+        cases += [({"runs": "r"}, "ground")]
+        for config, missing in cases:
+            with self.assertRaises(runs_table.TableError) as caught:
+                ensemble.require_settings(config)
+            self.assertEqual(str(caught.exception), f"config.yaml: {missing} is missing")
+
+    def test_versions_of_snakemake(self):
+        ensemble.require_snakemake("7.32.4")
+        with self.assertRaises(runs_table.TableError) as caught:
+            ensemble.require_snakemake("8.4.0")
+        self.assertEqual(str(caught.exception), "the workflow is for Snakemake 7; this is 8.4.0")
+
     def test_a_single_pattern_needs_no_statistic(self):
         study = self.ensemble("a,1,1h,p1,d.asc,l.asc\na,1,6h,p1,e.asc,m.asc\n")
         self.assertEqual((study.statistics(many=False), study.statistics(many=True)), ([], []))
         self.assertEqual(study.maximum_of("peaks/a/1pct_level"), ["l.asc", "m.asc"])
 
-    def test_who_takes_the_statistic(self):
+    def test_statistics_by_the_tool_and_by_the_script(self):
         rows = "".join(f"a,1,1h,p{n},d{n},l{n}\n" for n in range(3)) + "".join(f"a,1,6h,p{n},e{n},m{n}\n" for n in range(4))
         study = self.ensemble(rows, most_patterns=3)
         self.assertEqual(study.statistics(many=False), ["patterns/a/1pct_1h_depth", "patterns/a/1pct_1h_level"])
@@ -79,11 +116,11 @@ class TableTest(FolderTest):
         self.assertEqual(study.maxima(in_parts=False), ["peaks/a/1pct_depth", "peaks/a/1pct_level"])
 
     def test_differences_of_what_both_scenarios_have(self):
-        study = self.ensemble("a,1,1h,p1,d,l\nb,1,1h,p1,d,l\na,5,1h,p1,d,l\nb,5,1h,none,,\n", differences=[["b", "a"]])
+        study = self.ensemble("a,1,1h,p1,d,l\nb,1,1h,p1,e,m\na,5,1h,p1,f,n\nb,5,1h,none,,\n", differences=[["b", "a"]])
         self.assertEqual(study.compared(), [("b", "a", "1pct")])
 
     def test_columns_of_damages_begin_with_the_most_frequent_flood(self):
-        study = self.ensemble("a,1,1h,p1,d,l\na,20,1h,p1,d,l\na,0.2,1h,p1,d,l\n")
+        study = self.ensemble("a,1,1h,p1,d,l\na,20,1h,p1,e,m\na,0.2,1h,p1,f,n\n")
         self.assertEqual(study.columns("a"), ["20", "1", "0.2"])
 
     def test_files_that_belong_to_others(self):

@@ -17,7 +17,7 @@ class NeedsTest(FolderTest):
         return str(path)
 
     def needs(self, method="tin", coarse=(10_000, 1_000), fine=(20_000, 10_000)):
-        return sizes.Needs(self.give("level", *coarse), self.give("ground", *fine), method)
+        return sizes.Needs([self.give("small", 10, 10), self.give("level", *coarse)], self.give("ground", *fine), method)
 
     def test_a_remap_asks_by_its_cells(self):
         self.assertEqual(self.needs().memory("remap")({}, 1), 300 + 2 * 10 * 10)  # millions of cells
@@ -35,7 +35,7 @@ class NeedsTest(FolderTest):
         self.assertEqual(need.minutes({}, ["a"], attempt=2), 2 * need.minutes({}, ["a"], attempt=1))
 
     def test_a_grid_that_cannot_be_read(self):
-        self.assertEqual(sizes.Needs("missing.asc", "missing.flt", "tin").memory("remap")({}, 1), 300)
+        self.assertEqual(sizes.Needs(["missing.asc"], "missing.flt", "tin").memory("remap")({}, 1), 300)
 
 
 if __name__ == "__main__":

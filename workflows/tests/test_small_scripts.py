@@ -3,6 +3,7 @@ import json
 import os
 import subprocess
 import sys
+import time
 import unittest
 
 from with_workflow import WORKFLOW, FolderTest
@@ -117,6 +118,13 @@ class FailuresTest(ScriptTest):
         for text in ("", '{"outcome": '):
             self.give("records/fine/a.json", text)
             self.assertEqual(self.failed(), ["fine/a: ended without a record; see logs/fine/a.txt and, on a cluster, logs/slurm/"])
+
+    def test_warnings_of_the_tool(self):
+        self.give_record("a", outcome="finished", warnings=["WARNING - One", "WARNING - One"])
+        self.give_record("b", outcome="finished", warnings=["WARNING - Two", "WARNING - One"])
+        self.give("records/killed.json", "")
+        self.assertEqual(failures.warnings(self.folder / "records", 0), ["a and 1 more: WARNING - One", "b: WARNING - Two"])
+        self.assertEqual(failures.warnings(self.folder / "records", time.time() + 1000), [])
 
     def test_records_of_earlier_runs(self):
         os.utime(self.give_record("old"), (100, 100))

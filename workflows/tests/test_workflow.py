@@ -213,6 +213,13 @@ class WorkflowTest(unittest.TestCase):
         self.assertIn("FAILED patterns/today/1pct_1h_level: ended without a record; see logs/patterns/today/1pct_1h_level.txt and,"
                       " on a cluster, logs/slurm/\n", run.stdout)
 
+    def test_a_lost_run_is_warned_of(self):
+        self.start_from(self.done)
+        lines = (self.study / "runs.csv").read_text().splitlines(keepends=True)
+        (self.study / "runs.csv").write_text("".join(line for line in lines if not line.startswith("today,1,1h,p3,")))
+        self.assertIn("WARNING patterns/today/1pct_1h has 2 patterns, others have up to 3\n",
+                      self.runs_well("patterns/today/1pct_1h_level_Median_Val.flt"))
+
     def test_a_missing_duration_is_refused_before_the_first_step(self):
         self.start_from(self.fresh)
         lines = (self.study / "runs.csv").read_text().splitlines(keepends=True)
@@ -296,6 +303,7 @@ class WorkflowTest(unittest.TestCase):
                 ("statistic: median", "statistic: rank4", "rank4: patterns/today/20pct_1h_depth has 3 patterns only"),
                 ("[warmer, today]", "[warmer, past]", "differences: the table has no scenario past"),
                 ("method: tin", "method: nearest", "remap: the method is tin or idw, not: nearest"),
+                ("cutoff: 0.1", "cut: 0.1", "config.yaml: cutoff is missing"),
                 ("method: tin", "method: idw", "remap: idw takes a distance above 0")):
             with self.subTest(new):
                 text = (self.study / "config.yaml").read_text()

@@ -12,11 +12,13 @@ from pathlib import Path
 import step  # noqa: F401 # finds the package
 from gridforge.families import COMPANIONS
 from gridforge.grid_files import beside
+from gridforge.messages import counted
 from runs_table import Run, TableError, in_order, read_runs
 
 KINDS = ("depth", "level")
 STATISTICS = {"median": ("-statMedian", "_Median"), "mean": ("-statMean", "_Mean")}
 RANK = re.compile(r"rank([1-9]\d*)")
+SETTINGS = ("runs", "ground", "statistic", "cutoff", "remap.method", "most_grids", "most_patterns")
 FLT = (".flt", ".hdr")
 
 
@@ -51,6 +53,24 @@ def statistic_of(name: str) -> Statistic:
     if not found:
         raise TableError(f"statistic is median, mean, max or a rank such as rank3, not: {name}")
     return Statistic(name, f"-statRank{found[1]}", f"_Rank{found[1]}")
+
+
+def require_snakemake(version: str) -> None:
+    """Later versions refuse the profile for Slurm, as they have no `cluster` any more."""
+    if version.split(".")[0] != "7":
+        raise TableError(f"the workflow is for Snakemake 7; this is {version}")
+
+
+def require_settings(config: Mapping) -> None:
+    """Those without which nothing can be laid out; `damages.control` and `remap.method` by the names of their parts."""
+    for name in SETTINGS:
+        found: object = config
+        for part in name.split("."):
+            found = found.get(part) if isinstance(found, Mapping) else None
+        if found is None:
+            raise TableError(f"config.yaml: {name} is missing")
+    if config.get("damages") and not (isinstance(config["damages"], Mapping) and config["damages"].get("control")):
+        raise TableError("config.yaml: damages.control is missing")
 
 
 class Ensemble:
@@ -93,6 +113,16 @@ class Ensemble:
     def state_of_given(self, names: Iterable[str]) -> str:
         """That of the grids of the table among these: for what the workflow makes its time is enough."""
         return state_of(name for name in names if name in self._given)
+
+    def uneven(self) -> list[str]:
+        """A line for each set with fewer patterns than the largest one: a run may have been lost."""
+        most = max(map(len, self._patterns.values()))
+        return [f"{name.removesuffix('_level')} has {counted(len(grids), 'pattern')}, others have up to {most}"
+                for name, grids in self._patterns.items() if name.endswith("_level") and len(grids) < most]
+
+    def first_levels(self) -> list[str]:
+        """A level grid of each scenario; the scenarios may be of different sizes."""
+        return [next(run.level for run in self.runs if run.scenario == scenario) for scenario in self.scenarios]
 
     # --- Over the patterns
 

@@ -1,4 +1,4 @@
-"""What went wrong in the steps of a run, from their records."""
+"""What went wrong in the steps of a run, and what the tool has warned of, from their records."""
 from __future__ import annotations
 
 import json
@@ -22,3 +22,18 @@ def failed_steps(records: Path, since: float) -> list[str]:
             last = f" (the last file opened was {record['inputs'][-1]['name']})" if by_tool else ""
             lines.append(f"{name}: {record['error'] or record['outcome']}{last}")
     return lines
+
+
+def warnings(records: Path, since: float) -> list[str]:
+    """Each warning of the tool since then once, with the first step that had it and how many had."""
+    steps: dict[str, list[str]] = {}
+    for path in sorted(records.rglob("*.json")):
+        if path.stat().st_mtime < since:
+            continue
+        try:
+            found = json.loads(path.read_text(encoding="ascii"))["warnings"]
+        except ValueError:
+            continue  # failed_steps names it
+        for text in dict.fromkeys(found):
+            steps.setdefault(text, []).append(str(path.relative_to(records).with_suffix("")))
+    return [f"{names[0]}{f' and {len(names) - 1} more' if len(names) > 1 else ''}: {text}" for text, names in steps.items()]

@@ -68,15 +68,19 @@ def _run_of(row: dict[str, str], line: int, place: str) -> Run:
 
 
 def read_runs(path: Path) -> list[Run]:
-    with open(path, newline="", encoding="utf-8-sig") as file:
-        rows = csv.DictReader(file)
-        missing = [name for name in COLUMNS if name not in (rows.fieldnames or ())]
-        if missing:
-            raise TableError(f"{path}: the first line has no column {missing[0]}")
-        runs = [_run_of(row, rows.line_num, f"{path}, line {rows.line_num}") for row in rows]
+    try:
+        with open(path, newline="", encoding="utf-8-sig") as file:
+            rows = csv.DictReader(file)
+            missing = [name for name in COLUMNS if name not in (rows.fieldnames or ())]
+            if missing:
+                raise TableError(f"{path}: the first line has no column {missing[0]}")
+            runs = [_run_of(row, rows.line_num, f"{path}, line {rows.line_num}") for row in rows]
+    except UnicodeDecodeError:
+        raise TableError(f"{path} is not in UTF-8; save it anew with that encoding") from None
     if not any(run.was_run for run in runs):
         raise TableError(f"{path} has no runs")
     _refuse_repeated(path, runs)
+    _refuse_repeated_grids(path, runs)
     _refuse_missing(path, runs)
     return runs
 
@@ -90,6 +94,16 @@ def _refuse_repeated(path: Path, runs: list[Run]) -> None:
     for run in runs:
         if not run.was_run and any(other.was_run and other.key[:3] == run.key[:3] for other in runs):
             raise TableError(f"{path}, line {run.line}: there are runs of what this line leaves out")
+
+
+def _refuse_repeated_grids(path: Path, runs: list[Run]) -> None:
+    """A slip of copying: of two durations with one grid, one would vanish from the maximum."""
+    seen: dict[str, int] = {}
+    for run in runs:
+        for name in (run.depth, run.level) if run.was_run else ():
+            if name in seen:
+                raise TableError(f"{path}, line {run.line}: the grid {name} is named in line {seen[name]} already")
+            seen[name] = run.line
 
 
 def _refuse_missing(path: Path, runs: list[Run]) -> None:

@@ -1,7 +1,7 @@
 """What a step needs of memory, minutes and threads, by the number of cells of its grids."""
 from __future__ import annotations
 
-from collections.abc import Callable
+from collections.abc import Callable, Iterable
 from pathlib import Path
 
 import step  # noqa: F401 # finds the package
@@ -27,8 +27,8 @@ def cells_of(name: str) -> int:
 
 
 class Needs:
-    def __init__(self, level: str, ground: str, method: str) -> None:
-        self._coarse, self._fine = cells_of(level), cells_of(ground)
+    def __init__(self, levels: Iterable[str], ground: str, method: str) -> None:
+        self._coarse, self._fine = max(map(cells_of, levels)), cells_of(ground)
         # By TIN the fine cells go in pieces, by IDW whole grids are in memory.
         remap = 10 * self._coarse if method == "tin" else 15 * self._coarse + 13 * self._fine
         self._bytes = {"statistic": 0, "difference": 0, "remap": 2 * remap, "many": 0}
