@@ -15,7 +15,6 @@
 namespace gridforge::test {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
