@@ -1,11 +1,10 @@
 // Sections across a real bayou, checked by a few plain lines over its cells.
-#include "support/paths.h"
+#include "support/real_folder.h"
 #include "support/tool_run.h"
 
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
@@ -14,47 +13,7 @@
 namespace gridforge::test {
 namespace {
 
-const std::filesystem::path kFolder = std::filesystem::path(dataFolder()) / "bayou";
-
-std::string bytesOf(const std::string& name)
-{
-    std::ifstream file(kFolder / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void giveLayer(ToolRun& run, const std::string& name)
-{
-    for (const char* extension : {".mif", ".mid", ".shp", ".shx", ".dbf", ".prj"}) {
-        run.give(name + extension, bytesOf(name + extension));
-    }
-}
-
-struct RealGrid {
-    double xll = 0;
-    double yll = 0;
-    double cellsize = 0;
-    std::vector<std::vector<double>> rows; // from the south
-};
-
-RealGrid readGrid(const std::string& name)
-{
-    std::istringstream text(bytesOf(name));
-    RealGrid grid;
-    std::size_t columns = 0;
-    std::size_t rows = 0;
-    double null = 0;
-    std::string word;
-    text >> word >> columns >> word >> rows >> word >> grid.xll >> word >> grid.yll >> word >> grid.cellsize >> word >>
-        null;
-    grid.rows.resize(rows, std::vector<double>(columns));
-    for (std::size_t row = rows; row > 0; --row) {
-        for (double& cell : grid.rows[row - 1]) {
-            text >> cell;
-        }
-    }
-    EXPECT_TRUE(text) << name;
-    return grid;
-}
+const RealFolder kReal("bayou");
 
 double cellAt(const RealGrid& grid, double x, double y)
 {
@@ -71,7 +30,7 @@ struct Vertex {
 // The polylines of a .mif.
 std::vector<std::vector<Vertex>> readLines(const std::string& name)
 {
-    std::istringstream text(bytesOf(name));
+    std::istringstream text(kReal.bytesOf(name));
     std::vector<std::vector<Vertex>> lines;
     for (std::string word; text >> word;) {
         if (word == "Pline") {
@@ -108,7 +67,7 @@ class RealNetwork : public testing::TestWithParam<const char*> {
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::exists(kFolder / "dem.asc")) {
+        if (!std::filesystem::exists(kReal.path() / "dem.asc")) {
             GTEST_SKIP() << "no real data";
         }
     }
@@ -118,9 +77,9 @@ TEST_P(RealNetwork, SectionsOfTheBayouHoldTheCellsAlongThem)
 {
     const std::string kind = GetParam();
     ToolRun run("-b -nbc bayou.nbc");
-    giveLayer(run, "branches");
-    giveLayer(run, "sections");
-    run.give("dem.asc", bytesOf("dem.asc"));
+    kReal.giveLayer(run, "branches");
+    kReal.giveLayer(run, "sections");
+    run.give("dem.asc", kReal.bytesOf("dem.asc"));
     run.give("bayou.nbc", "Read GIS Branch == branches" + kind + "\nRead GIS XS == sections" + kind +
                               "\nSet XS dx == 50\nRead Grid Z == dem.asc\nOutput Nwk == net" + kind +
                               "\nOutput XS == xs" + kind + "\n");
@@ -128,7 +87,7 @@ TEST_P(RealNetwork, SectionsOfTheBayouHoldTheCellsAlongThem)
     ASSERT_TRUE(run.says("Finished.")) << run.console();
     EXPECT_TRUE(run.says("Found 11 cross-sections."));
 
-    const RealGrid ground = readGrid("dem.asc");
+    const RealGrid ground = kReal.readGrid("dem.asc");
     const auto lines = readLines("sections.mif");
     ASSERT_EQ(lines.size(), 11U);
     constexpr double kDistance = 3; // of every section's record
@@ -162,8 +121,8 @@ TEST_P(RealNetwork, SectionsOfTheBayouHoldTheCellsAlongThem)
 TEST_P(RealNetwork, TheNetworkIsAsLongAsTheBayou)
 {
     ToolRun run("-b -nbc bayou.nbc");
-    giveLayer(run, "branches");
-    giveLayer(run, "sections");
+    kReal.giveLayer(run, "branches");
+    kReal.giveLayer(run, "sections");
     run.give("bayou.nbc", "Read GIS Branch == branches.mif\nRead GIS XS == sections.mif\nWrite XS == Off\n"
                           "Branch Bendiness == On\n");
     run.start();

@@ -1,62 +1,20 @@
 // Flood marks and a creek on real terrain, checked by a few plain lines over the cells.
 #include "support/ogr.h"
-#include "support/paths.h"
 #include "support/plain_region.h"
+#include "support/real_folder.h"
 #include "support/tool_run.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 
 namespace gridforge::test {
 namespace {
 
-const std::filesystem::path kFolder = std::filesystem::path(dataFolder()) / "merewether";
-
-std::string bytesOf(const std::string& name)
-{
-    std::ifstream file(kFolder / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void giveLayer(ToolRun& run, const std::string& name)
-{
-    for (const char* extension : {".mif", ".mid", ".shp", ".shx", ".dbf", ".prj"}) {
-        run.give(name + extension, bytesOf(name + extension));
-    }
-}
-
-struct RealGrid {
-    double xll = 0;
-    double yll = 0;
-    double cellsize = 0;
-    double null = 0;
-    std::vector<std::vector<double>> rows; // from the south
-};
-
-RealGrid readGrid(const std::string& name)
-{
-    std::istringstream text(bytesOf(name));
-    RealGrid grid;
-    std::size_t columns = 0;
-    std::size_t rows = 0;
-    std::string word;
-    text >> word >> columns >> word >> rows >> word >> grid.xll >> word >> grid.yll >> word >> grid.cellsize >> word >>
-        grid.null;
-    grid.rows.resize(rows, std::vector<double>(columns));
-    for (std::size_t row = rows; row > 0; --row) {
-        for (double& cell : grid.rows[row - 1]) {
-            text >> cell;
-        }
-    }
-    EXPECT_TRUE(text) << name;
-    grid.cellsize = static_cast<double>(static_cast<float>(grid.cellsize)); // as the tool holds it
-    return grid;
-}
+const RealFolder kReal("merewether");
 
 // Numbers of a comma-separated line behind the label.
 std::vector<double> numbersOf(std::string line)
@@ -108,7 +66,7 @@ std::vector<std::array<double, 2>> verticesIn(const std::string& mif, const std:
 
 std::vector<std::array<double, 2>> verticesOf(const std::string& mif, const std::string& word)
 {
-    return verticesIn(bytesOf(mif), word);
+    return verticesIn(kReal.bytesOf(mif), word);
 }
 
 // The nearest cell that is not null, by its north-east corner; none beyond `radius` less what a polygon cuts off.
@@ -134,19 +92,19 @@ Nearest nearestTo(const RealGrid& grid, double x, double y)
 
 TEST(RealSampling, FloodMarksTakeTheNearestWetCell)
 {
-    if (!std::filesystem::exists(kFolder)) {
+    if (!std::filesystem::exists(kReal.path())) {
         GTEST_SKIP() << "no data";
     }
     constexpr double kSearch = 40;
     ToolRun run("-b -cp flood_marks.mif level_medium.asc -cpsd40");
-    giveLayer(run, "flood_marks");
-    run.give("level_medium.asc", bytesOf("level_medium.asc"));
+    kReal.giveLayer(run, "flood_marks");
+    run.give("level_medium.asc", kReal.bytesOf("level_medium.asc"));
     run.start();
     const auto rows = tableOf(run, "flood_marks.csv");
     const auto marks = verticesOf("flood_marks.mif", "Point ");
     ASSERT_EQ(marks.size(), 5U);
     ASSERT_EQ(rows.size(), marks.size()) << run.console();
-    const RealGrid grid = readGrid("level_medium.asc");
+    const RealGrid grid = kReal.readGrid("level_medium.asc");
     int found = 0;
     for (std::size_t i = 0; i < marks.size(); ++i) {
         SCOPED_TRACE(i);
@@ -166,12 +124,12 @@ TEST(RealSampling, FloodMarksTakeTheNearestWetCell)
 
 TEST(RealSampling, TheInvertOfTheCreekIsTheLowestGroundAcrossIt)
 {
-    if (!std::filesystem::exists(kFolder)) {
+    if (!std::filesystem::exists(kReal.path())) {
         GTEST_SKIP() << "no data";
     }
     ToolRun run("-b -lp channel.mif dem.asc -lpmd1000 -cpsd20");
-    giveLayer(run, "channel");
-    run.give("dem.asc", bytesOf("dem.asc"));
+    kReal.giveLayer(run, "channel");
+    run.give("dem.asc", kReal.bytesOf("dem.asc"));
     run.start();
     const auto vertices = verticesOf("channel.mif", "Pline ");
     std::vector<std::string> tables;
@@ -184,7 +142,7 @@ TEST(RealSampling, TheInvertOfTheCreekIsTheLowestGroundAcrossIt)
     const auto rows = tableOf(run, tables[0]);
     ASSERT_GT(rows.size(), 2U);
     ASSERT_EQ(rows.size(), vertices.size());
-    const RealGrid grid = readGrid("dem.asc");
+    const RealGrid grid = kReal.readGrid("dem.asc");
     double chainage = 0;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         SCOPED_TRACE(i);
@@ -265,9 +223,9 @@ struct Levels {
 Levels creekLevels(const std::string& attributes)
 {
     ToolRun run("-b -brkline channel.mif dem.asc");
-    giveLayer(run, "channel");
-    run.give("dem.asc", bytesOf("dem.asc"));
-    std::string layer = bytesOf("channel.mif");
+    kReal.giveLayer(run, "channel");
+    run.give("dem.asc", kReal.bytesOf("dem.asc"));
+    std::string layer = kReal.bytesOf("channel.mif");
     layer.replace(layer.find("Columns 1"), layer.find("Data") - layer.find("Columns 1"),
                   "Columns 4\n  Z Float\n  dZ Float\n  Width Float\n  Options Char(20)\n");
     run.give("channel.mif", layer);
@@ -287,7 +245,7 @@ Levels creekLevels(const std::string& attributes)
 
 TEST(RealSampling, VerticesAlongTheCreekAreNeverFurtherApartThanTold)
 {
-    if (!std::filesystem::exists(kFolder)) {
+    if (!std::filesystem::exists(kReal.path())) {
         GTEST_SKIP() << "no data";
     }
     const auto read = verticesOf("channel.mif", "Pline ");
@@ -306,7 +264,7 @@ TEST(RealSampling, VerticesAlongTheCreekAreNeverFurtherApartThanTold)
     EXPECT_NEAR(made, asRead, 1e-3);
     EXPECT_GT(levels.vertices.size(), static_cast<std::size_t>(asRead / 3));
     // One cell each: the one that the distances from the grid's corner tell.
-    const RealGrid grid = readGrid("dem.asc");
+    const RealGrid grid = kReal.readGrid("dem.asc");
     for (std::size_t i = 0; i < levels.z.size(); ++i) {
         const auto index = [&](double from) {
             const auto whole = static_cast<std::size_t>(from / grid.cellsize);
@@ -323,10 +281,10 @@ TEST(RealSampling, VerticesAlongTheCreekAreNeverFurtherApartThanTold)
 
 TEST(RealSampling, CirclesAlongTheCreekTakeTheLowestAndTheHighestGround)
 {
-    if (!std::filesystem::exists(kFolder)) {
+    if (!std::filesystem::exists(kReal.path())) {
         GTEST_SKIP() << "no data";
     }
-    const RealGrid grid = readGrid("dem.asc");
+    const RealGrid grid = kReal.readGrid("dem.asc");
     const Levels lowest = creekLevels("0,10,12,Min");
     const Levels highest = creekLevels("0,10,12,Max");
     const Levels mean = creekLevels("0,10,12,mean");
@@ -369,14 +327,14 @@ TEST(RealSampling, CirclesAlongTheCreekTakeTheLowestAndTheHighestGround)
 // The breaklines that come with the data reach over the edge of the terrain.
 TEST(RealSampling, BreaklinesOfBothFamiliesHoldTheSamePoints)
 {
-    if (!std::filesystem::exists(kFolder)) {
+    if (!std::filesystem::exists(kReal.path())) {
         GTEST_SKIP() << "no data";
     }
     ToolRun mif("-b -brkline breaklines.mif dem.asc");
     ToolRun shp("-b -brkline breaklines.shp dem.asc");
     for (ToolRun* run : {&mif, &shp}) {
-        giveLayer(*run, "breaklines");
-        run->give("dem.asc", bytesOf("dem.asc"));
+        kReal.giveLayer(*run, "breaklines");
+        run->give("dem.asc", kReal.bytesOf("dem.asc"));
         run->start();
     }
     auto records = recordsOf(mif, "breaklines_brkline.mid");
@@ -405,16 +363,16 @@ TEST(RealSampling, BreaklinesOfBothFamiliesHoldTheSamePoints)
 
 TEST(RealSampling, NodalAreasCountTheGroundBelowEachHeight)
 {
-    if (!std::filesystem::exists(kFolder) || !haveOgr()) {
+    if (!std::filesystem::exists(kReal.path()) || !haveOgr()) {
         GTEST_SKIP() << "no data or no OGR";
     }
     std::vector<std::string> tables;
     for (const char* extension : {".mif", ".shp"}) {
         ToolRun run((std::string("-b -na areas") + extension + " dem.asc").c_str());
-        giveLayer(run, "areas");
-        run.give("dem.asc", bytesOf("dem.asc"));
+        kReal.giveLayer(run, "areas");
+        run.give("dem.asc", kReal.bytesOf("dem.asc"));
         // The second region alone, the houses, with the attributes of a node.
-        const std::string layer = bytesOf("areas.mif");
+        const std::string layer = kReal.bytesOf("areas.mif");
         const std::size_t columns = layer.find("Columns");
         const std::size_t second = layer.find("Region", layer.find("Region") + 1);
         run.give("areas.mif", layer.substr(0, columns) +
@@ -432,7 +390,7 @@ TEST(RealSampling, NodalAreasCountTheGroundBelowEachHeight)
         if (tables.size() > 1) {
             break;
         }
-        const RealGrid grid = readGrid("dem.asc");
+        const RealGrid grid = kReal.readGrid("dem.asc");
         std::vector<double> ring;
         for (const auto& vertex : verticesIn(layer.substr(second), "Region ")) {
             ring.insert(ring.end(), vertex.begin(), vertex.end());
@@ -508,15 +466,15 @@ TEST(RealSampling, NodalAreasByTheBayouAreThoseOfTheirRegions)
 // A layer given in both families gives the same tables.
 TEST(RealSampling, BothFamiliesGiveTheSameTables)
 {
-    if (!std::filesystem::exists(kFolder)) {
+    if (!std::filesystem::exists(kReal.path())) {
         GTEST_SKIP() << "no data";
     }
     const auto tables = [](const std::string& arguments, const std::string& layer) {
         std::vector<std::string> texts;
         for (const char* extension : {".mif", ".shp"}) {
             ToolRun run((arguments + layer + extension).c_str());
-            giveLayer(run, layer);
-            run.give("dem.asc", bytesOf("dem.asc"));
+            kReal.giveLayer(run, layer);
+            run.give("dem.asc", kReal.bytesOf("dem.asc"));
             run.start();
             for (const std::string& name : run.changedFiles()) {
                 if (name.ends_with(".csv")) {
