@@ -173,13 +173,24 @@ data:
         return target
 
     def differences(self, one, other):
-        return [found.kind for found in compare.compare_bytes("a.nc", one, other)]
+        return self.differences_of("a.nc", one, other)
+
+    def differences_of(self, name, one, other):
+        return [found.kind for found in compare.compare_bytes(name, one, other)]
 
     def test_other_bytes_of_the_same_values_do_not_count(self):
         one, other = self.made("one", "1, 2, 3"), self.made("other", "1, 2, 3")
         with open(other, "ab") as target:
             target.write(b"more than the file says that it has")
         self.assertEqual(self.differences(one, other), [])
+
+    def test_nor_do_they_under_a_name_without_the_extension(self):
+        one, other = self.made("one", "1, 2, 3"), self.made("other", "1, 2, 3")
+        with open(other, "ab") as target:
+            target.write(b"more than the file says that it has")
+        for name in (".nc", "levels", "levels.n"):
+            self.assertEqual(self.differences_of(name, one, other), [], name)
+        self.assertEqual(self.differences_of("levels", one, self.made("third", "1, 2, 4")), ["bytes of a file"])
 
     def test_other_values_count(self):
         self.assertEqual(self.differences(self.made("one", "1, 2, 3"), self.made("other", "1, 2, 3.0000002")), ["bytes of .nc"])
