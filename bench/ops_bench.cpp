@@ -17,8 +17,8 @@
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstring>
-#include <optional>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace gridforge {
@@ -264,10 +264,7 @@ void resizeAverage(benchmark::State& state)
         return;
     }
     std::ranges::copy(madeCells(1), grid.cells().begin());
-    const auto north = [&](const ops::CellRows& some) {
-        return std::optional<std::span<const float>>(run::rowsOf(grid, some.first, some.last));
-    };
-    const ops::RowSource rows{north, tiling.cellRows};
+    ops::TileRow tiles = ops::emptyTiles(ops::ResizeMethod::average, tiling, kNull);
     const auto tile = [&](std::int32_t r, std::int32_t c) {
         double sum = 0;
         std::int32_t count = 0;
@@ -284,7 +281,11 @@ void resizeAverage(benchmark::State& state)
     compare(
         state, output.cells().size(),
         [&](std::vector<float>& out) {
-            benchmark::DoNotOptimize(averageTiles(rows, kNull, tiling, {1, tiling.rows}, output.cells()));
+            for (std::int32_t r = 1; r <= tiling.rows; ++r) {
+                const ops::CellRows under = ops::rowsUnder(tiling, r);
+                ops::takeRows(run::rowsOf(std::as_const(grid), under.first, under.last), tiles);
+                ops::finishTiles(tiles, output.row(r));
+            }
             std::ranges::copy(output.cells(), out.begin());
         },
         [&](std::vector<float>& out) {

@@ -1,10 +1,15 @@
 # One static library for each folder of src/. Every library has an include root of its own, a folder in the build tree that
 # holds nothing but a link to the library's sources, so that `#include "grid/header.h"` compiles only where grid is linked.
-# A folder without sources yet is skipped. FORMS names the folders in it whose sources belong to the library too.
+# A folder without sources yet is skipped. Sources that match EXCLUDE stay out. FORMS names the folders in it whose sources
+# belong to the library too.
+# With GRIDFORGE_JOIN_SOURCES the compiler gets the sources of a folder as one, as it spends most of its time on headers.
 function(gridforge_layer layer)
-  cmake_parse_arguments(ARG "" "" "USES;FORMS" ${ARGN})
+  cmake_parse_arguments(ARG "" "EXCLUDE" "USES;FORMS" ${ARGN})
   set(folder ${PROJECT_SOURCE_DIR}/src/${layer})
   file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}/*.h)
+  if(ARG_EXCLUDE)
+    list(FILTER sources EXCLUDE REGEX "${ARG_EXCLUDE}")
+  endif()
   foreach(form IN LISTS ARG_FORMS)
     file(GLOB formSources CONFIGURE_DEPENDS ${folder}/${form}/*.cpp ${folder}/${form}/*.h)
     list(APPEND sources ${formSources})
@@ -23,8 +28,17 @@ function(gridforge_layer layer)
   get_property(layers GLOBAL PROPERTY GRIDFORGE_LAYERS)
   set_property(GLOBAL PROPERTY GRIDFORGE_LAYERS gridforge_${layer} ${layers})
   set_target_properties(gridforge_${layer} PROPERTIES LINKER_LANGUAGE CXX)
+  if(GRIDFORGE_JOIN_SOURCES)
+    set_target_properties(gridforge_${layer} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+    foreach(source IN LISTS sources)
+      get_filename_component(group ${source} DIRECTORY)
+      get_filename_component(group ${group} NAME)
+      set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${group})
+    endforeach()
+  endif()
   target_include_directories(gridforge_${layer} PUBLIC ${root})
   target_link_libraries(gridforge_${layer} PUBLIC gridforge_flags)
+  gridforge_harden(gridforge_${layer})
   foreach(used IN LISTS ARG_USES)
     if(TARGET gridforge_${used})
       target_link_libraries(gridforge_${layer} PUBLIC gridforge_${used})

@@ -164,27 +164,25 @@ void writeData(std::ostream& file, const std::vector<Entry>& entries)
          << "    local ours=\"" << kRunOptions << "\"\n";
 }
 
-// --- Bash ------------------------------------------------------------------------------------------------------------
-
-constexpr std::string_view kBash = R"(
-    local current=${COMP_WORDS[COMP_CWORD]} given=" " asked="" match="" kinds="" isValue="" word flag
-    local isRun="" isMany=""
-    local -a found=()
-    if [[ ${COMP_WORDS[0]##*/} == gridforge-run ]]; then
+// Looks at the words before the cursor, which each shell names in its own way.
+constexpr std::string_view kWalk = R"(
+    local given=" " asked="" match="" kinds="" isValue="" isRun="" isMany="" word flag
+    local -l lowerWord lowerFlag
+    if [[ $program == gridforge-run ]]; then
         isRun=1
     else
         ours=""
     fi
 
     # What the words before say: the operation, and whether a value is due.
-    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-        if [[ $isValue ]]; then
+    for word in "${before[@]}"; do
+        if [[ -n $isValue ]]; then
             isValue=""
             continue
         fi
         [[ $word == -* ]] || continue
         isMany=""
-        if [[ $ours && $word == --* ]]; then
+        if [[ -n $ours && $word == --* ]]; then
             given+="$word "
             case $word in
             --) ours="" ;; # what follows is the tool's
@@ -195,20 +193,32 @@ constexpr std::string_view kBash = R"(
             continue
         fi
         match=""
-        for flag in "${!takes[@]}"; do # letters after a flag's name are ignored, so the longest one counts
-            if [[ ${word,,} == "${flag,,}"* && ${#flag} -gt ${#match} ]]; then
+        lowerWord=$word
+        for flag in "${flags[@]}"; do # letters after a flag's name are ignored, so the longest one counts
+            lowerFlag=$flag
+            if [[ $lowerWord == "$lowerFlag"* && ${#flag} -gt ${#match} ]]; then
                 match=$flag
             fi
         done
-        [[ $match ]] || continue
+        [[ -n $match ]] || continue
         given+="$match "
         asked=${asked:-${operation[$match]:-}}
         kinds=${takes[$match]}
-        if [[ $kinds && $kinds != glued ]]; then
+        if [[ -n $kinds && $kinds != glued ]]; then
             isValue=1
         fi
     done
 
+)";
+
+// --- Bash ------------------------------------------------------------------------------------------------------------
+
+constexpr std::string_view kBashWords = R"(
+    local current=${COMP_WORDS[COMP_CWORD]} program=${COMP_WORDS[0]##*/}
+    local -a before=("${COMP_WORDS[@]:1:COMP_CWORD-1}") flags=("${!takes[@]}") found=()
+)";
+
+constexpr std::string_view kBash = R"(
     COMPREPLY=()
     if [[ ! $isValue && $current == -* ]]; then
         local wanted="$common ${!operation[*]}"
@@ -258,50 +268,12 @@ complete -F _gridforge gridforge gridforge-run
 
 // --- Zsh -------------------------------------------------------------------------------------------------------------
 
+constexpr std::string_view kZshWords = R"zsh(
+    local current=$words[CURRENT] program=${words[1]:t}
+    local -a before=("${(@)words[2,CURRENT-1]}") flags=("${(@k)takes}") wanted plain glued
+)zsh";
+
 constexpr std::string_view kZsh = R"zsh(
-    local given=" " asked="" match="" kinds="" isValue="" word flag
-    local current=$words[CURRENT]
-    local isRun="" isMany=""
-    local -a wanted plain glued
-    if [[ ${words[1]:t} == gridforge-run ]]; then
-        isRun=1
-    else
-        ours=""
-    fi
-
-    # What the words before say: the operation, and whether a value is due.
-    for word in "${(@)words[2,CURRENT-1]}"; do
-        if [[ -n $isValue ]]; then
-            isValue=""
-            continue
-        fi
-        [[ $word == -* ]] || continue
-        isMany=""
-        if [[ -n $ours && $word == --* ]]; then
-            given+="$word "
-            case $word in
-            --) ours="" ;; # what follows is the tool's
-            --json | --log) kinds="*" isValue=1 ;;
-            --timeout) kinds="" isValue=1 ;;
-            --input) isMany=1 ;;
-            esac
-            continue
-        fi
-        match=""
-        for flag in ${(k)takes}; do # letters after a flag's name are ignored, so the longest one counts
-            if [[ ${word:l} == ${flag:l}* && ${#flag} -gt ${#match} ]]; then
-                match=$flag
-            fi
-        done
-        [[ -n $match ]] || continue
-        given+="$match "
-        asked=${asked:-${operation[$match]}}
-        kinds=${takes[$match]}
-        if [[ -n $kinds && $kinds != glued ]]; then
-            isValue=1
-        fi
-    done
-
     if [[ -z $isValue && $current == -* ]]; then
         wanted=(${=common} ${(k)operation})
         if [[ -n $ours && $current == --* ]]; then
@@ -360,7 +332,7 @@ void writeBashCompletion(std::ostream& file)
 {
     file << "# Completion for gridforge, made from its table of flags.\n\n_gridforge() {\n";
     writeData(file, allEntries());
-    file << kBash.substr(1);
+    file << kBashWords.substr(1) << kWalk.substr(1) << kBash.substr(1);
 }
 
 void writeZshCompletion(std::ostream& file)
@@ -373,7 +345,7 @@ void writeZshCompletion(std::ostream& file)
         about.emplace_back(entry.flag, described(entry.about));
     }
     writeMap(file, "about", about);
-    file << kZsh.substr(1);
+    file << kZshWords.substr(1) << kWalk.substr(1) << kZsh.substr(1);
 }
 
 } // namespace gridforge

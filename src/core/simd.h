@@ -1,5 +1,5 @@
 // Vector instructions that not every x86-64 processor has: how a routine is compiled for them, and whether it may be called.
-// A kernel with such a form keeps it in x_avx2.cpp beside x.cpp.
+// A kernel keeps such a form in a file named _avx2.cpp beside its plain form.
 #pragma once
 
 #if defined(__x86_64__)
@@ -8,7 +8,12 @@
 #define GRIDFORGE_AVX2
 #endif
 
+#include <cstddef>
+
 namespace gridforge::inline core {
+
+// Single-precision values in a vector of AVX2.
+inline constexpr std::size_t kFloatLanes = 8;
 
 // Whether routines marked GRIDFORGE_AVX2 may be called.
 bool hasAvx2();

@@ -169,10 +169,9 @@ std::string REMOVEQUOTES(std::string_view text)
 
 std::string DOUBLEQUOTE(std::string_view text)
 {
-    std::string result;
-    result.reserve(text.size());
-    for (const char c : text) {
-        result.append(c == '"' ? 2 : 1, c);
+    std::string result(text);
+    for (std::size_t at = result.find('"'); at != std::string::npos; at = result.find('"', at + 2)) {
+        result.insert(at, 1, '"');
     }
     return result;
 }

@@ -2,9 +2,12 @@
 // All text is taken literally, and only a to z change case. A routine that cuts says at which width.
 #pragma once
 
+#include <array>
+#include <charconv>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -40,7 +43,24 @@ inline void appendPart(std::string& out, char part)
 template <std::integral Number>
 void appendPart(std::string& out, Number part)
 {
-    out += std::to_string(part);
+    std::array<char, std::numeric_limits<Number>::digits10 + 3> digits;
+    out.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), part).ptr);
+}
+
+// How long a part may be, so that a text of several is allocated once.
+inline std::size_t lengthOfPart(std::string_view part)
+{
+    return part.size();
+}
+inline std::size_t lengthOfPart(char)
+{
+    return 1;
+}
+template <std::integral Number>
+std::size_t lengthOfPart(Number)
+{
+    constexpr std::size_t kUsualDigits = 6;
+    return kUsualDigits;
 }
 
 // The parts as one text: texts and characters as they are, integers as plain digits.
@@ -48,6 +68,7 @@ template <typename... Parts>
 std::string join(const Parts&... parts)
 {
     std::string out;
+    out.reserve((lengthOfPart(parts) + ... + 0));
     (appendPart(out, parts), ...);
     return out;
 }

@@ -14,6 +14,7 @@ namespace gridforge::damages {
 namespace {
 
 constexpr std::int32_t kPointVertices = 2;
+constexpr std::int32_t kExpectedBuildings = 1 << 16; // room for them is reserved; what is not used is not touched
 constexpr float kLeastMultiplier = 0.0001F;
 
 // --- Curves by name --------------------------------------------------------------------------------------------------
@@ -62,7 +63,7 @@ void takeVertices(const gis::Coordinates& read, DmgBuilding& building)
     building.y.assign(read.vertexY().begin(), read.vertexY().end());
 }
 
-// A region of a broken .shp may have no vertex; its extent stays 0.
+// A region of a broken .shp may have no vertex; its extent stays 0. Not boxAround: here not-a-number counts where it stands.
 void takeExtent(DmgBuilding& building)
 {
     if (building.vertices == 0) {
@@ -115,6 +116,7 @@ void dmg_read_buildings(const std::string& layerName, const DmgLimits& limits, s
                         std::vector<DmgBuilding>& buildings)
 {
     say("Read building data from GIS...");
+    buildings.reserve(static_cast<std::size_t>(std::clamp(limits.buildings, 0, kExpectedBuildings)));
     gis::LayerReader layer = gis::openLayer(layerName);
     CurveFinder finder(curves);
     gis::Coordinates read;

@@ -1,6 +1,6 @@
 #include "damages/calculation.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "damages/curves.h"
 #include "grid/look.h"
 #include "host/console.h"
@@ -123,12 +123,9 @@ void addRun(std::span<const float> values, float null, InsideCells& cells)
 InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const GridHeader& header,
                         const run::CellPart& cells, run::InsideWalk& walk)
 {
-    run::CellWindow inGrid = window;
-    inGrid.lastRow = std::min(window.lastRow, header.nrows);
-    inGrid.lastColumn = std::min(window.lastColumn, header.ncols);
     prepare(building, walk.region);
     InsideCells inside = {};
-    run::forEachInsideRun(header, inGrid, run::CellPlace::northEastCorner, walk,
+    run::forEachInsideRun(header, run::withinGrid(window, header), run::CellPlace::northEastCorner, walk,
                           [&](std::int32_t row, std::int32_t first, std::int32_t count) {
                               addRun(cells.row(row, first, count), header.null, inside);
                           });
@@ -153,14 +150,12 @@ namespace {
 // None where it begins outside of the grid.
 std::optional<run::CellWindow> windowInGrid(const DmgBuilding& building, const GridHeader& header)
 {
-    run::CellWindow window =
+    const run::CellWindow window =
         building.kind == BuildingKind::point ? pointWindow(building, header) : buildingWindow(building, header);
     if (!isWithin(window.firstRow, header.nrows) || !isWithin(window.firstColumn, header.ncols)) {
         return std::nullopt;
     }
-    window.lastRow = std::min(window.lastRow, header.nrows);
-    window.lastColumn = std::min(window.lastColumn, header.ncols);
-    return window;
+    return run::withinGrid(window, header);
 }
 
 // What those cells hold: the value of a point, or what counts for a polygon.

@@ -1,6 +1,6 @@
 #include "damages/control_file.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/text.h"
 #include "damages/curves.h"
 #include "gis/projection.h"

@@ -1,6 +1,6 @@
 #include "damages/curves.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/table_rows.h"

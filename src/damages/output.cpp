@@ -1,6 +1,6 @@
 #include "damages/output.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "gis/layer_writer.h"
 #include "host/console.h"

@@ -1,6 +1,6 @@
 #include "driver/flag_table.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/text.h"
 #include "run/inputs.h"
 

@@ -8,5 +8,5 @@ int main(int argc, char** argv)
 {
     gridforge::prepareProcess();
     gridforge::startProgress();
-    gridforge::runToItsEnd([&] { gridforge::driver::runTool({argv + (argc > 0 ? 1 : 0), argv + argc}); });
+    gridforge::runToItsEnd([&] { gridforge::driver::runTool(gridforge::argumentsOf(argc, argv)); });
 }

@@ -1,6 +1,6 @@
 #include "driver/scan.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/stat_flag.h"

@@ -1,6 +1,6 @@
 #include "driver/stat_flag.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/text.h"
 #include "host/ends.h"
 

@@ -1,6 +1,6 @@
 #include "exports/lattice_cells.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "plane/region_walk.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "exports/messages_for_callers.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "host/console.h"
 #include "host/messages.h"

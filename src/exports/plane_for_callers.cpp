@@ -1,6 +1,6 @@
 #include "exports/plane_for_callers.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "plane/geometry.h"
 #include "plane/region_walk.h"
 
@@ -13,7 +13,6 @@ namespace gridforge::exports {
 
 namespace {
 
-constexpr float kNoLength = 1e-6F;
 constexpr float kNoDepth = 1e-5F;
 
 } // namespace

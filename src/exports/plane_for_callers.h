@@ -7,6 +7,9 @@
 
 namespace gridforge::exports {
 
+// What is shorter has no direction.
+inline constexpr float kNoLength = 1e-6F;
+
 // --- Points and segments ---------------------------------------------------------------------------------------------
 
 // The angle between two segments, 0 to 180. 0 where either spans less than 1e-6 in x, so also for upright ones.

@@ -9,7 +9,6 @@ namespace gridforge::exports {
 
 namespace {
 
-constexpr float kNoLength = 1e-6F;
 constexpr float kNoValue = -99999.0F;
 
 bool crossing(float x1, float y1, float x2, float y2, float x3, float y3, float x4, float y4, float& xi, float& yi)

@@ -1,6 +1,7 @@
 // Text, numbers as text, and file names under their plain names.
+#include "core/free_form.h"
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "exports/boundary.h"
 #include "exports/names_for_callers.h"

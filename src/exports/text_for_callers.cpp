@@ -2,7 +2,7 @@
 
 #include "core/byte_classes.h"
 #include "core/control_fields.h"
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/text.h"
 
 #include <algorithm>

@@ -48,9 +48,13 @@ LayerObject* nextRegion(LayerReader& layer, Coordinates& read)
 
 void RecordValues::require(bool taken) const
 {
-    if (!taken) {
-        fail("ERROR - Extracting attribute data for GIS object.  Data: ", record_);
+    if (taken) {
+        return;
     }
+    if (!unreadable_.empty()) {
+        failLine(unreadable_, record_);
+    }
+    fail("ERROR - Extracting attribute data for GIS object.  Data: ", record_);
 }
 
 } // namespace gridforge::gis

@@ -1,7 +1,7 @@
 // Checks that operations make on the objects that they read.
 #pragma once
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "gis/layer_object.h"
 #include "gis/layer_reader.h"
 
@@ -19,17 +19,15 @@ bool isRegionObject(const LayerObject& object);
 LayerObject* nextLine(LayerReader& layer, Coordinates& read);
 LayerObject* nextRegion(LayerReader& layer, Coordinates& read);
 
-// The values of a record. An empty value follows a comma at its end: a .dbf with a blank last number gives such lines.
-inline FreeForm recordForm(std::string_view record)
-{
-    return FreeForm(record, LastComma::holdsEmpty);
-}
-
 // Takes the values of a record one after another. An empty one leaves its target; one that is missing or cannot be read
-// ends the run. The record must stay.
+// ends the run: with the usual message, or with `unreadable` and the record on the next line. The record must stay.
 class RecordValues {
 public:
-    explicit RecordValues(std::string_view record) : record_(record), values_(recordForm(record)) {}
+    // An empty value follows a comma at the end: a .dbf with a blank last number gives such records.
+    explicit RecordValues(std::string_view record, std::string_view unreadable = {})
+        : record_(record), unreadable_(unreadable), values_(record, LastComma::holdsEmpty)
+    {
+    }
 
     void take(float& target) { require(values_.take(target)); }
     void take(std::string& target, std::size_t width) { require(values_.take(target, width)); }
@@ -38,6 +36,7 @@ private:
     void require(bool taken) const;
 
     std::string_view record_;
+    std::string_view unreadable_;
     FreeForm values_;
 };
 

@@ -1,6 +1,6 @@
 #include "gis/layer_writer.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/product.h"
 #include "core/text.h"
 #include "gis/gis_messages.h"

@@ -2,7 +2,8 @@
 // that product becomes an integer, and the digits of the integer are those of the text. Anything else goes to realField.
 #include "grid/asc_format.h"
 
-#include "core/numbers.h"
+#include "core/fixed_digits.h"
+#include "core/number_text.h"
 #include "core/simd.h"
 #include "grid/asc_format_avx2.h"
 
@@ -16,41 +17,6 @@
 namespace gridforge::grid {
 namespace {
 
-constexpr std::int32_t kMostScaledDecimals = 12;
-constexpr std::array<std::int64_t, kMostScaledDecimals + 1> kPowers = {
-    1,        10,        100,        1000,        10000,        100000,       1000000,
-    10000000, 100000000, 1000000000, 10000000000, 100000000000, 1000000000000};
-
-constexpr auto kPairs = [] {
-    std::array<char, 200> pairs{};
-    for (std::size_t i = 0; i < 100; ++i) {
-        pairs[2 * i] = static_cast<char>('0' + i / 10);
-        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
-    }
-    return pairs;
-}();
-
-// Writes the digits of `value`, at least `least` of them, so that they end at `end`; returns where they begin.
-char* writeDigits(std::uint64_t value, std::int32_t least, char* end)
-{
-    char* at = end;
-    while (value >= 100) {
-        at -= 2;
-        std::memcpy(at, kPairs.data() + 2 * (value % 100), 2);
-        value /= 100;
-    }
-    if (value >= 10) {
-        at -= 2;
-        std::memcpy(at, kPairs.data() + 2 * value, 2);
-    } else if (value > 0) {
-        *--at = static_cast<char>('0' + value);
-    }
-    while (end - at < least) {
-        *--at = '0';
-    }
-    return at;
-}
-
 // Writes a field by scaling. False, with nothing written, if the value is too large for that or too long for the field.
 bool formatScaled(float value, std::int32_t width, std::int32_t decimals, char* out)
 {
@@ -58,14 +24,14 @@ bool formatScaled(float value, std::int32_t width, std::int32_t decimals, char* 
     constexpr double kLargest = 0x1p51;
     constexpr std::int32_t kMostDigits = 16;
 
-    const std::int64_t power = kPowers[static_cast<std::size_t>(decimals)];
+    const std::uint64_t power = kPowersOfTen[static_cast<std::size_t>(decimals)];
     const double scaled = std::abs(static_cast<double>(value)) * static_cast<double>(power);
     if (!(scaled < kLargest)) {
         return false;
     }
     const auto rounded = static_cast<std::uint64_t>((scaled + kRounder) - kRounder);
-    const std::uint64_t whole = rounded / static_cast<std::uint64_t>(power);
-    const std::uint64_t fraction = rounded - whole * static_cast<std::uint64_t>(power);
+    const std::uint64_t whole = rounded / power;
+    const std::uint64_t fraction = rounded - whole * power;
 
     std::array<char, kMostDigits + 2> text; // a sign, the digits and the point
     char* const end = text.data() + text.size();

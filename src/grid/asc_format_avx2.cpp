@@ -16,33 +16,33 @@ namespace gridforge::grid {
 namespace {
 
 constexpr std::int32_t kLane = 16;
-constexpr std::int32_t kDigits = 8;
-constexpr std::array<double, kDigits + 1> kPowers = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+constexpr std::int32_t kLaneDigits = 8;
+constexpr std::array<double, kLaneDigits + 1> kPowersOfDigits = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
 
 // A field of up to 16 characters is the sum of two vectors: the digits at their places, and the characters that the
 // field has when all its digits are 0, which depend on the sign and on the number of leading zeros.
 struct FieldLayout {
-    __m128i places[2];            // from the digits of the first and of the second value in a vector
-    __m128i ground[2][kDigits];   // [negative][leading zeros]
-    std::uint32_t unitDigits = 0; // the bit of the units digit in each 8, where leading zeros end at the latest
-    double largest = 0;           // scaled values up to here fit, in 8 digits and in the field
+    __m128i places[2];              // from the digits of the first and of the second value in a vector
+    __m128i ground[2][kLaneDigits]; // [negative][leading zeros]
+    std::uint32_t unitDigits = 0;   // the bit of the units digit in each 8, where leading zeros end at the latest
+    double largest = 0;             // scaled values up to here fit, in 8 digits and in the field
 };
 
 FieldLayout fieldLayout(std::int32_t width, std::int32_t decimals)
 {
     FieldLayout layout;
     const std::int32_t point = width - 1 - decimals;
-    const std::int32_t wholeDigits = kDigits - decimals;
+    const std::int32_t wholeDigits = kLaneDigits - decimals;
 
     alignas(16) std::array<std::int8_t, kLane> places[2];
     for (std::int32_t i = 0; i < kLane; ++i) {
         const std::int32_t digit = i < point ? i - (point - wholeDigits) : i - point - 1 + wholeDigits;
-        const bool holdsDigit = i != point && digit >= 0 && digit < kDigits;
+        const bool holdsDigit = i != point && digit >= 0 && digit < kLaneDigits;
         places[0][static_cast<std::size_t>(i)] = static_cast<std::int8_t>(holdsDigit ? digit : -1);
-        places[1][static_cast<std::size_t>(i)] = static_cast<std::int8_t>(holdsDigit ? digit + kDigits : -1);
+        places[1][static_cast<std::size_t>(i)] = static_cast<std::int8_t>(holdsDigit ? digit + kLaneDigits : -1);
     }
-    alignas(16) std::array<std::array<char, kLane>, kDigits> ground[2];
-    for (std::int32_t zeros = 0; zeros < kDigits; ++zeros) {
+    alignas(16) std::array<std::array<char, kLane>, kLaneDigits> ground[2];
+    for (std::int32_t zeros = 0; zeros < kLaneDigits; ++zeros) {
         const std::int32_t first = std::max(point - wholeDigits + zeros, 1);
         auto& positive = ground[0][static_cast<std::size_t>(zeros)];
         positive.fill('0');
@@ -56,7 +56,7 @@ FieldLayout fieldLayout(std::int32_t width, std::int32_t decimals)
     std::memcpy(layout.ground, ground, sizeof(ground));
 
     layout.unitDigits = 0x01010101U << (wholeDigits - 1);
-    layout.largest = kPowers[static_cast<std::size_t>(std::min(kDigits, width - 2))] - 1;
+    layout.largest = kPowersOfDigits[static_cast<std::size_t>(std::min(kLaneDigits, width - 2))] - 1;
     return layout;
 }
 
@@ -97,13 +97,13 @@ GRIDFORGE_AVX2 inline char* storeFour(const FieldLayout& layout, __m256i digits,
 
 bool fitsFourAbreast(std::int32_t width, std::int32_t decimals)
 {
-    return width <= kLane && decimals < kDigits && width >= decimals + 3;
+    return width <= kLane && decimals < kLaneDigits && width >= decimals + 3;
 }
 
 GRIDFORGE_AVX2 void formatFourAbreast(std::span<const float> row, std::int32_t width, std::int32_t decimals, char* out)
 {
     const FieldLayout layout = fieldLayout(width, decimals);
-    const __m256d power = _mm256_set1_pd(kPowers[static_cast<std::size_t>(decimals)]);
+    const __m256d power = _mm256_set1_pd(kPowersOfDigits[static_cast<std::size_t>(decimals)]);
     const __m256d largest = _mm256_set1_pd(layout.largest);
     const __m256d signBit = _mm256_set1_pd(-0.0);
 

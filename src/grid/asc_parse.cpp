@@ -3,12 +3,11 @@
 
 #include "core/byte_classes.h"
 #include "core/decimal_rounding.h"
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/simd.h"
 #include "grid/asc_parse_avx2.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -16,11 +15,6 @@
 
 namespace gridforge::grid {
 namespace {
-
-constexpr int kLargestExactPower = 22; // 10^22 is the last power of ten that a double holds exactly
-constexpr std::array<double, kLargestExactPower + 1> kPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                                1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                                                1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
 float withSign(float magnitude, bool negative)
 {
@@ -84,7 +78,7 @@ bool parseAscCell(std::string_view token, float& cell)
 {
     Decimal decimal;
     if (plainDecimal(token, decimal) && std::abs(decimal.power) <= kLargestExactPower) {
-        const auto power = kPowers[static_cast<std::size_t>(std::abs(decimal.power))];
+        const auto power = kExactPowers[static_cast<std::size_t>(std::abs(decimal.power))];
         const auto digits = static_cast<double>(decimal.digits);
         const double value = decimal.power < 0 ? digits / power : digits * power;
         if (roundsSafely(value) && value < 3e38) {

@@ -1,6 +1,6 @@
 #include "grid/asc_write.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/worker_rooms.h"
 #include "grid/asc_format.h"
 #include "host/ends.h"
@@ -18,7 +18,7 @@ namespace gridforge::grid {
 
 namespace {
 
-constexpr std::int32_t kProgressRows = 1000;
+constexpr std::int32_t kWriteProgressRows = 1000;
 constexpr std::size_t kPieceCells = std::size_t{1} << 17;
 constexpr std::string_view kLineEnd = "\r\n";
 
@@ -214,7 +214,7 @@ void writeAscRows(Unit unit, const CellSource& cells, std::int32_t width, std::i
     };
     RowWriter rows(unit, cells, {static_cast<std::size_t>(width), format});
     for (std::int32_t row = cells.nrows(); row >= 1; --row) {
-        if (row % kProgressRows == 0) {
+        if (row % kWriteProgressRows == 0) {
             progress(row);
         }
         rows.write(row);

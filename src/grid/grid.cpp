@@ -1,6 +1,6 @@
 #include "grid/grid.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "host/ends.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "grid/header.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "grid/header_keywords.h"
 #include "host/ends.h"

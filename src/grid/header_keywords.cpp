@@ -1,7 +1,7 @@
 #include "grid/header_keywords.h"
 
+#include "core/free_form.h"
 #include "core/names.h"
-#include "core/numbers.h"
 #include "core/text.h"
 
 namespace gridforge::grid {

@@ -14,7 +14,7 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little, "cells of .flt files go to memory as they are");
 
-constexpr std::int32_t kProgressRows = 1000;
+constexpr std::int32_t kReadProgressRows = 1000;
 
 } // namespace
 
@@ -32,7 +32,7 @@ void goThroughAscCells(Unit& unit, std::int32_t nrows, ReadRow readRow)
 {
     sayOpen("Reading ASCII grid...");
     for (std::int32_t row = nrows; row >= 1; --row) {
-        if (row % kProgressRows == 0) {
+        if (row % kReadProgressRows == 0) {
             progress(row);
         }
         if (!readRow(row)) {

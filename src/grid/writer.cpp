@@ -1,6 +1,6 @@
 #include "grid/writer.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "grid/asc_write.h"
 #include "host/ends.h"

@@ -1,6 +1,6 @@
 #include "host/console.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "host/system.h"
 
 #include <array>

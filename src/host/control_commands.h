@@ -1,7 +1,7 @@
 // Control files: lines "command == value". Each operation reads its own by a table of commands.
 #pragma once
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/text.h"
 #include "host/ends.h"
 #include "host/units.h"
@@ -24,8 +24,8 @@ struct ControlLine {
 // What differs between the control files of operations.
 struct ControlDialect {
     bool blankCommands = false; // a line with nothing before its "==" is a command too
-    std::string_view unknown =
-        {}; // ends the run over a command that no row knows, before the line; blank: it is ignored
+    // Ends the run at a command that no row knows, and is followed by the line; if blank, the command is ignored.
+    std::string_view unknown = {};
 };
 
 // Words that are searched for anywhere in a command, ignoring case, and the routine that takes its line.

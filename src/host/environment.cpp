@@ -1,18 +1,15 @@
 #include "host/environment.h"
 
+#include "host/system.h"
+
 #include <charconv>
-#include <cstdlib>
-#include <string_view>
 
 namespace gridforge::inline host {
 
 std::optional<std::string> environmentText(const char* name)
 {
-    const char* const value = std::getenv(name);
-    if (value == nullptr || std::string_view(value).find_first_not_of(' ') == std::string_view::npos) {
-        return std::nullopt;
-    }
-    return value;
+    const std::optional<std::string> value = processVariable(name);
+    return value && value->find_first_not_of(' ') != std::string::npos ? value : std::nullopt;
 }
 
 std::optional<std::uint64_t> environmentNumber(const char* name)

@@ -13,6 +13,8 @@ namespace gridforge::inline host {
 namespace {
 
 constexpr std::size_t kBufferSize = std::size_t{1} << 20;
+// Where a device gives bytes without end, the run ends.
+constexpr std::int64_t kLongestLine = std::int64_t{1} << 28;
 // A byte that no header begins with.
 constexpr char kUnfinishedByte = '?';
 
@@ -150,6 +152,7 @@ bool FileStream::readLine(std::string& line, std::size_t width)
         // One character more than the width, so that a CR after a full line is seen as such.
         line += piece.substr(0, width + 1 - std::min(line.size(), width + 1));
         take(piece.size() + (ended ? 1 : 0));
+        unreadable_ = unreadable_ || position() - lineStart_ > kLongestLine;
     }
     if (line.ends_with('\r')) {
         line.pop_back();

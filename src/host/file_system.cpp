@@ -1,5 +1,6 @@
 #include "host/file_system.h"
 
+#include "core/text.h"
 #include "host/folder_names.h"
 #include "host/system.h"
 
@@ -59,7 +60,10 @@ SearchResult listFolder(const std::string& folder, std::string_view pattern)
     if (const SystemStatus status = theSystem().list(folder, result.names); status != SystemStatus::done) {
         return {searchEnd(status), {}};
     }
-    std::erase_if(result.names, [&](const std::string& name) { return !matches(name, pattern); });
+    const bool ignoreCase = theSystem().namesIgnoreCase;
+    const std::string wanted = ignoreCase ? LOWERCASE(pattern) : std::string(pattern);
+    std::erase_if(result.names,
+                  [&](const std::string& name) { return !matches(ignoreCase ? LOWERCASE(name) : name, wanted); });
     std::sort(result.names.begin(), result.names.end());
     if (result.names.empty()) {
         result.end = SearchEnd::noSuchFile;

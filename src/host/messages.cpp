@@ -1,6 +1,7 @@
 #include "host/messages.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
+#include "core/number_text.h"
 #include "host/console.h"
 #include "host/units.h"
 

@@ -1,6 +1,6 @@
 #include "host/progress.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/text.h"
 #include "host/environment.h"
 #include "host/system.h"
@@ -114,8 +114,8 @@ std::optional<SystemFile> openFileOfNumber(std::string_view text)
     if (!parseNumber(text, number) || number <= kLastStandardStream) {
         return std::nullopt;
     }
-    const auto file = static_cast<SystemFile>(number);
-    return theSystem().factsOfOpen(file) ? std::optional(file) : std::nullopt;
+    const SystemFile file = theSystem().inherited(number);
+    return file == SystemFile::none ? std::nullopt : std::optional(file);
 }
 
 std::optional<SystemFile> progressTarget()

@@ -60,6 +60,8 @@ struct CalendarDate {
 struct System {
     // --- Open files. A count of bytes is below 0 if the system refuses, and may be less than asked for.
     SystemFile (*open)(const std::string& name, OpenFor purpose);
+    // The one that the caller of the process left open under that number; none if there is none.
+    SystemFile (*inherited)(std::int64_t number);
     bool (*close)(SystemFile file);                                // false: what was written may be lost
     std::int64_t (*read)(SystemFile file, std::span<char> target); // 0 at the end of the file
     std::int64_t (*readAt)(SystemFile file, std::int64_t position, std::span<char> target); // does not move `read`
@@ -81,6 +83,7 @@ struct System {
     bool (*giveName)(SystemFile file, const std::string& name);
 
     // --- Names
+    bool namesIgnoreCase = false;                                     // in searches of a folder; ASCII letters
     SystemStatus (*facts)(const std::string& name, FileFacts& facts); // changes `facts` when done
     SystemStatus (*lookUp)(const std::string& name); // done: an entry of that name exists, even if it leads nowhere
     // Adds the names in the folder, except "." and "..", in no order.
@@ -121,6 +124,9 @@ std::optional<std::string> loadLibrary(const char* name);
 void* findLoaded(const char* name);
 // Called first in the tool, so that no file gets the number of a standard stream and no signal ends a run that writes.
 void prepareProcess();
+// The arguments after the name of the program, in UTF-8 where the system keeps texts in another form.
+std::vector<std::string> argumentsOf(int argc, char** argv);
+std::optional<std::string> processVariable(const char* name);
 // Runs `work`, and abandons it if it reads or writes memory that is missing.
 void runGuarded(const std::function<void()>& work);
 

@@ -1,6 +1,6 @@
 #include "host/units.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "host/ends.h"
 #include "host/unit_table.h"
 

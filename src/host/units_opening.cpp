@@ -1,6 +1,6 @@
 // The dialogue that opens a unit.
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/product.h"
 #include "core/text.h"
 #include "host/dialogue.h"

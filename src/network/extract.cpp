@@ -1,6 +1,6 @@
 #include "network/extract.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "plane/geometry.h"
@@ -21,7 +21,6 @@ namespace {
 
 constexpr float kNoMinimum = 99999.0F;
 constexpr float kNoMaximum = -99999.0F;
-constexpr float kBothSides = 0.5F;
 
 // --- What a set of cells gives ---------------------------------------------------------------------------------------
 
@@ -105,7 +104,7 @@ CellSummary cellsAcross(const GridHeader& header, const Grid& cells, const NbcSe
 {
     const run::AcrossLine line =
         run::acrossLine(header, section.pointX[i], section.pointY[i], perpendicularAt(section, i));
-    const std::int32_t steps = run::samplesToSide(header, section.bufferDistance, kBothSides);
+    const std::int32_t steps = run::samplesToSide(header, section.bufferDistance, run::kBothSides);
     const run::SampleRange inGrid = run::samplesInGrid(line, header, {-steps, steps});
     CellSummary found;
     for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {

@@ -1,6 +1,6 @@
 #include "network/flc.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layer_reader.h"
@@ -24,9 +24,7 @@ constexpr float kLeastValue = 0.0001F;
 float valueOf(const std::string& dataLine)
 {
     float value = 0;
-    if (!readFree(dataLine, value)) {
-        failLine("ERROR - Reading following line in 1d_FLC file:", dataLine);
-    }
+    gis::RecordValues(dataLine, "ERROR - Reading following line in 1d_FLC file:").take(value);
     return value;
 }
 

@@ -1,6 +1,6 @@
 #include "network/insert_vertices.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "plane/geometry.h"

@@ -1,6 +1,6 @@
 #include "network/layer_output.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 
 namespace gridforge::network {
 

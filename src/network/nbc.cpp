@@ -1,5 +1,6 @@
 #include "network/nbc.h"
 
+#include "core/number_text.h"
 #include "core/text.h"
 #include "gis/layer_name.h"
 #include "gis/projection.h"

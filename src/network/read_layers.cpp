@@ -1,7 +1,6 @@
 #include "network/read_layers.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layer_reader.h"
@@ -22,6 +21,7 @@ constexpr std::int32_t kTabAttributes = 12;
 constexpr float kLeastRoughness = 0.0001F;
 constexpr std::size_t kFlagTextWidth = 12;
 constexpr std::size_t kMethodWidth = 20;
+constexpr std::string_view kUnreadableSection = "ERROR - Reading following line in 1d_xs file:";
 
 // --- Attribute lines -------------------------------------------------------------------------------------------------
 
@@ -55,35 +55,39 @@ bool isOneOf(std::string_view text, std::string_view letter1, std::string_view l
     return ASAME(text, letter1) || ASAME(text, letter2);
 }
 
-bool parseCutLine(const std::string& dataLine, NbcSection& section)
+void parseCutLine(const std::string& dataLine, NbcSection& section)
 {
     std::string split;
     std::string extract;
     std::string extractionMethod;
     std::string bufferMethod;
-    FreeForm values = gis::recordForm(dataLine);
-    const bool good = values.take(section.source, kSourceWidth) && values.take(section.distance) &&
-                      values.take(split, kFlagTextWidth) && values.take(extract, kFlagTextWidth) &&
-                      values.take(extractionMethod, kMethodWidth) && values.take(bufferMethod, kMethodWidth) &&
-                      values.take(section.bufferDistance);
+    gis::RecordValues values(dataLine, kUnreadableSection);
+    values.take(section.source, kSourceWidth);
+    values.take(section.distance);
+    values.take(split, kFlagTextWidth);
+    values.take(extract, kFlagTextWidth);
+    values.take(extractionMethod, kMethodWidth);
+    values.take(bufferMethod, kMethodWidth);
+    values.take(section.bufferDistance);
     // Only the single letters count: "False" stays true. On purpose: old layers hold such words.
     section.split = !isOneOf(split, "N", "F");
     section.extract = !isOneOf(extract, "N", "F");
     section.extraction = extractionFrom(extractionMethod);
     section.cells = sectionCellsFrom(bufferMethod);
-    return good;
 }
 
 // The skew after these values is not read.
-bool parseTabLine(const std::string& dataLine, NbcSection& section)
+void parseTabLine(const std::string& dataLine, NbcSection& section)
 {
-    FreeForm values = gis::recordForm(dataLine);
-    bool good = values.take(section.source, kSourceWidth) && values.take(section.type, kSectionTypeWidth) &&
-                values.take(section.flags, kSectionFlagsWidth);
+    gis::RecordValues values(dataLine, kUnreadableSection);
+    values.take(section.source, kSourceWidth);
+    values.take(section.type, kSectionTypeWidth);
+    values.take(section.flags, kSectionFlagsWidth);
     for (std::string& column : section.column) {
-        good = good && values.take(column, kColumnWidth);
+        values.take(column, kColumnWidth);
     }
-    return good && values.take(section.distance) && values.take(section.zMaximum);
+    values.take(section.distance);
+    values.take(section.zMaximum);
 }
 
 // --- Vertices --------------------------------------------------------------------------------------------------------
@@ -231,8 +235,10 @@ void nbc_read_sections(const std::string& layerName, NbcSections& sections)
             fail("ERROR - More than the allowed number of sections of: ", kMaxSections);
         }
         NbcSection& section = sections.all.emplace_back();
-        if (!(isTab ? parseTabLine(object->record, section) : parseCutLine(object->record, section))) {
-            failLine("ERROR - Reading following line in 1d_xs file:", object->record);
+        if (isTab) {
+            parseTabLine(object->record, section);
+        } else {
+            parseCutLine(object->record, section);
         }
         requirePolyline(read);
         copyVertices(read, section.x, section.y);

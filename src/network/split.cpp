@@ -1,6 +1,7 @@
 #include "network/split.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
+#include "core/rounding.h"
 #include "core/text.h"
 #include "host/console.h"
 #include "host/ends.h"

@@ -1,7 +1,8 @@
 #include "network/write_xs.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
+#include "core/rounding.h"
 #include "core/text.h"
 #include "gis/layer_writer.h"
 #include "host/console.h"

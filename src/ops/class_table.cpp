@@ -1,7 +1,7 @@
 #include "ops/class_table.h"
 
 #include "core/control_fields.h"
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "host/control_lines.h"
 #include "host/ends.h"
 #include "host/quiet_input.h"

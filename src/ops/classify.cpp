@@ -1,7 +1,8 @@
 #include "ops/classify.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
+#include "core/rounding.h"
 #include "grid/asc_write.h"
 #include "grid/header.h"
 #include "host/ends.h"
@@ -23,7 +24,7 @@ namespace gridforge::ops {
 
 namespace {
 
-constexpr ClassWords kWords{
+constexpr ClassWords kClassificationWords{
     .from = "Getting classifications from: ",
     .maximum = "Maximum number of classes: ",
     .tooMany = "ERROR - Number of classes exceeds maximum.",
@@ -52,7 +53,7 @@ private:
     std::array<std::array<char, kNumberWidth>, kMaxClasses + 2> texts_{};
 };
 
-void checkOrder(const ClassTable& table)
+void checkClassOrder(const ClassTable& table)
 {
     for (std::size_t i = 1; i < table.size(); ++i) {
         if (!(table[i].limit >= table[i - 1].limit)) {
@@ -165,8 +166,8 @@ void runClassify(const run::Common& givenCommon, const ClassifyOptions& options,
             .done = "   Done."});
     const GridHeader& header = loaded.header;
 
-    ClassTable table = readClassTable(options.classFile, options.rgb, kWords);
-    checkOrder(table);
+    ClassTable table = readClassTable(options.classFile, options.rgb, kClassificationWords);
+    checkClassOrder(table);
     limits = risingLimits(table);
     story.compute("Processing Row:");
     say("   Done.");

@@ -1,7 +1,7 @@
 // Each grid is converted by itself, so grids of different size may stand in one call.
 #include "ops/conv.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "host/ends.h"
 #include "run/cell_story.h"
 #include "run/outputs.h"

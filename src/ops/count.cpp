@@ -1,7 +1,7 @@
 #include "ops/count.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "host/console.h"
 #include "host/units.h"
 #include "ops/count_cells.h"

@@ -1,7 +1,7 @@
 #include "ops/histogram.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "host/ends.h"
 #include "host/units.h"
 #include "ops/class_table.h"
@@ -18,7 +18,7 @@ namespace gridforge::ops {
 
 namespace {
 
-constexpr ClassWords kWords{
+constexpr ClassWords kBinWords{
     .from = "Getting histogram bins from: ",
     .maximum = "Maximum number of bins: ",
     .tooMany = "ERROR - Number of bins exceeds maximum.",
@@ -26,7 +26,7 @@ constexpr ClassWords kWords{
     .tooFew = "ERROR - Less than two bins found.",
 };
 
-void checkOrder(const ClassTable& bins)
+void checkBinOrder(const ClassTable& bins)
 {
     for (std::size_t i = 1; i < bins.size(); ++i) {
         if (bins[i].limit < bins[i - 1].limit) {
@@ -91,8 +91,8 @@ void runHistogram(const run::Common& common, const HistogramOptions& options, co
                    .reading = "Reading data...",
                    .done = "   Done."});
 
-    const ClassTable bins = readClassTable(options.binFile, false, kWords);
-    checkOrder(bins);
+    const ClassTable bins = readClassTable(options.binFile, false, kBinWords);
+    checkBinOrder(bins);
     limits = risingLimits(bins);
     story.compute("Processing Row:");
     const std::span<const std::int64_t> counts = story.tallies().first(bins.size() + 1);

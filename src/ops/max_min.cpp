@@ -1,6 +1,5 @@
 #include "ops/max_min.h"
 
-#include "core/numbers.h"
 #include "host/console.h"
 #include "run/cell_story.h"
 #include "run/legend.h"

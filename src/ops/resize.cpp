@@ -1,18 +1,16 @@
 #include "ops/resize.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/worker_rooms.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "host/threads.h"
-#include "ops/resize_cells.h"
 #include "run/fill_ahead.h"
 #include "run/load.h"
 #include "run/outputs.h"
 #include "run/rows.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -54,15 +52,6 @@ GridHeader resizedHeader(const GridHeader& header, const Tiling& tiling, double 
     return resized;
 }
 
-using TilesOf = decltype(&averageTiles);
-
-TilesOf tilesBy(ResizeMethod method)
-{
-    return method == ResizeMethod::average   ? averageTiles
-           : method == ResizeMethod::minimum ? minimumTiles
-                                             : maximumTiles;
-}
-
 // --- Ahead -----------------------------------------------------------------------------------------------------------
 
 // As many rows of the grid as stay in the cache.
@@ -73,19 +62,65 @@ std::int32_t cachedRows(const Tiling& tiling)
                                                              1, static_cast<std::size_t>(tiling.cellRows)));
 }
 
-// Rows of an input by position, in the room of the worker where they must be fetched.
-RowSource rowSource(const grid::CellStore& input, const Tiling& tiling, WorkerRooms<float>& rooms, std::size_t worker)
+// The rows of an input from the south on, fetched as many at a time as `room` holds, up to the row `last`.
+class RowsOfInput {
+public:
+    RowsOfInput(const grid::CellStore& input, const Tiling& tiling, std::int32_t last, std::span<float> room)
+        : input_(input), tiling_(tiling), last_(last), room_(room)
+    {
+    }
+
+    // The first of these rows, and as many of the others as are fetched with it; none where cells cannot be had.
+    std::optional<std::span<const float>> someOf(const CellRows& rows);
+
+private:
+    const grid::CellStore& input_;
+    const Tiling& tiling_;
+    std::int32_t last_;
+    std::span<float> room_;
+    CellRows fetched_;
+    std::span<const float> cells_; // of these
+};
+
+std::optional<std::span<const float>> RowsOfInput::someOf(const CellRows& rows)
 {
-    const auto columns = static_cast<std::size_t>(tiling.cellColumns);
-    const auto get = [&input, &tiling, &rooms, columns, worker](const CellRows& rows) {
-        const std::size_t first = static_cast<std::size_t>(tiling.cellRows - rows.last) * columns;
-        return input.get(first, rows.count() * columns, rooms.of(worker));
-    };
-    return {get, cachedRows(tiling)};
+    const auto columns = static_cast<std::size_t>(tiling_.cellColumns);
+    if (rows.first > fetched_.last) {
+        const std::int32_t atOnce = cachedRows(tiling_);
+        fetched_ = {rows.first, last_ - rows.first < atOnce ? last_ : rows.first + atOnce - 1};
+        const std::size_t start = static_cast<std::size_t>(tiling_.cellRows - fetched_.last) * columns;
+        const auto got = input_.get(start, fetched_.count() * columns, room_);
+        if (!got) {
+            return std::nullopt;
+        }
+        cells_ = *got;
+    }
+    const CellRows some{rows.first, std::min(rows.last, fetched_.last)};
+    return cells_.subspan(static_cast<std::size_t>(fetched_.last - some.last) * columns, some.count() * columns);
+}
+
+// Fills these rows of tiles, the north row first. False where cells cannot be had.
+bool fillTiles(RowsOfInput& input, const CellRows& tileRows, TileRow& tiles, std::span<float> output)
+{
+    const auto columns = static_cast<std::size_t>(tiles.tiling.columns);
+    std::size_t end = output.size();
+    for (std::int32_t tileRow = tileRows.first; tileRow <= tileRows.last; ++tileRow, end -= columns) {
+        CellRows left = rowsUnder(tiles.tiling, tileRow);
+        while (left.count() > 0) {
+            const auto some = input.someOf(left);
+            if (!some) {
+                return false;
+            }
+            takeRows(*some, tiles);
+            left.first += static_cast<std::int32_t>(some->size() / static_cast<std::size_t>(tiles.tiling.cellColumns));
+        }
+        finishTiles(tiles, output.subspan(end - columns, columns));
+    }
+    return true;
 }
 
 // Pieces are some rows of tiles each.
-run::Way fillTilesAhead(const grid::CellStore& input, float null, const Tiling& tiling, TilesOf tilesOf,
+run::Way fillTilesAhead(const grid::CellStore& input, float null, const Tiling& tiling, ResizeMethod method,
                         grid::CellStore& output)
 {
     const auto columns = static_cast<std::size_t>(tiling.columns);
@@ -103,8 +138,9 @@ run::Way fillTilesAhead(const grid::CellStore& input, float null, const Tiling& 
         const CellRows under = tiledRows(tiling, rows);
         input.willRead(static_cast<std::size_t>(tiling.cellRows - under.last) * cellColumns,
                        std::min(under.count() * cellColumns, 4 * run::cellsOfPart()));
-        const bool got = tilesOf(rowSource(input, tiling, rooms, worker), null, tiling, rows, tiles);
-        return got ? run::Way::ahead : run::Way::readRefused;
+        RowsOfInput source(input, tiling, under.last, rooms.of(worker));
+        TileRow row = emptyTiles(method, tiling, null);
+        return fillTiles(source, rows, row, tiles) ? run::Way::ahead : run::Way::readRefused;
     };
     return run::fillAhead(output, rowsOfPiece * columns, fill);
 }
@@ -125,7 +161,7 @@ std::optional<grid::CellStore> resizedAhead(const run::Common& common, const Res
     run::Way way = run::openCells(look, wish.folder, input);
     if (way == run::Way::ahead) {
         way = run::takeOutput(output, tiles, wish)
-                  ? fillTilesAhead(input, look.header.null, tiling, tilesBy(options.method), output)
+                  ? fillTilesAhead(input, look.header.null, tiling, options.method, output)
                   : run::Way::noRoom;
     }
     run::countWay(way);
@@ -134,16 +170,13 @@ std::optional<grid::CellStore> resizedAhead(const run::Common& common, const Res
 
 // --- Step by step ----------------------------------------------------------------------------------------------------
 
-void resizeRows(const Grid& input, float null, const Tiling& tiling, const CellRows& tileRows, TilesOf tilesOf,
-                Grid& output)
+void resizeRows(const Grid& input, const CellRows& tileRows, TileRow& tiles, Grid& output)
 {
-    const auto get = [&input](const CellRows& rows) {
-        return std::optional<std::span<const float>>(run::rowsOf(input, rows.first, rows.last));
-    };
-    const bool got =
-        tilesOf({get, tiling.cellRows}, null, tiling, tileRows, run::rowsOf(output, tileRows.first, tileRows.last));
-    assert(got); // from memory
-    static_cast<void>(got);
+    for (std::int32_t tileRow = tileRows.first; tileRow <= tileRows.last; ++tileRow) {
+        const CellRows under = rowsUnder(tiles.tiling, tileRow);
+        takeRows(run::rowsOf(input, under.first, under.last), tiles);
+        finishTiles(tiles, output.row(tileRow));
+    }
 }
 
 } // namespace
@@ -172,11 +205,12 @@ void runResize(const run::Common& common, const ResizeOptions& options, const ru
         grid::allocateGrid(output, resized, "storing output grid...");
     }
 
+    TileRow tiles = emptyTiles(options.method, tiling, header.null);
     sayOpen("Processing Output Row:");
     for (std::int32_t done = 0; done < tiling.rows;) {
         const CellRows tileRows{done + 1, done + std::min(run::kProgressRows, tiling.rows - done)};
         if (!ahead) {
-            resizeRows(input, header.null, tiling, tileRows, tilesBy(options.method), output);
+            resizeRows(input, tileRows, tiles, output);
         }
         done = tileRows.last;
         if (done % run::kProgressRows == 0) {

@@ -1,14 +1,13 @@
 // -resize: a coarser grid, each of whose cells is the average, minimum or maximum of a square of input cells.
 #pragma once
 
+#include "ops/resize_cells.h"
 #include "run/common.h"
 #include "run/inputs.h"
 
 #include <cstdint>
 
 namespace gridforge::ops {
-
-enum class ResizeMethod { average, maximum, minimum };
 
 struct ResizeOptions {
     std::int32_t factor = 0;

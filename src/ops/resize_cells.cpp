@@ -1,8 +1,7 @@
 #include "ops/resize_cells.h"
 
 #include "core/computed.h"
-#include "core/numbers.h"
-#include "ops/resize_cells_avx2.h"
+#include "core/rounding.h"
 
 #include <algorithm>
 #include <array>
@@ -11,6 +10,7 @@
 #include <cmath>
 #include <limits>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace gridforge::ops {
@@ -28,44 +28,56 @@ float activeOr(float otherwise, float cell, float null)
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
-// What one tile has gathered so far. Null cells come through `take` too.
-struct Average : TileSum {
-    explicit Average(float /*null*/) {}
-    void take(float cell, float null)
+// What a tile has gathered by each method. Null cells come through `take` too.
+struct Average {
+    static TileSum start(float /*null*/) { return {}; }
+    static void take(float cell, float null, TileSum& tile)
     {
         // The sum is never a negative zero, so a zero added for a null cell leaves it as it is.
-        sum += static_cast<double>(activeOr(0.0F, cell, null));
-        count += cell != null ? 1 : 0;
+        tile.sum += static_cast<double>(activeOr(0.0F, cell, null));
+        tile.count += cell != null ? 1 : 0;
     }
-    float result(float null) const
+    static float result(const TileSum& tile, float null)
     {
-        return count > 0 ? stored(static_cast<float>(sum / static_cast<double>(static_cast<float>(count)))) : null;
+        return tile.count > 0
+                   ? stored(static_cast<float>(tile.sum / static_cast<double>(static_cast<float>(tile.count))))
+                   : null;
     }
+    static std::vector<TileSum>& tilesOf(TileRow& row) { return row.sums; }
 };
 
 struct Minimum {
-    float value = kMinimumStart;
-
-    explicit Minimum(float /*null*/) {}
-    void take(float cell, float null)
+    static float start(float /*null*/) { return kMinimumStart; }
+    static void take(float cell, float null, float& tile)
     {
         const float active = activeOr(kInfinity, cell, null);
-        value = active < value ? active : value;
+        tile = active < tile ? active : tile;
     }
-    float result(float null) const { return value == kMinimumStart ? null : value; }
+    static float result(float tile, float null) { return tile == kMinimumStart ? null : tile; }
+    static std::vector<float>& tilesOf(TileRow& row) { return row.extremes; }
 };
 
 struct Maximum {
-    float value;
-
-    explicit Maximum(float null) : value(null) {}
-    void take(float cell, float null)
+    static float start(float null) { return null; }
+    static void take(float cell, float null, float& tile)
     {
         const float active = activeOr(-kInfinity, cell, null);
-        value = active > value ? active : value;
+        tile = active > tile ? active : tile;
     }
-    float result(float /*null*/) const { return value; }
+    static float result(float tile, float /*null*/) { return tile; }
+    static std::vector<float>& tilesOf(TileRow& row) { return row.extremes; }
 };
+
+// Calls work(Average()) or what else the method is.
+template <typename Work>
+void byMethod(ResizeMethod method, const Work& work)
+{
+    switch (method) {
+    case ResizeMethod::average: work(Average()); break;
+    case ResizeMethod::minimum: work(Minimum()); break;
+    case ResizeMethod::maximum: work(Maximum()); break;
+    }
+}
 
 // Tiles walked side by side: each one's sum is a chain of additions in a fixed order, and several chains fill the time
 // that one waits for.
@@ -75,15 +87,14 @@ constexpr std::size_t kAbreast = 4;
 template <typename Tile>
 std::size_t takeLanes(std::span<const float> row, float null, std::size_t factor, std::span<Tile> tiles)
 {
-    if constexpr (std::is_same_v<Tile, Average>) {
-        static_assert(sizeof(Average) == sizeof(TileSum));
+    if constexpr (std::is_same_v<Tile, TileSum>) {
         return addToTiles(row, null, factor, tiles.data(), tiles.size());
     }
     return 0;
 }
 
-// One input row into the tiles of an output row. All tiles but the last are `factor` cells wide.
-template <typename Tile>
+// One input row into the tiles of an output row. All tiles except the last are `factor` cells wide.
+template <typename Method, typename Tile>
 void takeRow(std::span<const float> row, float null, const Tiling& tiling, std::span<Tile> tiles)
 {
     const auto factor = static_cast<std::size_t>(tiling.factor);
@@ -95,7 +106,7 @@ void takeRow(std::span<const float> row, float null, const Tiling& tiling, std::
         std::array<Tile, kAbreast> abreast{tiles[t], tiles[t + 1], tiles[t + 2], tiles[t + 3]};
         for (std::size_t j = 0; j < factor; ++j) {
             for (std::size_t k = 0; k < kAbreast; ++k) {
-                abreast[k].take(cells[k * factor + j], null);
+                Method::take(cells[k * factor + j], null, abreast[k]);
             }
         }
         std::copy(abreast.begin(), abreast.end(), tiles.begin() + static_cast<std::ptrdiff_t>(t));
@@ -105,59 +116,10 @@ void takeRow(std::span<const float> row, float null, const Tiling& tiling, std::
         const std::size_t width = t == last ? static_cast<std::size_t>(tiling.lastColumns) : factor;
         Tile tile = tiles[t];
         for (const float cell : row.subspan(start, std::min(width, row.size() - start))) {
-            tile.take(cell, null);
+            Method::take(cell, null, tile);
         }
         tiles[t] = tile;
     }
-}
-
-// The input rows under an output row; none where its tiles stand past the grid.
-CellRows rowsUnder(const Tiling& tiling, std::int32_t row)
-{
-    const std::int64_t first = std::int64_t{row - 1} * tiling.factor + 1;
-    const std::int64_t height = row == tiling.rows ? tiling.lastRows : tiling.factor;
-    const std::int64_t last = std::min<std::int64_t>(first + height - 1, tiling.cellRows);
-    return first > last ? CellRows{} : CellRows{static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
-}
-
-// The rows from `first` on that are got at once, of those up to `last`.
-CellRows rowsAtOnce(const RowSource& cells, std::int32_t first, std::int32_t last)
-{
-    return {first, last - first < cells.atOnce ? last : first + cells.atOnce - 1};
-}
-
-template <typename Tile>
-bool fillTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
-               std::span<float> output)
-{
-    const auto columns = static_cast<std::size_t>(tiling.columns);
-    const auto cellColumns = static_cast<std::size_t>(tiling.cellColumns);
-    assert(output.size() == tileRows.count() * columns);
-    std::vector<Tile> tiles(columns, Tile(null));
-    const CellRows all = tiledRows(tiling, tileRows);
-    CellRows rows{1, 0}; // of those got last
-    std::span<const float> got;
-    std::size_t outputEnd = output.size();
-    for (std::int32_t tileRow = tileRows.first; tileRow <= tileRows.last; ++tileRow) {
-        std::ranges::fill(tiles, Tile(null));
-        const CellRows under = rowsUnder(tiling, tileRow);
-        for (std::int32_t row = under.first; row <= under.last; ++row) {
-            if (row > rows.last) {
-                rows = rowsAtOnce(cells, row, all.last);
-                const auto some = cells.get(rows);
-                if (!some) {
-                    return false;
-                }
-                got = *some;
-            }
-            takeRow<Tile>(got.subspan(static_cast<std::size_t>(rows.last - row) * cellColumns, cellColumns), null,
-                          tiling, tiles);
-        }
-        outputEnd -= columns;
-        std::ranges::transform(tiles, output.subspan(outputEnd, columns).begin(),
-                               [null](const Tile& tile) { return tile.result(null); });
-    }
-    return true;
 }
 
 std::int32_t tilesIn(std::int32_t cells, std::int32_t factor)
@@ -180,6 +142,14 @@ Tiling tilingOf(std::int32_t nrows, std::int32_t ncols, std::int32_t factor)
             ncols};
 }
 
+CellRows rowsUnder(const Tiling& tiling, std::int32_t tileRow)
+{
+    const std::int64_t first = std::int64_t{tileRow - 1} * tiling.factor + 1;
+    const std::int64_t height = tileRow == tiling.rows ? tiling.lastRows : tiling.factor;
+    const std::int64_t last = std::min<std::int64_t>(first + height - 1, tiling.cellRows);
+    return first > last ? CellRows{} : CellRows{static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
+}
+
 CellRows tiledRows(const Tiling& tiling, const CellRows& tileRows)
 {
     const CellRows south = rowsUnder(tiling, tileRows.first);
@@ -190,22 +160,36 @@ CellRows tiledRows(const Tiling& tiling, const CellRows& tileRows)
     return {south.first, north.count() == 0 ? tiling.cellRows : north.last};
 }
 
-bool averageTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
-                  std::span<float> output)
+TileRow emptyTiles(ResizeMethod method, const Tiling& tiling, float null)
 {
-    return fillTiles<Average>(cells, null, tiling, tileRows, output);
+    TileRow tiles{.method = method, .null = null, .tiling = tiling, .sums = {}, .extremes = {}};
+    byMethod(method, [&]<typename Method>(Method) {
+        Method::tilesOf(tiles).assign(static_cast<std::size_t>(tiling.columns), Method::start(null));
+    });
+    return tiles;
 }
 
-bool minimumTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
-                  std::span<float> output)
+void takeRows(std::span<const float> rows, TileRow& tiles)
 {
-    return fillTiles<Minimum>(cells, null, tiling, tileRows, output);
+    const auto columns = static_cast<std::size_t>(tiles.tiling.cellColumns);
+    assert(rows.size() % columns == 0);
+    byMethod(tiles.method, [&]<typename Method>(Method) {
+        const std::span row(Method::tilesOf(tiles));
+        for (std::size_t end = rows.size(); end > 0; end -= columns) {
+            takeRow<Method>(rows.subspan(end - columns, columns), tiles.null, tiles.tiling, row);
+        }
+    });
 }
 
-bool maximumTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
-                  std::span<float> output)
+void finishTiles(TileRow& tiles, std::span<float> results)
 {
-    return fillTiles<Maximum>(cells, null, tiling, tileRows, output);
+    byMethod(tiles.method, [&]<typename Method>(Method) {
+        auto& row = Method::tilesOf(tiles);
+        assert(results.size() == row.size());
+        for (std::size_t t = 0; t < row.size(); ++t) {
+            results[t] = Method::result(std::exchange(row[t], Method::start(tiles.null)), tiles.null);
+        }
+    });
 }
 
 } // namespace gridforge::ops

@@ -1,13 +1,16 @@
 // The average, minimum or maximum of squares of cells.
 #pragma once
 
+#include "ops/resize_cells_avx2.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <optional>
 #include <span>
+#include <vector>
 
 namespace gridforge::ops {
+
+enum class ResizeMethod { average, maximum, minimum };
 
 // How tiles of factor by factor cells cover a grid, from its south-west corner. The last tile of a row or column holds
 // what rests.
@@ -36,26 +39,29 @@ struct CellRows {
     std::size_t count() const { return first > last ? 0 : static_cast<std::size_t>(last - first) + 1; }
 };
 
-// The rows of the grid that lie under these rows of tiles, of which there is one at least.
+// The rows of the grid under this row of tiles; none where it stands past the grid.
+CellRows rowsUnder(const Tiling& tiling, std::int32_t tileRow);
+// The same for these rows of tiles, at least one.
 CellRows tiledRows(const Tiling& tiling, const CellRows& tileRows);
 
-// The cells of some rows, the north row first; none where they cannot be had.
-using GetRows = std::function<std::optional<std::span<const float>>(const CellRows& rows)>;
-
-// Where tiles get their cells: rows from the south on, at most so many at once.
-struct RowSource {
-    GetRows get;
-    std::int32_t atOnce = 1;
+// A row of tiles, and what it has gathered so far: sums for the average, otherwise the extremes.
+struct TileRow {
+    ResizeMethod method = ResizeMethod::average;
+    float null = 0;
+    Tiling tiling;
+    std::vector<TileSum> sums;
+    std::vector<float> extremes;
 };
 
-// These rows of tiles in the order of the files, the north row first. Cells equal to `null` do not count. The average
-// sums in double, row by row from the south. The maximum starts at null, so a null above the data stands. False where
-// cells cannot be had.
-[[nodiscard]] bool averageTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
-                                std::span<float> output);
-[[nodiscard]] bool minimumTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
-                                std::span<float> output);
-[[nodiscard]] bool maximumTiles(const RowSource& cells, float null, const Tiling& tiling, const CellRows& tileRows,
-                                std::span<float> output);
+// Tiles that have gathered nothing yet.
+TileRow emptyTiles(ResizeMethod method, const Tiling& tiling, float null);
+
+// Adds whole rows of cells under the tiles, the north row first. Where several calls add the rows of a tile, they go from
+// the south to the north. Cells equal to null do not count. The average sums in double, row by row from the south. The
+// maximum starts at null, so a null above the data stands.
+void takeRows(std::span<const float> rows, TileRow& tiles);
+
+// Gives the result of each tile, and leaves the tiles empty again.
+void finishTiles(TileRow& tiles, std::span<float> results);
 
 } // namespace gridforge::ops

@@ -12,8 +12,6 @@ namespace gridforge::ops {
 
 namespace {
 
-constexpr std::size_t kLanes = 8;
-
 // Four tiles as they lie in memory. Sums and counts stand in the order 0, 2, 1, 3.
 struct FourTiles {
     __m256d sums;
@@ -53,16 +51,16 @@ GRIDFORGE_AVX2 inline void add(FourTiles& four, __m128 cells, __m128 null)
 GRIDFORGE_AVX2 void addRow(const float* row, float null, std::size_t factor, TileSum* tiles, std::size_t count)
 {
     const __m128 nulls = _mm_set1_ps(null);
-    for (std::size_t t = 0; t < count; t += kLanes) {
+    for (std::size_t t = 0; t < count; t += kFloatLanes) {
         FourTiles first = load(tiles + t);
-        FourTiles second = load(tiles + t + kLanes / 2);
+        FourTiles second = load(tiles + t + kFloatLanes / 2);
         const float* cells = row + t * factor;
         for (std::size_t j = 0; j < factor; ++j, ++cells) {
             add(first, cellsOfFour(cells, factor), nulls);
-            add(second, cellsOfFour(cells + kLanes / 2 * factor, factor), nulls);
+            add(second, cellsOfFour(cells + kFloatLanes / 2 * factor, factor), nulls);
         }
         store(first, tiles + t);
-        store(second, tiles + t + kLanes / 2);
+        store(second, tiles + t + kFloatLanes / 2);
     }
 }
 
@@ -74,7 +72,7 @@ std::size_t addToTiles(std::span<const float> row, float null, std::size_t facto
     if (!hasAvx2()) {
         return 0;
     }
-    const std::size_t done = count / kLanes * kLanes;
+    const std::size_t done = count / kFloatLanes * kFloatLanes;
     addRow(row.data(), null, factor, tiles, done);
     return done;
 }

@@ -331,7 +331,7 @@ void runStat(const run::Common& common, const StatOptions& options, const run::I
     run.decimals = common.decimals;
     run::writeSourceLegend(run.base + "_Src_legend.csv", inputs);
 
-    // One pair of arrays serves all statistics but the ranks.
+    // One pair of arrays serves all statistics except the ranks.
     ValueAndSource result = allocatePair(run);
     if (statistics.minimum) {
         doPair(run, *statistics.minimum, kMinimum, result);

@@ -10,7 +10,7 @@
 namespace gridforge::ops {
 
 struct StatOptions {
-    bool all = false; // but the ranks
+    bool all = false; // except the ranks
     bool mean = false;
     bool median = false;
     bool minimum = false;

@@ -13,8 +13,6 @@ namespace gridforge::ops {
 
 namespace {
 
-constexpr std::size_t kLanes = 8;
-
 struct Limits {
     float null;
     float dry;
@@ -46,7 +44,7 @@ GRIDFORGE_AVX2 bool pickLanes(CellStack grids, std::size_t count, const Limits& 
     const __m256 null = _mm256_set1_ps(limits.null);
     const __m256i wanted = _mm256_set1_epi32(result.rank - 1);
     __m256 odd = _mm256_setzero_ps();
-    for (std::size_t i = 0; i < count; i += kLanes) {
+    for (std::size_t i = 0; i < count; i += kFloatLanes) {
         __m256 values[Grids];
         __m256i places[Grids];
         for (std::size_t j = 0; j < Grids; ++j) {
@@ -87,7 +85,7 @@ std::optional<std::size_t> pickRankLanes(CellStack grids, float null, float limi
     if (!hasAvx2()) {
         return 0;
     }
-    const std::size_t count = grids.front().size() / kLanes * kLanes;
+    const std::size_t count = grids.front().size() / kFloatLanes * kFloatLanes;
     if (!kPickLanes[grids.size() - 1](grids, count, {null, limit, picked}, result, from)) {
         return std::nullopt;
     }

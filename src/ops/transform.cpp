@@ -1,7 +1,7 @@
 #include "ops/transform.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "host/ends.h"
 #include "ops/transform_cells.h"
 #include "ops/two_grids.h"

@@ -2,7 +2,8 @@
 #include "ops/xyz.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
+#include "core/rounding.h"
 #include "core/text.h"
 #include "grid/writer.h"
 #include "host/console.h"

@@ -1,6 +1,6 @@
 #include "ops/xyz_parse.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/simd.h"
 #include "core/text.h"
 #include "ops/xyz_parse_avx2.h"

@@ -1,6 +1,7 @@
 #include "rainfall/control_file.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
+#include "core/rounding.h"
 #include "core/text.h"
 #include "host/console.h"
 #include "host/control_commands.h"

@@ -1,6 +1,7 @@
 #include "rainfall/hyetographs.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "host/console.h"
 #include "host/ends.h"

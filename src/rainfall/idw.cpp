@@ -1,6 +1,6 @@
 #include "rainfall/idw.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/worker_rooms.h"
 #include "host/console.h"
 #include "host/ends.h"

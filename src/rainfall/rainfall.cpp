@@ -1,7 +1,7 @@
 #include "rainfall/rainfall.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "grid/writer.h"
 #include "host/console.h"

@@ -1,6 +1,6 @@
 #include "rainfall/triangle_cells.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "plane/triangle.h"
 
 #include <algorithm>

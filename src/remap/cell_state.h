@@ -1,7 +1,7 @@
 // What is known of each fine cell while the wet area is found.
 #pragma once
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "grid/grid.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "remap/extent_flags.h"
 
 #include "core/computed.h"
-#include "core/numbers.h"
+#include "core/rounding.h"
 
 #include <algorithm>
 #include <cassert>

@@ -1,4 +1,4 @@
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/system.h"
@@ -21,7 +21,6 @@ namespace gridforge::remap {
 namespace {
 
 constexpr std::int32_t kDefaultIterations = 1000;
-constexpr std::int32_t kReportIterations = 100;
 
 // The search has no end where the wet cells do not suffice. It waits without using the processor.
 [[noreturn]] void searchWithoutEnd()

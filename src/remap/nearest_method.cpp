@@ -9,8 +9,6 @@ namespace gridforge::remap {
 
 namespace {
 
-constexpr std::int32_t kReportIterations = 100;
-
 void takeLevels(RemapRun& run)
 {
     const CoarseLevels coarse = run.coarseLevels();
@@ -21,7 +19,7 @@ void takeLevels(RemapRun& run)
     });
 }
 
-void calculateDepths(RemapRun& run)
+void calculateWetDepths(RemapRun& run)
 {
     eachRow("Calculating depths based on interpolated levels - Row:", run.terrain.nrows, kFineProgress,
             [&](std::int32_t row) {
@@ -67,7 +65,7 @@ void runNearestMethod(RemapRun& run)
     const std::string& source = run.options.waterLevelGrid;
     takeLevels(run);
     writeFine(run, source, "_raw_h", run.levelGrid);
-    calculateDepths(run);
+    calculateWetDepths(run);
     writeFine(run, source, "_interp_d", run.depthGrid);
     spread(run);
     depthsOnGround(run.demGrid.cells(), run.terrain.null, run.levelGrid.cells(), run.null(), run.depthGrid.cells());

@@ -1,6 +1,6 @@
 #include "remap/places.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 
 #include <cmath>
 

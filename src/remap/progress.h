@@ -15,6 +15,7 @@ namespace gridforge::remap {
 
 inline constexpr std::int32_t kCoarseProgress = 10;
 inline constexpr std::int32_t kFineProgress = 100;
+inline constexpr std::int32_t kReportIterations = 100;
 
 // Writes the heading, unless it is blank, and calls `work` with each row from south to north. Behind it stands the
 // number of every `step`-th row.

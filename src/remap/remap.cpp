@@ -1,7 +1,7 @@
 #include "remap/remap.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "grid/writer.h"
 #include "host/console.h"
 #include "host/ends.h"

@@ -103,7 +103,7 @@ void placeColumns(const Axis& coarse, TinPlaces& places)
 {
     const std::size_t count = places.columns.size();
     for (auto* const line : {&places.lattice.x, &places.lattice.west, &places.lattice.east, &places.lattice.apex,
-                             &places.lattice.edgeLength}) {
+                             &places.lattice.edgeLength, &places.lattice.perEdgeLength}) {
         line->resize(count);
     }
     for (std::size_t c = places.first; c < places.last; ++c) {
@@ -114,6 +114,7 @@ void placeColumns(const Axis& coarse, TinPlaces& places)
         places.lattice.east[c] = east;
         places.lattice.apex[c] = west + 0.5 * coarse.cellsize;
         places.lattice.edgeLength[c] = triangleDistance({west, 0}, {east, 0});
+        places.lattice.perEdgeLength[c] = 1.0 / places.lattice.edgeLength[c];
         places.isFlat = places.isFlat || !(east > west);
     }
 }
@@ -151,13 +152,18 @@ void takeWetRow(const CoarseLevels& coarse, const TinPlaces& places, TinWalk& wa
     if (walk.wetRow == nearest) {
         return;
     }
-    walk.wet.resize(places.columns.size());
+    walk.wet.clear();
     walk.wetRow = nearest;
     const float threshold = coarse.wetThreshold();
     const std::span<const float> levels = coarse.levels.row(nearest);
     for (std::size_t c = places.first; c < places.last; ++c) {
-        const auto column = static_cast<std::size_t>(places.columns[c].nearest - 1);
-        walk.wet[c] = static_cast<std::uint8_t>(levels[column] > threshold);
+        if (!(levels[static_cast<std::size_t>(places.columns[c].nearest - 1)] > threshold)) {
+            continue;
+        }
+        if (walk.wet.empty() || walk.wet.back().last != c) {
+            walk.wet.push_back({c, c});
+        }
+        walk.wet.back().last = c + 1;
     }
 }
 
@@ -201,35 +207,25 @@ void interpolateTinRow(const CoarseLevels& coarse, const TinPlaces& places, TinW
     }
     takeQuadRow(coarse, places, walk, row.base);
     takeWetRow(coarse, places, walk, row.nearest);
-    for (std::size_t c = from; c < to; ++c) {
-        CellState& state = states[c - firstColumn];
-        state = walk.wet[c] != 0 ? CellState::wet : state;
-    }
-    const auto end = states.begin() + static_cast<std::ptrdiff_t>(to - firstColumn);
-    for (auto at = states.begin() + static_cast<std::ptrdiff_t>(from - firstColumn); at != end;) {
-        const auto wet = std::find(at, end, CellState::wet);
-        at = std::find_if(wet, end, [](CellState state) { return state != CellState::wet; });
-        const auto first = static_cast<std::size_t>(wet - states.begin());
-        const auto last = static_cast<std::size_t>(at - states.begin());
+    const auto interpolate = [&](std::size_t first, std::size_t last) {
+        float* const at = levels.data() + (first - firstColumn);
         if (places.isFlat) {
-            interpolateFlat(coarse, places, row, firstColumn + first, firstColumn + last, levels.data() + first);
+            interpolateFlat(coarse, places, row, first, last, at);
         } else {
-            interpolateTinStretch(places.lattice, walk.lines, walk.values, row.centre, firstColumn + first,
-                                  firstColumn + last, levels.data() + first);
+            interpolateTinStretch(places.lattice, walk.lines, walk.values, row.centre, first, last, at);
         }
+    };
+    if (states.front() == CellState::wet) { // so are all
+        interpolate(from, to);
+        return;
     }
-}
-
-void depthsWhereWet(std::span<const CellState> states, float null, std::span<float> levels, std::span<float> ground)
-{
-    assert(ground.size() == states.size() && levels.size() == states.size());
-    for (std::size_t i = 0; i < states.size(); ++i) {
-        const float level = levels[i];
-        const float floor = ground[i];
-        const bool isWet = states[i] == CellState::wet;
-        const bool stays = isWet && level >= floor;
-        ground[i] = stays ? stored(level - floor) : null;
-        levels[i] = stays ? level : null;
+    auto wet =
+        std::ranges::partition_point(walk.wet, [from](const WetStretch& stretch) { return stretch.last <= from; });
+    for (; wet != walk.wet.end() && wet->first < to; ++wet) {
+        const std::size_t first = std::max(from, wet->first);
+        const std::size_t last = std::min(to, wet->last);
+        std::ranges::fill(states.subspan(first - firstColumn, last - first), CellState::wet);
+        interpolate(first, last);
     }
 }
 

@@ -67,13 +67,19 @@ struct TinPlaces {
 };
 TinPlaces placeTin(const CoarseLevels& coarse, const Axis& fineColumns, const Axis& fineRows);
 
+// Fine columns from `first` to before `last`, counted from 0.
+struct WetStretch {
+    std::size_t first = 0;
+    std::size_t last = 0;
+};
+
 // What belongs to the coarse row that a walk over fine rows is in. It may start anywhere, and several may go on at a time.
 struct TinWalk {
     std::int32_t quadRow = 0; // coarse row that these are of
     TinLines lines;
     TinValues values;
-    std::int32_t wetRow = 0; // and these, for each fine column
-    std::vector<std::uint8_t> wet;
+    std::int32_t wetRow = 0; // and these: where fine columns are wet
+    std::vector<WetStretch> wet;
 };
 
 // Levels and states of a stretch of one fine row, from the column at place `firstColumn` on; rows in the same coarse row
@@ -81,9 +87,5 @@ struct TinWalk {
 // no later step would look at another.
 void interpolateTinRow(const CoarseLevels& coarse, const TinPlaces& places, TinWalk& walk, std::int32_t fineRow,
                        std::size_t firstColumn, std::span<float> levels, std::span<CellState> states);
-
-// The ground becomes the depth: level less ground where the cell is wet and the level not below the ground, else null, and
-// then the level becomes null too.
-void depthsWhereWet(std::span<const CellState> states, float null, std::span<float> levels, std::span<float> ground);
 
 } // namespace gridforge::remap

@@ -8,4 +8,16 @@ GRIDFORGE_AVX2 void placeFourAbreast(const TinColumns& columns, const TinLines& 
     placeInTriangles(columns, lines, y, first, count, places);
 }
 
+GRIDFORGE_AVX2 void levelsEightAbreast(const TinValues& values, const BlockPlaces& places, std::size_t first,
+                                       std::size_t count, float* levels)
+{
+    levelsInTriangles(values, places, first, count, levels);
+}
+
+GRIDFORGE_AVX2 void depthsEightAbreast(const CellState* states, float null, std::size_t count, float* levels,
+                                       float* ground)
+{
+    depthsOf(states, null, count, levels, ground);
+}
+
 } // namespace gridforge::remap

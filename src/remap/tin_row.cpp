@@ -5,6 +5,7 @@
 #include "remap/tin_places_avx2.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace gridforge::remap {
 
@@ -18,29 +19,23 @@ void placeBlock(const TinColumns& columns, const TinLines& lines, double y, std:
     } else {
         placeInTriangles(columns, lines, y, first, count, places);
     }
+    int unsettled = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        unsettled |= static_cast<int>(places.triangle[i] == kUnsettled);
+    }
+    for (std::size_t i = 0; unsettled != 0 && i < count; ++i) {
+        if (places.triangle[i] == kUnsettled) {
+            placeExactly(columns, lines, y, first, i, places);
+        }
+    }
 }
 
-void takeValues(const TinValues& values, const BlockPlaces& places, std::size_t first, std::size_t count, float* levels)
+void takeLevels(const TinValues& values, const BlockPlaces& places, std::size_t first, std::size_t count, float* levels)
 {
-    const float* const southWest = values.southWest.data() + first;
-    const float* const northWest = values.northWest.data() + first;
-    const float* const northEast = values.northEast.data() + first;
-    const float* const southEast = values.southEast.data() + first;
-    const float* const apex = values.apex.data() + first;
-    for (std::size_t i = 0; i < count; ++i) {
-        const float sw = southWest[i];
-        const float nw = northWest[i];
-        const float ne = northEast[i];
-        const float se = southEast[i];
-        const float triangle = places.triangle[i];
-        const float fromAbove = triangle == kWest ? sw : nw;
-        const float fromBelow = triangle == kEast ? ne : se;
-        const float toAbove = triangle == kWest ? nw : ne;
-        const float toBelow = triangle == kEast ? se : sw;
-        const float from = triangle < kEast ? fromAbove : fromBelow;
-        const float to = triangle < kEast ? toAbove : toBelow;
-        const float onEdge = from + (to - from) * places.edgeRatio[i];
-        levels[i] = apex[i] + (onEdge - apex[i]) * places.apexRatio[i];
+    if (hasAvx2()) {
+        levelsEightAbreast(values, places, first, count, levels);
+    } else {
+        levelsInTriangles(values, places, first, count, levels);
     }
 }
 
@@ -53,9 +48,19 @@ void interpolateTinStretch(const TinColumns& columns, const TinLines& lines, con
     while (first < last) {
         const std::size_t count = std::min(kTinBlock, last - first);
         placeBlock(columns, lines, y, first, count, places);
-        takeValues(values, places, first, count, levels);
+        takeLevels(values, places, first, count, levels);
         first += count;
         levels += count;
+    }
+}
+
+void depthsWhereWet(std::span<const CellState> states, float null, std::span<float> levels, std::span<float> ground)
+{
+    assert(ground.size() == states.size() && levels.size() == states.size());
+    if (hasAvx2()) {
+        depthsEightAbreast(states.data(), null, states.size(), levels.data(), ground.data());
+    } else {
+        depthsOf(states.data(), null, states.size(), levels.data(), ground.data());
     }
 }
 

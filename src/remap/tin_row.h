@@ -2,7 +2,10 @@
 // triangles are those of PreparedQuad, and so are the bits of the levels.
 #pragma once
 
+#include "remap/cell_state.h"
+
 #include <cstddef>
+#include <span>
 #include <vector>
 
 namespace gridforge::remap {
@@ -13,7 +16,8 @@ struct TinColumns {
     std::vector<double> west;
     std::vector<double> east;
     std::vector<double> apex;
-    std::vector<double> edgeLength; // of the northern and southern edge
+    std::vector<double> edgeLength;    // of the northern and southern edge
+    std::vector<double> perEdgeLength; // 1 by it
 };
 
 // The quads of one coarse row, where they lie from south to north.
@@ -37,5 +41,9 @@ struct TinValues {
 // length in double precision: east of each quad is more than west.
 void interpolateTinStretch(const TinColumns& columns, const TinLines& lines, const TinValues& values, double y,
                            std::size_t first, std::size_t last, float* levels);
+
+// The ground becomes the depth: level less ground where the cell is wet and the level not below the ground, else null, and
+// then the level becomes null too.
+void depthsWhereWet(std::span<const CellState> states, float null, std::span<float> levels, std::span<float> ground);
 
 } // namespace gridforge::remap

@@ -4,7 +4,7 @@
 #include "remap/wet_search.h"
 
 #include "core/computed.h"
-#include "core/numbers.h"
+#include "core/rounding.h"
 
 #include <algorithm>
 #include <cassert>

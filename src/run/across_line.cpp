@@ -1,6 +1,6 @@
 #include "run/across_line.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "plane/geometry.h"
 
 #include <algorithm>

@@ -23,8 +23,11 @@ struct AcrossLine {
 // Through the vertex in the direction `perpendicular`, in degrees.
 AcrossLine acrossLine(const GridHeader& header, double x, double y, float perpendicular);
 
-// trunc(distance / cell size x share + 1), in single precision: 0.5 for a search to both sides of the line, 1 for one
-// side.
+// How much of a distance a search to both sides of the line goes to each, and one to a single side.
+inline constexpr float kBothSides = 0.5F;
+inline constexpr float kOneSide = 1.0F;
+
+// trunc(distance / cell size x share + 1), in single precision.
 std::int32_t samplesToSide(const GridHeader& header, float distance, float share);
 
 struct SampleCell {

@@ -1,6 +1,6 @@
 #include "run/cell_window.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 
 #include <algorithm>
 
@@ -22,6 +22,12 @@ CellWindow joined(const CellWindow& a, const CellWindow& b)
 {
     return {std::min(a.firstRow, b.firstRow), std::max(a.lastRow, b.lastRow), std::min(a.firstColumn, b.firstColumn),
             std::max(a.lastColumn, b.lastColumn)};
+}
+
+CellWindow withinGrid(const CellWindow& window, const GridHeader& header)
+{
+    return {std::max(window.firstRow, 1), std::min(window.lastRow, header.nrows), std::max(window.firstColumn, 1),
+            std::min(window.lastColumn, header.ncols)};
 }
 
 bool isWithinGrid(const CellWindow& window, const GridHeader& header)

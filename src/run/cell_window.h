@@ -16,6 +16,9 @@ CellWindow searchWindow(const GridHeader& header, double x, double y, float diam
 // The least window that holds both.
 CellWindow joined(const CellWindow& a, const CellWindow& b);
 
+// The part of the window that lies in the grid.
+CellWindow withinGrid(const CellWindow& window, const GridHeader& header);
+
 // No row or column of the window lies outside the grid.
 bool isWithinGrid(const CellWindow& window, const GridHeader& header);
 

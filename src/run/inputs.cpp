@@ -1,7 +1,7 @@
 #include "run/inputs.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/product.h"
 #include "core/text.h"
 #include "host/ends.h"

@@ -1,6 +1,6 @@
 #include "run/inside_runs.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 
 #include <cstddef>
 

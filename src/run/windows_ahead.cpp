@@ -9,7 +9,7 @@
 #include <atomic>
 #include <cstdint>
 #include <span>
-#include <tuple>
+#include <utility>
 
 namespace gridforge::run {
 
@@ -88,11 +88,27 @@ void addPart(std::span<const ObjectWindow> windows, const Part& part, std::int32
     }
 }
 
+// By band and by column, as one number each, which sorts faster than the windows themselves.
+void sortByPlace(std::vector<ObjectWindow>& windows)
+{
+    constexpr int kColumnBits = 32;
+    std::vector<std::pair<std::int64_t, std::size_t>> order;
+    order.reserve(windows.size());
+    for (const ObjectWindow& window : windows) {
+        order.emplace_back((std::int64_t{bandOf(window)} << kColumnBits) + window.window.firstColumn, order.size());
+    }
+    std::ranges::sort(order);
+    std::vector<ObjectWindow> sorted;
+    sorted.reserve(windows.size());
+    for (const auto& [place, i] : order) {
+        sorted.push_back(windows[i]);
+    }
+    windows = std::move(sorted);
+}
+
 std::vector<Part> partsOf(std::vector<ObjectWindow>& windows, std::int32_t ncols)
 {
-    std::ranges::sort(windows, {}, [](const ObjectWindow& w) {
-        return std::tuple(bandOf(w), w.window.firstColumn, w.window.firstRow, w.object);
-    });
+    sortByPlace(windows);
     const std::size_t mostCells = cellsPerPiece(kPartCells);
     std::vector<Part> parts;
     for (std::size_t first = 0; first < windows.size();) {

@@ -2,7 +2,7 @@
 #include "sampling/brkline.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "gis/layer_name.h"
 #include "gis/layer_objects.h"
@@ -24,7 +24,6 @@ constexpr std::int32_t kOptionsWidth = 20;
 // Narrower lines take one cell, those below this many cell sizes take four.
 constexpr float kNarrowest = 0.0001F;
 constexpr float kFourCells = 1.5F;
-constexpr float kBothSides = 0.5F;
 // The counts that the check layer shows for a search line and for a cell found.
 constexpr std::int32_t kSearchLineCount = -99;
 constexpr std::int32_t kFoundCellCount = 1;
@@ -144,7 +143,7 @@ private:
         }
         const run::AcrossLine across =
             run::acrossLine(header_, line.x[i], line.y[i], perpendicularAngle(lineAngle(line, i)));
-        const std::int32_t samples = run::samplesToSide(header_, breakline.width, kBothSides);
+        const std::int32_t samples = run::samplesToSide(header_, breakline.width, run::kBothSides);
         if (check_) {
             gis::Feature searched = searchLine(across, -samples, samples);
             searched.record = checkRecord(kNoGround, kSearchLineCount, breakline.options);

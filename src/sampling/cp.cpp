@@ -2,7 +2,7 @@
 #include "sampling/cp.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layer_writer.h"
@@ -82,6 +82,7 @@ struct PointOutputs {
     Unit summary = 0;
     gis::LayerWriter result;
     gis::LayerWriter connections;
+    gis::Feature point; // the last one written
 };
 
 PointOutputs openOutputs(const Names& names, const gis::Projection& projection, std::vector<gis::Column> columns,
@@ -96,7 +97,7 @@ PointOutputs openOutputs(const Names& names, const gis::Projection& projection, 
         gis::createLayer(names.result, {.columns = std::move(columns), .projection = projection, .families = "P"});
     gis::LayerWriter connections = gis::createLayer(
         names.connections, {.columns = connectionColumns(), .projection = projection, .families = "L"});
-    return {summary, std::move(result), std::move(connections)};
+    return {summary, std::move(result), std::move(connections), {.kind = gis::Kind::point}};
 }
 
 std::string real(float value)
@@ -194,16 +195,16 @@ private:
 
     void connect(const FoundCell& cell, const CalibrationPoint& point, std::string record)
     {
-        connections_.write({.kind = gis::Kind::line,
-                            .x = {cell.x, point.x},
-                            .y = {cell.y, point.y},
-                            .record = std::move(record),
-                            .style = {.first = "Pen (1,59,0)"}});
+        connection_.x = {cell.x, point.x};
+        connection_.y = {cell.y, point.y};
+        connection_.record = std::move(record);
+        connections_.write(connection_);
     }
 
     const CpOptions& options_;
     PointFinder& finder_;
     gis::LayerWriter& connections_;
+    gis::Feature connection_{.kind = gis::Kind::line, .style = {.first = "Pen (1,59,0)"}};
     LastFound last_;
 };
 
@@ -214,12 +215,13 @@ void writeResult(const CalibrationPoint& point, bool withExtremes, const std::st
     if (withExtremes) {
         results += join(",", real(point.minimum), ",", real(point.maximum));
     }
-    outputs.result.write({.kind = gis::Kind::point,
-                          .x = {point.x},
-                          .y = {point.y},
-                          .record = join(real(point.observed), ",", label, ",", results),
-                          .style = {.first = symbol}});
-    writeLine(outputs.summary, join(label, ",", real(point.observed), ",", results));
+    const std::string observed = real(point.observed);
+    outputs.point.x = {point.x};
+    outputs.point.y = {point.y};
+    outputs.point.record = join(observed, ",", label, ",", results);
+    outputs.point.style.first = symbol;
+    outputs.result.write(outputs.point);
+    writeLine(outputs.summary, join(label, ",", observed, ",", results));
 }
 
 // Blank, with a warning, where no threshold has a symbol for it.

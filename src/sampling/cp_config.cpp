@@ -1,6 +1,6 @@
 #include "sampling/cp_config.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/text.h"
 #include "host/console.h"
 #include "host/ends.h"

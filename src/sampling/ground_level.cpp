@@ -1,6 +1,6 @@
 #include "sampling/ground_level.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "core/text.h"
 
 #include <cmath>

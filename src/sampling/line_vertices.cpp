@@ -1,6 +1,6 @@
 #include "sampling/line_vertices.h"
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "plane/geometry.h"
 
 #include <algorithm>

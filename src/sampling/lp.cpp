@@ -2,7 +2,7 @@
 #include "sampling/lp.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/text.h"
 #include "gis/layer_name.h"
 #include "gis/layer_objects.h"
@@ -23,8 +23,6 @@ namespace {
 constexpr float kNoLowest = 99999.0F;
 constexpr float kNoHighest = -99999.0F;
 constexpr std::int32_t kTextWidth = 250; // of the check layer
-constexpr float kBothSides = 0.5F;
-constexpr float kOneSide = 1.0F;
 constexpr std::int32_t kMaxProfileVertices = 10000000;
 
 } // namespace
@@ -125,8 +123,8 @@ void sampleVertices(Profile& profile, float searchDistance, const Terrain& terra
 {
     say("Extracting elevations...");
     const GridHeader& header = terrain.header;
-    const std::int32_t half = run::samplesToSide(header, searchDistance, kBothSides);
-    const std::int32_t full = run::samplesToSide(header, searchDistance, kOneSide);
+    const std::int32_t half = run::samplesToSide(header, searchDistance, run::kBothSides);
+    const std::int32_t full = run::samplesToSide(header, searchDistance, run::kOneSide);
     for (std::size_t i = 0; i < profile.line.count(); ++i) {
         ProfileVertex& vertex = profile.vertices[i];
         const run::AcrossLine across =

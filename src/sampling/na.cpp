@@ -1,7 +1,8 @@
 // Nodal areas: for each region of a layer a table of heights and of the area of the terrain below them.
 #include "sampling/na.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
+#include "core/rounding.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "host/console.h"

@@ -7,15 +7,38 @@
 
 namespace gridforge::sampling {
 
+namespace {
+
+struct Spoke {
+    float x;
+    float y;
+};
+
+// Single precision, as are the angles.
+const std::array<Spoke, kSearchSides>& spokes()
+{
+    static const auto kSpokes = [] {
+        std::array<Spoke, kSearchSides> made{};
+        for (std::size_t k = 0; k < kSearchSides; ++k) {
+            const float angle = (static_cast<float>(k) / 12.0F) * 360.0F;
+            made[k] = {static_cast<float>(cosd(static_cast<double>(angle))),
+                       static_cast<float>(sind(static_cast<double>(angle)))};
+        }
+        return made;
+    }();
+    return kSpokes;
+}
+
+} // namespace
+
 SearchPolygon searchPolygon(double x, double y, float diameter)
 {
     SearchPolygon polygon;
     const float radius = 0.5F * diameter;
     for (std::size_t k = 0; k < kSearchSides; ++k) {
-        // Offsets are single precision, as are the angles: only their sum with the point is not.
-        const float angle = (static_cast<float>(k) / 12.0F) * 360.0F;
-        const float offsetX = radius * static_cast<float>(cosd(static_cast<double>(angle)));
-        const float offsetY = radius * static_cast<float>(sind(static_cast<double>(angle)));
+        // Offsets are single precision too: only their sum with the point is not.
+        const float offsetX = radius * spokes()[k].x;
+        const float offsetY = radius * spokes()[k].y;
         polygon.x[k] = stored(x + static_cast<double>(offsetX));
         polygon.y[k] = stored(y + static_cast<double>(offsetY));
     }

@@ -124,10 +124,11 @@ class Pages(unittest.TestCase):
     """The reading of pages and the comparison, on pages made for it."""
 
     def test_a_block_that_is_not_run_says_why(self):
-        for text in ("```\ngridforge -b\n```", "```text\na\n```", "<!-- input -->\n```csv\na\n```", "```sh\nopen"):
+        for text in ("```\ngridforge -b\n```", "```text\na\n```", "<!-- input -->\n```csv\na\n```", "```sh\nopen",
+                     "```usage\ngridforge -b -conv a.asc\n```"):
             with self.subTest(text), self.assertRaises(pages.PageError):
                 pages.blocks_of("a.md", text)
-        for text in ("```usage\ngridforge -b\n```", "<!-- not run: a drawing -->\n```text\na\n```"):
+        for text in ("```usage\ngridforge -b -conv <grid>\n```", "<!-- not run: a drawing -->\n```text\na\n```"):
             self.assertEqual(len(pages.blocks_of("a.md", text)), 1)
 
     def test_a_comment_belongs_to_what_follows_it(self):

@@ -5,7 +5,7 @@ Blocks of code are told apart by the word of their fence, and by a comment on th
 ```sh                     is run
 ```python                 is run by Python
 ```console                is run, line by line after "$ ", and the lines between are what the commands write
-```usage                  the form of a command line
+```usage                  the form of a command line, with <names>
 <!-- input NAME -->       the block is this file
 <!-- output NAME -->      this file holds the block
 <!-- numbers COMMAND -->  the numbers of the table or paragraph are those that the command writes
@@ -61,6 +61,8 @@ def fenced(page, lines, start, mark):
     if end == len(lines):
         raise PageError(f"{page}:{start + 1}: a fence without end")
     kind, name = kind_of(word, mark, f"{page}:{start + 1}")
+    if kind == "usage" and not all("<" in line for line in lines[start + 1:end]):
+        raise PageError(f"{page}:{start + 1}: a form without <names> is a command, which is run")
     return Block(page, start + 2, kind, word, name, lines[start + 1:end]), end + 1
 
 

@@ -420,6 +420,7 @@ const std::vector<FaultRun>& faultRuns()
         {"XyzFlt", "-b -xyz p.xyz -flt", givePoints, true},
         {"TrimMif", "-b -trim l.mif dem.asc", giveRegions<giveMifLayer>, true},
         {"TrimShp", "-b -trim l.shp dem.asc -flt", giveRegions<giveShpLayer>, true},
+        {"TrimWaiting", "-b -trim l.mif dem.asc", giveRegions<giveMifLayer>, true, {{"GRIDFORGE_MEMORY", "1"}}},
         {"BreaklinesMif", "-b -brkline l.mif -check dem.asc", giveBreaklines<giveMifLayer>, false},
         {"BreaklinesShp", "-b -brkline l.shp -check dem.asc", giveBreaklines<giveShpLayer>, false},
         {"MarksMif", "-b -cp l.mif -cpsd4 -config c.csv dem.asc", giveMarks<giveMifLayer>, false},

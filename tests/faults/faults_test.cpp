@@ -117,6 +117,8 @@ const std::vector<Row> kErrors = {
 
     // Memory.
     {"mmap malloc", "-", "", kNoMemory},
+    {"pread", "w", "(unnamed)", // where regions are cut out of cells that wait
+     errorEnd({"ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS."})},
     {"pread pwrite", "w", "(unnamed)", kNoMemory}, // room for waiting cells is memory, on the disk too
     {"malloc", "-", "", errorEnd({" ERROR - Out of memory.  Contact SUPPORT_CONTACT"})},
     {"malloc", "-", "", errorEnd({"Could not allocate memory."})}, // of the lines of a TIN

@@ -5,6 +5,8 @@
  *     kill EVENT WHEN [BYTES]   the process kills itself "before", "within" or "after" the call that is the EVENT-th to
  *                               change a file; "within" a write BYTES are written first
  *     fail FUNCTION N ERROR     the N-th call of the function fails with this errno
+ *     lack FUNCTION ERROR       all calls of the function fail with this errno, as on a file system without it; "unnamed" are
+ *                               files without a name, "room" are writes to files, "lock" are locks, which fail by this alone
  *     short FUNCTION N          the N-th call of the function reads or writes half of what it is asked for
  *     disturb SEED              at random, reads and writes are short, and calls are interrupted
  *
@@ -55,15 +57,19 @@ enum Function {
     LSEEK,
     OPENDIR,
     READDIR,
+    UNNAMED,
+    ROOM,
+    LOCK,
     MALLOC,
     FUNCTIONS
 };
 
 static const char* const names[FUNCTIONS] = {"open",      "read",      "pread",   "write",   "pwrite", "close",
                                              "ftruncate", "fallocate", "advise",  "mmap",    "rename", "link",
-                                             "unlink",    "stat",      "lseek",   "opendir", "readdir", "malloc"};
+                                             "unlink",    "stat",      "lseek",   "opendir", "readdir", "unnamed",
+                                             "room",      "lock",      "malloc"};
 
-enum Kind { NOTHING, WATCH, KILL, FAIL, SHORT, DISTURB };
+enum Kind { NOTHING, WATCH, KILL, FAIL, LACK, SHORT, DISTURB };
 enum When { BEFORE, WITHIN, AFTER };
 
 static struct {
@@ -112,6 +118,9 @@ static void readMission(void)
         mission.when = whenNamed(word);
     } else if (sscanf(text, "fail %15s %ld %d", word, &mission.number, &mission.error) == 3) {
         mission.kind = FAIL;
+        mission.function = functionNamed(word);
+    } else if (sscanf(text, "lack %15s %d", word, &mission.error) == 2) {
+        mission.kind = LACK;
         mission.function = functionNamed(word);
     } else if (sscanf(text, "short %15s %ld", word, &mission.number) == 2) {
         mission.kind = SHORT;
@@ -209,12 +218,25 @@ struct Place {
     int most;
 };
 
+/* A sanitizer in the executable takes the calls of libraries before they come here. */
+static int isInterceptor(uintptr_t address)
+{
+    static const char prefix[] = "__interceptor_";
+    Dl_info info;
+    char name[128];
+    if (dladdr((void*)address, &info) == 0 || info.dli_sname == NULL) {
+        return 0;
+    }
+    snprintf(name, sizeof name, "%s%s", prefix, info.dli_sname);
+    return strncmp(info.dli_sname, prefix, strlen(prefix)) == 0 || dlsym(RTLD_DEFAULT, name) != NULL;
+}
+
 static _Unwind_Reason_Code addFrame(struct _Unwind_Context* context, void* data)
 {
     struct Place* place = data;
     const uintptr_t address = (uintptr_t)_Unwind_GetIP(context);
     const struct Module* module = moduleOf(address);
-    if (module == NULL || module->isOwn || module->isRuntime) {
+    if (module == NULL || module->isOwn || module->isRuntime || (place->caller == NULL && isInterceptor(address))) {
         return _URC_NO_REASON;
     }
     if (place->caller == NULL) {
@@ -394,6 +416,15 @@ static struct Verdict killing(const struct Call* call)
     return verdict;
 }
 
+static int isLacking(const struct Call* call)
+{
+    switch (mission.function) {
+    case UNNAMED: return call->name == kUnnamed;
+    case ROOM: return (call->function == WRITE || call->function == PWRITE) && call->role == 'w';
+    default: return call->function == mission.function;
+    }
+}
+
 static struct Verdict judge(const struct Call* call)
 {
     struct Verdict verdict = {PASS, 0};
@@ -406,6 +437,12 @@ static struct Verdict judge(const struct Call* call)
         if (isMeant) {
             verdict.way = REFUSE;
             logCall("fail", call);
+        }
+        break;
+    case LACK:
+        if (isLacking(call)) {
+            verdict.way = REFUSE;
+            logCall("lack", call);
         }
         break;
     case SHORT:
@@ -631,6 +668,17 @@ CALL_AS(off_t, lseek64, (int file, off_t at, int from), (file, at, from), enterF
 CALL_AS(DIR*, opendir, (const char* path), (path), enterName(OPENDIR, path, 'r', 0), NULL)
 CALL_AS(Entry*, readdir, (DIR * folder), (folder), enterName(READDIR, "", 'r', 0), NULL)
 CALL_AS(Entry64*, readdir64, (DIR * folder), (folder), enterName(READDIR, "", 'r', 0), NULL)
+
+int flock(int file, int operation);
+int flock(int file, int operation)
+{
+    REAL(int, flock, (int, int))
+    if (mission.kind == LACK && mission.function == LOCK) {
+        enterFile(LOCK, file, -1, 0);
+        return -1;
+    }
+    return real(file, operation);
+}
 
 /* Runs are compared, so no clock may go on between them: .dbf files hold the day. */
 time_t time(time_t* seconds)

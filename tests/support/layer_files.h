@@ -37,6 +37,9 @@ inline std::string mifObjects(std::string_view mif)
     return data == std::string_view::npos ? "no data" : std::string(mif.substr(data + kData.size()));
 }
 
+// Of a layer that holds one point.
+inline constexpr std::string_view kPointBody = "Point 1 2\n";
+
 // <name>.mif and <name>.mid, which gets `records` lines "r1",1 and so on.
 inline void giveMif(const ScratchFolder& folder, const std::string& name, std::string_view body, int records = 1)
 {

@@ -1,10 +1,13 @@
 #include "support/paths.h"
 
+#include <cstdlib>
+
 namespace gridforge::test {
 
 std::string toolPath()
 {
-    return GRIDFORGE_TOOL;
+    const char* const other = std::getenv("GRIDFORGE_TOOL");
+    return other != nullptr ? other : GRIDFORGE_TOOL;
 }
 std::string catchmentMakerPath()
 {

@@ -2,6 +2,8 @@
 // and y 205, 215; hyetographs a, b and c with the times 0 and 0.5.
 #pragma once
 
+#include "support/consoles.h"
+#include "support/expect_run.h"
 #include "support/scratch_folder.h"
 #include "support/tool_run.h"
 
@@ -53,6 +55,16 @@ inline void giveRainfallLayer(ToolRun& run, const std::string& name, const std::
                             "Columns 3\n  Name Char(40)\n  F1 Float\n  F2 Float\nData\n\n" +
                                 objects);
     run.give(name + ".mid", records);
+}
+
+// Expects that the run ends with this message before it writes anything.
+inline void expectRefusal(ToolRun& run, const Lines& message)
+{
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_CONSOLE_HOLDS(run, joined({message, errorEnd()}));
+    EXPECT_EQ(run.read("rain_index.csv"), "");
+    EXPECT_NO_OTHER_FILES(run);
 }
 
 } // namespace gridforge::test

@@ -5,6 +5,8 @@
 
 #include <atomic>
 #include <cstdint>
+#include <mutex>
+#include <set>
 #include <span>
 
 namespace gridforge::test {
@@ -29,6 +31,26 @@ inline void refuseWritesAfter(int count)
     static System refusing = nativeSystem();
     refusing.writeAt = [](SystemFile file, std::int64_t position, std::span<const char> bytes) {
         return left-- > 0 ? nativeSystem().writeAt(file, position, bytes) : std::int64_t{-1};
+    };
+    useSystem(refusing);
+}
+
+// Refuses such reads of files that are written in this process: of cells that wait there.
+inline void refuseReadsOfWaitingCells()
+{
+    static std::mutex guard;
+    static std::set<SystemFile> written;
+    static System refusing = nativeSystem();
+    refusing.writeAt = [](SystemFile file, std::int64_t position, std::span<const char> bytes) {
+        {
+            const std::lock_guard lock(guard);
+            written.insert(file);
+        }
+        return nativeSystem().writeAt(file, position, bytes);
+    };
+    refusing.readAt = [](SystemFile file, std::int64_t position, std::span<char> target) {
+        const std::lock_guard lock(guard);
+        return written.contains(file) ? std::int64_t{-1} : nativeSystem().readAt(file, position, target);
     };
     useSystem(refusing);
 }

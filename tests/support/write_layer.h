@@ -1,14 +1,25 @@
 // Objects of every kind through the writer of layers, for tests that look at what comes out.
 #pragma once
 
+#include "gis/layer_table.h"
 #include "gis/layer_writer.h"
+#include "host/units.h"
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace gridforge::test {
+
+// A new layer, which is the first thing that the process opens.
+inline gis::LayerWriter newLayer(std::string_view fileName, const gis::LayerSpec& spec)
+{
+    startUnits(1000);
+    gis::initialise();
+    return gis::createLayer(fileName, spec);
+}
 
 struct Vertex {
     double x;

@@ -1,6 +1,6 @@
 #include "gis/point_look.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/text.h"
 #include "gis/mif/base_name.h"
 #include "host/quiet_input.h"

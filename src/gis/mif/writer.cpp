@@ -1,6 +1,7 @@
 #include "gis/mif/writer.h"
 
-#include "core/numbers.h"
+#include "core/fixed_digits.h"
+#include "core/number_text.h"
 #include "core/product.h"
 #include "core/text.h"
 #include "gis/gis_messages.h"
@@ -9,8 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -27,14 +26,12 @@ constexpr std::size_t kRoom = 256; // more than any line of fields
 // realField in place, because layers have millions of coordinates.
 void putField(char*& out, double value, int decimals)
 {
-    std::array<char, std::size_t{2} * kFieldWidth> digits;
-    const auto [end, error] =
-        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed, decimals);
-    const auto length = static_cast<std::size_t>(end - digits.data());
+    FixedRoom room;
+    const std::string_view digits = fixedDigits(value, decimals, room);
     constexpr auto kWidth = static_cast<std::size_t>(kFieldWidth);
-    if (error == std::errc() && length <= kWidth && std::isfinite(value)) {
-        std::memset(out, ' ', kWidth - length);
-        std::memcpy(out + kWidth - length, digits.data(), length);
+    if (!digits.empty() && digits.size() <= kWidth) {
+        std::memset(out, ' ', kWidth - digits.size());
+        std::memcpy(out + kWidth - digits.size(), digits.data(), digits.size());
     } else {
         const std::string field = realField(value, kFieldWidth, decimals);
         std::memcpy(out, field.data(), std::min(field.size(), kWidth));

@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "gis/gis_messages.h"
 #include "gis/shp/byte_order.h"
+#include "gis/shp/codes.h"
 #include "host/console.h"
 
 #include <algorithm>
@@ -13,11 +14,8 @@ namespace gridforge::gis::shp {
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 32;
 constexpr std::size_t kRestOfName = 10;
 constexpr std::size_t kRestOfField = 15; // includes the decimals, which a reader of text does not need
-constexpr unsigned char kEndOfFields = 13;
-constexpr unsigned char kEndOfTable = 26;
 
 void need(const DbfTable& dbf, std::span<std::byte> bytes, std::string_view refused, std::string_view ended)
 {
@@ -148,7 +146,7 @@ void endTable(const DbfTable& dbf)
 void dbfReadHeader(DbfTable& dbf)
 {
     seekTo(dbf.dbfUnit, 0);
-    std::array<std::byte, kHeaderBytes> head;
+    std::array<std::byte, kDbfHeaderBytes> head;
     needHeader(dbf, head);
     dbf.nRecords = fromBytes<std::int32_t>(&head[4]);
     say("DBF file contains ", dbf.nRecords, " records.");

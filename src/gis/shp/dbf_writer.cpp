@@ -1,10 +1,12 @@
 #include "gis/shp/dbf_writer.h"
 
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/product.h"
 #include "core/text.h"
 #include "gis/gis_messages.h"
 #include "gis/shp/byte_order.h"
+#include "gis/shp/codes.h"
+#include "gis/shp/write_steps.h"
 #include "host/system.h"
 
 #include <algorithm>
@@ -14,17 +16,14 @@ namespace gridforge::gis::shp {
 
 namespace {
 
-constexpr std::int32_t kHeaderBytes = 32;
 constexpr std::int32_t kFieldBytes = 32;
 constexpr std::size_t kNameBytes = 10; // and a zero byte
 constexpr std::size_t kRecordCountAt = 4;
 constexpr std::int64_t kMostRecordBytes = 65534;
 constexpr std::int32_t kMostFieldLength = 255;
 constexpr std::size_t kValueWidth = 256;
-constexpr char kEndOfFields = 13;
-constexpr char kEndOfTable = 26;
 
-void failHeader(Unit)
+void failDbfHeader(Unit)
 {
     gisFail("ERROR 0413 - Writing .dbf file header.");
 }
@@ -32,17 +31,6 @@ void failHeader(Unit)
 void failRecord(Unit)
 {
     gisFail("ERROR 0417 - Writing .dbf record.");
-}
-
-void failRewrite(Unit)
-{
-    gisFail("ERROR 0413 - Rewriting .dbf file header with final information.");
-}
-
-// Flushes the unit, so that a failed write is reported by the step that wrote the bytes.
-void settle(Unit unit)
-{
-    seekTo(unit, position(unit));
 }
 
 // --- Fields ----------------------------------------------------------------------------------------------------------
@@ -102,7 +90,7 @@ void mapFields(std::span<const Column> columns, DbfTable& dbf)
 
 void writeHead(const DbfTable& dbf)
 {
-    std::array<char, kHeaderBytes> head = {};
+    std::array<char, kDbfHeaderBytes> head = {};
     constexpr int kFirstYear = 1900;
     const CalendarDate date = theSystem().today();
     char* at = putBytes(head.data(), std::int8_t{3});
@@ -110,7 +98,7 @@ void writeHead(const DbfTable& dbf)
     at = putBytes(at, i1u(date.month));
     at = putBytes(at, i1u(date.day));
     at = putBytes(at, dbf.nRecords);
-    at = putBytes(at, i2u(kFieldBytes * dbf.nFields + kHeaderBytes + 1));
+    at = putBytes(at, i2u(kFieldBytes * dbf.nFields + kDbfHeaderBytes + 1));
     putBytes(at, i2u(dbf.recordLength + 1));
     writeText(dbf.dbfUnit, {head.data(), head.size()});
 }
@@ -167,7 +155,7 @@ void putValue(std::string_view value, std::size_t length, bool isText, char* fie
 
 void dbfWriteHeader(std::span<const Column> columns, DbfTable& dbf)
 {
-    onWriteFailure(dbf.dbfUnit, failHeader);
+    onWriteFailure(dbf.dbfUnit, failDbfHeader);
     seekTo(dbf.dbfUnit, 0);
     dbf.nRecords = 0;
     dbf.currentRecord = 0;

@@ -1,6 +1,7 @@
 #include "gis/point_look.h"
 
 #include "gis/shp/byte_order.h"
+#include "gis/shp/codes.h"
 #include "host/quiet_input.h"
 
 #include <array>
@@ -12,13 +13,10 @@ namespace gridforge::gis::shp {
 
 std::optional<std::vector<PointPlace>> lookAtPoints(std::string_view fileName)
 {
-    constexpr std::size_t kHeaderBytes = 100;
     constexpr std::size_t kHeadBytes = 8; // of a record, before its type
-    constexpr std::int32_t kNull = 0;
-    constexpr std::int32_t kPoint = 1;
     const std::optional<QuietInput> input = findQuietly(fileName);
     FileStream in = input ? openQuietly(*input) : FileStream();
-    std::array<std::byte, kHeaderBytes> header;
+    std::array<std::byte, kShpHeaderBytes> header;
     if (!in.isOpen() || !in.readBytes(header)) {
         return std::nullopt;
     }

@@ -1,12 +1,13 @@
 #include "gis/shp/reader.h"
 
 #include "core/names.h"
-#include "core/numbers.h"
+#include "core/number_text.h"
 #include "core/product.h"
 #include "core/text.h"
 #include "gis/gis_messages.h"
 #include "gis/projection.h"
 #include "gis/shp/byte_order.h"
+#include "gis/shp/codes.h"
 #include "gis/shp/dbf_reader.h"
 #include "host/console.h"
 #include "host/ends.h"
@@ -20,17 +21,9 @@ namespace gridforge::gis::shp {
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 100;
 constexpr std::size_t kBoxBytes = 32;
-constexpr std::size_t kVertexBytes = 16;
-constexpr std::size_t kVerticesAtOnce = 512;
+constexpr std::size_t kReadVertices = 512;
 constexpr int kMessageColumns = 8;
-
-constexpr std::int32_t kNull = 0;
-constexpr std::int32_t kPoint = 1;
-constexpr std::int32_t kPolyline = 3;
-constexpr std::int32_t kPolygon = 5;
-constexpr std::int32_t kMultiPoint = 8;
 
 std::string_view shapeName(std::int32_t type)
 {
@@ -130,9 +123,9 @@ void requireRoom(std::int64_t np, std::int32_t maxVertices)
 template <typename Take>
 void needVertices(Unit unit, std::int64_t count, const Take& take)
 {
-    std::array<std::byte, kVerticesAtOnce * kVertexBytes> bytes;
+    std::array<std::byte, kReadVertices * kVertexBytes> bytes;
     for (std::int64_t done = 0; done < count;) {
-        const std::int64_t now = std::min(count - done, static_cast<std::int64_t>(kVerticesAtOnce));
+        const std::int64_t now = std::min(count - done, static_cast<std::int64_t>(kReadVertices));
         const auto piece = std::span(bytes).first(static_cast<std::size_t>(now) * kVertexBytes);
         need(unit, piece, kCoordinateMessages);
         for (std::int64_t i = 0; i < now; ++i) {
@@ -280,7 +273,7 @@ struct FileHeader {
 // Rewinds and reads the 100 bytes of the header. A short or unreadable file ends the run.
 FileHeader readFileHeader(Unit unit)
 {
-    std::array<std::byte, kHeaderBytes> bytes;
+    std::array<std::byte, kShpHeaderBytes> bytes;
     seekTo(unit, 0);
     need(unit, bytes, kHeaderMessages);
     return {fromBytes<std::int32_t, std::endian::big>(bytes.data()),

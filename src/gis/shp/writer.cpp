@@ -5,7 +5,9 @@
 #include "core/text.h"
 #include "gis/gis_messages.h"
 #include "gis/shp/byte_order.h"
+#include "gis/shp/codes.h"
 #include "gis/shp/dbf_writer.h"
+#include "gis/shp/write_steps.h"
 #include "host/ends.h"
 
 #include <algorithm>
@@ -17,11 +19,9 @@ namespace gridforge::gis::shp {
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 100;
 constexpr std::size_t kLengthAt = 24;
 constexpr std::size_t kBoxAt = 36;
-constexpr std::size_t kVertexBytes = 16;
-constexpr std::size_t kVerticesAtOnce = 4096;
+constexpr std::size_t kWrittenVertices = 4096;
 constexpr std::int32_t kFileCode = 9994;
 constexpr std::int32_t kVersion = 1000;
 constexpr std::int32_t kHeaderWords = 50; // lengths are in 16-bit words
@@ -29,13 +29,7 @@ constexpr std::int32_t kRecordHeadWords = 4;
 // The box of a layer starts from this: 9e29 in single precision.
 constexpr double kNoBox = 9.000000135427196e+29;
 
-constexpr std::int32_t kNull = 0;
-constexpr std::int32_t kPoint = 1;
-constexpr std::int32_t kPolyline = 3;
-constexpr std::int32_t kPolygon = 5;
-constexpr std::int32_t kMultiPoint = 8;
-
-void failHeader(Unit)
+void failShpHeader(Unit)
 {
     gisFail("ERROR 0437 - Writing .shp file header.");
 }
@@ -43,17 +37,6 @@ void failHeader(Unit)
 void failObject(Unit)
 {
     gisFail("ERROR 0439 - Writing .shp file object coordinates.");
-}
-
-void failRewrite(Unit)
-{
-    gisFail("ERROR 0413 - Rewriting .dbf file header with final information.");
-}
-
-// Flushes the unit, so that a failed write is reported by the step that wrote the bytes.
-void settle(Unit unit)
-{
-    seekTo(unit, position(unit));
 }
 
 // --- Boxes -----------------------------------------------------------------------------------------------------------
@@ -106,7 +89,7 @@ void writeVertices(Unit unit, const Feature& f)
 {
     const std::size_t np = f.x.size();
     for (std::size_t i = 0; i < np;) {
-        const std::size_t end = std::min(np, i + kVerticesAtOnce);
+        const std::size_t end = std::min(np, i + kWrittenVertices);
         const std::size_t bytes = (end - i) * kVertexBytes;
         char* at = writeRoom(unit, bytes).data();
         for (; i < end; ++i) {
@@ -334,7 +317,7 @@ void writeFileHeader(ShpTarget& shp, Unit unitLE, Unit unitBE)
         gisMisuse("[shpnotopen]");
     }
     shp.fileLength = kHeaderWords;
-    std::array<char, kHeaderBytes> header = {};
+    std::array<char, kShpHeaderBytes> header = {};
     putBytes<std::endian::big>(header.data(), kFileCode);
     char* at = putBytes<std::endian::big>(&header[kLengthAt], shp.fileLength);
     at = putBytes(at, kVersion);
@@ -342,7 +325,7 @@ void writeFileHeader(ShpTarget& shp, Unit unitLE, Unit unitBE)
     putBox(at, shp.box);
 
     const Unit unit = unitLE == shp.shxUnit ? unitBE : unitLE;
-    onWriteFailure(unit, failHeader);
+    onWriteFailure(unit, failShpHeader);
     seekTo(unit, 0);
     writeText(unit, {header.data(), header.size()});
     truncateHere(unit);

@@ -329,6 +329,7 @@ const System& memorySystem()
 {
     static constexpr System kMemory = {
         .open = openFile,
+        .inherited = [](std::int64_t) { return SystemFile::none; },
         .close = closeFile,
         .read = readFile,
         .readAt = readFileAt,

@@ -9,10 +9,12 @@
 #include <csetjmp>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <poll.h>
 #include <sys/stat.h>
@@ -90,6 +92,12 @@ SystemFile openFile(const std::string& name, OpenFor purpose)
         posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
     }
     return SystemFile{descriptor};
+}
+
+SystemFile inheritedFile(std::int64_t number)
+{
+    const bool isNumber = number >= 0 && number <= std::numeric_limits<int>::max();
+    return isNumber && fcntl(static_cast<int>(number), F_GETFD) != -1 ? SystemFile{number} : SystemFile::none;
 }
 
 bool closeFile(SystemFile file)
@@ -344,6 +352,7 @@ const System& nativeSystem()
 {
     static constexpr System kPosix = {
         .open = openFile,
+        .inherited = inheritedFile,
         .close = closeFile,
         .read = readFile,
         .readAt = readFileAt,
@@ -387,6 +396,17 @@ void prepareProcess()
     std::signal(SIGPIPE, SIG_IGN);
     // Without the signal, a write past the largest allowed file fails and is reported.
     std::signal(SIGXFSZ, SIG_IGN);
+}
+
+std::vector<std::string> argumentsOf(int argc, char** argv)
+{
+    return {argv + (argc > 0 ? 1 : 0), argv + argc};
+}
+
+std::optional<std::string> processVariable(const char* name)
+{
+    const char* const value = std::getenv(name);
+    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
 }
 
 void runGuarded(const std::function<void()>& work)

@@ -90,6 +90,18 @@ TEST(ConvCli, OneOutputNameForSeveralGridsKeepsTheLast)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(ConvCli, OneGridMayHaveAnOutputNameAndSeveralMayHaveNone)
+{
+    for (const char* arguments : {"-conv -out o a.asc", "-conv a.asc b.asc"}) {
+        ToolRun run(arguments);
+        run.give("a.asc", ascGrid({{1}}));
+        run.give("b.asc", ascGrid({{2}}));
+        run.start();
+        EXPECT_FALSE(run.says("ERROR - Cannot use \"-out\" option when converting multiple grids."));
+        EXPECT_TRUE(run.says("Finished."));
+    }
+}
+
 TEST(ConvCli, TheFormatOfTheInputIsRefusedAsFormatOfTheOutput)
 {
     for (const char* arguments : {"-conv -asc a.asc", "-conv a.asc -out b.asc"}) {
@@ -251,6 +263,25 @@ TEST(ConvCli, RefusesBinaryCellsThatAreShort)
         run.start();
         EXPECT_CONSOLE_HOLDS(run, errorEnd("Opened File Unit:1001", "", kBadCells));
         EXPECT_NO_OTHER_FILES(run);
+    }
+}
+
+// More than is read at once, in both ways of reading: ahead, and step by step after a question.
+TEST(ConvCli, RefusesManyBinaryCellsThatAreShort)
+{
+    constexpr std::size_t kSide = 700;
+    for (const std::size_t missing : {1U, 4U, 1000000U}) {
+        for (const bool isAsked : {false, true}) {
+            ToolRun run("-conv a.flt");
+            run.give("a.flt", std::string(kSide * kSide * sizeof(float) - missing, '\1'));
+            run.give(isAsked ? "b.hdr" : "a.hdr", hdr(kSide, kSide));
+            if (isAsked) {
+                run.type("b.hdr");
+            }
+            run.start();
+            EXPECT_CONSOLE_HOLDS(run, errorEnd("Opened File Unit:1001", "", kBadCells));
+            EXPECT_NO_OTHER_FILES(run);
+        }
     }
 }
 

@@ -22,15 +22,6 @@ const std::string kSouthWest = mifRectangle("100", "200", "120", "210");
 const std::string kEast = mifRectangle("110", "200", "130", "220");
 const std::string kWhole = mifRectangle("90", "190", "140", "230");
 
-void expectRefusal(ToolRun& run, const Lines& message)
-{
-    run.start();
-    EXPECT_EQ(run.status(), 0);
-    EXPECT_CONSOLE_HOLDS(run, joined({message, errorEnd()}));
-    EXPECT_EQ(run.read("rain_index.csv"), "");
-    EXPECT_NO_OTHER_FILES(run);
-}
-
 TEST(RainfallPolygonCli, RainsByAreasAndSumsUp)
 {
     ToolRun run("-b -rf rain.rfc");

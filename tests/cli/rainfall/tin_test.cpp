@@ -26,15 +26,6 @@ void giveCase(ToolRun& run, const std::string& records)
     giveRainfallLayer(run, "triangles", kTriangle, "x,1,1\n");
 }
 
-void expectRefusal(ToolRun& run, const Lines& message)
-{
-    run.start();
-    EXPECT_EQ(run.status(), 0);
-    EXPECT_CONSOLE_HOLDS(run, joined({message, errorEnd()}));
-    EXPECT_EQ(run.read("rain_index.csv"), "");
-    EXPECT_NO_OTHER_FILES(run);
-}
-
 TEST(RainfallTinCli, InterpolatesBetweenThePointsOfATriangle)
 {
     ToolRun run("-b -rf rain.rfc");

@@ -1,6 +1,6 @@
 // Both families of layers side by side with OGR: what it writes is read, what is written it reads, and what goes through it
 // from one family to the other comes back as it was.
-#include "core/numbers.h"
+#include "core/free_form.h"
 #include "core/text.h"
 #include "gis/layer_reader.h"
 #include "host/console.h"
@@ -36,9 +36,7 @@ protected:
     template <typename Write>
     void writeLayer(const std::string& base, const char* families, Write write)
     {
-        startUnits(1000);
-        gis::initialise();
-        gis::LayerWriter layer = gis::createLayer(
+        gis::LayerWriter layer = newLayer(
             at(base + kind()),
             {.columns = {{"Name", "Char", 20}, {"N", "Integer"}},
              .projection = {"CoordSys NonEarth Units \"m\" Bounds (-10000000, -10000000) (10000000, 10000000)", ""},
@@ -160,12 +158,10 @@ TEST_P(LayersInterop, ALayerWithoutObjectsHasNoneOrEndsTheRun)
 
 TEST_P(LayersInterop, AttributesHaveTheirTypesAndWidths)
 {
-    startUnits(1000);
-    gis::initialise();
-    gis::LayerWriter layer = gis::createLayer(
-        at("out" + kind()), {.columns = {{"Text", "Char", 12}, {"Whole", "Integer"}, {"Real", "Float"}},
-                             .projection = {"CoordSys NonEarth Units \"m\"", ""},
-                             .families = "P"});
+    gis::LayerWriter layer =
+        newLayer(at("out" + kind()), {.columns = {{"Text", "Char", 12}, {"Whole", "Integer"}, {"Real", "Float"}},
+                                      .projection = {"CoordSys NonEarth Units \"m\"", ""},
+                                      .families = "P"});
     writeObject(layer, gis::Kind::point, {1}, {{1, 2}}, "\"abc\",-17,1234.5");
     layer.close();
     if (kind() == ".shp") {
@@ -376,9 +372,7 @@ using ShpBytesInterop = OgrTest<>;
 TEST_F(ShpBytesInterop, FilesAreThoseThatOgrWrites)
 {
     const std::vector<RandomObject> objects = RandomObjects(6).some(300);
-    startUnits(1000);
-    gis::initialise();
-    gis::LayerWriter layer = gis::createLayer(at("out.shp"), {.columns = {{"Name", "Char", 20}}, .families = kKinds});
+    gis::LayerWriter layer = newLayer(at("out.shp"), {.columns = {{"Name", "Char", 20}}, .families = kKinds});
     for (const RandomObject& o : objects) {
         writeObject(layer, o.kind, o.parts, o.vertices, "\"" + o.name + "\"");
     }

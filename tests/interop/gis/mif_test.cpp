@@ -14,12 +14,10 @@ class MifInterop : public OgrTest<> {};
 
 TEST_F(MifInterop, OgrReadsWhatIsWritten)
 {
-    startUnits(1000);
-    gis::initialise();
-    gis::LayerWriter layer = gis::createLayer(
-        at("out.mif"),
-        {.columns = {{"Name", "Char", 20}, {"Val", "Float"}, {"N", "Integer"}},
-         .projection = {"CoordSys NonEarth Units \"m\" Bounds (-1000000, -1000000) (1000000, 1000000)", ""}});
+    gis::LayerWriter layer =
+        newLayer(at("out.mif"),
+                 {.columns = {{"Name", "Char", 20}, {"Val", "Float"}, {"N", "Integer"}},
+                  .projection = {"CoordSys NonEarth Units \"m\" Bounds (-1000000, -1000000) (1000000, 1000000)", ""}});
     gis::Feature point = featureOf(gis::Kind::point, {{1.5, -2.25}}, {}, "\"a, b\",0.5,1");
     point.style.first = "    Symbol (37,255,12)";
     layer.write(point);

@@ -15,9 +15,7 @@ class ShpInterop : public OgrTest<> {};
 
 TEST_F(ShpInterop, OgrReadsWhatIsWritten)
 {
-    startUnits(1000);
-    gis::initialise();
-    gis::LayerWriter layer = gis::createLayer(
+    gis::LayerWriter layer = newLayer(
         at("out.shp"), {.columns = {{"Name", "Char", 20}, {"Val", "Float"}, {"N", "Integer"}}, .families = "PLR"});
     // Rings turn clockwise outside and the other way in holes, as readers of the format expect it of their writer.
     writeObject(layer, gis::Kind::point, {1}, {{293000.125, 6178000.5}}, "\"a, b\",0.5,1");
@@ -58,9 +56,7 @@ TEST_F(ShpInterop, OgrReadsWhatIsWritten)
 // OGR finds single records by the .shx, so that one is right too, and it accepts the layers without objects.
 TEST_F(ShpInterop, OgrFindsRecordsByTheIndex)
 {
-    startUnits(1000);
-    gis::initialise();
-    gis::LayerWriter layer = gis::createLayer(at("out.shp"), {.columns = {{"N", "Integer"}}, .families = "PL"});
+    gis::LayerWriter layer = newLayer(at("out.shp"), {.columns = {{"N", "Integer"}}, .families = "PL"});
     for (int i = 1; i <= 50; ++i) {
         std::vector<Vertex> vertices(static_cast<std::size_t>(i) + 1, {i * 1.0, i * 2.0});
         writeObject(layer, gis::Kind::polyline, {1}, vertices, std::to_string(i));

@@ -18,14 +18,8 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::Cells;
-using test::Environment;
-using test::GivenFiles;
-using test::Outcome;
-using test::runOperationOn;
 
 constexpr std::size_t kRows = 230; // more than two numbers of rows on the console
 constexpr std::size_t kColumns = 37;
@@ -85,7 +79,7 @@ GivenFiles regions(const std::vector<std::string>& rings)
         records += "r" + std::to_string(records.size() / 6 + 10) + ",1\n";
         body += "Region 1\n" + std::to_string(corners) + "\n" + ring;
     }
-    return {{"r.mif", test::mifText(body)}, {"r.mid", records}};
+    return {{"r.mif", mifText(body)}, {"r.mid", records}};
 }
 
 std::string square(int west, int south, int side)
@@ -162,7 +156,7 @@ protected:
         const bool binary = extension == ".flt";
         give(binary);
         const std::string line = GetParam().options + names_ + output;
-        test::expectBothWaysTheSame(given_, line, !binary);
+        expectBothWaysTheSame(given_, line, !binary);
     }
 
 private:
@@ -176,10 +170,10 @@ private:
             const Cells cells = cellsOfGrid(number % 20, null, binary);
             names_ += ' ' + base + (binary ? ".flt" : ".asc");
             if (binary) {
-                given_[base + ".hdr"] = test::hdr(cells, {.null = null});
-                given_[base + ".flt"] = test::fltCells(cells);
+                given_[base + ".hdr"] = hdr(cells, {.null = null});
+                given_[base + ".flt"] = fltCells(cells);
             } else {
-                given_[base + ".asc"] = test::ascGrid(cells, {.null = null});
+                given_[base + ".asc"] = ascGrid(cells, {.null = null});
             }
         }
     }
@@ -236,7 +230,7 @@ TEST(Ways, StepByStepForALatticeThatDiffers)
 {
     const std::size_t before = waysGone(run::Way::otherLattice);
     run::InputFileList inputs;
-    const test::ScratchFolder folder;
+    const ScratchFolder folder;
     folder.give("a.asc", kOnes);
     folder.give("b.asc", asc("7 8 9\n1 1 1\n", "0.02"));
     inputs.add(folder.path() / "a.asc");
@@ -275,14 +269,14 @@ TEST(Ways, AheadWhereTheTextTakesThePlaceOfTheInput)
 {
     const Cells cells = {{1, 2, 3}, {4, -5.5, 6}};
     const std::size_t ahead = waysGone(run::Way::ahead);
-    const test::ScratchFolder folder;
-    folder.give("a.hdr", test::hdr(cells));
-    folder.give("a.flt", test::fltCells(cells));
+    const ScratchFolder folder;
+    folder.give("a.hdr", hdr(cells));
+    folder.give("a.flt", fltCells(cells));
     std::filesystem::create_hard_link(folder.path() / "a.flt", folder.path() / "a.asc");
-    const Outcome outcome = test::runOperationIn(folder, "-conv a.flt");
+    const Outcome outcome = runOperationIn(folder, "-conv a.flt");
     EXPECT_EQ(waysGone(run::Way::ahead), ahead + 1);
-    EXPECT_EQ(test::readWrittenAsc(outcome.files.at("a.asc")).cells, cells);
+    EXPECT_EQ(readWrittenAsc(outcome.files.at("a.asc")).cells, cells);
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

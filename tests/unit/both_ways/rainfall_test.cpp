@@ -8,13 +8,8 @@
 #include <ostream>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::GivenFiles;
-using test::mifPoint;
-using test::Outcome;
-using test::runOperationOn;
 
 const std::string kColumns = "Columns 3\n  Name Char(40)\n  F1 Float\n  F2 Float\n";
 
@@ -31,7 +26,7 @@ GivenFiles storm(const std::string& method)
     GivenFiles given;
     given["rain.rfc"] = "RF GRID Cell Size == 10\nRF GRID Size (X,Y) == 300, 470\nRF GRID Origin == 100 200\n"
                         "RF Grid Format == FLT\n" +
-                        test::kThreeHyetographs + method;
+                        kThreeHyetographs + method;
     given["a.csv"] = "Time,Depth\n0,2\n0.5,4\n1,0.7\n";
     given["b.csv"] = "Time,Depth\n0,10\n0.5,20\n1,3.3\n";
     given["c.csv"] = "Time,Depth\n0,6\n0.5,30\n1,9.1\n";
@@ -39,10 +34,10 @@ GivenFiles storm(const std::string& method)
               mifPoint("110 220") + mifPoint("390 230") + mifPoint("250 660") + mifPoint("180 400") +
                   mifPoint("333 515") + mifPoint("105 205"),
               "a,1,1\nb,1,0.9\nc,0.8,1\nb,1,1.1\na,1.2,1\nc,1,1\n");
-    giveLayer(given, "triangles", test::mifRegion(4, "110 220\n390 230\n250 660\n110 220\n"), "x,1,1\n");
+    giveLayer(given, "triangles", mifRegion(4, "110 220\n390 230\n250 660\n110 220\n"), "x,1,1\n");
     giveLayer(given, "areas",
-              test::mifRegion(5, "100 200\n260 210\n240 480\n90 470\n100 200\n") +
-                  test::mifRegion(5, "270 220\n410 220\n400 600\n280 590\n270 220\n"),
+              mifRegion(5, "100 200\n260 210\n240 480\n90 470\n100 200\n") +
+                  mifRegion(5, "270 220\n410 220\n400 600\n280 590\n270 220\n"),
               "x,1,1\ny,1,1\n");
     return given;
 }
@@ -63,11 +58,11 @@ TEST_P(RainfallMethods, DoNotDependOnThreads)
 {
     const GivenFiles given = storm(GetParam().commands);
     const Outcome one = [&] {
-        const test::Environment environment({{"GRIDFORGE_THREADS", "1"}});
+        const Environment environment({{"GRIDFORGE_THREADS", "1"}});
         return runOperationOn(given, "-rf rain.rfc");
     }();
     ASSERT_EQ(one.files.count("rain_total.flt"), 1U) << one.console;
-    test::expectSameInPieces(one, GetParam().name, [&](const auto&) { return runOperationOn(given, "-rf rain.rfc"); });
+    expectSameInPieces(one, GetParam().name, [&](const auto&) { return runOperationOn(given, "-rf rain.rfc"); });
 }
 
 const std::string kByIdw = "RF Interpolation Method == IDW\nRead GIS RF Points == gauges.mif\n";
@@ -84,4 +79,4 @@ INSTANTIATE_TEST_SUITE_P(Rainfall, RainfallMethods,
                          [](const auto& one) { return one.param.name; });
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

@@ -11,14 +11,8 @@
 #include <ostream>
 #include <string>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::Cells;
-using test::expectBothWaysTheSame;
-using test::GivenFiles;
-using test::Outcome;
-using test::runOperationOn;
 
 constexpr std::size_t kFineRows = 230; // more than two numbers of rows on the console
 constexpr std::size_t kFineColumns = 37;
@@ -75,13 +69,13 @@ std::ostream& operator<<(std::ostream& out, const Remap& one)
 
 class Remaps : public testing::TestWithParam<Remap> {
 protected:
-    void give(const std::string& base, const Cells& cells, test::GridOptions options)
+    void give(const std::string& base, const Cells& cells, GridOptions options)
     {
         if (extension_ == ".flt") {
-            files_[base + ".hdr"] = test::hdr(cells, options);
-            files_[base + ".flt"] = test::fltCells(cells);
+            files_[base + ".hdr"] = hdr(cells, options);
+            files_[base + ".flt"] = fltCells(cells);
         } else {
-            files_[base + ".asc"] = test::ascGrid(cells, options);
+            files_[base + ".asc"] = ascGrid(cells, options);
         }
     }
 
@@ -90,7 +84,7 @@ protected:
     {
         extension_ = extension;
         files_.clear();
-        const test::GridOptions coarse{.xll = -1.25, .yll = -2.5, .cellsize = 5, .null = GetParam().null};
+        const GridOptions coarse{.xll = -1.25, .yll = -2.5, .cellsize = 5, .null = GetParam().null};
         give("l", levels(GetParam().null, 3), coarse);
         give("d", ground(extension == ".flt"), {.null = -9999});
         std::string line = GetParam().options + " -wl l" + extension + " -dem d" + extension;
@@ -164,7 +158,7 @@ TEST_P(OddTerrain, WithoutRoomForCellsThatWaitIsTakenStepByStep)
 {
     const std::string line = giveAll(".flt") + " -asc";
     const Outcome ordinary = runOperationOn(files_, line);
-    const test::Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "/nowhere"}});
+    const Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "/nowhere"}});
     const std::size_t noRoom = waysGone(run::Way::noRoom);
     const Outcome found = runOperationOn(files_, line);
     EXPECT_EQ(waysGone(run::Way::noRoom), noRoom + 1);
@@ -180,11 +174,11 @@ TEST_P(IdwRemaps, DoNotDependOnThreads)
     for (const std::string extension : {".flt", ".asc"}) {
         const std::string line = giveAll(extension);
         const Outcome one = [&] {
-            const test::Environment environment({{"GRIDFORGE_THREADS", "1"}});
+            const Environment environment({{"GRIDFORGE_THREADS", "1"}});
             return runOperationOn(files_, line);
         }();
         ASSERT_GT(one.files.size(), files_.size() + 2) << one.console;
-        test::expectSameInPieces(one, line, [&](const auto&) { return runOperationOn(files_, line); });
+        expectSameInPieces(one, line, [&](const auto&) { return runOperationOn(files_, line); });
     }
 }
 
@@ -196,4 +190,4 @@ INSTANTIATE_TEST_SUITE_P(Methods, IdwRemaps,
                          [](const auto& one) { return one.param.name; });
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

@@ -15,14 +15,8 @@
 #include <string>
 #include <vector>
 
-namespace gridforge {
+namespace gridforge::test {
 namespace {
-
-using test::Cells;
-using test::expectBothWaysTheSame;
-using test::GivenFiles;
-using test::Outcome;
-using test::runOperationOn;
 
 constexpr std::size_t kRows = 300; // more than two bands of rows that are read together
 constexpr std::size_t kColumns = 150;
@@ -47,8 +41,8 @@ Cells levels(std::uint32_t seed)
 void giveGrid(GivenFiles& given, const std::string& base, std::uint32_t seed, double cellsize = 1)
 {
     const Cells cells = levels(seed);
-    given[base + ".hdr"] = test::hdr(cells, {.xll = kWest, .yll = kSouth, .cellsize = cellsize});
-    given[base + ".flt"] = test::fltCells(cells);
+    given[base + ".hdr"] = hdr(cells, {.xll = kWest, .yll = kSouth, .cellsize = cellsize});
+    given[base + ".flt"] = fltCells(cells);
 }
 
 struct Place {
@@ -141,13 +135,13 @@ TEST(CalibrationPointsAhead, OfATextGridAreReadWhole)
     GivenFiles given = marks();
     Cells cells = levels(1);
     cells[100][70] = 1;
-    given["a.asc"] = test::ascGrid(cells, {.xll = kWest, .yll = kSouth});
+    given["a.asc"] = ascGrid(cells, {.xll = kWest, .yll = kSouth});
     expectWay(run::Way::textGrid, given, "-cp m.mif a.asc -cpsd12");
 }
 
 TEST(CalibrationPointsAhead, InWindowsOfMoreCellsThanTheGridAreReadWhole)
 {
-    const test::Environment environment({{"GRIDFORGE_PIECE", "1"}}); // none is read together with another one
+    const Environment environment({{"GRIDFORGE_PIECE", "1"}}); // none is read together with another one
     expectWay(run::Way::wideWindows, marks(), "-cp m.mif g.flt -cpsd100");
 }
 
@@ -179,14 +173,14 @@ GivenFiles town()
     GivenFiles given;
     giveGrid(given, "g1", 3);
     giveGrid(given, "g2", 4, 0.9);
-    given["c.csv"] = test::kHundredAMetre;
+    given["c.csv"] = kHundredAMetre;
     std::string objects;
     std::string records;
     int number = 0;
     for (const auto& [x, y] : places(150)) {
         records += "\"House\",\"B" + std::to_string(++number) + "\",1.5,1\n";
         if (number % 3 == 0) {
-            objects += test::pointMif(shown(x), shown(y));
+            objects += pointMif(shown(x), shown(y));
             continue;
         }
         const double size = number % 40 == 1 ? 90 : 2 + number % 9;
@@ -198,7 +192,7 @@ GivenFiles town()
         }
         objects += "    Pen (1,2,0)\n    Brush (1,0,16777215)\n";
     }
-    given["b.mif"] = test::buildingsMif(objects);
+    given["b.mif"] = buildingsMif(objects);
     given["b.mid"] = records;
     return given;
 }
@@ -223,7 +217,7 @@ TEST(DamagesAhead, AreThoseOfTheWholeGrids)
 TEST(DamagesAhead, OfBuildingsOutsideTheGridReadNothing)
 {
     GivenFiles given = town();
-    given["b.mif"] = test::buildingsMif(test::pointMif("0", "0") + test::boxMif(1, 1, 5, 5));
+    given["b.mif"] = buildingsMif(pointMif("0", "0") + boxMif(1, 1, 5, 5));
     given["b.mid"] = "\"House\",\"P\",1,1\n\"House\",\"B\",1,1\n";
     given["t.dmg"] = control("Max");
     const std::size_t ahead = waysGone(run::Way::ahead);
@@ -236,10 +230,10 @@ TEST(DamagesAhead, OfBuildingsOutsideTheGridReadNothing)
 TEST(DamagesAhead, OfATextGridAreReadWhole)
 {
     GivenFiles given = town();
-    given["wl.asc"] = test::ascGrid({{1, 2, 3}, {4, 5, 6}});
+    given["wl.asc"] = ascGrid({{1, 2, 3}, {4, 5, 6}});
     given["t.dmg"] = "Read GIS Building == b.mif\nRead Curve House == c.csv\nRead Result % 1 == wl.asc\n";
     expectWay(run::Way::textGrid, given, "-damages t.dmg");
 }
 
 } // namespace
-} // namespace gridforge
+} // namespace gridforge::test

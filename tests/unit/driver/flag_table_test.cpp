@@ -1,6 +1,7 @@
 #include "driver/flag_table.h"
 
-#include "core/numbers.h"
+#include "core/number_text.h"
+#include "core/rounding.h"
 #include "core/text.h"
 #include "network/insert_vertices.h"
 #include "remap/idw.h"

@@ -13,8 +13,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr std::string_view kPointBody = "Point 1 2\n";
-
 TEST(OpenLayer, SaysEachStepAndCloseDoesToo)
 {
     const ScratchFolder folder;

@@ -14,8 +14,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr std::string_view kPointBody = "Point 1 2\n";
-
 TEST(OpenLayer, StandsInTheTableUntilItIsClosed)
 {
     const ScratchFolder folder;

@@ -14,42 +14,40 @@ namespace {
 
 using testing::HasSubstr;
 
+// The console of taking the projection of a layer, and what was taken.
+std::string consoleWithProjection(const ScratchFolder& folder, const char* layer)
+{
+    return consoleOf(folder, [&] {
+        gis::Projection p{"unset", "unset"};
+        gis::get_projection(layer, p);
+        say(p.mif, "|", p.shp);
+    });
+}
+
 TEST(GetProjection, TakesTheCoordSysLineOfAMif)
 {
     const ScratchFolder folder;
-    giveMif(folder, "l", "Point 1 2\n");
-    EXPECT_EQ(consoleOf(folder,
-                        [] {
-                            gis::Projection p{"unset", "unset"};
-                            gis::get_projection("l.mif", p);
-                            say(p.mif, "|", p.shp);
-                        }),
-              "Getting Projection...\n"
-              "Trying to open file l.mif...OK.\n"
-              "Opened File Unit:1001\n"
-              "Using l.mif for setting projection.\n"
-              "mif Projection: CoordSys NonEarth Units \"m\"\n"
-              "...Closed File Unit:1001\n"
-              "CoordSys NonEarth Units \"m\"|unset\n");
+    giveMif(folder, "l", kPointBody);
+    EXPECT_EQ(consoleWithProjection(folder, "l.mif"), "Getting Projection...\n"
+                                                      "Trying to open file l.mif...OK.\n"
+                                                      "Opened File Unit:1001\n"
+                                                      "Using l.mif for setting projection.\n"
+                                                      "mif Projection: CoordSys NonEarth Units \"m\"\n"
+                                                      "...Closed File Unit:1001\n"
+                                                      "CoordSys NonEarth Units \"m\"|unset\n");
 }
 
 TEST(GetProjection, TakesTheFirstProjcsLineBesideAShp)
 {
     const ScratchFolder folder;
     folder.give("l.prj", "first line\n  PROJCS[\"a\"]\nPROJCS[\"b\"]\n");
-    EXPECT_EQ(consoleOf(folder,
-                        [] {
-                            gis::Projection p{"unset", "unset"};
-                            gis::get_projection("l.SHP", p);
-                            say(p.mif, "|", p.shp);
-                        }),
-              "Getting Projection...\n"
-              "Trying to open file l.prj...OK.\n"
-              "Opened File Unit:1001\n"
-              "Using l.prj for setting projection.\n"
-              "shp Projection:   PROJCS[\"a\"]\n"
-              "...Closed File Unit:1001\n"
-              "unset|  PROJCS[\"a\"]\n");
+    EXPECT_EQ(consoleWithProjection(folder, "l.SHP"), "Getting Projection...\n"
+                                                      "Trying to open file l.prj...OK.\n"
+                                                      "Opened File Unit:1001\n"
+                                                      "Using l.prj for setting projection.\n"
+                                                      "shp Projection:   PROJCS[\"a\"]\n"
+                                                      "...Closed File Unit:1001\n"
+                                                      "unset|  PROJCS[\"a\"]\n");
 }
 
 TEST(GetProjection, EndsTheRunWithoutOne)

@@ -156,7 +156,7 @@ TEST_F(ProgressTest, WhatCannotBeWrittenEndsTheLines)
 TEST_F(ProgressTest, PlacesThatCannotBeUsedCountAsNone)
 {
     System closed = clockedSystem();
-    closed.factsOfOpen = [](SystemFile) { return std::optional<FileFacts>(); };
+    closed.inherited = [](std::int64_t) { return SystemFile::none; };
     useSystem(closed);
     for (const char* const place : {" ", "none/lines", "fd:", "fd:x", "fd:1", "fd:2", "fd:-4", "fd:77"}) {
         const Environment environment({{"GRIDFORGE_PROGRESS", place}});
@@ -170,9 +170,7 @@ TEST_F(ProgressTest, AnOpenFileIsNamedByItsNumber)
     static std::string told;
     told.clear();
     System numbered = clockedSystem();
-    numbered.factsOfOpen = [](SystemFile file) {
-        return file == SystemFile{77} ? std::optional(FileFacts()) : std::nullopt;
-    };
+    numbered.inherited = [](std::int64_t number) { return number == 77 ? SystemFile{77} : SystemFile::none; };
     numbered.write = [](SystemFile file, std::span<const char> bytes) {
         EXPECT_EQ(file, SystemFile{77});
         told.append(bytes.begin(), bytes.end());

@@ -235,7 +235,7 @@ TEST(System, OnlyItsFormsCallIt)
             }
         }
     }
-    EXPECT_EQ(calling, (std::set<std::string>{"host/ends.cpp", "host/environment.cpp", "netcdf/check_netcdf.cpp"}));
+    EXPECT_EQ(calling, (std::set<std::string>{"host/ends.cpp", "netcdf/check_netcdf.cpp"}));
     EXPECT_TRUE(callsSystem("    std::exit(EXIT_SUCCESS);"));
     EXPECT_TRUE(callsSystem("if (system(command) != 0)"));
     EXPECT_FALSE(callsSystem("    useSystem(memorySystem());"));
@@ -467,7 +467,8 @@ TEST(State, StandsWhereThePageSaysSo)
                                               "host/console.cpp", "host/ends.cpp", "host/file_stream.cpp",
                                               "host/file_system.cpp", "host/memory/memory_system.cpp",
                                               "host/messages.cpp", "host/posix/system.cpp", "host/progress.cpp",
-                                              "host/system.cpp", "host/unit_table.cpp", "run/cells_ahead.cpp"}));
+                                              "host/system.cpp", "host/unit_table.cpp", "host/windows/process.cpp",
+                                              "host/windows/system.cpp", "run/cells_ahead.cpp"}));
     EXPECT_TRUE(holdsState("    static std::atomic<int> count = 0;"));
     EXPECT_TRUE(holdsState("    static const System* system = &nativeSystem();"));
     EXPECT_FALSE(holdsState("    static const std::string none;"));

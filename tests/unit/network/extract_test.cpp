@@ -1,6 +1,5 @@
 #include "network/extract.h"
 
-#include "core/numbers.h"
 #include "plane/geometry.h"
 
 #include <algorithm>

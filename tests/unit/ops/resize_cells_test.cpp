@@ -22,24 +22,23 @@ Grid gridOf(std::int32_t nrows, std::int32_t ncols, const std::vector<float>& ce
     return grid;
 }
 
-using Tiles = decltype(&ops::averageTiles);
+using ops::ResizeMethod;
 
-// A few rows at a time.
-ops::RowSource rowsOf(const Grid& grid)
+// The rows are given a few at a time.
+std::vector<float> resized(ResizeMethod method, const Grid& grid, std::int32_t factor, float null = kNullA)
 {
-    return {[&grid](const ops::CellRows& rows) {
-                EXPECT_LE(rows.count(), 3U);
-                return std::optional<std::span<const float>>(run::rowsOf(grid, rows.first, rows.last));
-            },
-            3};
-}
-
-std::vector<float> resized(Tiles tiles, const Grid& grid, std::int32_t factor, float null = kNullA)
-{
+    constexpr std::int32_t kAtOnce = 3;
     const ops::Tiling tiling = ops::tilingOf(grid.nrows(), grid.ncols(), factor);
     Grid output;
     EXPECT_TRUE(output.allocate(tiling.rows, tiling.columns));
-    EXPECT_TRUE(tiles(rowsOf(grid), null, tiling, {1, tiling.rows}, output.cells()));
+    ops::TileRow tiles = ops::emptyTiles(method, tiling, null);
+    for (std::int32_t row = 1; row <= tiling.rows; ++row) {
+        const ops::CellRows under = ops::rowsUnder(tiling, row);
+        for (std::int32_t first = under.first; first <= under.last; first += kAtOnce) {
+            ops::takeRows(run::rowsOf(grid, first, std::min(first + kAtOnce - 1, under.last)), tiles);
+        }
+        ops::finishTiles(tiles, output.row(row));
+    }
     return {output.cells().begin(), output.cells().end()};
 }
 
@@ -70,42 +69,43 @@ TEST(Tiles, StartInTheSouthWest)
                              {31, 32, 33, //
                               21, 22, 23, //
                               11, 12, 13});
-    EXPECT_THAT(resized(ops::averageTiles, grid, 2), testing::ElementsAre(31.5F, 33, (11 + 12 + 21 + 22) / 4.0F, 18));
-    EXPECT_THAT(resized(ops::minimumTiles, grid, 2), testing::ElementsAre(31, 33, 11, 13));
-    EXPECT_THAT(resized(ops::maximumTiles, grid, 2), testing::ElementsAre(32, 33, 22, 23));
+    EXPECT_THAT(resized(ResizeMethod::average, grid, 2),
+                testing::ElementsAre(31.5F, 33, (11 + 12 + 21 + 22) / 4.0F, 18));
+    EXPECT_THAT(resized(ResizeMethod::minimum, grid, 2), testing::ElementsAre(31, 33, 11, 13));
+    EXPECT_THAT(resized(ResizeMethod::maximum, grid, 2), testing::ElementsAre(32, 33, 22, 23));
 }
 
 TEST(Tiles, PassOverNullCells)
 {
     const Grid grid = gridOf(2, 4, {kNullA, 4, kNullA, kNullA, 1, kNullA, kNullA, kNullA});
-    EXPECT_THAT(resized(ops::averageTiles, grid, 2), testing::ElementsAre(2.5F, kNullA));
-    EXPECT_THAT(resized(ops::minimumTiles, grid, 2), testing::ElementsAre(1, kNullA));
-    EXPECT_THAT(resized(ops::maximumTiles, grid, 2), testing::ElementsAre(4, kNullA));
+    EXPECT_THAT(resized(ResizeMethod::average, grid, 2), testing::ElementsAre(2.5F, kNullA));
+    EXPECT_THAT(resized(ResizeMethod::minimum, grid, 2), testing::ElementsAre(1, kNullA));
+    EXPECT_THAT(resized(ResizeMethod::maximum, grid, 2), testing::ElementsAre(4, kNullA));
 }
 
 TEST(MinimumTiles, ATileWithNothingBelowItsStartIsNull)
 {
     const Grid grid = gridOf(1, 4, {100000, 100001, 200000, 99999});
-    EXPECT_THAT(resized(ops::minimumTiles, grid, 2), testing::ElementsAre(kNullA, 99999));
-    EXPECT_THAT(resized(ops::averageTiles, grid, 1), testing::ElementsAre(100000, 100001, 200000, 99999));
-    EXPECT_THAT(resized(ops::minimumTiles, grid, 1), testing::ElementsAre(kNullA, kNullA, kNullA, 99999));
+    EXPECT_THAT(resized(ResizeMethod::minimum, grid, 2), testing::ElementsAre(kNullA, 99999));
+    EXPECT_THAT(resized(ResizeMethod::average, grid, 1), testing::ElementsAre(100000, 100001, 200000, 99999));
+    EXPECT_THAT(resized(ResizeMethod::minimum, grid, 1), testing::ElementsAre(kNullA, kNullA, kNullA, 99999));
 }
 
 TEST(MaximumTiles, ANullAboveTheDataStands)
 {
     const Grid grid = gridOf(1, 2, {3, 4});
-    EXPECT_THAT(resized(ops::maximumTiles, grid, 2, 9999.0F), testing::ElementsAre(9999));
+    EXPECT_THAT(resized(ResizeMethod::maximum, grid, 2, 9999.0F), testing::ElementsAre(9999));
 }
 
 TEST(AverageTiles, SumsInDouble)
 {
     // In single precision 16777216 + 1 stays 16777216, and the sum of all four were 16777218.
     const Grid grid = gridOf(2, 2, {1, 1, 16777216, 1});
-    EXPECT_THAT(resized(ops::averageTiles, grid, 2), testing::ElementsAre(4194304.75F));
+    EXPECT_THAT(resized(ResizeMethod::average, grid, 2), testing::ElementsAre(4194304.75F));
 }
 
 // The tiles one by one, as they read in words.
-std::vector<float> plainTiles(Tiles kind, const Grid& grid, std::int32_t factor, float null)
+std::vector<float> plainTiles(ResizeMethod kind, const Grid& grid, std::int32_t factor, float null)
 {
     const std::int32_t rows = (grid.nrows() + factor - 1) / factor;
     const std::int32_t columns = (grid.ncols() + factor - 1) / factor;
@@ -130,7 +130,7 @@ std::vector<float> plainTiles(Tiles kind, const Grid& grid, std::int32_t factor,
             const float average =
                 count > 0 ? static_cast<float>(sum / static_cast<double>(static_cast<float>(count))) : null;
             least = least == 100000.0F ? null : least;
-            result.push_back(kind == ops::averageTiles ? average : kind == ops::minimumTiles ? least : most);
+            result.push_back(kind == ResizeMethod::average ? average : kind == ResizeMethod::minimum ? least : most);
         }
     }
     return result;
@@ -143,7 +143,7 @@ TEST(Tiles, AgreeWithThePlainWalkOnRandomGrids)
             const auto count = static_cast<std::size_t>(nrows * ncols);
             const auto seed = static_cast<std::uint32_t>(nrows * 100 + factor);
             const Grid grid = gridOf(nrows, ncols, oddCells(count, kNullA, seed));
-            for (const Tiles kind : {ops::averageTiles, ops::minimumTiles, ops::maximumTiles}) {
+            for (const ResizeMethod kind : {ResizeMethod::average, ResizeMethod::minimum, ResizeMethod::maximum}) {
                 EXPECT_EQ(bitsOf(resized(kind, grid, factor)), bitsOf(plainTiles(kind, grid, factor, kNullA)))
                     << nrows << " by " << ncols << " by " << factor;
             }
@@ -151,34 +151,36 @@ TEST(Tiles, AgreeWithThePlainWalkOnRandomGrids)
     }
 }
 
-TEST(Tiles, OfAnyRowsAreThoseOfTheWholeGrid)
+TEST(Tiles, AreTheSameHoweverTheRowsUnderThemAreCut)
 {
     const Grid grid = gridOf(23, 37, oddCells(std::size_t{23} * 37, kNullA, 7));
-    for (const std::int32_t factor : {1, 4, 23}) {
-        const ops::Tiling tiling = ops::tilingOf(grid.nrows(), grid.ncols(), factor);
-        const auto columns = static_cast<std::size_t>(tiling.columns);
-        const std::vector<float> whole = resized(ops::averageTiles, grid, factor);
-        for (std::int32_t first = 1; first <= tiling.rows; ++first) {
-            for (std::int32_t last = first; last <= tiling.rows; ++last) {
-                std::vector<float> output(static_cast<std::size_t>(last - first + 1) * columns);
-                EXPECT_TRUE(ops::averageTiles(rowsOf(grid), kNullA, tiling, {first, last}, output));
-                const auto from = whole.begin() + static_cast<std::ptrdiff_t>(columns) * (tiling.rows - last);
-                EXPECT_EQ(bitsOf(output), bitsOf({from, from + std::ssize(output)})) << first << " to " << last;
-            }
+    const ops::Tiling tiling = ops::tilingOf(23, 37, 23);
+    for (const ResizeMethod method : {ResizeMethod::average, ResizeMethod::minimum, ResizeMethod::maximum}) {
+        const std::vector<float> plain = plainTiles(method, grid, 23, kNullA);
+        ops::TileRow tiles = ops::emptyTiles(method, tiling, kNullA);
+        for (std::int32_t cut = 0; cut <= 23; ++cut) {
+            std::vector<float> results(2);
+            ops::takeRows(run::rowsOf(grid, 1, cut), tiles);
+            ops::takeRows(run::rowsOf(grid, cut + 1, 23), tiles);
+            ops::finishTiles(tiles, results);
+            EXPECT_EQ(bitsOf(results), bitsOf(plain)) << cut;
         }
     }
 }
 
-TEST(Tiles, EndWhereRowsCannotBeHad)
+std::pair<std::int32_t, std::int32_t> bounds(const ops::CellRows& rows)
 {
-    const ops::Tiling tiling = ops::tilingOf(10, 4, 2);
-    for (const std::int32_t good : {0, 4, 8}) {
-        const Grid grid = gridOf(10, 4, std::vector<float>(40, 1));
-        const ops::RowSource all = rowsOf(grid);
-        const auto get = [&](const ops::CellRows& rows) { return rows.last > good ? std::nullopt : all.get(rows); };
-        std::vector<float> output(10);
-        EXPECT_FALSE(ops::maximumTiles({get, 2}, kNullA, tiling, {1, 5}, output)) << good;
-    }
+    return {rows.first, rows.last};
+}
+
+TEST(RowsUnder, AreThoseOfATileAndFewerInTheNorth)
+{
+    const ops::Tiling tiling = ops::tilingOf(10, 4, 4);
+    EXPECT_EQ(bounds(ops::rowsUnder(tiling, 1)), (std::pair{1, 4}));
+    EXPECT_EQ(bounds(ops::rowsUnder(tiling, 2)), (std::pair{5, 8}));
+    EXPECT_EQ(bounds(ops::rowsUnder(tiling, 3)), (std::pair{9, 10}));
+    EXPECT_EQ(bounds(ops::tiledRows(tiling, {2, 2})), (std::pair{5, 8}));
+    EXPECT_EQ(bounds(ops::tiledRows(tiling, {2, 3})), (std::pair{5, 10}));
 }
 
 // Past 2^24 the single precision of the tile count is coarser than a column: 16777219 columns count as 16777220 tiles, and
@@ -189,7 +191,7 @@ TEST(Tiles, StayInsideTheGridWhereTheirCountIsRounded)
         Grid grid;
         ASSERT_TRUE(grid.allocate(1, ncols));
         grid(1, ncols) = 7;
-        const std::vector<float> output = resized(ops::maximumTiles, grid, 1);
+        const std::vector<float> output = resized(ResizeMethod::maximum, grid, 1);
         if (ncols == 16777219) {
             ASSERT_EQ(output.size(), 16777220U);
             EXPECT_EQ(output[16777218], 7);
@@ -209,6 +211,7 @@ TEST(TiledRows, EndWithTheGridWhereTheirCountIsRounded)
     EXPECT_EQ(last.first, 16777218);
     EXPECT_EQ(last.last, 16777219);
     EXPECT_EQ(ops::tiledRows(tiling, {16777220, 16777220}).count(), 0);
+    EXPECT_EQ(ops::rowsUnder(tiling, 16777220).count(), 0);
 }
 
 TEST(AverageTiles, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
@@ -218,9 +221,9 @@ TEST(AverageTiles, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
         opposite[i] = i % 2 == 0 ? kInfinity : -kInfinity;
     }
     const auto columns = static_cast<std::int32_t>(opposite.size());
-    EXPECT_TRUE(allQuietNaN(resized(ops::averageTiles, gridOf(1, columns, opposite), 2)));
-    EXPECT_TRUE(
-        allQuietNaN(resized(ops::averageTiles, gridOf(1, columns, std::vector<float>(opposite.size(), kOddNaN)), 2)));
+    EXPECT_TRUE(allQuietNaN(resized(ResizeMethod::average, gridOf(1, columns, opposite), 2)));
+    EXPECT_TRUE(allQuietNaN(
+        resized(ResizeMethod::average, gridOf(1, columns, std::vector<float>(opposite.size(), kOddNaN)), 2)));
 }
 
 } // namespace

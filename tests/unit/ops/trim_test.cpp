@@ -1,26 +1,23 @@
 #include "ops/trim.h"
 
 #include "plane/geometry.h"
+#include "support/child_run.h"
+#include "support/consoles.h"
+#include "support/environment.h"
+#include "support/grids.h"
 #include "support/lattice.h"
+#include "support/layer_files.h"
+#include "support/refusing_system.h"
+#include "support/sampled_region.h"
 
 #include <algorithm>
 #include <array>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
 
 namespace gridforge::test {
 namespace {
-
-run::SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& y)
-{
-    gis::Coordinates read;
-    for (std::size_t i = 0; i < x.size() + 2; ++i) {
-        read.reserve(++read.np);
-        read.x[i] = x[i % x.size()];
-        read.y[i] = y[i % y.size()];
-    }
-    return run::sampledRegion(read);
-}
 
 // The plain twin of the kernel: each cell by itself.
 void copyInsidePlainly(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
@@ -59,11 +56,7 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
             y.push_back(header.yll + upTo(40) * 0.5);
         }
         const run::SampledRegion region = regionOf(x, y);
-        run::CellWindow w = run::regionWindow(region, header);
-        w.firstRow = std::max(w.firstRow, 1);
-        w.lastRow = std::min(w.lastRow, header.nrows);
-        w.firstColumn = std::max(w.firstColumn, 1);
-        w.lastColumn = std::min(w.lastColumn, header.ncols);
+        const run::CellWindow w = run::withinGrid(run::regionWindow(region, header), header);
         Grid fast;
         Grid plain;
         ASSERT_TRUE(fast.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));
@@ -76,6 +69,38 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
         copyInsidePlainly(region, header, cells, w, plain);
         ASSERT_TRUE(std::ranges::equal(fast.cells(), plain.cells())) << round;
     }
+}
+
+// The console of a trim by so many triangles, of cells that wait in a file and cannot be read back.
+std::string consoleWithoutWaitingCells(const std::string& grid, int regions)
+{
+    const Environment inFiles({{"GRIDFORGE_MEMORY", "1"}});
+    const ScratchFolder folder;
+    std::string body;
+    for (int i = 0; i < regions; ++i) {
+        body += "Region 1\n4\n2 2\n2 6\n6 2\n2 2\n";
+    }
+    giveMif(folder, "r", body, regions);
+    folder.give("a.asc", ascGrid(rowColumnCells()));
+    folder.give("a.hdr", hdr(rowColumnCells()));
+    folder.give("a.flt", fltCells(rowColumnCells()));
+    const ChildRun run = runInChild(folder, [&] {
+        refuseReadsOfWaitingCells();
+        run::InputFileList inputs;
+        inputs.add(grid);
+        ops::runTrim({}, {.layer = "r.mif"}, inputs);
+    });
+    EXPECT_TRUE(run.ended);
+    return run.console;
+}
+
+TEST(RunTrim, ReportsCellsThatWaitAndCannotBeReadAsSuch)
+{
+    const std::string end =
+        "Allocating 0Kb memory for storing output grid...\n" +
+        errorEndText("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.");
+    EXPECT_THAT(consoleWithoutWaitingCells("a.asc", 1), testing::EndsWith(end));
+    EXPECT_THAT(consoleWithoutWaitingCells("a.flt", 17), testing::EndsWith(end));
 }
 
 } // namespace

@@ -35,6 +35,15 @@ TEST(InterpolateTriangleApex, GoesByTheEdgeOfSlopeUnderTheApex)
     EXPECT_EQ(interpolateTriangleApex({2, 3}, {{0, 0}, {4, 2}, {2, 5}, 10, 18, 30}), 22);
 }
 
+// Away from the origin, where no coordinate is nothing. Each point lies half way between the apex and its cut.
+TEST(InterpolateTriangleApex, GoesByTheEdgeWhereverItLies)
+{
+    EXPECT_EQ(interpolateTriangleApex({11.5, 24}, {{10, 20}, {14, 22}, {11, 27}, 10, 18, 30}), 22); // cuts at (12,21)
+    EXPECT_EQ(interpolateTriangleApex({12, 23}, {{10, 20}, {14, 22}, {12, 25}, 10, 18, 30}), 22);   // as well
+    EXPECT_EQ(interpolateTriangleApex({12, 22}, {{10, 20}, {10, 24}, {14, 23}, 10, 18, 30}), 21);   // cuts at (10,21)
+    EXPECT_EQ(interpolateTriangleApex({10, 18}, {{10, 20}, {10, 24}, {10, 16}, 10, 18, 30}), 20);   // at corner 1
+}
+
 TEST(InterpolateTriangleApex, OnTheApexOfAnUprightEdgeTakesTheApex)
 {
     EXPECT_EQ(interpolateTriangleApex({4, 2}, kSideways), 30); // the cut is corner 1, the way there has length 0

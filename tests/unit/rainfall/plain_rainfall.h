@@ -1,7 +1,7 @@
 // The methods of rainfall in their plain form, cell by cell: what the kernels are compared with.
 #pragma once
 
-#include "core/numbers.h"
+#include "core/rounding.h"
 #include "plane/geometry.h"
 #include "rainfall/idw.h"
 #include "rainfall/points.h"

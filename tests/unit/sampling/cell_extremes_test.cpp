@@ -1,6 +1,7 @@
 #include "sampling/cell_extremes.h"
 
 #include "plane/geometry.h"
+#include "support/searched_cells.h"
 
 #include <array>
 #include <cmath>
@@ -14,59 +15,28 @@ namespace {
 
 constexpr float kNullCell = -9999.0F;
 
-// The plain form: every cell of the window, row by row from the south.
 sampling::FoundExtremes plainExtremes(const sampling::CellSearch& s, const GridHeader& h, const Grid& cells)
 {
     sampling::FoundExtremes found;
     float low = 99999.0F;
     float high = -99999.0F;
-    for (std::int32_t r = s.window.firstRow; r <= s.window.lastRow; ++r) {
-        for (std::int32_t c = s.window.firstColumn; c <= s.window.lastColumn; ++c) {
-            const double x = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8;
-            const double y = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8;
-            if (!sampling::insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
-                continue;
-            }
-            if (cells(r, c) < low) {
-                low = cells(r, c);
-                found.lowest = sampling::FoundCell{low, DISTANCE_8(s.x, s.y, x, y), x, y};
-            }
-            if (cells(r, c) > high) {
-                high = cells(r, c);
-                found.highest = sampling::FoundCell{high, DISTANCE_8(s.x, s.y, x, y), x, y};
-            }
+    forEachSearched(s, h, cells, [&](float value, double x, double y) {
+        if (value < low) {
+            low = value;
+            found.lowest = sampling::FoundCell{low, DISTANCE_8(s.x, s.y, x, y), x, y};
         }
-    }
+        if (value > high) {
+            high = value;
+            found.highest = sampling::FoundCell{high, DISTANCE_8(s.x, s.y, x, y), x, y};
+        }
+    });
     return found;
 }
 
-void expectSame(const std::optional<sampling::FoundCell>& found, const std::optional<sampling::FoundCell>& wanted)
+void setLattice(SearchedGrid& made, std::int32_t rows, std::int32_t columns, bool far, float cellsize)
 {
-    ASSERT_EQ(found.has_value(), wanted.has_value());
-    if (found) {
-        EXPECT_EQ(found->value, wanted->value);
-        EXPECT_EQ(std::signbit(found->value), std::signbit(wanted->value)); // of zeros
-        EXPECT_EQ(found->distance, wanted->distance);
-        EXPECT_EQ(found->x, wanted->x);
-        EXPECT_EQ(found->y, wanted->y);
-    }
-}
-
-struct Made {
-    GridHeader header;
-    Grid cells;
-};
-
-void setLattice(Made& made, std::int32_t rows, std::int32_t columns, bool far, float cellsize)
-{
-    GridHeader& h = made.header;
-    h.nrows = rows;
-    h.ncols = columns;
-    h.null = kNullCell;
-    h.xll = far ? 499403.841857712 : 0;
-    h.yll = far ? 6173739.2532704433 : 0;
-    h.cellsize = cellsize;
-    h.cellsize8 = static_cast<double>(cellsize);
+    made.header = headerOf(rows, columns, far ? 499403.841857712 : 0, far ? 6173739.2532704433 : 0, cellsize);
+    made.header.null = kNullCell;
     ASSERT_TRUE(made.cells.allocate(rows, columns));
 }
 
@@ -97,25 +67,13 @@ float surface(int kind, double x, double y, std::mt19937& random)
     }
 }
 
-// A point anywhere, or on a corner or the middle of a cell.
-double placeOn(double origin, double cellsize, std::int32_t count, std::mt19937& random)
-{
-    std::uniform_real_distribution<double> anywhere(-1, static_cast<double>(count) + 1);
-    const double cell = anywhere(random);
-    switch (random() % 3) {
-    case 0: return origin + cell * cellsize;
-    case 1: return origin + std::floor(cell) * cellsize;
-    default: return origin + (std::floor(cell) + 0.5) * cellsize;
-    }
-}
-
 TEST(CellExtremes, AreThoseOfThePlainLoop)
 {
     std::mt19937 random(20240611);
     int searched = 0;
     int found = 0;
     for (int grid = 0; grid < 160; ++grid) {
-        Made made;
+        SearchedGrid made;
         const auto size = [&] {
             return static_cast<std::int32_t>(grid % 4 == 0 ? 1 + random() % 70 : 60 + random() % 220);
         };
@@ -153,7 +111,7 @@ TEST(CellExtremes, AreThoseOfThePlainLoop)
 
 TEST(CellExtremes, KeepTheFirstOfEqualOnes)
 {
-    Made made;
+    SearchedGrid made;
     setLattice(made, 200, 200, false, 1.0F);
     for (float& cell : made.cells.cells()) {
         cell = 3;
@@ -174,7 +132,7 @@ TEST(CellExtremes, KeepTheFirstOfEqualOnes)
 
 TEST(CellExtremes, OfAnEmptyWindowAreNone)
 {
-    Made made;
+    SearchedGrid made;
     setLattice(made, 9, 9, false, 1.0F);
     sampling::ExtremeSearch extremes(made.header, made.cells);
     const sampling::FoundExtremes found = extremes.find(sampling::searchAround(made.header, 4.5, 4.5, -4.0F));

@@ -1,6 +1,7 @@
 #include "sampling/cell_search.h"
 
 #include "plane/geometry.h"
+#include "support/searched_cells.h"
 
 #include <algorithm>
 #include <array>
@@ -13,61 +14,32 @@ namespace {
 
 constexpr float kNullCell = -9999.0F;
 
-// --- The plain form: every cell of the window, row by row from the south ---------------------------------------------
-
 std::optional<sampling::FoundCell> plainNearest(const sampling::CellSearch& s, const GridHeader& h, const Grid& cells)
 {
     std::optional<sampling::FoundCell> best;
     float distance = 99999.0F;
-    for (std::int32_t r = s.window.firstRow; r <= s.window.lastRow; ++r) {
-        for (std::int32_t c = s.window.firstColumn; c <= s.window.lastColumn; ++c) {
-            const double x = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8;
-            const double y = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8;
-            if (!sampling::insideSearchPolygon(s.polygon, x, y) || cells(r, c) == h.null) {
-                continue;
-            }
-            const float d = DISTANCE_8(s.x, s.y, x, y);
-            if (d < distance) {
-                distance = d;
-                best = sampling::FoundCell{cells(r, c), d, x, y};
-            }
+    forEachSearched(s, h, cells, [&](float value, double x, double y) {
+        const float d = DISTANCE_8(s.x, s.y, x, y);
+        if (d < distance) {
+            distance = d;
+            best = sampling::FoundCell{value, d, x, y};
         }
-    }
+    });
     return best;
 }
 
-void expectSame(const std::optional<sampling::FoundCell>& found, const std::optional<sampling::FoundCell>& wanted)
-{
-    ASSERT_EQ(found.has_value(), wanted.has_value());
-    if (found) {
-        EXPECT_EQ(found->value, wanted->value);
-        EXPECT_EQ(found->distance, wanted->distance);
-        EXPECT_EQ(found->x, wanted->x);
-        EXPECT_EQ(found->y, wanted->y);
-    }
-}
-
-// --- Random grids and points -----------------------------------------------------------------------------------------
-
-struct Made {
-    GridHeader header;
-    Grid cells;
-};
-
 // Cells get numbers of their own but for a few equal ones; `nulls` of 100 are null.
-void make(Made& made, std::mt19937& random, int nulls)
+void make(SearchedGrid& made, std::mt19937& random, int nulls)
 {
     std::uniform_int_distribution<int> size(1, 200);
     std::uniform_int_distribution<int> hundred(0, 99);
-    GridHeader& h = made.header;
-    h.nrows = size(random);
-    h.ncols = size(random);
-    h.null = kNullCell;
+    const std::int32_t rows = size(random);
+    const std::int32_t columns = size(random);
     const bool far = hundred(random) < 50;
-    h.xll = far ? 499403.841857712 : 0;
-    h.yll = far ? 6173739.2532704433 : 0;
-    h.cellsize = std::array{1.0F, 0.99993681F, 2.5F, 100.0F}[static_cast<std::size_t>(hundred(random)) % 4];
-    h.cellsize8 = static_cast<double>(h.cellsize);
+    const float cellsize = std::array{1.0F, 0.99993681F, 2.5F, 100.0F}[static_cast<std::size_t>(hundred(random)) % 4];
+    GridHeader& h = made.header;
+    h = headerOf(rows, columns, far ? 499403.841857712 : 0, far ? 6173739.2532704433 : 0, cellsize);
+    h.null = kNullCell;
     ASSERT_TRUE(made.cells.allocate(h.nrows, h.ncols));
     float number = 0;
     for (float& cell : made.cells.cells()) {
@@ -86,18 +58,6 @@ void make(Made& made, std::mt19937& random, int nulls)
     }
 }
 
-// A point anywhere, or on a corner or the middle of a cell, where many cells are equally near.
-double placeOn(double origin, double cellsize, std::int32_t count, std::mt19937& random)
-{
-    std::uniform_real_distribution<double> anywhere(-1, static_cast<double>(count) + 1);
-    const double cell = anywhere(random);
-    switch (random() % 3) {
-    case 0: return origin + cell * cellsize;
-    case 1: return origin + std::floor(cell) * cellsize;
-    default: return origin + (std::floor(cell) + 0.5) * cellsize;
-    }
-}
-
 TEST(CellSearch, FindsWhatThePlainLoopFinds)
 {
     std::mt19937 random(20240611);
@@ -105,7 +65,7 @@ TEST(CellSearch, FindsWhatThePlainLoopFinds)
     int searched = 0;
     int found = 0;
     for (int grid = 0; grid < 300; ++grid) {
-        Made made;
+        SearchedGrid made;
         make(made, random, std::array{0, 50, 95, 99, 100}[static_cast<std::size_t>(grid) % 5]);
         const GridHeader& h = made.header;
         sampling::EmptyTiles tiles(h, made.cells);
@@ -129,14 +89,9 @@ TEST(CellSearch, FindsWhatThePlainLoopFinds)
 }
 
 // A grid of `rows` by `columns` cells of 1, each 10 row + column, with its corner in the origin.
-void numbered(Made& made, std::int32_t rows, std::int32_t columns)
+void numbered(SearchedGrid& made, std::int32_t rows, std::int32_t columns)
 {
-    made.header.nrows = rows;
-    made.header.ncols = columns;
-    made.header.xll = 0;
-    made.header.yll = 0;
-    made.header.cellsize = 1.0F;
-    made.header.cellsize8 = 1.0;
+    made.header = headerOf(rows, columns, 0, 0, 1.0F);
     ASSERT_TRUE(made.cells.allocate(rows, columns));
     for (std::int32_t r = 1; r <= rows; ++r) {
         for (std::int32_t c = 1; c <= columns; ++c) {
@@ -146,7 +101,7 @@ void numbered(Made& made, std::int32_t rows, std::int32_t columns)
 }
 
 // By tiles of which nothing is known yet.
-std::optional<sampling::FoundCell> nearest(const Made& made, const sampling::CellSearch& search)
+std::optional<sampling::FoundCell> nearest(const SearchedGrid& made, const sampling::CellSearch& search)
 {
     sampling::EmptyTiles tiles(made.header, made.cells);
     return sampling::nearestCell(search, made.header, made.cells, tiles);
@@ -154,7 +109,7 @@ std::optional<sampling::FoundCell> nearest(const Made& made, const sampling::Cel
 
 TEST(NearestCell, OfEquallyNearOnesTakesTheFirstFromTheSouthWest)
 {
-    Made made;
+    SearchedGrid made;
     numbered(made, 9, 9);
     const sampling::CellSearch search = sampling::searchAround(made.header, 4.5, 4.5, 6.0F);
     EXPECT_EQ(nearest(made, search)->value, 44); // corners (4, 4), (5, 4), (4, 5), (5, 5)
@@ -168,7 +123,7 @@ TEST(NearestCell, OfEquallyNearOnesTakesTheFirstFromTheSouthWest)
 
 TEST(NearestCell, MeasuresToTheNorthEastCorner)
 {
-    Made made;
+    SearchedGrid made;
     numbered(made, 9, 9);
     const auto found = nearest(made, sampling::searchAround(made.header, 4.3, 4.4, 4.0F));
     EXPECT_EQ(found->value, 44); // the cell (5, 5) holds the point, but its corner is further
@@ -179,7 +134,7 @@ TEST(NearestCell, MeasuresToTheNorthEastCorner)
 
 TEST(NearestCell, FindsNothingBeyondThePolygonOrInAnEmptyWindow)
 {
-    Made made;
+    SearchedGrid made;
     numbered(made, 9, 9);
     EXPECT_FALSE(nearest(made, sampling::searchAround(made.header, 4.5, 4.5, 1.0F))); // corners 0.71 away
     EXPECT_FALSE(nearest(made, sampling::searchAround(made.header, 4.5, 4.5, -4.0F)));
@@ -187,7 +142,7 @@ TEST(NearestCell, FindsNothingBeyondThePolygonOrInAnEmptyWindow)
 
 TEST(NearestCell, FindsNothingAt99999OrFurther)
 {
-    Made made;
+    SearchedGrid made;
     numbered(made, 9, 9);
     made.header.cellsize = 100000.0F;
     made.header.cellsize8 = 100000.0;

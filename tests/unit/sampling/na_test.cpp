@@ -1,6 +1,8 @@
 #include "sampling/na.h"
 
 #include "plane/geometry.h"
+#include "support/sampled_region.h"
+#include "support/searched_cells.h"
 
 #include <algorithm>
 #include <array>
@@ -154,46 +156,14 @@ TEST(CountByHeight, AgreesWithAPlainLoopForHeightsThatFallToo)
 
 // --- Collecting ------------------------------------------------------------------------------------------------------
 
-struct Made {
-    GridHeader header;
-    Grid cells;
-};
-
-void make(Made& made, std::int32_t rows, std::int32_t columns)
-{
-    made.header.nrows = rows;
-    made.header.ncols = columns;
-    made.header.xll = 0;
-    made.header.yll = 0;
-    made.header.cellsize = 1.0F;
-    made.header.cellsize8 = 1.0;
-    made.header.null = -9999.0F;
-    ASSERT_TRUE(made.cells.allocate(rows, columns));
-    float number = 0;
-    for (float& cell : made.cells.cells()) {
-        cell = ++number;
-    }
-}
-
-run::SampledRegion ring(const std::vector<double>& x, const std::vector<double>& y)
-{
-    gis::Coordinates read;
-    for (std::size_t i = 0; i < x.size() + 2; ++i) {
-        read.reserve(++read.np);
-        read.x[i] = x[i % x.size()];
-        read.y[i] = y[i % y.size()];
-    }
-    return run::sampledRegion(read);
-}
-
 TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
 {
     std::mt19937 random(9);
     const auto upTo = [&](int n) { return static_cast<double>(random() % static_cast<unsigned>(n)); };
     std::size_t taken = 0;
     for (int round = 0; round < 100; ++round) {
-        Made made;
-        make(made, 30, 40);
+        SearchedGrid made;
+        makeCounted(made, 30, 40);
         for (int i = 0; i < 200; ++i) {
             made.cells(1 + static_cast<std::int32_t>(upTo(30)), 1 + static_cast<std::int32_t>(upTo(40))) = -9999.0F;
         }
@@ -203,7 +173,7 @@ TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
             x.push_back(1 + upTo(75) * 0.5);
             y.push_back(1 + upTo(55) * 0.5);
         }
-        const run::SampledRegion region = ring(x, y);
+        const run::SampledRegion region = regionOf(x, y);
         const run::CellWindow window = run::regionWindow(region, made.header);
         ASSERT_TRUE(run::isWithinGrid(window, made.header));
         std::vector<float> plain;
@@ -227,9 +197,9 @@ TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
 
 TEST(CollectInside, TellsWhenThereAreTooMany)
 {
-    Made made;
-    make(made, 9, 9);
-    const run::SampledRegion square = ring({1.5, 4.5, 4.5, 1.5}, {1.5, 1.5, 4.5, 4.5}); // 9 corners
+    SearchedGrid made;
+    makeCounted(made, 9, 9);
+    const run::SampledRegion square = regionOf({1.5, 4.5, 4.5, 1.5}, {1.5, 1.5, 4.5, 4.5}); // 9 corners
     const run::CellWindow window = run::regionWindow(square, made.header);
     std::vector<float> values;
     EXPECT_TRUE(sampling::collectInside(square, made.header, made.cells, window, 9, values));

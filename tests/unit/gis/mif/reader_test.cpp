@@ -60,6 +60,14 @@ protected:
         return objects;
     }
 
+    // The only object of such a .mif.
+    ReadObject readOne(std::string_view body)
+    {
+        const std::vector<ReadObject> objects = read(body, 1);
+        EXPECT_EQ(objects.size(), 1U);
+        return objects.empty() ? ReadObject() : objects.front();
+    }
+
     // The console of a run over such a layer, which ends by a message.
     std::string endOf(std::string_view body, int records = 1, std::int32_t maxVertices = 1000, bool coordinates = true)
     {
@@ -372,11 +380,10 @@ TEST_F(MifReading, PolylinesHaveTheirCentreAtHalfOfTheirLength)
 
 TEST_F(MifReading, AVertexAtHalfOfTheLengthBelongsToTheSegmentBeforeIt)
 {
-    const auto objects = read("Pline 3\n0 0\n5 0\n5 5\n", 1);
-    ASSERT_EQ(objects.size(), 1U);
-    EXPECT_EQ(objects[0].xc, 5);
-    EXPECT_EQ(objects[0].yc, 0);
-    EXPECT_EQ(objects[0].angle, 0);
+    const ReadObject object = readOne("Pline 3\n0 0\n5 0\n5 5\n");
+    EXPECT_EQ(object.xc, 5);
+    EXPECT_EQ(object.yc, 0);
+    EXPECT_EQ(object.angle, 0);
 }
 
 TEST_F(MifReading, PolylinesOfFewerThanTwoVerticesDoNoHarm)
@@ -399,28 +406,26 @@ TEST_F(MifReading, OfAMultiplePolylineTheFirstSectionIsRead)
 
 TEST_F(MifReading, ARegionRepeatsItsSecondVertexBehindItsLast)
 {
-    const auto objects = read("Region  1\n  5\n0 0\n10 0\n10 6\n0 6\n0 0\n    Pen (1,2,0)\n    Brush (1,0)\n", 1);
-    ASSERT_EQ(objects.size(), 1U);
-    EXPECT_EQ(objects[0].kind, gis::Kind::region);
-    EXPECT_EQ(objects[0].rings, 1);
-    EXPECT_EQ(objects[0].parts[0], 5);
-    EXPECT_THAT(objects[0].x, ElementsAre(0, 10, 10, 0, 0, 10));
-    EXPECT_THAT(objects[0].y, ElementsAre(0, 0, 6, 6, 0, 0));
-    EXPECT_EQ(objects[0].xc, 5); // the mean of the four corners
-    EXPECT_EQ(objects[0].yc, 3);
+    const ReadObject object = readOne("Region  1\n  5\n0 0\n10 0\n10 6\n0 6\n0 0\n    Pen (1,2,0)\n    Brush (1,0)\n");
+    EXPECT_EQ(object.kind, gis::Kind::region);
+    EXPECT_EQ(object.rings, 1);
+    EXPECT_EQ(object.parts[0], 5);
+    EXPECT_THAT(object.x, ElementsAre(0, 10, 10, 0, 0, 10));
+    EXPECT_THAT(object.y, ElementsAre(0, 0, 6, 6, 0, 0));
+    EXPECT_EQ(object.xc, 5); // the mean of the four corners
+    EXPECT_EQ(object.yc, 3);
 }
 
 TEST_F(MifReading, EachRingOfARegionHasItsSlot)
 {
-    const auto objects = read("Region  2\n  5\n0 0\n10 0\n10 6\n0 6\n0 0\n 4\n1 1\n2 1\n2 2\n1 1\n", 1);
-    ASSERT_EQ(objects.size(), 1U);
-    EXPECT_EQ(objects[0].rings, 2);
-    EXPECT_EQ(objects[0].parts[0], 5);
-    EXPECT_EQ(objects[0].parts[1], 10);
-    EXPECT_THAT(objects[0].x, ElementsAre(0, 10, 10, 0, 0, 10, 1, 2, 2, 1, 2));
+    const ReadObject object = readOne("Region  2\n  5\n0 0\n10 0\n10 6\n0 6\n0 0\n 4\n1 1\n2 1\n2 2\n1 1\n");
+    EXPECT_EQ(object.rings, 2);
+    EXPECT_EQ(object.parts[0], 5);
+    EXPECT_EQ(object.parts[1], 10);
+    EXPECT_THAT(object.x, ElementsAre(0, 10, 10, 0, 0, 10, 1, 2, 2, 1, 2));
     // The mean runs over all but the last two: 5 of the first ring, its slot, and 3 of the second.
-    EXPECT_DOUBLE_EQ(objects[0].xc, (0 + 10 + 10 + 0 + 0 + 10 + 1 + 2 + 2) / 9.0);
-    EXPECT_DOUBLE_EQ(objects[0].yc, (0 + 0 + 6 + 6 + 0 + 0 + 1 + 1 + 2) / 9.0);
+    EXPECT_DOUBLE_EQ(object.xc, (0 + 10 + 10 + 0 + 0 + 10 + 1 + 2 + 2) / 9.0);
+    EXPECT_DOUBLE_EQ(object.yc, (0 + 0 + 6 + 6 + 0 + 0 + 1 + 1 + 2) / 9.0);
 }
 
 TEST_F(MifReading, OnlyTheLastRegionTakesItsCentreFromTheFile)
@@ -436,9 +441,8 @@ TEST_F(MifReading, OnlyTheLastRegionTakesItsCentreFromTheFile)
 
 TEST_F(MifReading, ACentreWithAnythingBehindItHasNoEffect)
 {
-    const auto objects = read("Region 1\n5\n0 0\n10 0\n10 6\n0 6\n0 0\nCenter 7 8\n    Pen (1,2,0)\n", 1);
-    ASSERT_EQ(objects.size(), 1U);
-    EXPECT_EQ(objects[0].xc, 5);
+    const ReadObject object = readOne("Region 1\n5\n0 0\n10 0\n10 6\n0 6\n0 0\nCenter 7 8\n    Pen (1,2,0)\n");
+    EXPECT_EQ(object.xc, 5);
 }
 
 TEST_F(MifReading, LowerCaseAndCrLfReadTheSame)

@@ -1,6 +1,5 @@
 #include "gis/shp/reader.h"
 
-#include "core/numbers.h"
 #include "gis/layer_reader.h"
 #include "gis/layer_table.h"
 #include "host/console.h"

@@ -1,12 +1,13 @@
-#include "core/numbers.h"
+#include "core/free_form.h"
 
 #include "core/byte_classes.h"
+#include "core/decimal_rounding.h"
 #include "core/text.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <system_error>
@@ -14,8 +15,6 @@
 namespace gridforge::inline core {
 
 namespace {
-
-constexpr int kFieldWidth = 20;
 
 bool sameIgnoringCase(std::string_view text, std::string_view lower)
 {
@@ -91,6 +90,36 @@ bool convertPlain(std::string_view text, Real& value)
     return std::isfinite(value);
 }
 
+// Up to 15 digits with at most one point, as nearly all numbers are. Digits and power of ten are doubles without an error, so
+// the quotient is rounded once; a single is rounded twice, which only shows near half way. False, with nothing taken, for any
+// other text.
+template <typename Real>
+bool convertShort(std::string_view text, Real& value)
+{
+    constexpr std::size_t kMostDigits = 15;
+    std::size_t count = 0;
+    std::size_t decimals = 0;
+    bool hasPoint = false;
+    std::int64_t digits = 0;
+    for (const char c : text) {
+        if (c == '.' && !hasPoint) {
+            hasPoint = true;
+        } else if (isDigit(c) && count < kMostDigits) {
+            digits = digits * 10 + (c - '0');
+            ++count;
+            decimals += static_cast<std::size_t>(hasPoint);
+        } else {
+            return false;
+        }
+    }
+    const double quotient = static_cast<double>(digits) / kExactPowers[decimals];
+    if (count == 0 || (sizeof(Real) == sizeof(float) && !roundsSafely(quotient))) {
+        return false;
+    }
+    value = static_cast<Real>(quotient);
+    return true;
+}
+
 template <typename Real>
 bool parseReal(std::string_view token, Real& target)
 {
@@ -98,6 +127,10 @@ bool parseReal(std::string_view token, Real& target)
     const std::string_view text = withoutSign(token);
     Real value = 0;
     std::size_t exponentAt = 0;
+    if (convertShort(text, value)) {
+        target = negative ? -value : value;
+        return true;
+    }
     if (sameIgnoringCase(text, "nan")) {
         value = std::numeric_limits<Real>::quiet_NaN();
     } else if (sameIgnoringCase(text, "inf") || sameIgnoringCase(text, "infinity")) {
@@ -155,14 +188,21 @@ bool parseNumber(std::string_view token, double& target)
     return parseReal(token, target);
 }
 
-// --- Free-form reading -----------------------------------------------------------------------------------------------
+// Places in locals, which bytes of the text cannot be taken for.
+void FreeForm::passBlanks()
+{
+    const std::string_view text = text_;
+    std::size_t at = at_;
+    while (at < text.size() && isBlank(text[at])) {
+        ++at;
+    }
+    at_ = at;
+}
 
 // After a value come blanks and at most one comma.
 void FreeForm::passSeparator()
 {
-    while (at_ < text_.size() && isBlank(text_[at_])) {
-        ++at_;
-    }
+    passBlanks();
     afterComma_ = at_ < text_.size() && text_[at_] == ',';
     if (afterComma_) {
         ++at_;
@@ -171,9 +211,7 @@ void FreeForm::passSeparator()
 
 FreeForm::Token FreeForm::nextToken(std::string_view& token)
 {
-    while (at_ < text_.size() && isBlank(text_[at_])) {
-        ++at_;
-    }
+    passBlanks();
     if (at_ == text_.size()) {
         const bool holdsEmpty = afterComma_ && lastComma_ == LastComma::holdsEmpty;
         afterComma_ = false;
@@ -184,11 +222,13 @@ FreeForm::Token FreeForm::nextToken(std::string_view& token)
         afterComma_ = true;
         return Token::empty;
     }
-    const std::size_t start = at_;
-    while (at_ < text_.size() && !isBlank(text_[at_]) && text_[at_] != ',') {
-        ++at_;
+    const std::string_view rest = text_.substr(at_);
+    std::size_t length = 1;
+    while (length < rest.size() && !isBlank(rest[length]) && rest[length] != ',') {
+        ++length;
     }
-    token = text_.substr(start, at_ - start);
+    token = rest.substr(0, length);
+    at_ += length;
     passSeparator();
     return Token::found;
 }
@@ -227,9 +267,7 @@ FreeValue FreeForm::next(double& target)
 
 FreeValue FreeForm::nextText(std::string& target, std::size_t width)
 {
-    while (at_ < text_.size() && isBlank(text_[at_])) {
-        ++at_;
-    }
+    passBlanks();
     if (at_ == text_.size() || !isQuote(text_[at_])) {
         std::string_view token;
         switch (nextToken(token)) {
@@ -242,20 +280,20 @@ FreeValue FreeForm::nextText(std::string& target, std::size_t width)
     }
     const char quote = text_[at_++];
     std::string value;
-    for (; at_ < text_.size(); ++at_) {
-        if (text_[at_] == quote) {
-            if (at_ + 1 < text_.size() && text_[at_ + 1] == quote) {
-                ++at_;
-            } else {
-                break;
-            }
+    while (true) {
+        const std::size_t end = text_.find(quote, at_);
+        if (end == std::string_view::npos) {
+            at_ = text_.size();
+            return FreeValue::failure; // the closing quote is missing
         }
-        value += text_[at_];
+        value += text_.substr(at_, end - at_);
+        at_ = end + 1;
+        if (at_ == text_.size() || text_[at_] != quote) {
+            break;
+        }
+        value += quote; // of two the second is part of the value
+        ++at_;
     }
-    if (at_ == text_.size()) {
-        return FreeValue::failure; // the closing quote is missing
-    }
-    ++at_;
     passSeparator();
     target = cut(value, width);
     return FreeValue::value;
@@ -294,167 +332,6 @@ bool readFree(std::string_view text, double& target)
 bool CHECKINT(std::string_view text, std::int32_t& value)
 {
     return readOne(text, value);
-}
-
-// --- Real to integer -------------------------------------------------------------------------------------------------
-
-namespace {
-
-std::int32_t heldAtLimits(double whole)
-{
-    using Limits = std::numeric_limits<std::int32_t>;
-    if (std::isnan(whole)) {
-        return 0;
-    }
-    return static_cast<std::int32_t>(
-        std::clamp(whole, static_cast<double>(Limits::min()), static_cast<double>(Limits::max())));
-}
-
-} // namespace
-
-std::int32_t truncateToInt(double value)
-{
-    return heldAtLimits(std::trunc(value));
-}
-
-std::int32_t roundToInt(double value)
-{
-    return heldAtLimits(std::round(value));
-}
-
-std::int32_t ceilToInt(double value)
-{
-    return heldAtLimits(std::ceil(value));
-}
-
-std::int32_t floorToInt(double value)
-{
-    return heldAtLimits(std::floor(value));
-}
-
-// --- Number to text --------------------------------------------------------------------------------------------------
-
-namespace {
-
-// Replaces a value that does not fit.
-std::string fullField(int width)
-{
-    return std::string(static_cast<std::size_t>(std::max(width, 0)), '*');
-}
-
-std::string rightJustified(std::string_view text, int width)
-{
-    const auto columns = static_cast<std::size_t>(std::max(width, 0));
-    if (text.size() > columns) {
-        return fullField(width);
-    }
-    std::string field(columns - text.size(), ' ');
-    field += text;
-    return field;
-}
-
-} // namespace
-
-std::string fixedText(double value, int decimals)
-{
-    if (std::isnan(value)) {
-        return "NaN";
-    }
-    if (std::isinf(value)) {
-        return value < 0 ? "-Infinity" : "Infinity";
-    }
-    constexpr int kMostWhole = 309;     // digits before the point
-    constexpr int kMostDecimals = 1074; // all further decimals of any double are zeros
-    const int shown = std::clamp(decimals, 0, kMostDecimals);
-    std::array<char, kMostWhole + kMostDecimals + 2> buffer; // sign and point
-    const auto [end, error] =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, std::chars_format::fixed, shown);
-    std::string text(buffer.data(), end);
-    if (shown == 0) {
-        text += '.';
-    }
-    if (decimals > shown) {
-        text.append(static_cast<std::size_t>(decimals - shown), '0');
-    }
-    return text;
-}
-
-std::string realField(double value, int width, int decimals)
-{
-    constexpr int kShortField = 8;
-    if (std::isfinite(value) && decimals >= width) {
-        return fullField(width); // no room for the point; avoids a text of absurdly many decimals
-    }
-    std::string text = fixedText(value, decimals);
-    if (std::isinf(value) && width < kShortField) {
-        text = value < 0 ? "-Inf" : "Inf";
-    }
-    if (static_cast<int>(text.size()) - 1 == width) {
-        const std::size_t zero = text[0] == '-' ? 1 : 0;
-        if (text.compare(zero, 2, "0.") == 0 && text.size() > zero + 2) {
-            text.erase(zero, 1);
-        }
-    }
-    return rightJustified(text, width);
-}
-
-std::string integerField(std::int64_t value, int width)
-{
-    return rightJustified(std::to_string(value), width);
-}
-
-std::string AINTEGER(std::int32_t value)
-{
-    return std::to_string(value);
-}
-
-std::string AINTEGERPREC0(std::int32_t value, std::int32_t digits)
-{
-    return AINTEGER8PREC0(value, digits);
-}
-
-std::string AINTEGER8PREC0(std::int64_t value, std::int32_t digits)
-{
-    std::string field = integerField(value, kFieldWidth);
-    const int count = std::clamp(digits, 0, kFieldWidth);
-    std::replace(field.end() - count, field.end(), ' ', '0');
-    return std::string(trimLeft(field));
-}
-
-namespace {
-
-// Fixed text in a field of 20, its trailing zeros cut.
-std::string bySize(double value, int decimals)
-{
-    const std::string field = realField(value, kFieldWidth, decimals);
-    const std::string_view text = trimLeft(field);
-    return std::string(text.substr(0, text.find_last_not_of('0') + 1));
-}
-
-} // namespace
-
-std::string AREAL(float value)
-{
-    constexpr std::array<float, 6> kSteps = {0.01F, 0.1F, 1.0F, 10.0F, 100.0F, 1000.0F};
-    const auto step = std::ranges::find_if(kSteps, [size = std::fabs(value)](float s) { return size < s; });
-    return bySize(static_cast<double>(value), static_cast<int>(kSteps.end() - step));
-}
-
-std::string AREAL8(double value)
-{
-    constexpr std::array<double, 10> kSteps = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-    const auto step = std::ranges::find_if(kSteps, [size = std::fabs(value)](double s) { return size < s; });
-    return bySize(value, static_cast<int>(kSteps.end() - step));
-}
-
-std::string AREALD(float value, std::int32_t decimals)
-{
-    return AREALD8(static_cast<double>(value), decimals);
-}
-
-std::string AREALD8(double value, std::int32_t decimals)
-{
-    return std::string(trimLeft(realField(value, kFieldWidth, decimals)));
 }
 
 } // namespace gridforge::inline core

@@ -1,5 +1,5 @@
-// Numbers out of text and into text. Reading is free-form: values end at blanks, tabs and commas, and reals are rounded
-// once, straight to the precision of their variable. Writing rounds the stored value correctly, exact ties to even.
+// Numbers and words out of text. Reading is free-form: values end at blanks, tabs and commas, and reals are rounded once,
+// straight to the precision of their variable.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,6 @@
 #include <string_view>
 
 namespace gridforge::inline core {
-
-// --- Free-form reading -----------------------------------------------------------------------------------------------
 
 enum class FreeValue {
     value,   // read into the target
@@ -52,6 +50,7 @@ private:
 
     enum class Token { found, empty, end };
     Token nextToken(std::string_view& token);
+    void passBlanks();
     void passSeparator();
     template <typename Number>
     FreeValue nextNumber(Number& target);
@@ -77,36 +76,5 @@ bool parseNumber(std::string_view token, double& target);
 
 // readFree under the name that users know from the documents.
 bool CHECKINT(std::string_view text, std::int32_t& value);
-
-// --- Real to integer, held at the 32-bit limits; not-a-number gives 0 ------------------------------------------------
-
-std::int32_t truncateToInt(double value);
-std::int32_t roundToInt(double value); // halves away from zero
-std::int32_t ceilToInt(double value);
-std::int32_t floorToInt(double value);
-
-// --- Number to text --------------------------------------------------------------------------------------------------
-
-// Fixed notation with `decimals` decimals (the point always stands), no padding: "12.500", "12.", "-0.250", "NaN",
-// "Infinity". A leading zero is written.
-std::string fixedText(double value, int decimals);
-// The same right-justified in `width`. A leading zero is dropped if the text is too wide only because of it; what still
-// does not fit becomes a field of "*". Infinity is "Inf" in fields narrower than 8.
-std::string realField(double value, int width, int decimals);
-// An integer right-justified in `width`, or a field of "*".
-std::string integerField(std::int64_t value, int width);
-
-std::string AINTEGER(std::int32_t value);
-// At least `digits` digits, by leading zeros; for values from 0.
-std::string AINTEGERPREC0(std::int32_t value, std::int32_t digits);
-std::string AINTEGER8PREC0(std::int64_t value, std::int32_t digits);
-// Decimals by the size of the value, 6 below 0.01 down to 0 from 1000; trailing zeros cut, the point stays: "2.5",
-// "3.".
-std::string AREAL(float value);
-// The same with 10 decimals below 1 down to 0 from 1e9.
-std::string AREAL8(double value);
-// `decimals` decimals in a field of 20, trailing zeros kept, left-justified.
-std::string AREALD(float value, std::int32_t decimals);
-std::string AREALD8(double value, std::int32_t decimals);
 
 } // namespace gridforge::inline core
