@@ -1,11 +1,18 @@
-// The system by the calls of Windows. CI compiles it, so that the seam fits; no run has used it yet.
+// The system by the calls of Windows.
 #include "host/system.h"
 
+#include "host/windows/console.h"
+#include "host/windows/names.h"
+#include "host/windows/resources.h"
+
 #include <algorithm>
-#include <cstdio>
-#include <ctime>
-#include <filesystem>
-#include <system_error>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
 #include <windows.h>
 
 namespace gridforge::inline host {
@@ -14,29 +21,29 @@ namespace {
 
 // The system reads and writes at most this much in one call.
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
+constexpr DWORD kSharedByAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-HANDLE handleOf(SystemFile file)
+// Reading by position moves the system's own position, so each file has one here for the reads and writes in order.
+struct OpenFile {
+    HANDLE handle = INVALID_HANDLE_VALUE;
+    bool hasPositions = false; // unlike a pipe or a device
+    std::int64_t position = 0;
+};
+
+OpenFile& openFileOf(SystemFile file)
 {
-    return reinterpret_cast<HANDLE>(file);
+    return *reinterpret_cast<OpenFile*>(file);
 }
 
-// Names are UTF-8 inside.
-std::wstring wide(std::string_view name)
+SystemFile kept(HANDLE handle)
 {
-    const int length = static_cast<int>(name.size());
-    const int count = MultiByteToWideChar(CP_UTF8, 0, name.data(), length, nullptr, 0);
-    std::wstring result(static_cast<std::size_t>(std::max(count, 0)), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, name.data(), length, result.data(), count);
-    return result;
-}
-
-std::string narrow(std::wstring_view name)
-{
-    const int length = static_cast<int>(name.size());
-    const int count = WideCharToMultiByte(CP_UTF8, 0, name.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string result(static_cast<std::size_t>(std::max(count, 0)), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, name.data(), length, result.data(), count, nullptr, nullptr);
-    return result;
+    if (handle == INVALID_HANDLE_VALUE) {
+        return SystemFile::none;
+    }
+    auto file = std::make_unique<OpenFile>();
+    file->handle = handle;
+    file->hasPositions = GetFileType(handle) == FILE_TYPE_DISK;
+    return SystemFile{reinterpret_cast<std::intptr_t>(file.release())};
 }
 
 SystemStatus statusOf(DWORD error)
@@ -48,7 +55,9 @@ SystemStatus statusOf(DWORD error)
     case ERROR_NOT_ENOUGH_MEMORY:
     case ERROR_OUTOFMEMORY: return SystemStatus::outOfMemory;
     case ERROR_ACCESS_DENIED:
+    case ERROR_SHARING_VIOLATION:
     case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
     case ERROR_DIRECTORY:
     case ERROR_FILENAME_EXCED_RANGE: return SystemStatus::refused;
     default: return SystemStatus::unknown;
@@ -69,19 +78,22 @@ std::int64_t nanoseconds(std::int64_t hundreds)
 
 std::optional<FileFacts> factsIn(HANDLE handle)
 {
+    FileFacts facts;
+    if (GetFileType(handle) != FILE_TYPE_DISK) {
+        facts.identity.number = reinterpret_cast<std::uint64_t>(handle);
+        return facts;
+    }
     BY_HANDLE_FILE_INFORMATION status = {};
     FILE_BASIC_INFO times = {};
     if (GetFileInformationByHandle(handle, &status) == 0 ||
         GetFileInformationByHandleEx(handle, FileBasicInfo, &times, sizeof times) == 0) {
         return std::nullopt;
     }
-    FileFacts facts;
     facts.isFolder = (status.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     facts.size = joined(status.nFileSizeHigh, status.nFileSizeLow);
     facts.lastChange = std::max(nanoseconds(times.LastWriteTime.QuadPart), nanoseconds(times.ChangeTime.QuadPart));
     facts.identity = {status.dwVolumeSerialNumber,
-                      static_cast<std::uint64_t>(joined(status.nFileIndexHigh, status.nFileIndexLow)),
-                      !facts.isFolder && GetFileType(handle) == FILE_TYPE_DISK};
+                      static_cast<std::uint64_t>(joined(status.nFileIndexHigh, status.nFileIndexLow)), !facts.isFolder};
     return facts;
 }
 
@@ -99,15 +111,52 @@ SystemFile openFile(const std::string& name, OpenFor purpose)
     case OpenFor::replacing: creation = CREATE_ALWAYS; break;
     case OpenFor::updating: access = GENERIC_READ | GENERIC_WRITE; break;
     }
-    constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const DWORD flags = purpose == OpenFor::reading ? FILE_FLAG_SEQUENTIAL_SCAN : FILE_ATTRIBUTE_NORMAL;
-    const HANDLE handle = CreateFileW(wide(name).c_str(), access, kShared, nullptr, creation, flags, nullptr);
-    return handle == INVALID_HANDLE_VALUE ? SystemFile::none : SystemFile{reinterpret_cast<std::intptr_t>(handle)};
+    return kept(CreateFileW(systemPath(name).c_str(), access, kSharedByAll, nullptr, creation, flags, nullptr));
+}
+
+SystemFile inheritedFile(std::int64_t number)
+{
+    const auto handle = reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(number));
+    DWORD flags = 0;
+    return GetHandleInformation(handle, &flags) != 0 ? kept(handle) : SystemFile::none;
+}
+
+// The open files without a name. Closed at an end of the run from inside it, they are gone when the caller looks.
+class UnnamedFiles {
+public:
+    UnnamedFiles() = default;
+    UnnamedFiles(const UnnamedFiles&) = delete;
+    UnnamedFiles& operator=(const UnnamedFiles&) = delete;
+    ~UnnamedFiles() { std::for_each(handles_.begin(), handles_.end(), CloseHandle); }
+
+    void add(HANDLE handle)
+    {
+        const std::scoped_lock lock(mutex_);
+        handles_.insert(handle);
+    }
+    void remove(HANDLE handle)
+    {
+        const std::scoped_lock lock(mutex_);
+        handles_.erase(handle);
+    }
+
+private:
+    std::mutex mutex_;
+    std::set<HANDLE> handles_;
+};
+
+UnnamedFiles& unnamedFiles()
+{
+    static UnnamedFiles files;
+    return files;
 }
 
 bool closeFile(SystemFile file)
 {
-    return CloseHandle(handleOf(file)) != 0;
+    const std::unique_ptr<OpenFile> open(&openFileOf(file));
+    unnamedFiles().remove(open->handle);
+    return CloseHandle(open->handle) != 0;
 }
 
 DWORD askedFor(std::size_t count)
@@ -115,7 +164,7 @@ DWORD askedFor(std::size_t count)
     return static_cast<DWORD>(std::min(count, kMostAtOnce));
 }
 
-std::int64_t readFrom(HANDLE handle, std::span<char> target, OVERLAPPED* place)
+std::int64_t readAtPlace(HANDLE handle, std::span<char> target, OVERLAPPED* place)
 {
     DWORD count = 0;
     if (ReadFile(handle, target.data(), askedFor(target.size()), &count, place) != 0) {
@@ -125,106 +174,169 @@ std::int64_t readFrom(HANDLE handle, std::span<char> target, OVERLAPPED* place)
     return error == ERROR_HANDLE_EOF || error == ERROR_BROKEN_PIPE ? 0 : -1;
 }
 
-std::int64_t writeTo(HANDLE handle, std::span<const char> bytes, OVERLAPPED* place)
+std::int64_t writeAtPlace(HANDLE handle, std::span<const char> bytes, OVERLAPPED* place)
 {
     DWORD count = 0;
     return WriteFile(handle, bytes.data(), askedFor(bytes.size()), &count, place) != 0 ? std::int64_t{count} : -1;
 }
 
-bool seekInFile(SystemFile file, std::int64_t position)
-{
-    LARGE_INTEGER place = {};
-    place.QuadPart = position;
-    return position >= 0 && SetFilePointerEx(handleOf(file), place, nullptr, FILE_BEGIN) != 0;
-}
-
-std::int64_t placeIn(SystemFile file)
-{
-    LARGE_INTEGER place = {};
-    return SetFilePointerEx(handleOf(file), {}, &place, FILE_CURRENT) != 0 ? place.QuadPart : -1;
-}
-
-// A call by position also moves the next read and write, so that place is restored.
+// `call` at a position of a file that has positions.
 template <typename Call>
-std::int64_t atPosition(SystemFile file, std::int64_t position, Call call)
+std::int64_t atPosition(const OpenFile& file, std::int64_t position, Call call)
 {
-    const std::int64_t before = placeIn(file);
-    if (position < 0 || before < 0) {
+    if (position < 0 || !file.hasPositions) {
         return -1;
     }
     OVERLAPPED place = {};
     place.Offset = static_cast<DWORD>(position);
     place.OffsetHigh = static_cast<DWORD>(position >> 32);
-    const std::int64_t count = call(handleOf(file), &place);
-    return seekInFile(file, before) ? count : -1;
+    return call(&place);
+}
+
+// `call` at the place that the last one in order has reached.
+template <typename Call>
+std::int64_t inOrder(OpenFile& file, Call call)
+{
+    if (!file.hasPositions) {
+        return call(nullptr);
+    }
+    const std::int64_t count = atPosition(file, file.position, call);
+    file.position += std::max<std::int64_t>(count, 0);
+    return count;
 }
 
 std::int64_t readFile(SystemFile file, std::span<char> target)
 {
-    return readFrom(handleOf(file), target, nullptr);
+    OpenFile& open = openFileOf(file);
+    return inOrder(open, [&](OVERLAPPED* place) { return readAtPlace(open.handle, target, place); });
 }
 
 std::int64_t readFileAt(SystemFile file, std::int64_t position, std::span<char> target)
 {
-    return atPosition(file, position,
-                      [&](HANDLE handle, OVERLAPPED* place) { return readFrom(handle, target, place); });
+    const OpenFile& open = openFileOf(file);
+    return atPosition(open, position, [&](OVERLAPPED* place) { return readAtPlace(open.handle, target, place); });
 }
 
 std::int64_t writeFile(SystemFile file, std::span<const char> bytes)
 {
-    return writeTo(handleOf(file), bytes, nullptr);
+    OpenFile& open = openFileOf(file);
+    return inOrder(open, [&](OVERLAPPED* place) { return writeAtPlace(open.handle, bytes, place); });
 }
 
 std::int64_t writeFileAt(SystemFile file, std::int64_t position, std::span<const char> bytes)
 {
-    return atPosition(file, position, [&](HANDLE handle, OVERLAPPED* place) { return writeTo(handle, bytes, place); });
+    const OpenFile& open = openFileOf(file);
+    return atPosition(open, position, [&](OVERLAPPED* place) { return writeAtPlace(open.handle, bytes, place); });
+}
+
+bool seekInFile(SystemFile file, std::int64_t position)
+{
+    OpenFile& open = openFileOf(file);
+    if (position < 0 || !open.hasPositions) {
+        return false;
+    }
+    open.position = position;
+    return true;
 }
 
 bool truncateFile(SystemFile file, std::int64_t size)
 {
     FILE_END_OF_FILE_INFO end = {};
     end.EndOfFile.QuadPart = size;
-    return SetFileInformationByHandle(handleOf(file), FileEndOfFileInfo, &end, sizeof end) != 0;
+    return SetFileInformationByHandle(openFileOf(file).handle, FileEndOfFileInfo, &end, sizeof end) != 0;
 }
 
+// Never less than the file holds, which would cut it.
 void reserveInFile(SystemFile file, std::int64_t position, std::int64_t count)
 {
+    const HANDLE handle = openFileOf(file).handle;
+    LARGE_INTEGER held = {};
     FILE_ALLOCATION_INFO room = {};
     room.AllocationSize.QuadPart = position + count;
-    SetFileInformationByHandle(handleOf(file), FileAllocationInfo, &room, sizeof room);
+    if (GetFileSizeEx(handle, &held) != 0 && room.AllocationSize.QuadPart > held.QuadPart) {
+        SetFileInformationByHandle(handle, FileAllocationInfo, &room, sizeof room);
+    }
 }
 
 void willReadFile(SystemFile, std::int64_t, std::int64_t) {}
 
 std::optional<FileFacts> factsOfOpenFile(SystemFile file)
 {
-    return factsIn(handleOf(file));
+    return factsIn(openFileOf(file).handle);
 }
 
 // --- Files without a name --------------------------------------------------------------------------------------------
 
+bool deleteAtClose(HANDLE handle, bool wanted)
+{
+    FILE_DISPOSITION_INFO disposition = {};
+    disposition.DeleteFile = wanted ? TRUE : FALSE;
+    return SetFileInformationByHandle(handle, FileDispositionInfo, &disposition, sizeof disposition) != 0;
+}
+
+// The system has no files without a name. This one can be opened by nobody else, and goes when the process ends in any way.
 SystemFile openUnnamedFile(const std::string& folder)
 {
-    const std::wstring path = wide(folder.empty() ? "." : folder);
-    std::wstring name(MAX_PATH, L'\0');
-    if (GetTempFileNameW(path.c_str(), L"gfg", 0, name.data()) == 0) {
+    static std::atomic<unsigned> made = 0;
+    const std::string name = (folder.empty() ? "." : folder) + "/gridforge-" + std::to_string(GetCurrentProcessId()) +
+                             '-' + std::to_string(++made) + ".part";
+    const HANDLE handle = CreateFileW(systemPath(name).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
+                                      FILE_SHARE_DELETE, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle != INVALID_HANDLE_VALUE && !deleteAtClose(handle, true)) {
+        CloseHandle(handle);
+        DeleteFileW(systemPath(name).c_str());
         return SystemFile::none;
     }
-    const HANDLE handle = CreateFileW(name.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, FILE_SHARE_DELETE, nullptr,
-                                      CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-    return handle == INVALID_HANDLE_VALUE ? SystemFile::none : SystemFile{reinterpret_cast<std::intptr_t>(handle)};
+    if (handle != INVALID_HANDLE_VALUE) {
+        unnamedFiles().add(handle);
+    }
+    return kept(handle);
 }
 
+// A file that is not sparse has room for all of its size.
 bool setAsideFor(SystemFile file, std::int64_t size)
 {
-    FILE_ALLOCATION_INFO room = {};
-    room.AllocationSize.QuadPart = size;
-    return SetFileInformationByHandle(handleOf(file), FileAllocationInfo, &room, sizeof room) != 0;
+    LARGE_INTEGER held = {};
+    return GetFileSizeEx(openFileOf(file).handle, &held) != 0 && (size <= held.QuadPart || truncateFile(file, size));
 }
 
-// A file that goes when it is closed keeps no name.
-bool giveNameTo(SystemFile, const std::string&)
+// True where `name` is free or a file that can be replaced as a whole: one with no other name and no special attribute.
+bool mayBeReplaced(const std::wstring& path)
 {
+    const HANDLE handle = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, kSharedByAll, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return statusOf(GetLastError()) == SystemStatus::noSuchFile;
+    }
+    BY_HANDLE_FILE_INFORMATION status = {};
+    const bool known = GetFileInformationByHandle(handle, &status) != 0;
+    CloseHandle(handle);
+    constexpr DWORD kOrdinary = FILE_ATTRIBUTE_NORMAL | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+    return known && (status.dwFileAttributes & ~kOrdinary) == 0 && status.nNumberOfLinks == 1;
+}
+
+bool renameOpenFile(HANDLE handle, const std::wstring& path)
+{
+    const std::size_t bytes = path.size() * sizeof(wchar_t);
+    std::vector<char> memory(sizeof(FILE_RENAME_INFO) + bytes);
+    auto* const rename = reinterpret_cast<FILE_RENAME_INFO*>(memory.data());
+    rename->ReplaceIfExists = TRUE;
+    rename->FileNameLength = static_cast<DWORD>(bytes);
+    std::copy(path.begin(), path.end(), rename->FileName);
+    return SetFileInformationByHandle(handle, FileRenameInfo, rename, static_cast<DWORD>(memory.size())) != 0;
+}
+
+bool giveNameTo(SystemFile file, const std::string& name)
+{
+    const HANDLE handle = openFileOf(file).handle;
+    const std::wstring path = fullPath(name);
+    if (!mayBeReplaced(path) || !deleteAtClose(handle, false)) {
+        return false;
+    }
+    if (renameOpenFile(handle, path)) {
+        return true;
+    }
+    deleteAtClose(handle, true);
     return false;
 }
 
@@ -232,9 +344,8 @@ bool giveNameTo(SystemFile, const std::string&)
 
 SystemStatus factsOfName(const std::string& name, FileFacts& facts)
 {
-    constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE handle = CreateFileW(wide(name).c_str(), FILE_READ_ATTRIBUTES, kShared, nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const HANDLE handle = CreateFileW(systemPath(name).c_str(), FILE_READ_ATTRIBUTES, kSharedByAll, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         return statusOf(GetLastError());
     }
@@ -246,21 +357,21 @@ SystemStatus factsOfName(const std::string& name, FileFacts& facts)
 
 SystemStatus lookUpName(const std::string& name)
 {
-    return GetFileAttributesW(wide(name).c_str()) == INVALID_FILE_ATTRIBUTES ? statusOf(GetLastError())
-                                                                             : SystemStatus::done;
+    return GetFileAttributesW(systemPath(name).c_str()) == INVALID_FILE_ATTRIBUTES ? statusOf(GetLastError())
+                                                                                   : SystemStatus::done;
 }
 
 SystemStatus listFolder(const std::string& folder, std::vector<std::string>& names)
 {
     WIN32_FIND_DATAW entry = {};
-    const HANDLE search = FindFirstFileW(wide(folder + "/*").c_str(), &entry);
+    const HANDLE search = FindFirstFileW(systemPath(folder + "/*").c_str(), &entry);
     if (search == INVALID_HANDLE_VALUE) {
         return statusOf(GetLastError());
     }
     do {
-        const std::string name = narrow(entry.cFileName);
+        std::string name = narrow(entry.cFileName);
         if (name != "." && name != "..") {
-            names.push_back(name);
+            names.push_back(std::move(name));
         }
     } while (FindNextFileW(search, &entry) != 0);
     const DWORD error = GetLastError();
@@ -270,34 +381,18 @@ SystemStatus listFolder(const std::string& folder, std::vector<std::string>& nam
 
 std::optional<std::string> fullNameOf(const std::string& name)
 {
-    std::error_code unknown;
-    const auto full = std::filesystem::canonical(wide(name), unknown);
-    return unknown ? std::nullopt : std::optional(narrow(full.wstring()));
-}
-
-// --- Console and time ------------------------------------------------------------------------------------------------
-
-std::int64_t readFromConsole(std::span<char> target)
-{
-    return readFrom(GetStdHandle(STD_INPUT_HANDLE), target, nullptr);
-}
-
-void writeToConsole(std::string_view text)
-{
-    while (!text.empty()) {
-        const std::int64_t count = writeTo(GetStdHandle(STD_OUTPUT_HANDLE), text, nullptr);
-        if (count <= 0) {
-            return; // nobody reads the console any more; the run goes on for its files
-        }
-        text.remove_prefix(static_cast<std::size_t>(count));
+    const HANDLE handle = CreateFileW(systemPath(name).c_str(), FILE_READ_ATTRIBUTES, kSharedByAll, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return std::nullopt;
     }
+    std::wstring full(GetFinalPathNameByHandleW(handle, nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
+    full.resize(GetFinalPathNameByHandleW(handle, full.data(), static_cast<DWORD>(full.size()), FILE_NAME_NORMALIZED));
+    CloseHandle(handle);
+    return full.empty() ? std::nullopt : std::optional(usualName(full));
 }
 
-bool isConsoleWatched()
-{
-    DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
-}
+// --- Time ------------------------------------------------------------------------------------------------------------
 
 std::int64_t timeNow()
 {
@@ -320,57 +415,13 @@ CalendarDate dateOfToday()
     return {now.wYear, now.wMonth, now.wDay};
 }
 
-// --- What the process may take ---------------------------------------------------------------------------------------
-
-std::size_t processorsToUse()
-{
-    SYSTEM_INFO machine = {};
-    GetSystemInfo(&machine);
-    return std::max<std::size_t>(1, machine.dwNumberOfProcessors);
-}
-
-std::string folderForTemporaryFiles()
-{
-    std::wstring path(MAX_PATH + 1, L'\0');
-    path.resize(GetTempPathW(static_cast<DWORD>(path.size()), path.data()));
-    return narrow(path);
-}
-
-std::uint64_t memoryLeftToTake()
-{
-    MEMORYSTATUSEX memory = {};
-    memory.dwLength = sizeof memory;
-    return GlobalMemoryStatusEx(&memory) == 0 ? 0 : memory.ullAvailPhys;
-}
-
-// --- Memory ----------------------------------------------------------------------------------------------------------
-
-void* takeZeroed(std::size_t bytes)
-{
-    return VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
-}
-
-void releaseZeroed(void* pages, std::size_t)
-{
-    VirtualFree(pages, 0, MEM_RELEASE);
-}
-
 } // namespace
-
-PageSource nativePages() noexcept
-{
-    return {takeZeroed, releaseZeroed};
-}
-
-bool nativeAvx2() noexcept
-{
-    return true;
-}
 
 const System& nativeSystem()
 {
     static constexpr System kWindows = {
         .open = openFile,
+        .inherited = inheritedFile,
         .close = closeFile,
         .read = readFile,
         .readAt = readFileAt,
@@ -384,6 +435,7 @@ const System& nativeSystem()
         .openUnnamed = openUnnamedFile,
         .setAside = setAsideFor,
         .giveName = giveNameTo,
+        .namesIgnoreCase = true,
         .facts = factsOfName,
         .lookUp = lookUpName,
         .list = listFolder,
@@ -399,17 +451,6 @@ const System& nativeSystem()
         .memoryLeft = memoryLeftToTake,
     };
     return kWindows;
-}
-
-void prepareProcess()
-{
-    // No file can get the number of a standard handle, and no signal ends a run that writes.
-    SetConsoleOutputCP(CP_UTF8);
-}
-
-void runGuarded(const std::function<void()>& work)
-{
-    work(); // without a guard yet
 }
 
 } // namespace gridforge::inline host
