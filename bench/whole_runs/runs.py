@@ -1,8 +1,7 @@
 """The table of whole runs that scripts/bench times: what each is given, its arguments, and what it must leave."""
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 
 CELLS = 4000 * 4000
-MANY = 12000 * 12000
 
 
 @dataclass
@@ -18,6 +17,7 @@ class Run:
     inputs: dict  # the name in the folder of the run, and the input that stands there
     arguments: str
     outputs: dict  # each file that the run must leave, and its size; headers of .flt need no line
+    threads: int = 0  # 0: one for each processor
 
 
 def depths(count, size=4000):
@@ -25,7 +25,7 @@ def depths(count, size=4000):
 
 
 def wide(size):
-    return "" if size == 4000 else ", 12,000 x 12,000 cells"
+    return "" if size == 4000 else ", {0:,} x {0:,} cells".format(size)
 
 
 def words(inputs):
@@ -45,6 +45,11 @@ def difference(size):
     cells = 4 * size * size
     return Run("dif" if size == 4000 else "dif_%d" % size, "`-dif` with wet/dry" + wide(size), depths(2, size),
                "-dif d1.flt d2.flt -out o.flt", {"o.flt": cells, "o_wd.flt": cells})
+
+
+def to_text(size):
+    return Run("conv_to_asc" + ("" if size == 4000 else "_%d" % size), "`-conv`, .flt to .asc" + wide(size), depths(1, size),
+               "-conv d1.flt", {"d1.asc": AtLeast(8 * size * size)})
 
 
 def one(name, about, arguments, outputs, **more):
@@ -91,7 +96,11 @@ def damages(where, form, objects="polygons"):
                              "c.dmg": "control_%s.dmg" % form}, "-damages c.dmg", outputs)
 
 
-RUNS = [
+def by_one_thread(runs, names):
+    return [replace(run, name=run.name + "_alone", about=run.about + ", one thread", threads=1) for run in runs if run.name in names]
+
+
+USUAL = [
     extremes("max", 8, 4000, True),
     extremes("max", 8, 4000, False),
     extremes("min", 8, 4000, True),
@@ -106,8 +115,6 @@ RUNS = [
         **{"r.mif": "region.mif"}),
     one("fe", "`-fe`", "-fe d1.flt -out o.flt", {"o.flt": 4 * CELLS}),
     Run("fuzzy", "`-fuzzy` of 4", depths(4), "-fuzzy %s -out o.flt" % words(depths(4)), {"o.flt": 4 * CELLS}),
-    extremes("max", 4, 12000, True),
-    difference(12000),
     one("count", "`-count`", "-count d1.flt", {"d1_count.txt": AtLeast(10)}),
     one("resize5", "`-resize5`", "-resize5 d1.flt -out o.flt", {"o.flt": 4 * CELLS // 25}),
     one("histogram", "`-histogram`, 40 bins", "-histogram bins.csv d1.flt", {"d1_histogram.csv": AtLeast(400)},
@@ -115,8 +122,7 @@ RUNS = [
     statistics("statMedian", "statMedian", ["Median_Val", "Median_Src"]),
     statistics("statAll", "statAll", [*STATISTICS, "Frac_Wet"]),
     Run("conv_to_flt", "`-conv`, .asc to .flt", {"a.asc": "depth_4000_1.asc"}, "-conv a.asc", {"a.flt": 4 * CELLS}),
-    one("conv_to_asc", "`-conv`, .flt to .asc", "-conv d1.flt", {"d1.asc": AtLeast(8 * CELLS)}),
-    Run("conv_to_asc_12000", "`-conv`, .flt to .asc" + wide(12000), depths(1, 12000), "-conv d1.flt", {"d1.asc": AtLeast(8 * MANY)}),
+    to_text(4000),
     remap("remap_tin", "`-remap` by TIN, coarse cells 5 times as wide", "",
           {"l_remap_h.flt": 4 * CELLS, "l_remap_d.flt": 4 * CELLS}),
     remap("remap_idw", "`-remap` by IDW, `-bd50`", "-bd50 ",
@@ -134,3 +140,12 @@ RUNS = [
     damages("all", "mif", "points"),
     damages("tenth", "mif", "points"),
 ]
+
+# How the time grows with the cells.
+SIZES = [1000, 2000, 12000, 20000]
+GROWING = [*(extremes("max", 4, size, True) for size in SIZES), difference(12000), *(to_text(size) for size in SIZES)]
+
+# What more processors are worth.
+COMPUTING = ["max_source", "dif", "statAll", "conv_to_flt", "conv_to_asc", "remap_tin", "remap_idw", "nc", "xyz", "rf_idw", "cp", "damages"]
+
+RUNS = [*USUAL, *GROWING, *by_one_thread(USUAL, COMPUTING)]

@@ -41,6 +41,10 @@ class ChosenTest(unittest.TestCase):
         self.assertEqual(nightly.words(step, 5, "/a b", "/a b/some.json"),
                          ["make", "/a b/grids", "--seconds", "5", "--json", "/a b/some.json"])
 
+    def test_a_word_in_quotes_may_have_blanks(self):
+        step = nightly.Step("some", "make --environment 'A=1 B=2'", 9)
+        self.assertEqual(nightly.words(step, 0, "/a", ""), ["make", "--environment", "A=1 B=2"])
+
 
 class KeptTest(unittest.TestCase):
     def setUp(self):
