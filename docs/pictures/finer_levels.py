@@ -18,7 +18,7 @@ def draw(pictures):
     ramp, ground, depth = ramp_of(level, WINDOW), ramp_of("ground.asc", WINDOW), styles.styles()["depth"]
     map_of(axes[0, 0], WINDOW, "the level of the model, cells of 25 m", ground=None)
     show(axes[0, 0], level, ramp, WINDOW)
-    colour_bar(made, axes[0, 0], ramp, "level (m)", location="bottom")
+    colour_bar(made, axes[0, 0], ramp, "level (m); white: null", location="bottom")
     map_of(axes[0, 1], WINDOW, "the ground, cells of 5 m", scale=False, ground=None)
     show(axes[0, 1], "ground.asc", ground, WINDOW)
     colour_bar(made, axes[0, 1], ground, "height (m)", location="bottom")

@@ -20,7 +20,7 @@ def draw(pictures):
     cells, extent = cells_of("survey.asc")
     ramp = ramp_of("survey.asc")
     made, axes = figure(3.7, 1, 2)
-    for panel, title in zip(axes, ("survey.xyz: a line for each point", "survey.asc: a cell around each point")):
+    for panel, title in zip(axes, ("survey.xyz: heights (m) at points", "survey.asc: a cell around each point")):
         panel.set_title(title)
         panel.set(xlim=(extent[0] - 2, extent[1] + 2), ylim=(extent[2] - 2, extent[3] + 2), aspect="equal", xlabel="x (m)",
                   ylabel="y (m)" if panel is axes[0] else "")

@@ -259,14 +259,21 @@ class Panel:
         if key.layer is None:
             self.axes.add_patch(Rectangle((left, middle - 0.16), PATCH, 0.32, facecolor=key.colour, edgecolor="#555555",
                                           linewidth=0.4))
-        elif key.layer.lines:
-            box = [(left, middle - 0.13), (left + PATCH, middle - 0.13), (left + PATCH, middle + 0.13), (left, middle + 0.13)]
-            vertices = [*box, box[0]] if key.layer.regions else [(left, middle), (left + PATCH, middle)]
-            self.axes.plot(*zip(*vertices), color=key.layer.ink, linewidth=0.9)
         else:
-            self.axes.scatter([left + PATCH / 2], [middle], s=13, color=key.layer.ink, edgecolors="white", linewidths=0.5)
+            self._sample(key.layer, left, middle)
         self.axes.text(left + PATCH + 0.2, middle, wrapped(key.label), fontsize=FONT, va="center", linespacing=1.05)
         self.at -= height
+
+    def _sample(self, layer: Layer, left: float, middle: float) -> None:
+        """An outline or a line, a dot, or both beside each other, as the layer has them."""
+        if layer.lines:
+            right = left + PATCH * (0.6 if layer.points else 1)
+            box = [(left, middle - 0.13), (right, middle - 0.13), (right, middle + 0.13), (left, middle + 0.13)]
+            vertices = [*box, box[0]] if layer.regions else [(left, middle), (right, middle)]
+            self.axes.plot(*zip(*vertices), color=layer.ink, linewidth=0.9)
+        if layer.points:
+            self.axes.scatter([left + PATCH * (0.85 if layer.lines else 0.5)], [middle], s=13, color=layer.ink, edgecolors="white",
+                              linewidths=0.5)
 
     def colour_bar(self, style: Style, length: float) -> None:
         values = numpy.array([c.value for c in style.classes])

@@ -154,6 +154,15 @@ class LegendTest(unittest.TestCase):
         self.assertEqual(self.keys("wet_dry", 99, numpy.nan), ["wet only in the first grid"])
         self.assertEqual(self.keys("level", 3), [])  # has a bar
 
+    def test_a_layer_shows_its_lines_and_its_points(self):
+        point, line = (1, 1), [(0, 0), (1, 1)]
+        for points, lines in (([point], []), ([], [line]), ([point], [line])):
+            axes = picture.pyplot.figure().add_subplot()
+            layer = picture.Layer("", picture.INKS[0], points, lines)
+            picture.Panel(axes, 5, 5).keys([picture.Key("a", layer=layer)])
+            self.assertEqual((len(axes.collections), len(axes.lines)), (len(points), len(lines)))
+            picture.pyplot.close()
+
     def test_labels_of_a_bar_are_round(self):
         level = styles.styles()["level"]
         self.assertEqual(picture.bar_labels(level.between(2.5, 47.5)),
