@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Draws flood.png of README.md and docs/styles.md by gridforge-picture, as examples/run_demo does."""
+"""Draws flood.png of README.md and docs/styles.md by gridforge-picture, the picture of examples/run_demo with its layer."""
 import sys
 
 from drawing import main, run

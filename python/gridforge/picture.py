@@ -1,30 +1,22 @@
-"""gridforge-picture: a grid as a PNG for a report, with legend, scale bar and north arrow, over the ground, under layers."""
+"""gridforge-picture: a grid as a picture for a report, with legend, scale bar and north arrow, over the ground, under layers."""
 from __future__ import annotations
 
 import argparse
 import math
 import re
 import sys
-from collections.abc import Sequence
+from collections.abc import Callable, Sequence
 from dataclasses import dataclass, field
 from pathlib import Path
 from typing import TYPE_CHECKING
 
 from . import styles
+from .canvas import INCH, Canvas, Place
 from .grid_blocks import Thinned, Window, numpy, read_thinned, require_numpy, window_of
 from .grid_files import beside, read_header
 from .messages import Failure, Scratch, add_overwrite, missing_package, refuse_existing, run_command
 from .styles import Style
-
-try:
-    import matplotlib
-    matplotlib.use("Agg")
-    matplotlib.rcParams["text.parse_math"] = False  # two dollars in a title are not a formula
-    from matplotlib import pyplot
-    from matplotlib.collections import LineCollection
-    from matplotlib.patches import Polygon, Rectangle
-except ImportError:
-    matplotlib = None
+from .svg_canvas import SvgCanvas
 
 try:
     from osgeo import gdal, ogr
@@ -34,12 +26,9 @@ except ImportError:
     ogr = None
 
 if TYPE_CHECKING:
-    from matplotlib.axes import Axes
-    from matplotlib.figure import Figure
     from numpy import ndarray
 
 NAME = "gridforge-picture"
-CM = 1 / 2.54  # inches
 MARGIN, GAP, PANEL = 0.3, 0.35, 4.6  # cm; the panel beside or below the map holds the legend
 FLAT = 0.6  # a map of less than this part of the panel's height has the panel below it
 TITLE = 0.75  # cm
@@ -50,10 +39,12 @@ FONT = 7.5  # points
 HEADINGS = {"depth": "Depth", "level": "Level", "difference": "Difference", "source": "Source", "wet_dry": "Wet and dry",
             "impact": "Change"}
 WITHOUT_UNIT = ("source", "wet_dry")
-INKS = ("#202020", "#c2185b", "#1b5e20", "#e65100", "#4a148c")
+DARK, EDGE, FRAME, WHITE = "#202020", "#555555", "#404040", "#ffffff"
+INKS = (DARK, "#c2185b", "#1b5e20", "#e65100", "#4a148c")
 SUN_AZIMUTH, SUN_HEIGHT = math.radians(315), math.radians(45)
 TYPICAL_SLOPE, MOST_EXAGGERATION = 0.35, 12.0  # the steep slopes of a flat ground are raised to this one
 SHADE_LOW, SHADE_HIGH = 0.6, 1.0
+DOT, DOT_OF_KEY = 3.3, 3.6  # points
 BAR_SHARE = 0.85  # of the panel that the scale bar takes at most
 
 
@@ -146,6 +137,15 @@ def hillshade(ground: Thinned) -> ndarray:
     return SHADE_LOW + (SHADE_HIGH - SHADE_LOW) * numpy.clip(light, 0, 1)
 
 
+def grey(light: ndarray) -> ndarray:
+    """Red, green, blue and opacity of each cell, 0 to 255, of a brightness from 0 to 1; nothing where that is missing."""
+    known = ~numpy.isnan(light)
+    image = numpy.zeros((*light.shape, 4), dtype="u1")
+    image[..., :3] = numpy.where(known, light * 255, 0).round()[..., None]
+    image[..., 3] = numpy.where(known, 255, 0)
+    return image
+
+
 # --- Layers ----------------------------------------------------------------------------------------------------------
 
 
@@ -168,25 +168,23 @@ def read_layer(wish: LayerWish, ink: str, window: Window) -> Layer:
     return drawn
 
 
+def finite(geometry: ogr.Geometry) -> list[tuple[float, float]]:
+    """The vertices, without those that are no numbers. GDAL gives an empty point a vertex."""
+    vertices = [] if geometry.IsEmpty() else geometry.GetPoints()
+    return [vertex[:2] for vertex in vertices if all(map(math.isfinite, vertex[:2]))]
+
+
 def add_shape(layer: Layer, geometry: ogr.Geometry) -> None:
     name = geometry.GetGeometryName()
     if name == "POINT":
-        if not geometry.IsEmpty():
-            layer.points.append((geometry.GetX(), geometry.GetY()))
+        layer.points += finite(geometry)
     elif name in ("LINESTRING", "LINEARRING"):
-        layer.lines.append([vertex[:2] for vertex in geometry.GetPoints() or []])
-        layer.regions |= name == "LINEARRING"
+        if line := finite(geometry):
+            layer.lines.append(line)
+            layer.regions |= name == "LINEARRING"
     else:
         for i in range(geometry.GetGeometryCount()):
             add_shape(layer, geometry.GetGeometryRef(i))
-
-
-def draw_layer(axes: Axes, layer: Layer) -> None:
-    if layer.lines:
-        axes.add_collection(LineCollection(layer.lines, colors="white", linewidths=1.7, alpha=0.6, capstyle="round"))
-        axes.add_collection(LineCollection(layer.lines, colors=layer.ink, linewidths=0.8, capstyle="round"))
-    if layer.points:
-        axes.scatter(*zip(*layer.points), s=11, color=layer.ink, edgecolors="white", linewidths=0.5, zorder=3)
 
 
 # --- The panel -------------------------------------------------------------------------------------------------------
@@ -227,23 +225,20 @@ def height_of(key: Key) -> float:
 
 
 class Panel:
-    """Legend, north arrow and scale bar on axes of centimetres, from the top down, in one column or several."""
+    """Legend, north arrow and scale bar, from the top down, in one column or several."""
 
-    def __init__(self, axes: Axes, width: float, height: float) -> None:
-        axes.set(xlim=(0, width), ylim=(0, height))
-        axes.axis("off")
-        self.axes = axes
-        self.width, self.height = width, height
-        self.left = 0.0
-        self.at = height
+    def __init__(self, canvas: Canvas, place: Place) -> None:
+        self.canvas = canvas
+        self.place = place
+        self.left, self.at = place.left, place.top
 
     def next_column(self, top: float) -> None:
         self.left += PANEL
         self.at = top
 
     def heading(self, text: str) -> None:
-        self.axes.text(self.left, self.at - LINE / 2, text, fontsize=FONT + 1, fontweight="bold", va="center")
-        self.at -= LINE * 1.25
+        self.canvas.text(self.left, self.at + LINE / 2, text, FONT + 1, bold=True)
+        self.at += LINE * 1.25
 
     def keys(self, keys: Sequence[Key], rows: int | None = None) -> None:
         """The keys, with so many in a column."""
@@ -255,59 +250,56 @@ class Panel:
 
     def _key(self, key: Key) -> None:
         height = height_of(key)
-        left, middle = self.left, self.at - height / 2
+        left, middle = self.left, self.at + height / 2
         if key.layer is None:
-            self.axes.add_patch(Rectangle((left, middle - 0.16), PATCH, 0.32, facecolor=key.colour, edgecolor="#555555",
-                                          linewidth=0.4))
+            self.canvas.box(Place(left, middle - 0.16, PATCH, 0.32), key.colour, EDGE, 0.4)
         else:
             self._sample(key.layer, left, middle)
-        self.axes.text(left + PATCH + 0.2, middle, wrapped(key.label), fontsize=FONT, va="center", linespacing=1.05)
-        self.at -= height
+        self.canvas.text(left + PATCH + 0.2, middle, wrapped(key.label), FONT)
+        self.at += height
 
     def _sample(self, layer: Layer, left: float, middle: float) -> None:
         """An outline or a line, a dot, or both beside each other, as the layer has them."""
         if layer.lines:
-            right = left + PATCH * (0.6 if layer.points else 1)
-            box = [(left, middle - 0.13), (right, middle - 0.13), (right, middle + 0.13), (left, middle + 0.13)]
-            vertices = [*box, box[0]] if layer.regions else [(left, middle), (right, middle)]
-            self.axes.plot(*zip(*vertices), color=layer.ink, linewidth=0.9)
+            width = PATCH * (0.6 if layer.points else 1)
+            if layer.regions:
+                self.canvas.box(Place(left, middle - 0.13, width, 0.26), "", layer.ink, 0.9)
+            else:
+                self.canvas.lines([[(left, middle), (left + width, middle)]], layer.ink, 0.9)
         if layer.points:
-            self.axes.scatter([left + PATCH * (0.85 if layer.lines else 0.5)], [middle], s=13, color=layer.ink, edgecolors="white",
-                              linewidths=0.5)
+            self.canvas.dots([(left + PATCH * (0.85 if layer.lines else 0.5), middle)], layer.ink, DOT_OF_KEY)
 
     def colour_bar(self, style: Style, length: float) -> None:
         values = numpy.array([c.value for c in style.classes])
-        left, bottom = self.left, self.at - length - 0.15
+        bar = Place(self.left, self.at + 0.15, PATCH, length)
         column = numpy.linspace(values[0], values[-1], 256)[::-1, None] if style.kind == "level" else stretched(values)
-        self.axes.imshow(coloured(column, style), extent=(left, left + PATCH, bottom, bottom + length), aspect="auto")
-        self.axes.add_patch(Rectangle((left, bottom), PATCH, length, fill=False, edgecolor="#555555", linewidth=0.5))
+        self.canvas.image(coloured(column, style), bar, smooth=True)
+        self.canvas.box(bar, "", EDGE, 0.5)
         for share, label in bar_labels(style):
-            y = bottom + share * length
-            self.axes.plot([left + PATCH, left + PATCH + 0.1], [y, y], color="#555555", linewidth=0.5)
-            self.axes.text(left + PATCH + 0.2, y, label, fontsize=FONT, va="center")
-        self.at = bottom - 0.3
+            y = bar.bottom - share * length
+            self.canvas.lines([[(bar.right, y), (bar.right + 0.1, y)]], EDGE, 0.5)
+            self.canvas.text(bar.right + 0.2, y, label, FONT)
+        self.at = bar.bottom + 0.3
 
     def foot(self, left: float, bottom: float, metres_per_cm: float | None) -> None:
         """North arrow and scale bar; no bar where coordinates are degrees."""
-        self._north(left + 0.45, bottom + 1.55)
+        self._north(left + 0.45, bottom - 1.55)
         if metres_per_cm is None:
             return
         length = round_length(metres_per_cm * PANEL * BAR_SHARE * 0.8)
         width = length / metres_per_cm
         for i in range(4):
-            self.axes.add_patch(Rectangle((left + 0.1 + i * width / 4, bottom + 0.55), width / 4, 0.14, linewidth=0.5,
-                                          edgecolor="#202020", facecolor="#202020" if i % 2 == 0 else "white"))
+            quarter = Place(left + 0.1 + i * width / 4, bottom - 0.69, width / 4, 0.14)
+            self.canvas.box(quarter, DARK if i % 2 == 0 else WHITE, DARK, 0.5)
         unit, scale = ("km", 1000) if length >= 2000 else ("m", 1)
         for share in (0, 0.5, 1):
-            self.axes.text(left + 0.1 + share * width, bottom + 0.3, f"{share * length / scale:g}", fontsize=FONT - 0.5,
-                           ha="center", va="center")
-        self.axes.text(left + 0.25 + width, bottom + 0.62, unit, fontsize=FONT - 0.5, va="center")
+            self.canvas.text(left + 0.1 + share * width, bottom - 0.3, f"{share * length / scale:g}", FONT - 0.5, centred=True)
+        self.canvas.text(left + 0.25 + width, bottom - 0.62, unit, FONT - 0.5)
 
     def _north(self, x: float, y: float) -> None:
-        for side, colour in ((-0.2, "white"), (0.2, "#202020")):
-            self.axes.add_patch(Polygon([(x, y + 0.45), (x + side, y - 0.4), (x, y - 0.22)], facecolor=colour,
-                                        edgecolor="#202020", linewidth=0.6))
-        self.axes.text(x + 0.36, y + 0.05, "N", fontsize=FONT + 1.5, fontweight="bold", va="center")
+        for side, colour in ((-0.2, WHITE), (0.2, DARK)):
+            self.canvas.polygon([(x, y - 0.45), (x + side, y + 0.4), (x, y + 0.22)], colour, DARK, 0.6)
+        self.canvas.text(x + 0.36, y - 0.05, "N", FONT + 1.5, bold=True)
 
 
 def stretched(values: ndarray) -> ndarray:
@@ -363,9 +355,9 @@ class Legend:
             panel.keys(self.keys)
         else:
             panel.colour_bar(self.style, BAR)
-        panel.at -= LINE / 2
+        panel.at += LINE / 2
         panel.keys(self.layers)
-        panel.foot(0, 0, metres_per_cm)
+        panel.foot(panel.place.left, panel.place.bottom, metres_per_cm)
 
     def draw_below(self, panel: Panel, columns: int, metres_per_cm: float | None) -> None:
         panel.heading(self.heading)
@@ -374,18 +366,18 @@ class Legend:
         else:
             panel.colour_bar(self.style, SHORT_BAR)
         if self.layers:
-            panel.next_column(panel.height - LINE * 1.25)
+            panel.next_column(panel.place.top + LINE * 1.25)
             panel.keys(self.layers)
-        panel.foot(panel.width - PANEL, panel.height - FOOT, metres_per_cm)
+        panel.foot(panel.place.right - PANEL, panel.place.top + FOOT, metres_per_cm)
 
 
 @dataclass(frozen=True)
 class Layout:
-    """Places on the picture, in cm from its upper left corner: left, top, width, height."""
+    """Places on the picture, which has this width and height in cm."""
     width: float
     height: float
-    map: tuple[float, float, float, float]
-    panel: tuple[float, float, float, float]
+    map: Place
+    panel: Place
     columns: int  # of a panel below the map; 0 for one beside it
 
 
@@ -396,12 +388,12 @@ def laid_out(legend: Legend, wishes: Wishes, window: Window) -> Layout:
     width = inner - PANEL - GAP
     if width * shape >= FLAT * beside or inner < 2 * PANEL:
         tall = max(width * shape, beside)
-        return Layout(wishes.width, top + tall + MARGIN, (MARGIN, top, width, width * shape),
-                      (MARGIN + width + GAP, top, PANEL, tall), 0)
+        return Layout(wishes.width, top + tall + MARGIN, Place(MARGIN, top, width, width * shape),
+                      Place(MARGIN + width + GAP, top, PANEL, tall), 0)
     columns = int(inner // PANEL) - 1
     below = legend.below_height(columns)
-    return Layout(wishes.width, top + inner * shape + GAP + below + MARGIN, (MARGIN, top, inner, inner * shape),
-                  (MARGIN, top + inner * shape + GAP, inner, below), columns)
+    return Layout(wishes.width, top + inner * shape + GAP + below + MARGIN, Place(MARGIN, top, inner, inner * shape),
+                  Place(MARGIN, top + inner * shape + GAP, inner, below), columns)
 
 
 # --- The picture -----------------------------------------------------------------------------------------------------
@@ -415,10 +407,33 @@ def is_projected(grid: Path) -> bool:
 
 def most_cells(wishes: Wishes) -> int:
     """Half as many again as the picture has dots across."""
-    return max(16, round(wishes.width * CM * wishes.dpi * 1.5))
+    return max(16, round(wishes.width / INCH * wishes.dpi * 1.5))
 
 
-def draw(grid: Path, wishes: Wishes) -> Figure:
+@dataclass(frozen=True)
+class Raster:
+    pixels: ndarray  # see Canvas.image
+    window: Window
+    smooth: bool = False
+
+
+@dataclass(frozen=True)
+class Picture:
+    """All that is drawn, and where."""
+    title: str
+    window: Window
+    rasters: Sequence[Raster]  # the lowest first
+    layers: Sequence[Layer]
+    legend: Legend
+    layout: Layout
+    metres_per_cm: float | None  # of the map; None where coordinates are degrees
+
+    @property
+    def name(self) -> str:
+        return self.title or self.legend.heading
+
+
+def composed(grid: Path, wishes: Wishes) -> Picture:
     kind = wishes.kind or styles.kind_of(grid.name) or ""
     window = wishes.window or window_of(read_header(grid))
     cells = read_thinned(grid, most_cells(wishes), kind in WITHOUT_UNIT, window)
@@ -431,38 +446,49 @@ def draw(grid: Path, wishes: Wishes) -> Figure:
     legend = Legend(f"{heading} ({unit})" if unit else heading, style, keys_of(style, cells.values, unit),
                     [Key(layer.label, layer=layer) for layer in layers])
     layout = laid_out(legend, wishes, window)
-    figure = pyplot.figure(figsize=(layout.width * CM, layout.height * CM), dpi=wishes.dpi)
-
-    def axes(left: float, top: float, width: float, height: float) -> Axes:
-        return figure.add_axes((left / layout.width, 1 - (top + height) / layout.height, width / layout.width,
-                                height / layout.height))
-
-    if wishes.title:
-        figure.text(MARGIN / layout.width, 1 - (MARGIN + TITLE * 0.3) / layout.height, wishes.title, fontsize=FONT + 3,
-                    fontweight="bold", va="center")
-    draw_map(axes(*layout.map), cells, style, window, layers, wishes.ground, most_cells(wishes))
-    panel = Panel(axes(*layout.panel), *layout.panel[2:])
-    metres_per_cm = window.width / layout.map[2] if is_projected(grid) else None
-    if layout.columns:
-        legend.draw_below(panel, layout.columns, metres_per_cm)
-    else:
-        legend.draw_beside(panel, metres_per_cm)
-    return figure
-
-
-def draw_map(axes: Axes, cells: Thinned, style: Style, window: Window, layers: Sequence[Layer], ground: Path | None,
-             most: int) -> None:
-    axes.set(xticks=[], yticks=[])
-    for side in axes.spines.values():
-        side.set(linewidth=0.6, color="#404040")
-    if ground:
-        below = read_thinned(ground, most, wanted=window)
-        axes.imshow(hillshade(below), cmap="gray", vmin=0, vmax=1, extent=below.extent)
+    rasters = []
+    if wishes.ground:
+        ground = read_thinned(wishes.ground, most_cells(wishes), wanted=window)
+        rasters.append(Raster(grey(hillshade(ground)), ground.window, smooth=True))
     # Opaque, also over the ground: a depth is read by comparing its colour with the legend.
-    axes.imshow(coloured(cells.values, style), extent=cells.extent, interpolation="nearest")
-    for layer in layers:
-        draw_layer(axes, layer)
-    axes.set(xlim=(window.west, window.east), ylim=(window.south, window.north), aspect="auto")
+    rasters.append(Raster(coloured(cells.values, style), cells.window))
+    return Picture(wishes.title, window, rasters, layers, legend, layout,
+                   window.width / layout.map.width if is_projected(grid) else None)
+
+
+def draw(picture: Picture, canvas: Canvas) -> None:
+    layout, legend = picture.layout, picture.legend
+    if picture.title:
+        canvas.text(MARGIN, MARGIN + TITLE * 0.3, picture.title, FONT + 3, bold=True)
+    draw_map(picture, canvas)
+    panel = Panel(canvas, layout.panel)
+    if layout.columns:
+        legend.draw_below(panel, layout.columns, picture.metres_per_cm)
+    else:
+        legend.draw_beside(panel, picture.metres_per_cm)
+
+
+def draw_map(picture: Picture, canvas: Canvas) -> None:
+    window, place = picture.window, picture.layout.map
+
+    def at(x: float, y: float) -> tuple[float, float]:
+        return (place.left + (x - window.west) / window.width * place.width,
+                place.top + (window.north - y) / window.height * place.height)
+
+    with canvas.within(place):
+        for raster in picture.rasters:
+            left, top = at(raster.window.west, raster.window.north)
+            right, bottom = at(raster.window.east, raster.window.south)
+            canvas.image(raster.pixels, Place(left, top, right - left, bottom - top), raster.smooth)
+        for layer in picture.layers:
+            if layer.lines:
+                lines = [[at(*vertex) for vertex in line] for line in layer.lines]
+                canvas.lines(lines, WHITE, 1.7, opacity=0.6)
+                canvas.lines(lines, layer.ink, 0.8)
+        for layer in picture.layers:  # no line hides a point
+            if layer.points:
+                canvas.dots([at(*point) for point in layer.points], layer.ink, DOT)
+    canvas.box(place, "", FRAME, 0.6)
 
 
 # --- The command -----------------------------------------------------------------------------------------------------
@@ -486,7 +512,7 @@ def positive(text: str) -> float:
 def make_parser() -> argparse.ArgumentParser:
     parser = argparse.ArgumentParser(prog=NAME, description=__doc__.split(": ", 1)[1])
     parser.add_argument("grid", type=Path, help="an .asc or a .flt")
-    parser.add_argument("output", type=Path, help="the .png")
+    parser.add_argument("output", type=Path, help="the .png or .svg")
     parser.add_argument("--kind", choices=tuple(styles.styles()),
                         help="what the cells are; without it the name of the grid decides")
     parser.add_argument("--ground", type=Path, metavar="GRID", help="heights, drawn as a shaded ground below")
@@ -502,23 +528,35 @@ def make_parser() -> argparse.ArgumentParser:
     parser.add_argument("--range", type=float, nargs=2, metavar=("LOW", "HIGH"),
                         help="where the colours of a level begin and end")
     parser.add_argument("--width", type=positive, default=16.0, metavar="CM", help="of the picture; 16 without it")
-    parser.add_argument("--dpi", type=positive, default=200.0, help="dots an inch; 200 without it")
+    parser.add_argument("--dpi", type=positive, default=200.0,
+                        help="dots an inch; 200 without it; in an .svg they only limit how fine the map is")
     add_overwrite(parser)
     return parser
 
 
 def checked(given: argparse.Namespace) -> Wishes:
-    if given.output.suffix.lower() != ".png":
-        raise Failure(f"{given.output}: a picture ends in .png")
+    if given.output.suffix.lower() not in (".png", ".svg"):
+        raise Failure(f"{given.output}: a picture ends in .png or .svg")
     window = Window(*given.window) if given.window else None
     if window and not (window.width > 0 and window.height > 0):
         raise Failure("--window: west, south, east, north are expected, each smaller than its opposite")
     if given.range and not given.range[0] < given.range[1]:
         raise Failure("--range: the low end must lie below the high end")
-    if given.width < PANEL + 3 or given.width * CM * given.dpi > 20000:
+    if given.width < PANEL + 3 or given.width / INCH * given.dpi > 20000:
         raise Failure("--width and --dpi: the picture is too narrow or too large")
     return Wishes(given.kind, given.ground, given.legend, tuple(given.layers), given.title, given.heading, given.unit, window,
                   tuple(given.range) if given.range else None, given.width, round(given.dpi))
+
+
+def canvas_of(output: Path, dpi: float) -> Callable[[Picture], Canvas]:
+    """Makes the canvas. Only that of a .png needs matplotlib, and loads it."""
+    if output.suffix.lower() == ".svg":
+        return lambda picture: SvgCanvas(picture.layout.width, picture.layout.height, picture.name)
+    try:
+        from .matplotlib_canvas import MatplotlibCanvas
+    except ImportError:
+        raise missing_package("matplotlib", "python3-matplotlib") from None
+    return lambda picture: MatplotlibCanvas(picture.layout.width, picture.layout.height, dpi)
 
 
 def main(arguments: Sequence[str] | None = None) -> int:
@@ -526,16 +564,16 @@ def main(arguments: Sequence[str] | None = None) -> int:
 
     def command() -> None:
         require_numpy()
-        if matplotlib is None:
-            raise missing_package("matplotlib", "python3-matplotlib")
         wishes = checked(given)
+        make_canvas = canvas_of(given.output, wishes.dpi)
         inputs = [given.grid, *[path for path in (given.ground, given.legend) if path], *[wish.path for wish in given.layers]]
         refuse_existing([given.output], inputs, given.overwrite)
-        figure = draw(given.grid, wishes)
+        picture = composed(given.grid, wishes)
+        canvas = make_canvas(picture)
+        draw(picture, canvas)
         with Scratch(given.output, given.overwrite) as scratch:
             made = scratch.path / given.output.name
-            figure.savefig(made, metadata={"Software": None})
-            pyplot.close(figure)
+            canvas.save(made)
             scratch.publish([(made, given.output)])
 
     return run_command(NAME, command)

@@ -1,12 +1,14 @@
-"""gridforge-picture: the colours at places of the picture, what stands in the legend, and grids that are thinned first."""
+"""gridforge-picture, as .png: the colours at places of the picture, what stands in the legend, and grids that are thinned first."""
 import struct
 import unittest
 from pathlib import Path
+from unittest import mock
 
 import numpy
 from matplotlib import image
 
 from gridforge import grid_blocks, picture, styles
+from gridforge.canvas import Place
 from tests.tool_case import ToolCase, asc, mif
 
 DPI = 100
@@ -157,11 +159,10 @@ class LegendTest(unittest.TestCase):
     def test_a_layer_shows_its_lines_and_its_points(self):
         point, line = (1, 1), [(0, 0), (1, 1)]
         for points, lines in (([point], []), ([], [line]), ([point], [line])):
-            axes = picture.pyplot.figure().add_subplot()
+            canvas = mock.Mock()
             layer = picture.Layer("", picture.INKS[0], points, lines)
-            picture.Panel(axes, 5, 5).keys([picture.Key("a", layer=layer)])
-            self.assertEqual((len(axes.collections), len(axes.lines)), (len(points), len(lines)))
-            picture.pyplot.close()
+            picture.Panel(canvas, Place(0, 0, 5, 5)).keys([picture.Key("a", layer=layer)])
+            self.assertEqual((canvas.dots.call_count, canvas.lines.call_count), (len(points), len(lines)))
 
     def test_labels_of_a_bar_are_round(self):
         level = styles.styles()["level"]
@@ -269,7 +270,7 @@ class MessagesTest(Drawn):
         self.give("a.asc", asc([[1, 2], [3, 4]]))
         for message, *arguments in (
                 ("the name of a.asc does not show its kind: --kind is one of depth, level, difference, source, wet_dry, impact", "o.png"),
-                ("o.jpg: a picture ends in .png", "o.jpg"),
+                ("o.jpg: a picture ends in .png or .svg", "o.jpg"),
                 ("--window: west, south, east, north are expected, each smaller than its opposite", "o.png", "--window", "2",
                  "0", "1",
                  "1"),
