@@ -145,7 +145,8 @@ The largest number of threads; without it as many as the process may use process
 Bytes of memory that waiting cells may take, beyond which they wait in a file without a name; without it half of what is free.
 .TP
 .B GRIDFORGE_SCRATCH
-The folder for that file; without it the folder of the output or the temporary one.
+The folder for that file, and for grids held whole that memory has no room for; without it the folder of the output or the
+temporary one.
 .TP
 .B GRIDFORGE_PROGRESS
 A file that gets a line about the progress each second, or

@@ -57,7 +57,6 @@ struct LargeRun : LimitedRun {
         giveLargeFlt(*this, "a");
         giveLargeFlt(*this, "b");
         environment("GRIDFORGE_THREADS", "2"); // each takes some
-        start();
     }
 };
 
@@ -66,8 +65,9 @@ TEST(LimitsCli, MemoryForPiecesIsEnough)
     if (!canLimitMemory()) {
         GTEST_SKIP() << "a sanitizer has taken its memory before";
     }
-    for (const char* limit : {"-v 60000", "-d 20000"}) { // kB
+    for (const char* limit : {"-v 60000", "-d 20000", "-d 2000"}) { // kB
         LargeRun run(limit);
+        run.start();
         EXPECT_EQ(run.status(), 0);
         EXPECT_EQ(run.error(), "");
         EXPECT_TRUE(run.says("Finished.")) << run.console();
@@ -81,6 +81,8 @@ TEST(LimitsCli, MemoryForNoPiece)
         GTEST_SKIP() << "a sanitizer has taken its memory before";
     }
     LargeRun run("-d 2000");
+    run.environment("GRIDFORGE_SCRATCH", "/nowhere"); // so that no file can hold it either
+    run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
     EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Could not allocate enough memory (RAM)."));

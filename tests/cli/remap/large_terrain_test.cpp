@@ -23,6 +23,14 @@ std::string underLimit()
     return "ulimit -d 36000; exec \"$0\" \"$@\"";
 }
 
+// Levels of 2.5 on cells of 5 m, all over the terrain.
+void giveLevels(ToolRun& run)
+{
+    const Cells levels(kRows / 5, std::vector<double>(kColumns / 5, 2.5));
+    run.give("wl.hdr", hdr(levels, {.cellsize = 5}));
+    run.give("wl.flt", fltCells(levels));
+}
+
 // Ground of height 0, in a file without a block of its own.
 void giveTerrain(ToolRun& run)
 {
@@ -54,9 +62,7 @@ TEST_F(LargeTerrain, IsRemappedByTin)
     run.program("/bin/sh");
     run.environment("GRIDFORGE_THREADS", "2");
     giveTerrain(run);
-    const Cells levels(kRows / 5, std::vector<double>(kColumns / 5, 2.5));
-    run.give("wl.hdr", hdr(levels, {.cellsize = 5}));
-    run.give("wl.flt", fltCells(levels));
+    giveLevels(run);
     run.start();
     ASSERT_TRUE(run.says("Finished.")) << run.console();
     for (const char* name : {"wl_remap_h.flt", "wl_remap_d.flt"}) {
@@ -66,6 +72,21 @@ TEST_F(LargeTerrain, IsRemappedByTin)
         EXPECT_EQ(cellOf(bytes, 2, 3), -9999.0F);
         EXPECT_EQ(cellOf(bytes, 1234, 2345), 2.5F);
     }
+}
+
+// Water may grow from any cell to any other, so ground, levels and states of all cells are held: in a file.
+TEST_F(LargeTerrain, IsRemappedByIdw)
+{
+    ToolRun run({"-c", underLimit(), toolPath(), "-b", "-remap", "-bd50", "-wl", "wl.flt", "-dem", "dem.flt"});
+    run.program("/bin/sh");
+    giveTerrain(run);
+    giveLevels(run);
+    run.start();
+    ASSERT_TRUE(run.says("Finished.")) << run.console();
+    const std::string bytes = run.read("wl_remap_h.flt");
+    ASSERT_EQ(bytes.size(), kBytes);
+    EXPECT_EQ(cellOf(bytes, 1, 1), 2.5F);
+    EXPECT_EQ(cellOf(bytes, 1234, 2345), 2.5F);
 }
 
 TEST_F(LargeTerrain, IsSampledAtPoints)

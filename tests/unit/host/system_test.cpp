@@ -1,14 +1,12 @@
 #include "host/system.h"
 
 #include "host/memory/memory_system.h"
-#include "support/sanitizers.h"
 #include "support/scratch_folder.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <fcntl.h>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
@@ -360,31 +358,6 @@ TEST(NativeSystem, WaitsForAConsoleThatIsNotReady)
         close(descriptor);
     }
     EXPECT_EQ(got.size(), text.size());
-}
-
-// The host has put its pages in place of the heap before any test ran: the system knows the array as one of huge pages.
-TEST(NativePages, HoldLargeArrays)
-{
-    if (kSanitized || !std::ifstream("/proc/self/smaps")) {
-        GTEST_SKIP() << "no pages of our own, or no list of them";
-    }
-    HugeArray<char> array;
-    ASSERT_TRUE(array.allocate(std::size_t{8} << 20));
-    array[0] = 1;
-    std::ifstream maps("/proc/self/smaps");
-    const auto address = reinterpret_cast<std::uintptr_t>(&array[0]);
-    bool inside = false;
-    bool wishedHuge = false;
-    for (std::string line; std::getline(maps, line);) {
-        std::uintptr_t from = 0;
-        std::uintptr_t to = 0;
-        if (std::sscanf(line.c_str(), "%zx-%zx", &from, &to) == 2) {
-            inside = from <= address && address < to;
-        } else if (inside && line.starts_with("VmFlags:")) {
-            wishedHuge = line.find(" hg") != std::string::npos;
-        }
-    }
-    EXPECT_TRUE(wishedHuge);
 }
 
 } // namespace
