@@ -14,8 +14,8 @@ using Files = std::map<std::string, std::string>;
 struct FoundGrid {
     std::string name;
     std::string bytes;
-    std::string header; // of a .flt
-    auto operator<=>(const FoundGrid&) const = default;
+    std::string header;                                 // of a .flt
+    auto operator<=>(const FoundGrid&) const = default; // NOLINT(modernize-use-nullptr): there is no null
 };
 
 // Those of `files` that are .asc or .flt.

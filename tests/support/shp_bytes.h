@@ -98,8 +98,8 @@ inline std::vector<std::string> tableOf(const std::string& bytes)
     std::size_t width = 1;
     for (; at < bytes.size() && bytes[at] != '\r'; at += 32) {
         const auto length = static_cast<unsigned char>(bytes[at + 16]);
-        table.push_back(bytes.substr(at, 11).c_str() + std::string(" ") + bytes[at + 11] + " " +
-                        std::to_string(length));
+        const std::string name = bytes.substr(at, 11);
+        table.push_back(name.substr(0, name.find('\0')) + " " + bytes[at + 11] + " " + std::to_string(length));
         width += length;
     }
     for (++at; at + width < bytes.size(); at += width) {

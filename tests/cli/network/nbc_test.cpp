@@ -115,8 +115,8 @@ TEST(NbcCli, TellsItsRunOnTheConsole)
                                        "mif Projection: CoordSys NonEarth Units \"m\" Bounds (0, 0) (100, 100)",
                                        "...Closed File Unit:1002", "Getting Branches from 1d_branches_t.mif"},
                                       openedMif("1d_branches_t", 1, 1002),
-                                      {"4 MIF Fields: Name [#/Type]: Name [1/Char(30)]  n [2/Float]  UCS [3/Char(1)]  "
-                                       "Form_Loss [4/Float]  ",
+                                      {("4 MIF Fields: Name [#/Type]: Name [1/Char(30)]  n [2/Float]  UCS [3/Char(1)]  "
+                                        "Form_Loss [4/Float]  "),
                                        "Searching for Lines and Polylines...", "Polyline 1 with name \"Main\"",
                                        "WARNING - Branch Roughness less than or equal to 0 setting to 1.",
                                        "Polyline 2 with name \"Trib\"", "Polyline 1 is an \"x\" connector."},
@@ -132,8 +132,8 @@ TEST(NbcCli, TellsItsRunOnTheConsole)
          "    Split_TF - True / False for splitting branch, set to false for centre sections",
          "    Extract_TF- True / False for extracting section, set to false to skip",
          "    Extraction_Method - min, max or average",
-         "    Buffer_Method - Optional method for extracting values from grid: point {default}, buffer and "
-         "perpendicular",
+         ("    Buffer_Method - Optional method for extracting values from grid: point {default}, buffer and "
+          "perpendicular"),
          "    Buffer_Dist - Distance for use with buffer or perpendicular options.",
          "Loading cross-sections from 1d_cut_t.mif", "Searching for Lines and Polylines...", "Found 10 cross-sections.",
          "Closing GIS Layer 1 [1d_cut_t.mif]...", "...Closed File Unit:1002", "...Closed File Unit:1003",

@@ -69,7 +69,7 @@ std::ostream& operator<<(std::ostream& out, const Remap& one)
 
 class Remaps : public testing::TestWithParam<Remap> {
 protected:
-    void give(const std::string& base, const Cells& cells, GridOptions options)
+    void give(const std::string& base, const Cells& cells, const GridOptions& options)
     {
         if (extension_ == ".flt") {
             files_[base + ".hdr"] = hdr(cells, options);

@@ -193,7 +193,7 @@ TEST(Scan, EachWordOfStatIsAStatisticOfItsOwn)
     std::istringstream words{std::string(driver::findFlag("-stat")->docs.valueName)};
     std::vector<StatOptions> seen{StatOptions()};
     for (std::string word; std::getline(words, word, '|');) {
-        const StatOptions options = optionsOf<StatOptions>({"-stat" + (word == "Rank<n>" ? "Rank3" : word)});
+        const auto options = optionsOf<StatOptions>({"-stat" + (word == "Rank<n>" ? "Rank3" : word)});
         EXPECT_EQ(std::ranges::count(seen, options), 0) << word;
         seen.push_back(options);
     }

@@ -62,7 +62,7 @@ std::string nameOf(const ::gisO& object)
 // Runs code on the opened layer `name` in a process of its own, where the expectations stand as well.
 ChildRun onLayer(const ScratchFolder& folder, std::string_view name, const std::function<void(std::int32_t)>& code)
 {
-    const ChildRun run = runInChild(folder, [&] {
+    ChildRun run = runInChild(folder, [&] {
         gis::initialise();
         const std::int32_t id = gis::openFiles(name).id;
         ::gisReadHeader(id);

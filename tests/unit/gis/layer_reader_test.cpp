@@ -107,7 +107,8 @@ TEST(HostileMif, LinesOf100MegabytesTakeLittleMemory)
 {
     const ScratchFolder folder;
     {
-        const std::string longLine(100'000'000, 'x');
+        std::string longLine;
+        longLine.resize(100'000'000, 'x');
         folder.give("l.mif", mifText("Point 1 2\n" + longLine + "\nPoint 3 4\n"));
         folder.give("l.mid", "a\n" + longLine + "\n");
     }

@@ -30,7 +30,7 @@ std::string formatted(const std::vector<float>& row, int width, int decimals)
 // One value among so many that the vector path takes it, which must give what it gives alone.
 std::string field(float value, int width, int decimals)
 {
-    const std::string alone = formatted({value}, width, decimals);
+    std::string alone = formatted({value}, width, decimals);
     const std::string among = formatted(std::vector<float>(20, value), width, decimals);
     for (std::size_t i = 0; i < 20; ++i) {
         EXPECT_EQ(among.substr(i * alone.size(), alone.size()), alone) << i;

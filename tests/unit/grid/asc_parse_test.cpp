@@ -20,7 +20,6 @@ namespace gridforge {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 constexpr float kUntouched = 77;
 constexpr std::size_t kWhole = std::numeric_limits<std::size_t>::max();

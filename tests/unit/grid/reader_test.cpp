@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -40,7 +40,7 @@ TEST(GridsInMemory, AreReadAndWrittenThroughTheDialogue)
     grid::writeGrid(grid::Format::flt, "in\\out", header, cells, "PROJCS[]");
     const std::string bytes = memoryFile("in/out.flt").value();
     ASSERT_EQ(bytes.size(), sizeof want);
-    EXPECT_EQ(std::memcmp(bytes.data(), want.data(), sizeof want), 0);
+    EXPECT_TRUE(std::ranges::equal(std::as_bytes(std::span(bytes)), std::as_bytes(std::span(want))));
     EXPECT_EQ(memoryFile("in/out.prj"), "PROJCS[]\r\n");
     EXPECT_EQ(memoryFile("out.flt"), std::nullopt);
 }

@@ -83,7 +83,7 @@ TEST_P(KeptListing, ShowsEachChange)
     folder.give("a", "");
     FolderNames names(nanoseconds(20ms).count());
     const auto find = [&](const ScratchFolder& in) {
-        const std::vector<std::string> found = names.inAnyCase(in.path(), "A");
+        std::vector<std::string> found = names.inAnyCase(in.path(), "A");
         if (GetParam()) {
             waitForNextStamp();
         }

@@ -36,6 +36,10 @@ const System& clockedSystem()
 }
 
 class ProgressTest : public testing::Test {
+public:
+    ProgressTest(const ProgressTest&) = delete;
+    ProgressTest& operator=(const ProgressTest&) = delete;
+
 protected:
     ProgressTest()
     {
@@ -49,8 +53,6 @@ protected:
         clearMemorySystem();
         useSystem(nativeSystem());
     }
-    ProgressTest(const ProgressTest&) = delete;
-    ProgressTest& operator=(const ProgressTest&) = delete;
 
     static void writeBytes(std::size_t count)
     {

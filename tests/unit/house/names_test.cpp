@@ -122,7 +122,7 @@ std::set<std::string> typesIn(const std::string& symbol)
 {
     static const std::string anonymous = "(anonymous namespace)::";
     // The list has wrong names for what a lambda takes: it repeats names by numbers, and counts them otherwise than g++.
-    static const std::regex lambda(R"(\{lambda\(.*?\)#\d+\}(?:::_FUN\(.*)?)");
+    static const std::regex lambda(R"(\{lambda\(.*?\)#\d+\}(?:::(?:_FUN|operator\(\))\(.*)?)");
     std::string names = std::regex_replace(symbol, lambda, "");
     for (std::size_t at = names.find(anonymous); at != std::string::npos; at = names.find(anonymous, at)) {
         names.erase(at, anonymous.size());

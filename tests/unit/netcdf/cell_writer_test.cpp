@@ -91,7 +91,8 @@ std::vector<grid::CellStore> gridsOf(std::size_t count, const std::string& folde
 void expectGrids(const std::vector<float>& values)
 {
     for (std::size_t i = 0; i < values.size(); ++i) {
-        ASSERT_EQ(values[i], static_cast<float>(100 * (i / kCells) + i % kCells)) << i;
+        const std::size_t grid = i / kCells;
+        ASSERT_EQ(values[i], static_cast<float>(100 * grid + i % kCells)) << i;
     }
 }
 

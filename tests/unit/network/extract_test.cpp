@@ -132,7 +132,7 @@ PlainSum plainBuffer(const Terrain& t, const network::NbcSection& s, std::size_t
     const double x = s.pointX[i];
     const double y = s.pointY[i];
     for (std::size_t m = 0; m < 14; ++m) {
-        const double degrees = static_cast<double>((static_cast<float>(m % 12) / 12.0F) * 360.0F);
+        const auto degrees = static_cast<double>((static_cast<float>(m % 12) / 12.0F) * 360.0F);
         ringX[m] = x + static_cast<double>(s.bufferDistance * static_cast<float>(sind(degrees)) * 0.5F);
         ringY[m] = y + static_cast<double>(s.bufferDistance * static_cast<float>(cosd(degrees)) * 0.5F);
     }

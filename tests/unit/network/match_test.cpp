@@ -139,13 +139,13 @@ bool plainOverlap(const Box& a, const Box& b)
 void plainMatch(network::NbcBranches& branches, network::NbcSections& sections)
 {
     branches.branchesAndSections = static_cast<std::int32_t>(branches.all.size());
-    for (std::size_t s = 0; s < sections.all.size(); ++s) {
+    for (auto& section : sections.all) {
         for (std::size_t b = 0; b < branches.all.size(); ++b) {
-            if (!plainOverlap(branches.all[b].extent, sections.all[s].extent)) {
+            if (!plainOverlap(branches.all[b].extent, section.extent)) {
                 continue;
             }
-            if (!plainSnap(branches, b, sections.all[s])) {
-                plainCross(branches, b, sections.all[s]);
+            if (!plainSnap(branches, b, section)) {
+                plainCross(branches, b, section);
             }
         }
     }
@@ -222,10 +222,11 @@ public:
         Vertices vertices;
         double x = place(range);
         double y = place(range);
+        const int half = step / 2;
         for (std::size_t i = 0; i < count; ++i) {
             vertices.emplace_back(x, y);
-            x += place(step) - origin_ - scale_ * (step / 2);
-            y += place(step) - origin_ - scale_ * (step / 2);
+            x += place(step) - origin_ - scale_ * half;
+            y += place(step) - origin_ - scale_ * half;
         }
         return vertices;
     }

@@ -33,7 +33,7 @@ inline std::vector<float> manyLimits(std::size_t count)
 {
     std::vector<float> limits;
     for (std::size_t i = 0; i < count; ++i) {
-        limits.push_back(-3.0F + static_cast<float>(i / 2 * 2) * (9.0F / static_cast<float>(count)));
+        limits.push_back(-3.0F + static_cast<float>(i - i % 2) * (9.0F / static_cast<float>(count)));
     }
     return limits;
 }

@@ -140,7 +140,7 @@ TEST(Tiles, AgreeWithThePlainWalkOnRandomGrids)
 {
     for (const auto& [nrows, ncols] : {std::pair{1, 1}, {1, 50}, {50, 1}, {23, 37}, {30, 24}}) {
         for (const std::int32_t factor : {1, 2, 3, 5, 7, 29, 100}) {
-            const auto count = static_cast<std::size_t>(nrows * ncols);
+            const auto count = static_cast<std::size_t>(nrows) * static_cast<std::size_t>(ncols);
             const auto seed = static_cast<std::uint32_t>(nrows * 100 + factor);
             const Grid grid = gridOf(nrows, ncols, oddCells(count, kNullA, seed));
             for (const ResizeMethod kind : {ResizeMethod::average, ResizeMethod::minimum, ResizeMethod::maximum}) {

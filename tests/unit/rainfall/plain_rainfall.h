@@ -101,21 +101,21 @@ public:
     void paint(std::int32_t e, const rainfall::RfTriangle& triangle, const rainfall::RfTinPoints& points)
     {
         const double size = grid_.cellsize8;
-        double X[7];
-        double Y[7];
+        double cornerX[7];
+        double cornerY[7];
         for (int v = 1; v <= 6; ++v) {
             const auto point = static_cast<std::size_t>(triangle[static_cast<std::size_t>((v - 1) % 3)] - 1);
-            X[v] = points.x[point] - grid_.xll;
-            Y[v] = points.y[point] - grid_.yll;
+            cornerX[v] = points.x[point] - grid_.xll;
+            cornerY[v] = points.y[point] - grid_.yll;
         }
         const auto hair = static_cast<double>(1.0e-6F);
         double x[6];
         double y[6];
         for (int v = 1; v <= 3; ++v) {
-            const double midX = (X[v + 1] + X[v + 2]) / 2;
-            const double midY = (Y[v + 1] + Y[v + 2]) / 2;
-            x[v] = X[v] - hair * (midX - X[v]) + 0.5 * size;
-            y[v] = Y[v] - hair * (midY - Y[v]) + 0.5 * size;
+            const double midX = (cornerX[v + 1] + cornerX[v + 2]) / 2;
+            const double midY = (cornerY[v + 1] + cornerY[v + 2]) / 2;
+            x[v] = cornerX[v] - hair * (midX - cornerX[v]) + 0.5 * size;
+            y[v] = cornerY[v] - hair * (midY - cornerY[v]) + 0.5 * size;
         }
         x[4] = x[1];
         y[4] = y[1];
@@ -202,7 +202,7 @@ private:
             iy = m * (ix - x[3]) + y[3];
         }
         const auto length = [](double dx, double dy) { return std::sqrt(dx * dx + dy * dy); };
-        const double least = static_cast<double>(1.0e-6F);
+        const auto least = static_cast<double>(1.0e-6F);
         const double edge = length(x[2] - x[1], y[2] - y[1]);
         const double whole = length(ix - x[3], iy - y[3]);
         tables_.ratioA(r, c) = edge < least ? 0.5F : static_cast<float>(length(ix - x[1], iy - y[1]) / edge);

@@ -17,7 +17,6 @@ namespace {
 
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::StartsWith;
 
 using gis::shp::dbfReadHeader;
 using gis::shp::dbfReadRecord;
@@ -148,7 +147,7 @@ TEST(DbfReading, LongLinesAreCut)
     for (int i = 0; i < 128; ++i) {
         many.push_back({"F" + std::to_string(i), 'C', 255});
     }
-    const std::string line = linesOf(dbfHeader(1, many) + " " + std::string(128 * 255, 'x') + kEnd);
+    const std::string line = linesOf(dbfHeader(1, many) + " " + std::string(std::size_t{128} * 255, 'x') + kEnd);
     EXPECT_EQ(line.find(']'), 1001U);
     EXPECT_EQ(line.substr(0, 261), "[\"" + std::string(255, 'x') + "\",\"x");
 }
