@@ -304,9 +304,21 @@ class RecordingTest(WithFolder):
         return path
 
     def test_two_witnesses_record_once(self):
-        tests = self.recorder("echo x >> %s; sleep 1; echo > $GRIDFORGE_RECORD/$GTEST_SHARD_INDEX\n" % self.path("starts"))
-        code = "import sys; sys.path.insert(0, %r); import witness; print(witness.record(%r, %r, 2))" % (HERE, tests, self.path("recorded"))
-        witnesses = [subprocess.Popen([sys.executable, "-c", code], stdout=subprocess.PIPE, text=True) for _ in range(2)]
+        tests = self.recorder("echo x >> %s; read go < %s$GTEST_SHARD_INDEX; echo > $GRIDFORGE_RECORD/$GTEST_SHARD_INDEX\n"
+                              % (self.path("starts"), self.path("go")))
+        parts = [self.path("go%d" % part) for part in range(2)]
+        for part in parts:
+            os.mkfifo(part)
+        # Each says that it is about to ask for the lock.
+        code = "\n".join(("import fcntl, os, sys", "sys.path.insert(0, %r)" % HERE, "import witness", "lock = fcntl.flock",
+                          "fcntl.flock = lambda *given: (os.write(2, b'.'), lock(*given))",
+                          "print(witness.record(%r, %r, 2))" % (tests, self.path("recorded"))))
+        witnesses = [subprocess.Popen([sys.executable, "-c", code], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+                     for _ in range(2)]
+        self.assertEqual([one.stderr.read(1) for one in witnesses], [".", "."])
+        for part in parts:
+            with open(part, "w", encoding="ascii") as go:
+                go.write("go\n")
         texts = sorted(one.communicate()[0] for one in witnesses)
         self.assertEqual(texts, [self.path("recorded") + "\n", "Recording the runs of the command-line tests\n%s\n" % self.path("recorded")])
         self.assertEqual(sorted(os.listdir(self.path("recorded"))), ["0", "1"])

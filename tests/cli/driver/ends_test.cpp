@@ -111,9 +111,11 @@ TEST(Ends, NormalEndSaysFinishedAndPauses)
 
 TEST(Ends, ConsoleIsOutBeforeTheWait)
 {
-    StagedRun run("mkfifo in; { $TOOL -q <>in >out & } ; sleep 0.5; cat out; kill $!");
+    const Lines console = refused({"ERROR - Incorrect flag specified: \"-q\""});
+    StagedRun run("mkfifo in out; { $TOOL -q <>in >out & } ; head -n " + std::to_string(console.size()) +
+                  " out; kill $!");
     run.start(20s);
-    EXPECT_CONSOLE(run, refused({"ERROR - Incorrect flag specified: \"-q\""}));
+    EXPECT_CONSOLE(run, console);
 }
 
 TEST(Ends, ConsoleThatNobodyReadsDoesNotStopTheRun)

@@ -249,6 +249,7 @@ TEST(LimitsCli, InputsFromDevices)
     }
 }
 
+// That a pipe is full is no event that its reader could wait for.
 TEST(LimitsCli, AConsoleThatNobodyReadsForAWhile)
 {
     LimitedRun run("yes a.asc | head -n 1500 | xargs $TOOL -b -change | { sleep 1; tail -n 1; }"); // some 100 kB
