@@ -3,7 +3,6 @@
 #include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
-#include "option_of.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -104,7 +103,7 @@ Pairs optionsByOperation(const std::vector<Entry>& entries)
         std::string flags;
         for (const Entry& entry : entries) {
             const bool asks = entry.operation == operation.name;
-            if (asks ? goesWithOwn(entry, entries) : isOptionOf(*entry.row, operation.name)) {
+            if (asks ? goesWithOwn(entry, entries) : driver::isOptionOf(*entry.row, operation)) {
                 append(flags, entry.flag);
             }
         }
@@ -149,7 +148,7 @@ void writeData(std::ostream& file, const std::vector<Entry>& entries)
         if (!entry.operation.empty()) {
             operations.emplace_back(entry.flag, entry.operation);
         }
-        if (entry.row->docs.operations.empty()) {
+        if (entry.row->docs.operations == driver::kEveryOperation) {
             append(common, entry.flag);
         }
         if (entry.row->docs.use.repeated && !entry.takes.empty()) {

@@ -4,7 +4,6 @@
 #include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
-#include "option_of.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -189,7 +188,7 @@ std::string describe(const driver::OperationRow& row)
         outputs.push_back(describe(output));
     }
     const auto asks = [&](const driver::FlagRow& flag) { return driver::operationOf(flag) == row.name; };
-    const auto takes = [&](const driver::FlagRow& flag) { return isOptionOf(flag, row.name); };
+    const auto takes = [&](const driver::FlagRow& flag) { return driver::isOptionOf(flag, row); };
     constexpr std::string_view kIndent = "      ";
     return join("{\n      \"name\": ", text(row.name), ",\n      \"description\": ", text(row.docs.description),
                 ",\n      \"page\": ", text(join("docs/operations/", row.docs.page, ".md")),
@@ -206,7 +205,7 @@ void writeDescription(std::ostream& file)
     for (const driver::OperationRow& row : driver::operationTable()) {
         operations.push_back(describe(row));
     }
-    const auto common = [](const driver::FlagRow& flag) { return flag.docs.operations.empty(); };
+    const auto common = [](const driver::FlagRow& flag) { return flag.docs.operations == driver::kEveryOperation; };
     file << "{\n  \"tool\": " << text(GRIDFORGE_TOOL_NAME) << ",\n  \"version\": " << text(GRIDFORGE_VERSION)
          << ",\n  \"shape\": " << kShape << ",\n  \"commonOptions\": " << flags("  ", common)
          << ",\n  \"operations\": " << list(operations, "  ") << "\n}\n";

@@ -6,7 +6,6 @@
 #include "description.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
-#include "option_of.h"
 
 #include <fstream>
 #include <iostream>
@@ -229,7 +228,7 @@ std::string takers(const driver::FlagRow& row)
 {
     std::string names;
     for (const driver::OperationRow& operation : driver::operationTable()) {
-        if (isOptionOf(row, operation.name)) {
+        if (driver::isOptionOf(row, operation)) {
             names += join(names.empty() ? "Option of " : ", ", roff(join('-', operation.name)));
         }
     }

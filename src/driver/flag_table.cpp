@@ -159,14 +159,8 @@ using enum FlagValue;
 using enum Counting;
 using enum ValueKind;
 
-// Operations that take a flag which many take.
-constexpr std::string_view kEveryOperation = {};
-constexpr std::string_view kNamedOutputs =
-    "max conv nc dif cd trans_m fe fuzzy resize classify cp lp multiply xyz trim damages stat";
-constexpr std::string_view kGridFormats =
-    "max conv dif cd trans_m fe fuzzy resize classify multiply xyz trim remap stat";
-constexpr std::string_view kDecimals =
-    "max conv dif cd trans_m fe fuzzy resize classify multiply xyz trim rf remap stat";
+// Many operations take it, and their rows say so.
+constexpr std::string_view kByOperation = {};
 
 // Longer keys stand before the keys that are their prefixes, and "b" after all that begin with it: the order is part
 // of what each flag means. The spans of "change" and "check" are one longer than their keys, so "--change" is "-change"
@@ -183,7 +177,7 @@ constexpr auto kFlags = std::to_array<FlagRow>({
                                                                      nullptr, text<&BrklineOptions::layer>},
     {"cd",         2,  contains, operation, gluedReal,    atFlag,    {"keep only cells at or above the cutoff value", "cd count", number, "value", "0.0", "cell values"},
                                                                      give<&ops::CountOptions::cutoff>, glued<&ops::CutoffOptions::cutoff, &ops::CountOptions::cutoff>, kCutoffChecks},
-    {"out",        3,  same,     option,    next,         never,     {"name of the main output", kNamedOutputs, name, "name"},
+    {"out",        3,  same,     option,    next,         never,     {"name of the main output", kByOperation, name, "name"},
                                                                      give<&Common::out>, text<&Common::out>},
     {"resize",     6,  same,     operation, gluedInteger, atFlag,    {"coarser grid by a whole factor", "resize", integer, "factor", "", "cells"},
                                                                      nullptr, glued<&ResizeOptions::factor>},
@@ -211,9 +205,9 @@ constexpr auto kFlags = std::to_array<FlagRow>({
                                                                      on<&LpOptions::check, &BrklineOptions::check>},
     {"xyz",        3,  contains, operation, none,         atFlag,    {"point file to grid", "xyz"}},
     {"fuzzy",      5,  contains, operation, none,         atFlag,    {"fuzzy map of the input grids", "fuzzy"}},
-    {"asc",        3,  contains, option,    none,         never,     {"write grids as .asc", kGridFormats, toggle, "", "the format of the inputs", "", {.group = "gridFormat"}},
+    {"asc",        3,  contains, option,    none,         never,     {"write grids as .asc", kByOperation, toggle, "", "the format of the inputs", "", {.group = "gridFormat"}},
                                                                      on<&WantedFormats::asc>},
-    {"flt",        3,  contains, option,    none,         never,     {"write grids as .flt", kGridFormats, toggle, "", "the format of the inputs", "", {.group = "gridFormat"}},
+    {"flt",        3,  contains, option,    none,         never,     {"write grids as .flt", kByOperation, toggle, "", "the format of the inputs", "", {.group = "gridFormat"}},
                                                                      on<&WantedFormats::flt>},
     {"conv",       4,  contains, operation, none,         atFlag,    {"conversion between .asc and .flt", "conv"}},
     {"multiply",   8,  contains, operation, none,         atFlag,    {"product of the input grids", "multiply"}},
@@ -277,7 +271,7 @@ constexpr auto kFlags = std::to_array<FlagRow>({
     {"rf",         2,  contains, operation, next,         atValue,   {"rainfall grids by a control file", "rf", controlFile, "file.rfc"},
                                                                      nullptr, rawInput},
     {"stat",       4,  contains, operation, statistic,    afterScan, {"statistics of the input grids; flags add up", "stat", choice, "All|Mean|Median|Min|Max|Frac|Rank<n>|RankAll", "", "", {.repeated = true}}},
-    {"decimal",    7,  contains, option,    gluedInteger, never,     {"decimal places of .asc cells", kDecimals, integer, "places", "3", "decimals"},
+    {"decimal",    7,  contains, option,    gluedInteger, never,     {"decimal places of .asc cells", kByOperation, integer, "places", "3", "decimals"},
                                                                      nullptr, glued<&Common::decimals>},
 });
 // clang-format on

@@ -36,10 +36,13 @@ struct FlagUse {
     std::string_view group = {}; // of the flags of a group the last one counts
 };
 
+// In place of the names of operations, for an option of all.
+inline constexpr std::string_view kEveryOperation = "*";
+
 struct FlagDocs {
     std::string_view description; // one line
-    // The operations that take it, by name, with blanks between; none are named where all do. A flag that asks for an
-    // operation names that one first, and is an option of the others.
+    // The operations that take it, by name, with blanks between. A flag that asks for an operation names that one first, and
+    // is an option of the others. None are named for an option that the rows of the operations name.
     std::string_view operations;
     ValueKind holds = ValueKind::toggle;
     std::string_view valueName = {};   // of a choice its words, with bars between

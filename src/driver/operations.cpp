@@ -1,5 +1,6 @@
 #include "driver/operations.h"
 
+#include "core/text.h"
 #include "damages/damages.h"
 #include "netcdf/nc.h"
 #include "network/nbc.h"
@@ -180,54 +181,63 @@ void with(const Settings& settings, const run::InputFileList& inputs)
     call(run, settings, inputs);
 }
 
+bool hasWord(std::string_view words, std::string_view word)
+{
+    return join(' ', words, ' ').find(join(' ', word, ' ')) != std::string::npos;
+}
+
 // --- The table -------------------------------------------------------------------------------------------------------
+
+// Options that many operations take.
+constexpr std::string_view kNamedOutput = "out";
+constexpr std::string_view kNewGrids = "out asc flt decimal";
 
 // The order counts only where validation lets a pair through.
 // clang-format off
 constexpr auto kOperations = std::to_array<OperationRow>({
     {"max",
-     {"highest or lowest value of each cell over many grids", "max-min", {1, run::kMaxInputs}, kMaxOutputs},
+     {"highest or lowest value of each cell over many grids", "max-min", {1, run::kMaxInputs}, kMaxOutputs, kNewGrids},
      with<ops::runMaxMin>},
     {"conv",
-     {"turns .asc grids into .flt and back", "conv", {1, run::kMaxInputs}, kConvOutputs},
+     {"turns .asc grids into .flt and back", "conv", {1, run::kMaxInputs}, kConvOutputs, kNewGrids},
      with<ops::runConv>},
     {"nc",
-     {"a series of grids in one NetCDF file, with their maximum", "nc", {1, run::kMaxInputs}, kNcOutputs},
+     {"a series of grids in one NetCDF file, with their maximum", "nc", {1, run::kMaxInputs}, kNcOutputs, kNamedOutput},
      with<netcdf::runNc>},
     {"dif",
      {"difference of two grids, and where only one is active", "dif",
-      {2, 2, Surplus::refused, ThenName::output}, kDifOutputs},
+      {2, 2, Surplus::refused, ThenName::output}, kDifOutputs, kNewGrids},
      with<ops::runDif>},
     {"cd",
      {"cells that reach a cutoff, or a second grid's cells there", "cd",
-      {1, 2, Surplus::refused, ThenName::existingOutput}, kCdOutputs},
+      {1, 2, Surplus::refused, ThenName::existingOutput}, kCdOutputs, kNewGrids},
      with<ops::runCutoff>, "count"},
     {"trans_m",
-     {"y = m x + c", "transform", {1, 1, Surplus::ignored}, kTransMOutputs},
+     {"y = m x + c", "transform", {1, 1, Surplus::ignored}, kTransMOutputs, kNewGrids},
      with<ops::runTransform>},
     {"fe",
-     {"mask of the wet cells", "fe", {1, 1, Surplus::ignored}, kFeOutputs},
+     {"mask of the wet cells", "fe", {1, 1, Surplus::ignored}, kFeOutputs, kNewGrids},
      with<ops::runFloodExtent>},
     {"fuzzy",
-     {"fraction of grids in which a cell is active", "fuzzy", {1, run::kMaxInputs}, kFuzzyOutputs},
+     {"fraction of grids in which a cell is active", "fuzzy", {1, run::kMaxInputs}, kFuzzyOutputs, kNewGrids},
      with<ops::runFuzzy>},
     {"count",
      {"number of wet cells", "count", {1, 1, Surplus::ignored}, kCountOutputs},
      with<ops::runCount>},
     {"resize",
-     {"coarser grid by average, minimum or maximum", "resize", {1, 1}, kResizeOutputs},
+     {"coarser grid by average, minimum or maximum", "resize", {1, 1}, kResizeOutputs, kNewGrids},
      with<ops::runResize>},
     {"classify",
-     {"class numbers in place of values", "classify", {1, 1}, kClassifyOutputs},
+     {"class numbers in place of values", "classify", {1, 1}, kClassifyOutputs, kNewGrids},
      with<ops::runClassify>},
     {"histogram",
      {"counts of cells by bins", "histogram", {1, 1}, kHistogramOutputs},
      with<ops::runHistogram>},
     {"cp",
-     {"observed points against the nearest cells of a grid", "cp", {1, 1, Surplus::ignored}, kCpOutputs},
+     {"observed points against the nearest cells of a grid", "cp", {1, 1, Surplus::ignored}, kCpOutputs, kNamedOutput},
      with<sampling::runCalibrationPoints>},
     {"lp",
-     {"long profiles, invert and banks, along lines", "lp", {1, 1, Surplus::ignored}, kLpOutputs},
+     {"long profiles, invert and banks, along lines", "lp", {1, 1, Surplus::ignored}, kLpOutputs, kNamedOutput},
      with<sampling::runLongProfile>},
     {"brkline",
      {"lines with ground elevations at vertices along them", "brkline", {1, 1}, kBrklineOutputs},
@@ -242,26 +252,26 @@ constexpr auto kOperations = std::to_array<OperationRow>({
      {"tables of height and area of the terrain inside regions", "na", {1, 1}, kNaOutputs},
      with<sampling::runNodalArea>},
     {"multiply",
-     {"product of two grids", "multiply", {2, 2, Surplus::refused, ThenName::existingOutput}, kMultiplyOutputs},
+     {"product of two grids", "multiply", {2, 2, Surplus::refused, ThenName::existingOutput}, kMultiplyOutputs, kNewGrids},
      with<ops::runMultiply>},
     {"xyz",
      {"a grid out of a text file of points", "xyz",
-      {1, 1, Surplus::ignored, ThenName::none, ValueKind::table}, kXyzOutputs},
+      {1, 1, Surplus::ignored, ThenName::none, ValueKind::table}, kXyzOutputs, kNewGrids},
      with<ops::runXyz>},
     {"trim",
-     {"a grid for each region of a layer", "trim", {1, run::kMaxInputs}, kTrimOutputs},
+     {"a grid for each region of a layer", "trim", {1, run::kMaxInputs}, kTrimOutputs, kNewGrids},
      with<ops::runTrim>},
     {"damages",
-     {"what floods cost each building", "damages", {0, 0}, kDamagesOutputs},
+     {"what floods cost each building", "damages", {0, 0}, kDamagesOutputs, kNamedOutput},
      with<damages::runDamages>},
     {"rf",
-     {"rainfall at gauges or over areas to a grid for each time step", "rf", {0, 0}, kRfOutputs},
+     {"rainfall at gauges or over areas to a grid for each time step", "rf", {0, 0}, kRfOutputs, "decimal"},
      with<rainfall::runRainfall>},
     {"remap",
-     {"water levels of a coarse model on a finer terrain", "remap", {0, run::kMaxInputs - 1}, kRemapOutputs},
+     {"water levels of a coarse model on a finer terrain", "remap", {0, run::kMaxInputs - 1}, kRemapOutputs, "asc flt decimal"},
      with<remap::runRemap>},
     {"stat",
-     {"minimum, maximum, mean, median, ranks and fraction wet over grids", "stat", {2, 10}, kStatOutputs},
+     {"minimum, maximum, mean, median, ranks and fraction wet over grids", "stat", {2, 10}, kStatOutputs, kNewGrids},
      with<ops::runStat>},
 });
 // clang-format on
@@ -271,6 +281,12 @@ constexpr auto kOperations = std::to_array<OperationRow>({
 std::span<const OperationRow> operationTable()
 {
     return kOperations;
+}
+
+bool isOptionOf(const FlagRow& flag, const OperationRow& operation)
+{
+    return operationOf(flag) != operation.name &&
+           (hasWord(flag.docs.operations, operation.name) || hasWord(operation.docs.options, flag.key));
 }
 
 const OperationRow* selectOperation(const CommandLine& line)

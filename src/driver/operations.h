@@ -47,6 +47,7 @@ struct OperationDocs {
     std::string_view page;        // in docs/operations, without extension
     InputRule inputs;
     std::span<const OutputRow> outputs;
+    std::string_view options = {}; // of those that many operations take, with blanks between
 };
 
 struct OperationRow {
@@ -57,6 +58,9 @@ struct OperationRow {
 };
 
 std::span<const OperationRow> operationTable();
+
+// Whether the flag is an option of this operation among others: its row names the operation, or the operation's row names it.
+bool isOptionOf(const FlagRow& flag, const OperationRow& operation);
 
 // The first operation that is asked for; nullptr when none is.
 const OperationRow* selectOperation(const CommandLine& line);

@@ -1,5 +1,7 @@
 // Operations on cells give the same bytes and say the same, whether their cells are computed ahead, by however many threads
 // and in whatever pieces, or step by step.
+#include "driver/operations.h"
+#include "driver/scan.h"
 #include "run/cells_ahead.h"
 
 #include "support/both_ways.h"
@@ -12,10 +14,15 @@
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <limits>
 #include <ostream>
+#include <set>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace gridforge::test {
@@ -190,6 +197,22 @@ TEST_P(BothWays, AreTheSameForBinaryGrids)
 TEST_P(BothWays, AreTheSameForTextGrids)
 {
     compare(".asc", "");
+}
+
+// Those named here work on layers, points or NetCDF, and have other tests of their own.
+TEST(BothWaysCases, AreOfAllOtherOperations)
+{
+    std::set<std::string_view> missing;
+    for (const driver::OperationRow& operation : driver::operationTable()) {
+        missing.insert(operation.name);
+    }
+    for (const Case& one : cases()) {
+        std::istringstream rest(one.options);
+        const std::vector<std::string> arguments{std::istream_iterator<std::string>(rest), {}};
+        missing.erase(driver::selectOperation(driver::scanArguments(arguments))->name);
+    }
+    EXPECT_THAT(missing, testing::UnorderedElementsAre("nc", "cp", "lp", "brkline", "xs", "nbc", "na", "xyz", "damages",
+                                                       "rf", "remap"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, BothWays, testing::ValuesIn(cases()),

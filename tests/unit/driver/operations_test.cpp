@@ -3,8 +3,10 @@
 #include "driver/flag_table.h"
 #include "driver/scan.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -30,33 +32,19 @@ TEST(Operations, StandInTheirOrder)
 
 TEST(Operations, EachIsSelectedByItsOwnFlag)
 {
-    EXPECT_EQ(selected({"-max"}), "max");
+    for (const driver::OperationRow& row : driver::operationTable()) {
+        const driver::FlagRow& flag = *driver::findFlag("-" + std::string(row.name));
+        const bool glued = flag.value == driver::FlagValue::gluedReal || flag.value == driver::FlagValue::gluedInteger;
+        std::vector<std::string> arguments{"-" + std::string(row.name) + (glued ? "2" : "")};
+        if (flag.value == driver::FlagValue::next) {
+            arguments.emplace_back("name");
+        } else if (flag.value == driver::FlagValue::statistic) {
+            arguments.back() += "Min";
+        }
+        EXPECT_EQ(selected(arguments), row.name);
+    }
     EXPECT_EQ(selected({"-min"}), "max");
-    EXPECT_EQ(selected({"-conv"}), "conv");
-    EXPECT_EQ(selected({"-nc"}), "nc");
-    EXPECT_EQ(selected({"-dif"}), "dif");
-    EXPECT_EQ(selected({"-cd1"}), "cd");
-    EXPECT_EQ(selected({"-trans_m2"}), "trans_m");
     EXPECT_EQ(selected({"-trans_c2"}), "trans_m");
-    EXPECT_EQ(selected({"-fe"}), "fe");
-    EXPECT_EQ(selected({"-fuzzy"}), "fuzzy");
-    EXPECT_EQ(selected({"-count"}), "count");
-    EXPECT_EQ(selected({"-resize2"}), "resize");
-    EXPECT_EQ(selected({"-classify", "c"}), "classify");
-    EXPECT_EQ(selected({"-histogram", "c"}), "histogram");
-    EXPECT_EQ(selected({"-cp", "l"}), "cp");
-    EXPECT_EQ(selected({"-lp", "l"}), "lp");
-    EXPECT_EQ(selected({"-brkline", "l"}), "brkline");
-    EXPECT_EQ(selected({"-xs", "l"}), "xs");
-    EXPECT_EQ(selected({"-nbc", "n"}), "nbc");
-    EXPECT_EQ(selected({"-na", "l"}), "na");
-    EXPECT_EQ(selected({"-multiply"}), "multiply");
-    EXPECT_EQ(selected({"-xyz"}), "xyz");
-    EXPECT_EQ(selected({"-trim", "l"}), "trim");
-    EXPECT_EQ(selected({"-damages", "d"}), "damages");
-    EXPECT_EQ(selected({"-rf", "r"}), "rf");
-    EXPECT_EQ(selected({"-remap"}), "remap");
-    EXPECT_EQ(selected({"-statMin"}), "stat");
 }
 
 TEST(Operations, CutoffWithCountIsACount)
@@ -74,6 +62,33 @@ TEST(Operations, OptionsAloneSelectNone)
 {
     EXPECT_EQ(selected({}), "<none>");
     EXPECT_EQ(selected({"-change", "-nowetdry"}), "<none>");
+}
+
+// A name that is no flag would be an option that nobody sees.
+TEST(Operations, SharedOptionsAreFlagsWithoutOperations)
+{
+    std::size_t options = 0;
+    for (const driver::OperationRow& row : driver::operationTable()) {
+        std::istringstream words{std::string(row.docs.options)};
+        for (std::string word; words >> word; ++options) {
+            const driver::FlagRow* flag = driver::findFlag("-" + word);
+            ASSERT_NE(flag, nullptr) << row.name;
+            EXPECT_EQ(flag->key, word) << row.name;
+            EXPECT_EQ(flag->docs.operations, "") << row.name;
+            EXPECT_TRUE(driver::isOptionOf(*flag, row)) << row.name;
+        }
+    }
+    EXPECT_GT(options, 40U);
+}
+
+TEST(Operations, OptionsAreThoseOfTheirRows)
+{
+    const driver::OperationRow& count =
+        *std::ranges::find(driver::operationTable(), "count", &driver::OperationRow::name);
+    EXPECT_TRUE(driver::isOptionOf(*driver::findFlag("-cd"), count));
+    EXPECT_FALSE(driver::isOptionOf(*driver::findFlag("-count"), count));
+    EXPECT_FALSE(driver::isOptionOf(*driver::findFlag("-out"), count));
+    EXPECT_FALSE(driver::isOptionOf(*driver::findFlag("-b"), count));
 }
 
 TEST(Operations, EachIsNamedByAnOperationFlag)
