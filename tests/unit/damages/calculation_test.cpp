@@ -314,19 +314,5 @@ TEST(CalcRes, AnUnknownMethodOrTypeEndsTheRun)
     EXPECT_FALSE(calculate(damages::BuildingKind::polygon, damages::RegionLevel::average).ended);
 }
 
-TEST(WriteGis, AnUnknownTypeEndsTheRun)
-{
-    const ScratchFolder folder;
-    const ChildRun run = runInChild(folder, [] {
-        gis::initialise();
-        std::vector<damages::DmgBuilding> buildings(1);
-        buildings[0].kind = static_cast<damages::BuildingKind>(2);
-        const std::vector<damages::DmgCurve> curves(1);
-        damages::dmg_write_gis({"o.mif", "o.csv"}, {}, buildings, {}, curves);
-    });
-    EXPECT_TRUE(run.ended);
-    EXPECT_NE(run.console.find("\nERROR - Should not be here: dmg_write_gis[a]\n"), std::string::npos) << run.console;
-}
-
 } // namespace
 } // namespace gridforge::test

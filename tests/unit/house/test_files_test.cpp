@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <set>
 #include <sstream>
 #include <string>
@@ -81,6 +82,31 @@ TEST(UnitTests, HaveTheNamesOfTheirSources)
     EXPECT_EQ(sourceOf("gis/mif/reader_test.cpp"), "src/gis/mif/reader");
     EXPECT_EQ(sourceOf("support/tool_run_test.cpp"), "tests/support/tool_run");
     EXPECT_EQ(sourceOf("gis/readers.cpp"), "");
+}
+
+// Sources of kernels that are not named so.
+const std::set<std::string> kOtherKernels{"remap/extra_grids", "remap/extent_flags", "remap/idw",     "remap/nearest",
+                                          "remap/tin",         "remap/tin_places",   "remap/tin_row", "sampling/lp"};
+// Kernels without a test of their name, and where they are tested instead.
+const std::map<std::string, std::string> kTestedElsewhere{
+    {"remap/tin_places", "remap/tin_row"}, // the loops of tin_row, in a header for both forms of its instructions
+};
+
+TEST(UnitTests, OfKernelsStandUnderTheNamesOfTheirSources)
+{
+    std::set<std::string> kernels = kOtherKernels;
+    for (const std::string& file : filesBelow(kRoot / "src")) {
+        if (file.ends_with("_cells.h")) {
+            kernels.insert(file.substr(0, file.size() - 2));
+        }
+    }
+    EXPECT_GT(kernels.size(), 20U);
+    for (const std::string& kernel : kernels) {
+        const auto elsewhere = kTestedElsewhere.find(kernel);
+        const std::string test = elsewhere == kTestedElsewhere.end() ? kernel : elsewhere->second;
+        EXPECT_TRUE(fs::exists(kRoot / "src" / (kernel + ".h"))) << kernel;
+        EXPECT_TRUE(fs::exists(kRoot / "tests/unit" / (test + std::string(kEnd)))) << kernel << " has no test";
+    }
 }
 
 // --- Words of the console --------------------------------------------------------------------------------------------

@@ -272,14 +272,5 @@ TEST(IdwOneCell, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
     EXPECT_TRUE(test::allQuietNaN(std::vector{remap::idwOneCell(1, 2, wet, levels, 2.0F)}));
 }
 
-TEST(DepthsWhereWet, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
-{
-    const std::vector<remap::CellState> states(test::kVectorsAndRest, remap::CellState::wet);
-    std::vector<float> levels(states.size(), test::kInfinity);
-    std::vector<float> ground = levels;
-    remap::depthsWhereWet(states, kNull, levels, ground);
-    EXPECT_TRUE(test::allQuietNaN(ground));
-}
-
 } // namespace
 } // namespace gridforge
