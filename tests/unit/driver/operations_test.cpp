@@ -81,6 +81,49 @@ TEST(Operations, SharedOptionsAreFlagsWithoutOperations)
     EXPECT_GT(options, 40U);
 }
 
+// A flag that the operation takes, or a word of -stat.
+void expectTaken(const std::string& word, const driver::OperationRow& operation)
+{
+    const driver::FlagRow* flag = driver::findFlag("-" + word);
+    ASSERT_NE(flag, nullptr) << operation.name << ": " << word;
+    EXPECT_TRUE(driver::operationOf(*flag) == operation.name || driver::isOptionOf(*flag, operation))
+        << operation.name << ": " << word;
+    if (flag->value == driver::FlagValue::statistic) {
+        const std::string statistic = word.substr(flag->key.size());
+        EXPECT_TRUE(("|" + std::string(flag->docs.valueName) + "|").find("|" + statistic) != std::string::npos) << word;
+    } else {
+        EXPECT_EQ(flag->key, word) << operation.name;
+    }
+}
+
+TEST(Operations, ConditionsOfOutputsAreFlagsThatTheyTake)
+{
+    std::size_t conditions = 0;
+    for (const driver::OperationRow& row : driver::operationTable()) {
+        for (const driver::OutputRow& output : row.docs.outputs) {
+            std::istringstream words{std::string(output.when) + " " + std::string(output.unless)};
+            for (std::string word; words >> word; ++conditions) {
+                expectTaken(word, row);
+            }
+        }
+    }
+    EXPECT_GT(conditions, 30U);
+}
+
+TEST(Operations, FlagsThatOthersNeedAreOfTheSameOperation)
+{
+    std::size_t needs = 0;
+    for (const driver::OperationRow& row : driver::operationTable()) {
+        for (const driver::FlagRow& flag : driver::flagTable()) {
+            if (driver::isOptionOf(flag, row) && !flag.docs.use.needs.empty()) {
+                ++needs;
+                expectTaken(std::string(flag.docs.use.needs), row);
+            }
+        }
+    }
+    EXPECT_GE(needs, 1U);
+}
+
 TEST(Operations, OptionsAreThoseOfTheirRows)
 {
     const driver::OperationRow& count =
