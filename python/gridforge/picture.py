@@ -46,6 +46,7 @@ TYPICAL_SLOPE, MOST_EXAGGERATION = 0.35, 12.0  # the steep slopes of a flat grou
 SHADE_LOW, SHADE_HIGH = 0.6, 1.0
 DOT, DOT_OF_KEY = 3.3, 3.6  # points
 BAR_SHARE = 0.85  # of the panel that the scale bar takes at most
+LEAST_DPI, MOST_DOTS = 20, 20000  # letters of fewer dots cannot be drawn; of the longer side
 
 
 @dataclass(frozen=True)
@@ -82,10 +83,19 @@ class Layer:
 # --- Colours ---------------------------------------------------------------------------------------------------------
 
 
-def style_of(grid: Path, values: ndarray, wishes: Wishes) -> Style:
+def kind_of(grid: Path, wishes: Wishes) -> str:
+    """The kind that the wishes or the name say, checked before a large grid is read."""
     kind = wishes.kind or styles.kind_of(grid.name)
     if kind is None:
         raise Failure(f"the name of {grid.name} does not show its kind: --kind is one of {', '.join(styles.styles())}")
+    if wishes.span and kind != "level":
+        raise Failure(f"--range is for levels, not for the kind {kind}")
+    if wishes.legend and kind != "source":
+        raise Failure(f"--legend is for sources, not for the kind {kind}")
+    return kind
+
+
+def style_of(kind: str, grid: Path, values: ndarray, wishes: Wishes) -> Style:
     style = styles.styles()[kind]
     if kind == "source":
         return style.named(names_of_sources(grid, values, wishes.legend))
@@ -434,18 +444,22 @@ class Picture:
 
 
 def composed(grid: Path, wishes: Wishes) -> Picture:
-    kind = wishes.kind or styles.kind_of(grid.name) or ""
-    window = wishes.window or window_of(read_header(grid))
+    header = read_header(grid)
+    kind = kind_of(grid, wishes)
+    window = wishes.window or window_of(header)
     cells = read_thinned(grid, most_cells(wishes), kind in WITHOUT_UNIT, window)
     if numpy.isnan(cells.values).all():
         raise Failure(f"{grid} has no value in the window" if wishes.window else f"{grid} has no value")
-    style = style_of(grid, cells.values, wishes)
+    style = style_of(kind, grid, cells.values, wishes)
     layers = [read_layer(wish, INKS[i % len(INKS)], window) for i, wish in enumerate(wishes.layers)]
     unit = "" if style.kind in WITHOUT_UNIT else wishes.unit
     heading = wishes.heading or HEADINGS[style.kind]
     legend = Legend(f"{heading} ({unit})" if unit else heading, style, keys_of(style, cells.values, unit),
                     [Key(layer.label, layer=layer) for layer in layers])
     layout = laid_out(legend, wishes, window)
+    if layout.height / INCH * wishes.dpi > MOST_DOTS:
+        raise Failure(f"the picture would be {layout.height:.0f} cm high, which is too large: "
+                      "a smaller --width or --dpi, or a --window")
     rasters = []
     if wishes.ground:
         ground = read_thinned(wishes.ground, most_cells(wishes), wanted=window)
@@ -499,6 +513,16 @@ def layer_wish(text: str) -> LayerWish:
     return LayerWish(Path(name), label if equals else Path(name).stem)
 
 
+def number(text: str) -> float:
+    try:
+        value = float(text)
+    except ValueError:
+        value = math.nan
+    if not math.isfinite(value):
+        raise argparse.ArgumentTypeError(f"a number is expected, not {text}")
+    return value
+
+
 def positive(text: str) -> float:
     try:
         value = float(text)
@@ -523,9 +547,9 @@ def make_parser() -> argparse.ArgumentParser:
     parser.add_argument("--title", default="", help="above the picture")
     parser.add_argument("--heading", default="", help="of the legend, in place of the name of the kind")
     parser.add_argument("--unit", default="m", help="of the cells; m without it")
-    parser.add_argument("--window", type=float, nargs=4, metavar=("WEST", "SOUTH", "EAST", "NORTH"),
+    parser.add_argument("--window", type=number, nargs=4, metavar=("WEST", "SOUTH", "EAST", "NORTH"),
                         help="only this part of the map")
-    parser.add_argument("--range", type=float, nargs=2, metavar=("LOW", "HIGH"),
+    parser.add_argument("--range", type=number, nargs=2, metavar=("LOW", "HIGH"),
                         help="where the colours of a level begin and end")
     parser.add_argument("--width", type=positive, default=16.0, metavar="CM", help="of the picture; 16 without it")
     parser.add_argument("--dpi", type=positive, default=200.0,
@@ -542,7 +566,9 @@ def checked(given: argparse.Namespace) -> Wishes:
         raise Failure("--window: west, south, east, north are expected, each smaller than its opposite")
     if given.range and not given.range[0] < given.range[1]:
         raise Failure("--range: the low end must lie below the high end")
-    if given.width < PANEL + 3 or given.width / INCH * given.dpi > 20000:
+    if given.dpi < LEAST_DPI:
+        raise Failure(f"--dpi: letters need {LEAST_DPI} dots an inch")
+    if given.width < PANEL + 3 or given.width / INCH * given.dpi > MOST_DOTS:
         raise Failure("--width and --dpi: the picture is too narrow or too large")
     return Wishes(given.kind, given.ground, given.legend, tuple(given.layers), given.title, given.heading, given.unit, window,
                   tuple(given.range) if given.range else None, given.width, round(given.dpi))

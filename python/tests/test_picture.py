@@ -276,12 +276,35 @@ class MessagesTest(Drawn):
                  "1"),
                 ("--range: the low end must lie below the high end", "o.png", "--range", "2", "2"),
                 ("--width and --dpi: the picture is too narrow or too large", "o.png", "--width", "3"),
+                ("--dpi: letters need 20 dots an inch", "o.png", "--dpi", "19"),
+                ("--range is for levels, not for the kind depth", "o.png", "--kind", "depth", "--range", "1", "2"),
+                ("--legend is for sources, not for the kind level", "o.png", "--kind", "level", "--legend", "none.csv"),
                 ("a.asc has no cell in the window", "o.png", "--kind", "depth", "--window", "9", "9", "10", "10"),
                 ("none.asc: No such file or directory", "o.png", "--kind", "depth", "--ground", "none.asc"),
                 ("the folder of none/o.png does not exist", "none/o.png")):
             self.fails("picture", message, "a.asc", *arguments)
         self.fails("picture", "error: argument --dpi: a number above 0 is expected, not none", "a.asc", "o.png", "--dpi", "none",
                    status=2)
+        for option, values in (("--window", ("0", "0", "inf", "9")), ("--range", ("0", "inf")), ("--range", ("x", "inf"))):
+            wrong = next(value for value in values if value in ("x", "inf"))
+            self.fails("picture", f"error: argument {option}: a number is expected, not {wrong}", "a.asc", "o.png", option, *values,
+                       status=2)
+
+    def test_pictures_as_high_as_a_tower(self):
+        self.give("a_d.asc", asc([[1]] * 2000))
+        for output in ("o.png", "o.svg"):
+            # The map is 10.45 cm wide and 2000 times as high.
+            self.fails("picture", "the picture would be 20901 cm high, which is too large: "
+                       "a smaller --width or --dpi, or a --window", "a_d.asc", output)
+
+    def test_the_coarsest_picture(self):
+        self.give("a_d.asc", asc([[1, 2], [3, 4]]))
+        self.good("picture", "a_d.asc", "o.png", "--dpi", "20", "--title", "A title")
+
+    def test_the_kind_is_checked_before_the_cells_are_read(self):
+        self.give("a.asc", asc([[1, 2], [3, 4]])[:-4])
+        self.fails("picture", "--legend is for sources, not for the kind level", "a.asc", "o.png", "--kind", "level", "--legend",
+                   "l")
 
     def test_nothing_to_draw(self):
         self.give("a.asc", asc([[NULL, NULL], [1, NULL]]))
