@@ -178,7 +178,8 @@ std::string describe(const driver::OutputRow& output)
                    {"outName", textOrNull(output.outName)},
                    {"when", parts(output.when, ' ', "-")},
                    {"unless", parts(output.unless, ' ', "-")},
-                   {"note", textOrNull(output.note)}});
+                   {"note", textOrNull(output.note)},
+                   {"anywhere", truth(output.anywhere)}});
 }
 
 std::string describe(const driver::OperationRow& row)

@@ -64,6 +64,7 @@ class OutputRule:
     when: tuple[str, ...]
     unless: tuple[str, ...]
     note: Union[str, None]
+    anywhere: bool  # an attribute or a control file may name its folder
 
 
 @dataclass(frozen=True)
@@ -105,7 +106,8 @@ def _flag(row: dict[str, Any]) -> Flag:
 
 
 def _output(row: dict[str, Any]) -> OutputRule:
-    return OutputRule(row["kind"], row["name"], row["outName"], tuple(row["when"]), tuple(row["unless"]), row["note"])
+    return OutputRule(row["kind"], row["name"], row["outName"], tuple(row["when"]), tuple(row["unless"]), row["note"],
+                      row["anywhere"])
 
 
 def _operation(row: dict[str, Any]) -> Operation:

@@ -49,7 +49,7 @@ class OutputNames:
     @property
     def anywhere(self) -> bool:
         """An attribute or a control file may name any folder."""
-        return any(rule.name == "{table}" or "control file says" in (rule.note or "") for rule in self._rules)
+        return any(rule.anywhere for rule in self._rules)
 
     def _word(self, word: str) -> str:
         if word == "out" and self._outs:

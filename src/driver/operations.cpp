@@ -97,16 +97,16 @@ constexpr auto kBrklineOutputs = std::to_array<OutputRow>({
 constexpr auto kXsOutputs = std::to_array<OutputRow>({
     {layer, "1d_nwk{rest}", "", "branch", "", "in the folder of the branches"},
     {layer, "1d_xs{rest}", "", "", "", "in the folder of the sections"},
-    {table, "{table}", "", "", "", "of each section, by its first attribute or csv/{branch}_{chainage}.csv"},
+    {table, "{table}", "", "", "", "of each section, by its first attribute or csv/{branch}_{chainage}.csv", true},
 });
 constexpr auto kNbcOutputs = std::to_array<OutputRow>({
-    {layer, "1d_nwk{rest}", "", "", "", "in the folder of the branches, unless the control file says otherwise"},
-    {layer, "1d_xs{rest}", "", "", "", "in the folder of the sections, unless the control file says otherwise"},
-    {table, "{table}", "", "", "", "of each section, by its first attribute or csv/{branch}_{chainage}.csv"},
+    {layer, "1d_nwk{rest}", "", "", "", "in the folder of the branches, unless the control file says otherwise", true},
+    {layer, "1d_xs{rest}", "", "", "", "in the folder of the sections, unless the control file says otherwise", true},
+    {table, "{table}", "", "", "", "of each section, by its first attribute or csv/{branch}_{chainage}.csv", true},
     {layer, "{control}.nbc_check", "", "", "", "with Write Check == On"},
 });
 constexpr auto kNaOutputs = std::to_array<OutputRow>({
-    {table, "{table}", "", "", "", "of each region, by its first attribute"},
+    {table, "{table}", "", "", "", "of each region, by its first attribute", true},
 });
 constexpr auto kMultiplyOutputs = std::to_array<OutputRow>({
     {grid, "{first}_mlt_{second}", "{out}"},

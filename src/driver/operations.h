@@ -40,6 +40,7 @@ struct OutputRow {
     std::string_view when = {};    // flags, of which it needs one; "" none
     std::string_view unless = {};  // flags with which it is not written
     std::string_view note = {};    // what else it depends on
+    bool anywhere = false;         // an attribute or a control file may name its folder
 };
 
 struct OperationDocs {
