@@ -509,8 +509,13 @@ def draw_map(picture: Picture, canvas: Canvas) -> None:
 
 
 def layer_wish(text: str) -> LayerWish:
-    name, equals, label = text.partition("=")
-    return LayerWish(Path(name), label if equals else Path(name).stem)
+    """Of names that hold = themselves the longest that is a file is taken."""
+    parts = text.split("=")
+    splits = [("=".join(parts[:n]), "=".join(parts[n:])) for n in range(len(parts), 0, -1)]
+    name, label = next((split for split in splits if Path(split[0]).is_file()), (parts[0], "=".join(parts[1:])))
+    if not name:
+        raise argparse.ArgumentTypeError(f"a file is expected, not {text!r}")
+    return LayerWish(Path(name), label if len(name) < len(text) else Path(name).stem)
 
 
 def number(text: str) -> float:

@@ -214,6 +214,18 @@ class GeometryTest(SvgCase):
         self.near(numbers(dot, "cx", "cy"), [left + 5 * cell, top + 2 * cell])
         self.assertTrue({"A line", "p", "r"} < set(self.texts()))
 
+    def test_names_of_layers_with_an_equals_sign(self):
+        self.give("a_d.asc", asc([[1] * 3] * 3))
+        for name in ("l", "n=5"):
+            self.give(name + ".mif", mif(["Name Char(9)"], "Line 0 0 2 2\n"))
+            self.give(name + ".mid", '"x"\n')
+        for wish, label in (("n=5.mif", "n=5"), ("n=5.mif=River", "River"), ("l.mif=n=5", "n=5"), ("l.mif", "l")):
+            self.draw("--layer", wish, cells="a_d.asc")
+            self.assertEqual([text for text in self.texts() if text in ("n=5", "River", "l")], [label], wish)
+        for nothing in ("", "=Label"):  # a folder of layers would be drawn
+            self.fails("picture", f"error: argument --layer: a file is expected, not '{nothing}'", "a_d.asc", "p.svg", "--layer",
+                       nothing, status=2)
+
     def test_objects_without_coordinates(self):
         layer = picture.Layer("", "#000000")
         for text in ("POINT EMPTY", "LINESTRING EMPTY", "POLYGON EMPTY", "GEOMETRYCOLLECTION (POINT (3 4))"):
