@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 namespace gridforge::inline core {
@@ -25,9 +26,21 @@ public:
     // Without the padding, in which zero bytes count as blanks.
     std::string_view view() const
     {
-        constexpr std::string_view kPadding(" \0", 2);
-        const std::string_view all(characters_.data(), width);
-        return all.substr(0, all.find_last_not_of(kPadding) + 1);
+        // Most of a wide field is padding, which goes in blocks.
+        constexpr std::size_t kBlock = 256;
+        static constexpr auto kBlanks = [] {
+            std::array<char, kBlock> blanks{};
+            blanks.fill(' ');
+            return blanks;
+        }();
+        std::size_t count = width;
+        while (count >= kBlock && std::memcmp(characters_.data() + count - kBlock, kBlanks.data(), kBlock) == 0) {
+            count -= kBlock;
+        }
+        while (count > 0 && (characters_[count - 1] == ' ' || characters_[count - 1] == '\0')) {
+            --count;
+        }
+        return {characters_.data(), count};
     }
     bool empty() const { return view().empty(); }
     void clear() { characters_.fill(' '); }

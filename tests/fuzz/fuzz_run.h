@@ -1,72 +1,28 @@
-// What the fuzz targets share: files of the input's bytes in memory, and runs that end without ending the process.
+// Runs that end without ending the process, on files and a console in memory.
 #pragma once
 
-#include "gis/layer_reader.h"
-#include "gis/layer_table.h"
-#include "host/console.h"
-#include "host/ends.h"
+#include "fuzz/named_files.h"
 #include "host/memory/memory_system.h"
-#include "host/units.h"
 
-#include <cstdint>
+#include <functional>
 #include <string>
-#include <string_view>
-#include <utility>
 
 namespace gridforge::fuzz {
 
-struct EndOfRun {};
+// Once in the process: the limits, and what the end of a run does.
+void prepareProcess();
 
-inline void give(const std::string& name, std::string_view bytes)
-{
-    giveMemoryFile(name, bytes);
-}
+// As the tool finds it at its start: only the files of the input, and what "console" among them would type. `system` is in
+// use until the next call.
+void beginRun(const NamedFiles& input, const System& system);
+// Does the work to its end or to that of the run, and returns the console. Nothing stays open. A console that says what
+// must not occur is a finding.
+std::string toItsEnd(const std::function<void()>& work);
 
-// Nobody answers the console; an end of the run comes back as EndOfRun.
-inline void prepare()
-{
-    static const bool ready = [] {
-        useSystem(memorySystem());
-        restartConsole();
-        replaceProcessEnd([] { throw EndOfRun(); });
-        return true;
-    }();
-    static_cast<void>(ready);
-    flushConsole();
-    takeMemoryConsole();
-    startUnits(1000);
-    gis::initialise();
-}
+// The system in memory, with less room for files.
+const System& smallSystem();
 
-// The loop of the operations over a layer, to its end or that of the run.
-inline void readLayer(const std::string& name, bool coordinates)
-{
-    constexpr std::int32_t kMaxVertices = 10000;
-    try {
-        prepare();
-        gis::OpenLayer& layer = gis::openFiles(name);
-        gis::readHeader(layer);
-        gis::LayerObject object;
-        gis::Coordinates vertices;
-        std::string line;
-        while (!layer.end) {
-            if (gis::readKind(layer, object)) {
-                gis::readRecord(layer, object.name, line);
-                gis::readCoordinates(layer, object, vertices, kMaxVertices, coordinates);
-            }
-        }
-        gis::close(layer);
-    } catch (const EndOfRun&) {
-        closeAllUnits();
-    }
-}
-
-// The bytes before and after the first `separator`; without one all are before.
-inline std::pair<std::string_view, std::string_view> split(std::string_view bytes, std::string_view separator)
-{
-    const std::size_t at = bytes.find(separator);
-    return at == std::string_view::npos ? std::pair{bytes, std::string_view()}
-                                        : std::pair{bytes.substr(0, at), bytes.substr(at + separator.size())};
-}
+// Ends the process as a finding.
+[[noreturn]] void report(std::string_view what, std::string_view details = {});
 
 } // namespace gridforge::fuzz

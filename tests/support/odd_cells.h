@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <span>
@@ -34,15 +35,32 @@ inline std::vector<float> tiedCells(std::size_t count, float null, std::uint32_t
     return cells;
 }
 
-// The same with cells that are no number, infinite or very large among them.
+// The same with cells that are no number, infinite, very large or next to zero among them.
 inline std::vector<float> oddCells(std::size_t count, float null, std::uint32_t seed)
 {
-    constexpr float kOdd[] = {kNaN, kInfinity, -kInfinity, 9.0e29F, 1.0e30F, 8.9e29F, -0.0F, 0.0F};
+    using Limits = std::numeric_limits<float>;
+    constexpr float kOdd[] = {kNaN,
+                              kInfinity,
+                              -kInfinity,
+                              9.0e29F,
+                              1.0e30F,
+                              8.9e29F,
+                              -0.0F,
+                              0.0F,
+                              3.4e38F,
+                              -3.4e38F,
+                              Limits::max(),
+                              Limits::lowest(),
+                              Limits::min(),
+                              1.0e-40F,
+                              -1.0e-40F,
+                              Limits::denorm_min(),
+                              -Limits::denorm_min()};
     std::mt19937 random(seed + 1);
     std::vector<float> cells = tiedCells(count, null, seed);
     for (float& cell : cells) {
         if (random() % 5 == 0) {
-            cell = kOdd[random() % 8];
+            cell = kOdd[random() % std::size(kOdd)];
         }
     }
     return cells;

@@ -362,7 +362,10 @@ const System& memorySystem()
 
 void clearMemorySystem()
 {
-    memory() = Memory();
+    Memory cleared;
+    cleared.filesMade = memory().filesMade;
+    cleared.steps = memory().steps + 1; // so that no folder looks like one of the same name before
+    memory() = std::move(cleared);
 }
 
 void giveMemoryFile(const std::string& name, std::string_view bytes)

@@ -330,6 +330,20 @@ TEST(MemorySystem, HoldsTheConsole)
     EXPECT_EQ(takeMemoryConsole(), "");
 }
 
+// Or names of folders that were listed before would count as those of the files that come now.
+TEST(MemorySystem, ItsTimeGoesOnWhenItIsCleared)
+{
+    clearMemorySystem();
+    giveMemoryFile("a", "");
+    FileFacts before;
+    EXPECT_EQ(memorySystem().facts(".", before), SystemStatus::done);
+    clearMemorySystem();
+    giveMemoryFile("b", "");
+    FileFacts after;
+    EXPECT_EQ(memorySystem().facts(".", after), SystemStatus::done);
+    EXPECT_GT(after.lastChange, before.lastChange);
+}
+
 // Both ends of a pipe that does not block: the reader comes too early, and the writer when it is full.
 TEST(NativeSystem, WaitsForAConsoleThatIsNotReady)
 {

@@ -68,6 +68,7 @@ void takePlain(bool maximum, float cell, float null, float source, float& kept, 
 TEST(MaxMinKernels, AgreeWithThePlainRulesOnRandomCells)
 {
     std::mt19937 random(20201);
+    using Limits = std::numeric_limits<float>;
     const std::vector<float> values = {kNull,
                                        -1,
                                        0,
@@ -75,7 +76,13 @@ TEST(MaxMinKernels, AgreeWithThePlainRulesOnRandomCells)
                                        1,
                                        2,
                                        std::nanf(""),
-                                       std::numeric_limits<float>::infinity(),
+                                       Limits::infinity(),
+                                       -Limits::infinity(),
+                                       Limits::max(),
+                                       Limits::lowest(),
+                                       Limits::min(),
+                                       Limits::denorm_min(),
+                                       -Limits::denorm_min(),
                                        -10000,
                                        std::nextafterf(kNull, 0)};
     for (const bool maximum : {true, false}) {

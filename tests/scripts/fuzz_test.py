@@ -1,0 +1,89 @@
+#!/usr/bin/env python3
+"""Tests of scripts/fuzz: how it shares the time, what it takes from the words of a fuzzer and how it adds up; and that the places of
+planted faults are in the sources."""
+import os
+import sys
+import unittest
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "support"))
+
+from script_module import loaded  # noqa: E402
+
+fuzz = loaded("fuzz")
+
+ENDED = """#5137\tDONE   cov: 1665 ft: 3897
+Done 5137 runs in 5 second(s)
+stat::number_of_executed_units: 5137
+stat::average_exec_per_sec:     1027
+"""
+CRASHED = """#8 NEW
+src/grid/reader.cpp:31:7: runtime error: signed integer overflow
+SUMMARY: UndefinedBehaviorSanitizer: undefined-behavior src/grid/reader.cpp:31:7 in
+stat::number_of_executed_units: 12
+"""
+
+
+class TimeTest(unittest.TestCase):
+    def test_the_kinds_share_the_time(self):
+        fuzz.CORES = 2
+        self.assertEqual(fuzz.seconds_each(60, 20), 6)
+        self.assertEqual(fuzz.seconds_each(60, 1), 60)
+
+    def test_each_gets_a_second(self):
+        fuzz.CORES = 2
+        self.assertEqual(fuzz.seconds_each(1, 20), 1)
+
+
+class WordsTest(unittest.TestCase):
+    def test_runs_are_counted(self):
+        self.assertEqual(fuzz.runs_in(ENDED), 5137)
+        self.assertEqual(fuzz.runs_in("killed"), 0)
+
+    def test_the_first_finding_is_shown(self):
+        self.assertEqual(fuzz.finding_in(CRASHED), "src/grid/reader.cpp:31:7: runtime error: signed integer overflow")
+        self.assertEqual(fuzz.finding_in(ENDED), "see the log")
+
+    def test_damaged_runs_are_counted(self):
+        line = "120 runs: 118 good, 2 bad"
+        self.assertEqual(fuzz.damaged_result(line, 1, 60, 70.4), {"runs": 120, "seconds": 60, "findings": 2})
+
+    def test_a_failed_witness_counts_nothing(self):
+        for line, status in (("witness: no inputs", 2), ("", 0), ("7 runs: 7 good, 0 bad", 2)):
+            with self.assertRaises(SystemExit):
+                fuzz.damaged_result(line, status, 60, 1)
+
+
+class RecordTest(unittest.TestCase):
+    def test_results_add_up(self):
+        record = fuzz.add_results({}, {"mif": {"runs": 10, "seconds": 2, "findings": 0}}, "2026-01-01")
+        record = fuzz.add_results(record, {"mif": {"runs": 5, "seconds": 3, "findings": 1}}, "2026-01-02")
+        self.assertEqual(record, {"mif": {"runs": 15, "seconds": 5, "findings": 1, "last": "2026-01-02"}})
+
+
+class PlantTest(unittest.TestCase):
+    PLANT = {"kind": "k", "file": "f", "at": "{ <HERE>end(); }", "when": "a < b"}
+
+    def test_a_fault_goes_to_its_place(self):
+        self.assertEqual(fuzz.planted("x { end(); } y", self.PLANT), 'x { PLANT("k", a < b); end(); } y')
+
+    def test_a_place_is_there_once(self):
+        self.assertIsNone(fuzz.planted("x", self.PLANT))
+        self.assertIsNone(fuzz.planted("{ end(); } { end(); }", self.PLANT))
+
+    def test_all_places_are_in_the_sources(self):
+        for plant in fuzz.plants():
+            with open(os.path.join(fuzz.ROOT, plant["file"])) as file:
+                self.assertIsNotNone(fuzz.planted(file.read(), plant), plant)
+
+    def test_each_kind_has_a_fault(self):
+        kinds = set()
+        for name in ("readers.cpp", "operations.cpp"):
+            with open(os.path.join(fuzz.ROOT, "tests", "fuzz", name)) as file:
+                kinds.update(fuzz.re.findall(r'\{"(\w+)", [a-z]\w+\}', file.read()))
+        self.assertGreater(len(kinds), 15)
+        self.assertEqual(kinds, {plant["kind"] for plant in fuzz.plants()})
+
+
+if __name__ == "__main__":
+    unittest.main()
