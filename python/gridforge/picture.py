@@ -5,6 +5,7 @@ import argparse
 import math
 import re
 import sys
+import unicodedata
 from collections.abc import Callable, Sequence
 from dataclasses import dataclass, field
 from pathlib import Path
@@ -31,11 +32,14 @@ if TYPE_CHECKING:
 NAME = "gridforge-picture"
 MARGIN, GAP, PANEL = 0.3, 0.35, 4.6  # cm; the panel beside or below the map holds the legend
 FLAT = 0.6  # a map of less than this part of the panel's height has the panel below it
-TITLE = 0.75  # cm
+TITLE, NEXT_TITLE = 0.75, 0.4  # cm: height of a title, and of each further line of it
 LINE, PATCH = 0.46, 0.6  # cm: height of a line of the legend, width of its patch
 BAR, SHORT_BAR = 4.0, 2.6  # cm: length of a colour bar beside the map and below it
 FOOT = 2.3  # cm: north arrow and scale bar
 FONT = 7.5  # points
+WIDTHS = {letter: width for letters, width in (("ijlI.,' ", 0.32), ("frt|:;!()[]/-", 0.42), ("csz_", 0.56), ("w", 0.82),
+                                               ("mMW@%&+=<>#~", 1.0)) for letter in letters}  # in parts of the size
+ELLIPSIS = "\u2026"
 HEADINGS = {"depth": "Depth", "level": "Level", "difference": "Difference", "source": "Source", "wet_dry": "Wet and dry",
             "impact": "Change"}
 WITHOUT_UNIT = ("source", "wet_dry")
@@ -221,17 +225,48 @@ def without_unit(label: str) -> str:
     return re.sub(r"(?<=\d) m\b", "", label)
 
 
-def wrapped(text: str, width: int = 30) -> str:
-    """The text on two lines at most; what does not fit loses its middle."""
-    if len(text) <= width:
-        return text
-    at = text.rfind(" ", 0, width) if " " in text[:width] else max(text.rfind("_", 0, width) + 1, 0) or width
-    first, second = text[:at], text[at:].strip()
-    return first + "\n" + (second if len(second) <= width else second[:width // 2 - 1] + "\u2026" + second[1 - width // 2:])
+def width_of(text: str, size: float, bold: bool = False) -> float:
+    """About how wide letters of so many points are, in cm; rather too wide."""
+    def width(letter: str) -> float:
+        if unicodedata.east_asian_width(letter) in ("W", "F"):
+            return 1.0
+        return WIDTHS.get(letter, 0.78 if letter.isupper() else 0.64)
+
+    return math.fsum(map(width, text)) * size * (1.12 if bold else 1.0) * INCH / 72
+
+
+def wrapped(text: str, width: float, size: float = FONT, bold: bool = False, most: int = 3) -> str:
+    """The text on lines of this width in cm, and as many as allowed; what does not fit loses its middle."""
+    def fitting(part: str, room: float) -> int:
+        return next((n for n in range(len(part)) if width_of(part[:n + 1], size, bold) > room), len(part))
+
+    lines: list[str] = []
+    for rest in text.split("\n"):
+        while (fit := fitting(rest, width)) < len(rest) and len(lines) < most - 1:
+            at = rest.rfind(" ", 0, fit + 1) + 1 or rest.rfind("_", 0, fit) + 1 or max(fit, 1)
+            lines.append(rest[:at].rstrip())
+            rest = rest[at:].lstrip()
+        if fit < len(rest):
+            half = (width - width_of(ELLIPSIS, size, bold)) / 2
+            rest = rest[:fitting(rest, half)] + ELLIPSIS + rest[len(rest) - fitting(rest[::-1], half):]
+        lines.append(rest)
+    return "\n".join(lines[:most])
+
+
+def wrapped_heading(text: str) -> str:
+    return wrapped(text, PANEL, FONT + 1, bold=True)
+
+
+def height_of_heading(text: str) -> float:
+    return LINE * (1.25 + 0.75 * wrapped_heading(text).count("\n"))
+
+
+def label_of(key: Key) -> str:
+    return wrapped(key.label, PANEL - PATCH - 0.2)
 
 
 def height_of(key: Key) -> float:
-    return LINE * (1 + 0.7 * wrapped(key.label).count("\n"))
+    return LINE * (1 + 0.7 * label_of(key).count("\n"))
 
 
 class Panel:
@@ -247,8 +282,9 @@ class Panel:
         self.at = top
 
     def heading(self, text: str) -> None:
-        self.canvas.text(self.left, self.at + LINE / 2, text, FONT + 1, bold=True)
-        self.at += LINE * 1.25
+        height = height_of_heading(text)
+        self.canvas.text(self.left, self.at + (height - LINE / 4) / 2, wrapped_heading(text), FONT + 1, bold=True)
+        self.at += height
 
     def keys(self, keys: Sequence[Key], rows: int | None = None) -> None:
         """The keys, with so many in a column."""
@@ -265,7 +301,7 @@ class Panel:
             self.canvas.box(Place(left, middle - 0.16, PATCH, 0.32), key.colour, EDGE, 0.4)
         else:
             self._sample(key.layer, left, middle)
-        self.canvas.text(left + PATCH + 0.2, middle, wrapped(key.label), FONT)
+        self.canvas.text(left + PATCH + 0.2, middle, label_of(key), FONT)
         self.at += height
 
     def _sample(self, layer: Layer, left: float, middle: float) -> None:
@@ -347,7 +383,7 @@ class Legend:
     def beside_height(self) -> float:
         classes = math.fsum(map(height_of, self.keys)) if self.keys else BAR + 0.45
         layers = LINE / 2 + math.fsum(map(height_of, self.layers)) if self.layers else 0
-        return LINE * 1.25 + classes + layers + FOOT
+        return height_of_heading(self.heading) + classes + layers + FOOT
 
     def rows_below(self, columns: int) -> int:
         """Keys in a column where the legend has so many of them, without the last, which is for layers where there are any."""
@@ -357,7 +393,7 @@ class Legend:
         rows = self.rows_below(columns)
         lists = [self.keys[first:first + rows] for first in range(0, len(self.keys), rows or 1)] + [self.layers]
         highest = max(math.fsum(map(height_of, keys)) for keys in lists)
-        return max(LINE * 1.25 + (highest if self.keys else max(highest, SHORT_BAR + 0.3)), FOOT)
+        return max(height_of_heading(self.heading) + (highest if self.keys else max(highest, SHORT_BAR + 0.3)), FOOT)
 
     def draw_beside(self, panel: Panel, metres_per_cm: float | None) -> None:
         panel.heading(self.heading)
@@ -376,7 +412,7 @@ class Legend:
         else:
             panel.colour_bar(self.style, SHORT_BAR)
         if self.layers:
-            panel.next_column(panel.place.top + LINE * 1.25)
+            panel.next_column(panel.place.top + height_of_heading(self.heading))
             panel.keys(self.layers)
         panel.foot(panel.place.right - PANEL, panel.place.top + FOOT, metres_per_cm)
 
@@ -391,8 +427,13 @@ class Layout:
     columns: int  # of a panel below the map; 0 for one beside it
 
 
+def wrapped_title(title: str, width: float) -> str:
+    """The title on a picture of this width."""
+    return wrapped(title, width - 2 * MARGIN, FONT + 3, bold=True)
+
+
 def laid_out(legend: Legend, wishes: Wishes, window: Window) -> Layout:
-    top = MARGIN + (TITLE if wishes.title else 0)
+    top = MARGIN + (TITLE + NEXT_TITLE * wrapped_title(wishes.title, wishes.width).count("\n") if wishes.title else 0)
     beside, shape = legend.beside_height(), window.height / window.width
     inner = wishes.width - 2 * MARGIN
     width = inner - PANEL - GAP
@@ -473,7 +514,8 @@ def composed(grid: Path, wishes: Wishes) -> Picture:
 def draw(picture: Picture, canvas: Canvas) -> None:
     layout, legend = picture.layout, picture.legend
     if picture.title:
-        canvas.text(MARGIN, MARGIN + TITLE * 0.3, picture.title, FONT + 3, bold=True)
+        title = wrapped_title(picture.title, layout.width)
+        canvas.text(MARGIN, MARGIN + TITLE * 0.3 + NEXT_TITLE * title.count("\n") / 2, title, FONT + 3, bold=True)
     draw_map(picture, canvas)
     panel = Panel(canvas, layout.panel)
     if layout.columns:

@@ -1,4 +1,5 @@
 """gridforge-picture, as .png: the colours at places of the picture, what stands in the legend, and grids that are thinned first."""
+import random
 import struct
 import unittest
 from pathlib import Path
@@ -6,6 +7,8 @@ from unittest import mock
 
 import numpy
 from matplotlib import image
+from matplotlib.font_manager import FontProperties
+from matplotlib.textpath import TextPath
 
 from gridforge import grid_blocks, picture, styles
 from gridforge.canvas import Place
@@ -176,12 +179,33 @@ class LegendTest(unittest.TestCase):
         for most, length in ((99, 50), (100, 100), (0.3, 0.2), (4999, 2000), (7000, 5000)):
             self.assertAlmostEqual(picture.round_length(most), length)
 
-    def test_long_labels_take_two_lines(self):
-        self.assertEqual(picture.wrapped("short"), "short")
-        self.assertEqual(picture.wrapped("a storm of six hours over the whole catchment"),
-                         "a storm of six hours over the\nwhole catchment")
-        lines = picture.wrapped("level_" + "x" * 100).split("\n")
-        self.assertEqual((len(lines), max(map(len, lines)) <= 30), (2, True))
+    def test_long_labels_take_several_lines(self):
+        self.assertEqual(picture.wrapped("short", 4), "short")
+        self.assertEqual(picture.wrapped("", 4), "")
+        self.assertEqual(picture.wrapped("a storm of six hours over the whole catchment", 4).split("\n"),
+                         ["a storm of six hours over", "the whole catchment"])
+        self.assertEqual(picture.wrapped("two\nlines", 4), "two\nlines")
+        first, second = picture.wrapped("level_1pct_with_blockage_24h_coarse", 4).split("\n")
+        self.assertEqual((first + second, first[-1]), ("level_1pct_with_blockage_24h_coarse", "_"))
+        lines = picture.wrapped("begin_" + "x" * 200 + "_end", 4).split("\n")
+        self.assertEqual((len(lines), lines[0], lines[2][-4:], lines[2].count("\u2026")), (3, "begin_", "_end", 1))
+
+    def test_names_of_classes_take_one_line(self):
+        for style in styles.styles().values():
+            for one in style.classes:
+                label = picture.without_unit(one.label)
+                self.assertEqual(picture.label_of(picture.Key(label)), label)
+
+    def test_lines_are_no_wider_than_asked(self):
+        draw = random.Random(5)
+        for letters in ("abcdefghijklmnopqrstuvwxyz ", "ABCDEFGHIJKLMNOPQRSTUVWXYZ_", "0123456789_.-+", "mwMW@%", "<>()[]!?\"#$&/=+*;:|"):
+            for bold in (False, True):
+                text = "".join(draw.choices(letters, k=60))
+                font = FontProperties(family="DejaVu Sans", weight="bold" if bold else "normal")
+                for line in picture.wrapped(text, 4, 8, bold).split("\n"):
+                    width = TextPath((0, 0), line, size=8, prop=font).get_extents().x1 * 2.54 / 72
+                    self.assertLess(width, 4.05, line)
+                    self.assertGreater(width, 0.1)
 
 
 class SourcesTest(Drawn):

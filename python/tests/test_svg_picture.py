@@ -11,6 +11,8 @@ from xml.etree import ElementTree
 
 import numpy
 from matplotlib import image
+from matplotlib.font_manager import FontProperties
+from matplotlib.textpath import TextPath
 
 from gridforge import picture, styles, svg_canvas
 from gridforge.canvas import Canvas, Place
@@ -37,6 +39,12 @@ def rgb(colour):
 
 def numbers(element, *names):
     return [float(element.get(name)) for name in names]
+
+
+def drawn_width(text, size, bold=False):
+    """In points, by the letters of the font."""
+    return TextPath((0, 0), text, size=size, prop=FontProperties(family="DejaVu Sans", weight="bold" if bold else "normal")
+                    ).get_extents().x1
 
 
 class SvgCase(ToolCase):
@@ -283,10 +291,29 @@ class WordsTest(SvgCase):
         self.give("a_src.asc", asc([[1] * 3] * 3))
         self.give("a_src_legend.csv", '"Value in Grid","Source Grid File"\n1,a storm of six hours over the whole catchment\n')
         self.draw(cells="a_src.asc")
-        first, second = [text for text in self.all("text") if text.text in ("a storm of six hours over the", "whole catchment")]
+        first, second = [text for text in self.all("text") if text.text in ("a storm of six hours over", "the whole catchment")]
         self.assertEqual(first.get("x"), second.get("x"))
         apart = float(second.get("y")) - float(first.get("y"))
         self.assertTrue(picture.FONT < apart < 1.2 * picture.FONT, apart)
+
+
+    def test_long_texts_end_within_the_picture_and_above_the_map(self):
+        name = "MODEL_1PCT_CC_WITH_BLOCKAGE_120M_TP03_MAXIMUM_OF_ALL_RUNS_OF_THE_YEAR"
+        self.give("a_src.asc", asc([[1] * 3] * 3))
+        self.give("a_src_legend.csv", f'"Value in Grid","Source Grid File"\n1,{name}.flt\n')
+        title = "Where the storms of this catchment are critical, for all durations, patterns and climates that the study has run"
+        for shape in ([[1] * 3] * 3, [[1] * 30]):  # the legend beside the map and below it
+            self.give("a_src.asc", asc(shape))
+            self.draw("--title", title, "--heading", "Storm of the highest level in each of the cells", cells="a_src.asc")
+            texts = [text for text in self.all("text") if text.text]
+            for text in texts:
+                size, bold = float(text.get("font-size")), text.get("font-weight") == "bold"
+                width = drawn_width(text.text, size, bold) / (2 if text.get("text-anchor") else 1)
+                self.assertLess(float(text.get("x")) + width, 16 * CM, text.text)
+            lines = [text for text in texts if float(text.get("font-size")) == picture.FONT + 3]
+            self.assertEqual(" ".join(line.text for line in lines), title)
+            self.assertGreater(len(lines), 1)
+            self.assertLess(max(float(line.get("y")) for line in lines) + picture.FONT / 2, self.frame()[1])
 
 
 class FileTest(SvgCase):
