@@ -59,6 +59,8 @@ def refuse_existing(outputs: Sequence[Path], inputs: Sequence[Path], overwrite: 
             raise Failure(f"the folder of {output} does not exist")
         if not output.exists():
             continue
+        if output.is_dir():
+            raise Failure(f"{output} is a folder; give the output another name")
         if any(source.exists() and output.samefile(source) for source in inputs):
             raise Failure(f"{output} is an input; give the output another name")
         if not overwrite:

@@ -344,6 +344,8 @@ class FileTest(SvgCase):
         self.assertEqual(self.files(), ["a_d.asc", "o.svg"])
         self.fails("picture", "o.svg is there already; --overwrite replaces it", "a_d.asc", "o.svg")
         self.comes_second("p.svg", "picture", "a_d.asc", "p.svg")
+        (self.folder / "q.svg").mkdir()
+        self.fails("picture", "q.svg is a folder; give the output another name", "a_d.asc", "q.svg", "--overwrite")
 
     def test_the_same_picture_is_the_same_file(self):
         self.give("a_d.asc", asc([[1, 2], [3, 4]]))
