@@ -150,19 +150,16 @@ public:
     // must make this call.
     std::size_t take(std::size_t chunk, std::size_t rows)
     {
-        for (std::size_t next = next_; next != chunk; next = next_) {
-            next_.wait(next);
-        }
+        turns_.await(chunk);
         const std::size_t before = rows_;
         rows_ = before + rows;
-        next_ = chunk + 1;
-        next_.notify_all();
+        turns_.pass();
         return before;
     }
     std::size_t rows() const { return rows_; }
 
 private:
-    std::atomic<std::size_t> next_ = 0;
+    PieceTurns turns_;
     std::atomic<std::size_t> rows_ = 0;
 };
 

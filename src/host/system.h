@@ -83,7 +83,8 @@ struct System {
     bool (*giveName)(SystemFile file, const std::string& name);
 
     // --- Names
-    bool namesIgnoreCase = false;                                     // in searches of a folder; ASCII letters
+    bool namesIgnoreCase = false; // in searches of a folder; ASCII letters
+    bool namesHaveDrives = false; // a name may begin with a drive, "C:", or be on a share, "//server/share/..."
     SystemStatus (*facts)(const std::string& name, FileFacts& facts); // changes `facts` when done
     SystemStatus (*lookUp)(const std::string& name); // done: an entry of that name exists, even if it leads nowhere
     // Adds the names in the folder, except "." and "..", in no order.

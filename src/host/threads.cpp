@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <condition_variable>
 #include <exception>
+#include <mutex>
 #include <new>
 #include <thread>
 #include <vector>
@@ -56,6 +58,31 @@ void parallelFor(std::size_t pieces, const PieceWork& work)
     if (memoryFailed) {
         throw std::bad_alloc();
     }
+}
+
+// Not an atomic number that is waited for: where the system itself has no such wait, g++ 12 sleeps through a change now and then,
+// as on Windows.
+struct PieceTurns::Gate {
+    std::mutex mutex;
+    std::condition_variable passed;
+    std::size_t next = 0;
+};
+
+PieceTurns::PieceTurns() : gate_(std::make_unique<Gate>()) {}
+
+PieceTurns::~PieceTurns() = default;
+
+void PieceTurns::await(std::size_t number)
+{
+    std::unique_lock lock(gate_->mutex);
+    gate_->passed.wait(lock, [&] { return gate_->next == number; });
+}
+
+void PieceTurns::pass()
+{
+    const std::scoped_lock lock(gate_->mutex);
+    ++gate_->next;
+    gate_->passed.notify_all();
 }
 
 } // namespace gridforge::inline host

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 
 namespace gridforge::inline host {
 
@@ -20,6 +21,23 @@ using PieceWork = std::function<void(std::size_t piece, std::size_t worker)>;
 // caller's does them all. If a piece runs out of memory, std::bad_alloc is thrown in the calling thread once all pieces
 // have stopped.
 void parallelFor(std::size_t pieces, const PieceWork& work);
+
+// Lets pieces go on in their order: each waits for its turn and passes it on, so all below it must have begun.
+class PieceTurns {
+public:
+    PieceTurns();
+    ~PieceTurns();
+    PieceTurns(const PieceTurns&) = delete;
+    PieceTurns& operator=(const PieceTurns&) = delete;
+
+    // Waits for the turn of this number, from 0.
+    void await(std::size_t number);
+    void pass();
+
+private:
+    struct Gate;
+    std::unique_ptr<Gate> gate_;
+};
 
 // The number of cells in a piece: GRIDFORGE_PIECE, or if that is not set `usual`.
 std::size_t cellsPerPiece(std::size_t usual);

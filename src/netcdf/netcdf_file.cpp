@@ -15,14 +15,25 @@ namespace gridforge::netcdf {
 
 namespace {
 
+bool hasDrive(std::string_view name)
+{
+    return theSystem().namesHaveDrives && name.size() > 1 && name[1] == ':';
+}
+
+bool isOnShare(std::string_view name)
+{
+    return theSystem().namesHaveDrives && name.starts_with("//");
+}
+
 // The library takes some names for more than a file: "c:/x" for a drive, "http://x" for a server. A name that begins at a
 // folder and has no doubled separator is always a file, and for the system it is the same one.
 std::string libraryName(std::string_view name)
 {
     std::string local = systemName(name);
     const auto bothSeparate = [](char a, char b) { return a == '/' && b == '/'; };
-    local.erase(std::unique(local.begin(), local.end(), bothSeparate), local.end());
-    return local.starts_with('/') ? local : "./" + local;
+    const auto inner = local.begin() + (isOnShare(local) ? 1 : 0);
+    local.erase(std::unique(inner, local.end(), bothSeparate), local.end());
+    return local.starts_with('/') || hasDrive(local) ? local : "./" + local;
 }
 
 std::size_t fromZero(std::int32_t position)

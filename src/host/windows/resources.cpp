@@ -7,11 +7,19 @@
 #include <bit>
 #include <windows.h>
 
+#include <psapi.h> // needs the types of windows.h
+
 namespace gridforge::inline host {
 
 namespace {
 
-// What a job that the process runs in leaves it, as a batch system sets it.
+std::uint64_t takenByProcess()
+{
+    PROCESS_MEMORY_COUNTERS counters = {};
+    return GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) != 0 ? counters.PagefileUsage : 0;
+}
+
+// What a job that the process runs in leaves it, as a batch system sets it. What other processes of the job have taken is not known.
 std::uint64_t leftByJob()
 {
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
@@ -19,14 +27,14 @@ std::uint64_t leftByJob()
         return UINT64_MAX;
     }
     const DWORD kinds = limits.BasicLimitInformation.LimitFlags;
-    std::uint64_t left = UINT64_MAX;
+    std::uint64_t limit = UINT64_MAX;
     if ((kinds & JOB_OBJECT_LIMIT_PROCESS_MEMORY) != 0) {
-        left = limits.ProcessMemoryLimit;
+        limit = limits.ProcessMemoryLimit;
     }
     if ((kinds & JOB_OBJECT_LIMIT_JOB_MEMORY) != 0) {
-        left = std::min<std::uint64_t>(left, limits.JobMemoryLimit);
+        limit = std::min<std::uint64_t>(limit, limits.JobMemoryLimit);
     }
-    return left;
+    return limit == UINT64_MAX ? limit : limit - std::min(limit, takenByProcess());
 }
 
 void* takeZeroed(std::size_t bytes)

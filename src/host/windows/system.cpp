@@ -51,7 +51,9 @@ SystemStatus statusOf(DWORD error)
     switch (error) {
     case ERROR_SUCCESS: return SystemStatus::done;
     case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND: return SystemStatus::noSuchFile;
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_DRIVE:
+    case ERROR_BAD_NET_NAME: return SystemStatus::noSuchFile; // a share that the server does not have
     case ERROR_NOT_ENOUGH_MEMORY:
     case ERROR_OUTOFMEMORY: return SystemStatus::outOfMemory;
     case ERROR_ACCESS_DENIED:
@@ -115,11 +117,20 @@ SystemFile openFile(const std::string& name, OpenFor purpose)
     return kept(CreateFileW(systemPath(name).c_str(), access, kSharedByAll, nullptr, creation, flags, nullptr));
 }
 
+// Goes on where the caller of the process has stopped.
 SystemFile inheritedFile(std::int64_t number)
 {
     const auto handle = reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(number));
     DWORD flags = 0;
-    return GetHandleInformation(handle, &flags) != 0 ? kept(handle) : SystemFile::none;
+    if (GetHandleInformation(handle, &flags) == 0) {
+        return SystemFile::none;
+    }
+    const SystemFile file = kept(handle);
+    LARGE_INTEGER reached = {};
+    if (openFileOf(file).hasPositions && SetFilePointerEx(handle, {}, &reached, FILE_CURRENT) != 0) {
+        openFileOf(file).position = reached.QuadPart;
+    }
+    return file;
 }
 
 // The open files without a name. Closed at an end of the run from inside it, they are gone when the caller looks.
@@ -436,6 +447,7 @@ const System& nativeSystem()
         .setAside = setAsideFor,
         .giveName = giveNameTo,
         .namesIgnoreCase = true,
+        .namesHaveDrives = true,
         .facts = factsOfName,
         .lookUp = lookUpName,
         .list = listFolder,

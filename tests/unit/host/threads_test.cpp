@@ -108,6 +108,21 @@ TEST(ParallelFor, MemoryThatAPieceCannotHaveIsMissingInTheCaller)
     }
 }
 
+TEST(PieceTurns, ComeInOrder)
+{
+    const Environment environment({{"GRIDFORGE_THREADS", "4"}});
+    constexpr std::size_t kPieces = 2000;
+    PieceTurns turns;
+    std::vector<std::size_t> order;
+    parallelFor(kPieces, [&](std::size_t piece, std::size_t) {
+        turns.await(piece);
+        order.push_back(piece);
+        turns.pass();
+    });
+    ASSERT_EQ(order.size(), kPieces);
+    EXPECT_TRUE(std::ranges::is_sorted(order));
+}
+
 TEST(CellsPerPiece, AreThoseOfTheEnvironmentOrTheUsual)
 {
     EXPECT_EQ(cellsPerPiece(100), 100U);
