@@ -1,7 +1,6 @@
 // Settings of the environment while an object of this lives.
 #pragma once
 
-#include <cstdlib>
 #include <initializer_list>
 #include <string>
 #include <utility>
@@ -9,18 +8,21 @@
 
 namespace gridforge::test {
 
+void setVariable(const std::string& name, const std::string& value);
+void clearVariable(const std::string& name);
+
 class Environment {
 public:
     Environment(std::initializer_list<std::pair<std::string, std::string>> settings) : settings_(settings)
     {
         for (const auto& [name, value] : settings_) {
-            setenv(name.c_str(), value.c_str(), 1);
+            setVariable(name, value);
         }
     }
     ~Environment()
     {
         for (const auto& [name, value] : settings_) {
-            unsetenv(name.c_str());
+            clearVariable(name);
         }
     }
     Environment(const Environment&) = delete;

@@ -1,8 +1,9 @@
 #include "support/scratch_folder.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <random>
+#include <string>
 #include <system_error>
 
 namespace gridforge::test {
@@ -21,11 +22,16 @@ std::string readWhole(const std::filesystem::path& name)
 
 ScratchFolder::ScratchFolder()
 {
-    std::string pattern = (std::filesystem::temp_directory_path() / "gridforge-test-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
-        ADD_FAILURE() << "no scratch folder: " << pattern;
+    std::random_device random;
+    constexpr int kAttempts = 100;
+    for (int i = 0; i < kAttempts; ++i) {
+        path_ = std::filesystem::temp_directory_path() / ("gridforge-test-" + std::to_string(random()));
+        std::error_code failure;
+        if (std::filesystem::create_directory(path_, failure)) {
+            return;
+        }
     }
-    path_ = pattern;
+    ADD_FAILURE() << "no scratch folder: " << path_;
 }
 
 ScratchFolder::~ScratchFolder()

@@ -1,7 +1,7 @@
 // Runs at the limits that a system sets: on memory, files, names and time.
 #include "support/consoles.h"
-#include "support/memory_limit.h"
 #include "support/paths.h"
+#include "support/process_limits.h"
 #include "support/system_failures.h"
 
 #include <cerrno>

@@ -256,8 +256,8 @@ TEST(Ways, StepByStepForALatticeThatDiffers)
     const ScratchFolder folder;
     folder.give("a.asc", kOnes);
     folder.give("b.asc", asc("7 8 9\n1 1 1\n", "0.02"));
-    inputs.add(folder.path() / "a.asc");
-    inputs.add(folder.path() / "b.asc");
+    inputs.add((folder.path() / "a.asc").string());
+    inputs.add((folder.path() / "b.asc").string());
     EXPECT_FALSE(lookAtInputs(inputs));
     EXPECT_EQ(waysGone(run::Way::otherLattice), before + 1);
 }

@@ -6,12 +6,12 @@
 #include "support/child_run.h"
 #include "support/consoles.h"
 #include "support/layer_files.h"
+#include "support/process_limits.h"
 
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
-#include <sys/resource.h>
 
 namespace gridforge::test {
 namespace {
@@ -96,13 +96,6 @@ TEST(HostileMif, BytesChangedAtRandom)
     }
 }
 
-long peakKilobytes()
-{
-    rusage usage = {};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss;
-}
-
 TEST(HostileMif, LinesOf100MegabytesTakeLittleMemory)
 {
     const ScratchFolder folder;
@@ -113,7 +106,7 @@ TEST(HostileMif, LinesOf100MegabytesTakeLittleMemory)
         folder.give("l.mid", "a\n" + longLine + "\n");
     }
     const ChildRun run = runInChild(folder, [] {
-        const long before = peakKilobytes();
+        const std::size_t before = peakKilobytes();
         readAll("l.mif", true);
         say("grew ", peakKilobytes() - before < 20'000 ? "little" : "much");
     });

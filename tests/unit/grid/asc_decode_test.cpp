@@ -28,7 +28,7 @@ std::optional<std::vector<float>> decoded(const std::string& rows)
     folder.give("a.asc", kHead + rows);
     const auto look = grid::lookAtGrid((folder.path() / "a.asc").string());
     grid::CellStore cells;
-    if (!look || !cells.take(look->header.cells(), folder.path()) || !decodeAsc(*look, cells)) {
+    if (!look || !cells.take(look->header.cells(), folder.path().string()) || !decodeAsc(*look, cells)) {
         return std::nullopt;
     }
     std::vector<float> got(cells.size());
@@ -86,7 +86,7 @@ TEST(DecodeAsc, TakesLinesOfAnyLengthAmongChunks)
         const auto look = grid::lookAtGrid((folder.path() / "a.asc").string());
         ASSERT_TRUE(look);
         grid::CellStore store;
-        ASSERT_TRUE(store.take(cells.size(), folder.path()));
+        ASSERT_TRUE(store.take(cells.size(), folder.path().string()));
         ASSERT_TRUE(decodeAsc(*look, store)) << columns;
         EXPECT_TRUE(std::ranges::equal(store.inMemory(), cells)) << columns;
     }
@@ -106,7 +106,7 @@ TEST(DecodeAsc, LeavesTextThatEndsTooEarlyInAnyChunk)
     for (const char* const name : {"a.asc", "b.asc", "c.asc"}) {
         const auto look = grid::lookAtGrid((folder.path() / name).string());
         grid::CellStore store;
-        ASSERT_TRUE(look && store.take(10000, folder.path()));
+        ASSERT_TRUE(look && store.take(10000, folder.path().string()));
         EXPECT_EQ(decodeAsc(*look, store), name == std::string("c.asc"));
     }
 }
@@ -130,7 +130,7 @@ TEST(DecodeAsc, IsTheSameForAnyNumberOfThreads)
         for (const char* const memory : {"1", "1000000000"}) {
             const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}});
             grid::CellStore store;
-            ASSERT_TRUE(store.take(cells.size(), folder.path()));
+            ASSERT_TRUE(store.take(cells.size(), folder.path().string()));
             ASSERT_TRUE(decodeAsc(*look, store));
             std::vector<float> got(cells.size());
             ASSERT_TRUE(store.get(0, got));

@@ -9,12 +9,9 @@
 
 #include <algorithm>
 #include <atomic>
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 namespace gridforge {
@@ -87,21 +84,6 @@ TEST(WriteAscRows, WritesRowAfterRowWhereThatIsRefused)
     writeCells("a.asc", gridOfCells());
     EXPECT_EQ(memoryFile("a.asc"), "head\r\n" + kText);
     EXPECT_EQ(calls, 3);
-}
-
-TEST(WriteAscRows, WritesRowAfterRowToAPipe)
-{
-    const Environment pieces = smallPieces();
-    const ScratchFolder folder;
-    const std::string name = (folder.path() / "pipe").string();
-    ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
-    const int pipe = open(name.c_str(), O_RDWR | O_NONBLOCK);
-    ASSERT_GE(pipe, 0);
-    runInChild(folder, [] { writeCells("pipe", gridOfCells()); });
-    std::string text(1000, '?');
-    const auto got = read(pipe, text.data(), text.size());
-    close(pipe);
-    EXPECT_EQ(text.substr(0, static_cast<std::size_t>(std::max<ssize_t>(got, 0))), "head\r\n" + kText);
 }
 
 TEST(WriteAscRows, ShowsEachThousandthRow)

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
+#include <system_error>
 
 namespace gridforge {
 namespace {
@@ -52,11 +52,13 @@ TEST_F(SearchFolder, TellsTheErrorsApart)
 
 TEST_F(SearchFolder, AFolderThatCannotBeReadIsAnotherError)
 {
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "the superuser reads every folder";
-    }
     std::filesystem::create_directory(folder_.path() / "shut");
     std::filesystem::permissions(folder_.path() / "shut", std::filesystem::perms::none);
+    std::error_code refused;
+    const std::filesystem::directory_iterator open(folder_.path() / "shut", refused);
+    if (!refused) {
+        GTEST_SKIP() << "the superuser reads every folder";
+    }
     EXPECT_EQ(search("shut/*").end, SearchEnd::invalidName);
 }
 

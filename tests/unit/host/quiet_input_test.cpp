@@ -6,7 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/stat.h>
 
 namespace gridforge {
 namespace {
@@ -37,8 +36,6 @@ TEST(LookAtLines, GivesNoneOfWhatIsOutOfTheOrdinary)
     EXPECT_FALSE(lines(folder, "long.csv"));
     std::filesystem::create_directory(folder.path() / "folder.csv");
     EXPECT_FALSE(lines(folder, "folder.csv"));
-    ASSERT_EQ(mkfifo((folder.path() / "pipe.csv").c_str(), 0600), 0);
-    EXPECT_FALSE(lines(folder, "pipe.csv"));
 }
 
 TEST(FindQuietly, SeesTheSize)

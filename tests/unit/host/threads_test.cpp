@@ -4,13 +4,12 @@
 #include "host/system.h"
 #include "support/child_run.h"
 #include "support/environment.h"
-#include "support/memory_limit.h"
+#include "support/process_limits.h"
 
 #include <algorithm>
 #include <atomic>
 #include <gtest/gtest.h>
 #include <new>
-#include <sys/resource.h>
 #include <vector>
 
 namespace gridforge {

@@ -121,10 +121,10 @@ TEST(CellWriter, CellsArriveThroughChunksOfAnySizeAndTheLibraryAlike)
                 {
                     netcdf::CellWriter writer(target.series(), lattice(), 11, "nf90_put_var (rg)");
                     EXPECT_TRUE(writer.packsChunks());
-                    writeAll(writer, 11, folder.path());
+                    writeAll(writer, 11, folder.path().string());
                     netcdf::CellWriter single(target.single(), lattice(), 1, "nf90_put_var (rg)");
                     EXPECT_EQ(single.packsChunks(), chunkRows > 0);
-                    single.write(std::nullopt, gridsOf(1, folder.path()));
+                    single.write(std::nullopt, gridsOf(1, folder.path().string()));
                 }
                 const int id = target.single().id;
                 expectGrids(target.values(series, 11 * kCells));

@@ -89,7 +89,7 @@ TEST(KeptMaximum, IsThatOfAllGridsWhereverItWaits)
             const test::Environment environment(
                 {{"GRIDFORGE_MEMORY", memory}, {"GRIDFORGE_PIECE", piece}, {"GRIDFORGE_THREADS", "3"}});
             netcdf::KeptMaximum maximum;
-            ASSERT_TRUE(maximum.start(latticeOf(5, 20), folder.path()));
+            ASSERT_TRUE(maximum.start(latticeOf(5, 20), folder.path().string()));
             std::vector<float> kept(100);
             ASSERT_TRUE(maximum.cells().get(0, kept));
             EXPECT_THAT(kept, testing::Each(-1));
@@ -99,7 +99,7 @@ TEST(KeptMaximum, IsThatOfAllGridsWhereverItWaits)
                     cells[i] = i % 4 == 3 ? -1 : static_cast<float>((i + static_cast<std::size_t>(grid)) % 3);
                 }
                 grid::CellStore laid;
-                ASSERT_TRUE(laid.take(100, folder.path()));
+                ASSERT_TRUE(laid.take(100, folder.path().string()));
                 ASSERT_TRUE(laid.put(0, cells));
                 ASSERT_TRUE(maximum.raise(laid));
             }

@@ -115,7 +115,8 @@ TEST(LayCells, TheOrderIsThatOfTheFileWhateverThePiecesAndThreads)
                     for (const netcdf::Layout layout : {netcdf::Layout::rows, netcdf::Layout::block}) {
                         const GridHeader lattice = latticeOf(nrows, ncols);
                         bool inFile = false;
-                        ASSERT_EQ(laidCells(layout, lattice, folder.path(), inFile), plainlyLaid(layout, lattice))
+                        ASSERT_EQ(laidCells(layout, lattice, folder.path().string(), inFile),
+                                  plainlyLaid(layout, lattice))
                             << nrows << " by " << ncols << ", pieces of " << piece;
                         EXPECT_EQ(inFile, memory == std::string("1"));
                     }
@@ -160,7 +161,7 @@ TEST(CellsOf, LeavesCellsInMemoryWhereTheyAreAndFetchesOthers)
     const test::ScratchFolder folder;
     std::vector<float> room(2);
     grid::CellStore inMemory;
-    ASSERT_TRUE(inMemory.take(4, folder.path()));
+    ASSERT_TRUE(inMemory.take(4, folder.path().string()));
     ASSERT_TRUE(inMemory.put(0, std::vector<float>{1, 2, 3, 4}));
     const auto cells = netcdf::cellsOf(inMemory, 1, room);
     ASSERT_TRUE(cells);
@@ -169,7 +170,7 @@ TEST(CellsOf, LeavesCellsInMemoryWhereTheyAreAndFetchesOthers)
 
     const Environment environment({{"GRIDFORGE_MEMORY", "1"}});
     grid::CellStore inFile;
-    ASSERT_TRUE(inFile.take(4, folder.path()));
+    ASSERT_TRUE(inFile.take(4, folder.path().string()));
     ASSERT_TRUE(inFile.put(0, std::vector<float>{5, 6, 7, 8}));
     const auto fetched = netcdf::cellsOf(inFile, 2, room);
     ASSERT_TRUE(fetched);

@@ -7,7 +7,7 @@
 #include "support/consoles.h"
 #include "support/environment.h"
 #include "support/grids.h"
-#include "support/memory_limit.h"
+#include "support/process_limits.h"
 #include "support/refusing_system.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "rainfall/rainfall_nc.h"
 
 #include "support/child_run.h"
-#include "support/memory_limit.h"
+#include "support/process_limits.h"
 #include "unit/rainfall/plain_rainfall.h"
 
 #include <functional>
