@@ -1,0 +1,18 @@
+# Builds for arm64 Linux with Debian's compiler: cmake -DCMAKE_TOOLCHAIN_FILE=cmake/Arm64Toolchain.cmake
+# -DGRIDFORGE_ARM64_LIBRARIES=FOLDER ..., where FOLDER holds Debian's libraries for arm64: scripts/arm64-libraries names it.
+# Programs that the build itself runs, as the one that makes the manual, run under QEMU.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
+set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
+set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)
+set(CMAKE_SYSROOT ${GRIDFORGE_ARM64_LIBRARIES})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES GRIDFORGE_ARM64_LIBRARIES)
+set(ENV{PKG_CONFIG_SYSROOT_DIR} ${GRIDFORGE_ARM64_LIBRARIES})
+set(ENV{PKG_CONFIG_LIBDIR}
+  ${GRIDFORGE_ARM64_LIBRARIES}/usr/lib/aarch64-linux-gnu/pkgconfig:${GRIDFORGE_ARM64_LIBRARIES}/usr/share/pkgconfig)
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L ${GRIDFORGE_ARM64_LIBRARIES})
