@@ -46,7 +46,7 @@ std::atomic<std::uint64_t>& mappedBytes()
 std::uint64_t mostInMemory()
 {
     constexpr std::uint64_t kBuffers = std::uint64_t{64} << 20;
-    static const std::uint64_t free = theSystem().memoryLeft();
+    static const std::uint64_t free = nativeSystem().memoryLeft();
     const auto asked = environmentNumber("GRIDFORGE_MEMORY");
     return asked ? kBuffers + *asked : free - free / 8;
 }
@@ -74,9 +74,10 @@ bool setAside([[maybe_unused]] int descriptor, [[maybe_unused]] std::size_t byte
 #endif
 }
 
+// The file is one of this system itself, whatever a test has put in its place: its descriptor is mapped.
 void* takeFileIn(const std::string& folder, std::size_t bytes)
 {
-    const SystemFile file = theSystem().openUnnamed(folder);
+    const SystemFile file = nativeSystem().openUnnamed(folder);
     if (file == SystemFile::none) {
         return nullptr;
     }
@@ -85,7 +86,7 @@ void* takeFileIn(const std::string& folder, std::size_t bytes)
     if (setAside(descriptor, bytes)) {
         pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
     }
-    theSystem().close(file); // the pages keep it
+    nativeSystem().close(file); // the pages keep it
     return pages == MAP_FAILED ? nullptr : pages;
 }
 
@@ -95,7 +96,7 @@ void* takeFile(std::size_t bytes)
         return takeFileIn(*scratch, bytes);
     }
     void* const pages = takeFileIn(".", bytes);
-    return pages != nullptr ? pages : takeFileIn(theSystem().temporaryFolder(), bytes);
+    return pages != nullptr ? pages : takeFileIn(nativeSystem().temporaryFolder(), bytes);
 }
 
 void* takeMapped(std::size_t bytes)

@@ -1,5 +1,7 @@
 // Where the memory of large arrays comes from.
 #include "core/huge_array.h"
+#include "host/memory/memory_system.h"
+#include "host/system.h"
 #include "support/environment.h"
 #include "support/sanitizers.h"
 #include "support/scratch_folder.h"
@@ -79,6 +81,19 @@ TEST_F(NativePages, AreOfAFileWhereTheMemoryIsUsedUp)
     array.release();
     ASSERT_TRUE(small.allocate(kLarge));
     EXPECT_EQ(memoryOf(small).line.find(folder.path().string()), std::string::npos);
+}
+
+// Whose numbers of files are no descriptors.
+TEST_F(NativePages, AreOfAFileOfTheDiskAlsoWhereTheFilesOfTheRunAreInMemory)
+{
+    const ScratchFolder folder;
+    const Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", folder.path().string()}});
+    useSystem(memorySystem());
+    HugeArray<char> array;
+    const bool taken = array.allocate(kMoreThanBuffers);
+    useSystem(nativeSystem());
+    ASSERT_TRUE(taken);
+    EXPECT_NE(memoryOf(array).line.find(folder.path().string()), std::string::npos);
 }
 
 TEST_F(NativePages, AreInMemoryAfterAllWhereNoFileCanHoldThem)
