@@ -16,6 +16,7 @@ from script_module import loaded  # noqa: E402
 
 tidy = loaded("tidy")
 FILES = ["bench/run.cpp", "src/core/text.cpp", "tests/unit/core/text_test.cpp"]
+FUZZED = "tests/fuzz/readers.cpp"
 
 
 class ChosenTest(unittest.TestCase):
@@ -49,13 +50,34 @@ class ChosenTest(unittest.TestCase):
     def test_the_files_are_those_of_the_builds_in_the_tree(self):
         with tempfile.TemporaryDirectory() as folder:
             names = [os.path.join(tidy.ROOT, name) for name in (*FILES, "build/clang/made.cpp", "tests/support/calls.c")]
-            for build, files in (("clang", (*names[1:], names[1], "/elsewhere/other.cpp")), ("release", names[:2])):
+            for build, files in (("clang", (*names[1:], names[1], "/elsewhere/other.cpp")), ("release", names[:2]),
+                                 ("fuzz", [os.path.join(tidy.ROOT, FUZZED), names[2]])):
                 os.mkdir(os.path.join(folder, build))
                 with open(os.path.join(folder, build, "compile_commands.json"), "w") as file:
                     json.dump([{"file": name} for name in files], file)
-            with mock.patch.object(tidy, "BUILDS", {build: os.path.join(folder, build) for build in ("clang", "release")}):
-                self.assertEqual(tidy.built(), FILES)
-                self.assertEqual([os.path.basename(tidy.build_of(file)) for file in FILES], ["release", "clang", "clang"])
+            with mock.patch.object(tidy, "BUILDS", {build: os.path.join(folder, build) for build in tidy.BUILDS}):
+                self.assertEqual(tidy.built(), [*FILES[:2], FUZZED, FILES[2]])
+                self.assertEqual([os.path.basename(tidy.build_of(file)) for file in tidy.built()],
+                                 ["release", "clang", "fuzz", "clang"])
+
+
+class BuildsTest(unittest.TestCase):
+    def asked(self, *arguments):
+        """What cmake is asked for by a run that finds nothing."""
+        with mock.patch.object(tidy, "cmake") as cmake, mock.patch.object(tidy, "built", lambda: FILES), \
+                mock.patch.object(tidy, "findings", lambda file: ""), contextlib.redirect_stdout(io.StringIO()):
+            self.assertEqual(tidy.main(list(arguments)), 0)
+        return [call.args for call in cmake.call_args_list]
+
+    def test_fuzz_targets_are_configured_where_they_may_be_read(self):
+        for arguments in ((), ("--all",), (FILES[1], FUZZED)):
+            self.assertEqual(self.asked(*arguments), [("--preset", "fuzz")], arguments)
+        self.assertEqual(self.asked(FILES[1]), [])
+
+    def test_the_other_builds_are_made_where_that_is_asked_for(self):
+        asked = self.asked("--build-all")
+        self.assertEqual([words[1] for words in asked if words[0] == "--preset"], ["clang", "release", "fuzz"])
+        self.assertEqual([words[-1] for words in asked if words[0] == "--build"], ["clang", "release"])
 
 
 class FindingsTest(unittest.TestCase):
@@ -67,7 +89,7 @@ class FindingsTest(unittest.TestCase):
                 file.write("#!/bin/sh\n" + program)
             os.chmod(path, 0o755)
             with mock.patch.dict(os.environ, {"PATH": folder + ":" + os.environ["PATH"]}), \
-                    mock.patch.object(tidy, "built", lambda: FILES):
+                    mock.patch.object(tidy, "built", lambda: FILES), mock.patch.object(tidy, "cmake"):
                 status = tidy.main(list(arguments))
         return status, console.getvalue()
 
