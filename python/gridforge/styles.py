@@ -2,6 +2,7 @@
 
 usage: python3 -m gridforge.styles FOLDER                  writes the styles of all kinds
        python3 -m gridforge.styles FOLDER --legend FILE    and `FILE`.qml, a style of sources by their names
+       ... --overwrite                                     over files that are there already
 
 `bands` are classes up to and with a value, `values` stand for themselves, colours of a `ramp` lie at values and those of a
 `range` at parts of the way from the lowest cell to the highest; between them they blend.
@@ -20,7 +21,7 @@ from dataclasses import dataclass, replace
 from pathlib import Path
 from xml.sax.saxutils import quoteattr
 
-from .messages import Failure, run_command
+from .messages import Failure, Scratch, add_overwrite, refuse_existing, run_command
 
 NAME = "gridforge-styles"
 ABOVE = "above"  # the band without an end
@@ -207,11 +208,16 @@ def colour_table(style: Style) -> str:
 # --- The command -----------------------------------------------------------------------------------------------------
 
 
-def write_styles(folder: Path) -> None:
+def write_styles(folder: Path, named: Mapping[str, Style], overwrite: bool) -> None:
+    """Both files of each style, under its name: all of them or none."""
     folder.mkdir(parents=True, exist_ok=True)
-    for kind, style in styles().items():
-        (folder / f"{kind}.qml").write_text(qml(style), encoding="utf-8")
-        (folder / f"{kind}.txt").write_text(colour_table(style), encoding="utf-8")
+    texts = {folder / f"{name}.{ending}": write(style)
+             for name, style in named.items() for ending, write in (("qml", qml), ("txt", colour_table))}
+    refuse_existing(list(texts), [], overwrite)
+    with Scratch(next(iter(texts)), overwrite) as scratch:
+        for output, content in texts.items():
+            (scratch.path / output.name).write_text(content, encoding="utf-8")
+        scratch.publish([(scratch.path / output.name, output) for output in texts])
 
 
 def main(arguments: Sequence[str] | None = None) -> int:
@@ -219,14 +225,14 @@ def main(arguments: Sequence[str] | None = None) -> int:
     parser.add_argument("folder", type=Path)
     parser.add_argument("--legend", type=Path, metavar="FILE",
                         help="a _src_legend.csv: also a style with the names of its sources")
+    add_overwrite(parser)
     given = parser.parse_args(arguments)
 
     def command() -> None:
-        named = styles()["source"].named(read_legend(given.legend)) if given.legend else None
-        write_styles(given.folder)
-        if named:
-            (given.folder / f"{given.legend.stem}.qml").write_text(qml(named), encoding="utf-8")
-            (given.folder / f"{given.legend.stem}.txt").write_text(colour_table(named), encoding="utf-8")
+        wanted = dict(styles())
+        if given.legend:
+            wanted[given.legend.stem] = styles()["source"].named(read_legend(given.legend))
+        write_styles(given.folder, wanted, given.overwrite)
 
     return run_command(NAME, command)
 

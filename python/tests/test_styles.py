@@ -111,7 +111,7 @@ class StylesTest(ToolCase):
         for name, value in (("storm 1h", 3), ("storm & 6h", 5)):
             self.give(f"in/{name}.asc", asc([[value, value]]))
         self.tool("-max", "in/storm 1h.asc", "in/storm & 6h.asc", "-out", "peak.asc")
-        self.good("styles", "styles", "--legend", "peak_src_legend.csv")
+        self.good("styles", "styles", "--legend", "peak_src_legend.csv", "--overwrite")
         entries = self.qml("peak_src_legend").findall(".//paletteEntry")
         self.assertEqual([(e.get("value"), e.get("color"), e.get("label")) for e in entries],
                          [("1", "#1f77b4", "storm 1h"), ("2", "#e08214", "storm & 6h")])
@@ -120,10 +120,17 @@ class StylesTest(ToolCase):
     def test_more_sources_than_colours_begin_again(self):
         rows = "".join(f"{n},d/s{n}.flt\r\n" for n in range(1, 15))
         self.give("many_src_legend.csv", '"Value in Grid","Source Grid File"\r\n' + rows)
-        self.good("styles", "styles", "--legend", "many_src_legend.csv")
+        self.good("styles", "styles", "--legend", "many_src_legend.csv", "--overwrite")
         entries = self.qml("many_src_legend").findall(".//paletteEntry")
         self.assertEqual([e.get("label") for e in entries], [f"s{n}" for n in range(1, 15)])
         self.assertEqual(entries[12].get("color"), entries[0].get("color"))
+
+    def test_leaves_what_is_there_unless_it_shall_be_replaced(self):
+        self.give("mine/level.txt", "my own colours\n")
+        self.fails("styles", "mine/level.txt is there already; --overwrite replaces it", "mine")
+        self.assertEqual([name for name in self.files() if name.startswith("mine/")], ["mine/level.txt"])
+        self.good("styles", "mine", "--overwrite")
+        self.assertEqual((self.folder / "mine/level.txt").read_bytes(), (self.folder / "styles/level.txt").read_bytes())
 
     def test_refuses_what_is_no_legend(self):
         self.fails("styles", "none.csv: No such file or directory", "styles", "--legend", "none.csv")
