@@ -18,7 +18,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3 (>= 3.9)") # of gridforge-run and its like
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS # of gridforge-prepare and gridforge-picture; of recipes
-    "python3-gdal, python3-numpy, python3-matplotlib, gdal-bin, netcdf-bin")
+    "python3-gdal, python3-numpy, gdal-bin, netcdf-bin")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "python3-matplotlib") # of pictures as .png, and of the workflow for ensembles
 if(NOT GRIDFORGE_LINK_NETCDF)
   # Libraries that are loaded at run time are not seen in the executable.
   file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/package_depends.cmake @ONLY CONTENT [[
