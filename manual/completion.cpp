@@ -3,10 +3,10 @@
 #include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
+#include "parts.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -60,8 +60,7 @@ std::string takenValue(const driver::FlagRow& row)
 // The flags of the -stat family are one row of the table, their words its value.
 void addStatistics(const driver::FlagRow& row, std::vector<Entry>& entries)
 {
-    std::istringstream words{std::string(row.docs.valueName)};
-    for (std::string word; std::getline(words, word, '|');) {
+    for (const std::string_view word : partsOf(row.docs.valueName, '|')) {
         const bool ranked = word == kRankWithValue;
         entries.push_back({join('-', row.key, ranked ? "Rank" : word), std::string(ranked ? kGlued : ""),
                            driver::operationOf(row), row.docs.description, &row});

@@ -4,9 +4,8 @@
 #include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
+#include "parts.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -68,10 +67,8 @@ std::string list(const std::vector<std::string>& values, std::string_view indent
 std::string parts(std::string_view words, char separator, std::string_view prefix)
 {
     std::string result;
-    while (!words.empty()) {
-        const std::size_t end = std::min(words.find(separator), words.size());
-        result += join(result.empty() ? "" : ", ", text(join(prefix, words.substr(0, end))));
-        words.remove_prefix(std::min(end + 1, words.size()));
+    for (const std::string_view part : partsOf(words, separator)) {
+        result += join(result.empty() ? "" : ", ", text(join(prefix, part)));
     }
     return join("[", result, "]");
 }

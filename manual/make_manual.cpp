@@ -6,11 +6,13 @@
 #include "description.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
+#include "parts.h"
 
 #include <fstream>
 #include <iostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace gridforge {
 namespace {
@@ -85,7 +87,8 @@ At most 2000 files are taken.
 A pattern also finds the outputs of an earlier run, so write outputs to another folder or under a name that it does not match.
 )";
 
-constexpr std::string_view kTail = R"(.SH OUTPUTS
+// Before the list of operations.
+constexpr std::string_view kFiles = R"(.SH INPUTS AND OUTPUTS
 The main output has the name that
 .B \-out
 gives, and otherwise that of the first input with a suffix of the operation; it lies beside the first input.
@@ -99,9 +102,16 @@ or the extension of the name after
 says otherwise.
 Cells without a value hold the null of the first grid.
 .PP
-All messages go to standard output; standard error stays empty.
-.SH EXIT STATUS
+In the names below, which show no extension of a grid or layer, {first}, {second} and {input} stand for inputs,
+{layer}, {control} and {levels} for the file after a flag, all without extension;
+{out} for the name after
+.BR \-out ,
+{value} for the number of the operation's flag, and other words for what they say.
+)";
+
+constexpr std::string_view kTail = R"(.SH EXIT STATUS
 Always 0, also after an error.
+All messages go to standard output; standard error stays empty.
 The last line of a run that reached its end is
 .BR Finished. ;
 with
@@ -204,6 +214,15 @@ std::string roff(std::string_view text)
     return result.starts_with('.') || result.starts_with('\'') ? join("\\&", result) : result;
 }
 
+std::string withCommas(const std::vector<std::string_view>& parts, std::string_view prefix)
+{
+    std::string result;
+    for (const std::string_view part : parts) {
+        result += join(result.empty() ? "" : ", ", prefix, part);
+    }
+    return result;
+}
+
 // Values are off, none or the default that the table names.
 std::string defaultOf(const driver::FlagRow& row)
 {
@@ -213,14 +232,20 @@ std::string defaultOf(const driver::FlagRow& row)
     return row.value == driver::FlagValue::none ? "off" : "none";
 }
 
-std::string kindOfValue(const driver::FlagRow& row)
+std::string kindOfValue(const driver::FlagDocs& docs)
 {
-    switch (row.value) {
-    case driver::FlagValue::gluedReal: return "a number";
-    case driver::FlagValue::gluedInteger: return "a whole number";
-    case driver::FlagValue::next: return "the next argument";
-    default: return {};
+    switch (docs.holds) {
+    case driver::ValueKind::toggle: return {};
+    case driver::ValueKind::number: return "a number";
+    case driver::ValueKind::integer: return "a whole number";
+    case driver::ValueKind::grid: return "a grid";
+    case driver::ValueKind::layer: return "a layer";
+    case driver::ValueKind::table: return "a table";
+    case driver::ValueKind::controlFile: return "a control file";
+    case driver::ValueKind::choice: return join("one of ", withCommas(partsOf(docs.valueName, '|'), ""));
+    case driver::ValueKind::name: return "a name";
     }
+    return {};
 }
 
 // The operations that take an option, by their first flags.
@@ -249,12 +274,76 @@ void writeFlag(std::ostream& page, const driver::FlagRow& row)
     std::string description(row.docs.description);
     description[0] = UPPERCASE(description.substr(0, 1))[0];
     page << roff(description) << ".\n";
-    const std::string kind = kindOfValue(row);
-    page << (kind.empty() ? "Default: " : join("Value: ", kind, ". Default: ")) << roff(defaultOf(row)) << ".\n";
+    const std::string kind = kindOfValue(row.docs);
+    page << (kind.empty() ? "Default: " : join("Value: ", roff(kind), ". Default: ")) << roff(defaultOf(row)) << ".\n";
     if (!row.docs.unit.empty()) {
         page << "Unit: " << row.docs.unit << ".\n";
     }
     page << takers(row);
+}
+
+std::string inputsOf(const driver::InputRule& inputs)
+{
+    if (inputs.most == 0) {
+        return "Inputs: none.";
+    }
+    const std::string count = inputs.least == inputs.most ? join(inputs.most)
+                              : inputs.least == 0         ? join("up to ", inputs.most)
+                                                          : join(inputs.least, " to ", inputs.most);
+    const std::string_view kind = inputs.kind == driver::ValueKind::grid ? "grid" : "table";
+    std::string result = join("Inputs: ", count, " ", kind, inputs.most == 1 ? "." : "s.");
+    if (inputs.surplus == driver::Surplus::ignored) {
+        result += " Others are ignored.";
+    }
+    if (inputs.then != driver::ThenName::none) {
+        result += " A name after them is that of the output";
+        result += inputs.then == driver::ThenName::existingOutput ? ", if a file has it already." : ".";
+    }
+    return result;
+}
+
+std::string_view nameOf(driver::FileKind kind)
+{
+    switch (kind) {
+    case driver::FileKind::grid: return "Grid";
+    case driver::FileKind::layer: return "Layer";
+    case driver::FileKind::table: return "Table";
+    case driver::FileKind::netcdf: return "NetCDF file";
+    }
+    return {};
+}
+
+std::string lineOf(const driver::OutputRow& output)
+{
+    std::string result = join(nameOf(output.kind), ": ", output.name);
+    if (!output.note.empty()) {
+        result += join(" (", output.note, ")");
+    }
+    if (!output.outName.empty()) {
+        result += join("; after -out ", output.outName);
+    }
+    result += '.';
+    if (!output.when.empty()) {
+        result += join(" Only with ", withCommas(partsOf(output.when, ' '), "-"), ".");
+    }
+    if (!output.unless.empty()) {
+        result += join(" Not with ", withCommas(partsOf(output.unless, ' '), "-"), ".");
+    }
+    return result;
+}
+
+void writeFilesOf(std::ostream& page, const driver::OperationRow& operation)
+{
+    std::vector<std::string_view> flags;
+    for (const driver::FlagRow& row : driver::flagTable()) {
+        if (driver::operationOf(row) == operation.name) {
+            flags.push_back(row.key);
+        }
+    }
+    page << ".TP\n.B " << roff(withCommas(flags, "-")) << '\n' << roff(inputsOf(operation.docs.inputs)) << '\n';
+    for (const driver::OutputRow& output : operation.docs.outputs) {
+        page << ".br\n" << roff(lineOf(output)) << '\n';
+    }
 }
 
 void writePage(std::ostream& page)
@@ -269,6 +358,10 @@ void writePage(std::ostream& page)
                 writeFlag(page, row);
             }
         }
+    }
+    page << kFiles;
+    for (const driver::OperationRow& operation : driver::operationTable()) {
+        writeFilesOf(page, operation);
     }
     page << kTail;
 }

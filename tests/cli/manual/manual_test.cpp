@@ -1,9 +1,12 @@
 // The manual page that the build makes.
 #include "core/text.h"
 #include "driver/flag_table.h"
+#include "driver/operations.h"
 #include "support/paths.h"
 #include "support/tool_run.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -13,6 +16,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace gridforge::test {
@@ -76,8 +80,8 @@ protected:
 TEST_F(ManualPage, RendersWithoutWarnings)
 {
     const std::string page = rendered();
-    for (const std::string_view heading : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPERATIONS", "OPTIONS", "OUTPUTS",
-                                           "EXIT STATUS", "EXAMPLES", "SEE ALSO"}) {
+    for (const std::string_view heading : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPERATIONS", "OPTIONS",
+                                           "INPUTS AND OUTPUTS", "EXIT STATUS", "EXAMPLES", "SEE ALSO"}) {
         EXPECT_THAT(page, HasSubstr(join("\n", heading, "\n")));
     }
     EXPECT_THAT(page, HasSubstr("gridforge - batch raster tool for two-dimensional flood models"));
@@ -95,11 +99,75 @@ TEST_F(ManualPage, TellsEveryFlagWithItsValueAndDefault)
             paragraph,
             HasSubstr("Default: " + (row.docs.defaultText.empty() ? nothing : std::string(row.docs.defaultText)) + "."))
             << heading;
-        EXPECT_EQ(paragraph.find("Value: a number.") != std::string::npos, row.value == driver::FlagValue::gluedReal);
-        EXPECT_EQ(paragraph.find("Value: a whole number.") != std::string::npos,
-                  row.value == driver::FlagValue::gluedInteger);
-        EXPECT_EQ(paragraph.find("Value: the next argument.") != std::string::npos,
-                  row.value == driver::FlagValue::next);
+        EXPECT_EQ(paragraph.find("Value: ") != std::string::npos, row.value != driver::FlagValue::none) << heading;
+    }
+}
+
+TEST_F(ManualPage, TellsWhatAValueIs)
+{
+    const std::vector<std::pair<std::string, std::string>> oneOfEachKind = {
+        {"-cd<value>", "a number"},
+        {"-resize<factor>", "a whole number"},
+        {"-mat <grid>", "a grid"},
+        {"-cp <layer>", "a layer"},
+        {"-classify <classes.csv>", "a table"},
+        {"-nbc <file.nbc>", "a control file"},
+        {"-nc_part<0|1>", "one of 0, 1"},
+        {"-out <name>", "a name"},
+    };
+    const std::string page = rendered();
+    for (const auto& [flag, value] : oneOfEachKind) {
+        std::string heading; // the page shows values by italics in place of brackets
+        std::ranges::copy_if(flag, std::back_inserter(heading), [](char c) { return c != '<' && c != '>'; });
+        EXPECT_THAT(paragraphOf(page, heading), HasSubstr("Value: " + value + ".")) << flag;
+    }
+}
+
+// The lines about an operation, under the flags that ask for it.
+std::string filesOf(const std::string& page, const std::string& flags)
+{
+    const std::size_t section = page.find("\nINPUTS AND OUTPUTS\n");
+    return section == std::string::npos ? "" : paragraphOf(page.substr(section), flags) + '\n';
+}
+
+TEST_F(ManualPage, TellsTheInputsOfEachOperation)
+{
+    const std::string page = rendered();
+    EXPECT_THAT(filesOf(page, "-conv"), HasSubstr("Inputs: 1 to 2000 grids.\n"));
+    EXPECT_THAT(filesOf(page, "-dif"), HasSubstr("Inputs: 2 grids. A name after them is that of the output.\n"));
+    EXPECT_THAT(filesOf(page, "-multiply"),
+                HasSubstr("Inputs: 2 grids. A name after them is that of the output, if a file has it already.\n"));
+    EXPECT_THAT(filesOf(page, "-xyz"), HasSubstr("Inputs: 1 table. Others are ignored.\n"));
+    EXPECT_THAT(filesOf(page, "-nbc"), HasSubstr("Inputs: none.\n"));
+    EXPECT_THAT(filesOf(page, "-remap"), HasSubstr("Inputs: up to 1999 grids.\n"));
+}
+
+TEST_F(ManualPage, TellsTheOutputsOfEachOperation)
+{
+    const std::string page = rendered();
+    EXPECT_THAT(
+        filesOf(page, "-max, -min"),
+        HasSubstr("\n              Grid: {first}(maxmax)_src; after -out {out}_src. Only with -max. Not with -src.\n"));
+    EXPECT_THAT(filesOf(page, "-dif"), HasSubstr("Not with -change, -nowetdry."));
+    EXPECT_THAT(filesOf(page, "-remap"), HasSubstr("\n              Grid: {levels}_remap_h.\n"));
+    EXPECT_THAT(filesOf(page, "-na"),
+                HasSubstr("\n              Table: {table} (of each region, by its first attribute).\n"));
+    EXPECT_THAT(filesOf(page, "-nc"), HasSubstr("\n              NetCDF file: {first}.nc; after -out {out}.nc.\n"));
+    for (const driver::OperationRow& operation : driver::operationTable()) {
+        std::string flags;
+        for (const driver::FlagRow& row : driver::flagTable()) {
+            flags += driver::operationOf(row) == operation.name ? join(flags.empty() ? "-" : ", -", row.key) : "";
+        }
+        const std::string files = filesOf(page, flags);
+        const std::size_t inputs = files.find("Inputs: ");
+        ASSERT_NE(inputs, std::string::npos) << flags;
+        EXPECT_EQ(std::ranges::count(files.substr(inputs), '\n'), 1 + std::ranges::ssize(operation.docs.outputs))
+            << flags;
+        for (const driver::OutputRow& output : operation.docs.outputs) {
+            EXPECT_THAT(files, HasSubstr(join(": ", output.name))) << flags;
+            EXPECT_THAT(files, HasSubstr(join(output.outName.empty() ? "" : " -out ", output.outName))) << flags;
+            EXPECT_THAT(files, HasSubstr(std::string(output.note))) << flags;
+        }
     }
 }
 
