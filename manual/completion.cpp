@@ -52,9 +52,7 @@ std::string takenValue(const driver::FlagRow& row)
     if (row.value != driver::FlagValue::next) {
         return std::string(kGlued);
     }
-    const std::size_t dot = row.docs.valueName.rfind('.');
-    return std::string(dot == std::string_view::npos ? extensionsOf(row.docs.holds)
-                                                     : row.docs.valueName.substr(dot + 1));
+    return std::string(row.docs.extension.empty() ? extensionsOf(row.docs.holds) : row.docs.extension);
 }
 
 // The flags of the -stat family are one row of the table, their words its value.

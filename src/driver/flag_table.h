@@ -49,6 +49,7 @@ struct FlagDocs {
     std::string_view defaultText = {}; // where it is not off, 0 or blank
     std::string_view unit = {};
     FlagUse use = {};
+    std::string_view extension = {}; // of the files that it names; "" any that their kind has
 };
 
 // What is said and tested around the reading of a glued number.

@@ -29,10 +29,10 @@ struct InputRule {
 
 enum class FileKind { grid, layer, table, netcdf };
 
-// A file, or one of each of something. In the names {first}, {second} and {last} stand for inputs, {input} for each of
-// them, {layer}, {control} and {levels} for the file after a flag, all without extension; {out} for the name of -out and
-// {value} for the number of the operation's flag; other words for what they say. Grids and layers have the extension of their
-// format, which the names do not show.
+// A file, or one of each of something. In the names {first} and {second} stand for inputs, {input} for each of them,
+// {layer}, {control} and {levels} for the file after a flag, all without extension; {out} for the name of -out and {value} for
+// the number of the operation's flag; other words for what they say. Grids and layers have the extension of their format, which
+// the names do not show.
 struct OutputRow {
     FileKind kind;
     std::string_view name;
