@@ -49,7 +49,7 @@ def help_text(text: str) -> str:
     parts = []
     for heading in SECTIONS:
         content = section(text, heading)
-        if content and not (heading == "Flags" and content.startswith("None")):
+        if content:
             parts.append(f"## {heading}\n\n{content}\n")
     return _without_links(_without_pictures("\n".join(parts)))
 

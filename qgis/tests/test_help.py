@@ -41,7 +41,9 @@ More about it.
 
 ## Flags
 
-None but `-twice`.
+| Flag | Effect |
+|---|---|
+| `-twice` | [all](../all.md) |
 
 ## Memory
 
@@ -53,7 +55,8 @@ class HelpTest(unittest.TestCase):
     def test_sections_without_links_and_pictures(self):
         self.assertEqual(pages.title_of(PAGE), "Twice")
         self.assertEqual(re.sub(r"\n\n+", "\n", pages.help_text(PAGE)).strip(),
-                         "## What it does\nDoubles cells.\n```text\n2\n```\nMore about it.")
+                         "## What it does\nDoubles cells.\n```text\n2\n```\nMore about it.\n"
+                         "## Flags\n| Flag | Effect |\n|---|---|\n| `-twice` | all |")
 
     def test_each_operation_has_title_and_help(self):
         for operation in DESCRIPTION.operations:
