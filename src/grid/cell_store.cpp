@@ -58,10 +58,8 @@ bool CellStore::take(std::size_t cells, const std::string& folder)
     if (takeMemory(cells)) {
         return true;
     }
-    if (const auto scratch = environmentText("GRIDFORGE_SCRATCH")) {
-        return takeFile(cells, *scratch);
-    }
-    return takeFile(cells, folder) || takeFile(cells, theSystem().temporaryFolder());
+    return std::ranges::any_of(scratchFolders(theSystem(), folder),
+                               [&](const std::string& scratch) { return takeFile(cells, scratch); });
 }
 
 bool CellStore::takeForFile(std::size_t cells, const std::string& folder)

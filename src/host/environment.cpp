@@ -1,7 +1,5 @@
 #include "host/environment.h"
 
-#include "host/system.h"
-
 #include <charconv>
 
 namespace gridforge::inline host {
@@ -19,6 +17,14 @@ std::optional<std::uint64_t> environmentNumber(const char* name)
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     const bool whole = error == std::errc() && end == text.data() + text.size();
     return whole && number > 0 ? std::optional(number) : std::nullopt;
+}
+
+std::vector<std::string> scratchFolders(const System& system, const std::string& folder)
+{
+    if (const auto named = environmentText("GRIDFORGE_SCRATCH")) {
+        return {*named};
+    }
+    return {folder, system.temporaryFolder()};
 }
 
 } // namespace gridforge::inline host

@@ -92,11 +92,13 @@ void* takeFileIn(const std::string& folder, std::size_t bytes)
 
 void* takeFile(std::size_t bytes)
 {
-    if (const auto scratch = environmentText("GRIDFORGE_SCRATCH")) {
-        return takeFileIn(*scratch, bytes);
+    void* pages = nullptr;
+    for (const std::string& folder : scratchFolders(nativeSystem(), ".")) {
+        if (pages == nullptr) {
+            pages = takeFileIn(folder, bytes);
+        }
     }
-    void* const pages = takeFileIn(".", bytes);
-    return pages != nullptr ? pages : takeFileIn(nativeSystem().temporaryFolder(), bytes);
+    return pages;
 }
 
 void* takeMapped(std::size_t bytes)

@@ -2,7 +2,9 @@
 
 #include "support/environment.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace gridforge {
 namespace {
@@ -27,6 +29,15 @@ TEST(EnvironmentText, IsNotBlank)
     EXPECT_EQ(environmentText("GRIDFORGE_SCRATCH"), std::nullopt);
     const Environment given({{"GRIDFORGE_SCRATCH", "/a b"}});
     EXPECT_EQ(environmentText("GRIDFORGE_SCRATCH"), "/a b");
+}
+
+TEST(ScratchFolders, AreTheNamedOneAloneOrElseTheGivenAndTheTemporaryOne)
+{
+    System system;
+    system.temporaryFolder = [] { return std::string("/temporary"); };
+    EXPECT_THAT(scratchFolders(system, "beside"), testing::ElementsAre("beside", "/temporary"));
+    const Environment environment({{"GRIDFORGE_SCRATCH", "/named"}});
+    EXPECT_THAT(scratchFolders(system, "beside"), testing::ElementsAre("/named"));
 }
 
 } // namespace
