@@ -13,6 +13,12 @@ sys.path.insert(0, os.path.join(ROOT, "tests", "support"))
 from named_pipe import NamedPipe  # noqa: E402
 
 
+def setUpModule():
+    program = os.path.join(os.environ["SAMPLE_BUILD"], "tests", "sample_tests")
+    if not os.path.exists(program):
+        raise AssertionError(program + " is not built: build the target gridforge_sample_tests")
+
+
 class RunCasesTest(unittest.TestCase):
     def run_cases(self, sample, *options):
         """The exit status, the console and its last line."""
@@ -26,6 +32,15 @@ class RunCasesTest(unittest.TestCase):
             names = sorted(line.split()[-1] for line in file)
         self.assertEqual(names, sorted(["Some/Numbers.Case/%d" % i for i in range(20)] + ["Sample." + name for name in (
             "Skipped", "DISABLED_Case", "Talks", "Fails", "Crashes", "Exits", "Waits", "ComplainsAtTheEnd")]))
+
+    def test_a_program_that_is_not_built_is_named(self):
+        with tempfile.TemporaryDirectory() as build:
+            for kinds, missing in (([], "*_tests"), (["unit"], "unit_tests")):
+                done = subprocess.run([os.path.join(ROOT, "scripts", "run-cases"), build, *kinds], check=False, text=True,
+                                      stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+                self.assertEqual((done.returncode, done.stdout),
+                                 (1, f"run-cases: {build}/tests/{missing} is not built\n"))
+                self.assertEqual(os.listdir(build), [])
 
     def test_a_failed_case_is_shown(self):
         status, console, last = self.run_cases("fail")
