@@ -1,7 +1,7 @@
 #include "ops/classify_cells.h"
 
 #include "core/limit_table.h"
-#include "ops/limit_cells_avx2.h"
+#include "ops/classify_cells_avx2.h"
 
 #include <algorithm>
 #include <array>

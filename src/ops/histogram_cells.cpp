@@ -2,7 +2,7 @@
 
 #include "core/limit_table.h"
 #include "core/map_cells.h"
-#include "ops/limit_cells_avx2.h"
+#include "ops/histogram_cells_avx2.h"
 
 #include <algorithm>
 #include <array>

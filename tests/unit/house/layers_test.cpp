@@ -528,6 +528,21 @@ TEST(Processor, OnlyFilesOfAvx2NameVectorInstructions)
     EXPECT_GT(vectorFiles, 1U);
 }
 
+TEST(Processor, VectorFormsStandBesideTheirPlainForm)
+{
+    constexpr std::string_view kForm = "_avx2";
+    std::size_t forms = 0;
+    for (const auto& file : sourcesBelow(kSource / "src")) {
+        const std::string name = file.stem().string();
+        if (file.extension() == ".cpp" && name.ends_with(kForm)) {
+            ++forms;
+            const std::string plain = name.substr(0, name.size() - kForm.size());
+            EXPECT_TRUE(fs::exists(file.parent_path() / (plain + ".h"))) << file;
+        }
+    }
+    EXPECT_GT(forms, 1U);
+}
+
 // --- The families of layers ------------------------------------------------------------------------------------------
 
 // Lines that ask which family of files a layer is of: by the text of an extension, or by what a variant holds.
