@@ -4,6 +4,7 @@
 #include "host/console.h"
 #include "host/ends.h"
 #include "plane/geometry.h"
+#include "plane/line_points.h"
 #include "plane/region_rows.h"
 #include "run/across_line.h"
 #include "run/cell_window.h"
@@ -96,8 +97,7 @@ float perpendicularAt(const NbcSection& section, std::size_t i)
     } else {
         direction = (directionFrom(section, i - 1) + directionFrom(section, i)) * 0.5F;
     }
-    direction += 90.0F;
-    return direction > 360.0F ? direction - 360.0F : direction;
+    return perpendicularAngle(direction);
 }
 
 CellSummary cellsAcross(const GridHeader& header, const Grid& cells, const NbcSection& section, std::size_t i)

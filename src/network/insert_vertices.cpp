@@ -1,12 +1,9 @@
 #include "network/insert_vertices.h"
 
-#include "core/rounding.h"
 #include "host/console.h"
 #include "host/ends.h"
-#include "plane/geometry.h"
+#include "plane/line_points.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 namespace gridforge::network {
@@ -14,16 +11,6 @@ namespace gridforge::network {
 namespace {
 
 constexpr float kLeastDistance = 0.001F;
-
-// How many points go into the segment from vertex w - 1 to vertex w.
-std::int32_t insertedInto(const NbcSection& section, std::size_t w, float spacing)
-{
-    const float length = DISTANCE_8(section.x[w - 1], section.y[w - 1], section.x[w], section.y[w]);
-    if (!(length > spacing)) {
-        return 0;
-    }
-    return std::max(truncateToInt(static_cast<double>(std::floor(length / spacing))), 0);
-}
 
 void addPoint(double x, double y, NbcSection& section)
 {
@@ -39,7 +26,8 @@ void addPoint(double x, double y, NbcSection& section)
 void insertPoints(NbcSection& section, float spacing)
 {
     for (std::size_t w = 1; w < section.x.size(); ++w) {
-        const std::int32_t inserted = insertedInto(section, w, spacing);
+        const std::int32_t inserted =
+            pointsToInsert(section.x[w - 1], section.y[w - 1], section.x[w], section.y[w], spacing);
         const double x = section.x[w - 1];
         const double y = section.y[w - 1];
         const auto dx = static_cast<float>(section.x[w] - x);

@@ -8,6 +8,7 @@
 #include "gis/layer_objects.h"
 #include "gis/layer_writer.h"
 #include "host/console.h"
+#include "plane/line_points.h"
 #include "sampling/ground_level.h"
 #include "sampling/line_vertices.h"
 #include "sampling/sampled_layer.h"

@@ -1,23 +1,17 @@
 #include "sampling/line_vertices.h"
 
-#include "core/rounding.h"
 #include "plane/geometry.h"
+#include "plane/line_points.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace gridforge::sampling {
 
 namespace {
 
-// How many vertices go into the segment from vertex i - 1 to vertex i.
-std::int64_t insertedBefore(const gis::Coordinates& read, std::size_t i, float spacing)
+std::int32_t insertedBefore(const gis::Coordinates& read, std::size_t i, float spacing)
 {
-    const float length = DISTANCE_8(read.x[i - 1], read.y[i - 1], read.x[i], read.y[i]);
-    if (!(length > spacing)) {
-        return 0;
-    }
-    return std::max(truncateToInt(static_cast<double>(std::floor(length / spacing))), 0);
+    return pointsToInsert(read.x[i - 1], read.y[i - 1], read.x[i], read.y[i], spacing);
 }
 
 } // namespace
@@ -41,12 +35,12 @@ std::optional<LineVertices> withVertices(const gis::Coordinates& read, float spa
         line.y.push_back(y);
     };
     for (std::size_t i = 1; i < np; ++i) {
-        const std::int64_t inserted = insertedBefore(read, i, spacing);
+        const std::int32_t inserted = insertedBefore(read, i, spacing);
         const double x = read.x[i - 1];
         const double y = read.y[i - 1];
         add(x, y);
-        for (std::int64_t q = 1; q <= inserted; ++q) {
-            const double share = static_cast<double>(q) / static_cast<double>(inserted + 1);
+        for (std::int32_t q = 1; q <= inserted; ++q) {
+            const double share = static_cast<double>(q) / (static_cast<double>(inserted) + 1.0);
             add(x + (read.x[i] - x) * share, y + (read.y[i] - y) * share);
         }
     }
@@ -72,12 +66,6 @@ float lineAngle(const LineVertices& line, std::size_t i)
     const std::size_t from = i > 0 ? i - 1 : 0;
     const std::size_t to = std::min(i + 1, line.count() - 1);
     return static_cast<float>(atan2d(line.y[to] - line.y[from], line.x[to] - line.x[from]));
-}
-
-float perpendicularAngle(float angle)
-{
-    const float perpendicular = angle + 90.0F;
-    return perpendicular > 360.0F ? perpendicular - 360.0F : perpendicular;
 }
 
 } // namespace gridforge::sampling

@@ -1,4 +1,4 @@
-// Vertices along a line: their insertion at a spacing, chainages, and the direction across the line at each of them.
+// Vertices along a line: their insertion at a spacing, chainages, and the direction of the line at each of them.
 #pragma once
 
 #include "gis/layer_object.h"
@@ -30,7 +30,5 @@ bool isDuplicate(const LineVertices& line, std::size_t i);
 // The direction of the line at vertex i in degrees: that of its segment at the ends, of the chord between its neighbours
 // elsewhere; 0 for a single vertex.
 float lineAngle(const LineVertices& line, std::size_t i);
-// Square to it on the left side.
-float perpendicularAngle(float angle);
 
 } // namespace gridforge::sampling

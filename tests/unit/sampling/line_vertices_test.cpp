@@ -87,14 +87,5 @@ TEST(LineAngle, ALineOfOneSegmentHasOneAngle)
     EXPECT_EQ(sampling::lineAngle({{5}, {7}}, 0), 0.0F);
 }
 
-TEST(PerpendicularAngle, IsA90DegreesTurnToTheLeft)
-{
-    EXPECT_EQ(sampling::perpendicularAngle(0.0F), 90.0F);
-    EXPECT_EQ(sampling::perpendicularAngle(180.0F), 270.0F);
-    EXPECT_EQ(sampling::perpendicularAngle(-135.0F), -45.0F);
-    EXPECT_EQ(sampling::perpendicularAngle(271.0F), 1.0F);
-    EXPECT_EQ(sampling::perpendicularAngle(270.0F), 360.0F);
-}
-
 } // namespace
 } // namespace gridforge::test
