@@ -58,7 +58,7 @@ std::string readByTool(const FoundGrid& grid)
         run.give("g.hdr", grid.header);
     }
     run.start();
-    return run.says("Finished.") ? run.read("whole.hdr") + run.read("whole.flt") : "";
+    return run.reachedEnd() ? run.read("whole.hdr") + run.read("whole.flt") : "";
 }
 
 std::vector<std::string> readAllByGdal(const std::vector<FoundGrid>& grids)

@@ -14,6 +14,7 @@ using Lines = std::vector<std::string>;
 
 inline const std::string kBanner = "Build 2020-10-AA";
 inline const std::string kWildcards = "Checking for wildcards in filenames...";
+inline const std::string kFinished = "Finished.";
 // The pauses: of a run that may go on, and of one that an error ends.
 inline const std::string kEnter = "Enter command<CR> or <CR> to continue.";
 inline const std::string kClose = "Press Enter to Close";
@@ -27,6 +28,39 @@ inline Lines joined(std::initializer_list<Lines> parts)
         all.insert(all.end(), part.begin(), part.end());
     }
     return all;
+}
+
+// --- Files -----------------------------------------------------------------------------------------------------------
+
+inline std::string opening(const std::string& file)
+{
+    return "Trying to open file " + file + "...";
+}
+
+inline std::string cannotOpen(const std::string& file)
+{
+    return opening(file) + "Can't Open";
+}
+
+inline std::string openedInput(const std::string& file)
+{
+    return opening(file) + "OK.";
+}
+
+inline std::string openedOutput(const std::string& file, int unit = 1001)
+{
+    return opening(file) + "OK.  File Unit:" + std::to_string(unit);
+}
+
+// The line after that of an input.
+inline std::string openedUnit(int unit)
+{
+    return "Opened File Unit:" + std::to_string(unit);
+}
+
+inline std::string closedUnit(int unit)
+{
+    return "...Closed File Unit:" + std::to_string(unit);
 }
 
 // --- Steps of operations on grids ------------------------------------------------------------------------------------
@@ -45,21 +79,10 @@ inline Lines startOf(const Lines& inputs)
     return lines;
 }
 
-inline std::string openedUnit(int unit)
-{
-    return "Opened File Unit:" + std::to_string(unit);
-}
-
-inline std::string closedUnit(int unit)
-{
-    return "...Closed File Unit:" + std::to_string(unit);
-}
-
 // A header being read; `file` is the .asc or the .hdr, `shape` as in "2 rows by 3 columns".
 inline Lines headerOf(const std::string& file, const std::string& shape, int unit = 1001)
 {
-    return {"Trying to open file " + file + "...OK.", openedUnit(unit),
-            "External Grid Info: " + shape + " with 1. cell size."};
+    return {openedInput(file), openedUnit(unit), "External Grid Info: " + shape + " with 1. cell size."};
 }
 
 inline Lines ascCells(int unit = 1001)
@@ -69,29 +92,23 @@ inline Lines ascCells(int unit = 1001)
 
 inline Lines fltCellsOf(const std::string& file)
 {
-    return {"...Closed File Unit:1001", "Trying to open file " + file + "...OK.", "Opened File Unit:1001",
-            "...Closed File Unit:1001"};
+    return {closedUnit(1001), openedInput(file), openedUnit(1001), closedUnit(1001)};
 }
 
 inline Lines writtenAsc(const std::string& base)
 {
-    return {"Trying to open file " + base + ".asc...OK.  File Unit:1001", "Writing ASC grid...",
-            "Finished writing ASC grid.", "...Closed File Unit:1001"};
+    return {openedOutput(base + ".asc"), "Writing ASC grid...", "Finished writing ASC grid.", closedUnit(1001)};
 }
 
 inline Lines writtenFlt(const std::string& base)
 {
-    return {"Trying to open file " + base + ".hdr...OK.  File Unit:1001",
-            "...Closed File Unit:1001",
-            "Trying to open file " + base + ".flt...OK.  File Unit:1001",
-            "Writing FLT grid...",
-            "Finished writing FLT grid.",
-            "...Closed File Unit:1001"};
+    return {openedOutput(base + ".hdr"),  closedUnit(1001), openedOutput(base + ".flt"), "Writing FLT grid...",
+            "Finished writing FLT grid.", closedUnit(1001)};
 }
 
 inline Lines writtenTable(const std::string& file)
 {
-    return {"Trying to open file " + file + "...OK.  File Unit:1001", "...Closed File Unit:1001"};
+    return {openedOutput(file), closedUnit(1001)};
 }
 
 inline const std::string kFormatOfInputs = "Setting output format based on input grids.  To set use -asc or -flt.";
@@ -102,7 +119,7 @@ inline const std::string kFormatOfInputs = "Setting output format based on input
 inline Lines projectionOf(const std::string& name)
 {
     return {"Getting Projection...",
-            "Trying to open file " + name + ".mif...OK.",
+            openedInput(name + ".mif"),
             openedUnit(1001),
             "Using " + name + ".mif for setting projection.",
             "mif Projection: CoordSys NonEarth Units \"m\"",
@@ -112,16 +129,18 @@ inline Lines projectionOf(const std::string& name)
 // <name>.mif as an input with this ID, whose files get this unit and the next one.
 inline Lines openedMif(const std::string& name, int id = 1, int unit = 1001)
 {
-    return {"Opening GIS Layer: " + name + ".mif",        "GIS Layer assigned ID of " + std::to_string(id),
-            "Trying to open file " + name + ".mif...OK.", openedUnit(unit),
-            "Trying to open file " + name + ".mid...OK.", openedUnit(unit + 1)};
+    return {"Opening GIS Layer: " + name + ".mif",
+            "GIS Layer assigned ID of " + std::to_string(id),
+            openedInput(name + ".mif"),
+            openedUnit(unit),
+            openedInput(name + ".mid"),
+            openedUnit(unit + 1)};
 }
 
 inline Lines createdMif(const std::string& name, int id, int unit)
 {
     return {"Opening GIS Layer: " + name + ".mif", "GIS Layer assigned ID of " + std::to_string(id),
-            "Trying to open file " + name + ".mif...OK.  File Unit:" + std::to_string(unit),
-            "Trying to open file " + name + ".mid...OK.  File Unit:" + std::to_string(unit + 1)};
+            openedOutput(name + ".mif", unit), openedOutput(name + ".mid", unit + 1)};
 }
 
 inline Lines closedMif(const std::string& name, int id = 1, int unit = 1001)
@@ -134,7 +153,7 @@ inline Lines closedMif(const std::string& name, int id = 1, int unit = 1001)
 
 inline Lines normalEnd()
 {
-    return {"Finished.", kEnter};
+    return {kFinished, kEnter};
 }
 
 // The end of a run that met an error with this message.

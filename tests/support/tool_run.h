@@ -3,6 +3,7 @@
 // stays, to repeat it there. With GRIDFORGE_RECORD set each run is recorded: see record_run.h.
 #pragma once
 
+#include "support/consoles.h"
 #include "support/grids.h"
 #include "support/scratch_folder.h"
 
@@ -60,6 +61,8 @@ public:
     std::vector<std::string> consoleLines() const;
     // Does `line` stand on the console, as a whole line?
     bool says(std::string_view line) const;
+    // Did the run get to its end, with or without warnings?
+    bool reachedEnd() const { return says(kFinished); }
 
     const std::filesystem::path& folder() const { return folder_.path(); }
     bool has(std::string_view name) const;

@@ -295,7 +295,7 @@ TEST(DamagesControl, ALayerWithoutAProjectionEndsTheRun)
     ControlRun shp("Read GIS Building == h.shp\n");
     shp.run.give("h.prj", "GEOGCS[\"Degrees\"]\n");
     shp.run.start();
-    EXPECT_CONSOLE_HOLDS(shp.run, errorEnd("Using h.prj for setting projection.", "...Closed File Unit:1002",
+    EXPECT_CONSOLE_HOLDS(shp.run, errorEnd("Using h.prj for setting projection.", closedUnit(1002),
                                            "ERROR - Unable to find PROJCS line in h.prj"));
 }
 

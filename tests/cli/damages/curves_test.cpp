@@ -148,7 +148,7 @@ TEST(DamagesCurve, MorePointsThanTheLimitEndTheRun)
         EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Number of bins exceeds maximum."));
     }
     // The line past the limit is not read for its values.
-    expectEnd(curve + "nothing\n", {"Opened File Unit:1002", "ERROR - Number of bins exceeds maximum."});
+    expectEnd(curve + "nothing\n", {openedUnit(1002), "ERROR - Number of bins exceeds maximum."});
 }
 
 } // namespace

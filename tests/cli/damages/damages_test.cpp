@@ -32,9 +32,9 @@ TEST(DamagesCli, TellsWhatItDoesAndWritesLayerAndTable)
         joined({startOf({"c.dmg"}),
                 {"Damage Calculation.",
                  "Scanning damages file to determine if maximum array sizes are defined...",
-                 "Trying to open file c.dmg...OK.",
-                 "Opened File Unit:1001",
-                 "...Closed File Unit:1001",
+                 openedInput("c.dmg"),
+                 openedUnit(1001),
+                 closedUnit(1001),
                  "   Done.",
                  "Maximum number of buildings: 1000",
                  "Maximum number of vertices in a single building: 100",
@@ -44,25 +44,25 @@ TEST(DamagesCli, TellsWhatItDoesAndWritesLayerAndTable)
                  "Allocating memory for damage curves...",
                  "   Done",
                  "Opening damages .dmg file: c.dmg",
-                 "Trying to open file c.dmg...OK.",
-                 "Opened File Unit:1001",
+                 openedInput("c.dmg"),
+                 openedUnit(1001),
                  "Debug - nGISF: 1",
                  "Debug - k: 1",
                  "Getting Projection...",
-                 "Trying to open file h.mif...OK.",
-                 "Opened File Unit:1002",
+                 openedInput("h.mif"),
+                 openedUnit(1002),
                  "Using h.mif for setting projection.",
                  "mif Projection: CoordSys NonEarth Units \"m\" Bounds (0, 0) (100, 100)",
-                 "...Closed File Unit:1002",
+                 closedUnit(1002),
                  "Debug - dmg_curve_%ncurve: 1",
                  "Debug - i: 1",
                  "Found new damages curve: House",
                  "Getting damages Curve...",
-                 "Trying to open file house.csv...OK.",
-                 "Opened File Unit:1002",
-                 "...Closed File Unit:1002",
+                 openedInput("house.csv"),
+                 openedUnit(1002),
+                 closedUnit(1002),
                  "Number of points in damage curve found: 2",
-                 "...Closed File Unit:1001",
+                 closedUnit(1001),
                  "Finished Read Damages File.",
                  "Debug - dmg_curve_%ncurve: 1",
                  "Debug - dmg_res_%nRes: 0",
@@ -86,9 +86,9 @@ TEST(DamagesCli, TellsWhatItDoesAndWritesLayerAndTable)
                  "Output GIS File: h_Damages.mif", "Output CSV File: h_Damages.csv",
                  "Writing building damages data to GIS..."},
                 createdMif("h_Damages", 1, 1001),
-                {"Trying to open file h_Damages.csv...OK.  File Unit:1003", " Finished write building damages data."},
+                {openedOutput("h_Damages.csv", 1003), " Finished write building damages data."},
                 closedMif("h_Damages"),
-                {"...Closed File Unit:1003"},
+                {closedUnit(1003)},
                 normalEnd()}));
 
     // A: (23 - 3) x 100 x 1; B: (46 - 40.5) x 100 x 2.
@@ -172,7 +172,7 @@ TEST(DamagesCli, ALayerWithoutObjectsIsNoError)
     run.start();
     EXPECT_EQ(run.read("h_Damages.csv"), "Property Type,Property ID, Floor Level, Multiplier,Damages 1.000 AEP (%),"
                                          "Average Annual Damage\r\n");
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 // --- Several grids ---------------------------------------------------------------------------------------------------
@@ -256,7 +256,7 @@ TEST(DamagesCli, MoreGridsThanALayerHasColumnsEndTheRun)
     run.start();
     EXPECT_THAT(run.console(), HasSubstr("Writing building damages data to GIS...\n"));
     EXPECT_THAT(run.console(), HasSubstr("ERROR"));
-    EXPECT_THAT(run.console(), Not(HasSubstr("Finished.")));
+    EXPECT_THAT(run.console(), Not(HasSubstr(kFinished)));
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -290,9 +290,9 @@ TEST(DamagesCli, AGridThatIsNotThereIsAskedFor)
     run.give("c.dmg", "Read GIS Building == h.mif\nRead Curve House == house.csv\nRead Result % 1 == none.asc\n");
     run.type("wl.asc");
     run.start();
-    EXPECT_CONSOLE_HOLDS(
-        run, {"Loading grid data...", "Trying to open file none.asc...", "CHECK 0008 - \"none.asc\" cannot be found",
-              "Check file exists and press enter or enter another file name: ", "Trying to open file wl.asc...OK."});
+    EXPECT_CONSOLE_HOLDS(run,
+                         {"Loading grid data...", opening("none.asc"), "CHECK 0008 - \"none.asc\" cannot be found",
+                          "Check file exists and press enter or enter another file name: ", openedInput("wl.asc")});
     EXPECT_TRUE(run.has("h_Damages.csv"));
 }
 
@@ -346,7 +346,7 @@ TEST_P(DamagesOut, NamesBothOutputs)
     EXPECT_CONSOLE_HOLDS(run, {"Using specified output file.", "Output GIS File: " + GetParam().out,
                                "Output CSV File: " + GetParam().csv, "Writing building damages data to GIS...",
                                "Opening GIS Layer: " + GetParam().out});
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
     for (const std::string& name : GetParam().files) {
         EXPECT_TRUE(run.has(name)) << name;
     }
@@ -382,10 +382,9 @@ TEST(DamagesCli, ATableOverItsOwnLayerIsAskedAbout)
     giveDamageFiles(run, kTwoBuildings, kTwoRecords);
     run.type("n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run,
-                         errorEnd("Trying to open file result.mid...OK.  File Unit:1002",
-                                  "Trying to open file result.mid...", "", "result.mid is already open, close it? ",
-                                  "Trying to open file result.mid...", "", "result.mid is already open, close it? "));
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(openedOutput("result.mid", 1002), opening("result.mid"), "",
+                                       "result.mid is already open, close it? ", opening("result.mid"), "",
+                                       "result.mid is already open, close it? "));
 }
 
 TEST(DamagesCli, AFullDeviceEndsTheRun)
@@ -398,7 +397,7 @@ TEST(DamagesCli, AFullDeviceEndsTheRun)
         EXPECT_THAT(run.console(),
                     HasSubstr(table == "h_Damages.csv" ? "ERROR - Could not write to file: h_Damages.csv\n"
                                                        : "ERROR 0254 - Failed to write attribute data record for a "));
-        EXPECT_THAT(run.console(), Not(HasSubstr("Finished.")));
+        EXPECT_THAT(run.console(), Not(HasSubstr(kFinished)));
     }
 }
 

@@ -1,4 +1,5 @@
 // Text inputs with a UTF-8 byte order mark, which some editors put in front, do the same as those without.
+#include "support/consoles.h"
 #include "support/damages_files.h"
 #include "support/layer_files.h"
 #include "support/network_layers.h"
@@ -50,7 +51,7 @@ void expectNoDifference(const std::string& arguments, const Files& texts, const 
     SCOPED_TRACE(arguments);
     const Left plain = runOver(arguments, texts, others, "");
     const Left marked = runOver(arguments, texts, others, kMark);
-    EXPECT_THAT(plain.console, testing::Contains("Finished."));
+    EXPECT_THAT(plain.console, testing::Contains(kFinished));
     EXPECT_FALSE(plain.files.empty());
     EXPECT_EQ(marked.console, plain.console);
     EXPECT_EQ(marked.files, plain.files);
@@ -137,8 +138,8 @@ TEST(ByteOrderMarks, OfAnAnswer)
     run.give("c.csv", "Limit,Name\n20,low\n50,high\n");
     run.type(std::string(kMark) + "c.csv");
     run.start();
-    EXPECT_TRUE(run.says("Trying to open file c.csv...OK."));
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.says(openedInput("c.csv")));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 } // namespace

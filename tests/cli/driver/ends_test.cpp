@@ -69,7 +69,7 @@ TEST(Ends, NormalEndInBatchModeDoesNotWait)
     StagedRun run(kSilentInput + "-change -b a.asc");
     run.start(20s);
     EXPECT_EQ(run.status(), 0);
-    EXPECT_CONSOLE(run, joined({startOf({"a.asc"}), {"Finished."}}));
+    EXPECT_CONSOLE(run, joined({startOf({"a.asc"}), {kFinished}}));
 }
 
 TEST(Ends, FreeboardAndBufferErrorsDoNotWait)

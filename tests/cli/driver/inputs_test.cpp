@@ -218,7 +218,7 @@ TEST(InputsCli, Accepts2000Names)
     ASSERT_EQ(console.size(), 1U + 1U + 2U * 2000U + 2U);
     EXPECT_EQ(console[2], "Input File  1: a");
     EXPECT_EQ(console[2 + 2 * 999], "Input File***: a"); // 1000 does not fit its field
-    EXPECT_EQ(console[console.size() - 2], "Finished.");
+    EXPECT_EQ(console[console.size() - 2], kFinished);
 }
 
 // A folder of that many characters, its last separator included.

@@ -58,7 +58,7 @@ void expectSameInCapitals(const char* arguments, const Names& kept, const std::f
     ToolRun plain(arguments);
     give(plain);
     plain.start();
-    EXPECT_TRUE(plain.says("Finished.")) << plain.console();
+    EXPECT_TRUE(plain.reachedEnd()) << plain.console();
 
     ToolRun capitals(arguments);
     give(capitals);
@@ -149,7 +149,7 @@ TEST(LetterCaseCli, OfTwoThatFitNoneIsTaken)
     run.give("G.prj", kProjcs);
     run.give("g.PRJ", kProjcs);
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, errorEnd("Proecsing File:  1: g.flt", "Trying to open file g.hdr...",
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Proecsing File:  1: g.flt", opening("g.hdr"),
                                        "CHECK 0008 - \"g.hdr\" cannot be found",
                                        "Check file exists and press enter or enter another file name: "));
     EXPECT_NO_OTHER_FILES(run);
@@ -162,7 +162,7 @@ TEST(LetterCaseCli, AnswersOfTheUserAreFoundToo)
     run.give("OTHER.HDR", hdr(2, 1));
     run.type("other.hdr");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file other.hdr...OK.", "Opened File Unit:1001"});
+    EXPECT_CONSOLE_HOLDS(run, {openedInput("other.hdr"), openedUnit(1001)});
     EXPECT_GRID(run, "g.asc", {{1, 2}});
 }
 

@@ -70,7 +70,7 @@ TEST(LimitsCli, MemoryForPiecesIsEnough)
         run.start();
         EXPECT_EQ(run.status(), 0);
         EXPECT_EQ(run.error(), "");
-        EXPECT_TRUE(run.says("Finished.")) << run.console();
+        EXPECT_TRUE(run.reachedEnd()) << run.console();
         EXPECT_EQ(run.read("m.flt"), std::string(kBytes, '\0'));
     }
 }
@@ -171,7 +171,7 @@ TEST(LimitsCli, AFolderThatCannotBeWrittenTo)
     std::filesystem::permissions(run.folder() / "in", std::filesystem::perms::owner_all);
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, errorEnd("Trying to open file in/a.hdr...Can't Open", "", "Can't open: in/a.hdr", "",
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(cannotOpen("in/a.hdr"), "", "Can't open: in/a.hdr", "",
                                        "Another application or user maybe using it,",
                                        "   or the file's folder does not exist.",
                                        "If so, close the file or create file path.", "Press Enter to Continue"));
@@ -189,7 +189,7 @@ TEST(LimitsCli, AFolderThatGoesDuringTheRun)
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
     EXPECT_THAT(run.read("console"),
-                HasSubstr("Trying to open file gone/a(maxmax).asc...Can't Open\n\nCan't open: gone/a(maxmax).asc\n"));
+                HasSubstr(cannotOpen("gone/a(maxmax).asc") + "\n\nCan't open: gone/a(maxmax).asc\n"));
     EXPECT_FALSE(run.has("gone"));
 }
 
@@ -257,7 +257,7 @@ TEST(LimitsCli, AConsoleThatNobodyReadsForAWhile)
     run.start(20s);
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, {"Finished."});
+    EXPECT_CONSOLE(run, {kFinished});
 }
 
 TEST(LimitsCli, AConsoleOnAFullDisk)

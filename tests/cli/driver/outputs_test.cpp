@@ -22,7 +22,7 @@ struct MaxRun : ToolRun {
         start();
         EXPECT_EQ(status(), 0);
         EXPECT_EQ(error(), "");
-        EXPECT_TRUE(says("Finished."));
+        EXPECT_TRUE(says(kFinished));
     }
 };
 

@@ -45,7 +45,7 @@ TEST(ProgressCli, BytesOfGrids)
         run.give("a.asc", ascGrid(wideGrid()));
         run.give("points.txt", "1 1 5\n2 1 6\n1 2 7\n2 2 8\n");
         run.start();
-        EXPECT_TRUE(run.says("Finished."));
+        EXPECT_TRUE(run.reachedEnd());
         const Counts counts = lastCounts(run.read("lines"));
         const bool isGrid = run.has("o.flt");
         EXPECT_GE(counts.read, static_cast<long>(run.read(isGrid ? "a.asc" : "points.txt").size())) << arguments;
@@ -62,7 +62,7 @@ TEST(ProgressCli, ObjectsOfLayers)
     run.give("points.mif", mifHeader({"Obs Float", "Mark Char(20)"}) + "Point 4.4 4.4\nPoint 5.4 4.4\nPoint 6.4 4.4\n");
     run.give("points.mid", "5,\"a\"\n6,\"b\"\n7,\"c\"\n");
     run.start();
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
     // Three are read; of each the point and the line to its cell are written.
     EXPECT_EQ(lastCounts(run.read("lines")).objects, 9);
 }
@@ -73,7 +73,7 @@ TEST(ProgressCli, RunsThatEndInAMessageHaveALastLineToo)
     run.environment("GRIDFORGE_PROGRESS", "lines");
     run.give("a.asc", "ncols 2\nnrows 1\nxllcorner 0\nyllcorner 0\ncellsize 1\n1\n");
     run.start();
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
     EXPECT_GT(lastCounts(run.read("lines")).read, 0);
 }
 
@@ -88,7 +88,7 @@ TEST(ProgressCli, NothingElseChanges)
         run.give("b.flt", fltCells(wideGrid()));
         run.give("b.hdr", hdr(wideGrid()));
         run.start();
-        EXPECT_TRUE(run.says("Finished."));
+        EXPECT_TRUE(run.reachedEnd());
         EXPECT_EQ(run.error(), "");
         std::map<std::string, std::string> left = run.files();
         EXPECT_EQ(left.erase("lines"), place == std::string("lines") ? 1U : 0U);

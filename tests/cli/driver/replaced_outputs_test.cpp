@@ -1,4 +1,5 @@
 // Outputs that a run writes twice, for each kind of output. A warning stands before each opening that replaces one.
+#include "support/consoles.h"
 #include "support/layer_files.h"
 #include "support/network_layers.h"
 #include "support/rainfall_files.h"
@@ -25,14 +26,13 @@ std::vector<std::string> replaced(ToolRun& run)
 {
     run.start();
     EXPECT_EQ(run.error(), "");
-    EXPECT_TRUE(run.says("Finished.")) << run.console();
+    EXPECT_TRUE(run.reachedEnd()) << run.console();
     const std::vector<std::string> lines = run.consoleLines();
     std::vector<std::string> names;
     for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
         if (lines[i].starts_with(kWarning)) {
             names.push_back(lines[i].substr(kWarning.size()));
-            EXPECT_TRUE(lines[i + 1].starts_with("Trying to open file " + names.back() + "...OK.  File Unit:"))
-                << lines[i + 1];
+            EXPECT_TRUE(lines[i + 1].starts_with(openedInput(names.back()) + "  File Unit:")) << lines[i + 1];
         }
     }
     return names;
@@ -56,11 +56,10 @@ TEST(ReplacedOutputsCli, BinaryGridsAndTheirHeaderButNoProjection)
     run.give("l.mif", mifHeader({"Name Char(20)"}) + rectangle(1.5, 1.5, 3.5, 3.5) + rectangle(4.5, 4.5, 6.5, 6.5));
     run.give("l.mid", "one\none\n");
     EXPECT_THAT(replaced(run), ElementsAre("one_a.hdr", "one_a.flt"));
-    EXPECT_CONSOLE_HOLDS(run, {"Writing output to: one_a", kWarning + "one_a.hdr",
-                               "Trying to open file one_a.hdr...OK.  File Unit:1001", "...Closed File Unit:1001",
-                               kWarning + "one_a.flt", "Trying to open file one_a.flt...OK.  File Unit:1001",
-                               "Writing FLT grid...", "Finished writing FLT grid.", "...Closed File Unit:1001",
-                               "Trying to open file one_a.prj...OK.  File Unit:1001", "...Closed File Unit:1001"});
+    EXPECT_CONSOLE_HOLDS(run, {"Writing output to: one_a", kWarning + "one_a.hdr", openedOutput("one_a.hdr", 1001),
+                               closedUnit(1001), kWarning + "one_a.flt", openedOutput("one_a.flt", 1001),
+                               "Writing FLT grid...", "Finished writing FLT grid.", closedUnit(1001),
+                               openedOutput("one_a.prj", 1001), closedUnit(1001)});
 }
 
 TEST(ReplacedOutputsCli, GridsOfARepeatedRank)

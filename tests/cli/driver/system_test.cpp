@@ -33,7 +33,7 @@ struct GridRun : ToolRun {
 void expectGood(const std::string& mission)
 {
     const GridRun run(mission);
-    EXPECT_TRUE(run.says("Finished.")) << mission;
+    EXPECT_TRUE(run.reachedEnd()) << mission;
     EXPECT_GRID(run, "a.flt", kCells);
     EXPECT_NO_OTHER_FILES(run);
 }
@@ -53,13 +53,13 @@ TEST(SystemCli, AFailedCloseOfAnOutputEndsTheRun)
     EXPECT_CONSOLE_HOLDS(cells, errorEnd("Finished writing FLT grid.", "ERROR - Could not write to file: a.flt"));
     // The file of the header is closed when the cells are there.
     const GridRun header(fail("close", 3, EIO));
-    EXPECT_CONSOLE_HOLDS(header, errorEnd("...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr"));
+    EXPECT_CONSOLE_HOLDS(header, errorEnd(closedUnit(1001), "ERROR - Could not write to file: a.hdr"));
 }
 
 TEST(SystemCli, AFailedWriteOfTheFirstLetterEndsTheRun)
 {
     const GridRun run(fail("pwrite", 1, EIO));
-    EXPECT_CONSOLE_HOLDS(run, errorEnd("...Closed File Unit:1001", "ERROR - Could not write to file: a.hdr"));
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(closedUnit(1001), "ERROR - Could not write to file: a.hdr"));
 }
 
 TEST(SystemCli, AFailedCloseOfAnInputIsIgnored)
@@ -76,7 +76,7 @@ TEST(SystemCli, AFailedReadEndsTheRun)
         run.give("a.asc", ascGrid(kCells));
         askSystem(run, fail("read", number, EIO));
         run.start();
-        if (!run.says("Finished.")) {
+        if (!run.reachedEnd()) {
             ++ends;
             EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR 2334 - Reading Grid file header information.", "Line = "));
         }
@@ -93,7 +93,7 @@ TEST(SystemCli, AFailedReadOfAnAnswerEndsTheRun)
     run.type("b.hdr");
     askSystem(run, fail("read", 1, EIO));
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, errorEnd("Trying to open file a.hdr...", "CHECK 0008 - \"a.hdr\" cannot be found",
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(opening("a.hdr"), "CHECK 0008 - \"a.hdr\" cannot be found",
                                        "Check file exists and press enter or enter another file name: "));
     EXPECT_NO_OTHER_FILES(run);
 }
@@ -133,7 +133,7 @@ TEST(SystemCli, AnInterruptedCutOfAShapefileIsMadeAgain)
     run.give("l_Res_P.shp", std::string(1000, 'x'));
     askSystem(run, fail("ftruncate", 1, EINTR));
     run.start();
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
     EXPECT_EQ(run.read("l_Res_P.shp").substr(100), big(1) + big(10) + pointRecord(4.3, 4.4));
 }
 
@@ -145,7 +145,7 @@ TEST(SystemCli, AProjectionThatTheSystemCannotTellOfIsOpenedAllTheSame)
     askSystem(run, fail("stat", 2, EIO)); // the first looks for the grid
     run.start();
     EXPECT_TRUE(run.says("Using a.prj for setting projection."));
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 // --- Runs that are killed --------------------------------------------------------------------------------------------

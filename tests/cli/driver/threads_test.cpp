@@ -1,5 +1,6 @@
 // Settings of the environment change no result: those of threads, of waiting cells and of pieces. What is right is the run
 // whose cells go step by step, as they do where a read by position is refused.
+#include "support/consoles.h"
 #include "support/grids.h"
 #include "support/system_failures.h"
 #include "support/tool_run.h"
@@ -152,7 +153,7 @@ void compareMaximum(const std::string& line, const std::string& arguments, const
 
 TEST(ThreadsCli, ChangeNothingWhereAFileIsMissing)
 {
-    compareMaximum("Finished.", "-max a.flt d.flt", ".flt", [](ToolRun& run) {
+    compareMaximum(kFinished, "-max a.flt d.flt", ".flt", [](ToolRun& run) {
         run.give("d.flt", fltCells(someCells(2)));
         run.type("b.hdr");
     });
@@ -166,7 +167,7 @@ TEST(ThreadsCli, ChangeNothingWhereAFileIsShortOrTooLong)
     compareMaximum("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.",
                    "-max a.flt b.flt c.flt", ".flt",
                    [&](ToolRun& run) { run.give("c.flt", cells.substr(0, cells.size() - 1)); });
-    compareMaximum("Finished.", "-max a.flt b.flt c.flt", ".flt",
+    compareMaximum(kFinished, "-max a.flt b.flt c.flt", ".flt",
                    [&](ToolRun& run) { run.give("b.flt", cells + "more"); });
 }
 
@@ -186,8 +187,8 @@ TEST(ThreadsCli, ChangeNothingWhereTheThirdLatticeDiffers)
 
 TEST(ThreadsCli, ChangeNothingWhereTheOutputIsAnInput)
 {
-    compareMaximum("Finished.", "-max a.flt b.flt c.flt -out b", ".flt", [](ToolRun&) {});
-    compareMaximum("Finished.", "-dif a.asc b.asc -out a", ".asc", [](ToolRun&) {});
+    compareMaximum(kFinished, "-max a.flt b.flt c.flt -out b", ".flt", [](ToolRun&) {});
+    compareMaximum(kFinished, "-dif a.asc b.asc -out a", ".asc", [](ToolRun&) {});
 }
 
 } // namespace

@@ -102,7 +102,7 @@ TEST_P(FullDisk, HasOneMessageWhateverTheOutputs)
         EXPECT_THAT(run.console(), HasSubstr("\nERROR")) << run.command();
         EXPECT_EQ(run.console().find("\nERROR"), run.console().rfind("\nERROR")) << run.console();
         EXPECT_THAT(run.console(), EndsWith("\n" + kExits));
-        EXPECT_THAT(run.console(), Not(HasSubstr("Finished.")));
+        EXPECT_THAT(run.console(), Not(HasSubstr(kFinished)));
     }
 }
 

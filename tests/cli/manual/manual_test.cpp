@@ -2,6 +2,7 @@
 #include "core/text.h"
 #include "driver/flag_table.h"
 #include "driver/operations.h"
+#include "support/consoles.h"
 #include "support/paths.h"
 #include "support/tool_run.h"
 
@@ -193,7 +194,7 @@ TEST_F(ManualPage, NamesTheLastLineOfAGoodRun)
     EXPECT_THAT(elsewhere.console(), HasSubstr("\nCan't open: "));
     for (const ToolRun* run : {&missing, &elsewhere}) {
         EXPECT_THAT(run->console(), Not(HasSubstr("ERROR")));
-        EXPECT_THAT(run->console(), Not(HasSubstr("Finished.")));
+        EXPECT_THAT(run->console(), Not(HasSubstr(kFinished)));
     }
     EXPECT_THAT(page, HasSubstr("CHECK 0008"));
     EXPECT_THAT(page, HasSubstr("Can't open"));

@@ -17,7 +17,7 @@ using testing::Pair;
 using Packing = NetcdfReading::Packing;
 
 // What the console shows of the parts of a run, each grid of two rows by three columns in text.
-Lines opening(const std::string& name, int inputs)
+Lines startOfSeries(const std::string& name, int inputs)
 {
     return {"Converting grid into netcdf format.", "Using NetCDF Compression Level: 1", "Using NetCDF Shuffle == T",
             "Opening output netcdf file: " + name, "Processing " + std::to_string(inputs) + " input grids."};
@@ -68,7 +68,7 @@ TEST(NcCli, PartPutsTheRowsOfEachGridInTheirPlaces)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, joined({startOf({"d/a.asc", "d/b.asc"}), opening("d/a.nc", 2), firstGrid("d/a.asc"),
+    EXPECT_CONSOLE(run, joined({startOf({"d/a.asc", "d/b.asc"}), startOfSeries("d/a.nc", 2), firstGrid("d/a.asc"),
                                 furtherGrid(2, "d/b.asc"), kClosing, normalEnd()}));
     const NetcdfReading file(run, "d/a.nc");
     EXPECT_THAT(file.values("time"), ElementsAre(1, 2));
@@ -84,7 +84,7 @@ TEST(NcCli, AsABlockTheColumnsOfEachGridFillTheRowsOfTheFile)
     run.give("d/a.asc", ascGrid(kFirst));
     run.give("d/b.asc", ascGrid(kSecond));
     run.start();
-    EXPECT_CONSOLE(run, joined({startOf({"d/a.asc", "d/b.asc"}), opening("d/a.nc", 2), firstGrid("d/a.asc"),
+    EXPECT_CONSOLE(run, joined({startOf({"d/a.asc", "d/b.asc"}), startOfSeries("d/a.nc", 2), firstGrid("d/a.asc"),
                                 furtherGrid(2, "d/b.asc"), kClosing, normalEnd()}));
     const NetcdfReading file(run, "d/a.nc");
     EXPECT_THAT(file.values("data_temporal"), ElementsAre(111, 121, 112, 122, 113, 123, //
@@ -307,7 +307,7 @@ TEST(NcCli, FilesAreTheSameWhateverTheThreadsTheMemoryAndThePieces)
             run.give("d.asc", wrapped);
             use(run, means);
             run.start();
-            ASSERT_TRUE(run.says("Finished.")) << run.console();
+            ASSERT_TRUE(run.reachedEnd()) << run.console();
             file = file.empty() ? run.read("a.nc") : file;
             EXPECT_TRUE(run.read("a.nc") == file) << part << ' ' << means.threads << ' ' << means.memory;
         }
@@ -323,7 +323,7 @@ TEST(NcCli, SoAreFilesOfSeveralChunksAGrid)
         giveFlt(run, "a", cells);
         use(run, means);
         run.start();
-        ASSERT_TRUE(run.says("Finished.")) << run.console();
+        ASSERT_TRUE(run.reachedEnd()) << run.console();
         file = file.empty() ? run.read("a.nc") : file;
         EXPECT_TRUE(run.read("a.nc") == file);
     }

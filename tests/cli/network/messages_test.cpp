@@ -17,7 +17,7 @@ void expectEnd(const ToolRun& run, const Lines& message)
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
     EXPECT_CONSOLE_HOLDS(run, errorEnd(message));
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
 }
 
 void runNbcFile(ToolRun& run, const std::string& text)
@@ -43,7 +43,7 @@ TEST(NbcMessages, AnEmptyControlFileMakesNothing)
     runNbcFile(run, "");
     EXPECT_CONSOLE_HOLDS(run, {"Writing 0, 1d_xs files.", "Finished writing 1d_xs files.",
                                "Allocating memory for storing 1d_nwk data..."});
-    EXPECT_CONSOLE_HOLDS(run, {"Writing 0 1d_nwk files.", "Finished writing 1d_nwk file.", "Finished."});
+    EXPECT_CONSOLE_HOLDS(run, {"Writing 0 1d_nwk files.", "Finished writing 1d_nwk file.", kFinished});
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -53,7 +53,7 @@ TEST(NbcMessages, SetXsBeforeAnySection)
         ToolRun run("-b -nbc net.nbc");
         giveLayer(run, "1d_cut_a", kCutColumns, kOneSection, kOneRecord);
         runNbcFile(run, command + "\nRead GIS XS == 1d_cut_a.mif\n");
-        expectEnd(run, {"Trying to open file net.nbc...OK.", "Opened File Unit:1001",
+        expectEnd(run, {openedInput("net.nbc"), openedUnit(1001),
                         "ERROR - Set XS used before any cross-sections have been read."});
     }
 }
@@ -79,7 +79,7 @@ TEST(NbcMessages, MoreFlcFilesThanTheLimit)
         ToolRun run("-b -nbc net.nbc");
         giveLayer(run, "flc", {"FLC Float"}, "", "");
         runNbcFile(run, text);
-        EXPECT_TRUE(run.says("Finished."));
+        EXPECT_TRUE(run.reachedEnd());
     }
     ToolRun run("-b -nbc net.nbc");
     runNbcFile(run, text + "Read MI FLC == flc.mif\n");
@@ -351,7 +351,7 @@ TEST(NbcMessages, OddVerticesDoNoHarm)
                     "Read Grid Z == dem.asc\nBranch Bendiness == On\n");
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_TRUE(run.says("Finished.")) << run.console();
+    EXPECT_TRUE(run.reachedEnd()) << run.console();
     // Along the one point the steps of Perp go north, over the whole grid: rows 1 to 9 of column 5, 5.05 in the mean.
     EXPECT_EQ(run.read("a.csv"), "\"Chainage\",\"Z\"\r\n0.000,5.050\r\n");
     EXPECT_THAT(run.read("b.csv"), HasSubstr("0.000,-9999.000\r\nNaN,-9999.000\r\n"));
@@ -400,7 +400,7 @@ TEST(XsMessages, MaterialsWithoutXsOnlyPause)
     ToolRun run("-b -nbc net.nbc -mat land.asc");
     runNbcFile(run, "");
     EXPECT_CONSOLE_HOLDS(run, {"ERROR - \"-mat\" option only used with \"xs\". Flag ignored.", kEnter});
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 TEST(XsMessages, ADefaultThatIsNoNumber)

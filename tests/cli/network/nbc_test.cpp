@@ -109,11 +109,11 @@ TEST(NbcCli, TellsItsRunOnTheConsole)
     run.start();
     EXPECT_CONSOLE_HOLDS(run, joined({{"Processing .nbc File... ", "Initialising cross-section array...", "   Done.",
                                        "Initialising branches...", "   Done.", "Opening input .nbc file: net.nbc",
-                                       "Trying to open file net.nbc...OK.", "Opened File Unit:1001",
-                                       "Getting Projection...", "Trying to open file 1d_branches_t.mif...OK.",
-                                       "Opened File Unit:1002", "Using 1d_branches_t.mif for setting projection.",
+                                       openedInput("net.nbc"), openedUnit(1001), "Getting Projection...",
+                                       openedInput("1d_branches_t.mif"), openedUnit(1002),
+                                       "Using 1d_branches_t.mif for setting projection.",
                                        "mif Projection: CoordSys NonEarth Units \"m\" Bounds (0, 0) (100, 100)",
-                                       "...Closed File Unit:1002", "Getting Branches from 1d_branches_t.mif"},
+                                       closedUnit(1002), "Getting Branches from 1d_branches_t.mif"},
                                       openedMif("1d_branches_t", 1, 1002),
                                       {("4 MIF Fields: Name [#/Type]: Name [1/Char(30)]  n [2/Float]  UCS [3/Char(1)]  "
                                         "Form_Loss [4/Float]  "),
@@ -125,34 +125,32 @@ TEST(NbcCli, TellsItsRunOnTheConsole)
                                        "    Done.", "Projection check not yet implemented.",
                                        "Opening cross-section file 1d_cut_t.mif", "Opening GIS Layer: 1d_cut_t.mif"}}));
     EXPECT_CONSOLE_HOLDS(
-        run,
-        {"Less than 12 attributes, expecting cut lines with the following attribute:",
-         "    Name - Optional name for output file",
-         "    Distance - Optional distance along the line for sampling from grids",
-         "    Split_TF - True / False for splitting branch, set to false for centre sections",
-         "    Extract_TF- True / False for extracting section, set to false to skip",
-         "    Extraction_Method - min, max or average",
-         ("    Buffer_Method - Optional method for extracting values from grid: point {default}, buffer and "
-          "perpendicular"),
-         "    Buffer_Dist - Distance for use with buffer or perpendicular options.",
-         "Loading cross-sections from 1d_cut_t.mif", "Searching for Lines and Polylines...", "Found 10 cross-sections.",
-         "Closing GIS Layer 1 [1d_cut_t.mif]...", "...Closed File Unit:1002", "...Closed File Unit:1003",
-         "nbc>> - Read default xs vertex spacing of 4.", "Inserting additional vertices along sections...", "   Done",
-         "Proccessing elevation grid.", "Loading grid data...", "Trying to open file dem.asc...OK.",
-         "Opened File Unit:1002", "External Grid Info: 30 rows by 60 columns with 1. cell size.",
-         "Allocating 7Kb memory for storing elevation grid...", "Reading ASCII grid...", "", "...Closed File Unit:1002",
-         "Finished reading grid.", "Extracting sections from grid...", "   Done",
-         // 4 + 4 + 4 + 4 + 4 + 4 + 6 + 2 points are on the grid, the 4 of section 4 are not.
-         "Updated 32 vertices.", "Deallocating grid memory...", "   Done", "Finished processing grid.",
-         "...Closed File Unit:1001", "Determining if cross-sections snap or intersect branches...",
-         "Check - Not splitting section", "    Done.", "Writing 1, 1d_xs files.", "Opening GIS Layer: 1d_xs_t.mif",
-         "GIS Layer assigned ID of 1", "Trying to open file 1d_xs_t.mif...OK.  File Unit:1001",
-         "Trying to open file 1d_xs_t.mid...OK.  File Unit:1002", "Closing GIS Layer 1 [1d_xs_t.mif]...",
-         "...Closed File Unit:1001", "...Closed File Unit:1002", "Finished writing 1d_xs files.",
-         "Trying to open file csv\\Main_5.000.csv...OK.  File Unit:1001",
-         "Writing cross-section data to: csv\\Main_5.000.csv", "...Closed File Unit:1001"});
+        run, {"Less than 12 attributes, expecting cut lines with the following attribute:",
+              "    Name - Optional name for output file",
+              "    Distance - Optional distance along the line for sampling from grids",
+              "    Split_TF - True / False for splitting branch, set to false for centre sections",
+              "    Extract_TF- True / False for extracting section, set to false to skip",
+              "    Extraction_Method - min, max or average",
+              ("    Buffer_Method - Optional method for extracting values from grid: point {default}, buffer and "
+               "perpendicular"),
+              "    Buffer_Dist - Distance for use with buffer or perpendicular options.",
+              "Loading cross-sections from 1d_cut_t.mif", "Searching for Lines and Polylines...",
+              "Found 10 cross-sections.", "Closing GIS Layer 1 [1d_cut_t.mif]...", closedUnit(1002), closedUnit(1003),
+              "nbc>> - Read default xs vertex spacing of 4.", "Inserting additional vertices along sections...",
+              "   Done", "Proccessing elevation grid.", "Loading grid data...", openedInput("dem.asc"),
+              openedUnit(1002), "External Grid Info: 30 rows by 60 columns with 1. cell size.",
+              "Allocating 7Kb memory for storing elevation grid...", "Reading ASCII grid...", "", closedUnit(1002),
+              "Finished reading grid.", "Extracting sections from grid...", "   Done",
+              // 4 + 4 + 4 + 4 + 4 + 4 + 6 + 2 points are on the grid, the 4 of section 4 are not.
+              "Updated 32 vertices.", "Deallocating grid memory...", "   Done", "Finished processing grid.",
+              closedUnit(1001), "Determining if cross-sections snap or intersect branches...",
+              "Check - Not splitting section", "    Done.", "Writing 1, 1d_xs files.", "Opening GIS Layer: 1d_xs_t.mif",
+              "GIS Layer assigned ID of 1", openedOutput("1d_xs_t.mif", 1001), openedOutput("1d_xs_t.mid", 1002),
+              "Closing GIS Layer 1 [1d_xs_t.mif]...", closedUnit(1001), closedUnit(1002),
+              "Finished writing 1d_xs files.", openedOutput("csv\\Main_5.000.csv", 1001),
+              "Writing cross-section data to: csv\\Main_5.000.csv", closedUnit(1001)});
     EXPECT_CONSOLE_HOLDS(
-        run, joined({{"Writing cross-section data to: apart.CSV", "...Closed File Unit:1001",
+        run, joined({{"Writing cross-section data to: apart.CSV", closedUnit(1001),
                       "Allocating memory for storing 1d_nwk data...", "    Done.",
                       "Allocating memory for storing 1d_nwk coordinates...", "    Done.",
                       "Splitting branch data into network...", "    Finished splitting branch data into network.",
@@ -196,7 +194,7 @@ TEST(NbcCli, UnknownCommandsCommentsAndBareValuesDoNothing)
     run.start();
     EXPECT_EQ(objectsOf(run, "1d_nwk_t.mif"), kDrawnLines);
     EXPECT_FALSE(run.says("WARNING"));
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
     expectTables(run);
     // Without "Set XS dx" there are no points; the first row stands all the same.
     EXPECT_EQ(run.read("twin.csv"), kHeading + "0.000,0.000\r\n");
@@ -398,7 +396,7 @@ TEST(NbcCli, OfTwoCommandsInALineTheFirstOfTheTableCounts)
     run.start();
     EXPECT_TRUE(run.says("Writing 1, 1d_xs files."));
     EXPECT_FALSE(run.has("1d_xs_t.mif"));
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 TEST(NbcCli, ElevenAttributesAreCutLines)

@@ -36,28 +36,28 @@ TEST(XsCli, BuildsTheDrawnNetworkAndItsSections)
                          {"Finished writing 1d_nwk file.", "Writing 1d_xs file.", "Opening GIS Layer: 1d_xs_t.mif"});
     EXPECT_CONSOLE_HOLDS(run, {"Finished writing 1d_xs file.",
                                "Loading header information from 1st elevation grid...",
-                               "Trying to open file dem.asc...OK.",
-                               "Opened File Unit:1001",
+                               openedInput("dem.asc"),
+                               openedUnit(1001),
                                "External Grid Info: 30 rows by 60 columns with 1. cell size.",
-                               "...Closed File Unit:1001",
+                               closedUnit(1001),
                                "Inserting additional vertices along sections...",
                                "   Done",
                                "Loading elevation grid data...",
-                               "Trying to open file dem.asc...OK.",
-                               "Opened File Unit:1001",
+                               openedInput("dem.asc"),
+                               openedUnit(1001),
                                "External Grid Info: 30 rows by 60 columns with 1. cell size.",
                                "Allocating 7Kb memory for storing elevation grid...",
                                "Reading ASCII grid...",
                                "",
-                               "...Closed File Unit:1001",
+                               closedUnit(1001),
                                "Finished reading grid.",
                                "Extracting sections from grid...",
                                "   Done",
                                "Deallocating grid memory...",
                                "   Done",
-                               "Trying to open file csv\\Main_5.000.csv...OK.  File Unit:1001",
+                               openedOutput("csv\\Main_5.000.csv", 1001),
                                "Writing cross-section data to: csv\\Main_5.000.csv",
-                               "...Closed File Unit:1001"});
+                               closedUnit(1001)});
     EXPECT_THAT(run.read("1d_nwk_t.mid"),
                 HasSubstr(nwkRecord("Main_00050", "S", "T", "0.030", "0.100") +
                           nwkRecord("Trib", "S", "F", "1.000", "0.200") + nwkRecord("", "X", "F", "0.000", "0.000")));
@@ -163,10 +163,9 @@ TEST(XsCli, BinaryGridsGiveTheSpacingToo)
     run.give("one.flt", fltCells({{1, 2, 3, 4}}));
     run.give("one.hdr", hdr(4, 1, {.cellsize = 2}));
     run.start();
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"Loading header information from 1st elevation grid...", "Trying to open file one.hdr...OK.",
-                          "Opened File Unit:1001", "External Grid Info: 1 rows by 4 columns with 2. cell size.",
-                          "...Closed File Unit:1001"});
+    EXPECT_CONSOLE_HOLDS(run, {"Loading header information from 1st elevation grid...", openedInput("one.hdr"),
+                               openedUnit(1001), "External Grid Info: 1 rows by 4 columns with 2. cell size.",
+                               closedUnit(1001)});
     // 6 / 2 = 3 points between, 1.5 apart, at 2, 3.5, 5, 6.5 and 8: columns 1, 1.75, 2.5, 3.25 and 4, rounded.
     EXPECT_EQ(run.read("a.csv"),
               "\"Chainage\",\"Z\"\r\n0.000,1.000\r\n1.500,2.000\r\n3.000,3.000\r\n4.500,3.000\r\n6.000,4.000\r\n");

@@ -10,11 +10,11 @@ Lines readClasses(const std::string& heading, int count)
 {
     return {"Getting classifications from: c.csv",
             "Maximum number of classes: 100",
-            "Trying to open file c.csv...OK.",
-            "Opened File Unit:1001",
+            openedInput("c.csv"),
+            openedUnit(1001),
             "Skipping first line: " + heading,
             "Number of classes found: " + std::to_string(count),
-            "...Closed File Unit:1001"};
+            closedUnit(1001)};
 }
 
 Lines loadedAsc(const std::string& shape)
@@ -79,9 +79,8 @@ TEST(ClassifyCli, WritesAClassifiedAscWithComputedColours)
                                 loadedAsc("2 rows by 2 columns"),
                                 readClasses("Limit,Name", 3),
                                 {"Processing Row:", "   Done.", kFormatOfInputs, "Writting .asc in classified format.",
-                                 "Trying to open file a_classified.asc...OK.  File Unit:1001",
-                                 "Writing Header for: a_classified.asc",
-                                 "Allocating 0Kb memory for conversion to integer grid...", "...Closed File Unit:1001"},
+                                 openedOutput("a_classified.asc", 1001), "Writing Header for: a_classified.asc",
+                                 "Allocating 0Kb memory for conversion to integer grid...", closedUnit(1001)},
                                 normalEnd()}));
     // Four classes with the one above: red is 250, 500 and 750 thousandths of 255, cut.
     EXPECT_EQ(run.read("a_classified.asc"), "ncols         2\r\n"
@@ -241,8 +240,7 @@ TEST(ClassFile, LimitsMustNotFall)
 {
     for (const char* classes : {"h\n10,a\n9.999,b\n", "h\n10,a\nNaN,b\n", "h\n1,a\n3,b\n2,c\n"}) {
         ClassRun c(classes);
-        EXPECT_CONSOLE_HOLDS(
-            c.run, joined({{"...Closed File Unit:1001"}, errorEnd("ERROR - Classes not in increasing order.")}));
+        EXPECT_CONSOLE_HOLDS(c.run, joined({{closedUnit(1001)}, errorEnd("ERROR - Classes not in increasing order.")}));
         EXPECT_NO_OTHER_FILES(c.run);
     }
 }
@@ -253,10 +251,9 @@ TEST(ClassFile, NeedsTwoClasses)
              {"", "", 0}, {"head", "head", 0}, {"head\n", "head", 0}, {"head\n10,only\n", "head", 1}}) {
         ClassRun c(classes);
         // A heading of nothing leaves the trailing blank of its message.
-        EXPECT_CONSOLE_HOLDS(c.run,
-                             joined({{"Skipping first line: " + heading,
-                                      "Number of classes found: " + std::to_string(count), "...Closed File Unit:1001"},
-                                     errorEnd("ERROR - Less than two classes found.")}));
+        EXPECT_CONSOLE_HOLDS(c.run, joined({{"Skipping first line: " + heading,
+                                             "Number of classes found: " + std::to_string(count), closedUnit(1001)},
+                                            errorEnd("ERROR - Less than two classes found.")}));
         EXPECT_NO_OTHER_FILES(c.run);
     }
 }

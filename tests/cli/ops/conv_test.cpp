@@ -13,7 +13,7 @@ TEST(ConvCli, TurnsTextIntoBinaryBesideTheInput)
     EXPECT_EQ(run.error(), "");
     EXPECT_CONSOLE(run, joined({startOf({"d/a.asc"}),
                                 {"Converting grid formats.", "Processing 1 input grids.", "Proecsing File:  1: d/a.asc",
-                                 "Trying to open file d/a.asc...OK.", "Opened File Unit:1001",
+                                 openedInput("d/a.asc"), openedUnit(1001),
                                  "External Grid Info: 2 rows by 3 columns with 2. cell size.",
                                  "Allocating 0Kb memory for external grid..."},
                                 ascCells(),
@@ -33,12 +33,11 @@ TEST(ConvCli, TurnsBinaryIntoText)
     run.give("a.flt", fltCells({{12.5, kNull, 12.25}, {0.0625, -0.0001, 99999}}));
     run.give("a.hdr", hdr(3, 2));
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Opened File Unit:1001", "External Grid Info: 2 rows by 3 columns with 1. cell size.",
-                               "Allocating 0Kb memory for external grid...", "...Closed File Unit:1001",
-                               "Trying to open file a.flt...OK.", "Opened File Unit:1001", "...Closed File Unit:1001",
-                               "Converting .flt to .asc...", "Trying to open file a.asc...OK.  File Unit:1001",
-                               "Writing ASC grid...", "Finished writing ASC grid.", "...Closed File Unit:1001",
-                               "Deallocating memory...", "   Done.", "Finished."});
+    EXPECT_CONSOLE_HOLDS(run, {openedUnit(1001), "External Grid Info: 2 rows by 3 columns with 1. cell size.",
+                               "Allocating 0Kb memory for external grid...", closedUnit(1001), openedInput("a.flt"),
+                               openedUnit(1001), closedUnit(1001), "Converting .flt to .asc...",
+                               openedOutput("a.asc", 1001), "Writing ASC grid...", "Finished writing ASC grid.",
+                               closedUnit(1001), "Deallocating memory...", "   Done.", kFinished});
     // The largest magnitude 99999 is `99999.`, six characters, so fields are 3 + 6 + 2 = 11 wide. 0.0625 is a tie: to even.
     EXPECT_EQ(run.read("a.asc"), "ncols 3\r\nnrows 2\r\nxllcorner 0.\r\nyllcorner 0.\r\ncellsize 1.\r\n"
                                  "NODATA_value -9999.0\r\n"
@@ -98,7 +97,7 @@ TEST(ConvCli, OneGridMayHaveAnOutputNameAndSeveralMayHaveNone)
         run.give("b.asc", ascGrid({{2}}));
         run.start();
         EXPECT_FALSE(run.says("ERROR - Cannot use \"-out\" option when converting multiple grids."));
-        EXPECT_TRUE(run.says("Finished."));
+        EXPECT_TRUE(run.reachedEnd());
     }
 }
 
@@ -108,8 +107,8 @@ TEST(ConvCli, TheFormatOfTheInputIsRefusedAsFormatOfTheOutput)
         ToolRun run(arguments);
         run.give("a.asc", ascGrid({{1}}));
         run.start();
-        EXPECT_CONSOLE_HOLDS(
-            run, errorEnd("...Closed File Unit:1001", "ERROR - Input grid is .asc format and \"-asc\" specified."));
+        EXPECT_CONSOLE_HOLDS(run,
+                             errorEnd(closedUnit(1001), "ERROR - Input grid is .asc format and \"-asc\" specified."));
         EXPECT_NO_OTHER_FILES(run);
     }
     ToolRun run("-conv a.flt -flt");
@@ -261,7 +260,7 @@ TEST(ConvCli, RefusesBinaryCellsThatAreShort)
         run.give("a.flt", bytes.substr(0, bytes.size() - missing));
         run.give("a.hdr", hdr(3, 2));
         run.start();
-        EXPECT_CONSOLE_HOLDS(run, errorEnd("Opened File Unit:1001", "", kBadCells));
+        EXPECT_CONSOLE_HOLDS(run, errorEnd(openedUnit(1001), "", kBadCells));
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -279,7 +278,7 @@ TEST(ConvCli, RefusesManyBinaryCellsThatAreShort)
                 run.type("b.hdr");
             }
             run.start();
-            EXPECT_CONSOLE_HOLDS(run, errorEnd("Opened File Unit:1001", "", kBadCells));
+            EXPECT_CONSOLE_HOLDS(run, errorEnd(openedUnit(1001), "", kBadCells));
             EXPECT_NO_OTHER_FILES(run);
         }
     }
@@ -312,9 +311,9 @@ TEST(ConvCli, AMissingHdrAsksForAnother)
     run.give("b.hdr", hdr(2, 1));
     run.type("b.hdr");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file a.hdr...", "CHECK 0008 - \"a.hdr\" cannot be found",
-                               "Check file exists and press enter or enter another file name: ",
-                               "Trying to open file b.hdr...OK.", "Opened File Unit:1001"});
+    EXPECT_CONSOLE_HOLDS(run, {opening("a.hdr"), "CHECK 0008 - \"a.hdr\" cannot be found",
+                               "Check file exists and press enter or enter another file name: ", openedInput("b.hdr"),
+                               openedUnit(1001)});
     EXPECT_GRID(run, "a.asc", {{1, 2}});
 }
 
@@ -339,7 +338,7 @@ TEST(ConvCli, AnEmptyFileAndAHeaderAloneAreRefused)
         run.give("a.asc", text);
         run.start();
         EXPECT_CONSOLE_HOLDS(
-            run, errorEnd("Opened File Unit:1001", "", "ERROR 2334 - Reading Grid file header information.", line));
+            run, errorEnd(openedUnit(1001), "", "ERROR 2334 - Reading Grid file header information.", line));
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -349,7 +348,7 @@ TEST(ConvCli, AFolderIsAskedForAsAMissingFile)
     ToolRun run("-conv d");
     run.give("d/x", "");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, errorEnd("Trying to open file d...", "CHECK 0008 - \"d\" cannot be found",
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(opening("d"), "CHECK 0008 - \"d\" cannot be found",
                                        "Check file exists and press enter or enter another file name: "));
 }
 
@@ -407,7 +406,7 @@ TEST(ConvCli, AMissingOutputFolderWaitsForTheUser)
     ToolRun run("-conv a.asc -out no/b");
     run.give("a.asc", ascGrid({{1, 2}}));
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, errorEnd("Trying to open file no/b.hdr...Can't Open", "", "Can't open: no/b.hdr", "",
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(cannotOpen("no/b.hdr"), "", "Can't open: no/b.hdr", "",
                                        "Another application or user maybe using it,",
                                        "   or the file's folder does not exist.",
                                        "If so, close the file or create file path.", "Press Enter to Continue"));

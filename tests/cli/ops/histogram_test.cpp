@@ -14,7 +14,7 @@ Lines startedOn(const std::string& shape, const std::string& kilobytes = "0")
                    {"Allocating " + kilobytes + "Kb memory for storing input grid...", "Reading data..."},
                    ascCells(),
                    {"   Done.", "Getting histogram bins from: c.csv", "Maximum number of bins: 100",
-                    "Trying to open file c.csv...OK.", "Opened File Unit:1001"}});
+                    openedInput("c.csv"), openedUnit(1001)}});
 }
 
 TEST(HistogramCli, CountsTheCellsOfEachBin)
@@ -26,8 +26,8 @@ TEST(HistogramCli, CountsTheCellsOfEachBin)
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
     EXPECT_CONSOLE(run, joined({startedOn("2 rows by 4 columns"),
-                                {"Skipping first line: Limit,Label", "Number of bins found: 2",
-                                 "...Closed File Unit:1001", "Processing Row:", "   Done.", "Found 7 non-null values.",
+                                {"Skipping first line: Limit,Label", "Number of bins found: 2", closedUnit(1001),
+                                 "Processing Row:", "   Done.", "Found 7 non-null values.",
                                  "Writing histogram data to: a_histogram.csv"},
                                 writtenTable("a_histogram.csv"),
                                 normalEnd()}));
@@ -134,13 +134,12 @@ std::string manyBins(int count)
 INSTANTIATE_TEST_SUITE_P(
     BinFile, BinRefusal,
     testing::Values(
-        std::pair{std::string(""), Lines{"Skipping first line: ", "Number of bins found: 0", "...Closed File Unit:1001",
+        std::pair{std::string(""), Lines{"Skipping first line: ", "Number of bins found: 0", closedUnit(1001),
                                          "ERROR - Less than two bins found."}},
-        std::pair{std::string("h\n5,a\n"), Lines{"Skipping first line: h", "Number of bins found: 1",
-                                                 "...Closed File Unit:1001", "ERROR - Less than two bins found."}},
-        std::pair{std::string("h\n5,a\n4,b\n"),
-                  Lines{"Skipping first line: h", "Number of bins found: 2", "...Closed File Unit:1001",
-                        "ERROR - Bins not in increasing order."}},
+        std::pair{std::string("h\n5,a\n"), Lines{"Skipping first line: h", "Number of bins found: 1", closedUnit(1001),
+                                                 "ERROR - Less than two bins found."}},
+        std::pair{std::string("h\n5,a\n4,b\n"), Lines{"Skipping first line: h", "Number of bins found: 2",
+                                                      closedUnit(1001), "ERROR - Bins not in increasing order."}},
         std::pair{std::string("h\n5,a\nx,b\n"),
                   Lines{"Skipping first line: h", "ERROR - Reading following line in classes file:", "x,b"}},
         std::pair{manyBins(101), Lines{"Skipping first line: head", "ERROR - Number of bins exceeds maximum."}}));

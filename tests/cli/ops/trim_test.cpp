@@ -60,10 +60,9 @@ TEST(TrimCli, CutsTheWindowAndEmptiesTheCellsOutside)
                                       {"Processing 1 input grids.", "Proecsing File:  1: dem.asc"},
                                       headerOf("dem.asc", "6 rows by 8 columns"),
                                       {"Allocating 0Kb memory for external grid..."}}));
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"Allocating 0Kb memory for storing output grid...",
-                          "Setting output grid to .asc by default.  To set use -asc or -flt.",
-                          "Writing output to: north_dem", "Trying to open file north_dem.asc...OK.  File Unit:1001"});
+    EXPECT_CONSOLE_HOLDS(run, {"Allocating 0Kb memory for storing output grid...",
+                               "Setting output grid to .asc by default.  To set use -asc or -flt.",
+                               "Writing output to: north_dem", openedOutput("north_dem.asc", 1001)});
     // Corners inside stand at columns 2 to 4 and rows 2 and 3; the window is columns 1 to 5, rows 1 to 4.
     EXPECT_GRID(run, "north_dem.asc", {{n, n, n, n, n}, {n, 32, 33, 34, n}, {n, 22, 23, 24, n}, {n, n, n, n, n}});
     EXPECT_EQ(run.grid("north_dem.asc").xll, 100);
@@ -403,11 +402,11 @@ TEST(TrimCli, AShapefileCutsLikeAMif)
     run.give("dem.asc", ascGrid(numbered(6, 8)));
     giveShpLayer(run, {kNullRecord, kFirstRecord}, {"none", "north east"});
     run.start();
-    EXPECT_CONSOLE_HOLDS(
-        run, {"Shapefile Code: 9994  Length: 124", "Shapefile Version: 1000  Type: 5", "...Closed File Unit:1002",
-              "DBF file contains 2 records.", "1 DBF Fields (Name [#/Type/Length]): NAME [1/C/10]  ",
-              "Allocating memory for storing GIS regions...", "   Done.", "Searching for region objects...",
-              "Region 1 with 6 nodes...", "Closing GIS Layer 1 [l.shp]..."});
+    EXPECT_CONSOLE_HOLDS(run,
+                         {"Shapefile Code: 9994  Length: 124", "Shapefile Version: 1000  Type: 5", closedUnit(1002),
+                          "DBF file contains 2 records.", "1 DBF Fields (Name [#/Type/Length]): NAME [1/C/10]  ",
+                          "Allocating memory for storing GIS regions...", "   Done.", "Searching for region objects...",
+                          "Region 1 with 6 nodes...", "Closing GIS Layer 1 [l.shp]..."});
     EXPECT_GRID(run, "north east_dem.asc", {{n, n, n, n, n}, {n, 32, 33, 34, n}, {n, 22, 23, 24, n}, {n, n, n, n, n}});
     EXPECT_NO_OTHER_FILES(run);
 }

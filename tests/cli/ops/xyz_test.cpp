@@ -30,8 +30,8 @@ TEST(XyzCli, MakesAGridOfPointsInAnyOrder)
                                 {"Processing \"-xyz\" option.",
                                  "Opening input .xyz file: p.xyz",
                                  "Scanning to determine size...",
-                                 "Trying to open file p.xyz...OK.",
-                                 "Opened File Unit:1001",
+                                 openedInput("p.xyz"),
+                                 openedUnit(1001),
                                  "   Done.",
                                  "Total number of points: 6",
                                  "Allocating memory for processing of input...",
@@ -39,7 +39,7 @@ TEST(XyzCli, MakesAGridOfPointsInAnyOrder)
                                  "Rewinding input file...",
                                  "   Done.",
                                  "   Done.",
-                                 "...Closed File Unit:1001",
+                                 closedUnit(1001),
                                  "Determing extents...",
                                  "   Done",
                                  "X Minimum: 100.",
@@ -58,7 +58,7 @@ TEST(XyzCli, MakesAGridOfPointsInAnyOrder)
                                  "Setting output grid to .asc by default.  To set use -asc or -flt.",
                                  "Writing output to: p_xyz_to_grid"},
                                 writtenAsc("p_xyz_to_grid"),
-                                {"Finished."}}));
+                                {kFinished}}));
     EXPECT_GRID(run, "p_xyz_to_grid.asc", {{n, 12.5, -33.25}, {1.5, n, 23}, {11, 21, n}});
     const WrittenGrid grid = run.grid("p_xyz_to_grid.asc");
     EXPECT_EQ(grid.xll, 99);
@@ -101,7 +101,7 @@ TEST(XyzCli, AFileThatCannotBeReadEndsTheRunWhileItIsCounted)
     ToolRun run("-xyz p.xyz");
     std::filesystem::create_symlink("/proc/self/mem", run.folder() / "p.xyz");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, errorEnd("Opened File Unit:1001", "ERROR - Reading following line in classes file:", ""));
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(openedUnit(1001), "ERROR - Reading following line in classes file:", ""));
 }
 
 TEST(XyzCli, ALineIsCutAtItsWidth)
@@ -195,7 +195,7 @@ TEST(XyzCli, AnEmptyFileLeavesTheStartValuesAndNoGrid)
     run.give("p.xyz", "");
     run.start();
     EXPECT_CONSOLE_HOLDS(run, {"Total number of points: 0", "Allocating memory for processing of input...", "   Done.",
-                               "Rewinding input file...", "   Done.", "   Done.", "...Closed File Unit:1001"});
+                               "Rewinding input file...", "   Done.", "   Done.", closedUnit(1001)});
     EXPECT_CONSOLE_HOLDS(run, errorEnd("X Minimum: ********************", "X Maximum: ********************",
                                        "Y Minimum: ********************", "Y Maximum: ********************",
                                        "dx:        9999.", "dy:        9999.", "number rows: 2147483647",

@@ -52,31 +52,31 @@ TEST(RainfallControlCli, TellsItsPasses)
     EXPECT_CONSOLE_HOLDS(run, {"Rainfall interpolation to grid.",
                                "Rainfall control file: rain.rfc",
                                "Scanning rainfaill control file to determine if maximum array sizes are defined...",
-                               "Trying to open file rain.rfc...OK.",
-                               "Opened File Unit:1001",
-                               "...Closed File Unit:1001",
+                               openedInput("rain.rfc"),
+                               openedUnit(1001),
+                               closedUnit(1001),
                                "   Done.",
                                "Maximum number of rainfall locations: 7",
                                "Maximum number of points in hyetograph: 8",
                                "Allocating memory for rainfall curves...",
                                "   Done",
                                "Opening rainfall control file file: rain.rfc",
-                               "Trying to open file rain.rfc...OK.",
-                               "Opened File Unit:1001",
+                               openedInput("rain.rfc"),
+                               openedUnit(1001),
                                "New hyetogrpah :a",
                                "Getting rainfall hyetograph...",
-                               "Trying to open file a.csv...OK.",
-                               "Opened File Unit:1002",
-                               "...Closed File Unit:1002",
+                               openedInput("a.csv"),
+                               openedUnit(1002),
+                               closedUnit(1002),
                                "Number of points in damage curve found: 2",
                                "New hyetogrpah :b",
                                "Getting rainfall hyetograph...",
-                               "Trying to open file b.csv...OK.",
-                               "Opened File Unit:1002",
-                               "...Closed File Unit:1002",
+                               openedInput("b.csv"),
+                               openedUnit(1002),
+                               closedUnit(1002),
                                "Number of points in damage curve found: 2",
                                "Finished first processing rf control file.",
-                               "...Closed File Unit:1001",
+                               closedUnit(1001),
                                "Checking rainfall hyetographs have consistent times.",
                                "   OK.",
                                "Determining rainfall grid size.",
@@ -84,8 +84,8 @@ TEST(RainfallControlCli, TellsItsPasses)
                                "Allocating memory for rainfall depth and cumulative rainfall depth..",
                                "Memory required: 0kB",
                                "   Done.",
-                               "Trying to open file rain_index.csv...OK.  File Unit:1001"});
-    EXPECT_CONSOLE_HOLDS(run, {"Finished."});
+                               openedOutput("rain_index.csv", 1001)});
+    EXPECT_CONSOLE_HOLDS(run, {kFinished});
 }
 
 TEST(RainfallControlCli, TakesOneControlFile)
@@ -170,7 +170,7 @@ TEST(RainfallControlCli, ACellOfAThousandthPasses)
                                         "RF Interpolation Method == Poly\nRF Grid Format == FLT\n");
     run.start();
     EXPECT_TRUE(run.says("Rainfall Grid Dimensions (N,M): 2,1001"));
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 TEST(RainfallControlCli, RefusesASizeThatSaysNotWhat)
@@ -197,7 +197,7 @@ TEST(RainfallControlCli, RefusesUnknownMethods)
 TEST(RainfallControlCli, NeedsAMethod)
 {
     expectRefusal(kRainfallGrid + kTwoHyetographs,
-                  {"Finished first processing rf control file.", "...Closed File Unit:1001",
+                  {"Finished first processing rf control file.", closedUnit(1001),
                    "ERROR - Rainfall Interpolation method not specified.  Please use \"RF Interpolation Method == \""});
     expectRefusal("",
                   {"ERROR - Rainfall Interpolation method not specified.  Please use \"RF Interpolation Method == \""});

@@ -29,7 +29,7 @@ void expectPass(const std::string& a, const std::string& b)
     run.give("a.csv", a);
     run.give("b.csv", b);
     run.start();
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 std::string lines(int count)
@@ -45,15 +45,15 @@ TEST(RainfallHyetographCli, NeedsTwoPoints)
 {
     const std::string message = "ERROR - Less than 2 points in damages curve.";
     for (const std::string empty : {"", "Time,Depth", "Time,Depth\r\n"}) {
-        expectRefusal(empty, {"...Closed File Unit:1002", "Number of points in damage curve found: 0", message});
+        expectRefusal(empty, {closedUnit(1002), "Number of points in damage curve found: 0", message});
     }
-    expectRefusal(lines(1), {"...Closed File Unit:1002", "Number of points in damage curve found: 1", message});
+    expectRefusal(lines(1), {closedUnit(1002), "Number of points in damage curve found: 1", message});
 }
 
 TEST(RainfallHyetographCli, TakesAHundredPointsUnlessMoreAreAllowed)
 {
     expectPass(lines(100), lines(100));
-    expectRefusal(lines(101), {"Opened File Unit:1002", "ERROR - Number of data points in hyetogprah exceeds maximum.",
+    expectRefusal(lines(101), {openedUnit(1002), "ERROR - Number of data points in hyetogprah exceeds maximum.",
                                "   Please specify with \"Maximum Points in Hyetograph == \""});
     ToolRun run("-b -rf rain.rfc");
     giveRainfall(run, kCase + "Maximum Points in Hyetograph == 101\n");
@@ -61,7 +61,7 @@ TEST(RainfallHyetographCli, TakesAHundredPointsUnlessMoreAreAllowed)
     run.give("b.csv", lines(101));
     run.start();
     EXPECT_TRUE(run.says("Number of points in damage curve found: 101"));
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 TEST(RainfallHyetographCli, RefusesLinesThatCannotBeRead)
@@ -132,7 +132,7 @@ TEST(RainfallHyetographCli, TheNameIsTheRestOfTheCommand)
     EXPECT_TRUE(run.says("New hyetogrpah :North Hill"));
     EXPECT_TRUE(run.says("New hyetogrpah :"));
     EXPECT_TRUE(run.says("New hyetogrpah :" + longName.substr(0, 100)));
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 TEST(RainfallHyetographCli, AMissingFileEndsWithTheDialogue)

@@ -36,7 +36,7 @@ TEST(RainfallIdwCli, WeighsAllPointsByTheSquareOfTheDistance)
                                "Memory required: 0kB", // 6 cells * (1 + 2) * 8 bytes
                                "   Done.", "Finding hyetographs for points.", "   Done",
                                "Setting IDW weighting factors for rainfall grid", "Done", "Processing time: 0.",
-                               "Trying to open file rain_t0..asc...OK.  File Unit:1002"});
+                               openedOutput("rain_t0..asc", 1002)});
     // South-west: (2 / 10^2 + 10 / 30^2) / (1 / 10^2 + 1 / 30^2) = 2.8; the middle is half way; north-west:
     // squares of distances 200 and 1000: (2 / 200 + 10 / 1000) / (1 / 200 + 1 / 1000) = 3.3333.
     EXPECT_GRID(run, "rain_t0..asc", {{3.333, 6, 8.667}, {2.8, 6, 9.2}});

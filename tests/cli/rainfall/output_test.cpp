@@ -69,10 +69,10 @@ TEST(RainfallOutputCli, NetcdfHasNoGridsBesideIt)
     giveCase(run, "RF Grid Format == NC\n");
     run.start();
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file rain_index.csv...OK.  File Unit:1001",
-                               "Opening output .nc file: rain.nc", "Created NETCDF file \"rain.nc\"",
-                               "Finished initialising netcdf file.", "Using rainfall polygons."});
-    EXPECT_CONSOLE_HOLDS(run, {"Processing time: 0.", "Processing time: 0.5", "...Closed File Unit:1001", "Finished."});
+    EXPECT_CONSOLE_HOLDS(run, {openedOutput("rain_index.csv", 1001), "Opening output .nc file: rain.nc",
+                               "Created NETCDF file \"rain.nc\"", "Finished initialising netcdf file.",
+                               "Using rainfall polygons."});
+    EXPECT_CONSOLE_HOLDS(run, {"Processing time: 0.", "Processing time: 0.5", closedUnit(1001), kFinished});
     EXPECT_EQ(run.read("rain_index.csv"), "");
     EXPECT_THAT(run.changedFiles(), ElementsAre("rain.nc", "rain_index.csv", "rf_fac.asc", "rf_index.asc"));
 }
@@ -95,7 +95,7 @@ TEST(RainfallOutputCli, NetcdfThatFindsNoRoomEndsTheRun)
     std::filesystem::create_symlink("/dev/full", run.folder() / "rain.nc");
     run.start();
     EXPECT_TRUE(run.says("Netcdf error message: No space left on device"));
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
 }
 
 TEST(RainfallOutputCli, EveryNetcdfCallThatFailsIsNamed)

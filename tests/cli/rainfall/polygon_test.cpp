@@ -29,51 +29,51 @@ TEST(RainfallPolygonCli, RainsByAreasAndSumsUp)
     giveRainfallLayer(run, "areas", kSouthWest + kEast, "\"A\",1.5,2\n\" b\",1,1\n");
     run.start();
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, {"Trying to open file rain_index.csv...OK.  File Unit:1001",
+    EXPECT_CONSOLE_HOLDS(run, {openedOutput("rain_index.csv", 1001),
                                "Using rainfall polygons.",
                                "Allocating memory for polygons.",
                                "Memory required: 0kB",
                                "   Done.",
                                "Searching rainfall control file for polygons: rain.rfc",
-                               "Trying to open file rain.rfc...OK.",
-                               "Opened File Unit:1002",
+                               openedInput("rain.rfc"),
+                               openedUnit(1002),
                                "Opening GIS Layer: areas.mif",
                                "GIS Layer assigned ID of 1",
-                               "Trying to open file areas.mif...OK.",
-                               "Opened File Unit:1003",
-                               "Trying to open file areas.mid...OK.",
-                               "Opened File Unit:1004",
+                               openedInput("areas.mif"),
+                               openedUnit(1003),
+                               openedInput("areas.mid"),
+                               openedUnit(1004),
                                kFields,
                                "WARNING - Overlapping rainfall areas.", // the cell that both have
                                "Closing GIS Layer 1 [areas.mif]...",
-                               "...Closed File Unit:1003",
-                               "...Closed File Unit:1004",
-                               "Trying to open file rf_index.asc...OK.  File Unit:1003",
+                               closedUnit(1003),
+                               closedUnit(1004),
+                               openedOutput("rf_index.asc", 1003),
                                "Writing ASC grid...",
                                "Finished writing ASC grid.",
-                               "...Closed File Unit:1003",
-                               "Trying to open file rf_fac.asc...OK.  File Unit:1003",
+                               closedUnit(1003),
+                               openedOutput("rf_fac.asc", 1003),
                                "Writing ASC grid...",
                                "Finished writing ASC grid.",
-                               "...Closed File Unit:1003",
+                               closedUnit(1003),
                                " Finished reading rainfall polygons.",
-                               "...Closed File Unit:1002",
+                               closedUnit(1002),
                                "Processing time: 0.",
-                               "Trying to open file rain_t0..asc...OK.  File Unit:1002",
+                               openedOutput("rain_t0..asc", 1002),
                                "Writing ASC grid...",
                                "Finished writing ASC grid.",
-                               "...Closed File Unit:1002",
+                               closedUnit(1002),
                                "Processing time: 0.5",
-                               "Trying to open file rain_t0.5.asc...OK.  File Unit:1002",
+                               openedOutput("rain_t0.5.asc", 1002),
                                "Writing ASC grid...",
                                "Finished writing ASC grid.",
-                               "...Closed File Unit:1002",
-                               "...Closed File Unit:1001",
-                               "Trying to open file rain_total.asc...OK.  File Unit:1001",
+                               closedUnit(1002),
+                               closedUnit(1001),
+                               openedOutput("rain_total.asc", 1001),
                                "Writing ASC grid...",
                                "Finished writing ASC grid.",
-                               "...Closed File Unit:1001",
-                               "Finished."});
+                               closedUnit(1001),
+                               kFinished});
     EXPECT_GRID(run, "rf_index.asc", {{n, 2, 2}, {1, 2, 2}});
     EXPECT_GRID(run, "rf_fac.asc", {{n, 1, 1}, {3, 1, 1}});
     EXPECT_GRID(run, "rain_t0..asc", {{n, 10, 10}, {6, 10, 10}});
@@ -130,9 +130,8 @@ TEST(RainfallPolygonCli, WithoutLayersItNeverRains)
     ToolRun run("-b -rf rain.rfc");
     giveRainfall(run, kRainfallGrid + kTwoHyetographs + "RF Interpolation Method == Poly\n");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run, {"Searching rainfall control file for polygons: rain.rfc",
-                               "Trying to open file rain.rfc...OK.", "Opened File Unit:1002",
-                               "Trying to open file rf_index.asc...OK.  File Unit:1003"});
+    EXPECT_CONSOLE_HOLDS(run, {"Searching rainfall control file for polygons: rain.rfc", openedInput("rain.rfc"),
+                               openedUnit(1002), openedOutput("rf_index.asc", 1003)});
     EXPECT_GRID(run, "rain_t0..asc", {{n, n, n}, {n, n, n}});
 }
 
@@ -279,7 +278,7 @@ TEST(RainfallPointsCli, QuotesInTheNameOfATableDoNotHideItsFactors)
     run.give("gauges.prj", "PROJCS[\"x\"]\n");
     run.start();
     EXPECT_TRUE(run.says("WARNING - F1 rainfall factor of 0 set to 1. RF Name: \"Mill\", east"));
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 }
 
 TEST(RainfallPointsCli, ACommaAtTheEndOfARecordHoldsAnEmptyFactor)
@@ -292,7 +291,7 @@ TEST(RainfallPointsCli, ACommaAtTheEndOfARecordHoldsAnEmptyFactor)
     EXPECT_CONSOLE_HOLDS(
         run, {kFields, "WARNING - F2 rainfall factor of 0 set to 1. RF Name: b", " Finished reading rainfall points."});
     EXPECT_CONSOLE_HOLDS(run, {kFields, "WARNING - F2 rainfall factor of 0 set to 1. RF Name: a"});
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
 
     ToolRun empty("-b -rf rain.rfc");
     giveRainfall(empty, kWithPoints);

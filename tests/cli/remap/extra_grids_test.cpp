@@ -1,4 +1,5 @@
 #include "cli/remap/remap_grids.h"
+#include "support/consoles.h"
 
 #include <chrono>
 
@@ -31,26 +32,26 @@ TEST(RemapExtraGrids, TakeTheNearestCoarseCellWhereThereIsADepth)
     EXPECT_CONSOLE_HOLDS(run, {"   Number of grids to remap without interporation:  1", "   more/haz.asc"});
     EXPECT_CONSOLE_HOLDS(run, {"",
                                "Processing: more/haz.asc",
-                               "Trying to open file more/haz.asc...OK.",
-                               "Opened File Unit:1001",
+                               openedInput("more/haz.asc"),
+                               openedUnit(1001),
                                "External Grid Info: 3 rows by 3 columns with 2. cell size.",
                                "Checking grid extent matches water level grid...",
                                "    OK.",
                                "Reading grid data",
                                "Reading ASCII grid...",
                                "",
-                               "...Closed File Unit:1001",
+                               closedUnit(1001),
                                "Using wet/dry flags of water level grid...",
                                "Extending output grid extent to match water level extent.",
                                "Total rows: 3",
                                "Processing row:",
                                "   Done.",
                                "Assinging nearest grid results to DEM grid locations - Row:",
-                               "Trying to open file more/haz_remap.asc...OK.  File Unit:1001",
+                               openedOutput("more/haz_remap.asc", 1001),
                                "Writing ASC grid...",
                                "Finished writing ASC grid.",
-                               "...Closed File Unit:1001",
-                               "Finished."});
+                               closedUnit(1001),
+                               kFinished});
     Cells expected = hazardOnFineCells();
     expected[1][1] = kNull;
     EXPECT_GRID(run, "more/haz_remap.asc", expected);
@@ -92,7 +93,7 @@ TEST(RemapExtraGrids, LevelsAndDepthsAreSkippedByTheirNames)
     EXPECT_CONSOLE_HOLDS(run, {"   Number of grids to remap without interporation:  5", "   x_h_max.asc"});
     EXPECT_CONSOLE_HOLDS(run, {"", "Skipping water level gird: x_h_max.asc", "Skipping water depth gird: x_D_max.asc",
                                "Skipping water level gird: old_H_runs/haz.asc", "Processing: x_hd.asc"});
-    EXPECT_CONSOLE_HOLDS(run, {"Skipping water level gird: both_d_h_x.asc", "Finished."});
+    EXPECT_CONSOLE_HOLDS(run, {"Skipping water level gird: both_d_h_x.asc", kFinished});
     EXPECT_GRID(run, "x_hd_remap.asc", hazardOnFineCells());
     run.expectFile("wl_remap_h.asc");
     run.expectFile("wl_remap_d.asc");

@@ -29,33 +29,33 @@ TEST(RemapIdwCli, GrowsToTheWall)
     EXPECT_EQ(run.error(), "");
     EXPECT_CONSOLE(
         run,
-        joined({{kBanner, "CHECK - Buffer distance specified, use IDW interporation.", kWildcards,
-                 "Input File  1: wl.asc", "   File  1: wl.asc", "Processing -remap option.",
-                 "   Water Level Grid: wl.asc", "   High Res DEM:     dem.asc",
-                 "   Number of grids to remap without interporation:  0", "Trying to open file wl.asc...OK.",
-                 "Opened File Unit:1001", "External Grid Info: 1 rows by 4 columns with 2. cell size.",
-                 "Allocating 0Kb memory for storing water levels...", "Reading WL data"},
-                ascCells(),
-                {"Allocating 0Kb memory for mod wet/dry flags",
-                 "Adding freeboard and setting wet/dry flags for modelled grid...", "   Done.",
-                 "Allocating 0Kb memory for maximum extent flags", "Allocating 0Kb memory for working array...",
-                 "Setting maximum extent flags based on buffer distance of 4.",
-                 "Found            1 wet cells in input grid and added            3 buffered cells.",
-                 "Reading DEM header..."},
-                headerOf("dem.asc", "2 rows by 8 columns"),
-                {"Allocating 0Kb memory for storing DEM.", "Reading DEM data"},
-                ascCells(),
-                {"Allocating 0Kb memory for processing", kFormatOfInputs,
-                 "Using specified number of points for IDW interpolation of 1",
-                 "Beginning IDW interpolation, this may take a while.", "Total rows: 1", "Processing row:", "   Done."},
-                writtenAsc("wl_h_IDW"),
-                {"Interpolating IDW results to DEM - Row:", "Extending extent outward, maximum number of iterations: 5",
-                 "Iteration 1 extra wet cells 4", "Iteration 2 extra wet cells 2", "Iteration 3 extra wet cells 0"},
-                writtenAsc("wl_remap_h"),
-                {"Calculating depths based on interpolated levels - Row:"},
-                writtenAsc("wl_remap_d"),
-                {""},
-                normalEnd()}));
+        joined(
+            {{kBanner, "CHECK - Buffer distance specified, use IDW interporation.", kWildcards, "Input File  1: wl.asc",
+              "   File  1: wl.asc", "Processing -remap option.", "   Water Level Grid: wl.asc",
+              "   High Res DEM:     dem.asc", "   Number of grids to remap without interporation:  0",
+              openedInput("wl.asc"), openedUnit(1001), "External Grid Info: 1 rows by 4 columns with 2. cell size.",
+              "Allocating 0Kb memory for storing water levels...", "Reading WL data"},
+             ascCells(),
+             {"Allocating 0Kb memory for mod wet/dry flags",
+              "Adding freeboard and setting wet/dry flags for modelled grid...", "   Done.",
+              "Allocating 0Kb memory for maximum extent flags", "Allocating 0Kb memory for working array...",
+              "Setting maximum extent flags based on buffer distance of 4.",
+              "Found            1 wet cells in input grid and added            3 buffered cells.",
+              "Reading DEM header..."},
+             headerOf("dem.asc", "2 rows by 8 columns"),
+             {"Allocating 0Kb memory for storing DEM.", "Reading DEM data"},
+             ascCells(),
+             {"Allocating 0Kb memory for processing", kFormatOfInputs,
+              "Using specified number of points for IDW interpolation of 1",
+              "Beginning IDW interpolation, this may take a while.", "Total rows: 1", "Processing row:", "   Done."},
+             writtenAsc("wl_h_IDW"),
+             {"Interpolating IDW results to DEM - Row:", "Extending extent outward, maximum number of iterations: 5",
+              "Iteration 1 extra wet cells 4", "Iteration 2 extra wet cells 2", "Iteration 3 extra wet cells 0"},
+             writtenAsc("wl_remap_h"),
+             {"Calculating depths based on interpolated levels - Row:"},
+             writtenAsc("wl_remap_d"),
+             {""},
+             normalEnd()}));
     EXPECT_GRID(run, "wl_h_IDW.asc", {{5, 5, 5, 5}});
     EXPECT_EQ(run.grid("wl_h_IDW.asc").cellsize, 2);
     EXPECT_GRID(run, "wl_remap_h.asc", kStripLevels);
@@ -105,8 +105,7 @@ TEST(RemapIdwCli, TheLimitOfTheBufferHoldsWithAnExtentGridToo)
     run.give("dem.asc", ascGrid(Cells(1, std::vector<double>(12, 1))));
     run.start();
     EXPECT_GRID(run, "wl_h_IDW.asc", Cells(1, std::vector<double>(12, 5)));
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"Iteration 5 extra wet cells 1", "Trying to open file wl_remap_h.asc...OK.  File Unit:1001"});
+    EXPECT_CONSOLE_HOLDS(run, {"Iteration 5 extra wet cells 1", openedOutput("wl_remap_h.asc", 1001)});
     EXPECT_GRID(run, "wl_remap_h.asc", {{n, n, n, n, n, 5, 5, 5, 5, 5, 5, 5}});
 }
 
@@ -221,12 +220,11 @@ TEST(RemapIdwCli, ReportsEveryHundredthIteration)
     run.give("dem.asc", ascGrid(line(2)));
     run.start();
     EXPECT_CONSOLE_HOLDS(run, {"Iteration 1 extra wet cells 2", "Iteration 2 extra wet cells 1"});
-    EXPECT_CONSOLE_HOLDS(run, {"Iteration 99 extra wet cells 1",
-                               "Trying to open file wl_d2_iter100.asc...OK.  File Unit:1001", "Writing ASC grid...",
-                               "Finished writing ASC grid.", "...Closed File Unit:1001",
+    EXPECT_CONSOLE_HOLDS(run, {"Iteration 99 extra wet cells 1", openedOutput("wl_d2_iter100.asc", 1001),
+                               "Writing ASC grid...", "Finished writing ASC grid.", closedUnit(1001),
                                "Iteration 100 extra wet cells 1", "Iteration 101 extra wet cells 1"});
     EXPECT_CONSOLE_HOLDS(run, {"Iteration 148 extra wet cells 1", "Iteration 149 extra wet cells 0",
-                               "Trying to open file wl_remap_h.asc...OK.  File Unit:1001"});
+                               openedOutput("wl_remap_h.asc", 1001)});
     Cells report = line(5); // levels, in spite of the name
     std::fill(report[0].begin(), report[0].begin() + 48, kNull);
     EXPECT_GRID(run, "wl_d2_iter100.asc", report);

@@ -64,7 +64,7 @@ TEST_F(LargeTerrain, IsRemappedByTin)
     giveTerrain(run);
     giveLevels(run);
     run.start();
-    ASSERT_TRUE(run.says("Finished.")) << run.console();
+    ASSERT_TRUE(run.reachedEnd()) << run.console();
     for (const char* name : {"wl_remap_h.flt", "wl_remap_d.flt"}) {
         const std::string bytes = run.read(name);
         ASSERT_EQ(bytes.size(), kBytes);
@@ -82,7 +82,7 @@ TEST_F(LargeTerrain, IsRemappedByIdw)
     giveTerrain(run);
     giveLevels(run);
     run.start();
-    ASSERT_TRUE(run.says("Finished.")) << run.console();
+    ASSERT_TRUE(run.reachedEnd()) << run.console();
     const std::string bytes = run.read("wl_remap_h.flt");
     ASSERT_EQ(bytes.size(), kBytes);
     EXPECT_EQ(cellOf(bytes, 1, 1), 2.5F);
@@ -98,7 +98,7 @@ TEST_F(LargeTerrain, IsSampledAtPoints)
                       "Columns 2\n  Observed Float\n  Label Char(9)\nData\n\nPoint 3000.25 2000\nPoint 40 50\n");
     run.give("p.mid", "1.5,\"a\"\n0,\"b\"\n");
     run.start();
-    ASSERT_TRUE(run.says("Finished.")) << run.console();
+    ASSERT_TRUE(run.reachedEnd()) << run.console();
     EXPECT_EQ(run.read("p.csv"), "\"Label\",\"Observed\",\"Modelled\",\"Difference\",\"Distance\"\r\n"
                                  "\"a\",    1.500,    0.000,   -1.500,    0.250\r\n"
                                  "\"b\",    0.000,    0.000,    0.000,    0.000\r\n");

@@ -19,8 +19,8 @@ TEST(RemapTinCli, PutsThePlaneOnTheTerrain)
     EXPECT_CONSOLE(
         run, joined({startOf({"wl.asc"}),
                      {"Processing -remap option.", "   Water Level Grid: wl.asc", "   High Res DEM:     dem.asc",
-                      "   Number of grids to remap without interporation:  0", "Trying to open file wl.asc...OK.",
-                      "Opened File Unit:1001", "External Grid Info: 3 rows by 3 columns with 2. cell size.",
+                      "   Number of grids to remap without interporation:  0", openedInput("wl.asc"), openedUnit(1001),
+                      "External Grid Info: 3 rows by 3 columns with 2. cell size.",
                       "Allocating 0Kb memory for storing water levels...", "Reading WL data"},
                      ascCells(),
                      {"Allocating 0Kb memory for mod wet/dry flags",

@@ -101,7 +101,7 @@ std::vector<std::string> points(ToolRun& run, const std::string& objects, const 
 {
     giveLines(run, objects, records, cells);
     run.start();
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
     std::vector<std::string> lines;
     const std::string text = run.read("b_brkline.mid");
     for (std::size_t at = 0; at < text.size();) {
@@ -400,7 +400,7 @@ TEST(BrklineCli, ARecordThatCannotBeReadEndsTheRun)
         run.start();
         EXPECT_CONSOLE_HOLDS(run, {"Searching for Lines and Polylines...",
                                    "ERROR - Extracting attribute data for GIS object.  Data: " + record});
-        EXPECT_FALSE(run.says("Finished."));
+        EXPECT_FALSE(run.reachedEnd());
     }
 }
 
@@ -426,7 +426,7 @@ TEST(BrklineCli, ACombinedPolylineEndsTheRun)
     run.start();
     EXPECT_CONSOLE_HOLDS(run, {"Searching for Lines and Polylines...",
                                "ERROR - Combined polylines not yet supported.  Please disaggregate."});
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
 }
 
 TEST(BrklineCli, OnlyOneGridIsTaken)
@@ -436,7 +436,7 @@ TEST(BrklineCli, OnlyOneGridIsTaken)
     run.give("two.asc", ascGrid(rowColumnCells()));
     run.start();
     EXPECT_CONSOLE_HOLDS(run, {"Processing -brkline option... ", "ERROR - Only one input grid file supported."});
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
     EXPECT_NO_OTHER_FILES(run);
 }
 

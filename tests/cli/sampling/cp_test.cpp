@@ -41,7 +41,7 @@ TEST(CpCli, TakesTheNearestCellOfEachPoint)
                                 projectionOf("p"),
                                 openedMif("p"),
                                 {"2 MIF Fields: Name [#/Type]: Obs [1/Float]  Mark [2/Char(20)]  ",
-                                 "Writing summary data to: p.csv", "Trying to open file p.csv...OK.  File Unit:1003"},
+                                 "Writing summary data to: p.csv", openedOutput("p.csv", 1003)},
                                 createdMif("p_Res", 2, 1004),
                                 createdMif("p_Cn", 3, 1006),
                                 {"Loading grid data..."},
@@ -52,7 +52,7 @@ TEST(CpCli, TakesTheNearestCellOfEachPoint)
                                 closedMif("p"),
                                 closedMif("p_Res", 2, 1004),
                                 closedMif("p_Cn", 3, 1006),
-                                {"...Closed File Unit:1003"},
+                                {closedUnit(1003)},
                                 normalEnd()}));
     // The corner (4, 4) is 0.3 and 0.4 away: 0.5. The corner (6, 5) is 0.25 away.
     EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"left bank\",   40.500,   44.000,    3.500,    0.500\r\n"
@@ -221,7 +221,7 @@ TEST(CpCli, ALayerWithoutPointsGivesEmptyOutputs)
     ToolRun run("-b -cp p.mif -cpsd4 dem.asc");
     giveMarks(run, "", "");
     run.start();
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
     EXPECT_EQ(run.read("p.csv"), kHeading);
     EXPECT_EQ(mifObjects(run.read("p_Res.mif")), "");
     EXPECT_EQ(run.read("p_Cn.mid"), "");
@@ -273,12 +273,11 @@ TEST(CpCli, ConfigGivesASymbolByTheDifference)
     giveMarks(run, "Point 4.3 4.4\nPoint 4.3 4.4\nPoint 4.3 4.4\nPoint 4.3 4.4\n", "40,a\n45,b\n39.5,c\n45.5,d\n");
     run.give("c.csv", "Up to,Shape,Colour,Size\n-1.0,35,255,12\n-1 36 65280 10\n4,34,0,8");
     run.start();
-    EXPECT_CONSOLE_HOLDS(run,
-                         {"Using search distance of 4.", "   Use -cpsd<distance> input argument to modify.",
-                          "Reading calibration point config file: c.csv", "Maximum number of thrsholds: 100",
-                          "Trying to open file c.csv...OK.", "Opened File Unit:1001",
-                          "Skipping first line: Up to,Shape,Colour,Size", "Number of thresholds in CP file: 3",
-                          "...Closed File Unit:1001", "   Finished reading config file.", "Getting Projection..."});
+    EXPECT_CONSOLE_HOLDS(run, {"Using search distance of 4.", "   Use -cpsd<distance> input argument to modify.",
+                               "Reading calibration point config file: c.csv", "Maximum number of thrsholds: 100",
+                               openedInput("c.csv"), openedUnit(1001), "Skipping first line: Up to,Shape,Colour,Size",
+                               "Number of thresholds in CP file: 3", closedUnit(1001),
+                               "   Finished reading config file.", "Getting Projection..."});
     EXPECT_CONSOLE_HOLDS(run,
                          {"Searching for Points...", "Warning above difference is above highest value in config file.",
                           "Closing GIS Layer 1 [p.mif]..."});
@@ -295,7 +294,7 @@ std::vector<std::string> configEnd(ToolRun& run, const std::string& text)
     run.give("c.csv", text);
     run.start();
     EXPECT_FALSE(run.says("   Finished reading config file."));
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
     EXPECT_NO_OTHER_FILES(run);
     return run.consoleLines();
 }
@@ -320,7 +319,7 @@ TEST(CpCli, ConfigTakes100ThresholdsAndNoMore)
     full.give("c.csv", text);
     full.start();
     EXPECT_TRUE(full.says("Number of thresholds in CP file: 100"));
-    EXPECT_TRUE(full.says("Finished."));
+    EXPECT_TRUE(full.reachedEnd());
 
     ToolRun run("-b -cp p.mif -config c.csv dem.asc");
     configEnd(run, text + "not even a number\n");
@@ -332,7 +331,7 @@ TEST(CpCli, ConfigNeedsTwoThresholds)
     for (const std::string text : {"heading\n1,35,0,12\n", "heading\n", ""}) {
         ToolRun run("-b -cp p.mif -config c.csv dem.asc");
         configEnd(run, text);
-        EXPECT_CONSOLE_HOLDS(run, {"...Closed File Unit:1001", "ERROR - Less than two thresholds found."});
+        EXPECT_CONSOLE_HOLDS(run, {closedUnit(1001), "ERROR - Less than two thresholds found."});
     }
 }
 
@@ -376,7 +375,7 @@ TEST(CpCli, AShapefileGivesShapefiles)
                  {"  40.5left   ", "  57.0bridge "});
     run.give("c.csv", "heading\n0,1,2,3\n9,4,5,6\n"); // symbols have no place in a Shapefile
     run.start();
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
     EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"left\",   40.500,   44.000,    3.500,    0.500\r\n"
                                                          "\"bridge\",   57.000,   56.000,   -1.000,    0.250\r\n");
     EXPECT_THAT(tableOf(run.read("p_Res_P.dbf")),
@@ -434,7 +433,7 @@ TEST(CpCli, ABlankLastNumberOfATableIs0)
     giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{"OBS", 'N', 6}, {"MARK", 'C', 4}, {"MODEL", 'N', 6}},
                  {"  40.5a         "});
     run.start();
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
     EXPECT_EQ(run.read("p.csv"), std::string(kHeading) + "\"a\",   40.500,    0.000,  -40.500,   -1.000\r\n");
 }
 
@@ -492,7 +491,7 @@ TEST(CpCli, ATableWithoutColumnsIsRefusedByItsReader)
     giveShpMarks(run, {pointRecord(4.3, 4.4)}, {}, {""});
     run.start();
     EXPECT_TRUE(run.says("ERROR 0319 - No attributes specified in .dbf file."));
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -595,7 +594,7 @@ TEST(CpCli, ADataLineThatCannotBeReadEndsTheRun)
         giveMarks(run, "Point 4.3 4.4\n", line + "\n", three ? kThreeColumns : kTwoColumns);
         run.start();
         EXPECT_TRUE(run.says("ERROR - Extracting attribute data for GIS object.  Data: " + line)) << line;
-        EXPECT_THAT(run.console(), Not(HasSubstr("Finished.")));
+        EXPECT_THAT(run.console(), Not(HasSubstr(kFinished)));
     }
 }
 
@@ -617,7 +616,7 @@ TEST(CpCli, CoordinatesThatAreNowhereGiveNoValue)
     ToolRun run("-b -cp p.mif -cpsd4 -cpmm4 dem.asc");
     giveMarks(run, "Point 1e300 -1e300\nPoint NaN 5\n", "40,a\n41,b\n");
     run.start();
-    EXPECT_TRUE(run.says("Finished."));
+    EXPECT_TRUE(run.reachedEnd());
     EXPECT_THAT(run.read("p.csv"), HasSubstr("\"a\",   40.000,99999.000,99999.000,99999.000"));
     EXPECT_THAT(run.read("p.csv"), HasSubstr("\"b\",   41.000,99999.000,99999.000,99999.000"));
 }

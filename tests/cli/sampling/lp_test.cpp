@@ -58,7 +58,7 @@ TEST(LpCli, WritesInvertAndBanksAlongALine)
                                 {"   Done.", "Searching for Lines and Polylines...", "Polyline 1 with 2 nodes...",
                                  "Inserting vertices...", "   Done.", "Allocate memory for processing of LP line: main",
                                  "   Done.", "Pre process line information...", "   Done.", "Extracting elevations...",
-                                 "Trying to open file l_main.csv...OK.  File Unit:1003", "...Closed File Unit:1003",
+                                 openedOutput("l_main.csv", 1003), closedUnit(1003),
                                  "Deallocation of temporary memory.", "   Done."},
                                 closedMif("l"),
                                 normalEnd()}));
@@ -226,7 +226,7 @@ TEST(LpCli, ACombinedPolylineEndsTheRun)
     run.start();
     EXPECT_CONSOLE_HOLDS(run, {"Searching for Lines and Polylines...",
                                "ERROR - Combined polylines not yet supported.  Please disaggregate."});
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
 }
 
 TEST(LpCli, ALineWithoutLabelEndsTheRun)
@@ -235,7 +235,7 @@ TEST(LpCli, ALineWithoutLabelEndsTheRun)
     giveLines(run, kMain, "\n");
     run.start();
     EXPECT_TRUE(run.says("ERROR - Extracting attribute data for GIS object.  Data: "));
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
 }
 
 TEST(LpCli, MoreThanTenMillionVerticesEndTheRun)

@@ -58,20 +58,20 @@ TEST(NaCli, WritesATableOfHeightsAndAreas)
     run.start();
     EXPECT_EQ(run.status(), 0);
     EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE(run, joined({startOf({"dem.asc"}),
-                                {"Processing -na option... "},
-                                projectionOf("n"),
-                                openedMif("n"),
-                                {std::string(kFields), "Loading grid data..."},
-                                headerOf("dem.asc", "9 rows by 9 columns", 1003),
-                                {"Allocating 0Kb memory for storing input grid...", "Reading data..."},
-                                ascCells(1003),
-                                {"   Done.", "Searching for region objects...", "Region 1 with 6 nodes...",
-                                 "Found 9 DEM values within region.", "Elevations range from 1. to 1.25",
-                                 "Writing nodal-area data to: pond.csv",
-                                 "Trying to open file pond.csv...OK.  File Unit:1003", "...Closed File Unit:1003"},
-                                closedMif("n"),
-                                normalEnd()}));
+    EXPECT_CONSOLE(run,
+                   joined({startOf({"dem.asc"}),
+                           {"Processing -na option... "},
+                           projectionOf("n"),
+                           openedMif("n"),
+                           {std::string(kFields), "Loading grid data..."},
+                           headerOf("dem.asc", "9 rows by 9 columns", 1003),
+                           {"Allocating 0Kb memory for storing input grid...", "Reading data..."},
+                           ascCells(1003),
+                           {"   Done.", "Searching for region objects...", "Region 1 with 6 nodes...",
+                            "Found 9 DEM values within region.", "Elevations range from 1. to 1.25",
+                            "Writing nodal-area data to: pond.csv", openedOutput("pond.csv", 1003), closedUnit(1003)},
+                           closedMif("n"),
+                           normalEnd()}));
     // A millimetre above 1.0 lie two cells, at the tenth above four, then three more, then the two of 1.25.
     EXPECT_EQ(run.read("pond.csv"), "\"Height\",\"Area\"\r\n"
                                     "   1.001,               2.000\r\n"
@@ -201,7 +201,7 @@ TEST(NaCli, AFlatRegionEndsTheRun)
         run.start();
         EXPECT_CONSOLE_HOLDS(run, {top > 1 ? "Elevations range from 1. to 1.001" : "Elevations range from 1. to 1.",
                                    "ERROR - Maximum value less or equal to minimum value."});
-        EXPECT_FALSE(run.says("Finished."));
+        EXPECT_FALSE(run.reachedEnd());
         EXPECT_NO_OTHER_FILES(run);
     }
 }
@@ -242,7 +242,7 @@ TEST(NaCli, ARegionOverTheEdgeEndsTheRun)
                         node("pond"), terrain(kGentle));
             run.start();
             EXPECT_EQ(run.says("ERROR - Region is outside of DEM."), outside) << from << " " << to;
-            EXPECT_EQ(run.says("Finished."), !outside);
+            EXPECT_EQ(run.reachedEnd(), !outside);
         }
     }
 }
@@ -271,7 +271,7 @@ TEST(NaCli, ARegionOfSeveralRingsEndsTheRun)
     EXPECT_CONSOLE_HOLDS(run,
                          {"Searching for region objects...",
                           "ERROR - Multiple region objects not yet supported.  Please disaggregate / remove holes."});
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
 }
 
 TEST(NaCli, OnlyOneGridIsTaken)
@@ -281,7 +281,7 @@ TEST(NaCli, OnlyOneGridIsTaken)
     run.give("two.asc", ascGrid(terrain(kGentle)));
     run.start();
     EXPECT_CONSOLE_HOLDS(run, {"Processing -na option... ", "ERROR - Only one input grid file supported."});
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
     EXPECT_NO_OTHER_FILES(run);
 }
 
@@ -293,7 +293,7 @@ TEST(NaCli, ARecordThatCannotBeReadEndsTheRun)
         giveRegions(run, kSquare, record + "\n", terrain(kGentle));
         run.start();
         EXPECT_TRUE(run.says("ERROR - Extracting attribute data for GIS object.  Data: " + record)) << record;
-        EXPECT_FALSE(run.says("Finished."));
+        EXPECT_FALSE(run.reachedEnd());
     }
 }
 
@@ -318,7 +318,7 @@ TEST(NaCli, TenMillionValuesAreTheMost)
     run.give("dem.hdr", hdr(kSide, kSide));
     run.start();
     EXPECT_TRUE(run.says("ERROR - Number of DEM values with polygon exceeds 10000000"));
-    EXPECT_FALSE(run.says("Finished."));
+    EXPECT_FALSE(run.reachedEnd());
 }
 
 // --- Names, objects and Shapefiles -----------------------------------------------------------------------------------

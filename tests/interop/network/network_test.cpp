@@ -88,7 +88,7 @@ TEST_P(NetworkInterop, LinesAndSections)
                             "\nRead GIS FLC == flc" + kind() +
                             "\nSet XS dx == 4\nRead Grid Z == dem.asc\nFLC per unit length == 0.5\n");
     run.start();
-    EXPECT_TRUE(run.says("Finished.")) << run.console();
+    EXPECT_TRUE(run.reachedEnd()) << run.console();
 
     const auto network = lines(run, "1d_nwk_t");
     ASSERT_EQ(network.size(), 7U) << run.console();
@@ -117,7 +117,7 @@ TEST_P(NetworkInterop, TheSameFromFlags)
     ToolRun run({"-b", "-xs", "1d_cut_t" + kind(), "-branch", "1d_branches_t" + kind(), "dem.asc"});
     giveNetwork(run);
     run.start();
-    EXPECT_TRUE(run.says("Finished.")) << run.console();
+    EXPECT_TRUE(run.reachedEnd()) << run.console();
     EXPECT_EQ(lines(run, "1d_nwk_t").size(), 7U);
     const auto sections = lines(run, "1d_xs_t");
     ASSERT_EQ(sections.size(), 8U);
@@ -133,7 +133,7 @@ TEST_P(NetworkInterop, TheCheckLayerIsAMif)
                             "\nSet XS dx == 4\nSet XS Z == 1.5\nSet XS Mat == 7\nWrite Check == On\nWrite XS == Off\n"
                             "Write NWK == Off\n");
     run.start();
-    EXPECT_TRUE(run.says("Finished.")) << run.console();
+    EXPECT_TRUE(run.reachedEnd()) << run.console();
     const auto points = ogrFeatures(run.folder().string() + "/net.nbc_check.mif");
     // Six sections of four points, the one of its own distance has six, the one of vertices two, and that which is not
     // extracted four.

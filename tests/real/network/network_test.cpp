@@ -84,7 +84,7 @@ TEST_P(RealNetwork, SectionsOfTheBayouHoldTheCellsAlongThem)
                               "\nSet XS dx == 50\nRead Grid Z == dem.asc\nOutput Nwk == net" + kind +
                               "\nOutput XS == xs" + kind + "\n");
     run.start();
-    ASSERT_TRUE(run.says("Finished.")) << run.console();
+    ASSERT_TRUE(run.reachedEnd()) << run.console();
     EXPECT_TRUE(run.says("Found 11 cross-sections."));
 
     const RealGrid ground = kReal.readGrid("dem.asc");
@@ -126,7 +126,7 @@ TEST_P(RealNetwork, TheNetworkIsAsLongAsTheBayou)
     run.give("bayou.nbc", "Read GIS Branch == branches.mif\nRead GIS XS == sections.mif\nWrite XS == Off\n"
                           "Branch Bendiness == On\n");
     run.start();
-    ASSERT_TRUE(run.says("Finished.")) << run.console();
+    ASSERT_TRUE(run.reachedEnd()) << run.console();
     double expected = 0;
     const auto bayou = readLines("branches.mif").at(0);
     for (std::size_t v = 1; v < bayou.size(); ++v) {

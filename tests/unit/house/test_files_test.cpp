@@ -136,5 +136,21 @@ TEST(Consoles, HaveTheirWordsFromOneFile)
     }
 }
 
+// Unit and fault tests are about these lines themselves, and write them as parts of longer texts.
+TEST(Consoles, OfTheToolTellOfFilesInWordsOfThatFile)
+{
+    const Lines beginnings{R"("Trying to open file)", R"("Opened File Unit)", R"("...Closed File Unit)",
+                           R"("Finished.")"};
+    for (const char* const kind : {"cli", "interop", "real", "support"}) {
+        for (const std::string& file : filesBelow(kRoot / "tests" / kind)) {
+            const std::string text = textOf(kRoot / "tests" / kind / file);
+            for (const std::string& beginning : beginnings) {
+                EXPECT_EQ(text.find(beginning) != std::string::npos, file == "consoles.h")
+                    << kind << '/' << file << ": " << beginning;
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace gridforge::test
