@@ -1,5 +1,6 @@
 #include "damages/calculation.h"
 
+#include "core/per_worker.h"
 #include "core/rounding.h"
 #include "damages/curves.h"
 #include "grid/look.h"
@@ -188,7 +189,7 @@ std::vector<FoundCells> findAhead(const std::string& name, std::span<const DmgBu
             windows.push_back({i, *window});
         }
     }
-    std::vector<run::InsideWalk> walks(threadCount());
+    PerWorker<run::InsideWalk> walks(threadCount());
     std::vector<FoundCells> found(buildings.size());
     const bool ahead =
         run::windowsAhead(*look, std::move(windows),

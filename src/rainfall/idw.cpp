@@ -1,6 +1,7 @@
 #include "rainfall/idw.h"
 
 #include "core/number_text.h"
+#include "core/per_worker.h"
 #include "core/worker_rooms.h"
 #include "host/console.h"
 #include "host/ends.h"
@@ -68,9 +69,9 @@ bool weighNearest(const GridHeader& grid, const RfPoints& points, RfIdwTables& t
     }
     const Places places = placesOf(points);
     const Places centres = centresOf(grid);
-    std::vector<NearestPoints> nearest;
+    PerWorker<NearestPoints> nearest;
     for (std::size_t worker = 0; worker < workers; ++worker) {
-        nearest.emplace_back(places.spans(), distances.of(worker));
+        nearest.add(places.spans(), distances.of(worker));
     }
     parallelFor(rowsOfSquares, [&](std::size_t piece, std::size_t worker) {
         nearest[worker].listRows(centres.spans(), static_cast<std::int32_t>(piece) * kIdwSide + 1, tables);

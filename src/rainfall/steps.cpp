@@ -1,5 +1,6 @@
 #include "rainfall/steps.h"
 
+#include "core/per_worker.h"
 #include "host/threads.h"
 #include "rainfall/step_cells.h"
 
@@ -85,7 +86,7 @@ void rf_step_idw(const RfHyetographs& hyetographs, const RfPoints& points, std::
 {
     const std::vector<float> values = pointValues(hyetographs, points, step);
     const auto columns = static_cast<std::size_t>(tables.weightSum.ncols());
-    std::vector<std::vector<double>> rooms(workersOf(static_cast<std::size_t>(tables.weightSum.nrows())));
+    PerWorker<std::vector<double>> rooms(workersOf(static_cast<std::size_t>(tables.weightSum.nrows())));
     parallelFor(static_cast<std::size_t>(tables.weightSum.nrows()), [&](std::size_t piece, std::size_t worker) {
         const auto row = static_cast<std::int32_t>(piece) + 1;
         std::vector<double>& sums = rooms[worker];

@@ -1,3 +1,4 @@
+#include "core/per_worker.h"
 #include "core/rounding.h"
 #include "host/console.h"
 #include "host/ends.h"
@@ -119,7 +120,7 @@ void extendByIdw(RemapRun& run, std::int32_t points)
     if (!indexWetCells(run.wetFlags, wet)) {
         failMemory();
     }
-    std::vector<ListedCells> listed(threadCount());
+    PerWorker<ListedCells> listed(threadCount());
     say("Total rows: ", run.coarse.nrows);
     const auto extend = [&](std::int32_t row, std::size_t worker) {
         return extendByIdwRow(row, points, wet, run.extentFlags, run.wlGrid, listed[worker], run.workGrid);

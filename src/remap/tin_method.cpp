@@ -1,4 +1,5 @@
 #include "core/names.h"
+#include "core/per_worker.h"
 #include "grid/look.h"
 #include "host/console.h"
 #include "host/file_system.h"
@@ -65,7 +66,7 @@ private:
     std::int32_t nrows_;
     std::int32_t ncols_;
     TinPlaces places_;
-    std::vector<Worker> workers_;
+    PerWorker<Worker> workers_;
 };
 
 // Where the terrain is ordinary, levels and depths are computed without more of it in memory than a few pieces.

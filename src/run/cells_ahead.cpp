@@ -1,6 +1,7 @@
 #include "run/cells_ahead.h"
 
 #include "core/names.h"
+#include "core/per_worker.h"
 #include "core/worker_rooms.h"
 #include "grid/asc_decode.h"
 #include "grid/asc_write.h"
@@ -77,7 +78,8 @@ public:
         const std::size_t grids = inputRooms + outputs.size();
         const std::size_t cached = std::max(kLeastPiece, kCachedCells / std::max<std::size_t>(grids, 1));
         pieceCells_ = std::min(cached, cellsOfPart());
-        for (WorkerRoom& room : rooms_) {
+        for (std::size_t worker = 0; worker < rooms_.size(); ++worker) {
+            WorkerRoom& room = rooms_[worker];
             room.inputs.resize(inputRooms);
             room.outputs.resize(outputs.size());
             room.tallies.resize(tallies);
@@ -156,8 +158,8 @@ public:
     void putTallies(std::span<std::int64_t> tallies) const
     {
         for (std::size_t i = 0; i < tallies.size(); ++i) {
-            for (const WorkerRoom& room : rooms_) {
-                tallies[i] += room.tallies[i];
+            for (std::size_t worker = 0; worker < rooms_.size(); ++worker) {
+                tallies[i] += rooms_[worker].tallies[i];
             }
         }
     }
@@ -167,7 +169,7 @@ private:
     std::vector<float> nulls_;
     std::size_t inputRooms_;
     std::span<grid::CellStore> outputs_;
-    std::vector<WorkerRoom> rooms_;
+    PerWorker<WorkerRoom> rooms_;
     WorkerRooms<float> memory_;
     std::size_t pieceCells_ = 0;
 };
