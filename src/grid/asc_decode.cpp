@@ -2,7 +2,7 @@
 
 #include "core/worker_rooms.h"
 #include "grid/asc_parse.h"
-#include "host/positions.h"
+#include "host/line_pieces.h"
 #include "host/threads.h"
 
 #include <algorithm>
@@ -18,12 +18,6 @@ namespace gridforge::grid {
 
 namespace {
 
-constexpr std::size_t kChunkBytes = std::size_t{1} << 19; // stays in the cache with its cells
-// Chunks take turns, and waiting for one costs more than a few cells.
-constexpr std::size_t kLeastChunk = std::size_t{1} << 12;
-constexpr std::size_t kHintedChunks = 8; // disks want to be read by some megabytes
-constexpr std::size_t kLeastReach = std::size_t{1} << 21;
-constexpr std::size_t kMostReach = std::size_t{1} << 24;
 // Cells are set to these bits first, which no text gives: a cell that still has them had an empty value.
 constexpr std::uint32_t kUntouched = 0x7FA5C3E1U;
 
@@ -33,124 +27,25 @@ struct Lines {
     std::span<const std::uint32_t> ends; // of each in the text, with its line end
 };
 
-// The text of the cells, cut every so many bytes. A line belongs to the chunk that it begins in.
-class Chunks {
-public:
-    explicit Chunks(const GridLook& look)
-        : file_(theSystem().open(look.file, OpenFor::reading)), from_(look.cellsFrom), end_(look.size)
-    {
-        const auto bytes = static_cast<std::size_t>(end_ - from_);
-        const std::size_t line = bytes / static_cast<std::size_t>(look.header.nrows);
-        // If a line took up much of a chunk, many bytes would be read twice.
-        bytes_ = std::max(kLeastChunk, std::min(bytes, cellsPerPiece(std::max(kChunkBytes, 4 * line))));
-        usualReach_ = line + line / 4;
-        reach_ = std::clamp(4 * line, kLeastReach, kMostReach);
-        count_ = (bytes + bytes_ - 1) / bytes_;
+// The last line may lack its line end.
+Lines linesOf(std::string_view text, std::span<std::uint32_t> ends)
+{
+    std::size_t lines = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        at = std::min(text.find('\n', at), text.size() - 1) + 1;
+        ends[lines++] = static_cast<std::uint32_t>(at);
     }
-    ~Chunks()
-    {
-        if (file_ != SystemFile::none) {
-            theSystem().close(file_);
-        }
-    }
-    Chunks(const Chunks&) = delete;
-    Chunks& operator=(const Chunks&) = delete;
+    return {text, ends.first(lines)};
+}
 
-    [[nodiscard]] bool takeRooms()
-    {
-        return file_ != SystemFile::none && text_.take(workersOf(count_), 1 + bytes_ + reach_) &&
-               ends_.take(workersOf(count_), bytes_);
-    }
-    std::size_t count() const { return count_; }
-
-    // The lines stay in the room of the worker until its next call. Nothing if the system refuses or a line is too long.
-    std::optional<Lines> read(std::size_t chunk, std::size_t worker)
-    {
-        // The byte before the chunk says whether a line begins with it.
-        const std::size_t before = chunk == 0 ? 0 : 1;
-        const std::int64_t start = from_ + static_cast<std::int64_t>(chunk * bytes_);
-        const std::size_t length = before + std::min(bytes_, static_cast<std::size_t>(end_ - start));
-        if (chunk % kHintedChunks == 0) {
-            theSystem().willRead(file_, start, static_cast<std::int64_t>(kHintedChunks * bytes_));
-        }
-        TextWindow window{text_.of(worker), start - static_cast<std::int64_t>(before), 0};
-        if (!readOn(window, length + usualReach_)) {
-            return std::nullopt;
-        }
-        const std::size_t head = chunk == 0 ? 0 : window.text().substr(0, length - 1).find('\n') + 1;
-        if (chunk > 0 && head == 0) {
-            return Lines(); // all of it belongs to a line that began before it
-        }
-        const std::span<std::uint32_t> ends = ends_.of(worker);
-        std::size_t lines = 0;
-        std::size_t at = head;
-        while (at < length) {
-            const std::optional<std::size_t> lineEnd = endOfLine(window, at);
-            if (!lineEnd) {
-                return std::nullopt;
-            }
-            at = *lineEnd;
-            ends[lines++] = static_cast<std::uint32_t>(at - head);
-        }
-        return Lines{window.text().substr(head, at - head), ends.first(lines)};
-    }
-
-private:
-    struct TextWindow {
-        std::span<char> room;
-        std::int64_t start; // in the file
-        std::size_t filled;
-
-        std::string_view text() const { return {room.data(), filled}; }
-    };
-
-    // Reads `wanted` more bytes, or what is left. False if the room is full or the system refuses.
-    bool readOn(TextWindow& window, std::size_t wanted) const
-    {
-        const std::int64_t from = window.start + static_cast<std::int64_t>(window.filled);
-        const std::size_t left = window.room.size() - window.filled;
-        const std::size_t count = std::min({wanted, left, static_cast<std::size_t>(end_ - from)});
-        const auto target = std::as_writable_bytes(window.room.subspan(window.filled, count));
-        window.filled += count;
-        return count > 0 && readAllAt(file_, from, target);
-    }
-
-    // The last line may lack its line end.
-    std::optional<std::size_t> endOfLine(TextWindow& window, std::size_t at) const
-    {
-        std::size_t found = window.text().find('\n', at);
-        while (found == std::string_view::npos) {
-            const std::size_t sought = window.filled;
-            if (window.start + static_cast<std::int64_t>(sought) == end_) {
-                return sought;
-            }
-            if (!readOn(window, sought)) {
-                return std::nullopt;
-            }
-            found = window.text().find('\n', sought);
-        }
-        return found + 1;
-    }
-
-    SystemFile file_;
-    std::int64_t from_;
-    std::int64_t end_;
-    std::size_t bytes_ = 0;
-    std::size_t usualReach_ = 0; // what is read past a chunk for the rest of its last line
-    std::size_t reach_ = 0;      // what a line may have past its chunk
-    std::size_t count_ = 0;
-    WorkerRooms<char> text_;
-    WorkerRooms<std::uint32_t> ends_;
-};
-
-// Gives chunks the numbers of their rows in the order of the text.
+// Gives pieces the numbers of their rows in the order of the text.
 class RowTurns {
 public:
-    // The number of rows before those of the chunk, which are `rows`. Waits for all earlier chunks: each of them has begun, and
+    // The number of rows before those of the piece, which are `rows`. Waits for all earlier pieces: each of them has begun, and
     // must make this call.
-    std::size_t take(std::size_t chunk, std::size_t rows)
+    std::size_t take(std::size_t piece, std::size_t rows)
     {
-        turns_.await(chunk);
+        turns_.await(piece);
         const std::size_t before = rows_;
         rows_ = before + rows;
         turns_.pass();
@@ -234,18 +129,23 @@ private:
 
 bool decodeAsc(const GridLook& look, CellStore& cells)
 {
-    Chunks chunks(look);
+    const auto lineBytes =
+        static_cast<std::size_t>(look.size - look.cellsFrom) / static_cast<std::size_t>(look.header.nrows);
+    LinePieces pieces(look.file, look.cellsFrom, look.size, lineBytes);
     Decoder decoder(look.header, cells);
-    if (!chunks.takeRooms() || !decoder.takeRooms(workersOf(chunks.count()))) {
+    WorkerRooms<std::uint32_t> ends;
+    const std::size_t workers = workersOf(pieces.count());
+    if (!pieces.takeRooms() || !ends.take(workers, pieces.mostLines()) || !decoder.takeRooms(workers)) {
         return false;
     }
     RowTurns turns;
     std::atomic<bool> good = true;
-    parallelFor(chunks.count(), [&](std::size_t chunk, std::size_t worker) {
+    parallelFor(pieces.count(), [&](std::size_t piece, std::size_t worker) {
         const bool wanted = good && turns.rows() < decoder.rows();
-        const std::optional<Lines> lines = wanted ? chunks.read(chunk, worker) : Lines();
-        const std::size_t firstRow = turns.take(chunk, lines ? lines->ends.size() : 0);
-        if (!lines || (good && !decoder.decode(*lines, firstRow, worker))) {
+        const std::optional<std::string_view> text = wanted ? pieces.read(piece, worker) : std::string_view();
+        const Lines lines = linesOf(text.value_or(std::string_view()), ends.of(worker));
+        const std::size_t firstRow = turns.take(piece, lines.ends.size());
+        if (!text || (good && !decoder.decode(lines, firstRow, worker))) {
             good = false;
         }
     });

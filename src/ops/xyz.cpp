@@ -8,8 +8,8 @@
 #include "grid/writer.h"
 #include "host/console.h"
 #include "host/ends.h"
-#include "host/threads.h"
 #include "host/units.h"
+#include "ops/points_ahead.h"
 #include "ops/xyz_cells.h"
 #include "ops/xyz_parse.h"
 #include "run/outputs.h"
@@ -19,10 +19,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 namespace gridforge::ops {
 
@@ -30,7 +31,6 @@ namespace {
 
 // --- The points ------------------------------------------------------------------------------------------------------
 
-constexpr std::size_t kLineWidth = 1000;
 constexpr std::string_view kUnreadable = "ERROR - Reading following line in classes file:";
 
 std::size_t countLines(Unit unit)
@@ -57,52 +57,6 @@ PointList allocatePoints(std::size_t count)
     return points;
 }
 
-// Whole lines of the window, as many of them as a thread takes at a time.
-struct LinePart {
-    std::string_view text;
-    std::size_t firstPoint = 0;
-    std::size_t points = 0;
-    PlainPoints parsed;
-};
-
-std::vector<LinePart> partsOf(std::string_view window, std::size_t room)
-{
-    constexpr std::size_t kLeastBytes = std::size_t{1} << 16; // less is parsed before another thread has started
-    const std::size_t count = workersOf(window.size() / cellsPerPiece(kLeastBytes));
-    std::vector<LinePart> parts;
-    std::size_t points = 0;
-    while (!window.empty() && points < room) {
-        const std::size_t wanted = window.size() / (count - std::min(parts.size(), count - 1));
-        const std::size_t lineEnd = window.find('\n', wanted - std::min<std::size_t>(wanted, 1));
-        const std::string_view text = window.substr(0, lineEnd == std::string_view::npos ? lineEnd : lineEnd + 1);
-        const std::size_t lines = std::min(countLineEnds(text), room - points);
-        parts.push_back({text, points, lines, {}});
-        points += lines;
-        window.remove_prefix(text.size());
-    }
-    return parts;
-}
-
-// Points from the head of the window, up to the first line that is to be read by itself.
-PlainPoints parseWindow(std::string_view window, std::span<double> x, std::span<double> y, std::span<float> z)
-{
-    std::vector<LinePart> parts = partsOf(window, x.size());
-    parallelFor(parts.size(), [&](std::size_t piece, std::size_t) {
-        LinePart& part = parts[piece];
-        part.parsed = parseLines(part.text, kLineWidth, x.subspan(part.firstPoint, part.points),
-                                 y.subspan(part.firstPoint, part.points), z.subspan(part.firstPoint, part.points));
-    });
-    PlainPoints all;
-    for (const LinePart& part : parts) {
-        all.count += part.parsed.count;
-        all.bytes += part.parsed.bytes;
-        if (part.parsed.bytes < part.text.size()) {
-            break;
-        }
-    }
-    return all;
-}
-
 void readPoints(Unit unit, PointList& points)
 {
     const std::span<double> x = points.x.all();
@@ -110,11 +64,12 @@ void readPoints(Unit unit, PointList& points)
     const std::span<float> z = points.z.all();
     std::string line;
     for (std::size_t i = 0; i < x.size();) {
-        const PlainPoints plain = parseWindow(readyBytes(unit), x.subspan(i), y.subspan(i), z.subspan(i));
+        const PlainPoints plain =
+            parseLines(readyBytes(unit), kPointLineWidth, x.subspan(i), y.subspan(i), z.subspan(i));
         takeBytes(unit, plain.bytes);
         i += plain.count;
         if (i < x.size()) {
-            if (!readLine(unit, line, kLineWidth) || !parsePoint(line, x[i], y[i], z[i])) {
+            if (!readLine(unit, line, kPointLineWidth) || !parsePoint(line, x[i], y[i], z[i])) {
                 failLine(kUnreadable, line);
             }
             ++i;
@@ -126,18 +81,21 @@ PointList readPointFile(const std::string& name)
 {
     say("Opening input .xyz file: ", name);
     say("Scanning to determine size...");
+    std::optional<PointList> ahead = pointsAhead(name);
     Unit unit = 0;
     OPENER(unit, "I ", name);
-    const std::size_t count = countLines(unit);
+    const std::size_t count = ahead ? ahead->z.all().size() : countLines(unit);
     say("   Done.");
     say("Total number of points: ", count);
     say("Allocating memory for processing of input...");
-    PointList points = allocatePoints(count);
+    PointList points = ahead ? std::move(*ahead) : allocatePoints(count);
     say("   Done.");
     say("Rewinding input file...");
     seekTo(unit, 0);
     say("   Done.");
-    readPoints(unit, points);
+    if (!ahead) {
+        readPoints(unit, points);
+    }
     say("   Done.");
     CLOSER(unit);
     return points;

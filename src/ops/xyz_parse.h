@@ -8,6 +8,8 @@
 
 namespace gridforge::ops {
 
+inline constexpr std::size_t kPointLineWidth = 1000; // what follows is cut
+
 // One line, without its line end. An empty value (two commas, or a comma at the head) leaves its target. False where a
 // value is missing or no number.
 bool parsePoint(std::string_view line, double& x, double& y, float& z);
