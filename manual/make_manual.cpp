@@ -17,11 +17,6 @@
 namespace gridforge {
 namespace {
 
-bool isGlued(const driver::FlagRow& row)
-{
-    return row.value == driver::FlagValue::gluedReal || row.value == driver::FlagValue::gluedInteger;
-}
-
 // --- The manual page -------------------------------------------------------------------------------------------------
 
 constexpr std::string_view kHead = R"(.SH NAME

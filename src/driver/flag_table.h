@@ -79,6 +79,12 @@ struct FlagRow {
 // In matching order: the first row that matches is the flag.
 std::span<const FlagRow> flagTable();
 
+// The number stands right after the key.
+constexpr bool isGlued(const FlagRow& row)
+{
+    return row.value == FlagValue::gluedReal || row.value == FlagValue::gluedInteger;
+}
+
 // The operation that the flag asks for; "" for an option.
 std::string_view operationOf(const FlagRow& row);
 

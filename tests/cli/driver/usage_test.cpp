@@ -99,9 +99,7 @@ TEST(UsageScreen, NamesFlagsAsTheTableDoes)
             continue;
         }
         EXPECT_EQ(flag.argument, "-" + key);
-        EXPECT_EQ(flag.glued,
-                  row->value == driver::FlagValue::gluedReal || row->value == driver::FlagValue::gluedInteger)
-            << flag.line;
+        EXPECT_EQ(flag.glued, isGlued(*row)) << flag.line;
         // The grids of -remap stand without their names.
         EXPECT_EQ(flag.next, row->value == driver::FlagValue::next && key != "wl" && key != "dem") << flag.line;
     }

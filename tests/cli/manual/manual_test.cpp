@@ -55,11 +55,6 @@ std::string paragraphOf(const std::string& page, const std::string& heading)
     return {};
 }
 
-bool isGlued(const driver::FlagRow& row)
-{
-    return row.value == driver::FlagValue::gluedReal || row.value == driver::FlagValue::gluedInteger;
-}
-
 // As the page shows the flag over its paragraph.
 std::string headingOf(const driver::FlagRow& row)
 {

@@ -233,7 +233,7 @@ TEST(FlagTable, DefaultsAreThoseOfFreshSettings)
         {"resize", ""}, // without default: the operation needs it
     };
     for (const driver::FlagRow& row : driver::flagTable()) {
-        if (row.value == gluedReal || row.value == gluedInteger) {
+        if (isGlued(row)) {
             ASSERT_TRUE(numbers.contains(row.key)) << row.key;
             EXPECT_EQ(row.docs.defaultText, numbers.at(row.key)) << row.key;
         }

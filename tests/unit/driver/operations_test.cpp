@@ -34,8 +34,7 @@ TEST(Operations, EachIsSelectedByItsOwnFlag)
 {
     for (const driver::OperationRow& row : driver::operationTable()) {
         const driver::FlagRow& flag = *driver::findFlag("-" + std::string(row.name));
-        const bool glued = flag.value == driver::FlagValue::gluedReal || flag.value == driver::FlagValue::gluedInteger;
-        std::vector<std::string> arguments{"-" + std::string(row.name) + (glued ? "2" : "")};
+        std::vector<std::string> arguments{"-" + std::string(row.name) + (isGlued(flag) ? "2" : "")};
         if (flag.value == driver::FlagValue::next) {
             arguments.emplace_back("name");
         } else if (flag.value == driver::FlagValue::statistic) {
