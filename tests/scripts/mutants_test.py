@@ -64,8 +64,16 @@ class OrderTest(unittest.TestCase):
         suites = {"unit": {"tests/unit/core/text_test.cpp": ["Text"], "tests/unit/grid/asc_test.cpp": ["Asc"],
                            "tests/unit/grid/flt_test.cpp": ["Flt"]},
                   "cli": {"tests/cli/ops/conv_test.cpp": ["Conv"]}}
-        stages = [(stage.program, stage.suites) for stage in mutants.stages_for("src/grid/asc.cpp", suites)]
+        stages = [(stage.program, stage.suites) for stage in mutants.stages_for("src/grid/asc.cpp", suites, {})]
         self.assertEqual(stages, [("unit", ["Asc"]), ("unit", ["Flt"]), ("unit", ["Text"]), ("cli", ["Conv"])])
+
+    def test_slow_ones_come_last_or_not_at_all(self):
+        suites = {"unit": {"tests/unit/core/text_test.cpp": ["Text"], "tests/unit/grid/flt_test.cpp": ["Flt", "Large"],
+                           "tests/unit/both_ways/grids_test.cpp": ["Ways"]},
+                  "cli": {"tests/cli/ops/conv_test.cpp": ["Conv", "Limits"]}}
+        slow = {("unit", "Text"): 30, ("unit", "Large"): 30, ("unit", "Ways"): 30, ("cli", "Limits"): 30, ("unit", "Flt"): 1}
+        stages = [(stage.program, stage.suites) for stage in mutants.stages_for("src/grid/asc.cpp", suites, slow)]
+        self.assertEqual(stages, [("unit", ["Flt"]), ("unit", ["Large"]), ("cli", ["Conv"]), ("unit", ["Ways"]), ("cli", ["Limits"])])
 
 
 class RecordTest(unittest.TestCase):
@@ -110,6 +118,20 @@ class RecordTest(unittest.TestCase):
             record.add(change, "", 1)
         record.write()
         self.assertEqual([(entry["line"], entry["text"]) for entry in self.record("//\n\n    b = 0;\n").entries], [(3, "b = 0;")])
+
+    def test_files_move(self):
+        for new, others, left in (("src/b/a.cpp", [], 1), ("src/b/b.cpp", [], 1), ("src/b/a.cpp", ["src/c/b.cpp"], 1),
+                                  ("src/b/b.cpp", ["src/c/c.cpp"], 0)):
+            self.explain()
+            record = self.record("a = 0;\n")
+            record.entries = []
+            record.add(mutants.changes_of("src/a.cpp", "a = 0;\n")[0], "", 1)
+            record.write()
+            self.explain({"file": "src/a.cpp", "text": "a = 0;", "why": "nobody asks"})
+            changes = [change for file in [new, *others] for change in mutants.changes_of(file, "a = 0;\n")]
+            record = mutants.Record(self.root, changes)
+            self.assertEqual([entry["file"] for entry in record.entries], [new] * left, (new, others))
+            self.assertEqual(record.open_survivors(), [], new)
 
     def test_explained_survivors_do_not_count(self):
         source = "a = 7;\n"
@@ -213,6 +235,18 @@ class SampleTreeTest(unittest.TestCase):
         outcome, by = self.outcome("++ -> -- | for (int i = 0; i != n; ++i) {")
         self.assertEqual((outcome, by), ("caught", "Sums.Sum (not ended after 3 s)"))
 
+    def test_a_run_that_waits_for_ever_is_caught(self):
+        kept = mutants.IDLE_LIMIT
+        self.addCleanup(setattr, mutants, "IDLE_LIMIT", kept)
+        mutants.IDLE_LIMIT = 2
+        program = os.path.join(self.build.folder, mutants.PROGRAMS["cli"])
+        os.replace(program, program + ".kept")
+        self.addCleanup(os.replace, program + ".kept", program)
+        with open(program, "w") as file:
+            file.write("#!/bin/sh\necho '[ RUN      ] Cli.Nothing'\nsleep 60\n")
+        os.chmod(program, 0o755)
+        self.assertEqual(self.tests.run("cli", "*", 100), "Cli.Nothing (waits for ever)")
+
     def test_the_same_code_does_not_count(self):
         self.assertEqual(self.outcome("+ -> - | return a * 2 + 0 * a;"), ("same code", ""))
 
@@ -230,6 +264,8 @@ class SampleTreeTest(unittest.TestCase):
             file.write("#!/bin/sh\necho '[  FAILED  ] Cli.Nothing (0 ms)'\nexit 1\n")
         os.chmod(program, 0o755)
         tests = mutants.Tests(self.build, self.folder)
+        tests.time_all()  # known from an earlier part
+        os.remove(os.path.join(self.folder, "times.json"))
         with self.assertRaises(SystemExit) as ended:
             tests.time_all()
         self.assertEqual(ended.exception.code, "mutants: without a change Cli.Nothing fails; see " + self.folder)
