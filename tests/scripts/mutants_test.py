@@ -73,7 +73,9 @@ class OrderTest(unittest.TestCase):
                   "cli": {"tests/cli/ops/conv_test.cpp": ["Conv", "Limits"]}}
         slow = {("unit", "Text"): 30, ("unit", "Large"): 30, ("unit", "Ways"): 30, ("cli", "Limits"): 30, ("unit", "Flt"): 1}
         stages = [(stage.program, stage.suites) for stage in mutants.stages_for("src/grid/asc.cpp", suites, slow)]
-        self.assertEqual(stages, [("unit", ["Flt"]), ("unit", ["Large"]), ("cli", ["Conv"]), ("unit", ["Ways"]), ("cli", ["Limits"])])
+        self.assertEqual(stages, [("unit", ["Flt"]), ("unit", ["Large"]), ("cli", ["Conv"]), ("unit", ["Ways"])])
+        stages = [stage.suites for stage in mutants.stages_for("src/grid/asc.cpp", suites, slow, again=True)]
+        self.assertEqual(stages, [["Flt"], ["Large"], ["Conv"], ["Text", "Ways"], ["Limits"]])
 
 
 class RecordTest(unittest.TestCase):
@@ -276,7 +278,7 @@ class SampleTreeTest(unittest.TestCase):
         changes = [change for change in mutants.all_changes(self.root) if change.text == "int spare = 7;"]
         self.addCleanup(setattr, mutants, "ROOT", mutants.ROOT)
         mutants.ROOT = self.root
-        options = argparse.Namespace(folder=self.folder, count=2, seconds=0, not_kept=False, cmake=[])
+        options = argparse.Namespace(folder=self.folder, count=2, seconds=0, not_kept=False, again=False, cmake=[])
         with contextlib.redirect_stdout(io.StringIO()):
             counts, _ = mutants.work(options, mutants.Record(self.root, changes), changes, 5)
         self.assertEqual(counts, collections.Counter(survived=2))
