@@ -26,6 +26,35 @@ TEST(IdwOneCell, WeighsNeighboursByInverseSquare)
     EXPECT_EQ(remap::idwOneCell(2, 2, wet, levels, 2.0F), (6 + corner * 9) / (1 + corner));
 }
 
+// Each cell of a grid in turn is dry and all others are wet, with levels that no other sum gives.
+TEST(IdwOneCell, ReachesTheCellsAroundItAndNoOthers)
+{
+    constexpr std::int32_t kSide = 4;
+    auto levels = test::sameCells<float>(kSide, kSide, 0);
+    for (std::size_t i = 0; i < levels.cells().size(); ++i) {
+        levels.cells()[i] = static_cast<float>(1U << i);
+    }
+    for (std::int32_t row = 1; row <= kSide; ++row) {
+        for (std::int32_t column = 1; column <= kSide; ++column) {
+            auto wet = test::sameCells<std::uint8_t>(kSide, kSide, 1);
+            wet(row, column) = 0;
+            float sum = 0;
+            float weights = 0;
+            for (std::int32_t r = 1; r <= kSide; ++r) {
+                for (std::int32_t c = 1; c <= kSide; ++c) {
+                    const int apart = (r - row) * (r - row) + (c - column) * (c - column);
+                    if (apart == 1 || apart == 2) {
+                        const float weight = apart == 1 ? 1.0F : 1.0F / (std::sqrt(2.0F) * std::sqrt(2.0F));
+                        weights += weight;
+                        sum += weight * levels(r, c);
+                    }
+                }
+            }
+            EXPECT_EQ(remap::idwOneCell(row, column, wet, levels, 2.0F), sum / weights) << row << ' ' << column;
+        }
+    }
+}
+
 TEST(ExtendOneCellRow, WetCellsKeepTheirsAndUnflaggedOnesStayNull)
 {
     const remap::CellFlags wet = test::flagsOf({{1, 0, 0}});
