@@ -60,22 +60,21 @@ class ChangesTest(unittest.TestCase):
 
 
 class OrderTest(unittest.TestCase):
-    def test_the_nearest_tests_come_first(self):
-        suites = {"unit": {"tests/unit/core/text_test.cpp": ["Text"], "tests/unit/grid/asc_test.cpp": ["Asc"],
-                           "tests/unit/grid/flt_test.cpp": ["Flt"]},
-                  "cli": {"tests/cli/ops/conv_test.cpp": ["Conv"]}}
-        stages = [(stage.program, stage.suites) for stage in mutants.stages_for("src/grid/asc.cpp", suites, {})]
-        self.assertEqual(stages, [("unit", ["Asc"]), ("unit", ["Flt"]), ("unit", ["Text"]), ("cli", ["Conv"])])
+    SUITES = {"unit": {"tests/unit/core/text_test.cpp": ["Text"], "tests/unit/grid/asc_test.cpp": ["Asc"],
+                       "tests/unit/grid/flt_test.cpp": ["Flt", "Large"], "tests/unit/both_ways/grids_test.cpp": ["Ways"]},
+              "cli": {"tests/cli/ops/conv_test.cpp": ["Conv", "Limits"]}}
 
-    def test_slow_ones_come_last_or_not_at_all(self):
-        suites = {"unit": {"tests/unit/core/text_test.cpp": ["Text"], "tests/unit/grid/flt_test.cpp": ["Flt", "Large"],
-                           "tests/unit/both_ways/grids_test.cpp": ["Ways"]},
-                  "cli": {"tests/cli/ops/conv_test.cpp": ["Conv", "Limits"]}}
-        slow = {("unit", "Text"): 30, ("unit", "Large"): 30, ("unit", "Ways"): 30, ("cli", "Limits"): 30, ("unit", "Flt"): 1}
-        stages = [(stage.program, stage.suites) for stage in mutants.stages_for("src/grid/asc.cpp", suites, slow)]
-        self.assertEqual(stages, [("unit", ["Flt"]), ("unit", ["Large"]), ("cli", ["Conv"]), ("unit", ["Ways"])])
-        stages = [stage.suites for stage in mutants.stages_for("src/grid/asc.cpp", suites, slow, again=True)]
-        self.assertEqual(stages, [["Flt"], ["Large"], ["Conv"], ["Text", "Ways"], ["Limits"]])
+    def stages(self, seconds, again):
+        return [(stage.program, stage.suites) for stage in mutants.stages_for("src/grid/asc.cpp", self.SUITES, seconds, again)]
+
+    def test_the_nearest_tests_come_first_and_slow_ones_last(self):
+        slow = {("unit", "Large"): 30, ("unit", "Ways"): 30, ("cli", "Limits"): 30, ("unit", "Flt"): 1}
+        self.assertEqual(self.stages(slow, True), [("unit", ["Asc"]), ("unit", ["Flt"]), ("unit", ["Large", "Ways"]),
+                                                   ("unit", ["Text"]), ("cli", ["Conv"]), ("cli", ["Limits"])])
+
+    def test_far_ones_wait_for_changes_that_have_survived(self):
+        self.assertEqual(self.stages({("cli", "Limits"): 30}, False),
+                         [("unit", ["Asc"]), ("unit", ["Flt", "Large", "Ways"]), ("cli", ["Conv"])])
 
 
 class RecordTest(unittest.TestCase):

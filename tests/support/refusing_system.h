@@ -35,6 +35,30 @@ inline void refuseWritesAfter(int count)
     useSystem(refusing);
 }
 
+// Refuses one such read after the first `count`, and no other: what comes after it goes well again.
+inline void refuseOneReadAfter(int count)
+{
+    static std::atomic<int> left;
+    left = count;
+    static System refusing = nativeSystem();
+    refusing.readAt = [](SystemFile file, std::int64_t position, std::span<char> target) {
+        return left-- != 0 ? nativeSystem().readAt(file, position, target) : std::int64_t{-1};
+    };
+    useSystem(refusing);
+}
+
+// Refuses one such write after the first `count`, and no other.
+inline void refuseOneWriteAfter(int count)
+{
+    static std::atomic<int> left;
+    left = count;
+    static System refusing = nativeSystem();
+    refusing.writeAt = [](SystemFile file, std::int64_t position, std::span<const char> bytes) {
+        return left-- != 0 ? nativeSystem().writeAt(file, position, bytes) : std::int64_t{-1};
+    };
+    useSystem(refusing);
+}
+
 // Refuses such reads of files that are written in this process: of cells that wait there.
 inline void refuseReadsOfWaitingCells()
 {

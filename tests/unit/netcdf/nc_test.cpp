@@ -71,6 +71,38 @@ TEST(RunNc, EachRefusalOfCellsThatWaitInFilesEndsTheRun)
     }
 }
 
+// A call that is refused while all others go well must not leave a file that looks whole: the run ends, or reads the grid again.
+TEST(RunNc, ASingleRefusalIsNeverLost)
+{
+    const test::Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_THREADS", "1"}});
+    const auto run = [](const test::ScratchFolder& folder, void (*refuseAfter)(int), int good) {
+        folder.give("a.asc", "ncols 2\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\n21\n22\n11 12\n");
+        folder.give("b.asc", test::ascGrid({{21, 32}, {31, 12}}));
+        return test::runInChild(folder, [&] {
+            run::InputFileList inputs;
+            inputs.add("a.asc");
+            inputs.add("b.asc");
+            refuseAfter(good);
+            netcdf::runNc({}, {}, inputs);
+        });
+    };
+    const test::ScratchFolder whole;
+    EXPECT_FALSE(run(whole, test::refuseOneReadAfter, -1).ended);
+    for (auto* const refuseAfter : {test::refuseOneReadAfter, test::refuseOneWriteAfter}) {
+        int ended = 0;
+        for (int good = 0; good < 30; ++good) {
+            const test::ScratchFolder folder;
+            if (run(folder, refuseAfter, good).ended) {
+                ++ended;
+            } else {
+                EXPECT_TRUE(folder.read("a.nc") == whole.read("a.nc")) << good << " good calls";
+            }
+        }
+        EXPECT_GT(ended, 3);
+        EXPECT_LT(ended, 30);
+    }
+}
+
 // --- Ways of the grids -----------------------------------------------------------------------------------------------
 
 const test::Cells kFirst{{121, 122, 123}, {111, 112, 113}};
