@@ -1,5 +1,6 @@
 // Whole runs on grids that hold every odd number: not-a-numbers, infinities, denormals, negative zeros and the ends of single
 // precision, against plain loops over the cells.
+#include "support/consoles.h"
 #include "support/odd_cells.h"
 #include "support/tool_run.h"
 
@@ -152,7 +153,7 @@ TEST_P(OddNumbers, GoThroughAsThroughAPlainLoop)
     ToolRun run(("-b " + GetParam().arguments).c_str());
     giveOdd(run);
     run.start();
-    EXPECT_TRUE(run.says("Finished.")) << run.console();
+    EXPECT_TRUE(run.says(kFinished)) << run.console();
     const std::vector<std::uint32_t> found = bitsOf(valuesOf(run.read(GetParam().output)));
     const std::vector<std::uint32_t> expected = bitsOf(GetParam().expected());
     ASSERT_EQ(found.size(), expected.size());
@@ -277,7 +278,7 @@ TEST(OddNumbersCli, OfMoreDigitsThanAFieldAreStars)
     run.give("odd.flt", bytesOf({3.4e38F, -3.4e38F, 1, kNaN}));
     run.give("odd.hdr", hdr(4, 1));
     run.start();
-    EXPECT_TRUE(run.says("Finished.")) << run.console();
+    EXPECT_TRUE(run.says(kFinished)) << run.console();
     EXPECT_EQ(lastRow(run.read("odd.asc")),
               std::string(50, '*') + std::string(20, ' ') + "1.000" + std::string(22, ' ') + "NaN\r\n");
 }
