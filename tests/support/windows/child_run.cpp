@@ -1,15 +1,17 @@
 // Windows cannot copy a process. The code runs in that of the test: its standard streams are files meanwhile, and the end of the
-// run comes back as an exception.
+// run comes back as an exception. What the code leaves in the message record, as the unit of a log, is taken back.
 #include "support/child_run.h"
 
 #include "host/console.h"
 #include "host/ends.h"
+#include "host/messages.h"
 #include "host/system.h"
 #include "host/units.h"
 
 #include <array>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
 #include <utility>
 #include <windows.h>
 
@@ -69,6 +71,7 @@ ChildRun runInChild(const ScratchFolder& folder, const std::function<void()>& co
     ChildRun run;
     endLine();
     flushConsole();
+    const auto record = std::make_unique<MessageRecord>(DMESSAGES());
     const std::filesystem::path usual = std::filesystem::current_path();
     std::filesystem::current_path(folder.path());
     {
@@ -82,6 +85,7 @@ ChildRun runInChild(const ScratchFolder& folder, const std::function<void()>& co
     std::filesystem::current_path(usual);
     useSystem(nativeSystem());
     restartConsole();
+    DMESSAGES() = *record;
     run.console = readWhole(talk.path() / "console");
     run.errors = readWhole(talk.path() / "errors");
     return run;
