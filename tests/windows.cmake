@@ -4,12 +4,12 @@ set(GRIDFORGE_GOOGLETEST /usr/src/googletest CACHE PATH "Sources of GoogleTest")
 set(INSTALL_GTEST OFF)
 add_subdirectory(${GRIDFORGE_GOOGLETEST} googletest EXCLUDE_FROM_ALL)
 
-# posix          calls of POSIX, and pipes with a name
+# unit/posix     calls of POSIX, and pipes with a name
 # unit/house     rules of the tree, whatever it is built for
 # unit/exports   what the executable exports on Linux only
 # unit/support   how command-line tests start the tool, which they do on this machine
 file(GLOB_RECURSE sources CONFIGURE_DEPENDS unit/*.cpp)
-list(FILTER sources EXCLUDE REGEX "/posix/|/unit/(house|exports|support)/")
+list(FILTER sources EXCLUDE REGEX "/unit/(posix|house|exports|support)/")
 file(GLOB support CONFIGURE_DEPENDS support/windows/*.cpp)
 
 add_executable(unit_tests EXCLUDE_FROM_ALL ${sources} ${support} support/grids.cpp support/scratch_folder.cpp)

@@ -85,6 +85,7 @@ TEST(UnitTests, HaveTheNamesOfTheirSources)
     EXPECT_GT(tests, 80U);
     EXPECT_EQ(sourceOf("gis/mif/reader_test.cpp"), "src/gis/mif/reader");
     EXPECT_EQ(sourceOf("posix/host/system_test.cpp"), "src/host/system");
+    EXPECT_EQ(sourceOf("windows/host/windows/names_test.cpp"), "src/host/windows/names");
     EXPECT_EQ(sourceOf("support/tool_run_test.cpp"), "tests/support/tool_run");
     EXPECT_EQ(sourceOf("gis/readers.cpp"), "");
 }
