@@ -26,10 +26,14 @@ std::int64_t readTyped(HANDLE stream, std::span<char> target)
     constexpr std::size_t kMostBytesEach = 3;
     std::array<wchar_t, 256> typed = {};
     DWORD count = 0;
-    const std::size_t wanted = std::min(typed.size(), target.size() / kMostBytesEach);
+    const std::size_t wanted = std::min(typed.size(), target.size() / kMostBytesEach) - 1;
     if (ReadConsoleW(stream, typed.data(), static_cast<DWORD>(wanted), &count, nullptr) == 0 || count == 0 ||
         typed.front() == kEndOfInput) {
         return 0;
+    }
+    DWORD rest = 0;
+    if (IS_HIGH_SURROGATE(typed.at(count - 1)) && ReadConsoleW(stream, &typed.at(count), 1, &rest, nullptr) != 0) {
+        count += rest; // the other half of a character
     }
     const std::string text = narrow({typed.data(), count});
     std::copy(text.begin(), text.end(), target.begin());

@@ -25,6 +25,27 @@ void restoreCodePage()
     SetConsoleOutputCP(callersCodePage());
 }
 
+// By Ctrl+C or a window that closes. The process then ends as without this.
+BOOL WINAPI restoreBeforeEnd(DWORD /*event*/)
+{
+    restoreCodePage();
+    return FALSE;
+}
+
+// --- Standard streams ------------------------------------------------------------------------------------------------
+
+// If the caller has closed a standard stream, the first file of the run might get its number, and the console's text would go into
+// that file.
+void forgetClosedStreams()
+{
+    for (const DWORD stream : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+        DWORD flags = 0;
+        if (GetHandleInformation(GetStdHandle(stream), &flags) == 0) {
+            SetStdHandle(stream, nullptr);
+        }
+    }
+}
+
 // --- Faults ----------------------------------------------------------------------------------------------------------
 
 struct Guard {
@@ -68,9 +89,11 @@ std::string argument(std::wstring_view text)
 
 void prepareProcess()
 {
+    forgetClosedStreams();
     callersCodePage() = GetConsoleOutputCP();
     if (callersCodePage() != 0 && SetConsoleOutputCP(CP_UTF8) != 0) {
         std::atexit(restoreCodePage);
+        SetConsoleCtrlHandler(restoreBeforeEnd, TRUE);
     }
     // A drive without a disk is an error here, not a window that waits for somebody.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);

@@ -1,6 +1,7 @@
 // The system by the calls of Windows.
 #include "host/system.h"
 
+#include "host/windows/clock.h"
 #include "host/windows/console.h"
 #include "host/windows/names.h"
 #include "host/windows/resources.h"
@@ -27,6 +28,7 @@ constexpr DWORD kSharedByAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_D
 struct OpenFile {
     HANDLE handle = INVALID_HANDLE_VALUE;
     bool hasPositions = false; // unlike a pipe or a device
+    bool isUnnamed = false;
     std::int64_t position = 0;
 };
 
@@ -53,6 +55,7 @@ SystemStatus statusOf(DWORD error)
     case ERROR_FILE_NOT_FOUND:
     case ERROR_PATH_NOT_FOUND:
     case ERROR_INVALID_DRIVE:
+    case ERROR_BAD_NETPATH:                                   // a server that is not there
     case ERROR_BAD_NET_NAME: return SystemStatus::noSuchFile; // a share that the server does not have
     case ERROR_NOT_ENOUGH_MEMORY:
     case ERROR_OUTOFMEMORY: return SystemStatus::outOfMemory;
@@ -61,6 +64,7 @@ SystemStatus statusOf(DWORD error)
     case ERROR_INVALID_NAME:
     case ERROR_BAD_PATHNAME:
     case ERROR_DIRECTORY:
+    case ERROR_CANT_RESOLVE_FILENAME: // links in a ring
     case ERROR_FILENAME_EXCED_RANGE: return SystemStatus::refused;
     default: return SystemStatus::unknown;
     }
@@ -69,13 +73,6 @@ SystemStatus statusOf(DWORD error)
 std::int64_t joined(std::uint32_t high, std::uint32_t low)
 {
     return static_cast<std::int64_t>(std::uint64_t{high} << 32 | low);
-}
-
-// The system counts 100 nanoseconds from 1601, which 64 bits of nanoseconds hold until 1893 only: from 1970 here.
-std::int64_t nanoseconds(std::int64_t hundreds)
-{
-    constexpr std::int64_t kFrom1970 = 116'444'736'000'000'000;
-    return (hundreds - kFrom1970) * 100;
 }
 
 std::optional<FileFacts> factsIn(HANDLE handle)
@@ -93,7 +90,7 @@ std::optional<FileFacts> factsIn(HANDLE handle)
     }
     facts.isFolder = (status.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     facts.size = joined(status.nFileSizeHigh, status.nFileSizeLow);
-    facts.lastChange = std::max(nanoseconds(times.LastWriteTime.QuadPart), nanoseconds(times.ChangeTime.QuadPart));
+    facts.lastChange = nanosecondsFrom1970(std::max(times.LastWriteTime.QuadPart, times.ChangeTime.QuadPart));
     facts.identity = {status.dwVolumeSerialNumber,
                       static_cast<std::uint64_t>(joined(status.nFileIndexHigh, status.nFileIndexLow)), !facts.isFolder};
     return facts;
@@ -122,7 +119,8 @@ SystemFile inheritedFile(std::int64_t number)
 {
     const auto handle = reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(number));
     DWORD flags = 0;
-    if (GetHandleInformation(handle, &flags) == 0) {
+    // Numbers below 0 stand for the process and its thread.
+    if (number <= 0 || GetHandleInformation(handle, &flags) == 0) {
         return SystemFile::none;
     }
     const SystemFile file = kept(handle);
@@ -166,7 +164,9 @@ UnnamedFiles& unnamedFiles()
 bool closeFile(SystemFile file)
 {
     const std::unique_ptr<OpenFile> open(&openFileOf(file));
-    unnamedFiles().remove(open->handle);
+    if (open->isUnnamed) {
+        unnamedFiles().remove(open->handle);
+    }
     return CloseHandle(open->handle) != 0;
 }
 
@@ -293,15 +293,18 @@ SystemFile openUnnamedFile(const std::string& folder)
                              '-' + std::to_string(++made) + ".part";
     const HANDLE handle = CreateFileW(systemPath(name).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
                                       FILE_SHARE_DELETE, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle != INVALID_HANDLE_VALUE && !deleteAtClose(handle, true)) {
+    if (handle == INVALID_HANDLE_VALUE) {
+        return SystemFile::none;
+    }
+    if (!deleteAtClose(handle, true)) {
         CloseHandle(handle);
         DeleteFileW(systemPath(name).c_str());
         return SystemFile::none;
     }
-    if (handle != INVALID_HANDLE_VALUE) {
-        unnamedFiles().add(handle);
-    }
-    return kept(handle);
+    unnamedFiles().add(handle);
+    const SystemFile file = kept(handle);
+    openFileOf(file).isUnnamed = true;
+    return file;
 }
 
 // A file that is not sparse has room for all of its size.
@@ -311,16 +314,29 @@ bool setAsideFor(SystemFile file, std::int64_t size)
     return GetFileSizeEx(openFileOf(file).handle, &held) != 0 && (size <= held.QuadPart || truncateFile(file, size));
 }
 
-// True where `name` is free or a file that can be replaced as a whole: one with no other name and no special attribute.
-bool mayBeReplaced(const std::wstring& path)
+// Who owns a file and who may do what with it; empty where the file system does not keep that.
+std::vector<char> rightsOf(HANDLE handle)
 {
-    const HANDLE handle = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, kSharedByAll, nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    constexpr SECURITY_INFORMATION kRights =
+        OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
+    DWORD size = 0;
+    GetKernelObjectSecurity(handle, kRights, nullptr, 0, &size);
+    std::vector<char> rights(size);
+    return GetKernelObjectSecurity(handle, kRights, rights.data(), size, &size) != 0 ? rights : std::vector<char>();
+}
+
+// True where `path` is free, or of a file that `fresh` can replace as a whole: one with no other name, no special attribute and the
+// same rights.
+bool mayBeReplaced(const std::wstring& path, HANDLE fresh)
+{
+    const HANDLE handle =
+        CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES | READ_CONTROL, kSharedByAll, nullptr, OPEN_EXISTING,
+                    FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         return statusOf(GetLastError()) == SystemStatus::noSuchFile;
     }
     BY_HANDLE_FILE_INFORMATION status = {};
-    const bool known = GetFileInformationByHandle(handle, &status) != 0;
+    const bool known = GetFileInformationByHandle(handle, &status) != 0 && rightsOf(handle) == rightsOf(fresh);
     CloseHandle(handle);
     constexpr DWORD kOrdinary = FILE_ATTRIBUTE_NORMAL | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
     return known && (status.dwFileAttributes & ~kOrdinary) == 0 && status.nNumberOfLinks == 1;
@@ -341,7 +357,7 @@ bool giveNameTo(SystemFile file, const std::string& name)
 {
     const HANDLE handle = openFileOf(file).handle;
     const std::wstring path = fullPath(name);
-    if (!mayBeReplaced(path) || !deleteAtClose(handle, false)) {
+    if (!mayBeReplaced(path, handle) || !deleteAtClose(handle, false)) {
         return false;
     }
     if (renameOpenFile(handle, path)) {
@@ -375,7 +391,8 @@ SystemStatus lookUpName(const std::string& name)
 SystemStatus listFolder(const std::string& folder, std::vector<std::string>& names)
 {
     WIN32_FIND_DATAW entry = {};
-    const HANDLE search = FindFirstFileW(systemPath(folder + "/*").c_str(), &entry);
+    const char* const all = folder.ends_with('/') ? "*" : "/*"; // the form for long names allows no doubled separator
+    const HANDLE search = FindFirstFileW(systemPath(folder + all).c_str(), &entry);
     if (search == INVALID_HANDLE_VALUE) {
         return statusOf(GetLastError());
     }
@@ -400,30 +417,7 @@ std::optional<std::string> fullNameOf(const std::string& name)
     std::wstring full(GetFinalPathNameByHandleW(handle, nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
     full.resize(GetFinalPathNameByHandleW(handle, full.data(), static_cast<DWORD>(full.size()), FILE_NAME_NORMALIZED));
     CloseHandle(handle);
-    return full.empty() ? std::nullopt : std::optional(usualName(full));
-}
-
-// --- Time ------------------------------------------------------------------------------------------------------------
-
-std::int64_t timeNow()
-{
-    FILETIME now = {};
-    GetSystemTimeAsFileTime(&now);
-    return nanoseconds(joined(now.dwHighDateTime, now.dwLowDateTime));
-}
-
-// The system waits for whole milliseconds, in 32 bits.
-void waitFor(std::int64_t nanoseconds)
-{
-    constexpr std::int64_t kMillisecond = 1'000'000;
-    Sleep(static_cast<DWORD>(std::clamp<std::int64_t>(nanoseconds / kMillisecond, 0, MAXDWORD - 1)));
-}
-
-CalendarDate dateOfToday()
-{
-    SYSTEMTIME now = {};
-    GetLocalTime(&now);
-    return {now.wYear, now.wMonth, now.wDay};
+    return usualName(full.empty() ? fullPath(name) : full); // some drives in memory do not tell
 }
 
 } // namespace
