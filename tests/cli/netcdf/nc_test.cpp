@@ -93,6 +93,16 @@ TEST(NcCli, AsABlockTheColumnsOfEachGridFillTheRowsOfTheFile)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(NcCli, TheFileAndItsFolderMayHaveLettersOfAnyLanguage)
+{
+    ToolRun run("-b -nc größe/höhe.asc -nc_part1 -out größe/水位.nc");
+    run.give("größe/höhe.asc", ascGrid(kFirst));
+    run.start();
+    EXPECT_TRUE(run.says("Opening output netcdf file: größe/水位.nc"));
+    EXPECT_THAT(NetcdfReading(run, "größe/水位.nc").values("data_max"), ElementsAre(111, 112, 113, 121, 122, 123));
+    EXPECT_NO_OTHER_FILES(run);
+}
+
 TEST(NcCli, TheFileIsDefinedAsPromised)
 {
     ToolRun run("-nc a.asc");

@@ -1,5 +1,6 @@
 #include "netcdf/netcdf_file.h"
 
+#include "host/system.h"
 #include "netcdf/check_netcdf.h"
 #include "support/child_run.h"
 
@@ -106,6 +107,20 @@ TEST(NetcdfFile, BothSeparatorsLeadToTheFolder)
         runInChild(folder, [] { nc_close(netcdf::createNetcdf("sub\\a.nc", NC_NETCDF4, "nf90_create")); });
     EXPECT_FALSE(run.ended) << run.console;
     EXPECT_TRUE(folder.has("sub/a.nc"));
+}
+
+TEST(NetcdfFile, NamesAreUtf8InBothForms)
+{
+    for (const int mode : {NC_CLOBBER, NC_NETCDF4}) {
+        const ScratchFolder folder;
+        folder.give("größe/keep", "");
+        const ChildRun run =
+            runInChild(folder, [mode] { nc_close(netcdf::createNetcdf("größe/水位.nc", mode, "nf90_create")); });
+        EXPECT_FALSE(run.ended) << run.console;
+        std::vector<std::string> names;
+        EXPECT_EQ(nativeSystem().list((folder.path() / "größe").string(), names), SystemStatus::done);
+        EXPECT_THAT(names, testing::UnorderedElementsAre("keep", "水位.nc"));
+    }
 }
 
 TEST(NetcdfFile, NamesThatLookLikeADriveOrAServerAreFiles)
