@@ -8,6 +8,16 @@
 
 namespace gridforge::test {
 
+namespace {
+
+// Names are UTF-8, also where the library takes plain characters for others.
+std::filesystem::path under(const std::filesystem::path& folder, std::string_view name)
+{
+    return folder / std::u8string(name.begin(), name.end());
+}
+
+} // namespace
+
 std::string readWhole(const std::filesystem::path& name)
 {
     std::ifstream in(name, std::ios::binary | std::ios::ate);
@@ -45,7 +55,7 @@ ScratchFolder::~ScratchFolder()
 
 void ScratchFolder::give(std::string_view name, std::string_view bytes) const
 {
-    const auto target = path_ / name;
+    const auto target = under(path_, name);
     std::filesystem::create_directories(target.parent_path());
     std::ofstream out(target, std::ios::binary);
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
@@ -56,17 +66,17 @@ void ScratchFolder::give(std::string_view name, std::string_view bytes) const
 
 bool ScratchFolder::has(std::string_view name) const
 {
-    return std::filesystem::exists(path_ / name);
+    return std::filesystem::exists(under(path_, name));
 }
 
 std::string ScratchFolder::read(std::string_view name) const
 {
-    std::ifstream in(path_ / name, std::ios::binary);
+    std::ifstream in(under(path_, name), std::ios::binary);
     if (!in) {
         ADD_FAILURE() << "cannot read " << name;
         return {};
     }
-    return readWhole(path_ / name);
+    return readWhole(under(path_, name));
 }
 
 } // namespace gridforge::test
