@@ -80,15 +80,14 @@ std::vector<damages::DmgBuilding> makeBuildings(std::int64_t vertices)
     return buildings;
 }
 
-damages::InsideCells plainly(const damages::DmgBuilding& building, const run::CellWindow& window,
-                             const SampledGrid& grid)
+damages::InsideCells plainly(const damages::DmgBuilding& building, const CellWindow& window, const SampledGrid& grid)
 {
     const std::array<std::int32_t, 1> ir = {building.vertices - 1};
     damages::InsideCells cells;
     for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
         for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
-            if (!INSIDE_POLYGON_8(run::cornerX(grid.header, column), run::cornerY(grid.header, row), building.x,
-                                  building.y, building.vertices, building.extent.xmin, ir, 1) ||
+            if (!INSIDE_POLYGON_8(cornerX(grid.header, column), cornerY(grid.header, row), building.x, building.y,
+                                  building.vertices, building.extent.xmin, ir, 1) ||
                 grid.cells(row, column) == grid.header.null) {
                 continue;
             }
@@ -111,9 +110,9 @@ void measure(benchmark::State& state, const Sample& sample)
         }
         benchmark::DoNotOptimize(sum);
     }
-    run::InsideWalk walk;
+    InsideWalk walk;
     for (const damages::DmgBuilding& building : buildings) {
-        const run::CellWindow window = buildingWindow(building, theGrid().header);
+        const CellWindow window = buildingWindow(building, theGrid().header);
         const damages::InsideCells fast = cellsInside(building, window, theGrid().header, theGrid().cells, walk);
         const damages::InsideCells plain = plainly(building, window, theGrid());
         if (fast.maximum != plain.maximum || fast.sum != plain.sum || fast.count != plain.count) {
@@ -126,7 +125,7 @@ void measure(benchmark::State& state, const Sample& sample)
 
 void plainTest(benchmark::State& state)
 {
-    measure(state, [](const damages::DmgBuilding& building, const run::CellWindow& window) {
+    measure(state, [](const damages::DmgBuilding& building, const CellWindow& window) {
         return plainly(building, window, theGrid());
     });
 }
@@ -134,8 +133,8 @@ BENCHMARK(plainTest)->Arg(6)->Arg(60)->Unit(benchmark::kMillisecond);
 
 void byRows(benchmark::State& state)
 {
-    run::InsideWalk walk;
-    measure(state, [&walk](const damages::DmgBuilding& building, const run::CellWindow& window) {
+    InsideWalk walk;
+    measure(state, [&walk](const damages::DmgBuilding& building, const CellWindow& window) {
         return cellsInside(building, window, theGrid().header, theGrid().cells, walk);
     });
 }

@@ -1,7 +1,8 @@
 // The searches of the sampling operations on a made terrain of 3000 by 3000 cells of 1 m, a fifth of them null in patches.
 // Where there is a plain form, both are checked for the same result first.
-#include "run/across_line.h"
-#include "run/cell_window.h"
+#include "plane/across_line.h"
+#include "plane/cell_window.h"
+#include "run/sampled_region.h"
 #include "sampling/cell_extremes.h"
 #include "sampling/cell_search.h"
 #include "sampling/ground_level.h"
@@ -112,13 +113,13 @@ sampling::FoundExtremes plainExtremes(const sampling::CellSearch& search, const 
     float lowest = sampling::kNoValue;
     float highest = -sampling::kNoValue;
     for (std::int32_t row = search.window.firstRow; row <= search.window.lastRow; ++row) {
-        const double y = run::cornerY(header, row);
+        const double y = cornerY(header, row);
         for (std::int32_t column = search.window.firstColumn; column <= search.window.lastColumn; ++column) {
             const float value = cells(row, column);
             if (value == header.null || !(value < lowest || value > highest)) {
                 continue;
             }
-            const double x = run::cornerX(header, column);
+            const double x = cornerX(header, column);
             if (!insideSearchPolygon(search.polygon, x, y)) {
                 continue;
             }
@@ -192,11 +193,11 @@ BENCHMARK(plainExtremesOfAFew)->Arg(20)->Arg(100)->Arg(1000)->Unit(benchmark::kM
 void profileVertices(benchmark::State& state)
 {
     const Made& m = made();
-    const std::int32_t half = run::samplesToSide(m.header, static_cast<float>(state.range(0)), 0.5F);
-    const std::int32_t full = run::samplesToSide(m.header, static_cast<float>(state.range(0)), 1.0F);
+    const std::int32_t half = samplesToSide(m.header, static_cast<float>(state.range(0)), 0.5F);
+    const std::int32_t full = samplesToSide(m.header, static_cast<float>(state.range(0)), 1.0F);
     for (auto _ : state) {
         for (std::size_t i = 0; i < kPoints; ++i) {
-            const run::AcrossLine line = run::acrossLine(m.header, m.x[i], m.y[i], static_cast<float>(i % 360));
+            const AcrossLine line = acrossLine(m.header, m.x[i], m.y[i], static_cast<float>(i % 360));
             benchmark::DoNotOptimize(sampling::lowestSample(line, m.header, m.cells, {-half, half}));
             benchmark::DoNotOptimize(sampling::highestSample(line, m.header, m.cells, {0, full}));
             benchmark::DoNotOptimize(sampling::highestSample(line, m.header, m.cells, {-full, 0}));
@@ -209,10 +210,10 @@ BENCHMARK(profileVertices)->Arg(20)->Arg(1000)->Unit(benchmark::kMillisecond);
 void breaklineAcross(benchmark::State& state)
 {
     const Made& m = made();
-    const std::int32_t samples = run::samplesToSide(m.header, static_cast<float>(state.range(0)), 0.5F);
+    const std::int32_t samples = samplesToSide(m.header, static_cast<float>(state.range(0)), 0.5F);
     for (auto _ : state) {
         for (std::size_t i = 0; i < kPoints; ++i) {
-            const run::AcrossLine line = run::acrossLine(m.header, m.x[i], m.y[i], static_cast<float>(i % 360));
+            const AcrossLine line = acrossLine(m.header, m.x[i], m.y[i], static_cast<float>(i % 360));
             benchmark::DoNotOptimize(
                 levelAcross(line, m.header, m.cells, {-samples, samples}, sampling::LevelRule::highest));
         }
@@ -226,12 +227,12 @@ void breaklineCircle(benchmark::State& state)
     const Made& m = made();
     const auto width = static_cast<float>(state.range(0));
     const sampling::LevelRule rule = state.range(1) == 0 ? sampling::LevelRule::mean : sampling::LevelRule::highest;
-    run::InsideWalk walk;
+    InsideWalk walk;
     for (auto _ : state) {
         for (std::size_t i = 0; i < kPoints; ++i) {
             benchmark::DoNotOptimize(levelInCircle(sampling::searchPolygon(m.x[i], m.y[i], width),
-                                                   run::searchWindow(m.header, m.x[i], m.y[i], width), m.header,
-                                                   m.cells, rule, walk));
+                                                   searchWindow(m.header, m.x[i], m.y[i], width), m.header, m.cells,
+                                                   rule, walk));
         }
     }
     state.SetItemsProcessed(state.iterations() * kPoints);
@@ -252,8 +253,8 @@ void nodalArea(benchmark::State& state)
         ring.x[i] = kSide / 2.0 + radius * std::cos(angle);
         ring.y[i] = kSide / 2.0 + radius * std::sin(angle);
     }
-    const run::SampledRegion region = run::sampledRegion(ring);
-    const run::CellWindow window = regionWindow(region, m.header);
+    const SampledRegion region = run::sampledRegion(ring);
+    const CellWindow window = regionWindow(region, m.header);
     std::size_t cells = 0;
     for (auto _ : state) {
         std::vector<float> values;

@@ -79,19 +79,19 @@ bool isWithin(std::int32_t index, std::int32_t count)
 
 } // namespace
 
-run::CellWindow pointWindow(const DmgBuilding& building, const GridHeader& header)
+CellWindow pointWindow(const DmgBuilding& building, const GridHeader& header)
 {
     const std::int32_t column = roundToInt((building.x[0] - header.xll) / header.cellsize8);
     const std::int32_t row = roundToInt((building.y[0] - header.yll) / header.cellsize8);
     return {row, row, column, column};
 }
 
-run::CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header)
+CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header)
 {
     const auto cell = [&header](double coordinate, double origin, double margin) {
         return truncateToInt(std::trunc((coordinate - origin) / header.cellsize8) + margin);
     };
-    run::CellWindow window;
+    CellWindow window;
     window.firstRow = cell(building.extent.ymin, header.yll, -1);
     window.lastRow = cell(building.extent.ymax, header.yll, 1);
     window.firstColumn = cell(building.extent.xmin, header.xll, -1);
@@ -121,15 +121,15 @@ void addRun(std::span<const float> values, float null, InsideCells& cells)
 
 } // namespace
 
-InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const GridHeader& header,
-                        const run::CellPart& cells, run::InsideWalk& walk)
+InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, const GridHeader& header,
+                        const CellPart& cells, InsideWalk& walk)
 {
     prepare(building, walk.region);
     InsideCells inside = {};
-    run::forEachInsideRun(header, run::withinGrid(window, header), run::CellPlace::northEastCorner, walk,
-                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                              addRun(cells.row(row, first, count), header.null, inside);
-                          });
+    forEachInsideRun(header, withinGrid(window, header), CellPlace::northEastCorner, walk,
+                     [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                         addRun(cells.row(row, first, count), header.null, inside);
+                     });
     return inside;
 }
 
@@ -149,14 +149,14 @@ namespace {
 
 // The cells of the grid that give the level of a building: the cell that holds a point, all cells around a polygon.
 // None where it begins outside of the grid.
-std::optional<run::CellWindow> windowInGrid(const DmgBuilding& building, const GridHeader& header)
+std::optional<CellWindow> windowInGrid(const DmgBuilding& building, const GridHeader& header)
 {
-    const run::CellWindow window =
+    const CellWindow window =
         building.kind == BuildingKind::point ? pointWindow(building, header) : buildingWindow(building, header);
     if (!isWithin(window.firstRow, header.nrows) || !isWithin(window.firstColumn, header.ncols)) {
         return std::nullopt;
     }
-    return run::withinGrid(window, header);
+    return withinGrid(window, header);
 }
 
 // What those cells hold: the value of a point, or what counts for a polygon.
@@ -165,8 +165,8 @@ struct FoundCells {
     InsideCells inside = {};
 };
 
-FoundCells findCells(const DmgBuilding& building, const run::CellWindow& window, const GridHeader& header,
-                     const run::CellPart& cells, run::InsideWalk& walk)
+FoundCells findCells(const DmgBuilding& building, const CellWindow& window, const GridHeader& header,
+                     const CellPart& cells, InsideWalk& walk)
 {
     if (building.kind == BuildingKind::point) {
         return {cells(window.firstRow, window.firstColumn), {}};
@@ -189,11 +189,11 @@ std::vector<FoundCells> findAhead(const std::string& name, std::span<const DmgBu
             windows.push_back({i, *window});
         }
     }
-    PerWorker<run::InsideWalk> walks(threadCount());
+    PerWorker<InsideWalk> walks(threadCount());
     std::vector<FoundCells> found(buildings.size());
     const bool ahead =
         run::windowsAhead(*look, std::move(windows),
-                          [&](const run::CellPart& cells, std::span<const run::ObjectWindow> part, std::size_t worker) {
+                          [&](const CellPart& cells, std::span<const run::ObjectWindow> part, std::size_t worker) {
                               for (const auto& [object, window] : part) {
                                   found[object] =
                                       findCells(buildings[object], window, look->header, cells, walks[worker]);
@@ -255,7 +255,7 @@ private:
     std::vector<FoundCells> ahead_;
     GridHeader header_;
     Grid cells_;
-    run::InsideWalk walk_;
+    InsideWalk walk_;
 };
 
 } // namespace

@@ -3,9 +3,9 @@
 
 #include "damages/records.h"
 #include "grid/grid.h"
-#include "run/cell_part.h"
-#include "run/cell_window.h"
-#include "run/inside_runs.h"
+#include "plane/cell_part.h"
+#include "plane/cell_window.h"
+#include "plane/inside_runs.h"
 
 #include <cstdint>
 #include <optional>
@@ -23,10 +23,10 @@ std::optional<std::vector<DmgRes>> sortByFrequency(std::span<const DmgRes> liste
 
 // The row and column at a point building, as the nearest whole number of cell sizes from the corner of the grid, which is
 // the north-east corner of the cell. They may lie outside the grid.
-run::CellWindow pointWindow(const DmgBuilding& building, const GridHeader& header);
+CellWindow pointWindow(const DmgBuilding& building, const GridHeader& header);
 
 // Rows and columns about a polygon's extent, with a cell of margin on each side; it may reach over the grid.
-run::CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header);
+CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header);
 
 // The cells that count for a polygon. Levels of -999 or less never come into the maximum.
 struct InsideCells {
@@ -41,8 +41,8 @@ float averageLevel(const InsideCells& cells, float null);
 
 // Sums up the cells of the window, whose first row and column lie in the grid, that are inside the polygon and not null,
 // rows from the south and each from the west. Beyond the grid there are none. A row costs its edges and the cells inside.
-InsideCells cellsInside(const DmgBuilding& building, const run::CellWindow& window, const GridHeader& header,
-                        const run::CellPart& cells, run::InsideWalk& walk);
+InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, const GridHeader& header,
+                        const CellPart& cells, InsideWalk& walk);
 
 // --- The calculation -------------------------------------------------------------------------------------------------
 

@@ -3,12 +3,12 @@
 #include "core/rounding.h"
 #include "host/console.h"
 #include "host/ends.h"
+#include "plane/across_line.h"
+#include "plane/cell_window.h"
 #include "plane/geometry.h"
+#include "plane/inside_runs.h"
 #include "plane/line_points.h"
 #include "plane/region_rows.h"
-#include "run/across_line.h"
-#include "run/cell_window.h"
-#include "run/inside_runs.h"
 #include "run/load.h"
 
 #include <algorithm>
@@ -102,13 +102,12 @@ float perpendicularAt(const NbcSection& section, std::size_t i)
 
 CellSummary cellsAcross(const GridHeader& header, const Grid& cells, const NbcSection& section, std::size_t i)
 {
-    const run::AcrossLine line =
-        run::acrossLine(header, section.pointX[i], section.pointY[i], perpendicularAt(section, i));
-    const std::int32_t steps = run::samplesToSide(header, section.bufferDistance, run::kBothSides);
-    const run::SampleRange inGrid = run::samplesInGrid(line, header, {-steps, steps});
+    const AcrossLine line = acrossLine(header, section.pointX[i], section.pointY[i], perpendicularAt(section, i));
+    const std::int32_t steps = samplesToSide(header, section.bufferDistance, kBothSides);
+    const SampleRange inGrid = samplesInGrid(line, header, {-steps, steps});
     CellSummary found;
     for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const run::SampleCell cell = run::sampleCell(line, header, k);
+        const SampleCell cell = sampleCell(line, header, k);
         const float value = cells(cell.row, cell.column);
         if (value != header.null) {
             found.take(value);
@@ -157,26 +156,26 @@ public:
     CellSummary cellsAround(double x, double y, float diameter)
     {
         CellSummary found;
-        const run::CellWindow window = run::searchWindow(header_, x, y, diameter);
-        if (!run::isWithinGrid(window, header_) || window.firstColumn > window.lastColumn) {
+        const CellWindow window = searchWindow(header_, x, y, diameter);
+        if (!isWithinGrid(window, header_) || window.firstColumn > window.lastColumn) {
             return found;
         }
         prepareRing(ringAround(x, y, diameter), walk_.region);
-        run::forEachInsideRun(header_, window, run::CellPlace::northEastCorner, walk_,
-                              [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                                  for (const float value : run::cellsOfRun(cells_, row, first, count)) {
-                                      if (value != header_.null) {
-                                          found.take(value);
-                                      }
-                                  }
-                              });
+        forEachInsideRun(header_, window, CellPlace::northEastCorner, walk_,
+                         [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                             for (const float value : cellsOfRun(cells_, row, first, count)) {
+                                 if (value != header_.null) {
+                                     found.take(value);
+                                 }
+                             }
+                         });
         return found;
     }
 
 private:
     const GridHeader& header_;
     const Grid& cells_;
-    run::InsideWalk walk_;
+    InsideWalk walk_;
 };
 
 // --- Sections --------------------------------------------------------------------------------------------------------

@@ -13,6 +13,7 @@
 #include "run/cells_ahead.h"
 #include "run/load.h"
 #include "run/outputs.h"
+#include "run/sampled_region.h"
 #include "run/still_to_read.h"
 
 #include <cstddef>
@@ -70,7 +71,7 @@ std::vector<TrimRegion> readRegions(const std::string& layerName)
 
 // --- The window ------------------------------------------------------------------------------------------------------
 
-void reportOverhang(const run::CellWindow& w, const GridHeader& header, const std::string& region,
+void reportOverhang(const CellWindow& w, const GridHeader& header, const std::string& region,
                     const std::string& gridName)
 {
     // Named as it is, the test finds the regions that overhang both ends of an axis; batch files rely on its stop.

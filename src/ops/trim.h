@@ -2,10 +2,10 @@
 #pragma once
 
 #include "grid/grid.h"
-#include "run/cell_window.h"
+#include "plane/cell_window.h"
+#include "plane/inside_runs.h"
 #include "run/common.h"
 #include "run/inputs.h"
-#include "run/inside_runs.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -25,19 +25,19 @@ inline std::size_t placeOf(const GridHeader& header, std::int32_t row, std::int3
 // Fills `output`, which is as large as the window, with null, and calls copy(first, target) for each run of cells whose
 // north-east corner is inside the region: with the place of the first of them in the grid, and their part of the output.
 template <typename Copy>
-void copyInside(const run::SampledRegion& region, const GridHeader& header, const run::CellWindow& window,
+void copyInside(const SampledRegion& region, const GridHeader& header, const CellWindow& window,
                 std::span<float> output, const Copy& copy)
 {
     std::ranges::fill(output, header.null);
-    run::InsideWalk walk;
-    run::prepareWalk(region, walk);
-    run::forEachInsideRun(header, window, run::CellPlace::northEastCorner, walk,
-                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                              const auto fromNorth = static_cast<std::size_t>(window.lastRow - row);
-                              const auto fromWest = static_cast<std::size_t>(first - window.firstColumn);
-                              copy(placeOf(header, row, first), output.subspan(fromNorth * window.columns() + fromWest,
-                                                                               static_cast<std::size_t>(count)));
-                          });
+    InsideWalk walk;
+    prepareWalk(region, walk);
+    forEachInsideRun(header, window, CellPlace::northEastCorner, walk,
+                     [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                         const auto fromNorth = static_cast<std::size_t>(window.lastRow - row);
+                         const auto fromWest = static_cast<std::size_t>(first - window.firstColumn);
+                         copy(placeOf(header, row, first),
+                              output.subspan(fromNorth * window.columns() + fromWest, static_cast<std::size_t>(count)));
+                     });
 }
 
 struct TrimOptions {

@@ -19,12 +19,12 @@ namespace {
 
 constexpr std::size_t kMostWaitingCuts = 16; // each may take an open file
 
-std::size_t rowsOf(const run::CellWindow& window)
+std::size_t rowsOf(const CellWindow& window)
 {
     return static_cast<std::size_t>(window.lastRow - window.firstRow) + 1;
 }
 
-GridHeader windowHeader(const run::CellWindow& w, const GridHeader& header)
+GridHeader windowHeader(const CellWindow& w, const GridHeader& header)
 {
     GridHeader output = header;
     output.nrows = w.lastRow - w.firstRow + 1;
@@ -41,7 +41,7 @@ run::Way cutCells(const grid::CellStore& cells, const GridHeader& header, const 
     const std::size_t rows =
         std::clamp<std::size_t>(std::min(run::kCachedCells, run::cellsOfPart()) / columns, 1, rowsOf(cut.window));
     const auto fill = [&](std::size_t first, std::span<float> target, std::size_t) {
-        run::CellWindow some = cut.window;
+        CellWindow some = cut.window;
         some.lastRow -= static_cast<std::int32_t>(first / columns);
         some.firstRow = some.lastRow - static_cast<std::int32_t>(target.size() / columns) + 1;
         if (2 * columns >= static_cast<std::size_t>(header.ncols)) {
@@ -57,10 +57,10 @@ run::Way cutCells(const grid::CellStore& cells, const GridHeader& header, const 
 
 } // namespace
 
-Cut cutOf(const run::SampledRegion& region, const GridHeader& header)
+Cut cutOf(const SampledRegion& region, const GridHeader& header)
 {
-    const run::CellWindow wanted = run::regionWindow(region, header);
-    Cut cut{region, wanted, run::withinGrid(wanted, header), header};
+    const CellWindow wanted = regionWindow(region, header);
+    Cut cut{region, wanted, withinGrid(wanted, header), header};
     if (!cut.window.empty()) {
         cut.header = windowHeader(cut.window, header);
     }

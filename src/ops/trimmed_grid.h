@@ -5,9 +5,9 @@
 #include "grid/grid.h"
 #include "grid/look.h"
 #include "grid/writer.h"
-#include "run/cell_window.h"
+#include "plane/cell_window.h"
+#include "plane/inside_runs.h"
 #include "run/cells_ahead.h"
-#include "run/inside_runs.h"
 #include "run/load.h"
 
 #include <cstddef>
@@ -18,18 +18,18 @@ namespace gridforge::ops {
 
 struct TrimRegion {
     std::string name;
-    run::SampledRegion region;
+    SampledRegion region;
 };
 
 // A region's window of a grid.
 struct Cut {
-    const run::SampledRegion& region;
-    run::CellWindow wanted;
-    run::CellWindow window; // the part of it that lies in the grid
-    GridHeader header;      // of the output; not if the window is empty
+    const SampledRegion& region;
+    CellWindow wanted;
+    CellWindow window; // the part of it that lies in the grid
+    GridHeader header; // of the output; not if the window is empty
 };
 
-Cut cutOf(const run::SampledRegion& region, const GridHeader& header);
+Cut cutOf(const SampledRegion& region, const GridHeader& header);
 
 // One grid and what is cut out of it. Where all is ordinary it is never in memory: a few windows of a binary grid are cut
 // before its story is told, and wait. Otherwise the cells of the grid itself wait for the turns of its windows.

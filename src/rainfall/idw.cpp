@@ -6,8 +6,8 @@
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/threads.h"
+#include "plane/cell_window.h"
 #include "rainfall/memory_line.h"
-#include "run/cell_window.h"
 
 #include <algorithm>
 #include <limits>
@@ -39,10 +39,10 @@ Places centresOf(const GridHeader& grid)
 {
     Places centres;
     for (std::int32_t column = 1; column <= grid.ncols; ++column) {
-        centres.x.push_back(run::centreX(grid, column));
+        centres.x.push_back(centreX(grid, column));
     }
     for (std::int32_t row = 1; row <= grid.nrows; ++row) {
-        centres.y.push_back(run::centreY(grid, row));
+        centres.y.push_back(centreY(grid, row));
     }
     return centres;
 }

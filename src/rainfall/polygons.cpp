@@ -7,9 +7,9 @@
 #include "host/control_commands.h"
 #include "host/ends.h"
 #include "host/units.h"
+#include "plane/inside_runs.h"
 #include "plane/region_rows.h"
 #include "rainfall/single_rings.h"
-#include "run/inside_runs.h"
 
 #include <algorithm>
 #include <array>
@@ -23,7 +23,7 @@ namespace gridforge::rainfall {
 namespace {
 
 // The cells about the region, within the grid.
-run::CellWindow windowOf(const Box& extent, const GridHeader& grid)
+CellWindow windowOf(const Box& extent, const GridHeader& grid)
 {
     const auto cell = [&grid](double coordinate, double origin) {
         return std::int64_t{truncateToInt((coordinate - origin) / grid.cellsize8)};
@@ -68,18 +68,18 @@ RfRegion rfRegion(std::span<const double> x, std::span<const double> y)
 std::int64_t paintRegion(const RfRegion& region, const GridHeader& grid, std::int32_t hyetograph, float factor,
                          RfPolygonTables& tables)
 {
-    const run::CellWindow window = windowOf(region.extent, grid);
+    const CellWindow window = windowOf(region.extent, grid);
     if (window.empty()) {
         return 0;
     }
-    run::InsideWalk walk;
+    InsideWalk walk;
     prepare(region, grid.xll, walk.region);
     std::int64_t shared = 0;
-    run::forEachInsideRun(grid, window, run::CellPlace::centreInSingle, walk,
-                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                              shared += paintRun(hyetograph, factor, run::cellsOfRun(tables.index, row, first, count),
-                                                 run::cellsOfRun(tables.factor, row, first, count));
-                          });
+    forEachInsideRun(grid, window, CellPlace::centreInSingle, walk,
+                     [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                         shared += paintRun(hyetograph, factor, cellsOfRun(tables.index, row, first, count),
+                                            cellsOfRun(tables.factor, row, first, count));
+                     });
     return shared;
 }
 

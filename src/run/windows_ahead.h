@@ -3,8 +3,8 @@
 #pragma once
 
 #include "grid/look.h"
-#include "run/cell_part.h"
-#include "run/cell_window.h"
+#include "plane/cell_part.h"
+#include "plane/cell_window.h"
 
 #include <cstddef>
 #include <functional>

@@ -142,9 +142,8 @@ private:
             sayDuplicate();
             pauseForEnter();
         }
-        const run::AcrossLine across =
-            run::acrossLine(header_, line.x[i], line.y[i], perpendicularAngle(lineAngle(line, i)));
-        const std::int32_t samples = run::samplesToSide(header_, breakline.width, run::kBothSides);
+        const AcrossLine across = acrossLine(header_, line.x[i], line.y[i], perpendicularAngle(lineAngle(line, i)));
+        const std::int32_t samples = samplesToSide(header_, breakline.width, kBothSides);
         if (check_) {
             gis::Feature searched = searchLine(across, -samples, samples);
             searched.record = checkRecord(kNoGround, kSearchLineCount, breakline.options);
@@ -160,7 +159,7 @@ private:
         const double x = breakline.line.x[i];
         const double y = breakline.line.y[i];
         const SearchPolygon polygon = searchPolygon(x, y, breakline.width);
-        const run::CellWindow window = run::searchWindow(header_, x, y, breakline.width);
+        const CellWindow window = searchWindow(header_, x, y, breakline.width);
         const GroundLevel level = levelInCircle(polygon, window, header_, cells_, breakline.rule, walk_);
         writeFoundCell(level, breakline);
         if (check_) {
@@ -185,7 +184,7 @@ private:
     const GridHeader& header_;
     const Grid& cells_;
     std::optional<gis::LayerWriter>& check_;
-    run::InsideWalk walk_;
+    InsideWalk walk_;
 };
 
 void writeBreakline(const Breakline& breakline, float null, LevelSampler& sampler, gis::LayerWriter& result)

@@ -13,7 +13,7 @@ namespace gridforge::sampling {
 
 namespace {
 
-bool isInWindow(const run::CellWindow& window, std::int32_t row, std::int32_t column)
+bool isInWindow(const CellWindow& window, std::int32_t row, std::int32_t column)
 {
     return row >= window.firstRow && row <= window.lastRow && column >= window.firstColumn &&
            column <= window.lastColumn;
@@ -69,7 +69,7 @@ void ExtremeSearch::lookThrough(std::int32_t tileRow, std::int32_t tileColumn)
 {
     Tile& tile = this->tile(tileRow, tileColumn);
     const TileWindow alone = {tileRow, tileRow, tileColumn, tileColumn};
-    const run::CellWindow window = windowOfTile(tileRow, tileColumn, cells_.window());
+    const CellWindow window = windowOfTile(tileRow, tileColumn, cells_.window());
     const std::int32_t first = window.firstColumn;
     const std::int32_t columns = window.lastColumn - first + 1;
     const auto columnOf = [&](std::int32_t row, float value) {
@@ -96,7 +96,7 @@ void ExtremeSearch::lookThrough(std::int32_t tileRow, std::int32_t tileColumn)
 void ExtremeSearch::know(const TileWindow& tiles)
 {
     if (tiles_.empty()) {
-        const run::CellWindow& part = cells_.window();
+        const CellWindow& part = cells_.window();
         tiles_.resize(tilesAcross() * (static_cast<std::size_t>(tilesOfPart_.lastRow - tilesOfPart_.firstRow) + 1));
         pieces_.resize(tilesAcross() * (static_cast<std::size_t>(part.lastRow - part.firstRow) + 1));
     }
@@ -115,7 +115,7 @@ ExtremeSearch::Range ExtremeSearch::rangeToBeat(const CellSearch& search, const 
 {
     const auto isInside = [&](std::int32_t row, std::int32_t column) {
         return isInWindow(search.window, row, column) &&
-               insideSearchPolygon(search.polygon, run::cornerX(header_, column), run::cornerY(header_, row));
+               insideSearchPolygon(search.polygon, cornerX(header_, column), cornerY(header_, row));
     };
     constexpr float kFarthest = std::numeric_limits<float>::infinity();
     Range range;
@@ -168,7 +168,7 @@ void ExtremeSearch::searchRow(const CellSearch& search, std::int32_t row, const 
     if (std::ranges::none_of(pieces, [&](const Range& piece) { return mayHold(piece, found.range); })) {
         return;
     }
-    run::walkRow(header_, row, run::CellPlace::northEastCorner, walk_);
+    walkRow(header_, row, CellPlace::northEastCorner, walk_);
     for (const RowRun& run : walk_.runs) {
         const std::int32_t last = search.window.firstColumn + static_cast<std::int32_t>(run.to) - 1;
         for (std::int32_t first = search.window.firstColumn + static_cast<std::int32_t>(run.from); first <= last;) {
@@ -184,15 +184,15 @@ void ExtremeSearch::searchRow(const CellSearch& search, std::int32_t row, const 
 
 FoundCell ExtremeSearch::foundCell(const CellSearch& search, std::int32_t row, std::int32_t column) const
 {
-    const double x = run::cornerX(header_, column);
-    const double y = run::cornerY(header_, row);
+    const double x = cornerX(header_, column);
+    const double y = cornerY(header_, row);
     return {cells_(row, column), DISTANCE_8(search.x, search.y, x, y), x, y};
 }
 
 FoundExtremes ExtremeSearch::find(const CellSearch& search)
 {
-    const run::CellWindow& window = search.window;
-    assert(run::isWithinGrid(window, header_));
+    const CellWindow& window = search.window;
+    assert(isWithinGrid(window, header_));
     FoundExtremes result;
     if (window.empty()) {
         return result;
@@ -200,7 +200,7 @@ FoundExtremes ExtremeSearch::find(const CellSearch& search)
     const TileWindow tiles = tilesOf(window);
     know(tiles);
     prepareWalk(search.polygon, walk_);
-    run::placeColumns(header_, window, run::CellPlace::northEastCorner, walk_);
+    placeColumns(header_, window, CellPlace::northEastCorner, walk_);
     Extremes found;
     found.range = rangeToBeat(search, tiles);
     for (std::int32_t tileRow = tiles.firstRow; tileRow <= tiles.lastRow; ++tileRow) {

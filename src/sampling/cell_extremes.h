@@ -2,8 +2,8 @@
 #pragma once
 
 #include "grid/grid.h"
-#include "run/cell_part.h"
-#include "run/inside_runs.h"
+#include "plane/cell_part.h"
+#include "plane/inside_runs.h"
 #include "sampling/cell_search.h"
 #include "sampling/cell_tiles.h"
 
@@ -24,7 +24,7 @@ struct FoundExtremes {
 class ExtremeSearch {
 public:
     // The header and the cells must stay.
-    ExtremeSearch(const GridHeader& header, const run::CellPart& cells)
+    ExtremeSearch(const GridHeader& header, const CellPart& cells)
         : header_(header), cells_(cells), tilesOfPart_(tilesOf(cells.window()))
     {
     }
@@ -47,7 +47,7 @@ private:
         std::int32_t highRow = 0;
         std::int32_t highColumn = 0;
     };
-    using TileWindow = run::CellWindow; // of tiles, from 0
+    using TileWindow = CellWindow; // of tiles, from 0
     // What is found so far: only cells beyond the range are of interest.
     struct Extremes {
         Range range;
@@ -74,11 +74,11 @@ private:
     FoundCell foundCell(const CellSearch& search, std::int32_t row, std::int32_t column) const;
 
     const GridHeader& header_;
-    run::CellPart cells_;
+    CellPart cells_;
     TileWindow tilesOfPart_;
     std::vector<Range> pieces_; // of each row, by its tile columns; none before the first search
     std::vector<Tile> tiles_;
-    run::InsideWalk walk_;
+    InsideWalk walk_;
 };
 
 } // namespace gridforge::sampling

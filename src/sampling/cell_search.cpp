@@ -11,7 +11,7 @@ namespace gridforge::sampling {
 
 CellSearch searchAround(const GridHeader& header, double x, double y, float diameter)
 {
-    return {x, y, searchPolygon(x, y, diameter), run::searchWindow(header, x, y, diameter)};
+    return {x, y, searchPolygon(x, y, diameter), searchWindow(header, x, y, diameter)};
 }
 
 namespace {
@@ -49,7 +49,7 @@ struct TileRowMemory {
 // their place.
 class NearestSearch {
 public:
-    NearestSearch(const CellSearch& search, const GridHeader& header, const run::CellPart& cells, EmptyTiles& tiles)
+    NearestSearch(const CellSearch& search, const GridHeader& header, const CellPart& cells, EmptyTiles& tiles)
         : search_(search), header_(header), cells_(cells), tiles_(tiles)
     {
     }
@@ -62,8 +62,8 @@ public:
     void searchRow(std::int32_t row, std::int32_t split)
     {
         row_ = row;
-        y_ = run::cornerY(header_, row);
-        const run::CellWindow& window = search_.window;
+        y_ = cornerY(header_, row);
+        const CellWindow& window = search_.window;
         rowCells_ = cells_.row(row, window.firstColumn, window.lastColumn - window.firstColumn + 1);
         for (std::int32_t from = split; from <= window.lastColumn && !isBeyond(distanceOf(from));) {
             const std::int32_t to = std::min(window.lastColumn, firstOfTile(tileOf(from)) + (kTileSide - 1));
@@ -102,7 +102,7 @@ public:
     std::optional<FoundCell> result() const { return found_ ? std::optional(best_) : std::nullopt; }
 
 private:
-    float distanceOf(std::int32_t column) const { return cornerDistance(search_, run::cornerX(header_, column), y_); }
+    float distanceOf(std::int32_t column) const { return cornerDistance(search_, cornerX(header_, column), y_); }
 
     // Of columns in one tile.
     bool hasValues(std::int32_t first, std::int32_t last) const
@@ -118,7 +118,7 @@ private:
         if (value == header_.null) {
             return;
         }
-        const double x = run::cornerX(header_, column);
+        const double x = cornerX(header_, column);
         const float distance = cornerDistance(search_, x, y_);
         const bool earlier =
             found_ && distance == best_.distance && (row_ < bestRow_ || (row_ == bestRow_ && column < bestColumn_));
@@ -132,7 +132,7 @@ private:
 
     const CellSearch& search_;
     const GridHeader& header_;
-    const run::CellPart& cells_;
+    const CellPart& cells_;
     EmptyTiles& tiles_;
     FoundCell best_{0, kNoValue, 0, 0};
     std::int32_t bestRow_ = 0;
@@ -145,24 +145,22 @@ private:
 
 } // namespace
 
-std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const run::CellPart& cells,
+std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const CellPart& cells,
                                      EmptyTiles& tiles)
 {
-    const run::CellWindow& window = search.window;
-    assert(run::isWithinGrid(window, header));
+    const CellWindow& window = search.window;
+    assert(isWithinGrid(window, header));
     if (window.empty()) {
         return std::nullopt;
     }
     const std::int32_t split = firstNotBelow(window.firstColumn, window.lastColumn, search.x,
-                                             [&](std::int32_t c) { return run::cornerX(header, c); });
-    std::int32_t north = firstNotBelow(window.firstRow, window.lastRow, search.y,
-                                       [&](std::int32_t r) { return run::cornerY(header, r); });
+                                             [&](std::int32_t c) { return cornerX(header, c); });
+    std::int32_t north =
+        firstNotBelow(window.firstRow, window.lastRow, search.y, [&](std::int32_t r) { return cornerY(header, r); });
     std::int32_t south = north - 1;
 
     // No cell of a row is nearer than the row: single-precision distances keep the order of their parts.
-    const auto rowDistance = [&](std::int32_t row) {
-        return cornerDistance(search, search.x, run::cornerY(header, row));
-    };
+    const auto rowDistance = [&](std::int32_t row) { return cornerDistance(search, search.x, cornerY(header, row)); };
     NearestSearch nearest(search, header, cells, tiles);
     TileRowMemory northTiles;
     TileRowMemory southTiles;

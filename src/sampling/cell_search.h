@@ -3,7 +3,7 @@
 #pragma once
 
 #include "grid/grid.h"
-#include "run/cell_window.h"
+#include "plane/cell_window.h"
 #include "sampling/cell_tiles.h"
 #include "sampling/search_polygon.h"
 
@@ -27,14 +27,14 @@ struct CellSearch {
     double x = 0;
     double y = 0;
     SearchPolygon polygon;
-    run::CellWindow window;
+    CellWindow window;
 };
 CellSearch searchAround(const GridHeader& header, double x, double y, float diameter);
 
 // The nearest cell, of equally near ones the first by rows from the south, each from the west. The window must lie within
 // the grid, and in `cells`. Goes outwards from the point, so it costs what lies nearer than the cell found, and skips empty
 // tiles of the grid.
-std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const run::CellPart& cells,
+std::optional<FoundCell> nearestCell(const CellSearch& search, const GridHeader& header, const CellPart& cells,
                                      EmptyTiles& tiles);
 
 } // namespace gridforge::sampling

@@ -15,7 +15,7 @@ bool allNull(std::span<const float> cells, float null)
 
 bool EmptyTiles::holdsNulls(std::int32_t tileRow, std::int32_t tileColumn) const
 {
-    const run::CellWindow tile = windowOfTile(tileRow, tileColumn, cells_.window());
+    const CellWindow tile = windowOfTile(tileRow, tileColumn, cells_.window());
     for (std::int32_t row = tile.firstRow; row <= tile.lastRow; ++row) {
         if (!allNull(cells_.row(row, tile.firstColumn, tile.lastColumn - tile.firstColumn + 1), header_.null)) {
             return false;
@@ -26,7 +26,7 @@ bool EmptyTiles::holdsNulls(std::int32_t tileRow, std::int32_t tileColumn) const
 
 bool EmptyTiles::isEmpty(std::int32_t tileRow, std::int32_t tileColumn)
 {
-    const run::CellWindow tiles = tilesOf(cells_.window());
+    const CellWindow tiles = tilesOf(cells_.window());
     const auto across = static_cast<std::size_t>(tiles.lastColumn - tiles.firstColumn) + 1;
     if (states_.empty()) {
         states_.resize(across * (static_cast<std::size_t>(tiles.lastRow - tiles.firstRow) + 1), State::unknown);

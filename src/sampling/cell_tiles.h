@@ -2,7 +2,7 @@
 #pragma once
 
 #include "grid/grid.h"
-#include "run/cell_part.h"
+#include "plane/cell_part.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -26,13 +26,13 @@ inline std::int32_t firstOfTile(std::int32_t tile)
 }
 
 // The rows and columns of tiles, from 0, that a window of cells touches.
-inline run::CellWindow tilesOf(const run::CellWindow& window)
+inline CellWindow tilesOf(const CellWindow& window)
 {
     return {tileOf(window.firstRow), tileOf(window.lastRow), tileOf(window.firstColumn), tileOf(window.lastColumn)};
 }
 
 // The cells of a tile that lie in the window.
-inline run::CellWindow windowOfTile(std::int32_t tileRow, std::int32_t tileColumn, const run::CellWindow& window)
+inline CellWindow windowOfTile(std::int32_t tileRow, std::int32_t tileColumn, const CellWindow& window)
 {
     return {std::max(firstOfTile(tileRow), window.firstRow),
             std::min(firstOfTile(tileRow) + (kTileSide - 1), window.lastRow),
@@ -44,7 +44,7 @@ inline run::CellWindow windowOfTile(std::int32_t tileRow, std::int32_t tileColum
 class EmptyTiles {
 public:
     // The header and the cells must stay. Of tiles that are not all in the part, what is in it counts.
-    EmptyTiles(const GridHeader& header, const run::CellPart& cells) : header_(header), cells_(cells) {}
+    EmptyTiles(const GridHeader& header, const CellPart& cells) : header_(header), cells_(cells) {}
 
     bool isEmpty(std::int32_t tileRow, std::int32_t tileColumn);
 
@@ -54,7 +54,7 @@ private:
     bool holdsNulls(std::int32_t tileRow, std::int32_t tileColumn) const;
 
     const GridHeader& header_;
-    run::CellPart cells_;
+    CellPart cells_;
     std::vector<State> states_; // none before the first question
 };
 

@@ -118,42 +118,42 @@ GroundLevel levelOfFourCells(const GridHeader& header, const Grid& cells, double
     return tally.level();
 }
 
-GroundLevel levelAcross(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
-                        const run::SampleRange& range, LevelRule rule)
+GroundLevel levelAcross(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range,
+                        LevelRule rule)
 {
     LevelTally tally(rule, header.null);
-    const run::SampleRange inGrid = run::samplesInGrid(line, header, range);
+    const SampleRange inGrid = samplesInGrid(line, header, range);
     for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const run::SampleCell cell = run::sampleCell(line, header, k);
+        const SampleCell cell = sampleCell(line, header, k);
         tally.add(cells(cell.row, cell.column), cell.row, cell.column);
     }
     if (tally.count() == 0) {
         return outsideLevel();
     }
     GroundLevel level = tally.level();
-    level.x = run::sampleCellX(header, tally.column());
-    level.y = run::sampleCellY(header, tally.row());
+    level.x = sampleCellX(header, tally.column());
+    level.y = sampleCellY(header, tally.row());
     return level;
 }
 
-GroundLevel levelInCircle(const SearchPolygon& polygon, const run::CellWindow& window, const GridHeader& header,
-                          const Grid& cells, LevelRule rule, run::InsideWalk& walk)
+GroundLevel levelInCircle(const SearchPolygon& polygon, const CellWindow& window, const GridHeader& header,
+                          const Grid& cells, LevelRule rule, InsideWalk& walk)
 {
-    if (!run::isWithinGrid(window, header)) {
+    if (!isWithinGrid(window, header)) {
         return outsideLevel();
     }
     prepareWalk(polygon, walk);
     LevelTally tally(rule, header.null);
-    run::forEachInsideRun(header, window, run::CellPlace::centre, walk,
-                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                              std::int32_t column = first;
-                              for (const float value : run::cellsOfRun(cells, row, first, count)) {
-                                  tally.add(value, row, column++);
-                              }
-                          });
+    forEachInsideRun(header, window, CellPlace::centre, walk,
+                     [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                         std::int32_t column = first;
+                         for (const float value : cellsOfRun(cells, row, first, count)) {
+                             tally.add(value, row, column++);
+                         }
+                     });
     GroundLevel level = tally.level();
-    level.x = run::centreX(header, tally.column());
-    level.y = run::centreY(header, tally.row());
+    level.x = centreX(header, tally.column());
+    level.y = centreY(header, tally.row());
     return level;
 }
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "grid/grid.h"
-#include "run/across_line.h"
-#include "run/inside_runs.h"
+#include "plane/across_line.h"
+#include "plane/inside_runs.h"
 #include "sampling/search_polygon.h"
 
 #include <cstdint>
@@ -33,11 +33,11 @@ GroundLevel levelOfCell(const GridHeader& header, const Grid& cells, double x, d
 // Of the four cells from the point's own to its north-east neighbour; null where all are.
 GroundLevel levelOfFourCells(const GridHeader& header, const Grid& cells, double x, double y, LevelRule rule);
 // Of the samples of the range; outside where none has a value.
-GroundLevel levelAcross(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
-                        const run::SampleRange& range, LevelRule rule);
+GroundLevel levelAcross(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range,
+                        LevelRule rule);
 // Of the cells whose centres lie inside the polygon; outside where its window is not within the grid, null where no cell
 // has a value. `walk` is memory that may be used again.
-GroundLevel levelInCircle(const SearchPolygon& polygon, const run::CellWindow& window, const GridHeader& header,
-                          const Grid& cells, LevelRule rule, run::InsideWalk& walk);
+GroundLevel levelInCircle(const SearchPolygon& polygon, const CellWindow& window, const GridHeader& header,
+                          const Grid& cells, LevelRule rule, InsideWalk& walk);
 
 } // namespace gridforge::sampling

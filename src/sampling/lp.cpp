@@ -30,28 +30,26 @@ constexpr std::int32_t kMaxProfileVertices = 10000000;
 
 // --- The kernels -----------------------------------------------------------------------------------------------------
 
-FoundSample lowestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
-                         const run::SampleRange& range)
+FoundSample lowestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range)
 {
     FoundSample found{kNoLowest, 0, 0};
-    const run::SampleRange inGrid = run::samplesInGrid(line, header, range);
+    const SampleRange inGrid = samplesInGrid(line, header, range);
     for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const run::SampleCell cell = run::sampleCell(line, header, k);
+        const SampleCell cell = sampleCell(line, header, k);
         const float value = cells(cell.row, cell.column);
         if (value != header.null && value < found.value) {
-            found = {value, run::sampleCellX(header, cell.column), run::sampleCellY(header, cell.row)};
+            found = {value, sampleCellX(header, cell.column), sampleCellY(header, cell.row)};
         }
     }
     return found;
 }
 
-FoundSample highestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
-                          const run::SampleRange& range)
+FoundSample highestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range)
 {
     FoundSample found{kNoHighest, 0, 0};
-    const run::SampleRange inGrid = run::samplesInGrid(line, header, range);
+    const SampleRange inGrid = samplesInGrid(line, header, range);
     for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const run::SampleCell cell = run::sampleCell(line, header, k);
+        const SampleCell cell = sampleCell(line, header, k);
         const float value = cells(cell.row, cell.column);
         if (value != header.null && value > found.value) {
             found = {value, line.sampleX(k), line.sampleY(k)};
@@ -124,12 +122,11 @@ void sampleVertices(Profile& profile, float searchDistance, const Terrain& terra
 {
     say("Extracting elevations...");
     const GridHeader& header = terrain.header;
-    const std::int32_t half = run::samplesToSide(header, searchDistance, run::kBothSides);
-    const std::int32_t full = run::samplesToSide(header, searchDistance, run::kOneSide);
+    const std::int32_t half = samplesToSide(header, searchDistance, kBothSides);
+    const std::int32_t full = samplesToSide(header, searchDistance, kOneSide);
     for (std::size_t i = 0; i < profile.line.count(); ++i) {
         ProfileVertex& vertex = profile.vertices[i];
-        const run::AcrossLine across =
-            run::acrossLine(header, profile.line.x[i], profile.line.y[i], vertex.perpendicular);
+        const AcrossLine across = acrossLine(header, profile.line.x[i], profile.line.y[i], vertex.perpendicular);
         const auto drawSearch = [&](std::int32_t from, std::int32_t to, std::string_view type) {
             if (check) {
                 gis::Feature searched = searchLine(across, from, to);

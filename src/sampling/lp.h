@@ -2,7 +2,7 @@
 #pragma once
 
 #include "grid/grid.h"
-#include "run/across_line.h"
+#include "plane/across_line.h"
 #include "run/common.h"
 #include "run/inputs.h"
 
@@ -17,11 +17,10 @@ struct FoundSample {
 };
 
 // The lowest cell of the samples, 99999.0 if none has a value, at the place of its cell.
-FoundSample lowestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
-                         const run::SampleRange& range);
+FoundSample lowestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range);
 // The highest one, -99999.0 if none has a value, at the place of its sample.
-FoundSample highestSample(const run::AcrossLine& line, const GridHeader& header, const Grid& cells,
-                          const run::SampleRange& range);
+FoundSample highestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells,
+                          const SampleRange& range);
 
 struct LpOptions {
     std::string layer;

@@ -8,6 +8,7 @@
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/units.h"
+#include "run/sampled_region.h"
 #include "sampling/sampled_layer.h"
 
 #include <algorithm>
@@ -30,19 +31,18 @@ constexpr float kLeastRange = 0.001F;
 
 // --- The kernels -----------------------------------------------------------------------------------------------------
 
-bool collectInside(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
-                   const run::CellWindow& window, std::size_t most, std::vector<float>& values)
+bool collectInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& window,
+                   std::size_t most, std::vector<float>& values)
 {
-    run::InsideWalk walk;
-    run::prepareWalk(region, walk);
-    run::forEachInsideRun(header, window, run::CellPlace::northEastCorner, walk,
-                          [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                              if (values.size() <= most) {
-                                  std::ranges::copy_if(run::cellsOfRun(cells, row, first, count),
-                                                       std::back_inserter(values),
-                                                       [null = header.null](float cell) { return cell != null; });
-                              }
-                          });
+    InsideWalk walk;
+    prepareWalk(region, walk);
+    forEachInsideRun(header, window, CellPlace::northEastCorner, walk,
+                     [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+                         if (values.size() <= most) {
+                             std::ranges::copy_if(cellsOfRun(cells, row, first, count), std::back_inserter(values),
+                                                  [null = header.null](float cell) { return cell != null; });
+                         }
+                     });
     return values.size() <= most;
 }
 
@@ -147,10 +147,10 @@ NodeRecord parseNode(const std::string& record)
 }
 
 // The values of the terrain inside the region.
-std::vector<float> terrainInside(const run::SampledRegion& region, const Terrain& terrain)
+std::vector<float> terrainInside(const SampledRegion& region, const Terrain& terrain)
 {
-    const run::CellWindow window = run::regionWindow(region, terrain.header);
-    if (!run::isWithinGrid(window, terrain.header)) {
+    const CellWindow window = regionWindow(region, terrain.header);
+    if (!isWithinGrid(window, terrain.header)) {
         fail("ERROR - Region is outside of DEM.");
     }
     std::vector<float> values;
@@ -210,7 +210,7 @@ void writeTable(const std::string& name, std::span<const float> heights, const H
     CLOSER(unit);
 }
 
-void tabulateRegion(const run::SampledRegion& region, const NodeRecord& node, const Terrain& terrain)
+void tabulateRegion(const SampledRegion& region, const NodeRecord& node, const Terrain& terrain)
 {
     const std::vector<float> values = terrainInside(region, terrain);
     const HeightRange range = announcedRange(values, node);

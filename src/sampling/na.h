@@ -2,8 +2,8 @@
 #pragma once
 
 #include "grid/grid.h"
+#include "plane/inside_runs.h"
 #include "run/inputs.h"
-#include "run/inside_runs.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,8 +15,8 @@ namespace gridforge::sampling {
 
 // Adds the cells of the window, which lies within the grid, whose north-east corner is inside the region and that are not
 // null to `values`: rows from the south, each from the west. False where there are more than `most`.
-bool collectInside(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
-                   const run::CellWindow& window, std::size_t most, std::vector<float>& values);
+bool collectInside(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& window,
+                   std::size_t most, std::vector<float>& values);
 
 // The heights of a table, each from the one before: fine near `minimum`, coarse above, to the first one above `maximum`
 // or, where that is out of reach, 100 of them. In single precision.

@@ -20,11 +20,10 @@ bool isSame(double a, double b)
 }
 
 // None where the circle touches the edge of the grid, or holds no cell.
-std::optional<run::CellWindow> windowInGrid(const GridHeader& header, const gis::PointPlace& place, float diameter)
+std::optional<CellWindow> windowInGrid(const GridHeader& header, const gis::PointPlace& place, float diameter)
 {
-    const run::CellWindow window = run::searchWindow(header, place.x, place.y, diameter);
-    if (!run::isWithinGrid(window, header) || window.firstRow > window.lastRow ||
-        window.firstColumn > window.lastColumn) {
+    const CellWindow window = searchWindow(header, place.x, place.y, diameter);
+    if (!isWithinGrid(window, header) || window.firstRow > window.lastRow || window.firstColumn > window.lastColumn) {
         return std::nullopt;
     }
     return window;
@@ -50,15 +49,15 @@ PointFinder::PointFinder(const CpOptions& options, const std::string& grid)
     findAhead();
 }
 
-std::optional<run::CellWindow> PointFinder::windowAround(const gis::PointPlace& place) const
+std::optional<CellWindow> PointFinder::windowAround(const gis::PointPlace& place) const
 {
     const GridHeader& header = look_->header;
     const auto nearest = windowInGrid(header, place, options_.searchDistance);
     const auto extremes = options_.extremes ? windowInGrid(header, place, options_.extremesDistance) : std::nullopt;
-    return nearest && extremes ? run::joined(*nearest, *extremes) : nearest ? nearest : extremes;
+    return nearest && extremes ? joined(*nearest, *extremes) : nearest ? nearest : extremes;
 }
 
-PointFinder::Found PointFinder::findIn(const gis::PointPlace& place, const run::CellPart& cells, EmptyTiles& tiles,
+PointFinder::Found PointFinder::findIn(const gis::PointPlace& place, const CellPart& cells, EmptyTiles& tiles,
                                        ExtremeSearch& extremes) const
 {
     Found found;
@@ -82,7 +81,7 @@ void PointFinder::findAhead()
     }
     found_.resize(places_.size());
     ahead_ = run::windowsAhead(*look_, std::move(windows),
-                               [&](const run::CellPart& cells, std::span<const run::ObjectWindow> part, std::size_t) {
+                               [&](const CellPart& cells, std::span<const run::ObjectWindow> part, std::size_t) {
                                    EmptyTiles tiles(look_->header, cells);
                                    ExtremeSearch extremes(look_->header, cells);
                                    for (const run::ObjectWindow& window : part) {

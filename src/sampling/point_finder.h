@@ -39,9 +39,8 @@ private:
     };
 
     void findAhead();
-    Found findIn(const gis::PointPlace& place, const run::CellPart& cells, EmptyTiles& tiles,
-                 ExtremeSearch& extremes) const;
-    std::optional<run::CellWindow> windowAround(const gis::PointPlace& place) const;
+    Found findIn(const gis::PointPlace& place, const CellPart& cells, EmptyTiles& tiles, ExtremeSearch& extremes) const;
+    std::optional<CellWindow> windowAround(const gis::PointPlace& place) const;
     void readLate();
     void searchWhole();
 

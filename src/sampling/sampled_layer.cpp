@@ -51,7 +51,7 @@ void sayDuplicate()
     say("WARNING - Duplicate Vertices along line.  This may cause issues with determining angles.");
 }
 
-gis::Feature searchLine(const run::AcrossLine& across, std::int32_t from, std::int32_t to)
+gis::Feature searchLine(const AcrossLine& across, std::int32_t from, std::int32_t to)
 {
     return {.kind = gis::Kind::line,
             .x = {stored(across.sampleX(from)), stored(across.sampleX(to))},

@@ -4,7 +4,7 @@
 #include "gis/feature.h"
 #include "gis/layer_reader.h"
 #include "grid/grid.h"
-#include "run/across_line.h"
+#include "plane/across_line.h"
 #include "run/inputs.h"
 #include "sampling/line_vertices.h"
 
@@ -31,6 +31,6 @@ LineVertices insertVertices(const gis::Coordinates& read, float spacing, std::in
 void sayDuplicate();
 
 // The line from sample `from` to sample `to`, as an object without a record.
-gis::Feature searchLine(const run::AcrossLine& across, std::int32_t from, std::int32_t to);
+gis::Feature searchLine(const AcrossLine& across, std::int32_t from, std::int32_t to);
 
 } // namespace gridforge::sampling

@@ -50,7 +50,7 @@ SearchPolygon searchPolygon(double x, double y, float diameter)
     return polygon;
 }
 
-void prepareWalk(const SearchPolygon& polygon, run::InsideWalk& walk)
+void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk)
 {
     prepareRing(polygon.x, polygon.y, polygon.xmin, walk.region);
 }

@@ -1,7 +1,7 @@
 // The 12-sided polygon that stands for a search circle around a point.
 #pragma once
 
-#include "run/inside_runs.h"
+#include "plane/inside_runs.h"
 
 #include <array>
 #include <cstdint>
@@ -22,7 +22,7 @@ struct SearchPolygon {
 SearchPolygon searchPolygon(double x, double y, float diameter);
 
 // The polygon as a region to walk over.
-void prepareWalk(const SearchPolygon& polygon, run::InsideWalk& walk);
+void prepareWalk(const SearchPolygon& polygon, InsideWalk& walk);
 
 bool insideSearchPolygon(const SearchPolygon& polygon, double px, double py);
 

@@ -2,15 +2,15 @@
 #pragma once
 
 #include "gis/layer_object.h"
-#include "run/inside_runs.h"
+#include "run/sampled_region.h"
 
 #include <cstddef>
 #include <vector>
 
 namespace gridforge::test {
 
-// A region of one ring, which the reader of layers closes by its first two vertices.
-inline run::SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& y)
+// A ring of open vertices as a reader of layers gives it: closed by its first two.
+inline gis::Coordinates ringOf(const std::vector<double>& x, const std::vector<double>& y)
 {
     gis::Coordinates read;
     for (std::size_t i = 0; i < x.size() + 2; ++i) {
@@ -18,7 +18,12 @@ inline run::SampledRegion regionOf(const std::vector<double>& x, const std::vect
         read.x[i] = x[i % x.size()];
         read.y[i] = y[i % y.size()];
     }
-    return run::sampledRegion(read);
+    return read;
+}
+
+inline SampledRegion regionOf(const std::vector<double>& x, const std::vector<double>& y)
+{
+    return run::sampledRegion(ringOf(x, y));
 }
 
 } // namespace gridforge::test

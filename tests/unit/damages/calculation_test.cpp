@@ -130,7 +130,7 @@ SampledGrid gridOf(std::int32_t nrows, std::int32_t ncols, double xll, double yl
 TEST(BuildingWindow, HasACellOfMarginOnEachSide)
 {
     const SampledGrid grid = gridOf(10, 10, 100, 200, 2);
-    const run::CellWindow w = damages::buildingWindow(polygon({103, 107.9, 105}, {204, 205, 209}), grid.header);
+    const CellWindow w = damages::buildingWindow(polygon({103, 107.9, 105}, {204, 205, 209}), grid.header);
     EXPECT_EQ(w.firstColumn, 0); // trunc(3 / 2) - 1
     EXPECT_EQ(w.lastColumn, 4);  // trunc(7.9 / 2) + 1
     EXPECT_EQ(w.firstRow, 1);    // trunc(4 / 2) - 1
@@ -140,16 +140,16 @@ TEST(BuildingWindow, HasACellOfMarginOnEachSide)
 TEST(BuildingWindow, TruncatesTowardsZeroAndStaysInTheIntegers)
 {
     const SampledGrid grid = gridOf(10, 10, 0, 0, 1);
-    const run::CellWindow near = damages::buildingWindow(polygon({-0.9, 0.5, 0.5}, {-1.9, 0.5, 0.5}), grid.header);
+    const CellWindow near = damages::buildingWindow(polygon({-0.9, 0.5, 0.5}, {-1.9, 0.5, 0.5}), grid.header);
     EXPECT_EQ(near.firstColumn, -1);
     EXPECT_EQ(near.firstRow, -2);
-    const run::CellWindow far = damages::buildingWindow(polygon({-1e300, 1e300, 0}, {-1e300, 1e300, 0}), grid.header);
+    const CellWindow far = damages::buildingWindow(polygon({-1e300, 1e300, 0}, {-1e300, 1e300, 0}), grid.header);
     EXPECT_EQ(far.firstColumn, std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(far.lastColumn, std::numeric_limits<std::int32_t>::max());
 }
 
 // The plain twin of the kernel: every vertex for every cell.
-damages::InsideCells cellsInsidePlainly(const damages::DmgBuilding& building, const run::CellWindow& window,
+damages::InsideCells cellsInsidePlainly(const damages::DmgBuilding& building, const CellWindow& window,
                                         const SampledGrid& grid)
 {
     const GridHeader& header = grid.header;
@@ -207,14 +207,14 @@ TEST(CellsInside, GivesTheBitsOfThePlainTest)
 {
     std::mt19937 random(11);
     int counted = 0;
-    run::InsideWalk walk;
+    InsideWalk walk;
     for (const auto& [xll, yll, cellsize] : std::vector<std::tuple<double, double, float>>{
              {0, 0, 1}, {381234.125, 6354321.375, 0.9999F}, {-7e6, 1e7, 5}}) {
         SampledGrid grid = gridOf(31, 42, xll, yll, cellsize);
         fillLevels(grid, random);
         for (int round = 0; round < 400; ++round) {
             const damages::DmgBuilding building = anyPolygon(grid.header, random);
-            const run::CellWindow window = damages::buildingWindow(building, grid.header);
+            const CellWindow window = damages::buildingWindow(building, grid.header);
             if (window.firstRow < 1 || window.firstColumn < 1 || window.firstRow > 31 || window.firstColumn > 42) {
                 continue;
             }
@@ -234,13 +234,13 @@ TEST(CellsInside, SumsInSinglePrecisionRowsFromTheSouth)
     // 1e8 swallows each 1 behind it: the order tells in the sum.
     SampledGrid grid = gridOf(4, 4, 0, 0, 1);
     const damages::DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
-    run::InsideWalk walk;
+    InsideWalk walk;
     grid.cells(3, 3) = 1e8F;
     grid.cells(3, 4) = 1;
     grid.cells(4, 3) = 1;
     grid.cells(4, 4) = -1e8F;
     const auto sum = [&] {
-        const run::CellWindow window = damages::buildingWindow(building, grid.header);
+        const CellWindow window = damages::buildingWindow(building, grid.header);
         return damages::cellsInside(building, window, grid.header, grid.cells, walk).sum;
     };
     EXPECT_EQ(sum(), 0.0F);
@@ -257,7 +257,7 @@ TEST(CellsInside, CellsThatAreNoNumberDoNotBecomeTheMaximum)
     grid.cells(3, 3) = kNan;
     grid.cells(4, 4) = 2;
     const damages::DmgBuilding building = polygon({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
-    run::InsideWalk walk;
+    InsideWalk walk;
     const damages::InsideCells cells =
         damages::cellsInside(building, damages::buildingWindow(building, grid.header), grid.header, grid.cells, walk);
     EXPECT_EQ(cells.maximum, 2.0F);

@@ -20,8 +20,8 @@ namespace gridforge::test {
 namespace {
 
 // The plain twin of the kernel: each cell by itself.
-void copyInsidePlainly(const run::SampledRegion& region, const GridHeader& header, const Grid& cells,
-                       const run::CellWindow& w, Grid& output)
+void copyInsidePlainly(const SampledRegion& region, const GridHeader& header, const Grid& cells, const CellWindow& w,
+                       Grid& output)
 {
     const auto np = static_cast<std::int32_t>(region.x.size());
     const std::array<std::int32_t, 1> ir = {np - 1};
@@ -55,8 +55,8 @@ TEST(CopyInside, GivesTheCellsOfThePlainLoop)
             x.push_back(header.xll + upTo(50) * 0.5);
             y.push_back(header.yll + upTo(40) * 0.5);
         }
-        const run::SampledRegion region = regionOf(x, y);
-        const run::CellWindow w = run::withinGrid(run::regionWindow(region, header), header);
+        const SampledRegion region = regionOf(x, y);
+        const CellWindow w = withinGrid(regionWindow(region, header), header);
         Grid fast;
         Grid plain;
         ASSERT_TRUE(fast.allocate(w.lastRow - w.firstRow + 1, w.lastColumn - w.firstColumn + 1));

@@ -46,7 +46,7 @@ protected:
     {
         std::vector<std::atomic<int>> seen(windows.size());
         const bool ahead = run::windowsAhead(
-            look_, windows, [&](const run::CellPart& cells, std::span<const run::ObjectWindow> part, std::size_t) {
+            look_, windows, [&](const CellPart& cells, std::span<const run::ObjectWindow> part, std::size_t) {
                 for (const auto& [object, window] : part) {
                     seen[object] += holds(cells, window) ? 1 : -100;
                 }
@@ -55,7 +55,7 @@ protected:
         return {seen.begin(), seen.end()};
     }
 
-    static bool holds(const run::CellPart& cells, const run::CellWindow& window)
+    static bool holds(const CellPart& cells, const CellWindow& window)
     {
         for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
             std::int32_t column = window.firstColumn;

@@ -92,7 +92,7 @@ TEST(CellExtremes, AreThoseOfThePlainLoop)
             const double x = placeOn(h.xll, h.cellsize8, h.ncols, random);
             const double y = placeOn(h.yll, h.cellsize8, h.nrows, random);
             const sampling::CellSearch search = sampling::searchAround(h, x, y, share(random) * h.cellsize);
-            if (!run::isWithinGrid(search.window, h)) {
+            if (!isWithinGrid(search.window, h)) {
                 continue;
             }
             const sampling::FoundExtremes wanted = plainExtremes(search, h, made.cells);

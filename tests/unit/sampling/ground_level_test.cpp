@@ -146,7 +146,7 @@ TEST(LevelOfFourCells, SumsInSinglePrecisionFromTheSouthWest)
 TEST(LevelAcross, TakesTheSamplesInTheGridAndTheirCells)
 {
     Numbered made;
-    const run::AcrossLine north = run::acrossLine(made.header, 4, 5, 90.0F);
+    const AcrossLine north = acrossLine(made.header, 4, 5, 90.0F);
     const auto level = [&](std::int32_t k, sampling::LevelRule rule) {
         return sampling::levelAcross(north, made.header, made.cells, {-k, k}, rule);
     };
@@ -169,7 +169,7 @@ TEST(LevelAcross, KeepsTheFirstOfEqualCells)
     for (float& cell : made.cells.cells()) {
         cell = 7;
     }
-    const run::AcrossLine north = run::acrossLine(made.header, 4, 5, 90.0F);
+    const AcrossLine north = acrossLine(made.header, 4, 5, 90.0F);
     EXPECT_EQ(sampling::levelAcross(north, made.header, made.cells, {-2, 2}, sampling::LevelRule::highest).y,
               2.5); // row 3, by k = -2
     EXPECT_EQ(sampling::levelAcross(north, made.header, made.cells, {-2, 2}, sampling::LevelRule::lowest).y, 2.5);
@@ -181,15 +181,15 @@ TEST(LevelAcross, IsOutsideWhereNoSampleHasAValue)
     for (float& cell : made.cells.cells()) {
         cell = kNullCell;
     }
-    const run::AcrossLine north = run::acrossLine(made.header, 4, 5, 90.0F);
+    const AcrossLine north = acrossLine(made.header, 4, 5, 90.0F);
     const sampling::GroundLevel level =
         sampling::levelAcross(north, made.header, made.cells, {-2, 2}, sampling::LevelRule::highest);
     EXPECT_TRUE(level.outside);
     EXPECT_EQ(level.value, 99999.0F);
     EXPECT_EQ(level.count, 0);
     const Numbered filled;
-    EXPECT_TRUE(sampling::levelAcross(run::acrossLine(filled.header, 40, 5, 90.0F), filled.header, filled.cells,
-                                      {-2, 2}, sampling::LevelRule::mean)
+    EXPECT_TRUE(sampling::levelAcross(acrossLine(filled.header, 40, 5, 90.0F), filled.header, filled.cells, {-2, 2},
+                                      sampling::LevelRule::mean)
                     .outside);
 }
 
@@ -198,8 +198,8 @@ TEST(LevelAcross, IsOutsideWhereNoSampleHasAValue)
 sampling::GroundLevel inCircle(const GridHeader& header, const Grid& cells, double x, double y, float width,
                                sampling::LevelRule rule)
 {
-    run::InsideWalk walk;
-    return sampling::levelInCircle(sampling::searchPolygon(x, y, width), run::searchWindow(header, x, y, width), header,
+    InsideWalk walk;
+    return sampling::levelInCircle(sampling::searchPolygon(x, y, width), searchWindow(header, x, y, width), header,
                                    cells, rule, walk);
 }
 
@@ -246,7 +246,7 @@ sampling::GroundLevel inCirclePlainly(const GridHeader& h, const Grid& cells, do
                                       sampling::LevelRule rule)
 {
     const sampling::SearchPolygon polygon = sampling::searchPolygon(x, y, width);
-    const run::CellWindow w = run::searchWindow(h, x, y, width);
+    const CellWindow w = searchWindow(h, x, y, width);
     sampling::GroundLevel level;
     float sum = 0;
     for (std::int32_t r = w.firstRow; r <= w.lastRow; ++r) {
@@ -290,7 +290,7 @@ TEST(LevelInCircle, GivesTheBitsOfThePlainLoop)
         const double x = made.header.xll + std::floor(unit(random) * 160) * 0.25;
         const double y = made.header.yll + std::floor(unit(random) * 160) * 0.25;
         const auto width = static_cast<float>(unit(random) * 30);
-        if (!run::isWithinGrid(run::searchWindow(made.header, x, y, width), made.header)) {
+        if (!isWithinGrid(searchWindow(made.header, x, y, width), made.header)) {
             continue;
         }
         for (const sampling::LevelRule rule :

@@ -1,6 +1,6 @@
 #include "sampling/lp.h"
 
-#include "run/across_line.h"
+#include "plane/across_line.h"
 #include "support/lattice.h"
 
 #include <algorithm>
@@ -14,8 +14,8 @@ namespace gridforge::test {
 namespace {
 
 // The plain loop over all samples.
-sampling::FoundSample plainSearch(const run::AcrossLine& line, const GridHeader& h, const Grid& cells,
-                                  const run::SampleRange& range, bool lowest)
+sampling::FoundSample plainSearch(const AcrossLine& line, const GridHeader& h, const Grid& cells,
+                                  const SampleRange& range, bool lowest)
 {
     sampling::FoundSample found{lowest ? 99999.0F : -99999.0F, 0, 0};
     for (std::int32_t k = range.first; k <= range.last; ++k) {
@@ -62,10 +62,9 @@ TEST(Samples, FindWhatThePlainLoopsFind)
         const double y = h.yll + (unit(random) * 3 - 1) * h.nrows * h.cellsize8;
         const float angle = random() % 2 == 0 ? 90.0F * static_cast<float>(random() % 5) - 90.0F
                                               : static_cast<float>(unit(random) * 360 - 90);
-        const run::AcrossLine line = run::acrossLine(h, x, y, angle);
+        const AcrossLine line = acrossLine(h, x, y, angle);
         const auto width = static_cast<std::int32_t>(unit(random) * 150);
-        for (const run::SampleRange range :
-             {run::SampleRange{-width, width}, run::SampleRange{0, width}, run::SampleRange{-width, 0}}) {
+        for (const SampleRange range : {SampleRange{-width, width}, SampleRange{0, width}, SampleRange{-width, 0}}) {
             const sampling::FoundSample lowest = plainSearch(line, h, cells, range, true);
             found += lowest.value < 99999.0F ? 1 : 0;
             expectSame(sampling::lowestSample(line, h, cells, range), lowest);
@@ -84,10 +83,10 @@ TEST(Samples, AVastSearchDistanceCostsNothing)
     cells(2, 2) = -5;
     constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
     for (int i = 0; i < 100; ++i) {
-        EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, 2, 2, 33.0F), h, cells, {-kMost, kMost}).value, -5);
+        EXPECT_EQ(sampling::lowestSample(acrossLine(h, 2, 2, 33.0F), h, cells, {-kMost, kMost}).value, -5);
     }
-    EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, 50, 50, 0.0F), h, cells, {-kMost, kMost}).value, 99999.0F);
-    EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, 2, 2, 0.0F), h, cells, {1, -1}).value, 99999.0F);
+    EXPECT_EQ(sampling::lowestSample(acrossLine(h, 50, 50, 0.0F), h, cells, {-kMost, kMost}).value, 99999.0F);
+    EXPECT_EQ(sampling::lowestSample(acrossLine(h, 2, 2, 0.0F), h, cells, {1, -1}).value, 99999.0F);
 }
 
 TEST(Samples, APlaceThatIsNoNumberIsOffTheGrid)
@@ -97,11 +96,10 @@ TEST(Samples, APlaceThatIsNoNumberIsOffTheGrid)
     ASSERT_TRUE(cells.allocate(3, 3));
     const double none = std::numeric_limits<double>::quiet_NaN();
     const double infinite = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, none, 2, 33.0F), h, cells, {-9, 9}).value, 99999.0F);
-    EXPECT_EQ(sampling::lowestSample(run::acrossLine(h, infinite, 2, 33.0F), h, cells, {-9, 9}).value, 99999.0F);
+    EXPECT_EQ(sampling::lowestSample(acrossLine(h, none, 2, 33.0F), h, cells, {-9, 9}).value, 99999.0F);
+    EXPECT_EQ(sampling::lowestSample(acrossLine(h, infinite, 2, 33.0F), h, cells, {-9, 9}).value, 99999.0F);
     EXPECT_EQ(
-        sampling::highestSample(run::acrossLine(h, 2, 2, std::numeric_limits<float>::quiet_NaN()), h, cells, {-9, 9})
-            .value,
+        sampling::highestSample(acrossLine(h, 2, 2, std::numeric_limits<float>::quiet_NaN()), h, cells, {-9, 9}).value,
         -99999.0F);
 }
 

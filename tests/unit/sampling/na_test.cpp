@@ -173,9 +173,9 @@ TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
             x.push_back(1 + upTo(75) * 0.5);
             y.push_back(1 + upTo(55) * 0.5);
         }
-        const run::SampledRegion region = regionOf(x, y);
-        const run::CellWindow window = run::regionWindow(region, made.header);
-        ASSERT_TRUE(run::isWithinGrid(window, made.header));
+        const SampledRegion region = regionOf(x, y);
+        const CellWindow window = regionWindow(region, made.header);
+        ASSERT_TRUE(isWithinGrid(window, made.header));
         std::vector<float> plain;
         const auto np = static_cast<std::int32_t>(region.x.size());
         const std::array<std::int32_t, 1> ir = {np - 1};
@@ -199,8 +199,8 @@ TEST(CollectInside, TellsWhenThereAreTooMany)
 {
     SearchedGrid made;
     makeCounted(made, 9, 9);
-    const run::SampledRegion square = regionOf({1.5, 4.5, 4.5, 1.5}, {1.5, 1.5, 4.5, 4.5}); // 9 corners
-    const run::CellWindow window = run::regionWindow(square, made.header);
+    const SampledRegion square = regionOf({1.5, 4.5, 4.5, 1.5}, {1.5, 1.5, 4.5, 4.5}); // 9 corners
+    const CellWindow window = regionWindow(square, made.header);
     std::vector<float> values;
     EXPECT_TRUE(sampling::collectInside(square, made.header, made.cells, window, 9, values));
     values.clear();

@@ -1,10 +1,10 @@
-#include "run/cell_window.h"
+#include "plane/cell_window.h"
 
 #include "core/rounding.h"
 
 #include <algorithm>
 
-namespace gridforge::run {
+namespace gridforge::inline plane {
 
 CellWindow searchWindow(const GridHeader& header, double x, double y, float diameter)
 {
@@ -36,4 +36,4 @@ bool isWithinGrid(const CellWindow& window, const GridHeader& header)
            window.lastColumn <= header.ncols;
 }
 
-} // namespace gridforge::run
+} // namespace gridforge::inline plane

@@ -1,12 +1,11 @@
 // Samples at steps of one cell on the line through a vertex, square to the line that is followed.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/grid_header.h"
 
 #include <cstdint>
-#include <optional>
 
-namespace gridforge::run {
+namespace gridforge::inline plane {
 
 // The sample line through (x, y). Sample k lies k cell sizes along (ux, uy), which are single-precision values.
 struct AcrossLine {
@@ -50,4 +49,4 @@ struct SampleRange {
 // nothing.
 SampleRange samplesInGrid(const AcrossLine& line, const GridHeader& header, const SampleRange& wanted);
 
-} // namespace gridforge::run
+} // namespace gridforge::inline plane

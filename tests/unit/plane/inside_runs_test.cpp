@@ -1,8 +1,9 @@
-#include "run/inside_runs.h"
+#include "plane/inside_runs.h"
 
 #include "plane/geometry.h"
 #include "sampling/search_polygon.h"
 #include "support/lattice.h"
+#include "support/sampled_region.h"
 
 #include <array>
 #include <gmock/gmock.h>
@@ -15,45 +16,10 @@ namespace {
 
 using testing::ElementsAre;
 
-// A ring of open vertices as a reader gives it.
-gis::Coordinates ringOf(const std::vector<double>& x, const std::vector<double>& y)
-{
-    gis::Coordinates read;
-    for (std::size_t i = 0; i < x.size() + 2; ++i) {
-        read.reserve(++read.np);
-        read.x[i] = x[i % x.size()];
-        read.y[i] = y[i % y.size()];
-    }
-    return read;
-}
-
-TEST(SampledRegion, TakesTheVerticesAsReadAndTheirBounds)
-{
-    gis::Coordinates read = ringOf({3, 7, 5}, {4, 5, 9});
-    read.reserve(20); // what lies behind the vertices does not count
-    read.x[7] = 1e6;
-    const run::SampledRegion region = run::sampledRegion(read);
-    EXPECT_THAT(region.x, ElementsAre(3, 7, 5, 3, 7));
-    EXPECT_THAT(region.y, ElementsAre(4, 5, 9, 4, 5));
-    EXPECT_EQ(region.box.xmin, 3);
-    EXPECT_EQ(region.box.xmax, 7);
-    EXPECT_EQ(region.box.ymin, 4);
-    EXPECT_EQ(region.box.ymax, 9);
-}
-
-TEST(SampledRegion, BoundsStartFromWhereTheyAreTold)
-{
-    const run::SampledRegion region = run::sampledRegion(ringOf({30, 70, 50}, {-40, -50, -90}), 20);
-    EXPECT_EQ(region.box.xmin, 20);
-    EXPECT_EQ(region.box.xmax, 70);
-    EXPECT_EQ(region.box.ymin, -90);
-    EXPECT_EQ(region.box.ymax, -20);
-}
-
 TEST(RegionWindow, TruncatesBothBounds)
 {
     const GridHeader header = headerOf(10, 10, 100, 200, 2);
-    const run::CellWindow w = run::regionWindow(run::sampledRegion(ringOf({103, 107.9, 105}, {204, 205, 209})), header);
+    const CellWindow w = regionWindow(regionOf({103, 107.9, 105}, {204, 205, 209}), header);
     EXPECT_EQ(w.firstColumn, 1); // 3 / 2
     EXPECT_EQ(w.lastColumn, 4);  // 7.9 / 2 + 1
     EXPECT_EQ(w.firstRow, 2);    // 4 / 2
@@ -62,8 +28,7 @@ TEST(RegionWindow, TruncatesBothBounds)
 
 TEST(RegionWindow, LeftOfTheGridTruncatesTowardsZero)
 {
-    const run::CellWindow w =
-        run::regionWindow(run::sampledRegion(ringOf({-1.5, 0.5, 0.5}, {-0.5, -2.5, 0.5})), headerOf(10, 10, 0, 0, 1));
+    const CellWindow w = regionWindow(regionOf({-1.5, 0.5, 0.5}, {-0.5, -2.5, 0.5}), headerOf(10, 10, 0, 0, 1));
     EXPECT_EQ(w.firstColumn, -1);
     EXPECT_EQ(w.lastColumn, 1);
     EXPECT_EQ(w.firstRow, -2);
@@ -72,8 +37,7 @@ TEST(RegionWindow, LeftOfTheGridTruncatesTowardsZero)
 
 TEST(RegionWindow, FarCoordinatesStayInTheIntegers)
 {
-    const run::CellWindow w = run::regionWindow(run::sampledRegion(ringOf({-1e300, 1e300, 0}, {-1e300, 1e300, 0})),
-                                                headerOf(10, 10, 0, 0, 1));
+    const CellWindow w = regionWindow(regionOf({-1e300, 1e300, 0}, {-1e300, 1e300, 0}), headerOf(10, 10, 0, 0, 1));
     EXPECT_EQ(w.firstColumn, std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(w.lastColumn, std::numeric_limits<std::int32_t>::max());
 }
@@ -85,11 +49,10 @@ struct CellRun {
     bool operator==(const CellRun&) const = default;
 };
 
-std::vector<CellRun> runsOf(const GridHeader& header, const run::CellWindow& window, run::CellPlace place,
-                            run::InsideWalk& walk)
+std::vector<CellRun> runsOf(const GridHeader& header, const CellWindow& window, CellPlace place, InsideWalk& walk)
 {
     std::vector<CellRun> runs;
-    run::forEachInsideRun(header, window, place, walk, [&](std::int32_t row, std::int32_t first, std::int32_t count) {
+    forEachInsideRun(header, window, place, walk, [&](std::int32_t row, std::int32_t first, std::int32_t count) {
         runs.push_back({row, first, count});
     });
     return runs;
@@ -100,30 +63,30 @@ TEST(InsideRuns, GoByRowsFromTheSouthAndFromTheWest)
     //   y          a U: two prongs above row 3
     //   6  #  #    (the corners of columns 2 and 6)
     //   3  ####
-    const run::SampledRegion region =
-        run::sampledRegion(ringOf({1.5, 6.5, 6.5, 5.5, 5.5, 2.5, 2.5, 1.5}, {1.5, 1.5, 6.5, 6.5, 3.5, 3.5, 6.5, 6.5}));
+    const SampledRegion region =
+        regionOf({1.5, 6.5, 6.5, 5.5, 5.5, 2.5, 2.5, 1.5}, {1.5, 1.5, 6.5, 6.5, 3.5, 3.5, 6.5, 6.5});
     const GridHeader header = headerOf(9, 9, 0, 0, 1);
-    run::InsideWalk walk;
-    run::prepareWalk(region, walk);
-    EXPECT_THAT(runsOf(header, run::regionWindow(region, header), run::CellPlace::northEastCorner, walk),
+    InsideWalk walk;
+    prepareWalk(region, walk);
+    EXPECT_THAT(runsOf(header, regionWindow(region, header), CellPlace::northEastCorner, walk),
                 ElementsAre(CellRun{2, 2, 5}, CellRun{3, 2, 5}, CellRun{4, 2, 1}, CellRun{4, 6, 1}, CellRun{5, 2, 1},
                             CellRun{5, 6, 1}, CellRun{6, 2, 1}, CellRun{6, 6, 1}));
     // The centres of a grid that starts at 0.25 lie at 1.75 to 5.75 in columns 2 to 6, those of row 3 at 2.5.
-    run::CellWindow one;
+    CellWindow one;
     one.firstRow = one.lastRow = 3;
     one.firstColumn = 1;
     one.lastColumn = 9;
-    EXPECT_THAT(runsOf(headerOf(9, 9, 0.25, 0, 1), one, run::CellPlace::centre, walk), ElementsAre(CellRun{3, 2, 5}));
+    EXPECT_THAT(runsOf(headerOf(9, 9, 0.25, 0, 1), one, CellPlace::centre, walk), ElementsAre(CellRun{3, 2, 5}));
 }
 
-double placeOf(double origin, std::int32_t cell, const GridHeader& header, run::CellPlace place)
+double placeOf(double origin, std::int32_t cell, const GridHeader& header, CellPlace place)
 {
-    if (place == run::CellPlace::centreInSingle) {
+    if (place == CellPlace::centreInSingle) {
         const float before = static_cast<float>(cell) * header.cellsize;
         const float half = 0.5F * header.cellsize;
         return origin + static_cast<double>(before) - static_cast<double>(half);
     }
-    const double half = place == run::CellPlace::centre ? 0.5 * header.cellsize8 : 0;
+    const double half = place == CellPlace::centre ? 0.5 * header.cellsize8 : 0;
     return origin + static_cast<double>(static_cast<float>(cell)) * header.cellsize8 - half;
 }
 
@@ -132,29 +95,28 @@ TEST(InsideRuns, AgreeWithThePlainTestOfEachCell)
     std::mt19937 random(5);
     const auto upTo = [&](int n) { return static_cast<double>(random() % static_cast<unsigned>(n)); };
     std::size_t inside = 0;
-    run::InsideWalk walk;
+    InsideWalk walk;
     for (int round = 0; round < 400; ++round) {
         const bool large = round % 2 == 0;
         const GridHeader header =
             headerOf(30, 40, large ? 293000.25 : 0, large ? 6178000.5 : 0, round % 3 == 0 ? 0.7F : 1.0F);
-        run::CellWindow window;
+        CellWindow window;
         window.firstRow = 1 + static_cast<std::int32_t>(upTo(4));
         window.firstColumn = 1 + static_cast<std::int32_t>(upTo(4));
         window.lastRow = header.nrows;
         window.lastColumn = header.ncols;
-        const run::CellPlace place =
-            std::array{run::CellPlace::centre, run::CellPlace::centreInSingle,
-                       run::CellPlace::northEastCorner}[static_cast<std::size_t>(round % 5 % 3)];
+        const CellPlace place = std::array{CellPlace::centre, CellPlace::centreInSingle,
+                                           CellPlace::northEastCorner}[static_cast<std::size_t>(round % 5 % 3)];
         std::vector<double> x;
         std::vector<double> y;
         for (int k = 0; k < 3 + round % 12; ++k) { // steps of a half meet corners, edges and each other
             x.push_back(header.xll + upTo(70) * 0.5);
             y.push_back(header.yll + upTo(50) * 0.5);
         }
-        const run::SampledRegion region = run::sampledRegion(ringOf(x, y));
+        const SampledRegion region = regionOf(x, y);
         const sampling::SearchPolygon circle = sampling::searchPolygon(x[0], y[0], static_cast<float>(upTo(30)));
         const bool round12 = round % 7 == 0;
-        round12 ? sampling::prepareWalk(circle, walk) : run::prepareWalk(region, walk);
+        round12 ? sampling::prepareWalk(circle, walk) : prepareWalk(region, walk);
         std::vector<CellRun> wanted;
         for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
             for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {

@@ -1,19 +1,10 @@
-#include "run/inside_runs.h"
+#include "plane/inside_runs.h"
 
 #include "core/rounding.h"
 
 #include <cstddef>
 
-namespace gridforge::run {
-
-SampledRegion sampledRegion(const gis::Coordinates& read, double farthest)
-{
-    SampledRegion region;
-    region.x.assign(read.vertexX().begin(), read.vertexX().end());
-    region.y.assign(read.vertexY().begin(), read.vertexY().end());
-    region.box = boxAround(region.x, region.y, farthest);
-    return region;
-}
+namespace gridforge::inline plane {
 
 CellWindow regionWindow(const SampledRegion& region, const GridHeader& header)
 {
@@ -72,4 +63,4 @@ void walkRow(const GridHeader& header, std::int32_t row, CellPlace place, Inside
                [&](const auto& placeOf) { insideRegionRuns(walk.region, placeOf(row), walk.x, walk.runs); });
 }
 
-} // namespace gridforge::run
+} // namespace gridforge::inline plane

@@ -1,28 +1,22 @@
 // The cells of a window that lie inside a region, as runs of columns.
 #pragma once
 
-#include "gis/layer_object.h"
-#include "grid/grid.h"
 #include "plane/box.h"
+#include "plane/cell_window.h"
 #include "plane/region_rows.h"
-#include "run/cell_window.h"
 
 #include <cstdint>
 #include <span>
 #include <vector>
 
-namespace gridforge::run {
+namespace gridforge::inline plane {
 
-// A region of one ring in the layout of gis::Coordinates: the closing vertex and, after it, the second one again.
+// A region of one ring that ends with its closing vertex and, after it, the second one again.
 struct SampledRegion {
     std::vector<double> x;
     std::vector<double> y;
     Box box;
 };
-
-// The region as read. Its bounds are sought from `farthest` down and from its negative up, and stay there for a polygon
-// of a Shapefile that has no vertices at all.
-SampledRegion sampledRegion(const gis::Coordinates& read, double farthest = kBoundless);
 
 // From the cell whose north-east corner lies at or before the lower bounds to the cell past the upper ones. It may
 // reach over the grid, and beside it.
@@ -69,4 +63,4 @@ auto cellsOfRun(Cells& cells, std::int32_t row, std::int32_t first, std::int32_t
     return cells.row(row).subspan(static_cast<std::size_t>(first - 1), static_cast<std::size_t>(count));
 }
 
-} // namespace gridforge::run
+} // namespace gridforge::inline plane

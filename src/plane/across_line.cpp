@@ -1,4 +1,4 @@
-#include "run/across_line.h"
+#include "plane/across_line.h"
 
 #include "core/rounding.h"
 #include "plane/geometry.h"
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace gridforge::run {
+namespace gridforge::inline plane {
 
 AcrossLine acrossLine(const GridHeader& header, double x, double y, float perpendicular)
 {
@@ -92,4 +92,4 @@ SampleRange samplesInGrid(const AcrossLine& line, const GridHeader& header, cons
     return clip(columns, header.nrows, line.uy >= 0, [&](std::int32_t k) { return rowOf(line, header, k); });
 }
 
-} // namespace gridforge::run
+} // namespace gridforge::inline plane

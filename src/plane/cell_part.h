@@ -2,14 +2,14 @@
 #pragma once
 
 #include "plane/cell_array.h"
-#include "run/cell_window.h"
+#include "plane/cell_window.h"
 
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 
-namespace gridforge::run {
+namespace gridforge::inline plane {
 
 class CellPart {
 public:
@@ -41,4 +41,4 @@ private:
     CellWindow window_;
 };
 
-} // namespace gridforge::run
+} // namespace gridforge::inline plane
