@@ -9,6 +9,7 @@
 #include "ops/fuzzy_cells.h"
 #include "ops/histogram_cells.h"
 #include "ops/max_min_cells.h"
+#include "ops/multiply_cells.h"
 #include "ops/resize_cells.h"
 #include "ops/stat_cells.h"
 #include "ops/transform_cells.h"

@@ -14,6 +14,7 @@
 #include "ops/fuzzy.h"
 #include "ops/histogram.h"
 #include "ops/max_min.h"
+#include "ops/multiply.h"
 #include "ops/resize.h"
 #include "ops/stat.h"
 #include "ops/transform.h"

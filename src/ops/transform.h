@@ -1,4 +1,4 @@
-// -trans_m and -trans_c: y = m x + c on one grid. -multiply: two grids multiplied cell by cell.
+// -trans_m and -trans_c: y = m x + c on one grid.
 #pragma once
 
 #include "run/common.h"
@@ -14,6 +14,5 @@ struct TransformOptions {
 };
 
 void runTransform(const run::Common& common, const TransformOptions& options, const run::InputFileList& inputs);
-void runMultiply(const run::Common& common, const run::InputFileList& inputs);
 
 } // namespace gridforge::ops

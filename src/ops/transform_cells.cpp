@@ -13,13 +13,4 @@ void transformCells(std::span<const float> cells, float m, float c, float null, 
     });
 }
 
-void multiplyCells(std::span<const float> first, float firstNull, std::span<const float> second, float secondNull,
-                   std::span<float> output)
-{
-    mapCells(first, second, output, [firstNull, secondNull](float a, float b) {
-        const float product = stored(a * b);
-        return ((a != firstNull) & (b != secondNull)) ? product : firstNull;
-    });
-}
-
 } // namespace gridforge::ops
