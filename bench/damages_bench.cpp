@@ -1,6 +1,6 @@
 // Levels of building polygons on a grid of 5000 by 5000 cells of 1 m: 20,000 outlines of 6 vertices and of 60, all over the
 // grid. Every cell of a window by the plain region test, and row by row by the prepared one; both give the same sums.
-#include "damages/calculation.h"
+#include "damages/building_cells.h"
 #include "damages/curves.h"
 #include "plane/geometry.h"
 
@@ -51,13 +51,13 @@ const SampledGrid& theGrid()
 }
 
 // Ragged rounds of 7 to 12 m radius, as read: with the closing vertex and the slot after it.
-std::vector<damages::DmgBuilding> makeBuildings(std::int64_t vertices)
+std::vector<SampledRegion> makeBuildings(std::int64_t vertices)
 {
     std::mt19937_64 random(2);
     std::uniform_real_distribution<double> place(20, kCells - 20);
     std::uniform_real_distribution<double> radius(7, 12);
-    std::vector<damages::DmgBuilding> buildings(kBuildings);
-    for (damages::DmgBuilding& building : buildings) {
+    std::vector<SampledRegion> buildings(kBuildings);
+    for (SampledRegion& building : buildings) {
         const double x = theGrid().header.xll + place(random);
         const double y = theGrid().header.yll + place(random);
         for (std::int64_t i = 0; i < vertices; ++i) {
@@ -70,24 +70,20 @@ std::vector<damages::DmgBuilding> makeBuildings(std::int64_t vertices)
             building.x.push_back(building.x[i]);
             building.y.push_back(building.y[i]);
         }
-        building.kind = damages::BuildingKind::polygon;
-        building.vertices = static_cast<std::int32_t>(building.x.size());
-        building.extent.xmin = *std::min_element(building.x.begin(), building.x.end());
-        building.extent.xmax = *std::max_element(building.x.begin(), building.x.end());
-        building.extent.ymin = *std::min_element(building.y.begin(), building.y.end());
-        building.extent.ymax = *std::max_element(building.y.begin(), building.y.end());
+        building.box = boxAround(building.x, building.y);
     }
     return buildings;
 }
 
-damages::InsideCells plainly(const damages::DmgBuilding& building, const CellWindow& window, const SampledGrid& grid)
+damages::InsideCells plainly(const SampledRegion& building, const CellWindow& window, const SampledGrid& grid)
 {
-    const std::array<std::int32_t, 1> ir = {building.vertices - 1};
+    const auto vertices = static_cast<std::int32_t>(building.x.size());
+    const std::array<std::int32_t, 1> ir = {vertices - 1};
     damages::InsideCells cells;
     for (std::int32_t row = window.firstRow; row <= window.lastRow; ++row) {
         for (std::int32_t column = window.firstColumn; column <= window.lastColumn; ++column) {
             if (!INSIDE_POLYGON_8(cornerX(grid.header, column), cornerY(grid.header, row), building.x, building.y,
-                                  building.vertices, building.extent.xmin, ir, 1) ||
+                                  vertices, building.box.xmin, ir, 1) ||
                 grid.cells(row, column) == grid.header.null) {
                 continue;
             }
@@ -102,18 +98,19 @@ damages::InsideCells plainly(const damages::DmgBuilding& building, const CellWin
 template <typename Sample>
 void measure(benchmark::State& state, const Sample& sample)
 {
-    const std::vector<damages::DmgBuilding> buildings = makeBuildings(state.range(0));
+    const std::vector<SampledRegion> buildings = makeBuildings(state.range(0));
     for (auto _ : state) {
         float sum = 0;
-        for (const damages::DmgBuilding& building : buildings) {
-            sum += sample(building, buildingWindow(building, theGrid().header)).sum;
+        for (const SampledRegion& building : buildings) {
+            sum += sample(building, damages::buildingWindow(building.box, theGrid().header)).sum;
         }
         benchmark::DoNotOptimize(sum);
     }
     InsideWalk walk;
-    for (const damages::DmgBuilding& building : buildings) {
-        const CellWindow window = buildingWindow(building, theGrid().header);
-        const damages::InsideCells fast = cellsInside(building, window, theGrid().header, theGrid().cells, walk);
+    for (const SampledRegion& building : buildings) {
+        const CellWindow window = damages::buildingWindow(building.box, theGrid().header);
+        const damages::InsideCells fast =
+            damages::cellsInside(building, window, theGrid().header, theGrid().cells, walk);
         const damages::InsideCells plain = plainly(building, window, theGrid());
         if (fast.maximum != plain.maximum || fast.sum != plain.sum || fast.count != plain.count) {
             state.SkipWithError("the two tests differ");
@@ -125,7 +122,7 @@ void measure(benchmark::State& state, const Sample& sample)
 
 void plainTest(benchmark::State& state)
 {
-    measure(state, [](const damages::DmgBuilding& building, const CellWindow& window) {
+    measure(state, [](const SampledRegion& building, const CellWindow& window) {
         return plainly(building, window, theGrid());
     });
 }
@@ -134,8 +131,8 @@ BENCHMARK(plainTest)->Arg(6)->Arg(60)->Unit(benchmark::kMillisecond);
 void byRows(benchmark::State& state)
 {
     InsideWalk walk;
-    measure(state, [&walk](const damages::DmgBuilding& building, const CellWindow& window) {
-        return cellsInside(building, window, theGrid().header, theGrid().cells, walk);
+    measure(state, [&walk](const SampledRegion& building, const CellWindow& window) {
+        return damages::cellsInside(building, window, theGrid().header, theGrid().cells, walk);
     });
 }
 BENCHMARK(byRows)->Arg(6)->Arg(60)->Unit(benchmark::kMillisecond);

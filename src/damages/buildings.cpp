@@ -58,20 +58,19 @@ DmgBuilding& addBuilding(const DmgLimits& limits, std::vector<DmgBuilding>& buil
 
 void takeVertices(const gis::Coordinates& read, DmgBuilding& building)
 {
-    building.vertices = read.np;
-    building.x.assign(read.vertexX().begin(), read.vertexX().end());
-    building.y.assign(read.vertexY().begin(), read.vertexY().end());
+    building.outline.x.assign(read.vertexX().begin(), read.vertexX().end());
+    building.outline.y.assign(read.vertexY().begin(), read.vertexY().end());
 }
 
 // A region of a broken .shp may have no vertex; its extent stays 0. Not boxAround: here not-a-number counts where it stands.
 void takeExtent(DmgBuilding& building)
 {
-    if (building.vertices == 0) {
+    if (building.outline.x.empty()) {
         return;
     }
-    const auto [west, east] = std::minmax_element(building.x.begin(), building.x.end());
-    const auto [south, north] = std::minmax_element(building.y.begin(), building.y.end());
-    building.extent = {*west, *south, *east, *north};
+    const auto [west, east] = std::minmax_element(building.outline.x.begin(), building.outline.x.end());
+    const auto [south, north] = std::minmax_element(building.outline.y.begin(), building.outline.y.end());
+    building.outline.box = {*west, *south, *east, *north};
 }
 
 void addPolygon(const gis::Coordinates& read, const DmgLimits& limits, std::vector<DmgBuilding>& buildings)

@@ -1,8 +1,9 @@
 #include "damages/calculation.h"
 
 #include "core/per_worker.h"
-#include "core/rounding.h"
+#include "damages/building_cells.h"
 #include "damages/curves.h"
+#include "grid/grid.h"
 #include "grid/look.h"
 #include "host/console.h"
 #include "host/ends.h"
@@ -11,148 +12,31 @@
 #include "run/load.h"
 #include "run/windows_ahead.h"
 
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <iterator>
 #include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace gridforge::damages {
 
 namespace {
 
-constexpr float kLowestAEP = -9999.0F; // what the search for the largest starts from
-constexpr float kTaken = -1.0F;        // marks a grid as taken
-constexpr float kLeastMaximum = -998.0F;
 constexpr float kNoDepth = -99.0F;
 
-// The place of the largest AEP of the grids that are below the mark of those taken; their count if none is above the lowest.
-std::size_t largestBelowMark(std::span<const DmgRes> listed)
-{
-    std::size_t place = listed.size();
-    float best = kLowestAEP;
-    for (std::size_t j = 0; j < listed.size(); ++j) {
-        if (listed[j].AEP > best) {
-            best = listed[j].AEP;
-            place = j;
-        }
-    }
-    return place;
-}
-
-} // namespace
-
-// The rule that it follows: the largest AEP is searched anew for each place, and a grid taken gets -1. So what is not
-// above -1 never has its turn once a grid was taken: in its place the first grid with the mark is taken once more, with
-// the mark as its AEP. On purpose: an AEP is never negative.
-std::optional<std::vector<DmgRes>> sortByFrequency(std::span<const DmgRes> listed)
-{
-    const auto isAboveMark = [](const DmgRes& result) { return result.AEP > kTaken; };
-    std::vector<DmgRes> sorted;
-    std::ranges::copy_if(listed, std::back_inserter(sorted), isAboveMark);
-    std::ranges::stable_sort(sorted, std::greater<>(), &DmgRes::AEP);
-    if (sorted.size() == listed.size()) {
-        return sorted;
-    }
-
-    auto marked = std::ranges::find_if(listed, [](const DmgRes& result) { return result.AEP >= kTaken; });
-    if (marked == listed.end()) {
-        marked = listed.begin() + static_cast<std::ptrdiff_t>(largestBelowMark(listed));
-        if (marked == listed.end()) {
-            return std::nullopt;
-        }
-        sorted.push_back(*marked);
-    }
-    sorted.resize(listed.size(), {marked->file, kTaken});
-    return sorted;
-}
-
-// --- Levels ----------------------------------------------------------------------------------------------------------
-
-namespace {
+// --- What a grid holds at buildings ----------------------------------------------------------------------------------
 
 bool isWithin(std::int32_t index, std::int32_t count)
 {
     return index > 0 && index <= count;
 }
 
-} // namespace
-
-CellWindow pointWindow(const DmgBuilding& building, const GridHeader& header)
-{
-    const std::int32_t column = roundToInt((building.x[0] - header.xll) / header.cellsize8);
-    const std::int32_t row = roundToInt((building.y[0] - header.yll) / header.cellsize8);
-    return {row, row, column, column};
-}
-
-CellWindow buildingWindow(const DmgBuilding& building, const GridHeader& header)
-{
-    const auto cell = [&header](double coordinate, double origin, double margin) {
-        return truncateToInt(std::trunc((coordinate - origin) / header.cellsize8) + margin);
-    };
-    CellWindow window;
-    window.firstRow = cell(building.extent.ymin, header.yll, -1);
-    window.lastRow = cell(building.extent.ymax, header.yll, 1);
-    window.firstColumn = cell(building.extent.xmin, header.xll, -1);
-    window.lastColumn = cell(building.extent.xmax, header.xll, 1);
-    return window;
-}
-
-namespace {
-
-void prepare(const DmgBuilding& building, PreparedRegion& region)
-{
-    const auto vertices = static_cast<std::size_t>(building.vertices);
-    prepareRing(std::span(building.x).first(vertices), std::span(building.y).first(vertices), building.extent.xmin,
-                region);
-}
-
-void addRun(std::span<const float> values, float null, InsideCells& cells)
-{
-    for (const float value : values) {
-        if (value != null) {
-            cells.maximum = value > cells.maximum ? value : cells.maximum;
-            cells.sum += value;
-            ++cells.count;
-        }
-    }
-}
-
-} // namespace
-
-InsideCells cellsInside(const DmgBuilding& building, const CellWindow& window, const GridHeader& header,
-                        const CellPart& cells, InsideWalk& walk)
-{
-    prepare(building, walk.region);
-    InsideCells inside = {};
-    forEachInsideRun(header, withinGrid(window, header), CellPlace::northEastCorner, walk,
-                     [&](std::int32_t row, std::int32_t first, std::int32_t count) {
-                         addRun(cells.row(row, first, count), header.null, inside);
-                     });
-    return inside;
-}
-
-float maximumLevel(const InsideCells& cells, float null)
-{
-    return cells.maximum > kLeastMaximum ? cells.maximum : null;
-}
-
-float averageLevel(const InsideCells& cells, float null)
-{
-    return cells.count == 0 ? null : cells.sum / static_cast<float>(cells.count);
-}
-
-// --- The calculation -------------------------------------------------------------------------------------------------
-
-namespace {
-
 // The cells of the grid that give the level of a building: the cell that holds a point, all cells around a polygon.
 // None where it begins outside of the grid.
 std::optional<CellWindow> windowInGrid(const DmgBuilding& building, const GridHeader& header)
 {
-    const CellWindow window =
-        building.kind == BuildingKind::point ? pointWindow(building, header) : buildingWindow(building, header);
+    const CellWindow window = building.kind == BuildingKind::point
+                                  ? pointWindow(building.outline.x[0], building.outline.y[0], header)
+                                  : buildingWindow(building.outline.box, header);
     if (!isWithin(window.firstRow, header.nrows) || !isWithin(window.firstColumn, header.ncols)) {
         return std::nullopt;
     }
@@ -171,7 +55,7 @@ FoundCells findCells(const DmgBuilding& building, const CellWindow& window, cons
     if (building.kind == BuildingKind::point) {
         return {cells(window.firstRow, window.firstColumn), {}};
     }
-    return {0, cellsInside(building, window, header, cells, walk)};
+    return {0, cellsInside(building.outline, window, header, cells, walk)};
 }
 
 // By building; empty where the grid is to be read whole.
@@ -202,11 +86,11 @@ std::vector<FoundCells> findAhead(const std::string& name, std::span<const DmgBu
     return ahead ? found : std::vector<FoundCells>();
 }
 
-// The levels of the buildings, one after the other.
-class LevelFinder {
+// A results grid and what it holds at the buildings, asked for one after the other.
+class CellFinder {
 public:
-    LevelFinder(const std::string& name, std::span<const DmgBuilding> buildings, RegionLevel method)
-        : buildings_(buildings), method_(method), ahead_(findAhead(name, buildings))
+    CellFinder(const std::string& name, std::span<const DmgBuilding> buildings)
+        : buildings_(buildings), ahead_(findAhead(name, buildings))
     {
         const run::LoadSteps steps{.opening = "Loading grid data...",
                                    .purpose = "storing input grid...",
@@ -218,45 +102,57 @@ public:
 
     float null() const { return header_.null; }
 
-    // Of building `i`, from 0. Only the low corner of a polygon is tested, and then the level stays as it is, on
-    // purpose: a polygon that sticks out of the grid in the south or west has the level of the building before it.
-    void find(std::size_t i, float& level)
+    // At building `i`, from 0; nothing where it begins outside of the grid.
+    std::optional<FoundCells> find(std::size_t i)
     {
-        const DmgBuilding& building = buildings_[i];
-        const bool isPoint = building.kind == BuildingKind::point;
-        if (!isPoint && building.kind != BuildingKind::polygon) {
-            fail("ERROR - Should not be here dmg_calc_res[a]");
+        const auto window = windowInGrid(buildings_[i], header_);
+        if (!window) {
+            return std::nullopt;
         }
-        const auto window = windowInGrid(building, header_);
-        if (window) {
-            const FoundCells found = ahead_.empty() ? findCells(building, *window, header_, cells_, walk_) : ahead_[i];
-            level = isPoint ? found.value : levelOf(found.inside);
-        } else if (isPoint) {
-            say("WARNING - Building is outside grid area.");
-            level = null();
-        } else {
-            say("WARNING - Polygon partially or fully outside of results grid.");
-            pauseForEnter(); // in batch too
-        }
+        return ahead_.empty() ? findCells(buildings_[i], *window, header_, cells_, walk_) : ahead_[i];
     }
 
 private:
-    float levelOf(const InsideCells& cells) const
-    {
-        switch (method_) {
-        case RegionLevel::maximum: return maximumLevel(cells, null());
-        case RegionLevel::average: return averageLevel(cells, null());
-        }
-        fail("ERROR - Unexpected region inspection method [dmg_calc_res]");
-    }
-
     std::span<const DmgBuilding> buildings_;
-    RegionLevel method_;
     std::vector<FoundCells> ahead_;
     GridHeader header_;
     Grid cells_;
     InsideWalk walk_;
 };
+
+// --- The calculation -------------------------------------------------------------------------------------------------
+
+float levelOf(const InsideCells& cells, RegionLevel method, float null)
+{
+    switch (method) {
+    case RegionLevel::maximum: return maximumLevel(cells, null);
+    case RegionLevel::average: return averageLevel(cells, null);
+    }
+    fail("ERROR - Unexpected region inspection method [dmg_calc_res]");
+}
+
+// Only the low corner of a polygon is tested, and then the level stays as it is, on purpose: a polygon that sticks out of
+// the grid in the south or west has the level of the building before it.
+void takeLevel(BuildingKind kind, const std::optional<FoundCells>& found, RegionLevel method, float null, float& level)
+{
+    const bool isPoint = kind == BuildingKind::point;
+    if (found) {
+        level = isPoint ? found->value : levelOf(found->inside, method, null);
+    } else if (isPoint) {
+        say("WARNING - Building is outside grid area.");
+        level = null;
+    } else {
+        say("WARNING - Polygon partially or fully outside of results grid.");
+        pauseForEnter(); // in batch too
+    }
+}
+
+void requireKnownKind(BuildingKind kind)
+{
+    if (kind != BuildingKind::point && kind != BuildingKind::polygon) {
+        fail("ERROR - Should not be here dmg_calc_res[a]");
+    }
+}
 
 } // namespace
 
@@ -264,11 +160,12 @@ void dmg_calc_res(std::span<DmgBuilding> buildings, std::span<const DmgCurve> cu
                   std::int32_t iResult, RegionLevel method, float& level)
 {
     const auto result = static_cast<std::size_t>(iResult - 1);
-    LevelFinder levels(results[result].file, buildings, method);
+    CellFinder cells(results[result].file, buildings);
     for (std::size_t i = 0; i < buildings.size(); ++i) {
         DmgBuilding& building = buildings[i];
-        levels.find(i, level);
-        const float depth = level == levels.null() ? kNoDepth : level - building.FFL;
+        requireKnownKind(building.kind);
+        takeLevel(building.kind, cells.find(i), method, cells.null(), level);
+        const float depth = level == cells.null() ? kNoDepth : level - building.FFL;
         const DmgCurve& curve = curves[static_cast<std::size_t>(building.curve - 1)];
         if (isPastCurve(curve.depth, depth)) {
             say("Depth exceeds highest value in curve.");

@@ -7,6 +7,7 @@
 #include "damages/buildings.h"
 #include "damages/calculation.h"
 #include "damages/control_file.h"
+#include "damages/frequency.h"
 #include "damages/output.h"
 #include "gis/layer_name.h"
 #include "host/console.h"

@@ -71,11 +71,11 @@ gis::Kind kindOf(const DmgBuilding& building)
 void takeShape(const DmgBuilding& building, gis::Feature& feature)
 {
     feature.kind = kindOf(building);
-    const auto count = feature.kind == gis::Kind::point
-                           ? std::ptrdiff_t{1}
-                           : std::max(std::ptrdiff_t{building.vertices} - 1, std::ptrdiff_t{0});
-    feature.x.assign(building.x.begin(), building.x.begin() + count);
-    feature.y.assign(building.y.begin(), building.y.begin() + count);
+    const auto& [x, y, box] = building.outline;
+    const auto count =
+        feature.kind == gis::Kind::point ? std::ptrdiff_t{1} : std::max(std::ssize(x) - 1, std::ptrdiff_t{0});
+    feature.x.assign(x.begin(), x.begin() + count);
+    feature.y.assign(y.begin(), y.begin() + count);
 }
 
 } // namespace

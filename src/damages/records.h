@@ -1,7 +1,7 @@
 // The records of the damage calculation: depth-damage curves, buildings and results grids.
 #pragma once
 
-#include "plane/box.h"
+#include "plane/inside_runs.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,14 +33,11 @@ enum class BuildingKind { point, polygon };
 
 struct DmgBuilding {
     BuildingKind kind = BuildingKind::point;
-    std::int32_t vertices = 0; // 1 of a point; of a polygon as read, with the closing vertex and the slot after it
-    std::int32_t curve = 0;    // from 1
+    std::int32_t curve = 0; // from 1
     std::string Prop_ID;
     float FFL = 0; // floor level
     float multiplier = 0;
-    std::vector<double> x;
-    std::vector<double> y;
-    Box extent;                // of polygons only
+    SampledRegion outline;     // of a point its place alone, and no box
     std::vector<float> damage; // by results grid, in the order of the calculation
     float AAD = 0;             // average annual damage: nothing computes it, the outputs show 0 on purpose
 };
