@@ -7,8 +7,8 @@
 #include "sampling/cell_search.h"
 #include "sampling/ground_level.h"
 #include "sampling/line_vertices.h"
-#include "sampling/lp.h"
-#include "sampling/na.h"
+#include "sampling/lp_cells.h"
+#include "sampling/na_cells.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>

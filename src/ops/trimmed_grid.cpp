@@ -2,7 +2,7 @@
 
 #include "grid/reader.h"
 #include "host/ends.h"
-#include "ops/trim.h"
+#include "ops/trim_cells.h"
 #include "run/fill_ahead.h"
 #include "run/inputs.h"
 

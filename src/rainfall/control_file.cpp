@@ -1,7 +1,6 @@
 #include "rainfall/control_file.h"
 
 #include "core/free_form.h"
-#include "core/rounding.h"
 #include "core/text.h"
 #include "host/console.h"
 #include "host/control_commands.h"
@@ -16,7 +15,6 @@ namespace gridforge::rainfall {
 namespace {
 
 constexpr float kLeastCell = 0.001F;
-constexpr float kRfNull = -999.0F;
 
 // --- The first pass --------------------------------------------------------------------------------------------------
 
@@ -174,35 +172,6 @@ RfSettings readRfCommands(const std::string& controlFile, RfHyetographs& hyetogr
         fail("ERROR - Rainfall Interpolation method not specified.  Please use \"RF Interpolation Method == \"");
     }
     return pass.settings;
-}
-
-GridHeader settleRfGrid(const RfSettings& settings)
-{
-    constexpr float kLeastSizeX = 0.001F;
-    constexpr float kLeastSizeY = 1.0F;
-    GridHeader grid;
-    grid.nrows = settings.rows;
-    grid.ncols = settings.columns;
-    if (settings.rows > 0 && settings.sizeX > 0.0F) {
-        fail("ERROR - Both \"Grid Size (X,Y) == \" and \"Grid Size (N,M) ==\" specified.");
-    }
-    if (settings.sizeX > kLeastSizeX && settings.sizeY > kLeastSizeY) {
-        // X makes the rows and Y the columns, on purpose: control files of domains that are not square rely on it.
-        say("Determining rainfall grid size.");
-        grid.nrows = roundToInt(static_cast<double>(settings.sizeX / settings.cell));
-        grid.ncols = roundToInt(static_cast<double>(settings.sizeY / settings.cell));
-    }
-    say("Rainfall Grid Dimensions (N,M): ", grid.nrows, ",", grid.ncols);
-    // The size is required though the numbers would do: a file with "(N,M)" alone stops here, on purpose.
-    if (grid.nrows <= 0 || grid.ncols <= 0 || !(settings.sizeX > 0.0F)) {
-        fail("ERROR - Rainfall grid dimensions are invalid.");
-    }
-    grid.xll = settings.xOrigin;
-    grid.yll = settings.yOrigin;
-    grid.cellsize = settings.cell;
-    grid.cellsize8 = static_cast<double>(settings.cell);
-    grid.null = kRfNull;
-    return grid;
 }
 
 } // namespace gridforge::rainfall

@@ -1,7 +1,6 @@
 // The rainfall control file: what it sets, and its passes that read settings, hyetographs and points.
 #pragma once
 
-#include "grid/grid.h"
 #include "rainfall/hyetographs.h"
 #include "rainfall/points.h"
 
@@ -39,8 +38,5 @@ void rf_scan_limits(const std::string& controlFile, RfLimits& limits);
 
 // The second pass: settings, hyetographs and points. An unknown command ends the run.
 RfSettings readRfCommands(const std::string& controlFile, RfHyetographs& hyetographs, RfPoints& points);
-
-// Rows, columns, corner, cell size and null of the rainfall grids; a size that does not make a grid ends the run.
-GridHeader settleRfGrid(const RfSettings& settings);
 
 } // namespace gridforge::rainfall

@@ -13,6 +13,7 @@
 #include "rainfall/memory_line.h"
 #include "rainfall/points.h"
 #include "rainfall/polygons.h"
+#include "rainfall/rainfall_grid.h"
 #include "rainfall/rainfall_nc.h"
 #include "rainfall/steps.h"
 #include "rainfall/triangles.h"

@@ -6,7 +6,7 @@
 #include "rainfall/hyetographs.h"
 #include "rainfall/idw.h"
 #include "rainfall/points.h"
-#include "rainfall/polygons.h"
+#include "rainfall/polygon_cells.h"
 #include "rainfall/triangles.h"
 
 #include <cstddef>

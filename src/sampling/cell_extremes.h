@@ -1,7 +1,7 @@
 // The lowest and the highest cell around points, for many points of one grid.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
 #include "plane/cell_part.h"
 #include "plane/inside_runs.h"
 #include "sampling/cell_search.h"

@@ -2,7 +2,7 @@
 // inside the search polygon and it is not null.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
 #include "plane/cell_window.h"
 #include "sampling/cell_tiles.h"
 #include "sampling/search_polygon.h"

@@ -1,7 +1,7 @@
 // Square tiles of the cells of a grid, what is known of them serving one search after another.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
 #include "plane/cell_part.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // The ground elevation at a vertex of a breakline: of one cell, of four, across the line or in a circle.
 #pragma once
 
-#include "grid/grid.h"
 #include "plane/across_line.h"
+#include "plane/cell_array.h"
 #include "plane/inside_runs.h"
 #include "sampling/search_polygon.h"
 

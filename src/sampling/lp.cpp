@@ -10,6 +10,7 @@
 #include "host/console.h"
 #include "plane/line_points.h"
 #include "sampling/line_vertices.h"
+#include "sampling/lp_cells.h"
 #include "sampling/sampled_layer.h"
 
 #include <optional>
@@ -21,44 +22,8 @@ namespace gridforge::sampling {
 
 namespace {
 
-constexpr float kNoLowest = 99999.0F;
-constexpr float kNoHighest = -99999.0F;
 constexpr std::int32_t kTextWidth = 250; // of the check layer
 constexpr std::int32_t kMaxProfileVertices = 10000000;
-
-} // namespace
-
-// --- The kernels -----------------------------------------------------------------------------------------------------
-
-FoundSample lowestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range)
-{
-    FoundSample found{kNoLowest, 0, 0};
-    const SampleRange inGrid = samplesInGrid(line, header, range);
-    for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const SampleCell cell = sampleCell(line, header, k);
-        const float value = cells(cell.row, cell.column);
-        if (value != header.null && value < found.value) {
-            found = {value, sampleCellX(header, cell.column), sampleCellY(header, cell.row)};
-        }
-    }
-    return found;
-}
-
-FoundSample highestSample(const AcrossLine& line, const GridHeader& header, const Grid& cells, const SampleRange& range)
-{
-    FoundSample found{kNoHighest, 0, 0};
-    const SampleRange inGrid = samplesInGrid(line, header, range);
-    for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const SampleCell cell = sampleCell(line, header, k);
-        const float value = cells(cell.row, cell.column);
-        if (value != header.null && value > found.value) {
-            found = {value, line.sampleX(k), line.sampleY(k)};
-        }
-    }
-    return found;
-}
-
-namespace {
 
 // --- The profile of a line -------------------------------------------------------------------------------------------
 

@@ -14,6 +14,7 @@
 #include "ops/class_table.h"
 #include "ops/xyz_parse.h"
 #include "rainfall/control_file.h"
+#include "rainfall/rainfall_grid.h"
 #include "run/inputs.h"
 #include "sampling/cp_config.h"
 

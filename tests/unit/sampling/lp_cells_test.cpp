@@ -1,4 +1,4 @@
-#include "sampling/lp.h"
+#include "sampling/lp_cells.h"
 
 #include "plane/across_line.h"
 #include "support/lattice.h"

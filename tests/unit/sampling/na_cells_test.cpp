@@ -1,4 +1,4 @@
-#include "sampling/na.h"
+#include "sampling/na_cells.h"
 
 #include "plane/geometry.h"
 #include "support/sampled_region.h"
