@@ -14,6 +14,7 @@
 #include "sampling/sampled_layer.h"
 
 #include <cassert>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -254,7 +255,9 @@ void runCalibrationPoints(const run::Common& common, const CpOptions& options, c
     std::vector<gis::Column> columns = resultColumns(input.layer.columns(), options.extremes);
     PointOutputs outputs =
         openOutputs(settleNames(common, options.layer), input.projection, std::move(columns), options.extremes);
-    PointFinder finder(options, inputs[1]);
+    const PointCircles circles{options.searchDistance,
+                               options.extremes ? std::optional(options.extremesDistance) : std::nullopt};
+    PointFinder finder(options.layer, inputs[1], circles);
     finder.load(inputs[1]);
 
     say("Searching for Points...");

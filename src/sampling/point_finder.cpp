@@ -37,10 +37,10 @@ std::optional<CellSearch> searchInGrid(const GridHeader& header, const gis::Poin
 
 } // namespace
 
-PointFinder::PointFinder(const CpOptions& options, const std::string& grid)
-    : options_(options), look_(grid::lookAtGrid(grid))
+PointFinder::PointFinder(const std::string& layer, const std::string& grid, const PointCircles& circles)
+    : circles_(circles), look_(grid::lookAtGrid(grid))
 {
-    auto places = look_ ? gis::lookAtPoints(options.layer) : std::nullopt;
+    auto places = look_ ? gis::lookAtPoints(layer) : std::nullopt;
     if (!places) {
         run::countWay(run::Way::oddInput);
         return;
@@ -52,8 +52,8 @@ PointFinder::PointFinder(const CpOptions& options, const std::string& grid)
 std::optional<CellWindow> PointFinder::windowAround(const gis::PointPlace& place) const
 {
     const GridHeader& header = look_->header;
-    const auto nearest = windowInGrid(header, place, options_.searchDistance);
-    const auto extremes = options_.extremes ? windowInGrid(header, place, options_.extremesDistance) : std::nullopt;
+    const auto nearest = windowInGrid(header, place, circles_.nearest);
+    const auto extremes = circles_.extremes ? windowInGrid(header, place, *circles_.extremes) : std::nullopt;
     return nearest && extremes ? joined(*nearest, *extremes) : nearest ? nearest : extremes;
 }
 
@@ -62,10 +62,10 @@ PointFinder::Found PointFinder::findIn(const gis::PointPlace& place, const CellP
 {
     Found found;
     const GridHeader& header = look_->header;
-    if (const auto search = searchInGrid(header, place, options_.searchDistance)) {
+    if (const auto search = searchInGrid(header, place, circles_.nearest)) {
         found.nearest = nearestCell(*search, header, cells, tiles);
     }
-    if (const auto search = options_.extremes ? searchInGrid(header, place, options_.extremesDistance) : std::nullopt) {
+    if (const auto search = circles_.extremes ? searchInGrid(header, place, *circles_.extremes) : std::nullopt) {
         found.extremes = extremes.find(*search);
     }
     return found;
@@ -129,7 +129,7 @@ std::optional<FoundCell> PointFinder::nearest()
     if (ahead_) {
         return found_[next_ - 1].nearest;
     }
-    const auto search = searchInGrid(terrain_.header, at_, options_.searchDistance);
+    const auto search = searchInGrid(terrain_.header, at_, circles_.nearest);
     return search ? nearestCell(*search, terrain_.header, terrain_.cells, *emptyTiles_) : std::nullopt;
 }
 
@@ -138,7 +138,7 @@ FoundExtremes PointFinder::extremes()
     if (ahead_) {
         return found_[next_ - 1].extremes;
     }
-    const auto search = searchInGrid(terrain_.header, at_, options_.extremesDistance);
+    const auto search = circles_.extremes ? searchInGrid(terrain_.header, at_, *circles_.extremes) : std::nullopt;
     return search ? extremes_->find(*search) : FoundExtremes();
 }
 

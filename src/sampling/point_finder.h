@@ -8,7 +8,6 @@
 #include "sampling/cell_extremes.h"
 #include "sampling/cell_search.h"
 #include "sampling/cell_tiles.h"
-#include "sampling/cp.h"
 #include "sampling/sampled_layer.h"
 
 #include <cstddef>
@@ -18,10 +17,16 @@
 
 namespace gridforge::sampling {
 
+// The diameters of the circles that are searched.
+struct PointCircles {
+    float nearest = 0;
+    std::optional<float> extremes; // where these are not wanted there is none
+};
+
 class PointFinder {
 public:
-    // Looks at the layer and the grid. The options must stay.
-    PointFinder(const CpOptions& options, const std::string& grid);
+    // Looks at the layer and the grid.
+    PointFinder(const std::string& layer, const std::string& grid, const PointCircles& circles);
 
     // Says that the grid is loaded, and does so where its cells are still wanted.
     void load(const std::string& grid);
@@ -44,7 +49,7 @@ private:
     void readLate();
     void searchWhole();
 
-    const CpOptions& options_;
+    PointCircles circles_;
     std::optional<grid::GridLook> look_;
     std::vector<gis::PointPlace> places_; // as the look at the layer found them
     std::vector<Found> found_;
