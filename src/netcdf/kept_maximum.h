@@ -4,13 +4,9 @@
 #include "grid/cell_store.h"
 #include "plane/grid_header.h"
 
-#include <span>
 #include <string>
 
 namespace gridforge::netcdf {
-
-// Kernel. Keeps the higher of both where a cell lies above null + 0.01. `maximum` starts at the null.
-void raiseMaximum(std::span<const float> cells, float null, std::span<float> maximum);
 
 // Waits in a store, in the order in which the grids are laid. False is returned where memory or disk cannot be had.
 class KeptMaximum {

@@ -2,52 +2,12 @@
 
 #include "core/worker_rooms.h"
 #include "host/threads.h"
+#include "netcdf/layout_cells.h"
 
 #include <algorithm>
 #include <atomic>
-#include <cassert>
 
 namespace gridforge::netcdf {
-
-// --- Kernel ----------------------------------------------------------------------------------------------------------
-
-namespace {
-
-// As many cells as fill a line of the processor's cache.
-constexpr std::size_t kLine = 16;
-
-// A square of cells, so that both sides go by whole lines.
-void turnSquare(const float* north, std::size_t columns, float* target, std::size_t apart)
-{
-    for (std::size_t c = 0; c < kLine; ++c) {
-        for (std::size_t r = 0; r < kLine; ++r) {
-            target[c * apart + r] = north[(kLine - 1 - r) * columns + c];
-        }
-    }
-}
-
-} // namespace
-
-void turnCells(std::span<const float> rows, std::size_t columns, float* target, std::size_t apart)
-{
-    const std::size_t count = rows.size() / columns;
-    for (std::size_t row = 0; row < count; row += kLine) {
-        const std::size_t taken = std::min(kLine, count - row);
-        const float* const north = rows.data() + row * columns;
-        float* const south = target + (count - row - taken); // where the southmost of these rows goes
-        std::size_t column = 0;
-        for (; taken == kLine && column + kLine <= columns; column += kLine) {
-            turnSquare(north + column, columns, south + column * apart, apart);
-        }
-        for (; column < columns; ++column) {
-            for (std::size_t r = 0; r < taken; ++r) {
-                south[column * apart + taken - 1 - r] = north[r * columns + column];
-            }
-        }
-    }
-}
-
-// --- Tiles -----------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -71,7 +31,7 @@ public:
         : nrows_(static_cast<std::size_t>(lattice.nrows)), ncols_(static_cast<std::size_t>(lattice.ncols))
     {
         const std::size_t cells = cellsPerPiece(inFile ? kFileTileCells : kTileCells);
-        const std::size_t widest = inFile ? kFileTileColumns : std::max(cells / kLine, kLine);
+        const std::size_t widest = inFile ? kFileTileColumns : std::max(cells / kLineCells, kLineCells);
         columns_ = layout == Layout::rows ? ncols_ : std::min(ncols_, widest);
         rows_ = std::clamp<std::size_t>(cells / columns_, 1, nrows_);
         across_ = (ncols_ + columns_ - 1) / columns_;

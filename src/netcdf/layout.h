@@ -26,8 +26,4 @@ enum class Layout { block, rows };
 // refuses.
 std::optional<std::span<const float>> cellsOf(const grid::CellStore& laid, std::size_t first, std::span<float> room);
 
-// Kernel. Rows of `columns` cells, the north one first, into columns from the south: each begins `apart` cells after
-// the one before.
-void turnCells(std::span<const float> rows, std::size_t columns, float* target, std::size_t apart);
-
 } // namespace gridforge::netcdf

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/rounding.h"
-#include "grid/grid.h"
+#include "plane/cell_array.h"
 
 #include <cstdint>
 

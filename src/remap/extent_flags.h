@@ -1,7 +1,7 @@
 // Which cells of the coarse lattice are wet, and which may receive an extended level.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
 
 #include <cstdint>
 #include <span>

@@ -1,84 +1,75 @@
-#include "remap/nearest.h"
-
-#include "core/computed.h"
+#include "host/console.h"
+#include "remap/nearest_cells.h"
+#include "remap/progress.h"
+#include "remap/remap_run.h"
 
 #include <algorithm>
-#include <cassert>
 
 namespace gridforge::remap {
 
-void takeNearestLevels(const CoarseLevels& coarse, const std::vector<NearestCell>& columns, const NearestCell& row,
-                       std::span<float> levels)
+namespace {
+
+void takeLevels(RemapRun& run)
 {
-    assert(levels.size() == columns.size());
-    const float threshold = coarse.null + kAboveNull;
-    for (std::size_t c = 0; c < levels.size(); ++c) {
-        levels[c] = coarse.null;
-        const NearestCell& column = columns[c];
-        if (row.cell == 0 || column.cell == 0 || !isNearCell(column, row, coarse.columns.cellsize)) {
-            continue;
-        }
-        const float level = coarse.levels(row.cell, column.cell);
-        levels[c] = level > threshold ? level : coarse.null;
-    }
+    const CoarseLevels coarse = run.coarseLevels();
+    const auto columns = placesInCells(columnAxis(run.terrain), coarse.columns);
+    const auto rows = placesInCells(rowAxis(run.terrain), coarse.rows);
+    eachRow("Interpolating model results to DEM - Row:", run.terrain.nrows, kFineProgress, [&](std::int32_t row) {
+        takeNearestLevels(coarse, columns, rows[static_cast<std::size_t>(row - 1)], run.levelGrid.row(row));
+    });
 }
 
-void depthsOfLevels(std::span<const float> ground, std::span<const float> levels, float null, std::span<float> depths)
+void calculateWetDepths(RemapRun& run)
 {
-    assert(levels.size() == ground.size() && depths.size() == ground.size());
-    for (std::size_t i = 0; i < levels.size(); ++i) {
-        depths[i] = levels[i] != null && levels[i] >= ground[i] ? stored(levels[i] - ground[i]) : null;
-    }
+    eachRow("Calculating depths based on interpolated levels - Row:", run.terrain.nrows, kFineProgress,
+            [&](std::int32_t row) {
+                depthsOfLevels(run.demGrid.row(row), run.levelGrid.row(row), run.null(), run.depthGrid.row(row));
+            });
 }
 
-void depthsOnGround(std::span<const float> ground, float groundNull, std::span<const float> levels, float null,
-                    std::span<float> depths)
+// One iteration. Every so many it reports, the levels before the depths.
+std::int64_t iterate(RemapRun& run, std::int32_t iteration, bool reports)
 {
-    depthsOfLevels(ground, levels, null, depths);
-    const float threshold = groundNull + kGroundAboveNull;
-    for (std::size_t i = 0; i < levels.size(); ++i) {
-        depths[i] = ground[i] >= threshold ? depths[i] : null;
+    const std::string& source = run.options.waterLevelGrid;
+    const std::int64_t extra = spreadLevels(run.levelGrid, run.demGrid, run.terrain.null, run.null(), run.depthGrid);
+    if (reports) {
+        writeFine(run, source, join("_h_iter", iteration), run.depthGrid);
     }
-}
-
-std::int64_t spreadLevels(const Grid& levels, const Grid& ground, float groundNull, float null, Grid& spread)
-{
-    const float threshold = groundNull + kGroundAboveNull;
-    const std::int32_t nrows = levels.nrows();
-    std::int64_t extra = 0;
-    for (std::int32_t row = 1; row <= nrows; ++row) {
-        // A neighbour off the terrain is the cell itself, which has no level.
-        const auto here = levels.row(row);
-        const auto south = levels.row(std::max(row - 1, 1));
-        const auto north = levels.row(std::min(row + 1, nrows));
-        const auto floor = ground.row(row);
-        const auto out = spread.row(row);
-        const std::size_t last = here.size() - 1;
-        for (std::size_t c = 0; c <= last; ++c) {
-            if (here[c] != null) {
-                out[c] = here[c];
-                continue;
-            }
-            float sum = 0;
-            float count = 0;
-            for (const float beside : {here[c == 0 ? c : c - 1], here[std::min(c + 1, last)], south[c], north[c]}) {
-                if (beside != null) {
-                    sum += beside;
-                    count += 1;
-                }
-            }
-            if (count == 0) {
-                out[c] = null;
-                continue;
-            }
-            const float mean = sum / count;
-            if (mean >= floor[c] && floor[c] >= threshold) {
-                out[c] = mean;
-                ++extra;
-            }
-        }
+    std::ranges::copy(run.depthGrid.cells(), run.levelGrid.cells().begin());
+    if (reports) {
+        depthsOfLevels(run.demGrid.cells(), run.levelGrid.cells(), run.null(), run.depthGrid.cells());
+        writeFine(run, source, join("_d_iter", iteration), run.depthGrid);
     }
     return extra;
+}
+
+// All iterations run, whatever they add. One that adds nothing leaves the levels as they are, and so would all after
+// it: these only report.
+void spread(RemapRun& run)
+{
+    std::int64_t extra = 1;
+    for (std::int32_t k = 1; k <= kNearestIterations; ++k) {
+        say("Iteration ", k, " of ", kNearestIterations);
+        const bool reports = k % kReportIterations == 0;
+        if (extra > 0 || reports) {
+            extra = iterate(run, k, reports);
+        }
+        say("Extra wet cells in iteration ", extra);
+    }
+}
+
+} // namespace
+
+void runNearestMethod(RemapRun& run)
+{
+    const std::string& source = run.options.waterLevelGrid;
+    takeLevels(run);
+    writeFine(run, source, "_raw_h", run.levelGrid);
+    calculateWetDepths(run);
+    writeFine(run, source, "_interp_d", run.depthGrid);
+    spread(run);
+    depthsOnGround(run.demGrid.cells(), run.terrain.null, run.levelGrid.cells(), run.null(), run.depthGrid.cells());
+    writeFine(run, source, "_d_final_fb0p5", run.depthGrid);
 }
 
 } // namespace gridforge::remap

@@ -1,7 +1,7 @@
 // Where the rows and columns of the fine terrain fall on the coarse lattice: settled once an axis, not once a cell.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/grid_header.h"
 
 #include <cstdint>
 #include <vector>

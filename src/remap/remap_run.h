@@ -6,8 +6,8 @@
 #include "grid/grid.h"
 #include "remap/cell_state.h"
 #include "remap/extent_flags.h"
-#include "remap/remap.h"
-#include "remap/tin.h"
+#include "remap/remap_options.h"
+#include "remap/tin_cells.h"
 #include "run/inputs.h"
 #include "run/still_to_read.h"
 

@@ -5,7 +5,7 @@
 #include "core/computed.h"
 #include "plane/triangle.h"
 #include "remap/cell_state.h"
-#include "remap/tin_row.h"
+#include "remap/tin_quads.h"
 
 #include <array>
 #include <bit>

@@ -4,7 +4,7 @@
 #include "core/rounding.h"
 #include "core/text.h"
 #include "network/insert_vertices.h"
-#include "remap/idw.h"
+#include "remap/idw_cells.h"
 
 #include <gtest/gtest.h>
 #include <map>

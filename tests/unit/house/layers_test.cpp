@@ -311,8 +311,11 @@ TEST(PureRooms, HoldNoTextForTheConsole)
 }
 
 // Files of kernels that several operations share, and that are named by their subject.
-const std::set<std::string> kSharedKernels{"sampling/cell_extremes", "sampling/cell_search", "sampling/cell_tiles",
-                                           "sampling/ground_level", "sampling/search_polygon"};
+const std::set<std::string> kSharedKernels{"remap/cell_state",       "remap/extent_flags",     "remap/growth",
+                                           "remap/places",           "remap/tin_places",       "remap/tin_places_avx2",
+                                           "remap/tin_quads",        "remap/tin_row",          "remap/wet_search",
+                                           "sampling/cell_extremes", "sampling/cell_search",   "sampling/cell_tiles",
+                                           "sampling/ground_level",  "sampling/search_polygon"};
 
 // Files of kernels, by their place in src/.
 bool holdsKernels(const fs::path& file)

@@ -1,4 +1,4 @@
-#include "remap/tin.h"
+#include "remap/tin_cells.h"
 
 #include "support/odd_cells.h"
 #include "unit/remap/remap_grids.h"

@@ -4,7 +4,7 @@
 
 #include "remap/growth.h"
 #include "remap/places.h"
-#include "remap/tin.h"
+#include "remap/tin_cells.h"
 
 #include <cstdint>
 #include <span>

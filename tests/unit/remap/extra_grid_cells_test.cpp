@@ -1,4 +1,4 @@
-#include "remap/extra_grids.h"
+#include "remap/extra_grid_cells.h"
 
 #include "unit/remap/remap_grids.h"
 

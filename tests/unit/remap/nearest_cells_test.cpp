@@ -1,4 +1,4 @@
-#include "remap/nearest.h"
+#include "remap/nearest_cells.h"
 
 #include "support/odd_cells.h"
 #include "unit/remap/remap_grids.h"

@@ -1,4 +1,4 @@
-#include "remap/idw.h"
+#include "remap/idw_cells.h"
 
 #include "support/odd_cells.h"
 #include "unit/remap/remap_grids.h"

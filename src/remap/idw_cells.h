@@ -4,7 +4,7 @@
 
 #include "remap/cell_state.h"
 #include "remap/places.h"
-#include "remap/tin.h"
+#include "remap/tin_cells.h"
 #include "remap/wet_search.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Kernels for the grids that are carried to the fine terrain without interpolation.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
 #include "remap/places.h"
 
 #include <cstdint>
