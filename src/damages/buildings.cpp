@@ -3,6 +3,7 @@
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layer_reader.h"
+#include "gis/record_values.h"
 #include "host/console.h"
 #include "host/ends.h"
 

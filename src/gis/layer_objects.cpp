@@ -46,15 +46,4 @@ LayerObject* nextRegion(LayerReader& layer, Coordinates& read)
     return nextObject(layer, read, isRegionObject);
 }
 
-void RecordValues::require(bool taken) const
-{
-    if (taken) {
-        return;
-    }
-    if (!unreadable_.empty()) {
-        failLine(unreadable_, record_);
-    }
-    fail("ERROR - Extracting attribute data for GIS object.  Data: ", record_);
-}
-
 } // namespace gridforge::gis

@@ -4,6 +4,7 @@
 #include "core/text.h"
 #include "gis/layer_objects.h"
 #include "gis/layer_reader.h"
+#include "gis/record_values.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "plane/region_rows.h"

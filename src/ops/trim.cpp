@@ -6,6 +6,7 @@
 #include "core/product.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
+#include "gis/record_values.h"
 #include "grid/writer.h"
 #include "host/console.h"
 #include "host/ends.h"

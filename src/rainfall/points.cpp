@@ -1,7 +1,7 @@
 #include "rainfall/points.h"
 
-#include "gis/layer_objects.h"
 #include "gis/layer_reader.h"
+#include "gis/record_values.h"
 #include "host/console.h"
 #include "host/ends.h"
 

@@ -7,6 +7,7 @@
 #include "gis/layer_name.h"
 #include "gis/layer_objects.h"
 #include "gis/layer_writer.h"
+#include "gis/record_values.h"
 #include "host/console.h"
 #include "plane/line_points.h"
 #include "sampling/ground_level.h"

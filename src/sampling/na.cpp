@@ -4,6 +4,7 @@
 #include "core/number_text.h"
 #include "core/text.h"
 #include "gis/layer_objects.h"
+#include "gis/record_values.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "host/units.h"
