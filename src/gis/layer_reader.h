@@ -9,28 +9,18 @@
 
 #include "gis/layer_object.h"
 #include "gis/layer_spec.h"
-#include "gis/mif/reader.h"
+#include "gis/open_layer.h"
 #include "gis/projection.h"
-#include "gis/shp/reader.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 namespace gridforge::gis {
 
 inline constexpr std::int32_t kMaxReadVertices = 1000000; // of a line or region, where an operation sets no limit
-
-// An open input layer of either family, as the table of layers holds it.
-struct OpenLayer {
-    std::int32_t id = 0;
-    std::string name;
-    bool end = false; // nothing is left to read
-    std::variant<mif::MifInput, shp::ShpInput> files;
-};
 
 class LayerReader {
 public:

@@ -3,7 +3,7 @@
 #include "core/names.h"
 #include "core/text.h"
 #include "gis/gis_messages.h"
-#include "gis/layer_reader.h"
+#include "gis/open_layer.h"
 #include "host/file_system.h"
 
 #include <algorithm>

@@ -5,6 +5,7 @@
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "host/threads.h"
+#include "run/cells_ahead.h"
 #include "run/fill_ahead.h"
 #include "run/load.h"
 #include "run/outputs.h"

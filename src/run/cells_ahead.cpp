@@ -22,14 +22,6 @@ namespace {
 constexpr std::size_t kLeastPiece = std::size_t{1} << 12;
 constexpr std::size_t kMostOpenFiles = 64;
 
-using WayCounts = std::array<std::size_t, static_cast<std::size_t>(Way::noRoom) + 1>;
-
-WayCounts& wayCounts()
-{
-    static WayCounts counts{};
-    return counts;
-}
-
 // Counts a way, and is the result where it leads to no outputs.
 std::nullopt_t went(Way way)
 {
@@ -199,16 +191,6 @@ OutputWish outputWish(const Common& common, std::string_view namedAfter, grid::F
 {
     const std::string_view name = common.out ? std::string_view(*common.out) : namedAfter;
     return {systemName(FILEFOLDERPATH(name)), common.format.value_or(format) == grid::Format::flt, grids};
-}
-
-void countWay(Way way)
-{
-    ++wayCounts()[static_cast<std::size_t>(way)];
-}
-
-std::size_t waysGone(Way way)
-{
-    return wayCounts()[static_cast<std::size_t>(way)];
 }
 
 Way openCells(const grid::GridLook& look, const std::string& folder, grid::CellStore& cells)

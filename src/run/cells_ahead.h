@@ -8,6 +8,7 @@
 #include "grid/look.h"
 #include "run/common.h"
 #include "run/inputs.h"
+#include "run/ways.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,12 +19,6 @@
 #include <vector>
 
 namespace gridforge::run {
-
-// Which way a run's cells went, and if not ahead, why.
-enum class Way { ahead, oddInput, otherLattice, oddText, textGrid, wideWindows, readRefused, noRoom };
-// How often in this process. For tests: nothing else shows it.
-std::size_t waysGone(Way way);
-void countWay(Way way);
 
 // Inputs of one lattice, as a silent look found them. Nothing if one is out of the ordinary or of another lattice, or
 // what else the run needs is not `ordinary`.

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "grid/cell_store.h"
-#include "run/cells_ahead.h"
+#include "run/ways.h"
 
 #include <cstddef>
 #include <functional>

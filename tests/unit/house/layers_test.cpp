@@ -164,6 +164,67 @@ TEST(Layers, TheBuildLinksTheSamePicture)
     EXPECT_EQ(linked, kMayInclude);
 }
 
+// --- Files of a folder -----------------------------------------------------------------------------------------------
+
+// For each source, without its extension, those that it includes. A header and its .cpp are one; so are the two forms of a
+// kernel, as the plain one calls the other where it may.
+using Needs = std::map<std::string, std::set<std::string>>;
+
+std::string withoutForm(const std::string& file)
+{
+    const std::string name = fs::path(file).replace_extension().generic_string();
+    return name.ends_with("_avx2") ? name.substr(0, name.size() - std::string("_avx2").size()) : name;
+}
+
+// Takes out the sources that need none, or only others that are taken out. What is left stands in circles, or needs some that do.
+void settle(Needs& needs)
+{
+    std::set<std::string> settled;
+    std::size_t before = 0;
+    do {
+        before = settled.size();
+        std::erase_if(needs, [&settled](const auto& source) {
+            const bool isSettled = std::ranges::includes(settled, source.second);
+            if (isSettled) {
+                settled.insert(source.first);
+            }
+            return isSettled;
+        });
+    } while (settled.size() != before);
+}
+
+TEST(Layers, FilesNeedEachOtherInNoCircle)
+{
+    Needs needs;
+    for (const auto& file : sourcesBelow(kSource / "src")) {
+        const std::string source = withoutForm(sourceName(file));
+        needs[source];
+        std::ifstream in(file);
+        for (std::string line; std::getline(in, line);) {
+            const std::string name = quotedInclude(line);
+            if (!name.empty() && withoutForm(name) != source) {
+                needs[source].insert(withoutForm(name));
+            }
+        }
+    }
+    EXPECT_GT(needs.size(), 100U);
+    settle(needs);
+    for (const auto& [source, others] : needs) {
+        ADD_FAILURE() << source << " stands in a circle, or needs a file that does";
+    }
+}
+
+TEST(Layers, ACircleOfFilesIsSeen)
+{
+    Needs line{{"a", {"b", "c"}}, {"b", {"c"}}, {"c", {}}};
+    settle(line);
+    EXPECT_TRUE(line.empty());
+    Needs circle{{"a", {"b"}}, {"b", {"c", "d"}}, {"c", {"b"}}, {"d", {}}};
+    settle(circle);
+    EXPECT_EQ(circle.size(), 3U); // without d
+    EXPECT_EQ(withoutForm("ops/stat_cells_avx2.cpp"), "ops/stat_cells");
+}
+
 // --- The system ------------------------------------------------------------------------------------------------------
 
 // The folders that speak to a system, each of its own.
@@ -493,7 +554,7 @@ TEST(State, StandsWhereThePageSaysSo)
                                               "host/unit_table.cpp",
                                               "host/windows/process.cpp",
                                               "host/windows/system.cpp",
-                                              "run/cells_ahead.cpp"}));
+                                              "run/ways.cpp"}));
     EXPECT_TRUE(holdsState("    static std::atomic<int> count = 0;"));
     EXPECT_TRUE(holdsState("    static const System* system = &nativeSystem();"));
     EXPECT_FALSE(holdsState("    static const std::string none;"));
