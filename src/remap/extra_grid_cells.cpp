@@ -1,5 +1,7 @@
 #include "remap/extra_grid_cells.h"
 
+#include "core/map_cells.h"
+
 #include <algorithm>
 #include <cassert>
 
@@ -22,10 +24,7 @@ void takeNearestCorners(const Grid& coarse, std::span<const QuadPlace> columns, 
 
 void cutToDepths(std::span<const float> depths, float null, std::span<float> values)
 {
-    assert(values.size() == depths.size());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        values[i] = depths[i] >= 0 ? values[i] : null;
-    }
+    updateCells(values, depths, [null](float value, float depth) { return depth >= 0 ? value : null; });
 }
 
 } // namespace gridforge::remap

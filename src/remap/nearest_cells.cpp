@@ -1,6 +1,7 @@
 #include "remap/nearest_cells.h"
 
 #include "core/computed.h"
+#include "core/map_cells.h"
 
 #include <algorithm>
 #include <cassert>
@@ -25,10 +26,10 @@ void takeNearestLevels(const CoarseLevels& coarse, const std::vector<NearestCell
 
 void depthsOfLevels(std::span<const float> ground, std::span<const float> levels, float null, std::span<float> depths)
 {
-    assert(levels.size() == ground.size() && depths.size() == ground.size());
-    for (std::size_t i = 0; i < levels.size(); ++i) {
-        depths[i] = levels[i] != null && levels[i] >= ground[i] ? stored(levels[i] - ground[i]) : null;
-    }
+    mapCells(ground, levels, depths, [null](float bottom, float level) {
+        const float depth = stored(level - bottom);
+        return ((level != null) & (level >= bottom)) ? depth : null;
+    });
 }
 
 void depthsOnGround(std::span<const float> ground, float groundNull, std::span<const float> levels, float null,
@@ -36,9 +37,8 @@ void depthsOnGround(std::span<const float> ground, float groundNull, std::span<c
 {
     depthsOfLevels(ground, levels, null, depths);
     const float threshold = groundNull + kGroundAboveNull;
-    for (std::size_t i = 0; i < levels.size(); ++i) {
-        depths[i] = ground[i] >= threshold ? depths[i] : null;
-    }
+    updateCells(depths, ground,
+                [threshold, null](float depth, float bottom) { return bottom >= threshold ? depth : null; });
 }
 
 std::int64_t spreadLevels(const Grid& levels, const Grid& ground, float groundNull, float null, Grid& spread)
