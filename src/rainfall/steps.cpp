@@ -3,6 +3,7 @@
 #include "core/per_worker.h"
 #include "host/threads.h"
 #include "rainfall/step_cells.h"
+#include "run/rows.h"
 
 #include <algorithm>
 #include <array>
@@ -11,16 +12,6 @@
 namespace gridforge::rainfall {
 
 namespace {
-
-// Calls work(first, count) with stretches of cells that make up the whole, for several at a time.
-template <typename Work>
-void eachStretch(std::size_t cells, Work work)
-{
-    constexpr std::size_t kCells = std::size_t{1} << 18;
-    const std::size_t each = cellsPerPiece(kCells);
-    parallelFor((cells + each - 1) / each,
-                [&](std::size_t piece, std::size_t) { work(piece * each, std::min(each, cells - piece * each)); });
-}
 
 // The rain at each point, from 1 on; place 0 and the places after the points hold 0.
 std::vector<float> pointValues(const RfHyetographs& hyetographs, const RfPoints& points, std::size_t step)
@@ -48,7 +39,8 @@ void rf_step_polygon(const RfHyetographs& hyetographs, std::size_t step, const R
     const std::span<const float> factor = tables.factor.cells();
     const std::span<float> now = grids.step.cells();
     const std::span<float> total = grids.cumulative.cells();
-    eachStretch(now.size(), [&](std::size_t from, std::size_t count) {
+    run::overBlocks(now.size(), [&](const run::CellBlock& block) {
+        const auto [from, count] = block;
         rainByHyetograph(depths, index.subspan(from, count), factor.subspan(from, count), null,
                          now.subspan(from, count), total.subspan(from, count));
     });
@@ -75,7 +67,8 @@ void rf_step_tin(const RfHyetographs& hyetographs, const RfPoints& points, std::
     const std::span<const float> b = tables.ratioB.cells();
     const std::span<float> now = grids.step.cells();
     const std::span<float> total = grids.cumulative.cells();
-    eachStretch(now.size(), [&](std::size_t from, std::size_t count) {
+    run::overBlocks(now.size(), [&](const run::CellBlock& block) {
+        const auto [from, count] = block;
         rainByTriangle(corners, {number.subspan(from, count), a.subspan(from, count), b.subspan(from, count)}, null,
                        now.subspan(from, count), total.subspan(from, count));
     });

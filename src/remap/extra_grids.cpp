@@ -114,7 +114,7 @@ void writeNearestAhead(RemapRun& run, const std::string& name)
 void writeNearest(RemapRun& run, const std::string& name)
 {
     const NearestValues nearest(run);
-    eachBlock(run.terrain.cells(), [&](const run::CellBlock& block) {
+    run::overBlocks(run.terrain.cells(), [&](const run::CellBlock& block) {
         nearest.take(block, cellsOf(run.depthGrid, block), cellsOf(run.levelGrid, block));
     });
     announceNearest(run);

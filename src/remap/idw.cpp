@@ -76,7 +76,7 @@ std::int32_t iterationLimit(const RemapRun& run)
 // The levels of the cells wet so far, in spite of the name that they are written under.
 void reportIteration(RemapRun& run, std::int32_t iteration)
 {
-    eachBlock(run.terrain.cells(), [&](const run::CellBlock& block) {
+    run::overBlocks(run.terrain.cells(), [&](const run::CellBlock& block) {
         const auto levels = cellsOf(run.depthGrid, block);
         std::ranges::copy(cellsOf(run.levelGrid, block), levels.begin());
         dropDryLevels(cellsOf(run.cellState, block), run.null(), levels);
@@ -103,7 +103,7 @@ void extendOutward(RemapRun& run)
 // Depths take the place of the ground, so a grid of memory is never touched unless an iteration was reported.
 void calculateDepths(RemapRun& run)
 {
-    eachBlock(run.terrain.cells(), [&](const run::CellBlock& block) {
+    run::overBlocks(run.terrain.cells(), [&](const run::CellBlock& block) {
         depthsOfWetCells(cellsOf(run.cellState, block), cellsOf(run.levelGrid, block), run.null(),
                          cellsOf(run.demGrid, block));
     });
@@ -138,7 +138,7 @@ void runIdwMethod(RemapRun& run)
     extendCoarseLevels(run, points);
     interpolateToTerrain(run);
     extendOutward(run);
-    eachBlock(run.terrain.cells(), [&](const run::CellBlock& block) {
+    run::overBlocks(run.terrain.cells(), [&](const run::CellBlock& block) {
         dropDryLevels(cellsOf(run.cellState, block), run.null(), cellsOf(run.levelGrid, block));
     });
     writeFine(run, run.options.waterLevelGrid, "_remap_h", run.levelGrid);

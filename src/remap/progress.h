@@ -3,7 +3,6 @@
 
 #include "host/console.h"
 #include "host/threads.h"
-#include "run/rows.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -65,17 +64,6 @@ bool eachRowAbreast(std::string_view heading, std::int32_t nrows, std::int32_t n
     }
     endLine();
     return true;
-}
-
-// Calls `work` with blocks of cells that make up the whole, several at a time.
-template <typename Work>
-void eachBlock(std::size_t cells, Work&& work)
-{
-    constexpr std::size_t kBlockCells = std::size_t{1} << 18;
-    const std::size_t each = cellsPerPiece(kBlockCells);
-    parallelFor((cells + each - 1) / each, [&](std::size_t block, std::size_t) {
-        work(run::CellBlock{block * each, std::min(each, cells - block * each)});
-    });
 }
 
 } // namespace gridforge::remap

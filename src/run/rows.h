@@ -1,7 +1,8 @@
-// Loops over all cells with their progress on the console.
+// Loops over all cells: with their progress on the console, or by all threads.
 #pragma once
 
 #include "host/console.h"
+#include "host/threads.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -34,6 +35,17 @@ void overRows(std::string_view heading, std::int32_t nrows, std::int32_t ncols, 
         }
     }
     endLine();
+}
+
+// Calls `work` with blocks of cells that make up the whole, several at a time.
+template <typename Work>
+void overBlocks(std::size_t cells, Work&& work)
+{
+    constexpr std::size_t kBlockCells = std::size_t{1} << 18;
+    const std::size_t each = cellsPerPiece(kBlockCells);
+    parallelFor((cells + each - 1) / each, [&](std::size_t block, std::size_t) {
+        work(CellBlock{block * each, std::min(each, cells - block * each)});
+    });
 }
 
 // Calls `work` for the rows, or parts of rows, of a block in a lattice, in the order of the files: with the row, the place of
