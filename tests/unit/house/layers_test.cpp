@@ -431,7 +431,8 @@ bool isPureImport(const std::string& name)
     static const std::set<std::string> routines{
         "memchr", "memcmp", "memcpy", "memmove", "memset", "strlen", "strtod", "strtof", "calloc", "free",
         // numbers
-        "atan2", "ceil", "copysign", "cos", "floor", "fmod", "round", "sin", "sincos", "sqrt", "sqrtf", "trunc",
+        "atan2", "ceil", "copysign", "cos", "floor", "floorf", "fmod", "round", "sin", "sincos", "sqrt", "sqrtf",
+        "trunc",
         // what compilers add to each program, and a failed assertion
         "__libc_start_main", "__gmon_start__", "_ITM_deregisterTMCloneTable", "_ITM_registerTMCloneTable",
         "_Unwind_Resume", "__stack_chk_fail", "__assert_fail", "_ZSt9terminatev",
