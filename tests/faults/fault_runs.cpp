@@ -22,12 +22,6 @@ const Cells kFirst = {{1.5, 2.25, n, 4.125}, {5.5, 6.75, 7.375, 8.5}, {9.25, 10.
 const Cells kSecond = {{2.5, 1.25, 3.5, n}, {5.25, 7.75, 6.375, 9.5}, {8.25, 11.5, 10.75, 13.625}};
 const Cells kThird = {{3.5, n, 2.5, 4.5}, {1.25, 2.75, 9.375, 0.5}, {7.25, 1.5, 2.75, 3.625}};
 
-void giveFlt(ToolRun& run, const std::string& name, const Cells& cells, const GridOptions& options = {})
-{
-    run.give(name + ".hdr", hdr(cells, options));
-    run.give(name + ".flt", fltCells(cells));
-}
-
 void giveAscs(ToolRun& run)
 {
     run.give("a.asc", ascGrid(kFirst));
@@ -168,21 +162,19 @@ void giveShpLayer(ToolRun& run, const std::string& name, const std::vector<Colum
     for (const Column& column : columns) {
         definitions.push_back({column.name, column.type, column.width});
     }
+    std::vector<std::string> shapes;
     std::vector<std::string> records;
-    std::string table = dbfHeader(static_cast<std::int32_t>(objects.size()), definitions);
     for (const Object& object : objects) {
-        records.push_back(object.type == 1 ? pointRecord(object.xy[0], object.xy[1])
-                                           : partsRecord(object.type, {0}, object.xy));
-        table += ' ';
+        shapes.push_back(object.type == 1 ? pointRecord(object.xy[0], object.xy[1])
+                                          : partsRecord(object.type, {0}, object.xy));
+        records.emplace_back();
         for (std::size_t i = 0; i < columns.size(); ++i) {
             const std::string& value = object.values[i];
             const std::string blanks(static_cast<std::size_t>(columns[i].width) - value.size(), ' ');
-            table += columns[i].type == 'C' ? value + blanks : blanks + value;
+            records.back() += columns[i].type == 'C' ? value + blanks : blanks + value;
         }
     }
-    run.give(name + ".shp", shpBytes(objects[0].type, records));
-    run.give(name + ".dbf", table + '\x1A');
-    run.give(name + ".prj", "PROJCS[\"Test\"]\n");
+    giveShapefile(run, name, objects[0].type, {.objects = shapes, .columns = definitions, .values = records});
 }
 
 using GiveObjects = void (*)(ToolRun&, const std::string&, const std::vector<Column>&, const std::vector<Object>&);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "support/grids.h"
+#include "support/layer_files.h"
 
 #include <string>
 #include <string_view>
@@ -25,9 +26,7 @@ inline const std::string kHundredAMetre = "Depth,Damage\n0,0\n100,10000\n";
 
 inline std::string buildingsMif(std::string_view objects)
 {
-    return "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\n"
-           "CoordSys NonEarth Units \"m\" Bounds (0, 0) (100, 100)\nColumns 4\n"
-           "  Prop_Type Char(20)\n  Prop_ID Char(20)\n  FFL Float\n  Multiplier Float\nData\n\n" +
+    return mifHeader({"Prop_Type Char(20)", "Prop_ID Char(20)", "FFL Float", "Multiplier Float"}, kHundredBounds) +
            std::string(objects);
 }
 

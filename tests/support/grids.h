@@ -33,6 +33,14 @@ std::string fltCells(const Cells& cells);
 std::string hdr(std::int64_t ncols, std::int64_t nrows, const GridOptions& options = {});
 std::string hdr(const Cells& cells, const GridOptions& options = {});
 
+// <base>.flt and <base>.hdr, into a folder or a run.
+template <typename Folder>
+void giveFlt(Folder& folder, const std::string& base, const Cells& cells, const GridOptions& options = {})
+{
+    folder.give(base + ".hdr", hdr(cells, options));
+    folder.give(base + ".flt", fltCells(cells));
+}
+
 // A grid as read back from a file. Values of an .asc are those of its text, those of a .flt single precision.
 struct WrittenGrid {
     std::int64_t ncols = 0;

@@ -9,24 +9,24 @@
 
 namespace gridforge::test {
 
-// The text of a .mif with the columns Name and Val and the objects in `body`.
-inline std::string mifText(std::string_view body)
+// The head of a .mif with these columns, as "Name Char(30)", up to where its objects follow. `bounds` stands at the end of its
+// CoordSys.
+inline std::string mifHeader(const std::vector<std::string>& columns, const std::string& bounds = "")
 {
-    return "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\nColumns 2\n"
-           "  Name Char(30)\n  Val Float\nData\n\n" +
-           std::string(body);
-}
-
-// The head of a .mif with these columns, as "Name Char(30)", up to where its objects follow.
-inline std::string mifHeader(const std::vector<std::string>& columns)
-{
-    std::string text =
-        "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\nColumns " +
-        std::to_string(columns.size()) + "\n";
+    std::string text = "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"" +
+                       bounds + "\nColumns " + std::to_string(columns.size()) + "\n";
     for (const std::string& column : columns) {
         text += "  " + column + "\n";
     }
     return text + "Data\n\n";
+}
+
+inline const std::string kHundredBounds = " Bounds (0, 0) (100, 100)";
+
+// The text of a .mif with the columns Name and Val and the objects in `body`.
+inline std::string mifText(std::string_view body)
+{
+    return mifHeader({"Name Char(30)", "Val Float"}) + std::string(body);
 }
 
 // The lines of a written .mif after its "Data" line and the empty line that follows.

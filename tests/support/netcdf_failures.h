@@ -19,6 +19,22 @@ struct NetcdfFailure {
     int status = NC_EPERM;
 };
 
+// Those of every file of grids, in their order. What is called how often for the attributes differs.
+inline const std::vector<NetcdfFailure> kCallsOfEveryFile = {
+    {"nc_def_var 1", "nf90_def_var(time)"},
+    {"nc_def_var 2", "nf90_def_var(y)"},
+    {"nc_def_var 3", "nf90_def_var(x)"},
+    {"nc_def_var 4", "nf90_def_var(data)"},
+    {"nc_def_var_fill 1", "nf90_def_var_fill(data)"},
+    {"nc_def_var 5", "nf90_def_var(data)"},
+    {"nc_def_var_fill 2", "nf90_def_var_fill(data)"},
+    {"nc_enddef 1", "nf90_enddef"},
+    {"nc_put_vara_double 1", "nf90_put_var (x)"},
+    {"nc_put_vara_double 2", "nf90_put_var (y)"},
+    {"nc_put_var1_double 1", "nf90_put_var (time)"},
+    {"nc_close 1", "nf90_close"},
+};
+
 // Arguments of /usr/bin/env for a run of the tool with `arguments`, in which the call fails.
 inline std::vector<std::string> failingNetcdfArguments(const NetcdfFailure& failure,
                                                        const std::vector<std::string>& arguments)

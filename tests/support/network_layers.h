@@ -1,6 +1,7 @@
 // Layers and grids for tests of the network builder, and one network drawn by hand.
 #pragma once
 
+#include "support/layer_files.h"
 #include "support/tool_run.h"
 
 #include <string>
@@ -42,14 +43,7 @@ inline std::string rectangle(double x1, double y1, double x2, double y2)
 
 inline std::string mifHead(const std::vector<std::string>& columns)
 {
-    std::string text =
-        "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\" Bounds (0, 0) (100, "
-        "100)\nColumns " +
-        std::to_string(columns.size()) + "\n";
-    for (const std::string& column : columns) {
-        text += "  " + column + "\n";
-    }
-    return text + "Data\n\n";
+    return mifHeader(columns, kHundredBounds);
 }
 
 inline const std::vector<std::string> kBranchColumns = {"Name Char(30)", "n Float", "UCS Char(1)", "Form_Loss Float"};

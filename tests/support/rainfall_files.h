@@ -4,6 +4,7 @@
 
 #include "support/consoles.h"
 #include "support/expect_run.h"
+#include "support/layer_files.h"
 #include "support/scratch_folder.h"
 #include "support/tool_run.h"
 
@@ -51,9 +52,7 @@ inline std::string mifRectangle(const std::string& x1, const std::string& y1, co
 inline void giveRainfallLayer(ToolRun& run, const std::string& name, const std::string& objects,
                               const std::string& records)
 {
-    run.give(name + ".mif", "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\n"
-                            "Columns 3\n  Name Char(40)\n  F1 Float\n  F2 Float\nData\n\n" +
-                                objects);
+    run.give(name + ".mif", mifHeader({"Name Char(40)", "F1 Float", "F2 Float"}) + objects);
     run.give(name + ".mid", records);
 }
 

@@ -90,6 +90,16 @@ inline std::string dbfHeader(std::int32_t records, const std::vector<DbfColumn>&
     return bytes + '\r';
 }
 
+// A .dbf of these columns and records, each as wide as the columns together.
+inline std::string dbfBytes(const std::vector<DbfColumn>& columns, const std::vector<std::string>& records)
+{
+    std::string bytes = dbfHeader(static_cast<std::int32_t>(records.size()), columns);
+    for (const std::string& record : records) {
+        bytes += ' ' + record; // not deleted
+    }
+    return bytes + '\x1A';
+}
+
 // The columns of a written .dbf as "NAME C 7" and, after them, its records as they stand, the deletion byte first.
 inline std::vector<std::string> tableOf(const std::string& bytes)
 {
@@ -108,16 +118,33 @@ inline std::vector<std::string> tableOf(const std::string& bytes)
     return table;
 }
 
+// The records of a Shapefile and of its table.
+struct ShapefileRecords {
+    std::vector<std::string> objects;
+    std::vector<DbfColumn> columns;
+    std::vector<std::string> values;
+    std::string projection = "PROJCS[\"Test\"]\n";
+};
+
+// <base>.shp of the type, <base>.dbf and <base>.prj, into a folder or a run.
+template <typename Folder>
+void giveShapefile(Folder& folder, const std::string& base, std::int32_t type, const ShapefileRecords& records)
+{
+    folder.give(base + ".shp", shpBytes(type, records.objects));
+    folder.give(base + ".dbf", dbfBytes(records.columns, records.values));
+    folder.give(base + ".prj", records.projection);
+}
+
 // <name>.shp of these records and <name>.dbf with the column NAME of three characters: "r1 ", "r2 " and so on.
 inline void giveShp(const ScratchFolder& folder, const std::string& name, std::int32_t type,
                     const std::vector<std::string>& records)
 {
     folder.give(name + ".shp", shpBytes(type, records));
-    std::string dbf = dbfHeader(static_cast<std::int32_t>(records.size()), {{"NAME", 'C', 3}});
+    std::vector<std::string> names;
     for (std::size_t i = 1; i <= records.size(); ++i) {
-        dbf += (" r" + std::to_string(i) + "  ").substr(0, 4);
+        names.push_back(("r" + std::to_string(i) + "  ").substr(0, 3));
     }
-    folder.give(name + ".dbf", dbf + '\x1A');
+    folder.give(name + ".dbf", dbfBytes({{"NAME", 'C', 3}}, names));
 }
 
 } // namespace gridforge::test

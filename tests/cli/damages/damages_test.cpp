@@ -299,20 +299,20 @@ TEST(DamagesCli, AGridThatIsNotThereIsAskedFor)
 // --- Names of the outputs --------------------------------------------------------------------------------------------
 
 // A Shapefile of one point at (2, 1) with the four attributes.
-void giveShapefile(ToolRun& run, const std::string& name)
+void giveShpBuilding(ToolRun& run, const std::string& name)
 {
-    run.give(name + ".shp", shpBytes(1, {pointRecord(2, 1)}));
-    run.give(name + ".dbf",
-             dbfHeader(1, {{"Prop_Type", 'C', 8}, {"Prop_ID", 'C', 4}, {"FFL", 'N', 6}, {"Multi", 'N', 6}}) +
-                 " House   id 7  2.50  0.50\x1A");
-    run.give(name + ".prj", "PROJCS[\"Town grid\"]\n");
+    giveShapefile(run, name, 1,
+                  {.objects = {pointRecord(2, 1)},
+                   .columns = {{"Prop_Type", 'C', 8}, {"Prop_ID", 'C', 4}, {"FFL", 'N', 6}, {"Multi", 'N', 6}},
+                   .values = {"House   id 7  2.50  0.50"},
+                   .projection = "PROJCS[\"Town grid\"]\n"});
 }
 
 TEST(DamagesCli, OutputsLieBesideTheFirstLayer)
 {
     ToolRun run("-b -damages c.dmg");
     giveDamageFiles(run, "", "");
-    giveShapefile(run, "path/houses");
+    giveShpBuilding(run, "path/houses");
     run.give("c.dmg", "Read GIS Building == path/houses.shp\nRead GIS Building == h.mif\n"
                       "Read Curve House == house.csv\nRead Result % 1 == wl.asc\n");
     run.start();

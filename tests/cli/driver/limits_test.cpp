@@ -31,12 +31,6 @@ struct LimitedRun : ToolRun {
     }
 };
 
-void giveFlt(ToolRun& run, const std::string& name, const Cells& cells)
-{
-    run.give(name + ".hdr", hdr(cells));
-    run.give(name + ".flt", fltCells(cells));
-}
-
 constexpr std::int64_t kSide = 3000;
 constexpr std::int64_t kBytes = kSide * kSide * sizeof(float); // 36 MB
 

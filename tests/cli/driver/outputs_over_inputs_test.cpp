@@ -26,17 +26,18 @@ const std::string kLayerMessage = "ERROR - Output layer is also an input layer: 
 void givePoints(ToolRun& run, const std::string& base)
 {
     run.give("dem.asc", ascGrid(rowColumnCells()));
-    run.give(base + ".shp", shpBytes(1, {pointRecord(4.3, 4.4)}));
-    run.give(base + ".dbf", dbfHeader(1, {{"OBS", 'N', 4}, {"MARK", 'C', 2}}) + "   40a \x1A");
-    run.give(base + ".prj", "PROJCS[\"Test\"]\nand a second line\n");
+    giveShapefile(run, base, 1,
+                  {.objects = {pointRecord(4.3, 4.4)},
+                   .columns = {{"OBS", 'N', 4}, {"MARK", 'C', 2}},
+                   .values = {"  40a "},
+                   .projection = "PROJCS[\"Test\"]\nand a second line\n"});
 }
 
 void giveShpLines(ToolRun& run, const std::string& base)
 {
     run.give("dem.asc", ascGrid(rowColumnCells()));
-    run.give(base + ".shp", shpBytes(3, {partsRecord(3, {0}, {2, 5, 8, 5})}));
-    run.give(base + ".dbf", dbfHeader(1, {{"A", 'N', 4}}) + "    1\x1A");
-    run.give(base + ".prj", "PROJCS[\"Test\"]\n");
+    giveShapefile(run, base, 3,
+                  {.objects = {partsRecord(3, {0}, {2, 5, 8, 5})}, .columns = {{"A", 'N', 4}}, .values = {"   1"}});
 }
 
 // The run ends right after it has numbered the layer `name`.
@@ -134,12 +135,6 @@ TEST(OutputsOverInputsCli, OfAMifTheUserIsAsked)
 // --- Grids -----------------------------------------------------------------------------------------------------------
 
 const std::string kGridMessage = "ERROR - Output file is also an input file: ";
-
-void giveFlt(ToolRun& run, const std::string& base, const Cells& cells)
-{
-    run.give(base + ".flt", fltCells(cells));
-    run.give(base + ".hdr", hdr(cells));
-}
 
 // The run ends with the refusal after `line`, and has written `files` until then.
 void expectGridRefused(ToolRun& run, const std::string& line, const std::string& input,

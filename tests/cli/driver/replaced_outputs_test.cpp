@@ -134,9 +134,7 @@ TEST(ReplacedOutputsCli, LayersThatMapToOneName)
 void giveShpLine(ToolRun& run, const std::string& name, const std::vector<double>& xy,
                  const std::vector<DbfColumn>& columns, const std::string& record)
 {
-    run.give(name + ".shp", shpBytes(3, {partsRecord(3, {0}, xy)}));
-    run.give(name + ".dbf", dbfHeader(1, columns) + ' ' + record + '\x1A');
-    run.give(name + ".prj", "PROJCS[\"Test\"]\n");
+    giveShapefile(run, name, 3, {.objects = {partsRecord(3, {0}, xy)}, .columns = columns, .values = {record}});
 }
 
 // Of the two units on a .shp and on a .shx only the first opening replaces anything.

@@ -129,9 +129,9 @@ TEST(SystemCli, AnInterruptedCutOfAShapefileIsMadeAgain)
 {
     ToolRun run("-b -cp l.shp -cpsd4 dem.asc");
     run.give("dem.asc", ascGrid(rowColumnCells()));
-    run.give("l.shp", shpBytes(1, {pointRecord(4.3, 4.4)}));
-    run.give("l.dbf", dbfHeader(1, {{"OBS", 'N', 4}, {"MARK", 'C', 4}}) + "   40left\x1A");
-    run.give("l.prj", "PROJCS[\"Test\"]\n");
+    giveShapefile(
+        run, "l", 1,
+        {.objects = {pointRecord(4.3, 4.4)}, .columns = {{"OBS", 'N', 4}, {"MARK", 'C', 4}}, .values = {"  40left"}});
     run.give("l_Res_P.shp", std::string(1000, 'x'));
     askSystem(run, fail("ftruncate", 1, EINTR));
     run.start();

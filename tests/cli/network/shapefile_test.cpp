@@ -35,16 +35,14 @@ std::string field(const std::string& value, char type, std::size_t length)
 void giveShpLayer(ToolRun& run, const std::string& name, std::int32_t type, const std::vector<std::string>& objects,
                   const std::vector<DbfColumn>& columns, const std::vector<std::vector<std::string>>& records)
 {
-    std::string table = dbfHeader(static_cast<std::int32_t>(records.size()), columns);
+    std::vector<std::string> values;
     for (const auto& record : records) {
-        table += ' ';
+        values.emplace_back();
         for (std::size_t i = 0; i < columns.size(); ++i) {
-            table += field(record[i], columns[i].type, static_cast<std::size_t>(columns[i].length));
+            values.back() += field(record[i], columns[i].type, static_cast<std::size_t>(columns[i].length));
         }
     }
-    run.give(name + ".shp", shpBytes(type, objects));
-    run.give(name + ".dbf", table + '\x1A');
-    run.give(name + ".prj", "PROJCS[\"Test\"]\n");
+    giveShapefile(run, name, type, {.objects = objects, .columns = columns, .values = values});
 }
 
 std::string shpLine(const std::vector<double>& xy)

@@ -380,17 +380,13 @@ TEST(TrimCli, TheNameIsTheFirstFreeFormValueCutAt250)
 const std::string kNullRecord = little(0);
 
 // l.shp of these records, with names of ten characters.
-void giveShpLayer(ToolRun& run, const std::vector<std::string>& records, const std::vector<std::string>& names)
+void giveShpLayer(ToolRun& run, const std::vector<std::string>& records, std::vector<std::string> names)
 {
-    constexpr std::size_t kWidth = 10;
-    run.give("l.shp", shpBytes(5, records));
-    run.give("l.prj", "PROJCS[\"p\"]\n");
-    std::string dbf = dbfHeader(static_cast<std::int32_t>(names.size()), {{"NAME", 'C', kWidth}});
-    for (std::string name : names) {
+    constexpr int kWidth = 10;
+    for (std::string& name : names) {
         name.resize(kWidth, ' ');
-        dbf += " " + name;
     }
-    run.give("l.dbf", dbf + '\x1A');
+    giveShapefile(run, "l", 5, {.objects = records, .columns = {{"NAME", 'C', kWidth}}, .values = names});
 }
 
 // The ring of kFirst, against the clock as in the .mif.

@@ -272,10 +272,10 @@ TEST(RainfallPointsCli, QuotesInTheNameOfATableDoNotHideItsFactors)
     ToolRun run("-b -rf rain.rfc");
     giveRainfall(run, kRainfallGrid + "Rainfall Hyetograph Mill, east == a.csv\nRainfall Hyetograph b == b.csv\n" +
                           "RF Interpolation Method == IDW\nRead GIS RF Points == gauges.shp\n");
-    run.give("gauges.shp", shpBytes(1, {pointRecord(95, 205), pointRecord(135, 205)}));
-    run.give("gauges.dbf", dbfHeader(2, {{"NAME", 'C', 13}, {"F1", 'N', 1}, {"F2", 'N', 1}}) +
-                               " \"Mill\", east 02 b            11\x1A");
-    run.give("gauges.prj", "PROJCS[\"x\"]\n");
+    giveShapefile(run, "gauges", 1,
+                  {.objects = {pointRecord(95, 205), pointRecord(135, 205)},
+                   .columns = {{"NAME", 'C', 13}, {"F1", 'N', 1}, {"F2", 'N', 1}},
+                   .values = {"\"Mill\", east 02", "b            11"}});
     run.start();
     EXPECT_TRUE(run.says("WARNING - F1 rainfall factor of 0 set to 1. RF Name: \"Mill\", east"));
     EXPECT_TRUE(run.reachedEnd());

@@ -117,12 +117,14 @@ TEST(RainfallTinCli, ReadsShapefiles)
     giveRainfall(run, kRainfallGrid + kThreeHyetographs +
                           "RF Interpolation Method == TIN\nRead GIS RF Points == gauges.shp\n"
                           "Read GIS RF Triangles == triangles.shp\n");
-    run.give("gauges.shp", shpBytes(1, {pointRecord(105, 205), pointRecord(125, 205), pointRecord(105, 215)}));
-    run.give("gauges.dbf", dbfHeader(3, {{"NAME", 'C', 1}, {"F1", 'N', 1}, {"F2", 'N', 1}}) + " a11 b11 c11\x1A");
-    run.give("gauges.prj", "PROJCS[\"x\"]\n");
-    run.give("triangles.shp", shpBytes(5, {partsRecord(5, {0}, {105, 205, 105, 215, 125, 205, 105, 205})}));
-    run.give("triangles.dbf", dbfHeader(1, {{"NAME", 'C', 1}}) + " x\x1A");
-    run.give("triangles.prj", "PROJCS[\"x\"]\n");
+    giveShapefile(run, "gauges", 1,
+                  {.objects = {pointRecord(105, 205), pointRecord(125, 205), pointRecord(105, 215)},
+                   .columns = {{"NAME", 'C', 1}, {"F1", 'N', 1}, {"F2", 'N', 1}},
+                   .values = {"a11", "b11", "c11"}});
+    giveShapefile(run, "triangles", 5,
+                  {.objects = {partsRecord(5, {0}, {105, 205, 105, 215, 125, 205, 105, 205})},
+                   .columns = {{"NAME", 'C', 1}},
+                   .values = {"x"}});
     run.start();
     EXPECT_GRID(run, "rain_t0..asc", {{6, n, n}, {2, 6, 10}});
     EXPECT_FALSE(run.has("rain_t0..prj"));

@@ -1,5 +1,6 @@
 // A terrain that is larger than the memory that the run may take.
 #include "support/grids.h"
+#include "support/layer_files.h"
 #include "support/paths.h"
 #include "support/sanitizers.h"
 #include "support/tool_run.h"
@@ -94,8 +95,7 @@ TEST_F(LargeTerrain, IsSampledAtPoints)
     ToolRun run({"-c", underLimit(), toolPath(), "-b", "-cp", "p.mif", "dem.flt", "-cpsd20"});
     run.program("/bin/sh");
     giveTerrain(run);
-    run.give("p.mif", "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\n"
-                      "Columns 2\n  Observed Float\n  Label Char(9)\nData\n\nPoint 3000.25 2000\nPoint 40 50\n");
+    run.give("p.mif", mifHeader({"Observed Float", "Label Char(9)"}) + "Point 3000.25 2000\nPoint 40 50\n");
     run.give("p.mid", "1.5,\"a\"\n0,\"b\"\n");
     run.start();
     ASSERT_TRUE(run.reachedEnd()) << run.console();

@@ -478,10 +478,10 @@ void giveShpLine(ToolRun& run, const std::string& name, const std::vector<double
                  const std::string& record)
 {
     run.give("dem.asc", ascGrid(rowColumnCells()));
-    run.give(name + ".shp", shpBytes(3, {partsRecord(3, {0}, coordinates)}));
-    run.give(name + ".dbf", dbfHeader(1, {{"Z", 'N', 4}, {"dZ", 'N', 4}, {"Width", 'N', 4}, {"Options", 'C', 8}}) +
-                                " " + record + '\x1A');
-    run.give(name + ".prj", "PROJCS[\"Test\"]\n");
+    giveShapefile(run, name, 3,
+                  {.objects = {partsRecord(3, {0}, coordinates)},
+                   .columns = {{"Z", 'N', 4}, {"dZ", 'N', 4}, {"Width", 'N', 4}, {"Options", 'C', 8}},
+                   .values = {record}});
 }
 
 TEST(BrklineCli, AShapefileGivesShapefiles)

@@ -359,13 +359,7 @@ void giveShpMarks(ToolRun& run, const std::vector<std::string>& points, const st
                   const std::vector<std::string>& records)
 {
     run.give("dem.asc", ascGrid(rowColumnCells()));
-    run.give("p.shp", shpBytes(1, points));
-    std::string table = dbfHeader(static_cast<std::int32_t>(records.size()), columns);
-    for (const std::string& record : records) {
-        table += " " + record;
-    }
-    run.give("p.dbf", table + '\x1A');
-    run.give("p.prj", "PROJCS[\"Test\"]\n");
+    giveShapefile(run, "p", 1, {.objects = points, .columns = columns, .values = records});
 }
 
 TEST(CpCli, AShapefileGivesShapefiles)

@@ -264,9 +264,7 @@ TEST(LpCli, AVastSearchDistanceEndsSoon)
 void giveShpLine(ToolRun& run, const std::string& record)
 {
     run.give("dem.asc", ascGrid(valley()));
-    run.give("l.shp", shpBytes(3, {record}));
-    run.give("l.dbf", dbfHeader(1, {{"LABEL", 'C', 6}}) + " main  \x1A");
-    run.give("l.prj", "PROJCS[\"Test\"]\n");
+    giveShapefile(run, "l", 3, {.objects = {record}, .columns = {{"LABEL", 'C', 6}}, .values = {"main  "}});
 }
 
 TEST(LpCli, AShapefileGivesShapefiles)
@@ -296,7 +294,7 @@ TEST(LpCli, QuotesInTheLabelOfAShapefileStayInItsCheckLayer)
 {
     ToolRun run("-b -lp l.shp -lpmd6 -cpsd4 -check dem.asc");
     giveShpLine(run, partsRecord(3, {0}, {2, 5, 8, 5}));
-    run.give("l.dbf", dbfHeader(1, {{"LABEL", 'C', 6}}) + " \"a\",b \x1A");
+    run.give("l.dbf", dbfBytes({{"LABEL", 'C', 6}}, {"\"a\",b "}));
     run.start();
     EXPECT_TRUE(run.has("l_\"a\",b.csv"));
     EXPECT_THAT(run.read("l_LP_check_P.dbf"),

@@ -363,21 +363,15 @@ TEST(NaCli, OtherObjectsPassWithoutNotice)
 void giveShpRegion(ToolRun& run, const std::string& record)
 {
     run.give("dem.asc", ascGrid(terrain(kGentle)));
-    run.give("n.shp", shpBytes(5, {partsRecord(5, {0}, {1.5, 1.5, 1.5, 4.5, 4.5, 4.5, 4.5, 1.5, 1.5, 1.5})}));
-    run.give("n.dbf", dbfHeader(1, {{"ID", 'C', 8},
-                                    {"A", 'C', 1},
-                                    {"B", 'C', 1},
-                                    {"C", 'C', 1},
-                                    {"D", 'C', 1},
-                                    {"E", 'C', 1},
-                                    {"F", 'C', 1},
-                                    {"G", 'C', 1},
-                                    {"H", 'C', 1},
-                                    {"I", 'N', 3},
-                                    {"J", 'N', 3},
-                                    {"SKEW", 'N', 4}}) +
-                          " " + record + '\x1A');
-    run.give("n.prj", "PROJCS[\"Test\"]\n");
+    std::vector<DbfColumn> columns = {{"ID", 'C', 8}};
+    for (const char* const text : {"A", "B", "C", "D", "E", "F", "G", "H"}) {
+        columns.push_back({text, 'C', 1});
+    }
+    columns.insert(columns.end(), {{"I", 'N', 3}, {"J", 'N', 3}, {"SKEW", 'N', 4}});
+    giveShapefile(run, "n", 5,
+                  {.objects = {partsRecord(5, {0}, {1.5, 1.5, 1.5, 4.5, 4.5, 4.5, 4.5, 1.5, 1.5, 1.5})},
+                   .columns = columns,
+                   .values = {record}});
 }
 
 TEST(NaCli, AShapefileGivesTheSameTable)

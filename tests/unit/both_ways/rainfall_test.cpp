@@ -11,12 +11,9 @@
 namespace gridforge::test {
 namespace {
 
-const std::string kColumns = "Columns 3\n  Name Char(40)\n  F1 Float\n  F2 Float\n";
-
 void giveLayer(GivenFiles& given, const std::string& name, const std::string& objects, const std::string& records)
 {
-    given[name + ".mif"] = "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\n" +
-                           kColumns + "Data\n\n" + objects;
+    given[name + ".mif"] = mifHeader({"Name Char(40)", "F1 Float", "F2 Float"}) + objects;
     given[name + ".mid"] = records;
 }
 
