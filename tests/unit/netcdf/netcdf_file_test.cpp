@@ -1,5 +1,6 @@
 #include "netcdf/netcdf_file.h"
 
+#include "host/console.h"
 #include "host/system.h"
 #include "netcdf/check_netcdf.h"
 #include "support/child_run.h"
@@ -137,6 +138,28 @@ TEST(NetcdfFile, NamesThatLookLikeADriveOrAServerAreFiles)
     EXPECT_TRUE(folder.has("c:/a.nc"));
     EXPECT_TRUE(folder.has("http:/host/a.nc"));
     EXPECT_TRUE(folder.has("b.nc#mode=zarr"));
+}
+
+// As on Windows. The library of this system looks for a folder of the drive from the root on, and so makes no file here.
+TEST(NetcdfFile, ADriveGoesToTheLibraryWhereNamesHaveThem)
+{
+    if (nativeSystem().namesHaveDrives) {
+        GTEST_SKIP() << "would write to a drive";
+    }
+    const ScratchFolder folder;
+    folder.give("q:/keep", "");
+    const ChildRun run = runInChild(folder, [] {
+        static System system = nativeSystem();
+        system.namesHaveDrives = true;
+        useSystem(system);
+        nc_close(netcdf::createNetcdf("q.nc", NC_NETCDF4, "nf90_create"));
+        say("made");
+        nc_close(netcdf::createNetcdf("q:/q.nc", NC_NETCDF4, "nf90_create"));
+    });
+    EXPECT_TRUE(run.ended);
+    EXPECT_NE(run.console.find("made\nERROR - With nectdf call nf90_create"), std::string::npos) << run.console;
+    EXPECT_TRUE(folder.has("q.nc"));
+    EXPECT_FALSE(folder.has("q:/q.nc"));
 }
 
 TEST(NetcdfFile, AFileThatCannotBeMadeEndsTheRun)
