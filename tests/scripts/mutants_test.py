@@ -229,6 +229,15 @@ class SampleTreeTest(unittest.TestCase):
         self.assertEqual(self.outcome("< -> <= | return a < 0 ? -1 : 1;"), ("caught", "Sums.Sign"))
         self.assertEqual(self.outcome("+= -> -= | all += i;"), ("caught", "Sums.Sum"))
 
+    def test_a_program_that_ends_within_a_test_has_failed(self):
+        program = os.path.join(self.build.folder, mutants.PROGRAMS["cli"])
+        os.replace(program, program + ".kept")
+        self.addCleanup(os.replace, program + ".kept", program)
+        with open(program, "w") as file:
+            file.write("#!/bin/sh\necho '[ RUN      ] Cli.Nothing'\n")
+        os.chmod(program, 0o755)
+        self.assertEqual(self.tests.run("cli", "*", 100), "Cli.Nothing")
+
     def test_what_no_test_asks_for_survives(self):
         self.assertEqual(self.outcome("7 -> 8 | int spare = 7;"), ("survived", ""))
 

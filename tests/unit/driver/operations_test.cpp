@@ -4,10 +4,14 @@
 #include "driver/scan.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace gridforge {
@@ -28,6 +32,25 @@ TEST(Operations, StandInTheirOrder)
     EXPECT_THAT(names, testing::ElementsAre("max", "conv", "nc", "dif", "cd", "trans_m", "fe", "fuzzy", "count",
                                             "resize", "classify", "histogram", "cp", "lp", "brkline", "xs", "nbc", "na",
                                             "multiply", "xyz", "trim", "damages", "rf", "remap", "stat"));
+}
+
+// As the pages say under usage.
+TEST(Operations, TakeTheirNumbersOfGrids)
+{
+    constexpr std::int32_t kMany = 2000;
+    const std::map<std::string_view, std::pair<std::int32_t, std::int32_t>> numbers{
+        {"max", {1, kMany}},  {"conv", {1, kMany}}, {"nc", {1, kMany}},   {"dif", {2, 2}},
+        {"cd", {1, 2}},       {"trans_m", {1, 1}},  {"fe", {1, 1}},       {"fuzzy", {1, kMany}},
+        {"count", {1, 1}},    {"resize", {1, 1}},   {"classify", {1, 1}}, {"histogram", {1, 1}},
+        {"cp", {1, 1}},       {"lp", {1, 1}},       {"brkline", {1, 1}},  {"xs", {1, kMany}},
+        {"nbc", {0, 0}},      {"na", {1, 1}},       {"multiply", {2, 2}}, {"xyz", {1, 1}},
+        {"trim", {1, kMany}}, {"damages", {0, 0}},  {"rf", {0, 0}},       {"remap", {0, kMany - 1}},
+        {"stat", {2, 10}}};
+    for (const driver::OperationRow& row : driver::operationTable()) {
+        const auto [least, most] = numbers.at(row.name);
+        EXPECT_EQ(row.docs.inputs.least, least) << row.name;
+        EXPECT_EQ(row.docs.inputs.most, most) << row.name;
+    }
 }
 
 TEST(Operations, EachIsSelectedByItsOwnFlag)
