@@ -137,9 +137,30 @@ TEST(TrimCli, ARegionOverTheEdgeIsCutThere)
     EXPECT_EQ(run.grid("edge_dem.asc").yll, 0);
 }
 
+// A window begins one cell before the cell of its region's south-west corner and ends with that of the north-east corner.
+TEST(TrimCli, AWindowThatLeavesTheGridByOneCellExtendsOutside)
+{
+    const std::string warning = "WARNING - Part of region extends outside of grid, region name: a";
+    const auto warns = [&warning](const std::string& region) {
+        ToolRun run("-b -trim l.mif dem.asc");
+        run.give("dem.asc", ascGrid(numbered(6, 8)));
+        giveLayer(run, region, "a\n");
+        run.start();
+        EXPECT_TRUE(run.has("a_dem.asc")) << run.console();
+        return run.says(warning);
+    };
+    EXPECT_FALSE(warns(square(1.5, 1.5, 7.5, 5.5)));
+    EXPECT_TRUE(warns(square(0.5, 1.5, 7.5, 5.5)));
+    EXPECT_TRUE(warns(square(1.5, 0.5, 7.5, 5.5)));
+    EXPECT_TRUE(warns(square(1.5, 1.5, 8, 5.5)));
+    EXPECT_TRUE(warns(square(1.5, 1.5, 7.5, 6)));
+}
+
 TEST(TrimCli, ARegionOverBothEndsOfAnAxisEndsTheRun)
 {
-    for (const std::string& region : {square(-1, 1.5, 9.5, 3.5), square(1.5, -2, 3.5, 7)}) {
+    // The last two by a hair: in the first cell of the axis, and to its other end.
+    for (const std::string& region :
+         {square(-1, 1.5, 9.5, 3.5), square(1.5, -2, 3.5, 7), square(0.5, 1.5, 8, 3.5), square(1.5, 0.5, 3.5, 6)}) {
         ToolRun run("-trim l.mif dem.asc");
         run.give("dem.asc", ascGrid(numbered(6, 8)));
         giveLayer(run, region, "wide\n");
