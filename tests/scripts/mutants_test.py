@@ -120,6 +120,24 @@ class RecordTest(unittest.TestCase):
         record.write()
         self.assertEqual([(entry["line"], entry["text"]) for entry in self.record("//\n\n    b = 0;\n").entries], [(3, "b = 0;")])
 
+    def test_the_page_has_the_figures(self):
+        os.mkdir(os.path.join(self.root, "docs"))
+        page = os.path.join(self.root, "docs", "reliability.md")
+        with open(page, "w") as file:
+            file.write("| at first 3 changes, of which 2 change nothing; 1.0 % of the others are caught |\n")
+        record = self.record("a = 7;\n")
+        for change, by in zip(mutants.changes_of("src/a.cpp", "a = 7;\n"), ("Some.Test", "")):
+            record.add(change, by, 1)
+        record.write()
+        with open(page) as file:
+            self.assertEqual(file.read(), "| at first 2 changes, of which 0 change nothing; 50.0 % of the others are caught |\n")
+
+    def test_the_page_of_the_tree_has_them_as_well(self):
+        with open(os.path.join(mutants.ROOT, "tests", "mutants.json")) as file:
+            figures = mutants.figures(json.load(file)["in_all"])
+        with open(os.path.join(mutants.ROOT, "docs", "reliability.md")) as file:
+            self.assertIn(figures, file.read())
+
     def test_files_move(self):
         for new, others, left in (("src/b/a.cpp", [], 1), ("src/b/b.cpp", [], 1), ("src/b/a.cpp", ["src/c/b.cpp"], 1),
                                   ("src/b/b.cpp", ["src/c/c.cpp"], 0)):

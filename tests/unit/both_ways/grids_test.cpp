@@ -2,13 +2,16 @@
 // and in whatever pieces, or step by step.
 #include "driver/operations.h"
 #include "driver/scan.h"
+#include "ops/conv.h"
 #include "run/cells_ahead.h"
 
 #include "support/both_ways.h"
+#include "support/child_run.h"
 #include "support/environment.h"
 #include "support/grids.h"
 #include "support/layer_files.h"
 #include "support/operation_run.h"
+#include "support/refusing_system.h"
 
 #include <algorithm>
 #include <cmath>
@@ -299,6 +302,35 @@ TEST(Ways, AheadWhereTheTextTakesThePlaceOfTheInput)
     const Outcome outcome = runOperationIn(folder, "-conv a.flt");
     EXPECT_EQ(waysGone(run::Way::ahead), ahead + 1);
     EXPECT_EQ(readWrittenAsc(outcome.files.at("a.asc")).cells, cells);
+}
+
+// Those cells cannot be read again when their file has become the text.
+TEST(Ways, ARefusedReadOfAnInputThatItsTextReplacesIsNeverLost)
+{
+    const Environment environment({{"GRIDFORGE_THREADS", "1"}});
+    const Cells cells = {{1, 2, 3}, {4, -5.5, 6}};
+    const auto run = [&cells](const ScratchFolder& folder, int good) {
+        folder.give("a.hdr", hdr(cells));
+        folder.give("a.flt", fltCells(cells));
+        std::filesystem::create_hard_link(folder.path() / "a.flt", folder.path() / "a.asc");
+        return runInChild(folder, [good] {
+            run::InputFileList inputs;
+            inputs.add("a.flt");
+            refuseOneReadAfter(good);
+            ops::runConv({}, inputs);
+        });
+    };
+    int ended = 0;
+    for (int good = 0; good < 8; ++good) {
+        const ScratchFolder folder;
+        if (run(folder, good).ended) {
+            ++ended;
+        } else {
+            EXPECT_EQ(readWrittenAsc(folder.read("a.asc")).cells, cells) << good << " good reads";
+        }
+    }
+    EXPECT_GT(ended, 0);
+    EXPECT_LT(ended, 8);
 }
 
 } // namespace

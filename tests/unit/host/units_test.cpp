@@ -240,6 +240,23 @@ TEST(Opener, RefusesABlankName)
     EXPECT_EQ(blank.console, "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT." + kExits);
 }
 
+TEST(Opener, TakesAFileTwiceThatIsOnlyReadOrChanged)
+{
+    for (const std::string mode : {"I ", "BI", "BE", "SB", "SE"}) {
+        const ScratchFolder folder;
+        folder.give("a.txt", "line");
+        const ChildRun run = runInChild(folder, [&] {
+            Unit first = 0;
+            Unit second = 0;
+            OPENER(first, mode, "a.txt");
+            OPENER(second, mode, "a.txt");
+        });
+        EXPECT_FALSE(run.ended) << mode;
+        EXPECT_EQ(run.console.find("already open"), std::string::npos) << mode << run.console;
+        EXPECT_TRUE(run.console.ends_with("File Unit:1002\n")) << mode << run.console;
+    }
+}
+
 TEST(Opener, AsksBeforeItTakesAFileThatIsOpen)
 {
     const auto openTwice = [] {

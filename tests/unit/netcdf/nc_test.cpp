@@ -103,6 +103,30 @@ TEST(RunNc, ASingleRefusalIsNeverLost)
     }
 }
 
+// All cells of a binary grid are read before its story, also one past a whole number of pieces: the grid goes step by step then.
+TEST(RunNc, ABinaryGridIsReadOnceBeforeItsStory)
+{
+    const test::Environment environment({{"GRIDFORGE_PIECE", "24"}, {"GRIDFORGE_THREADS", "1"}});
+    const test::Cells cells(1, std::vector<double>(25, 2.5));
+    const auto run = [&cells](const test::ScratchFolder& folder, int good) {
+        folder.give("a.flt", test::fltCells(cells));
+        folder.give("a.hdr", test::hdr(cells));
+        return test::runInChild(folder, [&] {
+            run::InputFileList inputs;
+            inputs.add("a.flt");
+            test::refuseReadsAfter(good);
+            netcdf::runNc({}, {.part = true}, inputs);
+        });
+    };
+    const test::ScratchFolder whole;
+    EXPECT_FALSE(run(whole, 1000).ended);
+    for (const int good : {0, 1}) {
+        const test::ScratchFolder folder;
+        EXPECT_FALSE(run(folder, good).ended) << good << " good reads";
+        EXPECT_TRUE(folder.read("a.nc") == whole.read("a.nc")) << good << " good reads";
+    }
+}
+
 // --- Ways of the grids -----------------------------------------------------------------------------------------------
 
 const test::Cells kFirst{{121, 122, 123}, {111, 112, 113}};
