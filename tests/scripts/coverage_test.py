@@ -61,6 +61,22 @@ class CoverageTest(unittest.TestCase):
         self.assertEqual(self.unreached("DA:1,0", "end_of_record", again, "DA:2,0"),
                          ["src/grid/a.cpp:1: line 1 of a.cpp", "src/grid/other_system.cpp:2: line 2 of other_system.cpp"])
 
+    def test_each_place_has_its_reason_below(self):
+        found = ["src/grid/a.cpp:3-4: throw x;", "src/grid/a.cpp:9: never run: grid::read", "src/grid/b.cpp: not compiled",
+                 "src/grid/b.cpp:3: throw x;"]
+        known = {("src/grid/a.cpp", "throw x;"): "cannot be had", ("src/grid/a.cpp", "never run: grid::read"): "only for callers",
+                 ("src/grid/b.cpp", "not compiled"): "another system"}
+        self.assertEqual(coverage.explained(found, known),
+                         ([found[0], "    cannot be had", found[1], "    only for callers", found[2], "    another system",
+                           found[3], "    NO REASON GIVEN"], 1))
+
+    def test_reasons_are_of_files_that_exist(self):
+        root = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+        coverage.ROOT = root
+        for (source, text), why in coverage.reasons().items():
+            self.assertTrue(os.path.exists(os.path.join(root, source)), source)
+            self.assertTrue(text and why, source)
+
     def test_shares_and_sources_that_are_not_compiled(self):
         totals = {key: {"count": 3, "covered": 2, "percent": 66.6667} for key, _ in coverage.KINDS}
         summary = {"data": [{"files": [{"filename": os.path.join(coverage.ROOT, "src/grid/a.cpp")}], "totals": totals}]}
