@@ -1,4 +1,4 @@
-// Checks that operations make on the objects that they read.
+// The objects of a layer by their kind: checks, and the next one of a kind.
 #pragma once
 
 #include "gis/layer_object.h"

@@ -482,7 +482,7 @@ class RunningTest(WithFolder):
 
     def test_ends_are_told_apart(self):
         for script, end in (("exit 0", "exit 0"), ("exit 7", "exit 7"), ("kill -ABRT $$", "signal 6"), ("exec sleep 60", "waits"),
-                            ("sleep 1; exit 5", "exit 5")):
+                            ("sleep 1; exit 5", "exit 5")):  # one that sleeps, but not for good
             self.assertEqual(self.shell(script).end, end, script)
         self.assertEqual(self.shell("while :; do :; done", runs.Limits(1, 0)).end, "overtime")
 
