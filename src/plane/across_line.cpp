@@ -1,5 +1,6 @@
 #include "plane/across_line.h"
 
+#include "core/first_index.h"
 #include "core/rounding.h"
 #include "plane/geometry.h"
 
@@ -34,23 +35,6 @@ std::int32_t rowOf(const AcrossLine& line, const GridHeader& header, std::int32_
     return roundToInt((line.sampleY(k) - header.yll) / line.dx);
 }
 
-// The first sample of the range that `holds`, `last` + 1 if none does; all after it hold.
-template <typename Holds>
-std::int64_t firstThat(const SampleRange& range, Holds holds)
-{
-    std::int64_t low = range.first;
-    std::int64_t high = std::int64_t{range.last} + 1;
-    while (low < high) {
-        const std::int64_t middle = low + (high - low) / 2;
-        if (holds(static_cast<std::int32_t>(middle))) {
-            high = middle;
-        } else {
-            low = middle + 1;
-        }
-    }
-    return low;
-}
-
 // The samples whose index is from 1 to `count`. Along the samples an index only rises or only falls.
 template <typename Index>
 SampleRange clip(const SampleRange& range, std::int32_t count, bool rises, Index index)
@@ -58,10 +42,11 @@ SampleRange clip(const SampleRange& range, std::int32_t count, bool rises, Index
     if (range.first > range.last) {
         return range;
     }
-    const auto from = rises ? firstThat(range, [&](std::int32_t k) { return index(k) >= 1; })
-                            : firstThat(range, [&](std::int32_t k) { return index(k) <= count; });
-    const auto after = rises ? firstThat(range, [&](std::int32_t k) { return index(k) > count; })
-                             : firstThat(range, [&](std::int32_t k) { return index(k) < 1; });
+    const auto first = [&](const auto& holds) { return firstThat(range.first, range.last, holds); };
+    const auto from = rises ? first([&](std::int32_t k) { return index(k) >= 1; })
+                            : first([&](std::int32_t k) { return index(k) <= count; });
+    const auto after = rises ? first([&](std::int32_t k) { return index(k) > count; })
+                             : first([&](std::int32_t k) { return index(k) < 1; });
     if (from >= after) {
         return {};
     }

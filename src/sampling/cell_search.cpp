@@ -1,5 +1,6 @@
 #include "sampling/cell_search.h"
 
+#include "core/first_index.h"
 #include "plane/geometry.h"
 
 #include <algorithm>
@@ -24,19 +25,9 @@ float cornerDistance(const CellSearch& search, double cornerX, double cornerY)
 // The first index from `first` to `last` whose place is not below `target`, `last` + 1 for none. Places do not
 // fall.
 template <typename Place>
-std::int32_t firstNotBelow(std::int32_t first, std::int32_t last, double target, Place place)
+std::int32_t firstNotBelow(std::int32_t first, std::int32_t last, double target, const Place& place)
 {
-    std::int64_t low = first;
-    std::int64_t high = std::int64_t{last} + 1;
-    while (low < high) {
-        const std::int64_t middle = (low + high) / 2;
-        if (place(static_cast<std::int32_t>(middle)) < target) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    return static_cast<std::int32_t>(low);
+    return static_cast<std::int32_t>(firstThat(first, last, [&](std::int32_t k) { return !(place(k) < target); }));
 }
 
 // The row of tiles that was asked for last.
