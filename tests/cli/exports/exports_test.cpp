@@ -58,7 +58,7 @@ Names namesIn(const std::string& text, const std::string& pattern)
 // Sanitizers of either compiler put symbols of their own into the table.
 bool isSanitized(const std::string& table)
 {
-    return table.find("__asan_") != std::string::npos;
+    return table.find("__asan_") != std::string::npos || table.find("__tsan_") != std::string::npos;
 }
 
 TEST(Exports, AreAllInTheDynamicSymbolTableAndNothingElseIs)
