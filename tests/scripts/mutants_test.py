@@ -49,7 +49,7 @@ class ChangesTest(unittest.TestCase):
     def test_what_is_no_code_stays(self):
         for source in ("// a < b\n", "/* a + b\n   1 */\n", 's = "a < 1";\n', "c = '1';\n", "#if A > 1\n", "assert(a < f(1));\n",
                        "static_assert(sizeof(a) == 4, \"a < b\");\n", "std::vector<int*> v;\n", "std::int32_t n;\n", "auto&& v = w;\n",
-                       "    return close(a);\n", "std::string name(a);\n", "mask = 0x1F;\n", "big = 1'000;\n", 'r = R"(1 + 2)";\n'):
+                       "    return close(a);\n", "std::string name(a);\n", "mask = 0x1F;\n", "mode = 0777;\n", "big = 1'000;\n", 'r = R"(1 + 2)";\n'):
             self.assertEqual(shown(source), [], source)
 
     def test_the_place_in_the_file(self):
@@ -75,6 +75,8 @@ class OrderTest(unittest.TestCase):
     def test_far_ones_wait_for_changes_that_have_survived(self):
         self.assertEqual(self.stages({("cli", "Limits"): 30}, False),
                          [("unit", ["Asc"]), ("unit", ["Flt", "Large", "Ways"]), ("cli", ["Conv"])])
+        suites = {"unit": {}, "cli": {**self.SUITES["cli"], "tests/cli/grid/asc_test.cpp": ["Own"]}}
+        self.assertEqual([stage.suites for stage in mutants.stages_for("src/grid/flt.cpp", suites, {})], [["Own"]])
 
 
 class RecordTest(unittest.TestCase):

@@ -33,6 +33,14 @@ TEST(InsertVertices, ASegmentOfExactlyTheSpacingGetsNone)
     EXPECT_THAT(line.y, ElementsAre(5, 5));
 }
 
+TEST(InsertVertices, EachSegmentCountsAgainstTheMost)
+{
+    const gis::Coordinates read = lineOf({0, 25, 50}, {0, 0, 0}); // two vertices in each: 3 + 2 + 2
+    EXPECT_TRUE(sampling::withVertices(read, 10.0F, 7));
+    EXPECT_FALSE(sampling::withVertices(read, 10.0F, 6));
+    EXPECT_FALSE(sampling::withVertices(read, 10.0F, 5)); // of which none is left for the last segment
+}
+
 TEST(InsertVertices, ASegmentOfTwoAndAHalfSpacingsGetsTwo)
 {
     const sampling::LineVertices line = sampling::insertVertices(lineOf({0, 0}, {0, 25}), 10.0F, kEnough);
