@@ -240,20 +240,22 @@ TEST(Opener, RefusesABlankName)
     EXPECT_EQ(blank.console, "Empty filename specified.  Bailing out.  Please contact SUPPORT_CONTACT." + kExits);
 }
 
-TEST(Opener, TakesAFileTwiceThatIsOnlyReadOrChanged)
+TEST(Opener, ReadsOrChangesAFileThatIsOpenWithoutAQuestion)
 {
-    for (const std::string mode : {"I ", "BI", "BE", "SB", "SE"}) {
-        const ScratchFolder folder;
-        folder.give("a.txt", "line");
-        const ChildRun run = runInChild(folder, [&] {
-            Unit first = 0;
-            Unit second = 0;
-            OPENER(first, mode, "a.txt");
-            OPENER(second, mode, "a.txt");
-        });
-        EXPECT_FALSE(run.ended) << mode;
-        EXPECT_EQ(run.console.find("already open"), std::string::npos) << mode << run.console;
-        EXPECT_TRUE(run.console.ends_with("File Unit:1002\n")) << mode << run.console;
+    for (const std::string first : {"O ", "SB", "I "}) {
+        for (const std::string second : {"I ", "BI", "BE", "SB", "SE"}) {
+            const ScratchFolder folder;
+            folder.give("a.txt", "line");
+            const ChildRun run = runInChild(folder, [&] {
+                Unit unit = 0;
+                Unit other = 0;
+                OPENER(unit, first, "a.txt");
+                OPENER(other, second, "a.txt");
+            });
+            EXPECT_FALSE(run.ended) << first << second;
+            EXPECT_EQ(run.console.find("already open"), std::string::npos) << first << second << run.console;
+            EXPECT_TRUE(run.console.ends_with("File Unit:1002\n")) << first << second << run.console;
+        }
     }
 }
 

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -343,6 +344,28 @@ TEST(ParseLines, TakesLinesOfAnyFormUpToOneThatIsRefused)
         taken += found.count;
     }
     EXPECT_GT(taken, 500U);
+}
+
+TEST(ParseLines, TakesNoMoreThanThereIsRoomFor)
+{
+    const std::string line = "1,2,3\n";
+    for (std::size_t room = 0; room < 40; ++room) {
+        std::string text;
+        for (std::size_t i = 0; i < room; ++i) {
+            text += i % 3 == 0 ? "1.5e0 2 3\n" : line;
+        }
+        const std::size_t bytes = text.size();
+        text += line + line;
+        std::vector<double> x(room + 1, 77);
+        std::vector<double> y(room + 1, 77);
+        std::vector<float> z(room + 1, 77);
+        const ops::PlainPoints found =
+            ops::parseLines(text, 1000, std::span(x).first(room), std::span(y).first(room), std::span(z).first(room));
+        EXPECT_EQ(found.count, room);
+        EXPECT_EQ(found.bytes, bytes) << room;
+        EXPECT_EQ(x.back(), 77) << room;
+        EXPECT_EQ(z.back(), 77) << room;
+    }
 }
 
 TEST(ParseLines, ALineIsCutAtItsWidth)
