@@ -135,6 +135,15 @@ TEST(RainfallPolygonCli, WithoutLayersItNeverRains)
     EXPECT_GRID(run, "rain_t0..asc", {{n, n, n}, {n, n, n}});
 }
 
+TEST(RainfallPolygonCli, TellsTheMemoryOfItsTables)
+{
+    ToolRun run("-b -rf rain.rfc");
+    giveRainfall(run, "RF GRID Cell Size == 10\nRF GRID Size (X,Y) == 1000, 1000\nRF GRID Origin == 100 200\n" +
+                          kTwoHyetographs + "RF Interpolation Method == Poly\n");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, {"Allocating memory for polygons.", "Memory required: 80kB", "   Done."}); // 10000 * 8
+}
+
 TEST(RainfallPolygonCli, OtherObjectsArePassedOver)
 {
     ToolRun run("-b -rf rain.rfc");

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <utility>
 #include <vector>
 
 namespace gridforge {
@@ -56,6 +57,22 @@ TEST(CellStore, HoldsWhatMemoryMayNotHoldInAFileWithoutAName)
     EXPECT_EQ(grid::filesOfCells(), before + 1);
     putAndGet(store);
     EXPECT_TRUE(fs::is_empty(folder.path()));
+}
+
+TEST(CellStore, TakesTheExtremesOfAnotherWithItsCells)
+{
+    grid::CellStore store;
+    ASSERT_TRUE(store.take(2, "."));
+    ASSERT_TRUE(store.put(0, std::vector<float>{3, 4}));
+    store.noteExtremes({.smallest = 3, .largest = 4, .any = true});
+    grid::CellStore other;
+    ASSERT_TRUE(other.take(2, "."));
+    other.noteExtremes({.smallest = 7, .largest = 8, .any = true});
+    other = std::move(store);
+    EXPECT_THAT(stored(other, 0, 2), ElementsAre(3, 4));
+    ASSERT_TRUE(other.extremes());
+    EXPECT_EQ(other.extremes()->smallest, 3);
+    EXPECT_EQ(other.extremes()->largest, 4);
 }
 
 TEST(CellStore, CountsTheMemoryOfAllStores)
