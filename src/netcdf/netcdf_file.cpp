@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cassert>
+#include <cerrno>
 #include <cstring>
 #include <string>
 
@@ -25,15 +26,31 @@ bool isOnShare(std::string_view name)
     return theSystem().namesHaveDrives && name.starts_with("//");
 }
 
+// Where names have drives, one that begins at the root is on that of the current folder. The library asks for it.
+std::string withDrive(std::string name)
+{
+    if (!theSystem().namesHaveDrives || !name.starts_with('/') || isOnShare(name)) {
+        return name;
+    }
+    return systemName(fullName("/")) + name;
+}
+
 // The library takes some names for more than a file: "c:/x" for a drive, "http://x" for a server. A name that begins at a
 // folder and has no doubled separator is always a file, and for the system it is the same one.
 std::string libraryName(std::string_view name)
 {
-    std::string local = systemName(name);
+    std::string local = withDrive(systemName(name));
     const auto bothSeparate = [](char a, char b) { return a == '/' && b == '/'; };
     const auto inner = local.begin() + (isOnShare(local) ? 1 : 0);
     local.erase(std::unique(inner, local.end(), bothSeparate), local.end());
     return local.starts_with('/') || hasDrive(local) ? local : "./" + local;
+}
+
+// Where names have drives, some are those of devices or of parts of a file. The library opens files by itself, so it would write
+// to these too.
+bool mayBeCreated(std::string_view name)
+{
+    return !theSystem().namesHaveDrives || theSystem().lookUp(systemName(name)) != SystemStatus::refused;
 }
 
 std::size_t fromZero(std::int32_t position)
@@ -47,7 +64,7 @@ std::size_t fromZero(std::int32_t position)
 int createNetcdf(std::string_view name, int mode, std::string_view call)
 {
     int file = 0;
-    checkNetcdf(library().nc_create(libraryName(name).c_str(), mode, &file), call);
+    checkNetcdf(mayBeCreated(name) ? library().nc_create(libraryName(name).c_str(), mode, &file) : EACCES, call);
     return file;
 }
 

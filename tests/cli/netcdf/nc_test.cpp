@@ -103,6 +103,19 @@ TEST(NcCli, TheFileAndItsFolderMayHaveLettersOfAnyLanguage)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+TEST(NcCli, TheFileMayBeNamedFromTheRoot)
+{
+    const ScratchFolder folder;
+    const std::string name = (folder.path() / "a.nc").string();
+    ToolRun run({"-b", "-nc", "a.asc", "-out", name});
+    run.give("a.asc", ascGrid(kFirst));
+    run.start();
+    EXPECT_TRUE(run.reachedEnd());
+    EXPECT_EQ(run.error(), "");
+    EXPECT_TRUE(folder.has("a.nc"));
+    EXPECT_NO_OTHER_FILES(run);
+}
+
 TEST(NcCli, TheFileIsDefinedAsPromised)
 {
     ToolRun run("-nc a.asc");
