@@ -4,7 +4,6 @@
 #include "core/text.h"
 #include "grid/asc_write.h"
 #include "host/ends.h"
-#include "host/file_system.h"
 #include "host/units.h"
 
 #include <algorithm>
@@ -38,15 +37,9 @@ void writeAscCells(Unit unit, const CellSource& cells, std::int32_t decimals)
 // If possible, makes the file in which the cells wait the file of the grid.
 bool becomeGridFile(Unit unit, const CellSource& cells)
 {
-    if (cells.store() == nullptr) {
-        return false;
-    }
-    const SystemFile file = cells.store()->becomeFile(systemName(unitName(unit)));
-    if (file == SystemFile::none) {
-        return false;
-    }
-    takeFileInto(unit, file);
-    return true;
+    CellStore* const store = cells.store();
+    return store != nullptr && store->isInFile() && !store->isOnlyRead() &&
+           replaceFile(unit, [&](const std::string& name) { return store->becomeFile(name); });
 }
 
 void copyCells(Unit unit, const CellSource& cells)

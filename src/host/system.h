@@ -81,6 +81,7 @@ struct System {
     // Gives an unnamed file a name in its folder. It replaces a file of that name only if that is a plain file of the same
     // user and group with one name. False, and nothing has changed, if this cannot be done in one step.
     bool (*giveName)(SystemFile file, const std::string& name);
+    bool replacesOnlyClosedFiles = false; // so `giveName`: it is false while a file of that name is open
 
     // --- Names
     bool namesIgnoreCase = false; // in searches of a folder; ASCII letters

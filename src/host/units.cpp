@@ -2,6 +2,8 @@
 
 #include "core/number_text.h"
 #include "host/ends.h"
+#include "host/file_system.h"
+#include "host/system.h"
 #include "host/unit_table.h"
 
 #include <optional>
@@ -173,12 +175,23 @@ SystemFile positionedFile(Unit unit)
     return stream(unit).file();
 }
 
-void takeFileInto(Unit unit, SystemFile file)
+bool replaceFile(Unit unit, const std::function<SystemFile(const std::string& name)>& become)
 {
     FileStream& old = stream(unit);
-    FileStream taken(file, Direction::out, old.name());
-    requireWritten(old.close(), unit);
+    const std::string name = systemName(old.name());
+    const bool closesFirst = theSystem().replacesOnlyClosedFiles;
+    if (closesFirst) {
+        requireWritten(old.close(), unit);
+    }
+    const SystemFile made = become(name);
+    if (made == SystemFile::none && !closesFirst) {
+        return false;
+    }
+    FileStream taken(made != SystemFile::none ? made : theSystem().open(name, OpenFor::replacing), Direction::out,
+                     old.name());
+    requireWritten(old.close() && taken.isOpen(), unit);
     old = std::move(taken);
+    return made != SystemFile::none;
 }
 
 void markUnfinished(Unit unit)

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -75,8 +76,9 @@ void reserveBytes(Unit unit, std::int64_t count);
 // The open file itself, its buffered bytes written, for writing by position from where the unit is. None if the file has no
 // positions, as a pipe. After such writes move the unit on by seekTo.
 SystemFile positionedFile(Unit unit);
-// Replaces the file of the unit by another open file, which has its name now.
-void takeFileInto(Unit unit, SystemFile file);
+// Replaces the file of the unit, in which nothing is written yet, by the open file that `become` makes of its name. False where that
+// makes none.
+bool replaceFile(Unit unit, const std::function<SystemFile(const std::string& name)>& become);
 // Called right after opening and right before closing. Between the two a file begins with a byte that no reader accepts, so
 // that the file that a killed run leaves does not look whole.
 void markUnfinished(Unit unit);

@@ -440,6 +440,7 @@ const System& nativeSystem()
         .openUnnamed = openUnnamedFile,
         .setAside = setAsideFor,
         .giveName = giveNameTo,
+        .replacesOnlyClosedFiles = true,
         .namesIgnoreCase = true,
         .namesHaveDrives = true,
         .facts = factsOfName,

@@ -4,6 +4,7 @@
 #include "support/child_run.h"
 #include "support/consoles.h"
 #include "support/environment.h"
+#include "support/grids.h"
 #include "support/refusing_system.h"
 
 #include <gtest/gtest.h>
@@ -49,6 +50,82 @@ TEST(WriteGrid, EndsTheRunWhereCellsThatWaitedCannotBeReadBack)
                                       "ERROR - Could not allocate enough memory (RAM).\n" +
                                       kExits))
         << run.console;
+}
+
+// A system with an eye on how cells that wait in a file get the name of the grid.
+struct NamedCells {
+    static inline int opened = 0;
+    static inline int closed = 0;
+    static inline bool given = false;
+    static inline bool refused = false;
+
+    // From now on.
+    static void watch(bool replacesOnlyClosedFiles, bool refuses)
+    {
+        static System watched;
+        watched = nativeSystem();
+        opened = 0;
+        closed = 0;
+        given = false;
+        refused = refuses;
+        watched.open = [](const std::string& name, OpenFor purpose) {
+            ++opened;
+            return nativeSystem().open(name, purpose);
+        };
+        watched.close = [](SystemFile file) {
+            ++closed;
+            return nativeSystem().close(file);
+        };
+        watched.giveName = [](SystemFile file, const std::string& name) {
+            say("Files open besides the header: ", opened - closed - 1);
+            given = !refused && nativeSystem().giveName(file, name);
+            return given;
+        };
+        watched.replacesOnlyClosedFiles = watched.replacesOnlyClosedFiles || replacesOnlyClosedFiles;
+        useSystem(watched);
+    }
+};
+
+// Writes cells that wait in a file.
+ChildRun writeWaiting(const ScratchFolder& folder, bool replacesOnlyClosedFiles, bool refuses)
+{
+    return runInChild(folder, [=] {
+        NamedCells::watch(replacesOnlyClosedFiles, refuses);
+        grid::CellStore waiting;
+        EXPECT_TRUE(waiting.takeForFile(6, "."));
+        EXPECT_TRUE(waiting.put(0, std::vector<float>{11, 12, 13, 21, 22, 23}));
+        grid::writeGrid(grid::Format::flt, "a", headerOf(2, 3), grid::CellSource(waiting, headerOf(2, 3)), "");
+        say(NamedCells::given ? "Named." : "Copied.");
+    });
+}
+
+TEST(WriteGrid, CellsThatWaitInAFileBecomeTheFile)
+{
+    for (const bool closed : {false, true}) {
+        const ScratchFolder folder;
+        folder.give("a.flt", "something longer than the six cells of the grid");
+        const ChildRun run = writeWaiting(folder, closed, false);
+        EXPECT_TRUE(run.console.ends_with("Named.\n")) << run.console;
+        EXPECT_EQ(folder.read("a.flt"), fltCells({{11, 12, 13}, {21, 22, 23}}));
+    }
+}
+
+TEST(WriteGrid, TheFileIsClosedFirstWhereNoOpenOneIsReplaced)
+{
+    const ScratchFolder folder;
+    const ChildRun run = writeWaiting(folder, true, false);
+    EXPECT_NE(run.console.find("Files open besides the header: 0\n"), std::string::npos) << run.console;
+}
+
+TEST(WriteGrid, CellsThatDoNotBecomeTheFileAreCopied)
+{
+    for (const bool closed : {false, true}) {
+        const ScratchFolder folder;
+        const ChildRun run = writeWaiting(folder, closed, true);
+        EXPECT_TRUE(run.console.ends_with("Copied.\n")) << run.console;
+        EXPECT_EQ(folder.read("a.flt"), fltCells({{11, 12, 13}, {21, 22, 23}}));
+        EXPECT_NE(folder.read("a.hdr").find("nrows"), std::string::npos);
+    }
 }
 
 TEST(WriteGrid, FieldsAreAsWideAsTheLargestMagnitudeNeeds)

@@ -133,6 +133,19 @@ TEST(NativeSystem, ReplacesNoFileThatOthersHoldOpen)
     EXPECT_EQ(folder.read("held"), "old");
 }
 
+TEST(NativeSystem, ReplacesNoFileThatIsOpenHere)
+{
+    const ScratchFolder folder;
+    folder.give("open", "old");
+    const System& system = nativeSystem();
+    EXPECT_TRUE(system.replacesOnlyClosedFiles);
+    const SystemFile held = system.open((folder.path() / "open").string(), OpenFor::updating);
+    ASSERT_NE(held, SystemFile::none);
+    EXPECT_FALSE(isReplaced(folder, "open"));
+    EXPECT_TRUE(system.close(held));
+    EXPECT_TRUE(isReplaced(folder, "open"));
+}
+
 TEST(NativeSystem, ReplacesNoFileWhoseAttributesOrRightsWouldBeLost)
 {
     const ScratchFolder folder;
