@@ -1,9 +1,7 @@
 // Memory for large arrays, in huge pages; where that is used up, in a file without a name.
-#include "host/environment.h"
+#include "host/page_room.h"
 #include "host/system.h"
 
-#include <atomic>
-#include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <string>
@@ -33,22 +31,6 @@ constexpr std::size_t kHugePage = std::size_t{1} << 21;
 bool isMapped(std::size_t bytes)
 {
     return kMapPages && bytes >= 2 * kHugePage;
-}
-
-// Bytes of all arrays that are mapped.
-std::atomic<std::uint64_t>& mappedBytes()
-{
-    static std::atomic<std::uint64_t> bytes = 0;
-    return bytes;
-}
-
-// How many of them may be in memory: what a run needs for its buffers besides what was asked for, or else most of what is free.
-std::uint64_t mostInMemory()
-{
-    constexpr std::uint64_t kBuffers = std::uint64_t{64} << 20;
-    static const std::uint64_t free = nativeSystem().memoryLeft();
-    const auto asked = environmentNumber("GRIDFORGE_MEMORY");
-    return asked ? kBuffers + *asked : free - free / 8;
 }
 
 void* takeMemory(std::size_t bytes)
@@ -90,38 +72,16 @@ void* takeFileIn(const std::string& folder, std::size_t bytes)
     return pages == MAP_FAILED ? nullptr : pages;
 }
 
-void* takeFile(std::size_t bytes)
-{
-    void* pages = nullptr;
-    for (const std::string& folder : scratchFolders(nativeSystem(), ".")) {
-        if (pages == nullptr) {
-            pages = takeFileIn(folder, bytes);
-        }
-    }
-    return pages;
-}
-
 void* takeMapped(std::size_t bytes)
 {
-    if (!isMapped(bytes)) {
-        return std::calloc(bytes, 1);
-    }
-    const bool fits = mappedBytes() + bytes <= mostInMemory();
-    void* pages = fits ? takeMemory(bytes) : takeFile(bytes);
-    if (pages == nullptr) {
-        pages = fits ? takeFile(bytes) : takeMemory(bytes);
-    }
-    if (pages != nullptr) {
-        mappedBytes() += bytes;
-    }
-    return pages;
+    return isMapped(bytes) ? takeRoomForPages({takeMemory, takeFileIn}, bytes) : std::calloc(bytes, 1);
 }
 
 void releaseMapped(void* pages, std::size_t bytes)
 {
     if (isMapped(bytes)) {
         munmap(pages, bytes);
-        mappedBytes() -= bytes;
+        countOutPages(bytes);
     } else {
         std::free(pages);
     }

@@ -37,16 +37,6 @@ std::uint64_t leftByJob()
     return limit == UINT64_MAX ? limit : limit - std::min(limit, takenByProcess());
 }
 
-void* takeZeroed(std::size_t bytes)
-{
-    return VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
-}
-
-void releaseZeroed(void* pages, std::size_t /*bytes*/)
-{
-    VirtualFree(pages, 0, MEM_RELEASE);
-}
-
 } // namespace
 
 std::size_t processorsToUse()
@@ -76,11 +66,6 @@ std::uint64_t memoryLeftToTake()
         return 0;
     }
     return std::min<std::uint64_t>({memory.ullAvailPhys, memory.ullAvailPageFile, memory.ullAvailVirtual, leftByJob()});
-}
-
-PageSource nativePages() noexcept
-{
-    return {takeZeroed, releaseZeroed};
 }
 
 bool nativeAvx2() noexcept

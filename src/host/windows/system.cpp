@@ -5,9 +5,9 @@
 #include "host/windows/console.h"
 #include "host/windows/names.h"
 #include "host/windows/resources.h"
+#include "host/windows/scratch_file.h"
 
 #include <algorithm>
-#include <atomic>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -288,17 +288,13 @@ bool deleteAtClose(HANDLE handle, bool wanted)
 // The system has no files without a name. This one can be opened by nobody else, and goes when the process ends in any way.
 SystemFile openUnnamedFile(const std::string& folder)
 {
-    static std::atomic<unsigned> made = 0;
-    const std::string name = (folder.empty() ? "." : folder) + "/gridforge-" + std::to_string(GetCurrentProcessId()) +
-                             '-' + std::to_string(++made) + ".part";
-    const HANDLE handle = CreateFileW(systemPath(name).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
-                                      FILE_SHARE_DELETE, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const auto [handle, path] = makeScratchFile(folder, 0);
     if (handle == INVALID_HANDLE_VALUE) {
         return SystemFile::none;
     }
     if (!deleteAtClose(handle, true)) {
         CloseHandle(handle);
-        DeleteFileW(systemPath(name).c_str());
+        DeleteFileW(path.c_str());
         return SystemFile::none;
     }
     unnamedFiles().add(handle);

@@ -548,12 +548,14 @@ TEST(State, StandsWhereThePageSaysSo)
                                               "host/file_system.cpp",
                                               "host/memory/memory_system.cpp",
                                               "host/messages.cpp",
-                                              "host/posix/pages.cpp",
+                                              "host/page_room.cpp",
                                               "host/posix/system.cpp",
                                               "host/progress.cpp",
                                               "host/system.cpp",
                                               "host/unit_table.cpp",
+                                              "host/windows/pages.cpp",
                                               "host/windows/process.cpp",
+                                              "host/windows/scratch_file.cpp",
                                               "host/windows/system.cpp",
                                               "run/ways.cpp"}));
     EXPECT_TRUE(holdsState("    static std::atomic<int> count = 0;"));
