@@ -95,8 +95,8 @@ void prepareProcess()
         std::atexit(restoreCodePage);
         SetConsoleCtrlHandler(restoreBeforeEnd, TRUE);
     }
-    // A drive without a disk is an error here, not a window that waits for somebody.
-    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+    // A drive without a disk, or a fault of the tool, is an error here, not a window that waits for somebody.
+    SetErrorMode(GetErrorMode() | SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
 }
 
 // From the system, because those of `main` have lost what the code page lacks.

@@ -98,22 +98,6 @@ std::optional<FileFacts> factsIn(HANDLE handle)
 
 // --- Open files ------------------------------------------------------------------------------------------------------
 
-SystemFile openFile(const std::string& name, OpenFor purpose)
-{
-    DWORD access = GENERIC_WRITE;
-    DWORD creation = OPEN_ALWAYS;
-    switch (purpose) {
-    case OpenFor::reading:
-        access = GENERIC_READ;
-        creation = OPEN_EXISTING;
-        break;
-    case OpenFor::replacing: creation = CREATE_ALWAYS; break;
-    case OpenFor::updating: access = GENERIC_READ | GENERIC_WRITE; break;
-    }
-    const DWORD flags = purpose == OpenFor::reading ? FILE_FLAG_SEQUENTIAL_SCAN : FILE_ATTRIBUTE_NORMAL;
-    return kept(CreateFileW(systemPath(name).c_str(), access, kSharedByAll, nullptr, creation, flags, nullptr));
-}
-
 // Goes on where the caller of the process has stopped.
 SystemFile inheritedFile(std::int64_t number)
 {
@@ -255,6 +239,30 @@ bool truncateFile(SystemFile file, std::int64_t size)
     FILE_END_OF_FILE_INFO end = {};
     end.EndOfFile.QuadPart = size;
     return SetFileInformationByHandle(openFileOf(file).handle, FileEndOfFileInfo, &end, sizeof end) != 0;
+}
+
+SystemFile openFile(const std::string& name, OpenFor purpose)
+{
+    DWORD access = GENERIC_WRITE;
+    DWORD creation = OPEN_ALWAYS;
+    switch (purpose) {
+    case OpenFor::reading:
+        access = GENERIC_READ;
+        creation = OPEN_EXISTING;
+        break;
+    case OpenFor::replacing: break;
+    case OpenFor::updating: access = GENERIC_READ | GENERIC_WRITE; break;
+    }
+    const DWORD flags = purpose == OpenFor::reading ? FILE_FLAG_SEQUENTIAL_SCAN : FILE_ATTRIBUTE_NORMAL;
+    const SystemFile file =
+        kept(CreateFileW(systemPath(name).c_str(), access, kSharedByAll, nullptr, creation, flags, nullptr));
+    // To create a file in place of one that is hidden would be refused.
+    if (purpose == OpenFor::replacing && file != SystemFile::none && openFileOf(file).hasPositions &&
+        !truncateFile(file, 0)) {
+        closeFile(file);
+        return SystemFile::none;
+    }
+    return file;
 }
 
 // Never less than the file holds, which would cut it.

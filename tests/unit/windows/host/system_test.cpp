@@ -164,6 +164,23 @@ TEST(NativeSystem, ReplacesNoFileWhoseAttributesOrRightsWouldBeLost)
     EXPECT_NE(SetFileAttributesW(guarded.c_str(), FILE_ATTRIBUTE_NORMAL), 0);
 }
 
+TEST(NativeSystem, WritesOverAHiddenFile)
+{
+    const ScratchFolder folder;
+    folder.give("hidden", "older bytes");
+    const std::filesystem::path hidden = folder.path() / "hidden";
+    ASSERT_NE(SetFileAttributesW(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM), 0);
+    const System& system = nativeSystem();
+    const SystemFile file = system.open(hidden.string(), OpenFor::replacing);
+    ASSERT_NE(file, SystemFile::none);
+    EXPECT_EQ(system.factsOfOpen(file)->size, 0);
+    EXPECT_EQ(system.write(file, std::string("new")), 3);
+    EXPECT_TRUE(system.close(file));
+    EXPECT_EQ(folder.read("hidden"), "new");
+    EXPECT_EQ(GetFileAttributesW(hidden.c_str()) & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM),
+              DWORD{FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM});
+}
+
 TEST(NativeSystem, CountsInFilesOfManyGigabytes)
 {
     constexpr std::int64_t kFar = std::int64_t{5} << 30;
