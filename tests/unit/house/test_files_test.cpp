@@ -7,6 +7,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -113,6 +114,64 @@ TEST(UnitTests, OfKernelsStandUnderTheNamesOfTheirSources)
         EXPECT_TRUE(fs::exists(kRoot / "src" / (kernel + ".h"))) << kernel;
         EXPECT_TRUE(fs::exists(kRoot / "tests/unit" / (test + std::string(kEnd)))) << kernel << " has no test";
     }
+}
+
+// --- Tests that are left out -----------------------------------------------------------------------------------------
+
+// All tests as "Suite.Name".
+std::set<std::string> testsOfTheTree()
+{
+    static const std::regex definition(R"(^(?:TEST|TEST_F|TEST_P|TYPED_TEST)\(\s*(\w+),\s*(\w+)\))");
+    std::set<std::string> tests;
+    for (const std::string& file : filesBelow(kRoot / "tests")) {
+        std::ifstream in(kRoot / "tests" / file);
+        std::smatch found;
+        for (std::string line; std::getline(in, line);) {
+            if (std::regex_search(line, found, definition)) {
+                tests.insert(found[1].str() + '.' + found[2].str());
+            }
+        }
+    }
+    return tests;
+}
+
+// A pattern of a list matches a test, whatever the forms that the test is run in: "Forms/Suite.Name/Native".
+bool leavesOut(std::string pattern, const std::string& test)
+{
+    pattern.erase(0, pattern.rfind('/', pattern.find('.')) + 1);
+    pattern.erase(std::min(pattern.find('/'), pattern.size()));
+    const std::string expression =
+        std::regex_replace(std::regex_replace(pattern, std::regex(R"(\.)"), R"(\.)"), std::regex(R"(\*)"), ".*");
+    return std::regex_match(test, std::regex(expression));
+}
+
+TEST(TestsLeftOut, ExistInTheTree)
+{
+    const std::set<std::string> tests = testsOfTheTree();
+    EXPECT_GT(tests.size(), 1000U);
+    for (const char* const list : {"tests/windows_exceptions", "tests/arm64_exceptions"}) {
+        std::size_t patterns = 0;
+        std::ifstream in(kRoot / list);
+        for (std::string line; std::getline(in, line);) {
+            if (line.empty() || line.starts_with('#')) {
+                continue;
+            }
+            ++patterns;
+            EXPECT_TRUE(std::ranges::any_of(tests, [&](const std::string& test) { return leavesOut(line, test); }))
+                << list << " names " << line << ", which no test is";
+        }
+        EXPECT_GT(patterns, 10U) << list;
+    }
+}
+
+TEST(TestsLeftOut, AreMatchedAsByTheRunner)
+{
+    EXPECT_TRUE(leavesOut("Suite.*", "Suite.One"));
+    EXPECT_TRUE(leavesOut("Suite.Quotes*", "Suite.QuotesAreKept"));
+    EXPECT_TRUE(leavesOut("Forms/Suite.One/Native", "Suite.One"));
+    EXPECT_FALSE(leavesOut("Suite.One", "Suite.OneMore"));
+    EXPECT_FALSE(leavesOut("Suite.One", "OtherSuite.One"));
+    EXPECT_FALSE(leavesOut("Suite.*", "SuiteXOne"));
 }
 
 // --- Words of the console --------------------------------------------------------------------------------------------
