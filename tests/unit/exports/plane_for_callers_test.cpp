@@ -131,6 +131,17 @@ TEST(InterpolateTriangle, GoesByTheRayFromTheThirdVertex)
     EXPECT_EQ(kTent.at(2, -2), -2.0F);
 }
 
+// Where no coordinate is nothing. Each point lies half-way between vertex 3 and the cut.
+TEST(InterpolateTriangle, GoesByTheRayWhereverTheTriangleLies)
+{
+    const Triangle slanting = {{10, 14, 11}, {20, 22, 27}, {10, 18, 30}};
+    EXPECT_EQ(slanting.at(11.5, 24), 22.0F); // cuts at (12, 21): 14
+    const Triangle over = {{10, 14, 12}, {20, 22, 25}, {10, 18, 30}};
+    EXPECT_EQ(over.at(12, 23), 22.0F); // as well
+    const Triangle upright = {{10, 10, 14}, {20, 24, 23}, {10, 18, 30}};
+    EXPECT_EQ(upright.at(12, 22), 21.0F); // cuts at (10, 21): 12
+}
+
 TEST(InterpolateTriangle, RefusesARayThatIsParallelToTheEdge)
 {
     EXPECT_EQ(kTent.at(5, 4, false), -99999.0F);
