@@ -42,10 +42,16 @@ std::size_t countLines(Unit unit)
         cutShort = bytes.back() != '\n';
         takeBytes(unit, bytes.size());
     }
+    return lines + (cutShort ? 1 : 0);
+}
+
+std::size_t countPoints(Unit unit, const std::optional<PointList>& ahead)
+{
+    const std::size_t count = ahead ? ahead->z.all().size() : countLines(unit);
     if (readFailed(unit)) {
         failLine(kUnreadable, "");
     }
-    return lines + (cutShort ? 1 : 0);
+    return count;
 }
 
 PointList allocatePoints(std::size_t count)
@@ -84,7 +90,7 @@ PointList readPointFile(const std::string& name)
     std::optional<PointList> ahead = pointsAhead(name);
     Unit unit = 0;
     OPENER(unit, "I ", name);
-    const std::size_t count = ahead ? ahead->z.all().size() : countLines(unit);
+    const std::size_t count = countPoints(unit, ahead);
     say("   Done.");
     say("Total number of points: ", count);
     say("Allocating memory for processing of input...");

@@ -78,7 +78,7 @@ const std::vector<Row> kErrors = {
 
     // What is only tried, as there is another way: cells that are computed ahead, and what is asked of the machine for them.
     {"open close pread pwrite ftruncate", "w", "(unnamed)", kNoEffect},
-    {"pread", "r", ".asc .flt", kNoEffect},
+    {"pread", "r", ".asc .flt .xyz", kNoEffect},
     {"open", "r", ".mif .shp", kNoEffect}, // a look at the points of a layer
     {"pwrite", "w", ".asc", kNoEffect},
     {"link rename", "w", ".flt .part", kNoEffect},
@@ -211,7 +211,7 @@ bool isLook(const SystemCall& call, const SystemRun& good)
     if (call.role == 'r' && endsAsOne(call.file, ".mif .shp")) {
         return isLookAtLayer(call, good);
     }
-    if (!endsAsOne(call.file, ".asc .flt .hdr .csv") || !(isStat || call.role == 'r')) {
+    if (!endsAsOne(call.file, ".asc .flt .hdr .csv .xyz") || !(isStat || call.role == 'r')) {
         return false;
     }
     bool isLater = false;
