@@ -1,4 +1,4 @@
-// The single writer of .asc and .flt grids, and the check that two grids cover the same lattice.
+// The single writer of .asc and .flt grids.
 #pragma once
 
 #include "grid/cell_source.h"
@@ -23,13 +23,5 @@ std::vector<std::string> gridOutputFiles(Format format, std::string_view base);
 // size and null are those of `header`; `decimals` below 0 count as 3.
 void writeGrid(Format format, std::string_view base, const GridHeader& header, const CellSource& cells,
                std::string_view projectionText, std::int32_t decimals = kDefaultDecimals);
-
-// How much corners and cell sizes of the grids of one operation may differ: 0.01 in single precision, widened.
-inline constexpr double kGridTolerance = static_cast<double>(0.01F);
-
-// The grids do not differ in size, corner or cell size.
-bool isSameLattice(const GridHeader& first, const GridHeader& second);
-// Reports each of size, corner and cell size in which the grids differ, and ends the run if any does.
-void compareGridDimensions(const GridHeader& first, const GridHeader& second);
 
 } // namespace gridforge::grid

@@ -2,7 +2,7 @@
 
 #include "core/names.h"
 #include "core/worker_rooms.h"
-#include "grid/writer.h"
+#include "grid/lattice_check.h"
 #include "host/file_system.h"
 #include "host/threads.h"
 

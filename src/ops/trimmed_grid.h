@@ -1,10 +1,10 @@
 // One grid of -trim and what is cut out of it.
 #pragma once
 
+#include "grid/cell_source.h"
 #include "grid/cell_store.h"
 #include "grid/grid.h"
 #include "grid/look.h"
-#include "grid/writer.h"
 #include "plane/cell_window.h"
 #include "plane/inside_runs.h"
 #include "run/cells_ahead.h"

@@ -5,7 +5,7 @@
 #include "core/worker_rooms.h"
 #include "grid/asc_decode.h"
 #include "grid/asc_write.h"
-#include "grid/writer.h"
+#include "grid/lattice_check.h"
 #include "host/file_system.h"
 #include "host/threads.h"
 #include "run/fill_ahead.h"

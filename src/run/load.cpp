@@ -2,8 +2,8 @@
 
 #include "core/text.h"
 #include "grid/header.h"
+#include "grid/lattice_check.h"
 #include "grid/reader.h"
-#include "grid/writer.h"
 #include "host/console.h"
 
 #include <utility>

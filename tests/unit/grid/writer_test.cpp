@@ -200,46 +200,5 @@ TEST(WriteGrid, TheProjectionIsOneLineBesideTheGrid)
     EXPECT_EQ(folder.read("d/a.flt"), std::string(4, '\0'));
 }
 
-// --- Comparison of geometry ------------------------------------------------------------------------------------------
-
-std::string comparison(const GridHeader& first, const GridHeader& second)
-{
-    const ScratchFolder folder;
-    return runInChild(folder, [&] { grid::compareGridDimensions(first, second); }).console;
-}
-
-const std::string kClosing = "ERROR - dimensions of grids do not match (see above for details).\n" + kExits;
-
-TEST(CompareGridDimensions, ReportsEachDifference)
-{
-    const GridHeader first = headerOf(3, 4);
-    GridHeader second = first;
-    second.nrows = 5;
-    second.ncols = 6;
-    second.xll += 1;
-    second.yll += 0.5;
-    second.cellsize8 = 2.5;
-    EXPECT_EQ(comparison(first, first), "");
-    EXPECT_EQ(comparison(first, second),
-              "ERROR - number of rows for input grids do not match. Rows = 3 and 5\n"
-              "ERROR - number of columns for input grids do not match. Columns = 4 and 6\n"
-              "ERROR - x coordinates of input grids do not match. xll = 293000.5 and 293001.5\n"
-              "ERROR - y coordinates of input grids do not match. yll = -12.25 and -11.75\n"
-              "ERROR - cell size of input grids do not match. cell sizes = 2. and 2.5\n" +
-                  kClosing);
-}
-
-TEST(CompareGridDimensions, ADifferenceOfExactlyTheTolerancePasses)
-{
-    GridHeader first = headerOf(1, 1);
-    first.xll = 0;
-    GridHeader second = first;
-    second.xll = 0.009999999776482582; // 0.01 in single precision
-    EXPECT_EQ(comparison(first, second), "");
-    second.xll = 0.0099999997764826;
-    EXPECT_EQ(comparison(first, second),
-              "ERROR - x coordinates of input grids do not match. xll = 0. and 0.0099999998\n" + kClosing);
-}
-
 } // namespace
 } // namespace gridforge::test
