@@ -1,8 +1,10 @@
 // A series of grids into NetCDF by whole runs of -nc, by as many threads as GRIDFORGE_THREADS says, beside a loop that hands the
 // same cells to the library, which packs them by one. Files are compared before anything is timed.
-#include "grid/grid.h"
+#include "grid/format.h"
 #include "grid/writer.h"
 #include "netcdf/nc.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 #include "quiet_console.h"
 
 #include <array>

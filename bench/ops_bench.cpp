@@ -1,6 +1,5 @@
 // Kernels of the cell-wise operations beside their plain forms, on cells of which three in ten are null. Each pair is checked
 // for the same bits before it is timed.
-#include "grid/grid.h"
 #include "ops/classify_cells.h"
 #include "ops/count_cells.h"
 #include "ops/cutoff_cells.h"
@@ -13,6 +12,7 @@
 #include "ops/resize_cells.h"
 #include "ops/stat_cells.h"
 #include "ops/transform_cells.h"
+#include "plane/cell_array.h"
 #include "run/rows.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 // Times whole runs of the remap on .flt grids, and runs that only read the terrain and write the two outputs with the same
 // reader and writer. The argument is the number of fine rows and columns; coarse cells are five times as wide. The grids go to
 // the folder GRIDFORGE_BENCH_FOLDER, or to that for temporary files if it is not set.
+#include "grid/allocate.h"
 #include "grid/header.h"
 #include "grid/reader.h"
 #include "grid/writer.h"

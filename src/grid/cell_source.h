@@ -2,7 +2,8 @@
 #pragma once
 
 #include "grid/cell_store.h"
-#include "grid/grid.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 
 #include <cstddef>
 #include <cstdint>

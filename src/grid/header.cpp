@@ -109,20 +109,4 @@ OpenGrid openGrid(std::string_view name)
     return grid;
 }
 
-void writeAscHeaderText(Unit unit, std::string_view displayName, std::int32_t nrows, std::int32_t ncols, double xll,
-                        double yll, double cellsize)
-{
-    constexpr int kColumns = 10;
-    constexpr int kCornerColumns = 16;
-    constexpr int kCornerDecimals = 3;
-    constexpr int kCellColumns = 8;
-    constexpr int kCellDecimals = 2;
-    say("Writing Header for: ", displayName);
-    writeLine(unit, join("ncols", integerField(ncols, kColumns)));
-    writeLine(unit, join("nrows", integerField(nrows, kColumns)));
-    writeLine(unit, join("xllcorner", realField(xll, kCornerColumns, kCornerDecimals)));
-    writeLine(unit, join("yllcorner", realField(yll, kCornerColumns, kCornerDecimals)));
-    writeLine(unit, join("cellsize", realField(cellsize, kCellColumns, kCellDecimals)));
-}
-
 } // namespace gridforge::grid

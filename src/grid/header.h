@@ -1,9 +1,9 @@
-// Opens grids: reads their headers from .asc and .hdr files and the projection beside them. Also writes headers in
-// fixed-width form.
+// Opens grids: reads their headers from .asc and .hdr files and the projection beside them.
 #pragma once
 
-#include "grid/grid.h"
+#include "grid/format.h"
 #include "host/units.h"
+#include "plane/grid_header.h"
 
 #include <cstdint>
 #include <string>
@@ -27,9 +27,5 @@ struct OpenGrid {
 };
 // A header that cannot be read or is not complete ends the run with a message.
 OpenGrid openGrid(std::string_view name);
-
-// Writes the first five header lines in fixed-width form; the caller writes the null.
-void writeAscHeaderText(Unit unit, std::string_view displayName, std::int32_t nrows, std::int32_t ncols, double xll,
-                        double yll, double cellsize);
 
 } // namespace gridforge::grid

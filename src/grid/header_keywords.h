@@ -1,7 +1,7 @@
 // The lines of a grid's header, one after the other.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/grid_header.h"
 
 #include <string>
 

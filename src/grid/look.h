@@ -1,7 +1,8 @@
 // A silent look at a grid before the run opens it.
 #pragma once
 
-#include "grid/grid.h"
+#include "grid/format.h"
+#include "plane/grid_header.h"
 
 #include <cstdint>
 #include <optional>

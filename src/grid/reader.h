@@ -3,6 +3,7 @@
 
 #include "grid/header.h"
 #include "grid/look.h"
+#include "plane/cell_array.h"
 
 namespace gridforge::grid {
 

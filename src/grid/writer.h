@@ -2,7 +2,8 @@
 #pragma once
 
 #include "grid/cell_source.h"
-#include "grid/grid.h"
+#include "grid/format.h"
+#include "plane/grid_header.h"
 
 #include <cstdint>
 #include <string>

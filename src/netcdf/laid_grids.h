@@ -3,10 +3,11 @@
 #pragma once
 
 #include "grid/cell_store.h"
-#include "grid/grid.h"
 #include "grid/look.h"
 #include "host/file_identity.h"
 #include "netcdf/layout.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 #include "run/cells_ahead.h"
 #include "run/inputs.h"
 

@@ -1,8 +1,9 @@
 // Elevations and materials of the sections' points from grids.
 #pragma once
 
-#include "grid/grid.h"
 #include "network/records.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 
 #include <cstdint>
 #include <string>

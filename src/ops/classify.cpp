@@ -1,22 +1,15 @@
 #include "ops/classify.h"
 
 #include "core/names.h"
-#include "core/number_text.h"
 #include "core/rounding.h"
-#include "grid/asc_write.h"
-#include "grid/header.h"
 #include "host/ends.h"
-#include "host/units.h"
 #include "ops/class_table.h"
+#include "ops/classified_asc.h"
 #include "ops/classify_cells.h"
 #include "run/cell_story.h"
 #include "run/outputs.h"
-#include "run/rows.h"
 
-#include <algorithm>
-#include <array>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -30,27 +23,6 @@ constexpr ClassWords kClassificationWords{
     .tooMany = "ERROR - Number of classes exceeds maximum.",
     .found = "Number of classes found: ",
     .tooFew = "ERROR - Less than two classes found.",
-};
-
-constexpr std::size_t kNumberWidth = 4;
-
-// The text of each class number in a classified grid: 0 stands for null.
-class NumberTexts {
-public:
-    NumberTexts()
-    {
-        for (std::size_t i = 0; i < texts_.size(); ++i) {
-            const std::string text = integerField(static_cast<std::int64_t>(i), static_cast<int>(kNumberWidth));
-            std::ranges::copy(text, texts_[i].begin());
-        }
-    }
-    const std::array<char, kNumberWidth>& operator[](std::int32_t number) const
-    {
-        return texts_[static_cast<std::size_t>(number)];
-    }
-
-private:
-    std::array<std::array<char, kNumberWidth>, kMaxClasses + 2> texts_{};
 };
 
 void checkClassOrder(const ClassTable& table)
@@ -76,60 +48,6 @@ void shadeClasses(ClassTable& table)
         row.green = 0;
         row.blue = 0;
     }
-}
-
-std::string classLine(std::size_t number, const ClassRow& row)
-{
-    constexpr int kIndexWidth = 3;
-    constexpr int kColourWidth = 4;
-    return join(integerField(static_cast<std::int64_t>(number), kIndexWidth), ' ', quoted(trim(row.name)), ' ',
-                integerField(row.red, kColourWidth), integerField(row.green, kColourWidth),
-                integerField(row.blue, kColourWidth));
-}
-
-void writeClassLines(Unit unit, const ClassTable& table)
-{
-    constexpr int kCountWidth = 3;
-    const std::size_t above = table.size() + 1;
-    writeLine(unit, join("nClasses", integerField(static_cast<std::int64_t>(above), kCountWidth)));
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        writeLine(unit, classLine(i + 1, table[i]));
-    }
-    writeLine(unit, classLine(above, {.limit = 0, .name = "Above", .red = 255, .green = 0, .blue = 0}));
-}
-
-// The numbers come from the classified cells, so a class whose number is the grid's null is written 0 too, on purpose.
-void formatNumbers(std::span<const float> cells, float null, const NumberTexts& texts, char* out)
-{
-    for (const float cell : cells) {
-        out = std::ranges::copy(texts[cell == null ? 0 : static_cast<std::int32_t>(cell)], out).out;
-    }
-}
-
-void writeClassifiedAsc(const std::string& name, const GridHeader& header, const grid::CellSource& classes,
-                        const ClassTable& table)
-{
-    say("Writting .asc in classified format.");
-    Unit unit = 0;
-    OPENER(unit, "O ", name);
-    markUnfinished(unit);
-    grid::writeAscHeaderText(unit, name, header.nrows, header.ncols, header.xll, header.yll, header.cellsize8);
-    writeClassLines(unit, table);
-    say("Allocating ", grid::gridKilobytes(header.nrows, header.ncols), "Kb memory for conversion to integer grid...");
-    const NumberTexts texts;
-    const auto format = [&texts, null = header.null](std::span<const float> row, char* out) {
-        formatNumbers(row, null, texts, out);
-    };
-    grid::RowWriter rows(unit, classes, {kNumberWidth, format});
-    for (std::int32_t row = header.nrows; row >= 1; --row) {
-        rows.write(row);
-        if (row % run::kProgressRows == 0) {
-            progress(row);
-        }
-    }
-    endLine();
-    markFinished(unit);
-    CLOSER(unit);
 }
 
 std::string withAsc(const std::string& name)

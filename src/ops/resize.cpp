@@ -2,6 +2,7 @@
 
 #include "core/number_text.h"
 #include "core/worker_rooms.h"
+#include "grid/allocate.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "host/threads.h"

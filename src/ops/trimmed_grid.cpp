@@ -1,5 +1,6 @@
 #include "ops/trimmed_grid.h"
 
+#include "grid/allocate.h"
 #include "grid/reader.h"
 #include "host/ends.h"
 #include "ops/trim_cells.h"

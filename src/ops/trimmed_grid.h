@@ -3,9 +3,10 @@
 
 #include "grid/cell_source.h"
 #include "grid/cell_store.h"
-#include "grid/grid.h"
 #include "grid/look.h"
+#include "plane/cell_array.h"
 #include "plane/cell_window.h"
+#include "plane/grid_header.h"
 #include "plane/inside_runs.h"
 #include "run/cells_ahead.h"
 #include "run/load.h"

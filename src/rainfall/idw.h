@@ -1,7 +1,7 @@
 // The IDW method: each cell takes the weights of all points, or of those nearest to it.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/grid_header.h"
 #include "rainfall/control_file.h"
 #include "rainfall/idw_cells.h"
 #include "rainfall/points.h"

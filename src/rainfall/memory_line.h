@@ -1,8 +1,8 @@
 // The memory lines of the methods.
 #pragma once
 
-#include "grid/grid.h"
 #include "host/console.h"
+#include "plane/grid_header.h"
 
 #include <cstdint>
 

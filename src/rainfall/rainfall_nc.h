@@ -1,7 +1,8 @@
 // The NetCDF file of a rainfall run.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 
 #include <cstddef>
 #include <cstdint>

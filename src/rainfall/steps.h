@@ -2,7 +2,7 @@
 // Steps count from 0; grids and tables are of one size.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
 #include "rainfall/hyetographs.h"
 #include "rainfall/idw.h"
 #include "rainfall/points.h"

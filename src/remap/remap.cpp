@@ -1,6 +1,7 @@
 #include "remap/remap.h"
 
 #include "core/number_text.h"
+#include "grid/allocate.h"
 #include "host/console.h"
 #include "host/ends.h"
 #include "remap/remap_run.h"

@@ -3,7 +3,9 @@
 
 #include "grid/cell_source.h"
 #include "grid/cell_store.h"
-#include "grid/grid.h"
+#include "grid/format.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 #include "remap/cell_state.h"
 #include "remap/extent_flags.h"
 #include "remap/remap_options.h"

@@ -1,6 +1,7 @@
 #include "run/cell_story.h"
 
 #include "core/names.h"
+#include "grid/allocate.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "host/file_system.h"

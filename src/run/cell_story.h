@@ -4,7 +4,9 @@
 
 #include "grid/cell_source.h"
 #include "grid/cell_store.h"
-#include "grid/grid.h"
+#include "grid/format.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 #include "run/cells_ahead.h"
 #include "run/common.h"
 #include "run/inputs.h"

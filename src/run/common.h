@@ -1,7 +1,7 @@
 // The options that do not depend on the operation.
 #pragma once
 
-#include "grid/grid.h"
+#include "grid/format.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,7 @@
 #include "run/load.h"
 
 #include "core/text.h"
+#include "grid/allocate.h"
 #include "grid/header.h"
 #include "grid/lattice_check.h"
 #include "grid/reader.h"

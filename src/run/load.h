@@ -1,7 +1,9 @@
 // How every operation gets a grid of its inputs into memory.
 #pragma once
 
-#include "grid/grid.h"
+#include "grid/format.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 #include "run/inputs.h"
 
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include "core/names.h"
 #include "core/text.h"
-#include "grid/grid.h"
+#include "grid/format.h"
 #include "host/console.h"
 
 namespace gridforge::run {

@@ -1,7 +1,7 @@
 // The input grids that a run has not read yet, so that no output takes the place of one.
 #pragma once
 
-#include "grid/grid.h"
+#include "grid/format.h"
 #include "host/file_identity.h"
 #include "run/inputs.h"
 

@@ -3,8 +3,9 @@
 
 #include "gis/feature.h"
 #include "gis/layer_reader.h"
-#include "grid/grid.h"
 #include "plane/across_line.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 #include "run/inputs.h"
 #include "sampling/line_vertices.h"
 

@@ -1,7 +1,8 @@
 // Grids in memory and searches on them, for tests of what is sampled.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
+#include "plane/grid_header.h"
 #include "sampling/cell_search.h"
 #include "support/lattice.h"
 

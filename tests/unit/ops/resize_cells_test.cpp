@@ -1,6 +1,6 @@
 #include "ops/resize_cells.h"
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
 #include "run/rows.h"
 #include "support/odd_cells.h"
 

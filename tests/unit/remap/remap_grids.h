@@ -1,7 +1,7 @@
 // Cells of the tool from little tables and from the plain arrays, and back.
 #pragma once
 
-#include "grid/grid.h"
+#include "plane/cell_array.h"
 #include "remap/cell_state.h"
 #include "remap/extent_flags.h"
 #include "unit/remap/plain_remap.h"

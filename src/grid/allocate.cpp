@@ -1,4 +1,4 @@
-#include "grid/grid.h"
+#include "grid/allocate.h"
 
 #include "core/number_text.h"
 #include "host/ends.h"

@@ -1,48 +1,15 @@
-#include "grid/grid.h"
+#include "grid/allocate.h"
 
 #include "host/console.h"
 #include "support/child_run.h"
 #include "support/consoles.h"
 
-#include <algorithm>
-#include <array>
 #include <gtest/gtest.h>
 
 namespace gridforge {
 namespace {
 
 using test::kExits;
-
-TEST(Grid, RowOneIsTheLastLineOfTheFile)
-{
-    Grid grid;
-    ASSERT_TRUE(grid.allocate(3, 2));
-    std::ranges::copy(std::to_array<float>({31, 32, 21, 22, 11, 12}), grid.cells().begin());
-    for (std::int32_t row = 1; row <= 3; ++row) {
-        for (std::int32_t column = 1; column <= 2; ++column) {
-            EXPECT_EQ(grid(row, column), static_cast<float>(10 * row + column));
-            EXPECT_EQ(grid.row(row)[static_cast<std::size_t>(column - 1)], grid(row, column));
-        }
-    }
-}
-
-TEST(Grid, StartsAtZeroWhateverItsSize)
-{
-    for (const std::int32_t size : {1, 100, 2000}) {
-        Grid grid;
-        ASSERT_TRUE(grid.allocate(size, size));
-        EXPECT_TRUE(std::ranges::all_of(grid.cells(), [](float cell) { return cell == 0.0F; }));
-        grid.release();
-        EXPECT_TRUE(grid.cells().empty());
-    }
-}
-
-TEST(Grid, MemoryThatCannotBeHadIsToldNotTaken)
-{
-    Grid grid;
-    EXPECT_FALSE(grid.allocate(2147483647, 2147483647));
-    EXPECT_TRUE(grid.cells().empty());
-}
 
 TEST(GridKilobytes, WrapAt32Bits)
 {
@@ -95,17 +62,6 @@ TEST(AllocateGrid, AnArrayOfTheSameSizeIsClearedAndKept)
     });
     const std::string line = "Allocating 0Kb memory for a...\n";
     EXPECT_EQ(run.console, line + line + "kept zero\n" + line + "3x2\n");
-}
-
-TEST(GridHeader, TellsTheCentresOfCells)
-{
-    GridHeader header;
-    header.xll = 100;
-    header.yll = 10;
-    header.cellsize8 = 4;
-    EXPECT_EQ(header.x(1), 102);
-    EXPECT_EQ(header.x(3), 110);
-    EXPECT_EQ(header.y(2), 16);
 }
 
 } // namespace

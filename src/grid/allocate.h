@@ -1,4 +1,4 @@
-// The file formats of grids, and memory for their cells.
+// Memory for the cells of grids, with the line on the console about it.
 #pragma once
 
 #include "plane/cell_array.h"
@@ -8,8 +8,6 @@
 #include <string_view>
 
 namespace gridforge::grid {
-
-enum class Format { asc, flt };
 
 // Writes "Allocating <n>Kb memory for <purpose>" and takes an array of the header's size, zero at first; ends the run if
 // out of memory. An array already of that size is reused and cleared.
