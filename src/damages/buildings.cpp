@@ -63,17 +63,6 @@ void takeVertices(const gis::Coordinates& read, DmgBuilding& building)
     building.outline.y.assign(read.vertexY().begin(), read.vertexY().end());
 }
 
-// A region of a broken .shp may have no vertex; its extent stays 0. Not boxAround: here not-a-number counts where it stands.
-void takeExtent(DmgBuilding& building)
-{
-    if (building.outline.x.empty()) {
-        return;
-    }
-    const auto [west, east] = std::minmax_element(building.outline.x.begin(), building.outline.x.end());
-    const auto [south, north] = std::minmax_element(building.outline.y.begin(), building.outline.y.end());
-    building.outline.box = {*west, *south, *east, *north};
-}
-
 void addPolygon(const gis::Coordinates& read, const DmgLimits& limits, std::vector<DmgBuilding>& buildings)
 {
     if (read.np > limits.vertices) {
@@ -84,7 +73,8 @@ void addPolygon(const gis::Coordinates& read, const DmgLimits& limits, std::vect
     say("Building ", buildings.size(), " is a polygon with ", read.np, " nodes.");
     building.kind = BuildingKind::polygon;
     takeVertices(read, building);
-    takeExtent(building);
+    // A region of a broken .shp may have no vertex; its extent is 0.
+    building.outline.box = extentOfRing(building.outline.x, building.outline.y);
 }
 
 void addPoint(const gis::Coordinates& read, const DmgLimits& limits, std::vector<DmgBuilding>& buildings)

@@ -104,15 +104,13 @@ CellSummary cellsAcross(const GridHeader& header, const Grid& cells, const NbcSe
 {
     const AcrossLine line = acrossLine(header, section.pointX[i], section.pointY[i], perpendicularAt(section, i));
     const std::int32_t steps = samplesToSide(header, section.bufferDistance, kBothSides);
-    const SampleRange inGrid = samplesInGrid(line, header, {-steps, steps});
     CellSummary found;
-    for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const SampleCell cell = sampleCell(line, header, k);
+    forEachSample(line, header, {-steps, steps}, [&](std::int32_t /*k*/, const SampleCell& cell) {
         const float value = cells(cell.row, cell.column);
         if (value != header.null) {
             found.take(value);
         }
-    }
+    });
     return found;
 }
 

@@ -49,4 +49,14 @@ struct SampleRange {
 // nothing.
 SampleRange samplesInGrid(const AcrossLine& line, const GridHeader& header, const SampleRange& wanted);
 
+// Calls take(k, cell) for each of these samples, in their order.
+template <typename Take>
+void forEachSample(const AcrossLine& line, const GridHeader& header, const SampleRange& wanted, const Take& take)
+{
+    const SampleRange inGrid = samplesInGrid(line, header, wanted);
+    for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
+        take(k, sampleCell(line, header, k));
+    }
+}
+
 } // namespace gridforge::inline plane

@@ -48,4 +48,15 @@ inline Box boxAround(std::span<const double> x, std::span<const double> y, doubl
     return box;
 }
 
+// The same, except that without vertices it is all 0, and not-a-number counts where it stands.
+inline Box extentOfRing(std::span<const double> x, std::span<const double> y)
+{
+    if (x.empty()) {
+        return {};
+    }
+    const auto [west, east] = std::ranges::minmax_element(x);
+    const auto [south, north] = std::ranges::minmax_element(y);
+    return {*west, *south, *east, *north};
+}
+
 } // namespace gridforge::inline plane

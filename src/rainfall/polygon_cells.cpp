@@ -38,13 +38,7 @@ std::int64_t paintRun(std::int32_t hyetograph, float factor, std::span<std::int3
 
 RfRegion rfRegion(std::span<const double> x, std::span<const double> y)
 {
-    RfRegion region{x, y, {}};
-    if (!x.empty()) { // not boxAround: without vertices the extent is 0, and not-a-number counts where it stands
-        const auto [xmin, xmax] = std::ranges::minmax(x);
-        const auto [ymin, ymax] = std::ranges::minmax(y);
-        region.extent = {xmin, ymin, xmax, ymax};
-    }
-    return region;
+    return {x, y, extentOfRing(x, y)};
 }
 
 void prepareRfRegion(const RfRegion& region, const GridHeader& grid, PreparedRegion& prepared)

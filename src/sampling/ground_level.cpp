@@ -122,11 +122,9 @@ GroundLevel levelAcross(const AcrossLine& line, const GridHeader& header, const 
                         LevelRule rule)
 {
     LevelTally tally(rule, header.null);
-    const SampleRange inGrid = samplesInGrid(line, header, range);
-    for (std::int32_t k = inGrid.first; k <= inGrid.last; ++k) {
-        const SampleCell cell = sampleCell(line, header, k);
+    forEachSample(line, header, range, [&](std::int32_t /*k*/, const SampleCell& cell) {
         tally.add(cells(cell.row, cell.column), cell.row, cell.column);
-    }
+    });
     if (tally.count() == 0) {
         return outsideLevel();
     }

@@ -2,9 +2,11 @@
 
 #include "support/lattice.h"
 
+#include <array>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <vector>
 
 namespace gridforge::test {
 namespace {
@@ -39,6 +41,18 @@ TEST(SampleCell, RoundsToTheCellWhoseCornerIsNearest)
     EXPECT_EQ(sampleCell(line, h, -2).column, 1);
     EXPECT_EQ(sampleCellX(h, 3), 105); // 100 + 6 - 1
     EXPECT_EQ(sampleCellY(h, 1), 201);
+}
+
+TEST(ForEachSample, GoesAlongTheLineWithinTheGrid)
+{
+    const GridHeader h = headerOf(3, 4, 0, 0, 1.0F);
+    const AcrossLine line = acrossLine(h, 2, 2, 180.0F); // westwards from the cell in row 2, column 2
+    std::vector<std::array<std::int32_t, 3>> seen;
+    forEachSample(line, h, {-9, 9}, [&](std::int32_t k, const SampleCell& cell) {
+        seen.push_back({k, cell.row, cell.column});
+    });
+    const std::vector<std::array<std::int32_t, 3>> expected{{-2, 2, 4}, {-1, 2, 3}, {0, 2, 2}, {1, 2, 1}};
+    EXPECT_EQ(seen, expected);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "plane/box.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 #include <vector>
@@ -36,6 +37,20 @@ TEST(Box, TakesInNothingBeyondItsFarthest)
 TEST(Box, LeavesNotANumberOut)
 {
     expectBox(boxAround(std::vector<double>{kNan, 2, 1}, std::vector<double>{3, kNan, 4}), 1, 3, 2, 4);
+}
+
+TEST(ExtentOfRing, IsAroundItsVerticesAndZeroWithoutAny)
+{
+    expectBox(extentOfRing(std::vector<double>{3, -1, 2}, std::vector<double>{5, 6, 4}), -1, 4, 3, 6);
+    expectBox(extentOfRing({}, {}), 0, 0, 0, 0);
+}
+
+TEST(ExtentOfRing, TakesNotANumberForABoundWhereItStandsFirst)
+{
+    const Box box = extentOfRing(std::vector<double>{kNan}, std::vector<double>{7});
+    EXPECT_TRUE(std::isnan(box.xmin) && std::isnan(box.xmax));
+    EXPECT_EQ(box.ymin, 7);
+    EXPECT_EQ(box.ymax, 7);
 }
 
 TEST(Box, GrowsToHoldAnother)
