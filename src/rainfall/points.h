@@ -2,34 +2,12 @@
 #pragma once
 
 #include "rainfall/hyetographs.h"
+#include "rainfall/rf_point.h"
 
-#include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace gridforge::rainfall {
-
-// The name of a hyetograph and the factors of its depths: what the record of a point or polygon holds.
-struct RfRecord {
-    std::string name;
-    float f1 = 0;
-    float f2 = 0;
-};
-
-struct RfPoint {
-    RfRecord record;
-    double x = 0;
-    double y = 0;
-    std::int32_t hyetograph = 0; // from 1, once matched
-};
-
-struct RfPoints {
-    std::int32_t maxLocations = 0;
-    std::vector<RfPoint> records;
-
-    std::int32_t count() const { return static_cast<std::int32_t>(records.size()); }
-};
 
 // Name, F1 and F2 out of a data line; one that cannot be read ends the run.
 RfRecord parseRfRecord(std::string_view dataLine);

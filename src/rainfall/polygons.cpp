@@ -7,7 +7,7 @@
 #include "host/control_commands.h"
 #include "host/ends.h"
 #include "host/units.h"
-#include "plane/region_rows.h"
+#include "rainfall/point_search.h"
 #include "rainfall/single_rings.h"
 
 #include <algorithm>
@@ -16,22 +16,6 @@
 #include <vector>
 
 namespace gridforge::rainfall {
-
-RfPointsInside pointsInside(const RfRegion& region, const GridHeader& grid, const RfPoints& points)
-{
-    PreparedRegion ready;
-    prepareRfRegion(region, grid, ready);
-    RfPointsInside inside;
-    for (const RfPoint& point : points.records) {
-        if (insideRegion(ready, point.x, point.y)) {
-            ++inside.count;
-            inside.last = point.record;
-        }
-    }
-    return inside;
-}
-
-// --- The pass over the control file ----------------------------------------------------------------------------------
 
 namespace {
 

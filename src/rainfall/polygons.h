@@ -13,13 +13,6 @@ namespace gridforge::rainfall {
 // Takes the tables, with the null of the grid in each cell.
 void allocateTables(const GridHeader& grid, RfPolygonTables& tables);
 
-// How many points are in the region, and the record of the last of them.
-struct RfPointsInside {
-    std::int64_t count = 0;
-    RfRecord last;
-};
-RfPointsInside pointsInside(const RfRegion& region, const GridHeader& grid, const RfPoints& points);
-
 // The pass over the control file that paints the regions of its polygon layers and writes the tables as the grids
 // rf_index and rf_fac. Regions without a name take that of the point inside.
 void rf_set_polygons(const std::string& controlFile, const RfPoints& points, const RfHyetographs& hyetographs,

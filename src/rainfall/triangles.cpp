@@ -5,10 +5,10 @@
 #include "host/control_commands.h"
 #include "host/ends.h"
 #include "host/units.h"
-#include "plane/geometry.h"
+#include "rainfall/point_search.h"
 #include "rainfall/single_rings.h"
 
-#include <algorithm>
+#include <array>
 #include <span>
 #include <utility>
 
@@ -43,18 +43,6 @@ void rf_tin_factors(const std::vector<RfTriangle>& triangles, const RfTinPoints&
 }
 
 // --- Triangles and points --------------------------------------------------------------------------------------------
-
-std::int32_t snappedPoint(double x, double y, const RfPoints& points, std::span<float> distances)
-{
-    constexpr float kSnapped = 0.001F;
-    std::ranges::transform(points.records, distances.begin(),
-                           [&](const RfPoint& point) { return DISTANCE_8(x, y, point.x, point.y); });
-    const auto nearest = std::ranges::min_element(distances);
-    if (nearest == distances.end() || !(*nearest < kSnapped)) {
-        return 0;
-    }
-    return static_cast<std::int32_t>(nearest - distances.begin()) + 1;
-}
 
 namespace {
 

@@ -6,7 +6,6 @@
 #include "rainfall/triangle_cells.h"
 
 #include <cstdint>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -17,10 +16,6 @@ inline constexpr std::int32_t kMaxRfTinPoints = 1000;
 
 // Takes the tables, all 0.
 void allocateTables(const GridHeader& grid, RfTinTables& tables);
-
-// The number of the point nearest to a vertex, the first of several; 0 where none is at the vertex. `distances` is room
-// for one value a point.
-std::int32_t snappedPoint(double x, double y, const RfPoints& points, std::span<float> distances);
 
 // The pass over the control file that reads the triangles of its layers. A region that is no triangle, or whose
 // vertices lie at no point, and triangles past the maximum end the run.

@@ -6,7 +6,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <limits>
 
 namespace gridforge::test {
 namespace {
@@ -42,34 +41,6 @@ TEST(ReadTriangles, DistancesThatCannotBeHadEndTheRun)
     EXPECT_TRUE(run.ended);
     EXPECT_THAT(run.console,
                 testing::HasSubstr("Allocating array for storing distances.\nCould not allocate memory.\n"));
-}
-
-rainfall::RfPoints pointsAlong(const std::vector<double>& x)
-{
-    rainfall::RfPoints points;
-    for (const double place : x) {
-        points.records.push_back({{}, place, 5, 0});
-    }
-    return points;
-}
-
-TEST(SnappedPoint, IsTheNearestAndTheFirstOfSeveral)
-{
-    const rainfall::RfPoints points = pointsAlong({0, 10, 10.0004, 10, 20});
-    std::vector<float> distances(5);
-    EXPECT_EQ(rainfall::snappedPoint(10, 5, points, distances), 2);
-    EXPECT_EQ(rainfall::snappedPoint(10.0004, 5, points, distances), 3);
-    EXPECT_EQ(rainfall::snappedPoint(20, 5, points, distances), 5);
-}
-
-TEST(SnappedPoint, IsMissingFromAMillimetreOn)
-{
-    const rainfall::RfPoints points = pointsAlong({0});
-    std::vector<float> distances(1);
-    EXPECT_EQ(rainfall::snappedPoint(0.0009, 5, points, distances), 1);
-    EXPECT_EQ(rainfall::snappedPoint(static_cast<double>(0.001F), 5, points, distances), 0);
-    EXPECT_EQ(rainfall::snappedPoint(std::numeric_limits<double>::quiet_NaN(), 5, points, distances), 0);
-    EXPECT_EQ(rainfall::snappedPoint(0, 5, {}, {}), 0);
 }
 
 TEST(TinFactors, CountsTheTenThousandthTriangleOnItsLine)

@@ -1,14 +1,43 @@
-#include "rainfall/polygons.h"
+#include "rainfall/point_search.h"
 
 #include "unit/rainfall/plain_rainfall.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 #include <tuple>
 #include <vector>
 
 namespace gridforge::test {
 namespace {
+
+rainfall::RfPoints pointsAlong(const std::vector<double>& x)
+{
+    rainfall::RfPoints points;
+    for (const double place : x) {
+        points.records.push_back({{}, place, 5, 0});
+    }
+    return points;
+}
+
+TEST(SnappedPoint, IsTheNearestAndTheFirstOfSeveral)
+{
+    const rainfall::RfPoints points = pointsAlong({0, 10, 10.0004, 10, 20});
+    std::vector<float> distances(5);
+    EXPECT_EQ(rainfall::snappedPoint(10, 5, points, distances), 2);
+    EXPECT_EQ(rainfall::snappedPoint(10.0004, 5, points, distances), 3);
+    EXPECT_EQ(rainfall::snappedPoint(20, 5, points, distances), 5);
+}
+
+TEST(SnappedPoint, IsMissingFromAMillimetreOn)
+{
+    const rainfall::RfPoints points = pointsAlong({0});
+    std::vector<float> distances(1);
+    EXPECT_EQ(rainfall::snappedPoint(0.0009, 5, points, distances), 1);
+    EXPECT_EQ(rainfall::snappedPoint(static_cast<double>(0.001F), 5, points, distances), 0);
+    EXPECT_EQ(rainfall::snappedPoint(std::numeric_limits<double>::quiet_NaN(), 5, points, distances), 0);
+    EXPECT_EQ(rainfall::snappedPoint(0, 5, {}, {}), 0);
+}
 
 TEST(PointsInside, AreCountedAndTheLastGivesItsRecord)
 {
