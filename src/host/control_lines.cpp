@@ -31,18 +31,26 @@ std::string extract(std::string_view line, std::string_view lowerLine, std::stri
     return *std::move(value);
 }
 
+// Nothing for a text that cannot be read.
+template <typename Number>
+std::optional<Number> numberIn(const std::string& text, Number fallback)
+{
+    Number value = fallback;
+    return text.empty() || readFree(text, value) ? std::optional(value) : std::nullopt;
+}
+
 template <typename Number>
 Number extractNumber(std::string_view line, std::string_view lowerLine, std::string_view key, std::int32_t column,
                      Number fallback, std::string_view kind)
 {
     constexpr int kColumnColumns = 3;
     const std::string text = EXTRACTSTRING(line, lowerLine, key, column);
-    Number value = fallback;
-    if (!text.empty() && !readFree(text, value)) {
+    const std::optional<Number> value = numberIn(text, fallback);
+    if (!value) {
         fail(" Could not convert \"", text, "\" in column ", integerField(column, kColumnColumns), " to ", kind,
              " value for the ", trimRight(key), " field.");
     }
-    return value;
+    return *value;
 }
 
 } // namespace
@@ -82,6 +90,13 @@ float EXTRACTREAL(std::string_view line, std::string_view lowerLine, std::string
                   float fallback)
 {
     return extractNumber(line, lowerLine, key, column, fallback, "a real");
+}
+
+std::optional<float> findReal(std::string_view line, std::string_view lowerLine, std::string_view key,
+                              std::int32_t column, float fallback)
+{
+    const std::optional<std::string> text = keyOrColumnValue(line, lowerLine, key, column, ValueEnd::atComma);
+    return text ? numberIn(*text, fallback) : std::nullopt;
 }
 
 } // namespace gridforge::inline host

@@ -5,6 +5,7 @@
 #include "host/units.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,5 +27,8 @@ std::int32_t EXTRACTINTEGER(std::string_view line, std::string_view lowerLine, s
                             std::int32_t column, std::int32_t fallback);
 float EXTRACTREAL(std::string_view line, std::string_view lowerLine, std::string_view key, std::int32_t column,
                   float fallback);
+// What EXTRACTREAL gives; nothing where it would end the run.
+std::optional<float> findReal(std::string_view line, std::string_view lowerLine, std::string_view key,
+                              std::int32_t column, float fallback);
 
 } // namespace gridforge::inline host

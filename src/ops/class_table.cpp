@@ -1,6 +1,5 @@
 #include "ops/class_table.h"
 
-#include "core/control_fields.h"
 #include "core/free_form.h"
 #include "host/control_lines.h"
 #include "host/ends.h"
@@ -36,14 +35,11 @@ bool plainRow(const std::string& line, ClassRow& row)
 // As the routines above take it, or none where they would end the run.
 std::optional<float> limitIn(const std::string& line, bool coloured)
 {
-    ClassRow row;
-    if (!coloured) {
-        FreeForm values(line);
-        return values.take(row.limit) ? std::optional(row.limit) : std::nullopt;
+    if (coloured) {
+        return findReal(line, LOWERCASE(line), "Value", 1, kNoLimit);
     }
-    const std::optional<std::string> text = keyOrColumnValue(line, LOWERCASE(line), "Value", 1, ValueEnd::atComma);
-    row.limit = kNoLimit;
-    return text && (text->empty() || readFree(*text, row.limit)) ? std::optional(row.limit) : std::nullopt;
+    ClassRow row;
+    return plainRow(line, row) ? std::optional(row.limit) : std::nullopt;
 }
 
 } // namespace

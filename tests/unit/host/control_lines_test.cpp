@@ -192,5 +192,15 @@ TEST(Extractreal, EndsTheRunOnWhatIsNoReal)
     EXPECT_TRUE(run.ended);
 }
 
+TEST(FindReal, GivesNothingWhereTheRunWouldEnd)
+{
+    EXPECT_EQ(findReal("1, 2.5d1 ,x", "", "key", 2, 9.0F), 25.0F);
+    EXPECT_EQ(findReal("1,,x", "", "key", 2, 9.5F), 9.5F);
+    EXPECT_EQ(findReal("1,2,x", "", "key", 3, 9.5F), std::nullopt);
+    const auto byKey = [](const std::string& line) { return findReal(line, LOWERCASE(line), "key", 1, 9.5F); };
+    EXPECT_EQ(byKey(lineWithKey("= 1")), 1.0F);
+    EXPECT_EQ(byKey(lineWithKey("1")), std::nullopt); // no "="
+}
+
 } // namespace
 } // namespace gridforge::test

@@ -30,6 +30,7 @@ TEST(LookAtLimits, GivesNoneOfATableThatEndsTheRun)
     EXPECT_FALSE(limits(""));
     EXPECT_FALSE(limits("Limit,Name\n1,a\n"));
     EXPECT_FALSE(limits("Limit,Name\n1,a\nx,b\n"));
+    EXPECT_FALSE(limits("Limit,Name\n1,a\n2\n")); // the name is missing
     EXPECT_FALSE(limits("Value,Name\n1,a\nx,b\n", true));
     EXPECT_FALSE(limits("Value,Name\n1,a\nvalue 2,b\n", true));
     std::string many = "Limit,Name\n";
