@@ -11,6 +11,17 @@ namespace {
 
 constexpr float kLeastMaximum = -998.0F;
 
+void addRun(std::span<const float> values, float null, InsideCells& cells)
+{
+    for (const float value : values) {
+        if (value != null) {
+            cells.maximum = value > cells.maximum ? value : cells.maximum;
+            cells.sum += value;
+            ++cells.count;
+        }
+    }
+}
+
 } // namespace
 
 CellWindow pointWindow(double x, double y, const GridHeader& header)
@@ -42,21 +53,6 @@ float averageLevel(const InsideCells& cells, float null)
 {
     return cells.count == 0 ? null : cells.sum / static_cast<float>(cells.count);
 }
-
-namespace {
-
-void addRun(std::span<const float> values, float null, InsideCells& cells)
-{
-    for (const float value : values) {
-        if (value != null) {
-            cells.maximum = value > cells.maximum ? value : cells.maximum;
-            cells.sum += value;
-            ++cells.count;
-        }
-    }
-}
-
-} // namespace
 
 InsideCells cellsInside(const SampledRegion& outline, const CellWindow& window, const GridHeader& header,
                         const CellPart& cells, InsideWalk& walk)

@@ -17,6 +17,7 @@
 #include "ops/multiply.h"
 #include "ops/resize.h"
 #include "ops/stat.h"
+#include "ops/stat_cells.h"
 #include "ops/transform.h"
 #include "ops/trim.h"
 #include "ops/xyz.h"
@@ -272,7 +273,7 @@ constexpr auto kOperations = std::to_array<OperationRow>({
      {"water levels of a coarse model on a finer terrain", "remap", {0, run::kMaxInputs - 1}, kRemapOutputs, "asc flt decimal"},
      with<remap::runRemap>},
     {"stat",
-     {"minimum, maximum, mean, median, ranks and fraction wet over grids", "stat", {2, 10}, kStatOutputs, kNewGrids},
+     {"minimum, maximum, mean, median, ranks and fraction wet over grids", "stat", {2, ops::kMaxStatGrids}, kStatOutputs, kNewGrids},
      with<ops::runStat>},
 });
 // clang-format on

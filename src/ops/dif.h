@@ -6,6 +6,7 @@
 
 namespace gridforge::ops {
 
+// Two flags and no choice of one: -change counts in the check for a single operation also where -nowetdry wins.
 struct DifOptions {
     bool change = false;   // the change where one of the cells is null
     bool nowetdry = false; // the difference alone; wins over the change
