@@ -221,15 +221,21 @@ TEST(DamagesBuildings, ARegionOfAMillionVerticesEndsTheRun)
     EXPECT_THAT(run.run.console(), HasSubstr("ERROR 0310 - Exceeded number of allowable nodes"));
 }
 
+void giveBuildingShapefile(ToolRun& run, const std::string& object, const std::string& values)
+{
+    giveShapefile(run, "s", 5,
+                  {.objects = {object},
+                   .columns = {{"TYPE", 'C', 6}, {"ID", 'C', 3}, {"FFL", 'N', 6}, {"M", 'N', 4}},
+                   .values = {values}});
+}
+
 TEST(DamagesBuildings, RegionsOfShapefilesAreReadAndWritten)
 {
     ToolRun run("-b -damages c.dmg");
     giveDamageFiles(run, "", "");
     run.give("c.dmg", "Read GIS Building == s.shp\nRead Curve House == house.csv\nRead Result % 1 == wl.asc\n");
-    run.give("s.prj", "PROJCS[\"Town grid\"]\n");
-    run.give("s.shp", shpBytes(5, {partsRecord(5, {0}, {3.5, 2.5, 3.5, 4.5, 6.5, 4.5, 6.5, 2.5, 3.5, 2.5})}));
-    run.give("s.dbf", dbfHeader(1, {{"TYPE", 'C', 6}, {"ID", 'C', 3}, {"FFL", 'N', 6}, {"M", 'N', 4}}) +
-                          " House b1  40.00    \x1A");
+    giveBuildingShapefile(run, partsRecord(5, {0}, {3.5, 2.5, 3.5, 4.5, 6.5, 4.5, 6.5, 2.5, 3.5, 2.5}),
+                          "House b1  40.00    ");
     run.start();
     // (46 - 40) x 100; the blank multiplier is none.
     EXPECT_THAT(run.read("s_Damages.csv"), HasSubstr("\r\n\"House\",\"b1\",40.,1.,600.,0.\r\n"));
@@ -245,10 +251,7 @@ TEST(DamagesBuildings, RegionsWithoutVerticesDoNoHarm)
         ToolRun run("-b -damages c.dmg -out o.mif");
         giveDamageFiles(run, "", "");
         run.give("c.dmg", "Read GIS Building == s.shp\nRead Curve House == house.csv\nRead Result % 1 == wl.asc\n");
-        run.give("s.prj", "PROJCS[\"Town grid\"]\n");
-        run.give("s.shp", shpBytes(5, {record}));
-        run.give("s.dbf", dbfHeader(1, {{"TYPE", 'C', 6}, {"ID", 'C', 3}, {"FFL", 'N', 6}, {"M", 'N', 4}}) +
-                              " House b1  40.00   1\x1A");
+        giveBuildingShapefile(run, record, "House b1  40.00   1");
         run.start();
         EXPECT_EQ(run.status(), 0);
         EXPECT_THAT(run.read("o.csv"), HasSubstr("\r\n\"House\",\"b1\",40.,1.,0.,0.\r\n"));

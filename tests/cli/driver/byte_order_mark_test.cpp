@@ -89,7 +89,7 @@ TEST(ByteOrderMarks, OfLayers)
                         {"dem.asc", kGrid}});
     expectNoDifference("-lp l.shp -lpmd3 -cpsd2 -check dem.asc", {{"l.prj", kProjection}, {"dem.asc", kGrid}},
                        {{"l.shp", shpBytes(3, {partsRecord(3, {0}, {2, 5, 8, 5})})},
-                        {"l.dbf", dbfHeader(1, {{"LABEL", 'C', 6}}) + " main  \x1A"}});
+                        {"l.dbf", dbfBytes({{"LABEL", 'C', 6}}, {"main  "})}});
 }
 
 TEST(ByteOrderMarks, OfADamageRun)

@@ -111,9 +111,11 @@ TEST(LetterCaseCli, LayersFindTheirFiles)
     });
     expectSameInCapitals("-b -cp p.shp -cpsd4 dem.asc", {"dem.asc"}, [](ToolRun& run) {
         run.give("dem.asc", ascGrid(rowColumnCells()));
-        run.give("p.shp", shpBytes(1, {pointRecord(4.3, 4.4)}));
-        run.give("p.dbf", dbfHeader(1, {{"OBS", 'N', 4}, {"MARK", 'C', 2}}) + "   40a \x1A");
-        run.give("p.prj", kProjcs);
+        giveShapefile(run, "p", 1,
+                      {.objects = {pointRecord(4.3, 4.4)},
+                       .columns = {{"OBS", 'N', 4}, {"MARK", 'C', 2}},
+                       .values = {"  40a "},
+                       .projection = kProjcs});
     });
 }
 

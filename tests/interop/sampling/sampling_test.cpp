@@ -1,4 +1,5 @@
 // Layers of the sampling operations as OGR reads them, in both families.
+#include "support/layer_files.h"
 #include "support/ogr_test.h"
 #include "support/tool_run.h"
 
@@ -8,14 +9,6 @@
 
 namespace gridforge::test {
 namespace {
-
-std::string mif(const std::string& columns, const std::string& objects)
-{
-    return "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\" Bounds (0, 0) (100, "
-           "100)\n"
-           "Columns " +
-           columns + "Data\n\n" + objects;
-}
 
 // The layer `name` with the extension `kind`; a .shp is made by OGR.
 void giveLayer(ToolRun& run, const std::string& name, const std::string& kind, const std::string& text,
@@ -64,7 +57,8 @@ TEST_P(SamplingInterop, CalibrationPointsAndConnections)
 {
     ToolRun run({"-b", "-cp", "p" + kind(), "-cpsd4", "dem.asc"});
     run.give("dem.asc", ascGrid(rowColumnCells()));
-    giveLayer(run, "p", kind(), mif("2\n  Obs Float\n  Mark Char(20)\n", "Point 4.3 4.4\nPoint 6 5.25\n"),
+    giveLayer(run, "p", kind(),
+              mifHeader({"Obs Float", "Mark Char(20)"}, kHundredBounds) + "Point 4.3 4.4\nPoint 6 5.25\n",
               "40.5,\"left bank\"\n57,\"bridge, old\"\n");
     run.start();
     const auto points = ogrFeatures(file(run, "p_Res", "_P"));
@@ -81,7 +75,7 @@ TEST_P(SamplingInterop, LongProfileCheckLayers)
 {
     ToolRun run({"-b", "-lp", "l" + kind(), "-lpmd100", "-cpsd4", "-check", "dem.asc"});
     run.give("dem.asc", ascGrid(rowColumnCells()));
-    giveLayer(run, "l", kind(), mif("1\n  Label Char(20)\n", "Pline 2\n2 5\n8 5\n"), "\"main\"\n");
+    giveLayer(run, "l", kind(), mifHeader({"Label Char(20)"}, kHundredBounds) + "Pline 2\n2 5\n8 5\n", "\"main\"\n");
     run.start();
     ASSERT_TRUE(run.has("l_main.csv")) << run.console();
     auto features = ogrFeatures(file(run, "l_LP_check", "_L"));
@@ -110,8 +104,8 @@ TEST_P(SamplingInterop, BreaklinesAndTheirCheckLayer)
     ToolRun run({"-b", "-brkline", "b" + kind(), "-check", "dem.asc"});
     run.give("dem.asc", ascGrid(rowColumnCells()));
     giveLayer(run, "b", kind(),
-              mif("4\n  Z Float\n  dZ Float\n  Width Float\n  Options Char(20)\n",
-                  "Pline 2\n4 5\n6 5\nPline 2\n4.5 4.5\n5.5 4.5\n"),
+              mifHeader({"Z Float", "dZ Float", "Width Float", "Options Char(20)"}, kHundredBounds) +
+                  "Pline 2\n4 5\n6 5\nPline 2\n4.5 4.5\n5.5 4.5\n",
               "7,1,4,\"Max Perp\"\n7,5,3.8,\"Min\"\n");
     run.start();
     // The first line is twice its dZ, so two vertices go in. Searches across it reach 3 cells to each side, to row 8.
@@ -149,7 +143,8 @@ TEST_P(SamplingInterop, CirclesOfABreakline)
     ToolRun run({"-b", "-brkline", "b" + kind(), "-check", "dem.asc"});
     run.give("dem.asc", ascGrid(rowColumnCells()));
     giveLayer(run, "b", kind(),
-              mif("4\n  Z Float\n  dZ Float\n  Width Float\n  Options Char(20)\n", "Pline 2\n4.5 4.5\n5.5 4.5\n"),
+              mifHeader({"Z Float", "dZ Float", "Width Float", "Options Char(20)"}, kHundredBounds) +
+                  "Pline 2\n4.5 4.5\n5.5 4.5\n",
               "7,5,3.8,\"all\"\n");
     run.start();
     const auto circles = ogrFeatures(file(run, "b_check", "_R"));
@@ -175,12 +170,12 @@ TEST_P(SamplingInterop, NodalAreasOfRegionsMadeElsewhere)
 {
     ToolRun run({"-b", "-na", "n" + kind(), "dem.asc"});
     run.give("dem.asc", ascGrid(rowColumnCells()));
-    giveLayer(
-        run, "n", kind(),
-        mif("12\n  ID Char(20)\n  A Char(2)\n  B Char(8)\n  C Char(20)\n  D Char(20)\n  E Char(20)\n  F Char(20)\n"
-            "  G Char(20)\n  H Char(20)\n  I Float\n  J Float\n  Skew Float\n",
-            "Region 1\n5\n1.5 1.5\n1.5 3.5\n3.5 3.5\n3.5 1.5\n1.5 1.5\n"),
-        "\"pond.csv\",\"S\",\"Node\",\"a\",\"b\",\"c\",\"d\",\"e\",\"f\",0,0,32.95\n");
+    giveLayer(run, "n", kind(),
+              mifHeader({"ID Char(20)", "A Char(2)", "B Char(8)", "C Char(20)", "D Char(20)", "E Char(20)",
+                         "F Char(20)", "G Char(20)", "H Char(20)", "I Float", "J Float", "Skew Float"},
+                        kHundredBounds) +
+                  "Region 1\n5\n1.5 1.5\n1.5 3.5\n3.5 3.5\n3.5 1.5\n1.5 1.5\n",
+              "\"pond.csv\",\"S\",\"Node\",\"a\",\"b\",\"c\",\"d\",\"e\",\"f\",0,0,32.95\n");
     run.start();
     // Cells 22, 23, 32 and 33; the user's minimum leaves but 33 above the first height.
     EXPECT_TRUE(run.says("Found 4 DEM values within region.")) << run.console();

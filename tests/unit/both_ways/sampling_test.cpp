@@ -5,6 +5,7 @@
 #include "support/damages_files.h"
 #include "support/environment.h"
 #include "support/grids.h"
+#include "support/layer_files.h"
 #include "support/operation_run.h"
 
 #include <cmath>
@@ -72,15 +73,9 @@ std::string shown(double value)
     return text.substr(0, text.find('.') + 4);
 }
 
-std::string mif(const std::string& columns, const std::string& objects)
-{
-    return "Version 300\nCharset \"WindowsLatin1\"\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\n" + columns +
-           "Data\n\n" + objects;
-}
-
 // --- Calibration points ----------------------------------------------------------------------------------------------
 
-const std::string kMarkColumns = "Columns 2\n  Observed Float\n  Label Char(20)\n";
+const std::vector<std::string> kMarkColumns{"Observed Float", "Label Char(20)"};
 
 GivenFiles marks()
 {
@@ -100,7 +95,7 @@ GivenFiles marks()
             records += "1,\"line\"\n";
         }
     }
-    given["m.mif"] = mif(kMarkColumns, objects);
+    given["m.mif"] = mifHeader(kMarkColumns) + objects;
     given["m.mid"] = records;
     return given;
 }
@@ -148,7 +143,8 @@ TEST(CalibrationPointsAhead, InWindowsOfMoreCellsThanTheGridAreReadWhole)
 TEST(CalibrationPointsAhead, OfAnOddLayerAreReadWhole)
 {
     GivenFiles given = marks();
-    given["m.mif"] = mif(kMarkColumns, "Point 150 250\nPoint ,251\n"); // an empty value leaves that of the point before
+    given["m.mif"] =
+        mifHeader(kMarkColumns) + "Point 150 250\nPoint ,251\n"; // an empty value leaves that of the point before
     given["m.mid"] = "1,\"a\"\n2,\"b\"\n";
     expectWay(run::Way::oddInput, given, "-cp m.mif g.flt -cpsd12");
 }
@@ -157,7 +153,7 @@ TEST(CalibrationPointsAhead, APointThatTheLookHasNotSeenIsLookedUpInTheWholeGrid
 {
     // The second column has a name by which a look that does not count columns takes it for a point.
     GivenFiles given = marks();
-    given["m.mif"] = mif("Columns 2\n  Data Float\n  Point 130 240\n", "Point 150 250\nPoint 160 260\n");
+    given["m.mif"] = mifHeader({"Data Float", "Point 130 240"}) + "Point 150 250\nPoint 160 260\n";
     given["m.mid"] = "1,\"a\"\n2,\"b\"\n";
     const std::size_t ahead = waysGone(run::Way::ahead);
     const Outcome found = runOperationOn(given, "-cp m.mif g.flt -cpsd12");

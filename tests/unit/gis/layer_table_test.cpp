@@ -14,7 +14,7 @@ namespace {
 
 using testing::HasSubstr;
 
-TEST(OpenLayer, StandsInTheTableUntilItIsClosed)
+TEST(LayerIds, StandsInTheTableUntilItIsClosed)
 {
     const ScratchFolder folder;
     giveMif(folder, "l", kPointBody);
@@ -31,7 +31,7 @@ TEST(OpenLayer, StandsInTheTableUntilItIsClosed)
                 testing::AllOf(HasSubstr("open 1\n"), HasSubstr("closed 1\n"), HasSubstr("output 1\n")));
 }
 
-TEST(OpenLayer, NumberOneHundredAndOneEndsTheRun)
+TEST(LayerIds, NumberOneHundredAndOneEndsTheRun)
 {
     const ScratchFolder folder;
     giveMif(folder, "t", kPointBody);
@@ -47,7 +47,7 @@ TEST(OpenLayer, NumberOneHundredAndOneEndsTheRun)
                                    "ERROR 0251 - Cannot have more than 100 GIS layers open at once.\n"));
 }
 
-TEST(OpenLayer, AClosedSlotIsTheNextToBeUsed)
+TEST(LayerIds, AClosedSlotIsTheNextToBeUsed)
 {
     const ScratchFolder folder;
     giveMif(folder, "t", kPointBody);
@@ -63,7 +63,7 @@ TEST(OpenLayer, AClosedSlotIsTheNextToBeUsed)
                 HasSubstr("reopened 3\n"));
 }
 
-TEST(CreateLayer, TakesTheLowestIDThatIsFree)
+TEST(LayerIds, TakesTheLowestIDThatIsFree)
 {
     const ScratchFolder folder;
     giveMif(folder, "t", kPointBody);

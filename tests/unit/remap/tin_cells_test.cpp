@@ -283,17 +283,6 @@ TEST(Tin, AStretchAnywhereIsThatOfTheWholeWalk)
     }
 }
 
-TEST(StartState, IsTheNullAsAnInteger)
-{
-    EXPECT_EQ(remap::startState(-9999.0F), remap::CellState::untouched);
-    EXPECT_EQ(remap::startState(0.9F), remap::CellState::untouched);
-    EXPECT_EQ(remap::startState(1.0F), remap::CellState::wet);
-    EXPECT_EQ(remap::startState(1.99F), remap::CellState::wet);
-    EXPECT_EQ(remap::startState(2.0F), remap::CellState::untouched);
-    EXPECT_EQ(remap::startState(-1.99F), remap::CellState::dry);
-    EXPECT_EQ(remap::startState(std::nanf("")), remap::CellState::untouched);
-}
-
 TEST(IdwOneCell, ANotANumberThatIsComputedHasTheBitsOfTheQuietOne)
 {
     const remap::CellFlags wet = test::flagsOf({{1, 0, 1}});
