@@ -1,15 +1,14 @@
 // Where tests stand, each in a runner and those of a source under its name, and where the words of the console do.
 #include "support/consoles.h"
-#include "support/paths.h"
+#include "unit/house/pure_files.h"
+#include "unit/house/sources.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,9 +16,6 @@
 namespace gridforge::test {
 namespace {
 
-namespace fs = std::filesystem;
-
-const fs::path kRoot = sourceFolder();
 constexpr std::string_view kEnd = "_test.cpp";
 
 // The C++ files below a folder, by their place in it.
@@ -45,7 +41,7 @@ TEST(TestFiles, EveryOneBelongsToARunner)
     const std::set<std::string> runners{"unit", "cli", "interop", "real", "faults"};
     const std::set<std::string> helpers{"support", "fuzz", "scripts", "witness"};
     std::size_t tests = 0;
-    for (const std::string& file : filesBelow(kRoot / "tests")) {
+    for (const std::string& file : filesBelow(kSource / "tests")) {
         if (!helpers.contains(topFolder(file))) {
             ++tests;
             EXPECT_TRUE(runners.contains(topFolder(file))) << file << " is in a folder that no runner takes";
@@ -73,14 +69,14 @@ std::string sourceOf(std::string test)
 TEST(UnitTests, HaveTheNamesOfTheirSources)
 {
     std::size_t tests = 0;
-    for (const std::string& file : filesBelow(kRoot / "tests/unit")) {
+    for (const std::string& file : filesBelow(kSource / "tests/unit")) {
         if (file.ends_with(".h") || kOfNoSource.contains(topFolder(file))) {
             continue;
         }
         ++tests;
         const std::string source = sourceOf(file);
         EXPECT_FALSE(source.empty()) << file << " does not end in " << kEnd;
-        EXPECT_TRUE(fs::exists(kRoot / (source + ".cpp")) || fs::exists(kRoot / (source + ".h")))
+        EXPECT_TRUE(fs::exists(kSource / (source + ".cpp")) || fs::exists(kSource / (source + ".h")))
             << "tests/unit/" << file << " is named after " << source << ", which is missing";
     }
     EXPECT_GT(tests, 80U);
@@ -91,18 +87,10 @@ TEST(UnitTests, HaveTheNamesOfTheirSources)
     EXPECT_EQ(sourceOf("gis/readers.cpp"), "");
 }
 
-// Sources of kernels that are not named so.
-const std::set<std::string> kOtherKernels{"remap/extent_flags", "remap/growth", "remap/tin_places", "remap/tin_row",
-                                          "remap/wet_search"};
-// Kernels without a test of their name, and where they are tested instead.
-const std::map<std::string, std::string> kTestedElsewhere{
-    {"remap/tin_places", "remap/tin_row"}, // the loops of tin_row, in a header for both forms of its instructions
-};
-
 TEST(UnitTests, OfKernelsStandUnderTheNamesOfTheirSources)
 {
-    std::set<std::string> kernels = kOtherKernels;
-    for (const std::string& file : filesBelow(kRoot / "src")) {
+    std::set<std::string> kernels = kNamedKernels;
+    for (const std::string& file : filesBelow(kSource / "src")) {
         if (file.ends_with("_cells.h")) {
             kernels.insert(file.substr(0, file.size() - 2));
         }
@@ -111,8 +99,8 @@ TEST(UnitTests, OfKernelsStandUnderTheNamesOfTheirSources)
     for (const std::string& kernel : kernels) {
         const auto elsewhere = kTestedElsewhere.find(kernel);
         const std::string test = elsewhere == kTestedElsewhere.end() ? kernel : elsewhere->second;
-        EXPECT_TRUE(fs::exists(kRoot / "src" / (kernel + ".h"))) << kernel;
-        EXPECT_TRUE(fs::exists(kRoot / "tests/unit" / (test + std::string(kEnd)))) << kernel << " has no test";
+        EXPECT_TRUE(fs::exists(kSource / "src" / (kernel + ".h"))) << kernel;
+        EXPECT_TRUE(fs::exists(kSource / "tests/unit" / (test + std::string(kEnd)))) << kernel << " has no test";
     }
 }
 
@@ -123,8 +111,8 @@ std::set<std::string> testsOfTheTree()
 {
     static const std::regex definition(R"(^(?:TEST|TEST_F|TEST_P|TYPED_TEST)\(\s*(\w+),\s*(\w+)\))");
     std::set<std::string> tests;
-    for (const std::string& file : filesBelow(kRoot / "tests")) {
-        std::ifstream in(kRoot / "tests" / file);
+    for (const std::string& file : filesBelow(kSource / "tests")) {
+        std::ifstream in(kSource / "tests" / file);
         std::smatch found;
         for (std::string line; std::getline(in, line);) {
             if (std::regex_search(line, found, definition)) {
@@ -151,7 +139,7 @@ TEST(TestsLeftOut, ExistInTheTree)
     EXPECT_GT(tests.size(), 1000U);
     for (const char* const list : {"tests/windows_exceptions", "tests/arm64_exceptions"}) {
         std::size_t patterns = 0;
-        std::ifstream in(kRoot / list);
+        std::ifstream in(kSource / list);
         for (std::string line; std::getline(in, line);) {
             if (line.empty() || line.starts_with('#')) {
                 continue;
@@ -176,20 +164,12 @@ TEST(TestsLeftOut, AreMatchedAsByTheRunner)
 
 // --- Words of the console --------------------------------------------------------------------------------------------
 
-std::string textOf(const fs::path& file)
-{
-    std::ifstream in(file);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 TEST(Consoles, HaveTheirWordsFromOneFile)
 {
     const Lines words{kBanner, kWildcards, kEnter, kClose, kFormatOfInputs};
     const std::string vocabulary = "support/consoles.h";
-    for (const std::string& file : filesBelow(kRoot / "tests")) {
-        const std::string text = textOf(kRoot / "tests" / file);
+    for (const std::string& file : filesBelow(kSource / "tests")) {
+        const std::string text = textOf(kSource / "tests" / file);
         for (const std::string& word : words) {
             EXPECT_EQ(text.find(word) != std::string::npos, file == vocabulary) << file << ": " << word;
         }
@@ -202,8 +182,8 @@ TEST(Consoles, OfTheToolTellOfFilesInWordsOfThatFile)
     const Lines beginnings{R"("Trying to open file)", R"("Opened File Unit)", R"("...Closed File Unit)",
                            R"("Finished.")"};
     for (const char* const kind : {"cli", "interop", "real", "support"}) {
-        for (const std::string& file : filesBelow(kRoot / "tests" / kind)) {
-            const std::string text = textOf(kRoot / "tests" / kind / file);
+        for (const std::string& file : filesBelow(kSource / "tests" / kind)) {
+            const std::string text = textOf(kSource / "tests" / kind / file);
             for (const std::string& beginning : beginnings) {
                 EXPECT_EQ(text.find(beginning) != std::string::npos, file == "consoles.h")
                     << kind << '/' << file << ": " << beginning;
