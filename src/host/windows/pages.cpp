@@ -86,7 +86,7 @@ void* takeFileIn(const std::string& folder, std::size_t bytes)
         return nullptr;
     }
     const HANDLE file = makeScratchFile(folder, FILE_FLAG_DELETE_ON_CLOSE).handle;
-    if (file == INVALID_HANDLE_VALUE) {
+    if (file == nullptr) {
         return nullptr;
     }
     void* const pages = mapped(file, bytes);

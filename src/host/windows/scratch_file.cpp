@@ -3,6 +3,7 @@
 #include "host/windows/names.h"
 
 #include <atomic>
+#include <windows.h>
 
 namespace gridforge::inline host {
 
@@ -16,7 +17,7 @@ bool isTaken(DWORD error)
 
 } // namespace
 
-ScratchFile makeScratchFile(const std::string& folder, DWORD flags)
+ScratchFile makeScratchFile(const std::string& folder, unsigned long flags)
 {
     constexpr int kAttempts = 100;
     static std::atomic<unsigned> made = 0;
@@ -25,9 +26,13 @@ ScratchFile makeScratchFile(const std::string& folder, DWORD flags)
     ScratchFile file;
     for (int i = 0; i < kAttempts; ++i) {
         file.path = systemPath(start + std::to_string(++made) + ".part");
-        file.handle = CreateFileW(file.path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, FILE_SHARE_DELETE, nullptr,
-                                  CREATE_NEW, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
-        if (file.handle != INVALID_HANDLE_VALUE || !isTaken(GetLastError())) {
+        const HANDLE handle = CreateFileW(file.path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, FILE_SHARE_DELETE,
+                                          nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL | flags, nullptr);
+        if (handle != INVALID_HANDLE_VALUE) {
+            file.handle = handle;
+            break;
+        }
+        if (!isTaken(GetLastError())) {
             break;
         }
     }

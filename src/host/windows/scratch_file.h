@@ -2,15 +2,14 @@
 #pragma once
 
 #include <string>
-#include <windows.h>
 
 namespace gridforge::inline host {
 
 struct ScratchFile {
-    HANDLE handle = INVALID_HANDLE_VALUE; // this where it cannot be made
+    void* handle = nullptr; // a HANDLE; null where it cannot be made
     std::wstring path;
 };
 // A new one in the folder, with these flags for its opening besides the usual. It may be renamed and deleted while it is open.
-ScratchFile makeScratchFile(const std::string& folder, DWORD flags);
+ScratchFile makeScratchFile(const std::string& folder, unsigned long flags);
 
 } // namespace gridforge::inline host

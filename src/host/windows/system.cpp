@@ -297,7 +297,7 @@ bool deleteAtClose(HANDLE handle, bool wanted)
 SystemFile openUnnamedFile(const std::string& folder)
 {
     const auto [handle, path] = makeScratchFile(folder, 0);
-    if (handle == INVALID_HANDLE_VALUE) {
+    if (handle == nullptr) {
         return SystemFile::none;
     }
     if (!deleteAtClose(handle, true)) {
