@@ -245,18 +245,22 @@ class SampleTreeTest(unittest.TestCase):
             self.assertEqual(file.read(), SOURCE)
         return outcome
 
+    def ended_by(self, script):
+        """What the command-line tests are said to have failed by, where their program is this script of a shell."""
+        program = os.path.join(self.build.folder, mutants.PROGRAMS["cli"])
+        os.replace(program, program + ".kept")
+        self.addCleanup(os.replace, program + ".kept", program)
+        with open(program, "w") as file:
+            file.write("#!/bin/sh\n" + script)
+        os.chmod(program, 0o755)
+        return self.tests.run("cli", "*", 100)
+
     def test_what_a_test_asks_for_is_caught(self):
         self.assertEqual(self.outcome("< -> <= | return a < 0 ? -1 : 1;"), ("caught", "Sums.Sign"))
         self.assertEqual(self.outcome("+= -> -= | all += i;"), ("caught", "Sums.Sum"))
 
     def test_a_program_that_ends_within_a_test_has_failed(self):
-        program = os.path.join(self.build.folder, mutants.PROGRAMS["cli"])
-        os.replace(program, program + ".kept")
-        self.addCleanup(os.replace, program + ".kept", program)
-        with open(program, "w") as file:
-            file.write("#!/bin/sh\necho '[ RUN      ] Cli.Nothing'\n")
-        os.chmod(program, 0o755)
-        self.assertEqual(self.tests.run("cli", "*", 100), "Cli.Nothing")
+        self.assertEqual(self.ended_by("echo '[ RUN      ] Cli.Nothing'\n"), "Cli.Nothing")
 
     def test_what_no_test_asks_for_survives(self):
         self.assertEqual(self.outcome("7 -> 8 | int spare = 7;"), ("survived", ""))
@@ -269,13 +273,7 @@ class SampleTreeTest(unittest.TestCase):
         kept = mutants.IDLE_LIMIT
         self.addCleanup(setattr, mutants, "IDLE_LIMIT", kept)
         mutants.IDLE_LIMIT = 2
-        program = os.path.join(self.build.folder, mutants.PROGRAMS["cli"])
-        os.replace(program, program + ".kept")
-        self.addCleanup(os.replace, program + ".kept", program)
-        with open(program, "w") as file:
-            file.write("#!/bin/sh\necho '[ RUN      ] Cli.Nothing'\nsleep 60\n")
-        os.chmod(program, 0o755)
-        self.assertEqual(self.tests.run("cli", "*", 100), "Cli.Nothing (waits for ever)")
+        self.assertEqual(self.ended_by("echo '[ RUN      ] Cli.Nothing'\nsleep 60\n"), "Cli.Nothing (waits for ever)")
 
     def test_the_same_code_does_not_count(self):
         self.assertEqual(self.outcome("+ -> - | return a * 2 + 0 * a;"), ("same code", ""))

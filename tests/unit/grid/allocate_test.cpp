@@ -4,6 +4,7 @@
 #include "support/child_run.h"
 #include "support/consoles.h"
 
+#include <cstdint>
 #include <gtest/gtest.h>
 
 namespace gridforge {
@@ -20,19 +21,22 @@ TEST(GridKilobytes, WrapAt32Bits)
     EXPECT_EQ(grid::gridKilobytes(30000, 20000), -1894967);
 }
 
+GridHeader headerOf(std::int32_t nrows, std::int32_t ncols)
+{
+    GridHeader header;
+    header.nrows = nrows;
+    header.ncols = ncols;
+    return header;
+}
+
 TEST(AllocateGrid, SaysWhatItTakesAndEndsWithoutMemory)
 {
     const test::ScratchFolder folder;
     const auto run = test::runInChild(folder, [] {
-        GridHeader header;
-        header.nrows = 50;
-        header.ncols = 60;
         Grid grid;
-        grid::allocateGrid(grid, header, "external grid...");
+        grid::allocateGrid(grid, headerOf(50, 60), "external grid...");
         say(grid.nrows(), 'x', grid.ncols());
-        header.nrows = 2147483647;
-        header.ncols = 2147483647;
-        grid::allocateGrid(grid, header, "too much...");
+        grid::allocateGrid(grid, headerOf(2147483647, 2147483647), "too much...");
     });
     EXPECT_TRUE(run.ended);
     // 2147483647^2 * 4 is 4 modulo 2^32.
@@ -46,18 +50,13 @@ TEST(AllocateGrid, AnArrayOfTheSameSizeIsClearedAndKept)
 {
     const test::ScratchFolder folder;
     const auto run = test::runInChild(folder, [] {
-        GridHeader header;
-        header.nrows = 2;
-        header.ncols = 3;
         Grid grid;
-        grid::allocateGrid(grid, header, "a...");
+        grid::allocateGrid(grid, headerOf(2, 3), "a...");
         const float* const cells = grid.cells().data();
         grid(2, 3) = 5;
-        grid::allocateGrid(grid, header, "a...");
+        grid::allocateGrid(grid, headerOf(2, 3), "a...");
         say(cells == grid.cells().data() ? "kept " : "other ", grid(2, 3) == 0 ? "zero" : "not zero");
-        header.nrows = 3;
-        header.ncols = 2; // as many cells in another shape
-        grid::allocateGrid(grid, header, "a...");
+        grid::allocateGrid(grid, headerOf(3, 2), "a..."); // as many cells in another shape
         say(grid.nrows(), 'x', grid.ncols());
     });
     const std::string line = "Allocating 0Kb memory for a...\n";
