@@ -57,8 +57,7 @@ run::Way readAhead(LinePieces& pieces, PointList& points)
     if (!before) {
         return run::Way::readRefused;
     }
-    if (!points.x.allocate(before->back()) || !points.y.allocate(before->back()) ||
-        !points.z.allocate(before->back())) {
+    if (!points.allocate(before->back())) {
         return run::Way::noRoom;
     }
     std::atomic<run::Way> way = run::Way::ahead;

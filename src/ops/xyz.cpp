@@ -57,7 +57,7 @@ std::size_t countPoints(Unit unit, const std::optional<PointList>& ahead)
 PointList allocatePoints(std::size_t count)
 {
     PointList points;
-    if (!points.x.allocate(count) || !points.y.allocate(count) || !points.z.allocate(count)) {
+    if (!points.allocate(count)) {
         failMemory();
     }
     return points;

@@ -5,6 +5,7 @@
 #include "plane/box.h"
 #include "plane/cell_array.h"
 
+#include <cstddef>
 #include <span>
 
 namespace gridforge::ops {
@@ -14,6 +15,12 @@ struct PointList {
     HugeArray<double> x;
     HugeArray<double> y;
     HugeArray<float> z;
+
+    // False if out of memory.
+    [[nodiscard]] bool allocate(std::size_t count)
+    {
+        return x.allocate(count) && y.allocate(count) && z.allocate(count);
+    }
 };
 
 struct PointExtents {
