@@ -7,6 +7,7 @@
 #include <sched.h>
 #include <string>
 #include <sys/resource.h>
+#include <sys/sysmacros.h>
 #include <thread>
 
 namespace gridforge::inline host {
@@ -123,6 +124,20 @@ std::uint64_t memoryLeftToTake()
 {
     const std::uint64_t machine = valueAfter("/proc/meminfo", "MemAvailable:").value_or(0) * kKilobyte;
     return std::min({machine, leftInGroups(), leftOf(RLIMIT_AS, "VmSize:"), leftOf(RLIMIT_DATA, "VmData:")});
+}
+
+std::int64_t readAheadOf(std::uint64_t device)
+{
+    const std::string number = std::to_string(major(device)) + ':' + std::to_string(minor(device));
+    // A part of a disk has none of its own.
+    for (const std::string& file :
+         {"/sys/class/bdi/" + number + "/read_ahead_kb", "/sys/dev/block/" + number + "/../queue/read_ahead_kb"}) {
+        std::ifstream in(file);
+        if (std::int64_t kilobytes = 0; in >> kilobytes) {
+            return kilobytes * static_cast<std::int64_t>(kKilobyte);
+        }
+    }
+    return 0;
 }
 
 } // namespace gridforge::inline host

@@ -22,6 +22,7 @@
 #include <system_error>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace gridforge::inline host {
 
@@ -147,9 +148,25 @@ void reserveInFile([[maybe_unused]] SystemFile file, [[maybe_unused]] std::int64
 #endif
 }
 
+// Whether the system itself reads the files of a device by as much as a hint would name.
+bool readsFarAhead(dev_t device)
+{
+    constexpr std::int64_t kFar = std::int64_t{1} << 20;
+    thread_local std::optional<std::pair<dev_t, bool>> last;
+    if (!last || last->first != device) {
+        last = {device, readAheadOf(device) >= kFar};
+    }
+    return last->second;
+}
+
+// What a hint names is read by single pages, what the system reads ahead itself by large ones: twice as fast.
 void willReadFile(SystemFile file, std::int64_t position, std::int64_t count)
 {
-    posix_fadvise(descriptorOf(file), position, count, POSIX_FADV_WILLNEED);
+    constexpr std::int64_t kWorthAHint = std::int64_t{1} << 18;
+    struct stat status = {};
+    if (count >= kWorthAHint && ::fstat(descriptorOf(file), &status) == 0 && !readsFarAhead(status.st_dev)) {
+        posix_fadvise(descriptorOf(file), position, count, POSIX_FADV_WILLNEED);
+    }
 }
 
 std::optional<FileFacts> factsOfOpenFile(SystemFile file)

@@ -1,0 +1,104 @@
+#include "host/posix/resources.h"
+
+#include "host/system.h"
+#include "support/scratch_folder.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/sysmacros.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace gridforge::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Of a name such as "253:1".
+std::uint64_t deviceNamed(const std::string& name)
+{
+    unsigned first = 0;
+    unsigned second = 0;
+    EXPECT_EQ(std::sscanf(name.c_str(), "%u:%u", &first, &second), 2) << name;
+    return makedev(first, second);
+}
+
+std::int64_t kilobytesIn(const fs::path& file)
+{
+    std::ifstream in(file);
+    std::int64_t kilobytes = -1;
+    in >> kilobytes;
+    return kilobytes;
+}
+
+// Empty where the system does not show its devices.
+fs::directory_iterator entriesOf(const fs::path& folder)
+{
+    std::error_code error;
+    return {folder, error};
+}
+
+TEST(Resources, KnowHowFarTheSystemReadsADeviceAhead)
+{
+    for (const auto& device : entriesOf("/sys/class/bdi")) {
+        const std::string name = device.path().filename();
+        if (name.find(':') != std::string::npos) {
+            EXPECT_EQ(readAheadOf(deviceNamed(name)), kilobytesIn(device.path() / "read_ahead_kb") * 1024) << name;
+        }
+    }
+}
+
+// A part of a disk is read ahead as the disk is.
+TEST(Resources, KnowHowFarTheSystemReadsAPartOfADiskAhead)
+{
+    for (const auto& part : entriesOf("/sys/class/block")) {
+        if (fs::exists(part.path() / "partition")) {
+            std::string name;
+            std::ifstream(part.path() / "dev") >> name;
+            const fs::path disk = fs::canonical(part.path()).parent_path();
+            EXPECT_EQ(readAheadOf(deviceNamed(name)), kilobytesIn(disk / "queue" / "read_ahead_kb") * 1024) << name;
+        }
+    }
+}
+
+TEST(Resources, KnowNothingOfADeviceThatIsNotThere)
+{
+    EXPECT_EQ(readAheadOf(makedev(4000, 77)), 0);
+}
+
+void expectSameAfterAHint(const std::string& name)
+{
+    constexpr std::int64_t kHinted = 1'000'000;
+    std::ofstream(name) << std::string(kHinted, 'a') << "bcd";
+    const SystemFile file = nativeSystem().open(name, OpenFor::reading);
+    nativeSystem().willRead(file, 0, kHinted);
+    std::array<char, 3> end{};
+    EXPECT_EQ(nativeSystem().readAt(file, kHinted, end), 3) << name;
+    EXPECT_EQ(std::string(end.data(), end.size()), "bcd") << name;
+    EXPECT_TRUE(nativeSystem().close(file));
+    fs::remove(name);
+}
+
+TEST(Resources, ReadTheSameAfterAHint)
+{
+    const ScratchFolder scratch;
+    expectSameAfterAHint(scratch.path() / "hinted");
+}
+
+// No device reads such a folder ahead.
+TEST(Resources, ReadTheSameAfterAHintInAFolderInMemory)
+{
+    const fs::path memory = "/dev/shm";
+    if (!fs::is_directory(memory)) {
+        GTEST_SKIP() << "there is no folder in memory";
+    }
+    expectSameAfterAHint(memory / ("gridforge_hinted_" + std::to_string(getpid())));
+}
+
+} // namespace
+} // namespace gridforge::test
