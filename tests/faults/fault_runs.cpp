@@ -447,11 +447,16 @@ const std::vector<FaultRun>& faultRuns()
     return runs;
 }
 
-FaultRun withThreads(FaultRun run)
+FaultRun withThreads(FaultRun run, int threads)
 {
     const bool isLarge = run.name.ends_with("Large") || run.name.ends_with("Long");
-    run.settings = {{"GRIDFORGE_THREADS", "3"}, {"GRIDFORGE_PIECE", isLarge ? "50000" : "2"}};
+    run.settings = {{"GRIDFORGE_THREADS", std::to_string(threads)}, {"GRIDFORGE_PIECE", isLarge ? "50000" : "2"}};
     return run;
+}
+
+int threadsOf(std::size_t turn)
+{
+    return kThreadsTried[turn % std::size(kThreadsTried)];
 }
 
 std::size_t numberOf(const FaultRun& run)

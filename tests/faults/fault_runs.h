@@ -27,8 +27,12 @@ inline void PrintTo(const FaultRun& run, std::ostream* out)
 }
 
 const std::vector<FaultRun>& faultRuns();
-// The run with several threads, each of which gets some of the cells.
-FaultRun withThreads(FaultRun run);
+// The run with that many threads, each of which gets some of the cells.
+FaultRun withThreads(FaultRun run, int threads);
+// As few as there are of several, and more than most machines here have processors.
+inline constexpr int kThreadsTried[] = {2, 7};
+// One of them, by turns.
+int threadsOf(std::size_t turn);
 // The position among them.
 std::size_t numberOf(const FaultRun& run);
 // All of them; under a sanitizer, where a start takes long, one of several.

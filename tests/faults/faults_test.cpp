@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <gmock/gmock.h>
 #include <iterator>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -437,6 +438,12 @@ bool isTaken(const SystemCall& call, std::size_t runNumber)
     return isWholeAsked() || (std::stoull(call.place, nullptr, 16) + runNumber) % kOneOf == 0;
 }
 
+// What the libraries do without memory is theirs, and what they look for elsewhere on the machine.
+bool isOfLibrary(const SystemCall& call)
+{
+    return call.caller != "tool" && (call.function == "malloc" || call.file.starts_with('/'));
+}
+
 // The first call of each place that is taken.
 std::vector<SystemCall> placesOf(const SystemRun& run, std::size_t runNumber, bool memory)
 {
@@ -444,9 +451,7 @@ std::vector<SystemCall> placesOf(const SystemRun& run, std::size_t runNumber, bo
     std::vector<SystemCall> places;
     for (const SystemCall& call : run.calls) {
         const bool isMemory = call.function == "malloc";
-        // What the libraries do without memory is theirs, and what they look for elsewhere on the machine.
-        const bool isTheirs = call.caller != "tool" && (memory || call.file.starts_with('/'));
-        if (isMemory == memory && !isTheirs && isTaken(call, runNumber) &&
+        if (isMemory == memory && !isOfLibrary(call) && isTaken(call, runNumber) &&
             seen.insert(call.function + call.place).second) {
             places.push_back(call);
         }
@@ -502,8 +507,8 @@ TEST_P(Faults, AtRandomThatCanBeTriedAgainDoNothing)
 {
     const SystemRun good = runSystem(GetParam(), "watch");
     std::size_t disturbances = 0;
-    for (int seed = 1; seed <= (isWholeAsked() ? 20 : 2); ++seed) {
-        for (const FaultRun& run : {GetParam(), withThreads(GetParam())}) {
+    for (std::size_t seed = 1; seed <= (isWholeAsked() ? 20U : 2U); ++seed) {
+        for (const FaultRun& run : {GetParam(), withThreads(GetParam(), threadsOf(seed))}) {
             const std::string mission = "disturb " + std::to_string(seed);
             const SystemRun disturbed = runSystem(run, mission);
             countDisturbed();
@@ -517,6 +522,103 @@ TEST_P(Faults, AtRandomThatCanBeTriedAgainDoNothing)
     }
     EXPECT_TRUE(disturbances > 0 || good.given.empty());
 }
+
+// --- With threads ----------------------------------------------------------------------------------------------------
+
+// Calls to let fail: of each function up to `most`, spread over those that the run made.
+std::vector<SystemCall> sampleOf(const SystemRun& run, std::size_t most)
+{
+    std::map<std::string, std::vector<SystemCall>> byFunction;
+    for (const SystemCall& call : run.calls) {
+        if (!isOfLibrary(call) && (call.function != "malloc" || canFailMemory())) {
+            byFunction[call.function].push_back(call);
+        }
+    }
+    std::vector<SystemCall> sample;
+    for (const auto& [function, calls] : byFunction) {
+        const std::size_t count = std::min(most, calls.size());
+        for (std::size_t i = 0; i < count; ++i) {
+            sample.push_back(calls[(2 * i + 1) * calls.size() / (2 * count)]);
+        }
+    }
+    return sample;
+}
+
+// Which of the threads makes the n-th call differs from run to run: the call that failed is judged, and what was open then is
+// not known. "" where the run is right.
+std::string whatIsWrongWithThreads(const SystemRun& run, const SystemRun& good, Kind kind)
+{
+    if (!run.calls.empty() && isOfLibrary(run.calls[0])) {
+        return "";
+    }
+    if (run.status != 0 || !run.error.empty()) {
+        return "status " + std::to_string(run.status) + ", standard error |" + run.error + "|";
+    }
+    if (run.calls.empty()) { // this run has made fewer of them
+        return run.files == good.files && run.console == good.console ? "" : "other files, and no call failed";
+    }
+    const SystemCall& call = run.calls[0];
+    const std::vector<Lines> ends = rightEnds(call, kind);
+    const auto isSameFile = [&](const SystemCall& other) {
+        return other.function == call.function && other.file == call.file && other.role == call.role;
+    };
+    const bool mayBeALook = std::ranges::count_if(good.calls, isSameFile) > 1;
+    if (hasNoEffect(run, good, call)) {
+        return mayBeALook || std::ranges::find(ends, kNoEffect) != ends.end() ? "" : "the fault had no effect";
+    }
+    const Lines foreign = foreignFiles(run, good);
+    if (!foreign.empty()) {
+        return "not left by a good run, or with other permissions: " + foreign[0];
+    }
+    const std::string file = plainNames(call.file);
+    const auto isTheEnd = [&](const Lines& end) { return !end.empty() && endsIn(end, run, good, file); };
+    return std::ranges::any_of(ends, isTheEnd) ? "" : "none of the right ends";
+}
+
+void failWithThreads(const FaultRun& run, std::size_t most)
+{
+    const SystemRun good = runSystem(run, "watch");
+    ASSERT_EQ(good.status, 0) << commandOf(run, "watch");
+    countRun();
+    GridsLeft left(good.given, good.files);
+    Lines wrong;
+    std::size_t turn = numberOf(run);
+    for (const SystemCall& call : sampleOf(good, most)) {
+        std::vector<Fault> faults = faultsOf(call);
+        if (!isWholeAsked()) {
+            faults = {faults[turn++ % faults.size()]};
+        }
+        for (const Fault& fault : faults) {
+            const std::string mission = missionOf(call, fault);
+            const SystemRun failed = runSystem(run, mission);
+            countFault(call.function == "malloc");
+            const std::string what = whatIsWrongWithThreads(failed, good, fault.kind);
+            if (!what.empty()) {
+                wrong.push_back(what + ": " + call.function + " of " + call.file + "\n" + failed.console +
+                                commandOf(run, mission) + "\n");
+            }
+            left.add(failed.files, mission, mission);
+        }
+    }
+    EXPECT_THAT(wrong, testing::IsEmpty());
+    for (const WrongGrid& grid : left.wrong(Readers::tool)) {
+        ADD_FAILURE() << grid.what << '\n' << commandOf(run, grid.mission);
+    }
+}
+
+TEST_P(Faults, OfCallsOfThreadsEndInAMessageOrDoNothing)
+{
+    const std::size_t turn = numberOf(GetParam());
+    if (!isWholeAsked()) {
+        failWithThreads(withThreads(GetParam(), threadsOf(turn)), 1);
+        return;
+    }
+    for (const int threads : kThreadsTried) {
+        failWithThreads(withThreads(GetParam(), threads), 6);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
 
 INSTANTIATE_TEST_SUITE_P(Runs, Faults, testing::ValuesIn(startedRuns()),
                          [](const auto& one) { return one.param.name; });

@@ -76,8 +76,7 @@ void prepare(ToolRun& start, const FaultRun& run, const std::string& program)
     if (!program.empty()) {
         start.program(program);
     }
-    for (const auto& [name, value] :
-         run.settings) { // the first value of a variable counts: these come before askSystem's
+    for (const auto& [name, value] : run.settings) {
         start.environment(name, value);
     }
     run.give(start);
@@ -100,7 +99,7 @@ SystemRun runSystem(const FaultRun& run, const std::string& mission, const std::
 {
     const ScratchFolder folder;
     ToolRun start(run.arguments.c_str());
-    prepare(start, run, program);
+    prepare(start, run, program); // its threads stay
     askSystem(start, mission, (folder.path() / "log").string());
     start.startForSignal();
     return {start.status(), start.console(),     start.error(),  givenFiles(run),

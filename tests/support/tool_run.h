@@ -7,6 +7,7 @@
 #include "support/grids.h"
 #include "support/scratch_folder.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -39,8 +40,14 @@ public:
     void workIn(std::string_view name);
     // Another program in place of the tool.
     void program(std::string path);
-    // A variable of the environment for this run alone.
-    void environment(const std::string& name, const std::string& value) { variables_.push_back(name + "=" + value); }
+    // A variable of the environment for this run alone. Its first value stays.
+    void environment(const std::string& name, const std::string& value)
+    {
+        const auto isIt = [&](const std::string& variable) { return variable.starts_with(name + "="); };
+        if (std::ranges::none_of(variables_, isIt)) {
+            variables_.push_back(name + "=" + value);
+        }
+    }
 
     // The run
     // -------------------------------------------------------------------------------------------------------------

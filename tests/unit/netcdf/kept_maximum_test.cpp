@@ -10,7 +10,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
@@ -18,8 +17,6 @@
 
 namespace gridforge {
 namespace {
-
-using testing::ElementsAre;
 
 GridHeader latticeOf(std::int32_t nrows, std::int32_t ncols)
 {
