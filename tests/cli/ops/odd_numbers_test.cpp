@@ -1,14 +1,12 @@
 // Whole runs on grids that hold every odd number: not-a-numbers, infinities, denormals, negative zeros and the ends of single
 // precision, against plain loops over the cells.
 #include "support/consoles.h"
-#include "support/odd_cells.h"
-#include "support/tool_run.h"
+#include "support/odd_grids.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <functional>
 #include <gtest/gtest.h>
 #include <ostream>
@@ -19,43 +17,23 @@
 namespace gridforge::test {
 namespace {
 
-using Values = std::vector<float>;
-
-constexpr std::size_t kOddRows = 41;
-constexpr std::size_t kOddColumns = 53; // vectors of eight and a rest
 constexpr float kNullOfFirst = -9999;
 constexpr float kNullOfSecond = -1;
 
-std::string bytesOf(const Values& values)
-{
-    std::string bytes(values.size() * sizeof(float), '\0');
-    std::memcpy(bytes.data(), values.data(), bytes.size());
-    return bytes;
-}
-
-Values valuesOf(const std::string& bytes)
-{
-    Values values(bytes.size() / sizeof(float));
-    std::memcpy(values.data(), bytes.data(), values.size() * sizeof(float));
-    return values;
-}
-
 Values firstCells()
 {
-    return oddCells(kOddRows * kOddColumns, kNullOfFirst, 1);
+    return oddGrid(kNullOfFirst, 1);
 }
 
 Values secondCells()
 {
-    return oddCells(kOddRows * kOddColumns, kNullOfSecond, 2);
+    return oddGrid(kNullOfSecond, 2);
 }
 
 void giveOdd(ToolRun& run)
 {
-    run.give("a.flt", bytesOf(firstCells()));
-    run.give("a.hdr", hdr(kOddColumns, kOddRows, {.null = static_cast<double>(kNullOfFirst)}));
-    run.give("b.flt", bytesOf(secondCells()));
-    run.give("b.hdr", hdr(kOddColumns, kOddRows, {.null = static_cast<double>(kNullOfSecond)}));
+    giveOddGrid(run, "a", kNullOfFirst, 1);
+    giveOddGrid(run, "b", kNullOfSecond, 2);
 }
 
 // Each cell from those of the two grids at its place.
@@ -154,12 +132,7 @@ TEST_P(OddNumbers, GoThroughAsThroughAPlainLoop)
     giveOdd(run);
     run.start();
     EXPECT_TRUE(run.says(kFinished)) << run.console();
-    const std::vector<std::uint32_t> found = bitsOf(valuesOf(run.read(GetParam().output)));
-    const std::vector<std::uint32_t> expected = bitsOf(GetParam().expected());
-    ASSERT_EQ(found.size(), expected.size());
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        EXPECT_EQ(found[i], expected[i]) << "cell " << i << " of " << firstCells()[i % (kOddRows * kOddColumns)];
-    }
+    expectSameBits(valuesOf(run.read(GetParam().output)), GetParam().expected());
 }
 
 constexpr float kA = kNullOfFirst;

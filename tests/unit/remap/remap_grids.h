@@ -4,7 +4,7 @@
 #include "plane/cell_array.h"
 #include "remap/cell_state.h"
 #include "remap/extent_flags.h"
-#include "unit/remap/plain_remap.h"
+#include "support/plain_remap.h"
 
 #include <algorithm>
 #include <cstddef>
