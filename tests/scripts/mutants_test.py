@@ -210,6 +210,12 @@ endforeach()
 """
 
 
+class HelpTest(unittest.TestCase):
+    def test_is_what_stands_at_the_top(self):
+        done = subprocess.run([sys.executable, "-B", mutants.__file__, "--help"], check=True, stdout=subprocess.PIPE, text=True)
+        self.assertIn(mutants.__doc__, done.stdout)
+
+
 class SampleTreeTest(unittest.TestCase):
     """A tiny tree with a known survivor."""
 
