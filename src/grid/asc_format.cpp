@@ -9,8 +9,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <string>
 
@@ -42,6 +44,7 @@ bool formatScaled(float value, std::int32_t width, std::int32_t decimals, char* 
         *--begin = '-';
     }
     const auto length = end - begin;
+    assert(length <= std::ssize(text));
     if (length > width) {
         return false;
     }

@@ -106,6 +106,25 @@ TEST(SystemCli, HintsMayFail)
     expectGood(fail("fallocate", 1, EOPNOTSUPP));
 }
 
+// Cells that wait in a file may find it full: then they are computed once more, when it is their turn.
+TEST(SystemCli, CellsThatCannotWaitAreComputedLater)
+{
+    for (const std::string operation : {"-max", "-dif"}) {
+        ToolRun run(("-b " + operation + " a.flt b.flt -out m.flt").c_str());
+        giveFlt(run, "a", {{1, 2, kNull}, {4, 5, 6}});
+        giveFlt(run, "b", {{0, 1, kNull}, {2, 2, 2}});
+        askSystem(run, fail("pwrite", 1, ENOSPC), "calls.log");
+        run.start();
+        EXPECT_TRUE(run.reachedEnd()) << run.console();
+        EXPECT_NE(run.read("calls.log").find("pwrite"), std::string::npos);
+        if (operation == "-max") {
+            EXPECT_GRID(run, "m.flt", {{1, 2, kNull}, {4, 5, 6}});
+        } else {
+            EXPECT_GRID(run, "m.flt", {{1, 1, kNull}, {2, 3, 4}});
+        }
+    }
+}
+
 TEST(SystemCli, ShortReadsAndWritesAreGoneOnWith)
 {
     expectGood("short read 1");

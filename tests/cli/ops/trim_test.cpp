@@ -124,6 +124,26 @@ TEST(TrimCli, NullCellsStayNullAndTheNullIsTheGrids)
     EXPECT_EQ(run.grid("a_dem.asc").null, -1);
 }
 
+// The grid has room, of 6 by 8 cells; the first cut, of 4 by 5, has not, and so many cuts are made one at a time.
+TEST(TrimCli, ACutThatFindsNoRoomEndsTheRun)
+{
+    ToolRun run("-b -trim l.mif dem.flt");
+    giveFlt(run, "dem", numbered(6, 8));
+    std::string body;
+    std::string records;
+    for (int i = 1; i <= 17; ++i) {
+        body += kFirst;
+        records += "r" + std::to_string(i) + "\n";
+    }
+    giveLayer(run, body, records);
+    run.environment("GRIDFORGE_MEMORY", std::to_string(4 * (6 * 8 + 4 * 5) - 1));
+    run.environment("GRIDFORGE_SCRATCH", "/nowhere");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("Allocating 0Kb memory for storing output grid...",
+                                       "ERROR - Could not allocate enough memory (RAM)."));
+    EXPECT_NO_OTHER_FILES(run);
+}
+
 TEST(TrimCli, ARegionOverTheEdgeIsCutThere)
 {
     ToolRun run("-b -trim l.mif dem.asc");

@@ -88,6 +88,7 @@ TEST(LpCli, CheckWritesTheSearchLinesAndTheCellsFound)
     giveLines(run, kMain, "\"main\"\n");
     run.start();
     EXPECT_CONSOLE_HOLDS(run, {"Opening GIS Layer: l_LP_check.mif", "GIS Layer assigned ID of 2"});
+    EXPECT_CONSOLE_HOLDS(run, joined({closedMif("l"), closedMif("l_LP_check", 2, 1003)}));
     EXPECT_EQ(
         run.read("l_LP_check.mif"),
         "Version 300\r\nCharset \"WindowsLatin1\"\r\nDelimiter \",\"\r\nCoordSys NonEarth Units \"m\"\r\n"

@@ -177,6 +177,18 @@ TEST(NaCli, TenthsEndAtAWholeHeightPastTheTenthStep)
                                                              2800, 2900, 3000, 3250, 3500));
 }
 
+TEST(NaCli, TheFirstOfEqualHeightsIsTheLowest)
+{
+    for (const bool signFirst : {false, true}) {
+        const double first = signFirst ? -0.0 : 0.0;
+        ToolRun run("-b -na n.mif dem.asc");
+        giveRegions(run, kSquare, node("pond"), terrain({1, first, -first, 1, first, -first, 1, 1, 1}));
+        run.start();
+        EXPECT_TRUE(run.says(signFirst ? "Elevations range from -0. to 1." : "Elevations range from 0. to 1."))
+            << run.console();
+    }
+}
+
 TEST(NaCli, ValuesBeyondTheLadderAreReportedAndNotCounted)
 {
     ToolRun run("-b -na n.mif dem.asc");

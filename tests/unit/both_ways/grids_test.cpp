@@ -2,6 +2,7 @@
 // and in whatever pieces, or step by step.
 #include "driver/operations.h"
 #include "driver/scan.h"
+#include "grid/cell_store.h"
 #include "ops/conv.h"
 #include "run/cells_ahead.h"
 
@@ -278,6 +279,14 @@ TEST(Ways, StepByStepWhereCellsFindNoRoom)
 {
     const Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "/nowhere"}});
     expectWay(run::Way::noRoom, {{"a.asc", kOnes}, {"b.asc", kSevens}});
+}
+
+TEST(Ways, AheadInTheRoomOfOneTextAtATime)
+{
+    const Environment environment({{"GRIDFORGE_MEMORY", "48"}}); // for six cells of the output and six of an input
+    const std::size_t files = grid::filesOfCells();
+    expectWay(run::Way::ahead, {{"a.asc", kOnes}, {"b.asc", kSevens}});
+    EXPECT_EQ(grid::filesOfCells(), files);
 }
 
 TEST(Ways, StepByStepWhereAReadIsRefused)

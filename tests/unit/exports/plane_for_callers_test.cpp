@@ -177,6 +177,8 @@ TEST(InterpolateTriangleNoChecks, TakesTheSlopeRulesInTheirOrder)
     EXPECT_EQ((Triangle{{2, 2, 2}, {0, 4, 8}, {0, 4, 10}}.uncheckedAt(2, 6)), 7.5F);
     // Edge upright: q is (0, 2), half-way up, and p half-way from 10 to 2.
     EXPECT_EQ((Triangle{{0, 0, 4}, {0, 4, 2}, {0, 4, 10}}.uncheckedAt(2, 2)), 6.0F);
+    // With a ray that climbs from (4, 1) by (2, 2): q is (0, 3) with 3, and p half-way from 10 to that.
+    EXPECT_EQ((Triangle{{0, 0, 4}, {0, 4, 1}, {0, 4, 10}}.uncheckedAt(2, 2)), 6.5F);
     // Ray upright.
     EXPECT_EQ(kTent.uncheckedAt(2, 2), 6.0F);
     // Neither: slopes 0 and -2 meet at (2, 0); root 5 of root 20 from vertex 3.

@@ -11,6 +11,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace gridforge {
@@ -72,6 +73,16 @@ void expectPlainFields(const std::vector<float>& row, int width, int decimals)
 TEST(AscFormat, FieldsOfADefaultGrid)
 {
     EXPECT_EQ(formatted({12.5F, -9999, 12.25F}, 10, 3), "    12.500 -9999.000    12.250");
+}
+
+TEST(AscFormat, FieldsOfAllTheDigitsThatScalingGives)
+{
+    // Sixteen digits, the point and a sign: what is scaled stays below 2^51, about 2.25e15.
+    for (const auto& [value, decimals] : {std::pair(-1.5e12F, 3), std::pair(-2.0e15F, 0), std::pair(-1500.25F, 12)}) {
+        std::vector<char> text(20);
+        grid::formatAscFields(std::vector<float>{value}, 20, decimals, text.data());
+        EXPECT_EQ(std::string(text.data(), text.size()), plainField(value, 20, decimals));
+    }
 }
 
 TEST(AscFormat, NoDecimalsKeepThePoint)

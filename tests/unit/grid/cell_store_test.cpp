@@ -1,6 +1,7 @@
 #include "grid/cell_store.h"
 
 #include "host/positions.h"
+#include "host/system.h"
 #include "support/environment.h"
 #include "support/grids.h"
 #include "support/scratch_folder.h"
@@ -99,6 +100,19 @@ TEST(CellStore, TakesAnotherFolderWhereOneIsMissingButForTheOneGiven)
     const Environment nowhere({{"GRIDFORGE_SCRATCH", "/nowhere"}});
     EXPECT_FALSE(store.take(5, "."));
     EXPECT_EQ(store.size(), 0U);
+}
+
+TEST(CellStore, HasNoRoomOnADiskThatHasNone)
+{
+    System full = nativeSystem();
+    full.setAside = [](SystemFile, std::int64_t) { return false; };
+    useSystem(full);
+    const Environment little({{"GRIDFORGE_MEMORY", "1"}});
+    grid::CellStore store;
+    EXPECT_FALSE(store.take(5, "."));
+    EXPECT_EQ(store.size(), 0U);
+    EXPECT_FALSE(store.isInFile());
+    useSystem(nativeSystem());
 }
 
 TEST(CellStore, ReadsTheCellsOfAGridWhereTheyAre)

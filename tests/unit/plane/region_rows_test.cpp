@@ -234,6 +234,19 @@ TEST(RegionRows, AgreeOnCoordinatesThatAreNoNumbersOrTooLarge)
             ASSERT_TRUE(agrees(rings, {-1, 0, 1, 2.5, 3, 1e20, odd}, steps(-12, 0.5, 50))) << round << ", " << odd;
         }
     }
+    // Where all of them are too large, products are infinite and their differences no numbers.
+    for (const double scale : {1e16, 1e19, 1e20, 1e25, 1e38, 1e100}) {
+        for (int round = 0; round < 100; ++round) {
+            const Rings rings = randomRings(random, 6, scale, scale, scale);
+            ASSERT_TRUE(agrees(rings, steps(0.75 * scale, 0.25 * scale, 28), steps(0.75 * scale, 0.25 * scale, 28)))
+                << round << ", " << scale;
+        }
+    }
+    // To a place beyond single precision the ray meets the vertex at (4, 0) and no other edge.
+    Rings house;
+    house.add({{5, -1}, {15, -1}, {15, 1}, {5, 1}, {4, 0}});
+    EXPECT_TRUE(plain(house, 1e300, 0));
+    EXPECT_TRUE(agrees(house, {0, 0.5}, {0, 10, 20, 1e300}));
     const Rings rings = randomRings(random, 6, 1, 0, 0);
     EXPECT_TRUE(agrees(rings, {0, 3, 1e16, 1e300, kInfinity}, {-kInfinity, -1e300, 0, 3, 1e16, 1e300, kInfinity}));
     EXPECT_FALSE(insideRegion(prepared(rings), std::numeric_limits<double>::quiet_NaN(), 3));

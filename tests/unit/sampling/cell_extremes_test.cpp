@@ -1,5 +1,6 @@
 #include "sampling/cell_extremes.h"
 
+#include "plane/cell_window.h"
 #include "plane/geometry.h"
 #include "support/searched_cells.h"
 
@@ -128,6 +129,34 @@ TEST(CellExtremes, KeepTheFirstOfEqualOnes)
     EXPECT_EQ(wide.lowest->y, 51);
     EXPECT_EQ(wide.lowest->x, 99);
     EXPECT_EQ(wide.highest->x, 99);
+}
+
+TEST(CellExtremes, MayLieInTheFirstRowAndColumnOfTheGrid)
+{
+    SearchedGrid made;
+    setLattice(made, 9, 9, false, 1.0F);
+    for (float& cell : made.cells.cells()) {
+        cell = 3;
+    }
+    made.cells(1, 2) = 1;
+    made.cells(2, 1) = 5;
+    sampling::CellSearch search = sampling::searchAround(made.header, 1.5, 1.5, 5.0F);
+    search.window = withinGrid(search.window, made.header);
+    sampling::ExtremeSearch extremes(made.header, made.cells);
+    const sampling::FoundExtremes found = extremes.find(search);
+    ASSERT_TRUE(found.lowest && found.highest);
+    EXPECT_EQ(found.lowest->value, 1);
+    EXPECT_EQ(found.lowest->x, 2);
+    EXPECT_EQ(found.lowest->y, 1);
+    EXPECT_EQ(found.highest->value, 5);
+    EXPECT_EQ(found.highest->x, 1);
+    EXPECT_EQ(found.highest->y, 2);
+    // The other way round.
+    made.cells(1, 2) = 5;
+    made.cells(2, 1) = 1;
+    sampling::ExtremeSearch turned(made.header, made.cells);
+    EXPECT_EQ(turned.find(search).lowest->x, 1);
+    EXPECT_EQ(turned.find(search).highest->y, 1);
 }
 
 TEST(CellExtremes, OfAnEmptyWindowAreNone)
