@@ -76,6 +76,17 @@ TEST(CellStore, TakesTheExtremesOfAnotherWithItsCells)
     EXPECT_EQ(other.extremes()->largest, 4);
 }
 
+TEST(CellStore, LeavesMemoryForAFile)
+{
+    const ScratchFolder folder;
+    grid::CellStore store;
+    ASSERT_TRUE(store.take(5, folder.path().string()));
+    ASSERT_TRUE(store.takeForFile(5, folder.path().string()));
+    EXPECT_TRUE(store.isInFile());
+    EXPECT_TRUE(store.inMemory().empty());
+    putAndGet(store);
+}
+
 TEST(CellStore, CountsTheMemoryOfAllStores)
 {
     const ScratchFolder folder;

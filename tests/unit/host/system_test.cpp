@@ -303,6 +303,7 @@ TEST(MemorySystem, RefusesFilesThatMemoryHasNoRoomFor)
     const System& system = memorySystem();
     const SystemFile file = system.open("a", OpenFor::updating);
     EXPECT_LT(system.writeAt(file, kTerabyte, std::string("x")), 0);
+    EXPECT_LT(system.writeAt(file, std::int64_t{1} << 30, std::string("x")), 0); // the byte after the largest file
     EXPECT_TRUE(system.seek(file, kTerabyte));
     EXPECT_LT(system.write(file, std::string("x")), 0);
     EXPECT_FALSE(system.truncate(file, kTerabyte));

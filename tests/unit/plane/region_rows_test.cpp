@@ -247,6 +247,10 @@ TEST(RegionRows, AgreeOnCoordinatesThatAreNoNumbersOrTooLarge)
     house.add({{5, -1}, {15, -1}, {15, 1}, {5, 1}, {4, 0}});
     EXPECT_TRUE(plain(house, 1e300, 0));
     EXPECT_TRUE(agrees(house, {0, 0.5}, {0, 10, 20, 1e300}));
+    // To such a place in the west no edge either, not even of those between it and the start of the ray, here at 10.
+    house.xmin = 20;
+    EXPECT_FALSE(plain(house, -1e300, 0.5));
+    EXPECT_TRUE(agrees(house, {0, 0.5}, {-1e300, 0, 7, 12}));
     const Rings rings = randomRings(random, 6, 1, 0, 0);
     EXPECT_TRUE(agrees(rings, {0, 3, 1e16, 1e300, kInfinity}, {-kInfinity, -1e300, 0, 3, 1e16, 1e300, kInfinity}));
     EXPECT_FALSE(insideRegion(prepared(rings), std::numeric_limits<double>::quiet_NaN(), 3));

@@ -25,6 +25,16 @@ TEST(RainByHyetograph, RainsWhereTheNumberIsAbove0)
     EXPECT_THAT(total, ElementsAre(11, 2, 3, 24));
 }
 
+TEST(RainByHyetograph, LooksAtNoDepthOfOthersWhereItDoesNotRain)
+{
+    std::vector<float> step(2, 7.0F);
+    std::vector<float> total{1, 2};
+    rainfall::rainByHyetograph(std::vector<float>{0}, std::vector<std::int32_t>{0, -999}, std::vector<float>{0.5F, 5},
+                               kNull, step, total);
+    EXPECT_THAT(step, ElementsAre(kNull, kNull));
+    EXPECT_THAT(total, ElementsAre(1, 2));
+}
+
 TEST(RainByTriangle, GoesAlongTheEdgeAndThenFromTheThirdCorner)
 {
     std::vector<float> step(4, 7.0F);
