@@ -3,7 +3,8 @@
 #include "core/number_text.h"
 #include "core/worker_rooms.h"
 #include "grid/asc_format.h"
-#include "host/ends.h"
+#include "grid/reader.h"
+#include "host/console.h"
 #include "host/positions.h"
 #include "host/threads.h"
 
@@ -22,12 +23,11 @@ constexpr std::int32_t kWriteProgressRows = 1000;
 constexpr std::size_t kPieceCells = std::size_t{1} << 17;
 constexpr std::string_view kLineEnd = "\r\n";
 
-// Cells that cannot be read back count as memory that ran out.
 std::span<const float> fetched(const CellSource& cells, std::size_t first, std::size_t count, std::span<float> room)
 {
     const auto got = cells.get(first, count, room);
     if (!got) {
-        failMemory();
+        failFetch(cells.isOnlyRead());
     }
     return *got;
 }
@@ -186,7 +186,7 @@ std::int32_t ascFieldWidth(const CellSource& cells, std::int32_t decimals)
     const std::optional<ValueRange> known = cells.extremes();
     const std::optional<ValueRange> extremes = known ? known : extremesOf(cells);
     if (!extremes) {
-        failMemory();
+        failFetch(cells.isOnlyRead());
     }
     const float magnitude = std::max(extremes->largest, std::fabs(extremes->smallest));
     return decimals + static_cast<std::int32_t>(AREALD(magnitude, 0).size()) + 2;

@@ -37,6 +37,8 @@ public:
     std::size_t size() const { return static_cast<std::size_t>(nrows_) * static_cast<std::size_t>(ncols_); }
     // Do the cells lie in a file, from which they must be fetched?
     bool isInFile() const { return kept_ != nullptr && kept_->isInFile(); }
+    // Is that file an input?
+    bool isOnlyRead() const { return kept_ != nullptr && kept_->isOnlyRead(); }
     // The extremes of all cells, if they are known already.
     std::optional<ValueRange> extremes() const { return kept_ == nullptr ? std::nullopt : kept_->extremes(); }
     // A hint that these will be read soon.

@@ -24,6 +24,14 @@ void failCells()
     EXITS();
 }
 
+void failFetch(bool onlyRead)
+{
+    if (onlyRead) {
+        failCells();
+    }
+    failMemory();
+}
+
 namespace {
 
 // Calls `readRow` for each row, the north row first.

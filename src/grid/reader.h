@@ -20,5 +20,7 @@ void readPassedCells(const GridLook& look, Grid& cells);
 
 // Ends the run where cells cannot be read.
 [[noreturn]] void failCells();
+// The same where they cannot be fetched: those of an input are only read, those that wait count as memory.
+[[noreturn]] void failFetch(bool onlyRead);
 
 } // namespace gridforge::grid

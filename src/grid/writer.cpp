@@ -3,6 +3,7 @@
 #include "core/number_text.h"
 #include "core/text.h"
 #include "grid/asc_write.h"
+#include "grid/reader.h"
 #include "host/ends.h"
 #include "host/units.h"
 
@@ -50,7 +51,7 @@ void copyCells(Unit unit, const CellSource& cells)
     for (std::size_t first = 0; first < cells.size(); first += piece) {
         const auto got = cells.get(first, std::min(piece, cells.size() - first), room);
         if (!got) {
-            failMemory(); // cells that cannot be read back
+            failFetch(cells.isOnlyRead());
         }
         writeBytes(unit, std::as_bytes(*got));
     }

@@ -1,6 +1,6 @@
 #include "netcdf/cell_writer.h"
 
-#include "host/ends.h"
+#include "grid/reader.h"
 #include "host/threads.h"
 #include "netcdf/check_netcdf.h"
 #include "netcdf/layout.h"
@@ -95,7 +95,7 @@ void CellWriter::writeChunks(std::optional<std::int32_t> position, std::span<con
         }
         const Packed& packed = packed_[next_++];
         if (packed.bytes == 0) {
-            failMemory();
+            grid::failFetch(laid.front().isOnlyRead());
         }
         checkNetcdf(dataset_->write(position, chunk / across * dataset_->form().rows,
                                     chunk % across * dataset_->form().columns, packed.room.all().first(packed.bytes)),
@@ -143,7 +143,7 @@ void CellWriter::writeBands(std::optional<std::int32_t> position, const grid::Ce
         const std::size_t taken = std::min(rowsOfBand, nrows_ - row);
         const auto cells = cellsOf(laid, row * ncols_, std::span(room).first(taken * ncols_));
         if (!cells) {
-            failMemory();
+            grid::failFetch(laid.isOnlyRead());
         }
         const std::array<std::size_t, 3> start{static_cast<std::size_t>(position.value_or(1) - 1), row, 0};
         const std::array<std::size_t, 3> count{1, taken, ncols_};

@@ -2,6 +2,7 @@
 
 #include "core/names.h"
 #include "grid/allocate.h"
+#include "grid/reader.h"
 #include "grid/writer.h"
 #include "host/ends.h"
 #include "host/file_system.h"
@@ -22,17 +23,20 @@ OutputWish wishOf(const Common& common, const InputFileList& inputs, const CellP
     return outputWish(common, name, looks.front().format, plan.grids);
 }
 
-bool copyCells(const grid::CellStore& from, grid::CellStore& to)
+// Ends the run where there is no room for them, or they can no longer be read.
+void copyCells(const grid::CellStore& from, grid::CellStore& to)
 {
     constexpr std::size_t kPiece = std::size_t{1} << 18;
     std::vector<float> room(kPiece);
     for (std::size_t first = 0; first < from.size(); first += kPiece) {
         const auto got = from.get(first, std::min(kPiece, from.size() - first), room);
-        if (!got || !to.put(first, *got)) {
-            return false;
+        if (!got) {
+            grid::failFetch(from.isOnlyRead());
+        }
+        if (!to.put(first, *got)) {
+            failMemory();
         }
     }
-    return true;
 }
 
 // Cells that are still in the file of the input find other room where that file is about to be replaced.
@@ -42,9 +46,10 @@ void moveFromOutput(grid::CellStore& cells, const std::string& input, grid::Form
         return;
     }
     grid::CellStore moved;
-    if (!moved.take(cells.size(), systemName(FILEFOLDERPATH(base))) || !copyCells(cells, moved)) {
+    if (!moved.take(cells.size(), systemName(FILEFOLDERPATH(base)))) {
         failMemory();
     }
+    copyCells(cells, moved);
     cells = std::move(moved);
 }
 

@@ -86,6 +86,25 @@ TEST(SystemCli, AFailedReadEndsTheRun)
     EXPECT_EQ(ends, 1);
 }
 
+// They stay in their file until they become text.
+TEST(SystemCli, AFailedReadOfCellsEndsTheRun)
+{
+    int ends = 0;
+    for (int number = 1; number <= 8; ++number) {
+        ToolRun run("-b -conv a.flt");
+        run.give("a.hdr", hdr(2, 3));
+        run.give("a.flt", fltCells({{1, 2}, {3, 4}, {5, 6}}));
+        askSystem(run, fail("pread", number, EIO));
+        run.start();
+        if (!run.reachedEnd()) {
+            ++ends;
+            EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR 2334 - Reading Grid file data.  Check format and file is "
+                                               "complete by viewing in GIS."));
+        }
+    }
+    EXPECT_GE(ends, 3); // the rows
+}
+
 // The answer is there all the same, and a second read would find it.
 TEST(SystemCli, AFailedReadOfAnAnswerEndsTheRun)
 {

@@ -51,6 +51,9 @@ std::string obstacle(const RecordedRun& run)
     if (sets(run.environment, "GRIDFORGE_PROGRESS=") || sets(run.arguments, "GRIDFORGE_PROGRESS=")) {
         return "shows its progress, as earlier executables do not";
     }
+    if (sets(run.environment, "GRIDFORGE_SCRATCH=/nowhere")) {
+        return "finds no room, of which another executable may take less";
+    }
     if (sets(run.environment, "LD_")) {
         return "asks the loader of shared libraries, which earlier executables need for others";
     }

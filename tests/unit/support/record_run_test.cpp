@@ -97,6 +97,8 @@ TEST(RecordRun, SaysWhatCannotBeRepeated)
               "left out=fails at a call of a library");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("GRIDFORGE_PROGRESS=lines"); }),
               "left out=shows its progress, as earlier executables do not");
+    EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("GRIDFORGE_SCRATCH=/nowhere"); }),
+              "left out=finds no room, of which another executable may take less");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("LD_DEBUG=files"); }),
               "left out=asks the loader of shared libraries, which earlier executables need for others");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { mkfifo((run.folder / "in").c_str(), 0600); }),
