@@ -177,10 +177,10 @@ std::optional<std::span<const float>> CellStore::get(std::size_t first, std::siz
     return get(first, fetched) ? std::optional<std::span<const float>>(fetched) : std::nullopt;
 }
 
-void CellStore::willRead(std::size_t first, std::size_t count) const
+void CellStore::willRead(std::size_t first, std::size_t count, ReadOf of) const
 {
     if (isInFile()) {
-        theSystem().willRead(file_, placeOf(first), placeOf(count));
+        theSystem().willRead(file_, placeOf(first), placeOf(count), of);
     }
 }
 

@@ -51,8 +51,8 @@ public:
     // The extremes of all cells, noted by whoever has found them and valid until a cell changes. Nothing if nobody has.
     void noteExtremes(const ValueRange& extremes) { extremes_ = extremes; }
     const std::optional<ValueRange>& extremes() const { return extremes_; }
-    // A hint that these will be read soon.
-    void willRead(std::size_t first, std::size_t count) const;
+    // A hint that these, or some of them, will be read soon.
+    void willRead(std::size_t first, std::size_t count, ReadOf of = ReadOf::all) const;
 
     // Makes the cells the whole of the file `name`. Returns that file, open, and leaves the store empty. None, and nothing
     // has changed, if that cannot be done in one step: then the cells must be copied.

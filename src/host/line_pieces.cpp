@@ -57,7 +57,7 @@ std::optional<std::string_view> LinePieces::read(std::size_t piece, std::size_t 
     const std::int64_t start = from_ + static_cast<std::int64_t>(piece * bytes_);
     const std::size_t length = before + std::min(bytes_, static_cast<std::size_t>(end_ - start));
     if (piece % kHintedPieces == 0) {
-        theSystem().willRead(file_, start, static_cast<std::int64_t>(kHintedPieces * bytes_));
+        theSystem().willRead(file_, start, static_cast<std::int64_t>(kHintedPieces * bytes_), ReadOf::all);
     }
     TextWindow window{text_.of(worker), start - static_cast<std::int64_t>(before), 0};
     if (!readOn(window, length + usualReach_)) {

@@ -25,6 +25,9 @@ enum class OpenFor {
     updating,  // reads and writes in place; a missing file is made
 };
 
+// How much of a stretch is read, of which a hint tells.
+enum class ReadOf { all, parts };
+
 enum class SystemStatus {
     done,
     noSuchFile,
@@ -70,8 +73,8 @@ struct System {
     bool (*seek)(SystemFile file, std::int64_t position);
     bool (*truncate)(SystemFile file, std::int64_t size);
     void (*reserve)(SystemFile file, std::int64_t position, std::int64_t count); // a hint that so much will be written
-    void (*willRead)(SystemFile file, std::int64_t position,
-                     std::int64_t count); // a hint that so much will be read soon
+    // A hint that so much, or some of it, will be read soon.
+    void (*willRead)(SystemFile file, std::int64_t position, std::int64_t count, ReadOf of);
     std::optional<FileFacts> (*factsOfOpen)(SystemFile file);
 
     // --- Files without a name, read and written by position, which are gone when they are closed

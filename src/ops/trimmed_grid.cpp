@@ -46,7 +46,8 @@ run::Way cutCells(const grid::CellStore& cells, const GridHeader& header, const 
         some.lastRow -= static_cast<std::int32_t>(first / columns);
         some.firstRow = some.lastRow - static_cast<std::int32_t>(target.size() / columns) + 1;
         if (2 * columns >= static_cast<std::size_t>(header.ncols)) {
-            cells.willRead(placeOf(header, some.lastRow, 1), rowsOf(some) * static_cast<std::size_t>(header.ncols));
+            cells.willRead(placeOf(header, some.lastRow, 1), rowsOf(some) * static_cast<std::size_t>(header.ncols),
+                           columns < static_cast<std::size_t>(header.ncols) ? ReadOf::parts : ReadOf::all);
         }
         bool good = true;
         copyInside(cut.region, header, some, target,

@@ -209,7 +209,7 @@ bool truncateFile(SystemFile file, std::int64_t size)
 
 void reserveInFile(SystemFile, std::int64_t, std::int64_t) {}
 
-void willReadFile(SystemFile, std::int64_t, std::int64_t) {}
+void willReadFile(SystemFile, std::int64_t, std::int64_t, ReadOf) {}
 
 std::optional<FileFacts> factsOfOpenFile(SystemFile file)
 {

@@ -159,12 +159,14 @@ bool readsFarAhead(dev_t device)
     return last->second;
 }
 
-// What a hint names is read by single pages, what the system reads ahead itself by large ones: twice as fast.
-void willReadFile(SystemFile file, std::int64_t position, std::int64_t count)
+// What a hint names is read by single pages, what the system reads ahead itself by large ones: twice as fast. But where only
+// parts are read it reads none ahead.
+void willReadFile(SystemFile file, std::int64_t position, std::int64_t count, ReadOf of)
 {
     constexpr std::int64_t kWorthAHint = std::int64_t{1} << 18;
     struct stat status = {};
-    if (count >= kWorthAHint && ::fstat(descriptorOf(file), &status) == 0 && !readsFarAhead(status.st_dev)) {
+    if (count >= kWorthAHint && ::fstat(descriptorOf(file), &status) == 0 &&
+        (of == ReadOf::parts || !readsFarAhead(status.st_dev))) {
         posix_fadvise(descriptorOf(file), position, count, POSIX_FADV_WILLNEED);
     }
 }

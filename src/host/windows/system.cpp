@@ -277,7 +277,7 @@ void reserveInFile(SystemFile file, std::int64_t position, std::int64_t count)
     }
 }
 
-void willReadFile(SystemFile, std::int64_t, std::int64_t) {}
+void willReadFile(SystemFile, std::int64_t, std::int64_t, ReadOf) {}
 
 std::optional<FileFacts> factsOfOpenFile(SystemFile file)
 {

@@ -249,7 +249,7 @@ TEST_P(EachSystem, KeepsAFileWithoutANameUntilItGetsOne)
     EXPECT_TRUE(system_.setAside(file, 4));
     EXPECT_EQ(system_.writeAt(file, 2, std::string("cd")), 2);
     EXPECT_EQ(system_.writeAt(file, 0, std::string("ab")), 2);
-    system_.willRead(file, 0, 4);
+    system_.willRead(file, 0, 4, ReadOf::all);
     EXPECT_EQ(readSomeAt(file, 0, 9), "abcd");
     std::vector<std::string> names;
     EXPECT_EQ(system_.list(folder(), names), SystemStatus::done);

@@ -76,7 +76,8 @@ void expectSameAfterAHint(const std::string& name)
     constexpr std::int64_t kHinted = 1'000'000;
     std::ofstream(name) << std::string(kHinted, 'a') << "bcd";
     const SystemFile file = nativeSystem().open(name, OpenFor::reading);
-    nativeSystem().willRead(file, 0, kHinted);
+    nativeSystem().willRead(file, 0, kHinted, ReadOf::all);
+    nativeSystem().willRead(file, 0, kHinted, ReadOf::parts);
     std::array<char, 3> end{};
     EXPECT_EQ(nativeSystem().readAt(file, kHinted, end), 3) << name;
     EXPECT_EQ(std::string(end.data(), end.size()), "bcd") << name;
