@@ -55,16 +55,23 @@ bool KeptMaximum::start(const GridHeader& lattice, const std::string& folder)
            });
 }
 
-bool KeptMaximum::raise(const grid::CellStore& laid)
+run::Way KeptMaximum::raise(const grid::CellStore& laid)
 {
     assert(laid.size() == cells_.size());
-    return overPieces(cells_, [&](std::size_t first, std::span<float> kept, std::span<float> room) {
+    std::atomic<bool> refused = false;
+    const bool good = overPieces(cells_, [&](std::size_t first, std::span<float> kept, std::span<float> room) {
         const auto cells = cellsOf(laid, first, room);
-        if (cells) {
-            raiseMaximum(*cells, null_, kept);
+        if (!cells) {
+            refused = true;
+            return false;
         }
-        return cells.has_value();
+        raiseMaximum(*cells, null_, kept);
+        return true;
     });
+    if (good) {
+        return run::Way::ahead;
+    }
+    return refused ? run::Way::readRefused : run::Way::noRoom;
 }
 
 } // namespace gridforge::netcdf

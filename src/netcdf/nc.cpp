@@ -4,6 +4,7 @@
 #include "core/names.h"
 #include "core/product.h"
 #include "grid/allocate.h"
+#include "grid/reader.h"
 #include "host/ends.h"
 #include "netcdf/cell_writer.h"
 #include "netcdf/check_netcdf.h"
@@ -252,8 +253,9 @@ void Series::write(std::int32_t i)
     }
     writer_->write(i, grids_.from(i));
     sync();
-    if (!maximum_.raise(grids_.from(i).front())) {
-        failMemory();
+    const grid::CellStore& laid = grids_.from(i).front();
+    if (const run::Way way = maximum_.raise(laid); way != run::Way::ahead) {
+        grid::failFetch(way == run::Way::readRefused && laid.isOnlyRead());
     }
     if (i == inputs_.count()) {
         writeMaximum();

@@ -45,9 +45,12 @@ run::Way cutCells(const grid::CellStore& cells, const GridHeader& header, const 
         CellWindow some = cut.window;
         some.lastRow -= static_cast<std::int32_t>(first / columns);
         some.firstRow = some.lastRow - static_cast<std::int32_t>(target.size() / columns) + 1;
-        if (2 * columns >= static_cast<std::size_t>(header.ncols)) {
-            cells.willRead(placeOf(header, some.lastRow, 1), rowsOf(some) * static_cast<std::size_t>(header.ncols),
-                           columns < static_cast<std::size_t>(header.ncols) ? ReadOf::parts : ReadOf::all);
+        // To read on takes no longer than to jump over so little.
+        constexpr std::size_t kWorthAJump = std::size_t{1} << 16;
+        const auto ncols = static_cast<std::size_t>(header.ncols);
+        if (ncols - columns < kWorthAJump) {
+            cells.willRead(placeOf(header, some.lastRow, 1), rowsOf(some) * ncols,
+                           columns < ncols ? ReadOf::parts : ReadOf::all);
         }
         bool good = true;
         copyInside(cut.region, header, some, target,

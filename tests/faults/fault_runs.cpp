@@ -95,6 +95,14 @@ void giveLargeFlts(ToolRun& run)
     run.give("a.flt", bytes);
 }
 
+// So wide that rows of a series are taken from the file of the grid.
+void giveWideFlts(ToolRun& run)
+{
+    const Cells cells = manyCells(5, 17);
+    giveFlt(run, "a", cells);
+    giveFlt(run, "b", cells);
+}
+
 void giveClasses(ToolRun& run)
 {
     giveAscs(run);
@@ -196,6 +204,13 @@ void giveRegions(ToolRun& run)
     giveTerrain(run);
     giveObjects(run, "l", {{"NAME", 'C', 10}},
                 {{5, box(1.5, 1.5, 4.5, 3.5), {"first"}}, {5, box(4.5, 2.5, 7.5, 6.5), {"second"}}});
+}
+
+// Of most columns, so that much of the grid is named in a hint before parts of it are read.
+void giveLargeRegion(ToolRun& run)
+{
+    giveLargeFlts(run);
+    giveMifLayer(run, "l", {{"NAME", 'C', 10}}, {{5, box(101.5, 1.5, 1000.5, 1000.5), {"most"}}});
 }
 
 template <GiveObjects giveObjects>
@@ -412,6 +427,7 @@ const std::vector<FaultRun>& faultRuns()
         {"XyzFlt", "-b -xyz p.xyz -flt", givePoints, true},
         {"TrimMif", "-b -trim l.mif dem.asc", giveRegions<giveMifLayer>, true},
         {"TrimShp", "-b -trim l.shp dem.asc -flt", giveRegions<giveShpLayer>, true},
+        {"TrimLarge", "-b -trim l.mif a.flt", giveLargeRegion, true},
         {"TrimWaiting", "-b -trim l.mif dem.asc", giveRegions<giveMifLayer>, true, {{"GRIDFORGE_MEMORY", "1"}}},
         {"BreaklinesMif", "-b -brkline l.mif -check dem.asc", giveBreaklines<giveMifLayer>, false},
         {"BreaklinesShp", "-b -brkline l.shp -check dem.asc", giveBreaklines<giveShpLayer>, false},
@@ -429,6 +445,7 @@ const std::vector<FaultRun>& faultRuns()
         {"DamagesMif", "-b -damages c.dmg", giveMifBuildings, false},
         {"DamagesShp", "-b -damages c.dmg -out d.shp", giveShpBuildings, false},
         {"SeriesBlock", "-b -nc a.asc b.asc", giveAscs, false},
+        {"SeriesWide", "-b -nc a.flt b.flt -nc_part1 -out s.nc", giveWideFlts, false},
         {"SeriesParts", "-b -nc a.flt b.flt -nc_part1 -nc_comp5 -out s.nc", giveFlts, false},
         {"RainPolygonsAsc", "-b -rf rain.rfc", [](ToolRun& r) { givePolygonRain<giveMifLayer>(r, ".mif", "ASC"); },
          true},

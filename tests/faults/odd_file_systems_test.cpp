@@ -18,7 +18,7 @@ struct Lack {
 };
 
 const Lack kLacks[] = {{"fallocate", EOPNOTSUPP}, {"unnamed", EOPNOTSUPP}, {"link", EPERM},
-                       {"rename", EEXIST},        {"lock", ENOSYS},        {"advise", ENOSYS}};
+                       {"rename", EEXIST},        {"lock", ENOSYS},        {"fadvise", ENOSYS}};
 
 std::string missionOf(const Lack& lack)
 {

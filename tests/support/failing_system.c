@@ -48,7 +48,8 @@ enum Function {
     CLOSE,
     FTRUNCATE,
     FALLOCATE,
-    ADVISE,
+    FADVISE,
+    MADVISE,
     MMAP,
     RENAME,
     LINK,
@@ -65,7 +66,7 @@ enum Function {
 };
 
 static const char* const names[FUNCTIONS] = {"open",      "read",      "pread",   "write",   "pwrite", "close",
-                                             "ftruncate", "fallocate", "advise",  "mmap",    "rename", "link",
+                                             "ftruncate", "fallocate", "fadvise", "madvise", "mmap",    "rename", "link",
                                              "unlink",    "stat",      "lseek",   "opendir", "readdir", "unnamed",
                                              "room",      "lock",      "malloc"};
 
@@ -628,8 +629,8 @@ CALL_AS(int, fallocate, (int file, int mode, off_t at, off_t length), (file, mod
 CALL_AS(int, posix_fallocate, (int file, off_t at, off_t length), (file, at, length), enterFile(FALLOCATE, file, -1, 1),
         errno)
 CALL_AS(int, posix_fadvise, (int file, off_t at, off_t length, int advice), (file, at, length, advice),
-        enterFile(ADVISE, file, -1, 0), errno)
-CALL_AS(int, madvise, (void* start, size_t length, int advice), (start, length, advice), enterName(ADVISE, "", '-', 0),
+        enterFile(FADVISE, file, -1, 0), errno)
+CALL_AS(int, madvise, (void* start, size_t length, int advice), (start, length, advice), enterName(MADVISE, "", '-', 0),
         -1)
 CALL_AS(void*, mmap, (void* start, size_t length, int rights, int flags, int file, off_t at),
         (start, length, rights, flags, file, at), enterFile(MMAP, file, -1, 0), MAP_FAILED)

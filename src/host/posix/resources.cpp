@@ -1,19 +1,13 @@
 #include "host/posix/resources.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cstdio>
-#include <fcntl.h>
 #include <fstream>
 #include <limits>
 #include <optional>
 #include <sched.h>
 #include <string>
 #include <sys/resource.h>
-#include <sys/sysmacros.h>
 #include <thread>
-#include <unistd.h>
 
 namespace gridforge::inline host {
 
@@ -117,21 +111,6 @@ std::size_t countProcessors()
     return std::max<std::size_t>(1, std::min<std::size_t>(count, processorsOfGroups()));
 }
 
-// The number that begins a file; 0 if there is none. It takes no memory: who asks can do without an answer.
-std::int64_t numberIn(const char* file)
-{
-    std::array<char, 24> text{};
-    std::int64_t number = 0;
-    if (const int in = ::open(file, O_RDONLY | O_CLOEXEC); in >= 0) {
-        const ssize_t count = ::read(in, text.data(), text.size());
-        if (count > 0) {
-            std::from_chars(text.data(), text.data() + count, number);
-        }
-        ::close(in);
-    }
-    return number;
-}
-
 } // namespace
 
 std::size_t processorsToUse()
@@ -144,19 +123,6 @@ std::uint64_t memoryLeftToTake()
 {
     const std::uint64_t machine = valueAfter("/proc/meminfo", "MemAvailable:").value_or(0) * kKilobyte;
     return std::min({machine, leftInGroups(), leftOf(RLIMIT_AS, "VmSize:"), leftOf(RLIMIT_DATA, "VmData:")});
-}
-
-std::int64_t readAheadOf(std::uint64_t device)
-{
-    std::array<char, 80> file{};
-    std::snprintf(file.data(), file.size(), "/sys/class/bdi/%u:%u/read_ahead_kb", major(device), minor(device));
-    std::int64_t kilobytes = numberIn(file.data());
-    if (kilobytes == 0) { // a part of a disk has none of its own
-        std::snprintf(file.data(), file.size(), "/sys/dev/block/%u:%u/../queue/read_ahead_kb", major(device),
-                      minor(device));
-        kilobytes = numberIn(file.data());
-    }
-    return kilobytes * static_cast<std::int64_t>(kKilobyte);
 }
 
 } // namespace gridforge::inline host

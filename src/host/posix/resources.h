@@ -10,7 +10,5 @@ namespace gridforge::inline host {
 std::size_t processorsToUse();
 // Bytes that the machine, the limits of the process and its control groups still allow.
 std::uint64_t memoryLeftToTake();
-// Bytes by which the system reads the files of a device (`st_dev`) ahead itself; 0 where it does not say.
-std::int64_t readAheadOf(std::uint64_t device);
 
 } // namespace gridforge::inline host

@@ -1,6 +1,7 @@
 // The system by the POSIX calls.
 #include "host/system.h"
 
+#include "host/posix/read_hints.h"
 #include "host/posix/resources.h"
 
 #include <algorithm>
@@ -22,7 +23,6 @@
 #include <system_error>
 #include <thread>
 #include <unistd.h>
-#include <utility>
 
 namespace gridforge::inline host {
 
@@ -148,25 +148,10 @@ void reserveInFile([[maybe_unused]] SystemFile file, [[maybe_unused]] std::int64
 #endif
 }
 
-// Whether the system itself reads the files of a device by as much as a hint would name.
-bool readsFarAhead(dev_t device)
-{
-    constexpr std::int64_t kFar = std::int64_t{1} << 20;
-    thread_local std::optional<std::pair<dev_t, bool>> last;
-    if (!last || last->first != device) {
-        last = {device, readAheadOf(device) >= kFar};
-    }
-    return last->second;
-}
-
-// What a hint names is read by single pages, what the system reads ahead itself by large ones: twice as fast. But where only
-// parts are read it reads none ahead.
 void willReadFile(SystemFile file, std::int64_t position, std::int64_t count, ReadOf of)
 {
-    constexpr std::int64_t kWorthAHint = std::int64_t{1} << 18;
     struct stat status = {};
-    if (count >= kWorthAHint && ::fstat(descriptorOf(file), &status) == 0 &&
-        (of == ReadOf::parts || !readsFarAhead(status.st_dev))) {
+    if (::fstat(descriptorOf(file), &status) == 0 && isHintOfUse(count, of, knownReadAheadOf(status.st_dev))) {
         posix_fadvise(descriptorOf(file), position, count, POSIX_FADV_WILLNEED);
     }
 }

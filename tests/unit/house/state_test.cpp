@@ -44,6 +44,7 @@ TEST(State, StandsWhereThePageSaysSo)
                                               "host/memory/memory_system.cpp",
                                               "host/messages.cpp",
                                               "host/page_room.cpp",
+                                              "host/posix/read_hints.cpp",
                                               "host/posix/system.cpp",
                                               "host/progress.cpp",
                                               "host/system.cpp",

@@ -48,7 +48,7 @@ TEST(KeptMaximum, IsThatOfAllGridsWhereverItWaits)
                 grid::CellStore laid;
                 ASSERT_TRUE(laid.take(100, folder.path().string()));
                 ASSERT_TRUE(laid.put(0, cells));
-                ASSERT_TRUE(maximum.raise(laid));
+                ASSERT_EQ(maximum.raise(laid), run::Way::ahead);
             }
             ASSERT_TRUE(maximum.cells().get(0, kept));
             for (std::size_t i = 0; i < kept.size(); ++i) { // over three grids each cell that is not null is 0, 1 and 2
@@ -70,7 +70,7 @@ TEST(KeptMaximum, CellsThatCannotBeReadBackAreReported)
         EXPECT_TRUE(laid.put(0, std::vector<float>(100)));
         for (const int good : {0, 1, 2}) { // the kept cells, those of the grid
             test::refuseReadsAfter(good);
-            say(maximum.raise(laid) ? "raised" : "not raised");
+            say(maximum.raise(laid) == run::Way::ahead ? "raised" : "not raised");
         }
     });
     EXPECT_EQ(run.console, "not raised\nnot raised\nraised\n");

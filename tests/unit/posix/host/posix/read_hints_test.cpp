@@ -1,4 +1,4 @@
-#include "host/posix/resources.h"
+#include "host/posix/read_hints.h"
 
 #include "host/system.h"
 #include "support/scratch_folder.h"
@@ -43,7 +43,7 @@ fs::directory_iterator entriesOf(const fs::path& folder)
     return {folder, error};
 }
 
-TEST(Resources, KnowHowFarTheSystemReadsADeviceAhead)
+TEST(ReadHints, KnowHowFarTheSystemReadsADeviceAhead)
 {
     for (const auto& device : entriesOf("/sys/class/bdi")) {
         const std::string name = device.path().filename();
@@ -54,7 +54,7 @@ TEST(Resources, KnowHowFarTheSystemReadsADeviceAhead)
 }
 
 // A part of a disk is read ahead as the disk is.
-TEST(Resources, KnowHowFarTheSystemReadsAPartOfADiskAhead)
+TEST(ReadHints, KnowHowFarTheSystemReadsAPartOfADiskAhead)
 {
     for (const auto& part : entriesOf("/sys/class/block")) {
         if (fs::exists(part.path() / "partition")) {
@@ -66,7 +66,32 @@ TEST(Resources, KnowHowFarTheSystemReadsAPartOfADiskAhead)
     }
 }
 
-TEST(Resources, KnowNothingOfADeviceThatIsNotThere)
+TEST(ReadHints, AreOfUseWhereTheSystemReadsLittleAhead)
+{
+    constexpr std::int64_t kKilobytes = 1024;
+    EXPECT_TRUE(isHintOfUse(4096 * kKilobytes, ReadOf::all, 0));
+    EXPECT_TRUE(isHintOfUse(256 * kKilobytes, ReadOf::all, 128 * kKilobytes));
+    EXPECT_FALSE(isHintOfUse(255 * kKilobytes, ReadOf::all, 128 * kKilobytes));
+    EXPECT_TRUE(isHintOfUse(4096 * kKilobytes, ReadOf::all, 1023 * kKilobytes));
+    EXPECT_FALSE(isHintOfUse(4096 * kKilobytes, ReadOf::all, 1024 * kKilobytes));
+    EXPECT_TRUE(isHintOfUse(4096 * kKilobytes, ReadOf::parts, 8192 * kKilobytes));
+    EXPECT_FALSE(isHintOfUse(4 * kKilobytes, ReadOf::parts, 0));
+}
+
+TEST(ReadHints, KeepWhatTheyKnowOfEachDevice)
+{
+    for (const auto& device : entriesOf("/sys/class/bdi")) {
+        const std::string name = device.path().filename();
+        if (name.find(':') != std::string::npos) {
+            const std::uint64_t number = deviceNamed(name);
+            for (const std::uint64_t other : {number, number + 16, number, number}) {
+                EXPECT_EQ(knownReadAheadOf(other), readAheadOf(other)) << name;
+            }
+        }
+    }
+}
+
+TEST(ReadHints, KnowNothingOfADeviceThatIsNotThere)
 {
     EXPECT_EQ(readAheadOf(makedev(4000, 77)), 0);
 }
@@ -85,14 +110,14 @@ void expectSameAfterAHint(const std::string& name)
     fs::remove(name);
 }
 
-TEST(Resources, ReadTheSameAfterAHint)
+TEST(ReadHints, ReadTheSameAfterAHint)
 {
     const ScratchFolder scratch;
     expectSameAfterAHint(scratch.path() / "hinted");
 }
 
 // No device reads such a folder ahead.
-TEST(Resources, ReadTheSameAfterAHintInAFolderInMemory)
+TEST(ReadHints, ReadTheSameAfterAHintInAFolderInMemory)
 {
     const fs::path memory = "/dev/shm";
     if (!fs::is_directory(memory)) {
