@@ -13,7 +13,7 @@ namespace gridforge::inline host {
 
 namespace {
 
-constexpr std::int64_t kKilobyte = 1024;
+constexpr std::int64_t kReadAheadUnit = 1024; // bytes
 
 // The number that begins a file; 0 if there is none. It takes no memory: who asks can do without an answer.
 std::int64_t numberIn(const char* file)
@@ -42,7 +42,7 @@ std::int64_t readAheadOf(std::uint64_t device)
                       minor(device));
         kilobytes = numberIn(file.data());
     }
-    return kilobytes * kKilobyte;
+    return kilobytes * kReadAheadUnit;
 }
 
 // One device for each remainder: few are in use at a time. Threads that ask about two of one remainder may get the other's answer,
@@ -67,8 +67,8 @@ std::int64_t knownReadAheadOf(std::uint64_t device)
 // reads little ahead where only parts are read.
 bool isHintOfUse(std::int64_t count, ReadOf of, std::int64_t readAhead)
 {
-    constexpr std::int64_t kSmall = 256 * kKilobyte; // any system reads about as much at once
-    constexpr std::int64_t kFar = 1024 * kKilobyte;
+    constexpr std::int64_t kSmall = 256 * kReadAheadUnit; // any system reads about as much at once
+    constexpr std::int64_t kFar = 1024 * kReadAheadUnit;
     return count >= kSmall && (of == ReadOf::parts || readAhead < kFar);
 }
 
