@@ -1,10 +1,15 @@
 #!/usr/bin/env python3
-"""Tests of scripts/fuzz: how it shares the time, what it takes from the words of a fuzzer and how it adds up; and that the places of
-planted faults are in the sources."""
+"""Tests of scripts/fuzz: how it shares the time, what it takes from the words of a fuzzer and how it adds up; when a planted fault
+counts as found, and that the places of all are in the sources."""
+import contextlib
+import io
 import os
+import shutil
 import subprocess
 import sys
+import tempfile
 import unittest
+from unittest import mock
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "support"))
@@ -35,7 +40,6 @@ class TimeTest(unittest.TestCase):
         fuzz.CORES = 2
         self.assertEqual(fuzz.seconds_each(1, 20), 1)
 
-
     def test_processor_time_of_children_counts(self):
         before = fuzz.processor_seconds()
         subprocess.run([sys.executable, "-c", "import time\nwhile time.process_time() < 0.3: pass"], check=True)
@@ -59,6 +63,68 @@ class WordsTest(unittest.TestCase):
         for line, status in (("witness: no inputs", 2), ("", 0), ("7 runs: 7 good, 0 bad", 2)):
             with self.assertRaises(SystemExit):
                 fuzz.damaged_result(line, status, 1)
+
+
+class StandInBuild:
+    """Its fuzzer ends with one status after the other, and says the same each time."""
+
+    def __init__(self, folder, statuses, says):
+        self.folder = folder
+        self.seeds = os.path.join(folder, "seeds")
+        self.statuses = list(statuses)
+        self.says = says
+        self.asked = []
+
+    def fuzz(self, kind, log, options, folders, plant=""):
+        with open(log, "w") as output:
+            output.write(self.says)
+        self.asked.append((kind, plant, options[0], folders))
+        return self.statuses.pop(0)
+
+
+class SearchTest(unittest.TestCase):
+    """Looking for a planted fault: first by the seeds alone, then at random."""
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="gridforge-test-")
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def search(self, statuses, says=ENDED):
+        """What find_plant returns and prints, with a clock on which it takes 12.5 seconds; and its fuzzer."""
+        build = StandInBuild(self.folder, statuses, says)
+        printed = io.StringIO()
+        with mock.patch.object(fuzz.time, "monotonic", side_effect=[100, 112.5]), contextlib.redirect_stdout(printed):
+            found = fuzz.find_plant(build, "mif")
+        self.assertEqual(build.statuses, [])
+        return found, printed.getvalue(), build
+
+    def test_a_fault_is_found(self):
+        found, printed, build = self.search([0, 77], CRASHED)
+        self.assertIs(found, True)
+        self.assertEqual(printed, "mif           found after 12.5 s, 12 runs\n")
+        seeds = os.path.join(self.folder, "seeds", "mif")
+        learnt = os.path.join(self.folder, "learnt", "mif")
+        self.assertEqual(build.asked, [("mif", "mif", "-runs=0", [seeds]), ("mif", "mif", "-max_total_time=30", [learnt, seeds])])
+
+    def test_a_fault_is_not_found(self):
+        for status in (0, "not ended"):
+            found, printed, _ = self.search([0, status])
+            self.assertIs(found, False)
+            self.assertEqual(printed, "mif           NOT FOUND after 12.5 s, 5137 runs\n")
+
+    def test_a_seed_that_meets_the_fault_is_no_find(self):
+        found, printed, build = self.search([77], CRASHED)
+        self.assertIs(found, False)
+        self.assertEqual(printed, "mif           its seeds alone come to the fault (%s)\n" % os.path.join(self.folder, "mif-planted.log"))
+        self.assertEqual(len(build.asked), 1)
+
+    def test_what_an_earlier_search_has_learnt_is_gone(self):
+        learnt = os.path.join(self.folder, "learnt", "mif")
+        os.makedirs(learnt)
+        with open(os.path.join(learnt, "input"), "w"):
+            pass
+        self.search([0, 77])
+        self.assertEqual(os.listdir(learnt), [])
 
 
 class RecordTest(unittest.TestCase):
