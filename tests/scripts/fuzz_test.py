@@ -28,6 +28,11 @@ src/grid/reader.cpp:31:7: runtime error: signed integer overflow
 SUMMARY: UndefinedBehaviorSanitizer: undefined-behavior src/grid/reader.cpp:31:7 in
 stat::number_of_executed_units: 12
 """
+WITNESSED = """Recording the runs of the command-line tests
+seed 3, 60 inputs as they are, 60 damaged; 240 s, 1 runs a second
+processor time of the executables: 70.987 s
+%d runs: %d good, %d bad
+"""
 
 
 class TimeTest(unittest.TestCase):
@@ -56,13 +61,30 @@ class WordsTest(unittest.TestCase):
         self.assertEqual(fuzz.finding_in(ENDED), "see the log")
 
     def test_damaged_runs_are_counted(self):
-        line = "120 runs: 118 good, 2 bad"
-        self.assertEqual(fuzz.damaged_result(line, 1, 70.4), {"runs": 120, "seconds": 70, "findings": 2})
+        self.assertEqual(fuzz.damaged_result(WITNESSED % (120, 118, 2), 1), {"runs": 120, "seconds": 70, "findings": 2})
+        self.assertEqual(fuzz.damaged_result(WITNESSED % (120, 120, 0), 0), {"runs": 120, "seconds": 70, "findings": 0})
+
+    def test_a_bad_end_of_the_witness_is_a_finding(self):
+        self.assertEqual(fuzz.damaged_result(WITNESSED % (7, 7, 0), 1)["findings"], 1)
+
+    def test_the_time_of_damaged_runs_is_that_of_the_tool(self):
+        started = []
+
+        def start(command, **how):
+            started.append(command)
+            return popen([sys.executable, "-c", "print(%r, end='')" % text], **how)
+
+        popen, text, printed = subprocess.Popen, WITNESSED % (9, 9, 0), io.StringIO()
+        with mock.patch.object(fuzz.subprocess, "Popen", start), contextlib.redirect_stdout(printed):
+            self.assertEqual(fuzz.run_damaged(240), {"runs": 9, "seconds": 70, "findings": 0})
+        self.assertEqual(started[0][1:5], ["240", "--alone", "--preset", "clang"])
+        self.assertEqual(printed.getvalue(), text)
 
     def test_a_failed_witness_counts_nothing(self):
-        for line, status in (("witness: no inputs", 2), ("", 0), ("7 runs: 7 good, 0 bad", 2)):
+        for said, status in (("witness: no inputs\n", 2), ("", 0), (WITNESSED % (7, 7, 0), 2), ("7 runs: 7 good, 0 bad\n", 0),
+                             (WITNESSED % (7, 7, 0) + "more\n", 0)):
             with self.assertRaises(SystemExit):
-                fuzz.damaged_result(line, status, 1)
+                fuzz.damaged_result(said, status)
 
 
 class StandInBuild:

@@ -15,7 +15,7 @@ MOST_NOT_COMPARED = 0.05  # the share of runs; where it is more, nothing has bee
 class Result:
     """The verdict over a run, small enough to send from a worker."""
 
-    def __init__(self, number, name, done, verdict):
+    def __init__(self, number, name, done, verdict, processor_ms):
         self.number = number
         self.name = name
         self.done = done
@@ -24,6 +24,7 @@ class Result:
         self.notes = verdict.notes
         self.peaks = verdict.peaks
         self.outcomes = [("reference", verdict.reference), ("present", verdict.present)]
+        self.processor_ms = processor_ms  # of all executables
         self.kept = None
 
     def __getstate__(self):
@@ -68,6 +69,7 @@ class Report:
         self.alone = alone
         self.began = time.monotonic()
         self.runs = 0
+        self.processor_ms = 0
         self.differ = 0
         self.not_compared = 0  # in full, and without a difference in the rest
         self.kinds = {}
@@ -76,6 +78,7 @@ class Report:
 
     def add(self, result):
         self.runs += 1
+        self.processor_ms += result.processor_ms
         for note in set(result.notes):
             self.notes[note] = self.notes.get(note, 0) + 1
         if result.peaks:
@@ -117,6 +120,7 @@ class Report:
         plain = min(self.runs, len(self.plan.inputs))
         print("seed %d, %d inputs as they are, %d damaged; %.0f s, %.0f runs a second" %
               (self.plan.seed, plain, self.runs - plain, seconds, self.runs / max(seconds, 0.001)))
+        print("processor time of the executables: %.3f s" % (self.processor_ms / 1000))
         same = self.runs - self.differ - self.not_compared
         print("%d runs: %d %s, %d %s" % (self.runs, same, "good" if self.alone else "the same", self.differ,
                                          "bad" if self.alone else "differ, %d not compared" % self.not_compared))

@@ -98,6 +98,7 @@ class Scratch:
         # What a name like ../a leads to is still below `around`, and is compared.
         self.around = os.path.join(root, "around")
         self.folder = os.path.join(self.around, "run")
+        self.processor_ms = 0  # of all runs
         os.makedirs(root, exist_ok=True)
 
     def path(self, name):
@@ -149,6 +150,7 @@ class Scratch:
         end, peak, processor = self.runner.run(texts)
         if end == "failed":
             raise Failure("cannot start " + tool.path)
+        self.processor_ms += processor
         return Outcome(end, peak, processor, read(self.path("console")), read(self.path("error")), self.around)
 
     def keep(self, outcome, name):

@@ -208,8 +208,9 @@ class Worker:
 
     def one(self, number):
         given, done = self.plan.given(number)
+        before = self.scratch.processor_ms
         verdict = judge.judge(self.scratch, given, self.reference, self.tools, self.limits)
-        result = report.Result(number, given.name, done, verdict)
+        result = report.Result(number, given.name, done, verdict, self.scratch.processor_ms - before)
         if self.repeating or any(self.kept.get(difference.kind, 0) < MOST_KEPT_OF_A_KIND for difference in verdict.differences):
             for difference in verdict.differences:
                 self.kept[difference.kind] = self.kept.get(difference.kind, 0) + 1

@@ -6,6 +6,7 @@ import json
 import os
 import random
 import re
+import resource
 import shutil
 import signal
 import subprocess
@@ -260,6 +261,16 @@ class OptionsTest(WitnessRun):
             self.assertEqual(status, 1, text)
             self.assertIn("1 runs: 0 the same, 1 differ", text)
 
+    def test_the_processor_time_of_all_executables_is_summed_up(self):
+        busy = self.changed('"$TOOL" "$@"; exec %s -c "import time\nwhile time.process_time() < 0.3: pass"' % sys.executable)
+        for old, executables in ((None, 1), (busy, 2)):
+            before = resource.getrusage(resource.RUSAGE_CHILDREN)
+            _, text = self.witness(busy, *([] if old else ["--alone"]), old=old, first="--runs 3")
+            after = resource.getrusage(resource.RUSAGE_CHILDREN)
+            found = float(re.search(r"^processor time of the executables: (\d+\.\d{3}) s$", text, re.M).group(1))
+            self.assertGreaterEqual(found, 0.29 * 3 * executables, text)
+            self.assertLess(found, after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime, text)
+
     def test_alone_looks_for_crashes_reports_and_runs_without_end(self):
         report = "echo '==1==ERROR: AddressSanitizer: heap-use-after-free on address 0x123\n#1 in f() /x/src/a/b.cpp:12:3' >&2; exit 1"
         for script, status, what in (('"$TOOL" "$@"', 0, "3 good, 0 bad"), ("kill -SEGV $$", 1, "end: signal 11"),
@@ -485,6 +496,12 @@ class RunningTest(WithFolder):
                             ("sleep 1; exit 5", "exit 5")):  # one that sleeps, but not for good
             self.assertEqual(self.shell(script).end, end, script)
         self.assertEqual(self.shell("while :; do :; done", runs.Limits(1, 0)).end, "overtime")
+
+    def test_the_processor_time_of_runs_adds_up(self):
+        busy = "i=0; while [ $i -lt 100000 ]; do i=$((i + 1)); done"
+        times = [self.shell(script).processor_ms for script in (busy, "exit 0", busy)]
+        self.assertGreater(min(times[0], times[2]), times[1])
+        self.assertEqual(self.scratch.processor_ms, sum(times))
 
     def test_limits_hold(self):
         self.assertEqual(self.shell("ulimit -d; ulimit -t; ulimit -f", runs.Limits(3, 700)).console.split(),
