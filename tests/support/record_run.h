@@ -21,6 +21,7 @@ struct RecordedRun {
     std::vector<std::string> environment; // NAME=value, beside the environment of the test
     std::string input;                    // standard input
     bool ends = true;                     // false for a run that the test stops
+    std::string notForOthers = {};        // why another executable need not do the same; "" where it must
 };
 
 // Does nothing without GRIDFORGE_RECORD, nor for a program that does not run the tool. Fails the test where it cannot write.

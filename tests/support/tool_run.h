@@ -15,6 +15,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace gridforge::test {
@@ -48,6 +49,9 @@ public:
             variables_.push_back(name + "=" + value);
         }
     }
+    // Marks a run that another executable need not repeat in the same way, such as one with less need of memory:
+    // scripts/witness leaves it out and shows the reason.
+    void notForOtherExecutables(std::string reason) { notForOthers_ = std::move(reason); }
 
     // The run
     // -------------------------------------------------------------------------------------------------------------
@@ -112,6 +116,7 @@ private:
     std::vector<std::string> variables_; // as NAME=value
     std::string workFolder_;
     std::string typed_;
+    std::string notForOthers_;
     Listing before_;
     Listing after_;
     mutable std::set<std::string> known_;

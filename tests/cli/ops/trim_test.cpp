@@ -138,6 +138,7 @@ TEST(TrimCli, ACutThatFindsNoRoomEndsTheRun)
     giveLayer(run, body, records);
     run.environment("GRIDFORGE_MEMORY", std::to_string(4 * (6 * 8 + 4 * 5) - 1));
     run.environment("GRIDFORGE_SCRATCH", "/nowhere");
+    run.notForOtherExecutables("finds no room, of which another executable may take less");
     run.start();
     EXPECT_CONSOLE_HOLDS(run, errorEnd("Allocating 0Kb memory for storing output grid...",
                                        "ERROR - Could not allocate enough memory (RAM)."));

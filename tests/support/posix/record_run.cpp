@@ -32,6 +32,9 @@ std::string obstacle(const RecordedRun& run)
     if (!run.ends) {
         return "stopped by its test";
     }
+    if (!run.notForOthers.empty()) {
+        return run.notForOthers;
+    }
     const bool byEnv = run.program == "/usr/bin/env" &&
                        std::find(run.arguments.begin(), run.arguments.end(), toolPath()) != run.arguments.end();
     if (run.program != toolPath() && !byEnv) {
@@ -50,9 +53,6 @@ std::string obstacle(const RecordedRun& run)
     }
     if (sets(run.environment, "GRIDFORGE_PROGRESS=") || sets(run.arguments, "GRIDFORGE_PROGRESS=")) {
         return "shows its progress, as earlier executables do not";
-    }
-    if (sets(run.environment, "GRIDFORGE_SCRATCH=/nowhere")) {
-        return "finds no room, of which another executable may take less";
     }
     if (sets(run.environment, "LD_")) {
         return "asks the loader of shared libraries, which earlier executables need for others";

@@ -282,7 +282,7 @@ bool ToolRun::stillRunsAfter(std::chrono::milliseconds time)
 
 bool ToolRun::runWithin(std::chrono::milliseconds limit, bool ends)
 {
-    recordRun({folder(), workFolder_, program_, arguments_, variables_, typed_, ends});
+    recordRun({folder(), workFolder_, program_, arguments_, variables_, typed_, ends, notForOthers_});
     before_ = listing();
 
     Pipe console;

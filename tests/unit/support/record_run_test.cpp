@@ -17,6 +17,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 std::vector<std::string> fieldsOf(const ScratchFolder& folder)
 {
@@ -97,8 +98,7 @@ TEST(RecordRun, SaysWhatCannotBeRepeated)
               "left out=fails at a call of a library");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("GRIDFORGE_PROGRESS=lines"); }),
               "left out=shows its progress, as earlier executables do not");
-    EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("GRIDFORGE_SCRATCH=/nowhere"); }),
-              "left out=finds no room, of which another executable may take less");
+    EXPECT_EQ(reasonFor([](RecordedRun& run) { run.notForOthers = "finds no room"; }), "left out=finds no room");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { run.environment.emplace_back("LD_DEBUG=files"); }),
               "left out=asks the loader of shared libraries, which earlier executables need for others");
     EXPECT_EQ(reasonFor([](RecordedRun& run) { mkfifo((run.folder / "in").c_str(), 0600); }),
@@ -154,6 +154,21 @@ TEST(RecordRun, EveryRunOfATestLeavesAFolderWhereTheVariableNamesOne)
     const std::string test = "RecordRun.EveryRunOfATestLeavesAFolderWhereTheVariableNamesOne-";
     EXPECT_THAT(names, ElementsAre(test + "1", test + "2", test + "3"));
     EXPECT_THAT(folder.read(test + "3/run"), HasSubstr("environment=GRIDFORGE_RECORD=a name of its own"));
+}
+
+TEST(RecordRun, OnlyAMarkLeavesOutARunWithoutRoom)
+{
+    const ScratchFolder folder;
+    const RecordingInto recording(folder.path());
+    for (const std::string reason : {"", "finds no room"}) {
+        ToolRun run("-conv missing.asc");
+        run.environment("GRIDFORGE_SCRATCH", "/nowhere");
+        run.notForOtherExecutables(reason);
+        run.start();
+    }
+    const std::string test = "RecordRun.OnlyAMarkLeavesOutARunWithoutRoom-";
+    EXPECT_THAT(folder.read(test + "1/run"), StartsWith("tool="));
+    EXPECT_THAT(folder.read(test + "2/run"), StartsWith("left out=finds no room"));
 }
 
 } // namespace
