@@ -63,13 +63,4 @@ std::int64_t knownReadAheadOf(std::uint64_t device)
     return known.readAhead;
 }
 
-// What a hint names is read by single pages, what the system reads ahead itself by large ones, which takes half the time. But it
-// reads little ahead where only parts are read.
-bool isHintOfUse(std::int64_t count, ReadOf of, std::int64_t readAhead)
-{
-    constexpr std::int64_t kSmall = 256 * kReadAheadUnit; // any system reads about as much at once
-    constexpr std::int64_t kFar = 1024 * kReadAheadUnit;
-    return count >= kSmall && (of == ReadOf::parts || readAhead < kFar);
-}
-
 } // namespace gridforge::inline host

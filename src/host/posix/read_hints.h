@@ -12,7 +12,15 @@ std::int64_t readAheadOf(std::uint64_t device);
 // The same, kept for the next question.
 std::int64_t knownReadAheadOf(std::uint64_t device);
 
-// Whether a hint about `count` bytes makes reading faster on a device that is read ahead by so much.
-bool isHintOfUse(std::int64_t count, ReadOf of, std::int64_t readAhead);
+// Whether a hint about `count` bytes makes reading faster. What it names is read by single pages, what the system reads ahead itself
+// by large ones, which takes half the time; but it reads little ahead where only parts are read. `readAhead()` gives the bytes that
+// the device is read ahead, and is asked last.
+template <typename ReadAhead>
+bool isHintOfUse(std::int64_t count, ReadOf of, ReadAhead readAhead)
+{
+    constexpr std::int64_t kSmall = std::int64_t{1} << 18; // any system reads about as much at once
+    constexpr std::int64_t kFar = std::int64_t{1} << 20;
+    return count >= kSmall && (of == ReadOf::parts || readAhead() < kFar);
+}
 
 } // namespace gridforge::inline host

@@ -150,8 +150,11 @@ void reserveInFile([[maybe_unused]] SystemFile file, [[maybe_unused]] std::int64
 
 void willReadFile(SystemFile file, std::int64_t position, std::int64_t count, ReadOf of)
 {
-    struct stat status = {};
-    if (::fstat(descriptorOf(file), &status) == 0 && isHintOfUse(count, of, knownReadAheadOf(status.st_dev))) {
+    const auto readAhead = [file] {
+        struct stat status = {};
+        return ::fstat(descriptorOf(file), &status) == 0 ? knownReadAheadOf(status.st_dev) : 0;
+    };
+    if (isHintOfUse(count, of, readAhead)) {
         posix_fadvise(descriptorOf(file), position, count, POSIX_FADV_WILLNEED);
     }
 }

@@ -69,13 +69,29 @@ TEST(ReadHints, KnowHowFarTheSystemReadsAPartOfADiskAhead)
 TEST(ReadHints, AreOfUseWhereTheSystemReadsLittleAhead)
 {
     constexpr std::int64_t kKilobytes = 1024;
-    EXPECT_TRUE(isHintOfUse(4096 * kKilobytes, ReadOf::all, 0));
-    EXPECT_TRUE(isHintOfUse(256 * kKilobytes, ReadOf::all, 128 * kKilobytes));
-    EXPECT_FALSE(isHintOfUse(255 * kKilobytes, ReadOf::all, 128 * kKilobytes));
-    EXPECT_TRUE(isHintOfUse(4096 * kKilobytes, ReadOf::all, 1023 * kKilobytes));
-    EXPECT_FALSE(isHintOfUse(4096 * kKilobytes, ReadOf::all, 1024 * kKilobytes));
-    EXPECT_TRUE(isHintOfUse(4096 * kKilobytes, ReadOf::parts, 8192 * kKilobytes));
-    EXPECT_FALSE(isHintOfUse(4 * kKilobytes, ReadOf::parts, 0));
+    const auto isOfUse = [](std::int64_t count, ReadOf of, std::int64_t readAhead) {
+        return isHintOfUse(count * kKilobytes, of, [=] { return readAhead * kKilobytes; });
+    };
+    EXPECT_TRUE(isOfUse(4096, ReadOf::all, 0));
+    EXPECT_TRUE(isOfUse(256, ReadOf::all, 128));
+    EXPECT_FALSE(isOfUse(255, ReadOf::all, 128));
+    EXPECT_TRUE(isOfUse(4096, ReadOf::all, 1023));
+    EXPECT_FALSE(isOfUse(4096, ReadOf::all, 1024));
+    EXPECT_TRUE(isOfUse(4096, ReadOf::parts, 8192));
+    EXPECT_FALSE(isOfUse(4, ReadOf::parts, 0));
+}
+
+TEST(ReadHints, AskNothingOfTheSystemForSmallFiles)
+{
+    bool isAsked = false;
+    const auto readAhead = [&] {
+        isAsked = true;
+        return 0;
+    };
+    EXPECT_FALSE(isHintOfUse(1000, ReadOf::all, readAhead));
+    EXPECT_FALSE(isAsked);
+    EXPECT_TRUE(isHintOfUse(1'000'000, ReadOf::all, readAhead));
+    EXPECT_TRUE(isAsked);
 }
 
 TEST(ReadHints, KeepWhatTheyKnowOfEachDevice)
