@@ -96,8 +96,8 @@ def damages(where, form, objects="polygons"):
                              "c.dmg": "control_%s.dmg" % form}, "-damages c.dmg", outputs)
 
 
-def by_one_thread(runs, names):
-    return [replace(run, name=run.name + "_alone", about=run.about + ", one thread", threads=1) for run in runs if run.name in names]
+def by_threads(runs, names, threads, suffix, about):
+    return [replace(run, name=run.name + suffix, about=run.about + ", " + about, threads=threads) for run in runs if run.name in names]
 
 
 USUAL = [
@@ -148,4 +148,8 @@ GROWING = [*(extremes("max", 4, size, True) for size in SIZES), difference(12000
 # What more processors are worth.
 COMPUTING = ["max_source", "dif", "statAll", "conv_to_flt", "conv_to_asc", "remap_tin", "remap_idw", "nc", "xyz", "rf_idw", "cp", "damages"]
 
-RUNS = [*USUAL, *GROWING, *by_one_thread(USUAL, COMPUTING)]
+# What more threads than processors cost.
+CROWDED = ["max_source", "statAll", "conv_to_flt", "nc", "damages"]
+
+RUNS = [*USUAL, *GROWING, *by_threads(USUAL, COMPUTING, 1, "_alone", "one thread"),
+        *by_threads(USUAL, CROWDED, 8, "_crowded", "eight threads")]
