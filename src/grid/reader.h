@@ -20,7 +20,8 @@ void readPassedCells(const GridLook& look, Grid& cells);
 
 // Ends the run where cells cannot be read.
 [[noreturn]] void failCells();
-// The same where they cannot be fetched: those of an input are only read, those that wait count as memory.
+// Ends the run where cells cannot be fetched. Those of an input, which are only read, cannot be read; those that wait count as
+// memory that ran out.
 [[noreturn]] void failFetch(bool onlyRead);
 
 } // namespace gridforge::grid

@@ -25,7 +25,7 @@ enum class OpenFor {
     updating,  // reads and writes in place; a missing file is made
 };
 
-// How much of a stretch is read, of which a hint tells.
+// Whether all of the stretch that a hint names will be read, or only parts of it.
 enum class ReadOf { all, parts };
 
 enum class SystemStatus {

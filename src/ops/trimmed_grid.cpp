@@ -35,6 +35,17 @@ GridHeader windowHeader(const CellWindow& w, const GridHeader& header)
     return output;
 }
 
+// To read on takes no longer than to jump over a few columns. Where the cut leaves out many, there is no hint.
+void hintAt(const grid::CellStore& cells, const GridHeader& header, const CellWindow& window)
+{
+    constexpr std::size_t kWorthAJump = std::size_t{1} << 16;
+    const auto columns = static_cast<std::size_t>(header.ncols);
+    if (columns - window.columns() < kWorthAJump) {
+        cells.willRead(placeOf(header, window.lastRow, 1), rowsOf(window) * columns,
+                       window.columns() < columns ? ReadOf::parts : ReadOf::all);
+    }
+}
+
 // The cells of the cut, by all threads, some rows each.
 run::Way cutCells(const grid::CellStore& cells, const GridHeader& header, const Cut& cut, grid::CellStore& output)
 {
@@ -45,13 +56,7 @@ run::Way cutCells(const grid::CellStore& cells, const GridHeader& header, const 
         CellWindow some = cut.window;
         some.lastRow -= static_cast<std::int32_t>(first / columns);
         some.firstRow = some.lastRow - static_cast<std::int32_t>(target.size() / columns) + 1;
-        // To read on takes no longer than to jump over so little.
-        constexpr std::size_t kWorthAJump = std::size_t{1} << 16;
-        const auto ncols = static_cast<std::size_t>(header.ncols);
-        if (ncols - columns < kWorthAJump) {
-            cells.willRead(placeOf(header, some.lastRow, 1), rowsOf(some) * ncols,
-                           columns < ncols ? ReadOf::parts : ReadOf::all);
-        }
+        hintAt(cells, header, some);
         bool good = true;
         copyInside(cut.region, header, some, target,
                    [&](std::size_t place, std::span<float> part) { good = good && cells.get(place, part); });

@@ -13,8 +13,6 @@ namespace gridforge::inline host {
 
 namespace {
 
-constexpr std::int64_t kReadAheadUnit = 1024; // bytes
-
 // The number that begins a file; 0 if there is none. It takes no memory: who asks can do without an answer.
 std::int64_t numberIn(const char* file)
 {
@@ -34,15 +32,16 @@ std::int64_t numberIn(const char* file)
 
 std::int64_t readAheadOf(std::uint64_t device)
 {
+    constexpr std::int64_t kUnit = 1024; // of what the files say, in bytes
     std::array<char, 80> file{};
     std::snprintf(file.data(), file.size(), "/sys/class/bdi/%u:%u/read_ahead_kb", major(device), minor(device));
-    std::int64_t kilobytes = numberIn(file.data());
-    if (kilobytes == 0) { // a part of a disk has none of its own
+    std::int64_t units = numberIn(file.data());
+    if (units == 0) { // a part of a disk has none of its own
         std::snprintf(file.data(), file.size(), "/sys/dev/block/%u:%u/../queue/read_ahead_kb", major(device),
                       minor(device));
-        kilobytes = numberIn(file.data());
+        units = numberIn(file.data());
     }
-    return kilobytes * kReadAheadUnit;
+    return units * kUnit;
 }
 
 // One device for each remainder: few are in use at a time. Threads that ask about two of one remainder may get the other's answer,
