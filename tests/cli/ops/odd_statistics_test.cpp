@@ -1,6 +1,7 @@
 // Whole runs of -stat on grids that hold every odd number, against each statistic cell by cell.
 #include "support/consoles.h"
 #include "support/odd_grids.h"
+#include "support/plain_statistics.h"
 
 #include <cstddef>
 #include <functional>
@@ -12,98 +13,24 @@ namespace gridforge::test {
 namespace {
 
 constexpr float kNullOfGrids = -9999;
-constexpr float kDry = kNullOfGrids + 0.01F; // and below
-
-struct Statistic {
-    float value = kNullOfGrids;
-    float source = kNullOfGrids;
-};
-
-bool isBefore(float one, float other, bool greatest)
+PlainStatistic minimumOf(const Values& cell)
 {
-    return greatest ? one > other : one < other;
+    return plainExtreme(cell, kNullOfGrids, false);
 }
 
-// The greatest or the smallest of the values that are numbers, of those above the null if `above`, and its first place from 1.
-std::optional<Statistic> extremeOf(const Values& cell, bool greatest, bool above)
+PlainStatistic maximumOf(const Values& cell)
 {
-    std::optional<Statistic> found;
-    for (std::size_t k = 0; k < cell.size(); ++k) {
-        const bool counts = above ? cell[k] > kNullOfGrids : cell[k] == cell[k];
-        if (counts && (!found || isBefore(cell[k], found->value, greatest))) {
-            found = Statistic{cell[k], static_cast<float>(k + 1)};
-        }
-    }
-    return found;
+    return plainExtreme(cell, kNullOfGrids, true);
 }
 
-bool isDryIn(const Values& cell, bool all)
+PlainStatistic meanOf(const Values& cell)
 {
-    const std::optional<Statistic> tested = extremeOf(cell, all, false);
-    return tested && tested->value <= kDry;
+    return plainMean(cell, kNullOfGrids);
 }
 
-Statistic minimumOf(const Values& cell)
+PlainStatistic fractionOf(const Values& cell)
 {
-    return isDryIn(cell, false) ? Statistic{} : extremeOf(cell, false, true).value_or(Statistic{});
-}
-
-Statistic maximumOf(const Values& cell)
-{
-    return isDryIn(cell, true) ? Statistic{} : extremeOf(cell, true, true).value_or(Statistic{});
-}
-
-// The smallest that is left, the first of those that tie; 9.0e+29 takes its place. What is no number is smaller than nothing, and
-// nothing is smaller than it.
-std::vector<Statistic> sorted(const Values& cell)
-{
-    Values left = cell;
-    std::vector<Statistic> order;
-    while (order.size() < cell.size()) {
-        std::size_t smallest = 0;
-        for (std::size_t k = 1; k < left.size(); ++k) {
-            smallest = left[k] < left[smallest] ? k : smallest;
-        }
-        order.push_back({left[smallest], static_cast<float>(smallest + 1)});
-        left[smallest] = 9.0e+29F;
-    }
-    return order;
-}
-
-Statistic rankOf(const Values& cell, std::size_t rank)
-{
-    return isDryIn(cell, true) ? Statistic{} : sorted(cell)[rank - 1];
-}
-
-Statistic meanOf(const Values& cell)
-{
-    if (isDryIn(cell, false)) {
-        return {};
-    }
-    float sum = 0;
-    for (const float value : cell) {
-        sum += value;
-    }
-    Statistic mean{sum / static_cast<float>(cell.size()), kNullOfGrids};
-    for (const Statistic& next : sorted(cell)) {
-        if (next.value >= mean.value) {
-            mean.source = next.source;
-            break;
-        }
-    }
-    return mean;
-}
-
-Statistic fractionOf(const Values& cell)
-{
-    if (isDryIn(cell, true)) {
-        return {};
-    }
-    int wet = 0;
-    for (const float value : cell) {
-        wet += value > kDry ? 1 : 0;
-    }
-    return {static_cast<float>(wet) / static_cast<float>(cell.size()), 0};
+    return {plainFraction(cell, kNullOfGrids, kNullOfGrids), 0};
 }
 
 class OddStatistics : public testing::TestWithParam<std::size_t> {
@@ -123,8 +50,8 @@ protected:
         EXPECT_TRUE(run_->reachedEnd()) << run_->console();
     }
 
-    void expectValues(const std::string& output, const std::function<Statistic(const Values&)>& of,
-                      float Statistic::*part)
+    void expectValues(const std::string& output, const std::function<PlainStatistic(const Values&)>& of,
+                      float PlainStatistic::*part)
     {
         SCOPED_TRACE(output);
         std::vector<Values> grids;
@@ -142,15 +69,15 @@ protected:
         expectSameBits(valuesOf(run_->read(output)), expected);
     }
 
-    void expectBoth(const std::string& base, const std::function<Statistic(const Values&)>& of)
+    void expectBoth(const std::string& base, const std::function<PlainStatistic(const Values&)>& of)
     {
-        expectValues(base + "_Val.flt", of, &Statistic::value);
-        expectValues(base + "_Src.flt", of, &Statistic::source);
+        expectValues(base + "_Val.flt", of, &PlainStatistic::value);
+        expectValues(base + "_Src.flt", of, &PlainStatistic::source);
     }
 
     void expectRank(const std::string& base, std::size_t rank)
     {
-        expectBoth(base, [rank](const Values& cell) { return rankOf(cell, rank); });
+        expectBoth(base, [rank](const Values& cell) { return plainRank(cell, kNullOfGrids, rank); });
     }
 
     std::size_t medianRank() const { return GetParam() / 2 + 1; }
@@ -167,7 +94,7 @@ TEST_P(OddStatistics, OfAllKindsInOneRun)
     expectBoth("r_Min", minimumOf);
     expectBoth("r_Max", maximumOf);
     expectBoth("r_Mean", meanOf);
-    expectValues("r_Frac_Wet.flt", fractionOf, &Statistic::value);
+    expectValues("r_Frac_Wet.flt", fractionOf, &PlainStatistic::value);
     for (std::size_t rank = 1; rank <= GetParam(); ++rank) {
         expectRank(rank == medianRank() ? "r_Median" : "r_Rank" + std::to_string(rank), rank);
     }
@@ -182,7 +109,7 @@ TEST_P(OddStatistics, OneByOne)
     start("-statMean");
     expectBoth("r_Mean", meanOf);
     start("-statFrac");
-    expectValues("r_Frac_Wet.flt", fractionOf, &Statistic::value);
+    expectValues("r_Frac_Wet.flt", fractionOf, &PlainStatistic::value);
     start("-statMedian");
     expectRank("r_Median", medianRank());
     start("-statRank1 -statRank2");

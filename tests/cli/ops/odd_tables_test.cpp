@@ -91,15 +91,22 @@ Limits fewLimits()
     return {"few", {{"-1e-40", -1.0e-40F}, {"2", 2.0F}}};
 }
 
-class OddTables : public testing::TestWithParam<Limits> {};
+class OddTables : public testing::TestWithParam<Limits> {
+protected:
+    // On the grid a.flt, with the limits in a file of that name.
+    static void start(ToolRun& run, const std::string& table)
+    {
+        run.give(table, tableOf(GetParam()));
+        giveOddGrid(run, "a", kNullOfGrid, kSeed);
+        run.start();
+        EXPECT_TRUE(run.reachedEnd()) << run.console();
+    }
+};
 
 TEST_P(OddTables, GiveTheCellsTheirClasses)
 {
     ToolRun run("-b -classify classes.csv a.flt -out r");
-    run.give("classes.csv", tableOf(GetParam()));
-    giveOddGrid(run, "a", kNullOfGrid, kSeed);
-    run.start();
-    EXPECT_TRUE(run.reachedEnd()) << run.console();
+    start(run, "classes.csv");
     Values expected;
     for (const float cell : cellsOfGrid()) {
         expected.push_back(cell == kNullOfGrid ? kNullOfGrid : static_cast<float>(placeOf(cell, GetParam())));
@@ -110,10 +117,7 @@ TEST_P(OddTables, GiveTheCellsTheirClasses)
 TEST_P(OddTables, GiveClassesToTheFormWithATable)
 {
     ToolRun run("-b -classify classes.csv a.flt -grc -asc -out r");
-    run.give("classes.csv", tableOf(GetParam()));
-    giveOddGrid(run, "a", kNullOfGrid, kSeed);
-    run.start();
-    EXPECT_TRUE(run.reachedEnd()) << run.console();
+    start(run, "classes.csv");
     const Values cells = cellsOfGrid();
     std::string rows;
     for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -131,10 +135,7 @@ TEST_P(OddTables, GiveClassesToTheFormWithATable)
 TEST_P(OddTables, CountTheCellsOfEachBin)
 {
     ToolRun run("-b -histogram bins.csv a.flt");
-    run.give("bins.csv", tableOf(GetParam()));
-    giveOddGrid(run, "a", kNullOfGrid, kSeed);
-    run.start();
-    EXPECT_TRUE(run.reachedEnd()) << run.console();
+    start(run, "bins.csv");
     std::vector<int> counts(GetParam().limits.size() + 1);
     int total = 0;
     for (const float cell : cellsOfGrid()) {

@@ -1,6 +1,7 @@
 #include "ops/stat_cells.h"
 
 #include "support/odd_cells.h"
+#include "support/plain_statistics.h"
 
 #include <algorithm>
 #include <cmath>
@@ -166,101 +167,14 @@ TEST(SortCell, ValuesOfTheMarksSizeGiveWayToIt)
     EXPECT_EQ(sorted.sources[1], 1);
 }
 
-// --- The plain form of each statistic, one cell at a time ------------------------------------------------------------
-
-// The smallest and largest of the values that are numbers.
-std::optional<float> extreme(const std::vector<float>& values, bool largest)
-{
-    std::optional<float> result;
-    for (const float value : values) {
-        if (value == value && (!result || (largest ? value > *result : value < *result))) {
-            result = value;
-        }
-    }
-    return result;
-}
-
-// Value and source of one cell.
-struct One {
-    float value;
-    float source;
-};
-
-One plainExtreme(const std::vector<float>& values, float null, bool largest)
-{
-    const std::optional<float> tested = extreme(values, largest);
-    if (!tested || *tested <= null + 0.01F) {
-        return {null, null};
-    }
-    std::vector<float> above;
-    std::ranges::copy_if(values, std::back_inserter(above), [null](float value) { return value > null; });
-    const float best = *extreme(above, largest);
-    return {best, static_cast<float>(std::ranges::find(values, best) - values.begin() + 1)};
-}
-
-// Rank by picking the smallest that is left; mean by the sum in list order.
-std::vector<One> plainOrder(const std::vector<float>& values)
-{
-    std::vector<float> left = values;
-    std::vector<One> order;
-    for (std::size_t k = 0; k < values.size(); ++k) {
-        std::size_t l = 0;
-        for (std::size_t j = 1; j < left.size(); ++j) {
-            if (left[j] < left[l]) {
-                l = j;
-            }
-        }
-        order.push_back({left[l], static_cast<float>(l + 1)});
-        left[l] = 9.0e+29F;
-    }
-    return order;
-}
-
-One plainRank(const std::vector<float>& values, float null, std::size_t rank)
-{
-    const std::optional<float> largest = extreme(values, true);
-    if (largest && *largest <= null + 0.01F) {
-        return {null, null};
-    }
-    return plainOrder(values)[rank - 1];
-}
-
-One plainMean(const std::vector<float>& values, float null)
-{
-    const std::optional<float> smallest = extreme(values, false);
-    if (smallest && *smallest <= null + 0.01F) {
-        return {null, null};
-    }
-    float sum = 0;
-    for (const float value : values) {
-        sum += value;
-    }
-    One mean{sum / static_cast<float>(values.size()), null};
-    for (const One& one : plainOrder(values)) {
-        if (one.value >= mean.value) {
-            mean.source = one.source;
-            break;
-        }
-    }
-    return mean;
-}
-
-float plainFraction(const std::vector<float>& values, float null, float before)
-{
-    const std::optional<float> largest = extreme(values, true);
-    if (largest && *largest <= null + 0.01F) {
-        return before;
-    }
-    const auto wet = std::ranges::count_if(values, [null](float value) { return value > null + 0.01F; });
-    return static_cast<float>(wet) / static_cast<float>(values.size());
-}
+// --- Beside the plain form of each statistic -------------------------------------------------------------------------
 
 template <typename Plain>
 void expectPlain(const Stack& stack, const Result& result, Plain plain)
 {
     Result expected(stack.cells());
     for (std::size_t i = 0; i < stack.cells(); ++i) {
-        const One one = plain(stack.at(i));
+        const PlainStatistic one = plain(stack.at(i));
         expected.values[i] = one.value;
         expected.sources[i] = one.source;
     }
