@@ -143,7 +143,7 @@ These change how a run does its work, never its result.
 A value that cannot be used counts as none.
 .TP
 .B GRIDFORGE_THREADS
-The largest number of threads; without it as many as the process may use processors.
+The largest number of threads, which are never more than the processors that the process may use.
 .TP
 .B GRIDFORGE_MEMORY
 Bytes of memory that waiting cells may take, beyond which they wait in a file without a name; without it half of what is free.
@@ -158,7 +158,7 @@ A file that gets a line about the progress each second, or
 and the number of an open one.
 .TP
 .B GRIDFORGE_PIECE
-Cells of a piece, for tests.
+Cells of a piece, for tests, which may then have more threads than processors.
 .SH EXAMPLES
 Of the sample valley: the highest level of each cell over the storms of one chance, and the storm that it came from:
 .PP

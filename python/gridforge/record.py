@@ -102,7 +102,6 @@ def file_record(name: str, path: Path, sums: bool) -> File:
 
 def threads_of(environment: dict[str, str]) -> int:
     """As many as the tool may use."""
+    processors = len(os.sched_getaffinity(0)) if hasattr(os, "sched_getaffinity") else os.cpu_count() or 1
     wanted = environment.get("GRIDFORGE_THREADS", "").strip()
-    if wanted.isdecimal() and int(wanted) > 0:
-        return int(wanted)
-    return len(os.sched_getaffinity(0)) if hasattr(os, "sched_getaffinity") else os.cpu_count() or 1
+    return min(int(wanted), processors) if wanted.isdecimal() and int(wanted) > 0 else processors

@@ -17,8 +17,9 @@ namespace gridforge::inline host {
 std::size_t threadCount()
 {
     constexpr std::uint64_t kMostThreads = 1024;
-    const std::uint64_t wanted = environmentNumber("GRIDFORGE_THREADS").value_or(theSystem().processors());
-    return static_cast<std::size_t>(std::min(wanted, kMostThreads));
+    const std::uint64_t processors = theSystem().processors();
+    const std::uint64_t most = environmentNumber("GRIDFORGE_PIECE") ? kMostThreads : std::min(processors, kMostThreads);
+    return static_cast<std::size_t>(std::min(environmentNumber("GRIDFORGE_THREADS").value_or(processors), most));
 }
 
 std::size_t workersOf(std::size_t pieces)

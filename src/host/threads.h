@@ -7,7 +7,8 @@
 
 namespace gridforge::inline host {
 
-// GRIDFORGE_THREADS, or if that is no number above 0 the number of processors that the process may use.
+// The number of processors that the process may use, or GRIDFORGE_THREADS if that is less: more threads than processors would only
+// take memory and read in more places. Where GRIDFORGE_PIECE is set, for tests, as many as GRIDFORGE_THREADS says.
 std::size_t threadCount();
 
 // How many workers share so many pieces: at least one.

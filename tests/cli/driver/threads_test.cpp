@@ -72,7 +72,7 @@ const std::vector<Settings>& settingsToTry()
         {{"GRIDFORGE_THREADS", "1"}},
         {{"GRIDFORGE_THREADS", "2"}, {"GRIDFORGE_PIECE", "777"}},
         {{"GRIDFORGE_THREADS", "7"}, {"GRIDFORGE_PIECE", "13"}},
-        {{"GRIDFORGE_THREADS", "7"}, {"GRIDFORGE_MEMORY", "1"}},
+        {{"GRIDFORGE_THREADS", "7"}, {"GRIDFORGE_PIECE", "400"}, {"GRIDFORGE_MEMORY", "1"}},
         {{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "/nowhere"}},
         {{"GRIDFORGE_THREADS", "many"}, {"GRIDFORGE_MEMORY", "-1"}, {"GRIDFORGE_PIECE", "0"}},
     };

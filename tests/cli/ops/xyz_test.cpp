@@ -300,6 +300,7 @@ TEST(XyzCli, ManyPointsInMixedFormsAreReadAsOne)
     for (const char* threads : {"1", "2", "7"}) {
         ToolRun run("-b -xyz p.xyz -flt");
         run.environment("GRIDFORGE_THREADS", threads);
+        run.environment("GRIDFORGE_PIECE", "500000");
         run.give("p.xyz", text);
         run.start();
         EXPECT_GRID(run, "p_xyz_to_grid.flt", expected) << threads;
@@ -315,6 +316,7 @@ TEST(XyzCli, TheFirstOfSeveralLinesThatCannotBeReadEndsTheRunWhateverTheThreads)
     for (const char* threads : {"1", "2", "7"}) {
         ToolRun run("-xyz p.xyz");
         run.environment("GRIDFORGE_THREADS", threads);
+        run.environment("GRIDFORGE_PIECE", "500000");
         run.give("p.xyz", text);
         run.start();
         EXPECT_CONSOLE_HOLDS(run, {"ERROR - Reading following line in classes file:", "10 20 x", "", kClose});

@@ -128,7 +128,8 @@ TEST(DecodeAsc, IsTheSameForAnyNumberOfThreads)
     ASSERT_TRUE(look);
     for (const char* const threads : {"1", "3"}) {
         for (const char* const memory : {"1", "1000000000"}) {
-            const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}});
+            const Environment environment(
+                {{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}, {"GRIDFORGE_PIECE", "500000"}});
             grid::CellStore store;
             ASSERT_TRUE(store.take(cells.size(), folder.path().string()));
             ASSERT_TRUE(decodeAsc(*look, store));

@@ -120,7 +120,8 @@ TEST_F(ProgressTest, AClockThatIsSetBackStopsNoLines)
 TEST_F(ProgressTest, BytesOfSeveralThreadsAreAllCounted)
 {
     writeBytes(1000);
-    const Environment environment({{"GRIDFORGE_PROGRESS", "lines"}, {"GRIDFORGE_THREADS", "4"}});
+    const Environment environment(
+        {{"GRIDFORGE_PROGRESS", "lines"}, {"GRIDFORGE_THREADS", "4"}, {"GRIDFORGE_PIECE", "1"}});
     System one = clockedSystem(); // files in memory are for one thread
     one.readAt = [](SystemFile, std::int64_t, std::span<char> target) {
         return static_cast<std::int64_t>(target.size());

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <gtest/gtest.h>
 #include <new>
+#include <string>
 #include <vector>
 
 namespace gridforge {
@@ -17,16 +18,29 @@ namespace {
 
 using test::Environment;
 
-TEST(ThreadCount, IsThatOfTheEnvironmentOrOfTheProcessors)
+TEST(ThreadCount, IsThatOfTheProcessorsOrLess)
 {
-    EXPECT_EQ(threadCount(), theSystem().processors());
-    const Environment seven({{"GRIDFORGE_THREADS", "7"}});
+    const std::size_t processors = theSystem().processors();
+    EXPECT_EQ(threadCount(), processors);
+    {
+        const Environment one({{"GRIDFORGE_THREADS", "1"}});
+        EXPECT_EQ(threadCount(), 1U);
+    }
+    const Environment more({{"GRIDFORGE_THREADS", std::to_string(processors + 1)}});
+    EXPECT_EQ(threadCount(), processors);
+}
+
+TEST(ThreadCount, IsThatOfTheEnvironmentInTests)
+{
+    const Environment seven({{"GRIDFORGE_THREADS", "7"}, {"GRIDFORGE_PIECE", "100"}});
     EXPECT_EQ(threadCount(), 7U);
+    const Environment many({{"GRIDFORGE_THREADS", "1000000"}});
+    EXPECT_EQ(threadCount(), 1024U);
 }
 
 TEST(WorkersOf, AreNoMoreThanPiecesOrThreads)
 {
-    const Environment environment({{"GRIDFORGE_THREADS", "4"}});
+    const Environment environment({{"GRIDFORGE_THREADS", "4"}, {"GRIDFORGE_PIECE", "1"}});
     EXPECT_EQ(workersOf(0), 1U);
     EXPECT_EQ(workersOf(3), 3U);
     EXPECT_EQ(workersOf(100), 4U);
@@ -35,7 +49,7 @@ TEST(WorkersOf, AreNoMoreThanPiecesOrThreads)
 TEST(ParallelFor, DoesEachPieceOnceWithAWorkerOfItsOwn)
 {
     for (const char* const threads : {"1", "2", "7"}) {
-        const Environment environment({{"GRIDFORGE_THREADS", threads}});
+        const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_PIECE", "1"}});
         std::vector<int> done(1000);
         std::vector<std::atomic<int>> busy(workersOf(done.size()));
         std::atomic<bool> shared = false;
@@ -56,7 +70,7 @@ TEST(ParallelFor, DoesWithoutThreadsThatCannotBeStarted)
     }
     const test::ScratchFolder folder;
     const test::ChildRun run = test::runInChild(folder, [] {
-        const Environment environment({{"GRIDFORGE_THREADS", "1000"}});
+        const Environment environment({{"GRIDFORGE_THREADS", "1000"}, {"GRIDFORGE_PIECE", "1"}});
         std::vector<int> done(2000);
         std::atomic<std::size_t> most = 0;
         test::limitMemory(100); // the stacks of a thousand threads take more
@@ -71,7 +85,7 @@ TEST(ParallelFor, DoesWithoutThreadsThatCannotBeStarted)
 
 TEST(ParallelFor, SeveralPiecesAreDoneAtATime)
 {
-    const Environment environment({{"GRIDFORGE_THREADS", "2"}});
+    const Environment environment({{"GRIDFORGE_THREADS", "2"}, {"GRIDFORGE_PIECE", "1"}});
     std::atomic<int> started = 0;
     // Either piece waits for the other one.
     parallelFor(2, [&](std::size_t, std::size_t) {
@@ -92,7 +106,7 @@ TEST(ParallelFor, HasNothingToDoWithoutPieces)
 TEST(ParallelFor, MemoryThatAPieceCannotHaveIsMissingInTheCaller)
 {
     for (const char* const threads : {"1", "3"}) {
-        const Environment environment({{"GRIDFORGE_THREADS", threads}});
+        const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_PIECE", "1"}});
         std::atomic<int> running = 0;
         const auto work = [&](std::size_t piece, std::size_t) {
             ++running;
@@ -109,7 +123,7 @@ TEST(ParallelFor, MemoryThatAPieceCannotHaveIsMissingInTheCaller)
 
 TEST(PieceTurns, ComeInOrder)
 {
-    const Environment environment({{"GRIDFORGE_THREADS", "4"}});
+    const Environment environment({{"GRIDFORGE_THREADS", "4"}, {"GRIDFORGE_PIECE", "1"}});
     constexpr std::size_t kPieces = 2000;
     PieceTurns turns;
     std::vector<std::size_t> order;

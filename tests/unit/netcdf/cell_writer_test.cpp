@@ -109,11 +109,17 @@ void writeAll(netcdf::CellWriter& writer, std::size_t count, const std::string& 
     }
 }
 
+// That many threads, also where there are fewer processors.
+Environment inChunks(const char* threads, const char* memory)
+{
+    return {{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}, {"GRIDFORGE_PIECE", "1000000"}};
+}
+
 TEST(CellWriter, CellsArriveThroughChunksOfAnySizeAndTheLibraryAlike)
 {
     for (const char* threads : {"1", "2", "5", "40"}) {
         for (const char* memory : {"1", "100", "1000000"}) {
-            const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}});
+            const Environment environment = inChunks(threads, memory);
             for (const std::size_t chunkRows : {0U, 1U, 2U, 5U}) {
                 const test::ScratchFolder folder;
                 Target target(folder, chunkRows);
@@ -139,7 +145,7 @@ TEST(CellWriter, GridsOfFewChunksArePackedSeveralAtATime)
     const test::ScratchFolder folder;
     const Target target(folder, 5); // three chunks a grid
     const auto together = [&](const char* threads, const char* memory, std::size_t grids = 100) {
-        const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_MEMORY", memory}});
+        const Environment environment = inChunks(threads, memory);
         return netcdf::CellWriter(target.series(), lattice(), grids, "nf90_put_var (rg)").gridsTogether();
     };
     EXPECT_EQ(together("1", "1000000"), 1U);
