@@ -12,9 +12,10 @@ from inputs import entries
 SET_ASIDE = {".dbf": (1, 4, b"\x03")}  # the day of writing: the two runs may lie on both sides of midnight
 
 # Two runs of one executable differ by up to 4 %, 500 KB: what lies where changes from run to run. Besides, each thread has
-# some megabytes of buffers, whatever the size of the grids.
+# some megabytes of buffers, whatever the size of the grids, and a setting may ask for more threads than there are processors.
 MEMORY_SHARE = 0.10
 MEMORY_KB = 8192
+MEMORY_KB_A_THREAD = 3072
 SHOWN = 160
 HDF5_FIRST = b"\x89HDF\r\n\x1a\n"
 
@@ -181,9 +182,9 @@ def compare_files(folder_a, folder_b):
     return found
 
 
-def more_memory(a, b):
-    """Whether the second needs clearly more memory than the first."""
-    return b.peak_kb > a.peak_kb * (1 + MEMORY_SHARE) + MEMORY_KB
+def more_memory(a, b, threads=0):
+    """Whether the second, for which so many threads were asked, needs clearly more memory than the first."""
+    return b.peak_kb > a.peak_kb * (1 + MEMORY_SHARE) + max(MEMORY_KB, threads * MEMORY_KB_A_THREAD)
 
 
 def compare(a, b, again=None):

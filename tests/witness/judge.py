@@ -90,12 +90,12 @@ def compare_memory(scratch, given, reference, tool, limits, verdict):
     """Peak memory; where there is more, both run twice again, and the least of each counts."""
     a, b = verdict.reference, verdict.present
     for _ in range(2):
-        if not more_memory(a, b):
+        if not more_memory(a, b, tool.threads):
             break
         a.peak_kb = min(a.peak_kb, scratch.run(reference, given, limits).peak_kb)
         b.peak_kb = min(b.peak_kb, scratch.run(tool, given, limits).peak_kb)
     verdict.peaks = (a.peak_kb, b.peak_kb)
-    if more_memory(a, b):
+    if more_memory(a, b, tool.threads):
         verdict.differences.append(Difference(MORE_MEMORY, "%d KB | %d KB" % verdict.peaks))
 
 

@@ -30,6 +30,7 @@ class Tool:
     def __init__(self, path, environment=()):
         self.path = os.path.abspath(path)
         self.environment = list(environment)  # texts, NAME=value
+        self.threads = sum(int(word.partition("=")[2]) for word in self.environment if word.startswith("GRIDFORGE_THREADS="))
         self.sanitized = b"__asan_init" in read(self.path)
 
 

@@ -416,6 +416,11 @@ class ComparisonTest(WithFolder):
                                (1000000, 1120000, True)):
             self.assertEqual(compare.more_memory(self.outcome(old), self.outcome(new)), more, (old, new))
 
+    def test_memory_of_each_thread_that_a_setting_asks_for(self):
+        self.assertEqual([runs.Tool(TOOL, setting).threads for setting in ((), ("A=2", "GRIDFORGE_THREADS=7"))], [0, 7])
+        for threads, new, more in ((1, 20900, False), (1, 23000, True), (7, 35000, False), (7, 37000, True)):
+            self.assertEqual(compare.more_memory(self.outcome(13000), self.outcome(new), threads), more, (threads, new))
+
     def test_only_the_date_of_a_dbf_is_set_aside(self):
         self.assertEqual(self.kinds("a.dbf", "\3\x7d\1\1rest", "\3\x7d\2\x1frest"), [])
         self.assertEqual(self.kinds("a.dbf", "\3\x7d\1\1rest", "\3\x7d\1\1Rest"), ["bytes of .dbf"])
