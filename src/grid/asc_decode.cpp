@@ -27,15 +27,22 @@ struct Lines {
     std::span<const std::uint32_t> ends; // of each in the text, with its line end
 };
 
-// The last line may lack its line end.
+// As many as there is room for: if there are more, some are too short for a row. The last line may lack its line end.
 Lines linesOf(std::string_view text, std::span<std::uint32_t> ends)
 {
     std::size_t lines = 0;
-    for (std::size_t at = 0; at < text.size();) {
+    std::size_t at = 0;
+    while (at < text.size() && lines < ends.size()) {
         at = std::min(text.find('\n', at), text.size() - 1) + 1;
         ends[lines++] = static_cast<std::uint32_t>(at);
     }
     return {text, ends.first(lines)};
+}
+
+// More rows than can begin in so many bytes: each value takes two, one of them behind it.
+std::size_t rowsIn(std::size_t bytes, const GridHeader& header)
+{
+    return bytes / (2 * static_cast<std::size_t>(header.ncols)) + 2;
 }
 
 // Gives pieces the numbers of their rows in the order of the text.
@@ -135,7 +142,8 @@ bool decodeAsc(const GridLook& look, CellStore& cells)
     Decoder decoder(look.header, cells);
     WorkerRooms<std::uint32_t> ends;
     const std::size_t workers = workersOf(pieces.count());
-    if (!pieces.takeRooms() || !ends.take(workers, pieces.mostLines()) || !decoder.takeRooms(workers)) {
+    if (!pieces.takeRooms() || !ends.take(workers, rowsIn(pieces.bytes(), look.header)) ||
+        !decoder.takeRooms(workers)) {
         return false;
     }
     RowTurns turns;

@@ -14,7 +14,7 @@ constexpr std::size_t kUsualPiece = std::size_t{1} << 19; // stays in the cache 
 // Less is not worth the turns that pieces take.
 constexpr std::size_t kLeastPieceBytes = std::size_t{1} << 12;
 constexpr std::size_t kHintedPieces = 8; // disks want to be read by some megabytes
-constexpr std::size_t kLeastReach = std::size_t{1} << 21;
+constexpr std::size_t kLeastReach = std::size_t{1} << 18;
 constexpr std::size_t kMostReach = std::size_t{1} << 24;
 
 } // namespace

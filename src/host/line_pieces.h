@@ -24,8 +24,8 @@ public:
     // False if the file cannot be opened, or out of memory.
     [[nodiscard]] bool takeRooms();
     std::size_t count() const { return count_; }
-    // No piece has more.
-    std::size_t mostLines() const { return bytes_; }
+    // So many bytes further the next piece begins.
+    std::size_t bytes() const { return bytes_; }
 
     // The lines of a piece, with their ends; the last line of the file may lack its end. They stay in the room of the worker
     // until its next call. Nothing if the system refuses or a line is too long.

@@ -54,6 +54,14 @@ TEST(DecodeAsc, LeavesAllElseToTheReaderOfLines)
     }
 }
 
+TEST(DecodeAsc, EmptyLinesMayFollowTheLastRowButNotStandBetweenRows)
+{
+    const std::string lines(20000, '\n'); // more than rows could begin in so many bytes
+    EXPECT_TRUE(decoded("1 2 3\n4 5 6\n" + lines));
+    EXPECT_FALSE(decoded("1 2 3\n" + lines + "4 5 6\n"));
+    EXPECT_FALSE(decoded("1 2 3\n" + lines));
+}
+
 std::vector<float> manyCells(std::size_t count)
 {
     std::mt19937 random(17);
