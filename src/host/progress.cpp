@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cassert>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -38,6 +39,14 @@ Progress& progressOfRun()
     return progress;
 }
 
+// The system that the calls go on to.
+const System& below()
+{
+    const System* const system = progressOfRun().below;
+    assert(system != nullptr); // calls are counted, and lines due, only once it is set
+    return *system;
+}
+
 std::string lineNow(const Progress& p, std::int64_t now)
 {
     constexpr std::int64_t kTenth = kSecond / 10;
@@ -50,7 +59,7 @@ std::string lineNow(const Progress& p, std::int64_t now)
 void writeProgress(Progress& p, std::int64_t now)
 {
     const std::string line = lineNow(p, now);
-    if (p.below->write(p.target, line) != static_cast<std::int64_t>(line.size())) {
+    if (below().write(p.target, line) != static_cast<std::int64_t>(line.size())) {
         p.due = kNever;
     }
 }
@@ -63,7 +72,7 @@ void writeIfDue()
     if (due == kNever) {
         return;
     }
-    const std::int64_t now = p.below->now();
+    const std::int64_t now = below().now();
     const bool wanted = now >= due || now < due - kSecond;
     if (wanted && p.due.compare_exchange_strong(due, now + kSecond)) {
         writeProgress(p, now);
@@ -83,26 +92,22 @@ std::int64_t counted(std::atomic<std::int64_t>& count, std::int64_t bytes)
 
 std::int64_t countingRead(SystemFile file, std::span<char> target)
 {
-    Progress& p = progressOfRun();
-    return counted(p.read, p.below->read(file, target));
+    return counted(progressOfRun().read, below().read(file, target));
 }
 
 std::int64_t countingReadAt(SystemFile file, std::int64_t position, std::span<char> target)
 {
-    Progress& p = progressOfRun();
-    return counted(p.read, p.below->readAt(file, position, target));
+    return counted(progressOfRun().read, below().readAt(file, position, target));
 }
 
 std::int64_t countingWrite(SystemFile file, std::span<const char> bytes)
 {
-    Progress& p = progressOfRun();
-    return counted(p.written, p.below->write(file, bytes));
+    return counted(progressOfRun().written, below().write(file, bytes));
 }
 
 std::int64_t countingWriteAt(SystemFile file, std::int64_t position, std::span<const char> bytes)
 {
-    Progress& p = progressOfRun();
-    return counted(p.written, p.below->writeAt(file, position, bytes));
+    return counted(progressOfRun().written, below().writeAt(file, position, bytes));
 }
 
 // --- Where the lines go ----------------------------------------------------------------------------------------------
@@ -143,7 +148,7 @@ void startProgress()
     Progress& p = progressOfRun();
     p.below = &theSystem();
     p.target = *target;
-    p.began = p.below->now();
+    p.began = below().now();
     p.due = p.began;
     p.read = 0;
     p.written = 0;
@@ -169,7 +174,7 @@ void endProgress()
         return;
     }
     if (p.due != kNever) {
-        writeProgress(p, p.below->now());
+        writeProgress(p, below().now());
     }
     p.due = kNever;
     p.below->close(p.target);
