@@ -148,8 +148,4 @@ GROWING = [*(extremes("max", 4, size, True) for size in SIZES), difference(12000
 # What more processors are worth.
 COMPUTING = ["max_source", "dif", "statAll", "conv_to_flt", "conv_to_asc", "remap_tin", "remap_idw", "nc", "xyz", "rf_idw", "cp", "damages"]
 
-# That asking for more threads than there are processors costs nothing.
-CROWDED = ["max_source", "statAll", "conv_to_flt", "nc", "damages"]
-
-RUNS = [*USUAL, *GROWING, *by_threads(USUAL, COMPUTING, 1, "_alone", "one thread"),
-        *by_threads(USUAL, CROWDED, 8, "_crowded", "eight threads asked for")]
+RUNS = [*USUAL, *GROWING, *by_threads(USUAL, COMPUTING, 1, "_alone", "one thread")]

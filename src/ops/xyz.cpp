@@ -35,14 +35,12 @@ constexpr std::string_view kUnreadable = "ERROR - Reading following line in clas
 
 std::size_t countLines(Unit unit)
 {
+    std::string line;
     std::size_t lines = 0;
-    bool cutShort = false; // a last line without a line end
-    for (std::string_view bytes = readyBytes(unit); !bytes.empty(); bytes = readyBytes(unit)) {
-        lines += countLineEnds(bytes);
-        cutShort = bytes.back() != '\n';
-        takeBytes(unit, bytes.size());
+    while (readLine(unit, line, 0)) {
+        ++lines;
     }
-    return lines + (cutShort ? 1 : 0);
+    return lines;
 }
 
 std::size_t countPoints(Unit unit, const std::optional<PointList>& ahead)

@@ -104,6 +104,14 @@ TEST(XyzCli, AFileThatCannotBeReadEndsTheRunWhileItIsCounted)
     EXPECT_CONSOLE_HOLDS(run, errorEnd(openedUnit(1001), "ERROR - Reading following line in classes file:", ""));
 }
 
+TEST(XyzCli, ADeviceWithoutEndEndsTheRun)
+{
+    ToolRun run("-b -xyz p.xyz");
+    std::filesystem::create_symlink("/dev/zero", run.folder() / "p.xyz");
+    run.start();
+    EXPECT_CONSOLE_HOLDS(run, errorEnd(openedUnit(1001), "ERROR - Reading following line in classes file:", ""));
+}
+
 TEST(XyzCli, ALineIsCutAtItsWidth)
 {
     ToolRun run("-b -xyz p.xyz");
