@@ -43,10 +43,16 @@ class ChecksTest(unittest.TestCase):
             check()
 
     def test_a_maximum(self):
+        write("o_src.flt", [[2, N], [2, 4]])
         self.finds(large.check_max, "o.flt", [[2, N], [5, 4]], [[2, N], [5, 3]])
+        write("o.flt", [[2, N], [5, 4]])
+        self.finds(large.check_max, "o_src.flt", [[2, N], [2, 4]], [[2, N], [2, 3]])
 
     def test_a_difference(self):
+        write("o_wd.flt", [[N, N], [-99, N]])
         self.finds(large.check_dif, "o.flt", [[-1, N], [N, -0.125]], [[-1, N], [-5, -0.125]])
+        write("o.flt", [[-1, N], [N, -0.125]])
+        self.finds(large.check_dif, "o_wd.flt", [[N, N], [-99, N]], [[N, N], [99, N]])
 
     def test_a_text_and_the_grid_that_it_becomes_again(self):
         head = "ncols 2\nnrows 2\nxllcorner 0\nyllcorner 0\ncellsize 1\nNODATA_value -9999\n"
