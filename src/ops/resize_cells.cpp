@@ -9,7 +9,6 @@
 #include <cassert>
 #include <cmath>
 #include <limits>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -83,13 +82,15 @@ void byMethod(ResizeMethod method, const Work& work)
 // that one waits for.
 constexpr std::size_t kAbreast = 4;
 
-// Gives the first tiles their cells of the row, and returns how many tiles these are.
-template <typename Tile>
-std::size_t takeLanes(std::span<const float> row, float null, std::size_t factor, std::span<Tile> tiles)
+// Gives the first tiles their cells of the row, and returns how many tiles these are: those of sums only.
+std::size_t takeLanes(std::span<const float> row, float null, std::size_t factor, std::span<TileSum> tiles)
 {
-    if constexpr (std::is_same_v<Tile, TileSum>) {
-        return addToTiles(row, null, factor, tiles.data(), tiles.size());
-    }
+    return addToTiles(row, null, factor, tiles.data(), tiles.size());
+}
+
+std::size_t takeLanes(std::span<const float> /*row*/, float /*null*/, std::size_t /*factor*/,
+                      std::span<float> /*tiles*/)
+{
     return 0;
 }
 

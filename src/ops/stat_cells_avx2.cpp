@@ -4,7 +4,7 @@
 
 #if defined(__x86_64__)
 #include <immintrin.h>
-#include <utility>
+#include <iterator>
 #endif
 
 namespace gridforge::ops {
@@ -70,12 +70,9 @@ GRIDFORGE_AVX2 bool pickLanes(CellStack grids, std::size_t count, const Limits& 
 using PickLanes = bool (*)(CellStack, std::size_t, const Limits&, const RankResult&, std::size_t);
 
 // By the number of grids, from one.
-template <std::size_t... Less>
-constexpr std::array<PickLanes, sizeof...(Less)> allPickLanes(std::index_sequence<Less...>)
-{
-    return {pickLanes<Less + 1>...};
-}
-constexpr std::array<PickLanes, kMaxStatGrids> kPickLanes = allPickLanes(std::make_index_sequence<kMaxStatGrids>());
+constexpr PickLanes kPickLanes[] = {pickLanes<1>, pickLanes<2>, pickLanes<3>, pickLanes<4>, pickLanes<5>,
+                                    pickLanes<6>, pickLanes<7>, pickLanes<8>, pickLanes<9>, pickLanes<10>};
+static_assert(std::size(kPickLanes) == kMaxStatGrids);
 
 } // namespace
 
