@@ -36,6 +36,7 @@ struct RfPass {
     RfSettings settings;
     RfHyetographs& hyetographs;
     RfPoints& points;
+    bool namesMethod = false;
 };
 
 [[noreturn]] void failNumber(const ControlLine& line)
@@ -96,6 +97,7 @@ void readFormat(const ControlLine& line, RfPass& pass)
 void readMethod(const ControlLine& line, RfPass& pass)
 {
     RfMethod& method = pass.settings.method;
+    pass.namesMethod = true;
     if (FLAGEXISTS(line.value, "Poly")) {
         method = RfMethod::polygon;
     } else if (FLAGEXISTS(line.value, "TIN")) {
@@ -168,7 +170,7 @@ RfSettings readRfCommands(const std::string& controlFile, RfHyetographs& hyetogr
     runCommands(unit, kDialect, kCommands, pass);
     say("Finished first processing rf control file.");
     CLOSER(unit);
-    if (pass.settings.method == RfMethod::none) {
+    if (!pass.namesMethod) {
         fail("ERROR - Rainfall Interpolation method not specified.  Please use \"RF Interpolation Method == \"");
     }
     return pass.settings;

@@ -10,7 +10,7 @@
 namespace gridforge::rainfall {
 
 enum class RfFormat { asc, flt, nc };
-enum class RfMethod { none, polygon, tin, idw };
+enum class RfMethod { polygon, tin, idw };
 
 struct RfSettings {
     float cell = 0.0F;
@@ -21,9 +21,9 @@ struct RfSettings {
     double xOrigin = 0.0;
     double yOrigin = 0.0;
     RfFormat format = RfFormat::asc;
-    RfMethod method = RfMethod::none;
-    std::int32_t idwMaxPoints = 0; // 0: all
-    float idwMaxDistance = -99.0F; // below 0.001: no limit
+    RfMethod method = RfMethod::polygon; // the file must name one
+    std::int32_t idwMaxPoints = 0;       // 0: all
+    float idwMaxDistance = -99.0F;       // below 0.001: no limit
     float idwExponent = 2.0F;
 };
 

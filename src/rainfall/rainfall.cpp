@@ -19,7 +19,6 @@
 #include "rainfall/triangles.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -211,7 +210,6 @@ void runRainfall(const run::Common& common, const run::InputFileList& inputs)
     RfIdwTables idw;
     StepRoutine runStep;
     switch (rain.settings.method) {
-    case RfMethod::none: assert(false); break; // readRfCommands refuses it
     case RfMethod::polygon: runStep = preparePolygons(rain, polygons); break;
     case RfMethod::tin: runStep = prepareTin(rain, tin); break;
     case RfMethod::idw: runStep = prepareIdw(rain, idw); break;
