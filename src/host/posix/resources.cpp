@@ -42,11 +42,11 @@ std::uint64_t limitIn(const std::string& file)
     return in >> value ? value : kNoLimit;
 }
 
-// Calls `work` with the folder of each control group of the process, from its own up to the root.
+// Calls `work` with the folder of each control group of the process, from its own up to the topmost.
 template <typename Work>
-void forEachGroup(Work work)
+void forEachGroup(const std::string& root, Work work)
 {
-    std::ifstream in("/proc/self/cgroup");
+    std::ifstream in(root + "/proc/self/cgroup");
     std::string group;
     while (std::getline(in, group) && !group.starts_with("0::")) {
     }
@@ -54,29 +54,15 @@ void forEachGroup(Work work)
         return;
     }
     group.erase(0, std::string("0::").size());
+    const std::string topmost = root + "/sys/fs/cgroup";
     while (!group.empty()) {
-        work("/sys/fs/cgroup" + group);
+        work(topmost + group);
         group.resize(group.size() > 1 ? std::max<std::size_t>(group.rfind('/'), 1) : 0);
         if (group == "/") {
-            work(std::string("/sys/fs/cgroup"));
+            work(topmost);
             return;
         }
     }
-}
-
-// The system drops cached files of the group when room is needed.
-std::uint64_t leftInGroups()
-{
-    std::uint64_t left = kNoLimit;
-    forEachGroup([&left](const std::string& group) {
-        const std::uint64_t limit = limitIn(group + "/memory.max");
-        if (limit == kNoLimit) {
-            return;
-        }
-        const std::uint64_t files = valueAfter(group + "/memory.stat", "file").value_or(0);
-        left = std::min(left, less(limit, less(limitIn(group + "/memory.current"), files)));
-    });
-    return left;
 }
 
 std::uint64_t leftOf(__rlimit_resource resource, const std::string& taken)
@@ -88,11 +74,20 @@ std::uint64_t leftOf(__rlimit_resource resource, const std::string& taken)
     return less(limit.rlim_cur, valueAfter("/proc/self/status", taken).value_or(0) * kKilobyte);
 }
 
-// The number of whole processors that control groups allow.
-std::size_t processorsOfGroups()
+std::size_t countProcessors()
+{
+    cpu_set_t set;
+    const bool known = sched_getaffinity(0, sizeof set, &set) == 0;
+    const auto count = known ? static_cast<std::size_t>(CPU_COUNT(&set)) : std::thread::hardware_concurrency();
+    return std::max<std::size_t>(1, std::min<std::size_t>(count, processorsOfGroups("")));
+}
+
+} // namespace
+
+std::size_t processorsOfGroups(const std::string& root)
 {
     std::size_t processors = std::numeric_limits<std::size_t>::max();
-    forEachGroup([&processors](const std::string& group) {
+    forEachGroup(root, [&processors](const std::string& group) {
         std::ifstream in(group + "/cpu.max");
         std::size_t quota = 0;
         std::size_t period = 0;
@@ -103,15 +98,20 @@ std::size_t processorsOfGroups()
     return processors;
 }
 
-std::size_t countProcessors()
+// The system drops cached files of the group when room is needed.
+std::uint64_t memoryLeftInGroups(const std::string& root)
 {
-    cpu_set_t set;
-    const bool known = sched_getaffinity(0, sizeof set, &set) == 0;
-    const auto count = known ? static_cast<std::size_t>(CPU_COUNT(&set)) : std::thread::hardware_concurrency();
-    return std::max<std::size_t>(1, std::min<std::size_t>(count, processorsOfGroups()));
+    std::uint64_t left = kNoLimit;
+    forEachGroup(root, [&left](const std::string& group) {
+        const std::uint64_t limit = limitIn(group + "/memory.max");
+        if (limit == kNoLimit) {
+            return;
+        }
+        const std::uint64_t files = valueAfter(group + "/memory.stat", "file").value_or(0);
+        left = std::min(left, less(limit, less(limitIn(group + "/memory.current"), files)));
+    });
+    return left;
 }
-
-} // namespace
 
 std::size_t processorsToUse()
 {
@@ -122,7 +122,7 @@ std::size_t processorsToUse()
 std::uint64_t memoryLeftToTake()
 {
     const std::uint64_t machine = valueAfter("/proc/meminfo", "MemAvailable:").value_or(0) * kKilobyte;
-    return std::min({machine, leftInGroups(), leftOf(RLIMIT_AS, "VmSize:"), leftOf(RLIMIT_DATA, "VmData:")});
+    return std::min({machine, memoryLeftInGroups(""), leftOf(RLIMIT_AS, "VmSize:"), leftOf(RLIMIT_DATA, "VmData:")});
 }
 
 } // namespace gridforge::inline host
