@@ -8,6 +8,7 @@
 #include <mutex>
 #include <set>
 #include <span>
+#include <string>
 
 namespace gridforge::test {
 
@@ -55,6 +56,18 @@ inline void refuseOneWriteAfter(int count)
     static System refusing = nativeSystem();
     refusing.writeAt = [](SystemFile file, std::int64_t position, std::span<const char> bytes) {
         return left-- != 0 ? nativeSystem().writeAt(file, position, bytes) : std::int64_t{-1};
+    };
+    useSystem(refusing);
+}
+
+// Refuses one file without a name after the first `count`, and no other.
+inline void refuseOneUnnamedFileAfter(int count)
+{
+    static std::atomic<int> left;
+    left = count;
+    static System refusing = nativeSystem();
+    refusing.openUnnamed = [](const std::string& folder) {
+        return left-- != 0 ? nativeSystem().openUnnamed(folder) : SystemFile::none;
     };
     useSystem(refusing);
 }

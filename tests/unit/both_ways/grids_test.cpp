@@ -3,11 +3,13 @@
 #include "driver/operations.h"
 #include "driver/scan.h"
 #include "grid/cell_store.h"
+#include "host/console.h"
 #include "ops/conv.h"
 #include "run/cells_ahead.h"
 
 #include "support/both_ways.h"
 #include "support/child_run.h"
+#include "support/consoles.h"
 #include "support/environment.h"
 #include "support/grids.h"
 #include "support/layer_files.h"
@@ -281,6 +283,28 @@ TEST(Ways, StepByStepWhereCellsFindNoRoom)
     expectWay(run::Way::noRoom, {{"a.asc", kOnes}, {"b.asc", kSevens}});
 }
 
+TEST(Ways, StepByStepWhereACopyFindsNoRoom)
+{
+    const Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "/nowhere"}});
+    const auto run = [](const ScratchFolder& folder, int good) {
+        folder.give("a.asc", kOnes);
+        return runInChild(folder, [good] {
+            refuseOneUnnamedFileAfter(good);
+            run::InputFileList inputs;
+            inputs.add("a.asc");
+            const std::size_t ahead = waysGone(run::Way::ahead);
+            const std::size_t noRoom = waysGone(run::Way::noRoom);
+            ops::runConv({}, inputs);
+            say("ways: ", waysGone(run::Way::ahead) - ahead, ' ', waysGone(run::Way::noRoom) - noRoom);
+        });
+    };
+    for (const int good : {0, 1}) { // files, of which the first has the cells until it gets the name of the grid
+        const ScratchFolder folder;
+        EXPECT_THAT(run(folder, good).console, testing::EndsWith(good == 0 ? "ways: 0 1\n" : "ways: 1 0\n"));
+        EXPECT_EQ(folder.read("a.flt"), fltCells({{1, 2, 3}, {4, 5, 6}}));
+    }
+}
+
 TEST(Ways, AheadInTheRoomOfOneTextAtATime)
 {
     const Environment environment({{"GRIDFORGE_MEMORY", "48"}}); // for six cells of the output and six of an input
@@ -340,6 +364,30 @@ TEST(Ways, ARefusedReadOfAnInputThatItsTextReplacesIsNeverLost)
     }
     EXPECT_GT(ended, 0);
     EXPECT_LT(ended, 8);
+}
+
+// They need other room first, in memory or in a file.
+TEST(Ways, AnInputThatItsTextReplacesAndThatFindsNoRoomEndsTheRun)
+{
+    const Cells cells = {{1, 2, 3}, {4, -5.5, 6}};
+    const auto run = [&cells](const std::string& scratch) {
+        const Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", scratch}});
+        const ScratchFolder folder;
+        folder.give("a.hdr", hdr(cells));
+        folder.give("a.flt", fltCells(cells));
+        std::filesystem::create_hard_link(folder.path() / "a.flt", folder.path() / "a.asc");
+        const ChildRun made = runInChild(folder, [] {
+            run::InputFileList inputs;
+            inputs.add("a.flt");
+            refuseWritesAfter(0); // of cells that wait in a file
+            ops::runConv({}, inputs);
+        });
+        EXPECT_TRUE(made.ended) << scratch;
+        EXPECT_THAT(made.console, testing::EndsWith("ERROR - Could not allocate enough memory (RAM).\n" + kExits));
+        EXPECT_EQ(folder.read("a.flt"), fltCells(cells)); // as nothing was written over it yet
+    };
+    run("/nowhere");
+    run(".");
 }
 
 } // namespace

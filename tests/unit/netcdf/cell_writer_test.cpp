@@ -3,6 +3,7 @@
 #include "support/child_run.h"
 #include "support/consoles.h"
 #include "support/environment.h"
+#include "support/few_pages.h"
 #include "support/refusing_system.h"
 #include "support/scratch_folder.h"
 
@@ -10,6 +11,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netcdf.h>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -155,6 +158,31 @@ TEST(CellWriter, GridsOfFewChunksArePackedSeveralAtATime)
     EXPECT_EQ(together("6", "720"), 2U); // of 2 * 60 bytes a chunk
     EXPECT_EQ(together("6", "1"), 1U);
     EXPECT_EQ(together("6", "1000000", 3), 3U); // no more come
+}
+
+// Rooms for many chunks, for one, or for none, where the library gets the cells.
+TEST(CellWriter, CellsArriveWhereMemoryIsShort)
+{
+    const Environment environment = inChunks("5", "1000000");
+    std::set<bool> packs;
+    for (int arrays = 0; arrays < 40; ++arrays) {
+        const test::ScratchFolder folder;
+        Target target(folder, 2);
+        const int series = target.series().id;
+        {
+            std::optional<netcdf::CellWriter> writer;
+            {
+                const test::FewPages pages(arrays);
+                writer.emplace(target.series(), lattice(), 11, "nf90_put_var (rg)");
+            }
+            packs.insert(writer->packsChunks());
+            EXPECT_TRUE(arrays > 0 || !writer->packsChunks());
+            EXPECT_TRUE(writer->packsChunks() || writer->gridsTogether() == 1);
+            writeAll(*writer, 11, folder.path().string());
+        }
+        expectGrids(target.values(series, 11 * kCells));
+    }
+    EXPECT_EQ(packs.size(), 2U);
 }
 
 TEST(CellWriter, CellsThatCannotBeReadBackEndTheRun)

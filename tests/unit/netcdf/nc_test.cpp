@@ -44,6 +44,43 @@ TEST(RunNc, CellsThatFindNoRoomToWaitEndTheRun)
                                                kExits));
 }
 
+// A grid that finds no room ahead of its story may find it later; where there is still none the run ends.
+TEST(RunNc, ARefusedRoomForCellsIsNeverLost)
+{
+    const test::Environment environment(
+        {{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "."}, {"GRIDFORGE_THREADS", "1"}});
+    const auto run = [](const test::ScratchFolder& folder, int good) {
+        folder.give("a.asc", test::ascGrid({{21, 22}, {11, 12}}));
+        folder.give("b.asc", test::ascGrid({{21, 32}, {31, 12}}));
+        return test::runInChild(folder, [good] {
+            run::InputFileList inputs;
+            inputs.add("a.asc");
+            inputs.add("b.asc");
+            test::refuseOneUnnamedFileAfter(good);
+            const std::size_t before = run::waysGone(run::Way::noRoom);
+            netcdf::runNc({}, {}, inputs);
+            say("no room: ", run::waysGone(run::Way::noRoom) - before);
+        });
+    };
+    const test::ScratchFolder whole;
+    EXPECT_FALSE(run(whole, -1).ended);
+    int noRoom = 0;
+    int ended = 0;
+    for (int good = 0; good < 10; ++good) {
+        const test::ScratchFolder folder;
+        const test::ChildRun made = run(folder, good);
+        if (made.ended) {
+            ++ended;
+            EXPECT_TRUE(made.console.ends_with("ERROR - Could not allocate enough memory (RAM).\n" + kExits)) << good;
+        } else {
+            noRoom += made.console.ends_with("no room: 1\n") ? 1 : 0;
+            EXPECT_TRUE(folder.read("a.nc") == whole.read("a.nc")) << good << " files";
+        }
+    }
+    EXPECT_EQ(ended, 1); // the maximum has no other way
+    EXPECT_GT(noRoom, 1);
+}
+
 // Cells of grids that are read ahead and step by step, and those of the maximum.
 TEST(RunNc, EachRefusalOfCellsThatWaitInFilesEndsTheRun)
 {

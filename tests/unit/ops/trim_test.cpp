@@ -1,10 +1,13 @@
 #include "ops/trim.h"
 
+#include "host/console.h"
+#include "run/cells_ahead.h"
 #include "support/child_run.h"
 #include "support/consoles.h"
 #include "support/environment.h"
 #include "support/grids.h"
 #include "support/layer_files.h"
+#include "support/operation_run.h"
 #include "support/refusing_system.h"
 
 #include <gmock/gmock.h>
@@ -43,6 +46,38 @@ TEST(RunTrim, ReportsCellsThatWaitAndCannotBeReadAsSuch)
         errorEndText("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.");
     EXPECT_THAT(consoleWithoutWaitingCells("a.asc", 1), testing::EndsWith(end));
     EXPECT_THAT(consoleWithoutWaitingCells("a.flt", 17), testing::EndsWith(end));
+}
+
+// A cut that finds no room ahead of the story is made in it.
+TEST(RunTrim, CutsStepByStepWhereACutFindsNoRoom)
+{
+    const Environment inFiles({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "."}});
+    const auto run = [](const ScratchFolder& folder, int good) {
+        giveMif(folder, "r", "Region 1\n4\n2 2\n2 6\n6 2\n2 2\nRegion 1\n4\n1 1\n1 4\n4 1\n1 1\n", 2);
+        folder.give("a.hdr", hdr(rowColumnCells()));
+        folder.give("a.flt", fltCells(rowColumnCells()));
+        return runInChild(folder, [good] {
+            refuseOneUnnamedFileAfter(good);
+            run::InputFileList inputs;
+            inputs.add("a.flt");
+            const std::size_t ahead = waysGone(run::Way::ahead);
+            const std::size_t noRoom = waysGone(run::Way::noRoom);
+            ops::runTrim({.out = {}, .format = grid::Format::asc}, {.layer = "r.mif"}, inputs);
+            say("ways: ", waysGone(run::Way::ahead) - ahead, ' ', waysGone(run::Way::noRoom) - noRoom);
+        });
+    };
+    const ScratchFolder whole;
+    const ChildRun ahead = run(whole, -1);
+    EXPECT_FALSE(ahead.ended);
+    EXPECT_THAT(ahead.console, testing::EndsWith("ways: 1 0\n"));
+    for (const int good : {0, 1}) { // cuts that have room
+        const ScratchFolder folder;
+        const ChildRun stepped = run(folder, good);
+        EXPECT_FALSE(stepped.ended) << stepped.console;
+        const std::size_t told = ahead.console.rfind("ways: ");
+        EXPECT_EQ(stepped.console, ahead.console.substr(0, told) + "ways: 0 1\n");
+        EXPECT_EQ(filesIn(folder.path()), filesIn(whole.path()));
+    }
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "support/grids.h"
 #include "support/layer_files.h"
 #include "support/process_limits.h"
+#include "support/refusing_system.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -43,6 +44,34 @@ TEST(PointFinder, ASecondPointThatFindsNoRoomForTheGridEndsTheRun)
     const test::ChildRun run = test::runInChild(folder, [] { findTwo(40); });
     EXPECT_TRUE(run.ended);
     EXPECT_THAT(run.console, testing::EndsWith("ERROR - Could not allocate enough memory (RAM).\n" + test::kExits));
+}
+
+// The cells around the first point have been read; those of all the grid can no longer be.
+TEST(PointFinder, ASecondPointWhoseGridCannotBeReadEndsTheRun)
+{
+    const test::ScratchFolder folder;
+    const test::Cells cells(30, std::vector<double>(40, 2.5));
+    folder.give("a.flt", test::fltCells(cells));
+    folder.give("a.hdr", test::hdr(cells));
+    test::giveMif(folder, "l", "Point 5 6\n");
+    for (const bool refuses : {false, true}) {
+        const test::ChildRun run = test::runInChild(folder, [refuses] {
+            sampling::PointFinder finder("l.mif", "a.flt", {.nearest = 10, .extremes = {}});
+            finder.load("a.flt");
+            finder.goTo(5, 6);
+            EXPECT_TRUE(finder.nearest());
+            if (refuses) {
+                test::refuseReadsAfter(0);
+            }
+            finder.goTo(7, 8);
+            EXPECT_TRUE(finder.nearest());
+        });
+        EXPECT_EQ(run.ended, refuses);
+        EXPECT_EQ(run.console.ends_with(test::errorEndText(
+                      "ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.")),
+                  refuses)
+            << run.console;
+    }
 }
 
 } // namespace
