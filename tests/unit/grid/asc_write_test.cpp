@@ -86,6 +86,39 @@ TEST(WriteAscRows, WritesRowAfterRowWhereThatIsRefused)
     EXPECT_EQ(calls, 3);
 }
 
+// A thread would need as much as several rows have.
+TEST(WriteAscRows, WritesRowAfterRowWhereARowIsVeryLong)
+{
+    const Environment pieces = smallPieces();
+    const MemoryRun run;
+    static std::atomic<int> calls = 0;
+    static System counting = memorySystem();
+    counting.writeAt = [](SystemFile file, std::int64_t position, std::span<const char> bytes) {
+        ++calls;
+        return memorySystem().writeAt(file, position, bytes);
+    };
+    useSystem(counting);
+    constexpr std::int32_t kColumns = 4196;
+    constexpr std::int32_t kWidth = 4000; // rows of 16.8 MB
+    Grid grid;
+    ASSERT_TRUE(grid.allocate(2, kColumns));
+    std::ranges::fill(grid.row(2), 2.0F);
+    std::ranges::fill(grid.row(1), 1.0F);
+    Unit unit = 0;
+    OPENER(unit, "O ", "a.asc");
+    grid::writeAscRows(unit, grid, kWidth, 1);
+    CLOSER(unit);
+    std::string text;
+    for (const char* const cell : {"2.0", "1.0"}) {
+        for (std::int32_t i = 0; i < kColumns; ++i) {
+            text.append(kWidth - 3, ' ').append(cell);
+        }
+        text += "\r\n";
+    }
+    EXPECT_TRUE(memoryFile("a.asc") == text);
+    EXPECT_EQ(calls, 0);
+}
+
 TEST(WriteAscRows, ShowsEachThousandthRow)
 {
     const MemoryRun run;

@@ -312,6 +312,16 @@ TEST(MemorySystem, RefusesFilesThatMemoryHasNoRoomFor)
     EXPECT_EQ(memoryFile("a"), "abc");
 }
 
+TEST(MemorySystem, InheritsNoFile)
+{
+    clearMemorySystem();
+    giveMemoryFile("a", "abc");
+    const System& system = memorySystem();
+    const SystemFile file = system.open("a", OpenFor::reading);
+    EXPECT_EQ(system.inherited(static_cast<std::int64_t>(file)), SystemFile::none); // its number is this process's own
+    EXPECT_TRUE(system.close(file));
+}
+
 TEST(MemorySystem, HoldsTheConsole)
 {
     clearMemorySystem();

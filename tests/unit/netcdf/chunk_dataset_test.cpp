@@ -1,6 +1,7 @@
 #include "netcdf/chunk_dataset.h"
 
 #include "netcdf/chunk_packer.h"
+#include "netcdf/library.h"
 #include "support/scratch_folder.h"
 
 #include <algorithm>
@@ -198,6 +199,50 @@ TEST_F(ChunkDatasetTest, WhatIsPackedInOtherWaysIsLeftToTheLibrary)
     EXPECT_FALSE(opens("line"));
     EXPECT_FALSE(opens("nothing"));
     EXPECT_TRUE(opens("series"));
+}
+
+TEST_F(ChunkDatasetTest, WhatTheLibraryDoesNotKnowAsAFileIsNone)
+{
+    define();
+    EXPECT_TRUE(opens("series"));
+    EXPECT_FALSE(netcdf::ChunkDataset::open(-1, "series"));
+}
+
+// All datasets that are open in HDF5.
+std::vector<hid_t> openDatasets()
+{
+    constexpr auto kAll = static_cast<hid_t>(H5F_OBJ_ALL);
+    std::vector<hid_t> ids(1000);
+    const ssize_t count = netcdf::library().H5Fget_obj_ids(kAll, H5F_OBJ_DATASET, ids.size(), ids.data());
+    ids.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    return ids;
+}
+
+TEST_F(ChunkDatasetTest, OneThatIsNoLongerOpenIsRefused)
+{
+    chunk(series_, {1, 2, 3});
+    define();
+    const std::vector<hid_t> before = openDatasets();
+    auto series = netcdf::ChunkDataset::open(file_, "series");
+    ASSERT_TRUE(series);
+    ASSERT_EQ(series->reach(1), NC_NOERR);
+    for (const hid_t id : openDatasets()) {
+        if (std::ranges::find(before, id) == before.end()) {
+            netcdf::library().H5Dclose(id);
+        }
+    }
+    EXPECT_EQ(series->reach(1), NC_EHDFERR);
+    EXPECT_EQ(series->reach(2), NC_EHDFERR);
+    EXPECT_EQ(series->write(1, 0, 0, std::vector<std::byte>(24)), NC_EHDFERR);
+}
+
+TEST(ChunkDataset, AClassicFileIsNoneWhereHdf5HasNothingOpen)
+{
+    const test::ScratchFolder folder;
+    int classic = -1;
+    ASSERT_EQ(nc_create((folder.path() / "classic.nc").string().c_str(), NC_CLOBBER, &classic), NC_NOERR);
+    EXPECT_FALSE(netcdf::ChunkDataset::open(classic, "series"));
+    nc_close(classic);
 }
 
 TEST_F(ChunkDatasetTest, AClassicFileIsNoneOfHdf5)

@@ -8,6 +8,7 @@
 #include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -160,6 +161,29 @@ TEST(NetcdfFile, ADriveGoesToTheLibraryWhereNamesHaveThem)
     EXPECT_NE(run.console.find("made\nERROR - With nectdf call nf90_create"), std::string::npos) << run.console;
     EXPECT_TRUE(folder.has("q.nc"));
     EXPECT_FALSE(folder.has("q:/q.nc"));
+}
+
+// A folder stands for the drive.
+TEST(NetcdfFile, ANameFromTheRootIsOnTheCurrentDriveWhereNamesHaveThem)
+{
+    if (nativeSystem().namesHaveDrives) {
+        GTEST_SKIP() << "would write to a drive";
+    }
+    for (const int mode : {NC_CLOBBER, NC_NETCDF4}) {
+        const ScratchFolder folder;
+        folder.give("drive/sub/keep", "");
+        const ChildRun run = runInChild(folder, [mode] {
+            static System system = nativeSystem();
+            system.namesHaveDrives = true;
+            system.fullName = [](const std::string& name) {
+                return name == "/" ? std::optional<std::string>("drive") : nativeSystem().fullName(name);
+            };
+            useSystem(system);
+            nc_close(netcdf::createNetcdf("\\sub\\a.nc", mode, "nf90_create"));
+        });
+        EXPECT_FALSE(run.ended) << run.console;
+        EXPECT_TRUE(folder.has("drive/sub/a.nc"));
+    }
 }
 
 TEST(NetcdfFile, AFileThatCannotBeMadeEndsTheRun)
