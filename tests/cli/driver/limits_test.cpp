@@ -59,13 +59,13 @@ TEST(LimitsCli, MemoryForPiecesIsEnough)
     if (!canLimitMemory()) {
         GTEST_SKIP() << "a sanitizer has taken its memory before";
     }
-    for (const char* limit : {"-v 60000", "-d 20000", "-d 2000"}) { // kB
+    for (const char* limit : {"-v 60000", "-d 20000", "-d 3000"}) { // kB
         LargeRun run(limit);
         run.start();
         EXPECT_EQ(run.status(), 0);
         EXPECT_EQ(run.error(), "");
         EXPECT_TRUE(run.reachedEnd()) << run.console();
-        EXPECT_EQ(run.read("m.flt"), std::string(kBytes, '\0'));
+        EXPECT_TRUE(run.read("m.flt") == std::string(kBytes, '\0')); // without showing 36 MB
     }
 }
 
