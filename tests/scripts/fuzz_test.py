@@ -77,7 +77,7 @@ class WordsTest(unittest.TestCase):
         popen, text, printed = subprocess.Popen, WITNESSED % (9, 9, 0), io.StringIO()
         with mock.patch.object(fuzz.subprocess, "Popen", start), contextlib.redirect_stdout(printed):
             self.assertEqual(fuzz.run_damaged(240), {"runs": 9, "seconds": 70, "findings": 0})
-        self.assertEqual(started[0][1:5], ["240", "--alone", "--preset", "clang"])
+        self.assertEqual(started[0][1:6], ["240", "--alone", "--damaged-only", "--preset", "clang"])
         self.assertEqual(printed.getvalue(), text)
 
     def test_a_failed_witness_counts_nothing(self):

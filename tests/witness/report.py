@@ -117,7 +117,7 @@ class Report:
         for note, count in sorted(self.notes.items()):
             print("%d runs %s" % (count, note))
         self.finish_memory()
-        plain = min(self.runs, len(self.plan.inputs))
+        plain = 0 if self.options.damaged_only else min(self.runs, len(self.plan.inputs))
         print("seed %d, %d inputs as they are, %d damaged; %.0f s, %.0f runs a second" %
               (self.plan.seed, plain, self.runs - plain, seconds, self.runs / max(seconds, 0.001)))
         print("processor time of the executables: %.3f s" % (self.processor_ms / 1000))

@@ -5,7 +5,8 @@ usage: scripts/witness SECONDS [option ...]
        scripts/witness --seed N --run N [option ...]
        scripts/witness --again FOLDER [option ...]
 
-First come all inputs as they are, then inputs damaged at random until SECONDS are over (0: only the former). Compared are
+First come all inputs as they are, then inputs damaged at random until SECONDS are over (0: only the former); with --damaged-only,
+damaged ones from the start. Compared are
 console, standard error, exit, the files with their permissions, and peak memory.
 """
 import argparse
@@ -53,6 +54,7 @@ def arguments():
     add("--runs", type=int, metavar="N", help="stop after N runs")
     add("--run", type=int, metavar="N", help="only run N of this seed, and keep its folders")
     add("--again", metavar="FOLDER", help="only the run that is kept in this folder")
+    add("--damaged-only", action="store_true", help="no inputs as they are")
     add("--only", default="", metavar="TEXT", help="only inputs with this in their names")
     add("--inputs", metavar="FOLDER", help="recorded runs; else those of the command-line tests, recorded again after a build")
     add("--cases", default=os.path.join(BESIDE, "cases"), metavar="FOLDER", help="sample cases")
@@ -223,9 +225,10 @@ def run_all(options, plan, reference_tool, root):
     seconds = options.seconds or 0
     one_only = options.run if options.run is not None else 0 if options.again else None
     jobs = 1 if one_only is not None else max(1, options.jobs)
-    last = one_only + 1 if one_only is not None else options.runs or (sys.maxsize if seconds else len(plan.inputs))
+    first = one_only if one_only is not None else len(plan.inputs) if options.damaged_only else 0
+    last = first + 1 if one_only is not None else first + options.runs if options.runs else sys.maxsize if seconds else len(plan.inputs)
     deadline = time.monotonic() + seconds if seconds > 0 else float("inf")
-    counter = multiprocessing.Value("q", one_only or 0)
+    counter = multiprocessing.Value("q", first)
     results = multiprocessing.Queue()
     parent = os.getpid()
 

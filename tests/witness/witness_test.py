@@ -106,6 +106,12 @@ class FindingTest(WitnessRun):
         self.assertIn("3 inputs as they are, 7 damaged", text)
         self.assertIn("10 runs: 10 the same, 0 differ, 0 not compared", text)
 
+    def test_passes_inputs_that_are_damaged_from_the_start(self):
+        status, text = self.witness(TOOL, "--damaged-only", first="--runs 10")
+        self.assertEqual(status, 0, text)
+        self.assertIn("0 inputs as they are, 10 damaged", text)
+        self.assertIn("10 runs: 10 the same, 0 differ, 0 not compared", text)
+
     def test_finds_a_letter_of_a_message(self):
         self.assert_finds("\"$TOOL\" \"$@\" | sed 's/^Finished.$/Finishes./'", "console: 'Finished.' | 'Finishes.'")
 
