@@ -5,6 +5,7 @@
 #include "support/system_failures.h"
 #include "support/tool_run.h"
 
+#include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
@@ -49,6 +50,17 @@ void giveGrids(ToolRun& run, const std::string& extension)
 }
 
 using Give = std::function<void(ToolRun&)>;
+
+constexpr const char* kBadCells =
+    "ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.";
+
+void giveSquare(ToolRun& run)
+{
+    run.give("by.mif",
+             "Version 300\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\nColumns 1\n  Name Char(20)\nData\n\n"
+             "Region 1\n  5\n5.5 5.5\n40.5 5.5\n40.5 20.5\n5.5 20.5\n5.5 5.5\n");
+    run.give("by.mid", "\"by\"\n");
+}
 
 Left runWith(const std::string& arguments, const Give& give, const Settings& settings, const std::string& mission = "")
 {
@@ -141,54 +153,74 @@ TEST(ThreadsCli, ChangeNothingInConversionsTablesAndStatistics)
 
 // --- Inputs that are out of the ordinary -----------------------------------------------------------------------------
 
-void compareMaximum(const std::string& line, const std::string& arguments, const std::string& extension,
-                    const Give& spoil)
+// The third grid is the one that is spoilt.
+const std::vector<std::string>& operations()
 {
-    const std::string console = compare(arguments, [&](ToolRun& run) {
-        giveGrids(run, extension);
-        spoil(run);
-    });
-    EXPECT_NE(console.find(line + "\n"), std::string::npos) << console;
+    static const std::vector<std::string> lines = {
+        "-max a.EXT b.EXT c.EXT", "-min a.EXT c.EXT",      "-statAll a.EXT b.EXT c.EXT",
+        "-dif a.EXT c.EXT",       "-multiply a.EXT c.EXT", "-fuzzy a.EXT c.EXT",
+        "-count -cd40 c.EXT",     "-cd40 c.EXT",           "-conv c.EXT",
+        "-resize2 c.EXT",         "-trans_m2 c.EXT",       "-fe c.EXT",
+        "-trim by.mif c.EXT",     "-nc c.EXT -out c.nc",   "-remap -wl c.EXT -dem a.EXT"};
+    return lines;
+}
+
+void compareEach(const std::vector<std::string>& lines, const std::string& message, const std::string& extension,
+                 const Give& spoil)
+{
+    for (std::string line : lines) {
+        for (std::size_t at = line.find(".EXT"); at != std::string::npos; at = line.find(".EXT")) {
+            line.replace(at, 4, extension);
+        }
+        const std::string console = compare(line, [&](ToolRun& run) {
+            giveGrids(run, extension);
+            giveSquare(run);
+            spoil(run);
+        });
+        EXPECT_NE(console.find(message + "\n"), std::string::npos) << line << '\n' << console;
+    }
 }
 
 TEST(ThreadsCli, ChangeNothingWhereAFileIsMissing)
 {
-    compareMaximum(kFinished, "-max a.flt d.flt", ".flt", [](ToolRun& run) {
+    compareEach({"-max a.EXT d.EXT", "-dif a.EXT d.EXT", "-conv d.EXT"}, kFinished, ".flt", [](ToolRun& run) {
         run.give("d.flt", fltCells(someCells(2)));
         run.type("b.hdr");
     });
-    compareMaximum("CHECK 0008 - \"d.hdr\" cannot be found", "-max a.flt d.flt", ".flt",
-                   [](ToolRun& run) { run.give("d.flt", fltCells(someCells(2))); });
+    compareEach(operations(), "CHECK 0008 - \"c.hdr\" cannot be found", ".flt",
+                [](ToolRun& run) { std::filesystem::remove(run.folder() / "c.hdr"); });
 }
 
 TEST(ThreadsCli, ChangeNothingWhereAFileIsShortOrTooLong)
 {
     const std::string cells = fltCells(someCells(2));
-    compareMaximum("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.",
-                   "-max a.flt b.flt c.flt", ".flt",
-                   [&](ToolRun& run) { run.give("c.flt", cells.substr(0, cells.size() - 1)); });
-    compareMaximum(kFinished, "-max a.flt b.flt c.flt", ".flt",
-                   [&](ToolRun& run) { run.give("b.flt", cells + "more"); });
+    compareEach(operations(), kBadCells, ".flt",
+                [&](ToolRun& run) { run.give("c.flt", cells.substr(0, cells.size() - 1)); });
+    compareEach(operations(), kFinished, ".flt", [&](ToolRun& run) { run.give("c.flt", cells + "more"); });
 }
 
 TEST(ThreadsCli, ChangeNothingWhereTheLastRowIsBad)
 {
     std::string text = ascGrid(someCells(2));
     text.replace(text.size() - 2, 1, "x");
-    compareMaximum("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS.",
-                   "-max a.asc b.asc c.asc", ".asc", [&](ToolRun& run) { run.give("c.asc", text); });
+    compareEach(operations(), kBadCells, ".asc", [&](ToolRun& run) { run.give("c.asc", text); });
 }
 
 TEST(ThreadsCli, ChangeNothingWhereTheThirdLatticeDiffers)
 {
-    compareMaximum("ERROR - x coordinates of input grids do not match. xll = 0. and 1.", "-max a.asc b.asc c.asc",
-                   ".asc", [](ToolRun& run) { run.give("c.asc", ascGrid(someCells(2), {.xll = 1})); });
+    compareEach({"-max a.EXT b.EXT c.EXT", "-statAll a.EXT b.EXT c.EXT", "-dif a.EXT c.EXT", "-multiply a.EXT c.EXT",
+                 "-fuzzy a.EXT b.EXT c.EXT"},
+                "ERROR - x coordinates of input grids do not match. xll = 0. and 1.", ".asc",
+                [](ToolRun& run) { run.give("c.asc", ascGrid(someCells(2), {.xll = 1})); });
 }
 
 TEST(ThreadsCli, ChangeNothingWhereTheOutputIsAnInput)
 {
-    compareMaximum(kFinished, "-max a.flt b.flt c.flt -out b", ".flt", [](ToolRun&) {});
-    compareMaximum(kFinished, "-dif a.asc b.asc -out a", ".asc", [](ToolRun&) {});
+    const auto asTheyAre = [](ToolRun&) {};
+    compareEach({"-max a.EXT b.EXT c.EXT -out b", "-statMax a.EXT b.EXT -out b", "-dif a.EXT b.EXT -out a",
+                 "-cd40 a.EXT -out a", "-resize2 a.EXT -out a"},
+                kFinished, ".flt", asTheyAre);
+    compareEach({"-dif a.EXT b.EXT -out a", "-multiply a.EXT b.EXT -out b"}, kFinished, ".asc", asTheyAre);
 }
 
 } // namespace
