@@ -156,12 +156,20 @@ TEST(ThreadsCli, ChangeNothingInConversionsTablesAndStatistics)
 // The third grid is the one that is spoilt.
 const std::vector<std::string>& operations()
 {
-    static const std::vector<std::string> lines = {
-        "-max a.EXT b.EXT c.EXT", "-min a.EXT c.EXT",      "-statAll a.EXT b.EXT c.EXT",
-        "-dif a.EXT c.EXT",       "-multiply a.EXT c.EXT", "-fuzzy a.EXT c.EXT",
-        "-count -cd40 c.EXT",     "-cd40 c.EXT",           "-conv c.EXT",
-        "-resize2 c.EXT",         "-trans_m2 c.EXT",       "-fe c.EXT",
-        "-trim by.mif c.EXT",     "-nc c.EXT -out c.nc",   "-remap -wl c.EXT -dem a.EXT"};
+    static const std::vector<std::string> lines = {"-max a.EXT b.EXT c.EXT",
+                                                   "-min a.EXT c.EXT",
+                                                   "-statAll a.EXT b.EXT c.EXT",
+                                                   "-dif a.EXT c.EXT",
+                                                   "-multiply a.EXT c.EXT",
+                                                   "-fuzzy a.EXT c.EXT",
+                                                   "-count -cd40 c.EXT",
+                                                   "-cd40 c.EXT",
+                                                   "-conv c.EXT",
+                                                   "-resize2 c.EXT",
+                                                   "-trans_m2 c.EXT",
+                                                   "-fe c.EXT",
+                                                   "-trim by.mif c.EXT",
+                                                   "-remap -wl c.EXT -dem a.EXT"};
     return lines;
 }
 
