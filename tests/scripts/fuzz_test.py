@@ -4,6 +4,7 @@ counts as found, and that the places of all are in the sources."""
 import contextlib
 import io
 import os
+import pathlib
 import shutil
 import subprocess
 import sys
@@ -147,6 +148,58 @@ class SearchTest(unittest.TestCase):
             pass
         self.search([0, 77])
         self.assertEqual(os.listdir(learnt), [])
+
+
+class MergingBuild(StandInBuild):
+    """Its fuzzer puts all that was learnt beside the seeds."""
+
+    def fuzz(self, kind, log, options, folders, plant=""):
+        for name in os.listdir(folders[1]):
+            shutil.copy(os.path.join(folders[1], name), folders[0])
+        return super().fuzz(kind, log, options, folders)
+
+
+class KeepTest(unittest.TestCase):
+    """A small corpus stays in the tree."""
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="gridforge-test-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        os.mkdir(self.path("kept"))
+
+    def path(self, *names):
+        return os.path.join(self.folder, *names)
+
+    def give(self, folder, **inputs):
+        os.makedirs(self.path(folder), exist_ok=True)
+        for name, data in inputs.items():
+            with open(self.path(folder, name), "wb") as file:
+                file.write(data)
+
+    def keep(self, statuses, most):
+        build = MergingBuild(self.folder, statuses, ENDED)
+        with mock.patch.object(fuzz, "KEPT", self.path("kept")), mock.patch.object(fuzz, "KEPT_BYTES", most), \
+                contextlib.redirect_stdout(io.StringIO()):
+            found = fuzz.keep_kind(build, "mif")
+            fuzz.unpack(fuzz.archive_of("mif"), self.path("unpacked"))
+        self.assertEqual(build.asked[0][2], "-merge=1")
+        return found, {path.name: path.read_bytes() for path in pathlib.Path(self.path("unpacked")).iterdir()}
+
+    def test_small_inputs_beside_the_seeds_come_back_as_they_were(self):
+        self.give("seeds/mif", sound=b"Region 1")
+        self.give("corpus/mif", a=b"\0\xff\r\n", b=b"Region", c=b"x" * 100)
+        self.assertEqual(self.keep([0], 1000), (3, {"000": b"\0\xff\r\n", "001": b"Region", "002": b"x" * 100}))
+        self.assertEqual(self.keep([0], 11), (2, {"000": b"\0\xff\r\n", "001": b"Region"}))
+
+    def test_a_fuzzer_that_fails_chooses_nothing(self):
+        self.give("seeds/mif", sound=b"Region 1")
+        self.assertEqual(self.keep([77], 1000), (None, {}))
+
+    def test_the_same_inputs_are_the_same_archive(self):
+        fuzz.pack({"b": b"2", "a": b"1"}, self.path("x"))
+        fuzz.pack({"a": b"1", "b": b"2"}, self.path("y"))
+        with open(self.path("x"), "rb") as x, open(self.path("y"), "rb") as y:
+            self.assertEqual(x.read(), y.read())
 
 
 class RecordTest(unittest.TestCase):
