@@ -1,13 +1,18 @@
 #include "host/console.h"
 
 #include "host/ends.h"
+#include "host/system.h"
 #include "support/child_run.h"
 #include "support/consoles.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <gtest/gtest.h>
 #include <new>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace gridforge::test {
 namespace {
@@ -52,6 +57,26 @@ TEST(Console, AnAnswerIsOneLineCutAt1000AndNothingAtTheEndOfInput)
         std::string(1500, 'x') + "\r\nenter\n  two  ");
     EXPECT_FALSE(run.ended);
     EXPECT_EQ(run.console, "first?\n1000\nwait\nsecond?\n<  two>\nthird?\nnot answered\n" + kEnter + "\nmine\n");
+}
+
+// The end that a person types on a terminal: what is typed after it is input again.
+TEST(Console, TheEndOfInputBehindAByteOrderMarkIsTypedOnce)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [] {
+        static System terminal = nativeSystem();
+        terminal.readConsole = [](std::span<char> target) {
+            static std::vector<std::string> typed = {"later\n", "", "\xEF\xBB\xBF"}; // the last one first
+            const std::string now = typed.back();
+            typed.pop_back();
+            std::ranges::copy(now, target.begin());
+            return static_cast<std::int64_t>(now.size());
+        };
+        useSystem(terminal);
+        say(readAnswer("first?").has_value() ? "answered" : "not answered");
+        say('<', readAnswer("second?").value(), '>');
+    });
+    EXPECT_EQ(run.console, "first?\nnot answered\nsecond?\n<later>\n");
 }
 
 TEST(Console, AnAnswerIsWithoutItsCarriageReturn)

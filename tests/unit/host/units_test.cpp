@@ -472,6 +472,15 @@ TEST(Units, AFullDiskEndsTheRunWithAMessage)
         endFinished(true);
     });
     EXPECT_EQ(atTheEnd.console, atClose.console);
+
+    const ChildRun atANewTable = runInChild(folder, [] {
+        Unit unit = 0;
+        OPENER(unit, "O ", "full.txt");
+        writeLine(unit, "x");
+        startUnits(2000);
+        say("not reached");
+    });
+    EXPECT_EQ(atANewTable.console, atClose.console);
 }
 
 TEST(Units, ExitsClosesAllOutputsBeforeItWaits)

@@ -26,10 +26,11 @@ constexpr std::size_t kRows = 5;
 constexpr std::size_t kColumns = 7;
 constexpr std::size_t kCells = kRows * kColumns;
 
-// A file of the library with a series and a single grid, in chunks of `chunkRows` by 3 where that is not 0.
+// A file of the library with a series and a single grid, in chunks of `chunkRows` by `chunkColumns` where there are rows.
 class Target {
 public:
-    explicit Target(const test::ScratchFolder& folder, std::size_t chunkRows) : name_((folder.path() / "a.nc").string())
+    explicit Target(const test::ScratchFolder& folder, std::size_t chunkRows, std::size_t chunkColumns = 3)
+        : name_((folder.path() / "a.nc").string())
     {
         std::array<int, 3> dimensions{};
         EXPECT_EQ(nc_create(name_.c_str(), NC_NETCDF4, &file_), NC_NOERR);
@@ -39,7 +40,7 @@ public:
         EXPECT_EQ(nc_def_var(file_, "series", NC_FLOAT, 3, dimensions.data(), &series_), NC_NOERR);
         EXPECT_EQ(nc_def_var(file_, "single", NC_FLOAT, 2, dimensions.data() + 1, &single_), NC_NOERR);
         if (chunkRows > 0) {
-            const std::array<std::size_t, 3> chunk{1, chunkRows, 3};
+            const std::array<std::size_t, 3> chunk{1, chunkRows, chunkColumns};
             EXPECT_EQ(nc_def_var_chunking(file_, series_, NC_CHUNKED, chunk.data()), NC_NOERR);
             EXPECT_EQ(nc_def_var_chunking(file_, single_, NC_CHUNKED, chunk.data() + 1), NC_NOERR);
             EXPECT_EQ(nc_def_var_deflate(file_, series_, 1, 1, 1), NC_NOERR);
@@ -183,6 +184,18 @@ TEST(CellWriter, CellsArriveWhereMemoryIsShort)
         expectGrids(target.values(series, 11 * kCells));
     }
     EXPECT_EQ(packs.size(), 2U);
+}
+
+TEST(CellWriter, OneChunkIsPackedAtATimeWhereNoneMayWait)
+{
+    const test::ScratchFolder folder;
+    const Target target(folder, kRows, kColumns); // one chunk a grid
+    const auto together = [&](const char* memory) {
+        const Environment environment = inChunks("6", memory);
+        return netcdf::CellWriter(target.series(), lattice(), 100, "nf90_put_var (rg)").gridsTogether();
+    };
+    EXPECT_EQ(together("1"), 1U);
+    EXPECT_GT(together("1000000"), 1U);
 }
 
 TEST(CellWriter, CellsThatCannotBeReadBackEndTheRun)

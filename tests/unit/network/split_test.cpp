@@ -133,6 +133,20 @@ TEST(SplitBranches, FormLossesCloseTo0)
     EXPECT_EQ(linesOf(branchAlong({0, 10}, {}, 0.00011F))[0].formLoss, 0.00011F);
 }
 
+TEST(SplitBranches, EachBranchSharesItsFormLossOutOverItsOwnLines)
+{
+    const std::vector<double> x = {0, 10, 20, 30, 40};
+    const std::vector<network::BranchSection> three = {crossAt(12, 3), crossAt(15, 3), crossAt(18, 3)};
+    network::NbcBranches branches;
+    branches.all = {branchAlong(x, three, 0.4F), branchAlong(x, three, 0.8F)};
+    const network::NbcLines lines = splitQuietly(branches);
+    ASSERT_EQ(lines.size(), 8U);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(lines[i].formLoss, 0.1F);
+        EXPECT_EQ(lines[4 + i].formLoss, 0.2F);
+    }
+}
+
 TEST(SplitBranches, WritesConnectorsBehindAllBranches)
 {
     network::NbcBranches branches;

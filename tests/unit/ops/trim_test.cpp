@@ -1,6 +1,8 @@
 #include "ops/trim.h"
 
+#include "core/text.h"
 #include "host/console.h"
+#include "host/system.h"
 #include "run/cells_ahead.h"
 #include "support/child_run.h"
 #include "support/consoles.h"
@@ -10,8 +12,11 @@
 #include "support/operation_run.h"
 #include "support/refusing_system.h"
 
+#include <cstdint>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace gridforge::test {
 namespace {
@@ -78,6 +83,43 @@ TEST(RunTrim, CutsStepByStepWhereACutFindsNoRoom)
         EXPECT_EQ(stepped.console, ahead.console.substr(0, told) + "ways: 0 1\n");
         EXPECT_EQ(filesIn(folder.path()), filesIn(whole.path()));
     }
+}
+
+// What the system is told of bytes that will be read, by a trim of the binary grid a by a square from 1.5 to 4.5 and from 1.5 to
+// 3.5 of cells of size 1: its window is columns 1 to 5 and rows 1 to 4, from the south.
+std::string hintsOfTrim(const ScratchFolder& folder)
+{
+    giveMif(folder, "r", "Region 1\n5\n1.5 1.5\n4.5 1.5\n4.5 3.5\n1.5 3.5\n1.5 1.5\n");
+    const ChildRun run = runInChild(folder, [&] {
+        static std::string hints;
+        static System noting = nativeSystem();
+        noting.willRead = [](SystemFile, std::int64_t position, std::int64_t count, ReadOf of) {
+            hints += join(count, " bytes from ", position, of == ReadOf::parts ? ", parts of them\n" : "\n");
+        };
+        useSystem(noting);
+        run::InputFileList inputs;
+        inputs.add("a.flt");
+        ops::runTrim({}, {.layer = "r.mif"}, inputs);
+        std::ofstream("hints.txt") << hints;
+    });
+    EXPECT_FALSE(run.ended) << run.console;
+    return folder.read("hints.txt");
+}
+
+TEST(RunTrim, TellsTheSystemOfTheRowsThatItWillRead)
+{
+    const ScratchFolder folder;
+    giveFlt(folder, "a", rowColumnCells());
+    // Of 9 rows of 9 cells, the north row first, the 4 behind the first 5.
+    EXPECT_EQ(hintsOfTrim(folder), "144 bytes from 180, parts of them\n");
+}
+
+TEST(RunTrim, JumpsOverTheRestOfLongRows)
+{
+    const ScratchFolder folder;
+    folder.give("a.hdr", hdr(70'000, 5));
+    folder.give("a.flt", std::string(70'000 * 5 * sizeof(float), '\0'));
+    EXPECT_EQ(hintsOfTrim(folder), "");
 }
 
 } // namespace
