@@ -1,5 +1,7 @@
 #include "netcdf/cell_writer.h"
 
+#include "core/huge_array.h"
+#include "host/system.h"
 #include "support/child_run.h"
 #include "support/consoles.h"
 #include "support/environment.h"
@@ -14,6 +16,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace gridforge {
@@ -196,6 +199,46 @@ TEST(CellWriter, OneChunkIsPackedAtATimeWhereNoneMayWait)
     };
     EXPECT_EQ(together("1"), 1U);
     EXPECT_GT(together("1000000"), 1U);
+}
+
+// Bytes of large arrays that are held, and may be.
+std::size_t heldBytes = 0;
+std::size_t mostBytes = 0;
+
+PageSource limitedPages()
+{
+    return {[](std::size_t bytes) -> void* {
+                void* const pages = heldBytes + bytes <= mostBytes ? nativePages().take(bytes) : nullptr;
+                heldBytes += pages == nullptr ? 0 : bytes;
+                return pages;
+            },
+            [](void* pages, std::size_t bytes) {
+                heldBytes -= bytes;
+                nativePages().release(pages, bytes);
+            }};
+}
+
+TEST(CellWriter, OneChunkIsPackedAtATimeWhereThereIsMemoryForNoMore)
+{
+    const test::ScratchFolder folder;
+    const Target target(folder, kRows, kColumns); // one chunk a grid
+    const Environment environment = inChunks("6", "1000000");
+    usePages(limitedPages());
+    const auto packs = [&](std::size_t grids, std::size_t bytes) {
+        heldBytes = 0;
+        mostBytes = bytes;
+        const netcdf::CellWriter writer(target.series(), lattice(), grids, "nf90_put_var (rg)");
+        return std::pair(writer.packsChunks(), heldBytes);
+    };
+    const auto [packsOne, bytesOfOne] = packs(1, std::size_t{1} << 30);
+    const auto [packsMany, bytesOfMany] = packs(100, bytesOfOne);
+    const bool packsNone = packs(100, bytesOfOne - 1).first;
+    usePages(nativePages());
+    EXPECT_TRUE(packsOne);
+    EXPECT_GT(bytesOfOne, 0U);
+    EXPECT_TRUE(packsMany);
+    EXPECT_EQ(bytesOfMany, bytesOfOne);
+    EXPECT_FALSE(packsNone);
 }
 
 TEST(CellWriter, CellsThatCannotBeReadBackEndTheRun)
