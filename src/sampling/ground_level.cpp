@@ -4,7 +4,6 @@
 #include "core/text.h"
 
 #include <cmath>
-#include <limits>
 
 namespace gridforge::sampling {
 
@@ -31,11 +30,7 @@ std::int32_t roundedIndex(double coordinate, double origin, double dx)
 // The cells of one search in the order in which they come. Sums are single precision, so their order counts.
 class LevelTally {
 public:
-    LevelTally(LevelRule rule, float null) : rule_(rule), null_(null)
-    {
-        constexpr float kFarthest = std::numeric_limits<float>::infinity();
-        extreme_ = rule == LevelRule::highest ? -kFarthest : kFarthest;
-    }
+    LevelTally(LevelRule rule, float null) : rule_(rule), null_(null) {}
 
     void add(float value, std::int32_t row, std::int32_t column)
     {
@@ -45,7 +40,7 @@ public:
         ++count_;
         if (rule_ == LevelRule::mean) {
             sum_ += value;
-        } else if (rule_ == LevelRule::highest ? value > extreme_ : value < extreme_) {
+        } else if (count_ == 1 || isBetter(value)) {
             extreme_ = value;
             row_ = row;
             column_ = column;
@@ -71,6 +66,14 @@ public:
     }
 
 private:
+    // What is no number is neither higher nor lower than anything: it stays only where nothing else comes.
+    bool isBetter(float value) const
+    {
+        return std::isnan(extreme_)          ? !std::isnan(value)
+               : rule_ == LevelRule::highest ? value > extreme_
+                                             : value < extreme_;
+    }
+
     LevelRule rule_;
     float null_;
     float sum_ = 0;

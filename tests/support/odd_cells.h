@@ -66,12 +66,21 @@ inline std::vector<float> oddCells(std::size_t count, float null, std::uint32_t 
     return cells;
 }
 
+// Nulls of grids that hold such cells: an ordinary one, a zero, which both zeros equal, an infinite one, one that nothing
+// equals, and one as small as can be.
+inline constexpr float kOddNulls[] = {-9999.0F, -0.0F, kInfinity, kNaN, std::numeric_limits<float>::lowest()};
+
 // Values by their bits, so that equal means the same and not a number equals itself.
+inline std::uint32_t bitsOfValue(float value)
+{
+    return value != value ? 0x7FC00000U : std::bit_cast<std::uint32_t>(value);
+}
+
 inline std::vector<std::uint32_t> bitsOf(const std::vector<float>& values)
 {
     std::vector<std::uint32_t> bits;
     for (const float value : values) {
-        bits.push_back(value != value ? 0x7FC00000U : std::bit_cast<std::uint32_t>(value));
+        bits.push_back(bitsOfValue(value));
     }
     return bits;
 }

@@ -5,12 +5,15 @@
 #include "plane/grid_header.h"
 #include "sampling/cell_search.h"
 #include "support/lattice.h"
+#include "support/odd_cells.h"
 
 #include <cmath>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <optional>
 #include <random>
+#include <span>
+#include <vector>
 
 namespace gridforge::test {
 
@@ -27,6 +30,19 @@ inline void makeCounted(SearchedGrid& made, std::int32_t rows, std::int32_t colu
     float number = 0;
     for (float& cell : made.cells.cells()) {
         cell = ++number;
+    }
+}
+
+// Cells of 2.5 of every odd value, as far as they fill it; every third grid has stretches of null.
+inline void makeOdd(SearchedGrid& made, std::int32_t rows, std::int32_t columns, float null, std::uint32_t seed)
+{
+    made.header = headerOf(rows, columns, -20.25, 1000.5, 2.5F);
+    made.header.null = null;
+    ASSERT_TRUE(made.cells.allocate(rows, columns));
+    const std::span<float> cells = made.cells.cells();
+    const std::vector<float> odd = oddCells(cells.size(), null, seed);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        cells[i] = seed % 3 == 0 && (i / 7) % 5 != 0 ? null : odd[i];
     }
 }
 
@@ -62,8 +78,8 @@ inline void expectSame(const std::optional<sampling::FoundCell>& found,
 {
     ASSERT_EQ(found.has_value(), wanted.has_value());
     if (found) {
-        EXPECT_EQ(found->value, wanted->value);
-        EXPECT_EQ(std::signbit(found->value), std::signbit(wanted->value)); // of zeros
+        EXPECT_EQ(bitsOfValue(found->value), bitsOfValue(wanted->value))
+            << found->value << " in place of " << wanted->value;
         EXPECT_EQ(found->distance, wanted->distance);
         EXPECT_EQ(found->x, wanted->x);
         EXPECT_EQ(found->y, wanted->y);

@@ -1,6 +1,7 @@
 #include "damages/building_cells.h"
 
 #include "plane/geometry.h"
+#include "support/odd_cells.h"
 #include "support/sampled_region.h"
 
 #include <algorithm>
@@ -16,7 +17,6 @@
 namespace gridforge::test {
 namespace {
 
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kNull = -9999.0F;
 
 struct SampledGrid {
@@ -139,6 +139,36 @@ TEST(CellsInside, GivesTheBitsOfThePlainTest)
     EXPECT_GT(counted, 300);
 }
 
+TEST(CellsInside, OfOddLevelsGivesTheBitsOfThePlainTest)
+{
+    std::mt19937 random(12);
+    int counted = 0;
+    int higher = 0;
+    InsideWalk walk;
+    for (const float null : kOddNulls) {
+        SampledGrid grid = gridOf(31, 42, 10.25, -7.5, 1);
+        grid.header.null = null;
+        std::ranges::copy(oddCells(grid.cells.cells().size(), null, static_cast<std::uint32_t>(random())),
+                          grid.cells.cells().begin());
+        for (int round = 0; round < 300; ++round) {
+            const SampledRegion outline = anyPolygon(grid.header, random);
+            const CellWindow window = damages::buildingWindow(outline.box, grid.header);
+            if (window.firstRow < 1 || window.firstColumn < 1 || window.firstRow > 31 || window.firstColumn > 42) {
+                continue;
+            }
+            const damages::InsideCells fast = damages::cellsInside(outline, window, grid.header, grid.cells, walk);
+            const damages::InsideCells plain = cellsInsidePlainly(outline, window, grid);
+            ASSERT_EQ(bitsOfValue(fast.maximum), bitsOfValue(plain.maximum)) << "null " << null << ", round " << round;
+            ASSERT_EQ(bitsOfValue(fast.sum), bitsOfValue(plain.sum)) << "null " << null << ", round " << round;
+            ASSERT_EQ(fast.count, plain.count) << "null " << null << ", round " << round;
+            counted += fast.count > 0 ? 1 : 0;
+            higher += fast.maximum > -998.0F && fast.maximum < 1000.0F ? 1 : 0;
+        }
+    }
+    EXPECT_GT(counted, 300);
+    EXPECT_GT(higher, 5);
+}
+
 TEST(CellsInside, SumsInSinglePrecisionRowsFromTheSouth)
 {
     // 1e8 swallows each 1 behind it: the order tells in the sum.
@@ -164,7 +194,7 @@ TEST(CellsInside, SumsInSinglePrecisionRowsFromTheSouth)
 TEST(CellsInside, CellsThatAreNoNumberDoNotBecomeTheMaximum)
 {
     SampledGrid grid = gridOf(4, 4, 0, 0, 1);
-    grid.cells(3, 3) = kNan;
+    grid.cells(3, 3) = kNaN;
     grid.cells(4, 4) = 2;
     const SampledRegion outline = regionOf({2.5, 4.5, 4.5, 2.5}, {2.5, 2.5, 4.5, 4.5});
     InsideWalk walk;

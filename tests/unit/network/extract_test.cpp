@@ -1,12 +1,14 @@
 #include "network/extract.h"
 
 #include "plane/geometry.h"
+#include "support/odd_cells.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -194,6 +196,62 @@ TEST(SampleSection, AgreesWithThePlainForms)
     }
     EXPECT_GT(updated, 1000);
     EXPECT_GT(kept, 100);
+}
+
+TEST(SampleSection, OfOddCellsAgreesWithThePlainForms)
+{
+    std::mt19937 random(13);
+    int updated = 0;
+    for (int run = 0; run < 400; ++run) {
+        const float null = kOddNulls[static_cast<std::size_t>(run) % std::size(kOddNulls)];
+        Terrain t = terrain(25, 30, 2.5F, -20.25, 1000.5);
+        t.header.null = null;
+        std::ranges::copy(oddCells(t.cells.cells().size(), null, static_cast<std::uint32_t>(random())),
+                          t.cells.cells().begin());
+        std::vector<double> xy;
+        for (std::size_t i = 0; i < 5; ++i) {
+            xy.push_back(t.header.xll + static_cast<double>(random() % 7500) / 100);
+            xy.push_back(t.header.yll + static_cast<double>(random() % 6250) / 100);
+        }
+        const std::string method = std::array<const char*, 3>{"Max", "Min", "average"}[random() % 3];
+        const float distance = static_cast<float>(random() % 100) / 10;
+        for (const std::string buffer : {"Perp", "Buffer"}) {
+            const network::NbcSection section = sectionAt(xy, buffer, method, distance);
+            const std::vector<float> got = elevations(t, section);
+            for (std::size_t i = 0; i < got.size(); ++i) {
+                const PlainSum plain = buffer == "Perp" ? plainPerp(t, section, i) : plainBuffer(t, section, i);
+                const float wanted = plain.count > 0 ? plain.value(method) : kNullCell;
+                ASSERT_EQ(bitsOfValue(got[i]), bitsOfValue(wanted))
+                    << got[i] << " in place of " << wanted << ' ' << buffer << run << ' ' << i;
+                updated += plain.count > 0 ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GT(updated, 2000);
+}
+
+TEST(SampleSection, APointTakesAnOddCellBitByBit)
+{
+    for (const float null : kOddNulls) {
+        Terrain t = terrain(30, 40);
+        t.header.null = null;
+        std::ranges::copy(oddCells(t.cells.cells().size(), null, 14), t.cells.cells().begin());
+        for (const network::PointValue target : {network::PointValue::elevation, network::PointValue::material}) {
+            std::vector<double> xy;
+            std::vector<float> wanted;
+            for (std::int32_t row = 1; row <= 30; ++row) {
+                for (std::int32_t column = 1; column <= 40; ++column) {
+                    xy.push_back(column + 0.3);
+                    xy.push_back(row - 0.4);
+                    wanted.push_back(t.cells(row, column) != null ? t.cells(row, column) : kNullCell);
+                }
+            }
+            network::NbcSection section = sectionAt(xy);
+            network::sampleSection(t.header, t.cells, target, section);
+            EXPECT_EQ(bitsOf(target == network::PointValue::material ? section.pointMaterial : section.pointZ),
+                      bitsOf(wanted));
+        }
+    }
 }
 
 // --- By hand ---------------------------------------------------------------------------------------------------------

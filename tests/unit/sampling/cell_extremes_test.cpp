@@ -110,6 +110,37 @@ TEST(CellExtremes, AreThoseOfThePlainLoop)
     EXPECT_LT(found, searched);
 }
 
+TEST(CellExtremes, OfOddCellsAreThoseOfThePlainLoop)
+{
+    std::mt19937 random(6);
+    int lowest = 0;
+    for (const float null : kOddNulls) {
+        for (std::uint32_t seed = 1; seed <= 6; ++seed) {
+            SearchedGrid made;
+            makeOdd(made, 150, 170, null, seed); // of several tiles each way
+            const GridHeader& h = made.header;
+            sampling::ExtremeSearch extremes(h, made.cells);
+            std::uniform_real_distribution<float> share(0, seed % 2 == 0 ? 6.0F : 150.0F);
+            for (int point = 0; point < 60; ++point) {
+                const double x = placeOn(h.xll, h.cellsize8, h.ncols, random);
+                const double y = placeOn(h.yll, h.cellsize8, h.nrows, random);
+                const sampling::CellSearch search = sampling::searchAround(h, x, y, share(random) * h.cellsize);
+                if (!isWithinGrid(search.window, h)) {
+                    continue;
+                }
+                const sampling::FoundExtremes wanted = plainExtremes(search, h, made.cells);
+                const sampling::FoundExtremes got = extremes.find(search);
+                expectSame(got.lowest, wanted.lowest);
+                expectSame(got.highest, wanted.highest);
+                ASSERT_FALSE(testing::Test::HasFailure())
+                    << "null " << null << ", grid " << seed << ", point " << point;
+                lowest += wanted.lowest ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GT(lowest, 500);
+}
+
 TEST(CellExtremes, KeepTheFirstOfEqualOnes)
 {
     SearchedGrid made;

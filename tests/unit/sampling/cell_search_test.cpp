@@ -88,6 +88,35 @@ TEST(CellSearch, FindsWhatThePlainLoopFinds)
     EXPECT_LT(found, searched);
 }
 
+TEST(CellSearch, FindsOddCellsAsThePlainLoopDoes)
+{
+    std::mt19937 random(5);
+    std::uniform_real_distribution<float> share(0, 20);
+    int found = 0;
+    for (const float null : kOddNulls) {
+        for (std::uint32_t seed = 1; seed <= 6; ++seed) {
+            SearchedGrid made;
+            makeOdd(made, 70, 60, null, seed);
+            const GridHeader& h = made.header;
+            sampling::EmptyTiles tiles(h, made.cells);
+            for (int point = 0; point < 100; ++point) {
+                const double x = placeOn(h.xll, h.cellsize8, h.ncols, random);
+                const double y = placeOn(h.yll, h.cellsize8, h.nrows, random);
+                const sampling::CellSearch search = sampling::searchAround(h, x, y, share(random) * h.cellsize);
+                if (!isWithinGrid(search.window, h)) {
+                    continue;
+                }
+                const auto wanted = plainNearest(search, h, made.cells);
+                found += wanted ? 1 : 0;
+                expectSame(sampling::nearestCell(search, h, made.cells, tiles), wanted);
+                ASSERT_FALSE(testing::Test::HasFailure())
+                    << "null " << null << ", grid " << seed << ", point " << point;
+            }
+        }
+    }
+    EXPECT_GT(found, 1000);
+}
+
 // A grid of `rows` by `columns` cells of 1, each 10 row + column, with its corner in the origin.
 void numbered(SearchedGrid& made, std::int32_t rows, std::int32_t columns)
 {

@@ -1,9 +1,13 @@
 #include "sampling/ground_level.h"
 
+#include "support/odd_cells.h"
+#include "support/searched_cells.h"
+
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 #include <random>
+#include <utility>
+#include <vector>
 
 namespace gridforge::test {
 namespace {
@@ -241,38 +245,206 @@ TEST(LevelInCircle, IsOutsideByItsWindowAndNullByItsCells)
     EXPECT_EQ(level.count, 0);
 }
 
-// The plain twin: each cell of the window by itself.
+// --- Plain twins -----------------------------------------------------------------------------------------------------
+
+// The cells that count, in the order in which they come.
+struct SeenCell {
+    float value;
+    double x;
+    double y;
+};
+
+// What is no number is neither higher nor lower than anything, and the extreme only where nothing else is.
+sampling::GroundLevel plainLevel(const std::vector<SeenCell>& cells, float null, sampling::LevelRule rule)
+{
+    sampling::GroundLevel level;
+    level.count = static_cast<std::int64_t>(cells.size());
+    level.value = null;
+    if (cells.empty()) {
+        return level;
+    }
+    SeenCell best = cells.front();
+    float sum = 0;
+    for (const SeenCell& cell : cells) {
+        sum += cell.value;
+        const bool better = rule == sampling::LevelRule::highest ? cell.value > best.value : cell.value < best.value;
+        if (better || (std::isnan(best.value) && !std::isnan(cell.value))) {
+            best = cell;
+        }
+    }
+    if (rule == sampling::LevelRule::mean) {
+        level.value = sum / static_cast<float>(cells.size());
+    } else {
+        level.value = best.value;
+        level.x = best.x;
+        level.y = best.y;
+    }
+    return level;
+}
+
+// Each cell of the window by itself.
 sampling::GroundLevel inCirclePlainly(const GridHeader& h, const Grid& cells, double x, double y, float width,
                                       sampling::LevelRule rule)
 {
     const sampling::SearchPolygon polygon = sampling::searchPolygon(x, y, width);
     const CellWindow w = searchWindow(h, x, y, width);
-    sampling::GroundLevel level;
-    float sum = 0;
+    std::vector<SeenCell> seen;
     for (std::int32_t r = w.firstRow; r <= w.lastRow; ++r) {
         for (std::int32_t c = w.firstColumn; c <= w.lastColumn; ++c) {
             const double px = h.xll + static_cast<double>(static_cast<float>(c)) * h.cellsize8 - 0.5 * h.cellsize8;
             const double py = h.yll + static_cast<double>(static_cast<float>(r)) * h.cellsize8 - 0.5 * h.cellsize8;
-            const float value = cells(r, c);
-            if (!sampling::insideSearchPolygon(polygon, px, py) || value == h.null) {
-                continue;
-            }
-            ++level.count;
-            sum += value;
-            const bool better = rule == sampling::LevelRule::highest ? value > level.value : value < level.value;
-            if (rule != sampling::LevelRule::mean && (level.count == 1 || better)) {
-                level.value = value;
-                level.x = px;
-                level.y = py;
+            if (sampling::insideSearchPolygon(polygon, px, py) && cells(r, c) != h.null) {
+                seen.push_back({cells(r, c), px, py});
             }
         }
     }
-    if (level.count == 0) {
-        level.value = h.null;
-    } else if (rule == sampling::LevelRule::mean) {
-        level.value = sum / static_cast<float>(level.count);
+    return plainLevel(seen, h.null, rule);
+}
+
+sampling::GroundLevel acrossPlainly(const GridHeader& h, const Grid& cells, const AcrossLine& line,
+                                    const SampleRange& range, sampling::LevelRule rule)
+{
+    std::vector<SeenCell> seen;
+    for (std::int32_t k = range.first; k <= range.last; ++k) {
+        const double column = std::round((line.x + (h.cellsize8 * k) * line.ux - h.xll) / h.cellsize8);
+        const double row = std::round((line.y + (h.cellsize8 * k) * line.uy - h.yll) / h.cellsize8);
+        if (!(column >= 1 && column <= h.ncols && row >= 1 && row <= h.nrows)) {
+            continue;
+        }
+        const float value = cells(static_cast<std::int32_t>(row), static_cast<std::int32_t>(column));
+        if (value != h.null) {
+            seen.push_back({value, h.xll + column * h.cellsize8 - 0.5 * h.cellsize8,
+                            h.yll + row * h.cellsize8 - 0.5 * h.cellsize8});
+        }
     }
-    return level;
+    return plainLevel(seen, h.null, rule);
+}
+
+sampling::GroundLevel ofFourPlainly(const GridHeader& h, const Grid& cells, std::int32_t row, std::int32_t column,
+                                    sampling::LevelRule rule)
+{
+    std::vector<SeenCell> seen;
+    for (const auto& [r, c] : {std::pair(row, column), {row, column + 1}, {row + 1, column}, {row + 1, column + 1}}) {
+        if (cells(r, c) != h.null) {
+            seen.push_back({cells(r, c), 0, 0});
+        }
+    }
+    return plainLevel(seen, h.null, rule);
+}
+
+constexpr sampling::LevelRule kRules[] = {sampling::LevelRule::mean, sampling::LevelRule::highest,
+                                          sampling::LevelRule::lowest};
+
+void expectSameLevel(const sampling::GroundLevel& found, const sampling::GroundLevel& plain, bool withPlace)
+{
+    EXPECT_EQ(bitsOfValue(found.value), bitsOfValue(plain.value)) << found.value << " in place of " << plain.value;
+    EXPECT_EQ(found.count, plain.count);
+    if (withPlace && plain.count > 0) {
+        EXPECT_EQ(found.x, plain.x);
+        EXPECT_EQ(found.y, plain.y);
+    }
+}
+
+// Calls look(grid, x, y) at places all over grids of odd cells.
+template <typename Look>
+void atPlacesOfOddGrids(const Look& look)
+{
+    std::mt19937 random(9);
+    for (const float null : kOddNulls) {
+        for (std::uint32_t seed = 1; seed <= 6; ++seed) {
+            SearchedGrid made;
+            makeOdd(made, 30, 40, null, seed);
+            for (int vertex = 0; vertex < 150; ++vertex) {
+                const double x = placeOn(made.header.xll, made.header.cellsize8, made.header.ncols, random);
+                const double y = placeOn(made.header.yll, made.header.cellsize8, made.header.nrows, random);
+                look(made, x, y);
+                ASSERT_FALSE(testing::Test::HasFailure())
+                    << "null " << null << ", grid " << seed << ", vertex " << vertex;
+            }
+        }
+    }
+}
+
+TEST(LevelOfFourCells, GivesTheBitsOfThePlainFormForOddCells)
+{
+    int compared = 0;
+    atPlacesOfOddGrids([&](const SearchedGrid& made, double x, double y) {
+        const GridHeader& h = made.header;
+        const auto column = static_cast<std::int32_t>((x - h.xll) / h.cellsize8);
+        const auto row = static_cast<std::int32_t>((y - h.yll) / h.cellsize8);
+        if (row < 1 || row >= h.nrows || column < 1 || column >= h.ncols) {
+            return;
+        }
+        ++compared;
+        for (const sampling::LevelRule rule : kRules) {
+            expectSameLevel(sampling::levelOfFourCells(h, made.cells, x, y, rule),
+                            ofFourPlainly(h, made.cells, row, column, rule), false);
+        }
+    });
+    EXPECT_GT(compared, 1000);
+}
+
+TEST(LevelAcross, GivesTheBitsOfThePlainLoopForOddCells)
+{
+    int compared = 0;
+    std::mt19937 random(10);
+    atPlacesOfOddGrids([&](const SearchedGrid& made, double x, double y) {
+        const AcrossLine line = acrossLine(made.header, x, y, static_cast<float>(random() % 360));
+        const auto steps = static_cast<std::int32_t>(random() % 5);
+        for (const sampling::LevelRule rule : kRules) {
+            const sampling::GroundLevel plain = acrossPlainly(made.header, made.cells, line, {-steps, steps}, rule);
+            const sampling::GroundLevel found =
+                sampling::levelAcross(line, made.header, made.cells, {-steps, steps}, rule);
+            EXPECT_EQ(found.outside, plain.count == 0);
+            if (plain.count > 0) {
+                ++compared;
+                expectSameLevel(found, plain, rule != sampling::LevelRule::mean);
+            }
+        }
+    });
+    EXPECT_GT(compared, 1000);
+}
+
+TEST(LevelInCircle, GivesTheBitsOfThePlainLoopForOddCells)
+{
+    int compared = 0;
+    std::mt19937 random(11);
+    atPlacesOfOddGrids([&](const SearchedGrid& made, double x, double y) {
+        const float width = made.header.cellsize * (1.5F + static_cast<float>(random() % 40) / 10);
+        if (!isWithinGrid(searchWindow(made.header, x, y, width), made.header)) {
+            return;
+        }
+        ++compared;
+        for (const sampling::LevelRule rule : kRules) {
+            expectSameLevel(inCircle(made.header, made.cells, x, y, width, rule),
+                            inCirclePlainly(made.header, made.cells, x, y, width, rule),
+                            rule != sampling::LevelRule::mean);
+        }
+    });
+    EXPECT_GT(compared, 1000);
+}
+
+TEST(GroundLevel, OfCellsThatAreNoNumberOrInfiniteHasTheirPlace)
+{
+    Numbered made;
+    for (float& cell : made.cells.cells()) {
+        cell = -kInfinity;
+    }
+    const AcrossLine north = acrossLine(made.header, 4, 5, 90.0F);
+    const auto highest = [&] {
+        return sampling::levelAcross(north, made.header, made.cells, {-1, 1}, sampling::LevelRule::highest);
+    };
+    EXPECT_EQ(highest().value, -kInfinity);
+    EXPECT_EQ(highest().x, 3.5);
+    EXPECT_EQ(highest().y, 3.5);
+    for (float& cell : made.cells.cells()) {
+        cell = kNaN;
+    }
+    EXPECT_TRUE(std::isnan(highest().value));
+    EXPECT_EQ(highest().y, 3.5);
+    made.cells(6, 4) = -kInfinity;
+    EXPECT_EQ(highest().value, -kInfinity);
+    EXPECT_EQ(highest().y, 5.5);
 }
 
 TEST(LevelInCircle, GivesTheBitsOfThePlainLoop)
@@ -293,8 +465,7 @@ TEST(LevelInCircle, GivesTheBitsOfThePlainLoop)
         if (!isWithinGrid(searchWindow(made.header, x, y, width), made.header)) {
             continue;
         }
-        for (const sampling::LevelRule rule :
-             {sampling::LevelRule::mean, sampling::LevelRule::highest, sampling::LevelRule::lowest}) {
+        for (const sampling::LevelRule rule : kRules) {
             const sampling::GroundLevel found = inCircle(made.header, made.cells, x, y, width, rule);
             const sampling::GroundLevel plain = inCirclePlainly(made.header, made.cells, x, y, width, rule);
             ASSERT_EQ(found.value, plain.value) << round;

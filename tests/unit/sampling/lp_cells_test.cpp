@@ -2,6 +2,8 @@
 
 #include "plane/across_line.h"
 #include "support/lattice.h"
+#include "support/odd_cells.h"
+#include "support/searched_cells.h"
 
 #include <algorithm>
 #include <array>
@@ -39,7 +41,7 @@ sampling::FoundSample plainSearch(const AcrossLine& line, const GridHeader& h, c
 
 void expectSame(const sampling::FoundSample& found, const sampling::FoundSample& wanted)
 {
-    EXPECT_EQ(found.value, wanted.value);
+    EXPECT_EQ(bitsOfValue(found.value), bitsOfValue(wanted.value)) << found.value << " in place of " << wanted.value;
     EXPECT_EQ(found.x, wanted.x);
     EXPECT_EQ(found.y, wanted.y);
 }
@@ -71,6 +73,34 @@ TEST(Samples, FindWhatThePlainLoopsFind)
             expectSame(sampling::highestSample(line, h, cells, range), plainSearch(line, h, cells, range, false));
         }
         ASSERT_FALSE(testing::Test::HasFailure()) << "round " << round;
+    }
+    EXPECT_GT(found, 1000);
+}
+
+TEST(Samples, OfOddCellsAreThoseOfThePlainLoops)
+{
+    std::mt19937 random(8);
+    int found = 0;
+    for (const float null : kOddNulls) {
+        for (std::uint32_t seed = 1; seed <= 6; ++seed) {
+            SearchedGrid made;
+            makeOdd(made, 30, 40, null, seed);
+            const GridHeader& h = made.header;
+            for (int vertex = 0; vertex < 200; ++vertex) {
+                const double x = placeOn(h.xll, h.cellsize8, h.ncols, random);
+                const double y = placeOn(h.yll, h.cellsize8, h.nrows, random);
+                const AcrossLine line = acrossLine(h, x, y, static_cast<float>(random() % 360));
+                const auto width = static_cast<std::int32_t>(random() % 6);
+                for (const SampleRange range : {SampleRange{-width, width}, SampleRange{0, width}}) {
+                    const sampling::FoundSample lowest = plainSearch(line, h, made.cells, range, true);
+                    const sampling::FoundSample highest = plainSearch(line, h, made.cells, range, false);
+                    expectSame(sampling::lowestSample(line, h, made.cells, range), lowest);
+                    expectSame(sampling::highestSample(line, h, made.cells, range), highest);
+                    found += lowest.x != 0 && highest.x != 0 ? 1 : 0;
+                }
+                ASSERT_FALSE(testing::Test::HasFailure()) << "null " << null << ", grid " << seed << ", " << vertex;
+            }
+        }
     }
     EXPECT_GT(found, 1000);
 }

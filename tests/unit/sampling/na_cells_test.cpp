@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
+#include <utility>
 
 namespace gridforge::test {
 namespace {
@@ -154,6 +155,36 @@ TEST(CountByHeight, AgreesWithAPlainLoopForHeightsThatFallToo)
     }
 }
 
+TEST(CountByHeight, OddValuesAgreeWithAPlainLoop)
+{
+    for (std::uint32_t seed = 1; seed <= 20; ++seed) {
+        const std::vector<float> values = oddCells(300, -9999.0F, seed);
+        for (const auto& [minimum, maximum] :
+             {std::pair(-3.0F, 5.0F), std::pair(-kInfinity, kInfinity), std::pair(-3.4e38F, 3.4e38F),
+              std::pair(99999.0F, kInfinity), std::pair(-1.0e-40F, 1.0e-40F)}) {
+            const std::vector<float> heights = sampling::heightLadder(minimum, maximum);
+            std::vector<std::int64_t> plain(heights.size(), 0);
+            std::int64_t above = 0;
+            for (const float value : values) {
+                const auto first = std::ranges::find_if(heights, [&](float height) { return value <= height; });
+                if (first == heights.end()) {
+                    ++above;
+                } else {
+                    ++plain[static_cast<std::size_t>(first - heights.begin())];
+                }
+            }
+            EXPECT_GT(above, 0) << "those that are no number at least";
+            plain[0] = std::max(plain[0], std::int64_t{1});
+            for (std::size_t i = 1; i < plain.size(); ++i) {
+                plain[i] += plain[i - 1];
+            }
+            const sampling::HeightCounts counts = sampling::countByHeight(values, heights);
+            ASSERT_EQ(counts.upTo, plain) << seed << " from " << minimum;
+            ASSERT_EQ(counts.above, above) << seed << " from " << minimum;
+        }
+    }
+}
+
 // --- Collecting ------------------------------------------------------------------------------------------------------
 
 TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
@@ -191,6 +222,36 @@ TEST(CollectInside, TakesTheCellsOfThePlainLoopInItsOrder)
         ASSERT_TRUE(sampling::collectInside(region, made.header, made.cells, window, 1200, values));
         ASSERT_EQ(values, plain) << round;
         taken += values.size();
+    }
+    EXPECT_GT(taken, 5000U);
+}
+
+TEST(CollectInside, TakesOddCellsBitByBit)
+{
+    std::size_t taken = 0;
+    for (const float null : kOddNulls) {
+        for (std::uint32_t seed = 1; seed <= 6; ++seed) {
+            SearchedGrid made;
+            makeOdd(made, 30, 40, null, seed);
+            const GridHeader& h = made.header;
+            const auto x = [&](double column) { return h.xll + column * h.cellsize8; };
+            const auto y = [&](double row) { return h.yll + row * h.cellsize8; };
+            // A rectangle between the corners of columns 4 and 30 and rows 3 and 22.
+            const SampledRegion region =
+                regionOf({x(3.5), x(30.5), x(30.5), x(3.5)}, {y(2.5), y(2.5), y(22.5), y(22.5)});
+            std::vector<float> plain;
+            for (std::int32_t row = 3; row <= 22; ++row) {
+                for (std::int32_t column = 4; column <= 30; ++column) {
+                    if (made.cells(row, column) != null) {
+                        plain.push_back(made.cells(row, column));
+                    }
+                }
+            }
+            std::vector<float> values;
+            ASSERT_TRUE(sampling::collectInside(region, h, made.cells, regionWindow(region, h), 1200, values));
+            ASSERT_EQ(bitsOf(values), bitsOf(plain)) << "null " << null << ", grid " << seed;
+            taken += values.size();
+        }
     }
     EXPECT_GT(taken, 5000U);
 }
