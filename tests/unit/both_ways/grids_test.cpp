@@ -127,6 +127,7 @@ std::vector<Case> cases()
         {"MaxWithoutSource", "-max -src -decimal1", {-9999, -9999}},
         {"Min", "-min", {-9999, -1, -9999}},
         {"MinOfMany", "-min", std::vector<double>(70, -9999)}, // more than are open at a time
+        {"MaxOfMany", "-max", std::vector<double>(70, -9999)},
         {"Difference", "-dif", {-9999, -1}},
         {"DifferenceOfActive", "-dif -change -nowetdry", {-9999, -9999}},
         {"Change", "-dif -change", {-9999, -9999}},
@@ -136,6 +137,7 @@ std::vector<Case> cases()
         {"Filter", "-cd12.5", {-9999, -1}},
         {"FloodExtent", "-fe", {-9999}},
         {"Fuzzy", "-fuzzy", {-9999, -9999, -1}},
+        {"FuzzyOfMany", "-fuzzy", std::vector<double>(70, -9999)},
         {"Count", "-count", {-9999}},
         {"CountAboveCutoff", "-count -cd12.5", {-9999}},
         {"Convert", "-conv", {-9999}},
@@ -224,6 +226,30 @@ TEST(BothWaysCases, AreOfAllOtherOperations)
 INSTANTIATE_TEST_SUITE_P(Operations, BothWays, testing::ValuesIn(cases()),
                          [](const auto& one) { return one.param.name; });
 
+// Inputs of both formats in turn: those of one format that follow each other are read together.
+TEST(BothWaysMixed, AreTheSameForInputsOfBothFormats)
+{
+    GivenFiles given;
+    std::string names;
+    std::uint32_t number = 0;
+    for (const bool binary : {false, true, true, false, true}) {
+        const std::string base = "g" + std::to_string(++number);
+        const Cells cells = cellsOfGrid(number, -9999, binary);
+        names += ' ' + base + (binary ? ".flt" : ".asc");
+        if (binary) {
+            given[base + ".hdr"] = hdr(cells);
+            given[base + ".flt"] = fltCells(cells);
+        } else {
+            given[base + ".asc"] = ascGrid(cells);
+        }
+    }
+    for (const std::string options : {"-max", "-min", "-fuzzy", "-statAll", "-statMedian -statMean"}) {
+        for (const std::string output : {"", " -flt", " -asc"}) {
+            expectBothWaysTheSame(given, options + names + output, true);
+        }
+    }
+}
+
 // --- What sends a run step by step -----------------------------------------------------------------------------------
 
 std::string asc(const std::string& rows, const std::string& corner = "0")
@@ -302,6 +328,24 @@ TEST(Ways, StepByStepWhereACopyFindsNoRoom)
         const ScratchFolder folder;
         EXPECT_THAT(run(folder, good).console, testing::EndsWith(good == 0 ? "ways: 0 1\n" : "ways: 1 0\n"));
         EXPECT_EQ(folder.read("a.flt"), fltCells({{1, 2, 3}, {4, 5, 6}}));
+    }
+}
+
+TEST(Ways, StepByStepWhereAResizeFindsNoRoom)
+{
+    const Cells cells = {{1, 2, 3, 4}, {5, 6, 7, 8}};
+    const GivenFiles given = {{"a.asc", ascGrid(cells)}, {"b.hdr", hdr(cells)}, {"b.flt", fltCells(cells)}};
+    // No room for the cells of a text, or for those of the output alone.
+    for (const std::string line : {"-resize2 a.asc -out r.asc", "-resize2 b.flt -asc -out r.asc"}) {
+        const Outcome ordinary = runOperationOn(given, line);
+        const Environment environment({{"GRIDFORGE_MEMORY", "1"}, {"GRIDFORGE_SCRATCH", "/nowhere"}});
+        const std::size_t noRoom = waysGone(run::Way::noRoom);
+        const std::size_t ahead = waysGone(run::Way::ahead);
+        const Outcome found = runOperationOn(given, line);
+        EXPECT_EQ(waysGone(run::Way::noRoom), noRoom + 1) << line;
+        EXPECT_EQ(waysGone(run::Way::ahead), ahead) << line;
+        EXPECT_EQ(found, ordinary) << line;
+        EXPECT_EQ(readWrittenAsc(found.files.at("r.asc")).cells, (Cells{{3.5, 5.5}})) << line;
     }
 }
 

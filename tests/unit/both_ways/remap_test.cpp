@@ -1,4 +1,5 @@
 // The remap gives the same bytes and says the same, by however many threads and in whatever pieces, ahead or step by step.
+#include "host/memory/memory_system.h"
 #include "run/cells_ahead.h"
 #include "support/both_ways.h"
 #include "support/grids.h"
@@ -150,6 +151,23 @@ TEST_P(OddTerrain, WithRowsOverSeveralLinesIsReadStepByStep)
     const Outcome found = runOperationOn(files_, line);
     EXPECT_EQ(waysGone(run::Way::oddText), odd + 1);
     EXPECT_EQ(found.console, ordinary.console);
+    EXPECT_EQ(found.files.at("l_remap_d.asc"), ordinary.files.at("l_remap_d.asc"));
+    EXPECT_EQ(found.files.at("l_remap_h.asc"), ordinary.files.at("l_remap_h.asc"));
+}
+
+// The name of a terrain that is not there, answered by that of the one that is.
+TEST_P(OddTerrain, ThatIsAskedForIsReadStepByStep)
+{
+    const std::string line = giveAll(".asc");
+    const Outcome ordinary = runOperationOn(files_, line);
+    files_["e.asc"] = files_["d.asc"];
+    files_.erase("d.asc");
+    const std::size_t odd = waysGone(run::Way::oddInput);
+    const std::size_t ahead = waysGone(run::Way::ahead);
+    giveMemoryAnswers("e.asc\n");
+    const Outcome found = runOperationOn(files_, line);
+    EXPECT_EQ(waysGone(run::Way::oddInput), odd + 1);
+    EXPECT_EQ(waysGone(run::Way::ahead), ahead);
     EXPECT_EQ(found.files.at("l_remap_d.asc"), ordinary.files.at("l_remap_d.asc"));
     EXPECT_EQ(found.files.at("l_remap_h.asc"), ordinary.files.at("l_remap_h.asc"));
 }

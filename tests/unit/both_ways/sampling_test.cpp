@@ -1,17 +1,22 @@
 // What is sampled in windows of a grid is the same, and so is what the run says, whether the windows are read ahead, by however
 // many threads and in whatever parts, or the grid is read whole.
+#include "host/memory/memory_system.h"
 #include "run/cells_ahead.h"
 #include "support/both_ways.h"
+#include "support/child_run.h"
 #include "support/damages_files.h"
 #include "support/environment.h"
 #include "support/grids.h"
 #include "support/layer_files.h"
+#include "support/odd_cells.h"
 #include "support/operation_run.h"
+#include "support/shp_bytes.h"
 
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
-#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -24,8 +29,8 @@ constexpr std::size_t kColumns = 150;
 constexpr double kWest = 100;
 constexpr double kSouth = 200;
 
-// Levels with patches of null, and cells that are no number.
-Cells levels(std::uint32_t seed)
+// Levels with patches of null.
+Cells plainLevels(std::uint32_t seed)
 {
     std::mt19937 random(seed);
     Cells cells(kRows, std::vector<double>(kColumns));
@@ -35,7 +40,19 @@ Cells levels(std::uint32_t seed)
             cells[r][c] = dry ? -9999 : static_cast<double>(random() % 4096) / 256;
         }
     }
-    cells[100][70] = std::numeric_limits<double>::quiet_NaN();
+    return cells;
+}
+
+// The same with stretches of cells of every odd value, as a binary grid can hold them.
+Cells levels(std::uint32_t seed)
+{
+    Cells cells = plainLevels(seed);
+    for (std::size_t r = 40; r < kRows; r += 60) {
+        const std::vector<float> odd = oddCells(12 * kColumns, -9999, seed + static_cast<std::uint32_t>(r));
+        for (std::size_t i = 0; i < odd.size(); ++i) {
+            cells[r + i / kColumns][i % kColumns] = static_cast<double>(odd[i]);
+        }
+    }
     return cells;
 }
 
@@ -114,6 +131,61 @@ TEST(CalibrationPointsAhead, WithCellsOfAnotherSizeToo)
     expectBothWaysTheSame(given, "-cp m.mif g.flt -cpsd12 -cpmm15", false);
 }
 
+// A Shapefile without a place of its own for its index.
+void giveShapefile(GivenFiles& given, const std::string& base, std::int32_t type, const ShapefileRecords& records)
+{
+    given[base + ".shp"] = shpBytes(type, records.objects);
+    given[base + ".dbf"] = dbfBytes(records.columns, records.values);
+    given[base + ".prj"] = records.projection;
+}
+
+// `text` in a column of a table.
+std::string padded(std::string text, std::size_t width)
+{
+    text.resize(width, ' ');
+    return text;
+}
+
+// Points, and records without a shape between them.
+GivenFiles shpMarks()
+{
+    GivenFiles given;
+    giveGrid(given, "g", 1);
+    ShapefileRecords records{.objects = {}, .columns = {{"OBS", 'N', 8}, {"MARK", 'C', 6}}, .values = {}};
+    int number = 0;
+    for (const auto& [x, y] : places(120)) {
+        if (++number % 7 == 0) {
+            records.objects.push_back(little(0));
+            records.values.push_back(padded("1.5", 8) + padded("none", 6));
+        }
+        records.objects.push_back(pointRecord(x, y));
+        records.values.push_back(padded(std::to_string(number % 30) + ".5", 8) +
+                                 padded("M" + std::to_string(number), 6));
+    }
+    giveShapefile(given, "m", 1, records);
+    return given;
+}
+
+// In a process of its own: tables of Shapefiles keep values for all later ones of theirs.
+void expectBothWaysTheSameApart(const GivenFiles& given, const std::string& line)
+{
+    const ScratchFolder folder;
+    const ChildRun run = runInChild(folder, [&] {
+        expectBothWaysTheSame(given, line, false);
+        if (!testing::Test::HasFailure()) {
+            std::ofstream("same").flush();
+        }
+    });
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "same")) << line << '\n' << run.console << run.errors;
+}
+
+TEST(CalibrationPointsAhead, OfAShapefileAreThoseOfTheWholeGrid)
+{
+    expectBothWaysTheSameApart(shpMarks(), "-cp m.shp g.flt -cpsd12");
+    expectBothWaysTheSameApart(shpMarks(), "-cp m.shp g.flt -cpsd3 -cpmm30");
+    expectBothWaysTheSameApart(shpMarks(), "-cp m.shp g.flt -cpsd20 -cpmm5 -out r.mif");
+}
+
 // The run goes that way, and is that whose reads by position are refused.
 void expectWay(run::Way way, const GivenFiles& given, const std::string& line)
 {
@@ -128,9 +200,7 @@ void expectWay(run::Way way, const GivenFiles& given, const std::string& line)
 TEST(CalibrationPointsAhead, OfATextGridAreReadWhole)
 {
     GivenFiles given = marks();
-    Cells cells = levels(1);
-    cells[100][70] = 1;
-    given["a.asc"] = ascGrid(cells, {.xll = kWest, .yll = kSouth});
+    given["a.asc"] = ascGrid(plainLevels(1), {.xll = kWest, .yll = kSouth});
     expectWay(run::Way::textGrid, given, "-cp m.mif a.asc -cpsd12");
 }
 
@@ -193,9 +263,10 @@ GivenFiles town()
     return given;
 }
 
-std::string control(const std::string& method)
+std::string control(const std::string& method, const std::string& layers = "Read GIS Building == b.mif\n")
 {
-    return "Read GIS Building == b.mif\nRead Curve House == c.csv\nRead Result % 1 == g1.flt\nRead Result % 5 == "
+    return layers +
+           "Read Curve House == c.csv\nRead Result % 1 == g1.flt\nRead Result % 5 == "
            "g2.flt\n"
            "Region Inspection Method == " +
            method + '\n';
@@ -208,6 +279,62 @@ TEST(DamagesAhead, AreThoseOfTheWholeGrids)
         given["t.dmg"] = control(method);
         expectBothWaysTheSame(given, "-damages t.dmg", false);
     }
+}
+
+// The buildings of the town as two Shapefiles, of points and of polygons.
+GivenFiles townOfShapefiles()
+{
+    GivenFiles given = town();
+    given.erase("b.mif");
+    given.erase("b.mid");
+    const std::vector<DbfColumn> columns = {{"TYPE", 'C', 6}, {"ID", 'C', 6}, {"FFL", 'N', 6}, {"MULT", 'N', 4}};
+    ShapefileRecords points{.objects = {}, .columns = columns, .values = {}};
+    ShapefileRecords polygons = points;
+    int number = 0;
+    for (const auto& [x, y] : places(150)) {
+        ShapefileRecords& layer = ++number % 3 == 0 ? points : polygons;
+        layer.values.push_back(padded("House", 6) + padded("B" + std::to_string(number), 6) + padded("1.50", 6) +
+                               padded("1.00", 4));
+        if (number % 3 == 0) {
+            layer.objects.push_back(pointRecord(x, y));
+            continue;
+        }
+        const double size = number % 40 == 1 ? 90 : 2 + number % 9;
+        layer.objects.push_back(
+            partsRecord(5, {0}, {x, y - size, x - size, y + size / 2, x + size, y + size, x, y - size}));
+    }
+    giveShapefile(given, "points", 1, points);
+    giveShapefile(given, "polygons", 5, polygons);
+    return given;
+}
+
+TEST(DamagesAhead, AtBuildingsOfShapefilesAreThoseOfTheWholeGrids)
+{
+    GivenFiles given = townOfShapefiles();
+    for (const std::string method : {"Max", "Avg"}) {
+        given["t.dmg"] = control(method, "Read GIS Building == points.shp\nRead GIS Building == polygons.shp\n");
+        expectBothWaysTheSameApart(given, "-damages t.dmg");
+    }
+}
+
+// The name of a grid that is not there, answered by that of one that is.
+TEST(DamagesAhead, OfAGridThatIsAskedForAreReadWhole)
+{
+    GivenFiles given = town();
+    given["t.dmg"] = "Read GIS Building == b.mif\nRead Curve House == c.csv\nRead Result % 1 == none.asc\n";
+    given["a.asc"] = ascGrid(plainLevels(3), {.xll = kWest, .yll = kSouth});
+    const std::size_t odd = waysGone(run::Way::oddInput);
+    const std::size_t ahead = waysGone(run::Way::ahead);
+    giveMemoryAnswers("a.asc\n");
+    const Outcome asked = runOperationOn(given, "-damages t.dmg");
+    EXPECT_EQ(waysGone(run::Way::oddInput), odd + 1);
+    EXPECT_EQ(waysGone(run::Way::ahead), ahead);
+    EXPECT_NE(asked.console.find("CHECK 0008 - \"none.asc\" cannot be found"), std::string::npos);
+
+    given["t.dmg"] = "Read GIS Building == b.mif\nRead Curve House == c.csv\nRead Result % 1 == a.asc\n";
+    const Outcome named = runOperationOn(given, "-damages t.dmg");
+    EXPECT_EQ(waysGone(run::Way::oddInput), odd + 1);
+    EXPECT_EQ(asked.files.at("b_Damages.csv"), named.files.at("b_Damages.csv"));
 }
 
 TEST(DamagesAhead, OfBuildingsOutsideTheGridReadNothing)
