@@ -486,7 +486,7 @@ void failAll(const FaultRun& run, bool memory)
         }
     }
     EXPECT_THAT(wrong, testing::IsEmpty());
-    for (const WrongGrid& grid : left.wrong(isWholeAsked() ? Readers::toolAndGdal : Readers::tool)) {
+    for (const WrongFile& grid : left.wrong(isWholeAsked() ? Readers::toolAndGdal : Readers::tool)) {
         ADD_FAILURE() << grid.what << '\n' << commandOf(run, grid.mission);
     }
 }
@@ -606,7 +606,7 @@ void failWithThreads(const FaultRun& run, std::size_t most)
         }
     }
     EXPECT_THAT(wrong, testing::IsEmpty());
-    for (const WrongGrid& grid : left.wrong(Readers::tool)) {
+    for (const WrongFile& grid : left.wrong(Readers::tool)) {
         ADD_FAILURE() << grid.what << '\n' << commandOf(run, grid.mission);
     }
 }

@@ -127,16 +127,16 @@ void GridsLeft::add(const Files& files, const std::string& mission, const std::s
     for (const FoundGrid& grid : gridsIn(files)) {
         const auto known = good_.find(grid.name);
         if (known == good_.end() || std::ranges::find(known->second, grid) == known->second.end()) {
-            doubtful_.try_emplace(grid, WrongGrid{how, mission});
+            doubtful_.try_emplace(grid, WrongFile{how, mission});
         }
     }
 }
 
-std::vector<WrongGrid> GridsLeft::wrong(Readers readers) const
+std::vector<WrongFile> GridsLeft::wrong(Readers readers) const
 {
     // A doubtful grid may hold the same as a good one, such as all except the last line end: both are read.
     std::vector<FoundGrid> all;
-    std::vector<WrongGrid> hows;
+    std::vector<WrongFile> hows;
     for (const auto& [grid, how] : doubtful_) {
         all.push_back(grid);
         hows.push_back(how);
@@ -156,7 +156,7 @@ std::vector<WrongGrid> GridsLeft::wrong(Readers readers) const
         }
         return good;
     };
-    std::vector<WrongGrid> wrong;
+    std::vector<WrongFile> wrong;
     for (std::size_t i = 0; i < hows.size(); ++i) {
         const bool byTool = isGood(i, &Reading::byTool);
         if (!byTool || !isGood(i, &Reading::byGdal)) {

@@ -33,7 +33,7 @@ enum class Readers { tool, toolAndGdal };
 std::vector<Reading> readGrids(const std::vector<FoundGrid>& grids, Readers readers);
 
 // A grid that looks whole and is not.
-struct WrongGrid {
+struct WrongFile {
     std::string what;    // its name, its reader and the run
     std::string mission; // that repeats the run
 };
@@ -45,11 +45,11 @@ public:
     GridsLeft(const Files& before, const Files& finished);
     // The files after the run of `mission`; `how` describes it in what wrong() returns.
     void add(const Files& files, const std::string& mission, const std::string& how);
-    std::vector<WrongGrid> wrong(Readers readers) const;
+    std::vector<WrongFile> wrong(Readers readers) const;
 
 private:
     std::map<std::string, std::vector<FoundGrid>> good_; // by name
-    std::map<FoundGrid, WrongGrid> doubtful_;            // with the first run that left them
+    std::map<FoundGrid, WrongFile> doubtful_;            // with the first run that left them
 };
 
 } // namespace gridforge::test

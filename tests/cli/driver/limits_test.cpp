@@ -1,7 +1,10 @@
 // Runs at the limits that a system sets: on memory, files, names and time.
 #include "support/consoles.h"
+#include "support/grids.h"
+#include "support/layer_files.h"
 #include "support/paths.h"
 #include "support/process_limits.h"
+#include "support/shp_bytes.h"
 #include "support/system_failures.h"
 
 #include <cerrno>
@@ -81,17 +84,6 @@ TEST(LimitsCli, MemoryForNoPiece)
     EXPECT_EQ(run.error(), "");
     EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Could not allocate enough memory (RAM)."));
     EXPECT_NO_OTHER_FILES(run);
-}
-
-TEST(LimitsCli, Stack)
-{
-    LimitedRun run("ulimit -s 256; for o in -max -statAll -conv; do $TOOL -b $o a.flt b.flt; done");
-    giveFlt(run, "a", kCells);
-    giveFlt(run, "b", {{2, 1, 3}, {3, 6, kNull}});
-    run.start();
-    EXPECT_EQ(run.error(), "");
-    EXPECT_GRID(run, "a(maxmax).flt", {{2, 2, 3}, {4, 6, 6}});
-    EXPECT_GRID(run, "a.asc", kCells);
 }
 
 // --- Files -----------------------------------------------------------------------------------------------------------
@@ -187,6 +179,24 @@ TEST(LimitsCli, AFolderThatGoesDuringTheRun)
     EXPECT_FALSE(run.has("gone"));
 }
 
+// The same for a binary grid, whose cells wait in a file without a name in that folder.
+TEST(LimitsCli, AFolderThatGoesWhileABinaryGridWaits)
+{
+    for (const char* memory : {"", "1"}) {
+        LimitedRun run("mkfifo b.asc; $TOOL -b -max a.asc b.asc -out gone/m.flt > console & exec 3> b.asc; rm -r gone; "
+                       "cat c.asc >&3; exec 3>&-; wait; rm b.asc");
+        run.environment("GRIDFORGE_MEMORY", memory);
+        run.give("gone/.keep", "");
+        run.give("a.asc", ascGrid(kCells));
+        run.give("c.asc", ascGrid(kCells));
+        run.start();
+        EXPECT_EQ(run.status(), 0);
+        EXPECT_EQ(run.error(), "");
+        EXPECT_THAT(run.read("console"), HasSubstr(cannotOpen("gone/m.hdr") + "\n\nCan't open: gone/m.hdr\n"));
+        EXPECT_FALSE(run.has("gone"));
+    }
+}
+
 // --- Names -----------------------------------------------------------------------------------------------------------
 
 TEST(LimitsCli, ANameOf4000Characters)
@@ -230,9 +240,48 @@ TEST(LimitsCli, InputsFromPipes)
     EXPECT_GRID(run, "m.asc", {{2, 2, 3}, {4, 6, 6}});
 }
 
+TEST(LimitsCli, BinaryCellsFromPipes)
+{
+    LimitedRun run("mkfifo p.flt; cat b.flt > p.flt & $TOOL -b -max a.asc p.flt -out m.asc > console; wait; rm p.flt");
+    run.give("a.asc", ascGrid(kCells));
+    const Cells other = {{2, 1, 3}, {3, 6, kNull}};
+    run.give("p.hdr", hdr(other));
+    run.give("b.flt", fltCells(other));
+    run.start(20s);
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_GRID(run, "m.asc", {{2, 2, 3}, {4, 6, 6}});
+}
+
+// The lower left of the cells is within the region.
+void giveRegion(ToolRun& run)
+{
+    run.give("l.mif", mifHeader({"Name Char(8)"}) + "Region 1\n5\n0 0\n2 0\n2 1\n0 1\n0 0\n");
+    run.give("l.mid", "\"one\"\n");
+}
+
+// A .mif is opened twice, so only its .mid can be one.
+TEST(LimitsCli, RecordsOfALayerFromAPipe)
+{
+    LimitedRun plain("exec $TOOL -b -trim l.mif a.asc");
+    LimitedRun piped("mv l.mid d; mkfifo l.mid; cat d > l.mid & $TOOL -b -trim l.mif a.asc; wait; mv d l.mid");
+    for (LimitedRun* run : {&plain, &piped}) {
+        run->give("a.asc", ascGrid(kCells));
+        giveRegion(*run);
+        run->start(20s);
+        EXPECT_EQ(run->status(), 0);
+        EXPECT_EQ(run->error(), "");
+        EXPECT_TRUE(run->reachedEnd()) << run->console();
+    }
+    EXPECT_EQ(piped.console(), plain.console());
+    EXPECT_EQ(piped.files(), plain.files());
+}
+
+constexpr const char* kDevices[] = {"/dev/null", "/dev/zero", "/dev/full"};
+
 TEST(LimitsCli, InputsFromDevices)
 {
-    for (const char* device : {"/dev/null", "/dev/zero", "/dev/full"}) {
+    for (const char* device : kDevices) {
         LimitedRun run(std::string("ln -s ") + device + " d.asc; exec $TOOL -b -max a.asc d.asc -out m.asc");
         run.give("a.asc", ascGrid(kCells));
         run.start(60s);
@@ -240,6 +289,70 @@ TEST(LimitsCli, InputsFromDevices)
         EXPECT_EQ(run.error(), "");
         EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR 2334 - Reading Grid file header information.", "Line = "));
         EXPECT_FALSE(run.has("m.asc"));
+    }
+}
+
+// A device without end gives as many bytes as are asked for.
+TEST(LimitsCli, BinaryCellsFromDevices)
+{
+    for (const char* device : kDevices) {
+        LimitedRun run(std::string("ln -s ") + device + " d.flt; exec $TOOL -b -max a.asc d.flt -out m.asc");
+        run.give("a.asc", ascGrid({{1, -2, kNull}, {4, 5, 6}}));
+        run.give("d.hdr", hdr(kCells));
+        run.start(60s);
+        EXPECT_EQ(run.status(), 0);
+        EXPECT_EQ(run.error(), "");
+        if (std::string(device) == "/dev/null") {
+            EXPECT_CONSOLE_HOLDS(
+                run,
+                errorEnd("ERROR 2334 - Reading Grid file data.  Check format and file is complete by viewing in GIS."));
+            EXPECT_FALSE(run.has("m.asc"));
+        } else {
+            EXPECT_GRID(run, "m.asc", {{1, 0, 0}, {4, 5, 6}});
+        }
+    }
+}
+
+struct DeviceInput {
+    const char* name;
+    const char* arguments;
+    Lines empty;   // the last lines of the console where the device is empty
+    Lines endless; // and where it has no end
+};
+
+std::vector<DeviceInput> deviceInputs()
+{
+    const std::string shown(1000, '\0'); // as much as is shown of a line
+    const Lines noRecord =
+        errorEnd("ERROR 0254 - Failed to read object attribute data record for a REGION object in GIS layer.");
+    const Lines noLine = errorEnd("ERROR 0201 - Reading text line from file unit number 1001");
+    return {
+        {"l.mif", "-trim l.mif a.asc", errorEnd("ERROR - Unable to find CoordSys line in l.mif"),
+         errorEnd("ERROR - Reading following line in projection file:", shown)},
+        {"l.mid", "-trim l.mif a.asc", noRecord, noRecord},
+        {"c.csv", "-classify c.csv a.asc", errorEnd("ERROR - Less than two classes found."),
+         errorEnd("ERROR - Reading following line in classes file:", shown)},
+        {"c.dmg", "-damages c.dmg", {kFinished}, noLine},
+        {"c.nbc", "-nbc c.nbc", {kFinished}, noLine},
+        {"a.prj", "-conv a.asc", {kFinished}, errorEnd("ERROR - Reading projection file information.", "Line = ")},
+    };
+}
+
+// Layers, tables and control files.
+TEST(LimitsCli, OtherInputsFromDevices)
+{
+    for (const DeviceInput& input : deviceInputs()) {
+        for (const char* device : kDevices) {
+            const std::string name = input.name;
+            LimitedRun run("rm -f " + name + "; ln -s " + device + " " + name + "; exec $TOOL -b " + input.arguments);
+            run.give("a.asc", ascGrid(kCells));
+            giveRegion(run);
+            run.start(60s);
+            EXPECT_EQ(run.status(), 0);
+            EXPECT_EQ(run.error(), "");
+            EXPECT_CONSOLE_HOLDS(run, device == "/dev/null"s ? input.empty : input.endless);
+            EXPECT_EQ(run.reachedEnd(), device == "/dev/null"s && input.empty == Lines{kFinished});
+        }
     }
 }
 
@@ -290,6 +403,33 @@ TEST(LimitsCli, FilesFromBefore1970)
     EXPECT_GRID(run, "m.asc", {{2, 2, 3}, {4, 6, 6}});
 }
 
+// The clock of the machine stands in 1960. A .dbf has the years since 1900.
+TEST(LimitsCli, AClockBefore1970)
+{
+    ToolRun run("-b -cp points.shp a.asc");
+    run.give("a.asc", ascGrid(Cells(5, {1, 2, 3, 4, 5})));
+    run.give("points.shp", shpBytes(1, {pointRecord(2.4, 2.4)}));
+    run.give("points.dbf", dbfHeader(1, {{"OBS", 'N', 4}, {"MARK", 'C', 4}}) + "    3left");
+    run.give("points.prj", "PROJCS[\"Test\"]\n");
+    run.environment("GRIDFORGE_PROGRESS", "lines");
+    run.environment("GRIDFORGE_SYSTEM_TIME", "-302184000"); // noon of 4 June 1960, UTC
+    run.environment("TZ", "UTC");
+    askSystem(run, "watch");
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_TRUE(run.reachedEnd()) << run.console();
+    int tables = 0;
+    for (const auto& [name, bytes] : run.files()) {
+        if (name.ends_with(".dbf") && name != "points.dbf") {
+            ++tables;
+            EXPECT_EQ(bytes.substr(1, 3), "\x3C\x06\x04") << name;
+        }
+    }
+    EXPECT_EQ(tables, 2);
+    EXPECT_THAT(run.read("lines"), testing::StartsWith("{\"seconds\": 0.0, "));
+}
+
 // Each run leaves what it leaves alone, and nothing else is left.
 TEST(LimitsCli, RunsThatShareAFolder)
 {
@@ -303,6 +443,38 @@ TEST(LimitsCli, RunsThatShareAFolder)
         const std::string number = std::to_string(i);
         EXPECT_GRID(run, "x" + number + ".flt", {{2, 2, 3}, {4, 6, 6}});
         EXPECT_GRID(run, "y" + number + ".asc", {{1, 1, 3}, {3, 5, 6}});
+    }
+}
+
+// Pairs of runs side by side leave what each leaves by itself: layers and tables, and cells that wait in files.
+TEST(LimitsCli, RunsOfOtherOperationsThatShareAFolder)
+{
+    const struct {
+        const char* first;
+        const char* second;
+        const char* memory;
+    } pairs[] = {
+        {"-trim l.mif a.asc -out x$i.asc", "-fe a.asc -out y$i.asc", ""},
+        {"-cp points.mif -out x$i.mif a.asc", "-cp points.mif -out y$i.mif a.asc", ""},
+        {"-max a.asc b.asc -out x$i.flt", "-trim l.mif b.asc -out y$i.flt", "1"},
+    };
+    for (const auto& pair : pairs) {
+        const std::string commands[] = {"$TOOL -b " + std::string(pair.first) + " > /dev/null",
+                                        "$TOOL -b " + std::string(pair.second) + " > /dev/null"};
+        LimitedRun alone("for i in 1 2 3 4; do " + commands[0] + "; " + commands[1] + "; done");
+        LimitedRun together("for i in 1 2 3 4; do " + commands[0] + " & " + commands[1] + " & done; wait");
+        for (LimitedRun* run : {&alone, &together}) {
+            run->environment("GRIDFORGE_MEMORY", pair.memory);
+            run->give("a.asc", ascGrid(rowColumnCells()));
+            run->give("b.asc", ascGrid(Cells(9, Cells::value_type(9, 50))));
+            giveRegion(*run);
+            run->give("points.mif", mifHeader({"Obs Float", "Mark Char(20)"}) + "Point 4.4 4.4\nPoint 6.4 4.4\n");
+            run->give("points.mid", "5,\"a\"\n7,\"c\"\n");
+            run->start();
+            EXPECT_EQ(run->error(), "");
+        }
+        EXPECT_GE(together.changedFiles().size(), 8U) << pair.first;
+        EXPECT_EQ(together.files(), alone.files());
     }
 }
 
