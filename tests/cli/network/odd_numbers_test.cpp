@@ -12,7 +12,6 @@ namespace gridforge::test {
 namespace {
 
 using plain::OddTerrain;
-using plain::PlacedCell;
 
 constexpr float kNullOfGround = -1;
 constexpr float kNullOfLand = -3;
