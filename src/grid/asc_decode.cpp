@@ -48,8 +48,7 @@ std::size_t rowsIn(std::size_t bytes, const GridHeader& header)
 // Gives pieces the numbers of their rows in the order of the text.
 class RowTurns {
 public:
-    // The number of rows before those of the piece, which are `rows`. Waits for all earlier pieces: each of them has begun, and
-    // must make this call.
+    // The number of rows before those of the piece, which are `rows`. Waits for all earlier pieces, which have begun.
     std::size_t take(std::size_t piece, std::size_t rows)
     {
         turns_.await(piece);
@@ -63,6 +62,31 @@ public:
 private:
     PieceTurns turns_;
     std::atomic<std::size_t> rows_ = 0;
+};
+
+// The turn of one piece, which later ones wait for: it is passed on at the latest when the piece ends, out of memory too.
+class RowTurn {
+public:
+    RowTurn(RowTurns& turns, std::size_t piece) : turns_(turns), piece_(piece) {}
+    ~RowTurn()
+    {
+        if (!taken_) {
+            turns_.take(piece_, 0);
+        }
+    }
+    RowTurn(const RowTurn&) = delete;
+    RowTurn& operator=(const RowTurn&) = delete;
+
+    std::size_t take(std::size_t rows)
+    {
+        taken_ = true;
+        return turns_.take(piece_, rows);
+    }
+
+private:
+    RowTurns& turns_;
+    std::size_t piece_;
+    bool taken_ = false;
 };
 
 // `mayBeEmpty`: values may be missing between commas. False if the line holds anything but the row.
@@ -149,10 +173,11 @@ bool decodeAsc(const GridLook& look, CellStore& cells)
     RowTurns turns;
     std::atomic<bool> good = true;
     parallelFor(pieces.count(), [&](std::size_t piece, std::size_t worker) {
+        RowTurn turn(turns, piece);
         const bool wanted = good && turns.rows() < decoder.rows();
         const std::optional<std::string_view> text = wanted ? pieces.read(piece, worker) : std::string_view();
         const Lines lines = linesOf(text.value_or(std::string_view()), ends.of(worker));
-        const std::size_t firstRow = turns.take(piece, lines.ends.size());
+        const std::size_t firstRow = turn.take(lines.ends.size());
         if (!text || (good && !decoder.decode(lines, firstRow, worker))) {
             good = false;
         }

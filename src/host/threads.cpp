@@ -38,7 +38,12 @@ void parallelFor(std::size_t pieces, const PieceWork& work)
     std::atomic<bool> memoryFailed = false;
     const auto workThrough = [&](std::size_t worker) {
         try {
-            for (std::size_t piece = next++; piece < pieces && !memoryFailed; piece = next++) {
+            // Once its number is taken a piece begins, as others may wait for its turn.
+            while (!memoryFailed) {
+                const std::size_t piece = next++;
+                if (piece >= pieces) {
+                    return;
+                }
                 work(piece, worker);
             }
         } catch (const std::bad_alloc&) {

@@ -1,15 +1,22 @@
 #include "grid/asc_decode.h"
 
+#include "host/system.h"
 #include "support/environment.h"
 #include "support/grids.h"
 #include "support/scratch_folder.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
 #include <optional>
 #include <random>
+#include <span>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace gridforge {
@@ -60,6 +67,37 @@ TEST(DecodeAsc, EmptyLinesMayFollowTheLastRowButNotStandBetweenRows)
     EXPECT_TRUE(decoded("1 2 3\n4 5 6\n" + lines));
     EXPECT_FALSE(decoded("1 2 3\n" + lines + "4 5 6\n"));
     EXPECT_FALSE(decoded("1 2 3\n" + lines));
+}
+
+// A piece that never learns its rows passes its turn on, or the others would wait for ever.
+TEST(DecodeAsc, EndsWhereThereIsNoMemoryForAPiece)
+{
+    std::string rows;
+    for (int row = 0; row < 9000; ++row) {
+        rows += "1 2 3\n";
+    }
+    const ScratchFolder folder;
+    folder.give("a.asc", "ncols 3\nnrows 9000\nxllcorner 0\nyllcorner 0\ncellsize 1\n" + rows);
+    const auto look = grid::lookAtGrid((folder.path() / "a.asc").string());
+    ASSERT_TRUE(look);
+    static std::atomic<int> reads;
+    System failing = nativeSystem();
+    failing.readAt = [](SystemFile file, std::int64_t position, std::span<char> target) {
+        if (++reads == 3) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(30)); // while others come to later pieces
+            throw std::bad_alloc();
+        }
+        return nativeSystem().readAt(file, position, target);
+    };
+    for (const char* const threads : {"1", "2", "7"}) {
+        const Environment environment({{"GRIDFORGE_THREADS", threads}, {"GRIDFORGE_PIECE", "4096"}});
+        grid::CellStore cells;
+        ASSERT_TRUE(cells.take(look->header.cells(), folder.path().string()));
+        reads = 0;
+        useSystem(failing);
+        EXPECT_THROW(static_cast<void>(decodeAsc(*look, cells)), std::bad_alloc) << threads;
+        useSystem(nativeSystem());
+    }
 }
 
 std::vector<float> manyCells(std::size_t count)

@@ -136,6 +136,22 @@ TEST(PieceTurns, ComeInOrder)
     EXPECT_TRUE(std::ranges::is_sorted(order));
 }
 
+TEST(PieceTurns, ReachAllThatHaveBegunWhereOneRunsOutOfMemory)
+{
+    const Environment environment({{"GRIDFORGE_THREADS", "7"}, {"GRIDFORGE_PIECE", "1"}});
+    for (std::size_t failing = 0; failing < 1000; ++failing) {
+        PieceTurns turns;
+        const auto work = [&](std::size_t piece, std::size_t) {
+            turns.await(piece);
+            turns.pass();
+            if (piece == failing % 10) {
+                throw std::bad_alloc();
+            }
+        };
+        EXPECT_THROW(parallelFor(30, work), std::bad_alloc);
+    }
+}
+
 TEST(CellsPerPiece, AreThoseOfTheEnvironmentOrTheUsual)
 {
     EXPECT_EQ(cellsPerPiece(100), 100U);
