@@ -29,7 +29,8 @@ std::size_t workersOf(std::size_t pieces)
 
 std::size_t cellsPerPiece(std::size_t usual)
 {
-    return static_cast<std::size_t>(environmentNumber("GRIDFORGE_PIECE").value_or(usual));
+    constexpr std::uint64_t kMostCells = std::uint64_t{1} << 40; // so that no sum with it overflows
+    return static_cast<std::size_t>(std::min(environmentNumber("GRIDFORGE_PIECE").value_or(usual), kMostCells));
 }
 
 void parallelFor(std::size_t pieces, const PieceWork& work)

@@ -159,5 +159,13 @@ TEST(CellsPerPiece, AreThoseOfTheEnvironmentOrTheUsual)
     EXPECT_EQ(cellsPerPiece(100), 7U);
 }
 
+TEST(CellsPerPiece, AreNeverSoManyThatSumsWithThemOverflow)
+{
+    for (const char* const most : {"18446744073709551615", "18446744073709551516", "9223372036854775807"}) {
+        const Environment environment({{"GRIDFORGE_PIECE", most}});
+        EXPECT_EQ(cellsPerPiece(100), std::size_t{1} << 40U);
+    }
+}
+
 } // namespace
 } // namespace gridforge
