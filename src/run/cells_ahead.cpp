@@ -173,7 +173,7 @@ std::size_t openGroup(std::span<const grid::GridLook> looks, std::size_t first, 
 {
     const grid::Format format = looks[first].format;
     const std::size_t most = std::min(looks.size() - first, format == grid::Format::asc ? 1 : kMostOpenFiles);
-    group.resize(std::max(most, group.size()));
+    group.resize(most); // no file of the last group stays open
     std::size_t opened = 0;
     while (opened < most && looks[first + opened].format == format) {
         way = openCells(looks[first + opened], folder, group[opened]);

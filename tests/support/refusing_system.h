@@ -72,6 +72,29 @@ inline void refuseOneUnnamedFileAfter(int count)
     useSystem(refusing);
 }
 
+// Refuses to have more than `count` files open at a time, with a name or without.
+inline void limitOpenFiles(int count)
+{
+    static std::atomic<int> left;
+    left = count;
+    static System limited = nativeSystem();
+    limited.open = [](const std::string& name, OpenFor purpose) {
+        const SystemFile file = left > 0 ? nativeSystem().open(name, purpose) : SystemFile::none;
+        left -= file == SystemFile::none ? 0 : 1;
+        return file;
+    };
+    limited.openUnnamed = [](const std::string& folder) {
+        const SystemFile file = left > 0 ? nativeSystem().openUnnamed(folder) : SystemFile::none;
+        left -= file == SystemFile::none ? 0 : 1;
+        return file;
+    };
+    limited.close = [](SystemFile file) {
+        ++left;
+        return nativeSystem().close(file);
+    };
+    useSystem(limited);
+}
+
 // Refuses such reads of files that are written in this process: of cells that wait there.
 inline void refuseReadsOfWaitingCells()
 {

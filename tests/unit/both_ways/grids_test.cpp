@@ -357,6 +357,37 @@ TEST(Ways, AheadInTheRoomOfOneTextAtATime)
     EXPECT_EQ(grid::filesOfCells(), files);
 }
 
+// The text needs a file of its own and one for its cells: those of the group before it are closed by then.
+TEST(Ways, AheadWhereATextFollowsAsManyBinaryGridsAsFilesMayBeOpen)
+{
+    const ScratchFolder folder;
+    run::InputFileList inputs;
+    for (const std::string name : {"a", "b", "c"}) {
+        folder.give(name + ".hdr", hdr({{1, 2, 3}, {4, 5, 6}}));
+        folder.give(name + ".flt", fltCells({{1, 2, 3}, {4, 5, 6}}));
+        inputs.add((folder.path() / (name + ".flt")).string());
+    }
+    folder.give("d.asc", kSevens);
+    inputs.add((folder.path() / "d.asc").string());
+    const auto looks = lookAtInputs(inputs);
+    ASSERT_TRUE(looks);
+    const Environment environment({{"GRIDFORGE_MEMORY", "1"}});
+    const ChildRun run = runInChild(folder, [&looks] {
+        limitOpenFiles(4); // that of the output's cells too
+        const auto most =
+            run::foldAhead(*looks, {".", false, 1}, [](const auto&, std::size_t input, auto cells, auto outputs) {
+                for (std::size_t i = 0; i < cells.size(); ++i) {
+                    const bool higher = input == 0 || cells[i] > outputs[0][i];
+                    outputs[0][i] = higher ? cells[i] : outputs[0][i];
+                }
+            });
+        const std::vector<float> wanted = {7, 8, 9, 4, 5, 6};
+        std::vector<float> got(wanted.size());
+        say("ahead: ", most && most->front().get(0, got) && got == wanted ? "right" : "wrong");
+    });
+    EXPECT_EQ(run.console, "ahead: right\n");
+}
+
 TEST(Ways, StepByStepWhereAReadIsRefused)
 {
     const std::size_t before = waysGone(run::Way::readRefused);
