@@ -138,31 +138,67 @@ bool readWindow(SystemFile file, const GridHeader& lattice, const CellWindow& wi
     return true;
 }
 
-Way workThrough(const grid::GridLook& look, std::span<const ObjectWindow> windows, std::span<const Part> parts,
-                const PartWork& work)
+// A grid that windows are read from, and what is done with them.
+struct Source {
+    SystemFile file = SystemFile::none;
+    const GridHeader& lattice;
+    std::span<const ObjectWindow> windows;
+    const PartWork& work;
+};
+
+// By as many threads as there are, as long as their rooms together hold no more than `mostCells`; by one at least.
+Way workThrough(const Source& source, std::span<const Part> parts, std::size_t mostCells)
 {
     const auto largest = std::ranges::max_element(parts, {}, [](const Part& part) { return cellsOf(part.window); });
+    if (largest == parts.end()) {
+        return Way::ahead;
+    }
+    const std::size_t roomCells = cellsOf(largest->window);
+    const std::size_t workers = std::clamp<std::size_t>(mostCells / roomCells, 1, workersOf(parts.size()));
     WorkerRooms<float> rooms;
-    if (!rooms.take(workersOf(parts.size()), largest == parts.end() ? 0 : cellsOf(largest->window))) {
+    if (!rooms.take(workers, roomCells)) {
         return Way::noRoom;
     }
+    std::atomic<std::size_t> next = 0;
+    std::atomic<Way> way = Way::ahead;
+    parallelFor(workers, [&](std::size_t place, std::size_t worker) {
+        for (std::size_t i = next++; i < parts.size() && way == Way::ahead; i = next++) {
+            const Part& part = parts[i];
+            const auto cells = rooms.of(place).first(cellsOf(part.window));
+            if (readWindow(source.file, source.lattice, part.window, cells)) {
+                source.work(CellPart(cells, part.window), source.windows.subspan(part.firstObject, part.objects),
+                            worker);
+            } else {
+                way = Way::readRefused;
+            }
+        }
+    });
+    return way;
+}
+
+// Of a part that has whole rows in place of three quarters of them, unless a single window is larger.
+std::size_t mostCellsOfUsualPart()
+{
+    return cellsPerPiece(kPartCells) * 3 / 2;
+}
+
+// Rooms for windows that are large each, as around a river or a whole town, would take many times the grid: those come by
+// themselves, in no more room than the grid.
+Way workThroughAll(const grid::GridLook& look, std::span<const ObjectWindow> windows, std::vector<Part>& parts,
+                   const PartWork& work)
+{
     const SystemFile file = theSystem().open(look.file, OpenFor::reading);
     if (file == SystemFile::none) {
         return Way::readRefused;
     }
-    std::atomic<Way> way = Way::ahead;
-    parallelFor(parts.size(), [&](std::size_t i, std::size_t worker) {
-        const Part& part = parts[i];
-        const auto cells = rooms.of(worker).first(cellsOf(part.window));
-        if (way != Way::ahead) {
-            return;
-        }
-        if (readWindow(file, look.header, part.window, cells)) {
-            work(CellPart(cells, part.window), windows.subspan(part.firstObject, part.objects), worker);
-        } else {
-            way = Way::readRefused;
-        }
-    });
+    const std::size_t usual = mostCellsOfUsualPart();
+    const auto large =
+        std::ranges::partition(parts, [usual](const Part& part) { return cellsOf(part.window) <= usual; });
+    const Source source{file, look.header, windows, work};
+    Way way = workThrough(source, {parts.begin(), large.begin()}, threadCount() * usual);
+    if (way == Way::ahead) {
+        way = workThrough(source, large, look.header.cells());
+    }
     theSystem().close(file);
     return way;
 }
@@ -175,12 +211,12 @@ bool windowsAhead(const grid::GridLook& look, std::vector<ObjectWindow> windows,
         countWay(Way::textGrid);
         return false;
     }
-    const std::vector<Part> parts = partsOf(windows, look.header.ncols);
+    std::vector<Part> parts = partsOf(windows, look.header.ncols);
     std::size_t cells = 0;
     for (const Part& part : parts) {
         cells += cellsOf(part.window);
     }
-    const Way way = cells > 2 * look.header.cells() ? Way::wideWindows : workThrough(look, windows, parts, work);
+    const Way way = cells > 2 * look.header.cells() ? Way::wideWindows : workThroughAll(look, windows, parts, work);
     countWay(way);
     return way == Way::ahead;
 }

@@ -23,7 +23,8 @@ struct ObjectWindow {
 using PartWork = std::function<void(const CellPart& cells, std::span<const ObjectWindow> windows, std::size_t worker)>;
 
 // True after `work` has had each window once, with cells that hold at least the window. False, and the grid is to be read whole,
-// where that is less to read, the grid is a text, or the system refuses.
+// where the windows are more than twice as much to read, the grid is a text, or the system refuses. Threads take a few MB each,
+// and around objects as large as that all together no more than the grid.
 bool windowsAhead(const grid::GridLook& look, std::vector<ObjectWindow> windows, const PartWork& work);
 
 } // namespace gridforge::run

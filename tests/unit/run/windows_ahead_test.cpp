@@ -8,9 +8,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <random>
+#include <thread>
 #include <vector>
 
 namespace gridforge::test {
@@ -116,6 +118,29 @@ TEST_F(WindowsAhead, FarApartReadNoMoreThanTheirOwnCells)
               (std::vector<int>{1, 1, 1}));
     useSystem(nativeSystem());
     EXPECT_EQ(bytesRead(), 3 * 2 * 3 * 4);
+}
+
+// Each in a room of its own would take a room of the whole grid for each thread.
+TEST_F(WindowsAhead, LargeOnesTakeTurnsInRoomForTheGrid)
+{
+    constexpr std::int32_t kMargin = 3;
+    const Environment environment({{"GRIDFORGE_THREADS", "7"}, {"GRIDFORGE_PIECE", "100"}});
+    const CellWindow whole{1, kRows, 1, kColumns};
+    const CellWindow half{1, kRows / 2 - kMargin, 1, kColumns};
+    std::atomic<std::size_t> cellsInWork = 0;
+    std::atomic<bool> tooMany = false;
+    const auto work = [&](const CellPart&, std::span<const run::ObjectWindow> part, std::size_t) {
+        for (const auto& [object, window] : part) {
+            const auto cells = static_cast<std::size_t>(window.lastRow) * kColumns;
+            tooMany = tooMany || (cellsInWork += cells) > look_.header.cells();
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            cellsInWork -= cells;
+        }
+    };
+    EXPECT_TRUE(run::windowsAhead(look_, {{0, whole}, {1, whole}}, work));
+    EXPECT_TRUE(run::windowsAhead(look_, {{0, half}, {1, half}, {2, half}, {3, half}}, work));
+    EXPECT_FALSE(tooMany);
+    EXPECT_EQ(visits({{0, whole}, {1, half}, {2, {7, 9, 2, 5}}}), std::vector<int>(3, 1));
 }
 
 TEST_F(WindowsAhead, NoneWhereAReadIsRefused)
