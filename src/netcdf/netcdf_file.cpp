@@ -1,5 +1,6 @@
 #include "netcdf/netcdf_file.h"
 
+#include "host/file_identity.h"
 #include "host/file_system.h"
 #include "host/system.h"
 #include "netcdf/check_netcdf.h"
@@ -10,6 +11,7 @@
 #include <cassert>
 #include <cerrno>
 #include <cstring>
+#include <optional>
 #include <string>
 
 namespace gridforge::netcdf {
@@ -48,9 +50,22 @@ std::string libraryName(std::string_view name)
 
 // Where names have drives, some are those of devices or of parts of a file. The library opens files by itself, so it would write
 // to these too.
-bool mayBeCreated(std::string_view name)
+bool canBeNamed(std::string_view name)
 {
     return !theSystem().namesHaveDrives || theSystem().lookUp(systemName(name)) != SystemStatus::refused;
+}
+
+// The lines of the console would get among what the library writes.
+bool getsConsole(std::string_view name)
+{
+    const SystemFile output = theSystem().inherited(1);
+    const std::optional<FileFacts> facts = output == SystemFile::none ? std::nullopt : theSystem().factsOfOpen(output);
+    return facts && facts->identity.regular && facts->identity == identityOfOutput(name);
+}
+
+bool mayBeCreated(std::string_view name)
+{
+    return canBeNamed(name) && !getsConsole(name);
 }
 
 std::size_t fromZero(std::int32_t position)

@@ -57,7 +57,7 @@ const std::vector<Row> kErrors = {
     {"fadvise madvise fallocate", "rw-", "", kNoEffect},
     {"close", "r", "", kNoEffect},
     // The console is gone; the files are written all the same.
-    {"write", "c", "", kNoEffect},
+    {"write stat", "c", "", kNoEffect},
     // A failed read is the end of standard input: the run ends where it waits for an answer. Nothing
     // changes where it has ended already and waits for Enter.
     {"read", "c", "", {kClose}},

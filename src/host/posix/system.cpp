@@ -80,8 +80,19 @@ FileFacts factsIn(const struct stat& status)
 
 // --- Open files ------------------------------------------------------------------------------------------------------
 
+bool isConsole(const std::string& name)
+{
+    struct stat console = {};
+    struct stat file = {};
+    return fstat(STDOUT_FILENO, &console) == 0 && S_ISREG(console.st_mode) && ::stat(name.c_str(), &file) == 0 &&
+           file.st_dev == console.st_dev && file.st_ino == console.st_ino;
+}
+
 SystemFile openFile(const std::string& name, OpenFor purpose)
 {
+    if (purpose == OpenFor::replacing && isConsole(name)) {
+        ::unlink(name.c_str()); // the lines of the console would get among what is written
+    }
     int flags = O_CLOEXEC;
     switch (purpose) {
     case OpenFor::reading: flags |= O_RDONLY; break;

@@ -387,7 +387,46 @@ TEST(LimitsCli, AConsoleThatIsTheGrid)
         EXPECT_EQ(run.error(), "");
         EXPECT_CONSOLE(run, {"0"});
         EXPECT_EQ(run.read("a.asc"), ascGrid(kCells));
+        EXPECT_GRID(run, grid, kCells);
     }
+}
+
+// The grid gets the name, as a file of its own; the console goes on in the old one.
+TEST(LimitsCli, AConsoleThatIsTheGridUnderAnotherName)
+{
+    for (const char* const made : {"ln -s console.txt m.flt", "ln console.txt m.flt"}) {
+        LimitedRun run(std::string("touch console.txt; ") + made +
+                       "; $TOOL -b -max a.asc b.asc -out m.flt >> console.txt; echo $?");
+        run.give("a.asc", ascGrid(kCells));
+        run.give("b.asc", ascGrid(kCells));
+        run.start(20s);
+        EXPECT_EQ(run.error(), "");
+        EXPECT_CONSOLE(run, {"0"});
+        EXPECT_GRID(run, "m.flt", kCells);
+        EXPECT_THAT(run.read("console.txt"), HasSubstr(kFinished)) << made;
+    }
+}
+
+TEST(LimitsCli, AConsoleThatIsAGridOfPoints)
+{
+    LimitedRun run("$TOOL -b -xyz p.xyz -flt > p_xyz_to_grid.flt; echo $?");
+    run.give("p.xyz", "0 0 1\n1 0 2\n0 1 3\n1 1 4\n");
+    run.start(20s);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_CONSOLE(run, {"0"});
+    EXPECT_GRID(run, "p_xyz_to_grid.flt", {{3, 4}, {1, 2}});
+}
+
+// The library writes by itself, so that its file is refused.
+TEST(LimitsCli, AConsoleThatIsTheNetcdfFile)
+{
+    LimitedRun run("$TOOL -b -nc a.asc -out m.nc >> m.nc; echo $?");
+    run.give("a.asc", ascGrid(kCells));
+    run.start(20s);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_CONSOLE(run, {"0"});
+    EXPECT_THAT(run.read("m.nc"), HasSubstr(errorEndText("ERROR - With nectdf call nf90_create\n"
+                                                         "Netcdf error message: Permission denied")));
 }
 
 // --- Time and company ------------------------------------------------------------------------------------------------
