@@ -153,9 +153,8 @@ The folder for that file, and for grids held whole that memory has no room for; 
 temporary one.
 .TP
 .B GRIDFORGE_PROGRESS
-A file that gets a line about the progress each second, or
-.B fd:
-and the number of an open one.
+A file that gets a line about the progress each second, or the number of an open one, also behind
+.BR fd: .
 .TP
 .B GRIDFORGE_PIECE
 Cells of a piece, for tests, which may then have more threads than processors.

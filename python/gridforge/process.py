@@ -133,8 +133,8 @@ class _Lines:
 
 def _asked_for_by_others(environment: dict[str, str]) -> tuple[int, ...]:
     """The open file that whoever has started us wants to have the progress in."""
-    kind, _, number = environment.get(PROGRESS, "").partition(":")
-    if kind != "fd" or not number.isdecimal() or os.name != "posix":
+    number = environment.get(PROGRESS, "").removeprefix("fd:")
+    if not number.isdecimal() or os.name != "posix":
         return ()
     try:
         os.fstat(int(number))

@@ -191,7 +191,8 @@ def _environment(settings: Settings) -> dict[str, str]:
     variables = {**os.environ, **settings.environment}
     for name in (PROGRESS, SCRATCH):
         value = variables.get(name, "")
-        if value and not value.startswith("fd:"):
+        is_open = name == PROGRESS and (value.startswith("fd:") or value.isdecimal())
+        if value and not is_open:
             variables[name] = os.path.join(os.getcwd(), value)
     return variables
 

@@ -310,7 +310,8 @@ class ProgressTest(ScratchTest):
         self.give_grids("a.asc")
         read, write = os.pipe()
         os.set_inheritable(write, True)
-        for place, told in ((f"fd:{write}", True), ("fd:987", False), ("fd:", False), ("fd:" + "9" * 30, False)):
+        closed = ("fd:987", "fd:", "fd:" + "9" * 30, "987")
+        for place, told in ((f"fd:{write}", True), (str(write), True), *((place, False) for place in closed)):
             os.environ["GRIDFORGE_PROGRESS"] = place
             self.assertEqual(gridforge.run(["-fe", "a.asc"]).outcome, "finished")
             os.write(write, b"\n")

@@ -130,8 +130,9 @@ std::optional<SystemFile> progressTarget()
     if (!name) {
         return std::nullopt;
     }
-    if (name->starts_with(kNumbered)) {
-        return openFileOfNumber(std::string_view(*name).substr(kNumbered.size()));
+    const std::string_view number = std::string_view(*name).substr(name->starts_with(kNumbered) ? kNumbered.size() : 0);
+    if (number.size() < name->size() || number.find_first_not_of("0123456789") == std::string_view::npos) {
+        return openFileOfNumber(number);
     }
     const SystemFile file = theSystem().open(*name, OpenFor::replacing);
     return file == SystemFile::none ? std::nullopt : std::optional(file);

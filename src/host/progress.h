@@ -1,5 +1,5 @@
-// How far a run has come, for programs that wait for it. Where the variable GRIDFORGE_PROGRESS names a file, or as
-// "fd:7" an open one by its number above 2, a line of JSON goes there at the first read or write, then at most once a second
+// How far a run has come, for programs that wait for it. Where the variable GRIDFORGE_PROGRESS names a file, or by
+// its number above 2, as "7" or "fd:7", an open one, a line of JSON goes there at the first read or write, then at most once a second
 // while something is read or written, and at the end of the run:
 //
 //     {"seconds": 3.1, "read": 52428800, "written": 0, "objects": 12}

@@ -81,7 +81,8 @@ TEST(ProgressCli, NothingElseChanges)
 {
     std::map<std::string, std::string> files;
     std::string console;
-    for (const char* const place : {"", "lines", "none/lines", "fd:1", "fd:2", "fd:77"}) {
+    for (const char* const place :
+         {"", "lines", "none/lines", "fd:1", "fd:2", "fd:77", "1", "77", "99999999999999999999"}) {
         ToolRun run("-b -max a.asc b.flt");
         run.environment("GRIDFORGE_PROGRESS", place);
         run.give("a.asc", ascGrid(wideGrid()));

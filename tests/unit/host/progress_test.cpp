@@ -161,7 +161,8 @@ TEST_F(ProgressTest, PlacesThatCannotBeUsedCountAsNone)
     System closed = clockedSystem();
     closed.inherited = [](std::int64_t) { return SystemFile::none; };
     useSystem(closed);
-    for (const char* const place : {" ", "none/lines", "fd:", "fd:x", "fd:1", "fd:2", "fd:-4", "fd:77"}) {
+    for (const char* const place :
+         {" ", "none/lines", "fd:", "fd:x", "fd:1", "fd:2", "fd:-4", "fd:77", "1", "2", "77"}) {
         const Environment environment({{"GRIDFORGE_PROGRESS", place}});
         startProgress();
         EXPECT_EQ(&theSystem(), &closed) << place;
@@ -171,7 +172,6 @@ TEST_F(ProgressTest, PlacesThatCannotBeUsedCountAsNone)
 TEST_F(ProgressTest, AnOpenFileIsNamedByItsNumber)
 {
     static std::string told;
-    told.clear();
     System numbered = clockedSystem();
     numbered.inherited = [](std::int64_t number) { return number == 77 ? SystemFile{77} : SystemFile::none; };
     numbered.write = [](SystemFile file, std::span<const char> bytes) {
@@ -180,13 +180,16 @@ TEST_F(ProgressTest, AnOpenFileIsNamedByItsNumber)
         return static_cast<std::int64_t>(bytes.size());
     };
     numbered.close = [](SystemFile) { return true; };
-    useSystem(numbered);
-    const Environment environment({{"GRIDFORGE_PROGRESS", "fd:77"}});
-    startProgress();
-    countObject();
-    endProgress();
     const std::string line = "{\"seconds\": 0.0, \"read\": 0, \"written\": 0, \"objects\": 1}\n";
-    EXPECT_EQ(told, line + line);
+    for (const char* const place : {"fd:77", "77"}) {
+        told.clear();
+        useSystem(numbered);
+        const Environment environment({{"GRIDFORGE_PROGRESS", place}});
+        startProgress();
+        countObject();
+        endProgress();
+        EXPECT_EQ(told, line + line) << place;
+    }
 }
 
 } // namespace
