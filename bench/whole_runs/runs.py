@@ -28,6 +28,10 @@ def wide(size):
     return "" if size == 4000 else ", {0:,} x {0:,} cells".format(size)
 
 
+def named(name, size):
+    return name if size == 4000 else "%s_%d" % (name, size)
+
+
 def words(inputs):
     return " ".join(inputs)
 
@@ -36,20 +40,25 @@ def extremes(flag, count, size, source):
     inputs = depths(count, size)
     cells = 4 * size * size
     outputs = {"o.flt": cells, **({"o_src.flt": cells, "o_src_legend.csv": AtLeast(40)} if source else {})}
-    name = "%s%s%s" % (flag, "" if size == 4000 else "_%d" % size, "_source" if source else "")
+    name = named(flag, size) + ("_source" if source else "")
     return Run(name, "`-%s` of %d, %s the source%s" % (flag, count, "with" if source else "without", wide(size)), inputs,
                "-%s %s -out o.flt%s" % (flag, words(inputs), "" if source else " -src"), outputs)
 
 
 def difference(size):
     cells = 4 * size * size
-    return Run("dif" if size == 4000 else "dif_%d" % size, "`-dif` with wet/dry" + wide(size), depths(2, size),
+    return Run(named("dif", size), "`-dif` with wet/dry" + wide(size), depths(2, size),
                "-dif d1.flt d2.flt -out o.flt", {"o.flt": cells, "o_wd.flt": cells})
 
 
 def to_text(size):
-    return Run("conv_to_asc" + ("" if size == 4000 else "_%d" % size), "`-conv`, .flt to .asc" + wide(size), depths(1, size),
+    return Run(named("conv_to_asc", size), "`-conv`, .flt to .asc" + wide(size), depths(1, size),
                "-conv d1.flt", {"d1.asc": AtLeast(8 * size * size)})
+
+
+def to_cells(size):
+    return Run(named("conv_to_flt", size), "`-conv`, .asc to .flt" + wide(size), {"a.asc": "depth_%d_1.asc" % size}, "-conv a.asc",
+               {"a.flt": 4 * size * size})
 
 
 def one(name, about, arguments, outputs, **more):
@@ -57,19 +66,32 @@ def one(name, about, arguments, outputs, **more):
     return Run(name, about, {**depths(1), **more}, arguments, outputs)
 
 
-def statistics(name, flag, kinds):
-    inputs = depths(8)
-    outputs = {"o_%s.flt" % kind: 4 * CELLS for kind in kinds}
-    return Run(name, "`-%s` of 8" % flag, inputs, "-%s %s -out o -flt" % (flag, words(inputs)),
+def statistics(flag, kinds, size):
+    inputs = depths(8, size)
+    outputs = {"o_%s.flt" % kind: 4 * size * size for kind in kinds}
+    return Run(named(flag, size), "`-%s` of 8%s" % (flag, wide(size)), inputs, "-%s %s -out o -flt" % (flag, words(inputs)),
                {**outputs, "o_Src_legend.csv": AtLeast(40)})
 
 
-STATISTICS = ["%s_%s" % (kind, part) for kind in ("Min", "Max", "Mean", "Median") for part in ("Val", "Src")]
+def all_statistics(size):
+    kinds = ["%s_%s" % (kind, part) for kind in ("Min", "Max", "Mean", "Median") for part in ("Val", "Src")]
+    return statistics("statAll", [*kinds, "Frac_Wet"], size)
 
 
-def remap(name, about, flags, outputs):
-    return Run(name, about, {"l.flt": "level_800x5_1.flt", "dem.flt": "ground_4000_0.flt"},
-               "-remap %s-wl l.flt -dem dem.flt" % flags, outputs)
+def remap(name, about, flags, size, **more):
+    return Run(named(name, size), about + wide(size),
+               {"l.flt": "level_%dx5_1.flt" % (size // 5), "dem.flt": "ground_%d_0.flt" % size}, "-remap %s-wl l.flt -dem dem.flt" % flags,
+               {"l_remap_h.flt": 4 * size * size, "l_remap_d.flt": 4 * size * size, **more})
+
+
+def by_tin(size):
+    return remap("remap_tin", "`-remap` by TIN, coarse cells 5 times as wide", "", size)
+
+
+def netcdf(size):
+    inputs = depths(8, size)
+    return Run(named("nc", size), "`-nc` of 8, deflate 1" + wide(size), inputs, "-nc %s -out o.nc" % words(inputs),
+               {"o.nc": AtLeast(size * size)})
 
 
 def marks(where):
@@ -96,10 +118,6 @@ def damages(where, form, objects="polygons"):
                              "c.dmg": "control_%s.dmg" % form}, "-damages c.dmg", outputs)
 
 
-def by_threads(runs, names, threads, suffix, about):
-    return [replace(run, name=run.name + suffix, about=run.about + ", " + about, threads=threads) for run in runs if run.name in names]
-
-
 USUAL = [
     extremes("max", 8, 4000, True),
     extremes("max", 8, 4000, False),
@@ -119,15 +137,13 @@ USUAL = [
     one("resize5", "`-resize5`", "-resize5 d1.flt -out o.flt", {"o.flt": 4 * CELLS // 25}),
     one("histogram", "`-histogram`, 40 bins", "-histogram bins.csv d1.flt", {"d1_histogram.csv": AtLeast(400)},
         **{"bins.csv": "bins_40.csv"}),
-    statistics("statMedian", "statMedian", ["Median_Val", "Median_Src"]),
-    statistics("statAll", "statAll", [*STATISTICS, "Frac_Wet"]),
-    Run("conv_to_flt", "`-conv`, .asc to .flt", {"a.asc": "depth_4000_1.asc"}, "-conv a.asc", {"a.flt": 4 * CELLS}),
+    statistics("statMedian", ["Median_Val", "Median_Src"], 4000),
+    all_statistics(4000),
+    to_cells(4000),
     to_text(4000),
-    remap("remap_tin", "`-remap` by TIN, coarse cells 5 times as wide", "",
-          {"l_remap_h.flt": 4 * CELLS, "l_remap_d.flt": 4 * CELLS}),
-    remap("remap_idw", "`-remap` by IDW, `-bd50`", "-bd50 ",
-          {"l_remap_h.flt": 4 * CELLS, "l_remap_d.flt": 4 * CELLS, "l_h_IDW.flt": 4 * 800 * 800}),
-    Run("nc", "`-nc` of 8, deflate 1", depths(8), "-nc %s -out o.nc" % words(depths(8)), {"o.nc": AtLeast(CELLS)}),
+    by_tin(4000),
+    remap("remap_idw", "`-remap` by IDW, `-bd50`", "-bd50 ", 4000, **{"l_h_IDW.flt": 4 * 800 * 800}),
+    netcdf(4000),
     Run("xyz", "`-xyz` of 4 million points", {"p.xyz": "points_2000.xyz"}, "-xyz p.xyz -out o.flt", {"o.flt": 4 * 2000 * 2000}),
     Run("rf_idw", "`-rf`, 4 steps of 2000 x 2000 cells by IDW",
         {"r.rfc": "rain.rfc", "gauges.mif": "gauges.mif", "hyetograph.csv": "hyetograph.csv"}, "-rf r.rfc",
@@ -143,9 +159,9 @@ USUAL = [
 
 # How the time grows with the cells.
 SIZES = [1000, 2000, 12000, 20000]
-GROWING = [*(extremes("max", 4, size, True) for size in SIZES), difference(12000), *(to_text(size) for size in SIZES)]
+GROWING = [*(extremes("max", 4, size, True) for size in SIZES), difference(12000), *(to_text(size) for size in SIZES),
+           *(to_cells(size) for size in SIZES[:3]), *(by_tin(size) for size in SIZES[:3]),
+           *(all_statistics(size) for size in (1000, 2000, 8000)), *(netcdf(size) for size in (1000, 2000, 8000))]
 
 # What more processors are worth.
-COMPUTING = ["max_source", "dif", "statAll", "conv_to_flt", "conv_to_asc", "remap_tin", "remap_idw", "nc", "xyz", "rf_idw", "cp", "damages"]
-
-RUNS = [*USUAL, *GROWING, *by_threads(USUAL, COMPUTING, 1, "_alone", "one thread")]
+RUNS = [*USUAL, *GROWING, *(replace(run, name=run.name + "_alone", about=run.about + ", one thread", threads=1) for run in USUAL)]
