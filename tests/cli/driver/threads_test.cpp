@@ -62,6 +62,24 @@ void giveSquare(ToolRun& run)
     run.give("by.mid", "\"by\"\n");
 }
 
+// Marks and buildings in the middle of the grids, a curve and classes.
+void giveObjects(ToolRun& run, const std::string& extension)
+{
+    const std::string head = "Version 300\nDelimiter \",\"\nCoordSys NonEarth Units \"m\"\n";
+    run.give("m.mif", head + "Columns 2\n  Obs Float\n  Mark Char(9)\nData\n\nPoint 12.5 9.5\nPoint 30.5 22.5\n");
+    run.give("m.mid", "3,\"west\"\n5,\"east\"\n");
+    run.give("h.mif",
+             head + "Columns 4\n  Prop_Type Char(20)\n  Prop_ID Char(20)\n  FFL Float\n  Multiplier Float\nData\n\n"
+                    "Point 12.5 9.5\nRegion 1\n  4\n20 8\n29 8\n25 19\n20 8\n");
+    run.give("h.mid", "\"Home\",\"h1\",1,1\n\"Home\",\"h2\",2,1\n");
+    run.give("curve.csv", "Depth,Damage\n0,10\n400,500\n");
+    run.give("of_c" + extension + ".dmg",
+             "Maximum Buildings == 9\nRead GIS Buildings == h.mif\nRead Curve Home == curve.csv\n"
+             "Read Result % 1 == c" +
+                 extension + "\nRegion Inspection Method == Avg\n");
+    run.give("k.csv", "Limit,Name\n10,Low\n100,High\n");
+}
+
 Left runWith(const std::string& arguments, const Give& give, const Settings& settings, const std::string& mission = "")
 {
     ToolRun run(("-b " + arguments).c_str());
@@ -145,10 +163,10 @@ TEST(ThreadsCli, ChangeNothingInConversionsTablesAndStatistics)
     compareAll("-statAll -statRank2 a.flt b.flt c.flt", ".flt");
     const Give giveClasses = [](ToolRun& run) {
         giveGrids(run, ".flt");
-        run.give("c.csv", "Limit,Name\n10,Low\n100,High\n");
+        giveObjects(run, ".flt");
     };
-    EXPECT_NE(compare("-classify c.csv -grc -asc a.flt", giveClasses).find("\nFinished.\n"), std::string::npos);
-    EXPECT_NE(compare("-histogram c.csv a.flt", giveClasses).find("\nFinished.\n"), std::string::npos);
+    EXPECT_NE(compare("-classify k.csv -grc -asc a.flt", giveClasses).find("\nFinished.\n"), std::string::npos);
+    EXPECT_NE(compare("-histogram k.csv a.flt", giveClasses).find("\nFinished.\n"), std::string::npos);
 }
 
 // --- Inputs that are out of the ordinary -----------------------------------------------------------------------------
@@ -169,7 +187,11 @@ const std::vector<std::string>& operations()
                                                    "-trans_m2 c.EXT",
                                                    "-fe c.EXT",
                                                    "-trim by.mif c.EXT",
-                                                   "-remap -wl c.EXT -dem a.EXT"};
+                                                   "-remap -wl c.EXT -dem a.EXT",
+                                                   "-classify k.csv c.EXT",
+                                                   "-histogram k.csv c.EXT",
+                                                   "-cp m.mif c.EXT -cpsd9",
+                                                   "-damages of_c.EXT.dmg"};
     return lines;
 }
 
@@ -183,6 +205,7 @@ void compareEach(const std::vector<std::string>& lines, const std::string& messa
         const std::string console = compare(line, [&](ToolRun& run) {
             giveGrids(run, extension);
             giveSquare(run);
+            giveObjects(run, extension);
             spoil(run);
         });
         EXPECT_NE(console.find(message + "\n"), std::string::npos) << line << '\n' << console;
