@@ -84,7 +84,7 @@ const std::vector<Row> kErrors = {
     {"pwrite", "w", ".asc", kNoEffect},
     {"link rename", "w", ".flt .part", kNoEffect},
     {"mmap", "-", "", kNoEffect},
-    {"read close", "-", "", kNoEffect}, // files about the machine, opened by the library of C++
+    {"limits close", "-", "", kNoEffect}, // files about the machine, opened by the library of C++
     {"open read close", "r", "read_ahead_kb", kNoEffect},
 
     // Writing.
@@ -245,7 +245,7 @@ std::vector<Fault> faultsOf(const SystemCall& call)
     };
     if (isAmong(f, "malloc mmap")) {
         add(Kind::error, {ENOMEM});
-    } else if (isAmong(f, "read pread")) {
+    } else if (isAmong(f, "read limits pread")) {
         add(Kind::error, {EIO});
     } else if (isAmong(f, "write pwrite fallocate")) {
         add(Kind::error, {ENOSPC, EIO});
@@ -259,10 +259,10 @@ std::vector<Fault> faultsOf(const SystemCall& call)
     if (f == "opendir") {
         add(Kind::error, {ENOMEM});
     }
-    if (isAmong(f, "open read pread write pwrite close ftruncate fallocate")) {
+    if (isAmong(f, "open read limits pread write pwrite close ftruncate fallocate")) {
         add(Kind::interruption, {EINTR});
     }
-    if (isAmong(f, "read pread write pwrite") && call.bytes > 1) {
+    if (isAmong(f, "read limits pread write pwrite") && call.bytes > 1) {
         add(Kind::half, {0});
     }
     return faults;

@@ -12,8 +12,8 @@ std::size_t processorsToUse();
 // Bytes that the machine, the limits of the process and its control groups still allow.
 std::uint64_t memoryLeftToTake();
 
-// What the control groups of the process allow it: whole processors, rounded up, and bytes that are left; the largest number where
-// they set no limit. The files of the system that say so are looked for below `root`, which is empty except in tests.
+// What the control groups of the process, of version 1 and 2, allow it: whole processors, rounded up, and bytes that are left; the
+// largest number where they set no limit. The files of the system that say so are looked for below `root`, which is empty except in tests.
 std::size_t processorsOfGroups(const std::string& root);
 std::uint64_t memoryLeftInGroups(const std::string& root);
 
