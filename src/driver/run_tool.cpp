@@ -7,6 +7,7 @@
 #include "driver/validate.h"
 #include "gis/layer_table.h"
 #include "host/ends.h"
+#include "host/limits.h"
 #include "host/units.h"
 
 #include <string_view>
@@ -37,6 +38,7 @@ void runTool(const std::vector<std::string>& arguments)
 
     CommandLine line = scanArguments(arguments);
     validate(line);
+    askForLimits();
     const run::InputFileList inputs = run::expandInputs(line.rawInputList);
     runOperation(line, inputs);
     endFinished(get<run::Common>(line.settings).batch);

@@ -1,6 +1,7 @@
 #include "grid/cell_store.h"
 
 #include "host/environment.h"
+#include "host/limits.h"
 #include "host/positions.h"
 
 #include <algorithm>
@@ -34,8 +35,8 @@ std::int64_t placeOf(std::size_t cell)
 // The other half is for the buffers of the run and the system's cache of its files.
 std::uint64_t bytesThatMayWait()
 {
-    static const std::uint64_t share = theSystem().memoryLeft() / 2;
-    return environmentNumber("GRIDFORGE_MEMORY").value_or(share);
+    const auto asked = environmentNumber("GRIDFORGE_MEMORY");
+    return asked ? *asked : memoryToTake() / 2;
 }
 
 CellStore& CellStore::operator=(CellStore&& other) noexcept

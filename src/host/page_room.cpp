@@ -1,6 +1,7 @@
 #include "host/page_room.h"
 
 #include "host/environment.h"
+#include "host/limits.h"
 #include "host/system.h"
 
 #include <atomic>
@@ -21,9 +22,8 @@ std::atomic<std::uint64_t>& bytesInPages()
 std::uint64_t mostInMemory()
 {
     constexpr std::uint64_t kBuffers = std::uint64_t{64} << 20;
-    static const std::uint64_t free = nativeSystem().memoryLeft();
     const auto asked = environmentNumber("GRIDFORGE_MEMORY");
-    return asked ? kBuffers + *asked : free - free / 8;
+    return asked ? kBuffers + *asked : memoryToTake() - memoryToTake() / 8;
 }
 
 void* takeInAFile(const PageRoom& room, std::size_t bytes)

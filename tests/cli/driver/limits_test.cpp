@@ -86,6 +86,23 @@ TEST(LimitsCli, MemoryForNoPiece)
     EXPECT_NO_OTHER_FILES(run);
 }
 
+// Later the run may have as many files open as it may.
+TEST(LimitsCli, AreLookedUpBeforeAnInputIsOpened)
+{
+    ToolRun run("-b -dif a.flt b.flt -out m.asc");
+    giveFlt(run, "a", kCells);
+    giveFlt(run, "b", kCells);
+    askSystem(run, "watch", "calls");
+    run.start();
+    EXPECT_TRUE(run.reachedEnd()) << run.console();
+    const std::string calls = run.read("calls");
+    const std::size_t last = calls.rfind("\tlimits\t");
+    const std::size_t firstOpened = calls.find("\topen\t");
+    ASSERT_NE(last, std::string::npos);
+    ASSERT_NE(firstOpened, std::string::npos);
+    EXPECT_LT(last, firstOpened);
+}
+
 // --- Files -----------------------------------------------------------------------------------------------------------
 
 TEST(LimitsCli, OpenFiles)
