@@ -38,11 +38,11 @@ constexpr std::int64_t kSide = 3000;
 constexpr std::int64_t kBytes = kSide * kSide * sizeof(float); // 36 MB
 
 // A grid of zeros, which takes no room on the disk.
-void giveLargeFlt(ToolRun& run, const std::string& name)
+void giveLargeFlt(ToolRun& run, const std::string& name, std::int64_t side = kSide)
 {
-    run.give(name + ".hdr", hdr(kSide, kSide));
+    run.give(name + ".hdr", hdr(side, side));
     run.give(name + ".flt", "");
-    std::filesystem::resize_file(run.folder() / (name + ".flt"), kBytes);
+    std::filesystem::resize_file(run.folder() / (name + ".flt"), static_cast<std::uintmax_t>(side * side) * 4);
 }
 
 // --- Memory ----------------------------------------------------------------------------------------------------------
@@ -101,6 +101,45 @@ TEST(LimitsCli, AreLookedUpBeforeAnInputIsOpened)
     ASSERT_NE(last, std::string::npos);
     ASSERT_NE(firstOpened, std::string::npos);
     EXPECT_LT(last, firstOpened);
+}
+
+// The terrain of 100 MB does not fit below the limit, in memory or as a mapped file, but the tool with a small one does.
+TEST(LimitsCli, MemoryForNoWholeGrid)
+{
+    if (!canLimitMemory()) {
+        GTEST_SKIP() << "a sanitizer has taken its memory before";
+    }
+    for (const std::int64_t side : {5000, 50}) {
+        LimitedRun run("ulimit -v 90000; exec $TOOL -b -remap -idw_npt4 -wl wl.asc -dem dem.flt"); // kB
+        run.environment("GRIDFORGE_THREADS", "2");
+        run.give("wl.asc", ascGrid(Cells(10, std::vector<double>(10, 2.5)), {.cellsize = 5}));
+        giveLargeFlt(run, "dem", side);
+        run.start();
+        EXPECT_EQ(run.status(), 0);
+        EXPECT_EQ(run.error(), "");
+        if (side == 50) {
+            EXPECT_TRUE(run.reachedEnd()) << run.console();
+        } else {
+            EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Could not allocate enough memory (RAM)."));
+            EXPECT_NO_OTHER_FILES(run);
+        }
+    }
+}
+
+// The NetCDF library is loaded when it is needed.
+TEST(LimitsCli, MemoryForNoLibrary)
+{
+    if (!canLimitMemory()) {
+        GTEST_SKIP() << "a sanitizer has taken its memory before";
+    }
+    LimitedRun run("ulimit -v 20000; exec $TOOL -b -nc a.asc");
+    run.give("a.asc", ascGrid(kCells));
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_THAT(run.console(), HasSubstr("\nERROR - With nectdf call nf90_create\nNetcdf error message: "));
+    EXPECT_THAT(run.console(), testing::EndsWith(kExits));
+    EXPECT_NO_OTHER_FILES(run);
 }
 
 // --- Files -----------------------------------------------------------------------------------------------------------
