@@ -2,6 +2,7 @@
 #include "support/consoles.h"
 #include "support/grids.h"
 #include "support/layer_files.h"
+#include "support/network_layers.h"
 #include "support/paths.h"
 #include "support/process_limits.h"
 #include "support/shp_bytes.h"
@@ -43,6 +44,32 @@ void giveLargeFlt(ToolRun& run, const std::string& name, std::int64_t side = kSi
     run.give(name + ".hdr", hdr(side, side));
     run.give(name + ".flt", "");
     std::filesystem::resize_file(run.folder() / (name + ".flt"), static_cast<std::uintmax_t>(side * side) * 4);
+}
+
+// The lower left of the cells is within the region.
+void giveRegion(ToolRun& run)
+{
+    run.give("r.mif", mifHeader({"Name Char(8)"}) + "Region 1\n5\n0 0\n2 0\n2 1\n0 1\n0 0\n");
+    run.give("r.mid", "\"one\"\n");
+}
+
+// Layers, points, tables and control files for runs over a.asc: of layers r has regions, l points and k lines.
+void giveOtherInputs(ToolRun& run)
+{
+    run.give("a.asc", ascGrid(kCells));
+    giveFlt(run, "f", kCells);
+    giveRegion(run);
+    giveShapefile(
+        run, "l", 1,
+        {.objects = {pointRecord(1.4, 0.4)}, .columns = {{"OBS", 'N', 4}, {"MARK", 'C', 4}}, .values = {"   3left"}});
+    giveShapefile(
+        run, "k", 3,
+        {.objects = {partsRecord(3, {0}, {0.2, 0.2, 2, 1})}, .columns = {{"NAME", 'C', 3}}, .values = {"one"}});
+    run.give("c.csv", "Lower,Upper,Class\n0,2,1\n2,9,2\n");
+    run.give("p.xyz", "0 0 1\n1 0 2\n0 1 3\n1 1 4\n");
+    giveDrawnNetwork(run);
+    run.give("net.nbc", "Read GIS Branch == 1d_branches_t.mif\nRead GIS XS == 1d_cut_t.mif\nSet XS dx == 4\n"
+                        "Read Grid Z == dem.asc\n");
 }
 
 // --- Memory ----------------------------------------------------------------------------------------------------------
@@ -203,21 +230,38 @@ TEST(LimitsCli, SpaceAndQuota)
     }
 }
 
+// The last lines of a run that cannot open an output.
+Lines unopenedOutput(const std::string& file)
+{
+    return errorEnd(cannotOpen(file), "", "Can't open: " + file, "", "Another application or user maybe using it,",
+                    "   or the file's folder does not exist.", "If so, close the file or create file path.",
+                    "Press Enter to Continue");
+}
+
 TEST(LimitsCli, AFolderThatCannotBeWrittenTo)
 {
     const bool isRoot = geteuid() == 0; // to whom all folders are open
     const std::string asUser = isRoot ? "exec setpriv --reuid=65534 --clear-groups $TOOL" : "exec $TOOL";
-    LimitedRun run("chmod 555 in; chmod 755 .; " + asUser + " -b -conv in/a.asc");
-    run.give("in/a.asc", ascGrid(kCells));
-    run.start();
-    std::filesystem::permissions(run.folder() / "in", std::filesystem::perms::owner_all);
-    EXPECT_EQ(run.status(), 0);
-    EXPECT_EQ(run.error(), "");
-    EXPECT_CONSOLE_HOLDS(run, errorEnd(cannotOpen("in/a.hdr"), "", "Can't open: in/a.hdr", "",
-                                       "Another application or user maybe using it,",
-                                       "   or the file's folder does not exist.",
-                                       "If so, close the file or create file path.", "Press Enter to Continue"));
-    EXPECT_FALSE(run.has("in/a.flt") || run.has("in/a.hdr"));
+    const struct {
+        const char* arguments;
+        Lines end;
+    } cases[] = {
+        {"-conv in/a.asc", unopenedOutput("in/a.hdr")},
+        {"-cp l.shp a.asc -out in/x.shp", unopenedOutput("in/x.csv")},
+        {"-lp k.shp -check a.asc -out in/x.shp", unopenedOutput("in/x_P.shp")},
+        {"-nc in/a.asc", errorEnd("ERROR - With nectdf call nf90_create", "Netcdf error message: Permission denied")},
+    };
+    for (const auto& one : cases) {
+        LimitedRun run("chmod 555 in; chmod 755 .; " + asUser + " -b " + one.arguments);
+        run.give("in/a.asc", ascGrid(kCells));
+        giveOtherInputs(run);
+        run.start();
+        std::filesystem::permissions(run.folder() / "in", std::filesystem::perms::owner_all);
+        EXPECT_EQ(run.status(), 0);
+        EXPECT_EQ(run.error(), "");
+        EXPECT_CONSOLE_HOLDS(run, one.end);
+        EXPECT_THAT(run.changedFiles(), testing::Each("in/")); // it is open again
+    }
 }
 
 // The second input is a pipe, at which the run waits until the folder of the first is gone.
@@ -253,6 +297,37 @@ TEST(LimitsCli, AFolderThatGoesWhileABinaryGridWaits)
     }
 }
 
+// The same for a layer, before which the projection comes through the pipe.
+TEST(LimitsCli, AFolderThatGoesBeforeALayerIsOpened)
+{
+    LimitedRun run(
+        "mv k.prj d; mkfifo k.prj; $TOOL -b -lp k.shp -check a.asc -out gone/x.shp > console & exec 3> k.prj; "
+        "rm -r gone; cat d >&3; exec 3>&-; wait; mv d k.prj");
+    run.give("gone/.keep", "");
+    giveOtherInputs(run);
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_THAT(run.read("console"), HasSubstr(cannotOpen("gone/x_P.shp") + "\n\nCan't open: gone/x_P.shp\n"));
+    EXPECT_FALSE(run.has("gone"));
+}
+
+// Outputs that are open by then go with it, and the system reports nothing.
+TEST(LimitsCli, AFolderThatGoesWithAnOpenOutput)
+{
+    for (const char* arguments : {"-nc b.asc -out gone/m.nc", "-cp l.shp b.asc -out gone/x.shp"}) {
+        LimitedRun run("mkfifo b.asc; $TOOL -b " + std::string(arguments) +
+                       " > console & exec 3> b.asc; rm -r gone; cat a.asc >&3; exec 3>&-; wait; rm b.asc");
+        run.give("gone/.keep", "");
+        giveOtherInputs(run);
+        run.start();
+        EXPECT_EQ(run.status(), 0);
+        EXPECT_EQ(run.error(), "");
+        EXPECT_THAT(run.read("console"), HasSubstr("\nFinished.\n"));
+        EXPECT_FALSE(run.has("gone"));
+    }
+}
+
 // --- Names -----------------------------------------------------------------------------------------------------------
 
 TEST(LimitsCli, ANameOf4000Characters)
@@ -269,6 +344,33 @@ TEST(LimitsCli, ANameOf4000Characters)
     EXPECT_EQ(output.error(), "");
     EXPECT_THAT(output.console(), HasSubstr("...Can't Open\n\nCan't open: nnnn"));
     EXPECT_NO_OTHER_FILES(output);
+}
+
+// The name of a layer that no file can have is asked for again, as that of one that is missing. A name, and a line of a control
+// file, counts up to its 1000th character, so a longer name has no ending.
+TEST(LimitsCli, LongNamesOfLayers)
+{
+    const std::string command = "Read GIS Building == ";
+    for (const std::size_t length : {300U, 4000U}) {
+        const std::string layer = std::string(length, 'n') + ".mif";
+        ToolRun named(std::vector<std::string>{"-b", "-trim", layer, "a.asc"});
+        ToolRun read("-b -damages c.dmg");
+        read.give("c.dmg", command + layer + "\n");
+        for (ToolRun* run : {&named, &read}) {
+            run->give("a.asc", ascGrid(kCells));
+            run->start();
+            EXPECT_EQ(run->status(), 0);
+            EXPECT_EQ(run->error(), "");
+            const std::string shown = layer.substr(0, run == &read ? 1000 - command.size() : 1000);
+            EXPECT_CONSOLE_HOLDS(
+                *run,
+                length == 300
+                    ? errorEnd("CHECK 0008 - \"" + layer + "\" cannot be found",
+                               "Check file exists and press enter or enter another file name: ")
+                    : errorEnd("ERROR - Unable to determine gis file type, expecting .mif or .shp. File: " + shown));
+            EXPECT_NO_OTHER_FILES(*run);
+        }
+    }
 }
 
 TEST(LimitsCli, AWildcardAmong10000Files)
@@ -309,28 +411,44 @@ TEST(LimitsCli, BinaryCellsFromPipes)
     EXPECT_GRID(run, "m.asc", {{2, 2, 3}, {4, 6, 6}});
 }
 
-// The lower left of the cells is within the region.
-void giveRegion(ToolRun& run)
+// What is read once and from the first byte to the last.
+TEST(LimitsCli, OtherInputsFromPipes)
 {
-    run.give("l.mif", mifHeader({"Name Char(8)"}) + "Region 1\n5\n0 0\n2 0\n2 1\n0 1\n0 0\n");
-    run.give("l.mid", "\"one\"\n");
+    const struct {
+        const char* name;
+        const char* arguments;
+    } cases[] = {
+        {"r.mid", "-trim r.mif a.asc"},     {"l.dbf", "-cp l.shp a.asc"}, {"l.prj", "-cp l.shp a.asc"},
+        {"c.csv", "-classify c.csv a.asc"}, {"net.nbc", "-nbc net.nbc"},  {"f.hdr", "-max a.asc f.flt -out m.asc"},
+    };
+    for (const auto& one : cases) {
+        const std::string name = one.name;
+        LimitedRun plain(std::string("exec $TOOL -b ") + one.arguments);
+        LimitedRun piped("mv " + name + " d; mkfifo " + name + "; cat d > " + name + " & $TOOL -b " + one.arguments +
+                         "; wait; mv d " + name);
+        for (LimitedRun* run : {&plain, &piped}) {
+            giveOtherInputs(*run);
+            run->start(20s);
+            EXPECT_EQ(run->status(), 0);
+            EXPECT_EQ(run->error(), "");
+            EXPECT_TRUE(run->reachedEnd()) << run->console();
+        }
+        EXPECT_FALSE(plain.changedFiles().empty()) << name;
+        EXPECT_EQ(piped.console(), plain.console());
+        EXPECT_EQ(piped.files(), plain.files());
+    }
 }
 
-// A .mif is opened twice, so only its .mid can be one.
-TEST(LimitsCli, RecordsOfALayerFromAPipe)
+// Points are read from the start a second time.
+TEST(LimitsCli, PointsCannotComeFromAPipe)
 {
-    LimitedRun plain("exec $TOOL -b -trim l.mif a.asc");
-    LimitedRun piped("mv l.mid d; mkfifo l.mid; cat d > l.mid & $TOOL -b -trim l.mif a.asc; wait; mv d l.mid");
-    for (LimitedRun* run : {&plain, &piped}) {
-        run->give("a.asc", ascGrid(kCells));
-        giveRegion(*run);
-        run->start(20s);
-        EXPECT_EQ(run->status(), 0);
-        EXPECT_EQ(run->error(), "");
-        EXPECT_TRUE(run->reachedEnd()) << run->console();
-    }
-    EXPECT_EQ(piped.console(), plain.console());
-    EXPECT_EQ(piped.files(), plain.files());
+    LimitedRun run("mv p.xyz d; mkfifo p.xyz; cat d > p.xyz & $TOOL -b -xyz p.xyz; wait; mv d p.xyz");
+    giveOtherInputs(run);
+    run.start(20s);
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(run.error(), "");
+    EXPECT_CONSOLE_HOLDS(run, errorEnd("ERROR - Reading following line in classes file:", ""));
+    EXPECT_NO_OTHER_FILES(run);
 }
 
 constexpr const char* kDevices[] = {"/dev/null", "/dev/zero", "/dev/full"};
@@ -382,14 +500,27 @@ std::vector<DeviceInput> deviceInputs()
     const Lines noRecord =
         errorEnd("ERROR 0254 - Failed to read object attribute data record for a REGION object in GIS layer.");
     const Lines noLine = errorEnd("ERROR 0201 - Reading text line from file unit number 1001");
+    const Lines noHeader = errorEnd("ERROR 2334 - Reading Grid file header information.", "Line = ");
     return {
-        {"l.mif", "-trim l.mif a.asc", errorEnd("ERROR - Unable to find CoordSys line in l.mif"),
+        {"r.mif", "-trim r.mif a.asc", errorEnd("ERROR - Unable to find CoordSys line in r.mif"),
          errorEnd("ERROR - Reading following line in projection file:", shown)},
-        {"l.mid", "-trim l.mif a.asc", noRecord, noRecord},
+        {"r.mid", "-trim r.mif a.asc", noRecord, noRecord},
         {"c.csv", "-classify c.csv a.asc", errorEnd("ERROR - Less than two classes found."),
          errorEnd("ERROR - Reading following line in classes file:", shown)},
         {"c.dmg", "-damages c.dmg", {kFinished}, noLine},
         {"c.nbc", "-nbc c.nbc", {kFinished}, noLine},
+        {"c.rfc", "-rf c.rfc",
+         errorEnd("ERROR - Rainfall Interpolation method not specified.  Please use \"RF Interpolation Method == \""),
+         noLine},
+        {"n.csv", "-cp l.shp -config n.csv a.asc", errorEnd("ERROR - Less than two thresholds found."),
+         errorEnd("ERROR - Reading following line in classes file:", "")},
+        {"f.hdr", "-max a.asc f.flt -out m.asc", noHeader, noHeader},
+        {"l.shp",
+         "-cp l.shp a.asc",
+         errorEnd("ERROR 0428 - End of .shp file encountered whilst reading header."),
+         {kFinished}}, // zeros are the header of an empty layer
+        {"l.dbf", "-cp l.shp a.asc", errorEnd("ERROR 0404 - End of .dbf file encountered whilst reading header."),
+         errorEnd("ERROR 0402 - dbf field length of 0 is outside allowable range of 1 to 255.")},
         {"a.prj", "-conv a.asc", {kFinished}, errorEnd("ERROR - Reading projection file information.", "Line = ")},
     };
 }
@@ -401,13 +532,13 @@ TEST(LimitsCli, OtherInputsFromDevices)
         for (const char* device : kDevices) {
             const std::string name = input.name;
             LimitedRun run("rm -f " + name + "; ln -s " + device + " " + name + "; exec $TOOL -b " + input.arguments);
-            run.give("a.asc", ascGrid(kCells));
-            giveRegion(run);
+            giveOtherInputs(run);
             run.start(60s);
             EXPECT_EQ(run.status(), 0);
             EXPECT_EQ(run.error(), "");
-            EXPECT_CONSOLE_HOLDS(run, device == "/dev/null"s ? input.empty : input.endless);
-            EXPECT_EQ(run.reachedEnd(), device == "/dev/null"s && input.empty == Lines{kFinished});
+            const Lines& end = device == "/dev/null"s ? input.empty : input.endless;
+            EXPECT_CONSOLE_HOLDS(run, end);
+            EXPECT_EQ(run.reachedEnd(), end == Lines{kFinished});
         }
     }
 }
@@ -498,31 +629,41 @@ TEST(LimitsCli, FilesFromBefore1970)
     EXPECT_GRID(run, "m.asc", {{2, 2, 3}, {4, 6, 6}});
 }
 
-// The clock of the machine stands in 1960. A .dbf has the years since 1900.
-TEST(LimitsCli, AClockBefore1970)
+// A .dbf has the years since 1900 in a byte.
+TEST(LimitsCli, AClockFrom1900To2155)
 {
-    ToolRun run("-b -cp points.shp a.asc");
-    run.give("a.asc", ascGrid(Cells(5, {1, 2, 3, 4, 5})));
-    run.give("points.shp", shpBytes(1, {pointRecord(2.4, 2.4)}));
-    run.give("points.dbf", dbfHeader(1, {{"OBS", 'N', 4}, {"MARK", 'C', 4}}) + "    3left");
-    run.give("points.prj", "PROJCS[\"Test\"]\n");
-    run.environment("GRIDFORGE_PROGRESS", "lines");
-    run.environment("GRIDFORGE_SYSTEM_TIME", "-302184000"); // noon of 4 June 1960, UTC
-    run.environment("TZ", "UTC");
-    askSystem(run, "watch");
-    run.start();
-    EXPECT_EQ(run.status(), 0);
-    EXPECT_EQ(run.error(), "");
-    EXPECT_TRUE(run.reachedEnd()) << run.console();
-    int tables = 0;
-    for (const auto& [name, bytes] : run.files()) {
-        if (name.ends_with(".dbf") && name != "points.dbf") {
-            ++tables;
-            EXPECT_EQ(bytes.substr(1, 3), "\x3C\x06\x04") << name;
+    const struct {
+        const char* seconds;
+        std::string date;
+    } clocks[] = {
+        {"-2208945600", "\0\1\1"s},      // noon of 1 January 1900, UTC
+        {"-302184000", "\x3C\x06\x04"s}, // of 4 June 1960
+        {"5869540800", "\xFF\x0C\x1F"s}, // of 31 December 2155
+    };
+    for (const auto& clock : clocks) {
+        ToolRun run("-b -cp points.shp a.asc");
+        run.give("a.asc", ascGrid(Cells(5, {1, 2, 3, 4, 5})));
+        run.give("points.shp", shpBytes(1, {pointRecord(2.4, 2.4)}));
+        run.give("points.dbf", dbfHeader(1, {{"OBS", 'N', 4}, {"MARK", 'C', 4}}) + "    3left");
+        run.give("points.prj", "PROJCS[\"Test\"]\n");
+        run.environment("GRIDFORGE_PROGRESS", "lines");
+        run.environment("GRIDFORGE_SYSTEM_TIME", clock.seconds);
+        run.environment("TZ", "UTC");
+        askSystem(run, "watch");
+        run.start();
+        EXPECT_EQ(run.status(), 0);
+        EXPECT_EQ(run.error(), "");
+        EXPECT_TRUE(run.reachedEnd()) << run.console();
+        int tables = 0;
+        for (const auto& [name, bytes] : run.files()) {
+            if (name.ends_with(".dbf") && name != "points.dbf") {
+                ++tables;
+                EXPECT_EQ(bytes.substr(1, 3), clock.date) << name;
+            }
         }
+        EXPECT_EQ(tables, 2);
+        EXPECT_THAT(run.read("lines"), testing::StartsWith("{\"seconds\": 0.0, "));
     }
-    EXPECT_EQ(tables, 2);
-    EXPECT_THAT(run.read("lines"), testing::StartsWith("{\"seconds\": 0.0, "));
 }
 
 // Each run leaves what it leaves alone, and nothing else is left.
@@ -549,9 +690,9 @@ TEST(LimitsCli, RunsOfOtherOperationsThatShareAFolder)
         const char* second;
         const char* memory;
     } pairs[] = {
-        {"-trim l.mif a.asc -out x$i.asc", "-fe a.asc -out y$i.asc", ""},
+        {"-trim r.mif a.asc -out x$i.asc", "-fe a.asc -out y$i.asc", ""},
         {"-cp points.mif -out x$i.mif a.asc", "-cp points.mif -out y$i.mif a.asc", ""},
-        {"-max a.asc b.asc -out x$i.flt", "-trim l.mif b.asc -out y$i.flt", "1"},
+        {"-max a.asc b.asc -out x$i.flt", "-trim r.mif b.asc -out y$i.flt", "1"},
     };
     for (const auto& pair : pairs) {
         const std::string commands[] = {"$TOOL -b " + std::string(pair.first) + " > /dev/null",
