@@ -219,6 +219,9 @@ TEST(KillsCheck, PassesTheBeginningsOfTextsAndTables)
     const Files finished = {{"a.asc", "in"}, {"t.csv", "a,b\n1,2\n"}, {"l.mif", "Version"}, {"l.mid", "1\n"}};
     EXPECT_THAT(wrongOf({{"a.asc", "in"}}, finished, {{"a.asc", "in"}, {"t.csv", "a,b\n1"}, {"l.mif", ""}}),
                 testing::IsEmpty());
+    EXPECT_THAT(
+        wrongOf({{"a.asc", "in"}}, finished, {{"a.asc", "in"}, {"t.csv", ""}, {"l.mif", "Version"}, {"l.mid", ""}}),
+        testing::IsEmpty());
 }
 
 TEST(KillsCheck, FindsOtherBytesOtherFilesAndLostInputs)
@@ -228,6 +231,28 @@ TEST(KillsCheck, FindsOtherBytesOtherFilesAndLostInputs)
                 testing::ElementsAre("t.csv does not begin as that of a finished run after a kill",
                                      "t.csv.12.part is left after a kill", "u.tmp is left after a kill",
                                      "the input a.asc is lost after a kill"));
+}
+
+TEST(KillsCheck, PassesGridsThatAreWholeMarkedOrEmpty)
+{
+    const Files finished = {{"a.asc", "ncols 2"}, {"m.hdr", "ncols 3"}, {"m.flt", "cells"}};
+    for (const Files& left :
+         {Files{{"a.asc", "ncols 2"}, {"m.hdr", "ncols 3"}, {"m.flt", "cells"}},
+          Files{{"a.asc", "?cols"}, {"m.hdr", "?cols 3"}, {"m.flt", "other"}},
+          Files{{"a.asc", std::string("?co\0\0 2", 7)}}, Files{{"a.asc", ""}, {"m.hdr", ""}, {"m.flt", ""}}}) {
+        EXPECT_THAT(wrongOf({}, finished, left), testing::IsEmpty());
+    }
+}
+
+TEST(KillsCheck, FindsOtherGrids)
+{
+    const std::string wrong = " is neither whole nor a part of that, marked as such after a kill";
+    const Files finished = {{"a.asc", "ncols 2"}, {"m.hdr", "ncols 3"}, {"m.flt", "cells"}};
+    EXPECT_THAT(wrongOf({}, finished, {{"a.asc", "ncols"}, {"m.hdr", "?rows"}, {"m.flt", "cells+"}}),
+                testing::ElementsAre("a.asc" + wrong, "m.flt is longer than that of a finished run after a kill",
+                                     "m.hdr" + wrong));
+    EXPECT_THAT(wrongOf({}, finished, {{"a.asc", "?cols 2 "}, {"m.hdr", "rows"}}),
+                testing::ElementsAre("a.asc" + wrong, "m.hdr" + wrong));
 }
 
 TEST(KillsCheck, KnowsTheNameOfAGridThatWaitsForItsOwn)

@@ -54,6 +54,26 @@ bool beginsAs(std::string_view name, const std::string& left, const std::string&
     return withoutCompleted(name, finished).starts_with(withoutCompleted(name, left));
 }
 
+// --- Grids -----------------------------------------------------------------------------------------------------------
+
+// An .asc or a .hdr is empty, or whole, or begins with a byte that no header begins with. Several threads write pieces
+// side by side, so it may have gaps between them.
+bool isMarkedPart(const std::string& left, const std::string& finished)
+{
+    const auto isRight = [](char byte, char right) { return byte == right || byte == '\0'; };
+    return left.empty() || left == finished ||
+           (left[0] == '?' && left.size() <= finished.size() &&
+            std::equal(left.begin() + 1, left.end(), finished.begin() + 1, isRight));
+}
+
+std::string wrongGridFile(const std::string& name, const std::string& left, const std::string& finished)
+{
+    if (name.ends_with(".flt")) {
+        return left.size() <= finished.size() ? "" : "is longer than that of a finished run";
+    }
+    return isMarkedPart(left, finished) ? "" : "is neither whole nor a part of that, marked as such";
+}
+
 // --- NetCDF ----------------------------------------------------------------------------------------------------------
 
 struct NetcdfVariable {
@@ -246,7 +266,7 @@ std::string FilesLeft::whatIsWrong(const std::string& name, const std::string& b
         return "is left";
     }
     if (endsInOneOf(name, {".asc", ".flt", ".hdr"})) {
-        return "";
+        return wrongGridFile(name, bytes, whole->second);
     }
     if (name.ends_with(".nc")) {
         return wrongNetcdf(bytes, whole->second);

@@ -1,5 +1,5 @@
-// What a run leaves that was killed, or whose files were refused at the end: the rules of docs/reliability.md for all files
-// except grids, for which whole_grids.h has its own.
+// What a run leaves that was killed, or whose files were refused at the end: the rules of docs/reliability.md for each file.
+// Whether readers take a grid for whole is up to whole_grids.h.
 #pragma once
 
 #include "faults/whole_grids.h"
@@ -15,9 +15,10 @@ namespace gridforge::test {
 // Is `name` that of a whole .flt of `finished` that waits for its own name, as m.flt.1234.part for m.flt?
 bool isPassingName(const std::string& name, const Files& finished);
 
-// Collects files that runs left, and finds those against the rules: no other files than a finished run has; tables, .mif,
-// .mid and .prj begin as the finished ones do, .shp, .shx and .dbf as well, apart from the sizes and the extent in their
-// headers; and a .nc that can be read has values of the finished one or missing ones, or in the classic format is cut short.
+// Collects files that runs left, and finds those against the rules: no other files than a finished run has; an .asc or .hdr
+// that is not whole is empty or begins with `?`, and has bytes of the finished one or gaps; a .flt is not longer; tables, .mif, .mid
+// and .prj begin as the finished ones do, .shp, .shx and .dbf as well, apart from the sizes and the extent in their headers;
+// and a .nc that can be read has values of the finished one or missing ones, or in the classic format is cut short.
 class FilesLeft {
 public:
     FilesLeft(Files before, Files finished);
