@@ -369,8 +369,8 @@ Lines foreignFiles(const SystemRun& run, const SystemRun& good)
 }
 
 // A message about memory is not about a file, nor is the end of input. What has no name cannot be named. Of files that are
-// read one at a time, the message names the file or follows the line about its opening. Of layers and others, several are open at once and the messages are
-// without a name, so the table's row for the ending has to do.
+// read one at a time, the message names the file or follows the line about its opening. Of layers and others, several are open
+// at once and the messages are without a name, so the table's row for the ending has to do.
 bool namesTheFile(const SystemRun& run, const SystemRun& good, const SystemCall& call)
 {
     if (isAmong(call.function, "malloc mmap") || call.role == 'c') {
