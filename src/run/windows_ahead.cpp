@@ -193,11 +193,11 @@ Way workThroughAll(const grid::GridLook& look, std::span<const ObjectWindow> win
     }
     const std::size_t usual = mostCellsOfUsualPart();
     const auto large =
-        std::ranges::partition(parts, [usual](const Part& part) { return cellsOf(part.window) <= usual; });
+        std::partition(parts.begin(), parts.end(), [usual](const Part& part) { return cellsOf(part.window) <= usual; });
     const Source source{file, look.header, windows, work};
-    Way way = workThrough(source, {parts.begin(), large.begin()}, threadCount() * usual);
+    Way way = workThrough(source, {parts.begin(), large}, threadCount() * usual);
     if (way == Way::ahead) {
-        way = workThrough(source, large, look.header.cells());
+        way = workThrough(source, {large, parts.end()}, look.header.cells());
     }
     theSystem().close(file);
     return way;
