@@ -39,6 +39,12 @@ std::uint64_t bytesThatMayWait()
     return asked ? *asked : memoryToTake() / 2;
 }
 
+std::uint64_t bytesThatMayStillWait()
+{
+    const std::uint64_t most = bytesThatMayWait();
+    return most - std::min<std::uint64_t>(waitingBytes(), most);
+}
+
 CellStore& CellStore::operator=(CellStore&& other) noexcept
 {
     std::swap(memory_, other.memory_);
@@ -90,7 +96,7 @@ bool CellStore::openFromSouth(const std::string& file, std::size_t cells, std::s
 bool CellStore::takeMemory(std::size_t cells)
 {
     const std::uint64_t bytes = std::uint64_t{cells} * sizeof(float);
-    if (waitingBytes() + bytes > bytesThatMayWait() || !memory_.allocate(cells)) {
+    if (bytes > bytesThatMayStillWait() || !memory_.allocate(cells)) {
         return false;
     }
     waitingBytes() += bytes;

@@ -73,6 +73,8 @@ private:
 
 // How many bytes of cells may wait in memory.
 std::uint64_t bytesThatMayWait();
+// Of these, what no store has taken yet.
+std::uint64_t bytesThatMayStillWait();
 
 // How many times cells went to a file in this process. For tests: nothing else shows it.
 std::size_t filesOfCells();

@@ -41,7 +41,7 @@ bool CellWriter::takeRooms(std::size_t grids)
     const std::size_t wanted = threads == 1 ? 1 : std::min(threads * kChunksPerThread, grids * chunksOfGrid());
     const std::uint64_t bytesEach = 2 * std::uint64_t{dataset_->form().bytes()};
     const auto mayWait =
-        static_cast<std::size_t>(std::min<std::uint64_t>(grid::bytesThatMayWait() / bytesEach, wanted));
+        static_cast<std::size_t>(std::min<std::uint64_t>(grid::bytesThatMayStillWait() / bytesEach, wanted));
     return takeRoomsOf(std::max<std::size_t>(mayWait, 1)) || takeRoomsOf(1);
 }
 

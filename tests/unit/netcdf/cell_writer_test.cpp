@@ -162,6 +162,11 @@ TEST(CellWriter, GridsOfFewChunksArePackedSeveralAtATime)
     EXPECT_EQ(together("6", "720"), 2U); // of 2 * 60 bytes a chunk
     EXPECT_EQ(together("6", "1"), 1U);
     EXPECT_EQ(together("6", "1000000", 3), 3U); // no more come
+
+    const Environment environment = inChunks("6", "720");
+    grid::CellStore cells;
+    ASSERT_TRUE(cells.take(90, folder.path().string())); // 360 bytes, which leaves room for three chunks
+    EXPECT_EQ(together("6", "720"), 1U);
 }
 
 // Rooms for many chunks, for one, or for none, where the library gets the cells.
