@@ -100,7 +100,7 @@ std::string hintsOfTrim(const ScratchFolder& folder)
         run::InputFileList inputs;
         inputs.add("a.flt");
         ops::runTrim({}, {.layer = "r.mif"}, inputs);
-        std::ofstream("hints.txt") << hints;
+        std::ofstream("hints.txt", std::ios::binary) << hints;
     });
     EXPECT_FALSE(run.ended) << run.console;
     return folder.read("hints.txt");
