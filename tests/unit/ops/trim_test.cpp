@@ -118,7 +118,7 @@ TEST(RunTrim, JumpsOverTheRestOfLongRows)
 {
     const ScratchFolder folder;
     folder.give("a.hdr", hdr(70'000, 5));
-    folder.give("a.flt", std::string(70'000 * 5 * sizeof(float), '\0'));
+    folder.give("a.flt", std::string(std::size_t{70'000} * 5 * sizeof(float), '\0'));
     EXPECT_EQ(hintsOfTrim(folder), "");
 }
 
