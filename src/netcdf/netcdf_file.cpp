@@ -10,6 +10,7 @@
 #include <array>
 #include <cassert>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -58,7 +59,8 @@ bool canBeNamed(std::string_view name)
 // The lines of the console would get among what the library writes.
 bool getsConsole(std::string_view name)
 {
-    const SystemFile output = theSystem().inherited(1);
+    constexpr std::int64_t kStandardOutput = 1;
+    const SystemFile output = theSystem().inherited(kStandardOutput);
     const std::optional<FileFacts> facts = output == SystemFile::none ? std::nullopt : theSystem().factsOfOpen(output);
     return facts && facts->identity.regular && facts->identity == identityOfOutput(name);
 }
