@@ -1,8 +1,10 @@
 // The module that stands before the calls of the system, on a program of several threads.
 #include "faults/system_run.h"
 
+#include "support/grids.h"
 #include "support/paths.h"
 
+#include <algorithm>
 #include <csignal>
 #include <gmock/gmock.h>
 #include <numeric>
@@ -43,6 +45,17 @@ TEST(SystemModule, FailsOneCallOfAllThreads)
     EXPECT_EQ(run.status, 1);
     ASSERT_EQ(run.calls.size(), 1U);
     EXPECT_EQ(run.calls[0].number, 5000);
+}
+
+// Allocations are failed by their number, which may not depend on the digits of the process.
+TEST(SystemModule, GivesEveryProcessTheSameNumber)
+{
+    const FaultRun conversion = {"Conversion", "-b -conv a.asc",
+                                 [](ToolRun& run) { run.give("a.asc", ascGrid({{5}})); }, true};
+    const SystemRun run = runSystem(conversion, "watch");
+    const auto link = std::ranges::find(run.calls, "link", &SystemCall::function);
+    ASSERT_NE(link, run.calls.end());
+    EXPECT_EQ(link->file, "a.flt.54321.part");
 }
 
 // A thread may make a call while another is killed, so there may be cells too many.

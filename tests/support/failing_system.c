@@ -12,7 +12,8 @@
  *
  * "limits" are reads of what the system tells of itself and of limits. How many there are depends on the machine.
  *
- * The clock stands at GRIDFORGE_SYSTEM_TIME, in seconds since 1970, or at a moment of 2020.
+ * The clock stands at GRIDFORGE_SYSTEM_TIME, in seconds since 1970, or at a moment of 2020. The process is told the same
+ * number of itself in every run.
  *
  * The file GRIDFORGE_SYSTEM_LOG gets a line for each call that is watched, and for each that is not passed on:
  *
@@ -348,7 +349,7 @@ struct Verdict {
 
 static void die(void)
 {
-    syscall(SYS_kill, getpid(), SIGKILL);
+    syscall(SYS_kill, syscall(SYS_getpid), SIGKILL);
 }
 
 /* Places where memory was asked for already: only the first call of each is logged. */
@@ -713,6 +714,12 @@ int clock_gettime(clockid_t clock, struct timespec* moment)
         return 0;
     }
     return (int)syscall(SYS_clock_gettime, clock, moment);
+}
+
+/* The number is in the names of passing files: one of fewer digits took fewer allocations. */
+pid_t getpid(void)
+{
+    return armed ? 54321 : (pid_t)syscall(SYS_getpid);
 }
 
 /* --- Memory, except where a sanitizer has routines of its own ---------------------------------------------------------- */
