@@ -580,6 +580,18 @@ TEST(CpCli, ASinglePointNeedsTwoAttributes)
                                "ERROR - Expecting at least 2 GIS attirbutes for input calibration point layer."});
 }
 
+// The header of the result is written before any point is read, and its second column has no type.
+TEST(CpCli, AShapefileOfOneAttributeEndsWithTheHeaderOfTheResult)
+{
+    ToolRun run("-b -cp p.shp dem.asc");
+    giveShpMarks(run, {pointRecord(4.3, 4.4)}, {{"OBS", 'N', 6}}, {"    40"});
+    run.start();
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_CONSOLE_HOLDS(run, {"Should not be here [Unrecognised DBF field] - please contact SUPPORT_CONTACT."});
+    EXPECT_THAT(run.console(), Not(HasSubstr("Searching for Points...")));
+    EXPECT_EQ(run.read("p_Res_P.dbf"), "");
+}
+
 TEST(CpCli, ADataLineThatCannotBeReadEndsTheRun)
 {
     for (const std::string line : {"forty,a", "40", "40,\"a\"", ""}) {
