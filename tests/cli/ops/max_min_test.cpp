@@ -147,6 +147,22 @@ struct OtherGrid {
     std::vector<std::string> messages;
 };
 
+TEST(MaxMinCli, EachGridIsComparedWithTheFirst)
+{
+    for (const bool binary : {false, true}) {
+        ToolRun run(binary ? "-b -max a.flt b.flt c.flt -out m.asc" : "-b -max a.asc b.asc c.asc -out m.asc");
+        double xll = 0;
+        for (const std::string base : {"a", "b", "c"}) {
+            binary ? giveFlt(run, base, {{1, 2}}, {.xll = xll})
+                   : run.give(base + ".asc", ascGrid({{1, 2}}, {.xll = xll}));
+            xll += 0.0078125; // within the tolerance of the grid before
+        }
+        run.start();
+        EXPECT_CONSOLE_HOLDS(run, {"ERROR - x coordinates of input grids do not match. xll = 0. and 0.015625"});
+        EXPECT_FALSE(run.has("m.asc"));
+    }
+}
+
 TEST(MaxMinCli, GridsOfAnotherLatticeAreRefusedByEachDifference)
 {
     const std::string closing = "ERROR - dimensions of grids do not match (see above for details).";

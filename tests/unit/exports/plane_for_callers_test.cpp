@@ -20,8 +20,12 @@ TEST(Angles, BetweenTwoSegments)
 {
     EXPECT_EQ(ANGLE2D(0, 0, 1, 0, 0, 0, 1, 1), 45.0F);
     EXPECT_EQ(ANGLE2D(5, 5, 6, 6, 2, 0, 3, 0), 45.0F);
+    EXPECT_EQ(ANGLE2D(2, 0, 3, 0, 5, 4, 6, 5), 45.0F);
     // Directions 135 and -135 degrees: 270 apart, so 90.
     EXPECT_EQ(ANGLE2D(0, 0, -1, 1, 0, 0, -1, -1), 90.0F);
+    // Directions 90 and -90 degrees, and a tenth beyond each of them.
+    const double tenth = std::tan(0.1 * std::acos(-1.0) / 180);
+    EXPECT_NEAR(ANGLE2D(0, 0, -tenth, 1, 0, 0, -tenth, -1), 179.8F, 1e-3F);
     EXPECT_EQ(ANGLE2D(0, 0, 1, 0, 0, 0, -1, 0), 180.0F);
 }
 

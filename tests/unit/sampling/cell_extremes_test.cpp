@@ -4,6 +4,7 @@
 #include "plane/geometry.h"
 #include "support/searched_cells.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <functional>
@@ -108,6 +109,33 @@ TEST(CellExtremes, AreThoseOfThePlainLoop)
     EXPECT_GT(searched, 800);
     EXPECT_GT(found, 500);
     EXPECT_LT(found, searched);
+}
+
+// The lowest and the highest cell of a tile may lie in the circle and outside the window.
+TEST(CellExtremes, AreThoseOfTheWindow)
+{
+    constexpr std::array<std::array<std::int32_t, 2>, 4> kSpots = {{{70, 70}, {70, 80}, {80, 80}, {80, 70}}};
+    for (std::size_t first = 0; first < kSpots.size(); ++first) {
+        SearchedGrid made;
+        setLattice(made, 150, 150, false, 1);
+        const GridHeader& h = made.header;
+        std::ranges::fill(made.cells.cells(), 0.0F);
+        for (std::size_t i = 0; i < kSpots.size(); ++i) {
+            const auto [row, column] = kSpots[(first + i) % kSpots.size()];
+            made.cells(row, column) = std::array{2.0F, -2.0F, -1.0F, 1.0F}[i];
+        }
+        sampling::ExtremeSearch extremes(h, made.cells);
+        const sampling::CellSearch whole = sampling::searchAround(h, 75, 75, 60);
+        for (std::int32_t CellWindow::*side :
+             {&CellWindow::firstRow, &CellWindow::lastRow, &CellWindow::firstColumn, &CellWindow::lastColumn}) {
+            sampling::CellSearch search = whole;
+            search.window.*side = 75;
+            const sampling::FoundExtremes wanted = plainExtremes(search, h, made.cells);
+            const sampling::FoundExtremes got = extremes.find(search);
+            expectSame(got.lowest, wanted.lowest);
+            expectSame(got.highest, wanted.highest);
+        }
+    }
 }
 
 TEST(CellExtremes, OfOddCellsAreThoseOfThePlainLoop)

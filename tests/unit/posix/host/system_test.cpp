@@ -1,7 +1,12 @@
 #include "host/system.h"
 
+#include "host/console.h"
+#include "support/child_run.h"
+#include "support/scratch_folder.h"
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -40,6 +45,19 @@ TEST(NativeSystem, WaitsForAConsoleThatIsNotReady)
         close(descriptor);
     }
     EXPECT_EQ(got.size(), text.size());
+}
+
+// What an earlier call left behind is no reason to read again.
+TEST(NativeSystem, TakesTheEndOfTheConsoleForTheEnd)
+{
+    const ScratchFolder folder;
+    const ChildRun child = runInChild(folder, [] {
+        alarm(10); // seconds
+        std::array<char, 4> some{};
+        errno = EINTR;
+        say(nativeSystem().readConsole(some) == 0 ? "the end" : "more");
+    });
+    EXPECT_EQ(child.console, "the end\n");
 }
 
 } // namespace

@@ -1,10 +1,14 @@
 #include "host/posix/resources.h"
 
+#include "host/console.h"
+#include "support/child_run.h"
+#include "support/process_limits.h"
 #include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
+#include <sys/resource.h>
 
 namespace gridforge::test {
 namespace {
@@ -213,6 +217,28 @@ TEST(ProcessorsOfGroups, AreNotThoseOfOtherControllers)
     limitProcessors(groups, "/cpuset/one", "200000", "100000");
     limitProcessors(groups, "/cpuacct/one", "200000", "100000");
     EXPECT_EQ(groups.processors(), std::numeric_limits<std::size_t>::max());
+}
+
+// --- The process -----------------------------------------------------------------------------------------------------
+
+TEST(MemoryLeft, IsWithinWhatALimitOfTheProcessLeaves)
+{
+    if (!canLimitMemory()) {
+        GTEST_SKIP() << "memory is not limited here";
+    }
+    constexpr rlim_t kLimit = rlim_t{512} << 20;
+    ASSERT_GT(memoryLeftToTake(), kLimit);
+    for (const auto resource : {RLIMIT_AS, RLIMIT_DATA}) {
+        const ScratchFolder folder;
+        const ChildRun child = runInChild(folder, [&] {
+            rlimit limit = {};
+            getrlimit(resource, &limit);
+            limit.rlim_cur = kLimit;
+            setrlimit(resource, &limit);
+            say(memoryLeftToTake() < kLimit ? "within" : "beyond");
+        });
+        EXPECT_EQ(child.console, "within\n");
+    }
 }
 
 // --- Both versions ---------------------------------------------------------------------------------------------------
