@@ -153,8 +153,11 @@ TEST(MaxMinCli, EachGridIsComparedWithTheFirst)
         ToolRun run(binary ? "-b -max a.flt b.flt c.flt -out m.asc" : "-b -max a.asc b.asc c.asc -out m.asc");
         double xll = 0;
         for (const std::string base : {"a", "b", "c"}) {
-            binary ? giveFlt(run, base, {{1, 2}}, {.xll = xll})
-                   : run.give(base + ".asc", ascGrid({{1, 2}}, {.xll = xll}));
+            if (binary) {
+                giveFlt(run, base, {{1, 2}}, {.xll = xll});
+            } else {
+                run.give(base + ".asc", ascGrid({{1, 2}}, {.xll = xll}));
+            }
             xll += 0.0078125; // within the tolerance of the grid before
         }
         run.start();

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <numbers>
 #include <vector>
 
 namespace gridforge::exports {
@@ -24,7 +25,7 @@ TEST(Angles, BetweenTwoSegments)
     // Directions 135 and -135 degrees: 270 apart, so 90.
     EXPECT_EQ(ANGLE2D(0, 0, -1, 1, 0, 0, -1, -1), 90.0F);
     // Directions 90 and -90 degrees, and a tenth beyond each of them.
-    const double tenth = std::tan(0.1 * std::acos(-1.0) / 180);
+    const double tenth = std::tan(0.1 * std::numbers::pi / 180);
     EXPECT_NEAR(ANGLE2D(0, 0, -tenth, 1, 0, 0, -tenth, -1), 179.8F, 1e-3F);
     EXPECT_EQ(ANGLE2D(0, 0, 1, 0, 0, 0, -1, 0), 180.0F);
 }

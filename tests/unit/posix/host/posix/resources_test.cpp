@@ -219,28 +219,6 @@ TEST(ProcessorsOfGroups, AreNotThoseOfOtherControllers)
     EXPECT_EQ(groups.processors(), std::numeric_limits<std::size_t>::max());
 }
 
-// --- The process -----------------------------------------------------------------------------------------------------
-
-TEST(MemoryLeft, IsWithinWhatALimitOfTheProcessLeaves)
-{
-    if (!canLimitMemory()) {
-        GTEST_SKIP() << "memory is not limited here";
-    }
-    constexpr rlim_t kLimit = rlim_t{512} << 20;
-    ASSERT_GT(memoryLeftToTake(), kLimit);
-    for (const auto resource : {RLIMIT_AS, RLIMIT_DATA}) {
-        const ScratchFolder folder;
-        const ChildRun child = runInChild(folder, [&] {
-            rlimit limit = {};
-            getrlimit(resource, &limit);
-            limit.rlim_cur = kLimit;
-            setrlimit(resource, &limit);
-            say(memoryLeftToTake() < kLimit ? "within" : "beyond");
-        });
-        EXPECT_EQ(child.console, "within\n");
-    }
-}
-
 // --- Both versions ---------------------------------------------------------------------------------------------------
 
 TEST(Groups, OfBothVersionsCount)
@@ -285,6 +263,28 @@ TEST(Groups, AreNoneWhereNoTreeIsSeen)
     groups.give("/one", "memory.max", "5\n");
     EXPECT_EQ(groups.processors(), std::numeric_limits<std::size_t>::max());
     EXPECT_EQ(groups.memoryLeft(), kNoLimit);
+}
+
+// --- The process -----------------------------------------------------------------------------------------------------
+
+TEST(MemoryLeft, IsWithinWhatALimitOfTheProcessLeaves)
+{
+    if (!canLimitMemory()) {
+        GTEST_SKIP() << "memory is not limited here";
+    }
+    constexpr rlim_t kLimit = rlim_t{512} << 20;
+    ASSERT_GT(memoryLeftToTake(), kLimit);
+    for (const auto resource : {RLIMIT_AS, RLIMIT_DATA}) {
+        const ScratchFolder folder;
+        const ChildRun child = runInChild(folder, [&] {
+            rlimit limit = {};
+            getrlimit(resource, &limit);
+            limit.rlim_cur = kLimit;
+            setrlimit(resource, &limit);
+            say(memoryLeftToTake() < kLimit ? "within" : "beyond");
+        });
+        EXPECT_EQ(child.console, "within\n");
+    }
 }
 
 } // namespace
